@@ -1,0 +1,40 @@
+# Switches of the build, and the compiler settings that hold for every target.
+
+option(CORVANE_DEVELOPER_MODE "Strict warnings as errors, tests and graph checks" OFF)
+option(CORVANE_DEFAULT_HOST "Build the default host and link the engine to it" ON)
+option(CORVANE_BUILD_TOOLS "Build the command line tool" ${PROJECT_IS_TOP_LEVEL})
+option(CORVANE_BUILD_TESTS "Build the tests" ${CORVANE_DEVELOPER_MODE})
+option(CORVANE_BUILD_BENCH "Build the benchmarks" OFF)
+option(CORVANE_BUILD_FUZZ "Build the fuzz targets" OFF)
+option(CORVANE_CHECK_GRAPH "Check the node graph around every compile pass" ${CORVANE_DEVELOPER_MODE})
+option(CORVANE_INSTALL "Generate the install rules" ${PROJECT_IS_TOP_LEVEL})
+
+if(PROJECT_IS_TOP_LEVEL)
+    if(NOT CMAKE_BUILD_TYPE)
+        set(CMAKE_BUILD_TYPE Release CACHE STRING "Build type" FORCE)
+    endif()
+    set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
+    set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
+    set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+    set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+    find_program(CORVANE_CCACHE ccache)
+    if(CORVANE_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+        set(CMAKE_CXX_COMPILER_LAUNCHER ${CORVANE_CCACHE})
+    endif()
+endif()
+
+# Everything that is ours compiles under the same rules; a consumer's build never sees the warnings.
+function(corvane_compile_rules target)
+    target_compile_features(${target} PUBLIC cxx_std_20)
+    set_target_properties(${target} PROPERTIES
+        CXX_EXTENSIONS OFF
+        CXX_VISIBILITY_PRESET hidden
+        VISIBILITY_INLINES_HIDDEN ON
+        POSITION_INDEPENDENT_CODE ON)
+    if(CORVANE_DEVELOPER_MODE)
+        target_compile_options(${target} PRIVATE -Wall -Wextra -Wconversion -Wshadow -Werror)
+    endif()
+    if(CORVANE_CHECK_GRAPH)
+        target_compile_definitions(${target} PRIVATE CORVANE_CHECK_GRAPH=1)
+    endif()
+endfunction()

@@ -1,0 +1,30 @@
+# Everything that runs on top of the libraries: the command line tool, tests, benchmarks and fuzz targets.
+# All of them need the default host.
+
+if(NOT CORVANE_DEFAULT_HOST)
+    return()
+endif()
+
+file(GLOB tool_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tools/*.cpp)
+if(CORVANE_BUILD_TOOLS AND tool_sources)
+    find_package(nlohmann_json 3.2 REQUIRED)
+    add_executable(cvregexp ${tool_sources})
+    corvane_compile_rules(cvregexp)
+    target_include_directories(cvregexp PRIVATE ${PROJECT_SOURCE_DIR})
+    target_compile_definitions(cvregexp PRIVATE CORVANE_VERSION="${PROJECT_VERSION}")
+    target_link_libraries(cvregexp PRIVATE
+        corvane::regexp corvane::host Boost::program_options nlohmann_json::nlohmann_json ICU::uc)
+endif()
+
+if(CORVANE_BUILD_TESTS)
+    enable_testing()
+    add_subdirectory(tests)
+endif()
+
+if(CORVANE_BUILD_BENCH AND EXISTS ${PROJECT_SOURCE_DIR}/bench/CMakeLists.txt)
+    add_subdirectory(bench)
+endif()
+
+if(CORVANE_BUILD_FUZZ AND EXISTS ${PROJECT_SOURCE_DIR}/fuzz/CMakeLists.txt)
+    add_subdirectory(fuzz)
+endif()

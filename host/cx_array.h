@@ -1,0 +1,19 @@
+// The default host's array value: a single number or truth value. Hosts with real arrays bring their own type of
+// this name and an option context that converts it.
+
+#pragma once
+
+#include <cstddef>
+
+#include "host/memory.h"
+
+struct cxArray {
+    explicit cxArray(size_t value) : number(value), logical(false) {}
+    explicit cxArray(bool value) : number(value ? 1 : 0), logical(true) {}
+
+    static void* operator new(size_t size) { return utMallocWithCheck(size); }
+    static void operator delete(void* block) noexcept { utFree(block); }
+
+    size_t number;
+    bool logical;  // true when made from a truth value; number is then 0 or 1
+};

@@ -1,0 +1,37 @@
+// Growable UTF-16 text exchanged with the host's interpreter.
+#pragma once
+
+#include "regexp/memory.h"
+
+#include <cstddef>
+
+/// Owns its text. Lengths and capacities count code units.
+class CORVANE_REGEXP_EXPORT RE_Evaluation_IO : public RE_Memory {
+public:
+    RE_Evaluation_IO();
+    /// A terminated copy.
+    RE_Evaluation_IO(const char16_t* source, std::size_t units);
+    /// Converted from the local code page.
+    explicit RE_Evaluation_IO(const char* source);
+    /// A deep copy.
+    explicit RE_Evaluation_IO(const RE_Evaluation_IO* other);
+    ~RE_Evaluation_IO();
+    RE_Evaluation_IO(const RE_Evaluation_IO&) = delete;
+    RE_Evaluation_IO& operator=(const RE_Evaluation_IO&) = delete;
+
+    const char16_t* get_string() const { return text; }
+    std::size_t get_length() const { return length; }
+
+    void append(char unit);
+    void append(const char16_t* source, std::size_t units);
+    void append(const RE_Evaluation_IO* other) { append(other->text, other->length); }
+    bool is_equal(const RE_Evaluation_IO* other) const;
+    /// Terminates the text in place and returns a copy in the local code page, from the host allocator, owned by the
+    /// caller.
+    char* to_string();
+
+private:
+    char16_t* text;
+    std::size_t length;
+    std::size_t capacity;
+};

@@ -1,0 +1,9 @@
+#include "regexp/graph_facts.h"
+
+#include "regexp/nodes/node.h"
+
+RE_Graph_Facts::~RE_Graph_Facts() {
+    for (RE_Node* node : nodes) {
+        delete node;
+    }
+}

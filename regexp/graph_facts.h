@@ -1,0 +1,33 @@
+// Facts about a whole compiled graph that a search needs before it visits the first node.
+#pragma once
+
+#include "regexp/memo.h"
+#include "regexp/memory.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <vector>
+
+/// Made by the parser, owned by the compiled pattern, read-only during searches. Owns the nodes once they are handed
+/// over.
+struct CORVANE_REGEXP_EXPORT RE_Graph_Facts : public RE_Memory {
+    RE_Graph_Facts() = default;
+    ~RE_Graph_Facts();
+    RE_Graph_Facts(const RE_Graph_Facts&) = delete;
+    RE_Graph_Facts& operator=(const RE_Graph_Facts&) = delete;
+
+    std::vector<RE_Node*, RE_Allocator<RE_Node*>> nodes;  ///< each once, in the order in which they were made
+    std::size_t tokenCount = 0;
+    std::size_t passRegisters = 0;  ///< one a loop whose body can match without consuming
+    std::uint32_t memoRows = 0;     ///< nodes that take part in the memo; their indexes are the first row numbers
+    std::uint64_t minimumLength = 0;  ///< least number of units of a match
+    bool hasDynamicNodes = false;
+    /// Slots whose text a backreference or condition may ask for, ascending.
+    std::vector<std::size_t, RE_Allocator<std::size_t>> referencedTokens;
+    /// Storage of the memo scopes; a deque, so that the links between them stay valid.
+    std::deque<RE_Memo_Scope, RE_Allocator<RE_Memo_Scope>> memoScopes;
+
+    /// A state that failed from one start position also fails from later ones.
+    bool memoOutlivesStarts() const { return referencedTokens.empty() && !hasDynamicNodes; }
+};

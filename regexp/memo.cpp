@@ -1,0 +1,72 @@
+#include "regexp/memo.h"
+
+#include <utility>
+
+namespace {
+
+std::uint64_t mix(std::uint64_t value) {
+    value ^= value >> 32;
+    value *= 0x9E3779B97F4A7C15u;
+    return value ^ (value >> 29);
+}
+
+}  // namespace
+
+bool RE_Memo_Table::insert(std::uint32_t row, std::size_t position) {
+    if ((used + 1) * 4 > cells.size() * 3) {
+        grow();
+    }
+    const std::uint64_t key = (static_cast<std::uint64_t>(row) << 32) | (position >> 6);
+    const std::uint64_t bit = std::uint64_t{1} << (position & 63);
+    Cell& cell = find(key);
+    if (cell.generation != generation) {
+        cell = {key, 0, generation};
+        ++used;
+    }
+    if ((cell.bits & bit) != 0) {
+        return false;
+    }
+    cell.bits |= bit;
+    return true;
+}
+
+void RE_Memo_Table::clear() {
+    ++generation;
+    used = 0;
+}
+
+// A cell of an older generation ends a probe like a free one: every key of this generation was put in front of it.
+RE_Memo_Table::Cell& RE_Memo_Table::find(std::uint64_t key) {
+    const std::size_t mask = cells.size() - 1;
+    std::size_t slot = static_cast<std::size_t>(mix(key)) & mask;
+    while (cells[slot].generation == generation && cells[slot].key != key) {
+        slot = (slot + 1) & mask;
+    }
+    return cells[slot];
+}
+
+void RE_Memo_Table::grow() {
+    std::vector<Cell, RE_Allocator<Cell>> old(cells.empty() ? 64 : cells.size() * 2, Cell{0, 0, 0});
+    old.swap(cells);
+    for (const Cell& cell : old) {
+        if (cell.generation == generation) {
+            find(cell.key) = cell;
+        }
+    }
+}
+
+std::uint32_t RE_Memo_Rows::row(const Key& key) {
+    const auto [place, isNew] = rows.try_emplace(key, next);
+    if (isNew) {
+        ++next;
+    }
+    return place->second;
+}
+
+std::size_t RE_Memo_Rows::Hash::operator()(const Key& key) const {
+    std::uint64_t hash = key.size();
+    for (const std::size_t word : key) {
+        hash = mix(hash + 0x9E3779B97F4A7C15u + word);
+    }
+    return static_cast<std::size_t>(hash);
+}

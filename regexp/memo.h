@@ -1,0 +1,74 @@
+// The memo of states already tried: what keeps backtracking polynomial.
+//
+// A state is a choosing node, a subject position, and whatever else the future of the match depends on there: the
+// counts of the loops around the node, whether their current pass has consumed anything yet, and the texts of tokens
+// that something refers to. Everything but the position is folded into a row number; a row is a sparse bit set over
+// positions, held for all rows together in one open-addressing table of 64-bit words.
+//
+// Why a second visit may be refused: compiled loops refuse passes that consume nothing, so no path comes back to a
+// state it is still exploring. Whoever meets a recorded state again therefore meets one that has failed completely.
+#pragma once
+
+#include "regexp/memory.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <unordered_map>
+#include <vector>
+
+class RE_Node;
+
+/// What the future at a node depends on besides the position, one link for each enclosing construct, inner ones first.
+/// Built with the pattern and owned by it.
+struct RE_Memo_Scope {
+    enum class Kind { counter, pass, token };
+
+    const RE_Memo_Scope* parent;
+    Kind kind;
+    const RE_Node* counter;  ///< the counter node (kind counter)
+    std::size_t index;       ///< the pass register or token number (kinds pass and token)
+};
+
+/// Set of (row, position) pairs that can be emptied at once.
+class RE_Memo_Table : public RE_Memory {
+public:
+    /// Adds the pair; false when it was there already.
+    bool insert(std::uint32_t row, std::size_t position);
+    /// Empties the set without touching its storage.
+    void clear();
+    std::size_t bytes() const { return cells.capacity() * sizeof(Cell); }
+
+private:
+    struct Cell {
+        std::uint64_t key;
+        std::uint64_t bits;
+        std::uint64_t generation;  ///< the cell is free unless this is the table's current one
+    };
+
+    Cell& find(std::uint64_t key);
+    void grow();
+
+    std::vector<Cell, RE_Allocator<Cell>> cells;
+    std::size_t used = 0;
+    std::uint64_t generation = 1;
+};
+
+/// Gives each distinct combination of words a number of its own, counted from a first number on.
+class RE_Memo_Rows : public RE_Memory {
+public:
+    using Key = std::vector<std::size_t, RE_Allocator<std::size_t>>;
+
+    explicit RE_Memo_Rows(std::uint32_t first) : next(first) {}
+
+    std::uint32_t row(const Key& key);
+
+private:
+    struct Hash {
+        std::size_t operator()(const Key& key) const;
+    };
+
+    std::unordered_map<Key, std::uint32_t, Hash, std::equal_to<Key>,
+                       RE_Allocator<std::pair<const Key, std::uint32_t>>>
+        rows;
+    std::uint32_t next;
+};

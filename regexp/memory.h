@@ -1,0 +1,45 @@
+// Where every engine object gets its memory: the host's allocator, so that a host can count and limit it.
+#pragma once
+
+#include "host/memory.h"
+#include "regexp/export.h"
+
+#include <cstddef>
+#include <new>
+
+/// Base of every engine class. Plain `new` goes through the host's checked allocation (which throws or
+/// reports by itself); the `std::nothrow` form returns null when the host has no memory left.
+class CORVANE_REGEXP_EXPORT RE_Memory {
+public:
+    static void* operator new(std::size_t size) { return utMallocWithCheck(size); }
+    static void* operator new[](std::size_t size) { return utMallocWithCheck(size); }
+    static void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return utMalloc(size); }
+    static void* operator new(std::size_t, void* place) noexcept { return place; }
+    static void operator delete(void* block) noexcept { utFree(block); }
+    static void operator delete[](void* block) noexcept { utFree(block); }
+    static void operator delete(void* block, const std::nothrow_t&) noexcept { utFree(block); }
+    static void operator delete(void*, void*) noexcept {}
+};
+
+/// Standard allocator over the host's checked allocation, for the engine's containers.
+template <class T>
+struct RE_Allocator {
+    using value_type = T;
+
+    RE_Allocator() noexcept = default;
+    template <class U>
+    RE_Allocator(const RE_Allocator<U>&) noexcept {}
+
+    T* allocate(std::size_t count) {
+        if (count > static_cast<std::size_t>(-1) / sizeof(T)) {
+            throw std::bad_array_new_length();
+        }
+        return static_cast<T*>(utMallocWithCheck(count * sizeof(T)));
+    }
+    void deallocate(T* block, std::size_t) noexcept { utFree(block); }
+
+    template <class U>
+    bool operator==(const RE_Allocator<U>&) const noexcept {
+        return true;
+    }
+};

@@ -1,0 +1,48 @@
+// Each test looks at the bounds first, so that no unit outside the subject is read.
+#include "regexp/nodes/anchors.h"
+
+#include "regexp/search_info.h"
+#include "regexp/seek/scan.h"
+#include "regexp/unit_set.h"
+
+bool RE_Anchor::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {
+    return holdsAt(subject + pos, info);
+}
+
+const char16_t* RE_Anchor::seek(const char16_t* p, RE_Search_Info& info) const {
+    return scanForward(p, info.subjectEnd + 1, info, [&](const char16_t* at) { return holdsAt(at, info); });
+}
+
+const char16_t* RE_Anchor::rSeek(const char16_t* p, std::size_t count, RE_Search_Info& info) const {
+    return scanBackward(p, count + 1, info, [&](const char16_t* at) { return holdsAt(at, info); });
+}
+
+bool RE_Start_String::holdsAt(const char16_t* p, const RE_Search_Info& info) const { return info.atBegin(p); }
+
+const char16_t* RE_Start_String::seek(const char16_t* p, RE_Search_Info& info) const {
+    return info.atBegin(p) ? p : nullptr;
+}
+
+bool RE_End_String::holdsAt(const char16_t* p, const RE_Search_Info& info) const { return info.atEnd(p); }
+
+const char16_t* RE_End_String::seek(const char16_t* p, RE_Search_Info& info) const {
+    return info.atEnd(p) ? p : info.subjectEnd;
+}
+
+bool RE_Start_Line::holdsAt(const char16_t* p, const RE_Search_Info& info) const {
+    return info.atBegin(p) || p[-1] == u'\n';
+}
+
+bool RE_End_Line::holdsAt(const char16_t* p, const RE_Search_Info& info) const {
+    return info.atEnd(p) || *p == u'\n';
+}
+
+bool RE_End_Match::holdsAt(const char16_t* p, const RE_Search_Info& info) const { return info.atRequiredEnd(p); }
+
+bool RE_Start_Word::holdsAt(const char16_t* p, const RE_Search_Info& info) const {
+    return info.atBegin(p) || !isWordUnit(p[-1]);
+}
+
+bool RE_End_Word::holdsAt(const char16_t* p, const RE_Search_Info& info) const {
+    return info.atEnd(p) || !isWordUnit(*p);
+}

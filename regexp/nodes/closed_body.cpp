@@ -1,0 +1,80 @@
+#include "regexp/nodes/closed_body.h"
+
+#include <algorithm>
+
+bool RE_Atomic::match(const char16_t*, std::size_t& pos, RE_Search_Info& info) const {
+    info.openBody(this, pos);
+    return true;
+}
+
+RE_Node* RE_Atomic::bodyEnded(bool completed, std::size_t&, RE_Search_Info& info) const {
+    info.closeBody(completed);
+    return completed ? nextNode : nullptr;
+}
+
+void RE_Atomic::visitLinks(RE_Link_Visitor& visitor) {
+    RE_Node::visitLinks(visitor);
+    visitor.link(body, RE_Link::body);
+}
+
+void RE_Atomic::combineLengths() {
+    RE_Node::combineLengths();
+    minLength = minLength > unboundedLength - bodyMinimum ? unboundedLength : minLength + bodyMinimum;
+    maxBounded = maxBounded && bodyMaximum != unboundedLength && maxLength < unboundedLength - bodyMaximum;
+    maxLength = maxBounded ? maxLength + bodyMaximum : unboundedLength;
+}
+
+bool RE_Lookaround_Assertion::match(const char16_t*, std::size_t& pos, RE_Search_Info& info) const {
+    if (behind) {
+        return openBehind(pos, info);
+    }
+    info.openBody(this, pos);
+    return true;
+}
+
+// Candidate starts of the body are tried from the nearest one, which leaves room for the body's least length, to the
+// farthest. They share one window end and one memo.
+bool RE_Lookaround_Assertion::openBehind(std::size_t& pos, RE_Search_Info& info) const {
+    if (bodyMinimum > pos) {
+        return false;
+    }
+    const std::size_t lowest = bodyMaximum < pos ? pos - bodyMaximum : 0;
+    RE_Body_Frame& frame = info.openBody(this, pos);
+    frame.lowest = lowest;
+    frame.candidate = pos - bodyMinimum;
+    info.matchStart = info.subjectBegin + frame.candidate;
+    info.requiredEnd = info.subjectBegin + pos;
+    pos = frame.candidate;
+    return true;
+}
+
+RE_Node* RE_Lookaround_Assertion::tryEarlierStart(std::size_t& pos, RE_Search_Info& info) const {
+    RE_Body_Frame& frame = info.bodies.back();
+    if (!behind || frame.candidate == frame.lowest || info.pollInterrupt()) {
+        return nullptr;
+    }
+    frame.scope.undoWrites();
+    --frame.candidate;
+    info.matchStart = info.subjectBegin + frame.candidate;
+    pos = frame.candidate;
+    return body;
+}
+
+RE_Node* RE_Lookaround_Assertion::bodyEnded(bool completed, std::size_t& pos, RE_Search_Info& info) const {
+    if (!completed) {
+        if (RE_Node* again = tryEarlierStart(pos, info)) {
+            return again;
+        }
+    }
+    pos = info.bodies.back().start;
+    info.closeBody(completed && !negative);
+    if (info.wasInterrupted()) {
+        return nullptr;
+    }
+    return completed ? nextNode : failTarget;
+}
+
+void RE_Lookaround_Assertion::visitLinks(RE_Link_Visitor& visitor) {
+    RE_Fail::visitLinks(visitor);
+    visitor.link(body, RE_Link::body);
+}

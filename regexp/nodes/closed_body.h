@@ -1,0 +1,48 @@
+// Nodes that match a sub-graph as a closed sub-search: atomic groups and lookaround.
+//
+// `match` opens a frame in the search state and `next()` leads into the body; the match loop runs the body like any
+// other node and calls `bodyEnded` when it has completed or failed. No choice inside the body survives that, and no
+// native stack is used however deeply bodies nest.
+#pragma once
+
+#include "regexp/seek/can_seek.h"
+
+/// Keeps what its body matched first.
+class CORVANE_REGEXP_EXPORT RE_Atomic : public RE_Node {
+public:
+    using RE_Node::RE_Node;
+    bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
+    RE_Node* next() const override { return body; }
+    RE_Node* bodyEnded(bool completed, std::size_t& pos, RE_Search_Info& info) const override;
+    void visitLinks(RE_Link_Visitor& visitor) override;
+    void combineLengths() override;
+    std::string label() const override { return "Atomic group"; }
+
+    RE_Node* body = nullptr;
+    std::uint64_t bodyMinimum = 0;  ///< units the body consumes
+    std::uint64_t bodyMaximum = unboundedLength;
+};
+
+/// Lookahead and look-behind. Where it holds matching goes on at `nextNode`, where it does not at the fail target; a
+/// negative assertion has no next node. Consumes nothing.
+class CORVANE_REGEXP_EXPORT RE_Lookaround_Assertion : public RE_Branch_Seek<RE_Can_Seek<RE_Consumable>> {
+public:
+    RE_Lookaround_Assertion(RE_ParserContext& context, bool looksBehind, bool isNegative)
+        : RE_Branch_Seek<RE_Can_Seek<RE_Consumable>>(context), behind(looksBehind), negative(isNegative) {}
+
+    bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
+    RE_Node* next() const override { return body; }
+    RE_Node* bodyEnded(bool completed, std::size_t& pos, RE_Search_Info& info) const override;
+    void visitLinks(RE_Link_Visitor& visitor) override;
+    std::string label() const override { return behind ? "Lookaround Behind" : "Lookaround Ahead"; }
+
+    bool behind;
+    bool negative;  ///< tokens that its body captured are taken back when the body completes
+    RE_Node* body = nullptr;
+    std::uint64_t bodyMinimum = 0;  ///< bounds of what a look-behind body consumes
+    std::uint64_t bodyMaximum = unboundedLength;
+
+private:
+    bool openBehind(std::size_t& pos, RE_Search_Info& info) const;
+    RE_Node* tryEarlierStart(std::size_t& pos, RE_Search_Info& info) const;
+};

@@ -1,0 +1,140 @@
+#include "regexp/nodes/consume.h"
+
+#include "regexp/search_info.h"
+#include "regexp/seek/scan.h"
+
+#include <algorithm>
+
+const char16_t* RE_Consume::runEnd(const char16_t* p, std::uint64_t most, RE_Search_Info& info) const {
+    const std::uint64_t left = static_cast<std::uint64_t>(info.subjectEnd - p);
+    const char16_t* const limit = p + std::min(left, most);
+    while (p < limit) {
+        const std::size_t step = std::min<std::size_t>(static_cast<std::size_t>(limit - p), RE_SCAN_POLL_UNITS);
+        const std::size_t run = item->skipDistance(p, p + step);
+        p += run;
+        if (run < step || info.pollScan()) {
+            break;
+        }
+    }
+    return p;
+}
+
+bool RE_Consume::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {
+    const char16_t* const p = subject + pos;
+    if (lazy) {
+        return takeShortest(p, pos, info);
+    }
+    const char16_t* const end = runEnd(p, maximum, info);
+    if (static_cast<std::uint64_t>(end - p) < minimum) {
+        return false;
+    }
+    if (possessive) {
+        pos = info.indexOf(end);
+        return true;
+    }
+    return goOn(p + minimum, end, pos, info);
+}
+
+RE_Node* RE_Consume::resume(const RE_Backtrack_Record& record, std::size_t& pos, RE_Search_Info& info) const {
+    const char16_t* const end = record.position;
+    const std::size_t word = info.poppedWord();
+    const bool going = lazy ? takeLonger(end, word, pos, info)
+                            : goOn(info.subjectBegin + word, end - 1, pos, info);
+    return going ? nextNode : nullptr;
+}
+
+// Takes the longest end in [from, end] that is worth trying, and leaves the shorter ones as a choice.
+bool RE_Consume::goOn(const char16_t* from, const char16_t* end, std::size_t& pos, RE_Search_Info& info) const {
+    const char16_t* const taken = lastEnd(from, end, info);
+    if (taken == nullptr) {
+        return false;
+    }
+    pos = info.indexOf(taken);
+    if (taken > from) {
+        info.pushRecord(this, taken, info.indexOf(from));
+    }
+    return true;
+}
+
+const char16_t* RE_Consume::lastEnd(const char16_t* from, const char16_t* end, RE_Search_Info& info) const {
+    const bool seeks = nextNode->canSeek(false);
+    std::size_t looked = 0;
+    for (std::size_t ends = static_cast<std::size_t>(end - from) + 1; ends > 0; --ends) {
+        const char16_t* candidate = from + ends - 1;
+        if (seeks) {
+            candidate = nextNode->rSeek(from, ends - 1, info);
+            if (candidate == nullptr) {
+                return nullptr;
+            }
+            ends = static_cast<std::size_t>(candidate - from) + 1;
+        }
+        if (info.firstVisit(this, candidate)) {
+            return candidate;
+        }
+        if (++looked % RE_SCAN_POLL_UNITS == 0 && info.pollScan()) {
+            return nullptr;
+        }
+    }
+    return nullptr;
+}
+
+// The record of a lazy run holds the end reached so far; its word is the farthest end allowed.
+bool RE_Consume::takeShortest(const char16_t* p, std::size_t& pos, RE_Search_Info& info) const {
+    const char16_t* const end = runEnd(p, minimum, info);
+    if (static_cast<std::uint64_t>(end - p) < minimum) {
+        return false;
+    }
+    const std::uint64_t spare = static_cast<std::uint64_t>(info.subjectEnd - p);
+    const std::size_t limit = info.indexOf(p + std::min(spare, maximum));
+    if (!info.firstVisit(this, end)) {
+        return takeLonger(end, limit, pos, info);
+    }
+    pos = info.indexOf(end);
+    if (!possessive && pos < limit) {
+        info.pushRecord(this, end, limit);
+    }
+    return true;
+}
+
+bool RE_Consume::takeLonger(const char16_t* end, std::size_t limit, std::size_t& pos, RE_Search_Info& info) const {
+    std::size_t looked = 0;
+    while (info.indexOf(end) < limit && item->matchesUnit(*end)) {
+        ++end;
+        if (info.firstVisit(this, end)) {
+            pos = info.indexOf(end);
+            if (pos < limit) {
+                info.pushRecord(this, end, limit);
+            }
+            return true;
+        }
+        if (++looked % RE_SCAN_POLL_UNITS == 0 && info.pollScan()) {
+            return false;
+        }
+    }
+    return false;
+}
+
+void RE_Consume::visitLinks(RE_Link_Visitor& visitor) {
+    RE_Node::visitLinks(visitor);
+    RE_Node* link = item;
+    visitor.link(link, RE_Link::item);
+    item = static_cast<RE_Consumable*>(link);
+}
+
+void RE_Consume::combineLengths() {
+    RE_Node::combineLengths();
+    minLength = minLength > unboundedLength - minimum ? unboundedLength : minLength + minimum;
+    maxBounded = maxBounded && maximum != noMaximum && maxLength < unboundedLength - maximum;
+    maxLength = maxBounded ? maxLength + maximum : unboundedLength;
+}
+
+std::string RE_Consume::label() const {
+    std::string text = "Consume";
+    if (minimum != 0 || maximum != noMaximum) {
+        text += "{" + std::to_string(minimum) + "," + (maximum == noMaximum ? "" : std::to_string(maximum)) + "}";
+    }
+    if (lazy) {
+        text += " Lazy";
+    }
+    return text + (possessive ? " Possessive" : "");
+}

@@ -1,0 +1,34 @@
+// A repetition of one single-unit item: the run is measured at once and leaves one choice for all its ends.
+#pragma once
+
+#include "regexp/nodes/node.h"
+
+class CORVANE_REGEXP_EXPORT RE_Consume : public RE_Node {
+public:
+    enum class Order { greedy, lazy };
+
+    static constexpr std::uint64_t noMaximum = unboundedLength;
+
+    RE_Consume(RE_ParserContext& context, RE_Consumable* repeated, std::uint64_t least, std::uint64_t most,
+               Order order)
+        : RE_Node(context), item(repeated), minimum(least), maximum(most), lazy(order == Order::lazy) {}
+
+    bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
+    RE_Node* resume(const RE_Backtrack_Record& record, std::size_t& pos, RE_Search_Info& info) const override;
+    void visitLinks(RE_Link_Visitor& visitor) override;
+    void combineLengths() override;
+    std::string label() const override;
+
+    RE_Consumable* item;      ///< the repeated unit test
+    bool possessive = false;  ///< gives no unit back
+    std::uint64_t minimum;    ///< units
+    std::uint64_t maximum;    ///< units, or `noMaximum`
+    bool lazy;                ///< tries the shortest run first
+
+private:
+    bool goOn(const char16_t* from, const char16_t* end, std::size_t& pos, RE_Search_Info& info) const;
+    const char16_t* lastEnd(const char16_t* from, const char16_t* end, RE_Search_Info& info) const;
+    const char16_t* runEnd(const char16_t* p, std::uint64_t most, RE_Search_Info& info) const;
+    bool takeShortest(const char16_t* p, std::size_t& pos, RE_Search_Info& info) const;
+    bool takeLonger(const char16_t* end, std::size_t limit, std::size_t& pos, RE_Search_Info& info) const;
+};

@@ -1,0 +1,77 @@
+#include "regexp/nodes/counters.h"
+
+#include "regexp/search_info.h"
+
+#include <algorithm>
+
+void RE_Greedy_Counter::onBacktrack(RE_Search_Info& info) const { info.decrementCount(this); }
+
+// The record only undoes the count: a required pass has no other way on. The done node is where a failing `match`
+// leads, at the same position.
+bool RE_Fixed_Counter::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {
+    if (info.countAt(this, 0) > limit) {
+        return false;
+    }
+    info.incrementCount(this);
+    return info.pushChoice(this, subject + pos, true);
+}
+
+void RE_Fixed_Counter::visitLinks(RE_Link_Visitor& visitor) {
+    RE_Node::visitLinks(visitor);
+    visitor.link(doneNode, RE_Link::done);
+}
+
+std::string RE_Fixed_Counter::label() const { return "Fixed Counter{" + std::to_string(limit + 1) + "}"; }
+
+// At the limit there is nothing to choose: matching goes on at the exit, where `failNode` leads.
+bool RE_Limit_Counter::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {
+    if (info.countAt(this, 0) >= limit) {
+        return false;
+    }
+    info.incrementCount(this);
+    if (!info.pushChoice(this, subject + pos, true)) {
+        info.decrementCount(this);
+        info.deadEnd = true;
+        return false;
+    }
+    return true;
+}
+
+std::string RE_Limit_Counter::label() const { return "Limit Counter{" + std::to_string(limit) + "}"; }
+
+bool RE_Lazy_Counter::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {
+    if (info.countAt(this, 0) >= limit) {
+        return false;
+    }
+    info.pushChoice(decrementer, subject + pos, true);
+    if (!info.pushChoice(this, subject + pos, true)) {
+        onBacktrack(info);  // evens out what the decrementer's record will take back
+        info.deadEnd = true;
+        return false;
+    }
+    return true;
+}
+
+void RE_Lazy_Counter::onBacktrack(RE_Search_Info& info) const { info.incrementCount(this); }
+
+void RE_Lazy_Counter::visitLinks(RE_Link_Visitor& visitor) {
+    RE_Split::visitLinks(visitor);
+    visitor.link(decrementer, RE_Link::helper);
+}
+
+std::string RE_Lazy_Counter::label() const { return "Lazy Counter{" + std::to_string(limit) + "}"; }
+
+void RE_Counter_Popper::onBacktrack(RE_Search_Info& info) const { info.popCount(counter); }
+
+void RE_Lazy_Decrementer::onBacktrack(RE_Search_Info& info) const { info.decrementCount(counter); }
+
+bool RE_Start_Counter::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {
+    info.pushChoice(popper, subject + pos, true);
+    info.pushCount(counter);
+    return true;
+}
+
+void RE_Start_Counter::visitLinks(RE_Link_Visitor& visitor) {
+    RE_Node::visitLinks(visitor);
+    visitor.link(popper, RE_Link::helper);
+}

@@ -1,0 +1,106 @@
+// Counted repetition.
+//
+// A loop with bounds is entered through an `RE_Start_Counter` for each of its counters, which opens a count level of
+// their own, so that a loop entered again counts afresh. `RE_Fixed_Counter` counts the required passes: it leads into
+// the body until its limit is reached and then straight on to its done node. `RE_Limit_Counter` (greedy) and
+// `RE_Lazy_Counter` count the optional ones and leave a choice each time. Counts live in the search; what a pass
+// changed is taken back when the record that the counter left is popped.
+#pragma once
+
+#include "regexp/nodes/split.h"
+
+class CORVANE_REGEXP_EXPORT RE_Counter : public RE_Split {
+public:
+    explicit RE_Counter(RE_ParserContext& context) : RE_Split(context) { isCounter = true; }
+};
+
+/// Base of the counters that hold a count. `limit` is the highest count at which a pass may still begin, for the
+/// fixed counter, and the greatest number of passes for the others.
+class CORVANE_REGEXP_EXPORT RE_State_Counter : public RE_Counter {
+public:
+    RE_State_Counter(RE_ParserContext& context, std::uint64_t highest) : RE_Counter(context), limit(highest) {}
+    bool isStateCounter() const override { return true; }
+    bool refusesRepeatAt(std::size_t depth) const override { return depth == 0; }
+
+    std::uint64_t limit;
+};
+
+class CORVANE_REGEXP_EXPORT RE_Greedy_Counter : public RE_State_Counter {
+public:
+    using RE_State_Counter::RE_State_Counter;
+    void onBacktrack(RE_Search_Info& info) const override;
+};
+
+class CORVANE_REGEXP_EXPORT RE_Fixed_Counter : public RE_Greedy_Counter {
+public:
+    using RE_Greedy_Counter::RE_Greedy_Counter;
+    bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
+    RE_Node* failNode() const override { return doneNode; }
+    bool isSkippable() const override { return doneNode == nullptr && skippable; }
+    bool refusesRepeatAt(std::size_t) const override { return false; }
+    void visitLinks(RE_Link_Visitor& visitor) override;
+    std::string label() const override;
+
+    RE_Node* doneNode = nullptr;
+};
+
+/// `nextNode` is the body, `alternative` the exit.
+class CORVANE_REGEXP_EXPORT RE_Limit_Counter : public RE_Greedy_Counter {
+public:
+    using RE_Greedy_Counter::RE_Greedy_Counter;
+    bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
+    RE_Node* failNode() const override { return alternative; }
+    std::string label() const override;
+};
+
+class RE_Lazy_Decrementer;
+
+/// `nextNode` is the exit, `alternative` the body.
+class CORVANE_REGEXP_EXPORT RE_Lazy_Counter : public RE_State_Counter {
+public:
+    using RE_State_Counter::RE_State_Counter;
+    bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
+    RE_Node* failNode() const override { return nextNode; }
+    void onBacktrack(RE_Search_Info& info) const override;
+    void visitLinks(RE_Link_Visitor& visitor) override;
+    std::string label() const override;
+
+    RE_Node* decrementer = nullptr;
+};
+
+/// Its record drops a count level when backtracking passes back over the entry of the loop.
+class CORVANE_REGEXP_EXPORT RE_Counter_Popper : public RE_Counter {
+public:
+    RE_Counter_Popper(RE_ParserContext& context, const RE_Node* loopCounter)
+        : RE_Counter(context), counter(loopCounter) {}
+    void onBacktrack(RE_Search_Info& info) const override;
+    bool pairsWith(const RE_Node* node) const override { return node == counter; }
+    std::string label() const override { return "Counter popper"; }
+
+    const RE_Node* counter;
+};
+
+/// Its record takes back the count of a lazy pass.
+class CORVANE_REGEXP_EXPORT RE_Lazy_Decrementer : public RE_Counter {
+public:
+    RE_Lazy_Decrementer(RE_ParserContext& context, const RE_Node* loopCounter)
+        : RE_Counter(context), counter(loopCounter) {}
+    void onBacktrack(RE_Search_Info& info) const override;
+    std::string label() const override { return "Lazy decrementer"; }
+
+    const RE_Node* counter;
+};
+
+/// Entry of a counted loop.
+class CORVANE_REGEXP_EXPORT RE_Start_Counter : public RE_Node {
+public:
+    using RE_Node::RE_Node;
+    bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
+    bool isSkippable() const override { return false; }
+    bool isStartCounter() const override { return true; }
+    void visitLinks(RE_Link_Visitor& visitor) override;
+    std::string label() const override { return "Start Counter"; }
+
+    RE_Node* popper = nullptr;               ///< an `RE_Counter_Popper`
+    const RE_Node* counter = nullptr;  ///< the counter whose level this opens
+};

@@ -1,0 +1,54 @@
+#include "regexp/nodes/label_text.h"
+
+#include <cstdint>
+
+namespace {
+
+void appendHex(std::string& out, std::uint32_t value) {
+    static const char digits[] = "0123456789ABCDEF";
+    out += "\\x{";
+    for (int shift = 12; shift >= 0; shift -= 4) {
+        if ((value >> shift) != 0 || shift == 0) {
+            out += digits[(value >> shift) & 15];
+        }
+    }
+    out += '}';
+}
+
+void appendUtf8(std::string& out, std::uint32_t point) {
+    const auto tail = [&](int shift) { out += static_cast<char>(0x80 | ((point >> shift) & 0x3F)); };
+    if (point < 0x80) {
+        out += static_cast<char>(point);
+    } else if (point < 0x800) {
+        out += static_cast<char>(0xC0 | (point >> 6));
+        tail(0);
+    } else if (point < 0x10000) {
+        out += static_cast<char>(0xE0 | (point >> 12));
+        tail(6);
+        tail(0);
+    } else {
+        out += static_cast<char>(0xF0 | (point >> 18));
+        tail(12);
+        tail(6);
+        tail(0);
+    }
+}
+
+}  // namespace
+
+std::string labelText(const char16_t* text, std::size_t length) {
+    std::string out;
+    for (std::size_t i = 0; i < length; ++i) {
+        const std::uint32_t unit = text[i];
+        const bool pair = unit >= 0xD800 && unit < 0xDC00 && i + 1 < length && text[i + 1] >= 0xDC00 &&
+                          text[i + 1] < 0xE000;
+        if (pair) {
+            appendUtf8(out, 0x10000 + ((unit - 0xD800) << 10) + (text[++i] - 0xDC00u));
+        } else if (unit < 0x20 || (unit >= 0x7F && unit < 0xA0) || (unit >= 0xD800 && unit < 0xE000)) {
+            appendHex(out, unit);
+        } else {
+            appendUtf8(out, unit);
+        }
+    }
+    return out;
+}

@@ -1,0 +1,36 @@
+#include "regexp/nodes/loop_pass.h"
+
+#include "regexp/search_info.h"
+
+namespace {
+
+// Marks the word of a pass that ends the loop when it is empty; no subject is long enough to reach this bit.
+constexpr std::size_t endsLoop = std::size_t{1} << 62;
+
+}  // namespace
+
+std::size_t passState(std::size_t word, std::size_t position) {
+    if (word == position) {
+        return 1;
+    }
+    return word == (position | endsLoop) ? 2 : 0;
+}
+
+bool RE_Start_Pass::match(const char16_t*, std::size_t& pos, RE_Search_Info& info) const {
+    switch (kind) {
+        case RE_Pass::optional: info.notePass(pass, pos); break;
+        case RE_Pass::required: info.notePass(pass, RE_Search_Info::noPass); break;
+        case RE_Pass::lastWhenEmpty: info.notePass(pass, pos | endsLoop); break;
+    }
+    return true;
+}
+
+std::string RE_Start_Pass::label() const {
+    return kind == RE_Pass::optional ? "Start pass" : "Start required pass";
+}
+
+bool RE_End_Pass::match(const char16_t*, std::size_t& pos, RE_Search_Info& info) const {
+    const std::size_t state = passState(info.passWord(pass), pos);
+    info.deadEnd = state == 1;
+    return state == 0;
+}

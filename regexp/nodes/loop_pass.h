@@ -1,0 +1,35 @@
+// The guard against passes that consume nothing, for loops whose body can match the empty text.
+//
+// A pass begins at an `RE_Start_Pass`, which leaves a word in the loop's pass register, and ends at the loop's
+// `RE_End_Pass`, which judges an empty pass by that word: an optional one is refused, a required one counts, and one
+// of very many required ones ends the loop, since further empty passes would only take time.
+#pragma once
+
+#include "regexp/nodes/node.h"
+
+enum class RE_Pass { optional, required, lastWhenEmpty };
+
+class CORVANE_REGEXP_EXPORT RE_Start_Pass : public RE_Node {
+public:
+    RE_Start_Pass(RE_ParserContext& context, std::size_t passRegister, RE_Pass passKind)
+        : RE_Node(context), pass(passRegister), kind(passKind) {}
+    bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
+    std::string label() const override;
+
+    std::size_t pass;
+    RE_Pass kind;
+};
+
+/// The fail target is the exit of the loop, where an empty pass that ends the loop goes on.
+class CORVANE_REGEXP_EXPORT RE_End_Pass : public RE_Fail {
+public:
+    RE_End_Pass(RE_ParserContext& context, std::size_t passRegister) : RE_Fail(context), pass(passRegister) {}
+    bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
+    std::string label() const override { return "End pass"; }
+
+    std::size_t pass;
+};
+
+/// What a pass word means at a position, as far as the end of the pass will care: 0 nothing, 1 refused when it ends
+/// here, 2 ends the loop when it ends here.
+std::size_t passState(std::size_t word, std::size_t position);

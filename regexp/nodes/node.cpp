@@ -1,0 +1,85 @@
+#include "regexp/nodes/node.h"
+
+#include "regexp/nodes/collection.h"
+#include "regexp/parser/parser_context.h"
+#include "regexp/search_info.h"
+
+RE_Node::RE_Node(RE_ParserContext& context) : nodeId(context.nextNodeId()) {}
+
+RE_Node::RE_Node(RE_ParserContext& context, const RE_Node& other)
+    : nodeId(context.nextNodeId()),
+      nextNode(other.nextNode),
+      maxBounded(other.maxBounded),
+      minLength(other.minLength),
+      maxLength(other.maxLength) {}
+
+RE_Node::RE_Node(RE_ParserContext& context, RE_Node& predecessor, RE_Node* successor)
+    : nodeId(context.nextNodeId()), nextNode(successor) {
+    predecessor.nextNode = this;
+}
+
+bool RE_Node::match(const char16_t*, std::size_t&, RE_Search_Info&) const { return true; }
+
+RE_Node* RE_Node::resume(const RE_Backtrack_Record& record, std::size_t& pos, RE_Search_Info& info) const {
+    pos = info.indexOf(record.position);
+    return alternativeNode();
+}
+
+RE_Node* RE_Node::bodyEnded(bool, std::size_t&, RE_Search_Info&) const { return nullptr; }
+
+void RE_Node::visitLinks(RE_Link_Visitor& visitor) { visitor.link(nextNode, RE_Link::next); }
+
+void RE_Node::collectSuccessors(RE_Collection& collection) {
+    struct Adder : RE_Link_Visitor {
+        explicit Adder(RE_Collection& all) : collection(all) {}
+        void link(RE_Node*& target, RE_Link) override { collection.add(target); }
+        RE_Collection& collection;
+    } adder(collection);
+    visitLinks(adder);
+}
+
+void RE_Node::bypassSkippable() {
+    struct Bypass : RE_Link_Visitor {
+        void link(RE_Node*& target, RE_Link) override {
+            while (target != nullptr && target->isSkippable()) {
+                target = target->next();
+            }
+        }
+    } bypass;
+    visitLinks(bypass);
+}
+
+const char16_t* RE_Node::seek(const char16_t* p, RE_Search_Info&) const { return p; }
+
+const char16_t* RE_Node::rSeek(const char16_t* p, std::size_t count, RE_Search_Info&) const { return p + count; }
+
+RE_Seek_Key RE_Node::seekKey(bool throughBranches) const {
+    return RE_Seek_Key(isBranching() && !throughBranches ? nullptr : this);
+}
+
+void RE_Fail::visitLinks(RE_Link_Visitor& visitor) {
+    RE_Node::visitLinks(visitor);
+    visitor.link(failTarget, RE_Link::fail);
+}
+
+std::size_t RE_Consumable::skipDistance(const char16_t* p, const char16_t* limit) const {
+    const char16_t* end = p;
+    while (end < limit && matchesUnit(*end)) {
+        ++end;
+    }
+    return static_cast<std::size_t>(end - p);
+}
+
+bool RE_Consumable::absorbFailNode() {
+    if (sharedTarget) {
+        return false;
+    }
+    if (auto* fail = dynamic_cast<RE_Consumable*>(failTarget)) {
+        if (matchesAnyChar()) {
+            failTarget = nullptr;
+        } else {
+            return fail->hasFailNode() && fail->absorbFailNode();
+        }
+    }
+    return true;
+}

@@ -1,0 +1,17 @@
+// The node that offers two ways on: first `nextNode`, later, when that way has failed, `alternative`.
+#pragma once
+
+#include "regexp/seek/can_seek.h"
+
+class CORVANE_REGEXP_EXPORT RE_Split : public RE_Branch_Seek<RE_Can_Seek<RE_Node>> {
+public:
+    using RE_Branch_Seek<RE_Can_Seek<RE_Node>>::RE_Branch_Seek;
+
+    bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
+    RE_Node* alternativeNode() const override { return alternative; }
+    bool isBranching() const override { return true; }
+    void visitLinks(RE_Link_Visitor& visitor) override;
+    std::string label() const override { return "Split"; }
+
+    RE_Node* alternative = nullptr;
+};

@@ -1,0 +1,106 @@
+#include "regexp/nodes/string.h"
+
+#include "host/memory.h"
+#include "regexp/nodes/label_text.h"
+#include "regexp/nodes/units.h"
+#include "regexp/parser/parser_context.h"
+#include "regexp/seek/scan.h"
+
+#include <cstring>
+
+RE_String::RE_String(RE_ParserContext& context, const RE_Node& first, bool foldCase)
+    : RE_Can_Seek<RE_Node>(context, first),
+      ignoreCase(foldCase),
+      text(static_cast<char16_t*>(utMallocWithCheck(capacity * sizeof(char16_t)))) {}
+
+RE_String::~RE_String() { utFree(text); }
+
+void RE_String::append(char16_t unit) {
+    if (length == capacity) {
+        const std::uint64_t larger = capacity * 2;
+        text = static_cast<char16_t*>(utReallocWithCheck(text, larger * sizeof(char16_t)));
+        capacity = larger;
+    }
+    text[length++] = unit;
+}
+
+bool RE_String::matchesAt(const char16_t* p) const {
+    if (!ignoreCase) {
+        return std::memcmp(p, text, length * sizeof(char16_t)) == 0;
+    }
+    const RE_Case_Table& cases = RE_Case_Table::get();
+    for (std::uint64_t i = 0; i < length; ++i) {
+        if (cases.lower(p[i]) != text[i]) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool RE_String::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {
+    const char16_t* const p = subject + pos;
+    if (static_cast<std::uint64_t>(info.subjectEnd - p) < length || !matchesAt(p)) {
+        return false;
+    }
+    pos += length;
+    return true;
+}
+
+const char16_t* RE_String::scan(const char16_t* p, RE_Search_Info& info) const {
+    if (static_cast<std::uint64_t>(info.subjectEnd - p) < length) {
+        return nullptr;
+    }
+    const char16_t* const end = info.subjectEnd - length + 1;
+    return scanForward(p, end, info, [this](const char16_t* at) { return matchesAt(at); });
+}
+
+const char16_t* RE_String::scanBack(const char16_t* p, std::size_t count, RE_Search_Info& info) const {
+    return scanBackward(p, count + 1, info, [&](const char16_t* at) {
+        return static_cast<std::uint64_t>(info.subjectEnd - at) >= length && matchesAt(at);
+    });
+}
+
+std::string RE_String::label() const {
+    return "Match '" + labelText(text, length) + (ignoreCase ? "' ignoring case" : "'");
+}
+
+// --- joining runs of literals ---
+//
+// A unit of zero or one that other paths reach as well stays a node of its own.
+
+bool RE_Natural::mayJoin(bool first) const {
+    return failTarget == nullptr && ch != 0 && ch <= 0xFFFF && (first || !sharedTarget);
+}
+
+bool RE_Natural::canJoinString(bool first, bool ignoreCase) const {
+    // Inside a case-ignoring run the subject is folded, so only a unit that nothing else folds to stays exact.
+    return mayJoin(first) && (!ignoreCase || RE_Case_Table::get().foldsAlone(static_cast<char16_t>(ch)));
+}
+
+bool RE_Natural_I::canJoinString(bool first, bool ignoreCase) const { return ignoreCase && mayJoin(first); }
+
+namespace {
+
+RE_Node* joinRun(RE_Natural& first, bool ignoreCase, RE_ParserContext& context) {
+    const auto canFollow = [&](RE_Node* node) { return node != nullptr && node->canJoinString(false, ignoreCase); };
+    if (!first.canJoinString(true, ignoreCase) || !canFollow(first.nextNode)) {
+        return nullptr;
+    }
+    auto* string = context.make<RE_String>(first, ignoreCase);
+    string->append(static_cast<char16_t>(first.ch));
+    first.skippable = true;
+    first.nextNode = string;
+    while (canFollow(string->nextNode)) {
+        auto* joined = static_cast<RE_Natural*>(string->nextNode);
+        string->append(static_cast<char16_t>(joined->ch));
+        string->nextNode = joined->nextNode;
+        joined->skippable = true;
+    }
+    return string;
+}
+
+}  // namespace
+
+RE_Node* RE_Natural::joinString(RE_ParserContext& context) { return joinRun(*this, false, context); }
+
+RE_Node* RE_Natural_I::joinString(RE_ParserContext& context) { return joinRun(*this, true, context); }

@@ -1,0 +1,28 @@
+// A run of literal units, compared as a whole.
+#pragma once
+
+#include "regexp/seek/can_seek.h"
+
+/// Owns its text. When case is ignored the text holds lower-case forms.
+class CORVANE_REGEXP_EXPORT RE_String : public RE_Can_Seek<RE_Node> {
+public:
+    /// Takes the place of `first` in the graph: copies its links and lengths.
+    RE_String(RE_ParserContext& context, const RE_Node& first, bool foldCase);
+    ~RE_String() override;
+
+    void append(char16_t unit);
+    bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
+    std::uint64_t width() const override { return length; }
+    bool canSeek(bool) const override { return true; }
+    std::string label() const override;
+    bool matchesAt(const char16_t* p) const;
+
+    std::uint64_t capacity = 8;
+    bool ignoreCase;
+    char16_t* text;
+    std::uint64_t length = 0;
+
+protected:
+    const char16_t* scan(const char16_t* p, RE_Search_Info& info) const override;
+    const char16_t* scanBack(const char16_t* p, std::size_t count, RE_Search_Info& info) const override;
+};

@@ -1,0 +1,86 @@
+// Capture groups, backreferences and conditions on tokens.
+#pragma once
+
+#include "regexp/nodes/node.h"
+
+#include <string>
+
+struct RE_TokenInfo;
+
+/// Base of the two nodes that bracket a capture group.
+class CORVANE_REGEXP_EXPORT RE_Token : public RE_Node {
+public:
+    /// `tokenName` (empty: none) is copied.
+    RE_Token(RE_ParserContext& context, std::size_t tokenNumber, const std::u16string& tokenName)
+        : RE_Node(context), number(tokenNumber), nameText(tokenName), name(nameText.empty() ? nullptr : nameText.c_str()) {}
+
+    bool canSeek(bool referencedOutside) const override;
+    const char16_t* seek(const char16_t* p, RE_Search_Info& info) const override;
+    const char16_t* rSeek(const char16_t* p, std::size_t count, RE_Search_Info& info) const override;
+
+    bool referenced = false;  ///< some backreference or condition reads this token
+    std::size_t number;       ///< slot in the token store, from 0
+
+private:
+    std::u16string nameText;
+
+public:
+    const char16_t* name;  ///< zero-terminated, or null
+};
+
+class CORVANE_REGEXP_EXPORT RE_Start_Token : public RE_Token {
+public:
+    using RE_Token::RE_Token;
+    bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
+    bool isStartToken() const override { return true; }
+    std::string label() const override { return "Token start #" + std::to_string(number + 1); }
+};
+
+class CORVANE_REGEXP_EXPORT RE_End_Token : public RE_Token {
+public:
+    using RE_Token::RE_Token;
+    bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
+    bool isEndToken() const override { return true; }
+    std::string label() const override { return "Token end #" + std::to_string(number + 1); }
+};
+
+/// Base of the nodes that read a token: by name when there is one, else by number.
+class CORVANE_REGEXP_EXPORT RE_Token_Fail : public RE_Fail {
+public:
+    RE_Token_Fail(RE_ParserContext& context, std::size_t tokenNumber, const std::u16string& tokenName)
+        : RE_Fail(context), number(tokenNumber), nameText(tokenName), name(nameText.empty() ? nullptr : nameText.c_str()) {}
+
+    std::size_t number;
+
+protected:
+    const RE_TokenInfo* token(const RE_Search_Info& info) const;
+    std::string which() const;
+
+private:
+    std::u16string nameText;
+
+public:
+    const char16_t* name;
+};
+
+/// Matches the text of a token again. Fails when the token is not in effect.
+class CORVANE_REGEXP_EXPORT RE_Match_Token : public RE_Token_Fail {
+public:
+    RE_Match_Token(RE_ParserContext& context, std::size_t tokenNumber, const std::u16string& tokenName, bool foldCase)
+        : RE_Token_Fail(context, tokenNumber, tokenName), ignoreCase(foldCase) {}
+    bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
+    bool canSeek(bool) const override { return false; }
+    void combineLengths() override;
+    std::string label() const override;
+
+    bool ignoreCase;
+};
+
+/// Holds when the token is in effect and not empty. (A backreference to an empty token matches the empty text; a
+/// condition on one does not hold.)
+class CORVANE_REGEXP_EXPORT RE_Token_Assertion : public RE_Token_Fail {
+public:
+    using RE_Token_Fail::RE_Token_Fail;
+    bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
+    std::string label() const override { return "Assert Token " + which(); }
+};

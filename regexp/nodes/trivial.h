@@ -1,0 +1,28 @@
+// The two nodes that test nothing: the empty node and the end.
+#pragma once
+
+#include "regexp/nodes/node.h"
+
+/// What an empty group or branch leaves behind, and where branches meet again.
+class CORVANE_REGEXP_EXPORT RE_Null : public RE_Node {
+public:
+    using RE_Node::RE_Node;
+    bool isSkippable() const override { return nextNode != nullptr; }
+    std::string label() const override { return "Null"; }
+};
+
+/// The end of a pattern or of a closed body. With a continuation, matching goes on there.
+class CORVANE_REGEXP_EXPORT RE_End_Of_Tree : public RE_Node {
+public:
+    explicit RE_End_Of_Tree(RE_ParserContext& context, RE_Node* continuationNode = nullptr, bool bodyEnd = false)
+        : RE_Node(context), continuation(continuationNode), endsBody(bodyEnd) {}
+
+    /// The end of the pattern itself refuses a match that consumed nothing when the search rejects empty matches.
+    bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
+    RE_Node* next() const override { return continuation; }
+    bool isEnd() const override { return continuation == nullptr; }
+    std::string label() const override { return endsBody ? "End of body" : "End"; }
+
+    RE_Node* continuation;  ///< never owned, never followed by walks
+    bool endsBody;
+};

@@ -1,0 +1,56 @@
+#include "regexp/nodes/units.h"
+
+#include "regexp/nodes/label_text.h"
+#include "regexp/seek/scan.h"
+
+#include <string>
+
+bool RE_Unit_Test::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {
+    const char16_t* const p = subject + pos;
+    if (info.atEnd(p) || !matchesUnit(*p)) {
+        return false;
+    }
+    ++pos;
+    return true;
+}
+
+const char16_t* RE_Natural::scan(const char16_t* p, RE_Search_Info& info) const {
+    return scanForward(p, info.subjectEnd, info, [this](const char16_t* at) { return matchesUnit(*at); });
+}
+
+const char16_t* RE_Natural::scanBack(const char16_t* p, std::size_t count, RE_Search_Info& info) const {
+    return scanBackward(p, count + 1, info,
+                        [&](const char16_t* at) { return at < info.subjectEnd && matchesUnit(*at); });
+}
+
+std::string RE_Natural::label() const { return "Match '" + labelText(static_cast<char16_t>(ch)) + "'"; }
+
+std::string RE_Natural_I::label() const { return RE_Natural::label() + " ignoring case"; }
+
+std::string RE_Range::label() const {
+    return "Match [" + labelText(static_cast<char16_t>(low)) + "-" + labelText(static_cast<char16_t>(high)) + "]";
+}
+
+std::string RE_Range_I::label() const { return RE_Range::label() + " ignoring case"; }
+
+bool RE_Range_I2::matchesUnit(char16_t unit) const {
+    const RE_Case_Table& cases = RE_Case_Table::get();
+    return holds(cases.lower(unit)) || holds(cases.upper(unit));
+}
+
+std::string RE_Range_I2::label() const { return RE_Range::label() + " ignoring case (ambiguous)"; }
+
+std::string RE_Escaped_Set::label() const { return "Match \\" + labelText(static_cast<char16_t>(escape)); }
+
+std::size_t RE_Unit_Class::skipDistance(const char16_t* p, const char16_t* limit) const {
+    const RE_Unit_Set& units = *set;
+    const char16_t* end = p;
+    while (end < limit && units.contains(*end)) {
+        ++end;
+    }
+    return static_cast<std::size_t>(end - p);
+}
+
+std::size_t RE_Dot_All::skipDistance(const char16_t* p, const char16_t* limit) const {
+    return static_cast<std::size_t>(limit - p);
+}

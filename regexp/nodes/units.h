@@ -1,0 +1,141 @@
+// Nodes that consume one unit, each decided by that unit alone.
+//
+// They can be joined by fail targets into a chain of alternatives that is tried at one position without leaving a
+// choice behind.
+#pragma once
+
+#include "regexp/seek/can_seek.h"
+#include "regexp/unit_set.h"
+
+#include <memory>
+
+/// Base of the single-unit tests: everything follows from `matchesUnit`.
+class CORVANE_REGEXP_EXPORT RE_Unit_Test : public RE_Consumable {
+public:
+    using RE_Consumable::RE_Consumable;
+
+    bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
+    bool isSingleUnit() const override { return true; }
+    std::uint64_t width() const override { return 1; }
+};
+
+using RE_Unit_Seek = RE_Branch_Seek<RE_Can_Seek<RE_Unit_Test>>;
+
+/// One literal unit.
+class CORVANE_REGEXP_EXPORT RE_Natural : public RE_Unit_Seek {
+public:
+    RE_Natural(RE_ParserContext& context, std::uint32_t unit) : RE_Unit_Seek(context), ch(unit) {}
+
+    bool matchesUnit(char16_t unit) const override { return unit == ch; }
+    bool canJoinString(bool first, bool ignoreCase) const override;
+    RE_Node* joinString(RE_ParserContext& context) override;
+    std::string label() const override;
+
+    std::uint32_t ch;
+
+protected:
+    bool scans() const override { return true; }
+    const char16_t* scan(const char16_t* p, RE_Search_Info& info) const override;
+    const char16_t* scanBack(const char16_t* p, std::size_t count, RE_Search_Info& info) const override;
+    bool mayJoin(bool first) const;
+};
+
+/// One literal unit, ignoring case: `ch` is its lower-case form.
+class CORVANE_REGEXP_EXPORT RE_Natural_I : public RE_Natural {
+public:
+    RE_Natural_I(RE_ParserContext& context, char16_t unit)
+        : RE_Natural(context, RE_Case_Table::get().lower(unit)), upper(RE_Case_Table::get().upper(unit)) {}
+
+    bool matchesUnit(char16_t unit) const override { return cases->lower(unit) == ch; }
+    bool canJoinString(bool first, bool ignoreCase) const override;
+    RE_Node* joinString(RE_ParserContext& context) override;
+    std::string label() const override;
+
+    std::uint32_t upper;
+
+private:
+    const RE_Case_Table* cases = &RE_Case_Table::get();
+};
+
+/// Units within inclusive bounds.
+class CORVANE_REGEXP_EXPORT RE_Range : public RE_Unit_Test {
+public:
+    RE_Range(RE_ParserContext& context, char16_t first, char16_t last)
+        : RE_Unit_Test(context), low(first), high(last) {}
+
+    bool matchesUnit(char16_t unit) const override { return holds(unit); }
+    std::string label() const override;
+
+    std::uint32_t low;
+    std::uint32_t high;
+
+protected:
+    bool holds(char16_t unit) const { return low <= unit && unit <= high; }
+};
+
+/// A range within one case, ignoring case: the bounds are lower-case forms.
+class CORVANE_REGEXP_EXPORT RE_Range_I : public RE_Range {
+public:
+    using RE_Range::RE_Range;
+    bool matchesUnit(char16_t unit) const override { return holds(RE_Case_Table::get().lower(unit)); }
+    std::string label() const override;
+};
+
+/// A range that mixes cases or cased and caseless units, ignoring case: a unit is tested in both its forms.
+class CORVANE_REGEXP_EXPORT RE_Range_I2 : public RE_Range {
+public:
+    using RE_Range::RE_Range;
+    bool matchesUnit(char16_t unit) const override;
+    std::string label() const override;
+};
+
+/// A class named by an escape, such as the digits.
+class CORVANE_REGEXP_EXPORT RE_Escaped_Set : public RE_Unit_Test {
+public:
+    using Test = bool (*)(char16_t);
+
+    RE_Escaped_Set(RE_ParserContext& context, char16_t letter, Test predicate)
+        : RE_Unit_Test(context), escape(letter), test(predicate) {}
+
+    bool matchesUnit(char16_t unit) const override { return test(unit); }
+    std::string label() const override;
+
+    std::uint32_t escape;
+    Test test;
+};
+
+/// Any set of units, as a table: a bracket expression, or alternatives of single units taken together.
+class CORVANE_REGEXP_EXPORT RE_Unit_Class : public RE_Unit_Test {
+public:
+    RE_Unit_Class(RE_ParserContext& context, std::shared_ptr<const RE_Unit_Set> units, std::string source)
+        : RE_Unit_Test(context), set(std::move(units)), text(std::move(source)) {}
+
+    bool matchesUnit(char16_t unit) const override { return set->contains(unit); }
+    std::size_t skipDistance(const char16_t* p, const char16_t* limit) const override;
+    std::string label() const override { return "Match " + text; }
+
+    std::shared_ptr<const RE_Unit_Set> set;
+    std::string text;
+};
+
+/// Base of the two dots.
+class CORVANE_REGEXP_EXPORT RE_Dot : public RE_Unit_Test {
+public:
+    using RE_Unit_Test::RE_Unit_Test;
+};
+
+class CORVANE_REGEXP_EXPORT RE_Dot_All : public RE_Dot {
+public:
+    using RE_Dot::RE_Dot;
+    bool matchesUnit(char16_t) const override { return true; }
+    bool matchesAnyChar() const override { return true; }
+    std::size_t skipDistance(const char16_t* p, const char16_t* limit) const override;
+    std::string label() const override { return "Match . (dotall)"; }
+};
+
+class CORVANE_REGEXP_EXPORT RE_Dot_Line : public RE_Dot {
+public:
+    using RE_Dot::RE_Dot;
+    bool matchesUnit(char16_t unit) const override { return unit != u'\n'; }
+    std::string label() const override { return "Match . (dotexceptnewline)"; }
+};

@@ -1,0 +1,93 @@
+#include "regexp/parser/brackets.h"
+
+#include "regexp/parser/modes.h"
+
+RE_Brackets::RE_Brackets(const char16_t* pattern, std::size_t units, RE_Flags flags)
+    : text(pattern), length(units), closings(units, none) {
+    pair(flags);
+    open.clear();
+    open.shrink_to_fit();
+}
+
+void RE_Brackets::pair(RE_Flags flags) {
+    freeSpacing = (flags & RE_FLAG_FREE_SPACING) != 0;
+    std::size_t at = 0;
+    while (at < length) {
+        switch (text[at]) {
+            case u'\\': at += 2; break;
+            case u'[': at = skipSet(at); break;
+            case u'(': at = openGroup(at); break;
+            case u')': at = closeGroup(at); break;
+            case u'#': at = freeSpacing ? skipComment(at) : at + 1; break;
+            default: ++at; break;
+        }
+    }
+}
+
+// Modes are followed only as far as free spacing goes, since it alone decides what counts.
+std::size_t RE_Brackets::openGroup(std::size_t at) {
+    open.push_back({static_cast<std::uint32_t>(at), freeSpacing});
+    if (at + 2 >= length || text[at + 1] != u'?') {
+        return at + 1;
+    }
+    const RE_Modes modes = readModes(text, length, at + 2, freeSpacing ? RE_FLAG_FREE_SPACING : 0);
+    if (modes.problem != RE_WARNING_NONE) {
+        return at + 2;
+    }
+    const bool changed = (modes.flags & RE_FLAG_FREE_SPACING) != 0;
+    if (text[modes.end] == u')') {
+        open.back().freeSpacingAfter = changed;
+    } else {
+        freeSpacing = changed;
+    }
+    return modes.end;
+}
+
+std::size_t RE_Brackets::closeGroup(std::size_t at) {
+    if (!open.empty()) {
+        closings[open.back().position] = static_cast<std::uint32_t>(at);
+        freeSpacing = open.back().freeSpacingAfter;
+        open.pop_back();
+    }
+    return at + 1;
+}
+
+// A set that does not close leaves none behind it that does, so the search is given up for good.
+std::size_t RE_Brackets::skipSet(std::size_t at) {
+    if (setsExhausted) {
+        return at + 1;
+    }
+    std::size_t i = at + 1;
+    i += i < length && text[i] == u'^' ? 1 : 0;
+    i += i < length && text[i] == u']' ? 1 : 0;
+    while (i < length && text[i] != u']') {
+        i += text[i] == u'\\' ? 2 : 1;
+    }
+    if (i >= length) {
+        setsExhausted = true;
+        return at + 1;
+    }
+    closings[at] = static_cast<std::uint32_t>(i);
+    return i + 1;
+}
+
+std::size_t RE_Brackets::skipComment(std::size_t at) const {
+    while (at < length && text[at] != u'\n') {
+        ++at;
+    }
+    return at + 1;
+}
+
+std::uint32_t RE_Brackets::nextBrace(std::size_t from) {
+    const bool known = braceKnown && from >= braceFrom && (brace == none || from <= brace);
+    if (!known) {
+        std::size_t i = from;
+        while (i < length && text[i] != u'}') {
+            i += text[i] == u'\\' ? 2 : 1;
+        }
+        brace = i < length ? static_cast<std::uint32_t>(i) : none;
+        braceKnown = true;
+    }
+    braceFrom = known ? braceFrom : from;
+    return brace;
+}

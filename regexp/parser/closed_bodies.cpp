@@ -1,0 +1,86 @@
+// Atomic groups, lookaround and the conditionals that hang on it.
+#include "regexp/nodes/anchors.h"
+#include "regexp/parser/graph_builder.h"
+
+// A closed body is a graph of its own: nothing outside changes while it runs, so its memo scopes begin afresh.
+void RE_Graph_Builder::emitBody(std::uint32_t group, RE_Node** bodyLink, bool behind) {
+    RE_Node** const outerTail = tail;
+    const RE_Memo_Scope* const outerScope = scope;
+    tail = bodyLink;
+    scope = nullptr;
+    then([this, behind, outerTail, outerScope] {
+        if (behind) {
+            append(context.make<RE_End_Match>());
+        }
+        append(context.make<RE_End_Of_Tree>(nullptr, true));
+        tail = outerTail;
+        scope = outerScope;
+    });
+    if (tree[group].kind == RE_Syntax_Kind::repeat) {
+        emitLoop(group);
+    } else {
+        emitGroup(group);
+    }
+}
+
+// Also a possessive repetition: its loop, closed.
+void RE_Graph_Builder::emitAtomic(std::uint32_t index) {
+    auto* const atomic = context.make<RE_Atomic>();
+    atomic->bodyMinimum = tree[index].least;
+    atomic->bodyMaximum = tree[index].most;
+    append(atomic);
+    emitBody(index, &atomic->body, false);
+}
+
+RE_Lookaround_Assertion* RE_Graph_Builder::makeLook(std::uint32_t index) {
+    const RE_Syntax& item = tree[index];
+    auto* const look = context.make<RE_Lookaround_Assertion>(item.behind, item.negative);
+    look->bodyMinimum = item.minimum;
+    look->bodyMaximum = item.maximum;
+    return look;
+}
+
+// A negative assertion has no next node: where its body completes the path is dead, where it fails matching goes on.
+void RE_Graph_Builder::emitLook(std::uint32_t index) {
+    RE_Lookaround_Assertion* const look = makeLook(index);
+    *tail = look;
+    tail = look->negative ? &look->failTarget : &look->nextNode;
+    emitBody(index, &look->body, look->behind);
+}
+
+void RE_Graph_Builder::emitConditional(std::uint32_t index) {
+    const RE_Syntax& item = tree[index];
+    if (item.condition == RE_Syntax::none) {
+        auto* const token = context.make<RE_Token_Assertion>(item.number, nameOf(item));
+        *tail = token;
+        emitConditionalBranches(index, token, false);
+        return;
+    }
+    RE_Lookaround_Assertion* const look = makeLook(item.condition);
+    *tail = look;
+    then([this, index, look] { emitConditionalBranches(index, look, look->negative); });
+    emitBody(item.condition, &look->body, look->behind);
+}
+
+// The branches hang on the links of the condition, exchanged for a negative one. Without a second branch a condition
+// that does not hold leads behind the conditional.
+void RE_Graph_Builder::emitConditionalBranches(std::uint32_t index, RE_Fail* condition, bool negative) {
+    const RE_Syntax& item = tree[index];
+    RE_Node* const join = context.make<RE_Null>();
+    RE_Node** const holds = negative ? &condition->failTarget : &condition->nextNode;
+    RE_Node** const holdsNot = negative ? &condition->nextNode : &condition->failTarget;
+    const std::uint32_t second = tree[item.firstChild].nextSibling;
+    then([this, join, holdsNot, second] {
+        joinAt(join);
+        tail = holdsNot;
+        then([this, join] {
+            joinAt(join);
+            tail = &join->nextNode;
+        });
+        if (second != RE_Syntax::none) {
+            emit(second);
+        }
+    });
+    tail = holds;
+    emit(item.firstChild);
+}

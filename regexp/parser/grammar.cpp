@@ -1,0 +1,148 @@
+#include "regexp/parser/grammar.h"
+
+#include "regexp/parser/escapes.h"
+#include "regexp/parser/names.h"
+
+RE_Grammar::RE_Grammar(RE_ParserContext& parserContext, const char16_t* pattern, std::size_t units, bool tokens)
+    : context(parserContext),
+      text(pattern),
+      length(units),
+      makesTokens(tokens),
+      brackets(pattern, units, parserContext.flags) {}
+
+RE_Syntax_Tree RE_Grammar::read() {
+    const std::uint32_t root = tree.add(RE_Syntax_Kind::group, 0, flags());
+    openFrame(root, RE_Brackets::none, 0, false);
+    for (;;) {
+        at = skipSpacing(text, length, at, flags());
+        if (at >= length) {
+            break;
+        }
+        if (at == frame().close) {
+            closeFrame();
+        } else {
+            readUnit();
+        }
+    }
+    resolveReferences();
+    return std::move(tree);
+}
+
+void RE_Grammar::readUnit() {
+    switch (text[at]) {
+        case u'(': readGroup(); return;
+        case u')':
+            warnAt(at, RE_WARNING_UNMATCHED_CLOSE);
+            addLiteral(u')', at++);
+            return;
+        case u'[': readSet(); return;
+        case u'\\': readEscapeAtom(); return;
+        case u'|': readBranchBar(); return;
+        case u'.': addItem(RE_Syntax_Kind::dot, at++); return;
+        case u'^': addItem(RE_Syntax_Kind::start_anchor, at++); return;
+        case u'$': addItem(RE_Syntax_Kind::end_anchor, at++); return;
+        case u'*':
+        case u'+':
+        case u'?':
+        case u'{':
+            if (!readQuantifier()) {
+                addLiteral(text[at], at);
+                ++at;
+            }
+            return;
+        default: addLiteral(text[at], at); ++at;
+    }
+}
+
+// In a conditional the first bar divides the branches; further ones belong to the second branch.
+void RE_Grammar::readBranchBar() {
+    Frame& current = frame();
+    if (tree[current.group].kind == RE_Syntax_Kind::conditional && !current.divided) {
+        const std::uint32_t second = tree.add(RE_Syntax_Kind::group, static_cast<std::uint32_t>(at), flags());
+        tree.append(current.group, second);
+        current.group = second;
+        current.divided = true;
+    }
+    current.branch = tree.add(RE_Syntax_Kind::sequence, static_cast<std::uint32_t>(at), flags());
+    tree.append(current.group, current.branch);
+    current.last = Last::nothing;
+    ++at;
+}
+
+void RE_Grammar::addItem(RE_Syntax_Kind kind, std::size_t position) {
+    const std::uint32_t item = tree.add(kind, static_cast<std::uint32_t>(position), flags());
+    tree.append(frame().branch, item);
+    frame().last = Last::item;
+}
+
+void RE_Grammar::addLiteral(char16_t unit, std::size_t position) {
+    addItem(RE_Syntax_Kind::literal, position);
+    tree[tree[frame().branch].lastChild].low = unit;
+}
+
+// A character of two units is one item, so that a quantifier repeats both.
+void RE_Grammar::addPair(char32_t character, std::size_t position) {
+    const char32_t offset = character - 0x10000;
+    const char16_t units[] = {static_cast<char16_t>(0xD800 + (offset >> 10)),
+                              static_cast<char16_t>(0xDC00 + (offset & 0x3FF))};
+    addItem(RE_Syntax_Kind::group, position);
+    const std::uint32_t group = tree[frame().branch].lastChild;
+    const std::uint32_t branch = tree.add(RE_Syntax_Kind::sequence, static_cast<std::uint32_t>(position), flags());
+    tree.append(group, branch);
+    for (const char16_t unit : units) {
+        const std::uint32_t literal =
+            tree.add(RE_Syntax_Kind::literal, static_cast<std::uint32_t>(position), flags());
+        tree[literal].low = unit;
+        tree.append(branch, literal);
+    }
+}
+
+void RE_Grammar::addEscaped(char16_t letter) {
+    addItem(RE_Syntax_Kind::escaped, at);
+    tree[tree[frame().branch].lastChild].low = letter;
+    at += 2;
+}
+
+void RE_Grammar::readEscapeAtom() {
+    const char16_t unit = at + 1 < length ? text[at + 1] : u'\0';
+    switch (unit) {
+        case u'<':
+            addItem(RE_Syntax_Kind::start_word, at);
+            at += 2;
+            return;
+        case u'>':
+            addItem(RE_Syntax_Kind::end_word, at);
+            at += 2;
+            return;
+        case u'd':
+        case u'D':
+        case u's':
+        case u'S':
+        case u'w':
+        case u'W': addEscaped(unit); return;
+        case u'k':
+            if (readNameReference()) {
+                return;
+            }
+            break;
+        default: break;
+    }
+    if (unit >= u'1' && unit <= u'9') {
+        readNumberReference();
+    } else {
+        readCharacter();
+    }
+}
+
+void RE_Grammar::readCharacter() {
+    const RE_Escape escape = readEscape(text, length, at);
+    if (escape.problem != RE_WARNING_NONE) {
+        warnAt(escape.where, escape.problem);
+    }
+    if (escape.value > 0xFFFF) {
+        addPair(escape.value, at);
+    } else {
+        addLiteral(static_cast<char16_t>(escape.value), at);
+    }
+    at = escape.end;
+}

@@ -1,0 +1,111 @@
+// Reads the text of a pattern into a syntax tree.
+//
+// One pass from left to right over units, with a stack of the groups that are open. Malformed syntax is reported as a
+// numbered warning and degrades to literal text or to nothing; reading never fails.
+#pragma once
+
+#include "regexp/memory.h"
+#include "regexp/parser/brackets.h"
+#include "regexp/parser/parser_context.h"
+#include "regexp/parser/syntax.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+class RE_Grammar {
+public:
+    /// With `makesTokens` false, capturing groups only group.
+    RE_Grammar(RE_ParserContext& parserContext, const char16_t* pattern, std::size_t units, bool makesTokens);
+
+    /// Reads the whole pattern. Called once.
+    RE_Syntax_Tree read();
+
+private:
+    /// What stands before a quantifier.
+    enum class Last { nothing, item, dropped };
+
+    /// Something that reads a token: by name, else by number.
+    struct Reference {
+        std::uint32_t name;  ///< index of the name, or `none`
+        std::uint64_t number;
+        std::uint32_t position;
+    };
+
+    /// How deeply atomic groups and lookarounds may nest.
+    static constexpr std::size_t maximumClosedDepth = 1000;
+
+    /// A group that is being read.
+    struct Frame {
+        std::uint32_t group;        ///< the item whose branches are read
+        std::uint32_t branch;       ///< the branch being read
+        std::uint32_t close;        ///< index of the unit that closes it
+        RE_Flags outerFlags;        ///< modes to go back to
+        bool isCondition;           ///< the assertion that decides a conditional
+        bool divided;               ///< conditional: the second branch has begun
+        bool closed;                ///< a closed body
+        Last last;                  ///< what a quantifier would repeat
+    };
+
+    // grammar.cpp: the loop and plain atoms
+    void readUnit();
+    void readBranchBar();
+    void readEscapeAtom();
+    void readCharacter();
+    void addItem(RE_Syntax_Kind kind, std::size_t position);
+    void addLiteral(char16_t unit, std::size_t position);
+    void addPair(char32_t character, std::size_t position);
+    void addEscaped(char16_t letter);
+    void warnAt(std::size_t position, RE_Warning warning) { context.warn(text + position, warning); }
+
+    // groups.cpp
+    void openFrame(std::uint32_t group, std::uint32_t close, std::size_t contentStart, bool closedBody);
+    void closeFrame();
+    void readGroup();
+    void readCapture(std::uint32_t close);
+    void readMarkedGroup(std::uint32_t close);
+    void readNamedGroup(std::uint32_t close);
+    bool isLookaroundMark(std::size_t mark, std::size_t end) const;
+    void readLookaround(std::size_t mark, std::uint32_t close);
+    void readModeGroup(std::uint32_t close);
+    void readDynamicGroup(std::uint32_t close);
+    void openClosedBody(RE_Syntax item, std::uint32_t close, std::size_t contentStart);
+    void dropGroup(std::uint32_t close);
+    bool opensUnclosedCondition() const;
+
+    // conditions.cpp
+    void readConditional(std::uint32_t close);
+    bool readTokenCondition(Reference& token, std::size_t start, std::size_t end);
+    void openLookCondition(std::uint32_t conditional, std::uint32_t close, std::size_t start, std::uint32_t end);
+
+    // references.cpp
+    void readNumberReference();
+    bool readNameReference();
+    void addReference(std::uint64_t number, std::uint32_t name);
+    void resolveReferences();
+
+    // sets.cpp
+    void readSet();
+
+    // quantifiers.cpp
+    bool readQuantifier();
+    bool readBraces(std::uint64_t& minimum, std::uint64_t& maximum);
+    std::uint64_t readNumber(std::size_t& at) const;
+    void repeatLast(std::size_t start, std::uint64_t minimum, std::uint64_t maximum);
+    bool foldsIntoInner(RE_Syntax& inner, std::uint64_t minimum, std::uint64_t maximum, RE_Qualifier how) const;
+
+    Frame& frame() { return frames.back(); }
+    RE_Flags flags() const { return context.flags; }
+    bool has(RE_Flags flag) const { return (context.flags & flag) != 0; }
+
+    RE_ParserContext& context;
+    const char16_t* text;
+    std::size_t length;
+    bool makesTokens;
+    RE_Brackets brackets;
+    RE_Syntax_Tree tree;
+    std::vector<Frame, RE_Allocator<Frame>> frames;
+    std::size_t at = 0;
+    std::size_t closedDepth = 0;
+    std::vector<Reference, RE_Allocator<Reference>> references;
+};

@@ -1,0 +1,166 @@
+#include "regexp/parser/graph_builder.h"
+
+#include "regexp/nodes/anchors.h"
+#include "regexp/parser/unit_nodes.h"
+
+#include <algorithm>
+
+RE_Node* RE_Graph_Builder::build(RE_Node* continuation) {
+    RE_Node* const root = context.make<RE_Null>();
+    tail = &root->nextNode;
+    emit(RE_Syntax_Tree::root);
+    while (!work.empty()) {
+        const Step step = std::move(work.back());
+        work.pop_back();
+        step();
+    }
+    append(context.make<RE_Null>());
+    append(context.make<RE_End_Of_Tree>(continuation));
+    return root;
+}
+
+void RE_Graph_Builder::append(RE_Node* node) {
+    *tail = node;
+    tail = &node->nextNode;
+}
+
+const RE_Memo_Scope* RE_Graph_Builder::innerScope(RE_Memo_Scope::Kind kind, const RE_Node* counter,
+                                                  std::size_t index) {
+    context.facts->memoScopes.push_back({scope, kind, counter, index});
+    return &context.facts->memoScopes.back();
+}
+
+void RE_Graph_Builder::emit(std::uint32_t index) {
+    const RE_Syntax& item = tree[index];
+    switch (item.kind) {
+        case RE_Syntax_Kind::sequence: emitSequence(item.firstChild); return;
+        case RE_Syntax_Kind::group: emitGroup(index); return;
+        case RE_Syntax_Kind::capture: emitCapture(index); return;
+        case RE_Syntax_Kind::atomic: emitAtomic(index); return;
+        case RE_Syntax_Kind::look: emitLook(index); return;
+        case RE_Syntax_Kind::conditional: emitConditional(index); return;
+        case RE_Syntax_Kind::repeat: emitRepeat(index); return;
+        case RE_Syntax_Kind::reference: emitReference(item); return;
+        case RE_Syntax_Kind::start_anchor:
+        case RE_Syntax_Kind::end_anchor:
+        case RE_Syntax_Kind::start_word:
+        case RE_Syntax_Kind::end_word: emitAnchor(item); return;
+        case RE_Syntax_Kind::dropped: return;
+        default: append(makeUnitNode(context, tree, index));
+    }
+}
+
+void RE_Graph_Builder::emitSequence(std::uint32_t child) {
+    if (child == RE_Syntax::none) {
+        return;
+    }
+    const std::uint32_t following = tree[child].nextSibling;
+    if (following != RE_Syntax::none) {
+        then([this, following] { emitSequence(following); });
+    }
+    emit(child);
+}
+
+void RE_Graph_Builder::emitGroup(std::uint32_t group) {
+    const RE_Syntax& item = tree[group];
+    if (item.firstChild == item.lastChild) {
+        emit(item.firstChild);
+    } else {
+        emitBranches(item.firstChild, context.make<RE_Null>(), false);
+    }
+}
+
+// Branches from `branch` on, all of which end at `join`. Neighbouring branches of one unit each become one fail chain.
+// Only the first split of an alternation is told to the memo: the others are reached through it alone.
+void RE_Graph_Builder::emitBranches(std::uint32_t branch, RE_Node* join, bool chained) {
+    std::uint32_t rest = tree[branch].nextSibling;
+    const bool unitRun = rest != RE_Syntax::none && tree.soleUnit(branch) != RE_Syntax::none &&
+                         tree.soleUnit(rest) != RE_Syntax::none;
+    while (unitRun && rest != RE_Syntax::none && tree.soleUnit(rest) != RE_Syntax::none) {
+        rest = tree[rest].nextSibling;
+    }
+    RE_Split* split = nullptr;
+    if (rest != RE_Syntax::none) {
+        split = makeChoice<RE_Split>();
+        split->memoised = !chained;
+        append(split);
+    }
+    then([this, split, join, rest] {
+        joinAt(join);
+        if (split == nullptr) {
+            tail = &join->nextNode;
+        } else {
+            tail = &split->alternative;
+            emitBranches(rest, join, true);
+        }
+    });
+    if (unitRun) {
+        emitUnitRun(branch, join);
+    } else {
+        emit(branch);
+    }
+}
+
+// The fail chain of the branches from `branch` on that consist of one unit; the last one's next link is the tail.
+void RE_Graph_Builder::emitUnitRun(std::uint32_t branch, RE_Node* join) {
+    RE_Node** link = tail;
+    while (branch != RE_Syntax::none && tree.soleUnit(branch) != RE_Syntax::none) {
+        RE_Consumable* const unit = makeUnitNode(context, tree, tree.soleUnit(branch));
+        *link = unit;
+        unit->nextNode = join;
+        link = &unit->failTarget;
+        tail = &unit->nextNode;
+        branch = tree[branch].nextSibling;
+    }
+}
+
+void RE_Graph_Builder::emitCapture(std::uint32_t index) {
+    const RE_Syntax& item = tree[index];
+    const auto& referenced = context.facts->referencedTokens;
+    const bool isReferenced = std::binary_search(referenced.begin(), referenced.end(), item.number);
+    auto* const start = context.make<RE_Start_Token>(item.number, nameOf(item));
+    start->referenced = isReferenced;
+    append(start);
+    const RE_Memo_Scope* const outer = scope;
+    if (isReferenced) {
+        scope = innerScope(RE_Memo_Scope::Kind::token, nullptr, item.number);
+    }
+    then([this, index, isReferenced, outer] {
+        scope = outer;
+        auto* const end = context.make<RE_End_Token>(tree[index].number, nameOf(tree[index]));
+        end->referenced = isReferenced;
+        append(end);
+    });
+    emitGroup(index);
+}
+
+const std::u16string& RE_Graph_Builder::nameOf(const RE_Syntax& item) const {
+    static const std::u16string unnamed;
+    return item.payload == RE_Syntax::none ? unnamed : tree.names[item.payload];
+}
+
+void RE_Graph_Builder::emitReference(const RE_Syntax& item) {
+    const bool ignoreCase = (item.flags & RE_FLAG_IGNORE_CASE) != 0;
+    append(context.make<RE_Match_Token>(item.number, nameOf(item), ignoreCase));
+}
+
+void RE_Graph_Builder::emitAnchor(const RE_Syntax& item) {
+    const bool lines = (item.flags & RE_FLAG_LINE_ANCHORS) != 0;
+    switch (item.kind) {
+        case RE_Syntax_Kind::start_word: append(context.make<RE_Start_Word>()); return;
+        case RE_Syntax_Kind::end_word: append(context.make<RE_End_Word>()); return;
+        case RE_Syntax_Kind::start_anchor:
+            if (lines) {
+                append(context.make<RE_Start_Line>());
+            } else {
+                append(context.make<RE_Start_String>());
+            }
+            return;
+        default:
+            if (lines) {
+                append(context.make<RE_End_Line>());
+            } else {
+                append(context.make<RE_End_String>());
+            }
+    }
+}

@@ -1,0 +1,100 @@
+// Turns a syntax tree into the node graph.
+//
+// The graph is built from left to right. `tail` is the link that the next node will be hung on: to append a node is to
+// store it there and to move on to its own next link. What is left to do lies on a work stack as small functions, the
+// next one on top, so that building takes no recursion, however deeply a pattern nests.
+#pragma once
+
+#include "regexp/memory.h"
+#include "regexp/nodes/closed_body.h"
+#include "regexp/nodes/counters.h"
+#include "regexp/nodes/loop_pass.h"
+#include "regexp/nodes/tokens.h"
+#include "regexp/nodes/trivial.h"
+#include "regexp/parser/measure.h"
+#include "regexp/parser/parser_context.h"
+#include "regexp/parser/syntax.h"
+
+#include <functional>
+#include <vector>
+
+class RE_Graph_Builder {
+public:
+    RE_Graph_Builder(RE_ParserContext& parserContext, const RE_Syntax_Tree& syntax)
+        : context(parserContext), tree(syntax) {}
+
+    /// Builds the whole graph; its end hands control to `continuation` where there is one. Returns the root.
+    RE_Node* build(RE_Node* continuation);
+
+private:
+    using Step = std::function<void()>;
+
+    /// The loop being built: what stands around its body.
+    struct Loop {
+        std::uint32_t body;
+        bool lazy;
+        bool guarded;            ///< its body can be empty
+        bool endsWhenEmpty;      ///< an empty required pass ends the loop
+        std::size_t pass;        ///< register of the current pass
+        const RE_Memo_Scope* outerScope;
+        RE_Node* exit;           ///< where the loop leads, when more than one way leads there
+    };
+
+    /// Runs `step` once everything queued after it has run.
+    void then(Step step) { work.push_back(std::move(step)); }
+    void append(RE_Node* node);
+    void joinAt(RE_Node* node) { *tail = node; }
+
+    // graph_builder.cpp: sequences, groups, atoms
+    void emit(std::uint32_t index);
+    void emitSequence(std::uint32_t child);
+    void emitGroup(std::uint32_t group);
+    void emitBranches(std::uint32_t branch, RE_Node* join, bool chained);
+    void emitUnitRun(std::uint32_t branch, RE_Node* join);
+    void emitCapture(std::uint32_t index);
+    void emitReference(const RE_Syntax& item);
+    void emitAnchor(const RE_Syntax& item);
+    const std::u16string& nameOf(const RE_Syntax& item) const;
+
+    // closed_bodies.cpp
+    void emitAtomic(std::uint32_t index);
+    void emitLook(std::uint32_t index);
+    void emitConditional(std::uint32_t index);
+    void emitConditionalBranches(std::uint32_t index, RE_Fail* condition, bool negative);
+    RE_Lookaround_Assertion* makeLook(std::uint32_t index);
+    void emitBody(std::uint32_t group, RE_Node** bodyLink, bool behind);
+
+    // repetition.cpp
+    void emitRepeat(std::uint32_t index);
+    void emitLoop(std::uint32_t index);
+    Loop openLoop(std::uint32_t index, const RE_Repeat_Plan& plan);
+    void emitOptional(Loop loop);
+    void emitStar(Loop loop);
+    void emitPlus(Loop loop);
+    void emitCounted(Loop loop, const RE_Repeat_Plan& plan);
+    void emitCopies(Loop loop, RE_Repeat_Plan plan);
+    void emitOptionalCopies(const Loop& loop, std::uint64_t count);
+    void enterPass(const Loop& loop, bool required);
+    void leavePass(const Loop& loop);
+    void enterBodyScope(const Loop& loop);
+    RE_Fixed_Counter* makeFixedCounter(std::uint64_t passes);
+    RE_Split* makeOptionalCounter(std::uint64_t passes, bool lazy);
+    void appendStartCounter(RE_Counter* counter);
+
+    template <class Choice, class... Arguments>
+    Choice* makeChoice(Arguments&&... arguments) {
+        Choice* const choice = context.make<Choice>(std::forward<Arguments>(arguments)...);
+        choice->guarded = true;
+        choice->memoised = true;
+        choice->memoIndex = context.nextMemoRow();
+        choice->memoScope = scope;
+        return choice;
+    }
+    const RE_Memo_Scope* innerScope(RE_Memo_Scope::Kind kind, const RE_Node* counter, std::size_t index);
+
+    RE_ParserContext& context;
+    const RE_Syntax_Tree& tree;
+    std::vector<Step> work;
+    RE_Node** tail = nullptr;
+    const RE_Memo_Scope* scope = nullptr;  ///< what the future depends on here, besides the position
+};

@@ -1,0 +1,56 @@
+// What the stages of compiling one pattern share: the host's context, the modes, the nodes made so far.
+#pragma once
+
+#include "regexp/eval/context.h"
+#include "regexp/flags.h"
+#include "regexp/graph_facts.h"
+#include "regexp/memory.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+class RE_Node;
+
+/// Owns (through the facts) every node it made until the finished graph is handed over, so that a host that throws
+/// out of a callback leaks nothing.
+class CORVANE_REGEXP_EXPORT RE_ParserContext : public RE_Memory {
+public:
+    RE_ParserContext(RE_Context* host, RE_Node* outerNode, RE_Flags patternFlags);
+    ~RE_ParserContext();
+    RE_ParserContext(const RE_ParserContext&) = delete;
+    RE_ParserContext& operator=(const RE_ParserContext&) = delete;
+
+    /// Makes a node. This is the only place that does.
+    template <class Node, class... Arguments>
+    Node* make(Arguments&&... arguments) {
+        facts->nodes.push_back(nullptr);
+        Node* const node = new Node(*this, std::forward<Arguments>(arguments)...);
+        facts->nodes.back() = node;
+        return node;
+    }
+    std::uint64_t nextNodeId() { return ++nodeCount; }
+    /// A memo row for a node that makes choices.
+    std::uint32_t nextMemoRow() { return facts->memoRows++; }
+
+    void warn(const char16_t* where, RE_Warning warning) { context->warn(where, warning); }
+    /// Asks the host each time, as the answer may change.
+    bool mayEvaluate() const { return (flags & RE_FLAG_EVALUATE) != 0 && context->allow_evaluation(); }
+    const Corvane::regexp::CompileOptions& options() const { return context->getCompileOptions(); }
+
+    /// Deletes every node that is not in `kept` and hands the rest to the facts. Returns how many those are.
+    std::size_t handOver(const std::vector<RE_Node*, RE_Allocator<RE_Node*>>& kept);
+
+    RE_Context* context;
+    std::uint64_t nodeCount = 0;
+    RE_Node* outer;
+    RE_Flags flags;
+    std::unique_ptr<RE_Graph_Facts> facts;
+    /// Token numbers (slots, from 0) of each name.
+    std::multimap<std::u16string, std::size_t> tokenNames;
+
+};

@@ -1,0 +1,241 @@
+// Builds loops out of splits, counters and pass guards, or copies of a body where those are few.
+#include "regexp/parser/graph_builder.h"
+
+#include <algorithm>
+
+namespace {
+
+// Loops nested in loops, all over the empty text: beyond this many passes an empty required pass ends its loop, which
+// keeps the number of passes from growing exponentially with the nesting.
+constexpr std::uint32_t maximumEmptyPasses = 256;
+
+/// The links of a choice that lead into the loop and out of it.
+RE_Node*& intoLoop(RE_Split& choice, bool lazy) { return lazy ? choice.alternative : choice.nextNode; }
+RE_Node*& outOfLoop(RE_Split& choice, bool lazy) { return lazy ? choice.nextNode : choice.alternative; }
+
+}  // namespace
+
+void RE_Graph_Builder::emitRepeat(std::uint32_t index) {
+    if (tree[index].qualifier == RE_Qualifier::possessive) {
+        emitAtomic(index);
+    } else {
+        emitLoop(index);
+    }
+}
+
+void RE_Graph_Builder::emitLoop(std::uint32_t index) {
+    const RE_Repeat_Plan plan = planRepeat(tree, index, context.options().inlineThreshold());
+    const bool endless = plan.maximum == RE_Syntax::noMaximum;
+    if (plan.maximum == 0) {
+        return;
+    }
+    if (plan.minimum == 1 && plan.maximum == 1) {
+        emit(tree[index].firstChild);
+        return;
+    }
+    const Loop loop = openLoop(index, plan);
+    if (plan.unrolled) {
+        emitCopies(loop, plan);
+    } else if (plan.counted) {
+        emitCounted(loop, plan);
+    } else if (!endless) {
+        emitOptional(loop);
+    } else if (plan.minimum == 0) {
+        emitStar(loop);
+    } else {
+        emitPlus(loop);
+    }
+}
+
+RE_Graph_Builder::Loop RE_Graph_Builder::openLoop(std::uint32_t index, const RE_Repeat_Plan& plan) {
+    const RE_Syntax& item = tree[index];
+    Loop loop{};
+    loop.body = item.firstChild;
+    loop.lazy = item.qualifier == RE_Qualifier::lazy;
+    loop.guarded = plan.mayBeEmpty;
+    loop.endsWhenEmpty = plan.mayBeEmpty && item.emptyPasses > maximumEmptyPasses;
+    loop.pass = plan.mayBeEmpty ? context.facts->passRegisters++ : 0;
+    loop.outerScope = scope;
+    return loop;
+}
+
+void RE_Graph_Builder::enterPass(const Loop& loop, bool required) {
+    if (loop.guarded) {
+        const RE_Pass kind =
+            !required ? RE_Pass::optional : (loop.endsWhenEmpty ? RE_Pass::lastWhenEmpty : RE_Pass::required);
+        append(context.make<RE_Start_Pass>(loop.pass, kind));
+    }
+}
+
+void RE_Graph_Builder::leavePass(const Loop& loop) {
+    scope = loop.outerScope;
+    if (loop.guarded) {
+        auto* const end = context.make<RE_End_Pass>(loop.pass);
+        end->failTarget = loop.endsWhenEmpty ? loop.exit : nullptr;
+        append(end);
+    }
+}
+
+void RE_Graph_Builder::enterBodyScope(const Loop& loop) {
+    if (loop.guarded) {
+        scope = innerScope(RE_Memo_Scope::Kind::pass, nullptr, loop.pass);
+    }
+}
+
+void RE_Graph_Builder::emitOptional(Loop loop) {
+    auto* const split = makeChoice<RE_Split>();
+    append(split);
+    RE_Node* const join = context.make<RE_Null>();
+    outOfLoop(*split, loop.lazy) = join;
+    tail = &intoLoop(*split, loop.lazy);
+    enterPass(loop, false);
+    enterBodyScope(loop);
+    then([this, loop, join] {
+        leavePass(loop);
+        joinAt(join);
+        tail = &join->nextNode;
+    });
+    emit(loop.body);
+}
+
+void RE_Graph_Builder::emitStar(Loop loop) {
+    auto* const split = makeChoice<RE_Split>();
+    append(split);
+    tail = &intoLoop(*split, loop.lazy);
+    enterPass(loop, false);
+    enterBodyScope(loop);
+    then([this, loop, split] {
+        leavePass(loop);
+        joinAt(split);
+        tail = &outOfLoop(*split, loop.lazy);
+    });
+    emit(loop.body);
+}
+
+// One body, with the split behind it.
+void RE_Graph_Builder::emitPlus(Loop loop) {
+    loop.exit = context.make<RE_Null>();
+    enterPass(loop, true);
+    RE_Node* const head = context.make<RE_Null>();
+    append(head);
+    enterBodyScope(loop);
+    then([this, loop, head] {
+        leavePass(loop);
+        auto* const split = makeChoice<RE_Split>();
+        append(split);
+        outOfLoop(*split, loop.lazy) = loop.exit;
+        tail = &intoLoop(*split, loop.lazy);
+        enterPass(loop, false);
+        joinAt(head);
+        tail = &loop.exit->nextNode;
+    });
+    emit(loop.body);
+}
+
+// The required passes are counted by a fixed counter, the optional ones by one of their own (or, without an upper
+// bound, chosen by a split). Both lead into one body, which leads back to the fixed counter; once that is exhausted it
+// hands on to the other at every arrival.
+void RE_Graph_Builder::emitCounted(Loop loop, const RE_Repeat_Plan& plan) {
+    loop.exit = context.make<RE_Null>();
+    const bool endless = plan.maximum == RE_Syntax::noMaximum;
+    RE_Fixed_Counter* const fixed = plan.minimum > 0 ? makeFixedCounter(plan.minimum) : nullptr;
+    RE_Split* optional = nullptr;
+    if (endless) {
+        optional = makeChoice<RE_Split>();
+    } else if (plan.maximum > plan.minimum) {
+        optional = makeOptionalCounter(plan.maximum - plan.minimum, loop.lazy);
+    }
+    RE_Node* const body = context.make<RE_Null>();
+    RE_Node* const head = fixed != nullptr ? static_cast<RE_Node*>(fixed) : optional;
+    joinAt(head);
+    if (fixed != nullptr) {
+        fixed->doneNode = optional != nullptr ? static_cast<RE_Node*>(optional) : loop.exit;
+        tail = &fixed->nextNode;
+        enterPass(loop, true);
+        joinAt(body);
+        scope = innerScope(RE_Memo_Scope::Kind::counter, fixed, 0);
+    }
+    if (optional != nullptr) {
+        outOfLoop(*optional, loop.lazy) = loop.exit;
+        tail = &intoLoop(*optional, loop.lazy);
+        enterPass(loop, false);
+        joinAt(body);
+        scope = endless ? scope : innerScope(RE_Memo_Scope::Kind::counter, optional, 0);
+    }
+    enterBodyScope(loop);
+    tail = &body->nextNode;
+    then([this, loop, head] {
+        leavePass(loop);
+        joinAt(head);
+        tail = &loop.exit->nextNode;
+    });
+    emit(loop.body);
+}
+
+void RE_Graph_Builder::appendStartCounter(RE_Counter* counter) {
+    auto* const start = context.make<RE_Start_Counter>();
+    start->counter = counter;
+    auto* const popper = context.make<RE_Counter_Popper>(counter);
+    popper->guarded = true;
+    start->popper = popper;
+    start->memoScope = scope;
+    append(start);
+}
+
+RE_Fixed_Counter* RE_Graph_Builder::makeFixedCounter(std::uint64_t passes) {
+    auto* const fixed = context.make<RE_Fixed_Counter>(passes - 1);
+    fixed->guarded = true;
+    fixed->memoScope = scope;
+    appendStartCounter(fixed);
+    return fixed;
+}
+
+// The choice of an optional pass depends on the passes made so far.
+RE_Split* RE_Graph_Builder::makeOptionalCounter(std::uint64_t passes, bool lazy) {
+    const RE_Memo_Scope* const outer = scope;
+    RE_Counter* counter = nullptr;
+    if (lazy) {
+        auto* const lazyCounter = makeChoice<RE_Lazy_Counter>(passes);
+        auto* const decrementer = context.make<RE_Lazy_Decrementer>(lazyCounter);
+        decrementer->guarded = true;
+        lazyCounter->decrementer = decrementer;
+        counter = lazyCounter;
+    } else {
+        counter = makeChoice<RE_Limit_Counter>(passes);
+    }
+    appendStartCounter(counter);
+    counter->memoScope = innerScope(RE_Memo_Scope::Kind::counter, counter, 0);
+    scope = outer;
+    return counter;
+}
+
+// The required copies, one after another; with an open end the last one is a loop.
+void RE_Graph_Builder::emitCopies(Loop loop, RE_Repeat_Plan plan) {
+    const bool endless = plan.maximum == RE_Syntax::noMaximum;
+    if (endless && plan.minimum == 1) {
+        emitPlus(loop);
+    } else if (plan.minimum > 0) {
+        --plan.minimum;
+        plan.maximum -= endless ? 0 : 1;
+        then([this, loop, plan] { emitCopies(loop, plan); });
+        emit(loop.body);
+    } else if (plan.maximum > 0) {
+        loop.exit = context.make<RE_Null>();
+        emitOptionalCopies(loop, plan.maximum);
+    }
+}
+
+// Each copy stands behind a split whose other way leads out.
+void RE_Graph_Builder::emitOptionalCopies(const Loop& loop, std::uint64_t count) {
+    if (count == 0) {
+        joinAt(loop.exit);
+        tail = &loop.exit->nextNode;
+        return;
+    }
+    auto* const split = makeChoice<RE_Split>();
+    append(split);
+    outOfLoop(*split, loop.lazy) = loop.exit;
+    tail = &intoLoop(*split, loop.lazy);
+    then([this, loop, count] { emitOptionalCopies(loop, count - 1); });
+    emit(loop.body);
+}

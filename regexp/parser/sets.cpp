@@ -1,0 +1,125 @@
+// Bracket expressions. A set, negated or not, is one exact test of a unit: fold, then negate.
+#include "regexp/nodes/label_text.h"
+#include "regexp/parser/escapes.h"
+#include "regexp/parser/grammar.h"
+#include "regexp/parser/unit_tests.h"
+
+#include <memory>
+
+namespace {
+
+/// One member of a set as written.
+struct Member {
+    enum class Kind { unit, escapedClass, nothing } kind;
+    char16_t unit;     ///< the unit, or the letter of the class
+    std::size_t end;
+};
+
+/// Collects the members of a set.
+class Set_Reader {
+public:
+    Set_Reader(RE_ParserContext& parserContext, const char16_t* pattern, std::size_t closing)
+        : context(parserContext), text(pattern), close(closing) {}
+
+    void readFrom(std::size_t at) {
+        for (bool first = true; at < close; first = false) {
+            const Member low = readMember(at);
+            const bool range = low.kind == Member::Kind::unit && low.end + 1 < close && text[low.end] == u'-';
+            // A hyphen at either end, and one beside a class, stands for itself.
+            const Member high = range && !(text[at] == u'-' && first) ? peekHigh(low.end + 1) : low;
+            if (range && high.end != low.end && high.kind == Member::Kind::unit) {
+                at = addRange(low, readMember(low.end + 1));
+            } else {
+                at = addMember(low);
+            }
+        }
+    }
+
+    RE_Unit_Test_Set tests;
+
+private:
+    /// Looks at the upper end of a range without reporting it yet.
+    Member peekHigh(std::size_t at) {
+        reporting = false;
+        const Member member = readMember(at);
+        reporting = true;
+        return member;
+    }
+
+    Member readMember(std::size_t at) {
+        if (text[at] != u'\\') {
+            return {Member::Kind::unit, text[at], at + 1};
+        }
+        const char16_t letter = at + 1 < close ? text[at + 1] : u'\0';
+        if (letter != u'\0' && RE_Unit_Test_Set::namesClass(letter)) {
+            return {Member::Kind::escapedClass, letter, at + 2};
+        }
+        const RE_Escape escape = readEscape(text, close, at);
+        const bool tooLarge = escape.value > 0xFFFF;
+        if (reporting && (tooLarge || escape.problem != RE_WARNING_NONE)) {
+            context.warn(text + (tooLarge ? at + 1 : escape.where),
+                         tooLarge ? RE_WARNING_UNKNOWN_ESCAPE : escape.problem);
+        }
+        const Member::Kind kind = tooLarge ? Member::Kind::nothing : Member::Kind::unit;
+        return {kind, static_cast<char16_t>(escape.value), escape.end};
+    }
+
+    std::size_t addRange(const Member& low, const Member& high) {
+        tests.addRange(low.unit, high.unit, context.flags);
+        std::size_t end = high.end;
+        if (end + 1 < close && text[end] == u'-') {  // a hyphen after a range stands for itself
+            tests.addRange(u'-', u'-', context.flags);
+            ++end;
+        }
+        return end;
+    }
+
+    std::size_t addMember(const Member& member) {
+        std::size_t end = member.end;
+        if (member.kind == Member::Kind::escapedClass) {
+            tests.addClass(member.unit);
+            if (end + 1 < close && text[end] == u'-') {  // so does one beside a class
+                tests.addRange(u'-', u'-', context.flags);
+                ++end;
+            }
+        } else if (member.kind == Member::Kind::unit) {
+            tests.addRange(member.unit, member.unit, context.flags);
+        }
+        return end;
+    }
+
+    RE_ParserContext& context;
+    const char16_t* text;
+    std::size_t close;
+    bool reporting = true;
+};
+
+}  // namespace
+
+void RE_Grammar::readSet() {
+    const std::uint32_t close = brackets.closing(at);
+    if (close == RE_Brackets::none) {
+        warnAt(at, RE_WARNING_UNCLOSED_SET);
+        addLiteral(u'[', at++);
+        return;
+    }
+    const std::size_t start = at;
+    const bool negated = text[at + 1] == u'^';
+    Set_Reader reader(context, text, close);
+    reader.readFrom(at + (negated ? 2 : 1));
+    at = close + std::size_t{1};
+    if (!negated && reader.tests.members() == 1) {
+        const RE_Unit_Test_Set::Member sole = reader.tests.firstMember();
+        addItem(sole.isClass ? RE_Syntax_Kind::escaped
+                             : (sole.low == sole.high ? RE_Syntax_Kind::literal : RE_Syntax_Kind::range),
+                start);
+        RE_Syntax& item = tree[tree[frame().branch].lastChild];
+        item.low = sole.low;
+        item.high = sole.high;
+        return;
+    }
+    addItem(RE_Syntax_Kind::set, start);
+    tree[tree[frame().branch].lastChild].payload = static_cast<std::uint32_t>(tree.sets.size());
+    tree.sets.push_back({reader.tests.finish(negated), labelText(text + start, at - start) +
+                                                           (has(RE_FLAG_IGNORE_CASE) ? " ignoring case" : "")});
+}

@@ -1,0 +1,51 @@
+#include "regexp/parser/syntax.h"
+
+std::uint32_t RE_Syntax_Tree::add(RE_Syntax_Kind kind, std::uint32_t position, RE_Flags flags) {
+    RE_Syntax item{};
+    item.kind = kind;
+    item.position = position;
+    item.flags = flags;
+    items.push_back(item);
+    return static_cast<std::uint32_t>(items.size() - 1);
+}
+
+void RE_Syntax_Tree::append(std::uint32_t parent, std::uint32_t child) {
+    RE_Syntax& holder = items[parent];
+    if (holder.lastChild == RE_Syntax::none) {
+        holder.firstChild = child;
+    } else {
+        items[holder.lastChild].nextSibling = child;
+    }
+    holder.lastChild = child;
+}
+
+void RE_Syntax_Tree::wrap(std::uint32_t index, RE_Syntax_Kind kind, std::uint32_t position) {
+    items.push_back(items[index]);
+    const auto moved = static_cast<std::uint32_t>(items.size() - 1);
+    items[moved].nextSibling = RE_Syntax::none;
+    RE_Syntax outer{};
+    outer.kind = kind;
+    outer.position = position;
+    outer.flags = items[moved].flags;
+    outer.nextSibling = items[index].nextSibling;
+    outer.firstChild = moved;
+    outer.lastChild = moved;
+    items[index] = outer;
+}
+
+bool RE_Syntax_Tree::consumesOneUnit(std::uint32_t index) const {
+    switch (items[index].kind) {
+        case RE_Syntax_Kind::literal:
+        case RE_Syntax_Kind::range:
+        case RE_Syntax_Kind::escaped:
+        case RE_Syntax_Kind::set:
+        case RE_Syntax_Kind::dot: return true;
+        default: return false;
+    }
+}
+
+std::uint32_t RE_Syntax_Tree::soleUnit(std::uint32_t branch) const {
+    const std::uint32_t only = items[branch].firstChild;
+    const bool sole = only != RE_Syntax::none && only == items[branch].lastChild && consumesOneUnit(only);
+    return sole ? only : RE_Syntax::none;
+}

@@ -1,0 +1,55 @@
+// Which units an atom of one unit stands for: the rules of case that nodes and sets share.
+#pragma once
+
+#include "regexp/flags.h"
+#include "regexp/unit_set.h"
+
+#include <cstddef>
+#include <memory>
+
+/// How a range of units is tested.
+enum class RE_Range_Test {
+    exact,  ///< the unit itself
+    lower,  ///< its lower-case form, against bounds in lower case
+    both    ///< its lower-case form or its upper-case form
+};
+
+/// The bounds in order, and the test that the case of the units between them asks for.
+struct RE_Range_Plan {
+    char16_t low;
+    char16_t high;
+    RE_Range_Test test;
+};
+
+/// `low` may be greater than `high`: a reversed range is the same range.
+RE_Range_Plan planRange(char16_t low, char16_t high, RE_Flags flags);
+
+/// The predicate behind an escape letter (d, s, w and their capitals); null for other letters.
+bool (*classPredicate(char16_t letter))(char16_t);
+
+/// Gathers members into a table of units.
+class RE_Unit_Test_Set {
+public:
+    struct Member {
+        bool isClass;
+        char16_t low;  ///< first unit, or the letter of the class
+        char16_t high;
+    };
+
+    static bool namesClass(char16_t letter) { return classPredicate(letter) != nullptr; }
+
+    void addRange(char16_t low, char16_t high, RE_Flags flags);
+    void addClass(char16_t letter);
+
+    std::size_t members() const { return count; }
+    Member firstMember() const { return first; }
+    /// The table; gives it up.
+    std::shared_ptr<const RE_Unit_Set> finish(bool negated);
+
+private:
+    void note(const Member& member);
+
+    std::shared_ptr<RE_Unit_Set> units = std::make_shared<RE_Unit_Set>();
+    std::size_t count = 0;
+    Member first{};
+};

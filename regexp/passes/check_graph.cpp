@@ -1,0 +1,63 @@
+#include "regexp/passes/check_graph.h"
+
+#ifdef CORVANE_CHECK_GRAPH
+
+#include "regexp/nodes/closed_body.h"
+#include "regexp/nodes/collection.h"
+#include "regexp/nodes/consume.h"
+#include "regexp/nodes/counters.h"
+#include "regexp/nodes/trivial.h"
+
+#include <stdexcept>
+#include <string>
+
+namespace {
+
+bool leadsOn(RE_Node* node) {
+    if (dynamic_cast<RE_End_Of_Tree*>(node) != nullptr || dynamic_cast<RE_Counter_Popper*>(node) != nullptr ||
+        dynamic_cast<RE_Lazy_Decrementer*>(node) != nullptr) {
+        return true;
+    }
+    return node->nextNode != nullptr || node->failNode() != nullptr;
+}
+
+bool isComplete(RE_Node* node) {
+    if (auto* fixed = dynamic_cast<RE_Fixed_Counter*>(node)) {
+        return fixed->doneNode != nullptr;
+    }
+    if (auto* split = dynamic_cast<RE_Split*>(node)) {
+        const bool helper = node->isCounter && !node->isStateCounter();
+        return helper || split->alternative != nullptr;
+    }
+    if (auto* start = dynamic_cast<RE_Start_Counter*>(node)) {
+        return start->popper != nullptr && start->counter != nullptr;
+    }
+    if (auto* atomic = dynamic_cast<RE_Atomic*>(node)) {
+        return atomic->body != nullptr;
+    }
+    if (auto* look = dynamic_cast<RE_Lookaround_Assertion*>(node)) {
+        return look->body != nullptr;
+    }
+    if (auto* consume = dynamic_cast<RE_Consume*>(node)) {
+        return consume->item != nullptr && consume->item->isSingleUnit() && consume->minimum <= consume->maximum;
+    }
+    return true;
+}
+
+}  // namespace
+
+void checkGraph(RE_Node* root) {
+    const RE_Collection graph(root);
+    for (RE_Node* node : graph.nodes()) {
+        const bool isItem = dynamic_cast<RE_Consumable*>(node) != nullptr;
+        if (!isComplete(node) || !(isItem || leadsOn(node))) {
+            throw std::logic_error("broken graph at node " + std::to_string(node->nodeId) + ": " + node->label());
+        }
+    }
+}
+
+#else
+
+void checkGraph(RE_Node*) {}
+
+#endif

@@ -1,0 +1,223 @@
+#include "regexp/passes/dot_star.h"
+
+#include "regexp/nodes/closed_body.h"
+#include "regexp/nodes/collection.h"
+#include "regexp/nodes/consume.h"
+#include "regexp/nodes/counters.h"
+#include "regexp/nodes/trivial.h"
+#include "regexp/passes/null_nodes.h"
+
+#include <optional>
+#include <unordered_map>
+
+namespace {
+
+/// What a loop over one unit does, read off its nodes.
+struct Unit_Loop {
+    RE_Consumable* item;
+    std::uint64_t minimum;
+    std::uint64_t maximum;
+    bool lazy;
+    RE_Node* exit;
+    const RE_Memo_Scope* scope;
+};
+
+RE_Consumable* loopItem(RE_Node* node) {
+    auto* const unit = dynamic_cast<RE_Consumable*>(throughSkippable(node));
+    return unit != nullptr && unit->isSingleUnit() && !unit->hasFailNode() ? unit : nullptr;
+}
+
+bool leadsTo(RE_Node* from, RE_Node* to) { return throughSkippable(from) == throughSkippable(to); }
+
+/// The optional part of a loop: which way leads into the body that ends at `back`.
+std::optional<bool> laziness(RE_Split& choice, RE_Consumable* item) {
+    if (loopItem(choice.nextNode) == item) {
+        return false;
+    }
+    if (loopItem(choice.alternative) == item) {
+        return true;
+    }
+    return std::nullopt;
+}
+
+class Rewriter {
+public:
+    Rewriter(RE_ParserContext& parserContext, RE_Node* graphRoot) : context(parserContext), root(graphRoot) {}
+
+    RE_Node* run() {
+        dropRepeatedChoices();
+        replaceWhere([this](RE_Node* node) { return loopNode(node); });
+        replaceWhere([this](RE_Node* node) { return possessiveNode(node); });
+        return root;
+    }
+
+private:
+    using Replacements = std::unordered_map<RE_Node*, RE_Node*>;
+
+    // S(X, T(X, Y)): once X has failed behind S it fails behind T, so S may as well be T.
+    void dropRepeatedChoices() {
+        {
+            const RE_Collection graph(root);
+            for (RE_Node* node : graph.nodes()) {
+                auto* const split = dynamic_cast<RE_Split*>(node);
+                auto* const second = split != nullptr && !split->isCounter
+                                         ? dynamic_cast<RE_Split*>(throughSkippable(split->alternative))
+                                         : nullptr;
+                if (second != nullptr && second != split && !second->isCounter && !second->skippable &&
+                    leadsTo(second->nextNode, split->nextNode)) {
+                    std::swap(split->nextNode, split->alternative);
+                    split->skippable = true;
+                }
+            }
+        }
+        root = removeNullNodes(context, root);
+    }
+
+    template <class Replacement>
+    void replaceWhere(Replacement replacementOf) {
+        Replacements replaced;
+        {
+            const RE_Collection graph(root);
+            for (RE_Node* node : graph.nodes()) {
+                if (RE_Node* with = replacementOf(node)) {
+                    replaced.emplace(node, with);
+                }
+            }
+            for (RE_Node* node : graph.nodes()) {
+                redirect(node, replaced);
+            }
+        }
+        for (const auto& [old, with] : replaced) {
+            redirect(with, replaced);
+        }
+        const auto newRoot = replaced.find(root);
+        root = newRoot != replaced.end() ? newRoot->second : root;
+    }
+
+    static void redirect(RE_Node* node, const Replacements& replaced) {
+        struct Redirect : RE_Link_Visitor {
+            explicit Redirect(const Replacements& all) : replacements(all) {}
+            void link(RE_Node*& target, RE_Link kind) override {
+                const auto found = replacements.find(target);
+                if (kind != RE_Link::item && found != replacements.end()) {
+                    target = found->second;
+                }
+            }
+            const Replacements& replacements;
+        } redirector(replaced);
+        node->visitLinks(redirector);
+    }
+
+    RE_Node* loopNode(RE_Node* node) {
+        std::optional<Unit_Loop> loop;
+        if (node->isStartCounter()) {
+            loop = countedLoop(*static_cast<RE_Start_Counter*>(node));
+        } else if (auto* split = dynamic_cast<RE_Split*>(node); split != nullptr && !split->isCounter) {
+            loop = splitLoop(*split);
+        } else if (auto* unit = loopItem(node); unit == node && unit != nullptr) {
+            loop = plusLoop(*unit);
+        }
+        return loop ? makeConsume(*loop) : nullptr;
+    }
+
+    // S(U, exit) with U leading back to S is U*; with U leading to the exit it is U?.
+    std::optional<Unit_Loop> splitLoop(RE_Split& split) {
+        for (const bool lazy : {false, true}) {
+            RE_Node* const exit = lazy ? split.nextNode : split.alternative;
+            RE_Consumable* const item = loopItem(lazy ? split.alternative : split.nextNode);
+            if (item == nullptr || item->sharedTarget) {
+                continue;
+            }
+            const bool star = leadsTo(item->nextNode, &split);
+            if (star || leadsTo(item->nextNode, exit)) {
+                const std::uint64_t most = star ? RE_Consume::noMaximum : 1;
+                return Unit_Loop{item, 0, most, lazy, exit, split.memoScope};
+            }
+        }
+        return std::nullopt;
+    }
+
+    // U leading to S(U, exit), which nothing else leads to, is U+.
+    std::optional<Unit_Loop> plusLoop(RE_Consumable& unit) {
+        auto* const split = dynamic_cast<RE_Split*>(throughSkippable(unit.nextNode));
+        if (split == nullptr || split->isCounter || split->sharedTarget || !unit.sharedTarget) {
+            return std::nullopt;
+        }
+        const std::optional<bool> lazy = laziness(*split, &unit);
+        if (!lazy) {
+            return std::nullopt;
+        }
+        RE_Node* const exit = *lazy ? split->nextNode : split->alternative;
+        return Unit_Loop{&unit, 1, RE_Consume::noMaximum, *lazy, exit, split->memoScope};
+    }
+
+    // The start counters of the required and of the optional passes, in this order, either of which may be missing.
+    std::optional<Unit_Loop> countedLoop(RE_Start_Counter& first) {
+        RE_Node* head = throughSkippable(first.nextNode);
+        if (head->isStartCounter()) {
+            head = throughSkippable(head->nextNode);
+        }
+        auto* const fixed = dynamic_cast<RE_Fixed_Counter*>(head);
+        if (head != first.counter) {
+            return std::nullopt;
+        }
+        if (fixed == nullptr) {
+            return optionalPasses(*static_cast<RE_Split*>(head), nullptr, head, 0, first.memoScope);
+        }
+        RE_Consumable* const item = loopItem(fixed->nextNode);
+        if (item == nullptr || !leadsTo(item->nextNode, fixed)) {
+            return std::nullopt;
+        }
+        RE_Node* const done = throughSkippable(fixed->doneNode);
+        if (auto* choice = dynamic_cast<RE_Split*>(done)) {
+            if (auto loop = optionalPasses(*choice, item, fixed, fixed->limit + 1, first.memoScope)) {
+                return loop;
+            }
+        }
+        return Unit_Loop{item, fixed->limit + 1, fixed->limit + 1, false, fixed->doneNode, first.memoScope};
+    }
+
+    std::optional<Unit_Loop> optionalPasses(RE_Split& choice, RE_Consumable* item, RE_Node* head,
+                                            std::uint64_t minimum, const RE_Memo_Scope* scope) {
+        if (item == nullptr) {
+            const bool lazily = dynamic_cast<RE_Lazy_Counter*>(&choice) != nullptr;
+            item = loopItem(lazily ? choice.alternative : choice.nextNode);
+        }
+        const std::optional<bool> lazy = item != nullptr ? laziness(choice, item) : std::nullopt;
+        if (!lazy || !leadsTo(item->nextNode, head)) {
+            return std::nullopt;
+        }
+        auto* const counter = dynamic_cast<RE_State_Counter*>(&choice);
+        const std::uint64_t maximum = counter != nullptr ? minimum + counter->limit : RE_Consume::noMaximum;
+        return Unit_Loop{item, minimum, maximum, *lazy, *lazy ? choice.nextNode : choice.alternative, scope};
+    }
+
+    RE_Node* makeConsume(const Unit_Loop& loop) {
+        const auto order = loop.lazy ? RE_Consume::Order::lazy : RE_Consume::Order::greedy;
+        auto* const consume = context.make<RE_Consume>(loop.item, loop.minimum, loop.maximum, order);
+        consume->nextNode = loop.exit;
+        consume->memoIndex = context.nextMemoRow();
+        consume->memoScope = loop.scope;
+        loop.item->nextNode = nullptr;
+        return consume;
+    }
+
+    RE_Node* possessiveNode(RE_Node* node) {
+        auto* const atomic = dynamic_cast<RE_Atomic*>(node);
+        auto* const consume =
+            atomic != nullptr ? dynamic_cast<RE_Consume*>(throughSkippable(atomic->body)) : nullptr;
+        if (consume == nullptr || dynamic_cast<RE_End_Of_Tree*>(throughSkippable(consume->nextNode)) == nullptr) {
+            return nullptr;
+        }
+        consume->possessive = true;
+        consume->nextNode = atomic->nextNode;
+        return consume;
+    }
+
+    RE_ParserContext& context;
+    RE_Node* root;
+};
+
+}  // namespace
+
+RE_Node* rewriteDotStar(RE_ParserContext& context, RE_Node* root) { return Rewriter(context, root).run(); }

@@ -1,0 +1,76 @@
+#include "regexp/passes/linear_subpatterns.h"
+
+#include "regexp/nodes/collection.h"
+#include "regexp/nodes/units.h"
+#include "regexp/passes/null_nodes.h"
+
+#include <memory>
+#include <string>
+
+namespace {
+
+constexpr std::size_t longestLabel = 60;
+
+RE_Consumable* asUnit(RE_Node* node) {
+    auto* const unit = dynamic_cast<RE_Consumable*>(node);
+    return unit != nullptr && unit->isSingleUnit() ? unit : nullptr;
+}
+
+/// The fail target of a unit test when both can be taken together: same way on, and nothing else leads to it.
+RE_Consumable* mergeable(RE_Consumable* unit) {
+    RE_Consumable* const fail = asUnit(unit->failTarget);
+    const bool together = fail != nullptr && !fail->sharedTarget && !fail->skippable && fail->nextNode == unit->nextNode;
+    return together ? fail : nullptr;
+}
+
+std::string withoutVerb(const std::string& label) {
+    return label.rfind("Match ", 0) == 0 ? label.substr(6) : label;
+}
+
+// The chain from `head` on becomes one class node; its members are bypassed like empty nodes.
+void mergeChain(RE_ParserContext& context, RE_Consumable* head) {
+    auto units = std::make_shared<RE_Unit_Set>();
+    std::string text;
+    RE_Consumable* last = head;
+    for (RE_Consumable* unit = head; unit != nullptr; unit = mergeable(unit)) {
+        units->addWhere([unit](char16_t value) { return unit->matchesUnit(value); });
+        text += (text.empty() ? "" : "|") + (text.size() < longestLabel ? withoutVerb(unit->label()) : "");
+        last = unit;
+    }
+    if (text.size() > longestLabel) {
+        text = text.substr(0, text.find_last_not_of('|') + 1);
+    }
+    auto* const whole = context.make<RE_Unit_Class>(std::move(units), text);
+    whole->nextNode = head->nextNode;
+    whole->failTarget = last->failTarget;
+    head->nextNode = whole;
+    head->skippable = true;
+}
+
+}  // namespace
+
+RE_Node* joinLinearSubpatterns(RE_ParserContext& context, RE_Node* root) {
+    {
+        const RE_Collection graph(root);
+        for (RE_Node* node : graph.nodes()) {
+            RE_Consumable* const unit = asUnit(node);
+            if (unit == nullptr || !unit->hasFailNode() || unit->skippable) {
+                continue;
+            }
+            unit->absorbFailNode();
+            if (mergeable(unit) != nullptr) {
+                mergeChain(context, unit);
+            }
+        }
+    }
+    root = removeNullNodes(context, root);
+    {
+        const RE_Collection graph(root);
+        for (RE_Node* node : graph.nodes()) {
+            if (!node->skippable) {
+                node->joinString(context);
+            }
+        }
+    }
+    return removeNullNodes(context, root);
+}

@@ -1,0 +1,18 @@
+#include "regexp/passes/null_nodes.h"
+
+#include "regexp/nodes/collection.h"
+
+RE_Node* throughSkippable(RE_Node* node) {
+    while (node != nullptr && node->isSkippable()) {
+        node = node->next();
+    }
+    return node;
+}
+
+RE_Node* removeNullNodes(RE_ParserContext&, RE_Node* root) {
+    const RE_Collection graph(root);
+    for (RE_Node* node : graph.nodes()) {
+        node->bypassSkippable();
+    }
+    return throughSkippable(root);
+}

@@ -1,0 +1,18 @@
+// The passes that a parsed graph goes through, in their order.
+#pragma once
+
+#include "regexp/parser/parser_context.h"
+
+#include <functional>
+
+class RE_Node;
+
+/// Stages of a graph, as shown to people.
+enum class RE_Stage { parsed, null_nodes, linear, dot_star };
+
+/// Called after each stage that ran.
+using RE_Stage_Observer = std::function<void(RE_Stage, RE_Node* root)>;
+
+/// Runs every pass that its option switches on and returns the new root. In the developer build the graph's
+/// invariants are checked before the first pass and after each.
+RE_Node* runPasses(RE_ParserContext& context, RE_Node* root, const RE_Stage_Observer& observer = {});

@@ -1,0 +1,22 @@
+// Everything a host application needs.
+//
+//     #include "regexp/regexp.h"
+//
+//     RE_Tree tree(u"(\\w+)\\s+Holmes", false);
+//     if (std::unique_ptr<RE_Results> match{tree.match(text, 0)}) {
+//         // match->matchStart, match->matchLength, match->tokens->get(0)
+//     }
+#pragma once
+
+#include "regexp/builder/builder.h"
+#include "regexp/eval/context.h"
+#include "regexp/eval/evaluation_io.h"
+#include "regexp/eval/warning.h"
+#include "regexp/flags.h"
+#include "regexp/options/compile_options.h"
+#include "regexp/results.h"
+#include "regexp/search_info.h"
+#include "regexp/seek/seek_table.h"
+#include "regexp/simple_match.h"
+#include "regexp/token_stack.h"
+#include "regexp/tree.h"

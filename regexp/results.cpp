@@ -1,0 +1,21 @@
+#include "regexp/results.h"
+
+#include "regexp/search_info.h"
+
+RE_Results::RE_Results(RE_Search_Info* info, const char16_t* end, std::size_t extra, bool take)
+    : ownsTokens(take),
+      subjectBegin(info->subjectBegin),
+      subjectEnd(info->subjectEnd),
+      matchStart(static_cast<std::size_t>(info->matchStart - info->subjectBegin)),
+      matchLength(static_cast<std::size_t>(end - info->matchStart) + extra),
+      tokens(info->tokens) {
+    if (take) {
+        info->tokens = nullptr;
+    }
+}
+
+RE_Results::~RE_Results() {
+    if (ownsTokens) {
+        delete tokens;
+    }
+}

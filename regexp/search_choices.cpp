@@ -1,0 +1,136 @@
+// Choices of a search: leaving them, refusing those that were tried before, taking them up again.
+#include "regexp/search_info.h"
+
+bool RE_Search_Info::pushChoice(const RE_Node* node, const char16_t* position, bool newRecord) {
+    if (!node->guarded) {
+        return pushUnguarded(node, position, newRecord);
+    }
+    if (node->memoised && !firstVisit(node, position)) {
+        return false;
+    }
+    pushRecord(node, position, 0);
+    return true;
+}
+
+bool RE_Search_Info::firstVisit(const RE_Node* node, const char16_t* position) {
+    return memo == nullptr || memo->insert(*this, node, indexOf(position));
+}
+
+void RE_Search_Info::pushRecord(const RE_Node* node, const char16_t* position, std::size_t word) {
+    const std::size_t slot = static_cast<std::size_t>(backtrack.top + 1);
+    if (slot >= backtrack.records.size()) {
+        backtrack.grow();
+    }
+    backtrack.records[slot] = {node, position, tokens != nullptr ? tokens->count : 0};
+    backtrack.marks[slot] = {trail.size(), word};
+    ++backtrack.top;
+}
+
+RE_Backtrack_Record* RE_Search_Info::popChoice() {
+    while (backtrack.top >= backtrack.base) {
+        const std::size_t slot = static_cast<std::size_t>(backtrack.top--);
+        if (pollInterrupt()) {
+            return nullptr;
+        }
+        if (memo == nullptr && --memoCountdown == 0 && facts != nullptr) {
+            memo = std::make_unique<RE_Search_Memo>(facts->memoRows);
+        }
+        RE_Backtrack_Record* record = &backtrack.records[slot];
+        undoTo(backtrack.marks[slot].trailHeight);
+        if (tokens != nullptr) {
+            tokens->count = record->savedTokens;
+        }
+        if (!record->node->isCounter) {
+            return record;
+        }
+        record->node->onBacktrack(*this);
+        if (record->node->alternativeNode() != nullptr) {
+            return record;
+        }
+    }
+    return nullptr;
+}
+
+std::size_t RE_Search_Info::poppedWord() const {
+    return backtrack.marks[static_cast<std::size_t>(backtrack.top + 1)].word;
+}
+
+// Registers written before the first record of an attempt are not trailed; nothing reads them before the attempt
+// writes them again, since every reader stands behind its writer on every path.
+void RE_Search_Info::clearBacktrack() {
+    trail.clear();
+    bodies.clear();
+    scopes = 0;
+    backtrack.top = -1;
+    backtrack.base = 0;
+}
+
+// --- nodes put together by hand ---
+//
+// The parser's loops guard empty passes by nodes of their own and are told apart by the memo. A node that nobody
+// vouches for is guarded by what stands on the stack: the same node at the same position is refused.
+
+bool RE_Search_Info::pushUnguarded(const RE_Node* node, const char16_t* position, bool newRecord) {
+    if (node->memoised) {
+        const std::size_t count = tokens != nullptr ? tokens->count : 0;
+        if (visited.size() <= count) {
+            visited.resize(count + 1);
+        }
+        if (!visited[count].insert({node, position}).second) {
+            return false;
+        }
+    }
+    if (isDuplicate(node, position)) {
+        return false;
+    }
+    if (newRecord) {
+        pushRecord(node, position, 0);
+    } else {
+        writeReused(node, position);
+    }
+    return true;
+}
+
+bool RE_Search_Info::isDuplicate(const RE_Node* node, const char16_t* position) const {
+    if (node->isCounter && !node->isStateCounter()) {
+        return false;
+    }
+    std::size_t depth = 0;
+    for (std::int32_t i = backtrack.top; i >= 0; --i) {
+        const RE_Backtrack_Record& record = backtrack.records[static_cast<std::size_t>(i)];
+        if (record.position != position) {
+            return false;
+        }
+        if (record.node == node) {
+            if (!node->isCounter || node->refusesRepeatAt(depth)) {
+                return true;
+            }
+        }
+        if (record.node->isCounter) {
+            if (!node->reuseRecord && record.node->isStateCounter()) {
+                return false;
+            }
+            if (node->isCounter && record.node->pairsWith(node)) {
+                ++depth;
+            }
+        }
+    }
+    return false;
+}
+
+void RE_Search_Info::writeReused(const RE_Node* node, const char16_t* position) {
+    std::int32_t own = backtrack.top;
+    while (own >= backtrack.base && backtrack.records[static_cast<std::size_t>(own)].node != node) {
+        --own;
+    }
+    if (own >= backtrack.base) {
+        while (backtrack.top > own) {
+            const RE_Node* dropped = backtrack.records[static_cast<std::size_t>(backtrack.top--)].node;
+            if (dropped->isCounter) {
+                dropped->onBacktrack(*this);
+            }
+        }
+        --backtrack.top;
+    }
+    pushRecord(node, position, 0);
+}

@@ -1,0 +1,102 @@
+// The search: start position after start position, or from candidate to candidate where the root can seek.
+#include "regexp/tree.h"
+
+#include "host/code_page.h"
+#include "host/memory.h"
+#include "regexp/graph_facts.h"
+#include "regexp/match_loop.h"
+#include "regexp/nodes/node.h"
+#include "regexp/search_info.h"
+
+#include <memory>
+#include <new>
+
+RE_Results* RE_Tree::match(const std::u16string& subject, std::size_t offset) const {
+    return match(subject.data(), subject.size(), offset);
+}
+
+RE_Results* RE_Tree::match(const char16_t* subject, std::size_t length, std::size_t offset) const {
+    RE_Seek_Table table;
+    return searchFrom(subject, length, offset, &table);
+}
+
+RE_Results* RE_Tree::match(const char16_t* subject, std::size_t length, std::size_t offset,
+                           RE_Seek_Table* table) const {
+    return searchFrom(subject, length, offset, table);
+}
+
+RE_Results* RE_Tree::match(const char* subject, std::size_t offset) const {
+    if (subject == nullptr) {
+        return nullptr;
+    }
+    struct Free_Block {
+        void operator()(char16_t* block) const { utFree(block); }
+    };
+    std::size_t length = 0;
+    const std::unique_ptr<char16_t, Free_Block> converted(lcp_to_utf16(subject, &length));
+    RE_Results* const results = match(converted.get(), length, offset);
+    if (results != nullptr) {
+        results->subjectBegin = results->subjectEnd = nullptr;
+    }
+    return results;
+}
+
+bool RE_Tree::match_bool(const char16_t* position, std::size_t* length, RE_Search_Info* info) const {
+    info->prepare(*facts);
+    return runNodes(position, root, length, *info);
+}
+
+bool RE_Tree::runNodes(const char16_t* position, const RE_Node* startNode, std::size_t* length,
+                       RE_Search_Info& info) const {
+    const std::size_t start = info.indexOf(position);
+    std::size_t pos = start;
+    const bool completed = runMatchLoop(info, startNode, pos);
+    *length = completed ? pos - start : 0;
+    return completed;
+}
+
+RE_Results* RE_Tree::searchFrom(const char16_t* subject, std::size_t length, std::size_t offset,
+                                RE_Seek_Table* table) const {
+    if (subject == nullptr || offset > length) {
+        return nullptr;
+    }
+    RE_Search_Info info(subject, length, tokenCount, table, interruptible);
+    info.prepare(*facts);
+    info.rejectEmpty = !allowEmptyMatch;
+    std::size_t matchLength = 0;
+    if (!findMatch(info, offset, matchLength) || info.pollInterrupt()) {
+        return nullptr;
+    }
+    return new (std::nothrow) RE_Results(&info, info.matchStart, matchLength, true);
+}
+
+// Ends at the subject's end itself, so that a pattern may match the empty text there. A start that leaves fewer units
+// than any match needs is not tried; patterns that call the host are run at every start.
+bool RE_Tree::findMatch(RE_Search_Info& info, std::size_t offset, std::size_t& length) const {
+    const std::uint64_t needed = facts->hasDynamicNodes ? 0 : facts->minimumLength;
+    if (needed > info.subjectLength() - offset) {
+        return false;
+    }
+    const char16_t* const last = info.subjectEnd - needed;
+    const bool seeks = root->canSeek(false);
+    for (const char16_t* p = info.subjectBegin + offset; p <= last; ++p) {
+        if (seeks) {
+            p = root->seek(p, info);
+            if (p == nullptr || p > last) {
+                return false;
+            }
+        }
+        if (attempt(info, p, length)) {
+            return true;
+        }
+        if (info.wasInterrupted() || info.pollInterrupt()) {
+            return false;
+        }
+    }
+    return false;
+}
+
+bool RE_Tree::attempt(RE_Search_Info& info, const char16_t* p, std::size_t& length) const {
+    info.resetForStart(p);
+    return runNodes(p, root, &length, info) && !info.wasInterrupted() && isValidMatchLength(length);
+}

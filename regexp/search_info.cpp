@@ -1,0 +1,241 @@
+// Set-up, tokens, counts and polling of a search. The choices are in search_choices.cpp.
+#include "regexp/search_info.h"
+
+#include "host/interrupt.h"
+
+RE_Search_Info::RE_Search_Info(const char16_t* subject, std::size_t length, std::size_t tokenCount,
+                               RE_Seek_Table* table, bool pollInterrupts)
+    : subjectBegin(subject),
+      subjectEnd(subject + length),
+      checkInterrupts(pollInterrupts),
+      seekTable(table),
+      memoCountdown(static_cast<std::uint64_t>(length) * 4 + 512) {
+    // Everything that can throw comes before the interrupt flag is touched.
+    registers.resize(tokenCount, noPass);
+    tokens = new (std::nothrow) RE_Token_Stack(tokenCount);
+    if (checkInterrupts && utInterruptState::IsInterruptPending()) {
+        interruptWasPending = true;
+        utInterruptState::SetInterruptPending(false);
+    }
+}
+
+RE_Search_Info::~RE_Search_Info() {
+    delete tokens;
+    const bool pendingNow = checkInterrupts && utInterruptState::IsInterruptPending();
+    if (interruptWasPending && !pendingNow) {
+        utInterruptState::SetInterruptPending(true);
+    }
+}
+
+void RE_Search_Info::prepare(const RE_Graph_Facts& graphFacts) {
+    facts = &graphFacts;
+    const std::size_t needed = graphFacts.tokenCount + graphFacts.passRegisters;
+    if (registers.size() < needed) {
+        registers.resize(needed, noPass);
+    }
+}
+
+void RE_Search_Info::resetForStart(const char16_t* p) {
+    matchStart = p;
+    deadEnd = false;
+    if (tokens != nullptr) {
+        tokens->reset();
+    }
+    clearBacktrack();
+    if (!counterStacks.empty()) {
+        counterStacks.clear();
+    }
+    for (States& states : visited) {
+        states.clear();
+    }
+    if (memo != nullptr && !facts->memoOutlivesStarts()) {
+        memo->clear(0);
+    }
+}
+
+bool RE_Search_Info::pollInterrupt() {
+    if (steps % 2048 == 0 && pollScan()) {
+        return true;
+    }
+    ++steps;
+    return false;
+}
+
+bool RE_Search_Info::pollScan() {
+    if (checkInterrupts && utInterruptState::IsInterruptPending()) {
+        interrupted = true;
+        return true;
+    }
+    return false;
+}
+
+void RE_Search_Info::startToken(std::size_t index, const char16_t* name, const char16_t* p) {
+    if (tokens != nullptr) {
+        tokens->set_start(index, name, indexOf(p));
+    }
+}
+
+void RE_Search_Info::endToken(std::size_t index, const char16_t* p, bool invalidate) {
+    if (invalidate) {
+        for (std::size_t k = index + 1; k < visited.size(); ++k) {
+            visited[k].clear();
+        }
+    }
+    if (tokens != nullptr) {
+        tokens->set_end(index, indexOf(p));
+    }
+}
+
+namespace {
+
+const RE_TokenInfo* withinSubject(const RE_TokenInfo* token, std::size_t subjectLength) {
+    const bool fits =
+        token != nullptr && token->start <= subjectLength && token->length <= subjectLength - token->start;
+    return fits ? token : nullptr;
+}
+
+}  // namespace
+
+const RE_TokenInfo* RE_Search_Info::getToken(std::size_t index) const {
+    return tokens == nullptr ? nullptr : withinSubject(tokens->get(index), subjectLength());
+}
+
+const RE_TokenInfo* RE_Search_Info::getToken(const char16_t* name) const {
+    return tokens == nullptr ? nullptr : withinSubject(tokens->get(name), subjectLength());
+}
+
+void RE_Search_Info::noteTokenStart(std::size_t index, std::size_t position) {
+    if (index < registers.size()) {
+        setRegister(index, position);
+    }
+}
+
+void RE_Search_Info::recordToken(std::size_t index, const char16_t* name, std::size_t end) {
+    if (tokens == nullptr || index >= tokens->slots.size() || index >= registers.size()) {
+        return;
+    }
+    for (std::size_t skipped = tokens->count; skipped < index; ++skipped) {
+        setSlot(skipped, RE_TokenInfo{});
+    }
+    const std::size_t start = registers[index];
+    setSlot(index, RE_TokenInfo{start, end - start, name});
+    tokens->count = index + 1;
+}
+
+void RE_Search_Info::notePass(std::size_t pass, std::size_t word) { setRegister(facts->tokenCount + pass, word); }
+
+std::size_t RE_Search_Info::passWord(std::size_t pass) const { return registers[facts->tokenCount + pass]; }
+
+void RE_Search_Info::setRegister(std::size_t index, std::size_t value) {
+    if (writesAreTrailed()) {
+        trail.push_back({nullptr, {registers[index], index, nullptr}});
+    }
+    registers[index] = value;
+}
+
+void RE_Search_Info::setSlot(std::size_t index, const RE_TokenInfo& value) {
+    RE_TokenInfo& slot = tokens->slots[index];
+    if (writesAreTrailed()) {
+        trail.push_back({&slot, slot});
+    }
+    slot = value;
+}
+
+void RE_Search_Info::undoTo(std::size_t height) {
+    while (trail.size() > height) {
+        const Trail_Entry& entry = trail.back();
+        if (entry.slot != nullptr) {
+            *entry.slot = entry.old;
+        } else {
+            registers[entry.old.length] = entry.old.start;
+        }
+        trail.pop_back();
+    }
+}
+
+std::size_t& RE_Search_Info::topCount(const RE_Node* counter) {
+    Counts& counts = counterStacks[counter];
+    if (counts.empty()) {
+        counts.push_back(0);
+    }
+    return counts.back();
+}
+
+void RE_Search_Info::decrementCount(const RE_Node* counter) {
+    std::size_t& count = topCount(counter);
+    if (count > 0) {
+        --count;
+    }
+}
+
+std::size_t RE_Search_Info::countAt(const RE_Node* counter, std::size_t depth) const {
+    const auto counts = counterStacks.find(counter);
+    if (counts == counterStacks.end() || depth >= counts->second.size()) {
+        return 0;
+    }
+    return counts->second[counts->second.size() - 1 - depth];
+}
+
+void RE_Search_Info::popCount(const RE_Node* counter) {
+    const auto counts = counterStacks.find(counter);
+    if (counts != counterStacks.end() && !counts->second.empty()) {
+        counts->second.pop_back();
+    }
+}
+
+RE_Body_Frame& RE_Search_Info::openBody(const RE_Node* node, std::size_t start) {
+    const RE_Search_Scope scope(*this);
+    const RE_Window_Scope window(*this, matchStart, requiredEnd);
+    bodies.push_back(RE_Body_Frame{node, scope, window, start, start, start});
+    if (memo != nullptr) {
+        memo->clear(bodies.size());
+    }
+    return bodies.back();
+}
+
+void RE_Search_Info::closeBody(bool keepTokens) {
+    RE_Body_Frame& frame = bodies.back();
+    frame.window.leave();
+    if (!keepTokens) {
+        frame.scope.undoWrites();
+    }
+    frame.scope.leave();
+    bodies.pop_back();
+}
+
+RE_Search_Scope::RE_Search_Scope(RE_Search_Info& search)
+    : info(&search),
+      savedBase(search.backtrack.base),
+      savedRequiredEnd(search.requiredEnd),
+      savedSeekTable(search.seekTable),
+      trailHeight(search.trail.size()),
+      savedCount(search.tokens != nullptr ? search.tokens->count : 0) {
+    search.backtrack.base = search.backtrack.top + 1;
+    ++search.scopes;
+}
+
+void RE_Search_Scope::leave() {
+    info->backtrack.top = info->backtrack.base - 1;
+    info->backtrack.base = savedBase;
+    info->requiredEnd = savedRequiredEnd;
+    info->seekTable = savedSeekTable;
+    --info->scopes;
+}
+
+void RE_Search_Scope::undoWrites() {
+    info->undoTo(trailHeight);
+    if (info->tokens != nullptr) {
+        info->tokens->count = savedCount;
+    }
+}
+
+RE_Window_Scope::RE_Window_Scope(RE_Search_Info& search, const char16_t* start, const char16_t* end)
+    : info(&search), savedMatchStart(search.matchStart), savedRequiredEnd(search.requiredEnd) {
+    search.matchStart = start;
+    search.requiredEnd = end;
+}
+
+void RE_Window_Scope::leave() {
+    info->matchStart = savedMatchStart;
+    info->requiredEnd = savedRequiredEnd;
+}

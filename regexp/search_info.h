@@ -1,0 +1,203 @@
+// The mutable state of one search: everything that changes while a pattern is matched.
+//
+// Made on the caller's stack by each search call, reset before every start position, destroyed on every way out.
+// The nodes of the pattern keep nothing of a search, so one pattern can be searched from many threads, each with a
+// state of its own.
+#pragma once
+
+#include "regexp/backtrack_stack.h"
+#include "regexp/graph_facts.h"
+#include "regexp/memory.h"
+#include "regexp/nodes/node.h"
+#include "regexp/search_memo.h"
+#include "regexp/token_stack.h"
+
+#include <boost/container/flat_map.hpp>
+#include <boost/container/flat_set.hpp>
+#include <boost/container/small_vector.hpp>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <utility>
+#include <vector>
+
+class RE_Seek_Table;
+class RE_Search_Info;
+
+/// Opens a sub-search: choices made before it are out of reach of pops until `leave()`, which drops every record the
+/// sub-search left. What the sub-search wrote to tokens stays on the undo trail.
+class CORVANE_REGEXP_EXPORT RE_Search_Scope {
+public:
+    explicit RE_Search_Scope(RE_Search_Info& search);
+    void leave();
+    /// Takes back every token write made since the scope was opened.
+    void undoWrites();
+
+private:
+    RE_Search_Info* info;
+    std::int32_t savedBase;
+    const char16_t* savedRequiredEnd;
+    RE_Seek_Table* savedSeekTable;
+    std::size_t trailHeight;
+    std::size_t savedCount;
+};
+
+/// Sets the window of a look-behind body: where it starts and where it must end.
+class CORVANE_REGEXP_EXPORT RE_Window_Scope {
+public:
+    RE_Window_Scope(RE_Search_Info& search, const char16_t* start, const char16_t* requiredEnd);
+    void leave();
+
+private:
+    RE_Search_Info* info;
+    const char16_t* savedMatchStart;
+    const char16_t* savedRequiredEnd;
+};
+
+/// A closed body (atomic group, lookaround) that is being matched. Positions are indexes in code units.
+struct RE_Body_Frame {
+    const RE_Node* node;
+    RE_Search_Scope scope;
+    RE_Window_Scope window;
+    std::size_t start;      ///< where the node was entered
+    std::size_t lowest;     ///< look-behind: the first candidate start of the body
+    std::size_t candidate;  ///< look-behind: the start being tried
+};
+
+class CORVANE_REGEXP_EXPORT RE_Search_Info : public RE_Memory {
+public:
+    RE_Search_Info(const char16_t* subject, std::size_t length, std::size_t tokenCount, RE_Seek_Table* table,
+                   bool pollInterrupts);
+    ~RE_Search_Info();
+    RE_Search_Info(const RE_Search_Info&) = delete;
+    RE_Search_Info& operator=(const RE_Search_Info&) = delete;
+
+    /// Makes room for what the graph about to run needs. Called before every run; cheap when nothing changes.
+    void prepare(const RE_Graph_Facts& graphFacts);
+    void resetForStart(const char16_t* p);
+
+    /// Counts one step; true when the host asks to stop. The host is consulted on every 2048th step only.
+    bool pollInterrupt();
+    /// For scans of many units between two steps: consults the host at once.
+    bool pollScan();
+    bool wasInterrupted() const { return interrupted; }
+
+    // --- choices ---
+
+    /// Leaves a choice. False when the same state was tried before and cannot succeed now.
+    bool pushChoice(const RE_Node* node, const char16_t* position, bool newRecord);
+    /// The most recent choice, with tokens and counts put back to that moment, or null when none is left or the host
+    /// asked to stop. The record stays valid until the next push.
+    RE_Backtrack_Record* popChoice();
+    /// Leaves a choice without asking the memo, with a word of the node's own beside it.
+    void pushRecord(const RE_Node* node, const char16_t* position, std::size_t word);
+    /// The word beside the record that was just popped.
+    std::size_t poppedWord() const;
+    /// Whether `node` has not yet been tried at this position in this state; records it. Always true while the memo
+    /// has not begun.
+    bool firstVisit(const RE_Node* node, const char16_t* position);
+
+    // --- tokens ---
+
+    void startToken(std::size_t index, const char16_t* name, const char16_t* p);
+    void endToken(std::size_t index, const char16_t* p, bool invalidate);
+    /// The token, or null when it is not in effect or would reach past the subject.
+    const RE_TokenInfo* getToken(std::size_t index) const;
+    const RE_TokenInfo* getToken(const char16_t* name) const;
+
+    /// Notes where a token opened. The slot itself is written when the token closes, so that it always describes a
+    /// group that was matched as a whole.
+    void noteTokenStart(std::size_t index, std::size_t position);
+    /// Closes a token opened by `noteTokenStart`: writes the slot, puts the token in effect, empties slots skipped.
+    void recordToken(std::size_t index, const char16_t* name, std::size_t end);
+
+    // --- passes of loops whose body may consume nothing ---
+
+    /// Remembers how the current pass of a loop began: `RE_Start_Pass` gives the meaning of the word.
+    void notePass(std::size_t pass, std::size_t word);
+    std::size_t passWord(std::size_t pass) const;
+    static constexpr std::size_t noPass = static_cast<std::size_t>(-1);
+
+    // --- counts ---
+
+    void pushCount(const RE_Node* counter) { counterStacks[counter].push_back(0); }
+    void incrementCount(const RE_Node* counter) { ++topCount(counter); }
+    void decrementCount(const RE_Node* counter);
+    /// The count `depth` levels below the top of this counter's stack; 0 where there is none.
+    std::size_t countAt(const RE_Node* counter, std::size_t depth) const;
+    void popCount(const RE_Node* counter);
+
+    // --- closed bodies ---
+
+    /// Opens a body of `node` entered at index `start`. The caller goes on at the body's first node.
+    RE_Body_Frame& openBody(const RE_Node* node, std::size_t start);
+    /// Closes the innermost body; its token writes are taken back unless `keepTokens`.
+    void closeBody(bool keepTokens);
+
+    // --- positions ---
+
+    bool atEnd(const char16_t* p) const { return p >= subjectEnd; }
+    bool pastEnd(const char16_t* p) const { return p > subjectEnd; }
+    bool atBegin(const char16_t* p) const { return p <= subjectBegin; }
+    bool atRequiredEnd(const char16_t* p) const { return p == requiredEnd; }
+    std::size_t indexOf(const char16_t* p) const { return static_cast<std::size_t>(p - subjectBegin); }
+    std::size_t subjectLength() const { return static_cast<std::size_t>(subjectEnd - subjectBegin); }
+
+    const char16_t* subjectBegin;
+    const char16_t* subjectEnd;
+    const char16_t* matchStart = nullptr;   ///< start of the current attempt; null until the first reset
+    const char16_t* requiredEnd = nullptr;  ///< where a look-behind body must end; null when unused
+    RE_Token_Stack* tokens = nullptr;       ///< owned until an `RE_Results` takes it
+    RE_Backtrack_Stack backtrack;
+
+    using Counts = boost::container::small_vector<std::size_t, 4, RE_Allocator<std::size_t>>;
+    boost::container::flat_map<const RE_Node*, Counts, std::less<const RE_Node*>,
+                               RE_Allocator<std::pair<const RE_Node*, Counts>>>
+        counterStacks;
+
+    /// States already pushed by nodes that were not made by the parser, per count of recorded tokens.
+    using State = std::pair<const RE_Node*, const char16_t*>;
+    using States = boost::container::flat_set<State, std::less<State>, RE_Allocator<State>>;
+    std::vector<States, RE_Allocator<States>> visited;
+
+    std::uint64_t steps = 1;
+    bool checkInterrupts;
+    bool interruptWasPending = false;
+    RE_Seek_Table* seekTable;  ///< not owned; may be null
+
+    /// The end of the pattern refuses a match that consumed nothing since `matchStart`.
+    bool rejectEmpty = false;
+    /// Set by a node whose failure must not go on at its fail target: the state itself is exhausted.
+    bool deadEnd = false;
+    boost::container::small_vector<RE_Body_Frame, 2, RE_Allocator<RE_Body_Frame>> bodies;
+
+private:
+    friend class RE_Search_Scope;
+    friend class RE_Search_Memo;
+
+    /// One overwritten value: a token slot, or (slot null) the register `old.length` that held `old.start`.
+    struct Trail_Entry {
+        RE_TokenInfo* slot;
+        RE_TokenInfo old;
+    };
+
+    std::size_t& topCount(const RE_Node* counter);
+    bool writesAreTrailed() const { return backtrack.top >= 0 || scopes > 0; }
+    void setRegister(std::size_t index, std::size_t value);
+    void setSlot(std::size_t index, const RE_TokenInfo& value);
+    void undoTo(std::size_t height);
+    void clearBacktrack();
+    bool pushUnguarded(const RE_Node* node, const char16_t* position, bool newRecord);
+    bool isDuplicate(const RE_Node* node, const char16_t* position) const;
+    void writeReused(const RE_Node* node, const char16_t* position);
+
+    const RE_Graph_Facts* facts = nullptr;
+    boost::container::small_vector<std::size_t, 12, RE_Allocator<std::size_t>> registers;
+    std::vector<Trail_Entry, RE_Allocator<Trail_Entry>> trail;
+    std::int32_t scopes = 0;
+    bool interrupted = false;
+
+    /// The memo begins once this many choices have been taken up again: most searches never pay for it.
+    std::uint64_t memoCountdown;
+    std::unique_ptr<RE_Search_Memo> memo;
+};

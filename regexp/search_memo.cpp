@@ -1,0 +1,61 @@
+#include "regexp/search_memo.h"
+
+#include "regexp/nodes/loop_pass.h"
+#include "regexp/search_info.h"
+
+#include <string_view>
+
+bool RE_Search_Memo::insert(const RE_Search_Info& info, const RE_Node* node, std::size_t position) {
+    const std::size_t level = info.bodies.size();
+    if (tables.size() <= level) {
+        tables.resize(level + 1);
+    }
+    return tables[level].insert(row(info, node, position), position);
+}
+
+void RE_Search_Memo::clear(std::size_t level) {
+    if (level < tables.size()) {
+        tables[level].clear();
+    }
+}
+
+// Most nodes stand in no counted loop and no loop with empty passes, and nothing refers to a token: their own number
+// is the row.
+std::uint32_t RE_Search_Memo::row(const RE_Search_Info& info, const RE_Node* node, std::size_t position) {
+    const auto& referenced = info.facts->referencedTokens;
+    if (node->memoScope == nullptr && referenced.empty()) {
+        return node->memoIndex;
+    }
+    key.assign(1, node->memoIndex);
+    for (const RE_Memo_Scope* scope = node->memoScope; scope != nullptr; scope = scope->parent) {
+        switch (scope->kind) {
+            case RE_Memo_Scope::Kind::counter: key.push_back(info.countAt(scope->counter, 0)); break;
+            case RE_Memo_Scope::Kind::pass: key.push_back(passState(info.passWord(scope->index), position)); break;
+            case RE_Memo_Scope::Kind::token: key.push_back(info.registers[scope->index]); break;
+        }
+    }
+    for (const std::size_t token : referenced) {
+        key.push_back(textNumber(info, token));
+    }
+    return rows.row(key);
+}
+
+// Equal texts get equal numbers, wherever they stand in the subject; 0 stands for no text.
+std::size_t RE_Search_Memo::textNumber(const RE_Search_Info& info, std::size_t token) {
+    const RE_TokenInfo* slot = info.getToken(token);
+    if (slot == nullptr) {
+        return 0;
+    }
+    const std::u16string_view text(info.subjectBegin + slot->start, slot->length);
+    const std::size_t hash = std::hash<std::u16string_view>()(text);
+    const auto [first, last] = textNumbers.equal_range(hash);
+    for (auto known = first; known != last; ++known) {
+        const Text& other = texts[known->second - 1];
+        if (text == std::u16string_view(info.subjectBegin + other.first, other.second)) {
+            return known->second;
+        }
+    }
+    texts.emplace_back(slot->start, slot->length);
+    textNumbers.emplace(hash, texts.size());
+    return texts.size();
+}

@@ -1,0 +1,42 @@
+// The memo of one search: a table of tried states for the pattern itself and one for each level of closed bodies.
+//
+// An evaluation of a closed body starts with an empty table, since states on the way of a body that succeeded have
+// not failed. The candidate starts of one look-behind share theirs.
+#pragma once
+
+#include "regexp/memo.h"
+#include "regexp/memory.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+class RE_Node;
+class RE_Search_Info;
+struct RE_TokenInfo;
+
+class RE_Search_Memo : public RE_Memory {
+public:
+    explicit RE_Search_Memo(std::uint32_t nodeRows) : rows(nodeRows) {}
+
+    /// Records the state in which the search stands at (node, position); false when it was there already.
+    bool insert(const RE_Search_Info& info, const RE_Node* node, std::size_t position);
+    /// Forgets the states of this level (0 is the pattern itself).
+    void clear(std::size_t level);
+
+private:
+    using Text = std::pair<std::size_t, std::size_t>;  // start, length
+
+    std::uint32_t row(const RE_Search_Info& info, const RE_Node* node, std::size_t position);
+    std::size_t textNumber(const RE_Search_Info& info, std::size_t token);
+
+    std::vector<RE_Memo_Table, RE_Allocator<RE_Memo_Table>> tables;
+    RE_Memo_Rows rows;
+    RE_Memo_Rows::Key key;  // scratch, kept for its storage
+    std::vector<Text, RE_Allocator<Text>> texts;
+    std::unordered_multimap<std::size_t, std::size_t, std::hash<std::size_t>, std::equal_to<std::size_t>,
+                            RE_Allocator<std::pair<const std::size_t, std::size_t>>>
+        textNumbers;
+};

@@ -1,0 +1,49 @@
+// Mix-ins of nodes that can look ahead for the next position at which they may match.
+#pragma once
+
+#include "regexp/search_info.h"
+#include "regexp/seek/seek_table.h"
+
+/// Answers `seek` from the search's seek table where it can, and from the node's own scan where it must.
+/// `scan` and `scanBack` look only at positions; they must not depend on tokens or windows.
+template <class Base>
+class RE_Can_Seek : public Base {
+public:
+    using Base::Base;
+
+    const char16_t* seek(const char16_t* p, RE_Search_Info& info) const override {
+        const RE_Seek_Key key = this->seekKey(true);
+        const char16_t* answer = nullptr;
+        if (info.seekTable != nullptr && info.seekTable->get(p, key, answer)) {
+            return answer;
+        }
+        answer = scan(p, info);
+        if (info.seekTable != nullptr && !info.wasInterrupted()) {
+            info.seekTable->put(key, RE_Seek_Value(p, answer));
+        }
+        return answer;
+    }
+    const char16_t* rSeek(const char16_t* p, std::size_t count, RE_Search_Info& info) const override {
+        return scanBack(p, count, info);
+    }
+
+protected:
+    virtual const char16_t* scan(const char16_t* p, RE_Search_Info&) const { return p; }
+    virtual const char16_t* scanBack(const char16_t* p, std::size_t count, RE_Search_Info&) const {
+        return p + count;
+    }
+};
+
+/// A seeking node that may have a second way on. Where it has one the node can match wherever that way can, so it
+/// rules nothing out by itself.
+template <class Base>
+class RE_Branch_Seek : public Base {
+public:
+    using Base::Base;
+
+    bool isBranching() const override { return this->failNode() != nullptr || this->alternativeNode() != nullptr; }
+    bool canSeek(bool) const override { return scans() && !isBranching(); }
+
+protected:
+    virtual bool scans() const { return false; }
+};

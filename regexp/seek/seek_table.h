@@ -1,0 +1,59 @@
+// Memo of the answers to: where, from here on, can this node match next?
+#pragma once
+
+#include "regexp/memory.h"
+
+#include <boost/container/flat_map.hpp>
+#include <compare>
+#include <cstddef>
+#include <functional>
+
+class RE_Node;
+
+/// A seeking node, qualified by up to two words when it keeps several answers. Null node: the empty key.
+struct RE_Seek_Key {
+    RE_Seek_Key(const RE_Node* seekingNode) : RE_Seek_Key(seekingNode, static_cast<std::size_t>(-1), 0) {}
+    RE_Seek_Key(const RE_Node* seekingNode, std::size_t firstWord, std::size_t secondWord)
+        : node(seekingNode), first(firstWord), second(secondWord) {}
+    RE_Seek_Key(const RE_Node* seekingNode, char32_t c)
+        : RE_Seek_Key(seekingNode, static_cast<std::size_t>(c), 0) {}
+
+    explicit operator bool() const { return node != nullptr; }
+    bool operator==(const RE_Seek_Key& other) const = default;
+    bool operator<(const RE_Seek_Key& other) const;
+
+    const RE_Node* node;
+    std::size_t first;
+    std::size_t second;
+};
+
+/// An answer, and the positions for which it holds: from where it was computed up to the answer itself.
+struct RE_Seek_Value {
+    RE_Seek_Value(const char16_t* const computedFrom, const char16_t* const answer)
+        : from(computedFrom), position(answer) {}
+
+    const char16_t* getSeekPosition() const { return position; }
+    bool isValidSeekValue(const char16_t* const p) const {
+        return from <= p && (position == nullptr || p <= position);
+    }
+
+    const char16_t* from;
+    const char16_t* position;  ///< null: nowhere up to the end of the subject
+};
+
+/// Belongs to the caller of a search; meaningful for one pattern and one subject buffer, and for one thread at a
+/// time. Never cleared by the engine.
+class CORVANE_REGEXP_EXPORT RE_Seek_Table : public RE_Memory {
+public:
+    /// Sets `out` to the stored answer, if there is one; true when it holds at `p`.
+    bool get(const char16_t* p, RE_Seek_Key key, const char16_t*& out) const;
+    /// Stores an answer; the latest wins. The empty key stores nothing.
+    void put(RE_Seek_Key key, const RE_Seek_Value& value);
+    void clear() { answers.clear(); }
+    std::size_t size() const { return answers.size(); }
+
+private:
+    boost::container::flat_map<RE_Seek_Key, RE_Seek_Value, std::less<RE_Seek_Key>,
+                               RE_Allocator<std::pair<RE_Seek_Key, RE_Seek_Value>>>
+        answers;
+};

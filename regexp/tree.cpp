@@ -1,0 +1,114 @@
+// Compiling a pattern. The search is in search_driver.cpp.
+#include "regexp/tree.h"
+
+#include "host/code_page.h"
+#include "host/memory.h"
+#include "host/utf16.h"
+#include "regexp/graph_facts.h"
+#include "regexp/nodes/collection.h"
+#include "regexp/nodes/tokens.h"
+#include "regexp/parser/grammar.h"
+#include "regexp/parser/graph_builder.h"
+#include "regexp/parser/measure.h"
+#include "regexp/parser/parser_context.h"
+#include "regexp/passes/pass_runner.h"
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+
+namespace {
+
+struct Free_Block {
+    void operator()(char16_t* block) const { utFree(block); }
+};
+
+}  // namespace
+
+RE_Tree::RE_Tree(const char16_t* pattern, bool flag) : RE_Tree(std::u16string(pattern), flag) {}
+
+RE_Tree::RE_Tree(const char16_t* pattern, std::size_t length, bool flag) { parse(pattern, length, flag); }
+
+RE_Tree::RE_Tree(const std::u16string& pattern, bool flag) { parse(pattern.data(), pattern.size(), flag); }
+
+RE_Tree::RE_Tree(const RE_Builder_Space::RE_Builder& builder, bool flag) : RE_Tree(builder.pattern(), flag) {}
+
+RE_Tree::RE_Tree(const char* pattern, bool flag) { parse(pattern, flag); }
+
+RE_Tree::RE_Tree(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context)
+    : RE_Tree(pattern, length, flags, context, nullptr, nullptr, true) {}
+
+RE_Tree::RE_Tree(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
+                 RE_Node* continuationNode, RE_Node* outerNode, bool last)
+    : interruptible(context->allow_interrupt()) {
+    parse(pattern, length, flags, context, continuationNode, outerNode, last);
+}
+
+RE_Tree::RE_Tree(RE_Tree&& other) noexcept
+    : root(std::exchange(other.root, nullptr)),
+      tokenCount(other.tokenCount),
+      hasTokenNames(other.hasTokenNames),
+      allowEmptyMatch(other.allowEmptyMatch),
+      nodeCount(std::exchange(other.nodeCount, 0)),
+      interruptible(other.interruptible),
+      facts(std::exchange(other.facts, nullptr)) {}
+
+RE_Tree::~RE_Tree() { delete facts; }
+
+void RE_Tree::parse(const char16_t* pattern, std::size_t length, bool flag) {
+    RE_Context context;
+    const RE_Flags flags = RE_DEFAULT_FLAGS | (flag ? RE_FLAG_IGNORE_CASE : 0);
+    parse(pattern, length, flags, &context, nullptr, nullptr, true);
+}
+
+void RE_Tree::parse(const char* pattern, bool flag) {
+    std::size_t length = 0;
+    const std::unique_ptr<char16_t, Free_Block> converted(lcp_to_utf16(pattern, &length));
+    parse(converted.get(), length, flag);
+}
+
+void RE_Tree::parse(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
+                    RE_Node* continuationNode, RE_Node* outerNode, bool last) {
+    RE_ParserContext parserContext(context, outerNode, flags);
+    context->set_string(pattern, length);
+    allowEmptyMatch = (flags & RE_FLAG_ALLOW_EMPTY) != 0;
+
+    RE_Syntax_Tree syntax = RE_Grammar(parserContext, pattern, length, last).read();
+    parserContext.flags = flags;
+    measureSyntax(syntax, parserContext, pattern);
+    parserContext.facts->tokenCount = syntax.groupCount;
+    parserContext.facts->minimumLength = syntax[RE_Syntax_Tree::root].least;
+    RE_Node* const parsed = RE_Graph_Builder(parserContext, syntax).build(continuationNode);
+    RE_Node* const finished = runPasses(parserContext, parsed);
+    finished->computeLengths();
+
+    tokenCount = syntax.groupCount;
+    hasTokenNames = !parserContext.tokenNames.empty();
+    nodeCount = parserContext.handOver(RE_Collection::reachable(finished));
+    root = finished;
+    facts = parserContext.facts.release();
+}
+
+const char16_t** RE_Tree::treeNames(std::size_t* count) const {
+    *count = 0;
+    if (!hasTokenNames) {
+        return nullptr;
+    }
+    const auto names = static_cast<const char16_t**>(utMallocWithCheck(tokenCount * sizeof(const char16_t*)));
+    std::fill_n(names, tokenCount, nullptr);
+    for (const RE_Node* node : facts->nodes) {
+        if (node->isStartToken()) {
+            const auto* token = static_cast<const RE_Start_Token*>(node);
+            names[token->number] = token->name;
+        }
+    }
+    // Squeeze out the unnamed and the repeated, in place.
+    for (std::size_t token = 0; token < tokenCount; ++token) {
+        const char16_t* const name = names[token];
+        const auto sameName = [name](const char16_t* other) { return utf16_strcmp(name, other) == 0; };
+        if (name != nullptr && std::none_of(names, names + *count, sameName)) {
+            names[(*count)++] = name;
+        }
+    }
+    return names;
+}

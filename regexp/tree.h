@@ -1,0 +1,94 @@
+// The compiled pattern and its search.
+#pragma once
+
+#include "regexp/builder/builder.h"
+#include "regexp/eval/context.h"
+#include "regexp/flags.h"
+#include "regexp/memory.h"
+#include "regexp/results.h"
+#include "regexp/seek/seek_table.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+class RE_Node;
+class RE_Search_Info;
+struct RE_Graph_Facts;
+
+/// A compiled pattern. Compiling never fails on syntax: problems are reported through `RE_Context::warn` and degrade
+/// to literal text or to nothing.
+///
+/// Immutable once constructed; any number of threads may search one tree at the same time, each with a seek table of
+/// its own where it passes one. Offsets and lengths count UTF-16 code units.
+///
+///     RE_Tree tree(u"a(b+)c", false);
+///     std::unique_ptr<RE_Results> match(tree.match(u"xxabbc", 6, 0));   // start 2, length 4, token 0 at 3, length 2
+class CORVANE_REGEXP_EXPORT RE_Tree : public RE_Memory {
+public:
+    // The plain constructors let the dot match line feeds, accept no empty match and are never interrupted; `flag`
+    // ignores case.
+    RE_Tree(const char16_t* pattern, bool flag);
+    RE_Tree(const char16_t* pattern, std::size_t length, bool flag);
+    RE_Tree(const std::u16string& pattern, bool flag);
+    RE_Tree(const RE_Builder_Space::RE_Builder& builder, bool flag);
+    /// The pattern is text in the local code page.
+    RE_Tree(const char* pattern, bool flag);
+    /// The context must outlive the tree.
+    RE_Tree(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context);
+    /// A sub-pattern: its end hands control to `continuationNode`, and unless `last` it makes no tokens.
+    RE_Tree(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
+            RE_Node* continuationNode, RE_Node* outerNode, bool last);
+    RE_Tree(RE_Tree&& other) noexcept;
+    /// Both trees use one graph afterwards; only one of the two may be destroyed. The graph this tree had before is
+    /// not freed, since it may be shared in the same way.
+    RE_Tree& operator=(const RE_Tree& other) = default;
+    ~RE_Tree();
+
+    // Searches for the leftmost match at or behind `offset`. The result belongs to the caller (`delete`). Null: no
+    // match, the search was interrupted, or there is no subject. Exceptions: those of allocation.
+    RE_Results* match(const std::u16string& subject, std::size_t offset) const;
+    RE_Results* match(const char16_t* subject, std::size_t length, std::size_t offset) const;
+    /// The table carries answers from one search of a subject to the next.
+    RE_Results* match(const char16_t* subject, std::size_t length, std::size_t offset, RE_Seek_Table* table) const;
+    /// Text in the local code page; indexes in the result count the units of its UTF-16 form, and the result has no
+    /// subject pointers.
+    RE_Results* match(const char* subject, std::size_t offset) const;
+    RE_Results* match(const char* subject) const { return match(subject, 0); }
+
+    /// Runs the pattern once at exactly `position`, with the caller's state. Refuses no empty match.
+    bool match_bool(const char16_t* position, std::size_t* length, RE_Search_Info* info) const;
+
+    /// The distinct names of tokens, in token order. The array belongs to the caller (`utFree`), the names to the
+    /// tree. Null when there are none.
+    const char16_t** treeNames(std::size_t* count) const;
+
+    /// The node graph as text for graph-drawing programs.
+    std::string graph() const;
+
+    std::uint64_t getTokenCount() const { return tokenCount; }
+    std::uint64_t getNodeCount() const { return nodeCount; }
+    const RE_Node* getRoot() const { return root; }
+
+private:
+    void parse(const char16_t* pattern, std::size_t length, bool flag);
+    void parse(const char* pattern, bool flag);
+    void parse(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
+               RE_Node* continuationNode, RE_Node* outerNode, bool last);
+
+    RE_Results* searchFrom(const char16_t* subject, std::size_t length, std::size_t offset,
+                           RE_Seek_Table* table) const;
+    bool findMatch(RE_Search_Info& info, std::size_t offset, std::size_t& length) const;
+    bool attempt(RE_Search_Info& info, const char16_t* p, std::size_t& length) const;
+    bool runNodes(const char16_t* position, const RE_Node* startNode, std::size_t* length,
+                  RE_Search_Info& info) const;
+    bool isValidMatchLength(std::size_t length) const { return length != 0 || allowEmptyMatch; }
+
+    RE_Node* root = nullptr;
+    std::uint64_t tokenCount = 0;
+    bool hasTokenNames = false;
+    bool allowEmptyMatch = false;
+    std::uint64_t nodeCount = 0;
+    bool interruptible = false;
+    RE_Graph_Facts* facts = nullptr;  ///< owns the nodes
+};

@@ -1,0 +1,63 @@
+#include "regexp/unit_set.h"
+
+#include "host/ctype.h"
+
+#include <bit>
+
+void RE_Unit_Set::addRange(char16_t low, char16_t high) {
+    for (std::size_t unit = low; unit <= high;) {
+        if (unit % 64 == 0 && unit + 63 <= high) {
+            words[unit / 64] = ~std::uint64_t{0};
+            unit += 64;
+        } else {
+            add(static_cast<char16_t>(unit));
+            ++unit;
+        }
+    }
+}
+
+void RE_Unit_Set::addAll(const RE_Unit_Set& other) {
+    for (std::size_t i = 0; i < unitCount / 64; ++i) {
+        words[i] |= other.words[i];
+    }
+}
+
+void RE_Unit_Set::negate() {
+    for (std::uint64_t& word : words) {
+        word = ~word;
+    }
+}
+
+std::size_t RE_Unit_Set::size() const {
+    std::size_t count = 0;
+    for (const std::uint64_t word : words) {
+        count += static_cast<std::size_t>(std::popcount(word));
+    }
+    return count;
+}
+
+const RE_Case_Table& RE_Case_Table::get() {
+    static const RE_Case_Table table;
+    return table;
+}
+
+RE_Case_Table::RE_Case_Table() {
+    for (std::size_t unit = 0; unit < RE_Unit_Set::unitCount; ++unit) {
+        lowerOf[unit] = cvu_tolower(static_cast<char16_t>(unit));
+        upperOf[unit] = cvu_toupper(static_cast<char16_t>(unit));
+        if (lowerOf[unit] != unit) {
+            foldTargets.add(lowerOf[unit]);
+        }
+    }
+}
+
+const RE_Unit_Classes& RE_Unit_Classes::get() {
+    static const RE_Unit_Classes classes;
+    return classes;
+}
+
+RE_Unit_Classes::RE_Unit_Classes() {
+    digits.addWhere([](char16_t unit) { return cvu_isdigit(unit); });
+    spaces.addWhere([](char16_t unit) { return cvu_isspace(unit); });
+    words.addWhere([](char16_t unit) { return cvu_isalnum(unit) || unit == u'_'; });
+}

@@ -1,0 +1,237 @@
+// Patterns no author would write: they must compile to something, warn within the text, give the same answer
+// under every setting, and end.
+#include "tests/support/differential.h"
+#include "tests/support/pattern_random.h"
+#include "tests/support/small_stack.h"
+
+#include <gtest/gtest.h>
+
+namespace corvane_tests {
+namespace {
+
+const std::vector<std::u16string>& fewSubjects() {
+    static const std::vector<std::u16string> subjects = {u"", u"a", u"ab(a)", u"b\n[a]{1}*\\",
+                                                         std::u16string(1, u'\0')};
+    return subjects;
+}
+
+void expectWarningsInside(std::u16string_view pattern, const Engine& engine) {
+    for (const Warning& warning : engine.warnings()) {
+        EXPECT_LE(warning.number, 22U) << printable(pattern);
+        EXPECT_LE(warning.position, pattern.size()) << printable(pattern);
+    }
+    EXPECT_LE(engine.warnings().size(), pattern.size()) << printable(pattern);
+}
+
+/// The plain graph and the optimised one agree, whatever the text means.
+void expectHarmless(std::u16string_view pattern, RE_Flags flags) {
+    const Engine engine(pattern, flags);
+    const Engine plain(pattern, flags, {false, false, false, 0, false});
+    expectWarningsInside(pattern, engine);
+    EXPECT_EQ(engine.warnings(), plain.warnings()) << printable(pattern);
+    for (const std::u16string& subject : fewSubjects()) {
+        EXPECT_EQ(describe(plain.search(subject)), describe(engine.search(subject)))
+            << printable(pattern) << " on " << printable(subject);
+    }
+}
+
+std::u16string repeated(std::string_view text, size_t count) {
+    std::u16string result;
+    for (; count > 0; --count) {
+        result.append(text.begin(), text.end());
+    }
+    return result;
+}
+
+TEST(ShortPatterns, OfOneAndTwoUnitsAreHarmless) {
+    for (char16_t first = 0; first < 128; ++first) {
+        expectHarmless(std::u16string(1, first), kEmptyToo);
+        for (unsigned second = 0; second < 128; second += sanitized() ? 3 : 1) {
+            expectHarmless(std::u16string{first, static_cast<char16_t>(second)}, kPlain);
+        }
+    }
+}
+
+TEST(BrokenPatterns, OfRandomPunctuationAreHarmless) {
+    constexpr std::u16string_view units = u"(((()))[[]]{}<>||**+?\\\\^$.,12a:#=!@-x i?k";
+    PatternSource source(environmentNumber("CORVANE_TEST_SEED", 99));
+    for (unsigned round = 0; round < (sanitized() ? 3000U : 40000U); ++round) {
+        std::u16string pattern;
+        for (size_t left = source.below(14); left > 0; --left) {
+            pattern += units[source.below(units.size())];
+        }
+        expectHarmless(pattern, round % 4 == 0 ? 0x3DU : kPlain);
+    }
+}
+
+TEST(BrokenPatterns, CutFromValidOnesAreHarmless) {
+    PatternSource source(environmentNumber("CORVANE_TEST_SEED", 100));
+    for (unsigned round = 0; round < (sanitized() ? 60U : 500U); ++round) {
+        const std::u16string pattern = widen(source.pattern({}));
+        for (size_t length = 0; length < pattern.size(); ++length) {
+            expectHarmless(std::u16string_view(pattern).substr(0, length), kPlain);
+        }
+    }
+}
+
+std::u16string mutated(std::u16string pattern, PatternSource& source) {
+    constexpr std::u16string_view units = u"()[]{}?*+|\\^$.:<>=!-,19aik";
+    for (size_t left = 1 + source.below(3); left > 0 && !pattern.empty(); --left) {
+        const size_t place = source.below(pattern.size());
+        switch (source.below(3)) {
+            case 0:
+                pattern.erase(place, 1 + source.below(3));
+                break;
+            case 1:
+                pattern[place] = units[source.below(units.size())];
+                break;
+            default:
+                pattern.insert(place, 1, units[source.below(units.size())]);
+                break;
+        }
+    }
+    return pattern;
+}
+
+TEST(BrokenPatterns, MutatedFromValidOnesAreHarmless) {
+    PatternSource source(environmentNumber("CORVANE_TEST_SEED", 101));
+    for (unsigned round = 0; round < (sanitized() ? 2000U : 20000U); ++round) {
+        expectHarmless(mutated(widen(source.pattern({})), source), kEmptyToo);
+    }
+}
+
+TEST(BrokenPatterns, OfRandomUnitsAreHarmless) {
+    PatternSource source(environmentNumber("CORVANE_TEST_SEED", 102));
+    for (unsigned round = 0; round < (sanitized() ? 1000U : 5000U); ++round) {
+        std::u16string pattern;
+        for (size_t left = source.below(10); left > 0; --left) {
+            pattern +=
+                static_cast<char16_t>(source.below(3) == 0 ? source.below(128) : source.below(0x10000));
+        }
+        expectHarmless(pattern, 0x33);
+    }
+}
+
+struct Bound {
+    const char* pattern;
+    size_t units;  // a's in the subject
+    const char* expected;
+};
+
+constexpr Bound kBounds[] = {
+    {"a{99999999999}", 500, "null"},
+    {"a{18446744073709551615}", 500, "null"},
+    {"a{18446744073709551616,}", 500, "null"},
+    {"a{0,99999999999999999999999999}", 500, "[0,500]"},
+    {"a{0,65536}", 500, "[0,500]"},
+    {"a{70000}", 70001, "[0,70000]"},
+    {"(?:aa){40000}", 80001, "[0,80000]"},
+    {"(?:a{1000}){1000}", 5000, "null"},
+    {"(?:a{0,1000}){0,1000}", 5000, "[0,5000]"},
+    {"(?:(?:(?:(?:a{100}){100}){100}){100}){100}", 500, "null"},
+    {"(?:(?:(?:a{0,65536}){0,65536}){0,65536}){0,65536}", 500, "[0,500]"},
+    {"(?:(?:a?){1000}){1000}", 3, "[0,3]"},
+    {"(?:a{2}{2}{2}{2}{2}{2}{2}{2}{2}){2}", 1024, "[0,1024]"},
+    {"(?:){99999999999}a", 2, "[0,1]"},
+    {"(?:(?=a)){65536}a", 2, "[0,1]"},
+    {"(?:|a){1000}$", 700, "[0,700]"},
+};
+
+TEST(HugeBounds, AreNeitherUnrolledWithoutLimitNorMiscounted) {
+    for (const Bound& bound : kBounds) {
+        for (const size_t threshold : {size_t{0}, size_t{1024}, size_t{1000000000}}) {
+            const Engine engine(widen(bound.pattern), kPlain, {true, true, true, threshold, false});
+            EXPECT_EQ(bound.expected, describe(engine.search(std::u16string(bound.units, u'a'))))
+                << bound.pattern << " with threshold " << threshold;
+        }
+    }
+}
+
+struct Nest {
+    const char* open;
+    const char* middle;
+    const char* close;
+    const char* expected;  // on "aab"; null when any answer will do
+};
+
+constexpr Nest kNests[] = {
+    {"(?:", "ab", ")", "[1,2]"},    {"(?:", "a", ")?", "[0,1]"},    {"(?:", "a", ")*", "[0,2]"},
+    {"(?:b|", "a", ")", "[0,1]"},   {"(?i:", "A", ")", "[0,1]"},    {"(?:a|", "", "", nullptr},
+    {"(", "", "", nullptr},         {")", "", "", nullptr},         {"[", "", "", nullptr},
+    {"(?", "", "", nullptr},        {"(?(1)", "a", ")", nullptr},   {"(?=", "a", ")", nullptr},
+    {"(?!", "a", ")", nullptr},     {"(?<=", "a", ")", nullptr},    {"(?>", "a", ")", nullptr},
+    {"(?(?=a)", "a", ")", nullptr}, {"(?(?=", "a", ")b)", nullptr}, {"(?#", "", ")", nullptr},
+    {"", "a", "*", nullptr},        {"", "a", "{2}", nullptr},      {"", "a", "+?", nullptr},
+    {"", "a", "?+", nullptr},       {"\\", "", "", nullptr},        {"{", "", "}", nullptr},
+    {"(?<n>", "", ")", nullptr},    {"(?i)", "A", "", "[0,1]"},
+};
+
+class DeepNests : public testing::TestWithParam<Nest> {};
+
+TEST_P(DeepNests, CompileSearchAndAreDestroyedOnASmallStack) {
+    const Nest& nest = GetParam();
+    const size_t depth = sanitized() ? 10000 : 100000;
+    const std::u16string pattern =
+        repeated(nest.open, depth) + widen(nest.middle) + repeated(nest.close, depth);
+    std::string answer;
+    runOnSmallStack([&] { answer = describe(Engine(pattern).search(u"aab")); });
+    EXPECT_EQ(nest.expected ? nest.expected : answer, answer);
+}
+
+INSTANTIATE_TEST_SUITE_P(Openings, DeepNests, testing::ValuesIn(kNests));
+
+TEST(DeepCaptures, OfOneLetterReportTheOutermostTokenAlone) {
+    const size_t depth = sanitized() ? 10000 : 100000;
+    const std::u16string pattern = repeated("(", depth) + u"b" + repeated(")", depth);
+    std::string answer;
+    runOnSmallStack([&] { answer = describe(Engine(pattern).search(u"aab")); });
+    EXPECT_EQ("[2,1] t0=(2,1)", answer);
+}
+
+TEST(ClosedBodies, NestToADepthOfHundreds) {
+    const size_t depth = 900;
+    for (const char* open : {"(?=", "(?>", "(?<=", "(?:"}) {
+        const Engine engine(repeated(open, depth) + u"a" + repeated(")", depth), kEmptyToo);
+        EXPECT_TRUE(engine.search(u"ba").matched) << open;
+        EXPECT_TRUE(engine.warnings().empty()) << open;
+    }
+}
+
+TEST(LongPatterns, OfAMillionUnitsFindThemselves) {
+    const size_t copies = sanitized() ? 20000 : 250000;
+    const std::u16string text = repeated("abcd", copies);
+    for (const RE_Flags flags : {kPlain, RE_Flags{0x13}}) {
+        const Outcome outcome = Engine(text, flags).search(u"x" + text);
+        EXPECT_EQ("[1," + std::to_string(text.size()) + "]", describe(outcome));
+    }
+    const std::u16string stars = repeated("a*", copies);
+    EXPECT_EQ("[0,3]", describe(Engine(stars).search(u"aaab")));
+}
+
+TEST(LongPatterns, OfAHundredThousandBranchesTryThemAll) {
+    const size_t count = sanitized() ? 10000 : 100000;
+    for (const char* branch : {"a|", "ab|", "a*b|", "(a)|", "\\d|"}) {
+        const Engine engine(repeated(branch, count) + u"xy");
+        EXPECT_EQ("[1,2]", describe({true, engine.search(u"zxy").start, engine.search(u"zxy").length, {}}))
+            << branch;
+    }
+}
+
+std::string answerOnSmallStack(const char16_t* pattern, const std::u16string& subject) {
+    std::string answer;
+    runOnSmallStack([&] { answer = describe(Engine(pattern).search(subject)); });
+    return answer;
+}
+
+TEST(LongSubjects, NeedNoStackOfTheirLength) {
+    const size_t units = environmentNumber("CORVANE_TEST_UNITS", sanitized() ? 200000 : 10000000);
+    const std::u16string subject = repeated("ab", units / 2) + u"c";
+    const std::string whole = "[0," + std::to_string(units + 1) + "]";
+    EXPECT_EQ(whole, answerOnSmallStack(u"(?:a*b)*c", subject));
+    EXPECT_EQ("[0," + std::to_string(units) + "]", answerOnSmallStack(u"(?:a|b)*", subject));
+    EXPECT_EQ(whole + " t0=(" + std::to_string(units - 1) + ",1)",
+              answerOnSmallStack(u"(a|b|ab)*?c", subject));
+}
+
+}  // namespace
+}  // namespace corvane_tests

@@ -1,0 +1,129 @@
+// Reader of the match case tables.
+#include "tests/support/case_file.h"
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+
+namespace corvane_tests {
+namespace {
+
+std::vector<std::string> split(const std::string& text, char separator) {
+    std::vector<std::string> parts;
+    std::istringstream stream(text);
+    for (std::string part; std::getline(stream, part, separator);) {
+        parts.push_back(part);
+    }
+    return parts;
+}
+
+std::uint32_t flagsOf(const std::string& modes) {
+    std::uint32_t flags = 0x12;
+    for (const char letter : modes) {
+        switch (letter) {
+            case '.':
+                break;
+            case 'i':
+                flags |= 0x01;
+                break;
+            case 'm':
+                flags |= 0x04;
+                break;
+            case 'x':
+                flags |= 0x08;
+                break;
+            case 'E':
+                flags |= 0x20;
+                break;
+            case 'd':
+                flags &= ~std::uint32_t{0x02};
+                break;
+            default:
+                throw std::runtime_error(std::string("unknown mode ") + letter);
+        }
+    }
+    return flags;
+}
+
+Token tokenOf(const std::string& text) {
+    const std::vector<std::string> halves = split(text, '=');
+    const std::vector<std::string> numbers = split(halves.at(0), ',');
+    return {std::stoul(numbers.at(0)), std::stoul(numbers.at(1)), halves.size() > 1 ? widen(halves[1]) : u""};
+}
+
+void readExtent(const std::string& text, Outcome& outcome) {
+    if (text != "-") {
+        const Token extent = tokenOf(text);
+        outcome = {true, extent.start, extent.length, {}};
+    }
+}
+
+void readTokens(const std::string& text, MatchCase& result) {
+    result.checksTokens = text != "?";
+    if (text == "-" || text == "?") {
+        return;
+    }
+    for (const std::string& token : split(text, ' ')) {
+        result.expected.tokens.push_back(tokenOf(token));
+    }
+}
+
+void readWarnings(const std::string& text, MatchCase& result) {
+    result.checksWarnings = text != "?";
+    if (text == "-" || text == "?") {
+        return;
+    }
+    for (const std::string& warning : split(text, ' ')) {
+        const std::vector<std::string> parts = split(warning, '@');
+        result.warnings.push_back({static_cast<unsigned>(std::stoul(parts.at(0))), std::nullopt});
+        if (parts.size() > 1) {
+            result.warnings.back().position = std::stoul(parts[1]);
+        }
+    }
+}
+
+MatchCase readLine(const std::string& line) {
+    std::vector<std::string> columns = split(line, '\t');
+    if (columns.size() < 5) {
+        throw std::runtime_error("too few columns");
+    }
+    columns.resize(7, "-");
+    MatchCase result;
+    result.pattern = expand(columns[0]);
+    result.flags = flagsOf(columns[1]);
+    result.subject = expand(columns[2]);
+    result.offset = std::stoul(columns[3]);
+    readExtent(columns[4], result.expected);
+    readTokens(columns[5], result);
+    readWarnings(columns[6], result);
+    return result;
+}
+
+}  // namespace
+
+std::vector<MatchCase> readCaseFile(const std::string& path) {
+    std::ifstream file(path);
+    if (!file) {
+        throw std::runtime_error("cannot read " + path);
+    }
+    std::vector<MatchCase> cases;
+    size_t number = 0;
+    for (std::string line; std::getline(file, line);) {
+        ++number;
+        if (line.empty() || line.rfind("# ", 0) == 0) {
+            continue;
+        }
+        const std::string place =
+            std::filesystem::path(path).filename().string() + ":" + std::to_string(number);
+        try {
+            cases.push_back(readLine(line));
+        } catch (const std::exception& error) {
+            throw std::runtime_error(place + ": " + error.what());
+        }
+        cases.back().place = place;
+    }
+    return cases;
+}
+
+}  // namespace corvane_tests

@@ -1,0 +1,84 @@
+// Compiling and searching through the public interface only.
+#include "tests/support/engine_run.h"
+
+#include <boost/any.hpp>
+#include <boost/program_options.hpp>
+#include <memory>
+#include <stdexcept>
+
+namespace corvane_tests {
+namespace {
+
+using Corvane::regexp::CompileOptions;
+
+void setOption(CompileOptions& options, std::string_view name, const boost::any& value) {
+    for (auto* option : options.getOptions()) {
+        if (option->getName() == name) {
+            option->optionParser()->semantic()->notify(value);
+            return;
+        }
+    }
+    throw std::invalid_argument("no option " + std::string(name));
+}
+
+const CompileOptions& configured(CompileOptions& options, const EngineConfig& config) {
+    setOption(options, "OptimizeLinearSubpatterns", config.linearSubpatterns);
+    setOption(options, "OptimizeDotStar", config.dotStar);
+    setOption(options, "OptimizeNullNodes", config.nullNodes);
+    setOption(options, "InlineThreshold", config.inlineThreshold);
+    setOption(options, "Profile", config.profile);
+    return options;
+}
+
+Outcome toOutcome(const std::unique_ptr<RE_Results>& results) {
+    if (!results) {
+        return {};
+    }
+    Outcome outcome{true, results->matchStart, results->matchLength, {}};
+    for (size_t index = 0; const RE_TokenInfo* token = results->tokens->get(index); ++index) {
+        outcome.tokens.push_back({token->start, token->length, token->name ? token->name : u""});
+    }
+    return outcome;
+}
+
+}  // namespace
+
+std::ostream& operator<<(std::ostream& out, const EngineConfig& config) {
+    return out << "linear=" << config.linearSubpatterns << " dotStar=" << config.dotStar
+               << " nullNodes=" << config.nullNodes << " inline=" << config.inlineThreshold
+               << " profile=" << config.profile;
+}
+
+const std::vector<EngineConfig>& allConfigs() {
+    static const std::vector<EngineConfig> configs = [] {
+        std::vector<EngineConfig> result;
+        for (unsigned bits = 0; bits < 32; ++bits) {
+            result.push_back({(bits & 1U) == 0, (bits & 2U) == 0, (bits & 4U) == 0,
+                              (bits & 8U) == 0 ? size_t{1024} : size_t{0}, (bits & 16U) != 0});
+        }
+        return result;
+    }();
+    return configs;
+}
+
+void RecordingContext::warn(const char16_t* where, RE_Warning warning) {
+    m_warnings.push_back({static_cast<unsigned>(warning), static_cast<size_t>(where - m_text)});
+}
+
+void RecordingContext::set_string(const char16_t* text, size_t) {
+    m_text = text;
+}
+
+Engine::Engine(std::u16string_view pattern, RE_Flags flags, const EngineConfig& config)
+    : m_context(configured(m_options, config)), m_tree(pattern.data(), pattern.size(), flags, &m_context) {}
+
+Outcome Engine::search(std::u16string_view subject, size_t offset) const {
+    return toOutcome(std::unique_ptr<RE_Results>(m_tree.match(subject.data(), subject.size(), offset)));
+}
+
+Outcome Engine::search(std::u16string_view subject, size_t offset, RE_Seek_Table& table) const {
+    return toOutcome(
+        std::unique_ptr<RE_Results>(m_tree.match(subject.data(), subject.size(), offset, &table)));
+}
+
+}  // namespace corvane_tests

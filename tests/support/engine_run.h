@@ -1,0 +1,71 @@
+// The engine under test behind one small class: compile a pattern under given options, search, get an
+// Outcome.
+#pragma once
+
+#include "regexp/regexp.h"
+#include "tests/support/outcome.h"
+
+#include <optional>
+#include <ostream>
+#include <string_view>
+#include <vector>
+
+namespace corvane_tests {
+
+/// Modes of the constructors that take none: dot matches everything, evaluation left to the context.
+inline constexpr RE_Flags kPlain = 0x12;
+inline constexpr RE_Flags kEmptyToo = 0x32;
+
+/// One setting of the compile options; every setting must give the same answers.
+struct EngineConfig {
+    bool linearSubpatterns = true;
+    bool dotStar = true;
+    bool nullNodes = true;
+    size_t inlineThreshold = 1024;
+    bool profile = false;
+};
+
+std::ostream& operator<<(std::ostream& out, const EngineConfig& config);
+
+/// All on/off combinations of the optimisations, inline thresholds 0 and 1024, profiling off and on.
+const std::vector<EngineConfig>& allConfigs();
+
+struct Warning {
+    unsigned number = 0;
+    size_t position = 0;
+
+    bool operator==(const Warning&) const = default;
+};
+
+/// A context with options of its own that notes the warnings; evaluation stays forbidden as in the base.
+class RecordingContext : public RE_Context {
+public:
+    explicit RecordingContext(const Corvane::regexp::CompileOptions& compileOptions)
+        : RE_Context(compileOptions) {}
+
+    void warn(const char16_t* where, RE_Warning warning) override;
+    void set_string(const char16_t* text, size_t length) override;
+
+    const std::vector<Warning>& warnings() const { return m_warnings; }
+
+private:
+    const char16_t* m_text = nullptr;
+    std::vector<Warning> m_warnings;
+};
+
+class Engine {
+public:
+    explicit Engine(std::u16string_view pattern, RE_Flags flags = kPlain, const EngineConfig& config = {});
+
+    Outcome search(std::u16string_view subject, size_t offset = 0) const;
+    Outcome search(std::u16string_view subject, size_t offset, RE_Seek_Table& table) const;
+
+    const std::vector<Warning>& warnings() const { return m_context.warnings(); }
+
+private:
+    Corvane::regexp::CompileOptions m_options;
+    RecordingContext m_context;
+    RE_Tree m_tree;
+};
+
+}  // namespace corvane_tests

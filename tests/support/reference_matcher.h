@@ -1,0 +1,27 @@
+// A slow, plain backtracking matcher to compare the engine with. It is part of the tests only and must never
+// be linked into the library: it is exponential by design, recursive, and keeps every state by value so that
+// there is nothing to restore and nothing to forget.
+#pragma once
+
+#include "tests/support/outcome.h"
+
+#include <optional>
+#include <string_view>
+
+namespace corvane_tests::reference {
+
+struct Limits {
+    size_t steps = 200000;
+};
+
+/// Nothing when the pattern is outside the reference dialect or the step limit was reached.
+std::optional<Outcome> search(std::u16string_view pattern, unsigned flagBits, std::u16string_view subject,
+                              size_t offset, Limits limits = {});
+
+struct Pattern;
+
+/// The same over a pattern parsed once.
+std::optional<Outcome> search(const Pattern& pattern, unsigned flagBits, std::u16string_view subject,
+                              size_t offset, Limits limits = {});
+
+}  // namespace corvane_tests::reference

@@ -1,0 +1,86 @@
+// One compiled pattern searched by several threads at once: searches share nothing but the read-only graph.
+#include "tests/support/engine_run.h"
+
+#include <gtest/gtest.h>
+#include <thread>
+
+namespace corvane_tests {
+namespace {
+
+constexpr size_t kThreads = 8;
+constexpr size_t kRounds = 40;
+
+/// Different lengths of one repeating text, so that threads are in different places at the same time.
+std::vector<std::u16string> subjects() {
+    std::vector<std::u16string> result;
+    for (size_t length = 1; length <= 200; length += 13) {
+        std::u16string subject;
+        while (subject.size() < length) {
+            subject += u"aabxab abcab ";
+        }
+        result.push_back(subject + u"ccab");
+    }
+    return result;
+}
+
+std::vector<std::string> answers(const Engine& engine, const std::vector<std::u16string>& texts,
+                                 size_t first) {
+    std::vector<std::string> result(texts.size());
+    for (size_t step = 0; step < texts.size(); ++step) {
+        const size_t index = (first + step) % texts.size();
+        result[index] = describe(engine.search(texts[index], step % 5));
+        RE_Seek_Table table;
+        result[index] += describe(engine.search(texts[index], 0, table));
+    }
+    return result;
+}
+
+class Threads : public testing::TestWithParam<const char*> {};
+
+TEST_P(Threads, SearchingOneTreeGetTheAnswersOfOneThread) {
+    for (const bool profile : {false, true}) {
+        const Engine engine(widen(GetParam()), kEmptyToo, {true, true, true, 16, profile});
+        const std::vector<std::u16string> texts = subjects();
+        std::vector<std::vector<std::string>> expected;
+        for (size_t first = 0; first < kThreads; ++first) {
+            expected.push_back(answers(engine, texts, first));
+        }
+        std::vector<size_t> wrong(kThreads, 0);
+        std::vector<std::thread> threads;
+        for (size_t own = 0; own < kThreads; ++own) {
+            threads.emplace_back([&, own] {
+                for (size_t round = 0; round < kRounds; ++round) {
+                    wrong[own] += answers(engine, texts, own) != expected[own] ? 1U : 0U;
+                }
+            });
+        }
+        for (std::thread& thread : threads) {
+            thread.join();
+        }
+        EXPECT_EQ(std::vector<size_t>(kThreads, 0), wrong);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Patterns, Threads,
+                         testing::Values("(a|ab)*c", "(?:a{1,3}b){2,30}?x", "(?>a+)(b)\\1?",
+                                         "(?<=(a+))b(?!x)", "(a)?(?(1)b|c)", ".*?(?:ab|c)+c",
+                                         "(?i)ABC|X\\w"));
+
+TEST(CompilingThreads, BuildAndSearchTheirOwnTrees) {
+    std::vector<std::thread> threads;
+    std::vector<std::string> seen(kThreads);
+    for (size_t own = 0; own < kThreads; ++own) {
+        threads.emplace_back([&, own] {
+            for (size_t round = 0; round < kRounds; ++round) {
+                seen[own] = describe(Engine(u"(a|b)*(?<n>c{1,20})").search(u"xabbcc"));
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(std::vector<std::string>(kThreads, "[1,5] t0=(3,1) t1=(4,2)n"), seen);
+}
+
+}  // namespace
+}  // namespace corvane_tests

@@ -1,0 +1,27 @@
+// Reading of a command's words with Boost.Program_options, in one style for all commands.
+#pragma once
+
+#include "tools/command.h"
+
+#include <boost/program_options/options_description.hpp>
+#include <boost/program_options/variables_map.hpp>
+
+#include <string_view>
+
+namespace tool {
+
+struct ParsedArguments {
+    boost::program_options::variables_map options;
+    Arguments positionals;  // in the order given
+
+    bool has(const char* option) const { return options.count(option) != 0; }
+};
+
+// Long options are never abbreviated, so that a new option cannot change the meaning of an old script.
+// Values bound to variables (the compile options) are stored before this returns.
+ParsedArguments parseArguments(const Arguments& words,
+                               const boost::program_options::options_description& known);
+
+void printCommandHelp(std::string_view usage, const boost::program_options::options_description& known);
+
+}  // namespace tool

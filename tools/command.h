@@ -1,0 +1,25 @@
+// The commands of the program. A new command is one file with a function of this shape and one row in
+// command_table.cpp; the main program knows none of them by name.
+#pragma once
+
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tool {
+
+using Arguments = std::vector<std::string>;
+
+struct Command {
+    std::string_view name;
+    std::string_view summary;
+    int (*run)(const Arguments& arguments);  // the words after the command name; returns an ExitStatus
+};
+
+std::span<const Command> commandTable();
+
+int runMatch(const Arguments& arguments);
+int runCheck(const Arguments& arguments);
+
+}  // namespace tool

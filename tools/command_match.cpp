@@ -1,0 +1,107 @@
+// `cvregexp match`: every match of a pattern in whole files, which the pattern sees as one text, not as lines.
+#include "tools/command.h"
+#include "tools/compiled_pattern.h"
+#include "tools/exit_status.h"
+#include "tools/interrupt.h"
+#include "tools/match_options.h"
+#include "tools/match_walker.h"
+#include "tools/pattern_options.h"
+#include "tools/progress.h"
+#include "tools/warning_report.h"
+
+#include <unistd.h>
+
+#include <iostream>
+#include <system_error>
+
+namespace po = boost::program_options;
+
+namespace tool {
+namespace {
+
+po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
+    po::options_description known;
+    known.add(matchOptions()).add(patternOptions()).add(compileOptions(compile));
+    return known;
+}
+
+class MatchRun {
+public:
+    MatchRun(const CompiledPattern& pattern, const MatchSettings& settings)
+        : pattern_(pattern), settings_(settings), reporter_(makeReporter(settings.style, std::cout)) {}
+
+    int searchAll() {
+        for (const std::string& fileName : settings_.fileNames) {
+            searchFile(fileName);
+            if (interruptPending()) throw Interrupted();
+            if (found_ && settings_.style.form == ReportForm::silent) return exitPositive;
+        }
+        if (unreadable_) return exitTrouble;
+        return found_ ? exitPositive : exitNegative;
+    }
+
+private:
+    // A file that cannot be read does not keep the others from being searched.
+    void searchFile(const std::string& fileName) {
+        try {
+            searchText(readInput(fileName));
+        } catch (const std::system_error& failure) {
+            std::cout.flush();
+            std::cerr << "cvregexp: " << failure.what() << '\n';
+            unreadable_ = true;
+        }
+    }
+
+    void searchText(const Input& input) {
+        MatchWalker walker(pattern_.tree(), input.text.view());
+        Progress progress(input);
+        reporter_->beginText(input);
+        // Short searches may end before they poll the flag, so it is asked between them too.
+        for (std::size_t left = settings_.maxCount; left != 0 && !interruptPending(); --left) {
+            const std::unique_ptr<RE_Results> match = walker.next();
+            if (!match) break;
+            found_ = true;
+            progress.at(match->nextIndex());
+            if (!report(*match, progress)) break;
+        }
+        progress.hide();
+        reporter_->endText();
+    }
+
+    // Forms that print as they go share the terminal with the progress line, so it makes room for them.
+    bool report(const RE_Results& match, Progress& progress) {
+        if (!printsToTerminal_) return reporter_->match(match);
+        progress.hide();
+        const bool more = reporter_->match(match);
+        std::cout.flush();
+        return more;
+    }
+
+    const CompiledPattern& pattern_;
+    const MatchSettings& settings_;
+    std::unique_ptr<Reporter> reporter_;
+    const bool printsToTerminal_ = ::isatty(STDOUT_FILENO) != 0;
+    bool found_ = false;
+    bool unreadable_ = false;
+};
+
+}  // namespace
+
+int runMatch(const Arguments& words) {
+    Corvane::regexp::CompileOptions compile;
+    const po::options_description known = knownOptions(compile);
+    ParsedArguments arguments = parseArguments(words, known);
+    if (arguments.has("help")) {
+        printCommandHelp("match [OPTION...] PATTERN [FILE...]", known);
+        return exitPositive;
+    }
+    PatternRequest request = takePattern(arguments);
+    const MatchSettings settings = readMatchSettings(arguments);
+    catchInterrupts();
+    const CompiledPattern pattern(std::move(request), compile);
+    for (const PatternWarning& warning : pattern.warnings())
+        std::cerr << "cvregexp: " << describeWarning(pattern.text(), warning);
+    return MatchRun(pattern, settings).searchAll();
+}
+
+}  // namespace tool

@@ -1,0 +1,33 @@
+// The engine's view of the program: collects warnings, lets searches be interrupted, evaluates nothing.
+#pragma once
+
+#include "regexp/regexp.h"
+
+#include <cstddef>
+#include <string_view>
+#include <vector>
+
+namespace tool {
+
+struct PatternWarning {
+    std::size_t position;  // in code units from the start of the pattern, at most its length
+    RE_Warning number;
+};
+
+class ConsoleContext : public RE_Context {
+public:
+    explicit ConsoleContext(const Corvane::regexp::CompileOptions& compile) : RE_Context(compile) {}
+
+    void warn(const char16_t* where, RE_Warning warning) override;
+    void set_string(const char16_t* text, std::size_t length) override { text_ = {text, length}; }
+    bool allow_interrupt() const override { return true; }
+
+    // By position; those at one position in the order in which they were raised.
+    std::vector<PatternWarning> warnings() const;
+
+private:
+    std::u16string_view text_;
+    std::vector<PatternWarning> warnings_;
+};
+
+}  // namespace tool

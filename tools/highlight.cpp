@@ -1,0 +1,52 @@
+// Marking of matched text in the colours of a terminal.
+#include "tools/highlight.h"
+
+#include "tools/usage_error.h"
+#include "tools/utf8.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace tool {
+namespace {
+
+constexpr std::string_view markOn = "\033[1;31m";
+constexpr std::string_view markOff = "\033[0m";
+
+bool terminalHasColors() {
+    const char* terminal = std::getenv("TERM");
+    const char* noColor = std::getenv("NO_COLOR");
+    const bool refused = noColor != nullptr && *noColor != '\0';
+    return !refused && terminal != nullptr && std::string_view(terminal) != "dumb" &&
+           ::isatty(STDOUT_FILENO) != 0;
+}
+
+}  // namespace
+
+bool colorWanted(const std::string& when) {
+    if (when == "always") return true;
+    if (when == "never") return false;
+    if (when == "auto") return terminalHasColors();
+    throw UsageError("--color takes auto, always or never");
+}
+
+void appendHighlighted(std::string& out, std::u16string_view text, Extent line,
+                       std::span<const Extent> matches) {
+    std::size_t at = line.start;
+    for (const Extent& match : matches) {
+        // A match may begin on an earlier line or go on to a later one; only its part on this line counts.
+        const std::size_t begin = std::clamp(match.start, at, line.end());
+        const std::size_t end = std::clamp(match.end(), begin, line.end());
+        if (begin == end) continue;
+        appendUtf8(out, text.substr(at, begin - at));
+        out += markOn;
+        appendUtf8(out, text.substr(begin, end - begin));
+        out += markOff;
+        at = end;
+    }
+    appendUtf8(out, text.substr(at, line.end() - at));
+}
+
+}  // namespace tool

@@ -1,0 +1,111 @@
+// Reading of whole files: regular files are mapped, so that their bytes are not copied before the conversion;
+// pipes and terminals are read to their end.
+#include "tools/input.h"
+
+#include "tools/interrupt.h"
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+
+namespace tool {
+namespace {
+
+[[noreturn]] void failOn(const std::string& name) {
+    throw std::system_error(errno, std::generic_category(), name);
+}
+
+class OpenFile {
+public:
+    explicit OpenFile(const std::string& name)
+        : name_(name), descriptor_(name == "-" ? STDIN_FILENO : ::open(name.c_str(), O_RDONLY | O_CLOEXEC)) {
+        if (descriptor_ < 0) failOn(name_);
+    }
+    ~OpenFile() {
+        if (descriptor_ != STDIN_FILENO) ::close(descriptor_);
+    }
+    OpenFile(const OpenFile&) = delete;
+    OpenFile& operator=(const OpenFile&) = delete;
+
+    int descriptor() const { return descriptor_; }
+    const std::string& name() const { return name_; }
+
+private:
+    const std::string& name_;
+    int descriptor_;
+};
+
+// A mapping of the whole file, or nothing when the file cannot be mapped (a pipe, an empty file, a file system
+// that does not support it); the caller then reads it.
+class Mapping {
+public:
+    explicit Mapping(const OpenFile& file) {
+        struct stat status;
+        if (::fstat(file.descriptor(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_size == 0)
+            return;
+        // A descriptor that was partly read before it was handed to us must be continued, not restarted.
+        if (::lseek(file.descriptor(), 0, SEEK_CUR) != 0) return;
+        const auto size = static_cast<std::size_t>(status.st_size);
+        void* bytes = ::mmap(nullptr, size, PROT_READ, MAP_PRIVATE, file.descriptor(), 0);
+        if (bytes == MAP_FAILED) return;
+        bytes_ = bytes;
+        size_ = size;
+    }
+    ~Mapping() {
+        if (bytes_ != nullptr) ::munmap(bytes_, size_);
+    }
+    Mapping(const Mapping&) = delete;
+    Mapping& operator=(const Mapping&) = delete;
+
+    explicit operator bool() const { return bytes_ != nullptr; }
+    std::string_view bytes() const { return {static_cast<const char*>(bytes_), size_}; }
+
+private:
+    void* bytes_ = nullptr;
+    std::size_t size_ = 0;
+};
+
+std::string readToEnd(const OpenFile& file) {
+    constexpr std::size_t chunk = std::size_t{256} * 1024;
+    std::string content;
+    for (std::size_t used = 0;;) {
+        if (content.size() - used < chunk) content.resize(used + chunk + used / 2);
+        const ssize_t got = ::read(file.descriptor(), content.data() + used, content.size() - used);
+        if (interruptPending()) throw Interrupted();
+        if (got < 0 && errno == EINTR) continue;
+        if (got < 0) failOn(file.name());
+        if (got == 0) {
+            content.resize(used);
+            return content;
+        }
+        used += static_cast<std::size_t>(got);
+    }
+}
+
+// A byte order mark says how the text is encoded; it is no part of it.
+std::string_view withoutByteOrderMark(std::string_view bytes) {
+    constexpr std::string_view mark = "\xEF\xBB\xBF";
+    return bytes.starts_with(mark) ? bytes.substr(mark.size()) : bytes;
+}
+
+}  // namespace
+
+Input readInput(const std::string& fileName) {
+    const OpenFile file(fileName);
+    const std::string label = fileName == "-" ? "(standard input)" : fileName;
+    if (const Mapping mapping(file); mapping)
+        return {label, mapping.bytes().size(), Utf16Text(withoutByteOrderMark(mapping.bytes()))};
+    const std::string content = readToEnd(file);
+    return {label, content.size(), Utf16Text(withoutByteOrderMark(content))};
+}
+
+std::string readBytes(const std::string& fileName) {
+    const std::string content = readToEnd(OpenFile(fileName));
+    return std::string(withoutByteOrderMark(content));
+}
+
+}  // namespace tool

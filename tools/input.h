@@ -1,0 +1,23 @@
+// The text to search: a file or standard input, read once and converted once.
+#pragma once
+
+#include "tools/utf8.h"
+
+#include <string>
+
+namespace tool {
+
+struct Input {
+    std::string label;  // what the output calls it: the file name as given, or "(standard input)"
+    std::size_t byteSize;
+    Utf16Text text;
+};
+
+// "-" stands for standard input. Throws std::system_error when the file cannot be read, and Interrupted when the
+// user breaks off the reading of a slow source.
+Input readInput(const std::string& fileName);
+
+// The whole content of a file, not converted, but without a byte order mark.
+std::string readBytes(const std::string& fileName);
+
+}  // namespace tool

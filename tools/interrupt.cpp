@@ -1,0 +1,32 @@
+// The SIGINT handler sets the host's interrupt flag, which running searches poll. The flag is a lock-free atomic,
+// which makes setting it safe in a signal handler.
+#include "tools/interrupt.h"
+
+#include "host/interrupt.h"
+
+#include <csignal>
+
+namespace tool {
+namespace {
+
+extern "C" void requestInterrupt(int) {
+    utInterruptState::SetInterruptPending(true);
+}
+
+}  // namespace
+
+void catchInterrupts() {
+    struct sigaction current {};
+    if (::sigaction(SIGINT, nullptr, &current) != 0 || current.sa_handler == SIG_IGN) return;
+    struct sigaction action {};
+    action.sa_handler = requestInterrupt;
+    // No SA_RESTART: a blocked read must return. SA_RESETHAND gives the second Ctrl-C its usual effect.
+    action.sa_flags = static_cast<int>(SA_RESETHAND);
+    ::sigaction(SIGINT, &action, nullptr);
+}
+
+bool interruptPending() {
+    return utInterruptState::IsInterruptPending();
+}
+
+}  // namespace tool

@@ -1,0 +1,67 @@
+// The options that say which pattern is meant and in which modes.
+#include "tools/pattern_options.h"
+
+#include "tools/input.h"
+#include "tools/usage_error.h"
+#include "tools/utf8.h"
+
+namespace po = boost::program_options;
+
+namespace tool {
+namespace {
+
+std::string takePatternText(ParsedArguments& arguments) {
+    if (arguments.has("regexp") && arguments.has("pattern-file"))
+        throw UsageError("give one pattern, with -e or with -f");
+    if (arguments.has("regexp")) return arguments.options["regexp"].as<std::string>();
+    if (arguments.has("pattern-file")) {
+        std::string text = readBytes(arguments.options["pattern-file"].as<std::string>());
+        if (text.ends_with('\n'))  // the one that editors put after the last line
+            text.pop_back();
+        return text;
+    }
+    if (arguments.positionals.empty()) throw UsageError("a pattern is missing");
+    std::string text = arguments.positionals.front();
+    arguments.positionals.erase(arguments.positionals.begin());
+    return text;
+}
+
+RE_Flags chosenFlags(const ParsedArguments& arguments) {
+    RE_Flags flags = 0;
+    if (!arguments.has("dot-line")) flags |= RE_FLAG_DOT_ALL;
+    if (arguments.has("ignore-case")) flags |= RE_FLAG_IGNORE_CASE;
+    if (arguments.has("line-anchors")) flags |= RE_FLAG_LINE_ANCHORS;
+    if (arguments.has("free-spacing")) flags |= RE_FLAG_FREE_SPACING;
+    if (arguments.has("allow-empty")) flags |= RE_FLAG_ALLOW_EMPTY;
+    return flags;
+}
+
+}  // namespace
+
+po::options_description patternOptions() {
+    po::options_description options("Pattern");
+    auto add = options.add_options();
+    add("regexp,e", po::value<std::string>()->value_name("PATTERN"),
+        "the pattern, instead of the first argument");
+    add("pattern-file,f", po::value<std::string>()->value_name("FILE"), "read the pattern from FILE");
+    add("ignore-case,i", "letters match in either case");
+    add("line-anchors,m", "^ and $ also match at the starts and ends of lines");
+    add("free-spacing,x", "skip blanks and #-comments in the pattern");
+    add("dot-line", "the dot does not match a line feed");
+    add("allow-empty", "an empty match counts as a match");
+    return options;
+}
+
+po::options_description compileOptions(Corvane::regexp::CompileOptions& options) {
+    po::options_description descriptions("Compilation");
+    for (Corvane::regexp::Option::IOption* option : options.getOptions())
+        descriptions.add(option->optionParser());
+    return descriptions;
+}
+
+PatternRequest takePattern(ParsedArguments& arguments) {
+    std::u16string text = toUtf16(takePatternText(arguments));
+    return {std::move(text), chosenFlags(arguments)};
+}
+
+}  // namespace tool

@@ -1,0 +1,25 @@
+// The options that say which pattern is meant and in which modes; every command that takes a pattern has them.
+#pragma once
+
+#include "tools/arguments.h"
+
+#include "regexp/regexp.h"
+
+#include <string>
+
+namespace tool {
+
+boost::program_options::options_description patternOptions();
+
+// One line of help for each compile option; parsing stores the given values in `options`.
+boost::program_options::options_description compileOptions(Corvane::regexp::CompileOptions& options);
+
+struct PatternRequest {
+    std::u16string text;
+    RE_Flags flags;
+};
+
+// Takes the pattern from -e or -f, or else from the first positional word, which is then removed.
+PatternRequest takePattern(ParsedArguments& arguments);
+
+}  // namespace tool

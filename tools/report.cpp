@@ -1,0 +1,43 @@
+// What all forms of output share.
+#include "tools/report.h"
+
+namespace tool {
+
+std::unique_ptr<Reporter> makeReporter(const ReportStyle& style, std::ostream& out) {
+    switch (style.form) {
+        case ReportForm::lines:
+            return makeLineReporter(style, out);
+        case ReportForm::parts:
+            return makePartReporter(style, out);
+        case ReportForm::tokens:
+            return makeTokenReporter(style, out);
+        case ReportForm::json:
+            return makeJsonReporter(out);
+        case ReportForm::count:
+        case ReportForm::names:
+        case ReportForm::silent:
+            break;
+    }
+    return makeSummaryReporter(style, out);
+}
+
+void appendPrefix(std::string& out, const ReportStyle& style, const Input& input, std::size_t line) {
+    if (style.fileNames) {
+        out += input.label;
+        out += style.nulAfterName ? '\0' : ':';
+    }
+    if (style.lineNumbers) {
+        out += std::to_string(line);
+        out += ':';
+    }
+}
+
+std::u16string_view matchText(const RE_Results& found) {
+    return {found.subjectBegin + found.matchStart, found.matchLength};
+}
+
+std::u16string_view tokenText(const RE_Results& found, const RE_TokenInfo& token) {
+    return {found.subjectBegin + token.start, token.length};
+}
+
+}  // namespace tool

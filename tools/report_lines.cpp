@@ -1,0 +1,95 @@
+// The default output: every line that holds a match or a part of one, once, with the matches marked.
+#include "tools/highlight.h"
+#include "tools/line_index.h"
+#include "tools/report.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace tool {
+namespace {
+
+// Matches may share a line and may span several. The lines that are joined by matches form a block, which is
+// printed when a match begins beyond it.
+class LineReporter : public Reporter {
+public:
+    LineReporter(const ReportStyle& style, std::ostream& out) : style_(style), out_(out) {}
+
+    void beginText(const Input& input) override {
+        input_ = &input;
+        text_ = input.text.view();
+        cursor_ = LineCursor(text_);
+    }
+
+    bool match(const RE_Results& found) override {
+        const Extent extent{found.matchStart, found.matchLength};
+        cursor_.advanceTo(extent.start);
+        if (!matches_.empty() && cursor_.lineBegin() >= blockEnd_) printBlock();
+        if (matches_.empty()) {
+            blockBegin_ = cursor_.lineBegin();
+            blockEnd_ = blockBegin_;
+            blockLine_ = cursor_.line();
+        }
+        const std::size_t lastUnit = extent.length == 0 ? extent.start : extent.end() - 1;
+        if (matches_.empty() || lastUnit >= blockEnd_) blockEnd_ = lineEndAfter(text_, lastUnit);
+        matches_.push_back(extent);
+        return true;
+    }
+
+    void endText() override {
+        if (!matches_.empty()) printBlock();
+    }
+
+private:
+    void printBlock() {
+        std::string printed;
+        std::size_t begin = blockBegin_;
+        std::span<const Extent> matches = matches_;
+        do {
+            const std::size_t next = lineEndAfter(text_, begin);
+            appendPrefix(printed, style_, *input_, blockLine_++);
+            matches = matchesFrom(matches, begin);
+            appendLine(printed, {begin, next - begin}, matches);
+            begin = next;
+        } while (begin < blockEnd_);
+        out_ << printed;
+        matches_.clear();
+    }
+
+    // Without those that end before the line, so that a long block is not scanned again for each line.
+    static std::span<const Extent> matchesFrom(std::span<const Extent> matches, std::size_t lineBegin) {
+        const auto first =
+            std::ranges::find_if(matches, [=](const Extent& m) { return m.end() > lineBegin; });
+        return matches.subspan(static_cast<std::size_t>(first - matches.begin()));
+    }
+
+    void appendLine(std::string& printed, Extent line, std::span<const Extent> matches) {
+        if (line.length != 0 && text_[line.end() - 1] == u'\n') --line.length;
+        if (style_.color) {
+            const auto beyond =
+                std::ranges::find_if(matches, [=](const Extent& m) { return m.start >= line.end(); });
+            appendHighlighted(printed, text_, line, {matches.begin(), beyond});
+        } else {
+            appendHighlighted(printed, text_, line, {});
+        }
+        printed += '\n';
+    }
+
+    ReportStyle style_;
+    std::ostream& out_;
+    const Input* input_ = nullptr;
+    std::u16string_view text_;
+    LineCursor cursor_{{}};
+    std::vector<Extent> matches_;  // of the block; empty when there is none
+    std::size_t blockBegin_ = 0;
+    std::size_t blockEnd_ = 0;
+    std::size_t blockLine_ = 1;
+};
+
+}  // namespace
+
+std::unique_ptr<Reporter> makeLineReporter(const ReportStyle& style, std::ostream& out) {
+    return std::make_unique<LineReporter>(style, out);
+}
+
+}  // namespace tool

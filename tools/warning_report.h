@@ -1,0 +1,23 @@
+// Warnings as people read them: number, place, sentence, and a caret under the place.
+#pragma once
+
+#include "tools/console_context.h"
+
+#include <string>
+#include <string_view>
+
+namespace tool {
+
+// Where a warning is, counted from 1 as editors do. Columns count code units.
+struct PatternPlace {
+    std::size_t line;
+    std::size_t column;
+    std::u16string_view lineText;
+};
+
+PatternPlace locate(std::u16string_view pattern, std::size_t position);
+
+// Three lines: the sentence, the line of the pattern, the caret.
+std::string describeWarning(std::u16string_view pattern, const PatternWarning& warning);
+
+}  // namespace tool
