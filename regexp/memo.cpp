@@ -1,5 +1,6 @@
 #include "regexp/memo.h"
 
+#include <bit>
 #include <utility>
 
 namespace {
@@ -35,14 +36,33 @@ void RE_Memo_Table::clear() {
     used = 0;
 }
 
+std::size_t RE_Memo_Table::lastAbsent(std::uint32_t row, std::size_t first, std::size_t last) const {
+    while (used != 0) {
+        const Cell& cell = cells[slotOf((static_cast<std::uint64_t>(row) << 32) | (last >> 6))];
+        if (cell.generation != generation) {
+            return last;
+        }
+        const std::uint64_t absent = ~cell.bits << (63 - (last & 63));
+        if (absent != 0) {
+            const std::size_t back = static_cast<std::size_t>(std::countl_zero(absent));
+            return last - first >= back ? last - back : nowhere;
+        }
+        if ((last >> 6) == (first >> 6)) {
+            return nowhere;
+        }
+        last = (last & ~std::size_t{63}) - 1;
+    }
+    return last;
+}
+
 // A cell of an older generation ends a probe like a free one: every key of this generation was put in front of it.
-RE_Memo_Table::Cell& RE_Memo_Table::find(std::uint64_t key) {
+std::size_t RE_Memo_Table::slotOf(std::uint64_t key) const {
     const std::size_t mask = cells.size() - 1;
     std::size_t slot = static_cast<std::size_t>(mix(key)) & mask;
     while (cells[slot].generation == generation && cells[slot].key != key) {
         slot = (slot + 1) & mask;
     }
-    return cells[slot];
+    return slot;
 }
 
 void RE_Memo_Table::grow() {

@@ -34,6 +34,9 @@ class RE_Memo_Table : public RE_Memory {
 public:
     /// Adds the pair; false when it was there already.
     bool insert(std::uint32_t row, std::size_t position);
+    /// The last position in [first, last] whose pair is not in the set, or `nowhere`.
+    std::size_t lastAbsent(std::uint32_t row, std::size_t first, std::size_t last) const;
+    static constexpr std::size_t nowhere = static_cast<std::size_t>(-1);
     /// Empties the set without touching its storage.
     void clear();
     std::size_t bytes() const { return cells.capacity() * sizeof(Cell); }
@@ -45,7 +48,8 @@ private:
         std::uint64_t generation;  ///< the cell is free unless this is the table's current one
     };
 
-    Cell& find(std::uint64_t key);
+    std::size_t slotOf(std::uint64_t key) const;
+    Cell& find(std::uint64_t key) { return cells[slotOf(key)]; }
     void grow();
 
     std::vector<Cell, RE_Allocator<Cell>> cells;

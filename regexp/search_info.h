@@ -96,6 +96,8 @@ public:
     /// Whether `node` has not yet been tried at this position in this state; records it. Always true while the memo
     /// has not begun.
     bool firstVisit(const RE_Node* node, const char16_t* position);
+    /// The last position in [first, last] at which `firstVisit` may still hold, or null.
+    const char16_t* lastUntried(const RE_Node* node, const char16_t* first, const char16_t* last) const;
 
     // --- tokens ---
 

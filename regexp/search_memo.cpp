@@ -13,6 +13,13 @@ bool RE_Search_Memo::insert(const RE_Search_Info& info, const RE_Node* node, std
     return tables[level].insert(row(info, node, position), position);
 }
 
+std::size_t RE_Search_Memo::lastUntried(const RE_Search_Info& info, const RE_Node* node, std::size_t first,
+                                        std::size_t last) const {
+    const std::size_t level = info.bodies.size();
+    const bool known = level < tables.size() && hasOneRow(info, node);
+    return known ? tables[level].lastAbsent(node->memoIndex, first, last) : last;
+}
+
 void RE_Search_Memo::clear(std::size_t level) {
     if (level < tables.size()) {
         tables[level].clear();
@@ -21,9 +28,12 @@ void RE_Search_Memo::clear(std::size_t level) {
 
 // Most nodes stand in no counted loop and no loop with empty passes, and nothing refers to a token: their own number
 // is the row.
+bool RE_Search_Memo::hasOneRow(const RE_Search_Info& info, const RE_Node* node) {
+    return node->memoScope == nullptr && info.facts->referencedTokens.empty();
+}
+
 std::uint32_t RE_Search_Memo::row(const RE_Search_Info& info, const RE_Node* node, std::size_t position) {
-    const auto& referenced = info.facts->referencedTokens;
-    if (node->memoScope == nullptr && referenced.empty()) {
+    if (hasOneRow(info, node)) {
         return node->memoIndex;
     }
     key.assign(1, node->memoIndex);
@@ -34,7 +44,7 @@ std::uint32_t RE_Search_Memo::row(const RE_Search_Info& info, const RE_Node* nod
             case RE_Memo_Scope::Kind::token: key.push_back(info.registers[scope->index]); break;
         }
     }
-    for (const std::size_t token : referenced) {
+    for (const std::size_t token : info.facts->referencedTokens) {
         key.push_back(textNumber(info, token));
     }
     return rows.row(key);

@@ -45,6 +45,9 @@ RE_Case_Table::RE_Case_Table() {
     for (std::size_t unit = 0; unit < RE_Unit_Set::unitCount; ++unit) {
         lowerOf[unit] = cvu_tolower(static_cast<char16_t>(unit));
         upperOf[unit] = cvu_toupper(static_cast<char16_t>(unit));
+        if (isCased(static_cast<char16_t>(unit))) {
+            cased.push_back(static_cast<char16_t>(unit));
+        }
         if (lowerOf[unit] != unit) {
             foldTargets.add(lowerOf[unit]);
         }
@@ -60,4 +63,10 @@ RE_Unit_Classes::RE_Unit_Classes() {
     digits.addWhere([](char16_t unit) { return cvu_isdigit(unit); });
     spaces.addWhere([](char16_t unit) { return cvu_isspace(unit); });
     words.addWhere([](char16_t unit) { return cvu_isalnum(unit) || unit == u'_'; });
+    noDigits = digits;
+    noDigits.negate();
+    noSpaces = spaces;
+    noSpaces.negate();
+    noWords = words;
+    noWords.negate();
 }

@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 /// A set of units: one bit for each of the 65,536.
 class RE_Unit_Set : public RE_Memory {
@@ -42,6 +43,9 @@ public:
     char16_t lower(char16_t unit) const { return lowerOf[unit]; }
     char16_t upper(char16_t unit) const { return upperOf[unit]; }
     bool hasCase(char16_t unit) const { return lowerOf[unit] != upperOf[unit]; }
+    /// The units for which either mapping gives another unit.
+    const std::vector<char16_t>& casedUnits() const { return cased; }
+    bool isCased(char16_t unit) const { return lowerOf[unit] != unit || upperOf[unit] != unit; }
     /// This unit and no other has this unit as its lower-case form.
     bool foldsAlone(char16_t unit) const { return lowerOf[unit] == unit && !foldTargets.contains(unit); }
 
@@ -51,6 +55,7 @@ private:
     char16_t lowerOf[RE_Unit_Set::unitCount];
     char16_t upperOf[RE_Unit_Set::unitCount];
     RE_Unit_Set foldTargets;
+    std::vector<char16_t> cased;
 };
 
 /// The classes that escapes name.
@@ -60,10 +65,30 @@ struct RE_Unit_Classes {
     RE_Unit_Set digits;
     RE_Unit_Set spaces;
     RE_Unit_Set words;  ///< letters, digits and the underscore
+    RE_Unit_Set noDigits;
+    RE_Unit_Set noSpaces;
+    RE_Unit_Set noWords;
 
 private:
     RE_Unit_Classes();
 };
+
+/// Adds the units of a test that looks at a unit's two case forms only: the caseless units from `low` to `high`, and
+/// every unit with case for which `holds`.
+template <class Predicate>
+void addFolding(RE_Unit_Set& set, char16_t low, char16_t high, Predicate holds) {
+    const RE_Case_Table& cases = RE_Case_Table::get();
+    for (std::size_t unit = low; unit <= high; ++unit) {
+        if (!cases.isCased(static_cast<char16_t>(unit))) {
+            set.add(static_cast<char16_t>(unit));
+        }
+    }
+    for (const char16_t unit : cases.casedUnits()) {
+        if (holds(unit)) {
+            set.add(unit);
+        }
+    }
+}
 
 /// Whether a unit counts as part of a word: the class that the word anchors and `\w` share.
 inline bool isWordUnit(char16_t unit) { return RE_Unit_Classes::get().words.contains(unit); }

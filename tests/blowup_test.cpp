@@ -15,6 +15,10 @@ struct Blowup {
     size_t largest;  // copies of `unit` in the largest subject
 };
 
+std::ostream& operator<<(std::ostream& out, const Blowup& blowup) {
+    return out << blowup.pattern;
+}
+
 constexpr Blowup kBlowups[] = {
     {"(a+)+$", "a", "b", 20000},           {"(?:a+)+$", "a", "b", 20000},
     {"(a|aa)+$", "a", "b", 20000},         {"(?:a|aa)+$", "a", "b", 20000},

@@ -56,26 +56,28 @@ bool RE_Consume::goOn(const char16_t* from, const char16_t* end, std::size_t& po
     return true;
 }
 
+// Steps over ends that failed before and ends at which the rest cannot begin, until neither has anything to say.
 const char16_t* RE_Consume::lastEnd(const char16_t* from, const char16_t* end, RE_Search_Info& info) const {
     const bool seeks = nextNode->canSeek(false);
     std::size_t looked = 0;
-    for (std::size_t ends = static_cast<std::size_t>(end - from) + 1; ends > 0; --ends) {
-        const char16_t* candidate = from + ends - 1;
-        if (seeks) {
-            candidate = nextNode->rSeek(from, ends - 1, info);
-            if (candidate == nullptr) {
-                return nullptr;
-            }
-            ends = static_cast<std::size_t>(candidate - from) + 1;
+    for (const char16_t* candidate = end;; --candidate) {
+        candidate = info.lastUntried(this, from, candidate);
+        const char16_t* const startable =
+            candidate != nullptr && seeks
+                ? nextNode->rSeek(from, static_cast<std::size_t>(candidate - from), info)
+                : candidate;
+        if (startable == nullptr) {
+            return nullptr;
         }
-        if (info.firstVisit(this, candidate)) {
+        if (startable == candidate && info.firstVisit(this, candidate)) {
             return candidate;
         }
-        if (++looked % RE_SCAN_POLL_UNITS == 0 && info.pollScan()) {
+        candidate = startable == candidate ? candidate : startable + 1;
+        const bool stop = ++looked % RE_SCAN_POLL_UNITS == 0 && info.pollScan();
+        if (candidate == from || stop) {
             return nullptr;
         }
     }
-    return nullptr;
 }
 
 // The record of a lazy run holds the end reached so far; its word is the farthest end allowed.

@@ -3,6 +3,7 @@
 #include "regexp/nodes/collection.h"
 #include "regexp/parser/parser_context.h"
 #include "regexp/search_info.h"
+#include "regexp/unit_set.h"
 
 RE_Node::RE_Node(RE_ParserContext& context) : nodeId(context.nextNodeId()) {}
 
@@ -60,6 +61,10 @@ RE_Seek_Key RE_Node::seekKey(bool throughBranches) const {
 void RE_Fail::visitLinks(RE_Link_Visitor& visitor) {
     RE_Node::visitLinks(visitor);
     visitor.link(failTarget, RE_Link::fail);
+}
+
+void RE_Consumable::addUnitsTo(RE_Unit_Set& set) const {
+    set.addWhere([this](char16_t unit) { return matchesUnit(unit); });
 }
 
 std::size_t RE_Consumable::skipDistance(const char16_t* p, const char16_t* limit) const {

@@ -14,6 +14,7 @@
 #include <string>
 
 class RE_Collection;
+class RE_Unit_Set;
 class RE_ParserContext;
 class RE_Search_Info;
 struct RE_Backtrack_Record;
@@ -153,6 +154,8 @@ public:
     /// Consumes exactly one unit, decided by that unit alone.
     virtual bool isSingleUnit() const { return false; }
     virtual bool matchesUnit(char16_t) const { return false; }
+    /// Adds every unit that this node matches.
+    virtual void addUnitsTo(RE_Unit_Set& set) const;
     /// Length of the run of units from `p`, up to `limit`, that this node matches.
     virtual std::size_t skipDistance(const char16_t* p, const char16_t* limit) const;
     virtual bool matchesAnyChar() const { return false; }

@@ -27,6 +27,22 @@ std::string RE_Natural::label() const { return "Match '" + labelText(static_cast
 
 std::string RE_Natural_I::label() const { return RE_Natural::label() + " ignoring case"; }
 
+void RE_Natural_I::addUnitsTo(RE_Unit_Set& set) const {
+    const auto unit = static_cast<char16_t>(ch);
+    addFolding(set, unit, unit, [this](char16_t value) { return matchesUnit(value); });
+}
+
+void RE_Range::addUnitsTo(RE_Unit_Set& set) const {
+    if (low <= high) {
+        set.addRange(static_cast<char16_t>(low), static_cast<char16_t>(high));
+    }
+}
+
+void RE_Range::addFoldedUnitsTo(RE_Unit_Set& set) const {
+    addFolding(set, static_cast<char16_t>(low), static_cast<char16_t>(high),
+               [this](char16_t value) { return matchesUnit(value); });
+}
+
 std::string RE_Range::label() const {
     return "Match [" + labelText(static_cast<char16_t>(low)) + "-" + labelText(static_cast<char16_t>(high)) + "]";
 }

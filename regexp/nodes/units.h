@@ -27,6 +27,7 @@ public:
     RE_Natural(RE_ParserContext& context, std::uint32_t unit) : RE_Unit_Seek(context), ch(unit) {}
 
     bool matchesUnit(char16_t unit) const override { return unit == ch; }
+    void addUnitsTo(RE_Unit_Set& set) const override { set.add(static_cast<char16_t>(ch)); }
     bool canJoinString(bool first, bool ignoreCase) const override;
     RE_Node* joinString(RE_ParserContext& context) override;
     std::string label() const override;
@@ -47,6 +48,7 @@ public:
         : RE_Natural(context, RE_Case_Table::get().lower(unit)), upper(RE_Case_Table::get().upper(unit)) {}
 
     bool matchesUnit(char16_t unit) const override { return cases->lower(unit) == ch; }
+    void addUnitsTo(RE_Unit_Set& set) const override;
     bool canJoinString(bool first, bool ignoreCase) const override;
     RE_Node* joinString(RE_ParserContext& context) override;
     std::string label() const override;
@@ -64,6 +66,7 @@ public:
         : RE_Unit_Test(context), low(first), high(last) {}
 
     bool matchesUnit(char16_t unit) const override { return holds(unit); }
+    void addUnitsTo(RE_Unit_Set& set) const override;
     std::string label() const override;
 
     std::uint32_t low;
@@ -71,6 +74,7 @@ public:
 
 protected:
     bool holds(char16_t unit) const { return low <= unit && unit <= high; }
+    void addFoldedUnitsTo(RE_Unit_Set& set) const;
 };
 
 /// A range within one case, ignoring case: the bounds are lower-case forms.
@@ -78,6 +82,7 @@ class CORVANE_REGEXP_EXPORT RE_Range_I : public RE_Range {
 public:
     using RE_Range::RE_Range;
     bool matchesUnit(char16_t unit) const override { return holds(RE_Case_Table::get().lower(unit)); }
+    void addUnitsTo(RE_Unit_Set& set) const override { addFoldedUnitsTo(set); }
     std::string label() const override;
 };
 
@@ -86,6 +91,7 @@ class CORVANE_REGEXP_EXPORT RE_Range_I2 : public RE_Range {
 public:
     using RE_Range::RE_Range;
     bool matchesUnit(char16_t unit) const override;
+    void addUnitsTo(RE_Unit_Set& set) const override { addFoldedUnitsTo(set); }
     std::string label() const override;
 };
 
@@ -94,14 +100,16 @@ class CORVANE_REGEXP_EXPORT RE_Escaped_Set : public RE_Unit_Test {
 public:
     using Test = bool (*)(char16_t);
 
-    RE_Escaped_Set(RE_ParserContext& context, char16_t letter, Test predicate)
-        : RE_Unit_Test(context), escape(letter), test(predicate) {}
+    RE_Escaped_Set(RE_ParserContext& context, char16_t letter, Test predicate, const RE_Unit_Set& members)
+        : RE_Unit_Test(context), escape(letter), test(predicate), units(&members) {}
 
-    bool matchesUnit(char16_t unit) const override { return test(unit); }
+    bool matchesUnit(char16_t unit) const override { return units->contains(unit); }
+    void addUnitsTo(RE_Unit_Set& set) const override { set.addAll(*units); }
     std::string label() const override;
 
     std::uint32_t escape;
     Test test;
+    const RE_Unit_Set* units;  ///< the units for which `test` holds; lives as long as the process
 };
 
 /// Any set of units, as a table: a bracket expression, or alternatives of single units taken together.
@@ -111,6 +119,7 @@ public:
         : RE_Unit_Test(context), set(std::move(units)), text(std::move(source)) {}
 
     bool matchesUnit(char16_t unit) const override { return set->contains(unit); }
+    void addUnitsTo(RE_Unit_Set& units) const override { units.addAll(*set); }
     std::size_t skipDistance(const char16_t* p, const char16_t* limit) const override;
     std::string label() const override { return "Match " + text; }
 

@@ -32,7 +32,7 @@ std::size_t RE_Brackets::openGroup(std::size_t at) {
     }
     const RE_Modes modes = readModes(text, length, at + 2, freeSpacing ? RE_FLAG_FREE_SPACING : 0);
     if (modes.problem != RE_WARNING_NONE) {
-        return at + 2;
+        return text[at + 2] == u'#' ? at + 3 : at + 2;  // this # begins no comment of free spacing
     }
     const bool changed = (modes.flags & RE_FLAG_FREE_SPACING) != 0;
     if (text[modes.end] == u')') {

@@ -71,7 +71,7 @@ private:
     void readDynamicGroup(std::uint32_t close);
     void openClosedBody(RE_Syntax item, std::uint32_t close, std::size_t contentStart);
     void dropGroup(std::uint32_t close);
-    bool opensUnclosedCondition() const;
+    void warnUnclosed();
 
     // conditions.cpp
     void readConditional(std::uint32_t close);

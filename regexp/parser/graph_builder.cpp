@@ -30,7 +30,16 @@ const RE_Memo_Scope* RE_Graph_Builder::innerScope(RE_Memo_Scope::Kind kind, cons
     return &context.facts->memoScopes.back();
 }
 
+// Atoms are made at once; what holds other items waits its turn, so that nesting costs no native stack.
 void RE_Graph_Builder::emit(std::uint32_t index) {
+    if (tree[index].firstChild == RE_Syntax::none && tree[index].condition == RE_Syntax::none) {
+        emitNow(index);
+    } else {
+        then([this, index] { emitNow(index); });
+    }
+}
+
+void RE_Graph_Builder::emitNow(std::uint32_t index) {
     const RE_Syntax& item = tree[index];
     switch (item.kind) {
         case RE_Syntax_Kind::sequence: emitSequence(item.firstChild); return;

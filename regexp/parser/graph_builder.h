@@ -46,7 +46,8 @@ private:
     void joinAt(RE_Node* node) { *tail = node; }
 
     // graph_builder.cpp: sequences, groups, atoms
-    void emit(std::uint32_t index);
+    void emit(std::uint32_t index);  ///< always the last thing that a step does
+    void emitNow(std::uint32_t index);
     void emitSequence(std::uint32_t child);
     void emitGroup(std::uint32_t group);
     void emitBranches(std::uint32_t branch, RE_Node* join, bool chained);

@@ -25,8 +25,7 @@ void RE_Grammar::closeFrame() {
 void RE_Grammar::readGroup() {
     const std::uint32_t close = brackets.closing(at);
     if (close == RE_Brackets::none) {
-        warnAt(opensUnclosedCondition() ? at + 2 : at,
-               opensUnclosedCondition() ? RE_WARNING_UNCLOSED_CONDITION : RE_WARNING_UNMATCHED_OPEN);
+        warnUnclosed();
         addLiteral(u'(', at++);
     } else if (text[at + 1] != u'?') {
         readCapture(close);
@@ -35,9 +34,16 @@ void RE_Grammar::readGroup() {
     }
 }
 
-bool RE_Grammar::opensUnclosedCondition() const {
-    return at + 2 < length && text[at + 1] == u'?' && text[at + 2] == u'(' &&
-           brackets.closing(at + 2) == RE_Brackets::none;
+// An unclosed conditional with an unclosed condition is one problem, not two.
+void RE_Grammar::warnUnclosed() {
+    const auto isUnclosed = [this](std::size_t i) {
+        return i < length && text[i] == u'(' && brackets.closing(i) == RE_Brackets::none;
+    };
+    if (at + 2 < length && text[at + 1] == u'?' && isUnclosed(at + 2)) {
+        warnAt(at + 2, RE_WARNING_UNCLOSED_CONDITION);
+    } else if (at < 2 || text[at - 1] != u'?' || !isUnclosed(at - 2)) {
+        warnAt(at, RE_WARNING_UNMATCHED_OPEN);
+    }
 }
 
 void RE_Grammar::readCapture(std::uint32_t close) {

@@ -33,7 +33,10 @@ public:
             case RE_Syntax_Kind::atomic:
             case RE_Syntax_Kind::look: closedBody(it); break;
             case RE_Syntax_Kind::conditional: conditional(it); break;
-            case RE_Syntax_Kind::capture: it.nodes = addSaturated(it.nodes, 2); break;
+            case RE_Syntax_Kind::capture:
+                it.nodes = addSaturated(it.nodes, 2);
+                it.captures = true;
+                break;
             case RE_Syntax_Kind::reference:
                 it.most = RE_Syntax::noMaximum;
                 it.nodes = 1;
@@ -61,6 +64,7 @@ private:
             it.nodes = addSaturated(it.nodes, addSaturated(part.nodes, inSequence ? 0 : 2));
             it.guards = std::max(it.guards, part.guards);
             it.closed = std::max(it.closed, part.closed);
+            it.captures = it.captures || part.captures;
             const std::uint32_t passes = inSequence && !first ? it.emptyPasses + part.emptyPasses - 1
                                                               : std::max(it.emptyPasses, part.emptyPasses);
             it.emptyPasses = std::min(passes, emptyPassCeiling);
@@ -88,6 +92,7 @@ private:
             it.nodes = addSaturated(it.nodes, condition.nodes);
             it.guards = std::max(it.guards, condition.guards);
             it.closed = std::max(it.closed, condition.closed);
+            it.captures = it.captures || condition.captures;
         }
     }
 
@@ -153,14 +158,15 @@ void measureSyntax(RE_Syntax_Tree& tree, RE_ParserContext& context, const char16
     }
 }
 
-// A body without width is repeated once at most: more passes could only be empty.
+// A body without width is repeated once at most: more passes could only be empty. One that records tokens may refer to
+// what its earlier pass recorded, so its required passes are made.
 RE_Repeat_Plan planRepeat(const RE_Syntax_Tree& tree, std::uint32_t index, std::size_t inlineThreshold) {
     const RE_Syntax& it = tree[index];
     const RE_Syntax& body = tree[it.firstChild];
     RE_Repeat_Plan plan{it.minimum, it.maximum, body.least == 0, false, false};
     if (body.most == 0) {
-        plan.minimum = std::min<std::uint64_t>(plan.minimum, 1);
-        plan.maximum = std::min<std::uint64_t>(plan.maximum, 1);
+        plan.minimum = body.captures ? plan.minimum : std::min<std::uint64_t>(plan.minimum, 1);
+        plan.maximum = std::min(plan.maximum, std::max<std::uint64_t>(plan.minimum, 1));
     }
     const bool finite = plan.maximum != RE_Syntax::noMaximum;
     const std::uint64_t copies = finite ? plan.maximum : plan.minimum;

@@ -65,6 +65,7 @@ struct RE_Syntax {
     std::uint32_t emptyPasses = 1;   ///< passes that matching the empty text takes, saturated
     std::uint16_t guards = 0;        ///< nesting of loops with counts or pass guards
     std::uint16_t closed = 0;        ///< nesting of closed bodies
+    bool captures = false;           ///< records tokens
 };
 
 struct RE_Syntax_Set {

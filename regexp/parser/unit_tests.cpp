@@ -36,6 +36,19 @@ bool (*classPredicate(char16_t letter))(char16_t) {
     }
 }
 
+const RE_Unit_Set* classUnits(char16_t letter) {
+    const RE_Unit_Classes& classes = RE_Unit_Classes::get();
+    switch (letter) {
+        case u'd': return &classes.digits;
+        case u'D': return &classes.noDigits;
+        case u's': return &classes.spaces;
+        case u'S': return &classes.noSpaces;
+        case u'w': return &classes.words;
+        case u'W': return &classes.noWords;
+        default: return nullptr;
+    }
+}
+
 RE_Range_Plan planRange(char16_t low, char16_t high, RE_Flags flags) {
     if (low > high) {
         std::swap(low, high);
@@ -76,14 +89,14 @@ void RE_Unit_Test_Set::addRange(char16_t low, char16_t high, RE_Flags flags) {
     const RE_Case_Table& cases = RE_Case_Table::get();
     const auto within = [&plan](char16_t unit) { return plan.low <= unit && unit <= plan.high; };
     const bool both = plan.test == RE_Range_Test::both;
-    units->addWhere([&](char16_t unit) {
+    addFolding(*units, plan.low, plan.high, [&](char16_t unit) {
         return within(cases.lower(unit)) || (both && within(cases.upper(unit)));
     });
 }
 
 void RE_Unit_Test_Set::addClass(char16_t letter) {
     note({true, letter, letter});
-    units->addWhere(classPredicate(letter));
+    units->addAll(*classUnits(letter));
 }
 
 std::shared_ptr<const RE_Unit_Set> RE_Unit_Test_Set::finish(bool negated) {

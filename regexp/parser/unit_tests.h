@@ -26,6 +26,8 @@ RE_Range_Plan planRange(char16_t low, char16_t high, RE_Flags flags);
 
 /// The predicate behind an escape letter (d, s, w and their capitals); null for other letters.
 bool (*classPredicate(char16_t letter))(char16_t);
+/// The units for which that predicate holds.
+const RE_Unit_Set* classUnits(char16_t letter);
 
 /// Gathers members into a table of units.
 class RE_Unit_Test_Set {

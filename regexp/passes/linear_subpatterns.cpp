@@ -19,7 +19,7 @@ RE_Consumable* asUnit(RE_Node* node) {
 /// The fail target of a unit test when both can be taken together: same way on, and nothing else leads to it.
 RE_Consumable* mergeable(RE_Consumable* unit) {
     RE_Consumable* const fail = asUnit(unit->failTarget);
-    const bool together = fail != nullptr && !fail->sharedTarget && !fail->skippable && fail->nextNode == unit->nextNode;
+    const bool together = fail != nullptr && !fail->sharedTarget && fail->nextNode == unit->nextNode;
     return together ? fail : nullptr;
 }
 
@@ -33,18 +33,17 @@ void mergeChain(RE_ParserContext& context, RE_Consumable* head) {
     std::string text;
     RE_Consumable* last = head;
     for (RE_Consumable* unit = head; unit != nullptr; unit = mergeable(unit)) {
-        units->addWhere([unit](char16_t value) { return unit->matchesUnit(value); });
-        text += (text.empty() ? "" : "|") + (text.size() < longestLabel ? withoutVerb(unit->label()) : "");
+        unit->addUnitsTo(*units);
+        if (text.size() < longestLabel) {
+            text += (text.empty() ? "" : "|") + withoutVerb(unit->label());
+        }
         last = unit;
-    }
-    if (text.size() > longestLabel) {
-        text = text.substr(0, text.find_last_not_of('|') + 1);
+        unit->skippable = true;
     }
     auto* const whole = context.make<RE_Unit_Class>(std::move(units), text);
     whole->nextNode = head->nextNode;
     whole->failTarget = last->failTarget;
     head->nextNode = whole;
-    head->skippable = true;
 }
 
 }  // namespace

@@ -45,12 +45,12 @@ private:
 
     void visit(RE_Node* node) {
         if (auto* unit = dynamic_cast<RE_Consumable*>(node); unit != nullptr && unit->isSingleUnit()) {
-            addUnits(*unit);
+            unit->addUnitsTo(*units);
             follow(unit->failTarget);
         } else if (auto* string = dynamic_cast<RE_String*>(node)) {
             addFirst(*string);
         } else if (auto* consume = dynamic_cast<RE_Consume*>(node)) {
-            addUnits(*consume->item);
+            consume->item->addUnitsTo(*units);
             if (consume->minimum == 0) {
                 follow(consume->nextNode);
             }
@@ -82,23 +82,14 @@ private:
         node->visitLinks(ways);
     }
 
-    void addUnits(const RE_Consumable& unit) {
-        if (const auto* unitClass = dynamic_cast<const RE_Unit_Class*>(&unit)) {
-            units->addAll(*unitClass->set);
-        } else if (typeid(unit) == typeid(RE_Natural)) {
-            units->add(static_cast<char16_t>(static_cast<const RE_Natural&>(unit).ch));
-        } else {
-            units->addWhere([&unit](char16_t value) { return unit.matchesUnit(value); });
-        }
-    }
-
     void addFirst(const RE_String& string) {
         if (!string.ignoreCase) {
             units->add(string.text[0]);
             return;
         }
         const RE_Case_Table& cases = RE_Case_Table::get();
-        units->addWhere([&](char16_t value) { return cases.lower(value) == string.text[0]; });
+        addFolding(*units, string.text[0], string.text[0],
+                   [&](char16_t value) { return cases.lower(value) == string.text[0]; });
     }
 
     std::vector<RE_Node*, RE_Allocator<RE_Node*>> pending;
