@@ -11,13 +11,17 @@ std::uint64_t mix(std::uint64_t value) {
     return value ^ (value >> 29);
 }
 
+std::uint64_t keyOf(std::uint32_t row, std::size_t position) {
+    return (static_cast<std::uint64_t>(row) << 32) | (position >> 6);
+}
+
 }  // namespace
 
 bool RE_Memo_Table::insert(std::uint32_t row, std::size_t position) {
     if ((used + 1) * 4 > cells.size() * 3) {
         grow();
     }
-    const std::uint64_t key = (static_cast<std::uint64_t>(row) << 32) | (position >> 6);
+    const std::uint64_t key = keyOf(row, position);
     const std::uint64_t bit = std::uint64_t{1} << (position & 63);
     Cell& cell = find(key);
     if (cell.generation != generation) {
@@ -36,15 +40,20 @@ void RE_Memo_Table::clear() {
     used = 0;
 }
 
+// The absent pairs among the 64 positions around this one.
+std::uint64_t RE_Memo_Table::absentBits(std::uint32_t row, std::size_t position) const {
+    if (used == 0) {
+        return ~std::uint64_t{0};
+    }
+    const Cell& cell = cells[slotOf(keyOf(row, position))];
+    return cell.generation == generation ? ~cell.bits : ~std::uint64_t{0};
+}
+
 std::size_t RE_Memo_Table::lastAbsent(std::uint32_t row, std::size_t first, std::size_t last) const {
-    while (used != 0) {
-        const Cell& cell = cells[slotOf((static_cast<std::uint64_t>(row) << 32) | (last >> 6))];
-        if (cell.generation != generation) {
-            return last;
-        }
-        const std::uint64_t absent = ~cell.bits << (63 - (last & 63));
+    for (;;) {
+        const std::uint64_t absent = absentBits(row, last) << (63 - (last & 63));
         if (absent != 0) {
-            const std::size_t back = static_cast<std::size_t>(std::countl_zero(absent));
+            const auto back = static_cast<std::size_t>(std::countl_zero(absent));
             return last - first >= back ? last - back : nowhere;
         }
         if ((last >> 6) == (first >> 6)) {
@@ -52,7 +61,20 @@ std::size_t RE_Memo_Table::lastAbsent(std::uint32_t row, std::size_t first, std:
         }
         last = (last & ~std::size_t{63}) - 1;
     }
-    return last;
+}
+
+std::size_t RE_Memo_Table::firstAbsent(std::uint32_t row, std::size_t first, std::size_t last) const {
+    for (;;) {
+        const std::uint64_t absent = absentBits(row, first) >> (first & 63);
+        if (absent != 0) {
+            const auto on = static_cast<std::size_t>(std::countr_zero(absent));
+            return last - first >= on ? first + on : nowhere;
+        }
+        if ((last >> 6) == (first >> 6)) {
+            return nowhere;
+        }
+        first = (first | 63) + 1;
+    }
 }
 
 // A cell of an older generation ends a probe like a free one: every key of this generation was put in front of it.

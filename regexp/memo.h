@@ -36,6 +36,8 @@ public:
     bool insert(std::uint32_t row, std::size_t position);
     /// The last position in [first, last] whose pair is not in the set, or `nowhere`.
     std::size_t lastAbsent(std::uint32_t row, std::size_t first, std::size_t last) const;
+    /// The first such position.
+    std::size_t firstAbsent(std::uint32_t row, std::size_t first, std::size_t last) const;
     static constexpr std::size_t nowhere = static_cast<std::size_t>(-1);
     /// Empties the set without touching its storage.
     void clear();
@@ -48,6 +50,7 @@ private:
         std::uint64_t generation;  ///< the cell is free unless this is the table's current one
     };
 
+    std::uint64_t absentBits(std::uint32_t row, std::size_t position) const;
     std::size_t slotOf(std::uint64_t key) const;
     Cell& find(std::uint64_t key) { return cells[slotOf(key)]; }
     void grow();

@@ -24,6 +24,14 @@ const char16_t* RE_Search_Info::lastUntried(const RE_Node* node, const char16_t*
     return found == RE_Memo_Table::nowhere ? nullptr : subjectBegin + found;
 }
 
+const char16_t* RE_Search_Info::firstUntried(const RE_Node* node, const char16_t* first, const char16_t* last) const {
+    if (memo == nullptr) {
+        return first;
+    }
+    const std::size_t found = memo->firstUntried(*this, node, indexOf(first), indexOf(last));
+    return found == RE_Memo_Table::nowhere ? nullptr : subjectBegin + found;
+}
+
 void RE_Search_Info::pushRecord(const RE_Node* node, const char16_t* position, std::size_t word) {
     const std::size_t slot = static_cast<std::size_t>(backtrack.top + 1);
     if (slot >= backtrack.records.size()) {

@@ -98,6 +98,7 @@ public:
     bool firstVisit(const RE_Node* node, const char16_t* position);
     /// The last position in [first, last] at which `firstVisit` may still hold, or null.
     const char16_t* lastUntried(const RE_Node* node, const char16_t* first, const char16_t* last) const;
+    const char16_t* firstUntried(const RE_Node* node, const char16_t* first, const char16_t* last) const;
 
     // --- tokens ---
 

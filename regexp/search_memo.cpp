@@ -5,19 +5,54 @@
 
 #include <string_view>
 
-bool RE_Search_Memo::insert(const RE_Search_Info& info, const RE_Node* node, std::size_t position) {
+namespace {
+
+// All positions of a search share the row of a node, but for those at which a pass began that has consumed nothing
+// yet: there the future differs. The last of them up to `last`, or `nowhere`.
+std::size_t lastPassStart(const RE_Search_Info& info, const RE_Node* node, std::size_t last) {
+    std::size_t found = RE_Memo_Table::nowhere;
+    for (const RE_Memo_Scope* scope = node->memoScope; scope != nullptr; scope = scope->parent) {
+        if (scope->kind == RE_Memo_Scope::Kind::pass) {
+            const std::size_t start = passStart(info.passWord(scope->index));
+            const bool later = found == RE_Memo_Table::nowhere || start > found;
+            found = start <= last && later ? start : found;
+        }
+    }
+    return found;
+}
+
+}  // namespace
+
+RE_Memo_Table& RE_Search_Memo::table(const RE_Search_Info& info) {
     const std::size_t level = info.bodies.size();
     if (tables.size() <= level) {
         tables.resize(level + 1);
     }
-    return tables[level].insert(row(info, node, position), position);
+    return tables[level];
+}
+
+bool RE_Search_Memo::insert(const RE_Search_Info& info, const RE_Node* node, std::size_t position) {
+    return table(info).insert(row(info, node, position), position);
 }
 
 std::size_t RE_Search_Memo::lastUntried(const RE_Search_Info& info, const RE_Node* node, std::size_t first,
-                                        std::size_t last) const {
-    const std::size_t level = info.bodies.size();
-    const bool known = level < tables.size() && hasOneRow(info, node);
-    return known ? tables[level].lastAbsent(node->memoIndex, first, last) : last;
+                                        std::size_t last) {
+    const std::size_t special = lastPassStart(info, node, last);
+    if (special == last) {
+        return last;
+    }
+    const bool within = special != RE_Memo_Table::nowhere && special >= first;
+    const std::size_t found = table(info).lastAbsent(row(info, node, last), within ? special + 1 : first, last);
+    return found == RE_Memo_Table::nowhere && within ? special : found;
+}
+
+std::size_t RE_Search_Memo::firstUntried(const RE_Search_Info& info, const RE_Node* node, std::size_t first,
+                                         std::size_t last) {
+    const std::size_t special = lastPassStart(info, node, last);
+    if (special != RE_Memo_Table::nowhere && special >= first) {
+        return first;
+    }
+    return table(info).firstAbsent(row(info, node, last), first, last);
 }
 
 void RE_Search_Memo::clear(std::size_t level) {
@@ -28,12 +63,8 @@ void RE_Search_Memo::clear(std::size_t level) {
 
 // Most nodes stand in no counted loop and no loop with empty passes, and nothing refers to a token: their own number
 // is the row.
-bool RE_Search_Memo::hasOneRow(const RE_Search_Info& info, const RE_Node* node) {
-    return node->memoScope == nullptr && info.facts->referencedTokens.empty();
-}
-
 std::uint32_t RE_Search_Memo::row(const RE_Search_Info& info, const RE_Node* node, std::size_t position) {
-    if (hasOneRow(info, node)) {
+    if (node->memoScope == nullptr && info.facts->referencedTokens.empty()) {
         return node->memoIndex;
     }
     key.assign(1, node->memoIndex);

@@ -23,17 +23,17 @@ public:
 
     /// Records the state in which the search stands at (node, position); false when it was there already.
     bool insert(const RE_Search_Info& info, const RE_Node* node, std::size_t position);
-    /// The last position in [first, last] at which `node` may still be tried, as far as can be told without trying, or
-    /// null index `RE_Memo_Table::nowhere`.
-    std::size_t lastUntried(const RE_Search_Info& info, const RE_Node* node, std::size_t first,
-                            std::size_t last) const;
+    /// The last position in [first, last] at which `insert` would hold, or `RE_Memo_Table::nowhere`.
+    std::size_t lastUntried(const RE_Search_Info& info, const RE_Node* node, std::size_t first, std::size_t last);
+    /// The first such position.
+    std::size_t firstUntried(const RE_Search_Info& info, const RE_Node* node, std::size_t first, std::size_t last);
     /// Forgets the states of this level (0 is the pattern itself).
     void clear(std::size_t level);
 
 private:
     using Text = std::pair<std::size_t, std::size_t>;  // start, length
 
-    static bool hasOneRow(const RE_Search_Info& info, const RE_Node* node);
+    RE_Memo_Table& table(const RE_Search_Info& info);
     std::uint32_t row(const RE_Search_Info& info, const RE_Node* node, std::size_t position);
     std::size_t textNumber(const RE_Search_Info& info, std::size_t token);
 

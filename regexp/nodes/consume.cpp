@@ -99,18 +99,19 @@ bool RE_Consume::takeShortest(const char16_t* p, std::size_t& pos, RE_Search_Inf
 }
 
 bool RE_Consume::takeLonger(const char16_t* end, std::size_t limit, std::size_t& pos, RE_Search_Info& info) const {
-    std::size_t looked = 0;
-    while (info.indexOf(end) < limit && item->matchesUnit(*end)) {
-        ++end;
+    const char16_t* const last = info.subjectBegin + limit;
+    while (end < last) {
+        const char16_t* const longer = info.firstUntried(this, end + 1, last);
+        if (longer == nullptr || runEnd(end, static_cast<std::uint64_t>(longer - end), info) != longer) {
+            return false;
+        }
+        end = longer;
         if (info.firstVisit(this, end)) {
             pos = info.indexOf(end);
-            if (pos < limit) {
+            if (end < last) {
                 info.pushRecord(this, end, limit);
             }
             return true;
-        }
-        if (++looked % RE_SCAN_POLL_UNITS == 0 && info.pollScan()) {
-            return false;
         }
     }
     return false;

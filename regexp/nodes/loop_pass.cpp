@@ -9,6 +9,8 @@ constexpr std::size_t endsLoop = std::size_t{1} << 62;
 
 }  // namespace
 
+std::size_t passStart(std::size_t word) { return word == RE_Search_Info::noPass ? word : word & ~endsLoop; }
+
 std::size_t passState(std::size_t word, std::size_t position) {
     if (word == position) {
         return 1;

@@ -30,6 +30,9 @@ public:
     std::size_t pass;
 };
 
+/// The position at which the pass of this word began; past every subject when it was not noted.
+std::size_t passStart(std::size_t word);
+
 /// What a pass word means at a position, as far as the end of the pass will care: 0 nothing, 1 refused when it ends
 /// here, 2 ends the loop when it ends here.
 std::size_t passState(std::size_t word, std::size_t position);
