@@ -41,10 +41,18 @@ void RE_Node::collectSuccessors(RE_Collection& collection) {
 
 void RE_Node::bypassSkippable() {
     struct Bypass : RE_Link_Visitor {
+        // What was passed over is made to lead straight to the end too, so that long chains are walked once only.
         void link(RE_Node*& target, RE_Link) override {
-            while (target != nullptr && target->isSkippable()) {
-                target = target->next();
+            RE_Node* end = target;
+            while (end != nullptr && end->isSkippable()) {
+                end = end->next();
             }
+            for (RE_Node* passed = target; passed != end;) {
+                RE_Node* const following = passed->nextNode;
+                passed->nextNode = end;
+                passed = following;
+            }
+            target = end;
         }
     } bypass;
     visitLinks(bypass);

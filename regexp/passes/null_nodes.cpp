@@ -11,9 +11,8 @@ RE_Node* throughSkippable(RE_Node* node) {
 
 RE_Node* removeNullNodes(RE_ParserContext&, RE_Node* root) {
     const RE_Collection graph(root);
-    // Last ones first: a long chain of empty nodes is then shortened from its end and never walked twice.
-    for (auto node = graph.nodes().rbegin(); node != graph.nodes().rend(); ++node) {
-        (*node)->bypassSkippable();
+    for (RE_Node* node : graph.nodes()) {
+        node->bypassSkippable();
     }
     return throughSkippable(root);
 }
