@@ -6,12 +6,13 @@
 /// Bit set of the modes below.
 using RE_Flags = std::uint32_t;
 
-inline constexpr RE_Flags RE_FLAG_IGNORE_CASE = 0x01;   ///< inline letter i
-inline constexpr RE_Flags RE_FLAG_DOT_ALL = 0x02;       ///< inline letter s: `.` matches every unit, line feed too
+inline constexpr RE_Flags RE_FLAG_IGNORE_CASE = 0x01;  ///< inline letter i
+inline constexpr RE_Flags RE_FLAG_DOT_ALL = 0x02;  ///< inline letter s: `.` matches every unit, line feed too
 inline constexpr RE_Flags RE_FLAG_LINE_ANCHORS = 0x04;  ///< inline letter m: `^` and `$` match at lines too
-inline constexpr RE_Flags RE_FLAG_FREE_SPACING = 0x08;  ///< inline letter x: blanks and `#` comments are skipped
-inline constexpr RE_Flags RE_FLAG_EVALUATE = 0x10;      ///< inline letter e: dynamic expressions may be compiled
-inline constexpr RE_Flags RE_FLAG_ALLOW_EMPTY = 0x20;   ///< a zero-length match counts as a match
+inline constexpr RE_Flags RE_FLAG_FREE_SPACING =
+    0x08;                                           ///< inline letter x: blanks and `#` comments are skipped
+inline constexpr RE_Flags RE_FLAG_EVALUATE = 0x10;  ///< inline letter e: dynamic expressions may be compiled
+inline constexpr RE_Flags RE_FLAG_ALLOW_EMPTY = 0x20;  ///< a zero-length match counts as a match
 
 /// Modes of the constructors that take no flags: dot matches all, evaluation left to the context.
 inline constexpr RE_Flags RE_DEFAULT_FLAGS = RE_FLAG_DOT_ALL | RE_FLAG_EVALUATE;

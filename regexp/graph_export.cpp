@@ -21,13 +21,20 @@ std::string quoted(std::string_view text) {
 
 const char* edgeStyle(RE_Link kind) {
     switch (kind) {
-        case RE_Link::next: return "";
-        case RE_Link::fail: return " [label=\"fail\", style=dashed]";
-        case RE_Link::alternative: return " [label=\"Alt\", style=dotted]";
-        case RE_Link::body: return " [label=\"body\", color=blue]";
-        case RE_Link::item: return " [label=\"item\", color=blue]";
-        case RE_Link::done: return " [label=\"Done\"]";
-        case RE_Link::helper: return " [color=gray]";
+        case RE_Link::next:
+            return "";
+        case RE_Link::fail:
+            return " [label=\"fail\", style=dashed]";
+        case RE_Link::alternative:
+            return " [label=\"Alt\", style=dotted]";
+        case RE_Link::body:
+            return " [label=\"body\", color=blue]";
+        case RE_Link::item:
+            return " [label=\"item\", color=blue]";
+        case RE_Link::done:
+            return " [label=\"Done\"]";
+        case RE_Link::helper:
+            return " [color=gray]";
     }
     return "";
 }
@@ -36,8 +43,8 @@ struct Edge_Writer : RE_Link_Visitor {
     Edge_Writer(std::string& text, const RE_Node* node) : out(text), from(node) {}
     void link(RE_Node*& target, RE_Link kind) override {
         if (target != nullptr) {
-            out += "  n" + std::to_string(from->nodeId) + " -> n" + std::to_string(target->nodeId) + edgeStyle(kind) +
-                   ";\n";
+            out += "  n" + std::to_string(from->nodeId) + " -> n" + std::to_string(target->nodeId) +
+                   edgeStyle(kind) + ";\n";
         }
     }
     std::string& out;

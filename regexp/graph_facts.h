@@ -20,7 +20,8 @@ struct CORVANE_REGEXP_EXPORT RE_Graph_Facts : public RE_Memory {
     std::vector<RE_Node*, RE_Allocator<RE_Node*>> nodes;  ///< each once, in the order in which they were made
     std::size_t tokenCount = 0;
     std::size_t passRegisters = 0;  ///< one a loop whose body can match without consuming
-    std::uint32_t memoRows = 0;     ///< nodes that take part in the memo; their indexes are the first row numbers
+    std::uint32_t memoRows =
+        0;  ///< nodes that take part in the memo; their indexes are the first row numbers
     std::uint64_t minimumLength = 0;  ///< least number of units of a match
     bool hasDynamicNodes = false;
     /// Slots whose text a backreference or condition may ask for, ascending.

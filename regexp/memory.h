@@ -1,4 +1,5 @@
-// Where every engine object gets its memory: the host's allocator, so that a host can count and limit it.
+// Where every engine object gets its memory: the host's allocator, so that a host can count and limit it. (Names, unit
+// tables and scratch of the parser and the passes are standard library objects of their own.)
 #pragma once
 
 #include "host/memory.h"

@@ -16,7 +16,8 @@ bool RE_Search_Info::firstVisit(const RE_Node* node, const char16_t* position) {
     return memo == nullptr || memo->insert(*this, node, indexOf(position));
 }
 
-const char16_t* RE_Search_Info::lastUntried(const RE_Node* node, const char16_t* first, const char16_t* last) const {
+const char16_t* RE_Search_Info::lastUntried(const RE_Node* node, const char16_t* first,
+                                            const char16_t* last) const {
     if (memo == nullptr) {
         return last;
     }
@@ -24,7 +25,8 @@ const char16_t* RE_Search_Info::lastUntried(const RE_Node* node, const char16_t*
     return found == RE_Memo_Table::nowhere ? nullptr : subjectBegin + found;
 }
 
-const char16_t* RE_Search_Info::firstUntried(const RE_Node* node, const char16_t* first, const char16_t* last) const {
+const char16_t* RE_Search_Info::firstUntried(const RE_Node* node, const char16_t* first,
+                                             const char16_t* last) const {
     if (memo == nullptr) {
         return first;
     }

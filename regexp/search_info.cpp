@@ -9,7 +9,7 @@ RE_Search_Info::RE_Search_Info(const char16_t* subject, std::size_t length, std:
       subjectEnd(subject + length),
       checkInterrupts(pollInterrupts),
       seekTable(table),
-      memoCountdown(static_cast<std::uint64_t>(length) * 4 + 512) {
+      memoCountdown(length * RE_Memo_Delay::perUnit + RE_Memo_Delay::choices + 1) {
     // Everything that can throw comes before the interrupt flag is touched.
     registers.resize(tokenCount, noPass);
     tokens = new (std::nothrow) RE_Token_Stack(tokenCount);
@@ -122,9 +122,13 @@ void RE_Search_Info::recordToken(std::size_t index, const char16_t* name, std::s
     tokens->count = index + 1;
 }
 
-void RE_Search_Info::notePass(std::size_t pass, std::size_t word) { setRegister(facts->tokenCount + pass, word); }
+void RE_Search_Info::notePass(std::size_t pass, std::size_t word) {
+    setRegister(facts->tokenCount + pass, word);
+}
 
-std::size_t RE_Search_Info::passWord(std::size_t pass) const { return registers[facts->tokenCount + pass]; }
+std::size_t RE_Search_Info::passWord(std::size_t pass) const {
+    return registers[facts->tokenCount + pass];
+}
 
 void RE_Search_Info::setRegister(std::size_t index, std::size_t value) {
     if (writesAreTrailed()) {

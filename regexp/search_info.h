@@ -100,12 +100,18 @@ public:
     const char16_t* lastUntried(const RE_Node* node, const char16_t* first, const char16_t* last) const;
     const char16_t* firstUntried(const RE_Node* node, const char16_t* first, const char16_t* last) const;
 
+    /// Where a node keeps the run it measured last; null while the memo has not begun.
+    RE_Measured_Run* measuredRun(const RE_Node* node) const {
+        return memo != nullptr ? &memo->run(node) : nullptr;
+    }
+
     // --- tokens ---
 
     void startToken(std::size_t index, const char16_t* name, const char16_t* p);
     void endToken(std::size_t index, const char16_t* p, bool invalidate);
     /// The token, or null when it is not in effect or would reach past the subject.
     const RE_TokenInfo* getToken(std::size_t index) const;
+    const RE_TokenInfo* getToken(int index) const { return getToken(static_cast<std::size_t>(index)); }
     const RE_TokenInfo* getToken(const char16_t* name) const;
 
     /// Notes where a token opened. The slot itself is written when the token closes, so that it always describes a

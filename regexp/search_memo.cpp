@@ -42,7 +42,8 @@ std::size_t RE_Search_Memo::lastUntried(const RE_Search_Info& info, const RE_Nod
         return last;
     }
     const bool within = special != RE_Memo_Table::nowhere && special >= first;
-    const std::size_t found = table(info).lastAbsent(row(info, node, last), within ? special + 1 : first, last);
+    const std::size_t found =
+        table(info).lastAbsent(row(info, node, last), within ? special + 1 : first, last);
     return found == RE_Memo_Table::nowhere && within ? special : found;
 }
 
@@ -53,6 +54,13 @@ std::size_t RE_Search_Memo::firstUntried(const RE_Search_Info& info, const RE_No
         return first;
     }
     return table(info).firstAbsent(row(info, node, last), first, last);
+}
+
+RE_Measured_Run& RE_Search_Memo::run(const RE_Node* node) {
+    if (runs.size() <= node->memoIndex) {
+        runs.resize(node->memoIndex + std::size_t{1});
+    }
+    return runs[node->memoIndex];
 }
 
 void RE_Search_Memo::clear(std::size_t level) {
@@ -70,9 +78,15 @@ std::uint32_t RE_Search_Memo::row(const RE_Search_Info& info, const RE_Node* nod
     key.assign(1, node->memoIndex);
     for (const RE_Memo_Scope* scope = node->memoScope; scope != nullptr; scope = scope->parent) {
         switch (scope->kind) {
-            case RE_Memo_Scope::Kind::counter: key.push_back(info.countAt(scope->counter, 0)); break;
-            case RE_Memo_Scope::Kind::pass: key.push_back(passState(info.passWord(scope->index), position)); break;
-            case RE_Memo_Scope::Kind::token: key.push_back(info.registers[scope->index]); break;
+            case RE_Memo_Scope::Kind::counter:
+                key.push_back(info.countAt(scope->counter, 0));
+                break;
+            case RE_Memo_Scope::Kind::pass:
+                key.push_back(passState(info.passWord(scope->index), position));
+                break;
+            case RE_Memo_Scope::Kind::token:
+                key.push_back(info.registers[scope->index]);
+                break;
         }
     }
     for (const std::size_t token : info.facts->referencedTokens) {

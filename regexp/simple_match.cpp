@@ -15,6 +15,10 @@ bool matchesAnywhere(const char* subject, const char* pattern, bool ignoreCase) 
 
 }  // namespace
 
-bool reMatch(const char* subject, const char* pattern) { return matchesAnywhere(subject, pattern, false); }
+bool reMatch(const char* subject, const char* pattern) {
+    return matchesAnywhere(subject, pattern, false);
+}
 
-bool reMatchi(const char* subject, const char* pattern) { return matchesAnywhere(subject, pattern, true); }
+bool reMatchi(const char* subject, const char* pattern) {
+    return matchesAnywhere(subject, pattern, true);
+}

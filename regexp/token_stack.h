@@ -25,6 +25,9 @@ public:
 
     /// The slot, or null when the token is not in effect.
     const RE_TokenInfo* get(std::size_t index) const { return index < count ? &slots[index] : nullptr; }
+    const RE_TokenInfo* get(int index) const {
+        return index < 0 ? nullptr : get(static_cast<std::size_t>(index));
+    }
     /// The lowest-numbered token in effect that has this name (compared exactly), or null.
     const RE_TokenInfo* get(const char16_t* name) const;
 

@@ -27,13 +27,19 @@ struct Free_Block {
 
 RE_Tree::RE_Tree(const char16_t* pattern, bool flag) : RE_Tree(std::u16string(pattern), flag) {}
 
-RE_Tree::RE_Tree(const char16_t* pattern, std::size_t length, bool flag) { parse(pattern, length, flag); }
+RE_Tree::RE_Tree(const char16_t* pattern, std::size_t length, bool flag) {
+    parse(pattern, length, flag);
+}
 
-RE_Tree::RE_Tree(const std::u16string& pattern, bool flag) { parse(pattern.data(), pattern.size(), flag); }
+RE_Tree::RE_Tree(const std::u16string& pattern, bool flag) {
+    parse(pattern.data(), pattern.size(), flag);
+}
 
 RE_Tree::RE_Tree(const RE_Builder_Space::RE_Builder& builder, bool flag) : RE_Tree(builder.pattern(), flag) {}
 
-RE_Tree::RE_Tree(const char* pattern, bool flag) { parse(pattern, flag); }
+RE_Tree::RE_Tree(const char* pattern, bool flag) {
+    parse(pattern, flag);
+}
 
 RE_Tree::RE_Tree(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context)
     : RE_Tree(pattern, length, flags, context, nullptr, nullptr, true) {}
@@ -53,7 +59,9 @@ RE_Tree::RE_Tree(RE_Tree&& other) noexcept
       interruptible(other.interruptible),
       facts(std::exchange(other.facts, nullptr)) {}
 
-RE_Tree::~RE_Tree() { delete facts; }
+RE_Tree::~RE_Tree() {
+    delete facts;
+}
 
 void RE_Tree::parse(const char16_t* pattern, std::size_t length, bool flag) {
     RE_Context context;

@@ -50,7 +50,8 @@ public:
     RE_Results* match(const std::u16string& subject, std::size_t offset) const;
     RE_Results* match(const char16_t* subject, std::size_t length, std::size_t offset) const;
     /// The table carries answers from one search of a subject to the next.
-    RE_Results* match(const char16_t* subject, std::size_t length, std::size_t offset, RE_Seek_Table* table) const;
+    RE_Results* match(const char16_t* subject, std::size_t length, std::size_t offset,
+                      RE_Seek_Table* table) const;
     /// Text in the local code page; indexes in the result count the units of its UTF-16 form, and the result has no
     /// subject pointers.
     RE_Results* match(const char* subject, std::size_t offset) const;

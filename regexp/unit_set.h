@@ -91,4 +91,6 @@ void addFolding(RE_Unit_Set& set, char16_t low, char16_t high, Predicate holds) 
 }
 
 /// Whether a unit counts as part of a word: the class that the word anchors and `\w` share.
-inline bool isWordUnit(char16_t unit) { return RE_Unit_Classes::get().words.contains(unit); }
+inline bool isWordUnit(char16_t unit) {
+    return RE_Unit_Classes::get().words.contains(unit);
+}

@@ -41,6 +41,29 @@ unsigned long rounds(unsigned long plain) {
     return environmentNumber("CORVANE_TEST_ROUNDS", sanitized() ? plain / 12 : plain);
 }
 
+/// Lets the memo begin with the first choice taken up again, which searches this small would not reach.
+class EagerMemo : public testing::Test {
+protected:
+    EagerMemo() : choices(RE_Memo_Delay::choices), perUnit(RE_Memo_Delay::perUnit) {
+        RE_Memo_Delay::choices = RE_Memo_Delay::perUnit = 0;
+    }
+    ~EagerMemo() override {
+        RE_Memo_Delay::choices = choices;
+        RE_Memo_Delay::perUnit = perUnit;
+    }
+
+private:
+    std::uint64_t choices;
+    std::uint64_t perUnit;
+};
+
+TEST_F(EagerMemo, LosesNoMatchAndNoToken) {
+    compareRandomPatterns({}, seedFor(1968), rounds(30000));
+    PatternTraits loops;
+    loops.references = loops.conditions = loops.lookarounds = loops.words = loops.modes = false;
+    compareRandomPatterns(loops, seedFor(1969), rounds(20000));
+}
+
 TEST(RandomPatterns, OfTheWholeDialectAgreeWithTheReference) {
     compareRandomPatterns({}, seedFor(20240611), rounds(30000));
 }

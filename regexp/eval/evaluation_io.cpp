@@ -30,7 +30,9 @@ RE_Evaluation_IO::RE_Evaluation_IO(const char* source) : text(nullptr), length(0
 RE_Evaluation_IO::RE_Evaluation_IO(const RE_Evaluation_IO* other)
     : RE_Evaluation_IO(other->text, other->length) {}
 
-RE_Evaluation_IO::~RE_Evaluation_IO() { utFree(text); }
+RE_Evaluation_IO::~RE_Evaluation_IO() {
+    utFree(text);
+}
 
 void RE_Evaluation_IO::append(char unit) {
     if (length >= capacity) {

@@ -17,13 +17,17 @@ const char16_t* RE_Anchor::rSeek(const char16_t* p, std::size_t count, RE_Search
     return scanBackward(p, count + 1, info, [&](const char16_t* at) { return holdsAt(at, info); });
 }
 
-bool RE_Start_String::holdsAt(const char16_t* p, const RE_Search_Info& info) const { return info.atBegin(p); }
+bool RE_Start_String::holdsAt(const char16_t* p, const RE_Search_Info& info) const {
+    return info.atBegin(p);
+}
 
 const char16_t* RE_Start_String::seek(const char16_t* p, RE_Search_Info& info) const {
     return info.atBegin(p) ? p : nullptr;
 }
 
-bool RE_End_String::holdsAt(const char16_t* p, const RE_Search_Info& info) const { return info.atEnd(p); }
+bool RE_End_String::holdsAt(const char16_t* p, const RE_Search_Info& info) const {
+    return info.atEnd(p);
+}
 
 const char16_t* RE_End_String::seek(const char16_t* p, RE_Search_Info& info) const {
     return info.atEnd(p) ? p : info.subjectEnd;
@@ -37,7 +41,9 @@ bool RE_End_Line::holdsAt(const char16_t* p, const RE_Search_Info& info) const {
     return info.atEnd(p) || *p == u'\n';
 }
 
-bool RE_End_Match::holdsAt(const char16_t* p, const RE_Search_Info& info) const { return info.atRequiredEnd(p); }
+bool RE_End_Match::holdsAt(const char16_t* p, const RE_Search_Info& info) const {
+    return info.atRequiredEnd(p);
+}
 
 bool RE_Start_Word::holdsAt(const char16_t* p, const RE_Search_Info& info) const {
     return info.atBegin(p) || !isWordUnit(p[-1]);

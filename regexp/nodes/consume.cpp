@@ -9,7 +9,8 @@ const char16_t* RE_Consume::runEnd(const char16_t* p, std::uint64_t most, RE_Sea
     const std::uint64_t left = static_cast<std::uint64_t>(info.subjectEnd - p);
     const char16_t* const limit = p + std::min(left, most);
     while (p < limit) {
-        const std::size_t step = std::min<std::size_t>(static_cast<std::size_t>(limit - p), RE_SCAN_POLL_UNITS);
+        const std::size_t step =
+            std::min<std::size_t>(static_cast<std::size_t>(limit - p), RE_SCAN_POLL_UNITS);
         const std::size_t run = item->skipDistance(p, p + step);
         p += run;
         if (run < step || info.pollScan()) {
@@ -19,12 +20,25 @@ const char16_t* RE_Consume::runEnd(const char16_t* p, std::uint64_t most, RE_Sea
     return p;
 }
 
+// A search that backtracks a lot comes back to the same run again and again, from each of its positions.
+const char16_t* RE_Consume::wholeRunEnd(const char16_t* p, RE_Search_Info& info) const {
+    RE_Measured_Run* const known = info.measuredRun(this);
+    if (known != nullptr && known->holds(p)) {
+        return known->end;
+    }
+    const char16_t* const end = runEnd(p, noMaximum, info);
+    if (known != nullptr && !info.wasInterrupted()) {
+        *known = {p, end};
+    }
+    return end;
+}
+
 bool RE_Consume::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {
     const char16_t* const p = subject + pos;
     if (lazy) {
         return takeShortest(p, pos, info);
     }
-    const char16_t* const end = runEnd(p, maximum, info);
+    const char16_t* const end = maximum == noMaximum ? wholeRunEnd(p, info) : runEnd(p, maximum, info);
     if (static_cast<std::uint64_t>(end - p) < minimum) {
         return false;
     }
@@ -38,13 +52,14 @@ bool RE_Consume::match(const char16_t* subject, std::size_t& pos, RE_Search_Info
 RE_Node* RE_Consume::resume(const RE_Backtrack_Record& record, std::size_t& pos, RE_Search_Info& info) const {
     const char16_t* const end = record.position;
     const std::size_t word = info.poppedWord();
-    const bool going = lazy ? takeLonger(end, word, pos, info)
-                            : goOn(info.subjectBegin + word, end - 1, pos, info);
+    const bool going =
+        lazy ? takeLonger(end, word, pos, info) : goOn(info.subjectBegin + word, end - 1, pos, info);
     return going ? nextNode : nullptr;
 }
 
 // Takes the longest end in [from, end] that is worth trying, and leaves the shorter ones as a choice.
-bool RE_Consume::goOn(const char16_t* from, const char16_t* end, std::size_t& pos, RE_Search_Info& info) const {
+bool RE_Consume::goOn(const char16_t* from, const char16_t* end, std::size_t& pos,
+                      RE_Search_Info& info) const {
     const char16_t* const taken = lastEnd(from, end, info);
     if (taken == nullptr) {
         return false;
@@ -88,7 +103,8 @@ bool RE_Consume::takeShortest(const char16_t* p, std::size_t& pos, RE_Search_Inf
     }
     const std::uint64_t spare = static_cast<std::uint64_t>(info.subjectEnd - p);
     const std::size_t limit = info.indexOf(p + std::min(spare, maximum));
-    if (!info.firstVisit(this, end)) {
+    // A possessive run has one end only; asking the memo could make it a longer one.
+    if (!possessive && !info.firstVisit(this, end)) {
         return takeLonger(end, limit, pos, info);
     }
     pos = info.indexOf(end);
@@ -98,7 +114,8 @@ bool RE_Consume::takeShortest(const char16_t* p, std::size_t& pos, RE_Search_Inf
     return true;
 }
 
-bool RE_Consume::takeLonger(const char16_t* end, std::size_t limit, std::size_t& pos, RE_Search_Info& info) const {
+bool RE_Consume::takeLonger(const char16_t* end, std::size_t limit, std::size_t& pos,
+                            RE_Search_Info& info) const {
     const char16_t* const last = info.subjectBegin + limit;
     while (end < last) {
         const char16_t* const longer = info.firstUntried(this, end + 1, last);
@@ -134,7 +151,8 @@ void RE_Consume::combineLengths() {
 std::string RE_Consume::label() const {
     std::string text = "Consume";
     if (minimum != 0 || maximum != noMaximum) {
-        text += "{" + std::to_string(minimum) + "," + (maximum == noMaximum ? "" : std::to_string(maximum)) + "}";
+        text +=
+            "{" + std::to_string(minimum) + "," + (maximum == noMaximum ? "" : std::to_string(maximum)) + "}";
     }
     if (lazy) {
         text += " Lazy";

@@ -4,7 +4,9 @@
 
 #include <algorithm>
 
-void RE_Greedy_Counter::onBacktrack(RE_Search_Info& info) const { info.decrementCount(this); }
+void RE_Greedy_Counter::onBacktrack(RE_Search_Info& info) const {
+    info.decrementCount(this);
+}
 
 // The record only undoes the count: a required pass has no other way on. The done node is where a failing `match`
 // leads, at the same position.
@@ -21,7 +23,9 @@ void RE_Fixed_Counter::visitLinks(RE_Link_Visitor& visitor) {
     visitor.link(doneNode, RE_Link::done);
 }
 
-std::string RE_Fixed_Counter::label() const { return "Fixed Counter{" + std::to_string(limit + 1) + "}"; }
+std::string RE_Fixed_Counter::label() const {
+    return "Fixed Counter{" + std::to_string(limit + 1) + "}";
+}
 
 // At the limit there is nothing to choose: matching goes on at the exit, where `failNode` leads.
 bool RE_Limit_Counter::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {
@@ -37,7 +41,9 @@ bool RE_Limit_Counter::match(const char16_t* subject, std::size_t& pos, RE_Searc
     return true;
 }
 
-std::string RE_Limit_Counter::label() const { return "Limit Counter{" + std::to_string(limit) + "}"; }
+std::string RE_Limit_Counter::label() const {
+    return "Limit Counter{" + std::to_string(limit) + "}";
+}
 
 bool RE_Lazy_Counter::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {
     if (info.countAt(this, 0) >= limit) {
@@ -52,18 +58,26 @@ bool RE_Lazy_Counter::match(const char16_t* subject, std::size_t& pos, RE_Search
     return true;
 }
 
-void RE_Lazy_Counter::onBacktrack(RE_Search_Info& info) const { info.incrementCount(this); }
+void RE_Lazy_Counter::onBacktrack(RE_Search_Info& info) const {
+    info.incrementCount(this);
+}
 
 void RE_Lazy_Counter::visitLinks(RE_Link_Visitor& visitor) {
     RE_Split::visitLinks(visitor);
     visitor.link(decrementer, RE_Link::helper);
 }
 
-std::string RE_Lazy_Counter::label() const { return "Lazy Counter{" + std::to_string(limit) + "}"; }
+std::string RE_Lazy_Counter::label() const {
+    return "Lazy Counter{" + std::to_string(limit) + "}";
+}
 
-void RE_Counter_Popper::onBacktrack(RE_Search_Info& info) const { info.popCount(counter); }
+void RE_Counter_Popper::onBacktrack(RE_Search_Info& info) const {
+    info.popCount(counter);
+}
 
-void RE_Lazy_Decrementer::onBacktrack(RE_Search_Info& info) const { info.decrementCount(counter); }
+void RE_Lazy_Decrementer::onBacktrack(RE_Search_Info& info) const {
+    info.decrementCount(counter);
+}
 
 bool RE_Start_Counter::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {
     info.pushChoice(popper, subject + pos, true);

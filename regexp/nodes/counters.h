@@ -18,7 +18,8 @@ public:
 /// fixed counter, and the greatest number of passes for the others.
 class CORVANE_REGEXP_EXPORT RE_State_Counter : public RE_Counter {
 public:
-    RE_State_Counter(RE_ParserContext& context, std::uint64_t highest) : RE_Counter(context), limit(highest) {}
+    RE_State_Counter(RE_ParserContext& context, std::uint64_t highest)
+        : RE_Counter(context), limit(highest) {}
     bool isStateCounter() const override { return true; }
     bool refusesRepeatAt(std::size_t depth) const override { return depth == 0; }
 
@@ -101,6 +102,6 @@ public:
     void visitLinks(RE_Link_Visitor& visitor) override;
     std::string label() const override { return "Start Counter"; }
 
-    RE_Node* popper = nullptr;               ///< an `RE_Counter_Popper`
+    RE_Node* popper = nullptr;         ///< an `RE_Counter_Popper`
     const RE_Node* counter = nullptr;  ///< the counter whose level this opens
 };

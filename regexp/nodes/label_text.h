@@ -6,4 +6,6 @@
 
 /// UTF-8 of the units; control units and lone surrogates are written as \x{...}.
 std::string labelText(const char16_t* text, std::size_t length);
-inline std::string labelText(char16_t unit) { return labelText(&unit, 1); }
+inline std::string labelText(char16_t unit) {
+    return labelText(&unit, 1);
+}

@@ -9,7 +9,9 @@ constexpr std::size_t endsLoop = std::size_t{1} << 62;
 
 }  // namespace
 
-std::size_t passStart(std::size_t word) { return word == RE_Search_Info::noPass ? word : word & ~endsLoop; }
+std::size_t passStart(std::size_t word) {
+    return word == RE_Search_Info::noPass ? word : word & ~endsLoop;
+}
 
 std::size_t passState(std::size_t word, std::size_t position) {
     if (word == position) {
@@ -20,9 +22,15 @@ std::size_t passState(std::size_t word, std::size_t position) {
 
 bool RE_Start_Pass::match(const char16_t*, std::size_t& pos, RE_Search_Info& info) const {
     switch (kind) {
-        case RE_Pass::optional: info.notePass(pass, pos); break;
-        case RE_Pass::required: info.notePass(pass, RE_Search_Info::noPass); break;
-        case RE_Pass::lastWhenEmpty: info.notePass(pass, pos | endsLoop); break;
+        case RE_Pass::optional:
+            info.notePass(pass, pos);
+            break;
+        case RE_Pass::required:
+            info.notePass(pass, RE_Search_Info::noPass);
+            break;
+        case RE_Pass::lastWhenEmpty:
+            info.notePass(pass, pos | endsLoop);
+            break;
     }
     return true;
 }

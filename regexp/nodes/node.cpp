@@ -19,16 +19,22 @@ RE_Node::RE_Node(RE_ParserContext& context, RE_Node& predecessor, RE_Node* succe
     predecessor.nextNode = this;
 }
 
-bool RE_Node::match(const char16_t*, std::size_t&, RE_Search_Info&) const { return true; }
+bool RE_Node::match(const char16_t*, std::size_t&, RE_Search_Info&) const {
+    return true;
+}
 
 RE_Node* RE_Node::resume(const RE_Backtrack_Record& record, std::size_t& pos, RE_Search_Info& info) const {
     pos = info.indexOf(record.position);
     return alternativeNode();
 }
 
-RE_Node* RE_Node::bodyEnded(bool, std::size_t&, RE_Search_Info&) const { return nullptr; }
+RE_Node* RE_Node::bodyEnded(bool, std::size_t&, RE_Search_Info&) const {
+    return nullptr;
+}
 
-void RE_Node::visitLinks(RE_Link_Visitor& visitor) { visitor.link(nextNode, RE_Link::next); }
+void RE_Node::visitLinks(RE_Link_Visitor& visitor) {
+    visitor.link(nextNode, RE_Link::next);
+}
 
 void RE_Node::collectSuccessors(RE_Collection& collection) {
     struct Adder : RE_Link_Visitor {
@@ -58,9 +64,13 @@ void RE_Node::bypassSkippable() {
     visitLinks(bypass);
 }
 
-const char16_t* RE_Node::seek(const char16_t* p, RE_Search_Info&) const { return p; }
+const char16_t* RE_Node::seek(const char16_t* p, RE_Search_Info&) const {
+    return p;
+}
 
-const char16_t* RE_Node::rSeek(const char16_t* p, std::size_t count, RE_Search_Info&) const { return p + count; }
+const char16_t* RE_Node::rSeek(const char16_t* p, std::size_t count, RE_Search_Info&) const {
+    return p + count;
+}
 
 RE_Seek_Key RE_Node::seekKey(bool throughBranches) const {
     return RE_Seek_Key(isBranching() && !throughBranches ? nullptr : this);
@@ -87,12 +97,11 @@ bool RE_Consumable::absorbFailNode() {
     if (sharedTarget) {
         return false;
     }
-    if (auto* fail = dynamic_cast<RE_Consumable*>(failTarget)) {
-        if (matchesAnyChar()) {
-            failTarget = nullptr;
-        } else {
-            return fail->hasFailNode() && fail->absorbFailNode();
+    for (RE_Consumable* node = this; node != nullptr && !node->sharedTarget;) {
+        if (node->matchesAnyChar()) {
+            node->failTarget = nullptr;
         }
+        node = dynamic_cast<RE_Consumable*>(node->failTarget);
     }
     return true;
 }

@@ -119,8 +119,8 @@ public:
     bool sharedTarget = false;  ///< has more than one predecessor
     std::uint64_t nodeId;       ///< serial number within the pattern, from 1
     RE_Node* nextNode = nullptr;
-    bool visited = false;     ///< mark of the walk that runs while the pattern is compiled or destroyed
-    bool maxBounded = true;   ///< `maxLength` is finite
+    bool visited = false;         ///< mark of the walk that runs while the pattern is compiled or destroyed
+    bool maxBounded = true;       ///< `maxLength` is finite
     std::uint64_t minLength = 0;  ///< least number of units from here to the end of the branch
     std::uint64_t maxLength = 0;  ///< greatest such number; `unboundedLength` when there is none
 

@@ -5,7 +5,8 @@
 
 const char16_t* StringCharSeeker::scan(const char16_t* p, RE_Search_Info& info) const {
     const RE_Unit_Set& units = *set;
-    return scanForward(p, info.subjectEnd, info, [&units](const char16_t* at) { return units.contains(*at); });
+    return scanForward(p, info.subjectEnd, info,
+                       [&units](const char16_t* at) { return units.contains(*at); });
 }
 
 const char16_t* StringStringSeeker::scan(const char16_t* p, RE_Search_Info& info) const {
@@ -16,4 +17,6 @@ const char16_t* StringStringSeeker::scan(const char16_t* p, RE_Search_Info& info
     return scanForward(p, end, info, [this](const char16_t* at) { return string.matchesAt(at); });
 }
 
-std::string StringStringSeeker::label() const { return "Seek text of " + std::to_string(string.length) + " units"; }
+std::string StringStringSeeker::label() const {
+    return "Seek text of " + std::to_string(string.length) + " units";
+}

@@ -13,7 +13,9 @@ RE_String::RE_String(RE_ParserContext& context, const RE_Node& first, bool foldC
       ignoreCase(foldCase),
       text(static_cast<char16_t*>(utMallocWithCheck(capacity * sizeof(char16_t)))) {}
 
-RE_String::~RE_String() { utFree(text); }
+RE_String::~RE_String() {
+    utFree(text);
+}
 
 void RE_String::append(char16_t unit) {
     if (length == capacity) {
@@ -77,12 +79,16 @@ bool RE_Natural::canJoinString(bool first, bool ignoreCase) const {
     return mayJoin(first) && (!ignoreCase || RE_Case_Table::get().foldsAlone(static_cast<char16_t>(ch)));
 }
 
-bool RE_Natural_I::canJoinString(bool first, bool ignoreCase) const { return ignoreCase && mayJoin(first); }
+bool RE_Natural_I::canJoinString(bool first, bool ignoreCase) const {
+    return ignoreCase && mayJoin(first);
+}
 
 namespace {
 
 RE_Node* joinRun(RE_Natural& first, bool ignoreCase, RE_ParserContext& context) {
-    const auto canFollow = [&](RE_Node* node) { return node != nullptr && node->canJoinString(false, ignoreCase); };
+    const auto canFollow = [&](RE_Node* node) {
+        return node != nullptr && node->canJoinString(false, ignoreCase);
+    };
     if (!first.canJoinString(true, ignoreCase) || !canFollow(first.nextNode)) {
         return nullptr;
     }
@@ -101,6 +107,10 @@ RE_Node* joinRun(RE_Natural& first, bool ignoreCase, RE_ParserContext& context) 
 
 }  // namespace
 
-RE_Node* RE_Natural::joinString(RE_ParserContext& context) { return joinRun(*this, false, context); }
+RE_Node* RE_Natural::joinString(RE_ParserContext& context) {
+    return joinRun(*this, false, context);
+}
 
-RE_Node* RE_Natural_I::joinString(RE_ParserContext& context) { return joinRun(*this, true, context); }
+RE_Node* RE_Natural_I::joinString(RE_ParserContext& context) {
+    return joinRun(*this, true, context);
+}

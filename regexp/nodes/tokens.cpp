@@ -13,7 +13,9 @@ bool RE_Token::canSeek(bool referencedOutside) const {
            nextNode->canSeek(referencedOutside || referenced);
 }
 
-const char16_t* RE_Token::seek(const char16_t* p, RE_Search_Info& info) const { return nextNode->seek(p, info); }
+const char16_t* RE_Token::seek(const char16_t* p, RE_Search_Info& info) const {
+    return nextNode->seek(p, info);
+}
 
 const char16_t* RE_Token::rSeek(const char16_t* p, std::size_t count, RE_Search_Info& info) const {
     return nextNode->rSeek(p, count, info);

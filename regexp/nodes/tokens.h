@@ -12,7 +12,10 @@ class CORVANE_REGEXP_EXPORT RE_Token : public RE_Node {
 public:
     /// `tokenName` (empty: none) is copied.
     RE_Token(RE_ParserContext& context, std::size_t tokenNumber, const std::u16string& tokenName)
-        : RE_Node(context), number(tokenNumber), nameText(tokenName), name(nameText.empty() ? nullptr : nameText.c_str()) {}
+        : RE_Node(context),
+          number(tokenNumber),
+          nameText(tokenName),
+          name(nameText.empty() ? nullptr : nameText.c_str()) {}
 
     bool canSeek(bool referencedOutside) const override;
     const char16_t* seek(const char16_t* p, RE_Search_Info& info) const override;
@@ -48,7 +51,10 @@ public:
 class CORVANE_REGEXP_EXPORT RE_Token_Fail : public RE_Fail {
 public:
     RE_Token_Fail(RE_ParserContext& context, std::size_t tokenNumber, const std::u16string& tokenName)
-        : RE_Fail(context), number(tokenNumber), nameText(tokenName), name(nameText.empty() ? nullptr : nameText.c_str()) {}
+        : RE_Fail(context),
+          number(tokenNumber),
+          nameText(tokenName),
+          name(nameText.empty() ? nullptr : nameText.c_str()) {}
 
     std::size_t number;
 
@@ -66,7 +72,8 @@ public:
 /// Matches the text of a token again. Fails when the token is not in effect.
 class CORVANE_REGEXP_EXPORT RE_Match_Token : public RE_Token_Fail {
 public:
-    RE_Match_Token(RE_ParserContext& context, std::size_t tokenNumber, const std::u16string& tokenName, bool foldCase)
+    RE_Match_Token(RE_ParserContext& context, std::size_t tokenNumber, const std::u16string& tokenName,
+                   bool foldCase)
         : RE_Token_Fail(context, tokenNumber, tokenName), ignoreCase(foldCase) {}
     bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
     bool canSeek(bool) const override { return false; }

@@ -14,7 +14,8 @@ public:
 /// The end of a pattern or of a closed body. With a continuation, matching goes on there.
 class CORVANE_REGEXP_EXPORT RE_End_Of_Tree : public RE_Node {
 public:
-    explicit RE_End_Of_Tree(RE_ParserContext& context, RE_Node* continuationNode = nullptr, bool bodyEnd = false)
+    explicit RE_End_Of_Tree(RE_ParserContext& context, RE_Node* continuationNode = nullptr,
+                            bool bodyEnd = false)
         : RE_Node(context), continuation(continuationNode), endsBody(bodyEnd) {}
 
     /// The end of the pattern itself refuses a match that consumed nothing when the search rejects empty matches.

@@ -23,9 +23,13 @@ const char16_t* RE_Natural::scanBack(const char16_t* p, std::size_t count, RE_Se
                         [&](const char16_t* at) { return at < info.subjectEnd && matchesUnit(*at); });
 }
 
-std::string RE_Natural::label() const { return "Match '" + labelText(static_cast<char16_t>(ch)) + "'"; }
+std::string RE_Natural::label() const {
+    return "Match '" + labelText(static_cast<char16_t>(ch)) + "'";
+}
 
-std::string RE_Natural_I::label() const { return RE_Natural::label() + " ignoring case"; }
+std::string RE_Natural_I::label() const {
+    return RE_Natural::label() + " ignoring case";
+}
 
 void RE_Natural_I::addUnitsTo(RE_Unit_Set& set) const {
     const auto unit = static_cast<char16_t>(ch);
@@ -44,19 +48,26 @@ void RE_Range::addFoldedUnitsTo(RE_Unit_Set& set) const {
 }
 
 std::string RE_Range::label() const {
-    return "Match [" + labelText(static_cast<char16_t>(low)) + "-" + labelText(static_cast<char16_t>(high)) + "]";
+    return "Match [" + labelText(static_cast<char16_t>(low)) + "-" + labelText(static_cast<char16_t>(high)) +
+           "]";
 }
 
-std::string RE_Range_I::label() const { return RE_Range::label() + " ignoring case"; }
+std::string RE_Range_I::label() const {
+    return RE_Range::label() + " ignoring case";
+}
 
 bool RE_Range_I2::matchesUnit(char16_t unit) const {
     const RE_Case_Table& cases = RE_Case_Table::get();
     return holds(cases.lower(unit)) || holds(cases.upper(unit));
 }
 
-std::string RE_Range_I2::label() const { return RE_Range::label() + " ignoring case (ambiguous)"; }
+std::string RE_Range_I2::label() const {
+    return RE_Range::label() + " ignoring case (ambiguous)";
+}
 
-std::string RE_Escaped_Set::label() const { return "Match \\" + labelText(static_cast<char16_t>(escape)); }
+std::string RE_Escaped_Set::label() const {
+    return "Match \\" + labelText(static_cast<char16_t>(escape));
+}
 
 std::size_t RE_Unit_Class::skipDistance(const char16_t* p, const char16_t* limit) const {
     const RE_Unit_Set& units = *set;

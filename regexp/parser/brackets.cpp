@@ -14,12 +14,24 @@ void RE_Brackets::pair(RE_Flags flags) {
     std::size_t at = 0;
     while (at < length) {
         switch (text[at]) {
-            case u'\\': at += 2; break;
-            case u'[': at = skipSet(at); break;
-            case u'(': at = openGroup(at); break;
-            case u')': at = closeGroup(at); break;
-            case u'#': at = freeSpacing ? skipComment(at) : at + 1; break;
-            default: ++at; break;
+            case u'\\':
+                at += 2;
+                break;
+            case u'[':
+                at = skipSet(at);
+                break;
+            case u'(':
+                at = openGroup(at);
+                break;
+            case u')':
+                at = closeGroup(at);
+                break;
+            case u'#':
+                at = freeSpacing ? skipComment(at) : at + 1;
+                break;
+            default:
+                ++at;
+                break;
         }
     }
 }

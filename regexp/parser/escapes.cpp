@@ -24,8 +24,8 @@ struct Digits {
 Digits readDigits(const char16_t* text, std::size_t length, std::size_t at, int base, std::size_t most) {
     Digits digits{0, at, 0};
     while (digits.end < length && digits.count < most && digitValue(text[digits.end]) < base) {
-        const char32_t next = digits.value * static_cast<char32_t>(base) +
-                              static_cast<char32_t>(digitValue(text[digits.end]));
+        const char32_t next =
+            digits.value * static_cast<char32_t>(base) + static_cast<char32_t>(digitValue(text[digits.end]));
         digits.value = digits.value > lastCharacter ? digits.value : next;
         ++digits.end;
         ++digits.count;
@@ -35,7 +35,8 @@ Digits readDigits(const char16_t* text, std::size_t length, std::size_t at, int 
 
 // A number in braces after the letter at `letter`. A malformed one leaves the letter itself; when its braces close
 // around nothing but letters and digits they are dropped with it, so that they are not taken for a quantifier.
-RE_Escape readBraced(const char16_t* text, std::size_t length, std::size_t letter, int base, RE_Warning problem) {
+RE_Escape readBraced(const char16_t* text, std::size_t length, std::size_t letter, int base,
+                     RE_Warning problem) {
     const Digits digits = readDigits(text, length, letter + 2, base, length);
     const bool closed = digits.end < length && text[digits.end] == u'}';
     if (closed && digits.count > 0 && digits.value <= lastCharacter) {
@@ -80,20 +81,30 @@ RE_Escape readEscape(const char16_t* text, std::size_t length, std::size_t at) {
     }
     const char16_t unit = text[letter];
     switch (unit) {
-        case u'a': return {7, letter + 1};
-        case u'b': return {8, letter + 1};
-        case u'f': return {12, letter + 1};
-        case u'n': return {10, letter + 1};
-        case u'r': return {13, letter + 1};
-        case u't': return {9, letter + 1};
-        case u'v': return {11, letter + 1};
-        case u'x': return readHexadecimal(text, length, letter);
-        case u'o': return readOctal(text, length, letter);
+        case u'a':
+            return {7, letter + 1};
+        case u'b':
+            return {8, letter + 1};
+        case u'f':
+            return {12, letter + 1};
+        case u'n':
+            return {10, letter + 1};
+        case u'r':
+            return {13, letter + 1};
+        case u't':
+            return {9, letter + 1};
+        case u'v':
+            return {11, letter + 1};
+        case u'x':
+            return readHexadecimal(text, length, letter);
+        case u'o':
+            return readOctal(text, length, letter);
         case u'0': {
             const Digits digits = readDigits(text, length, letter, 8, 3);
             return {digits.value, digits.end};
         }
-        default: break;
+        default:
+            break;
     }
     const bool unknown = isAsciiDigit(unit) || isAsciiLetter(unit);
     return {unit, letter + 1, unknown ? RE_WARNING_UNKNOWN_ESCAPE : RE_WARNING_NONE, letter};

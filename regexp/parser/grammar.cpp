@@ -3,7 +3,8 @@
 #include "regexp/parser/escapes.h"
 #include "regexp/parser/names.h"
 
-RE_Grammar::RE_Grammar(RE_ParserContext& parserContext, const char16_t* pattern, std::size_t units, bool tokens)
+RE_Grammar::RE_Grammar(RE_ParserContext& parserContext, const char16_t* pattern, std::size_t units,
+                       bool tokens)
     : context(parserContext),
       text(pattern),
       length(units),
@@ -30,17 +31,31 @@ RE_Syntax_Tree RE_Grammar::read() {
 
 void RE_Grammar::readUnit() {
     switch (text[at]) {
-        case u'(': readGroup(); return;
+        case u'(':
+            readGroup();
+            return;
         case u')':
             warnAt(at, RE_WARNING_UNMATCHED_CLOSE);
             addLiteral(u')', at++);
             return;
-        case u'[': readSet(); return;
-        case u'\\': readEscapeAtom(); return;
-        case u'|': readBranchBar(); return;
-        case u'.': addItem(RE_Syntax_Kind::dot, at++); return;
-        case u'^': addItem(RE_Syntax_Kind::start_anchor, at++); return;
-        case u'$': addItem(RE_Syntax_Kind::end_anchor, at++); return;
+        case u'[':
+            readSet();
+            return;
+        case u'\\':
+            readEscapeAtom();
+            return;
+        case u'|':
+            readBranchBar();
+            return;
+        case u'.':
+            addItem(RE_Syntax_Kind::dot, at++);
+            return;
+        case u'^':
+            addItem(RE_Syntax_Kind::start_anchor, at++);
+            return;
+        case u'$':
+            addItem(RE_Syntax_Kind::end_anchor, at++);
+            return;
         case u'*':
         case u'+':
         case u'?':
@@ -50,7 +65,9 @@ void RE_Grammar::readUnit() {
                 ++at;
             }
             return;
-        default: addLiteral(text[at], at); ++at;
+        default:
+            addLiteral(text[at], at);
+            ++at;
     }
 }
 
@@ -87,7 +104,8 @@ void RE_Grammar::addPair(char32_t character, std::size_t position) {
                               static_cast<char16_t>(0xDC00 + (offset & 0x3FF))};
     addItem(RE_Syntax_Kind::group, position);
     const std::uint32_t group = tree[frame().branch].lastChild;
-    const std::uint32_t branch = tree.add(RE_Syntax_Kind::sequence, static_cast<std::uint32_t>(position), flags());
+    const std::uint32_t branch =
+        tree.add(RE_Syntax_Kind::sequence, static_cast<std::uint32_t>(position), flags());
     tree.append(group, branch);
     for (const char16_t unit : units) {
         const std::uint32_t literal =
@@ -119,13 +137,16 @@ void RE_Grammar::readEscapeAtom() {
         case u's':
         case u'S':
         case u'w':
-        case u'W': addEscaped(unit); return;
+        case u'W':
+            addEscaped(unit);
+            return;
         case u'k':
             if (readNameReference()) {
                 return;
             }
             break;
-        default: break;
+        default:
+            break;
     }
     if (unit >= u'1' && unit <= u'9') {
         readNumberReference();

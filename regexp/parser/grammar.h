@@ -37,14 +37,14 @@ private:
 
     /// A group that is being read.
     struct Frame {
-        std::uint32_t group;        ///< the item whose branches are read
-        std::uint32_t branch;       ///< the branch being read
-        std::uint32_t close;        ///< index of the unit that closes it
-        RE_Flags outerFlags;        ///< modes to go back to
-        bool isCondition;           ///< the assertion that decides a conditional
-        bool divided;               ///< conditional: the second branch has begun
-        bool closed;                ///< a closed body
-        Last last;                  ///< what a quantifier would repeat
+        std::uint32_t group;   ///< the item whose branches are read
+        std::uint32_t branch;  ///< the branch being read
+        std::uint32_t close;   ///< index of the unit that closes it
+        RE_Flags outerFlags;   ///< modes to go back to
+        bool isCondition;      ///< the assertion that decides a conditional
+        bool divided;          ///< conditional: the second branch has begun
+        bool closed;           ///< a closed body
+        Last last;             ///< what a quantifier would repeat
     };
 
     // grammar.cpp: the loop and plain atoms
@@ -76,7 +76,8 @@ private:
     // conditions.cpp
     void readConditional(std::uint32_t close);
     bool readTokenCondition(Reference& token, std::size_t start, std::size_t end);
-    void openLookCondition(std::uint32_t conditional, std::uint32_t close, std::size_t start, std::uint32_t end);
+    void openLookCondition(std::uint32_t conditional, std::uint32_t close, std::size_t start,
+                           std::uint32_t end);
 
     // references.cpp
     void readNumberReference();
@@ -92,7 +93,8 @@ private:
     bool readBraces(std::uint64_t& minimum, std::uint64_t& maximum);
     std::uint64_t readNumber(std::size_t& at) const;
     void repeatLast(std::size_t start, std::uint64_t minimum, std::uint64_t maximum);
-    bool foldsIntoInner(RE_Syntax& inner, std::uint64_t minimum, std::uint64_t maximum, RE_Qualifier how) const;
+    bool foldsIntoInner(RE_Syntax& inner, std::uint64_t minimum, std::uint64_t maximum,
+                        RE_Qualifier how) const;
 
     Frame& frame() { return frames.back(); }
     RE_Flags flags() const { return context.flags; }

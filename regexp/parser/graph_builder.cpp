@@ -42,20 +42,40 @@ void RE_Graph_Builder::emit(std::uint32_t index) {
 void RE_Graph_Builder::emitNow(std::uint32_t index) {
     const RE_Syntax& item = tree[index];
     switch (item.kind) {
-        case RE_Syntax_Kind::sequence: emitSequence(item.firstChild); return;
-        case RE_Syntax_Kind::group: emitGroup(index); return;
-        case RE_Syntax_Kind::capture: emitCapture(index); return;
-        case RE_Syntax_Kind::atomic: emitAtomic(index); return;
-        case RE_Syntax_Kind::look: emitLook(index); return;
-        case RE_Syntax_Kind::conditional: emitConditional(index); return;
-        case RE_Syntax_Kind::repeat: emitRepeat(index); return;
-        case RE_Syntax_Kind::reference: emitReference(item); return;
+        case RE_Syntax_Kind::sequence:
+            emitSequence(item.firstChild);
+            return;
+        case RE_Syntax_Kind::group:
+            emitGroup(index);
+            return;
+        case RE_Syntax_Kind::capture:
+            emitCapture(index);
+            return;
+        case RE_Syntax_Kind::atomic:
+            emitAtomic(index);
+            return;
+        case RE_Syntax_Kind::look:
+            emitLook(index);
+            return;
+        case RE_Syntax_Kind::conditional:
+            emitConditional(index);
+            return;
+        case RE_Syntax_Kind::repeat:
+            emitRepeat(index);
+            return;
+        case RE_Syntax_Kind::reference:
+            emitReference(item);
+            return;
         case RE_Syntax_Kind::start_anchor:
         case RE_Syntax_Kind::end_anchor:
         case RE_Syntax_Kind::start_word:
-        case RE_Syntax_Kind::end_word: emitAnchor(item); return;
-        case RE_Syntax_Kind::dropped: return;
-        default: append(makeUnitNode(context, tree, index));
+        case RE_Syntax_Kind::end_word:
+            emitAnchor(item);
+            return;
+        case RE_Syntax_Kind::dropped:
+            return;
+        default:
+            append(makeUnitNode(context, tree, index));
     }
 }
 
@@ -156,8 +176,12 @@ void RE_Graph_Builder::emitReference(const RE_Syntax& item) {
 void RE_Graph_Builder::emitAnchor(const RE_Syntax& item) {
     const bool lines = (item.flags & RE_FLAG_LINE_ANCHORS) != 0;
     switch (item.kind) {
-        case RE_Syntax_Kind::start_word: append(context.make<RE_Start_Word>()); return;
-        case RE_Syntax_Kind::end_word: append(context.make<RE_End_Word>()); return;
+        case RE_Syntax_Kind::start_word:
+            append(context.make<RE_Start_Word>());
+            return;
+        case RE_Syntax_Kind::end_word:
+            append(context.make<RE_End_Word>());
+            return;
         case RE_Syntax_Kind::start_anchor:
             if (lines) {
                 append(context.make<RE_Start_Line>());

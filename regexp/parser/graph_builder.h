@@ -33,11 +33,11 @@ private:
     struct Loop {
         std::uint32_t body;
         bool lazy;
-        bool guarded;            ///< its body can be empty
-        bool endsWhenEmpty;      ///< an empty required pass ends the loop
-        std::size_t pass;        ///< register of the current pass
+        bool guarded;        ///< its body can be empty
+        bool endsWhenEmpty;  ///< an empty required pass ends the loop
+        std::size_t pass;    ///< register of the current pass
         const RE_Memo_Scope* outerScope;
-        RE_Node* exit;           ///< where the loop leads, when more than one way leads there
+        RE_Node* exit;  ///< where the loop leads, when more than one way leads there
     };
 
     /// Runs `step` once everything queued after it has run.

@@ -4,7 +4,8 @@
 #include "regexp/parser/modes.h"
 #include "regexp/parser/names.h"
 
-void RE_Grammar::openFrame(std::uint32_t group, std::uint32_t close, std::size_t contentStart, bool closedBody) {
+void RE_Grammar::openFrame(std::uint32_t group, std::uint32_t close, std::size_t contentStart,
+                           bool closedBody) {
     const std::uint32_t branch =
         tree.add(RE_Syntax_Kind::sequence, static_cast<std::uint32_t>(contentStart), flags());
     tree.append(group, branch);
@@ -61,22 +62,31 @@ void RE_Grammar::readMarkedGroup(std::uint32_t close) {
         return;
     }
     switch (text[at + 2]) {
-        case u'#': at = close + 1; return;
+        case u'#':
+            at = close + 1;
+            return;
         case u':':
             addItem(RE_Syntax_Kind::group, at);
             openFrame(tree[frame().branch].lastChild, close, at + 3, false);
             return;
-        case u'<': readNamedGroup(close); return;
+        case u'<':
+            readNamedGroup(close);
+            return;
         case u'>': {
             RE_Syntax atomic{};
             atomic.kind = RE_Syntax_Kind::atomic;
             openClosedBody(atomic, close, at + 3);
             return;
         }
-        case u'(': readConditional(close); return;
+        case u'(':
+            readConditional(close);
+            return;
         case u'?':
-        case u'@': readDynamicGroup(close); return;
-        default: readModeGroup(close);
+        case u'@':
+            readDynamicGroup(close);
+            return;
+        default:
+            readModeGroup(close);
     }
 }
 

@@ -29,10 +29,16 @@ public:
         gather(index);
         RE_Syntax& it = tree[index];
         switch (it.kind) {
-            case RE_Syntax_Kind::repeat: repeat(index); break;
+            case RE_Syntax_Kind::repeat:
+                repeat(index);
+                break;
             case RE_Syntax_Kind::atomic:
-            case RE_Syntax_Kind::look: closedBody(it); break;
-            case RE_Syntax_Kind::conditional: conditional(it); break;
+            case RE_Syntax_Kind::look:
+                closedBody(it);
+                break;
+            case RE_Syntax_Kind::conditional:
+                conditional(it);
+                break;
             case RE_Syntax_Kind::capture:
                 it.nodes = addSaturated(it.nodes, 2);
                 it.captures = true;
@@ -43,7 +49,8 @@ public:
                 break;
             case RE_Syntax_Kind::sequence:
             case RE_Syntax_Kind::group:
-            case RE_Syntax_Kind::dropped: break;
+            case RE_Syntax_Kind::dropped:
+                break;
             default:
                 it.least = it.most = tree.consumesOneUnit(index) ? 1 : 0;
                 it.nodes = 1;
@@ -73,7 +80,8 @@ private:
     }
 
     void closedBody(RE_Syntax& it) {
-        if (it.kind == RE_Syntax_Kind::look) {  // the body's own lengths bound a look-behind, not what is consumed
+        if (it.kind ==
+            RE_Syntax_Kind::look) {  // the body's own lengths bound a look-behind, not what is consumed
             it.minimum = it.least;
             it.maximum = it.most;
             it.least = it.most = 0;
@@ -101,7 +109,8 @@ private:
         const RE_Repeat_Plan plan = planRepeat(tree, index, context.options().inlineThreshold());
         const bool guarded = plan.mayBeEmpty || plan.counted;
         it.guards = static_cast<std::uint16_t>(it.guards + (guarded ? 1 : 0));
-        it.closed = static_cast<std::uint16_t>(it.closed + (it.qualifier == RE_Qualifier::possessive ? 1 : 0));
+        it.closed =
+            static_cast<std::uint16_t>(it.closed + (it.qualifier == RE_Qualifier::possessive ? 1 : 0));
         if (it.guards > maximumGuards || it.closed > maximumClosed) {
             drop(it);
             return;

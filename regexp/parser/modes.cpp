@@ -4,12 +4,18 @@ namespace {
 
 RE_Flags modeFlag(char16_t letter) {
     switch (letter) {
-        case u'i': return RE_FLAG_IGNORE_CASE;
-        case u's': return RE_FLAG_DOT_ALL;
-        case u'm': return RE_FLAG_LINE_ANCHORS;
-        case u'x': return RE_FLAG_FREE_SPACING;
-        case u'e': return RE_FLAG_EVALUATE;
-        default: return 0;
+        case u'i':
+            return RE_FLAG_IGNORE_CASE;
+        case u's':
+            return RE_FLAG_DOT_ALL;
+        case u'm':
+            return RE_FLAG_LINE_ANCHORS;
+        case u'x':
+            return RE_FLAG_FREE_SPACING;
+        case u'e':
+            return RE_FLAG_EVALUATE;
+        default:
+            return 0;
     }
 }
 

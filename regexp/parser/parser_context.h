@@ -52,5 +52,4 @@ public:
     std::unique_ptr<RE_Graph_Facts> facts;
     /// Token numbers (slots, from 0) of each name.
     std::multimap<std::u16string, std::size_t> tokenNames;
-
 };

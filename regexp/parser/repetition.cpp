@@ -10,8 +10,12 @@ namespace {
 constexpr std::uint32_t maximumEmptyPasses = 256;
 
 /// The links of a choice that lead into the loop and out of it.
-RE_Node*& intoLoop(RE_Split& choice, bool lazy) { return lazy ? choice.alternative : choice.nextNode; }
-RE_Node*& outOfLoop(RE_Split& choice, bool lazy) { return lazy ? choice.nextNode : choice.alternative; }
+RE_Node*& intoLoop(RE_Split& choice, bool lazy) {
+    return lazy ? choice.alternative : choice.nextNode;
+}
+RE_Node*& outOfLoop(RE_Split& choice, bool lazy) {
+    return lazy ? choice.nextNode : choice.alternative;
+}
 
 }  // namespace
 

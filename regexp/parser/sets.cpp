@@ -11,7 +11,7 @@ namespace {
 /// One member of a set as written.
 struct Member {
     enum class Kind { unit, escapedClass, nothing } kind;
-    char16_t unit;     ///< the unit, or the letter of the class
+    char16_t unit;  ///< the unit, or the letter of the class
     std::size_t end;
 };
 
@@ -120,6 +120,7 @@ void RE_Grammar::readSet() {
     }
     addItem(RE_Syntax_Kind::set, start);
     tree[tree[frame().branch].lastChild].payload = static_cast<std::uint32_t>(tree.sets.size());
-    tree.sets.push_back({reader.tests.finish(negated), labelText(text + start, at - start) +
-                                                           (has(RE_FLAG_IGNORE_CASE) ? " ignoring case" : "")});
+    tree.sets.push_back(
+        {reader.tests.finish(negated),
+         labelText(text + start, at - start) + (has(RE_FLAG_IGNORE_CASE) ? " ignoring case" : "")});
 }

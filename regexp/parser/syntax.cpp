@@ -39,8 +39,10 @@ bool RE_Syntax_Tree::consumesOneUnit(std::uint32_t index) const {
         case RE_Syntax_Kind::range:
         case RE_Syntax_Kind::escaped:
         case RE_Syntax_Kind::set:
-        case RE_Syntax_Kind::dot: return true;
-        default: return false;
+        case RE_Syntax_Kind::dot:
+            return true;
+        default:
+            return false;
     }
 }
 

@@ -47,8 +47,8 @@ struct RE_Syntax {
     bool negative = false;
     char16_t low = 0;
     char16_t high = 0;
-    RE_Flags flags = 0;             ///< modes in force at the item
-    std::uint32_t position = 0;     ///< index in the pattern, for warnings
+    RE_Flags flags = 0;          ///< modes in force at the item
+    std::uint32_t position = 0;  ///< index in the pattern, for warnings
     std::uint32_t firstChild = none;
     std::uint32_t lastChild = none;
     std::uint32_t nextSibling = none;
@@ -59,13 +59,13 @@ struct RE_Syntax {
     std::uint64_t maximum = 0;
 
     // Measured once the whole pattern has been read.
-    std::uint64_t least = 0;         ///< units consumed at the least
-    std::uint64_t most = 0;          ///< units consumed at the most, saturated
-    std::uint64_t nodes = 0;         ///< nodes it will compile to, saturated
-    std::uint32_t emptyPasses = 1;   ///< passes that matching the empty text takes, saturated
-    std::uint16_t guards = 0;        ///< nesting of loops with counts or pass guards
-    std::uint16_t closed = 0;        ///< nesting of closed bodies
-    bool captures = false;           ///< records tokens
+    std::uint64_t least = 0;        ///< units consumed at the least
+    std::uint64_t most = 0;         ///< units consumed at the most, saturated
+    std::uint64_t nodes = 0;        ///< nodes it will compile to, saturated
+    std::uint32_t emptyPasses = 1;  ///< passes that matching the empty text takes, saturated
+    std::uint16_t guards = 0;       ///< nesting of loops with counts or pass guards
+    std::uint16_t closed = 0;       ///< nesting of closed bodies
+    bool captures = false;          ///< records tokens
 };
 
 struct RE_Syntax_Set {

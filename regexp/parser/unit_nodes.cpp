@@ -15,24 +15,30 @@ RE_Consumable* makeRange(RE_ParserContext& context, char16_t low, char16_t high,
     }
     const RE_Range_Plan plan = planRange(low, high, flags);
     switch (plan.test) {
-        case RE_Range_Test::lower: return context.make<RE_Range_I>(plan.low, plan.high);
-        case RE_Range_Test::both: return context.make<RE_Range_I2>(plan.low, plan.high);
-        default: return context.make<RE_Range>(plan.low, plan.high);
+        case RE_Range_Test::lower:
+            return context.make<RE_Range_I>(plan.low, plan.high);
+        case RE_Range_Test::both:
+            return context.make<RE_Range_I2>(plan.low, plan.high);
+        default:
+            return context.make<RE_Range>(plan.low, plan.high);
     }
 }
 
 RE_Consumable* makeUnitNode(RE_ParserContext& context, const RE_Syntax_Tree& tree, std::uint32_t index) {
     const RE_Syntax& item = tree[index];
     switch (item.kind) {
-        case RE_Syntax_Kind::literal: return makeLiteral(context, item.low, item.flags);
-        case RE_Syntax_Kind::range: return makeRange(context, item.low, item.high, item.flags);
+        case RE_Syntax_Kind::literal:
+            return makeLiteral(context, item.low, item.flags);
+        case RE_Syntax_Kind::range:
+            return makeRange(context, item.low, item.high, item.flags);
         case RE_Syntax_Kind::escaped:
             return context.make<RE_Escaped_Set>(item.low, classPredicate(item.low), *classUnits(item.low));
         case RE_Syntax_Kind::set: {
             const RE_Syntax_Set& set = tree.sets[item.payload];
             return context.make<RE_Unit_Class>(set.units, set.text);
         }
-        default: break;
+        default:
+            break;
     }
     if ((item.flags & RE_FLAG_DOT_ALL) != 0) {
         return context.make<RE_Dot_All>();

@@ -16,36 +16,60 @@ bool allOf(std::uint32_t low, std::uint32_t high, Predicate predicate) {
     return true;
 }
 
-bool isDigit(char16_t unit) { return RE_Unit_Classes::get().digits.contains(unit); }
-bool isNoDigit(char16_t unit) { return !isDigit(unit); }
-bool isSpace(char16_t unit) { return RE_Unit_Classes::get().spaces.contains(unit); }
-bool isNoSpace(char16_t unit) { return !isSpace(unit); }
-bool isNoWordUnit(char16_t unit) { return !isWordUnit(unit); }
+bool isDigit(char16_t unit) {
+    return RE_Unit_Classes::get().digits.contains(unit);
+}
+bool isNoDigit(char16_t unit) {
+    return !isDigit(unit);
+}
+bool isSpace(char16_t unit) {
+    return RE_Unit_Classes::get().spaces.contains(unit);
+}
+bool isNoSpace(char16_t unit) {
+    return !isSpace(unit);
+}
+bool isNoWordUnit(char16_t unit) {
+    return !isWordUnit(unit);
+}
 
 }  // namespace
 
 bool (*classPredicate(char16_t letter))(char16_t) {
     switch (letter) {
-        case u'd': return isDigit;
-        case u'D': return isNoDigit;
-        case u's': return isSpace;
-        case u'S': return isNoSpace;
-        case u'w': return isWordUnit;
-        case u'W': return isNoWordUnit;
-        default: return nullptr;
+        case u'd':
+            return isDigit;
+        case u'D':
+            return isNoDigit;
+        case u's':
+            return isSpace;
+        case u'S':
+            return isNoSpace;
+        case u'w':
+            return isWordUnit;
+        case u'W':
+            return isNoWordUnit;
+        default:
+            return nullptr;
     }
 }
 
 const RE_Unit_Set* classUnits(char16_t letter) {
     const RE_Unit_Classes& classes = RE_Unit_Classes::get();
     switch (letter) {
-        case u'd': return &classes.digits;
-        case u'D': return &classes.noDigits;
-        case u's': return &classes.spaces;
-        case u'S': return &classes.noSpaces;
-        case u'w': return &classes.words;
-        case u'W': return &classes.noWords;
-        default: return nullptr;
+        case u'd':
+            return &classes.digits;
+        case u'D':
+            return &classes.noDigits;
+        case u's':
+            return &classes.spaces;
+        case u'S':
+            return &classes.noSpaces;
+        case u'w':
+            return &classes.words;
+        case u'W':
+            return &classes.noWords;
+        default:
+            return nullptr;
     }
 }
 
@@ -69,7 +93,8 @@ RE_Range_Plan planRange(char16_t low, char16_t high, RE_Flags flags) {
     if (cvu_islower(low)) {
         return {low, high, allOf(low, high, cvu_islower) ? RE_Range_Test::lower : RE_Range_Test::both};
     }
-    const bool caseless = allOf(low, high, [](char16_t unit) { return !cvu_isupper(unit) && !cvu_islower(unit); });
+    const bool caseless =
+        allOf(low, high, [](char16_t unit) { return !cvu_isupper(unit) && !cvu_islower(unit); });
     return {low, high, caseless ? RE_Range_Test::exact : RE_Range_Test::both};
 }
 

@@ -39,7 +39,8 @@ bool isComplete(RE_Node* node) {
         return look->body != nullptr;
     }
     if (auto* consume = dynamic_cast<RE_Consume*>(node)) {
-        return consume->item != nullptr && consume->item->isSingleUnit() && consume->minimum <= consume->maximum;
+        return consume->item != nullptr && consume->item->isSingleUnit() &&
+               consume->minimum <= consume->maximum;
     }
     return true;
 }
@@ -51,7 +52,8 @@ void checkGraph(RE_Node* root) {
     for (RE_Node* node : graph.nodes()) {
         const bool isItem = dynamic_cast<RE_Consumable*>(node) != nullptr;
         if (!isComplete(node) || !(isItem || leadsOn(node))) {
-            throw std::logic_error("broken graph at node " + std::to_string(node->nodeId) + ": " + node->label());
+            throw std::logic_error("broken graph at node " + std::to_string(node->nodeId) + ": " +
+                                   node->label());
         }
     }
 }

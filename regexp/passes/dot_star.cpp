@@ -27,7 +27,9 @@ RE_Consumable* loopItem(RE_Node* node) {
     return unit != nullptr && unit->isSingleUnit() && !unit->hasFailNode() ? unit : nullptr;
 }
 
-bool leadsTo(RE_Node* from, RE_Node* to) { return throughSkippable(from) == throughSkippable(to); }
+bool leadsTo(RE_Node* from, RE_Node* to) {
+    return throughSkippable(from) == throughSkippable(to);
+}
 
 /// The optional part of a loop: which way leads into the body that ends at `back`.
 std::optional<bool> laziness(RE_Split& choice, RE_Consumable* item) {
@@ -206,7 +208,8 @@ private:
         auto* const atomic = dynamic_cast<RE_Atomic*>(node);
         auto* const consume =
             atomic != nullptr ? dynamic_cast<RE_Consume*>(throughSkippable(atomic->body)) : nullptr;
-        if (consume == nullptr || dynamic_cast<RE_End_Of_Tree*>(throughSkippable(consume->nextNode)) == nullptr) {
+        if (consume == nullptr ||
+            dynamic_cast<RE_End_Of_Tree*>(throughSkippable(consume->nextNode)) == nullptr) {
             return nullptr;
         }
         consume->possessive = true;
@@ -220,4 +223,6 @@ private:
 
 }  // namespace
 
-RE_Node* rewriteDotStar(RE_ParserContext& context, RE_Node* root) { return Rewriter(context, root).run(); }
+RE_Node* rewriteDotStar(RE_ParserContext& context, RE_Node* root) {
+    return Rewriter(context, root).run();
+}

@@ -41,7 +41,9 @@ class RE_Branch_Seek : public Base {
 public:
     using Base::Base;
 
-    bool isBranching() const override { return this->failNode() != nullptr || this->alternativeNode() != nullptr; }
+    bool isBranching() const override {
+        return this->failNode() != nullptr || this->alternativeNode() != nullptr;
+    }
     bool canSeek(bool) const override { return scans() && !isBranching(); }
 
 protected:

@@ -14,7 +14,8 @@ inline constexpr std::size_t RE_SCAN_POLL_UNITS = 0x10000;
 template <class Test>
 const char16_t* scanForward(const char16_t* p, const char16_t* end, RE_Search_Info& info, Test holds) {
     while (p < end) {
-        const char16_t* const stop = p + std::min<std::size_t>(static_cast<std::size_t>(end - p), RE_SCAN_POLL_UNITS);
+        const char16_t* const stop =
+            p + std::min<std::size_t>(static_cast<std::size_t>(end - p), RE_SCAN_POLL_UNITS);
         for (; p < stop; ++p) {
             if (holds(p)) {
                 return p;

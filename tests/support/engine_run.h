@@ -61,6 +61,7 @@ public:
     Outcome search(std::u16string_view subject, size_t offset, RE_Seek_Table& table) const;
 
     const std::vector<Warning>& warnings() const { return m_context.warnings(); }
+    const RE_Tree& tree() const { return m_tree; }
 
 private:
     Corvane::regexp::CompileOptions m_options;

@@ -1,0 +1,73 @@
+// What the passes make of a graph: the labels of its nodes, in the order in which the graph leads to them.
+#include "tests/support/engine_run.h"
+
+#include "regexp/nodes/collection.h"
+#include "regexp/regexp.h"
+
+#include <gtest/gtest.h>
+
+namespace corvane_tests {
+namespace {
+
+std::string labels(const RE_Tree& tree) {
+    std::string all;
+    for (const RE_Node* node : RE_Collection::reachable(const_cast<RE_Node*>(tree.getRoot()))) {
+        all += (all.empty() ? "" : "; ") + node->label();
+    }
+    return all;
+}
+
+struct Case {
+    const char16_t* pattern;
+    RE_Flags flags;
+    EngineConfig config;
+    const char* labels;
+};
+
+constexpr EngineConfig kNothing{false, false, false, 1024, false};
+constexpr EngineConfig kNulls{false, false, true, 1024, false};
+constexpr EngineConfig kLinear{true, false, true, 1024, false};
+constexpr EngineConfig kAll{true, true, true, 1024, false};
+
+const Case kCases[] = {
+    {u"a()b", 0x12, kNothing,
+     "Null; Match 'a'; Token start #1; Token end #1; Match 'b'; Null; End"},
+    {u"a(?:)b", 0x12, kNulls, "Match 'a'; Match 'b'; End"},
+    {u"abc", 0x12, kLinear, "Match 'abc'; End"},
+    {u"abc", 0x13, kLinear, "Match 'abc' ignoring case; End"},
+    {u"a1b", 0x13, kLinear, "Match 'a1b' ignoring case; End"},
+    {u"ab(?i:cd)", 0x12, kLinear, "Match 'ab'; Match 'cd' ignoring case; End"},
+    {u"(?:a|b)c", 0x12, kLinear, "Match 'a'|'b'; Match 'c'; End"},
+    {u"(?:a|.)b", 0x12, kLinear, "Match 'a'|. (dotall); Match 'b'; End"},
+    {u"[a-cx]", 0x12, kNulls, "Match [a-cx]; End"},
+    {u"[a-c]", 0x12, kNulls, "Match [a-c]; End"},
+    {u"[z-a]", 0x13, kNulls, "Match [a-z] ignoring case; End"},
+    {u"[0-z]", 0x13, kNulls, "Match [0-z] ignoring case (ambiguous); End"},
+    {u"\\w.", 0x10, kNulls, "Match \\w; Match . (dotexceptnewline); End"},
+    {u".*b", 0x12, kLinear, "Split; Match . (dotall); Match 'b'; End"},
+    {u".*b", 0x12, kAll, "Consume; Match 'b'; Match . (dotall); End"},
+    {u"(?:a+)*b", 0x12, kAll, "Seek one of 2 units; Consume; Match 'b'; Match 'a'; End"},
+    {u"a{2,70}+b", 0x12, kAll, "Seek one of 1 units; Consume{2,70} Possessive; Match 'b'; Match 'a'; End"},
+    {u"a{3,}?b", 0x12, kAll, "Seek one of 1 units; Consume{3,} Lazy; Match 'b'; Match 'a'; End"},
+    {u"^ab", 0x12, kAll, "Match start of string; Match 'ab'; End"},
+    {u"(ab)c", 0x12, kAll, "Seek text of 2 units; Token start #1; Match 'ab'; Token end #1; Match 'c'; End"},
+    {u"(?:ab){400}", 0x12, kNulls, "Start Counter; Fixed Counter{400}; Counter popper; Match 'a'; End; Match 'b'"},
+    {u"(?:ab){0,400}", 0x12, kNulls, "Start Counter; Limit Counter{400}; Counter popper; Match 'a'; End; Match 'b'"},
+    {u"(?:ab){0,400}?", 0x12, kNulls,
+     "Start Counter; Lazy Counter{400}; Counter popper; End; Match 'a'; Lazy decrementer; Match 'b'"},
+};
+
+TEST(Passes, MakeTheseGraphs) {
+    for (const Case& c : kCases) {
+        const Engine engine(c.pattern, c.flags, c.config);
+        EXPECT_EQ(c.labels, labels(engine.tree()));
+    }
+}
+
+TEST(Passes, KeepNestedCountsSmall) {
+    EXPECT_LT(RE_Tree(u"((a{100}){100}){100}", false).getNodeCount(), 10000u);
+    EXPECT_LT(RE_Tree(u"((((((((a{1,2}){1,2}){1,2}){1,2}){1,2}){1,2}){1,2}){1,2}){1,2}", false).getNodeCount(), 10000u);
+}
+
+}  // namespace
+}  // namespace corvane_tests

@@ -1,0 +1,207 @@
+// The search state, the token store and the seek table, called directly.
+#include "host/interrupt.h"
+#include "regexp/nodes/counters.h"
+#include "regexp/nodes/trivial.h"
+#include "regexp/parser/parser_context.h"
+#include "regexp/regexp.h"
+
+#include <gtest/gtest.h>
+#include <memory>
+#include <vector>
+
+namespace corvane_tests {
+namespace {
+
+const char16_t kText[] = u"abcdefghij";
+
+class SearchState : public testing::Test {
+protected:
+    RE_Context host;
+    RE_ParserContext parser{&host, nullptr, 0};
+    RE_Search_Info info{kText, 10, 3, nullptr, false};
+};
+
+TEST_F(SearchState, PopsNothingWhenFreshAndNothingBelowAScope) {
+    EXPECT_EQ(nullptr, info.popChoice());
+    auto* const split = parser.make<RE_Split>();
+    ASSERT_TRUE(info.pushChoice(split, kText, true));
+    RE_Search_Scope scope(info);
+    EXPECT_EQ(nullptr, info.popChoice());
+    scope.leave();
+    ASSERT_NE(nullptr, info.popChoice());
+    EXPECT_EQ(nullptr, info.popChoice());
+}
+
+TEST_F(SearchState, RefusesTheSameSplitAtTheSamePositionOnly) {
+    auto* const split = parser.make<RE_Split>();
+    auto* const other = parser.make<RE_Split>();
+    EXPECT_TRUE(info.pushChoice(split, kText + 1, true));
+    EXPECT_TRUE(info.pushChoice(other, kText + 1, true));
+    EXPECT_FALSE(info.pushChoice(split, kText + 1, true));
+    EXPECT_TRUE(info.pushChoice(split, kText + 2, true));
+}
+
+TEST_F(SearchState, RemembersMemoisedStatesPerTokenCount) {
+    auto* const split = parser.make<RE_Split>();
+    split->memoised = true;
+    const auto pushAndPop = [&] { return info.pushChoice(split, kText, true) && info.popChoice() != nullptr; };
+    EXPECT_TRUE(pushAndPop());
+    EXPECT_FALSE(pushAndPop());
+    info.startToken(1, nullptr, kText);
+    info.endToken(1, kText + 1, false);
+    EXPECT_TRUE(pushAndPop());
+    EXPECT_FALSE(pushAndPop());
+    info.endToken(1, kText + 1, true);
+    EXPECT_EQ(2u, info.tokens->count);
+    EXPECT_TRUE(pushAndPop()) << "the states of counts above the token's index are forgotten";
+}
+
+TEST_F(SearchState, ReusesItsOwnRecordAndDiscardsThoseAbove) {
+    auto* const split = parser.make<RE_Split>();
+    auto* const above = parser.make<RE_Split>();
+    EXPECT_TRUE(info.pushChoice(split, kText, false)) << "without a record of its own it pushes";
+    EXPECT_TRUE(info.pushChoice(above, kText + 1, true));
+    EXPECT_TRUE(info.pushChoice(split, kText + 2, false));
+    EXPECT_EQ(kText + 2, info.popChoice()->position);
+    EXPECT_EQ(nullptr, info.popChoice());
+}
+
+TEST_F(SearchState, GrowsPastTheInlineRecordsAndPopsInOrder) {
+    std::vector<RE_Split*> splits;
+    for (int i = 0; i < 40; ++i) {
+        splits.push_back(parser.make<RE_Split>());
+        ASSERT_TRUE(info.pushChoice(splits.back(), kText + i % 10, true));
+    }
+    for (int i = 39; i >= 0; --i) {
+        const RE_Backtrack_Record* const record = info.popChoice();
+        ASSERT_NE(nullptr, record);
+        EXPECT_EQ(splits[static_cast<size_t>(i)], record->node);
+    }
+}
+
+TEST_F(SearchState, KeepsCountsPerCounterAndLevel) {
+    auto* const counter = parser.make<RE_Limit_Counter>(3);
+    EXPECT_EQ(0u, info.countAt(counter, 0));
+    info.popCount(counter);
+    info.incrementCount(counter);
+    info.pushCount(counter);
+    info.incrementCount(counter);
+    info.incrementCount(counter);
+    EXPECT_EQ(2u, info.countAt(counter, 0));
+    EXPECT_EQ(1u, info.countAt(counter, 1));
+    EXPECT_EQ(0u, info.countAt(counter, 2));
+    info.popCount(counter);
+    info.decrementCount(counter);
+    info.decrementCount(counter);
+    EXPECT_EQ(0u, info.countAt(counter, 0));
+}
+
+TEST_F(SearchState, PutsTokensBackToTheMomentOfThePush) {
+    info.noteTokenStart(0, 1);
+    info.recordToken(0, nullptr, 3);
+    auto* const split = parser.make<RE_Split>();
+    ASSERT_TRUE(info.pushChoice(split, kText + 3, true));
+    info.noteTokenStart(0, 3);
+    info.recordToken(0, nullptr, 4);
+    info.noteTokenStart(2, 4);
+    info.recordToken(2, u"n", 6);
+    EXPECT_EQ(2u, info.getToken(u"n")->length);
+    EXPECT_EQ(0u, info.getToken(1)->length) << "a skipped slot is in effect and empty";
+    ASSERT_NE(nullptr, info.popChoice());
+    EXPECT_EQ(1u, info.getToken(size_t{0})->start);
+    EXPECT_EQ(2u, info.getToken(size_t{0})->length);
+    EXPECT_EQ(nullptr, info.getToken(1));
+}
+
+TEST_F(SearchState, IgnoresTokensThatDoNotExistOrReachPastTheSubject) {
+    info.startToken(9, nullptr, kText);
+    info.endToken(9, kText + 1, false);
+    EXPECT_EQ(0u, info.tokens->count);
+    info.tokens->set_start(0, nullptr, 8);
+    info.tokens->set_end(0, 12);
+    EXPECT_EQ(nullptr, info.getToken(size_t{0}));
+}
+
+TEST(TokenStack, ForgetsHigherTokensAndFindsTheLowestOfAName) {
+    RE_Token_Stack tokens(10);
+    for (size_t i = 0; i < 10; ++i) {
+        tokens.set_start(i, i % 2 == 1 ? u"odd" : nullptr, i);
+        tokens.set_end(i, i + 1);
+    }
+    EXPECT_EQ(9u, tokens.get(9)->start);
+    EXPECT_EQ(1u, tokens.get(u"odd")->start);
+    EXPECT_EQ(nullptr, tokens.get(u"even"));
+    tokens.set_end(3, 8);
+    EXPECT_EQ(nullptr, tokens.get(4));
+    tokens.reset();
+    EXPECT_EQ(nullptr, tokens.get(size_t{0}));
+}
+
+TEST(SeekTable, AnswersBetweenWhereItAskedAndWhatItFound) {
+    RE_Context host;
+    RE_ParserContext parser(&host, nullptr, 0);
+    const RE_Node* const node = parser.make<RE_Null>();
+    const char16_t* const s = kText;
+    RE_Seek_Table table;
+    const char16_t* out = s;
+    EXPECT_FALSE(table.get(s, RE_Seek_Key(node), out));
+    EXPECT_EQ(s, out);
+    table.put(RE_Seek_Key(node), RE_Seek_Value(s + 2, s + 7));
+    for (const int at : {1, 2, 7, 8}) {
+        out = nullptr;
+        EXPECT_EQ(at >= 2 && at <= 7, table.get(s + at, RE_Seek_Key(node), out)) << at;
+        EXPECT_EQ(s + 7, out);
+    }
+    table.put(RE_Seek_Key(node), RE_Seek_Value(s + 3, nullptr));
+    EXPECT_TRUE(table.get(s + 9, RE_Seek_Key(node), out));
+    EXPECT_EQ(nullptr, out);
+    table.put(RE_Seek_Key(node, U'a'), RE_Seek_Value(s, s + 1));
+    EXPECT_EQ(2u, table.size());
+    table.put(RE_Seek_Key(nullptr), RE_Seek_Value(s, s));
+    EXPECT_EQ(2u, table.size());
+    EXPECT_FALSE(RE_Seek_Key(nullptr));
+}
+
+// --- interrupts ---
+
+class Interruptible : public RE_Context {
+public:
+    bool allow_interrupt() const override { return true; }
+};
+
+TEST(Interrupts, PendingBeforeASearchAreSetAsideAndHandedBack) {
+    Interruptible host;
+    const RE_Tree tree(u"b", 1, 0x12, &host);
+    utInterruptState::SetInterruptPending(true);
+    const std::unique_ptr<RE_Results> results(tree.match(u"aab", 3, 0));
+    EXPECT_NE(nullptr, results);
+    EXPECT_TRUE(utInterruptState::IsInterruptPending());
+    utInterruptState::SetInterruptPending(false);
+}
+
+TEST(Interrupts, ArrivingDuringASearchEndItOnlyWhereTheHostAllows) {
+    // The flag is raised by a search state that outlives the beginning of the search.
+    for (const bool allowed : {true, false}) {
+        const std::u16string subject(5000, u'a');
+        RE_Search_Info info(subject.data(), subject.size(), 0, nullptr, allowed);
+        utInterruptState::SetInterruptPending(true);
+        int steps = 0;
+        while (steps < 5000 && !info.pollInterrupt()) {
+            ++steps;
+        }
+        EXPECT_EQ(allowed ? 2047 : 5000, steps);
+        utInterruptState::SetInterruptPending(false);
+    }
+}
+
+TEST(Interrupts, AreAskedForAtOnceWhenTheStepsWereReset) {
+    RE_Search_Info info(kText, 10, 0, nullptr, true);
+    utInterruptState::SetInterruptPending(true);
+    EXPECT_FALSE(info.pollInterrupt());
+    info.steps = 0;
+    EXPECT_TRUE(info.pollInterrupt());
+    utInterruptState::SetInterruptPending(false);
+}
+
+}  // namespace
+}  // namespace corvane_tests

@@ -1,0 +1,163 @@
+// The compiled pattern as hosts use it: constructors, names, ownership, and a graph that searches leave alone.
+#include "host/memory.h"
+#include "regexp/graph_facts.h"
+#include "regexp/nodes/node.h"
+#include "regexp/regexp.h"
+
+#include <algorithm>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <memory>
+#include <stdexcept>
+#include <vector>
+
+namespace corvane_tests {
+namespace {
+
+using Results = std::unique_ptr<RE_Results>;
+
+TEST(Tree, GivesTheSameAnswerThroughEveryConstructorAndMatch) {
+    const RE_Builder_Space::RE_Builder builder(u"A(b+)C");
+    const RE_Tree trees[] = {RE_Tree(u"A(b+)C", true), RE_Tree(u"A(b+)Cxx", 6, true),
+                             RE_Tree(std::u16string(u"A(b+)C"), true), RE_Tree(builder, true),
+                             RE_Tree("A(b+)C", true)};
+    for (const RE_Tree& tree : trees) {
+        RE_Seek_Table table;
+        const Results wide[] = {Results(tree.match(std::u16string(u"xxabbc"), 0)), Results(tree.match(u"xxabbc", 6, 1)),
+                                Results(tree.match(u"xxabbc", 6, 2, &table)), Results(tree.match("xxabbc")),
+                                Results(tree.match("xxabbc", 2))};
+        for (const Results& results : wide) {
+            ASSERT_NE(nullptr, results);
+            EXPECT_EQ(2u, results->matchStart);
+            EXPECT_EQ(4u, results->matchLength);
+            EXPECT_EQ(6u, results->nextIndex());
+            ASSERT_NE(nullptr, results->tokens->get(size_t{0}));
+            EXPECT_EQ(3u, results->tokens->get(size_t{0})->start);
+            EXPECT_EQ(nullptr, results->tokens->get(1));
+        }
+        EXPECT_EQ(nullptr, wide[3]->subjectBegin);
+    }
+}
+
+TEST(Tree, HasNoMatchWithoutASubjectOrBehindItsEnd) {
+    const RE_Tree tree(u"a", false);
+    EXPECT_EQ(nullptr, tree.match(static_cast<const char16_t*>(nullptr), 0, 0));
+    EXPECT_EQ(nullptr, tree.match(static_cast<const char*>(nullptr)));
+    EXPECT_EQ(nullptr, tree.match(u"a", 1, 2));
+    EXPECT_EQ(nullptr, tree.match(u"a", 1, static_cast<size_t>(-1)));
+}
+
+TEST(Tree, RunsOnceAtAPositionAndAcceptsTheEmptyMatchThere) {
+    const RE_Tree tree(u"b*", false);
+    RE_Search_Info info(u"abb", 3, tree.getTokenCount(), nullptr, false);
+    size_t length = 9;
+    info.resetForStart(info.subjectBegin);
+    EXPECT_TRUE(tree.match_bool(info.subjectBegin, &length, &info));
+    EXPECT_EQ(0u, length);
+    EXPECT_TRUE(tree.match_bool(info.subjectBegin + 1, &length, &info));
+    EXPECT_EQ(2u, length);
+}
+
+TEST(Tree, ListsEachNameOnceInTokenOrder) {
+    size_t count = 9;
+    EXPECT_EQ(nullptr, RE_Tree(u"(a)(b)", false).treeNames(&count));
+    EXPECT_EQ(0u, count);
+    const RE_Tree tree(u"(?<z>a){3}(b)(?<a>c)(?<z>d)", false);
+    const char16_t** const names = tree.treeNames(&count);
+    ASSERT_EQ(2u, count);
+    EXPECT_STREQ("za", (std::string{static_cast<char>(names[0][0]), static_cast<char>(names[1][0])}.c_str()));
+    utFree(names);
+}
+
+TEST(Tree, SharesItsGraphOnAssignmentAndGivesItUpWhenMoved) {
+    RE_Tree tree(u"ab", false);
+    alignas(RE_Tree) unsigned char place[sizeof(RE_Tree)];
+    RE_Tree* const alias = new (place) RE_Tree(RE_Tree(u"", false));
+    alias->~RE_Tree();
+    std::memset(place, 0, sizeof place);
+    *alias = tree;  // one graph now, freed by `tree` alone
+    EXPECT_NE(nullptr, Results(alias->match(u"xab", 3, 0)));
+    const RE_Tree moved(std::move(tree));
+    EXPECT_NE(nullptr, Results(moved.match(u"ab", 2, 0)));
+}
+
+// The bytes of every node that a graph leads to, as far as all node classes share them.
+std::vector<unsigned char> bytesOf(const RE_Tree& tree) {
+    std::vector<unsigned char> bytes;
+    std::vector<const RE_Node*> pending{tree.getRoot()};
+    std::vector<const RE_Node*> seen;
+    struct Links : RE_Link_Visitor {
+        void link(RE_Node*& target, RE_Link) override { targets.push_back(target); }
+        std::vector<const RE_Node*> targets;
+    };
+    while (!pending.empty()) {
+        const RE_Node* const node = pending.back();
+        pending.pop_back();
+        if (node == nullptr || std::find(seen.begin(), seen.end(), node) != seen.end()) {
+            continue;
+        }
+        seen.push_back(node);
+        const auto* const raw = reinterpret_cast<const unsigned char*>(node);
+        bytes.insert(bytes.end(), raw, raw + sizeof(RE_Fail));
+        Links links;
+        const_cast<RE_Node*>(node)->visitLinks(links);
+        pending.insert(pending.end(), links.targets.begin(), links.targets.end());
+    }
+    return bytes;
+}
+
+TEST(Tree, IsUnchangedByASearch) {
+    for (const char16_t* pattern : {u"(a|b)*c\\1", u"(?:(?:ab){2,3}?c)*d", u"(?<=a+)(?>b*)(?!c)x", u"(?:|a)*(?i:KELVIN)"}) {
+        const RE_Tree tree(pattern, false);
+        const auto before = bytesOf(tree);
+        for (const char16_t* subject : {u"abababcc", u"ababcababababcd", u"aabbx", u"aaakelvin", u""}) {
+            delete tree.match(subject, std::u16string_view(subject).size(), 0);
+        }
+        EXPECT_EQ(before, bytesOf(tree));
+    }
+}
+
+TEST(SimpleMatch, LooksForThePatternInTheSubject) {
+    EXPECT_TRUE(reMatch("abc", "b"));
+    EXPECT_FALSE(reMatch("b", "abc"));
+    EXPECT_FALSE(reMatch("ABC", "b"));
+    EXPECT_TRUE(reMatchi("ABC", "b"));
+    EXPECT_FALSE(reMatch("abc", "x*"));
+    EXPECT_TRUE(reMatch("a\nb", "a.b"));
+}
+
+// Throws from the n-th call of any operation.
+class Thrower : public RE_Context {
+public:
+    explicit Thrower(int calls) : left(calls) {}
+    void warn(const char16_t*, RE_Warning) override { count(); }
+    void set_string(const char16_t*, size_t) override { count(); }
+    bool allow_evaluation() override { return count(), false; }
+    void backreferenceCreationCallback() const override { count(); }
+    void conditionalCreationCallback() const override { count(); }
+
+private:
+    void count() const {
+        if (left-- == 0) {
+            throw std::runtime_error("host");
+        }
+    }
+    mutable int left;
+};
+
+TEST(Context, MayThrowFromEveryCallAndNothingLeaks) {
+    const std::u16string pattern = u"(a{3}|b)*\\1(?(1)c|d)(?(?=x)y)\\q(?@z)(?<n>e)\\k<n>[";
+    int calls = 0;
+    for (bool thrown = true; thrown; ++calls) {
+        Thrower host(calls);
+        try {
+            const RE_Tree tree(pattern.data(), pattern.size(), 0x12, &host);
+            thrown = false;
+        } catch (const std::runtime_error&) {
+        }
+    }
+    EXPECT_EQ(10, calls);
+}
+
+}  // namespace
+}  // namespace corvane_tests
