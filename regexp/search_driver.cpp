@@ -43,7 +43,10 @@ RE_Results* RE_Tree::match(const char* subject, std::size_t offset) const {
 
 bool RE_Tree::match_bool(const char16_t* position, std::size_t* length, RE_Search_Info* info) const {
     info->prepare(*facts);
-    return runNodes(position, root, length, *info);
+    RE_Search_Scope scope(*info);  // choices that the state holds from before are not this run's
+    const bool completed = runNodes(position, root, length, *info);
+    scope.leave();
+    return completed;
 }
 
 bool RE_Tree::runNodes(const char16_t* position, const RE_Node* startNode, std::size_t* length,

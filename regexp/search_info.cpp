@@ -29,6 +29,9 @@ RE_Search_Info::~RE_Search_Info() {
 
 void RE_Search_Info::prepare(const RE_Graph_Facts& graphFacts) {
     facts = &graphFacts;
+    // A run that succeeded leaves states in the memo that have not failed.
+    memo.reset();
+    memoCountdown = subjectLength() * RE_Memo_Delay::perUnit + RE_Memo_Delay::choices + 1;
     const std::size_t needed = graphFacts.tokenCount + graphFacts.passRegisters;
     if (registers.size() < needed) {
         registers.resize(needed, noPass);

@@ -95,22 +95,24 @@ std::uint32_t RE_Search_Memo::row(const RE_Search_Info& info, const RE_Node* nod
     return rows.row(key);
 }
 
-// Equal texts get equal numbers, wherever they stand in the subject; 0 stands for no text.
+// Equal texts get equal numbers, wherever they stand in the subject; 0 stands for no text. A slot that was skipped has
+// lost its name, which a reference by name can tell from an empty token.
 std::size_t RE_Search_Memo::textNumber(const RE_Search_Info& info, std::size_t token) {
     const RE_TokenInfo* slot = info.getToken(token);
     if (slot == nullptr) {
         return 0;
     }
     const std::u16string_view text(info.subjectBegin + slot->start, slot->length);
+    const std::size_t named = slot->name != nullptr ? 1 : 0;
     const std::size_t hash = std::hash<std::u16string_view>()(text);
     const auto [first, last] = textNumbers.equal_range(hash);
     for (auto known = first; known != last; ++known) {
         const Text& other = texts[known->second - 1];
         if (text == std::u16string_view(info.subjectBegin + other.first, other.second)) {
-            return known->second;
+            return known->second * 2 + named;
         }
     }
     texts.emplace_back(slot->start, slot->length);
     textNumbers.emplace(hash, texts.size());
-    return texts.size();
+    return texts.size() * 2 + named;
 }

@@ -58,6 +58,21 @@ TEST(Tree, RunsOnceAtAPositionAndAcceptsTheEmptyMatchThere) {
     EXPECT_EQ(2u, length);
 }
 
+TEST(Tree, AnswersAlikeHoweverOftenOneStateIsUsed) {
+    const RE_Tree tree(u"(?:(?:a|aa|b)*e|)(?:a|aa|b)*d", false);
+    const std::u16string subject = std::u16string(2000, u'a') + u"d";
+    RE_Search_Info info(subject.data(), subject.size(), tree.getTokenCount(), nullptr, false);
+    const RE_Tree other(u"a|ab|b", false);
+    for (int run = 0; run < 3; ++run) {
+        size_t length = 0;
+        info.resetForStart(info.subjectBegin);
+        EXPECT_TRUE(tree.match_bool(info.subjectBegin, &length, &info)) << run;
+        EXPECT_EQ(subject.size(), length);
+        EXPECT_TRUE(other.match_bool(info.subjectBegin, &length, &info));
+        EXPECT_FALSE(other.match_bool(info.subjectEnd, &length, &info));
+    }
+}
+
 TEST(Tree, ListsEachNameOnceInTokenOrder) {
     size_t count = 9;
     EXPECT_EQ(nullptr, RE_Tree(u"(a)(b)", false).treeNames(&count));
@@ -98,7 +113,7 @@ std::vector<unsigned char> bytesOf(const RE_Tree& tree) {
         }
         seen.push_back(node);
         const auto* const raw = reinterpret_cast<const unsigned char*>(node);
-        bytes.insert(bytes.end(), raw, raw + sizeof(RE_Fail));
+        bytes.insert(bytes.end(), raw, raw + sizeof(RE_Node));
         Links links;
         const_cast<RE_Node*>(node)->visitLinks(links);
         pending.insert(pending.end(), links.targets.begin(), links.targets.end());

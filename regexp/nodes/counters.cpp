@@ -15,7 +15,12 @@ bool RE_Fixed_Counter::match(const char16_t* subject, std::size_t& pos, RE_Searc
         return false;
     }
     info.incrementCount(this);
-    return info.pushChoice(this, subject + pos, true);
+    if (!info.pushChoice(this, subject + pos, true)) {
+        info.decrementCount(this);
+        info.deadEnd = true;
+        return false;
+    }
+    return true;
 }
 
 void RE_Fixed_Counter::visitLinks(RE_Link_Visitor& visitor) {

@@ -43,8 +43,12 @@ std::size_t RE_Brackets::openGroup(std::size_t at) {
         return at + 1;
     }
     const RE_Modes modes = readModes(text, length, at + 2, freeSpacing ? RE_FLAG_FREE_SPACING : 0);
+    if (text[at + 2] == u'#') {
+        freeSpacing = false;  // what looks like a comment inside a comment group is part of it
+        return at + 3;
+    }
     if (modes.problem != RE_WARNING_NONE) {
-        return text[at + 2] == u'#' ? at + 3 : at + 2;  // this # begins no comment of free spacing
+        return at + 2;
     }
     const bool changed = (modes.flags & RE_FLAG_FREE_SPACING) != 0;
     if (text[modes.end] == u')') {

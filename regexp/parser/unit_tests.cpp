@@ -86,7 +86,9 @@ RE_Range_Plan planRange(char16_t low, char16_t high, RE_Flags flags) {
                                   : RE_Range_Plan{low, high, RE_Range_Test::exact};
     }
     if (cvu_isupper(low)) {
-        return allOf(low, high, cvu_isupper)
+        // Capitals whose lower-case forms do not lie as they do themselves are tested in both forms.
+        const bool alike = cases.lower(high) - cases.lower(low) == high - low;
+        return alike && allOf(low, high, cvu_isupper)
                    ? RE_Range_Plan{cases.lower(low), cases.lower(high), RE_Range_Test::lower}
                    : RE_Range_Plan{low, high, RE_Range_Test::both};
     }
