@@ -70,7 +70,9 @@ private:
     using Place = std::pair<std::size_t, std::size_t>;  // start, length
 
     struct Place_Hash {
-        std::size_t operator()(const Place& place) const { return place.first * 0x9E3779B97F4A7C15u ^ place.second; }
+        std::size_t operator()(const Place& place) const {
+            return place.first * 0x9E3779B97F4A7C15u ^ place.second;
+        }
     };
     template <class Key, class Hash>
     using Numbers = std::unordered_map<Key, std::size_t, Hash, std::equal_to<Key>,
@@ -84,9 +86,9 @@ private:
     std::vector<RE_Memo_Table, RE_Allocator<RE_Memo_Table>> tables;
     std::vector<RE_Measured_Run, RE_Allocator<RE_Measured_Run>> runs;
     RE_Memo_Rows rows;
-    RE_Memo_Rows::Key key;  // scratch, kept for its storage
+    RE_Memo_Rows::Key key;                    // scratch, kept for its storage
     Numbers<Place, Place_Hash> placeNumbers;  // of token texts, by where they stand
     Numbers<std::u16string_view, std::hash<std::u16string_view>> textNumbers;
-    RE_Memo_Table outcomes;                 // two rows a node: bodies that failed, bodies that completed
+    RE_Memo_Table outcomes;                  // two rows a node: bodies that failed, bodies that completed
     Numbers<Place, Place_Hash> outcomeEnds;  // (node, start) of completed bodies that consumed something
 };

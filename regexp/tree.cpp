@@ -106,8 +106,8 @@ const char16_t** RE_Tree::treeNames(std::size_t* count) const {
     for (const RE_Node* node : facts->nodes) {  // in the order of the pattern
         node->prepareTokens(found);
     }
-    const auto names =
-        static_cast<const char16_t**>(utMallocWithCheck((found.inOrder.size() + 1) * sizeof(const char16_t*)));
+    const auto names = static_cast<const char16_t**>(
+        utMallocWithCheck((found.inOrder.size() + 1) * sizeof(const char16_t*)));
     std::copy(found.inOrder.begin(), found.inOrder.end(), names);
     *count = found.inOrder.size();
     return names;

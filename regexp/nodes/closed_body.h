@@ -19,7 +19,8 @@ public:
     std::string label() const override { return "Atomic group"; }
 
     RE_Node* body = nullptr;
-    bool remembers = false;         ///< where a completed body ended depends on its start only, and is asked for often
+    bool remembers =
+        false;  ///< where a completed body ended depends on its start only, and is asked for often
     std::uint64_t bodyMinimum = 0;  ///< units the body consumes
     std::uint64_t bodyMaximum = unboundedLength;
 };

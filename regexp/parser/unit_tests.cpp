@@ -16,12 +16,12 @@ bool allOf(std::uint32_t low, std::uint32_t high, Predicate predicate) {
     return true;
 }
 
-template <RE_Unit_Set RE_Unit_Classes::* units>
+template <RE_Unit_Set RE_Unit_Classes::*units>
 bool isIn(char16_t unit) {
     return (RE_Unit_Classes::get().*units).contains(unit);
 }
 
-template <RE_Unit_Set RE_Unit_Classes::* units>
+template <RE_Unit_Set RE_Unit_Classes::*units>
 RE_Named_Class named() {
     return {&isIn<units>, &(RE_Unit_Classes::get().*units)};
 }
