@@ -48,6 +48,8 @@ public:
     RE_Measured_Run& run(const RE_Node* node);
     /// Forgets the states of this level (0 is the pattern itself).
     void clear(std::size_t level);
+    /// Forgets the states of every level.
+    void forgetStates();
 
 private:
     using Text = std::pair<std::size_t, std::size_t>;  // start, length
