@@ -7,6 +7,7 @@
 #include "regexp/regexp.h"
 #include "regexp/replace/case_adjustment.h"
 #include "regexp/replace/replacement_run.h"
+#include "regexp/search_memo.h"
 #include "tests/support/replace_model.h"
 #include "tests/support/small_stack.h"
 #include "tests/support/text.h"
@@ -17,6 +18,7 @@
 #include <memory>
 #include <numeric>
 #include <random>
+#include <tuple>
 
 namespace corvane_tests {
 namespace {
@@ -122,7 +124,19 @@ TEST(Replace, ReadsEveryShortTextAsTheModelDoes) {
     });
 }
 
+TEST(Replace, TakesEveryPairOfUnitsForItselfOrForLess) {
+    const RE_Tree tree(u"m", false);
+    for (unsigned pair = 0; pair < 128 * 128; ++pair) {
+        const std::u16string text{static_cast<char16_t>(pair / 128), static_cast<char16_t>(pair % 128)};
+        const std::u16string written = RE_Replace(text).replace(u"m", tree, false, 0);
+        const bool plain = text.find_first_of(u"$\\") == text.npos;
+        ASSERT_TRUE(plain ? written == text : written.size() <= 2) << printable(text);
+    }
+}
+
+// Every second round with a memo from the first choice on, which is carried from match to match.
 TEST(Replace, AgreesWithTheModelOnRandomCases) {
+    const std::pair<uint64_t, uint64_t> delay(RE_Memo_Delay::choices, RE_Memo_Delay::perUnit);
     std::mt19937 random(20240611);
     const auto pick = [&](size_t n) { return std::uniform_int_distribution<size_t>(0, n - 1)(random); };
     const auto text = [&](std::u16string_view alphabet, size_t most) {
@@ -131,7 +145,8 @@ TEST(Replace, AgreesWithTheModelOnRandomCases) {
         return out;
     };
     const char16_t* patterns[] = {u"(a|b)+",   u"(?<a>\\w+)(\\s)?", u"a*?",  u"(?=(\\w))\\w*", u"([ab])(\\1)?", u"",
-                                  u"(?<!a)b*", u"[a-z_ ]+",         u"\\<.", u"(a)|(B)",       u"\\D{2,5}"};
+                                  u"(?<!a)b*", u"[a-z_ ]+",         u"\\<.", u"(a)|(B)",       u"\\D{2,5}",
+                                  u"(?:a|ab|b)*?_", u"(?:(?:a|b)* |)(?:a|ab)+", u"(?>a*)(?:b|ba)*_?", u"(?:(a|b)\\1|_){2,3}"};
     for (int round = 0; round < 20000; ++round) {
         RE_Context host;
         const std::u16string pattern = patterns[pick(std::size(patterns))];
@@ -140,10 +155,13 @@ TEST(Replace, AgreesWithTheModelOnRandomCases) {
         const std::u16string replacement = text(u"$$$123<a>`'&aB _\\{}\xD83D", 8);
         const bool adjust = pick(2) == 0;
         const size_t which = pick(3);
+        RE_Memo_Delay::choices = round % 2 == 0 ? 0 : delay.first;
+        RE_Memo_Delay::perUnit = round % 2 == 0 ? 0 : delay.second;
         ASSERT_EQ(printable(modelReplace(subject, tree, replacement, adjust, which)),
                   printable(RE_Replace(replacement).replace(subject, tree, adjust, which)))
             << printable(pattern + u" / " + replacement + u" / " + subject) << adjust << which;
     }
+    std::tie(RE_Memo_Delay::choices, RE_Memo_Delay::perUnit) = delay;
 }
 
 TEST(Replace, GivesThePieceTheCaseOfTheMatch) {
