@@ -1,23 +1,12 @@
 // The node graph as DOT text.
 #include "regexp/graph_facts.h"
 #include "regexp/nodes/collection.h"
+#include "regexp/nodes/label_text.h"
 #include "regexp/tree.h"
 
 #include <string>
-#include <string_view>
 
 namespace {
-
-std::string quoted(std::string_view text) {
-    std::string out = "\"";
-    for (const char c : text) {
-        if (c == '"' || c == '\\') {
-            out += '\\';
-        }
-        out += c;
-    }
-    return out + '"';
-}
 
 const char* edgeStyle(RE_Link kind) {
     switch (kind) {

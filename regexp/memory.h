@@ -6,6 +6,7 @@
 #include "regexp/export.h"
 
 #include <cstddef>
+#include <memory>
 #include <new>
 
 /// Base of every engine class. Plain `new` goes through the host's checked allocation (which throws or
@@ -44,3 +45,11 @@ struct RE_Allocator {
         return true;
     }
 };
+
+struct RE_Free_Block {
+    void operator()(void* block) const noexcept { utFree(block); }
+};
+
+/// A block of plain units from the host's allocator that is freed when it goes out of scope.
+template <class Unit>
+using RE_Host_Block = std::unique_ptr<Unit[], RE_Free_Block>;

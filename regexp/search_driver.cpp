@@ -2,13 +2,11 @@
 #include "regexp/tree.h"
 
 #include "host/code_page.h"
-#include "host/memory.h"
 #include "regexp/graph_facts.h"
 #include "regexp/match_loop.h"
 #include "regexp/nodes/node.h"
 #include "regexp/search_info.h"
 
-#include <memory>
 #include <new>
 
 RE_Results* RE_Tree::match(const std::u16string& subject, std::size_t offset) const {
@@ -29,11 +27,8 @@ RE_Results* RE_Tree::match(const char* subject, std::size_t offset) const {
     if (subject == nullptr) {
         return nullptr;
     }
-    struct Free_Block {
-        void operator()(char16_t* block) const { utFree(block); }
-    };
     std::size_t length = 0;
-    const std::unique_ptr<char16_t, Free_Block> converted(lcp_to_utf16(subject, &length));
+    const RE_Host_Block<char16_t> converted(lcp_to_utf16(subject, &length));
     RE_Results* const results = match(converted.get(), length, offset);
     if (results != nullptr) {
         results->subjectBegin = results->subjectEnd = nullptr;

@@ -13,17 +13,36 @@ RE_Search_Info::RE_Search_Info(const char16_t* subject, std::size_t length, std:
     // Everything that can throw comes before the interrupt flag is touched.
     registers.resize(tokenCount, noPass);
     tokens = new (std::nothrow) RE_Token_Stack(tokenCount);
+    putInterruptAside();
+}
+
+RE_Search_Info::~RE_Search_Info() {
+    delete tokens;
+    handInterruptBack();
+}
+
+void RE_Search_Info::putInterruptAside() {
     if (checkInterrupts && utInterruptState::IsInterruptPending()) {
         interruptWasPending = true;
         utInterruptState::SetInterruptPending(false);
     }
 }
 
-RE_Search_Info::~RE_Search_Info() {
-    delete tokens;
+void RE_Search_Info::handInterruptBack() {
     const bool pendingNow = checkInterrupts && utInterruptState::IsInterruptPending();
     if (interruptWasPending && !pendingNow) {
         utInterruptState::SetInterruptPending(true);
+    }
+    interruptWasPending = false;
+}
+
+// The memo stays begun once one of the searches has needed it, so that all of them together cost at most as many
+// choices without a memo as a single one.
+void RE_Search_Info::searchAgain() {
+    steps = 1;
+    interrupted = false;
+    if (memo != nullptr) {
+        memo->forgetStates();
     }
 }
 

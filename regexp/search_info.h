@@ -75,6 +75,12 @@ public:
     /// Makes room for what the graph about to run needs. Called before every run; cheap when nothing changes.
     void prepare(const RE_Graph_Facts& graphFacts);
     void resetForStart(const char16_t* p);
+    /// Makes ready for another search of the subject with the same graph. Storage is kept.
+    void searchAgain();
+
+    /// A request to stop that came before the search is put aside, and handed back once the search is over.
+    void putInterruptAside();
+    void handInterruptBack();
 
     /// Counts one step; true when the host asks to stop. The host is consulted on every 2048th step only.
     bool pollInterrupt();

@@ -67,6 +67,12 @@ void RE_Search_Memo::clear(std::size_t level) {
     }
 }
 
+void RE_Search_Memo::forgetStates() {
+    for (RE_Memo_Table& states : tables) {
+        states.clear();
+    }
+}
+
 // Most nodes stand in no counted loop and no loop with empty passes, and nothing refers to a token: their own number
 // is the row.
 std::uint32_t RE_Search_Memo::row(const RE_Search_Info& info, const RE_Node* node, std::size_t position) {

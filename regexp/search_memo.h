@@ -65,6 +65,8 @@ public:
     /// The outcome noted for a body of `node` entered at `start`.
     RE_Body_Outcome outcome(const RE_Node* node, std::size_t start) const;
     void noteOutcome(const RE_Node* node, std::size_t start, RE_Body_Outcome outcome);
+    /// Forgets the states of every level.
+    void forgetStates();
 
 private:
     using Place = std::pair<std::size_t, std::size_t>;  // start, length

@@ -14,16 +14,7 @@
 #include "regexp/passes/pass_runner.h"
 
 #include <algorithm>
-#include <memory>
 #include <utility>
-
-namespace {
-
-struct Free_Block {
-    void operator()(char16_t* block) const { utFree(block); }
-};
-
-}  // namespace
 
 RE_Tree::RE_Tree(const char16_t* pattern, bool flag) : RE_Tree(std::u16string(pattern), flag) {}
 
@@ -71,7 +62,7 @@ void RE_Tree::parse(const char16_t* pattern, std::size_t length, bool flag) {
 
 void RE_Tree::parse(const char* pattern, bool flag) {
     std::size_t length = 0;
-    const std::unique_ptr<char16_t, Free_Block> converted(lcp_to_utf16(pattern, &length));
+    const RE_Host_Block<char16_t> converted(lcp_to_utf16(pattern, &length));
     parse(converted.get(), length, flag);
 }
 

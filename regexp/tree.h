@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <string>
 
+class RE_Match_Sequence;
 class RE_Node;
 class RE_Search_Info;
 struct RE_Graph_Facts;
@@ -72,6 +73,8 @@ public:
     const RE_Node* getRoot() const { return root; }
 
 private:
+    friend class RE_Match_Sequence;
+
     void parse(const char16_t* pattern, std::size_t length, bool flag);
     void parse(const char* pattern, bool flag);
     void parse(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,

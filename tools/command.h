@@ -20,6 +20,11 @@ struct Command {
 std::span<const Command> commandTable();
 
 int runMatch(const Arguments& arguments);
+int runReplace(const Arguments& arguments);
+int runSplit(const Arguments& arguments);
 int runCheck(const Arguments& arguments);
+int runEscape(const Arguments& arguments);
+int runWildcard(const Arguments& arguments);
+int runSpaces(const Arguments& arguments);
 
 }  // namespace tool

@@ -99,8 +99,7 @@ int runMatch(const Arguments& words) {
     const MatchSettings settings = readMatchSettings(arguments);
     catchInterrupts();
     const CompiledPattern pattern(std::move(request), compile);
-    for (const PatternWarning& warning : pattern.warnings())
-        std::cerr << "cvregexp: " << describeWarning(pattern.text(), warning);
+    printWarnings(pattern.text(), pattern.warnings());
     return MatchRun(pattern, settings).searchAll();
 }
 

@@ -88,8 +88,7 @@ std::string readToEnd(const OpenFile& file) {
 
 // A byte order mark says how the text is encoded; it is no part of it.
 std::string_view withoutByteOrderMark(std::string_view bytes) {
-    constexpr std::string_view mark = "\xEF\xBB\xBF";
-    return bytes.starts_with(mark) ? bytes.substr(mark.size()) : bytes;
+    return bytes.starts_with(byteOrderMark) ? bytes.substr(byteOrderMark.size()) : bytes;
 }
 
 }  // namespace
@@ -104,8 +103,12 @@ Input readInput(const std::string& fileName) {
 }
 
 std::string readBytes(const std::string& fileName) {
-    const std::string content = readToEnd(OpenFile(fileName));
+    const std::string content = readAllBytes(fileName);
     return std::string(withoutByteOrderMark(content));
+}
+
+std::string readAllBytes(const std::string& fileName) {
+    return readToEnd(OpenFile(fileName));
 }
 
 }  // namespace tool

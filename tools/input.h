@@ -4,6 +4,7 @@
 #include "tools/utf8.h"
 
 #include <string>
+#include <string_view>
 
 namespace tool {
 
@@ -19,5 +20,11 @@ Input readInput(const std::string& fileName);
 
 // The whole content of a file, not converted, but without a byte order mark.
 std::string readBytes(const std::string& fileName);
+
+// The same with the byte order mark, if there is one.
+std::string readAllBytes(const std::string& fileName);
+
+// What a text file may start with to say that it is UTF-8.
+inline constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
 }  // namespace tool

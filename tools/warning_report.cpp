@@ -9,6 +9,7 @@
 #include <unicode/utf16.h>
 
 #include <algorithm>
+#include <iostream>
 
 namespace tool {
 namespace {
@@ -82,6 +83,11 @@ std::string describeWarning(std::u16string_view pattern, const PatternWarning& w
     text += paddingFor(std::u16string_view(shown).substr(0, place.column - 1));
     text += "^\n";
     return text;
+}
+
+void printWarnings(std::u16string_view pattern, const std::vector<PatternWarning>& warnings) {
+    for (const PatternWarning& warning : warnings)
+        std::cerr << "cvregexp: " << describeWarning(pattern, warning);
 }
 
 }  // namespace tool

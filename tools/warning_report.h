@@ -20,4 +20,7 @@ PatternPlace locate(std::u16string_view pattern, std::size_t position);
 // Three lines: the sentence, the line of the pattern, the caret.
 std::string describeWarning(std::u16string_view pattern, const PatternWarning& warning);
 
+// Describes each on standard error.
+void printWarnings(std::u16string_view pattern, const std::vector<PatternWarning>& warnings);
+
 }  // namespace tool

@@ -52,3 +52,18 @@ std::string labelText(const char16_t* text, std::size_t length) {
     }
     return out;
 }
+
+std::string quotedLabel(std::string_view text) {
+    std::string out = "\"";
+    for (const char c : text) {
+        if (c == '"' || c == '\\') {
+            out += '\\';
+        }
+        out += c;
+    }
+    return out + '"';
+}
+
+void appendGraphNode(std::string& out, std::size_t number, std::string_view label) {
+    out += "  n" + std::to_string(number) + " [label=" + quotedLabel(label) + "];\n";
+}

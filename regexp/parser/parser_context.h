@@ -40,7 +40,9 @@ public:
 
     void warn(const char16_t* where, RE_Warning warning) { context->warn(where, warning); }
     /// Asks the host each time, as the answer may change.
-    bool mayEvaluate() const { return (flags & RE_FLAG_EVALUATE) != 0 && context->allow_evaluation(); }
+    bool mayEvaluate() const {
+        return (flags & RE_FLAG_EVALUATE) != 0 && !evaluationSuppressed && context->allow_evaluation();
+    }
     const Corvane::regexp::CompileOptions& options() const { return context->getCompileOptions(); }
 
     /// Deletes every node that is not in `kept` and hands the rest to the facts. Returns how many those are.
@@ -54,4 +56,9 @@ public:
     RE_Set_Pool sets;
     /// Token numbers (slots, from 0) of each name.
     std::multimap<std::u16string, std::size_t> tokenNames;
+    /// Set while the text of an expression is read, in which no further expressions may stand.
+    bool evaluationSuppressed = false;
+    /// What the replacement texts that were read refer to. Tokens by number are in the facts.
+    std::vector<std::u16string> referencedNames;
+    bool refersToSurroundings = false;  ///< to the text before, in or after the match
 };

@@ -1,0 +1,54 @@
+#include "regexp/replace/brace_matcher.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace {
+
+constexpr std::u16string_view openings = u"([{";
+constexpr std::u16string_view closings = u")]}";
+constexpr std::size_t brace = 2;  // the index of the braces among them
+
+}  // namespace
+
+std::size_t RE_Brace_Matcher::closing(std::size_t content) {
+    if (first == none) {
+        computeFrom(content);
+    }
+    return known(content)[brace];
+}
+
+void RE_Brace_Matcher::computeFrom(std::size_t start) {
+    first = start;
+    // Two more than there are units: an escape at the end of the text looks two positions ahead.
+    closers.assign(length - start + 2, {none, none, none});
+    std::size_t nextLine = length;
+    for (std::size_t at = length; at > start;) {
+        --at;
+        closers[at - first] = closersAt(at, nextLine);
+        nextLine = text[at] == u'\n' ? at + 1 : nextLine;
+    }
+}
+
+RE_Brace_Matcher::Closers RE_Brace_Matcher::closersAt(std::size_t at, std::size_t nextLine) const {
+    const char16_t unit = text[at];
+    if (unit == u'\\') {
+        return known(at + 2);
+    }
+    if (unit == u'#' && freeSpacing) {
+        return known(nextLine);
+    }
+    if (const std::size_t opened = openings.find(unit); opened != openings.npos) {
+        const std::size_t end = known(at + 1)[opened];
+        return end != none ? known(end + 1) : Closers{none, none, none};
+    }
+    Closers found = known(at + 1);
+    if (const std::size_t closed = closings.find(unit); closed != closings.npos) {
+        found[closed] = at;
+    }
+    return found;
+}
+
+const RE_Brace_Matcher::Closers& RE_Brace_Matcher::known(std::size_t at) const {
+    return closers[std::min(at - first, closers.size() - 1)];
+}

@@ -1,0 +1,89 @@
+// The chain, literal text and expressions. The references are in references.cpp.
+#include "regexp/replace/replace_nodes.h"
+
+#include "host/interrupt.h"
+#include "regexp/eval/evaluation_io.h"
+#include "regexp/nodes/label_text.h"
+#include "regexp/replace/piece_writer.h"
+
+namespace {
+
+constexpr std::size_t firstCapacity = 8;
+
+}  // namespace
+
+// Chains are as long as the replacement text allows, so they are neither walked nor deleted by recursion.
+char16_t* RE_Replace_Node::build_replace(char16_t* buffer, std::size_t* length, std::size_t* capacity,
+                                         RE_Results* results) const {
+    for (const RE_Replace_Node* node = this; node != nullptr; node = node->following) {
+        buffer = node->build_piece(buffer, length, capacity, results);
+    }
+    return buffer;
+}
+
+RE_Replace_Node::~RE_Replace_Node() {
+    while (RE_Replace_Node* const node = following) {
+        following = std::exchange(node->following, nullptr);
+        delete node;
+    }
+}
+
+void RE_Replace_Node::attach(RE_Replace_Node* previous) noexcept {
+    if (previous != nullptr) {
+        previous->following = this;
+    }
+}
+
+void RE_Replace_Node::register_token(RE_Evaluation_Tokens*) const {}
+
+void RE_Replace_Node::append_fcn_text(RE_Evaluation_IO*, const RE_Evaluation_Tokens*) const {}
+
+RE_Replace_String::RE_Replace_String(RE_Replace_Node* previous)
+    : capacity(firstCapacity),
+      text(static_cast<char16_t*>(utMallocWithCheck(firstCapacity * sizeof(char16_t)))) {
+    attach(previous);
+}
+
+RE_Replace_String::~RE_Replace_String() {
+    utFree(text);
+}
+
+void RE_Replace_String::append(char16_t unit) {
+    if (length >= capacity) {
+        text = static_cast<char16_t*>(utReallocWithCheck(text, 2 * capacity * sizeof(char16_t)));
+        capacity *= 2;
+    }
+    text[length++] = unit;
+}
+
+void RE_Replace_String::append_fcn_text(RE_Evaluation_IO* out, const RE_Evaluation_Tokens*) const {
+    out->append(text, length);
+}
+
+char16_t* RE_Replace_String::build_piece(char16_t* buffer, std::size_t* used, std::size_t* room,
+                                         RE_Results*) const {
+    RE_Piece_Writer writer(buffer, used, room);
+    writer.append(literal());
+    return writer.release();
+}
+
+void RE_Replace_String::graph(std::string& out, std::size_t number) const {
+    appendGraphNode(out, number, "'" + labelText(text, length) + "'");
+}
+
+RE_Replace_Evaluator::RE_Replace_Evaluator(RE_Replace_Node* previous, RE_ParserContext*,
+                                           const char16_t* expression, std::size_t length)
+    : text(expression, length) {
+    attach(previous);
+}
+
+// Nothing here runs expressions, so each of them yields nothing: the replacement ends at its next look at the
+// interrupt flag.
+char16_t* RE_Replace_Evaluator::build_piece(char16_t* buffer, std::size_t*, std::size_t*, RE_Results*) const {
+    utInterruptState::SetInterruptPending(true);
+    return buffer;
+}
+
+void RE_Replace_Evaluator::graph(std::string& out, std::size_t number) const {
+    appendGraphNode(out, number, "Evaluate " + labelText(text.data(), text.size()));
+}

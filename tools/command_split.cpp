@@ -1,0 +1,82 @@
+// `cvregexp split`: the parts of whole files that lie between the matches of a pattern.
+#include "tools/command.h"
+#include "tools/compiled_pattern.h"
+#include "tools/exit_status.h"
+#include "tools/input.h"
+#include "tools/interrupt.h"
+#include "tools/match_walker.h"
+#include "tools/pattern_options.h"
+#include "tools/utf8.h"
+#include "tools/warning_report.h"
+
+#include <iostream>
+#include <system_error>
+
+namespace po = boost::program_options;
+
+namespace tool {
+namespace {
+
+po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
+    po::options_description options("Output");
+    options.add_options()("null,0", "end each part with a NUL instead of a line feed")("help",
+                                                                                       "print this help");
+    po::options_description known;
+    known.add(options).add(patternOptions()).add(compileOptions(compile));
+    return known;
+}
+
+// True when there was a match. A line feed that ends the whole text belongs to no part.
+bool splitText(const RE_Tree& tree, std::u16string_view text, char terminator) {
+    if (text.ends_with(u'\n')) text.remove_suffix(1);
+    MatchWalker walker(tree, text);
+    std::string part;
+    std::size_t begin = 0;
+    const auto printUpTo = [&](std::size_t end) {
+        part.clear();
+        appendUtf8(part, text.substr(begin, end - begin));
+        std::cout << part << terminator;
+    };
+    bool found = false;
+    while (const std::unique_ptr<RE_Results> match = walker.next()) {
+        found = true;
+        printUpTo(match->matchStart);
+        begin = match->matchStart + match->matchLength;
+        if (interruptPending()) break;
+    }
+    if (interruptPending()) throw Interrupted();
+    printUpTo(text.size());
+    return found;
+}
+
+}  // namespace
+
+int runSplit(const Arguments& words) {
+    Corvane::regexp::CompileOptions compile;
+    const po::options_description known = knownOptions(compile);
+    ParsedArguments arguments = parseArguments(words, known);
+    if (arguments.has("help")) {
+        printCommandHelp("split [OPTION...] PATTERN [FILE...]", known);
+        return exitPositive;
+    }
+    const CompiledPattern pattern(takePattern(arguments), compile);
+    if (arguments.positionals.empty()) arguments.positionals = {"-"};
+    catchInterrupts();
+    printWarnings(pattern.text(), pattern.warnings());
+    bool found = false;
+    bool unreadable = false;
+    for (const std::string& fileName : arguments.positionals) {
+        try {
+            const Input input = readInput(fileName);
+            found |= splitText(pattern.tree(), input.text.view(), arguments.has("null") ? '\0' : '\n');
+        } catch (const std::system_error& failure) {
+            std::cout.flush();
+            std::cerr << "cvregexp: " << failure.what() << '\n';
+            unreadable = true;
+        }
+    }
+    if (unreadable) return exitTrouble;
+    return found ? exitPositive : exitNegative;
+}
+
+}  // namespace tool

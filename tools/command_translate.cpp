@@ -1,0 +1,51 @@
+// `cvregexp escape`, `cvregexp wildcard` and `cvregexp spaces`: one text in, one text out.
+#include "tools/arguments.h"
+#include "tools/command.h"
+#include "tools/exit_status.h"
+#include "tools/input.h"
+#include "tools/usage_error.h"
+#include "tools/utf8.h"
+
+#include "regexp/regexp.h"
+
+#include <iostream>
+
+namespace po = boost::program_options;
+
+namespace tool {
+namespace {
+
+using Translation = std::u16string (*)(std::u16string_view);
+
+// Without a text, standard input is translated as it stands and no line feed is added.
+int translate(const Arguments& words, const std::string& command, Translation translation) {
+    po::options_description known;
+    known.add_options()("help", "print this help");
+    const ParsedArguments arguments = parseArguments(words, known);
+    if (arguments.has("help")) {
+        printCommandHelp(command + " [TEXT]", known);
+    } else if (arguments.positionals.empty()) {
+        std::cout << toUtf8(translation(readInput("-").text.view()));
+    } else if (arguments.positionals.size() == 1) {
+        std::cout << toUtf8(translation(toUtf16(arguments.positionals.front()))) << '\n';
+    } else {
+        throw UsageError(command + " takes one text and nothing else");
+    }
+    return exitPositive;
+}
+
+}  // namespace
+
+int runEscape(const Arguments& words) {
+    return translate(words, "escape", RE_Translate::escape);
+}
+
+int runWildcard(const Arguments& words) {
+    return translate(words, "wildcard", RE_Translate::translateWildcard);
+}
+
+int runSpaces(const Arguments& words) {
+    return translate(words, "spaces", RE_Translate::makeWhitespaceSpaces);
+}
+
+}  // namespace tool
