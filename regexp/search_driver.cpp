@@ -64,13 +64,17 @@ RE_Results* RE_Tree::searchFrom(const char16_t* subject, std::size_t length, std
         return nullptr;
     }
     RE_Search_Info info(subject, length, tokenCount, table, interruptible);
-    info.prepare(*facts);
-    info.rejectEmpty = !allowEmptyMatch;
     std::size_t matchLength = 0;
-    if (!findMatch(info, offset, matchLength) || info.pollInterrupt()) {
+    if (!searchNext(info, offset, matchLength)) {
         return nullptr;
     }
     return new (std::nothrow) RE_Results(&info, info.matchStart, matchLength, true);
+}
+
+bool RE_Tree::searchNext(RE_Search_Info& info, std::size_t offset, std::size_t& length) const {
+    info.prepare(*facts);
+    info.rejectEmpty = !allowEmptyMatch;
+    return findMatch(info, offset, length) && !info.pollInterrupt();
 }
 
 // Ends at the subject's end itself, so that a pattern may match the empty text there. A start that leaves fewer units
