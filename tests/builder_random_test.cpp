@@ -85,16 +85,15 @@ private:
     }
     Made repeat(int depth) {
         const Made body = make(depth);
-        const size_t way = below(3), least = below(3), most = least + below(3);
-        using Shorthand = RE_Builder (*)(const RE_Builder&, RE_GREED);
-        static constexpr Shorthand shorthands[] = {kleene, one_or_more, RE_Builder_Space::optional};
-        const std::u16string counted = u"{" + number(least) + u"," + number(most) + u"}";
-        const size_t sign = below(4);
+        const size_t sign = below(4), way = below(3), least = below(3), most = least + below(3);
+        const std::u16string signs[] = {u"*", u"+", u"?", u"{" + number(least) + u"," + number(most) + u"}"};
         const RE_GREED greed = static_cast<RE_GREED>(way);
-        return {sign < 3 ? shorthands[sign](body.builder, greed)
-                         : quantify(body.builder, RE_Bounds::between(most, least), greed),
-                u"(?:" + body.text + u")" + (sign < 3 ? std::u16string(1, u"*+?"[sign]) : counted) +
-                    std::u16string(way == 0 ? u"" : way == 1 ? u"?" : u"+")};
+        const RE_Builder& b = body.builder;
+        return {sign == 0   ? kleene(b, greed)
+                : sign == 1 ? one_or_more(b, greed)
+                : sign == 2 ? RE_Builder_Space::optional(b, greed)
+                            : quantify(b, RE_Bounds::between(most, least), greed),
+                u"(?:" + body.text + u")" + signs[sign] + (way == 0 ? u"" : way == 1 ? u"?" : u"+")};
     }
     Made composite(int depth) {
         const size_t way = below(21);
@@ -102,23 +101,20 @@ private:
         if (way < 7) return capture(depth);
         if (way == 7) return conditional(depth);
         const Made one = make(depth);
-        switch (way) {
-            case 8: return {pos_ahead(one.builder), u"(?=" + one.text + u")"};
-            case 9: return {neg_ahead(one.builder), u"(?!" + one.text + u")"};
-            case 10: return {pos_behind(one.builder), u"(?<=" + one.text + u")"};
-            case 11: return {neg_behind(one.builder), u"(?<!" + one.text + u")"};
-            case 12: return {with_mode(RE_MODE_IGNORE_CASE, one.builder), u"(?i:" + one.text + u")"};
-            case 13: return {without_mode(RE_MODE_IGNORE_CASE, one.builder), u"(?-i:" + one.text + u")"};
-            case 14: return {atomic(one.builder), u"(?>" + one.text + u")"};
-            case 15: return {group(one.builder), one.text};
-            default: break;
+        static constexpr std::pair<RE_Builder (*)(const RE_Builder&), const char16_t*> wrappers[] = {
+            {pos_ahead, u"(?="},   {neg_ahead, u"(?!"}, {pos_behind, u"(?<="},
+            {neg_behind, u"(?<!"}, {atomic, u"(?>"},    {group, u"(?:"}};
+        if (way < 14) {
+            const auto& [function, opening] = wrappers[way - 8];
+            return {function(one.builder), opening + one.text + u")"};
         }
+        if (way == 14) return {with_mode(RE_MODE_IGNORE_CASE, one.builder), u"(?i:" + one.text + u")"};
+        if (way == 15) return {without_mode(RE_MODE_IGNORE_CASE, one.builder), u"(?-i:" + one.text + u")"};
         const Made two = make(depth);
         return way < 18 ? Made{either(one.builder, two.builder), u"(?:" + one.text + u"|" + two.text + u")"}
                         : Made{one.builder + two.builder, u"(?:" + one.text + two.text + u")"};
     }
     static std::u16string number(size_t value) { return widen(std::to_string(value)); }
-
     std::mt19937_64 m_random;
     const RE_Token m_handles[2];
     size_t m_latest[2] = {};

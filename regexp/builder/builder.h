@@ -38,7 +38,10 @@ public:
 
     /// One after the other.
     RE_Builder& operator+=(RE_Builder next);
-    friend RE_Builder operator+(RE_Builder first, RE_Builder second) { return first += std::move(second); }
+    friend RE_Builder operator+(RE_Builder first, RE_Builder second) {
+        first += std::move(second);
+        return first;
+    }
 
 private:
     friend struct RE_Composer;
