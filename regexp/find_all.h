@@ -69,8 +69,8 @@ private:
     bool begun = false;
 };
 
-// RE_Tree::match_at: the match that starts at exactly this position, or null. Text before it is seen by look-behinds and
-// anchors.
+// RE_Tree::match_at: the match that starts at exactly this position, or null. Text before it is seen by look-behinds
+// and anchors.
 //
 // RE_Tree::split: the texts between the matches of `find_all`, without those that are empty matches at the start or the
 // end of the text. There is always at least one text, and together with the matches they are the whole.

@@ -47,7 +47,7 @@ struct RE_Composer {
         body.binding = Binding::sequence;
         return body;
     }
-    static RE_Builder reference(std::u16string text, std::uint64_t token, Kind kind) {
+    static RE_Builder reference(std::u16string_view text, std::uint64_t token, Kind kind) {
         RE_Builder made = item(text);
         made.marks.push_back({kind, text.size(), token});
         return made;

@@ -9,8 +9,8 @@
 //
 // A text is not a pattern: one that is to be found goes through `literal`, which quotes whatever has a meaning in
 // patterns; one that is a pattern already goes through the constructor of `RE_Builder`. Pieces mean the same wherever
-// they are put and with whatever flags they are compiled, free spacing included; only whether case counts is left to the
-// flags.
+// they are put and with whatever flags they are compiled, free spacing included; only whether case counts is left to
+// the flags.
 #pragma once
 
 #include "regexp/builder/builder.h"
