@@ -17,10 +17,15 @@ RE_Match_Sequence::RE_Match_Sequence(const RE_Tree& pattern, std::u16string_view
 }
 
 RE_Results* RE_Match_Sequence::find(std::size_t offset) {
-    info.searchAgain();
+    if (view) {
+        info.searchBehind(view->matchStart + view->matchLength);
+    }
     info.putInterruptAside();
     std::size_t length = 0;
     const bool found = tree.findMatch(info, offset, length) && !info.pollInterrupt();
     info.handInterruptBack();
-    return found ? &view.emplace(&info, info.matchStart, length, false) : nullptr;
+    if (!found) {
+        return nullptr;
+    }
+    return &view.emplace(&info, info.matchStart, length, false);
 }

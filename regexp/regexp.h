@@ -8,10 +8,11 @@
 //     }
 #pragma once
 
-#include "regexp/builder/builder.h"
+#include "regexp/builder/algebra.h"
 #include "regexp/eval/context.h"
 #include "regexp/eval/evaluation_io.h"
 #include "regexp/eval/warning.h"
+#include "regexp/find_all.h"
 #include "regexp/flags.h"
 #include "regexp/options/compile_options.h"
 #include "regexp/replace/replace.h"

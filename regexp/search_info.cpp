@@ -38,10 +38,15 @@ void RE_Search_Info::handInterruptBack() {
 
 // The memo stays begun once one of the searches has needed it, so that all of them together cost at most as many
 // choices without a memo as a single one.
-void RE_Search_Info::searchAgain() {
+void RE_Search_Info::searchBehind(std::size_t end) {
     steps = 1;
     interrupted = false;
-    if (memo != nullptr) {
+    if (memo == nullptr) {
+        return;
+    }
+    if (facts->memoOutlivesStarts()) {
+        memo->searchFrom(end);
+    } else {
         memo->forgetStates();
     }
 }

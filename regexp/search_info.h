@@ -75,8 +75,9 @@ public:
     /// Makes room for what the graph about to run needs. Called before every run; cheap when nothing changes.
     void prepare(const RE_Graph_Facts& graphFacts);
     void resetForStart(const char16_t* p);
-    /// Makes ready for another search of the subject with the same graph. Storage is kept.
-    void searchAgain();
+    /// Makes ready for a search behind a match that this state found and that ended at index `end`, with the same
+    /// graph. Storage is kept.
+    void searchBehind(std::size_t end);
 
     /// A request to stop that came before the search is put aside, and handed back once the search is over.
     void putInterruptAside();

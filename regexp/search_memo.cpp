@@ -30,7 +30,34 @@ RE_Memo_Table& RE_Search_Memo::table(const RE_Search_Info& info) {
 }
 
 bool RE_Search_Memo::insert(const RE_Search_Info& info, const RE_Node* node, std::size_t position) {
-    return table(info).insert(row(info, node, position), position);
+    RE_Memo_Table& states = isSetApart(info, position) ? apart : table(info);
+    return states.insert(row(info, node, position), position);
+}
+
+bool RE_Search_Memo::isSetApart(const RE_Search_Info& info, std::size_t position) const {
+    return position == setApart && info.bodies.empty();
+}
+
+// No search looks behind the position that is set apart: it is the first of a range, if it is in it at all.
+std::size_t RE_Search_Memo::lastAbsent(const RE_Search_Info& info, std::uint32_t row, std::size_t first,
+                                       std::size_t last) {
+    if (!isSetApart(info, first)) {
+        return table(info).lastAbsent(row, first, last);
+    }
+    const std::size_t found =
+        first < last ? table(info).lastAbsent(row, first + 1, last) : RE_Memo_Table::nowhere;
+    return found == RE_Memo_Table::nowhere ? apart.lastAbsent(row, first, first) : found;
+}
+
+std::size_t RE_Search_Memo::firstAbsent(const RE_Search_Info& info, std::uint32_t row, std::size_t first,
+                                        std::size_t last) {
+    if (!isSetApart(info, first)) {
+        return table(info).firstAbsent(row, first, last);
+    }
+    if (!apart.contains(row, first)) {
+        return first;
+    }
+    return first < last ? table(info).firstAbsent(row, first + 1, last) : RE_Memo_Table::nowhere;
 }
 
 std::size_t RE_Search_Memo::lastUntried(const RE_Search_Info& info, const RE_Node* node, std::size_t first,
@@ -40,8 +67,7 @@ std::size_t RE_Search_Memo::lastUntried(const RE_Search_Info& info, const RE_Nod
         return last;
     }
     const bool within = special != RE_Memo_Table::nowhere && special >= first;
-    const std::size_t found =
-        table(info).lastAbsent(row(info, node, last), within ? special + 1 : first, last);
+    const std::size_t found = lastAbsent(info, row(info, node, last), within ? special + 1 : first, last);
     return found == RE_Memo_Table::nowhere && within ? special : found;
 }
 
@@ -51,7 +77,7 @@ std::size_t RE_Search_Memo::firstUntried(const RE_Search_Info& info, const RE_No
     if (special != RE_Memo_Table::nowhere && special >= first) {
         return first;
     }
-    return table(info).firstAbsent(row(info, node, last), first, last);
+    return firstAbsent(info, row(info, node, last), first, last);
 }
 
 RE_Measured_Run& RE_Search_Memo::run(const RE_Node* node) {
@@ -67,7 +93,13 @@ void RE_Search_Memo::clear(std::size_t level) {
     }
 }
 
+void RE_Search_Memo::searchFrom(std::size_t position) {
+    apart.clear();
+    setApart = position;
+}
+
 void RE_Search_Memo::forgetStates() {
+    searchFrom(RE_Memo_Table::nowhere);
     for (RE_Memo_Table& states : tables) {
         states.clear();
     }

@@ -65,6 +65,9 @@ public:
     /// The outcome noted for a body of `node` entered at `start`.
     RE_Body_Outcome outcome(const RE_Node* node, std::size_t start) const;
     void noteOutcome(const RE_Node* node, std::size_t start, RE_Body_Outcome outcome);
+    /// Makes ready for the search behind a match that ended at `position`. The states on its way have not failed; of
+    /// them that search can meet those at the match's end only, so these are set apart.
+    void searchFrom(std::size_t position);
     /// Forgets the states of every level.
     void forgetStates();
 
@@ -81,11 +84,18 @@ private:
                                        RE_Allocator<std::pair<const Key, std::size_t>>>;
 
     RE_Memo_Table& table(const RE_Search_Info& info);
+    bool isSetApart(const RE_Search_Info& info, std::size_t position) const;
+    std::size_t lastAbsent(const RE_Search_Info& info, std::uint32_t row, std::size_t first,
+                           std::size_t last);
+    std::size_t firstAbsent(const RE_Search_Info& info, std::uint32_t row, std::size_t first,
+                            std::size_t last);
     std::uint32_t row(const RE_Search_Info& info, const RE_Node* node, std::size_t position);
     std::size_t tokenState(const RE_Search_Info& info, std::size_t token);
     std::size_t textNumber(const char16_t* subject, Place place);
 
     std::vector<RE_Memo_Table, RE_Allocator<RE_Memo_Table>> tables;
+    RE_Memo_Table apart;  // the pattern's own states at the position set apart, met since then
+    std::size_t setApart = RE_Memo_Table::nowhere;
     std::vector<RE_Measured_Run, RE_Allocator<RE_Measured_Run>> runs;
     RE_Memo_Rows rows;
     RE_Memo_Rows::Key key;                    // scratch, kept for its storage

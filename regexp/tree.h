@@ -8,11 +8,16 @@
 #include "regexp/results.h"
 #include "regexp/seek/seek_table.h"
 
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
+#include <string_view>
+#include <vector>
 
 class RE_Match_Sequence;
+class RE_Match_Range;
 class RE_Node;
 class RE_Search_Info;
 struct RE_Graph_Facts;
@@ -57,6 +62,19 @@ public:
     /// subject pointers.
     RE_Results* match(const char* subject, std::size_t offset) const;
     RE_Results* match(const char* subject) const { return match(subject, 0); }
+
+    // Conveniences over `match`; regexp/find_all.h describes them and has to be included for their use. The text, which
+    // must outlive what they return, cannot be a string that dies with the call.
+    RE_Match_Range find_all(std::u16string_view text, std::size_t offset = 0) const&;
+    std::unique_ptr<RE_Results> match_at(std::u16string_view text, std::size_t position) const;
+    std::vector<std::u16string_view> split(std::u16string_view text) const;
+    RE_Match_Range find_all(std::u16string_view text, std::size_t offset = 0) const&& = delete;
+    template <std::same_as<std::u16string> Temporary>
+    RE_Match_Range find_all(Temporary&& text, std::size_t offset = 0) const = delete;
+    template <std::same_as<std::u16string> Temporary>
+    std::unique_ptr<RE_Results> match_at(Temporary&& text, std::size_t position) const = delete;
+    template <std::same_as<std::u16string> Temporary>
+    std::vector<std::u16string_view> split(Temporary&& text) const = delete;
 
     /// Runs the pattern once at exactly `position`, with the caller's state. Refuses no empty match.
     bool match_bool(const char16_t* position, std::size_t* length, RE_Search_Info* info) const;

@@ -1,24 +1,80 @@
-// Pattern text put together by a program.
+// A pattern as a value of the program: its text, and how it may be combined with other patterns.
+//
+// algebra.h has the functions that make and combine builders. Only what a compiled pattern needs is declared here.
 #pragma once
 
 #include "regexp/export.h"
 
+#include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
+#include <vector>
 
 namespace RE_Builder_Space {
 
-/// Holds the text of a pattern. A value type.
+class RE_Token;
+
+/// A pattern. A value type; the functions of algebra.h never change one, they make new ones.
+///
+/// A builder keeps its meaning wherever it is placed: it is grouped where an operator would take it apart, and its
+/// references to tokens follow their groups when these are renumbered. Which case counts is the one thing that the
+/// surroundings decide, unless a mode says it.
 class CORVANE_REGEXP_EXPORT RE_Builder {
 public:
+    /// Matches the empty text.
     RE_Builder() = default;
-    /// `pattern` is pattern text, taken as it stands.
-    explicit RE_Builder(std::u16string pattern) : text(std::move(pattern)) {}
+    /// `pattern` is pattern text of the application's own, taken as it stands; `literal()` is for text to be found.
+    /// Inside another builder it must be well formed (without warnings) and not rely on free spacing. References by
+    /// number in it count the groups of the finished pattern; references by name do not mind where they stand.
+    explicit RE_Builder(std::u16string pattern);
 
-    const std::u16string& pattern() const { return text; }
+    std::u16string pattern() const;
+
+    /// Where `RE_Token_Stack::get` finds the token once this pattern has matched; nothing when no group has it.
+    std::optional<std::size_t> tokenIndex(const RE_Token& token) const;
+
+    /// One after the other.
+    RE_Builder& operator+=(RE_Builder next);
+    friend RE_Builder operator+(RE_Builder first, RE_Builder second) {
+        first += std::move(second);
+        return first;
+    }
 
 private:
-    std::u16string text;
+    friend struct RE_Composer;
+    class Numbering;
+
+    /// What an operator beside the text would take hold of.
+    enum class Binding : std::uint8_t {
+        foreign,       ///< the application's own: may also change modes up to the end of the group around it
+        alternatives,  ///< may have a bar at its top: to be grouped before anything stands beside it
+        sequence,  ///< may be several items, or one with a quantifier: to be grouped before it is repeated
+        item       ///< a quantifier takes all of it
+    };
+
+    /// A place in the text at which something depends on the groups before it.
+    struct Mark {
+        enum class Kind : std::uint8_t {
+            opens,   ///< a group opens here
+            refers,  ///< here the reference to a token is to be put in
+            asks,    ///< here the condition on a token is to be put in
+            foreign  ///< the next `word` units are text of the application's own, with groups that nobody counted
+        } kind;
+        std::size_t at;
+        std::uint64_t word;  ///< the identity of the token (0: a group without one), or a number of units
+    };
+
+    /// Groups whatever holds together less tightly than `needed`.
+    void bindAtLeast(Binding needed);
+    void encloseIn(std::u16string_view open, std::u16string_view close);
+    void append(RE_Builder next);
+
+    std::u16string text;      ///< the pattern without its references by number
+    std::vector<Mark> marks;  ///< ascending
+    Binding binding = Binding::sequence;
 };
 
 }  // namespace RE_Builder_Space

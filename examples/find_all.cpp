@@ -1,0 +1,14 @@
+#include "regexp/regexp.h"
+
+#include <cstdio>
+#include <string>
+
+int main() {
+    const std::u16string text = u"xxabbc, abc and ac";
+    const RE_Tree tree(u"a(b+)c", false);  // false: case counts
+    for (auto& match : tree.find_all(text)) {
+        const std::u16string_view token = reTokenText(match, 0);  // $1 in a pattern is token 0 here
+        const std::string ascii(token.begin(), token.end());
+        std::printf("[%zu,%zu] $1 %s\n", match.matchStart, match.matchLength, ascii.c_str());
+    }
+}

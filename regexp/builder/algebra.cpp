@@ -1,0 +1,230 @@
+#include "regexp/builder/algebra.h"
+
+#include "regexp/builder/quote.h"
+
+#include <string>
+#include <utility>
+
+namespace RE_Builder_Space {
+
+/// Makes builders out of text and other builders.
+struct RE_Composer {
+    using Binding = RE_Builder::Binding;
+    using Kind = RE_Builder::Mark::Kind;
+
+    static RE_Builder make(std::u16string text, Binding binding) {
+        RE_Builder made;
+        made.text = std::move(text);
+        made.binding = binding;
+        return made;
+    }
+    static RE_Builder item(std::u16string_view text) { return make(std::u16string(text), Binding::item); }
+
+    static RE_Builder enclosed(std::u16string_view open, RE_Builder body, std::u16string_view close = u")") {
+        body.encloseIn(open, close);
+        return body;
+    }
+    static RE_Builder captured(std::u16string_view open, RE_Builder body, std::uint64_t token) {
+        body.encloseIn(open, u")");
+        body.marks.insert(body.marks.begin(), {Kind::opens, 0, token});
+        return body;
+    }
+    static RE_Builder alternatives(std::span<const RE_Builder> all) {
+        RE_Builder result;
+        for (const RE_Builder& alternative : all) {
+            result.text += result.binding == Binding::alternatives ? u"|" : u"";
+            RE_Builder next = alternative;
+            next.bindAtLeast(Binding::alternatives);
+            result.append(std::move(next));
+            result.binding = Binding::alternatives;
+        }
+        return result;
+    }
+    static RE_Builder repeated(RE_Builder body, std::u16string_view quantifier, RE_GREED greed) {
+        body.bindAtLeast(Binding::item);
+        body.text += quantifier;
+        body.text += greed == RE_LAZY ? u"?" : greed == RE_POSSESSIVE ? u"+" : u"";
+        body.binding = Binding::sequence;
+        return body;
+    }
+    static RE_Builder reference(std::u16string_view text, std::uint64_t token, Kind kind) {
+        RE_Builder made = item(text);
+        made.marks.push_back({kind, text.size(), token});
+        return made;
+    }
+    /// `condition` is everything up to the first branch but for its closing parenthesis.
+    static RE_Builder conditional(RE_Builder condition, RE_Builder yes, RE_Builder no) {
+        condition.text += u')';
+        yes.bindAtLeast(Binding::sequence);
+        no.bindAtLeast(Binding::sequence);
+        condition.append(std::move(yes));
+        if (!no.text.empty() || !no.marks.empty()) {
+            condition.text += u'|';
+            condition.append(std::move(no));
+        }
+        condition.text += u')';
+        return condition;
+    }
+    static std::uint64_t identity(const RE_Token& token) { return token.identity; }
+};
+
+namespace {
+
+using Binding = RE_Composer::Binding;
+
+std::u16string decimal(std::size_t number) {
+    const std::string digits = std::to_string(number);
+    return {digits.begin(), digits.end()};
+}
+
+std::u16string_view modeLetter(RE_MODE mode) {
+    switch (mode) {
+        case RE_MODE_IGNORE_CASE:
+            return u"i";
+        case RE_MODE_DOT_ALL:
+            return u"s";
+        case RE_MODE_LINE_ANCHORS:
+            return u"m";
+    }
+    return {};
+}
+
+}  // namespace
+
+RE_Builder literal(std::u16string_view text) {
+    std::u16string quoted;
+    for (const char16_t unit : text) {
+        appendQuoted(quoted, unit);
+    }
+    return RE_Composer::make(std::move(quoted), text.size() == 1 ? Binding::item : Binding::sequence);
+}
+
+RE_Builder any_unit() {
+    return RE_Composer::item(u"(?s:.)");
+}
+
+RE_Builder any_but_line_feed() {
+    return RE_Composer::item(u"(?-s:.)");
+}
+
+// Empty brackets would be no set.
+RE_Builder one_of(const RE_SetItem& set) {
+    return RE_Composer::item(set.text().empty() ? u"[^\\s\\S]" : u"[" + set.text() + u"]");
+}
+
+RE_Builder none_of(const RE_SetItem& set) {
+    return set.text().empty() ? any_unit() : RE_Composer::item(u"[^" + set.text() + u"]");
+}
+
+RE_Builder subject_start() {
+    return RE_Composer::item(u"(?-m:^)");
+}
+
+RE_Builder subject_end() {
+    return RE_Composer::item(u"(?-m:$)");
+}
+
+RE_Builder line_start() {
+    return RE_Composer::item(u"(?m:^)");
+}
+
+RE_Builder line_end() {
+    return RE_Composer::item(u"(?m:$)");
+}
+
+RE_Builder word_start() {
+    return RE_Composer::item(u"\\<");
+}
+
+RE_Builder word_end() {
+    return RE_Composer::item(u"\\>");
+}
+
+RE_Builder pos_ahead(const RE_Builder& body) {
+    return RE_Composer::enclosed(u"(?=", body);
+}
+
+RE_Builder neg_ahead(const RE_Builder& body) {
+    return RE_Composer::enclosed(u"(?!", body);
+}
+
+RE_Builder pos_behind(const RE_Builder& body) {
+    return RE_Composer::enclosed(u"(?<=", body);
+}
+
+RE_Builder neg_behind(const RE_Builder& body) {
+    return RE_Composer::enclosed(u"(?<!", body);
+}
+
+RE_Builder either(std::span<const RE_Builder> alternatives) {
+    return alternatives.empty() ? RE_Composer::item(u"(?!)") : RE_Composer::alternatives(alternatives);
+}
+
+RE_Builder kleene(const RE_Builder& body, RE_GREED greed) {
+    return RE_Composer::repeated(body, u"*", greed);
+}
+
+RE_Builder one_or_more(const RE_Builder& body, RE_GREED greed) {
+    return RE_Composer::repeated(body, u"+", greed);
+}
+
+RE_Builder optional(const RE_Builder& body, RE_GREED greed) {
+    return RE_Composer::repeated(body, u"?", greed);
+}
+
+RE_Builder quantify(const RE_Builder& body, RE_Bounds bounds, RE_GREED greed) {
+    std::u16string text = u"{" + decimal(bounds.minimum());
+    if (bounds.maximum() == RE_Bounds::unlimited) {
+        text += u',';
+    } else if (bounds.maximum() != bounds.minimum()) {
+        text += u',' + decimal(bounds.maximum());
+    }
+    return RE_Composer::repeated(body, text + u'}', greed);
+}
+
+RE_Builder group(const RE_Builder& body) {
+    return RE_Composer::enclosed(u"(?:", body);
+}
+
+RE_Builder atomic(const RE_Builder& body) {
+    return RE_Composer::enclosed(u"(?>", body);
+}
+
+RE_Builder with_mode(RE_MODE mode, const RE_Builder& body) {
+    return RE_Composer::enclosed(u"(?" + std::u16string(modeLetter(mode)) + u":", body);
+}
+
+RE_Builder without_mode(RE_MODE mode, const RE_Builder& body) {
+    return RE_Composer::enclosed(u"(?-" + std::u16string(modeLetter(mode)) + u":", body);
+}
+
+RE_Builder capture(const RE_Builder& body) {
+    return RE_Composer::captured(u"(", body, 0);
+}
+
+RE_Builder capture(const RE_Token& token, const RE_Builder& body) {
+    return RE_Composer::captured(u"(", body, RE_Composer::identity(token));
+}
+
+RE_Builder capture(RE_Token_Name name, const RE_Builder& body) {
+    return RE_Composer::captured(u"(?<" + std::u16string(name.text()) + u">", body, 0);
+}
+
+RE_Builder backreference(const RE_Token& token) {
+    return RE_Composer::reference(u"", RE_Composer::identity(token), RE_Composer::Kind::refers);
+}
+
+RE_Builder backreference(RE_Token_Name name) {
+    return RE_Composer::item(u"\\k<" + std::u16string(name.text()) + u">");
+}
+
+RE_Builder if_token(const RE_Token& token, const RE_Builder& yes, const RE_Builder& no) {
+    return RE_Composer::conditional(
+        RE_Composer::reference(u"(?(", RE_Composer::identity(token), RE_Composer::Kind::asks), yes, no);
+}
+
+RE_Builder if_token(RE_Token_Name name, const RE_Builder& yes, const RE_Builder& no) {
+    return RE_Composer::conditional(RE_Composer::item(u"(?(" + std::u16string(name.text())), yes, no);
+}
+
+}  // namespace RE_Builder_Space

@@ -1,0 +1,106 @@
+// Patterns put together by a program, piece by piece.
+//
+//     using namespace RE_Builder_Space;
+//
+//     const RE_Token quote;
+//     const RE_Builder quoted = capture(quote, one_of(RE_SetItem(u"'\""))) +
+//                               capture(u"text", kleene(any_unit(), RE_LAZY)) + backreference(quote);
+//     const RE_Tree tree(quoted, false);   // (['"])(?<text>(?s:.)*?)\1
+//
+// A text is not a pattern: one that is to be found goes through `literal`, which quotes whatever has a meaning in
+// patterns; one that is a pattern already goes through the constructor of `RE_Builder`. Pieces mean the same wherever
+// they are put and with whatever flags they are compiled, free spacing included; only whether case counts is left to
+// the flags.
+#pragma once
+
+#include "regexp/builder/builder.h"
+#include "regexp/builder/repetition.h"
+#include "regexp/builder/sets.h"
+#include "regexp/builder/tokens.h"
+#include "regexp/flags.h"
+
+#include <concepts>
+#include <cstddef>
+#include <span>
+#include <string_view>
+
+namespace RE_Builder_Space {
+
+enum RE_MODE : RE_Flags {
+    RE_MODE_IGNORE_CASE = RE_FLAG_IGNORE_CASE,
+    RE_MODE_DOT_ALL = RE_FLAG_DOT_ALL,           ///< matters to foreign pattern text only
+    RE_MODE_LINE_ANCHORS = RE_FLAG_LINE_ANCHORS  ///< likewise
+};
+
+// --- texts and units ---
+
+/// Exactly this text, unit by unit.
+CORVANE_REGEXP_EXPORT RE_Builder literal(std::u16string_view text);
+RE_Builder literal(std::nullptr_t) = delete;
+/// Any one unit, line feed included.
+CORVANE_REGEXP_EXPORT RE_Builder any_unit();
+CORVANE_REGEXP_EXPORT RE_Builder any_but_line_feed();
+/// One unit of the set; of an empty set, none.
+CORVANE_REGEXP_EXPORT RE_Builder one_of(const RE_SetItem& set);
+/// One unit that is not in the set.
+CORVANE_REGEXP_EXPORT RE_Builder none_of(const RE_SetItem& set);
+
+// --- positions ---
+
+CORVANE_REGEXP_EXPORT RE_Builder subject_start();
+CORVANE_REGEXP_EXPORT RE_Builder subject_end();
+CORVANE_REGEXP_EXPORT RE_Builder line_start();
+CORVANE_REGEXP_EXPORT RE_Builder line_end();
+/// No word unit before here.
+CORVANE_REGEXP_EXPORT RE_Builder word_start();
+/// No word unit behind here.
+CORVANE_REGEXP_EXPORT RE_Builder word_end();
+CORVANE_REGEXP_EXPORT RE_Builder pos_ahead(const RE_Builder& body);
+CORVANE_REGEXP_EXPORT RE_Builder neg_ahead(const RE_Builder& body);
+CORVANE_REGEXP_EXPORT RE_Builder pos_behind(const RE_Builder& body);
+CORVANE_REGEXP_EXPORT RE_Builder neg_behind(const RE_Builder& body);
+
+// --- choices and repetition ---
+
+/// The first of these that lets the rest match; without any, nothing matches.
+CORVANE_REGEXP_EXPORT RE_Builder either(std::span<const RE_Builder> alternatives);
+template <std::same_as<RE_Builder>... More>
+RE_Builder either(const RE_Builder& first, const RE_Builder& second, const More&... more) {
+    const RE_Builder alternatives[] = {first, second, more...};
+    return either(std::span(alternatives));
+}
+
+/// Any number of passes.
+CORVANE_REGEXP_EXPORT RE_Builder kleene(const RE_Builder& body, RE_GREED greed = RE_GREEDY);
+CORVANE_REGEXP_EXPORT RE_Builder one_or_more(const RE_Builder& body, RE_GREED greed = RE_GREEDY);
+CORVANE_REGEXP_EXPORT RE_Builder optional(const RE_Builder& body, RE_GREED greed = RE_GREEDY);
+CORVANE_REGEXP_EXPORT RE_Builder quantify(const RE_Builder& body, RE_Bounds bounds,
+                                          RE_GREED greed = RE_GREEDY);
+
+// --- groups ---
+
+/// Has no effect on what matches; builders group by themselves.
+CORVANE_REGEXP_EXPORT RE_Builder group(const RE_Builder& body);
+/// Once matched, gives nothing back.
+CORVANE_REGEXP_EXPORT RE_Builder atomic(const RE_Builder& body);
+CORVANE_REGEXP_EXPORT RE_Builder with_mode(RE_MODE mode, const RE_Builder& body);
+CORVANE_REGEXP_EXPORT RE_Builder without_mode(RE_MODE mode, const RE_Builder& body);
+
+// --- tokens ---
+
+CORVANE_REGEXP_EXPORT RE_Builder capture(const RE_Builder& body);
+CORVANE_REGEXP_EXPORT RE_Builder capture(const RE_Token& token, const RE_Builder& body);
+CORVANE_REGEXP_EXPORT RE_Builder capture(RE_Token_Name name, const RE_Builder& body);
+
+/// The text of the nearest group of this token that opens before here; never matches when there is none.
+CORVANE_REGEXP_EXPORT RE_Builder backreference(const RE_Token& token);
+/// The text of the first token in effect that has this name, wherever its groups stand.
+CORVANE_REGEXP_EXPORT RE_Builder backreference(RE_Token_Name name);
+
+/// `yes` where that token has text, otherwise `no`.
+CORVANE_REGEXP_EXPORT RE_Builder if_token(const RE_Token& token, const RE_Builder& yes,
+                                          const RE_Builder& no = RE_Builder());
+CORVANE_REGEXP_EXPORT RE_Builder if_token(RE_Token_Name name, const RE_Builder& yes,
+                                          const RE_Builder& no = RE_Builder());
+
+}  // namespace RE_Builder_Space

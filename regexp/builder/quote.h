@@ -1,0 +1,15 @@
+// Writing a unit so that a pattern takes it for itself.
+#pragma once
+
+#include <string>
+
+namespace RE_Builder_Space {
+
+/// Appends the unit so that it stands for itself within a set and outside of one, under free spacing, and next to
+/// anything that a builder writes.
+void appendQuoted(std::u16string& pattern, char16_t unit);
+
+/// Appends the escape that gives the unit's value in hexadecimal digits and braces.
+void appendHexadecimal(std::u16string& pattern, char16_t unit);
+
+}  // namespace RE_Builder_Space

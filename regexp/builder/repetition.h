@@ -1,0 +1,46 @@
+// How often, and how eagerly, something is repeated.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <limits>
+
+namespace RE_Builder_Space {
+
+/// Which numbers of passes are tried first.
+enum RE_GREED {
+    RE_GREEDY = 0,     ///< many
+    RE_LAZY = 1,       ///< few
+    RE_POSSESSIVE = 2  ///< many, and the first that is possible is kept
+};
+
+/// A least and a greatest number of passes. Constants are checked by the compiler: `{2, 5}`, or `3` for exactly 3.
+class RE_Bounds {
+public:
+    static constexpr std::size_t unlimited = std::numeric_limits<std::size_t>::max();
+
+    consteval RE_Bounds(int exact) : RE_Bounds(exact, exact) {}
+    consteval RE_Bounds(int lower, int upper)
+        : least(static_cast<std::size_t>(lower)), most(static_cast<std::size_t>(upper)) {
+        if (lower < 0 || upper < lower) {
+            throw "bounds of a repetition ascend from 0";  // ends the compilation
+        }
+    }
+    static constexpr RE_Bounds exactly(std::size_t count) { return {count, count, 0}; }
+    static constexpr RE_Bounds atLeast(std::size_t count) { return {count, unlimited, 0}; }
+    /// In either order.
+    static constexpr RE_Bounds between(std::size_t one, std::size_t other) {
+        return {std::min(one, other), std::max(one, other), 0};
+    }
+
+    constexpr std::size_t minimum() const { return least; }
+    constexpr std::size_t maximum() const { return most; }
+
+private:
+    constexpr RE_Bounds(std::size_t lower, std::size_t upper, int) : least(lower), most(upper) {}
+
+    std::size_t least;
+    std::size_t most;
+};
+
+}  // namespace RE_Builder_Space

@@ -1,0 +1,58 @@
+// How patterns made by a program name their tokens.
+#pragma once
+
+#include "regexp/export.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+namespace RE_Builder_Space {
+
+/// The identity of a token without a name. Copies are the same token. Groups may share one: a reference is to the
+/// nearest group of the token that opens before it, so that a pattern and its references can be used repeatedly.
+class CORVANE_REGEXP_EXPORT RE_Token {
+public:
+    RE_Token();
+
+private:
+    friend class RE_Builder;
+    friend struct RE_Composer;
+
+    std::uint64_t identity;
+};
+
+/// The name of a token: an ASCII letter, then ASCII letters, digits or `_`. A literal is checked by the compiler.
+class RE_Token_Name {
+public:
+    template <std::size_t Size>
+    consteval RE_Token_Name(const char16_t (&literal)[Size]) : name(literal, Size - 1) {
+        if (!isValid(name)) {
+            throw "not a token name";  // ends the compilation
+        }
+    }
+    /// A name that is known at run time only, or nothing when it is none. The text must outlive the result.
+    static constexpr std::optional<RE_Token_Name> from(std::u16string_view name) {
+        return isValid(name) ? std::optional(RE_Token_Name(name, 0)) : std::nullopt;
+    }
+    static constexpr bool isValid(std::u16string_view name) {
+        return !name.empty() && isLetter(name.front()) &&
+               std::all_of(name.begin(), name.end(), [](char16_t unit) {
+                   return isLetter(unit) || unit == u'_' || (unit >= u'0' && unit <= u'9');
+               });
+    }
+
+    constexpr std::u16string_view text() const { return name; }
+
+private:
+    constexpr RE_Token_Name(std::u16string_view checked, int) : name(checked) {}
+    static constexpr bool isLetter(char16_t unit) {
+        return (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z');
+    }
+
+    std::u16string_view name;
+};
+
+}  // namespace RE_Builder_Space

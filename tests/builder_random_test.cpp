@@ -1,0 +1,152 @@
+// Random builder expressions against the reference matcher, which is given the same expression written by hand: with
+// every part in a group, and numbers counted along. CORVANE_TEST_SEED and CORVANE_TEST_ROUNDS as in random_test.cpp.
+#include "tests/support/differential.h"
+#include "tests/support/reference_matcher.h"
+
+#include <gtest/gtest.h>
+#include <random>
+
+namespace corvane_tests {
+namespace {
+
+using namespace RE_Builder_Space;
+
+struct Made {
+    RE_Builder builder;
+    std::u16string text;  // read without free spacing
+};
+
+class ExpressionSource {
+public:
+    explicit ExpressionSource(std::uint64_t seed) : m_random(seed) {}
+
+    Made expression() {
+        m_groups = m_latest[0] = m_latest[1] = 0;
+        m_named = false;
+        return make(4);
+    }
+    std::u16string subject() {
+        std::u16string text;
+        for (size_t left = below(9); left > 0; --left) {
+            text += u"aaabbAB1# \n"[below(11)];
+        }
+        return text;
+    }
+    size_t below(size_t limit) { return std::uniform_int_distribution<size_t>(0, limit - 1)(m_random); }
+
+private:
+    Made make(int depth) { return depth == 0 || below(5) == 0 ? leaf() : composite(depth - 1); }
+
+    Made leaf() {
+        static const Made leaves[] = {
+            {literal(u"a"), u"a"}, {literal(u"ab"), u"(?:ab)"}, {literal(u"1"), u"1"}, {literal(u"ba1"), u"(?:ba1)"},
+            {literal(u"#"), u"#"}, {literal(u" \n"), u"(?: \n)"}, {literal(u"B"), u"B"}, {RE_Builder(), u"(?:)"},
+            {any_unit(), u"(?s:.)"}, {any_but_line_feed(), u"[^\n]"}, {one_of(RE_Set(RE_SET_NOT_NULL)), u"(?s:.)"},
+            {one_of(RE_Set(RE_SET_DIGIT) + RE_SetItem(u"#")), u"[\\d#]"}, {none_of(RE_SetItem(u"a]^")), u"[^]a^]"},
+            {one_of(RE_SetItem(u'a', u'b')), u"[ab]"}, {one_of({}), u"(?!)"}, {none_of({}), u"(?s:.)"},
+            {subject_start(), u"(?-m:^)"}, {subject_end(), u"(?-m:$)"}, {line_start(), u"(?m:^)"},
+            {line_end(), u"(?m:$)"}, {word_start(), u"\\<"}, {word_end(), u"\\>"}, {RE_Builder(u"a|b"), u"(?:a|b)"},
+            {RE_Builder(u"(?i)a|b"), u"(?i:a|b)"}, {RE_Builder(u"^a|b$|."), u"(?:^a|b$|.)"}};
+        const size_t way = below(std::size(leaves) + 6);
+        if (way == std::size(leaves)) {
+            m_groups += 2;
+            return {RE_Builder(u"(b)|(1)"), u"(?:(b)|(1))"};
+        }
+        return way < std::size(leaves) ? leaves[way] : reference();
+    }
+    Made reference() {
+        if (m_named && below(3) == 0) {
+            return {backreference(u"n"), u"\\k<n>"};
+        }
+        const size_t handle = below(2);
+        return {backreference(m_handles[handle]),
+                m_latest[handle] == 0 ? u"(?!)" : u"(?:\\" + number(m_latest[handle]) + u")"};
+    }
+    Made capture(int depth) {
+        const size_t way = below(4);
+        ++m_groups;
+        if (way < 2) {
+            m_latest[way] = m_groups;
+        }
+        m_named = m_named || way == 2;
+        const Made body = make(depth);
+        return {way < 2    ? RE_Builder_Space::capture(m_handles[way], body.builder)
+                : way == 2 ? RE_Builder_Space::capture(u"n", body.builder)
+                           : RE_Builder_Space::capture(body.builder),
+                (way == 2 ? u"(?<n>" : u"(") + body.text + u")"};
+    }
+    Made conditional(int depth) {
+        const size_t handle = below(2), group = m_latest[handle];
+        const bool byName = m_named && below(3) == 0;
+        const Made yes = make(depth), no = make(depth);
+        const std::u16string condition = byName ? u"n" : group == 0 ? u"?!" : number(group);
+        return {byName ? if_token(u"n", yes.builder, no.builder) : if_token(m_handles[handle], yes.builder, no.builder),
+                u"(?(" + condition + u")(?:" + yes.text + u")|(?:" + no.text + u"))"};
+    }
+    Made repeat(int depth) {
+        const Made body = make(depth);
+        const size_t sign = below(4), way = below(3), least = below(3), most = least + below(3);
+        const std::u16string signs[] = {u"*", u"+", u"?", u"{" + number(least) + u"," + number(most) + u"}"};
+        const RE_GREED greed = static_cast<RE_GREED>(way);
+        const RE_Builder& b = body.builder;
+        return {sign == 0   ? kleene(b, greed)
+                : sign == 1 ? one_or_more(b, greed)
+                : sign == 2 ? RE_Builder_Space::optional(b, greed)
+                            : quantify(b, RE_Bounds::between(most, least), greed),
+                u"(?:" + body.text + u")" + signs[sign] + (way == 0 ? u"" : way == 1 ? u"?" : u"+")};
+    }
+    Made composite(int depth) {
+        const size_t way = below(21);
+        if (way < 4) return repeat(depth);
+        if (way < 7) return capture(depth);
+        if (way == 7) return conditional(depth);
+        const Made one = make(depth);
+        static constexpr std::pair<RE_Builder (*)(const RE_Builder&), const char16_t*> wrappers[] = {
+            {pos_ahead, u"(?="},   {neg_ahead, u"(?!"}, {pos_behind, u"(?<="},
+            {neg_behind, u"(?<!"}, {atomic, u"(?>"},    {group, u"(?:"}};
+        if (way < 14) {
+            const auto& [function, opening] = wrappers[way - 8];
+            return {function(one.builder), opening + one.text + u")"};
+        }
+        if (way == 14) return {with_mode(RE_MODE_IGNORE_CASE, one.builder), u"(?i:" + one.text + u")"};
+        if (way == 15) return {without_mode(RE_MODE_IGNORE_CASE, one.builder), u"(?-i:" + one.text + u")"};
+        const Made two = make(depth);
+        return way < 18 ? Made{either(one.builder, two.builder), u"(?:" + one.text + u"|" + two.text + u")"}
+                        : Made{one.builder + two.builder, u"(?:" + one.text + two.text + u")"};
+    }
+    static std::u16string number(size_t value) { return widen(std::to_string(value)); }
+    std::mt19937_64 m_random;
+    const RE_Token m_handles[2];
+    size_t m_latest[2] = {};
+    size_t m_groups = 0;
+    bool m_named = false;
+};
+
+TEST(BuilderExpressions, MatchWhatTheyMeanAndCompileWithoutWarnings) {
+    const std::uint64_t seed = environmentNumber("CORVANE_TEST_SEED", 412);
+    const unsigned long rounds = environmentNumber("CORVANE_TEST_ROUNDS", sanitized() ? 1500 : 15000);
+    ExpressionSource source(seed);
+    size_t compared = 0, matched = 0;
+    for (unsigned long round = 0; round < rounds; ++round) {
+        const RE_Flags flags = static_cast<RE_Flags>(source.below(64));
+        const Made made = source.expression();
+        const std::u16string text = made.builder.pattern();
+        const Engine engine(text, flags, allConfigs()[source.below(allConfigs().size())]);
+        ASSERT_TRUE(engine.warnings().empty()) << printable(text) << " seed " << seed;
+        for (int count = 0; count < 4; ++count) {
+            const std::u16string subject = source.subject();
+            if (const auto expected = reference::search(made.text, flags & ~RE_FLAG_FREE_SPACING, subject, 0)) {
+                ++compared;
+                matched += expected->matched ? 1 : 0;
+                ASSERT_EQ(describe(*expected), describe(engine.search(subject)))
+                    << printable(text) << " is not " << printable(made.text) << " under " << flags << " on "
+                    << printable(subject) << " seed " << seed;
+            }
+        }
+    }
+    EXPECT_GT(compared, rounds * 3);
+    EXPECT_GT(matched, rounds / 2);
+}
+
+}  // namespace
+}  // namespace corvane_tests

@@ -1,0 +1,102 @@
+// All matches of a text, the text between them, and matches at one place.
+#include "host/allocation_counter.h"
+#include "tests/support/engine_run.h"
+
+#include <gtest/gtest.h>
+#include <iterator>
+#include <ranges>
+
+namespace corvane_tests {
+namespace {
+
+static_assert(std::ranges::input_range<RE_Match_Range>);
+template <class Tree, class Text>
+concept Searchable = requires(Tree&& tree, Text&& text) { std::forward<Tree>(tree).find_all(std::forward<Text>(text)); };
+static_assert(Searchable<RE_Tree&, std::u16string&> && Searchable<const RE_Tree&, const char16_t (&)[2]>);
+static_assert(!Searchable<RE_Tree, std::u16string&> && !Searchable<RE_Tree&, std::u16string>);
+
+std::u16string marked(const RE_Tree& tree, std::u16string_view text, size_t offset = 0) {
+    std::u16string result;
+    for (auto& match : tree.find_all(text, offset)) {
+        result += widen(std::to_string(match.matchStart)) + u"<" + std::u16string(reMatchText(match)) + u">";
+    }
+    return result;
+}
+
+std::u16string joined(const RE_Tree& tree, std::u16string_view text) {
+    std::u16string result;
+    for (const std::u16string_view part : tree.split(text)) {
+        result.append(part).append(u"/");
+    }
+    return result;
+}
+
+TEST(FindAll, AndSplitWalkThroughEveryMatchOnce) {
+    const struct {
+        const char16_t* pattern;
+        RE_Flags flags;
+        const char16_t *text, *matches, *parts;
+    } table[] = {
+        {u"a+", kPlain, u"aabab", u"0<aa>3<a>", u"/b/b/"},
+        {u"a+", kPlain, u"b", u"", u"b/"},
+        {u"a*", kPlain, u"", u"", u"/"},
+        {u"a*", kEmptyToo, u"", u"0<>", u"/"},
+        {u"x*", kEmptyToo, u"axb", u"0<>1<x>3<>", u"a/b/"},
+        {u"", kEmptyToo, u"abc", u"0<>1<>2<>3<>", u"a/b/c/"},
+        {u"(?=b)|c", kEmptyToo, u"abcb", u"1<>2<c>", u"a/b/b/"},  // before the last b nothing new ends
+        {u"(?<=(.))\\1", kPlain, u"aabbb", u"1<a>3<b>4<b>", u"a/b///"},
+        {u"^|;", kEmptyToo, u";a;", u"0<>2<;>", u";a//"},
+    };
+    for (const auto& row : table) {
+        const Engine engine(row.pattern, row.flags);
+        EXPECT_EQ(printable(row.matches), printable(marked(engine.tree(), row.text))) << printable(row.pattern);
+        EXPECT_EQ(printable(row.parts), printable(joined(engine.tree(), row.text))) << printable(row.pattern);
+    }
+    const RE_Tree tree(u"a", false);
+    EXPECT_EQ(u"3<a>", marked(tree, u"aaba", 2));
+    EXPECT_EQ(u"", marked(tree, u"a", 2) + marked(tree, {}));
+    EXPECT_EQ(u"/", joined(tree, {}));
+}
+
+TEST(FindAll, GivesTextsOfTokensThatOutliveTheMatch) {
+    const RE_Tree tree(u"(\\w*)=(?<value>\\w*)", false);
+    std::vector<std::u16string_view> texts;
+    auto range = tree.find_all(u"k1=v, key=, =x");
+    for (auto& match : range) {
+        texts.insert(texts.end(), {reTokenText(match, 0), reTokenText(match, 1), reTokenText(match, u"value")});
+        EXPECT_EQ(nullptr, reTokenText(match, 2).data());
+        EXPECT_EQ(nullptr, reTokenText(match, u"values").data());
+    }
+    EXPECT_TRUE(range.begin() == range.end() && !range.interrupted());
+    EXPECT_EQ((std::vector<std::u16string_view>{u"k1", u"v", u"v", u"key", u"", u"", u"", u"x", u"x"}), texts);
+    EXPECT_NE(nullptr, texts[4].data());  // empty, but in effect
+    const std::unique_ptr<RE_Results> narrow(tree.match("a=b"));
+    EXPECT_EQ(nullptr, reMatchText(*narrow).data());
+    EXPECT_EQ(nullptr, reTokenText(*narrow, 0).data());
+}
+
+TEST(FindAll, AllocatesNothingForAFurtherMatch) {
+    const RE_Tree tree(u"(?<n>a|ab)(?=c)", false);
+    const auto allocations = [&](size_t repeats) {
+        const std::u16string text = expand("{{abc-*" + std::to_string(repeats) + "}}");
+        utAllocationCounter counter;
+        EXPECT_EQ(repeats, static_cast<size_t>(std::ranges::distance(tree.find_all(text))));
+        return counter.requests();
+    };
+    EXPECT_EQ(allocations(2), allocations(2000));
+}
+
+TEST(MatchAt, TriesOnePositionAndSeesTheTextBefore) {
+    const RE_Tree tree(u"(?<=a)b|c*d", false);
+    const std::u16string text = u"abcd";
+    EXPECT_EQ(nullptr, tree.match_at(text, 0));
+    EXPECT_EQ(u"b", reMatchText(*tree.match_at(text, 1)));
+    EXPECT_EQ(u"cd", reMatchText(*tree.match_at(text, 2)));
+    EXPECT_EQ(nullptr, tree.match_at(text, 4));
+    EXPECT_EQ(nullptr, tree.match_at(text, 5));
+    EXPECT_EQ(nullptr, RE_Tree(u"x*", false).match_at(text, 0));
+    EXPECT_NE(nullptr, Engine(u"x*", kEmptyToo).tree().match_at({}, 0));
+}
+
+}  // namespace
+}  // namespace corvane_tests
