@@ -19,8 +19,9 @@ std::u16string_view part(const RE_Results& match, std::size_t start, std::size_t
 
 }  // namespace
 
-RE_Match_Range::RE_Match_Range(const RE_Tree& pattern, std::u16string_view text, std::size_t offset)
-    : sequence(pattern, text), size(text.size()), next(offset) {}
+RE_Match_Range::RE_Match_Range(const RE_Tree& pattern, std::u16string_view text, std::size_t offset,
+                               const RE_Search_Limits* limits)
+    : sequence(pattern, text, limits), size(text.size()), next(offset) {}
 
 RE_Match_Range::Iterator RE_Match_Range::begin() {
     if (!begun) {
@@ -49,6 +50,11 @@ void RE_Match_Range::advance() {
 
 RE_Match_Range RE_Tree::find_all(std::u16string_view text, std::size_t offset) const& {
     return RE_Match_Range(*this, text, offset);
+}
+
+RE_Match_Range RE_Tree::find_all(std::u16string_view text, std::size_t offset,
+                                 const RE_Search_Limits& limits) const& {
+    return RE_Match_Range(*this, text, offset, &limits);
 }
 
 std::unique_ptr<RE_Results> RE_Tree::match_at(std::u16string_view text, std::size_t position) const {

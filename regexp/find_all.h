@@ -21,7 +21,8 @@
 ///
 /// Behind an empty match the search goes on one unit further; an empty match that directly follows a match is left out.
 /// To be walked through once, by one thread. All searches share one state: the match that the iterator refers to
-/// changes with the next step, and so do its tokens. Texts taken from it stay good. An interrupt ends the range.
+/// changes with the next step, and so do its tokens. Texts taken from it stay good. An interrupt ends the range, and so
+/// does a limit.
 class CORVANE_REGEXP_EXPORT RE_Match_Range {
 public:
     class Iterator {
@@ -45,7 +46,8 @@ public:
         RE_Match_Range* range;
     };
 
-    RE_Match_Range(const RE_Tree& pattern, std::u16string_view text, std::size_t offset);
+    RE_Match_Range(const RE_Tree& pattern, std::u16string_view text, std::size_t offset,
+                   const RE_Search_Limits* limits = nullptr);
     RE_Match_Range(const RE_Match_Range&) = delete;
     RE_Match_Range& operator=(const RE_Match_Range&) = delete;
 
@@ -55,6 +57,8 @@ public:
 
     /// Whether the host broke the search off, so that there may be more matches.
     bool interrupted() const { return sequence.wasInterrupted(); }
+    /// How the searches up to now ended, and what they took together.
+    RE_Search_Report report() const { return sequence.report(); }
 
 private:
     void advance();

@@ -36,7 +36,7 @@ const RE_Node* backtrack(RE_Search_Info& info, std::size_t& pos, std::size_t flo
 bool runMatchLoop(RE_Search_Info& info, const RE_Node* node, std::size_t& pos) {
     const std::size_t floor = info.bodies.size();
     const char16_t* const subject = info.subjectBegin;
-    while (node != nullptr) {
+    while (node != nullptr && info.takeStep()) {
         const RE_Node* following = nullptr;
         if (!node->match(subject, pos, info)) {
             following = afterFailure(node, info);

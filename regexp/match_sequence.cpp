@@ -2,23 +2,50 @@
 
 #include "regexp/tree.h"
 
+#include <new>
+
 // The state is told of interrupts only while a search runs: a request that comes between two searches is for the
 // caller to see.
-RE_Match_Sequence::RE_Match_Sequence(const RE_Tree& pattern, std::u16string_view subject)
-    : tree(pattern),
-      info(subject.data() != nullptr ? subject.data() : u"", subject.size(), pattern.tokenCount, &table,
-           false) {
+RE_Match_Sequence::RE_Match_Sequence(const RE_Tree& pattern, std::u16string_view subject,
+                                     const RE_Search_Limits* searchLimits)
+    : tree(pattern), info(freshState(subject)), watchesMemory(searchLimits != nullptr) {
     if (info.tokens == nullptr) {
         throw std::bad_alloc();
     }
-    info.prepare(*tree.facts);
     info.rejectEmpty = !tree.allowEmptyMatch;
     info.checkInterrupts = tree.interruptible;
+    if (searchLimits != nullptr) {
+        account.setCeiling(searchLimits->bytes);
+        info.meter.setBudget(searchLimits->steps);
+    }
+}
+
+RE_Search_Info RE_Match_Sequence::freshState(std::u16string_view subject) {
+    const RE_Memory_Account::Scope scope(account);
+    return RE_Search_Info(subject.data() != nullptr ? subject.data() : u"", subject.size(), tree.tokenCount,
+                          &table, false);
 }
 
 RE_Results* RE_Match_Sequence::find(std::size_t offset) {
+    if (!watchesMemory) {
+        return search(offset);
+    }
+    const RE_Memory_Account::Scope scope(account);
+    try {
+        memoryFull = account.isOver();
+        return memoryFull ? nullptr : search(offset);
+    } catch (const RE_Ceiling_Reached&) {
+        info.handInterruptBack();
+        memoryFull = true;
+        return nullptr;
+    }
+}
+
+RE_Results* RE_Match_Sequence::search(std::size_t offset) {
     if (view) {
         info.searchBehind(view->matchStart + view->matchLength);
+    } else {
+        info.prepare(*tree.facts);
     }
     info.putInterruptAside();
     std::size_t length = 0;
@@ -28,4 +55,27 @@ RE_Results* RE_Match_Sequence::find(std::size_t offset) {
         return nullptr;
     }
     return &view.emplace(&info, info.matchStart, length, false);
+}
+
+RE_Results* RE_Match_Sequence::releaseMatch() {
+    if (outcome() != RE_Search_Outcome::matched) {
+        return nullptr;
+    }
+    const std::size_t length = view->matchLength;
+    view.reset();
+    RE_Results* const match = new (std::nothrow) RE_Results(&info, info.matchStart, length, true);
+    memoryFull = match == nullptr;
+    return match;
+}
+
+RE_Search_Outcome RE_Match_Sequence::outcome() const {
+    if (memoryFull) {
+        return RE_Search_Outcome::memoryFull;
+    }
+    const bool complete = !info.wasInterrupted();
+    return complete && view ? RE_Search_Outcome::matched : info.stopReason();
+}
+
+RE_Search_Report RE_Match_Sequence::report() const {
+    return {outcome(), info.meter.taken(), account.peak()};
 }

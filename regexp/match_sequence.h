@@ -1,8 +1,10 @@
 // Many searches of one subject with one pattern, on one search state and one seek table.
 #pragma once
 
+#include "regexp/memory_account.h"
 #include "regexp/results.h"
 #include "regexp/search_info.h"
+#include "regexp/search_limits.h"
 #include "regexp/seek/seek_table.h"
 
 #include <cstddef>
@@ -15,18 +17,32 @@ class RE_Tree;
 /// Tree and subject must outlive the sequence.
 class RE_Match_Sequence : public RE_Memory {
 public:
-    /// An empty subject may have a null pointer. Throws when there is no memory for the tokens.
-    RE_Match_Sequence(const RE_Tree& pattern, std::u16string_view subject);
+    /// An empty subject may have a null pointer. Throws when there is no memory for the tokens. The limits (null: none)
+    /// hold for all searches together; the state to begin with is allowed for.
+    RE_Match_Sequence(const RE_Tree& pattern, std::u16string_view subject,
+                      const RE_Search_Limits* searchLimits = nullptr);
 
     /// The leftmost match at or behind `offset`, which lies between the end of the match found before and the subject's
-    /// length; null when there is none or the host asked to stop: then the sequence is over. A view of the search state, good until the next call.
+    /// length; null when there is none, the host asked to stop or a limit was met: then the sequence is over. A view
+    /// of the search state, good until the next call.
     RE_Results* find(std::size_t offset);
+    /// The match found last, as an object of its own; the sequence is over. Null when there is none, or no memory.
+    RE_Results* releaseMatch();
+    /// How the searches ended: `matched` when there was a match and nothing broke them off.
+    RE_Search_Report report() const;
     /// Whether the host broke the last search off.
-    bool wasInterrupted() const { return info.wasInterrupted(); }
+    bool wasInterrupted() const { return outcome() == RE_Search_Outcome::interrupted; }
 
 private:
+    RE_Search_Info freshState(std::u16string_view subject);
+    RE_Search_Outcome outcome() const;
+    RE_Results* search(std::size_t offset);
+
     const RE_Tree& tree;
+    RE_Memory_Account account;
     RE_Seek_Table table;
     RE_Search_Info info;
+    bool watchesMemory;
+    bool memoryFull = false;
     std::optional<RE_Results> view;
 };

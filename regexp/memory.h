@@ -1,9 +1,10 @@
-// Where every engine object gets its memory: the host's allocator, so that a host can count and limit it. (Names, unit
-// tables and scratch of the parser and the passes are standard library objects of their own.)
+// Where every engine object gets its memory: the host's allocator, so that a host can count and limit it. (Names and
+// scratch of the parser and the passes are standard library objects of their own.)
 #pragma once
 
 #include "host/memory.h"
 #include "regexp/export.h"
+#include "regexp/memory_account.h"
 
 #include <cstddef>
 #include <memory>
@@ -13,11 +14,13 @@
 /// reports by itself); the `std::nothrow` form returns null when the host has no memory left.
 class CORVANE_REGEXP_EXPORT RE_Memory {
 public:
-    static void* operator new(std::size_t size) { return utMallocWithCheck(size); }
+    static void* operator new(std::size_t size) { return reAllocate(size); }
     static void* operator new[](std::size_t size) { return utMallocWithCheck(size); }
-    static void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return utMalloc(size); }
+    static void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+        return reTryAllocate(size);
+    }
     static void* operator new(std::size_t, void* place) noexcept { return place; }
-    static void operator delete(void* block) noexcept { utFree(block); }
+    static void operator delete(void* block, std::size_t size) noexcept { reRelease(block, size); }
     static void operator delete[](void* block) noexcept { utFree(block); }
     static void operator delete(void* block, const std::nothrow_t&) noexcept { utFree(block); }
     static void operator delete(void*, void*) noexcept {}
@@ -36,9 +39,9 @@ struct RE_Allocator {
         if (count > static_cast<std::size_t>(-1) / sizeof(T)) {
             throw std::bad_array_new_length();
         }
-        return static_cast<T*>(utMallocWithCheck(count * sizeof(T)));
+        return static_cast<T*>(reAllocate(count * sizeof(T)));
     }
-    void deallocate(T* block, std::size_t) noexcept { utFree(block); }
+    void deallocate(T* block, std::size_t count) noexcept { reRelease(block, count * sizeof(T)); }
 
     template <class U>
     bool operator==(const RE_Allocator<U>&) const noexcept {

@@ -18,6 +18,7 @@
 #include "regexp/replace/replace.h"
 #include "regexp/results.h"
 #include "regexp/search_info.h"
+#include "regexp/search_limits.h"
 #include "regexp/seek/seek_table.h"
 #include "regexp/simple_match.h"
 #include "regexp/token_stack.h"

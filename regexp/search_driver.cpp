@@ -4,6 +4,7 @@
 #include "host/code_page.h"
 #include "regexp/graph_facts.h"
 #include "regexp/match_loop.h"
+#include "regexp/match_sequence.h"
 #include "regexp/nodes/node.h"
 #include "regexp/search_info.h"
 
@@ -36,6 +37,22 @@ RE_Results* RE_Tree::match(const char* subject, std::size_t offset) const {
     return results;
 }
 
+RE_Results* RE_Tree::match(const char16_t* subject, std::size_t length, std::size_t offset,
+                           const RE_Search_Limits& limits, RE_Search_Report& report) const {
+    report = {};
+    if (subject == nullptr || offset > length) {
+        return nullptr;
+    }
+    RE_Match_Sequence search(*this, {subject, length}, &limits);
+    search.find(offset);
+    report = search.report();
+    RE_Results* const match = search.releaseMatch();
+    if (match == nullptr && report.outcome == RE_Search_Outcome::matched) {
+        report.outcome = RE_Search_Outcome::memoryFull;
+    }
+    return match;
+}
+
 bool RE_Tree::match_bool(const char16_t* position, std::size_t* length, RE_Search_Info* info) const {
     info->prepare(*facts);
     RE_Search_Scope scope(*info);  // choices that the state holds from before are not this run's
@@ -48,7 +65,8 @@ bool RE_Tree::runNodes(const char16_t* position, const RE_Node* startNode, std::
                        RE_Search_Info& info) const {
     const std::size_t start = info.indexOf(position);
     std::size_t pos = start;
-    const bool completed = runMatchLoop(info, startNode, pos);
+    // A scan that was broken off may have led to an end too early.
+    const bool completed = runMatchLoop(info, startNode, pos) && !info.wasInterrupted();
     *length = completed ? pos - start : 0;
     return completed;
 }
@@ -96,5 +114,5 @@ bool RE_Tree::findMatch(RE_Search_Info& info, std::size_t offset, std::size_t& l
 
 bool RE_Tree::attempt(RE_Search_Info& info, const char16_t* p, std::size_t& length) const {
     info.resetForStart(p);
-    return runNodes(p, root, &length, info) && !info.wasInterrupted() && isValidMatchLength(length);
+    return runNodes(p, root, &length, info) && isValidMatchLength(length);
 }

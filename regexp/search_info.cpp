@@ -40,7 +40,7 @@ void RE_Search_Info::handInterruptBack() {
 // choices without a memo as a single one.
 void RE_Search_Info::searchBehind(std::size_t end) {
     steps = 1;
-    interrupted = false;
+    stopped = RE_Search_Outcome::noMatch;
     if (memo == nullptr) {
         return;
     }
@@ -90,10 +90,22 @@ bool RE_Search_Info::pollInterrupt() {
 
 bool RE_Search_Info::pollScan() {
     if (checkInterrupts && utInterruptState::IsInterruptPending()) {
-        interrupted = true;
+        stopped = RE_Search_Outcome::interrupted;
         return true;
     }
     return false;
+}
+
+bool RE_Search_Info::passCheckpoint() {
+    if (wasInterrupted() || pollScan()) {
+        return false;
+    }
+    if (meter.isSpent()) {
+        stopped = RE_Search_Outcome::stepsSpent;
+        return false;
+    }
+    meter.renew();
+    return meter.step();
 }
 
 void RE_Search_Info::startToken(std::size_t index, const char16_t* name, const char16_t* p) {
@@ -236,7 +248,7 @@ RE_Body_Outcome RE_Search_Info::knownOutcome(const RE_Node* node, std::size_t st
 
 void RE_Search_Info::noteOutcome(const RE_Node* node, std::size_t start, bool completed, std::size_t end) {
     using Kind = RE_Body_Outcome::Kind;
-    if (memo != nullptr && facts->memoOutlivesStarts() && !interrupted) {
+    if (memo != nullptr && facts->memoOutlivesStarts() && !wasInterrupted()) {
         memo->noteOutcome(node, start, {completed ? Kind::completed : Kind::failed, end});
     }
 }

@@ -9,7 +9,9 @@
 #include "regexp/graph_facts.h"
 #include "regexp/memory.h"
 #include "regexp/nodes/node.h"
+#include "regexp/search_limits.h"
 #include "regexp/search_memo.h"
+#include "regexp/step_meter.h"
 #include "regexp/token_stack.h"
 
 #include <boost/container/flat_map.hpp>
@@ -87,7 +89,16 @@ public:
     bool pollInterrupt();
     /// For scans of many units between two steps: consults the host at once.
     bool pollScan();
-    bool wasInterrupted() const { return interrupted; }
+    /// Whether the search is being broken off, by the host or by a limit.
+    bool wasInterrupted() const { return stopped != RE_Search_Outcome::noMatch; }
+    /// Why it is; `noMatch` while it is not.
+    RE_Search_Outcome stopReason() const { return stopped; }
+
+    /// Accounts for one node visit. False when the search is to stop. At a checkpoint the host is consulted too, so
+    /// that patterns that never turn back can be interrupted.
+    bool takeStep() { return meter.step() || passCheckpoint(); }
+    /// Accounts for a scan of so many units.
+    void noteScan(std::size_t units) const { meter.scanned(units); }
 
     // --- choices ---
 
@@ -188,6 +199,8 @@ public:
 
     /// The end of the pattern refuses a match that consumed nothing since `matchStart`.
     bool rejectEmpty = false;
+    mutable RE_Step_Meter meter;  ///< no part of the state that nodes see
+
     /// Has the match loop go on at `target` when the node that calls this fails, in place of its fail target; null is a
     /// dead end, since the state itself is exhausted.
     void redirect(const RE_Node* target) {
@@ -209,6 +222,7 @@ private:
         RE_TokenInfo old;
     };
 
+    bool passCheckpoint();
     std::size_t& topCount(const RE_Node* counter);
     bool writesAreTrailed() const { return backtrack.top >= 0 || scopes > 0; }
     void setRegister(std::size_t index, std::size_t value);
@@ -223,7 +237,7 @@ private:
     boost::container::small_vector<std::size_t, 12, RE_Allocator<std::size_t>> registers;
     std::vector<Trail_Entry, RE_Allocator<Trail_Entry>> trail;
     std::int32_t scopes = 0;
-    bool interrupted = false;
+    RE_Search_Outcome stopped = RE_Search_Outcome::noMatch;
 
     /// The memo begins once this many choices have been taken up again: most searches never pay for it.
     std::uint64_t memoCountdown;

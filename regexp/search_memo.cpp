@@ -138,15 +138,16 @@ std::size_t RE_Search_Memo::tokenState(const RE_Search_Info& info, std::size_t t
         return 0;
     }
     const std::size_t named = slot->name != nullptr ? 1 : 0;
-    return textNumber(info.subjectBegin, {slot->start, slot->length}) * 2 + named;
+    return textNumber(info, {slot->start, slot->length}) * 2 + named;
 }
 
 // Equal texts get equal numbers, wherever they stand in the subject; 0 stands for no text. A text is read once for each
 // place it stands in, as the same token is asked for at every choice.
-std::size_t RE_Search_Memo::textNumber(const char16_t* subject, Place place) {
+std::size_t RE_Search_Memo::textNumber(const RE_Search_Info& info, Place place) {
     const auto [known, isNew] = placeNumbers.try_emplace(place, 0);
     if (isNew) {
-        const std::u16string_view text(subject + place.first, place.second);
+        info.noteScan(place.second);
+        const std::u16string_view text(info.subjectBegin + place.first, place.second);
         known->second = textNumbers.try_emplace(text, textNumbers.size() + 1).first->second;
     }
     return known->second;

@@ -91,7 +91,7 @@ private:
                             std::size_t last);
     std::uint32_t row(const RE_Search_Info& info, const RE_Node* node, std::size_t position);
     std::size_t tokenState(const RE_Search_Info& info, std::size_t token);
-    std::size_t textNumber(const char16_t* subject, Place place);
+    std::size_t textNumber(const RE_Search_Info& info, Place place);
 
     std::vector<RE_Memo_Table, RE_Allocator<RE_Memo_Table>> tables;
     RE_Memo_Table apart;  // the pattern's own states at the position set apart, met since then

@@ -68,6 +68,20 @@ void RE_Tree::parse(const char* pattern, bool flag) {
 
 void RE_Tree::parse(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
                     RE_Node* continuationNode, RE_Node* outerNode, bool last) {
+    RE_Memory_Account account;
+    {
+        const RE_Memory_Account::Scope scope(account);
+        compile(pattern, length, flags, context, continuationNode, outerNode, last);
+    }
+    facts->bytes = account.held();  // what compiling itself took has been given back
+}
+
+std::uint64_t RE_Tree::memoryUse() const {
+    return facts != nullptr ? facts->bytes : 0;
+}
+
+void RE_Tree::compile(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
+                      RE_Node* continuationNode, RE_Node* outerNode, bool last) {
     RE_ParserContext parserContext(context, outerNode, flags);
     context->set_string(pattern, length);
     allowEmptyMatch = (flags & RE_FLAG_ALLOW_EMPTY) != 0;

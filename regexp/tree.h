@@ -6,6 +6,7 @@
 #include "regexp/flags.h"
 #include "regexp/memory.h"
 #include "regexp/results.h"
+#include "regexp/search_limits.h"
 #include "regexp/seek/seek_table.h"
 
 #include <concepts>
@@ -63,14 +64,26 @@ public:
     RE_Results* match(const char* subject, std::size_t offset) const;
     RE_Results* match(const char* subject) const { return match(subject, 0); }
 
+    /// A search that may take so much and no more. The report tells "no match" from "given up".
+    RE_Results* match(const char16_t* subject, std::size_t length, std::size_t offset,
+                      const RE_Search_Limits& limits, RE_Search_Report& report) const;
+
     // Conveniences over `match`; regexp/find_all.h describes them and has to be included for their use. The text, which
     // must outlive what they return, cannot be a string that dies with the call.
     RE_Match_Range find_all(std::u16string_view text, std::size_t offset = 0) const&;
+    /// The limits hold for all the searches together; `RE_Match_Range::report` tells how they ended.
+    RE_Match_Range find_all(std::u16string_view text, std::size_t offset,
+                            const RE_Search_Limits& limits) const&;
     std::unique_ptr<RE_Results> match_at(std::u16string_view text, std::size_t position) const;
     std::vector<std::u16string_view> split(std::u16string_view text) const;
     RE_Match_Range find_all(std::u16string_view text, std::size_t offset = 0) const&& = delete;
+    RE_Match_Range find_all(std::u16string_view text, std::size_t offset,
+                            const RE_Search_Limits& limits) const&& = delete;
     template <std::same_as<std::u16string> Temporary>
     RE_Match_Range find_all(Temporary&& text, std::size_t offset = 0) const = delete;
+    template <std::same_as<std::u16string> Temporary>
+    RE_Match_Range find_all(Temporary&& text, std::size_t offset,
+                            const RE_Search_Limits& limits) const = delete;
     template <std::same_as<std::u16string> Temporary>
     std::unique_ptr<RE_Results> match_at(Temporary&& text, std::size_t position) const = delete;
     template <std::same_as<std::u16string> Temporary>
@@ -86,6 +99,8 @@ public:
     /// The node graph as text for graph-drawing programs.
     std::string graph() const;
 
+    /// Bytes of the host's memory that the compiled pattern holds, of one graph that trees may share.
+    std::uint64_t memoryUse() const;
     std::uint64_t getTokenCount() const { return tokenCount; }
     std::uint64_t getNodeCount() const { return nodeCount; }
     const RE_Node* getRoot() const { return root; }
@@ -97,6 +112,8 @@ private:
     void parse(const char* pattern, bool flag);
     void parse(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
                RE_Node* continuationNode, RE_Node* outerNode, bool last);
+    void compile(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
+                 RE_Node* continuationNode, RE_Node* outerNode, bool last);
 
     RE_Results* searchFrom(const char16_t* subject, std::size_t length, std::size_t offset,
                            RE_Seek_Table* table) const;

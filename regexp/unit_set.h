@@ -15,6 +15,11 @@ class RE_Unit_Set : public RE_Memory {
 public:
     static constexpr std::size_t unitCount = 0x10000;
 
+    /// An empty set to be shared, from the host's memory.
+    static std::shared_ptr<RE_Unit_Set> make() {
+        return std::allocate_shared<RE_Unit_Set>(RE_Allocator<RE_Unit_Set>());
+    }
+
     bool contains(char16_t unit) const { return (words[unit >> 6] >> (unit & 63) & 1) != 0; }
     void add(char16_t unit) { words[unit >> 6] |= std::uint64_t{1} << (unit & 63); }
     void addRange(char16_t low, char16_t high);

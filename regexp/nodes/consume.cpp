@@ -8,6 +8,7 @@
 const char16_t* RE_Consume::runEnd(const char16_t* p, std::uint64_t most, RE_Search_Info& info) const {
     const std::uint64_t left = static_cast<std::uint64_t>(info.subjectEnd - p);
     const char16_t* const limit = p + std::min(left, most);
+    const char16_t* const start = p;
     while (p < limit) {
         const std::size_t step =
             std::min<std::size_t>(static_cast<std::size_t>(limit - p), RE_SCAN_POLL_UNITS);
@@ -17,6 +18,7 @@ const char16_t* RE_Consume::runEnd(const char16_t* p, std::uint64_t most, RE_Sea
             break;
         }
     }
+    info.noteScan(static_cast<std::size_t>(p - start));
     return p;
 }
 
@@ -62,8 +64,10 @@ bool RE_Consume::goOn(const char16_t* from, const char16_t* end, std::size_t& po
                       RE_Search_Info& info) const {
     const char16_t* const taken = lastEnd(from, end, info);
     if (taken == nullptr) {
+        info.noteScan(static_cast<std::size_t>(end - from));
         return false;
     }
+    info.noteScan(static_cast<std::size_t>(end - taken));
     pos = info.indexOf(taken);
     if (taken > from) {
         info.pushRecord(this, taken, info.indexOf(from));

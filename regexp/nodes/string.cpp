@@ -1,26 +1,28 @@
 #include "regexp/nodes/string.h"
 
-#include "host/memory.h"
 #include "regexp/nodes/label_text.h"
 #include "regexp/nodes/units.h"
 #include "regexp/parser/parser_context.h"
 #include "regexp/seek/scan.h"
 
 #include <cstring>
+#include <utility>
 
 RE_String::RE_String(RE_ParserContext& context, const RE_Node& first, bool foldCase)
     : RE_Can_Seek<RE_Node>(context, first),
       ignoreCase(foldCase),
-      text(static_cast<char16_t*>(utMallocWithCheck(capacity * sizeof(char16_t)))) {}
+      text(static_cast<char16_t*>(reAllocate(capacity * sizeof(char16_t)))) {}
 
 RE_String::~RE_String() {
-    utFree(text);
+    reRelease(text, capacity * sizeof(char16_t));
 }
 
 void RE_String::append(char16_t unit) {
     if (length == capacity) {
         const std::uint64_t larger = capacity * 2;
-        text = static_cast<char16_t*>(utReallocWithCheck(text, larger * sizeof(char16_t)));
+        auto* const moved = static_cast<char16_t*>(reAllocate(larger * sizeof(char16_t)));
+        std::memcpy(moved, text, length * sizeof(char16_t));
+        reRelease(std::exchange(text, moved), capacity * sizeof(char16_t));
         capacity = larger;
     }
     text[length++] = unit;

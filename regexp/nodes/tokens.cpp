@@ -57,6 +57,7 @@ bool RE_Match_Token::match(const char16_t* subject, std::size_t& pos, RE_Search_
     if (found == nullptr || found->length > info.subjectLength() - pos) {
         return false;
     }
+    info.noteScan(found->length);
     const char16_t* const text = subject + found->start;
     const char16_t* const p = subject + pos;
     if (!ignoreCase) {

@@ -54,7 +54,7 @@ public:
 private:
     void note(const Member& member);
 
-    std::shared_ptr<RE_Unit_Set> units = std::make_shared<RE_Unit_Set>();
+    std::shared_ptr<RE_Unit_Set> units = RE_Unit_Set::make();
     std::size_t count = 0;
     Member first{};
 };

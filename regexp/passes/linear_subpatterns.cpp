@@ -29,7 +29,7 @@ std::string withoutVerb(const std::string& label) {
 
 // The chain from `head` on becomes one class node; its members are bypassed like empty nodes.
 void mergeChain(RE_ParserContext& context, RE_Consumable* head) {
-    auto units = std::make_shared<RE_Unit_Set>();
+    auto units = RE_Unit_Set::make();
     std::string text;
     RE_Consumable* last = head;
     for (RE_Consumable* unit = head; unit != nullptr; unit = mergeable(unit)) {

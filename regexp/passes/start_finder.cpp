@@ -33,7 +33,7 @@ public:
         return known;
     }
 
-    std::shared_ptr<RE_Unit_Set> units = std::make_shared<RE_Unit_Set>();
+    std::shared_ptr<RE_Unit_Set> units = RE_Unit_Set::make();
     bool mayBeEmpty = false;
 
 private:

@@ -45,6 +45,9 @@ public:
 
     std::u16string replace(std::u16string_view subject, const RE_Tree& tree, bool adjustCase,
                            std::size_t which) const;
+    /// Finds its matches within limits. Where one is met, the text behind the last match found stays as it is.
+    std::u16string replace(std::u16string_view subject, const RE_Tree& tree, bool adjustCase,
+                           std::size_t which, const RE_Search_Limits& limits, RE_Search_Report& report) const;
     /// Writes the result over the text in the buffer (of the host's allocator), which may move; lengths in code
     /// units. On an exception the buffer is as it was.
     char16_t* replace(char16_t* buffer, std::size_t* length, std::size_t* capacity, const RE_Tree* tree,

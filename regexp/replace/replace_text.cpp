@@ -47,6 +47,16 @@ std::u16string RE_Replace::replace(std::u16string_view subject, const RE_Tree& t
     return RE_Replacement_Run(*this, tree, subject, {adjustCase, which, interruptible}).run();
 }
 
+std::u16string RE_Replace::replace(std::u16string_view subject, const RE_Tree& tree, bool adjustCase,
+                                   std::size_t which, const RE_Search_Limits& limits,
+                                   RE_Search_Report& report) const {
+    const Interrupt_Bracket bracket(interruptible);
+    RE_Replacement_Run work(*this, tree, subject, {adjustCase, which, interruptible, &limits});
+    std::u16string result = work.run();
+    report = work.report();
+    return result;
+}
+
 char16_t* RE_Replace::replace(char16_t* buffer, std::size_t* length, std::size_t* capacity,
                               const RE_Tree* tree, bool adjustCase, std::size_t which) const {
     const std::u16string result = replace(std::u16string_view(buffer, *length), *tree, adjustCase, which);

@@ -22,7 +22,7 @@ void RE_Replacement_Run::Piece::build(const RE_Replaceable& replaceable, RE_Resu
 
 RE_Replacement_Run::RE_Replacement_Run(const RE_Replaceable& replaceable, const RE_Tree& tree,
                                        std::u16string_view text, const RE_Replacement_Order& replacementOrder)
-    : replacement(replaceable), subject(text), order(replacementOrder), matches(tree, text) {}
+    : replacement(replaceable), subject(text), order(replacementOrder), matches(tree, text, order.limits) {}
 
 std::u16string RE_Replacement_Run::run() {
     output.reserve(subject.size());

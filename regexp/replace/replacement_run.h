@@ -15,6 +15,7 @@ struct RE_Replacement_Order {
     bool adjustCase;
     std::size_t which;  ///< the number of the only match to replace, counted from 1; 0 for all of them
     bool interruptible;
+    const RE_Search_Limits* limits = nullptr;  ///< of all searches together; null for none
 };
 
 class RE_Replacement_Run {
@@ -24,6 +25,7 @@ public:
 
     /// The text after the replacement. When the host asks to stop, what was written up to then. Called once.
     std::u16string run();
+    RE_Search_Report report() const { return matches.report(); }
 
 private:
     /// The buffer in which the text for a match is built, kept from match to match.

@@ -18,6 +18,7 @@ public:
             return answer;
         }
         answer = scan(p, info);
+        info.noteScan(static_cast<std::size_t>((answer != nullptr ? answer : info.subjectEnd) - p));
         if (info.seekTable != nullptr && !info.wasInterrupted()) {
             info.seekTable->put(key, RE_Seek_Value(p, answer));
         }

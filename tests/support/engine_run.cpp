@@ -30,7 +30,9 @@ const CompileOptions& configured(CompileOptions& options, const EngineConfig& co
     return options;
 }
 
-Outcome toOutcome(const std::unique_ptr<RE_Results>& results) {
+}  // namespace
+
+Outcome toOutcome(const RE_Results* results) {
     if (!results) {
         return {};
     }
@@ -40,8 +42,6 @@ Outcome toOutcome(const std::unique_ptr<RE_Results>& results) {
     }
     return outcome;
 }
-
-}  // namespace
 
 std::ostream& operator<<(std::ostream& out, const EngineConfig& config) {
     return out << "linear=" << config.linearSubpatterns << " dotStar=" << config.dotStar
@@ -73,12 +73,22 @@ Engine::Engine(std::u16string_view pattern, RE_Flags flags, const EngineConfig& 
     : m_context(configured(m_options, config)), m_tree(pattern.data(), pattern.size(), flags, &m_context) {}
 
 Outcome Engine::search(std::u16string_view subject, size_t offset) const {
-    return toOutcome(std::unique_ptr<RE_Results>(m_tree.match(subject.data(), subject.size(), offset)));
+    const std::unique_ptr<RE_Results> results(m_tree.match(subject.data(), subject.size(), offset));
+    return toOutcome(results.get());
 }
 
 Outcome Engine::search(std::u16string_view subject, size_t offset, RE_Seek_Table& table) const {
-    return toOutcome(
-        std::unique_ptr<RE_Results>(m_tree.match(subject.data(), subject.size(), offset, &table)));
+    const std::unique_ptr<RE_Results> results(
+        m_tree.match(subject.data(), subject.size(), offset, &table));
+    return toOutcome(results.get());
+}
+
+std::optional<Outcome> Engine::searchWithin(std::u16string_view subject, size_t offset,
+                                            const RE_Search_Limits& limits) const {
+    RE_Search_Report report;
+    const std::unique_ptr<RE_Results> results(
+        m_tree.match(subject.data(), subject.size(), offset, limits, report));
+    return report.isComplete() ? std::optional<Outcome>(toOutcome(results.get())) : std::nullopt;
 }
 
 }  // namespace corvane_tests

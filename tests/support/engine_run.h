@@ -53,6 +53,9 @@ private:
     std::vector<Warning> m_warnings;
 };
 
+/// Null is no match.
+Outcome toOutcome(const RE_Results* results);
+
 class Engine {
 public:
     explicit Engine(std::u16string_view pattern, RE_Flags flags = kPlain, const EngineConfig& config = {});
@@ -60,6 +63,8 @@ public:
     Outcome search(std::u16string_view subject, size_t offset = 0) const;
     Outcome search(std::u16string_view subject, size_t offset, RE_Seek_Table& table) const;
 
+    /// Nothing when a limit was met.
+    std::optional<Outcome> searchWithin(std::u16string_view subject, size_t offset, const RE_Search_Limits& limits) const;
     const std::vector<Warning>& warnings() const { return m_context.warnings(); }
     const RE_Tree& tree() const { return m_tree; }
 

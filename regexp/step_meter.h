@@ -1,0 +1,51 @@
+// Counts the work of a search in steps, and spends its budget.
+//
+// A step is one node visited, or `unitsAStep` units looked at by one scan. Both are properties of pattern, subject and
+// compile options alone: the count is the same on every machine, in every build, however fast the scans are written.
+// The match loop pays for one decrement; everything else happens at checkpoints.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+
+class RE_Step_Meter {
+public:
+    static constexpr std::uint64_t unlimited = static_cast<std::uint64_t>(-1);
+    static constexpr std::size_t unitsAStep = 64;
+    /// Steps from one checkpoint to the next.
+    static constexpr std::uint64_t interval = 0x10000;
+
+    /// Counting goes on where it is; `most` bounds the sum.
+    void setBudget(std::uint64_t most) {
+        const std::uint64_t spent = taken();
+        budget = most;
+        grant(spent);
+    }
+    /// Takes a step; false where a checkpoint is due first, and nothing was taken.
+    bool step() {
+        if (left <= 0) {
+            return false;
+        }
+        --left;
+        return true;
+    }
+    void scanned(std::size_t units) { left -= static_cast<std::int64_t>(units / unitsAStep); }
+    std::uint64_t taken() const {
+        return static_cast<std::uint64_t>(static_cast<std::int64_t>(granted) - left);
+    }
+    bool isSpent() const { return taken() >= budget; }
+    /// Makes room for steps up to the next checkpoint.
+    void renew() { grant(taken()); }
+
+private:
+    void grant(std::uint64_t spent) {
+        const std::uint64_t more = std::min(interval, budget - std::min(budget, spent));
+        granted = spent + more;
+        left = static_cast<std::int64_t>(more);
+    }
+
+    std::int64_t left = interval;
+    std::uint64_t granted = interval;
+    std::uint64_t budget = unlimited;
+};

@@ -1,0 +1,146 @@
+// Limits of a search, and what is told about its end: for one match, a walk over all matches and a replacement.
+#include "host/allocation_counter.h"
+#include "host/interrupt.h"
+#include "tests/support/differential.h"
+
+#include <gtest/gtest.h>
+#include <memory>
+
+namespace corvane_tests {
+namespace {
+
+using Outcomes = RE_Search_Outcome;
+
+class Interruptible : public RE_Context {
+public:
+    bool allow_interrupt() const override { return true; }
+};
+
+struct Searched {
+    bool matched;
+    RE_Search_Report report;
+};
+
+Searched searchWithin(const RE_Tree& tree, const std::u16string& text, const RE_Search_Limits& limits) {
+    RE_Search_Report report;
+    const std::unique_ptr<RE_Results> match(tree.match(text.data(), text.size(), 0, limits, report));
+    return {match != nullptr, report};
+}
+
+// Steps are a promise: a change of these numbers is a change that users notice. Passes may lessen them, so they are
+// counted on the plain graph.
+TEST(Limits, CountTheSameStepsForeverAndEverywhere) {
+    const std::u16string as(1000, u'a');
+    const std::tuple<const char16_t*, std::u16string, Outcomes, std::uint64_t> cases[] = {
+        {u"abc", u"xxabc", Outcomes::matched, 10},  // twice two nodes, then six: those of the text and three empty ones
+        {u"abc", u"xxabd", Outcomes::noMatch, 8},
+        {u"(a|b)c", u"abac", Outcomes::matched, 21},
+        {u"a*b", as, Outcomes::noMatch, 19967},
+        {u"(?:a|ab)*c", as, Outcomes::noMatch, 29974},
+        {u"(a)\\1", u"xaa", Outcomes::matched, 10},
+    };
+    for (const auto& [pattern, text, outcome, steps] : cases) {
+        const Engine plain(pattern, kPlain, {false, false, false, 0, false});
+        const RE_Tree& tree = plain.tree();
+        for (int again = 0; again < 2; ++again) {
+            const Searched searched = searchWithin(tree, text, {});
+            EXPECT_EQ(outcome, searched.report.outcome) << printable(pattern);
+            EXPECT_EQ(steps, searched.report.steps) << printable(pattern);
+            EXPECT_EQ(outcome == Outcomes::matched, searched.matched);
+        }
+    }
+}
+
+const char16_t* const kPatterns[] = {u"(?:a|b|ab)*c", u"(a+)+$", u"(?=(?:a|ab)+c)a", u"(?<=(?:b|a)*)c", u"a*?(b)\\1x",
+                                     u"(?>a|ab)+c",   u"[ab]*c", u"(?:a{2,3}b?){2,}c"};
+
+TEST(Limits, GiveTheAnswerExactlyWhenTheBudgetSuffices) {
+    for (const char16_t* pattern : kPatterns) {
+        for (const std::u16string& text : {std::u16string(40, u'a'), std::u16string(u"aabaabaabbxabc")}) {
+            const RE_Tree tree(pattern, false);
+            const Searched whole = searchWithin(tree, text, {});
+            ASSERT_TRUE(whole.report.isComplete());
+            for (std::uint64_t steps = 0; steps <= whole.report.steps + 1; ++steps) {
+                const Searched part = searchWithin(tree, text, {.steps = steps});
+                const bool enough = part.report.isComplete();
+                EXPECT_EQ(enough ? whole.report.outcome : Outcomes::stepsSpent, part.report.outcome);
+                EXPECT_TRUE(enough ? part.report.steps == whole.report.steps : part.report.steps >= steps);
+                EXPECT_TRUE(enough || steps <= whole.report.steps) << printable(pattern) << " with " << steps;
+                EXPECT_EQ(enough && whole.matched, part.matched) << printable(pattern) << " with " << steps;
+            }
+        }
+    }
+}
+
+TEST(Limits, HoldTheMemoryOfASearchUnderItsCeiling) {
+    for (const char16_t* pattern : kPatterns) {
+        const RE_Tree tree(pattern, false);
+        const std::u16string text(3000, u'a');
+        const Searched whole = searchWithin(tree, text, {});
+        for (std::uint64_t bytes = 0; bytes < whole.report.peakBytes + 100; bytes += 1 + whole.report.peakBytes / 60) {
+            utAllocationCounter counter;
+            const Searched part = searchWithin(tree, text, {.bytes = bytes});
+            EXPECT_EQ(0, counter.live());
+            const bool enough = bytes >= whole.report.peakBytes;
+            EXPECT_EQ(enough ? whole.report.outcome : Outcomes::memoryFull, part.report.outcome) << printable(pattern);
+            EXPECT_LE(part.report.peakBytes, std::max<std::uint64_t>(bytes, 500)) << "but for the first state";
+        }
+    }
+}
+
+TEST(Limits, HoldForAWalkAndAReplacementAsAWhole) {
+    const RE_Tree tree(u"(?:a|ab)+c", false);
+    const std::u16string text = u"-ac-aabc-abac-" + std::u16string(300, u'a');
+    auto all = tree.find_all(text, 0, RE_Search_Limits{});
+    const auto count = [](auto& range) {
+        size_t found = 0;
+        for (auto it = range.begin(); it != range.end(); ++it) {
+            ++found;
+        }
+        return found;
+    };
+    EXPECT_EQ(3u, count(all));
+    const std::uint64_t steps = all.report().steps;
+    EXPECT_EQ(Outcomes::matched, all.report().outcome);
+    for (const std::uint64_t budget : {steps, steps - 1, steps / 50, std::uint64_t{0}}) {
+        const RE_Search_Limits limits{.steps = budget};
+        auto some = tree.find_all(text, 0, limits);
+        const auto found = count(some);
+        EXPECT_EQ(budget == steps ? Outcomes::matched : Outcomes::stepsSpent, some.report().outcome);
+        EXPECT_FALSE(some.interrupted());
+        RE_Search_Report report;
+        const std::u16string replaced = RE_Replace(u"").replace(text, tree, false, 0, limits, report);
+        EXPECT_EQ(some.report().outcome, report.outcome);
+        EXPECT_EQ(some.report().steps, report.steps);
+        EXPECT_EQ(text.size() - (found > 0 ? 2u : 0u) - (found > 1 ? 4u : 0u) - (found > 2 ? 4u : 0u), replaced.size())
+            << "the rest stays";
+    }
+}
+
+TEST(Limits, TellInterruptsFromNoMatch) {
+    Interruptible host;
+    for (const char16_t* pattern : {u"(?:a|b|ab)*c", u"(?:a|b)*", u"(?!(?:a|b)*c)x"}) {
+        const RE_Tree tree(pattern, std::u16string_view(pattern).size(), kPlain, &host);
+        const std::u16string text(500000, u'a');
+        RE_Search_Info info(text.data(), text.size(), tree.getTokenCount(), nullptr, true);
+        utInterruptState::SetInterruptPending(true);
+        std::size_t length = 0;
+        info.resetForStart(info.subjectBegin);
+        EXPECT_FALSE(tree.match_bool(info.subjectBegin, &length, &info)) << printable(pattern);
+        EXPECT_EQ(Outcomes::interrupted, info.stopReason());
+        EXPECT_LE(info.meter.taken(), RE_Step_Meter::interval) << "patterns that never turn back are asked, too";
+        utInterruptState::SetInterruptPending(false);
+    }
+}
+
+TEST(Tree, KnowsTheMemoryItHolds) {
+    utAllocationCounter counter;
+    const RE_Tree small(u"ab", false), large(std::u16string(10000, u'a'), false), sets(u"[a-f][^x]|[g-z]\\w+", false);
+    EXPECT_LT(small.memoryUse(), 2000u);
+    EXPECT_LT(20000u, large.memoryUse());
+    EXPECT_LT(2u * 8192u, sets.memoryUse()) << "tables of sets count";
+    EXPECT_EQ(small.memoryUse(), RE_Tree(u"ab", false).memoryUse());
+}
+
+}  // namespace
+}  // namespace corvane_tests
