@@ -26,6 +26,6 @@ if(CORVANE_BUILD_BENCH AND EXISTS ${PROJECT_SOURCE_DIR}/bench/CMakeLists.txt)
     add_subdirectory(bench)
 endif()
 
-if(CORVANE_BUILD_FUZZ AND EXISTS ${PROJECT_SOURCE_DIR}/fuzz/CMakeLists.txt)
+if(CORVANE_BUILD_FUZZ OR CORVANE_BUILD_TESTS)
     add_subdirectory(fuzz)
 endif()

@@ -1,0 +1,10 @@
+// The entry point that libFuzzer calls. The build names the target.
+#include "fuzz/targets.h"
+
+extern "C" __attribute__((visibility("default"))) int LLVMFuzzerTestOneInput(const std::uint8_t* data,
+                                                                             std::size_t size) {
+    constexpr const corvane_fuzz::Target* target = corvane_fuzz::targetNamed(CORVANE_FUZZ_TARGET);
+    static_assert(target != nullptr, "the build names a target of fuzz/targets.h");
+    target->run(corvane_fuzz::Input(data, size));
+    return 0;
+}

@@ -1,0 +1,48 @@
+#include "fuzz/input.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+
+namespace corvane_fuzz {
+namespace {
+
+constexpr std::uint8_t kSeparator = 1;
+
+// Units with unusual case, line ends, halves of pairs, and the ends of the range.
+constexpr char16_t kRare[] = {0,     0xE9,   0xC9, 0x130, 0x131,  0x17F,  0x212A, 0x3A3,
+                              0x3C2, 0x2028, 0x85, 0xA0,  0xD800, 0xDC00, 0xFFFE, 0xFFFF};
+
+char16_t unitOf(std::uint8_t byte) {
+    return byte < 0x80 ? byte : kRare[byte % std::size(kRare)];
+}
+
+}  // namespace
+
+Input::Input(const std::uint8_t* data, std::size_t size) : texts(1) {
+    const std::size_t head = std::min(size, std::size(bytes));
+    std::copy(data, data + head, bytes);
+    for (std::size_t i = head; i < size; ++i) {
+        if (data[i] == kSeparator) {
+            texts.emplace_back();
+        } else {
+            texts.back() += unitOf(data[i]);
+        }
+    }
+}
+
+std::u16string_view Input::text(std::size_t index, std::size_t most) const {
+    return index < texts.size() ? std::u16string_view(texts[index]).substr(0, most)
+                                : std::u16string_view(u"", 0);
+}
+
+void require(bool holds, std::string_view what, std::u16string_view pattern, std::u16string_view subject) {
+    if (!holds) {
+        std::fprintf(stderr, "finding: %.*s\n  pattern '%s'\n  subject '%s'\n", static_cast<int>(what.size()),
+                     what.data(), corvane_tests::printable(pattern).c_str(),
+                     corvane_tests::printable(subject).c_str());
+        std::abort();
+    }
+}
+
+}  // namespace corvane_fuzz

@@ -1,0 +1,40 @@
+// What a fuzz target is given, read from bytes so that mutations of the bytes are mutations of what it means.
+//
+//     byte 0   flags of the pattern (bits 0 to 5)
+//     byte 1   compile options (bits 0 to 4)
+//     byte 2   a number for the target's own use
+//     rest     texts, separated by the byte 0x01; ASCII stands for itself, bytes from 0x80 on for rarer units
+#pragma once
+
+#include "tests/support/engine_run.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace corvane_fuzz {
+
+class Input {
+public:
+    Input(const std::uint8_t* data, std::size_t size);
+
+    RE_Flags flags() const { return RE_Flags{bytes[0]} & 0x3F; }
+    const corvane_tests::EngineConfig& config() const { return corvane_tests::allConfigs()[bytes[1] & 31]; }
+    std::size_t number() const { return bytes[2]; }
+    /// The text of this index, cut to `most` units; empty when there are not so many.
+    std::u16string_view text(std::size_t index, std::size_t most) const;
+
+private:
+    std::uint8_t bytes[3] = {};
+    std::vector<std::u16string> texts;
+};
+
+/// Ends the program with this message when the condition does not hold, as the fuzzer expects of a finding.
+void require(bool holds, std::string_view what, std::u16string_view pattern,
+             std::u16string_view subject = {});
+
+/// Bounds of one search, so that an input that is merely expensive is no finding.
+inline constexpr RE_Search_Limits kLimits{.steps = 100000, .bytes = std::uint64_t{64} << 20};
+
+}  // namespace corvane_fuzz

@@ -1,0 +1,48 @@
+// A seek table that was used before, and the state that many searches share, change no answer.
+#include "fuzz/targets.h"
+
+namespace corvane_fuzz {
+namespace {
+
+using corvane_tests::Engine;
+
+void compareTables(const Engine& engine, std::u16string_view pattern, std::u16string_view subject) {
+    RE_Seek_Table shared;
+    for (std::size_t offset = 0; offset <= subject.size(); ++offset) {
+        const auto fresh = engine.searchWithin(subject, offset, kLimits);
+        if (!fresh) {
+            return;
+        }
+        require(engine.search(subject, offset, shared) == *fresh, "a shared seek table", pattern, subject);
+    }
+}
+
+void compareWalk(const Engine& engine, std::u16string_view pattern, std::u16string_view subject) {
+    auto matches = engine.tree().find_all(subject, 0, kLimits);
+    std::size_t offset = 0, end = subject.size() + 1;
+    for (const RE_Results& match : matches) {
+        corvane_tests::Outcome alone;
+        do {
+            const auto found = engine.searchWithin(subject, offset, kLimits);
+            if (!found) {
+                return;
+            }
+            alone = *found;
+            offset = alone.start + std::max<std::size_t>(alone.length, 1);
+        } while (alone.matched && alone.start + alone.length == end && offset <= subject.size());
+        require(alone == corvane_tests::toOutcome(&match), "a walk over all matches", pattern, subject);
+        end = alone.start + alone.length;
+    }
+}
+
+}  // namespace
+
+void seek(const Input& input) {
+    const std::u16string_view pattern = input.text(0, 120);
+    const std::u16string_view subject = input.text(1, 60);
+    const Engine engine(pattern, input.flags(), input.config());
+    compareTables(engine, pattern, subject);
+    compareWalk(engine, pattern, subject);
+}
+
+}  // namespace corvane_fuzz

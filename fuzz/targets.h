@@ -1,0 +1,39 @@
+// The fuzz targets by name.
+#pragma once
+
+#include "fuzz/input.h"
+
+#include <string_view>
+
+namespace corvane_fuzz {
+
+void parse(const Input& input);
+void reference(const Input& input);
+void options(const Input& input);
+void seek(const Input& input);
+void replace(const Input& input);
+void builder(const Input& input);
+void escape(const Input& input);
+void expressions(const Input& input);
+
+struct Target {
+    std::string_view name;
+    void (*run)(const Input& input);
+};
+
+inline constexpr Target kTargets[] = {
+    {"parse", parse},     {"reference", reference}, {"options", options}, {"seek", seek},
+    {"replace", replace}, {"builder", builder},     {"escape", escape},   {"expressions", expressions},
+};
+
+/// The target of this name, or null.
+constexpr const Target* targetNamed(std::string_view name) {
+    for (const Target& target : kTargets) {
+        if (target.name == name) {
+            return &target;
+        }
+    }
+    return nullptr;
+}
+
+}  // namespace corvane_fuzz
