@@ -1,5 +1,6 @@
 #include "regexp/memo.h"
 
+#include <algorithm>
 #include <bit>
 #include <utility>
 
@@ -32,6 +33,10 @@ bool RE_Memo_Table::insert(std::uint32_t row, std::size_t position) {
         return false;
     }
     cell.bits |= bit;
+    if (Filled* const known = filledOf(row)) {
+        known->first -= position + 1 == known->first ? 1 : 0;
+        known->last += position == known->last + 1 ? 1 : 0;
+    }
     return true;
 }
 
@@ -53,7 +58,7 @@ std::uint64_t RE_Memo_Table::absentBits(std::uint32_t row, std::size_t position)
     return cell.generation == generation ? ~cell.bits : ~std::uint64_t{0};
 }
 
-std::size_t RE_Memo_Table::lastAbsent(std::uint32_t row, std::size_t first, std::size_t last) const {
+std::size_t RE_Memo_Table::scanBack(std::uint32_t row, std::size_t first, std::size_t last) const {
     for (;;) {
         const std::uint64_t absent = absentBits(row, last) << (63 - (last & 63));
         if (absent != 0) {
@@ -67,7 +72,7 @@ std::size_t RE_Memo_Table::lastAbsent(std::uint32_t row, std::size_t first, std:
     }
 }
 
-std::size_t RE_Memo_Table::firstAbsent(std::uint32_t row, std::size_t first, std::size_t last) const {
+std::size_t RE_Memo_Table::scanOn(std::uint32_t row, std::size_t first, std::size_t last) const {
     for (;;) {
         const std::uint64_t absent = absentBits(row, first) >> (first & 63);
         if (absent != 0) {
@@ -79,6 +84,56 @@ std::size_t RE_Memo_Table::firstAbsent(std::uint32_t row, std::size_t first, std
         }
         first = (first | 63) + 1;
     }
+}
+
+RE_Memo_Table::Filled* RE_Memo_Table::filledOf(std::uint32_t row) {
+    Filled& place = filled[row % filled.size()];
+    return place.row == row && place.generation == generation ? &place : nullptr;
+}
+
+// Extends what is known where it touches this, and otherwise takes its place.
+void RE_Memo_Table::noteFilled(std::uint32_t row, std::size_t first, std::size_t last) {
+    Filled* const known = filledOf(row);
+    if (known == nullptr || first > known->last + 1 || known->first > last + 1) {
+        filled[row % filled.size()] = {row, generation, first, last};
+        return;
+    }
+    known->first = std::min(known->first, first);
+    known->last = std::max(known->last, last);
+}
+
+std::size_t RE_Memo_Table::lastAbsent(std::uint32_t row, std::size_t first, std::size_t last) {
+    std::size_t from = last;
+    if (const Filled* const known = filledOf(row); known != nullptr && known->holds(last)) {
+        if (known->first <= first) {
+            return nowhere;
+        }
+        from = known->first - 1;
+    }
+    const std::size_t found = scanBack(row, first, from);
+    const std::size_t lowest = found == nowhere ? first : found + 1;
+    lookedOver += from - lowest + 1;
+    if (lowest <= last) {
+        noteFilled(row, lowest, last);
+    }
+    return found;
+}
+
+std::size_t RE_Memo_Table::firstAbsent(std::uint32_t row, std::size_t first, std::size_t last) {
+    std::size_t from = first;
+    if (const Filled* const known = filledOf(row); known != nullptr && known->holds(first)) {
+        if (known->last >= last) {
+            return nowhere;
+        }
+        from = known->last + 1;
+    }
+    const std::size_t found = scanOn(row, from, last);
+    const std::size_t behind = found == nowhere ? last + 1 : found;
+    lookedOver += behind - from;
+    if (behind > first) {
+        noteFilled(row, first, behind - 1);
+    }
+    return found;
 }
 
 // A cell of an older generation ends a probe like a free one: every key of this generation was put in front of it.

@@ -11,9 +11,11 @@
 
 #include "regexp/memory.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 class RE_Node;
@@ -35,9 +37,11 @@ public:
     /// Adds the pair; false when it was there already.
     bool insert(std::uint32_t row, std::size_t position);
     /// The last position in [first, last] whose pair is not in the set, or `nowhere`.
-    std::size_t lastAbsent(std::uint32_t row, std::size_t first, std::size_t last) const;
+    std::size_t lastAbsent(std::uint32_t row, std::size_t first, std::size_t last);
     /// The first such position.
-    std::size_t firstAbsent(std::uint32_t row, std::size_t first, std::size_t last) const;
+    std::size_t firstAbsent(std::uint32_t row, std::size_t first, std::size_t last);
+    /// How many positions the last two have looked over since this was asked.
+    std::size_t takeLookedOver() { return std::exchange(lookedOver, 0); }
     static constexpr std::size_t nowhere = static_cast<std::size_t>(-1);
     bool contains(std::uint32_t row, std::size_t position) const;
     /// Empties the set without touching its storage.
@@ -51,6 +55,22 @@ private:
         std::uint64_t generation;  ///< the cell is free unless this is the table's current one
     };
 
+    /// Positions without a gap, all of them in the set. A loop that fails at each of its ends, from start after start,
+    /// asks about the same ones again and again: without this each answer would take the time of a scan.
+    struct Filled {
+        std::uint32_t row = 0;
+        std::uint64_t generation = 0;  ///< counts for nothing unless this is the table's current one
+        std::size_t first = 0;
+        std::size_t last = 0;
+
+        bool holds(std::size_t position) const { return first <= position && position <= last; }
+    };
+
+    /// What is known of the row; an empty place of the cache when that is nothing.
+    Filled* filledOf(std::uint32_t row);
+    void noteFilled(std::uint32_t row, std::size_t first, std::size_t last);
+    std::size_t scanBack(std::uint32_t row, std::size_t first, std::size_t last) const;
+    std::size_t scanOn(std::uint32_t row, std::size_t first, std::size_t last) const;
     std::uint64_t absentBits(std::uint32_t row, std::size_t position) const;
     std::size_t slotOf(std::uint64_t key) const;
     Cell& find(std::uint64_t key) { return cells[slotOf(key)]; }
@@ -59,6 +79,8 @@ private:
     std::vector<Cell, RE_Allocator<Cell>> cells;
     std::size_t used = 0;
     std::uint64_t generation = 1;
+    std::array<Filled, 16> filled{};
+    std::size_t lookedOver = 0;
 };
 
 /// Gives each distinct combination of words a number of its own, counted from a first number on.

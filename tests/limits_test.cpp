@@ -75,7 +75,7 @@ TEST(Limits, GiveTheAnswerExactlyWhenTheBudgetSuffices) {
 TEST(Limits, HoldTheMemoryOfASearchUnderItsCeiling) {
     for (const char16_t* pattern : kPatterns) {
         const RE_Tree tree(pattern, false);
-        const std::u16string text(3000, u'a');
+        const std::u16string text(700, u'a');
         const Searched whole = searchWithin(tree, text, {});
         for (std::uint64_t bytes = 0; bytes < whole.report.peakBytes + 100; bytes += 1 + whole.report.peakBytes / 60) {
             utAllocationCounter counter;

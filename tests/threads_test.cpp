@@ -2,12 +2,13 @@
 #include "tests/support/engine_run.h"
 
 #include <gtest/gtest.h>
+#include <chrono>
 #include <thread>
 
 namespace corvane_tests {
 namespace {
 
-constexpr size_t kThreads = 8;
+constexpr size_t kThreads = 16;
 constexpr size_t kRounds = 40;
 
 /// Different lengths of one repeating text, so that threads are in different places at the same time.
@@ -65,6 +66,32 @@ INSTANTIATE_TEST_SUITE_P(Patterns, Threads,
                          testing::Values("(a|ab)*c", "(?:a{1,3}b){2,30}?x", "(?>a+)(b)\\1?",
                                          "(?<=(a+))b(?!x)", "(a)?(?(1)b|c)", ".*?(?:ab|c)+c",
                                          "(?i)ABC|X\\w"));
+
+// Under TSan for half a minute, otherwise once.
+TEST(SharingThreads, ShareOnePatternAndOneReplacement) {
+    const RE_Tree tree(u"(?<w>a|ab)+?(?:c|(b))|x{2,3}\\s", false);
+    const RE_Replace replace(u"[$2$<w>\\n$`]");
+    const std::vector<std::u16string> texts = subjects();
+    const auto replaced = [&](size_t own) { return replace.replace(texts[own], tree, own % 2 == 0, 0); };
+#if defined(__SANITIZE_THREAD__)
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+#else
+    const auto end = std::chrono::steady_clock::now();
+#endif
+    std::vector<size_t> wrong(kThreads, 0);
+    std::vector<std::thread> threads;
+    for (size_t own = 0; own < kThreads; ++own) {
+        threads.emplace_back([&, own, expected = replaced(own)] {
+            do {
+                wrong[own] += replaced(own) != expected ? 1U : 0U;
+            } while (std::chrono::steady_clock::now() < end);
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(std::vector<size_t>(kThreads, 0), wrong);
+}
 
 TEST(CompilingThreads, BuildAndSearchTheirOwnTrees) {
     std::vector<std::thread> threads;

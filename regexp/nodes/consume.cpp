@@ -64,10 +64,8 @@ bool RE_Consume::goOn(const char16_t* from, const char16_t* end, std::size_t& po
                       RE_Search_Info& info) const {
     const char16_t* const taken = lastEnd(from, end, info);
     if (taken == nullptr) {
-        info.noteScan(static_cast<std::size_t>(end - from));
         return false;
     }
-    info.noteScan(static_cast<std::size_t>(end - taken));
     pos = info.indexOf(taken);
     if (taken > from) {
         info.pushRecord(this, taken, info.indexOf(from));
@@ -81,10 +79,14 @@ const char16_t* RE_Consume::lastEnd(const char16_t* from, const char16_t* end, R
     std::size_t looked = 0;
     for (const char16_t* candidate = end;; --candidate) {
         candidate = info.lastUntried(this, from, candidate);
+        if (candidate == nullptr) {
+            return nullptr;
+        }
         const char16_t* const startable =
-            candidate != nullptr && seeks
-                ? nextNode->rSeek(from, static_cast<std::size_t>(candidate - from), info)
-                : candidate;
+            seeks ? nextNode->rSeek(from, static_cast<std::size_t>(candidate - from), info) : candidate;
+        // A step for the candidate, and what was looked through for where the rest can begin.
+        info.noteScan(RE_Step_Meter::unitsAStep +
+                      static_cast<std::size_t>(candidate - (startable != nullptr ? startable : from)));
         if (startable == nullptr) {
             return nullptr;
         }
@@ -122,6 +124,7 @@ bool RE_Consume::takeLonger(const char16_t* end, std::size_t limit, std::size_t&
                             RE_Search_Info& info) const {
     const char16_t* const last = info.subjectBegin + limit;
     while (end < last) {
+        info.noteScan(RE_Step_Meter::unitsAStep);
         const char16_t* const longer = info.firstUntried(this, end + 1, last);
         if (longer == nullptr || runEnd(end, static_cast<std::uint64_t>(longer - end), info) != longer) {
             return false;

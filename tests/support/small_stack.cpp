@@ -11,7 +11,7 @@ namespace {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr size_t kStackBytes = 1024 * 1024;
 #else
-constexpr size_t kStackBytes = 256 * 1024;
+constexpr size_t kStackBytes = 128 * 1024;
 #endif
 
 void* call(void* work) {

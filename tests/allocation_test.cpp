@@ -1,0 +1,68 @@
+// A host without memory: whichever of its allocations fails, compiling, searching and replacing end in std::bad_alloc
+// or in no result, and nothing is lost.
+#include "host/allocation_counter.h"
+#include "host/memory.h"
+#include "tests/support/differential.h"
+
+#include <gtest/gtest.h>
+#include <memory>
+
+namespace corvane_tests {
+namespace {
+
+struct Memory_Case {
+    const char16_t* pattern;
+    const char16_t* subject;
+};
+
+constexpr Memory_Case kCases[] = {
+    {u"abcdefghijklmnop|(x)[^y]\\w", u"--xyzabcdefghijklmnop"},
+    {u"(?<n>a|ab)*?(?<m>c)\\k<n>?(?(m)d|e)", u"aababcabd"},
+    {u"(?:(a)|(b)|(c)|(d)|(e)|(f)|(g)|(h)|(i)|(j))+x", u"abcdefghijabcdefghijx"},
+    {u"(?=(?:a|ab)*c)(?>a+|b)(?<=(?:a|b)+)(?!x)", u"aababac"},
+    {u"(?:(?:a{2,3}|b){2,9}c?){1,4}d", u"aabaabaacaad"},
+    {u"(?:a|ab|b)*[ab]*(\\w)+!", u"abaabbabaabbabaabbabaabb"},
+    {u"((a{1,3}){1,3})\\2b", u"aaaaaab"},
+};
+
+/// Everything that takes memory; what comes out is taken by the caller or freed here.
+void useAll(const Memory_Case& it) {
+    const std::u16string_view subject(it.subject);
+    const RE_Tree tree(it.pattern, false);
+    RE_Seek_Table table;
+    for (size_t offset = 0; offset <= subject.size(); offset += 5) {
+        delete tree.match(subject.data(), subject.size(), offset, &table);
+    }
+    size_t names = 0;
+    utFree(tree.treeNames(&names));
+    for (const RE_Results& match : tree.find_all(subject)) {
+        EXPECT_LE(match.matchStart + match.matchLength, subject.size());
+    }
+    RE_Search_Report report;
+    delete tree.match(subject.data(), subject.size(), 0, RE_Search_Limits{}, report);
+    EXPECT_EQ(it.subject, RE_Replace(u"$&").replace(subject, tree, false, 0));
+}
+
+TEST(FailingAllocations, LoseNothingWhileCompilingSearchingAndReplacing) {
+    const auto choices = std::exchange(RE_Memo_Delay::choices, 0);
+    const auto perUnit = std::exchange(RE_Memo_Delay::perUnit, 0);
+    utAllocationCounter counter;
+    for (const Memory_Case& it : kCases) {
+        size_t n = 0;
+        for (bool failed = true; failed;) {
+            counter.failAt(++n);
+            try {
+                useAll(it);
+                failed = counter.requests() >= n;  // no memory for one result, which is none then
+            } catch (const std::bad_alloc&) {
+            }
+            ASSERT_EQ(0, counter.live()) << printable(it.pattern) << " " << n;
+        }
+        EXPECT_LT(50u, n) << "the patterns ask for memory";
+    }
+    RE_Memo_Delay::choices = choices;
+    RE_Memo_Delay::perUnit = perUnit;
+}
+
+}  // namespace
+}  // namespace corvane_tests
