@@ -232,21 +232,26 @@ TEST(ClosedBodies, NestToADepthOfHundreds) {
 
 TEST(LongPatterns, OfAMillionUnitsFindThemselves) {
     const size_t copies = sanitized() ? 20000 : 250000;
-    const std::u16string text = repeated("abcd", copies);
-    for (const RE_Flags flags : {kPlain, RE_Flags{0x13}}) {
-        const Outcome outcome = Engine(text, flags).search(u"x" + text);
-        EXPECT_EQ("[1," + std::to_string(text.size()) + "]", describe(outcome));
-    }
-    const std::u16string stars = repeated("a*", copies);
-    EXPECT_EQ("[0,3]", describe(Engine(stars).search(u"aaab")));
+    runOnSmallStack([&] {
+        const std::u16string text = repeated("abcd", copies);
+        for (const RE_Flags flags : {kPlain, RE_Flags{0x13}}) {
+            const Outcome outcome = Engine(text, flags).search(u"x" + text);
+            EXPECT_EQ("[1," + std::to_string(text.size()) + "]", describe(outcome));
+        }
+        const std::u16string stars = repeated("a*", 4 * copies);
+        EXPECT_EQ("[0,3]", describe(Engine(stars).search(u"aaab")));
+    });
 }
 
 TEST(LongPatterns, OfAHundredThousandBranchesTryThemAll) {
     const size_t count = sanitized() ? 10000 : 100000;
     for (const char* branch : {"a|", "ab|", "a*b|", "(a)|", "\\d|"}) {
-        const Engine engine(repeated(branch, count) + u"xy");
-        EXPECT_EQ("[1,2]", describe({true, engine.search(u"zxy").start, engine.search(u"zxy").length, {}}))
-            << branch;
+        runOnSmallStack([&] {
+            const Engine engine(repeated(branch, count) + u"xy");
+            EXPECT_EQ("[1,2]", describe({true, engine.search(u"zxy").start, engine.search(u"zxy").length, {}}))
+                << branch;
+            EXPECT_EQ(u"z-", RE_Replace(u"-").replace(u"zxy", engine.tree(), false, 0));
+        });
     }
 }
 
@@ -262,6 +267,9 @@ TEST(LongSubjects, NeedNoStackOfTheirLength) {
     const std::string whole = "[0," + std::to_string(units + 1) + "]";
     EXPECT_EQ(whole, answerOnSmallStack(u"(?:a*b)*c", subject));
     EXPECT_EQ("[0," + std::to_string(units) + "]", answerOnSmallStack(u"(?:a|b)*", subject));
+    runOnSmallStack([&] {
+        EXPECT_EQ(subject, RE_Replace(u"$&").replace(subject, RE_Tree(u"(?:a*b)*c", false), false, 0));
+    });
     EXPECT_EQ(whole + " t0=(" + std::to_string(units - 1) + ",1)",
               answerOnSmallStack(u"(a|b|ab)*?c", subject));
 }

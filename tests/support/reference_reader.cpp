@@ -35,9 +35,12 @@ char16_t Reader::take() {
 void Reader::skipSpacing(bool freeSpacing) {
     for (bool more = true; more && !done();) {
         if (takes(u"(?#")) {
-            while (take() != u')') {
+            for (size_t open = 1; open > 0;) {
+                const char16_t unit = take();
+                open += unit == u'(' ? 1U : 0U;
+                open -= unit == u')' ? 1U : 0U;
             }
-        } else if (freeSpacing && (m_text[m_at] == u' ' || (m_text[m_at] >= 9 && m_text[m_at] <= 13))) {
+        } else if (freeSpacing && ((m_text[m_at] >= 28 && m_text[m_at] <= 32) || (m_text[m_at] >= 9 && m_text[m_at] <= 13))) {
             ++m_at;
         } else if (freeSpacing && m_text[m_at] == u'#') {
             while (!done() && take() != u'\n') {
