@@ -31,9 +31,10 @@ Input::Input(const std::uint8_t* data, std::size_t size) : texts(1) {
     }
 }
 
+// A text without units still has a place: a null one would be no subject.
 std::u16string_view Input::text(std::size_t index, std::size_t most) const {
-    return index < texts.size() ? std::u16string_view(texts[index]).substr(0, most)
-                                : std::u16string_view(u"", 0);
+    const std::u16string_view whole = index < texts.size() ? texts[index] : std::u16string_view(u"");
+    return whole.substr(0, most);
 }
 
 void require(bool holds, std::string_view what, std::u16string_view pattern, std::u16string_view subject) {
