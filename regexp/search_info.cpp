@@ -55,6 +55,7 @@ void RE_Search_Info::prepare(const RE_Graph_Facts& graphFacts) {
     facts = &graphFacts;
     // A run that succeeded leaves states in the memo that have not failed.
     memo.reset();
+    runs.clear();
     memoCountdown = subjectLength() * RE_Memo_Delay::perUnit + RE_Memo_Delay::choices + 1;
     const std::size_t needed = graphFacts.tokenCount + graphFacts.passRegisters;
     if (registers.size() < needed) {
@@ -78,6 +79,13 @@ void RE_Search_Info::resetForStart(const char16_t* p) {
     if (memo != nullptr && !facts->memoOutlivesStarts()) {
         memo->clear(0);
     }
+}
+
+void RE_Search_Info::noteRun(const RE_Node* node, RE_Measured_Run run) {
+    if (runs.size() <= node->memoIndex) {
+        runs.resize(node->memoIndex + std::size_t{1});
+    }
+    runs[node->memoIndex] = run;
 }
 
 bool RE_Search_Info::pollInterrupt() {

@@ -24,6 +24,14 @@
 class RE_Seek_Table;
 class RE_Search_Info;
 
+/// A run of units that was measured up to the unit that ends it: it ends there from each of its positions.
+struct RE_Measured_Run {
+    const char16_t* begin = nullptr;
+    const char16_t* end = nullptr;
+
+    bool holds(const char16_t* p) const { return begin != nullptr && begin <= p && p <= end; }
+};
+
 /// Opens a sub-search: choices made before it are out of reach of pops until `leave()`, which drops every record the
 /// sub-search left. What the sub-search wrote to tokens stays on the undo trail.
 class CORVANE_REGEXP_EXPORT RE_Search_Scope {
@@ -107,10 +115,11 @@ public:
     const char16_t* lastUntried(const RE_Node* node, const char16_t* first, const char16_t* last) const;
     const char16_t* firstUntried(const RE_Node* node, const char16_t* first, const char16_t* last) const;
 
-    /// Where a node keeps the run it measured last; null while the memo has not begun.
-    RE_Measured_Run* measuredRun(const RE_Node* node) const {
-        return memo != nullptr ? &memo->run(node) : nullptr;
+    /// The run that a node measured last, or null.
+    const RE_Measured_Run* measuredRun(const RE_Node* node) const {
+        return node->memoIndex < runs.size() ? &runs[node->memoIndex] : nullptr;
     }
+    void noteRun(const RE_Node* node, RE_Measured_Run run);
 
     // --- tokens ---
 
@@ -222,6 +231,7 @@ private:
     const RE_Graph_Facts* facts = nullptr;
     boost::container::small_vector<std::size_t, 12, RE_Allocator<std::size_t>> registers;
     std::vector<Trail_Entry, RE_Allocator<Trail_Entry>> trail;
+    std::vector<RE_Measured_Run, RE_Allocator<RE_Measured_Run>> runs;
     std::int32_t scopes = 0;
     bool interrupted = false;
 

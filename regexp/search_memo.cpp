@@ -80,13 +80,6 @@ std::size_t RE_Search_Memo::firstUntried(const RE_Search_Info& info, const RE_No
     return firstAbsent(info, row(info, node, last), first, last);
 }
 
-RE_Measured_Run& RE_Search_Memo::run(const RE_Node* node) {
-    if (runs.size() <= node->memoIndex) {
-        runs.resize(node->memoIndex + std::size_t{1});
-    }
-    return runs[node->memoIndex];
-}
-
 void RE_Search_Memo::clear(std::size_t level) {
     if (level < tables.size()) {
         tables[level].clear();

@@ -23,14 +23,6 @@ class RE_Node;
 class RE_Search_Info;
 struct RE_TokenInfo;
 
-/// A run of units that was measured up to the unit that ends it: it ends there from each of its positions.
-struct RE_Measured_Run {
-    const char16_t* begin = nullptr;
-    const char16_t* end = nullptr;
-
-    bool holds(const char16_t* p) const { return begin != nullptr && begin <= p && p <= end; }
-};
-
 /// When the memo of a search begins: after this many choices were taken up again, plus so many for each unit of the
 /// subject. Most searches end before. Tests set both to 0, before any search, to see the memo at work at once.
 struct RE_Memo_Delay {
@@ -58,8 +50,6 @@ public:
     /// The first such position.
     std::size_t firstUntried(const RE_Search_Info& info, const RE_Node* node, std::size_t first,
                              std::size_t last);
-    /// The run last measured by this node.
-    RE_Measured_Run& run(const RE_Node* node);
     /// Forgets the states of this level (0 is the pattern itself).
     void clear(std::size_t level);
     /// The outcome noted for a body of `node` entered at `start`.
@@ -96,7 +86,6 @@ private:
     std::vector<RE_Memo_Table, RE_Allocator<RE_Memo_Table>> tables;
     RE_Memo_Table apart;  // the pattern's own states at the position set apart, met since then
     std::size_t setApart = RE_Memo_Table::nowhere;
-    std::vector<RE_Measured_Run, RE_Allocator<RE_Measured_Run>> runs;
     RE_Memo_Rows rows;
     RE_Memo_Rows::Key key;                    // scratch, kept for its storage
     Numbers<Place, Place_Hash> placeNumbers;  // of token texts, by where they stand
