@@ -34,7 +34,8 @@ struct RE_Memo_Delay {
 
 class RE_Search_Memo : public RE_Memory {
 public:
-    explicit RE_Search_Memo(std::uint32_t nodeRows) : rows(nodeRows) {}
+    /// Combinations of a node and more get rows from this one on.
+    explicit RE_Search_Memo(std::uint32_t firstCombined) : rows(firstCombined) {}
 
     /// Records the state in which the search stands at (node, position); false when it was there already.
     bool insert(const RE_Search_Info& info, const RE_Node* node, std::size_t position);
@@ -50,6 +51,8 @@ public:
     void clear(std::size_t level);
     /// Forgets the states of every level.
     void forgetStates();
+    /// Forgets the runs measured by the nodes from this row on.
+    void forgetRuns(std::uint32_t firstRow);
 
 private:
     using Text = std::pair<std::size_t, std::size_t>;  // start, length

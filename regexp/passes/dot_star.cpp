@@ -47,7 +47,10 @@ public:
     Rewriter(RE_ParserContext& parserContext, RE_Node* graphRoot) : context(parserContext), root(graphRoot) {}
 
     RE_Node* run() {
-        dropRepeatedChoices();
+        // The second time may call the host as well as the first.
+        if (!context.facts->hasDynamicNodes) {
+            dropRepeatedChoices();
+        }
         replaceWhere([this](RE_Node* node) { return loopNode(node); });
         replaceWhere([this](RE_Node* node) { return possessiveNode(node); });
         return root;
