@@ -11,6 +11,9 @@
 //   #   a remark
 // Control characters in the output are compared as \xHH. What is not mentioned is expected to be empty, and the
 // status to be 0.
+//
+// The pages in docs are transcripts too: of their indented lines, one that begins with "$ " is a command, run at the
+// top of the source tree, and those below are what it says on both channels.
 #include <gtest/gtest.h>
 #include <stdlib.h>
 #include <sys/wait.h>
@@ -41,6 +44,7 @@ struct Case {
     std::string output;
     std::string errors;
     int status = 0;
+    bool fromPage = false;  // runs in the source tree, says all in `output`, and may have any status
 };
 
 std::string readFile(const fs::path& path) {
@@ -120,6 +124,26 @@ std::vector<Case> readTranscript(const fs::path& path) {
     return cases;
 }
 
+std::vector<Case> readExamples(const fs::path& page) {
+    std::vector<Case> cases;
+    bool open = false;
+    std::ifstream in(page);
+    for (std::string line; std::getline(in, line);) {
+        const bool indented = line.starts_with("    ");
+        if (line.starts_with("    $ ")) {
+            Case& example = cases.emplace_back();
+            example.fromPage = true;
+            example.command = "exec 2>&1; " + line.substr(6);
+        } else if (open && indented) {
+            cases.back().output += line.substr(4) + '\n';
+        }
+        open = indented && (open || line.starts_with("    $ "));
+    }
+    return cases;
+}
+
+const fs::path sourceTree = fs::path(CORVANE_TEST_DATA_DIR).parent_path().parent_path();
+
 class Directory {
 public:
     Directory() {
@@ -141,10 +165,11 @@ void runCase(const Case& expected) {
     const Directory work;
     const Directory results;  // apart from the files of the case, which the command may list
     for (const auto& [name, content] : expected.files) {
-        const fs::path& place = name == standardInput ? results.path() : work.path();
-        std::ofstream(place / name, std::ios::binary) << content;
+        const fs::path& folder = name == standardInput ? results.path() : work.path();
+        std::ofstream(folder / name, std::ios::binary) << content;
     }
-    const std::string script = "cd '" + work.path().string() + "' || exit 99\n" +
+    const fs::path& place = expected.fromPage ? sourceTree : work.path();
+    const std::string script = "cd '" + place.string() + "' || exit 99\n" +
                                "unset NO_COLOR; LC_ALL=C.UTF-8; TERM=xterm; export LC_ALL TERM\n" +
                                "cvregexp='" CORVANE_TOOL_PATH "'\n" +
                                "cvregexp() { \"$cvregexp\" \"$@\"; }\n"
@@ -154,24 +179,37 @@ void runCase(const Case& expected) {
     const std::string in = results.path().string();
     const int status =
         std::system(("sh '" + in + "/script' > '" + in + "/out' 2> '" + in + "/err' < /dev/null").c_str());
-    EXPECT_EQ(expected.output, showControls(readFile(results.path() / "out")));
+    std::string output = showControls(readFile(results.path() / "out"));
+    if (expected.fromPage && !output.ends_with('\n')) output += '\n';  // pages cannot show that there is none
+    EXPECT_EQ(expected.output, output);
     EXPECT_EQ(expected.errors, showControls(readFile(results.path() / "err")));
     EXPECT_TRUE(WIFEXITED(status));
-    EXPECT_EQ(expected.status, WEXITSTATUS(status));
+    EXPECT_TRUE(expected.fromPage || expected.status == WEXITSTATUS(status)) << "status " << WEXITSTATUS(status);
 }
 
-std::vector<fs::path> transcripts() {
+std::vector<fs::path> filesIn(const std::string& folder, const std::string& extension) {
     std::vector<fs::path> paths;
-    for (const fs::directory_entry& entry :
-         fs::directory_iterator(fs::path(CORVANE_TEST_DATA_DIR).parent_path() / "tool"))
-        if (entry.path().extension() == ".transcript") paths.push_back(entry.path());
+    for (const fs::directory_entry& entry : fs::directory_iterator(sourceTree / folder))
+        if (entry.path().extension() == extension) paths.push_back(entry.path());
     std::ranges::sort(paths);
     return paths;
 }
 
+TEST(CommandLineTool, SaysWhatThePagesOfTheDocumentationSay) {
+    size_t count = 0;
+    for (const fs::path& page : filesIn("docs", ".md")) {
+        for (const Case& example : readExamples(page)) {
+            SCOPED_TRACE(page.filename().string() + "\n" + example.command);
+            runCase(example);
+            ++count;
+        }
+    }
+    EXPECT_GT(count, 10u);
+}
+
 TEST(CommandLineTool, SaysWhatItsTranscriptsSay) {
     size_t count = 0;
-    for (const fs::path& path : transcripts()) {
+    for (const fs::path& path : filesIn("tests/tool", ".transcript")) {
         for (const Case& expected : readTranscript(path)) {
             SCOPED_TRACE(path.filename().string() + ": " + expected.title + "\n$ " + expected.command);
             runCase(expected);

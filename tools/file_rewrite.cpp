@@ -21,9 +21,8 @@ namespace {
 // Exists until it is renamed.
 class TemporaryFile {
 public:
-    explicit TemporaryFile(const std::filesystem::path& beside)
-        : name_((beside.parent_path() / ("." + beside.filename().string() + ".XXXXXX")).string()),
-          descriptor_(::mkostemp(name_.data(), O_CLOEXEC)) {
+    explicit TemporaryFile(const std::filesystem::path& directory)
+        : name_((directory / ".cvregexp.XXXXXX").string()), descriptor_(::mkostemp(name_.data(), O_CLOEXEC)) {
         if (descriptor_ < 0) failOn(name_);
     }
     ~TemporaryFile() {
@@ -77,7 +76,7 @@ void rewriteFile(const std::string& fileName, std::string_view content) {
     struct stat old {};
     if (::stat(target.c_str(), &old) != 0) failOn(fileName);
     if (!S_ISREG(old.st_mode)) failOn(fileName + ": not a regular file", EINVAL);
-    TemporaryFile temporary(target);
+    TemporaryFile temporary(target.parent_path());
     temporary.write(content);
     temporary.takePermissionsOf(old);
     temporary.replace(target.string());
