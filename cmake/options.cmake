@@ -7,6 +7,7 @@ option(CORVANE_BUILD_TESTS "Build the tests" ${CORVANE_DEVELOPER_MODE})
 option(CORVANE_BUILD_BENCH "Build the benchmarks" OFF)
 option(CORVANE_BUILD_FUZZ "Build the fuzz targets" OFF)
 option(CORVANE_CHECK_GRAPH "Check the node graph around every compile pass" ${CORVANE_DEVELOPER_MODE})
+option(CORVANE_PRECOMPILE_HEADERS "Read the headers of other libraries once per target" ${CORVANE_DEVELOPER_MODE})
 option(CORVANE_INSTALL "Generate the install rules" ${PROJECT_IS_TOP_LEVEL})
 
 if(PROJECT_IS_TOP_LEVEL)
@@ -20,6 +21,10 @@ if(PROJECT_IS_TOP_LEVEL)
     find_program(CORVANE_CCACHE ccache)
     if(CORVANE_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
         set(CMAKE_CXX_COMPILER_LAUNCHER ${CORVANE_CCACHE})
+        if(CORVANE_PRECOMPILE_HEADERS)
+            set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env
+                CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime ${CORVANE_CCACHE})
+        endif()
     endif()
 endif()
 
@@ -36,5 +41,16 @@ function(corvane_compile_rules target)
     endif()
     if(CORVANE_CHECK_GRAPH)
         target_compile_definitions(${target} PRIVATE CORVANE_CHECK_GRAPH=1)
+    endif()
+endfunction()
+
+# The headers of the standard library and of Boost that most sources read, and those of the target's own choice.
+# Sources still include what they use: builds for users go without.
+function(corvane_precompile target)
+    if(CORVANE_PRECOMPILE_HEADERS)
+        target_precompile_headers(${target} PRIVATE
+            <algorithm> <cstdint> <functional> <map> <memory> <string> <string_view> <unordered_map> <utility> <vector>
+            <boost/container/flat_map.hpp> <boost/container/flat_set.hpp> <boost/container/small_vector.hpp>
+            ${ARGN})
     endif()
 endfunction()

@@ -23,6 +23,7 @@ endif()
 file(GLOB_RECURSE regexp_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/regexp/*.cpp)
 add_library(corvane_regexp_objects OBJECT ${regexp_sources})
 corvane_compile_rules(corvane_regexp_objects)
+corvane_precompile(corvane_regexp_objects)
 target_include_directories(corvane_regexp_objects PUBLIC ${PROJECT_SOURCE_DIR})
 target_link_libraries(corvane_regexp_objects PUBLIC Boost::headers Boost::program_options)
 

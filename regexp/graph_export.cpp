@@ -42,12 +42,16 @@ struct Edge_Writer : RE_Link_Visitor {
 
 }  // namespace
 
+void RE_Node::graph(std::string& out) {
+    out += "  n" + std::to_string(nodeId) + " [label=" + quoted(label()) + "];\n";
+    Edge_Writer edges(out, this);
+    visitLinks(edges);
+}
+
 std::string RE_Tree::graph() const {
     std::string out = "digraph regexp {\n";
     for (RE_Node* node : facts->nodes) {
-        appendGraphNode(out, node->nodeId, node->label());
-        Edge_Writer edges(out, node);
-        node->visitLinks(edges);
+        node->graph(out);
     }
     return out + "}\n";
 }

@@ -5,11 +5,11 @@
 
 namespace {
 
-/// Where to go on after a node failed: its fail target, unless the node ruled that out.
+/// Where to go on after a node failed: its fail target, unless the node named another way.
 const RE_Node* afterFailure(const RE_Node* node, RE_Search_Info& info) {
-    if (info.deadEnd) {
-        info.deadEnd = false;
-        return nullptr;
+    if (info.redirected) {
+        info.redirected = false;
+        return info.redirection;
     }
     return node->failNode();
 }

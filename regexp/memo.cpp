@@ -35,6 +35,10 @@ bool RE_Memo_Table::insert(std::uint32_t row, std::size_t position) {
     return true;
 }
 
+bool RE_Memo_Table::contains(std::uint32_t row, std::size_t position) const {
+    return (absentBits(row, position) >> (position & 63) & 1) == 0;
+}
+
 void RE_Memo_Table::clear() {
     ++generation;
     used = 0;

@@ -39,6 +39,7 @@ public:
     /// The first such position.
     std::size_t firstAbsent(std::uint32_t row, std::size_t first, std::size_t last) const;
     static constexpr std::size_t nowhere = static_cast<std::size_t>(-1);
+    bool contains(std::uint32_t row, std::size_t position) const;
     /// Empties the set without touching its storage.
     void clear();
     std::size_t bytes() const { return cells.capacity() * sizeof(Cell); }

@@ -28,5 +28,5 @@ public:
     const char16_t* subjectEnd;
     std::size_t matchStart;
     std::size_t matchLength;
-    RE_Token_Stack* tokens;
+    RE_Token_Stack* tokens;  ///< null when there was no memory for it
 };

@@ -62,7 +62,7 @@ void RE_Search_Info::prepare(const RE_Graph_Facts& graphFacts) {
 
 void RE_Search_Info::resetForStart(const char16_t* p) {
     matchStart = p;
-    deadEnd = false;
+    redirected = false;
     refusedTexts = 0;
     if (tokens != nullptr) {
         tokens->reset();
@@ -216,10 +216,27 @@ RE_Body_Frame& RE_Search_Info::openBody(const RE_Node* node, std::size_t start) 
     const RE_Search_Scope scope(*this);
     const RE_Window_Scope window(*this, matchStart, requiredEnd);
     bodies.push_back(RE_Body_Frame{node, scope, window, start, start, start});
+    if (memo != nullptr && !facts->memoOutlivesStarts()) {
+        forgetBodyStates();
+    }
+    return bodies.back();
+}
+
+void RE_Search_Info::forgetBodyStates() {
     if (memo != nullptr) {
         memo->clear(bodies.size());
     }
-    return bodies.back();
+}
+
+RE_Body_Outcome RE_Search_Info::knownOutcome(const RE_Node* node, std::size_t start) const {
+    return memo != nullptr && facts->memoOutlivesStarts() ? memo->outcome(node, start) : RE_Body_Outcome{};
+}
+
+void RE_Search_Info::noteOutcome(const RE_Node* node, std::size_t start, bool completed, std::size_t end) {
+    using Kind = RE_Body_Outcome::Kind;
+    if (memo != nullptr && facts->memoOutlivesStarts() && !interrupted) {
+        memo->noteOutcome(node, start, {completed ? Kind::completed : Kind::failed, end});
+    }
 }
 
 void RE_Search_Info::closeBody(bool keepTokens) {

@@ -145,8 +145,13 @@ public:
 
     // --- closed bodies ---
 
+    /// How the body of `node` is known to end when it is entered at index `start`.
+    RE_Body_Outcome knownOutcome(const RE_Node* node, std::size_t start) const;
+    void noteOutcome(const RE_Node* node, std::size_t start, bool completed, std::size_t end);
     /// Opens a body of `node` entered at index `start`. The caller goes on at the body's first node.
     RE_Body_Frame& openBody(const RE_Node* node, std::size_t start);
+    /// Forgets which states of the innermost body were tried: it completed, or its window changes.
+    void forgetBodyStates();
     /// Closes the innermost body; its token writes are taken back unless `keepTokens`.
     void closeBody(bool keepTokens);
 
@@ -201,8 +206,15 @@ public:
 
     /// The end of the pattern refuses a match that consumed nothing since `matchStart`.
     bool rejectEmpty = false;
-    /// Set by a node whose failure must not go on at its fail target: the state itself is exhausted.
-    bool deadEnd = false;
+    /// Has the match loop go on at `target` when the node that calls this fails, in place of its fail target; null is a
+    /// dead end, since the state itself is exhausted.
+    void redirect(const RE_Node* target) {
+        redirected = true;
+        redirection = target;
+    }
+    void deadEnd() { redirect(nullptr); }
+    bool redirected = false;
+    const RE_Node* redirection = nullptr;
     boost::container::small_vector<RE_Body_Frame, 2, RE_Allocator<RE_Body_Frame>> bodies;
     RE_Included_Texts included;
 

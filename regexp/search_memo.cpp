@@ -3,8 +3,6 @@
 #include "regexp/nodes/loop_pass.h"
 #include "regexp/search_info.h"
 
-#include <string_view>
-
 namespace {
 
 // All positions of a search share the row of a node, but for those at which a pass began that has consumed nothing
@@ -102,29 +100,48 @@ std::uint32_t RE_Search_Memo::row(const RE_Search_Info& info, const RE_Node* nod
         }
     }
     for (const std::size_t token : info.facts->referencedTokens) {
-        key.push_back(textNumber(info, token));
+        key.push_back(tokenState(info, token));
     }
     return rows.row(key);
 }
 
-// Equal texts get equal numbers, wherever they stand in the subject; 0 stands for no text. A slot that was skipped has
-// lost its name, which a reference by name can tell from an empty token.
-std::size_t RE_Search_Memo::textNumber(const RE_Search_Info& info, std::size_t token) {
+// A slot that was skipped has lost its name, which a reference by name can tell from an empty token.
+std::size_t RE_Search_Memo::tokenState(const RE_Search_Info& info, std::size_t token) {
     const RE_TokenInfo* slot = info.getToken(token);
     if (slot == nullptr) {
         return 0;
     }
-    const std::u16string_view text(info.subjectBegin + slot->start, slot->length);
     const std::size_t named = slot->name != nullptr ? 1 : 0;
-    const std::size_t hash = std::hash<std::u16string_view>()(text);
-    const auto [first, last] = textNumbers.equal_range(hash);
-    for (auto known = first; known != last; ++known) {
-        const Text& other = texts[known->second - 1];
-        if (text == std::u16string_view(info.subjectBegin + other.first, other.second)) {
-            return known->second * 2 + named;
-        }
+    return textNumber(info.subjectBegin, {slot->start, slot->length}) * 2 + named;
+}
+
+// Equal texts get equal numbers, wherever they stand in the subject; 0 stands for no text. A text is read once for each
+// place it stands in, as the same token is asked for at every choice.
+std::size_t RE_Search_Memo::textNumber(const char16_t* subject, Place place) {
+    const auto [known, isNew] = placeNumbers.try_emplace(place, 0);
+    if (isNew) {
+        const std::u16string_view text(subject + place.first, place.second);
+        known->second = textNumbers.try_emplace(text, textNumbers.size() + 1).first->second;
     }
-    texts.emplace_back(slot->start, slot->length);
-    textNumbers.emplace(hash, texts.size());
-    return texts.size() * 2 + named;
+    return known->second;
+}
+
+RE_Body_Outcome RE_Search_Memo::outcome(const RE_Node* node, std::size_t start) const {
+    using Kind = RE_Body_Outcome::Kind;
+    if (outcomes.contains(node->memoIndex * 2, start)) {
+        return {Kind::failed, start};
+    }
+    if (!outcomes.contains(node->memoIndex * 2 + 1, start)) {
+        return {};
+    }
+    const auto end = outcomeEnds.find({node->memoIndex, start});
+    return {Kind::completed, end == outcomeEnds.end() ? start : end->second};
+}
+
+void RE_Search_Memo::noteOutcome(const RE_Node* node, std::size_t start, RE_Body_Outcome outcome) {
+    const bool completed = outcome.kind == RE_Body_Outcome::Kind::completed;
+    outcomes.insert(node->memoIndex * 2 + (completed ? 1 : 0), start);
+    if (completed && outcome.end != start) {
+        outcomeEnds.try_emplace({node->memoIndex, start}, outcome.end);
+    }
 }

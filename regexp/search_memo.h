@@ -1,7 +1,11 @@
 // The memo of one search: a table of tried states for the pattern itself and one for each level of closed bodies.
 //
-// An evaluation of a closed body starts with an empty table, since states on the way of a body that succeeded have
-// not failed. The candidate starts of one look-behind share theirs.
+// States on the way of a body that succeeded have not failed: its table is emptied then. One of a body that failed stays,
+// as a body sees nothing of what stands around it; only a look-behind, which must end in one place, empties its own each
+// time. The candidate starts of one look-behind share theirs.
+//
+// How a closed body ended is remembered as well, by where it was entered, so that bodies within the loops of other
+// bodies do not multiply.
 #pragma once
 
 #include "regexp/memo.h"
@@ -9,6 +13,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <string_view>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -32,6 +38,14 @@ struct RE_Memo_Delay {
     static inline std::uint64_t perUnit = 4;
 };
 
+/// How a closed body ended when it was entered at some position before.
+struct RE_Body_Outcome {
+    enum class Kind { unknown, failed, completed };
+
+    Kind kind = Kind::unknown;
+    std::size_t end = 0;  ///< where a completed body led to
+};
+
 class RE_Search_Memo : public RE_Memory {
 public:
     /// Combinations of a node and more get rows from this one on.
@@ -49,24 +63,37 @@ public:
     RE_Measured_Run& run(const RE_Node* node);
     /// Forgets the states of this level (0 is the pattern itself).
     void clear(std::size_t level);
+    /// The outcome noted for a body of `node` entered at `start`.
+    RE_Body_Outcome outcome(const RE_Node* node, std::size_t start) const;
+    void noteOutcome(const RE_Node* node, std::size_t start, RE_Body_Outcome outcome);
     /// Forgets the states of every level.
     void forgetStates();
     /// Forgets the runs measured by the nodes from this row on.
     void forgetRuns(std::uint32_t firstRow);
 
 private:
-    using Text = std::pair<std::size_t, std::size_t>;  // start, length
+    using Place = std::pair<std::size_t, std::size_t>;  // start, length
+
+    struct Place_Hash {
+        std::size_t operator()(const Place& place) const {
+            return place.first * 0x9E3779B97F4A7C15u ^ place.second;
+        }
+    };
+    template <class Key, class Hash>
+    using Numbers = std::unordered_map<Key, std::size_t, Hash, std::equal_to<Key>,
+                                       RE_Allocator<std::pair<const Key, std::size_t>>>;
 
     RE_Memo_Table& table(const RE_Search_Info& info);
     std::uint32_t row(const RE_Search_Info& info, const RE_Node* node, std::size_t position);
-    std::size_t textNumber(const RE_Search_Info& info, std::size_t token);
+    std::size_t tokenState(const RE_Search_Info& info, std::size_t token);
+    std::size_t textNumber(const char16_t* subject, Place place);
 
     std::vector<RE_Memo_Table, RE_Allocator<RE_Memo_Table>> tables;
     std::vector<RE_Measured_Run, RE_Allocator<RE_Measured_Run>> runs;
     RE_Memo_Rows rows;
-    RE_Memo_Rows::Key key;  // scratch, kept for its storage
-    std::vector<Text, RE_Allocator<Text>> texts;
-    std::unordered_multimap<std::size_t, std::size_t, std::hash<std::size_t>, std::equal_to<std::size_t>,
-                            RE_Allocator<std::pair<const std::size_t, std::size_t>>>
-        textNumbers;
+    RE_Memo_Rows::Key key;                    // scratch, kept for its storage
+    Numbers<Place, Place_Hash> placeNumbers;  // of token texts, by where they stand
+    Numbers<std::u16string_view, std::hash<std::u16string_view>> textNumbers;
+    RE_Memo_Table outcomes;                  // two rows a node: bodies that failed, bodies that completed
+    Numbers<Place, Place_Hash> outcomeEnds;  // (node, start) of completed bodies that consumed something
 };

@@ -103,21 +103,13 @@ const char16_t** RE_Tree::treeNames(std::size_t* count) const {
     if (!hasTokenNames) {
         return nullptr;
     }
-    const auto names = static_cast<const char16_t**>(utMallocWithCheck(tokenCount * sizeof(const char16_t*)));
-    std::fill_n(names, tokenCount, nullptr);
-    for (const RE_Node* node : facts->nodes) {
-        if (node->isStartToken()) {
-            const auto* token = static_cast<const RE_Start_Token*>(node);
-            names[token->number] = token->name;
-        }
+    RE_Token_Names found;
+    for (const RE_Node* node : facts->nodes) {  // in the order of the pattern
+        node->prepareTokens(found);
     }
-    // Squeeze out the unnamed and the repeated, in place.
-    for (std::size_t token = 0; token < tokenCount; ++token) {
-        const char16_t* const name = names[token];
-        const auto sameName = [name](const char16_t* other) { return utf16_strcmp(name, other) == 0; };
-        if (name != nullptr && std::none_of(names, names + *count, sameName)) {
-            names[(*count)++] = name;
-        }
-    }
+    const auto names = static_cast<const char16_t**>(
+        utMallocWithCheck((found.inOrder.size() + 1) * sizeof(const char16_t*)));
+    std::copy(found.inOrder.begin(), found.inOrder.end(), names);
+    *count = found.inOrder.size();
     return names;
 }

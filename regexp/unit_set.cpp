@@ -2,6 +2,7 @@
 
 #include "host/ctype.h"
 
+#include <algorithm>
 #include <bit>
 
 void RE_Unit_Set::addRange(char16_t low, char16_t high) {
@@ -36,6 +37,18 @@ std::size_t RE_Unit_Set::size() const {
     return count;
 }
 
+std::size_t RE_Unit_Set::hash() const {
+    std::uint64_t mixed = 0;
+    for (const std::uint64_t word : words) {
+        mixed = (std::rotl(mixed, 7) ^ word) * 0x9E3779B97F4A7C15u;
+    }
+    return static_cast<std::size_t>(mixed ^ (mixed >> 32));
+}
+
+bool RE_Unit_Set::operator==(const RE_Unit_Set& other) const {
+    return std::equal(std::begin(words), std::end(words), std::begin(other.words));
+}
+
 const RE_Case_Table& RE_Case_Table::get() {
     static const RE_Case_Table table;
     return table;
@@ -46,11 +59,33 @@ RE_Case_Table::RE_Case_Table() {
         lowerOf[unit] = cvu_tolower(static_cast<char16_t>(unit));
         upperOf[unit] = cvu_toupper(static_cast<char16_t>(unit));
         if (isCased(static_cast<char16_t>(unit))) {
-            cased.push_back(static_cast<char16_t>(unit));
+            lowerForms.push_back({lowerOf[unit], static_cast<char16_t>(unit)});
+            upperForms.push_back({upperOf[unit], static_cast<char16_t>(unit)});
         }
         if (lowerOf[unit] != unit) {
             foldTargets.add(lowerOf[unit]);
         }
+    }
+    std::stable_sort(lowerForms.begin(), lowerForms.end());
+    std::stable_sort(upperForms.begin(), upperForms.end());
+}
+
+void RE_Case_Table::addFormsWithin(const Forms& forms, RE_Unit_Set& set, char16_t low, char16_t high) {
+    const auto first = std::lower_bound(forms.begin(), forms.end(), Form{low, 0});
+    for (auto it = first; it != forms.end() && it->form <= high; ++it) {
+        set.add(it->unit);
+    }
+}
+
+void RE_Case_Table::addFolding(RE_Unit_Set& set, char16_t low, char16_t high, bool bothForms) const {
+    for (std::size_t unit = low; unit <= high; ++unit) {
+        if (!isCased(static_cast<char16_t>(unit))) {
+            set.add(static_cast<char16_t>(unit));
+        }
+    }
+    addFormsWithin(lowerForms, set, low, high);
+    if (bothForms) {
+        addFormsWithin(upperForms, set, low, high);
     }
 }
 

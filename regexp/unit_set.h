@@ -21,6 +21,8 @@ public:
     void addAll(const RE_Unit_Set& other);
     void negate();
     std::size_t size() const;
+    std::size_t hash() const;
+    bool operator==(const RE_Unit_Set& other) const;
 
     template <class Predicate>
     void addWhere(Predicate predicate) {
@@ -43,19 +45,30 @@ public:
     char16_t lower(char16_t unit) const { return lowerOf[unit]; }
     char16_t upper(char16_t unit) const { return upperOf[unit]; }
     bool hasCase(char16_t unit) const { return lowerOf[unit] != upperOf[unit]; }
-    /// The units for which either mapping gives another unit.
-    const std::vector<char16_t>& casedUnits() const { return cased; }
+    /// Either mapping gives another unit.
     bool isCased(char16_t unit) const { return lowerOf[unit] != unit || upperOf[unit] != unit; }
     /// This unit and no other has this unit as its lower-case form.
     bool foldsAlone(char16_t unit) const { return lowerOf[unit] == unit && !foldTargets.contains(unit); }
 
+    /// Adds the units whose lower-case form lies in the bounds; with `bothForms` also those whose upper-case form does.
+    void addFolding(RE_Unit_Set& set, char16_t low, char16_t high, bool bothForms) const;
+
 private:
+    struct Form {
+        char16_t form;
+        char16_t unit;
+        bool operator<(const Form& other) const { return form < other.form; }
+    };
+    using Forms = std::vector<Form>;
+
     RE_Case_Table();
+    static void addFormsWithin(const Forms& forms, RE_Unit_Set& set, char16_t low, char16_t high);
 
     char16_t lowerOf[RE_Unit_Set::unitCount];
     char16_t upperOf[RE_Unit_Set::unitCount];
     RE_Unit_Set foldTargets;
-    std::vector<char16_t> cased;
+    Forms lowerForms;  ///< of the units with case, by their form
+    Forms upperForms;
 };
 
 /// The classes that escapes name.
@@ -72,23 +85,6 @@ struct RE_Unit_Classes {
 private:
     RE_Unit_Classes();
 };
-
-/// Adds the units of a test that looks at a unit's two case forms only: the caseless units from `low` to `high`, and
-/// every unit with case for which `holds`.
-template <class Predicate>
-void addFolding(RE_Unit_Set& set, char16_t low, char16_t high, Predicate holds) {
-    const RE_Case_Table& cases = RE_Case_Table::get();
-    for (std::size_t unit = low; unit <= high; ++unit) {
-        if (!cases.isCased(static_cast<char16_t>(unit))) {
-            set.add(static_cast<char16_t>(unit));
-        }
-    }
-    for (const char16_t unit : cases.casedUnits()) {
-        if (holds(unit)) {
-            set.add(unit);
-        }
-    }
-}
 
 /// Whether a unit counts as part of a word: the class that the word anchors and `\w` share.
 inline bool isWordUnit(char16_t unit) {

@@ -3,11 +3,25 @@
 #include <algorithm>
 
 bool RE_Atomic::match(const char16_t*, std::size_t& pos, RE_Search_Info& info) const {
-    info.openBody(this, pos);
-    return true;
+    const RE_Body_Outcome known = info.knownOutcome(this, pos);
+    if (known.kind == RE_Body_Outcome::Kind::unknown) {
+        info.openBody(this, pos);
+        return true;
+    }
+    if (known.kind == RE_Body_Outcome::Kind::completed) {
+        pos = known.end;
+        info.redirect(nextNode);
+    }
+    return false;
 }
 
-RE_Node* RE_Atomic::bodyEnded(bool completed, std::size_t&, RE_Search_Info& info) const {
+RE_Node* RE_Atomic::bodyEnded(bool completed, std::size_t& pos, RE_Search_Info& info) const {
+    if (!completed || remembers) {
+        info.noteOutcome(this, info.bodies.back().start, completed, pos);
+    }
+    if (completed) {
+        info.forgetBodyStates();
+    }
     info.closeBody(completed);
     return completed ? nextNode : nullptr;
 }
@@ -25,6 +39,13 @@ void RE_Atomic::combineLengths() {
 }
 
 bool RE_Lookaround_Assertion::match(const char16_t*, std::size_t& pos, RE_Search_Info& info) const {
+    const RE_Body_Outcome known = info.knownOutcome(this, pos);
+    if (known.kind != RE_Body_Outcome::Kind::unknown) {
+        if (known.kind == RE_Body_Outcome::Kind::completed) {
+            info.redirect(nextNode);
+        }
+        return false;
+    }
     if (behind) {
         return openBehind(pos, info);
     }
@@ -67,6 +88,12 @@ RE_Node* RE_Lookaround_Assertion::bodyEnded(bool completed, std::size_t& pos, RE
         }
     }
     pos = info.bodies.back().start;
+    if (!completed || remembers) {
+        info.noteOutcome(this, pos, completed, pos);
+    }
+    if (completed || behind) {
+        info.forgetBodyStates();
+    }
     info.closeBody(completed && !negative);
     if (info.wasInterrupted()) {
         return nullptr;

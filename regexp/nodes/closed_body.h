@@ -19,6 +19,8 @@ public:
     std::string label() const override { return "Atomic group"; }
 
     RE_Node* body = nullptr;
+    bool remembers =
+        false;  ///< where a completed body ended depends on its start only, and is asked for often
     std::uint64_t bodyMinimum = 0;  ///< units the body consumes
     std::uint64_t bodyMaximum = unboundedLength;
 };
@@ -39,6 +41,7 @@ public:
     bool behind;
     bool negative;  ///< tokens that its body captured are taken back when the body completes
     RE_Node* body = nullptr;
+    bool remembers = false;         ///< a body that completed leaves nothing behind but that it did
     std::uint64_t bodyMinimum = 0;  ///< bounds of what a look-behind body consumes
     std::uint64_t bodyMaximum = unboundedLength;
 

@@ -17,7 +17,7 @@ bool RE_Fixed_Counter::match(const char16_t* subject, std::size_t& pos, RE_Searc
     info.incrementCount(this);
     if (!info.pushChoice(this, subject + pos, true)) {
         info.decrementCount(this);
-        info.deadEnd = true;
+        info.deadEnd();
         return false;
     }
     return true;
@@ -40,7 +40,7 @@ bool RE_Limit_Counter::match(const char16_t* subject, std::size_t& pos, RE_Searc
     info.incrementCount(this);
     if (!info.pushChoice(this, subject + pos, true)) {
         info.decrementCount(this);
-        info.deadEnd = true;
+        info.deadEnd();
         return false;
     }
     return true;
@@ -57,7 +57,7 @@ bool RE_Lazy_Counter::match(const char16_t* subject, std::size_t& pos, RE_Search
     info.pushChoice(decrementer, subject + pos, true);
     if (!info.pushChoice(this, subject + pos, true)) {
         onBacktrack(info);  // evens out what the decrementer's record will take back
-        info.deadEnd = true;
+        info.deadEnd();
         return false;
     }
     return true;

@@ -41,6 +41,8 @@ std::string RE_Start_Pass::label() const {
 
 bool RE_End_Pass::match(const char16_t*, std::size_t& pos, RE_Search_Info& info) const {
     const std::size_t state = passState(info.passWord(pass), pos);
-    info.deadEnd = state == 1;
+    if (state == 1) {
+        info.deadEnd();
+    }
     return state == 0;
 }

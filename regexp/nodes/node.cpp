@@ -49,10 +49,7 @@ void RE_Node::bypassSkippable() {
     struct Bypass : RE_Link_Visitor {
         // What was passed over is made to lead straight to the end too, so that long chains are walked once only.
         void link(RE_Node*& target, RE_Link) override {
-            RE_Node* end = target;
-            while (end != nullptr && end->isSkippable()) {
-                end = end->next();
-            }
+            RE_Node* const end = throughSkippable(target);
             for (RE_Node* passed = target; passed != end;) {
                 RE_Node* const following = passed->nextNode;
                 passed->nextNode = end;
@@ -62,6 +59,13 @@ void RE_Node::bypassSkippable() {
         }
     } bypass;
     visitLinks(bypass);
+}
+
+RE_Node* throughSkippable(RE_Node* node) {
+    while (node != nullptr && node->isSkippable()) {
+        node = node->next();
+    }
+    return node;
 }
 
 const char16_t* RE_Node::seek(const char16_t* p, RE_Search_Info&) const {

@@ -14,6 +14,8 @@
 #include <string>
 
 class RE_Collection;
+class RE_Token_Names;
+struct RE_Graph_Facts;
 class RE_Unit_Set;
 class RE_ParserContext;
 class RE_Search_Info;
@@ -68,19 +70,27 @@ public:
 
     virtual void visitLinks(RE_Link_Visitor& visitor);
     /// Adds every node that this one links to.
-    void collectSuccessors(RE_Collection& collection);
+    virtual void collectSuccessors(RE_Collection& collection);
     /// Redirects links over nodes that do nothing.
-    void bypassSkippable();
+    virtual void bypassSkippable();
+    /// Having matched, this node goes on at `target` and nowhere else.
+    virtual bool leadsTo(RE_Node* /*target*/) { return false; }
     virtual bool isSkippable() const { return skippable; }
     /// Two ways on.
     virtual bool isBranching() const { return false; }
     /// Text for people, as shown in graphs.
-    virtual std::string label() const = 0;
+    virtual std::string label() const { return {}; }
+    /// Writes this node and its links as DOT text.
+    virtual void graph(std::string& out);
 
     // --- tokens ---
 
     virtual bool isStartToken() const { return false; }
     virtual bool isEndToken() const { return false; }
+    /// Tells the name of the token that opens here.
+    virtual void prepareTokens(RE_Token_Names&) const {}
+    /// Finds out whether anything reads the token of this node.
+    virtual bool resolveTokens(const RE_Graph_Facts&) { return false; }
 
     // --- repetition ---
 
@@ -113,7 +123,7 @@ public:
     /// Number of units that a match of this node alone consumes.
     virtual std::uint64_t width() const { return 0; }
     /// Measures this node and everything it leads to. Iterative.
-    void computeLengths();
+    virtual void computeLengths();
     /// Computes this node's lengths from those of its successors.
     virtual void combineLengths();
 
@@ -134,6 +144,9 @@ public:
     const RE_Memo_Scope* memoScope = nullptr;
 };
 
+/// The node that a link to `node` leads to once nodes that do nothing are passed over.
+RE_Node* throughSkippable(RE_Node* node);
+
 /// A node with a second way on when it fails.
 class CORVANE_REGEXP_EXPORT RE_Fail : public RE_Node {
 public:
@@ -142,8 +155,8 @@ public:
     RE_Node* failNode() const override { return failTarget; }
     void visitLinks(RE_Link_Visitor& visitor) override;
     void combineLengths() override;
-    void setFailNode(RE_Node* node) { failTarget = node; }
-    bool hasFailNode() const { return failTarget != nullptr; }
+    virtual void setFailNode(RE_Node* node) { failTarget = node; }
+    virtual bool hasFailNode() const { return failTarget != nullptr; }
 
     RE_Node* failTarget = nullptr;
 };
@@ -162,5 +175,5 @@ public:
     virtual std::size_t skipDistance(const char16_t* p, const char16_t* limit) const;
     virtual bool matchesAnyChar() const { return false; }
     /// Cuts a fail chain behind a node that matches any unit. False when this node must stay as it is.
-    bool absorbFailNode();
+    virtual bool absorbFailNode();
 };

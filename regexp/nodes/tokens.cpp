@@ -4,6 +4,7 @@
 #include "regexp/search_info.h"
 #include "regexp/unit_set.h"
 
+#include <algorithm>
 #include <cstring>
 #include <string_view>
 
@@ -19,6 +20,18 @@ const char16_t* RE_Token::seek(const char16_t* p, RE_Search_Info& info) const {
 
 const char16_t* RE_Token::rSeek(const char16_t* p, std::size_t count, RE_Search_Info& info) const {
     return nextNode->rSeek(p, count, info);
+}
+
+bool RE_Token::resolveTokens(const RE_Graph_Facts& facts) {
+    const auto& readers = facts.referencedTokens;
+    referenced = std::binary_search(readers.begin(), readers.end(), number);
+    return referenced;
+}
+
+void RE_Start_Token::prepareTokens(RE_Token_Names& names) const {
+    if (name != nullptr) {
+        names.add(name);
+    }
 }
 
 bool RE_Start_Token::match(const char16_t*, std::size_t& pos, RE_Search_Info& info) const {

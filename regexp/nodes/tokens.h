@@ -4,8 +4,27 @@
 #include "regexp/nodes/node.h"
 
 #include <string>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
 
 struct RE_TokenInfo;
+
+/// The names of tokens, each once, in the order in which they are added.
+class RE_Token_Names {
+public:
+    /// `name` is zero-terminated and not copied.
+    void add(const char16_t* name) {
+        if (known.insert(name).second) {
+            inOrder.push_back(name);
+        }
+    }
+
+    std::vector<const char16_t*, RE_Allocator<const char16_t*>> inOrder;
+
+private:
+    std::unordered_set<std::u16string_view> known;
+};
 
 /// Base of the two nodes that bracket a capture group.
 class CORVANE_REGEXP_EXPORT RE_Token : public RE_Node {
@@ -20,6 +39,7 @@ public:
     bool canSeek(bool referencedOutside) const override;
     const char16_t* seek(const char16_t* p, RE_Search_Info& info) const override;
     const char16_t* rSeek(const char16_t* p, std::size_t count, RE_Search_Info& info) const override;
+    bool resolveTokens(const RE_Graph_Facts& facts) override;
 
     bool referenced = false;  ///< some backreference or condition reads this token
     std::size_t number;       ///< slot in the token store, from 0
@@ -36,6 +56,7 @@ public:
     using RE_Token::RE_Token;
     bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
     bool isStartToken() const override { return true; }
+    void prepareTokens(RE_Token_Names& names) const override;
     std::string label() const override { return "Token start #" + std::to_string(number + 1); }
 };
 

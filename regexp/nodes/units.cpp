@@ -14,6 +14,10 @@ bool RE_Unit_Test::match(const char16_t* subject, std::size_t& pos, RE_Search_In
     return true;
 }
 
+bool RE_Unit_Test::leadsTo(RE_Node* target) {
+    return throughSkippable(nextNode) == throughSkippable(target);
+}
+
 const char16_t* RE_Natural::scan(const char16_t* p, RE_Search_Info& info) const {
     return scanForward(p, info.subjectEnd, info, [this](const char16_t* at) { return matchesUnit(*at); });
 }
@@ -33,7 +37,7 @@ std::string RE_Natural_I::label() const {
 
 void RE_Natural_I::addUnitsTo(RE_Unit_Set& set) const {
     const auto unit = static_cast<char16_t>(ch);
-    addFolding(set, unit, unit, [this](char16_t value) { return matchesUnit(value); });
+    cases->addFolding(set, unit, unit, false);
 }
 
 void RE_Range::addUnitsTo(RE_Unit_Set& set) const {
@@ -42,9 +46,8 @@ void RE_Range::addUnitsTo(RE_Unit_Set& set) const {
     }
 }
 
-void RE_Range::addFoldedUnitsTo(RE_Unit_Set& set) const {
-    addFolding(set, static_cast<char16_t>(low), static_cast<char16_t>(high),
-               [this](char16_t value) { return matchesUnit(value); });
+void RE_Range::addFoldedUnitsTo(RE_Unit_Set& set, bool bothForms) const {
+    RE_Case_Table::get().addFolding(set, static_cast<char16_t>(low), static_cast<char16_t>(high), bothForms);
 }
 
 std::string RE_Range::label() const {
@@ -76,6 +79,15 @@ std::size_t RE_Unit_Class::skipDistance(const char16_t* p, const char16_t* limit
         ++end;
     }
     return static_cast<std::size_t>(end - p);
+}
+
+void RE_Dot_All::addUnitsTo(RE_Unit_Set& set) const {
+    set.addRange(0, 0xFFFF);
+}
+
+void RE_Dot_Line::addUnitsTo(RE_Unit_Set& set) const {
+    set.addRange(0, u'\n' - 1);
+    set.addRange(u'\n' + 1, 0xFFFF);
 }
 
 std::size_t RE_Dot_All::skipDistance(const char16_t* p, const char16_t* limit) const {

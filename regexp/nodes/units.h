@@ -17,6 +17,7 @@ public:
     bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
     bool isSingleUnit() const override { return true; }
     std::uint64_t width() const override { return 1; }
+    bool leadsTo(RE_Node* target) override;
 };
 
 using RE_Unit_Seek = RE_Branch_Seek<RE_Can_Seek<RE_Unit_Test>>;
@@ -74,7 +75,7 @@ public:
 
 protected:
     bool holds(char16_t unit) const { return low <= unit && unit <= high; }
-    void addFoldedUnitsTo(RE_Unit_Set& set) const;
+    void addFoldedUnitsTo(RE_Unit_Set& set, bool bothForms) const;
 };
 
 /// A range within one case, ignoring case: the bounds are lower-case forms.
@@ -82,7 +83,7 @@ class CORVANE_REGEXP_EXPORT RE_Range_I : public RE_Range {
 public:
     using RE_Range::RE_Range;
     bool matchesUnit(char16_t unit) const override { return holds(RE_Case_Table::get().lower(unit)); }
-    void addUnitsTo(RE_Unit_Set& set) const override { addFoldedUnitsTo(set); }
+    void addUnitsTo(RE_Unit_Set& set) const override { addFoldedUnitsTo(set, false); }
     std::string label() const override;
 };
 
@@ -91,7 +92,7 @@ class CORVANE_REGEXP_EXPORT RE_Range_I2 : public RE_Range {
 public:
     using RE_Range::RE_Range;
     bool matchesUnit(char16_t unit) const override;
-    void addUnitsTo(RE_Unit_Set& set) const override { addFoldedUnitsTo(set); }
+    void addUnitsTo(RE_Unit_Set& set) const override { addFoldedUnitsTo(set, true); }
     std::string label() const override;
 };
 
@@ -137,6 +138,7 @@ class CORVANE_REGEXP_EXPORT RE_Dot_All : public RE_Dot {
 public:
     using RE_Dot::RE_Dot;
     bool matchesUnit(char16_t) const override { return true; }
+    void addUnitsTo(RE_Unit_Set& set) const override;
     bool matchesAnyChar() const override { return true; }
     std::size_t skipDistance(const char16_t* p, const char16_t* limit) const override;
     std::string label() const override { return "Match . (dotall)"; }
@@ -146,5 +148,6 @@ class CORVANE_REGEXP_EXPORT RE_Dot_Line : public RE_Dot {
 public:
     using RE_Dot::RE_Dot;
     bool matchesUnit(char16_t unit) const override { return unit != u'\n'; }
+    void addUnitsTo(RE_Unit_Set& set) const override;
     std::string label() const override { return "Match . (dotexceptnewline)"; }
 };

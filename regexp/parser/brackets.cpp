@@ -18,7 +18,7 @@ void RE_Brackets::pair(RE_Flags flags) {
                 at += 2;
                 break;
             case u'[':
-                at = skipSet(at);
+                at = inComment() ? at + 1 : skipSet(at);
                 break;
             case u'(':
                 at = openGroup(at);
@@ -38,12 +38,13 @@ void RE_Brackets::pair(RE_Flags flags) {
 
 // Modes are followed only as far as free spacing goes, since it alone decides what counts.
 std::size_t RE_Brackets::openGroup(std::size_t at) {
-    open.push_back({static_cast<std::uint32_t>(at), freeSpacing});
-    if (at + 2 >= length || text[at + 1] != u'?') {
+    open.push_back({static_cast<std::uint32_t>(at), freeSpacing, inComment()});
+    if (inComment() || at + 2 >= length || text[at + 1] != u'?') {
         return at + 1;
     }
     const RE_Modes modes = readModes(text, length, at + 2, freeSpacing ? RE_FLAG_FREE_SPACING : 0);
     if (text[at + 2] == u'#') {
+        open.back().comment = true;
         freeSpacing = false;  // what looks like a comment inside a comment group is part of it
         return at + 3;
     }

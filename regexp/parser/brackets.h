@@ -9,7 +9,7 @@
 #include <vector>
 
 /// Pairs the parentheses and the sets of a pattern. A backslash makes the next unit inert; inside a set only `\` and
-/// `]` count; under free spacing comments do not count. Unpaired openings have no closing index.
+/// `]` count, inside a comment group only parentheses; under free spacing comments do not count. Unpaired openings have no closing index.
 class RE_Brackets {
 public:
     static constexpr std::uint32_t none = static_cast<std::uint32_t>(-1);
@@ -25,9 +25,11 @@ private:
     struct Open {
         std::uint32_t position;
         bool freeSpacingAfter;  ///< whether free spacing is on once this group has closed
+        bool comment;           ///< of a comment, or within one
     };
 
     void pair(RE_Flags flags);
+    bool inComment() const { return !open.empty() && open.back().comment; }
     std::size_t openGroup(std::size_t at);
     std::size_t closeGroup(std::size_t at);
     std::size_t skipSet(std::size_t at);

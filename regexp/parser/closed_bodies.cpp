@@ -9,6 +9,7 @@ void RE_Graph_Builder::emitBody(std::uint32_t group, RE_Node** bodyLink, bool be
     const RE_Memo_Scope* const outerScope = scope;
     tail = bodyLink;
     scope = nullptr;
+    ++bodyDepth;
     then([this, behind, outerTail, outerScope] {
         if (behind) {
             append(context.make<RE_End_Match>());
@@ -16,6 +17,7 @@ void RE_Graph_Builder::emitBody(std::uint32_t group, RE_Node** bodyLink, bool be
         append(context.make<RE_End_Of_Tree>(nullptr, true));
         tail = outerTail;
         scope = outerScope;
+        --bodyDepth;
     });
     if (tree[group].kind == RE_Syntax_Kind::repeat) {
         emitLoop(group);
@@ -29,6 +31,8 @@ void RE_Graph_Builder::emitAtomic(std::uint32_t index) {
     auto* const atomic = context.make<RE_Atomic>();
     atomic->bodyMinimum = tree[index].least;
     atomic->bodyMaximum = tree[index].most;
+    atomic->memoIndex = context.nextMemoRow();
+    atomic->remembers = bodyDepth > 0 && !tree[index].captures;
     append(atomic);
     emitBody(index, &atomic->body, false);
 }
@@ -38,6 +42,8 @@ RE_Lookaround_Assertion* RE_Graph_Builder::makeLook(std::uint32_t index) {
     auto* const look = context.make<RE_Lookaround_Assertion>(item.behind, item.negative);
     look->bodyMinimum = item.minimum;
     look->bodyMaximum = item.maximum;
+    look->memoIndex = context.nextMemoRow();
+    look->remembers = item.negative || !item.captures;
     return look;
 }
 

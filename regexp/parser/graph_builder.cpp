@@ -149,19 +149,17 @@ void RE_Graph_Builder::emitUnitRun(std::uint32_t branch, RE_Node* join) {
 
 void RE_Graph_Builder::emitCapture(std::uint32_t index) {
     const RE_Syntax& item = tree[index];
-    const auto& referenced = context.facts->referencedTokens;
-    const bool isReferenced = std::binary_search(referenced.begin(), referenced.end(), item.number);
     auto* const start = context.make<RE_Start_Token>(item.number, nameOf(item));
-    start->referenced = isReferenced;
+    const bool isReferenced = start->resolveTokens(*context.facts);
     append(start);
     const RE_Memo_Scope* const outer = scope;
     if (isReferenced) {
         scope = innerScope(RE_Memo_Scope::Kind::token, nullptr, item.number);
     }
-    then([this, index, isReferenced, outer] {
+    then([this, index, outer] {
         scope = outer;
         auto* const end = context.make<RE_End_Token>(tree[index].number, nameOf(tree[index]));
-        end->referenced = isReferenced;
+        end->resolveTokens(*context.facts);
         append(end);
     });
     emitGroup(index);

@@ -98,5 +98,6 @@ private:
     const RE_Syntax_Tree& tree;
     std::vector<Step> work;
     RE_Node** tail = nullptr;
+    std::size_t bodyDepth = 0;             ///< closed bodies around the place that is being built
     const RE_Memo_Scope* scope = nullptr;  ///< what the future depends on here, besides the position
 };

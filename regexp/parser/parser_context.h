@@ -5,6 +5,7 @@
 #include "regexp/flags.h"
 #include "regexp/graph_facts.h"
 #include "regexp/memory.h"
+#include "regexp/parser/set_pool.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -52,6 +53,7 @@ public:
     RE_Node* outer;
     RE_Flags flags;
     std::unique_ptr<RE_Graph_Facts> facts;
+    RE_Set_Pool sets;
     /// Token numbers (slots, from 0) of each name.
     std::multimap<std::u16string, std::size_t> tokenNames;
     /// Set while the text of an expression is read, in which no further expressions may stand.

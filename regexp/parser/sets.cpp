@@ -121,6 +121,6 @@ void RE_Grammar::readSet() {
     addItem(RE_Syntax_Kind::set, start);
     tree[tree[frame().branch].lastChild].payload = static_cast<std::uint32_t>(tree.sets.size());
     tree.sets.push_back(
-        {reader.tests.finish(negated),
+        {context.sets.share(reader.tests.finish(negated)),
          labelText(text + start, at - start) + (has(RE_FLAG_IGNORE_CASE) ? " ignoring case" : "")});
 }

@@ -31,8 +31,10 @@ RE_Consumable* makeUnitNode(RE_ParserContext& context, const RE_Syntax_Tree& tre
             return makeLiteral(context, item.low, item.flags);
         case RE_Syntax_Kind::range:
             return makeRange(context, item.low, item.high, item.flags);
-        case RE_Syntax_Kind::escaped:
-            return context.make<RE_Escaped_Set>(item.low, classPredicate(item.low), *classUnits(item.low));
+        case RE_Syntax_Kind::escaped: {
+            const RE_Named_Class named = namedClass(item.low);
+            return context.make<RE_Escaped_Set>(item.low, named.test, *named.units);
+        }
         case RE_Syntax_Kind::set: {
             const RE_Syntax_Set& set = tree.sets[item.payload];
             return context.make<RE_Unit_Class>(set.units, set.text);

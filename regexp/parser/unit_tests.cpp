@@ -16,60 +16,34 @@ bool allOf(std::uint32_t low, std::uint32_t high, Predicate predicate) {
     return true;
 }
 
-bool isDigit(char16_t unit) {
-    return RE_Unit_Classes::get().digits.contains(unit);
+template <RE_Unit_Set RE_Unit_Classes::*units>
+bool isIn(char16_t unit) {
+    return (RE_Unit_Classes::get().*units).contains(unit);
 }
-bool isNoDigit(char16_t unit) {
-    return !isDigit(unit);
-}
-bool isSpace(char16_t unit) {
-    return RE_Unit_Classes::get().spaces.contains(unit);
-}
-bool isNoSpace(char16_t unit) {
-    return !isSpace(unit);
-}
-bool isNoWordUnit(char16_t unit) {
-    return !isWordUnit(unit);
+
+template <RE_Unit_Set RE_Unit_Classes::*units>
+RE_Named_Class named() {
+    return {&isIn<units>, &(RE_Unit_Classes::get().*units)};
 }
 
 }  // namespace
 
-bool (*classPredicate(char16_t letter))(char16_t) {
+RE_Named_Class namedClass(char16_t letter) {
     switch (letter) {
         case u'd':
-            return isDigit;
+            return named<&RE_Unit_Classes::digits>();
         case u'D':
-            return isNoDigit;
+            return named<&RE_Unit_Classes::noDigits>();
         case u's':
-            return isSpace;
+            return named<&RE_Unit_Classes::spaces>();
         case u'S':
-            return isNoSpace;
+            return named<&RE_Unit_Classes::noSpaces>();
         case u'w':
-            return isWordUnit;
+            return named<&RE_Unit_Classes::words>();
         case u'W':
-            return isNoWordUnit;
+            return named<&RE_Unit_Classes::noWords>();
         default:
-            return nullptr;
-    }
-}
-
-const RE_Unit_Set* classUnits(char16_t letter) {
-    const RE_Unit_Classes& classes = RE_Unit_Classes::get();
-    switch (letter) {
-        case u'd':
-            return &classes.digits;
-        case u'D':
-            return &classes.noDigits;
-        case u's':
-            return &classes.spaces;
-        case u'S':
-            return &classes.noSpaces;
-        case u'w':
-            return &classes.words;
-        case u'W':
-            return &classes.noWords;
-        default:
-            return nullptr;
+            return {};
     }
 }
 
@@ -113,20 +87,15 @@ void RE_Unit_Test_Set::addRange(char16_t low, char16_t high, RE_Flags flags) {
         units->addRange(plan.low, plan.high);
         return;
     }
-    const RE_Case_Table& cases = RE_Case_Table::get();
-    const auto within = [&plan](char16_t unit) { return plan.low <= unit && unit <= plan.high; };
-    const bool both = plan.test == RE_Range_Test::both;
-    addFolding(*units, plan.low, plan.high, [&](char16_t unit) {
-        return within(cases.lower(unit)) || (both && within(cases.upper(unit)));
-    });
+    RE_Case_Table::get().addFolding(*units, plan.low, plan.high, plan.test == RE_Range_Test::both);
 }
 
 void RE_Unit_Test_Set::addClass(char16_t letter) {
     note({true, letter, letter});
-    units->addAll(*classUnits(letter));
+    units->addAll(*namedClass(letter).units);
 }
 
-std::shared_ptr<const RE_Unit_Set> RE_Unit_Test_Set::finish(bool negated) {
+std::shared_ptr<RE_Unit_Set> RE_Unit_Test_Set::finish(bool negated) {
     if (negated) {
         units->negate();
     }

@@ -24,10 +24,13 @@ struct RE_Range_Plan {
 /// `low` may be greater than `high`: a reversed range is the same range.
 RE_Range_Plan planRange(char16_t low, char16_t high, RE_Flags flags);
 
-/// The predicate behind an escape letter (d, s, w and their capitals); null for other letters.
-bool (*classPredicate(char16_t letter))(char16_t);
-/// The units for which that predicate holds.
-const RE_Unit_Set* classUnits(char16_t letter);
+/// A class as a test and as the set of units for which the test holds.
+struct RE_Named_Class {
+    bool (*test)(char16_t) = nullptr;
+    const RE_Unit_Set* units = nullptr;
+};
+/// The class behind an escape letter (d, s, w and their capitals); null for other letters.
+RE_Named_Class namedClass(char16_t letter);
 
 /// Gathers members into a table of units.
 class RE_Unit_Test_Set {
@@ -38,7 +41,7 @@ public:
         char16_t high;
     };
 
-    static bool namesClass(char16_t letter) { return classPredicate(letter) != nullptr; }
+    static bool namesClass(char16_t letter) { return namedClass(letter).test != nullptr; }
 
     void addRange(char16_t low, char16_t high, RE_Flags flags);
     void addClass(char16_t letter);
@@ -46,7 +49,7 @@ public:
     std::size_t members() const { return count; }
     Member firstMember() const { return first; }
     /// The table; gives it up.
-    std::shared_ptr<const RE_Unit_Set> finish(bool negated);
+    std::shared_ptr<RE_Unit_Set> finish(bool negated);
 
 private:
     void note(const Member& member);

@@ -27,7 +27,7 @@ RE_Consumable* loopItem(RE_Node* node) {
     return unit != nullptr && unit->isSingleUnit() && !unit->hasFailNode() ? unit : nullptr;
 }
 
-bool leadsTo(RE_Node* from, RE_Node* to) {
+bool sameNode(RE_Node* from, RE_Node* to) {
     return throughSkippable(from) == throughSkippable(to);
 }
 
@@ -69,7 +69,7 @@ private:
                                      ? dynamic_cast<RE_Split*>(throughSkippable(split->alternative))
                                      : nullptr;
             if (second != nullptr && second != split && !second->isCounter && !second->skippable &&
-                leadsTo(second->nextNode, split->nextNode)) {
+                sameNode(second->nextNode, split->nextNode)) {
                 std::swap(split->nextNode, split->alternative);
                 split->skippable = true;
             }
@@ -131,8 +131,8 @@ private:
             if (item == nullptr || item->sharedTarget) {
                 continue;
             }
-            const bool star = leadsTo(item->nextNode, &split);
-            if (star || leadsTo(item->nextNode, exit)) {
+            const bool star = item->leadsTo(&split);
+            if (star || item->leadsTo(exit)) {
                 const std::uint64_t most = star ? RE_Consume::noMaximum : 1;
                 return Unit_Loop{item, 0, most, lazy, exit, split.memoScope};
             }
@@ -168,7 +168,7 @@ private:
             return optionalPasses(*static_cast<RE_Split*>(head), nullptr, head, 0, first.memoScope);
         }
         RE_Consumable* const item = loopItem(fixed->nextNode);
-        if (item == nullptr || !leadsTo(item->nextNode, fixed)) {
+        if (item == nullptr || !item->leadsTo(fixed)) {
             return std::nullopt;
         }
         RE_Node* const done = throughSkippable(fixed->doneNode);
@@ -187,7 +187,7 @@ private:
             item = loopItem(lazily ? choice.alternative : choice.nextNode);
         }
         const std::optional<bool> lazy = item != nullptr ? laziness(choice, item) : std::nullopt;
-        if (!lazy || !leadsTo(item->nextNode, head)) {
+        if (!lazy || !item->leadsTo(head)) {
             return std::nullopt;
         }
         auto* const counter = dynamic_cast<RE_State_Counter*>(&choice);

@@ -40,7 +40,7 @@ void mergeChain(RE_ParserContext& context, RE_Consumable* head) {
         last = unit;
         unit->skippable = true;
     }
-    auto* const whole = context.make<RE_Unit_Class>(std::move(units), text);
+    auto* const whole = context.make<RE_Unit_Class>(context.sets.share(std::move(units)), text);
     whole->nextNode = head->nextNode;
     whole->failTarget = last->failTarget;
     head->nextNode = whole;

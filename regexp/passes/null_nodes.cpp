@@ -2,13 +2,6 @@
 
 #include "regexp/nodes/collection.h"
 
-RE_Node* throughSkippable(RE_Node* node) {
-    while (node != nullptr && node->isSkippable()) {
-        node = node->next();
-    }
-    return node;
-}
-
 RE_Node* removeNullNodes(RE_ParserContext&, RE_Node* root) {
     const RE_Collection graph(root);
     for (RE_Node* node : graph.nodes()) {

@@ -9,6 +9,3 @@
 class RE_Node;
 
 RE_Node* removeNullNodes(RE_ParserContext& context, RE_Node* root);
-
-/// The node that a link to `node` leads to once nodes that do nothing are passed over.
-RE_Node* throughSkippable(RE_Node* node);

@@ -87,9 +87,7 @@ private:
             units->add(string.text[0]);
             return;
         }
-        const RE_Case_Table& cases = RE_Case_Table::get();
-        addFolding(*units, string.text[0], string.text[0],
-                   [&](char16_t value) { return cases.lower(value) == string.text[0]; });
+        RE_Case_Table::get().addFolding(*units, string.text[0], string.text[0], false);
     }
 
     std::vector<RE_Node*, RE_Allocator<RE_Node*>> pending;
