@@ -43,7 +43,7 @@ struct Edge_Writer : RE_Link_Visitor {
 }  // namespace
 
 void RE_Node::graph(std::string& out) {
-    out += "  n" + std::to_string(nodeId) + " [label=" + quoted(label()) + "];\n";
+    appendGraphNode(out, nodeId, label());
     Edge_Writer edges(out, this);
     visitLinks(edges);
 }

@@ -23,7 +23,7 @@ struct CORVANE_REGEXP_EXPORT RE_Graph_Facts : public RE_Memory {
     std::uint32_t memoRows =
         0;  ///< nodes that take part in the memo; their indexes are the first row numbers
     std::uint64_t minimumLength = 0;  ///< least number of units of a match
-    bool hasDynamicNodes = false;  ///< matching may call the host
+    bool hasDynamicNodes = false;     ///< matching may call the host
     /// Slots whose text a backreference or condition may ask for, ascending.
     std::vector<std::size_t, RE_Allocator<std::size_t>> referencedTokens;
     /// Storage of the memo scopes; a deque, so that the links between them stay valid.

@@ -258,8 +258,9 @@ constexpr std::uint32_t maximumRefusedTexts = 1000;
 
 RE_Sub_Pattern_Place RE_Search_Info::placeOfText() {
     included.trim(*this);
-    const RE_Sub_Pattern_Place first =
-        facts == nullptr ? RE_Sub_Pattern_Place{} : RE_Sub_Pattern_Place{facts->memoRows, facts->passRegisters};
+    const RE_Sub_Pattern_Place first = facts == nullptr
+                                           ? RE_Sub_Pattern_Place{}
+                                           : RE_Sub_Pattern_Place{facts->memoRows, facts->passRegisters};
     return included.nextPlace(first);
 }
 

@@ -183,7 +183,7 @@ int throwEverywhere(const Work& work) {
 
 const char16_t everything[] =
     u"(?<n>a|b)\\1?(?@f $1 $<n>)(?(?@even($1))x|(?>(??@double($1))))(??$1${double($1)}\\q)c\\z";
-const char16_t itsSubject[] = u"abbbbbbqcz";
+const char16_t itsSubject[] = u"xaaaaaaqcz";
 
 TEST(Evaluation, MayThrowAtEveryCall) {
     const int tree = throwEverywhere([](HostJournal& host) {

@@ -86,8 +86,7 @@ void LuaExpression::create_fcn(RE_Evaluation_IO* body, RE_Evaluation_Inputs* var
 
 LuaState::Value LuaExpression::call(RE_Evaluation_Inputs* inputs) {
     std::vector<std::string> arguments;
-    for (std::size_t i = 0; i < inputs->get_length(); ++i)
-        arguments.push_back(textOf(*inputs->get_input(i)));
+    for (std::size_t i = 0; i < inputs->get_length(); ++i) arguments.push_back(textOf(*inputs->get_input(i)));
     try {
         return state_.call(function_, arguments);
     } catch (const LuaError& error) {

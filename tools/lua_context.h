@@ -34,7 +34,8 @@ private:
 class LuaExpression : public RE_Context {
 public:
     // `whole` is the text that the expression is part of.
-    LuaExpression(const RE_Context& compileContext, LuaState& state, bool nilAllowed, std::u16string_view whole)
+    LuaExpression(const RE_Context& compileContext, LuaState& state, bool nilAllowed,
+                  std::u16string_view whole)
         : RE_Context(compileContext),
           state_(state),
           nilAllowed_(nilAllowed),

@@ -165,8 +165,8 @@ LuaState::Value LuaState::call(int function, const std::vector<std::string>& arg
     lua_pushcfunction(state, callProtected);
     lua_pushlightuserdata(state, &call);
     if (lua_pcall(state, 1, 2, 0) != LUA_OK) fail();
-    Value value{lua_toboolean(state, -2) != 0, lua_type(state, -1) == LUA_TSTRING, {},
-                luaL_typename(state, -2)};
+    Value value{
+        lua_toboolean(state, -2) != 0, lua_type(state, -1) == LUA_TSTRING, {}, luaL_typename(state, -2)};
     if (value.hasText) {
         std::size_t length = 0;
         const char* const text = lua_tolstring(state, -1, &length);

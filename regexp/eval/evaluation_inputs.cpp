@@ -35,7 +35,8 @@ void RE_Evaluation_Inputs::add(RE_Evaluation_IO* text) {
     }
     if (count == capacity) {
         const std::size_t larger = capacity + 8;
-        items = static_cast<RE_Evaluation_IO**>(utReallocWithCheck(items, larger * sizeof(RE_Evaluation_IO*)));
+        items =
+            static_cast<RE_Evaluation_IO**>(utReallocWithCheck(items, larger * sizeof(RE_Evaluation_IO*)));
         capacity = larger;
     }
     items[count++] = owned.release();

@@ -61,8 +61,8 @@ protected:
     bool include(const RE_Evaluation_IO& text, std::size_t pos, RE_Search_Info& info) const;
 
 private:
-    RE_Flags flags;       ///< modes in which texts are compiled
-    RE_Node* outer;       ///< handed to sub-patterns: this node, by which their own dynamic nodes know their depth
+    RE_Flags flags;  ///< modes in which texts are compiled
+    RE_Node* outer;  ///< handed to sub-patterns: this node, by which their own dynamic nodes know their depth
     RE_Context* context;  ///< of the compilation
     std::uint32_t depth;  ///< how many texts this node stands in
 };

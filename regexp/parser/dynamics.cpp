@@ -43,8 +43,7 @@ void RE_Grammar::addDynamic(RE_Syntax_Dynamic dynamic) {
 // The item that stands for the expression between `start` and `end`; it belongs to no branch.
 std::uint32_t RE_Grammar::readDynamicCondition(std::size_t start, std::size_t end) {
     using Shared = std::shared_ptr<const RE_Bool_Evaluator>;
-    const std::uint32_t item =
-        tree.add(RE_Syntax_Kind::evaluate, static_cast<std::uint32_t>(start), flags());
+    const std::uint32_t item = tree.add(RE_Syntax_Kind::evaluate, static_cast<std::uint32_t>(start), flags());
     tree[item].payload = static_cast<std::uint32_t>(tree.dynamics.size());
     tree.dynamics.push_back(Shared(new RE_Bool_Evaluator(context, text + start, end - start)));
     context.facts->hasDynamicNodes = true;

@@ -181,7 +181,8 @@ RE_Repeat_Plan planRepeat(const RE_Syntax_Tree& tree, std::uint32_t index, std::
     const RE_Syntax& body = tree[it.firstChild];
     RE_Repeat_Plan plan{it.minimum, it.maximum, body.least == 0, false, false};
     if (body.most == 0) {
-        plan.minimum = body.captures || body.evaluates ? plan.minimum : std::min<std::uint64_t>(plan.minimum, 1);
+        plan.minimum =
+            body.captures || body.evaluates ? plan.minimum : std::min<std::uint64_t>(plan.minimum, 1);
         plan.maximum = std::min(plan.maximum, std::max<std::uint64_t>(plan.minimum, 1));
     }
     const bool finite = plan.maximum != RE_Syntax::noMaximum;
