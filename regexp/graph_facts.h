@@ -23,7 +23,7 @@ struct CORVANE_REGEXP_EXPORT RE_Graph_Facts : public RE_Memory {
     std::uint32_t memoRows =
         0;  ///< nodes that take part in the memo; their indexes are the first row numbers
     std::uint64_t minimumLength = 0;  ///< least number of units of a match
-    bool hasDynamicNodes = false;
+    bool hasDynamicNodes = false;     ///< matching may call the host
     /// Slots whose text a backreference or condition may ask for, ascending.
     std::vector<std::size_t, RE_Allocator<std::size_t>> referencedTokens;
     /// Storage of the memo scopes; a deque, so that the links between them stay valid.
@@ -31,4 +31,6 @@ struct CORVANE_REGEXP_EXPORT RE_Graph_Facts : public RE_Memory {
 
     /// A state that failed from one start position also fails from later ones.
     bool memoOutlivesStarts() const { return referencedTokens.empty() && !hasDynamicNodes; }
+    /// The first memo row that no node has for itself. The nodes of dynamic texts get theirs as they come.
+    std::uint32_t firstCombinedRow() const { return hasDynamicNodes ? std::uint32_t{1} << 31 : memoRows; }
 };

@@ -42,6 +42,8 @@ bool runMatchLoop(RE_Search_Info& info, const RE_Node* node, std::size_t& pos) {
             following = afterFailure(node, info);
         } else if (!node->isEnd()) {
             following = node->next();
+        } else if (const RE_Node* text = node->includedText(info)) {
+            following = text;
         } else if (info.bodies.size() == floor) {
             return true;
         } else {

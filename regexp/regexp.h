@@ -10,6 +10,7 @@
 
 #include "regexp/builder/algebra.h"
 #include "regexp/eval/context.h"
+#include "regexp/eval/evaluation_inputs.h"
 #include "regexp/eval/evaluation_io.h"
 #include "regexp/eval/warning.h"
 #include "regexp/find_all.h"

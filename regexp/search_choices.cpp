@@ -51,7 +51,7 @@ RE_Backtrack_Record* RE_Search_Info::popChoice() {
             return nullptr;
         }
         if (memo == nullptr && --memoCountdown == 0 && facts != nullptr) {
-            memo = std::make_unique<RE_Search_Memo>(facts->memoRows);
+            memo = std::make_unique<RE_Search_Memo>(facts->firstCombinedRow());
         }
         RE_Backtrack_Record* record = &backtrack.records[slot];
         undoTo(backtrack.marks[slot].trailHeight);
@@ -81,6 +81,7 @@ void RE_Search_Info::clearBacktrack() {
     scopes = 0;
     backtrack.top = -1;
     backtrack.base = 0;
+    included.trim(*this);
 }
 
 // --- nodes put together by hand ---

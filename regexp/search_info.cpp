@@ -2,6 +2,9 @@
 #include "regexp/search_info.h"
 
 #include "host/interrupt.h"
+#include "regexp/tree.h"
+
+#include <utility>
 
 RE_Search_Info::RE_Search_Info(const char16_t* subject, std::size_t length, std::size_t tokenCount,
                                RE_Seek_Table* table, bool pollInterrupts)
@@ -66,6 +69,7 @@ void RE_Search_Info::prepare(const RE_Graph_Facts& graphFacts) {
 void RE_Search_Info::resetForStart(const char16_t* p) {
     matchStart = p;
     redirected = false;
+    refusedTexts = 0;
     if (tokens != nullptr) {
         tokens->reset();
     }
@@ -99,9 +103,8 @@ bool RE_Search_Info::pollInterrupt() {
 bool RE_Search_Info::pollScan() {
     if (checkInterrupts && utInterruptState::IsInterruptPending()) {
         interrupted = true;
-        return true;
     }
-    return false;
+    return interrupted;
 }
 
 void RE_Search_Info::startToken(std::size_t index, const char16_t* name, const char16_t* p) {
@@ -259,6 +262,47 @@ void RE_Search_Info::closeBody(bool keepTokens) {
     bodies.pop_back();
 }
 
+namespace {
+
+/// How often one attempt may come to the limit of nesting.
+constexpr std::uint32_t maximumRefusedTexts = 1000;
+
+}  // namespace
+
+RE_Sub_Pattern_Place RE_Search_Info::placeOfText() {
+    included.trim(*this);
+    const RE_Sub_Pattern_Place first = facts == nullptr
+                                           ? RE_Sub_Pattern_Place{}
+                                           : RE_Sub_Pattern_Place{facts->memoRows, facts->passRegisters};
+    return included.nextPlace(first);
+}
+
+void RE_Search_Info::include(std::unique_ptr<RE_Tree> text, const RE_Node* node, std::size_t pos) {
+    const std::uint32_t firstRow = placeOfText().memoRow;
+    pushRecord(node, subjectBegin + pos, 0);
+    included.add(std::move(text), backtrack.top);
+    const std::size_t needed = (facts == nullptr ? 0 : facts->tokenCount) + placeOfText().passRegister;
+    if (registers.size() < needed) {
+        registers.resize(needed, noPass);
+    }
+    if (memo != nullptr) {
+        memo->forgetRuns(firstRow);
+    }
+}
+
+void RE_Search_Info::refuseText() {
+    if (++refusedTexts > maximumRefusedTexts) {
+        interrupted = true;
+        pollSoon();
+    }
+}
+
+void RE_Search_Info::hostWasCalled() {
+    if (memo != nullptr) {
+        memo->forgetStates();
+    }
+}
+
 RE_Search_Scope::RE_Search_Scope(RE_Search_Info& search)
     : info(&search),
       savedBase(search.backtrack.base),
@@ -276,6 +320,7 @@ void RE_Search_Scope::leave() {
     info->requiredEnd = savedRequiredEnd;
     info->seekTable = savedSeekTable;
     --info->scopes;
+    info->included.trim(*info);
 }
 
 void RE_Search_Scope::undoWrites() {

@@ -7,6 +7,7 @@
 
 #include "regexp/backtrack_stack.h"
 #include "regexp/graph_facts.h"
+#include "regexp/included_texts.h"
 #include "regexp/memory.h"
 #include "regexp/nodes/node.h"
 #include "regexp/search_memo.h"
@@ -164,6 +165,24 @@ public:
     /// Closes the innermost body; its token writes are taken back unless `keepTokens`.
     void closeBody(bool keepTokens);
 
+    // --- dynamic texts ---
+
+    /// Where the numbers of a text compiled now begin.
+    RE_Sub_Pattern_Place placeOfText();
+    /// Enters a text compiled for that place on behalf of `node`, which stands at index `pos`.
+    void include(std::unique_ptr<RE_Tree> text, const RE_Node* node, std::size_t pos);
+    /// A text was not included, being nested too deeply. Where that happens again and again in one attempt, the search
+    /// ends without a match: texts that include themselves in two places would keep it busy for ever.
+    void refuseText();
+
+    // --- the host ---
+
+    /// To be called whenever a node has called the host: states that failed before may not fail now, and must not be
+    /// passed over without the calls that they make.
+    void hostWasCalled();
+    /// Makes the next step ask whether to stop.
+    void pollSoon() { steps = 0; }
+
     // --- positions ---
 
     bool atEnd(const char16_t* p) const { return p >= subjectEnd; }
@@ -207,6 +226,7 @@ public:
     bool redirected = false;
     const RE_Node* redirection = nullptr;
     boost::container::small_vector<RE_Body_Frame, 2, RE_Allocator<RE_Body_Frame>> bodies;
+    RE_Included_Texts included;
 
 private:
     friend class RE_Search_Scope;
@@ -234,6 +254,7 @@ private:
     std::vector<RE_Measured_Run, RE_Allocator<RE_Measured_Run>> runs;
     std::int32_t scopes = 0;
     bool interrupted = false;
+    std::uint32_t refusedTexts = 0;  ///< in the current attempt
 
     /// The memo begins once this many choices have been taken up again: most searches never pay for it.
     std::uint64_t memoCountdown;

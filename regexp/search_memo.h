@@ -40,7 +40,8 @@ struct RE_Body_Outcome {
 
 class RE_Search_Memo : public RE_Memory {
 public:
-    explicit RE_Search_Memo(std::uint32_t nodeRows) : rows(nodeRows) {}
+    /// Combinations of a node and more get rows from this one on.
+    explicit RE_Search_Memo(std::uint32_t firstCombined) : rows(firstCombined) {}
 
     /// Records the state in which the search stands at (node, position); false when it was there already.
     bool insert(const RE_Search_Info& info, const RE_Node* node, std::size_t position);
@@ -60,6 +61,8 @@ public:
     void searchFrom(std::size_t position);
     /// Forgets the states of every level.
     void forgetStates();
+    /// Forgets the runs measured by the nodes from this row on.
+    void forgetRuns(std::uint32_t firstRow);
 
 private:
     using Place = std::pair<std::size_t, std::size_t>;  // start, length

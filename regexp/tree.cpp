@@ -5,6 +5,7 @@
 #include "host/memory.h"
 #include "host/utf16.h"
 #include "regexp/graph_facts.h"
+#include "regexp/included_texts.h"
 #include "regexp/nodes/collection.h"
 #include "regexp/nodes/tokens.h"
 #include "regexp/parser/grammar.h"
@@ -37,8 +38,12 @@ RE_Tree::RE_Tree(const char16_t* pattern, std::size_t length, RE_Flags flags, RE
 
 RE_Tree::RE_Tree(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
                  RE_Node* continuationNode, RE_Node* outerNode, bool last)
+    : RE_Tree(pattern, length, flags, context, continuationNode, outerNode, last, {}) {}
+
+RE_Tree::RE_Tree(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
+                 RE_Node* continuationNode, RE_Node* outerNode, bool last, const RE_Sub_Pattern_Place& place)
     : interruptible(context->allow_interrupt()) {
-    parse(pattern, length, flags, context, continuationNode, outerNode, last);
+    parse(pattern, length, flags, context, continuationNode, outerNode, last, place);
 }
 
 RE_Tree::RE_Tree(RE_Tree&& other) noexcept
@@ -57,7 +62,7 @@ RE_Tree::~RE_Tree() {
 void RE_Tree::parse(const char16_t* pattern, std::size_t length, bool flag) {
     RE_Context context;
     const RE_Flags flags = RE_DEFAULT_FLAGS | (flag ? RE_FLAG_IGNORE_CASE : 0);
-    parse(pattern, length, flags, &context, nullptr, nullptr, true);
+    parse(pattern, length, flags, &context, nullptr, nullptr, true, {});
 }
 
 void RE_Tree::parse(const char* pattern, bool flag) {
@@ -67,8 +72,13 @@ void RE_Tree::parse(const char* pattern, bool flag) {
 }
 
 void RE_Tree::parse(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
-                    RE_Node* continuationNode, RE_Node* outerNode, bool last) {
+                    RE_Node* continuationNode, RE_Node* outerNode, bool last,
+                    const RE_Sub_Pattern_Place& place) {
     RE_ParserContext parserContext(context, outerNode, flags);
+    parserContext.facts->memoRows = place.memoRow;
+    parserContext.facts->passRegisters = place.passRegister;
+    // What follows a sub-pattern may call the host, for all that is known here.
+    parserContext.facts->hasDynamicNodes = continuationNode != nullptr;
     context->set_string(pattern, length);
     allowEmptyMatch = (flags & RE_FLAG_ALLOW_EMPTY) != 0;
 

@@ -21,6 +21,7 @@ class RE_Match_Range;
 class RE_Node;
 class RE_Search_Info;
 struct RE_Graph_Facts;
+struct RE_Sub_Pattern_Place;
 
 /// A compiled pattern. Compiling never fails on syntax: problems are reported through `RE_Context::warn` and degrade
 /// to literal text or to nothing.
@@ -92,11 +93,17 @@ public:
 
 private:
     friend class RE_Match_Sequence;
+    friend class RE_Dynamic;
+    friend class RE_Included_Texts;
+
+    /// A sub-pattern that is compiled while its search runs.
+    RE_Tree(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
+            RE_Node* continuationNode, RE_Node* outerNode, bool last, const RE_Sub_Pattern_Place& place);
 
     void parse(const char16_t* pattern, std::size_t length, bool flag);
     void parse(const char* pattern, bool flag);
     void parse(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
-               RE_Node* continuationNode, RE_Node* outerNode, bool last);
+               RE_Node* continuationNode, RE_Node* outerNode, bool last, const RE_Sub_Pattern_Place& place);
 
     RE_Results* searchFrom(const char16_t* subject, std::size_t length, std::size_t offset,
                            RE_Seek_Table* table) const;

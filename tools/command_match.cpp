@@ -100,7 +100,9 @@ int runMatch(const Arguments& words) {
     catchInterrupts();
     const CompiledPattern pattern(std::move(request), compile);
     printWarnings(pattern.text(), pattern.warnings());
-    return MatchRun(pattern, settings).searchAll();
+    const int status = MatchRun(pattern, settings).searchAll();
+    if (pattern.scripts()) pattern.scripts()->finish();
+    return status;
 }
 
 }  // namespace tool

@@ -136,9 +136,11 @@ int runReplace(const Arguments& words) {
     catchInterrupts();
     const CompiledPattern pattern(std::move(request), compile);
     printWarnings(pattern.text(), pattern.warnings());
-    const CompiledReplacement replacement(std::move(replacementText), compile);
+    const CompiledReplacement replacement(std::move(replacementText), compile, pattern.scripts());
     printWarnings(replacement.text(), replacement.warnings());
-    return ReplaceRun(pattern, replacement, settings).runAll();
+    const int status = ReplaceRun(pattern, replacement, settings).runAll();
+    if (pattern.scripts()) pattern.scripts()->finish();
+    return status;
 }
 
 }  // namespace tool

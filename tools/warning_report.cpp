@@ -68,21 +68,26 @@ PatternPlace locate(std::u16string_view pattern, std::size_t position) {
     return {lineFeeds + 1, position - lineBegin + 1, pattern.substr(lineBegin, lineEnd - lineBegin)};
 }
 
-std::string describeWarning(std::u16string_view pattern, const PatternWarning& warning) {
-    const PatternPlace place = locate(pattern, warning.position);
+std::string describePlace(std::u16string_view pattern, std::size_t position, const std::string& heading,
+                          std::string_view sentence) {
+    const PatternPlace place = locate(pattern, position);
     const std::u16string shown = withoutControls(place.lineText);
-    std::string text = "warning " + std::to_string(static_cast<unsigned>(warning.number)) + " at ";
-    text += placeText(pattern, place);
-    text += ": ";
-    text += warningSentence(warning.number);
+    std::string text = heading + " at " + placeText(pattern, place) + ": ";
+    text += sentence;
     text += '\n';
     text += margin;
     appendUtf8(text, shown);
     text += '\n';
     text += margin;
     text += paddingFor(std::u16string_view(shown).substr(0, place.column - 1));
-    text += "^\n";
-    return text;
+    return text + '^';
+}
+
+std::string describeWarning(std::u16string_view pattern, const PatternWarning& warning) {
+    const auto number = static_cast<unsigned>(warning.number);
+    return describePlace(pattern, warning.position, "warning " + std::to_string(number),
+                         warningSentence(number)) +
+           '\n';
 }
 
 void printWarnings(std::u16string_view pattern, const std::vector<PatternWarning>& warnings) {

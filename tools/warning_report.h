@@ -17,6 +17,10 @@ struct PatternPlace {
 
 PatternPlace locate(std::u16string_view pattern, std::size_t position);
 
+// Three lines: the heading with the place and the sentence, the line of the pattern, the caret. No line feed at the end.
+std::string describePlace(std::u16string_view pattern, std::size_t position, const std::string& heading,
+                          std::string_view sentence);
+
 // Three lines: the sentence, the line of the pattern, the caret.
 std::string describeWarning(std::u16string_view pattern, const PatternWarning& warning);
 

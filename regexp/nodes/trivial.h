@@ -11,7 +11,8 @@ public:
     std::string label() const override { return "Null"; }
 };
 
-/// The end of a pattern or of a closed body. With a continuation, matching goes on there.
+/// The end of a pattern or of a closed body. With a continuation it is the end of a sub-pattern, and matching goes on
+/// there.
 class CORVANE_REGEXP_EXPORT RE_End_Of_Tree : public RE_Node {
 public:
     explicit RE_End_Of_Tree(RE_ParserContext& context, RE_Node* continuationNode = nullptr,

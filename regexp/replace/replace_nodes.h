@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -14,6 +15,7 @@ class RE_Context;
 class RE_Evaluation_IO;
 class RE_Evaluation_Tokens;
 class RE_ParserContext;
+class RE_String_Evaluator;
 
 class CORVANE_REGEXP_EXPORT RE_Replace_Node : public RE_Replaceable {
 public:
@@ -142,8 +144,10 @@ public:
 
     char16_t* build_piece(char16_t* buffer, std::size_t* length, std::size_t* capacity,
                           RE_Results* results) const override;
+    ~RE_Replace_Evaluator() override;
     void graph(std::string& out, std::size_t number) const override;
 
 private:
-    std::u16string text;
+    std::u16string text;  // as written, for the graph
+    std::unique_ptr<const RE_String_Evaluator> evaluator;
 };

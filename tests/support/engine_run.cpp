@@ -21,6 +21,8 @@ void setOption(CompileOptions& options, std::string_view name, const boost::any&
     throw std::invalid_argument("no option " + std::string(name));
 }
 
+}  // namespace
+
 const CompileOptions& configured(CompileOptions& options, const EngineConfig& config) {
     setOption(options, "OptimizeLinearSubpatterns", config.linearSubpatterns);
     setOption(options, "OptimizeDotStar", config.dotStar);
@@ -40,8 +42,6 @@ Outcome toOutcome(const std::unique_ptr<RE_Results>& results) {
     }
     return outcome;
 }
-
-}  // namespace
 
 std::ostream& operator<<(std::ostream& out, const EngineConfig& config) {
     return out << "linear=" << config.linearSubpatterns << " dotStar=" << config.dotStar
