@@ -9,6 +9,8 @@
 #include <deque>
 #include <vector>
 
+class RE_Consume;
+
 /// Made by the parser, owned by the compiled pattern, read-only during searches. Owns the nodes once they are handed
 /// over.
 struct CORVANE_REGEXP_EXPORT RE_Graph_Facts : public RE_Memory {
@@ -24,6 +26,9 @@ struct CORVANE_REGEXP_EXPORT RE_Graph_Facts : public RE_Memory {
         0;  ///< nodes that take part in the memo; their indexes are the first row numbers
     std::uint64_t minimumLength = 0;  ///< least number of units of a match
     bool hasDynamicNodes = false;     ///< matching may call the host
+    /// The endless loop over one unit with which every match begins, or null. Where an attempt failed, it fails from the
+    /// other positions of the same run as well: it was tried there as a shorter or longer run.
+    const RE_Consume* leadingLoop = nullptr;
     /// Slots whose text a backreference or condition may ask for, ascending.
     std::vector<std::size_t, RE_Allocator<std::size_t>> referencedTokens;
     /// Storage of the memo scopes; a deque, so that the links between them stay valid.

@@ -4,7 +4,7 @@
 #include "host/code_page.h"
 #include "regexp/graph_facts.h"
 #include "regexp/match_loop.h"
-#include "regexp/nodes/node.h"
+#include "regexp/nodes/consume.h"
 #include "regexp/search_info.h"
 
 #include <new>
@@ -89,6 +89,9 @@ bool RE_Tree::findMatch(RE_Search_Info& info, std::size_t offset, std::size_t& l
         }
         if (info.wasInterrupted() || info.pollInterrupt()) {
             return false;
+        }
+        if (facts->leadingLoop != nullptr) {
+            p = facts->leadingLoop->wholeRunEnd(p, info);
         }
     }
     return false;

@@ -285,8 +285,8 @@ void RE_Search_Info::include(std::unique_ptr<RE_Tree> text, const RE_Node* node,
     if (registers.size() < needed) {
         registers.resize(needed, noPass);
     }
-    if (memo != nullptr) {
-        memo->forgetRuns(firstRow);
+    if (runs.size() > firstRow) {
+        runs.resize(firstRow);
     }
 }
 

@@ -98,12 +98,6 @@ void RE_Search_Memo::forgetStates() {
     }
 }
 
-void RE_Search_Memo::forgetRuns(std::uint32_t firstRow) {
-    if (runs.size() > firstRow) {
-        runs.resize(firstRow);
-    }
-}
-
 // Most nodes stand in no counted loop and no loop with empty passes, and nothing refers to a token: their own number
 // is the row.
 std::uint32_t RE_Search_Memo::row(const RE_Search_Info& info, const RE_Node* node, std::size_t position) {

@@ -61,8 +61,6 @@ public:
     void searchFrom(std::size_t position);
     /// Forgets the states of every level.
     void forgetStates();
-    /// Forgets the runs measured by the nodes from this row on.
-    void forgetRuns(std::uint32_t firstRow);
 
 private:
     using Place = std::pair<std::size_t, std::size_t>;  // start, length

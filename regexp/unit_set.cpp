@@ -23,6 +23,15 @@ void RE_Unit_Set::addAll(const RE_Unit_Set& other) {
     }
 }
 
+bool RE_Unit_Set::meets(const RE_Unit_Set& other) const {
+    for (std::size_t i = 0; i < unitCount / 64; ++i) {
+        if ((words[i] & other.words[i]) != 0) {
+            return true;
+        }
+    }
+    return false;
+}
+
 void RE_Unit_Set::negate() {
     for (std::uint64_t& word : words) {
         word = ~word;

@@ -20,6 +20,8 @@ public:
     void addRange(char16_t low, char16_t high);
     void addAll(const RE_Unit_Set& other);
     void negate();
+    /// Whether some unit is in both.
+    bool meets(const RE_Unit_Set& other) const;
     std::size_t size() const { return sizeFrom(0); }
     /// How many units from `first`, a multiple of 64, on are in the set.
     std::size_t sizeFrom(std::size_t first) const;
