@@ -21,10 +21,12 @@ RE_Node* leadingNode(RE_Node* root) {
     return root;
 }
 
-// What is remembered of a token, or called by a pattern, may depend on where the loop began.
+// What is remembered of a token, or called by a pattern, may depend on where the loop began. A lazy loop that keeps to
+// its first end has another one at each position.
 void noteLeadingLoop(RE_Graph_Facts& facts, const RE_Node* leading) {
     const auto* const loop = dynamic_cast<const RE_Consume*>(leading);
-    if (loop != nullptr && loop->maximum == RE_Consume::noMaximum && facts.memoOutlivesStarts()) {
+    if (loop != nullptr && loop->maximum == RE_Consume::noMaximum && !(loop->lazy && loop->possessive) &&
+        facts.memoOutlivesStarts()) {
         facts.leadingLoop = loop;
     }
 }
