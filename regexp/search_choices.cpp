@@ -1,6 +1,8 @@
 // Choices of a search: leaving them, refusing those that were tried before, taking them up again.
 #include "regexp/search_info.h"
 
+#include <utility>
+
 bool RE_Search_Info::pushChoice(const RE_Node* node, const char16_t* position, bool newRecord) {
     if (!node->guarded) {
         return pushUnguarded(node, position, newRecord);
@@ -51,7 +53,7 @@ RE_Backtrack_Record* RE_Search_Info::popChoice() {
             return nullptr;
         }
         if (memo == nullptr && --memoCountdown == 0 && facts != nullptr) {
-            memo = std::make_unique<RE_Search_Memo>(facts->firstCombinedRow());
+            beginMemo();
         }
         RE_Backtrack_Record* record = &backtrack.records[slot];
         undoTo(backtrack.marks[slot].trailHeight);
@@ -67,6 +69,13 @@ RE_Backtrack_Record* RE_Search_Info::popChoice() {
         }
     }
     return nullptr;
+}
+
+void RE_Search_Info::beginMemo() {
+    memo = std::move(idleMemo);
+    if (memo == nullptr) {
+        memo = std::make_unique<RE_Search_Memo>(facts->firstCombinedRow());
+    }
 }
 
 std::size_t RE_Search_Info::poppedWord() const {

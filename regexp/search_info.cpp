@@ -4,6 +4,7 @@
 #include "host/interrupt.h"
 #include "regexp/tree.h"
 
+#include <algorithm>
 #include <utility>
 
 RE_Search_Info::RE_Search_Info(const char16_t* subject, std::size_t length, std::size_t tokenCount,
@@ -39,8 +40,8 @@ void RE_Search_Info::handInterruptBack() {
     interruptWasPending = false;
 }
 
-// The memo stays begun once one of the searches has needed it, so that all of them together cost at most as many
-// choices without a memo as a single one.
+// Where failures outlive a start the memo goes on: all searches together cost what one would. Elsewhere it would begin
+// empty at every start, so it waits until a search needs it.
 void RE_Search_Info::searchBehind(std::size_t end) {
     steps = 1;
     interrupted = false;
@@ -51,6 +52,8 @@ void RE_Search_Info::searchBehind(std::size_t end) {
         memo->searchFrom(end);
     } else {
         memo->forgetStates();
+        idleMemo = std::move(memo);
+        memoCountdown = subjectLength() * RE_Memo_Delay::perUnit + RE_Memo_Delay::choices + 1;
     }
 }
 
@@ -58,7 +61,9 @@ void RE_Search_Info::prepare(const RE_Graph_Facts& graphFacts) {
     facts = &graphFacts;
     // A run that succeeded leaves states in the memo that have not failed.
     memo.reset();
+    idleMemo.reset();
     runs.clear();
+    barren.clear();
     memoCountdown = subjectLength() * RE_Memo_Delay::perUnit + RE_Memo_Delay::choices + 1;
     const std::size_t needed = graphFacts.tokenCount + graphFacts.passRegisters;
     if (registers.size() < needed) {
@@ -90,6 +95,30 @@ void RE_Search_Info::noteRun(const RE_Node* node, RE_Measured_Run run) {
         runs.resize(node->memoIndex + std::size_t{1});
     }
     runs[node->memoIndex] = run;
+}
+
+// Short stretches are cheap to look through.
+const char16_t* RE_Search_Info::lastStartOf(const RE_Node* next, const RE_Node* owner, const char16_t* first,
+                                            const char16_t* last) {
+    static constexpr std::size_t shortStretch = 64;
+    const auto length = static_cast<std::size_t>(last - first);
+    if (length < shortStretch) {
+        return next->rSeek(first, length, *this);
+    }
+    if (barren.size() <= owner->memoIndex) {
+        barren.resize(owner->memoIndex + std::size_t{1});
+    }
+    RE_Measured_Run& known = barren[owner->memoIndex];
+    const bool overlaps = known.holds(first);
+    if (overlaps && last <= known.end) {
+        return nullptr;
+    }
+    const char16_t* const from = overlaps ? known.end + 1 : first;
+    const char16_t* const found = next->rSeek(from, static_cast<std::size_t>(last - from), *this);
+    if (found == nullptr && !interrupted) {
+        known = {overlaps ? known.begin : first, last};
+    }
+    return found;
 }
 
 bool RE_Search_Info::pollInterrupt() {
@@ -285,9 +314,8 @@ void RE_Search_Info::include(std::unique_ptr<RE_Tree> text, const RE_Node* node,
     if (registers.size() < needed) {
         registers.resize(needed, noPass);
     }
-    if (runs.size() > firstRow) {
-        runs.resize(firstRow);
-    }
+    runs.resize(std::min<std::size_t>(runs.size(), firstRow));
+    barren.resize(std::min<std::size_t>(barren.size(), firstRow));
 }
 
 void RE_Search_Info::refuseText() {

@@ -121,6 +121,11 @@ public:
         return node->memoIndex < runs.size() ? &runs[node->memoIndex] : nullptr;
     }
     void noteRun(const RE_Node* node, RE_Measured_Run run);
+    /// The last position in [first, last] at which `next` can match, or null. `next` must be able to seek. What was found
+    /// barren on behalf of `owner`, a node with a memo row of its own, is not looked through again; `owner` must always ask
+    /// about the same `next`.
+    const char16_t* lastStartOf(const RE_Node* next, const RE_Node* owner, const char16_t* first,
+                                const char16_t* last);
 
     // --- tokens ---
 
@@ -238,6 +243,7 @@ private:
         RE_TokenInfo old;
     };
 
+    void beginMemo();
     std::size_t& topCount(const RE_Node* counter);
     bool writesAreTrailed() const { return backtrack.top >= 0 || scopes > 0; }
     void setRegister(std::size_t index, std::size_t value);
@@ -252,6 +258,7 @@ private:
     boost::container::small_vector<std::size_t, 12, RE_Allocator<std::size_t>> registers;
     std::vector<Trail_Entry, RE_Allocator<Trail_Entry>> trail;
     std::vector<RE_Measured_Run, RE_Allocator<RE_Measured_Run>> runs;
+    std::vector<RE_Measured_Run, RE_Allocator<RE_Measured_Run>> barren;  ///< both ends included
     std::int32_t scopes = 0;
     bool interrupted = false;
     std::uint32_t refusedTexts = 0;  ///< in the current attempt
@@ -259,4 +266,5 @@ private:
     /// The memo begins once this many choices have been taken up again: most searches never pay for it.
     std::uint64_t memoCountdown;
     std::unique_ptr<RE_Search_Memo> memo;
+    std::unique_ptr<RE_Search_Memo> idleMemo;  ///< empty; for a later search that needs one
 };

@@ -96,6 +96,9 @@ void RE_Search_Memo::forgetStates() {
     for (RE_Memo_Table& states : tables) {
         states.clear();
     }
+    rows.clear();
+    placeNumbers.clear();
+    textNumbers.clear();
 }
 
 // Most nodes stand in no counted loop and no loop with empty passes, and nothing refers to a token: their own number

@@ -14,6 +14,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <memory_resource>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
@@ -41,7 +42,7 @@ struct RE_Body_Outcome {
 class RE_Search_Memo : public RE_Memory {
 public:
     /// Combinations of a node and more get rows from this one on.
-    explicit RE_Search_Memo(std::uint32_t firstCombined) : rows(firstCombined) {}
+    explicit RE_Search_Memo(std::uint32_t firstCombined) : rows(firstCombined, &pool) {}
 
     /// Records the state in which the search stands at (node, position); false when it was there already.
     bool insert(const RE_Search_Info& info, const RE_Node* node, std::size_t position);
@@ -71,8 +72,7 @@ private:
         }
     };
     template <class Key, class Hash>
-    using Numbers = std::unordered_map<Key, std::size_t, Hash, std::equal_to<Key>,
-                                       RE_Allocator<std::pair<const Key, std::size_t>>>;
+    using Numbers = std::pmr::unordered_map<Key, std::size_t, Hash>;
 
     RE_Memo_Table& table(const RE_Search_Info& info);
     bool isSetApart(const RE_Search_Info& info, std::size_t position) const;
@@ -84,13 +84,17 @@ private:
     std::size_t tokenState(const RE_Search_Info& info, std::size_t token);
     std::size_t textNumber(const char16_t* subject, Place place);
 
+    // What is forgotten between two searches is taken again from the pool, not from the host.
+    RE_Host_Resource host;
+    std::pmr::unsynchronized_pool_resource pool{&host};
     std::vector<RE_Memo_Table, RE_Allocator<RE_Memo_Table>> tables;
     RE_Memo_Table apart;  // the pattern's own states at the position set apart, met since then
     std::size_t setApart = RE_Memo_Table::nowhere;
     RE_Memo_Rows rows;
-    RE_Memo_Rows::Key key;                    // scratch, kept for its storage
-    Numbers<Place, Place_Hash> placeNumbers;  // of token texts, by where they stand
-    Numbers<std::u16string_view, std::hash<std::u16string_view>> textNumbers;
-    RE_Memo_Table outcomes;                  // two rows a node: bodies that failed, bodies that completed
-    Numbers<Place, Place_Hash> outcomeEnds;  // (node, start) of completed bodies that consumed something
+    RE_Memo_Rows::Key key{&pool};                    // scratch, kept for its storage
+    Numbers<Place, Place_Hash> placeNumbers{&pool};  // of token texts, by where they stand
+    Numbers<std::u16string_view, std::hash<std::u16string_view>> textNumbers{&pool};
+    RE_Memo_Table outcomes;  // two rows a node: bodies that failed, bodies that completed
+    Numbers<Place, Place_Hash> outcomeEnds{
+        &pool};  // (node, start) of completed bodies that consumed something
 };

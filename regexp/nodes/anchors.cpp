@@ -73,6 +73,15 @@ bool RE_End_Match::holdsAt(const char16_t* p, const RE_Search_Info& info) const 
     return info.atRequiredEnd(p);
 }
 
+const char16_t* RE_End_Match::seek(const char16_t* p, RE_Search_Info& info) const {
+    return info.requiredEnd != nullptr && p <= info.requiredEnd ? info.requiredEnd : nullptr;
+}
+
+const char16_t* RE_End_Match::rSeek(const char16_t* p, std::size_t count, RE_Search_Info& info) const {
+    const char16_t* const end = seek(p, info);
+    return end != nullptr && end <= p + count ? end : nullptr;
+}
+
 bool RE_Start_Word::holdsAt(const char16_t* p, const RE_Search_Info& info) const {
     return info.atBegin(p) || !isWordUnit(p[-1]);
 }

@@ -104,6 +104,13 @@ bool RE_Consume::goOn(const char16_t* from, const char16_t* end, std::size_t& po
     return true;
 }
 
+// Within a look-behind the answer may depend on where its body has to end.
+const char16_t* RE_Consume::lastStart(const char16_t* from, const char16_t* last,
+                                      RE_Search_Info& info) const {
+    return info.requiredEnd == nullptr ? info.lastStartOf(nextNode, this, from, last)
+                                       : nextNode->rSeek(from, static_cast<std::size_t>(last - from), info);
+}
+
 // Steps over ends that failed before and ends at which the rest cannot begin, until neither has anything to say.
 const char16_t* RE_Consume::lastEnd(const char16_t* from, const char16_t* end, RE_Search_Info& info) const {
     const bool seeks = nextNode->canSeek(false);
@@ -111,9 +118,7 @@ const char16_t* RE_Consume::lastEnd(const char16_t* from, const char16_t* end, R
     for (const char16_t* candidate = end;; --candidate) {
         candidate = info.lastUntried(this, from, candidate);
         const char16_t* const startable =
-            candidate != nullptr && seeks
-                ? nextNode->rSeek(from, static_cast<std::size_t>(candidate - from), info)
-                : candidate;
+            candidate != nullptr && seeks ? lastStart(from, candidate, info) : candidate;
         if (startable == nullptr) {
             return nullptr;
         }

@@ -33,6 +33,7 @@ public:
 
 private:
     bool goOn(const char16_t* from, const char16_t* end, std::size_t& pos, RE_Search_Info& info) const;
+    const char16_t* lastStart(const char16_t* from, const char16_t* last, RE_Search_Info& info) const;
     const char16_t* lastEnd(const char16_t* from, const char16_t* end, RE_Search_Info& info) const;
     const char16_t* runEnd(const char16_t* p, std::uint64_t most, RE_Search_Info& info) const;
     bool takeShortest(const char16_t* p, std::size_t& pos, RE_Search_Info& info) const;
