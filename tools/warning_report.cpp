@@ -3,7 +3,8 @@
 #include "tools/warning_report.h"
 
 #include "tools/utf8.h"
-#include "tools/warning_text.h"
+
+#include "regexp/eval/warning_text.h"
 
 #include <unicode/uchar.h>
 #include <unicode/utf16.h>
@@ -50,6 +51,25 @@ std::u16string withoutControls(std::u16string_view text) {
     return shown;
 }
 
+std::size_t terminalWidth(std::u16string_view text) {
+    std::size_t width = 0;
+    for (std::size_t at = 0; at != text.size();) {
+        const std::size_t size = text.size();
+        UChar32 character;
+        U16_NEXT(text.data(), at, size, character);
+        width += terminalWidth(character);
+    }
+    return width;
+}
+
+// A caret under the first unit of the part that the warning is about, and a wave under the others on this line.
+std::string underline(std::u16string_view line, std::size_t begin, std::size_t length) {
+    std::string text = paddingFor(line.substr(0, begin)) + '^';
+    const std::size_t width = terminalWidth(line.substr(begin, length));
+    text.append(width > 1 ? width - 1 : 0, '~');
+    return text;
+}
+
 std::string placeText(std::u16string_view pattern, const PatternPlace& place) {
     std::string text = "column " + std::to_string(place.column);
     if (pattern.find(u'\n') != std::u16string_view::npos)
@@ -74,14 +94,25 @@ std::string describeWarning(std::u16string_view pattern, const PatternWarning& w
     std::string text = "warning " + std::to_string(static_cast<unsigned>(warning.number)) + " at ";
     text += placeText(pattern, place);
     text += ": ";
-    text += warningSentence(warning.number);
+    text += describe(warning.number).sentence;
     text += '\n';
     text += margin;
     appendUtf8(text, shown);
     text += '\n';
     text += margin;
-    text += paddingFor(std::u16string_view(shown).substr(0, place.column - 1));
-    text += "^\n";
+    const RE_Warning_Span span = locateWarning(warning.number, pattern, warning.position);
+    const std::size_t lineBegin = warning.position - (place.column - 1);
+    const std::size_t begin = std::max(span.start, lineBegin) - lineBegin;
+    text += underline(shown, begin, span.length);
+    text += '\n';
+    if (span.correction && begin + span.length <= shown.size()) {
+        std::u16string corrected = shown;
+        corrected.replace(begin, span.length, *span.correction);
+        text += margin;
+        text += "perhaps: ";
+        appendUtf8(text, corrected);
+        text += '\n';
+    }
     return text;
 }
 
