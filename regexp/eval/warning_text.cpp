@@ -100,6 +100,15 @@ RE_Warning_Span escapeSpan(RE_Warning warning, View text, std::size_t where) {
     return span;
 }
 
+/// A malformed name reaches to its > or to the end of its group, whichever comes first.
+RE_Warning_Span badNameSpan(View text, std::size_t where) {
+    const std::size_t end = text.find_first_of(u">)", where);
+    if (end == View::npos) {
+        return {where, 1, {}};
+    }
+    return {where, end - where + (text[end] == u'>' ? 1 : 0), {}};
+}
+
 RE_Warning_Span nameSpan(View text, std::size_t where) {
     const bool isEscape = text[where] == u'\\';
     const std::size_t start = isEscape ? std::min(where + 3, text.size()) : where;
@@ -179,7 +188,7 @@ RE_Warning_Span locateWarning(RE_Warning warning, std::u16string_view text, std:
         case RE_WARNING_BAD_QUANTIFIER:
             return quantifierSpan(warning, text, where);
         case RE_WARNING_BAD_NAME:
-            return {where, lengthThrough(text, where, u'>'), {}};
+            return badNameSpan(text, where);
         case RE_WARNING_NAME_WITHOUT_TOKEN:
             return {where, lengthThrough(text, where, u'>'), u":"};
         case RE_WARNING_SECOND_MINUS:

@@ -19,7 +19,7 @@ namespace {
 
 // Repetitions of one unit up to this many times are taken as they are, longer ones as endless.
 constexpr std::uint64_t longestChain = 64;
-constexpr std::size_t mostWays = 20'000;
+constexpr std::size_t mostWays = 300'000;  // followed in all
 constexpr std::size_t mostPasses = 64;
 constexpr std::size_t mostNodes = 5'000;
 
@@ -259,7 +259,7 @@ void RE_Automaton::follow(Way way, RE_Node* target) {
     if (++met[way] <= 2) {
         pending.push_back(way);
     }
-    complete = complete && met.size() < mostWays;
+    complete = complete && ++followed < mostWays;
 }
 
 void RE_Automaton::visit(std::size_t from, const Way& way) {
@@ -360,7 +360,7 @@ void RE_Automaton::continueBehind(RE_Node* node, const std::vector<std::size_t>&
         if (isChain && index + 1 < consume->minimum) {
             return;
         }
-        behind.allowed = goesOn && consume->possessive && !consume->lazy ? ~letters : any;
+        behind.allowed = goesOn && consume->possessive && !consume->lazy ? any & ~letters : any;
         behind.conditional = !isChain && consume->minimum > 1;
     } else if (dynamic_cast<RE_Match_Token*>(node) != nullptr) {
         addEdge(from, from, any);

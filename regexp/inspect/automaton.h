@@ -85,4 +85,5 @@ private:
         unfinished;                     // consuming nodes whose ways on are not known yet
     std::map<Way, int, Way_Order> met;  // of one closure
     std::vector<Way> pending;
+    std::size_t followed = 0;
 };

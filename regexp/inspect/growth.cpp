@@ -111,7 +111,7 @@ public:
     }
 
 private:
-    static constexpr std::size_t mostSteps = 20'000'000;
+    static constexpr std::size_t mostSteps = 4'000'000;  // each may keep some dozens of bytes
 
     std::vector<bool> everyState() const { return std::vector<bool>(states.size(), true); }
     std::vector<bool> losingStates() const {
