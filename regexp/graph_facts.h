@@ -1,12 +1,14 @@
 // Facts about a whole compiled graph that a search needs before it visits the first node.
 #pragma once
 
+#include "regexp/inspect/profile.h"
 #include "regexp/memo.h"
 #include "regexp/memory.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <memory>
 #include <vector>
 
 class RE_Consume;
@@ -33,6 +35,8 @@ struct CORVANE_REGEXP_EXPORT RE_Graph_Facts : public RE_Memory {
     std::vector<std::size_t, RE_Allocator<std::size_t>> referencedTokens;
     /// Storage of the memo scopes; a deque, so that the links between them stay valid.
     std::deque<RE_Memo_Scope, RE_Allocator<RE_Memo_Scope>> memoScopes;
+
+    std::shared_ptr<RE_Profiler> profiler;  ///< of patterns compiled for profiling; else null
 
     /// A state that failed from one start position also fails from later ones.
     bool memoOutlivesStarts() const { return referencedTokens.empty() && !hasDynamicNodes; }

@@ -15,24 +15,26 @@ bool RE_Search_Info::pushChoice(const RE_Node* node, const char16_t* position, b
 }
 
 bool RE_Search_Info::firstVisit(const RE_Node* node, const char16_t* position) {
-    return memo == nullptr || memo->insert(*this, node, indexOf(position));
+    return memo == nullptr || memo->insert(*this, node, indexOf(position)) || refuse();
 }
 
 const char16_t* RE_Search_Info::lastUntried(const RE_Node* node, const char16_t* first,
-                                            const char16_t* last) const {
+                                            const char16_t* last) {
     if (memo == nullptr) {
         return last;
     }
     const std::size_t found = memo->lastUntried(*this, node, indexOf(first), indexOf(last));
+    refusals += found == indexOf(last) ? 0 : 1;
     return found == RE_Memo_Table::nowhere ? nullptr : subjectBegin + found;
 }
 
 const char16_t* RE_Search_Info::firstUntried(const RE_Node* node, const char16_t* first,
-                                             const char16_t* last) const {
+                                             const char16_t* last) {
     if (memo == nullptr) {
         return first;
     }
     const std::size_t found = memo->firstUntried(*this, node, indexOf(first), indexOf(last));
+    refusals += found == indexOf(first) ? 0 : 1;
     return found == RE_Memo_Table::nowhere ? nullptr : subjectBegin + found;
 }
 
@@ -105,11 +107,11 @@ bool RE_Search_Info::pushUnguarded(const RE_Node* node, const char16_t* position
             visited.resize(count + 1);
         }
         if (!visited[count].insert({node, position}).second) {
-            return false;
+            return refuse();
         }
     }
     if (isDuplicate(node, position)) {
-        return false;
+        return refuse();
     }
     if (newRecord) {
         pushRecord(node, position, 0);

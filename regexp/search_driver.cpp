@@ -3,6 +3,7 @@
 
 #include "host/code_page.h"
 #include "regexp/graph_facts.h"
+#include "regexp/inspect/observer.h"
 #include "regexp/match_loop.h"
 #include "regexp/nodes/consume.h"
 #include "regexp/search_info.h"
@@ -36,6 +37,12 @@ RE_Results* RE_Tree::match(const char* subject, std::size_t offset) const {
     return results;
 }
 
+RE_Results* RE_Tree::trace(const char16_t* subject, std::size_t length, std::size_t offset,
+                           RE_Observer& observer) const {
+    RE_Seek_Table table;
+    return searchFrom(subject, length, offset, &table, &observer);
+}
+
 bool RE_Tree::match_bool(const char16_t* position, std::size_t* length, RE_Search_Info* info) const {
     info->prepare(*facts);
     RE_Search_Scope scope(*info);  // choices that the state holds from before are not this run's
@@ -54,13 +61,14 @@ bool RE_Tree::runNodes(const char16_t* position, const RE_Node* startNode, std::
 }
 
 RE_Results* RE_Tree::searchFrom(const char16_t* subject, std::size_t length, std::size_t offset,
-                                RE_Seek_Table* table) const {
+                                RE_Seek_Table* table, RE_Observer* observer) const {
     if (subject == nullptr || offset > length) {
         return nullptr;
     }
     RE_Search_Info info(subject, length, tokenCount, table, interruptible);
     info.prepare(*facts);
     info.rejectEmpty = !allowEmptyMatch;
+    info.observer = observer;
     std::size_t matchLength = 0;
     if (!findMatch(info, offset, matchLength) || info.pollInterrupt()) {
         return nullptr;
@@ -79,7 +87,9 @@ bool RE_Tree::findMatch(RE_Search_Info& info, std::size_t offset, std::size_t& l
     const bool seeks = root->canSeek(false);
     for (const char16_t* p = info.subjectBegin + offset; p <= last; ++p) {
         if (seeks) {
+            const char16_t* const from = p;
             p = root->seek(p, info);
+            tellSeek(info, root, from, p);
             if (p == nullptr || p > last) {
                 return false;
             }
@@ -99,5 +109,9 @@ bool RE_Tree::findMatch(RE_Search_Info& info, std::size_t offset, std::size_t& l
 
 bool RE_Tree::attempt(RE_Search_Info& info, const char16_t* p, std::size_t& length) const {
     info.resetForStart(p);
-    return runNodes(p, root, &length, info) && !info.wasInterrupted() && isValidMatchLength(length);
+    tellStart(info, p);
+    const bool matched =
+        runNodes(p, root, &length, info) && !info.wasInterrupted() && isValidMatchLength(length);
+    tellFinish(info, p, matched ? length : 0, matched);
+    return matched;
 }

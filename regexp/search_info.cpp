@@ -59,6 +59,10 @@ void RE_Search_Info::searchBehind(std::size_t end) {
 
 void RE_Search_Info::prepare(const RE_Graph_Facts& graphFacts) {
     facts = &graphFacts;
+    profile.reset();
+    if (graphFacts.profiler != nullptr) {
+        profile = std::make_unique<RE_Profile_Sheet>(graphFacts.profiler);
+    }
     // A run that succeeded leaves states in the memo that have not failed.
     memo.reset();
     idleMemo.reset();

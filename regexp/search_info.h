@@ -8,6 +8,7 @@
 #include "regexp/backtrack_stack.h"
 #include "regexp/graph_facts.h"
 #include "regexp/included_texts.h"
+#include "regexp/inspect/profile.h"
 #include "regexp/memory.h"
 #include "regexp/nodes/node.h"
 #include "regexp/search_memo.h"
@@ -22,6 +23,7 @@
 #include <utility>
 #include <vector>
 
+class RE_Observer;
 class RE_Seek_Table;
 class RE_Search_Info;
 
@@ -113,8 +115,8 @@ public:
     /// has not begun.
     bool firstVisit(const RE_Node* node, const char16_t* position);
     /// The last position in [first, last] at which `firstVisit` may still hold, or null.
-    const char16_t* lastUntried(const RE_Node* node, const char16_t* first, const char16_t* last) const;
-    const char16_t* firstUntried(const RE_Node* node, const char16_t* first, const char16_t* last) const;
+    const char16_t* lastUntried(const RE_Node* node, const char16_t* first, const char16_t* last);
+    const char16_t* firstUntried(const RE_Node* node, const char16_t* first, const char16_t* last);
 
     /// The run that a node measured last, or null.
     const RE_Measured_Run* measuredRun(const RE_Node* node) const {
@@ -233,6 +235,10 @@ public:
     boost::container::small_vector<RE_Body_Frame, 2, RE_Allocator<RE_Body_Frame>> bodies;
     RE_Included_Texts included;
 
+    RE_Observer* observer = nullptr;            ///< told of every step; not owned
+    std::unique_ptr<RE_Profile_Sheet> profile;  ///< the counts of a pattern that was compiled for profiling
+    std::uint64_t refusals = 0;  ///< times a state was turned away because it had been tried before
+
 private:
     friend class RE_Search_Scope;
     friend class RE_Search_Memo;
@@ -244,6 +250,10 @@ private:
     };
 
     void beginMemo();
+    bool refuse() {
+        ++refusals;
+        return false;
+    }
     std::size_t& topCount(const RE_Node* counter);
     bool writesAreTrailed() const { return backtrack.top >= 0 || scopes > 0; }
     void setRegister(std::size_t index, std::size_t value);

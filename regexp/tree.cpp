@@ -4,6 +4,7 @@
 #include "host/code_page.h"
 #include "host/memory.h"
 #include "host/utf16.h"
+#include "regexp/graph_export.h"
 #include "regexp/graph_facts.h"
 #include "regexp/included_texts.h"
 #include "regexp/nodes/collection.h"
@@ -71,6 +72,24 @@ void RE_Tree::parse(const char* pattern, bool flag) {
     parse(converted.get(), length, flag);
 }
 
+namespace {
+
+/// Text in, root of the finished graph out. The nodes and what is known of them stay with the parser's context.
+RE_Node* compileGraph(RE_ParserContext& parserContext, const char16_t* pattern, std::size_t length,
+                      RE_Node* continuationNode, bool last, const RE_Stage_Observer& observer = {}) {
+    const RE_Flags flags = parserContext.flags;
+    parserContext.context->set_string(pattern, length);
+    RE_Syntax_Tree syntax = RE_Grammar(parserContext, pattern, length, last).read();
+    parserContext.flags = flags;
+    measureSyntax(syntax, parserContext, pattern);
+    parserContext.facts->tokenCount = syntax.groupCount;
+    parserContext.facts->minimumLength = syntax[RE_Syntax_Tree::root].least;
+    RE_Node* const parsed = RE_Graph_Builder(parserContext, syntax).build(continuationNode);
+    return runPasses(parserContext, parsed, observer);
+}
+
+}  // namespace
+
 void RE_Tree::parse(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
                     RE_Node* continuationNode, RE_Node* outerNode, bool last,
                     const RE_Sub_Pattern_Place& place) {
@@ -79,21 +98,18 @@ void RE_Tree::parse(const char16_t* pattern, std::size_t length, RE_Flags flags,
     parserContext.facts->passRegisters = place.passRegister;
     // What follows a sub-pattern may call the host, for all that is known here.
     parserContext.facts->hasDynamicNodes = continuationNode != nullptr;
-    context->set_string(pattern, length);
     allowEmptyMatch = (flags & RE_FLAG_ALLOW_EMPTY) != 0;
-
-    RE_Syntax_Tree syntax = RE_Grammar(parserContext, pattern, length, last).read();
-    parserContext.flags = flags;
-    measureSyntax(syntax, parserContext, pattern);
-    parserContext.facts->tokenCount = syntax.groupCount;
-    parserContext.facts->minimumLength = syntax[RE_Syntax_Tree::root].least;
-    RE_Node* const parsed = RE_Graph_Builder(parserContext, syntax).build(continuationNode);
-    RE_Node* const finished = runPasses(parserContext, parsed);
+    RE_Node* const finished = compileGraph(parserContext, pattern, length, continuationNode, last);
     finished->computeLengths();
 
-    tokenCount = syntax.groupCount;
+    tokenCount = parserContext.facts->tokenCount;
     hasTokenNames = !parserContext.tokenNames.empty();
     nodeCount = parserContext.handOver(RE_Collection::reachable(finished));
+    if (parserContext.options().profile()) {
+        const std::uint64_t greatestNodeId = parserContext.facts->nodes.back()->nodeId;
+        parserContext.facts->profiler =
+            std::allocate_shared<RE_Profiler>(RE_Allocator<RE_Profiler>(), greatestNodeId);
+    }
     root = finished;
     facts = parserContext.facts.release();
 }
@@ -112,4 +128,24 @@ const char16_t** RE_Tree::treeNames(std::size_t* count) const {
     std::copy(found.inOrder.begin(), found.inOrder.end(), names);
     *count = found.inOrder.size();
     return names;
+}
+
+std::string RE_Tree::graph() const {
+    return graph(RE_Graph_Attributes());
+}
+
+std::string RE_Tree::graph(const RE_Graph_Attributes& attributes) const {
+    return writeGraph(facts->nodes, root, attributes);
+}
+
+std::string RE_Tree::graphAfter(RE_Stage stage, const char16_t* pattern, std::size_t length, RE_Flags flags,
+                                RE_Context* context) {
+    RE_ParserContext parserContext(context, nullptr, flags);
+    std::string text;
+    compileGraph(parserContext, pattern, length, nullptr, true, [&](RE_Stage reached, RE_Node* root) {
+        if (reached <= stage) {
+            text = writeGraph(RE_Collection::reachable(root), root, {});
+        }
+    });
+    return text;
 }

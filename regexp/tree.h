@@ -4,6 +4,7 @@
 #include "regexp/builder/builder.h"
 #include "regexp/eval/context.h"
 #include "regexp/flags.h"
+#include "regexp/inspect/profile.h"
 #include "regexp/memory.h"
 #include "regexp/results.h"
 #include "regexp/seek/seek_table.h"
@@ -11,6 +12,7 @@
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -19,9 +21,17 @@
 class RE_Match_Sequence;
 class RE_Match_Range;
 class RE_Node;
+class RE_Observer;
 class RE_Search_Info;
 struct RE_Graph_Facts;
 struct RE_Sub_Pattern_Place;
+
+/// What a graph becomes while a pattern is compiled, in this order: as it was parsed, without nodes that do nothing,
+/// with units joined, and with loops over one unit taken together and a start finder.
+enum class RE_Stage { parsed, null_nodes, linear, dot_star };
+
+/// Further attributes of a node, by its number, as they stand in the graph language: `color=red`, or nothing.
+using RE_Graph_Attributes = std::function<std::string(std::uint64_t nodeId)>;
 
 /// A compiled pattern. Compiling never fails on syntax: problems are reported through `RE_Context::warn` and degrade
 /// to literal text or to nothing.
@@ -84,12 +94,27 @@ public:
     /// tree. Null when there are none.
     const char16_t** treeNames(std::size_t* count) const;
 
-    /// The node graph as text for graph-drawing programs.
+    // The node graph as text for graph-drawing programs (DOT). docs/seeing-inside.md shows and explains one.
     std::string graph() const;
+    std::string graph(const RE_Graph_Attributes& attributes) const;
+    /// The graph of a pattern as it is when a stage of its compilation is over. Stages that the compile options switch
+    /// off change nothing.
+    static std::string graphAfter(RE_Stage stage, const char16_t* pattern, std::size_t length, RE_Flags flags,
+                                  RE_Context* context);
+
+    /// Searches like `match` and tells the observer of every step on the way.
+    RE_Results* trace(const char16_t* subject, std::size_t length, std::size_t offset,
+                      RE_Observer& observer) const;
+
+    /// What the nodes did in all searches that are over, from any thread. Counts are kept only by patterns compiled
+    /// with the option `Profile`; without it there are no nodes in the profile.
+    RE_Profile profile() const;
+    void clearProfile() const;
 
     std::uint64_t getTokenCount() const { return tokenCount; }
     std::uint64_t getNodeCount() const { return nodeCount; }
     const RE_Node* getRoot() const { return root; }
+    const RE_Graph_Facts& getFacts() const { return *facts; }
 
 private:
     friend class RE_Match_Sequence;
@@ -106,7 +131,7 @@ private:
                RE_Node* continuationNode, RE_Node* outerNode, bool last, const RE_Sub_Pattern_Place& place);
 
     RE_Results* searchFrom(const char16_t* subject, std::size_t length, std::size_t offset,
-                           RE_Seek_Table* table) const;
+                           RE_Seek_Table* table, RE_Observer* observer = nullptr) const;
     bool findMatch(RE_Search_Info& info, std::size_t offset, std::size_t& length) const;
     bool attempt(RE_Search_Info& info, const char16_t* p, std::size_t& length) const;
     bool runNodes(const char16_t* position, const RE_Node* startNode, std::size_t* length,

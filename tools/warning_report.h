@@ -21,7 +21,7 @@ PatternPlace locate(std::u16string_view pattern, std::size_t position);
 std::string describePlace(std::u16string_view pattern, std::size_t position, const std::string& heading,
                           std::string_view sentence);
 
-// Three lines: the sentence, the line of the pattern, the caret.
+// The sentence, the line of the pattern, what it is about underlined, and that line corrected where that is plain.
 std::string describeWarning(std::u16string_view pattern, const PatternWarning& warning);
 
 // Describes each on standard error.

@@ -27,9 +27,10 @@ public:
     RE_Consumable* item;                       ///< the repeated unit test
     std::shared_ptr<const RE_Unit_Set> units;  ///< those that the item matches
     bool possessive = false;                   ///< gives no unit back
-    std::uint64_t minimum;                     ///< units
-    std::uint64_t maximum;                     ///< units, or `noMaximum`
-    bool lazy;                                 ///< tries the shortest run first
+    bool couldNotHelp = false;  ///< it is so because no shorter run could be followed by the rest
+    std::uint64_t minimum;      ///< units
+    std::uint64_t maximum;      ///< units, or `noMaximum`
+    bool lazy;                  ///< tries the shortest run first
 
 private:
     bool goOn(const char16_t* from, const char16_t* end, std::size_t& pos, RE_Search_Info& info) const;

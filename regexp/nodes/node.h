@@ -14,6 +14,7 @@
 #include <string>
 
 class RE_Collection;
+struct RE_Graph_Output;
 class RE_Token_Names;
 struct RE_Graph_Facts;
 class RE_Unit_Set;
@@ -80,8 +81,8 @@ public:
     virtual bool isBranching() const { return false; }
     /// Text for people, as shown in graphs.
     virtual std::string label() const { return {}; }
-    /// Writes this node and its links as DOT text.
-    virtual void graph(std::string& out);
+    /// Writes this node and its links in the graph language.
+    virtual void graph(RE_Graph_Output& out);
 
     // --- tokens ---
 

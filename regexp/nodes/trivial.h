@@ -24,6 +24,7 @@ public:
     RE_Node* next() const override { return continuation; }
     bool isEnd() const override { return continuation == nullptr; }
     std::string label() const override { return endsBody ? "End of body" : "End"; }
+    void graph(RE_Graph_Output& out) override;
 
     RE_Node* continuation;  ///< never owned, never followed by walks
     bool endsBody;

@@ -30,6 +30,7 @@ RE_Node* makeLoopsPossessive(RE_ParserContext& context, RE_Node* root) {
         auto* const loop = dynamic_cast<RE_Consume*>(node);
         if (loop != nullptr && !loop->possessive && neverGivesBack(*loop)) {
             loop->possessive = true;
+            loop->couldNotHelp = true;
             loop->lazy = false;
         }
     }
