@@ -24,7 +24,7 @@ void parts() {
     const RE_Builder year = quantify(one_of(RE_Set(RE_SET_DIGIT)), 4);
     const RE_Builder month = either(literal(u"Jan."), literal(u"Feb."), literal(u"March"));
     const RE_Builder date =
-        capture(u"month", month) + optional(literal(u",")) + literal(u" ") + capture(u"year", year);
+        capture(u"month", month) + zero_or_one(literal(u",")) + literal(u" ") + capture(u"year", year);
     print(date.pattern());
     printMatches(date, u"Feb. 1892, Janx 1893, March, 1894");
 }
@@ -63,7 +63,7 @@ void conditions() {
     const RE_Token open;
     const RE_Builder number = one_or_more(one_of(RE_Set(RE_SET_DIGIT)));
     const RE_Builder item =
-        optional(capture(open, literal(u"("))) + number + if_token(open, literal(u")"), literal(u";"));
+        zero_or_one(capture(open, literal(u"("))) + number + if_token(open, literal(u")"), literal(u";"));
     print(item.pattern());
     printMatches(item, u"1; (2) (3; 4)");
 }

@@ -50,8 +50,10 @@ void RE_Node::graph(std::string& out) {
 
 std::string RE_Tree::graph() const {
     std::string out = "digraph regexp {\n";
-    for (RE_Node* node : facts->nodes) {
-        node->graph(out);
+    if (facts != nullptr) {
+        for (RE_Node* node : facts->nodes) {
+            node->graph(out);
+        }
     }
     return out + "}\n";
 }

@@ -91,7 +91,7 @@ private:
         const RE_Builder& b = body.builder;
         return {sign == 0   ? kleene(b, greed)
                 : sign == 1 ? one_or_more(b, greed)
-                : sign == 2 ? RE_Builder_Space::optional(b, greed)
+                : sign == 2 ? RE_Builder_Space::zero_or_one(b, greed)
                             : quantify(b, RE_Bounds::between(most, least), greed),
                 u"(?:" + body.text + u")" + signs[sign] + (way == 0 ? u"" : way == 1 ? u"?" : u"+")};
     }

@@ -3,7 +3,10 @@
 #include "regexp/regexp.h"
 #include "tests/support/engine_run.h"
 
+#include <atomic>
+#include <functional>
 #include <gtest/gtest.h>
+#include <optional>
 #include <random>
 #include <utility>
 
@@ -28,8 +31,24 @@ static_assert(Sequence<RE_Set, RE_SetItem> && !Sequence<RE_SetItem, std::u16stri
 static_assert(Chosen<RE_Builder, RE_Builder, RE_Builder> && !Chosen<RE_Builder> && !Chosen<RE_Set, RE_Set>);
 static_assert(!std::is_constructible_v<RE_Set, int> && !std::is_constructible_v<RE_SetItem, char32_t, char32_t>);
 static_assert(!std::is_constructible_v<RE_SetItem, const char*> && !std::is_convertible_v<std::u16string, RE_Builder>);
+static_assert(!std::is_constructible_v<RE_SetItem, std::nullptr_t> && !std::is_constructible_v<RE_Builder, std::nullptr_t>);
+template <class Bound>
+constexpr bool isBound = std::is_convertible_v<Bound, RE_Bounds> && std::is_constructible_v<RE_Bounds, Bound, Bound>;
+static_assert(isBound<int> && isBound<size_t> && !isBound<bool> && !isBound<char> && !isBound<char16_t>);
+static_assert(!isBound<double> && !isBound<RE_GREED> && !std::is_constructible_v<RE_Bounds, RE_GREED>);
+static_assert(!std::is_constructible_v<RE_Tree, RE_Builder, RE_Flags> && !std::is_constructible_v<RE_Tree, RE_Builder, RE_MODE>);
+static_assert(std::is_constructible_v<RE_Tree, RE_Builder, bool> && std::is_constructible_v<RE_Tree, RE_Builder, RE_Flags, RE_Context*>);
 static_assert(RE_Token_Name::isValid(u"a1_") && !RE_Token_Name::isValid(u"1a") && !RE_Token_Name::isValid(u"") &&
               !RE_Token_Name::isValid(u"a\u00E9") && !RE_Token_Name::from(u"a-b"));
+
+namespace beside_std {
+using namespace std;
+[[maybe_unused]] const RE_Builder every =
+    zero_or_one(literal(u"a")) + one_or_more(any_unit()) + kleene(any_but_line_feed()) + quantify(literal(u"b"), 2) +
+    group(atomic_group(either(subject_start(), subject_end()))) + capture(line_start() + line_end()) +
+    backreference(u"n") + if_token(u"n", word_start(), word_end()) + pos_ahead(neg_ahead(literal(u""))) +
+    pos_behind(neg_behind(one_of({}))) + with_mode(RE_MODE_DOT_ALL, without_mode(RE_MODE_DOT_ALL, none_of({})));
+}  // namespace beside_std
 
 TEST(Builder, GroupsWhereAnOperatorWouldTakeAPatternApart) {
     const RE_Token t, other;
@@ -44,10 +63,10 @@ TEST(Builder, GroupsWhereAnOperatorWouldTakeAPatternApart) {
         {either({}), u"(?!)"},
         {kleene(kleene(ab), RE_LAZY), u"(?:(?:ab)*)*?"},
         {one_or_more(a_b, RE_POSSESSIVE) + a_b, u"(?:a|b)++(?:a|b)"},
-        {optional(literal(u"\U0001F600")), u"(?:\U0001F600)?"},
+        {zero_or_one(literal(u"\U0001F600")), u"(?:\U0001F600)?"},
         {quantify(a, 3) + quantify(a, {2, 5}, RE_LAZY) + quantify(a, RE_Bounds::atLeast(2)), u"a{3}a{2,5}?a{2,}"},
         {quantify(a, RE_Bounds::between(4, 0)) + quantify(a, RE_Bounds::exactly(0)), u"a{0,4}a{0}"},
-        {group(a_b) + atomic(a_b) + capture(a_b), u"(?:a|b)(?>a|b)(a|b)"},
+        {group(a_b) + atomic_group(a_b) + capture(a_b), u"(?:a|b)(?>a|b)(a|b)"},
         {pos_ahead(a_b) + neg_ahead(a) + pos_behind(a) + neg_behind(a), u"(?=a|b)(?!a)(?<=a)(?<!a)"},
         {with_mode(RE_MODE_IGNORE_CASE, without_mode(RE_MODE_DOT_ALL, raw)), u"(?i:(?-s:(?i)x|(y)))"},
         {one_of(RE_Set(RE_SET_SPACE) + RE_Set(RE_SET_NULL)) + one_of({}), u"[\\s\\0][^\\s\\S]"},

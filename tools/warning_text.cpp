@@ -1,4 +1,5 @@
-// The sentences of the numbered warnings; the same list, with what becomes of the text, is in docs/dialect.md.
+// The sentences of the numbered warnings; the same list, with what becomes of the text, is in
+// docs/dialect.md.
 #include "tools/warning_text.h"
 
 #include <array>

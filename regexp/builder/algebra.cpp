@@ -168,7 +168,7 @@ RE_Builder one_or_more(const RE_Builder& body, RE_GREED greed) {
     return RE_Composer::repeated(body, u"+", greed);
 }
 
-RE_Builder optional(const RE_Builder& body, RE_GREED greed) {
+RE_Builder zero_or_one(const RE_Builder& body, RE_GREED greed) {
     return RE_Composer::repeated(body, u"?", greed);
 }
 
@@ -186,7 +186,7 @@ RE_Builder group(const RE_Builder& body) {
     return RE_Composer::enclosed(u"(?:", body);
 }
 
-RE_Builder atomic(const RE_Builder& body) {
+RE_Builder atomic_group(const RE_Builder& body) {
     return RE_Composer::enclosed(u"(?>", body);
 }
 

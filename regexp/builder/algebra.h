@@ -7,10 +7,10 @@
 //                               capture(u"text", kleene(any_unit(), RE_LAZY)) + backreference(quote);
 //     const RE_Tree tree(quoted, false);   // (['"])(?<text>(?s:.)*?)\1
 //
-// A text is not a pattern: one that is to be found goes through `literal`, which quotes whatever has a meaning in
-// patterns; one that is a pattern already goes through the constructor of `RE_Builder`. Pieces mean the same wherever
-// they are put and with whatever flags they are compiled, free spacing included; only whether case counts is left to
-// the flags.
+// A text is not a pattern: one that is to be found goes through `literal`, which quotes whatever has a
+// meaning in patterns; one that is a pattern already goes through the constructor of `RE_Builder`. Pieces
+// mean the same wherever they are put and with whatever flags they are compiled, free spacing included; only
+// whether case counts is left to the flags.
 #pragma once
 
 #include "regexp/builder/builder.h"
@@ -73,7 +73,7 @@ RE_Builder either(const RE_Builder& first, const RE_Builder& second, const More&
 /// Any number of passes.
 CORVANE_REGEXP_EXPORT RE_Builder kleene(const RE_Builder& body, RE_GREED greed = RE_GREEDY);
 CORVANE_REGEXP_EXPORT RE_Builder one_or_more(const RE_Builder& body, RE_GREED greed = RE_GREEDY);
-CORVANE_REGEXP_EXPORT RE_Builder optional(const RE_Builder& body, RE_GREED greed = RE_GREEDY);
+CORVANE_REGEXP_EXPORT RE_Builder zero_or_one(const RE_Builder& body, RE_GREED greed = RE_GREEDY);
 CORVANE_REGEXP_EXPORT RE_Builder quantify(const RE_Builder& body, RE_Bounds bounds,
                                           RE_GREED greed = RE_GREEDY);
 
@@ -82,7 +82,7 @@ CORVANE_REGEXP_EXPORT RE_Builder quantify(const RE_Builder& body, RE_Bounds boun
 /// Has no effect on what matches; builders group by themselves.
 CORVANE_REGEXP_EXPORT RE_Builder group(const RE_Builder& body);
 /// Once matched, gives nothing back.
-CORVANE_REGEXP_EXPORT RE_Builder atomic(const RE_Builder& body);
+CORVANE_REGEXP_EXPORT RE_Builder atomic_group(const RE_Builder& body);
 CORVANE_REGEXP_EXPORT RE_Builder with_mode(RE_MODE mode, const RE_Builder& body);
 CORVANE_REGEXP_EXPORT RE_Builder without_mode(RE_MODE mode, const RE_Builder& body);
 
