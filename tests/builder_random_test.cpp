@@ -103,7 +103,7 @@ private:
         const Made one = make(depth);
         static constexpr std::pair<RE_Builder (*)(const RE_Builder&), const char16_t*> wrappers[] = {
             {pos_ahead, u"(?="},   {neg_ahead, u"(?!"}, {pos_behind, u"(?<="},
-            {neg_behind, u"(?<!"}, {atomic, u"(?>"},    {group, u"(?:"}};
+            {neg_behind, u"(?<!"}, {atomic_group, u"(?>"},    {group, u"(?:"}};
         if (way < 14) {
             const auto& [function, opening] = wrappers[way - 8];
             return {function(one.builder), opening + one.text + u")"};

@@ -1,8 +1,6 @@
 // Replacement strings, and the texts they produce.
 #include "host/allocation_counter.h"
 #include "host/interrupt.h"
-#include "regexp/eval/evaluation_io.h"
-#include "regexp/eval/evaluation_tokens.h"
 #include "regexp/parser/parser_context.h"
 #include "regexp/regexp.h"
 #include "regexp/replace/case_adjustment.h"
@@ -190,7 +188,7 @@ TEST(Replace, FreeSpacingCountsOnlyTheNameAndCommentsHideBraces) {
         {u"$< a >|$<a>|$<a#\n>", u"x >|x|x\n>"},
         {u"$<#$<a>$< a>\n", u"$<#xx>\n"},                     // brackets in a comment that hides no name
         {u"$<#$<$< -\n #\nab", u"$<#$<$< -\n #\nab"},         // each leads to a name without an end
-        {u"$<#$<\n#\na #$<a>\n>|", u"x\n#\na #x\n>|"},         // behind two comments there is one
+        {u"$<#$<\n#\na #$<a>\n>|", u"x<\n#\na #x\n>|"},         // behind two comments there is one
         {u"$< #", u"$< #"},
     };
     for (const auto& [text, result] : names) {
