@@ -2,8 +2,8 @@
 
 #include "regexp/tree.h"
 
-// The state is told of interrupts only while a search runs: a request that comes between two searches is for the
-// caller to see.
+// The state is told of interrupts only while a search runs: a request that comes between two searches is for
+// the caller to see.
 RE_Match_Sequence::RE_Match_Sequence(const RE_Tree& pattern, std::u16string_view subject)
     : tree(pattern),
       info(subject.data() != nullptr ? subject.data() : u"", subject.size(), pattern.tokenCount, &table,
@@ -11,12 +11,17 @@ RE_Match_Sequence::RE_Match_Sequence(const RE_Tree& pattern, std::u16string_view
     if (info.tokens == nullptr) {
         throw std::bad_alloc();
     }
-    info.prepare(*tree.facts);
+    if (tree.root != nullptr) {
+        info.prepare(*tree.facts);
+    }
     info.rejectEmpty = !tree.allowEmptyMatch;
     info.checkInterrupts = tree.interruptible;
 }
 
 RE_Results* RE_Match_Sequence::find(std::size_t offset) {
+    if (tree.root == nullptr) {
+        return nullptr;
+    }
     if (view) {
         info.searchBehind(view->matchStart + view->matchLength);
     }

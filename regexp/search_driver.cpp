@@ -44,6 +44,10 @@ RE_Results* RE_Tree::trace(const char16_t* subject, std::size_t length, std::siz
 }
 
 bool RE_Tree::match_bool(const char16_t* position, std::size_t* length, RE_Search_Info* info) const {
+    *length = 0;
+    if (root == nullptr) {
+        return false;
+    }
     info->prepare(*facts);
     RE_Search_Scope scope(*info);  // choices that the state holds from before are not this run's
     const bool completed = runNodes(position, root, length, *info);
@@ -62,7 +66,7 @@ bool RE_Tree::runNodes(const char16_t* position, const RE_Node* startNode, std::
 
 RE_Results* RE_Tree::searchFrom(const char16_t* subject, std::size_t length, std::size_t offset,
                                 RE_Seek_Table* table, RE_Observer* observer) const {
-    if (subject == nullptr || offset > length) {
+    if (subject == nullptr || offset > length || root == nullptr) {
         return nullptr;
     }
     RE_Search_Info info(subject, length, tokenCount, table, interruptible);
@@ -76,8 +80,8 @@ RE_Results* RE_Tree::searchFrom(const char16_t* subject, std::size_t length, std
     return new (std::nothrow) RE_Results(&info, info.matchStart, matchLength, true);
 }
 
-// Ends at the subject's end itself, so that a pattern may match the empty text there. A start that leaves fewer units
-// than any match needs is not tried; patterns that call the host are run at every start.
+// Ends at the subject's end itself, so that a pattern may match the empty text there. A start that leaves
+// fewer units than any match needs is not tried; patterns that call the host are run at every start.
 bool RE_Tree::findMatch(RE_Search_Info& info, std::size_t offset, std::size_t& length) const {
     const std::uint64_t needed = facts->hasDynamicNodes ? 0 : facts->minimumLength;
     if (needed > info.subjectLength() - offset) {

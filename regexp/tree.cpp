@@ -30,6 +30,12 @@ RE_Tree::RE_Tree(const std::u16string& pattern, bool flag) {
 
 RE_Tree::RE_Tree(const RE_Builder_Space::RE_Builder& builder, bool flag) : RE_Tree(builder.pattern(), flag) {}
 
+RE_Tree::RE_Tree(const RE_Builder_Space::RE_Builder& builder, RE_Flags flags, RE_Context* context)
+    : interruptible(context->allow_interrupt()) {
+    const std::u16string pattern = builder.pattern();
+    parse(pattern.data(), pattern.size(), flags, context, nullptr, nullptr, true, {});
+}
+
 RE_Tree::RE_Tree(const char* pattern, bool flag) {
     parse(pattern, flag);
 }
@@ -49,12 +55,20 @@ RE_Tree::RE_Tree(const char16_t* pattern, std::size_t length, RE_Flags flags, RE
 
 RE_Tree::RE_Tree(RE_Tree&& other) noexcept
     : root(std::exchange(other.root, nullptr)),
-      tokenCount(other.tokenCount),
-      hasTokenNames(other.hasTokenNames),
+      tokenCount(std::exchange(other.tokenCount, 0)),
+      hasTokenNames(std::exchange(other.hasTokenNames, false)),
       allowEmptyMatch(other.allowEmptyMatch),
       nodeCount(std::exchange(other.nodeCount, 0)),
       interruptible(other.interruptible),
       facts(std::exchange(other.facts, nullptr)) {}
+
+RE_Tree& RE_Tree::operator=(RE_Tree&& other) noexcept {
+    RE_Tree taken(std::move(other));
+    delete std::exchange(facts, nullptr);
+    *this = static_cast<const RE_Tree&>(taken);
+    taken.facts = nullptr;
+    return *this;
+}
 
 RE_Tree::~RE_Tree() {
     delete facts;
@@ -135,7 +149,7 @@ std::string RE_Tree::graph() const {
 }
 
 std::string RE_Tree::graph(const RE_Graph_Attributes& attributes) const {
-    return writeGraph(facts->nodes, root, attributes);
+    return facts != nullptr ? writeGraph(facts->nodes, root, attributes) : "digraph regexp {\n}\n";
 }
 
 std::string RE_Tree::graphAfter(RE_Stage stage, const char16_t* pattern, std::size_t length, RE_Flags flags,

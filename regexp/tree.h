@@ -36,46 +36,55 @@ using RE_Graph_Attributes = std::function<std::string(std::uint64_t nodeId)>;
 /// A compiled pattern. Compiling never fails on syntax: problems are reported through `RE_Context::warn` and degrade
 /// to literal text or to nothing.
 ///
-/// Immutable once constructed; any number of threads may search one tree at the same time, each with a seek table of
-/// its own where it passes one. Offsets and lengths count UTF-16 code units.
+/// Immutable once constructed; any number of threads may search one tree at the same time, each with a seek
+/// table of its own where it passes one. Offsets and lengths count UTF-16 code units.
 ///
 ///     RE_Tree tree(u"a(b+)c", false);
 ///     std::unique_ptr<RE_Results> match(tree.match(u"xxabbc", 6, 0));   // start 2, length 4, token 0 at 3, length 2
 class CORVANE_REGEXP_EXPORT RE_Tree : public RE_Memory {
 public:
-    // The plain constructors let the dot match line feeds, accept no empty match and are never interrupted; `flag`
-    // ignores case.
+    // The plain constructors let the dot match line feeds, accept no empty match and are never interrupted;
+    // `flag` ignores case.
     RE_Tree(const char16_t* pattern, bool flag);
     RE_Tree(const char16_t* pattern, std::size_t length, bool flag);
     RE_Tree(const std::u16string& pattern, bool flag);
     RE_Tree(const RE_Builder_Space::RE_Builder& builder, bool flag);
+    /// Flags beside a builder need a context, as beside a text; alone they would all ignore case.
+    template <class Flags>
+    requires(!std::same_as<Flags, bool>) RE_Tree(const RE_Builder_Space::RE_Builder& builder, Flags flags)
+    = delete;
     /// The pattern is text in the local code page.
     RE_Tree(const char* pattern, bool flag);
     /// The context must outlive the tree.
     RE_Tree(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context);
+    /// The text that the context is told is gone when this returns.
+    RE_Tree(const RE_Builder_Space::RE_Builder& builder, RE_Flags flags, RE_Context* context);
     /// A sub-pattern: its end hands control to `continuationNode`, and unless `last` it makes no tokens.
     RE_Tree(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
             RE_Node* continuationNode, RE_Node* outerNode, bool last);
+    /// The tree that was moved from has no graph and matches nothing.
     RE_Tree(RE_Tree&& other) noexcept;
-    /// Both trees use one graph afterwards; only one of the two may be destroyed. The graph this tree had before is
-    /// not freed, since it may be shared in the same way.
+    /// Frees the graph this tree had before, which must not be shared by a copy that is still in use.
+    RE_Tree& operator=(RE_Tree&& other) noexcept;
+    /// Both trees use one graph afterwards; only one of the two may be destroyed. The graph this tree had
+    /// before is not freed, since it may be shared in the same way.
     RE_Tree& operator=(const RE_Tree& other) = default;
     ~RE_Tree();
 
-    // Searches for the leftmost match at or behind `offset`. The result belongs to the caller (`delete`). Null: no
-    // match, the search was interrupted, or there is no subject. Exceptions: those of allocation.
+    // Searches for the leftmost match at or behind `offset`. The result belongs to the caller (`delete`).
+    // Null: no match, the search was interrupted, or there is no subject. Exceptions: those of allocation.
     RE_Results* match(const std::u16string& subject, std::size_t offset) const;
     RE_Results* match(const char16_t* subject, std::size_t length, std::size_t offset) const;
     /// The table carries answers from one search of a subject to the next.
     RE_Results* match(const char16_t* subject, std::size_t length, std::size_t offset,
                       RE_Seek_Table* table) const;
-    /// Text in the local code page; indexes in the result count the units of its UTF-16 form, and the result has no
-    /// subject pointers.
+    /// Text in the local code page; indexes in the result count the units of its UTF-16 form, and the result
+    /// has no subject pointers.
     RE_Results* match(const char* subject, std::size_t offset) const;
     RE_Results* match(const char* subject) const { return match(subject, 0); }
 
-    // Conveniences over `match`; regexp/find_all.h describes them and has to be included for their use. The text, which
-    // must outlive what they return, cannot be a string that dies with the call.
+    // Conveniences over `match`; regexp/find_all.h describes them and has to be included for their use. The
+    // text, which must outlive what they return, cannot be a string that dies with the call.
     RE_Match_Range find_all(std::u16string_view text, std::size_t offset = 0) const&;
     std::unique_ptr<RE_Results> match_at(std::u16string_view text, std::size_t position) const;
     std::vector<std::u16string_view> split(std::u16string_view text) const;
@@ -90,8 +99,8 @@ public:
     /// Runs the pattern once at exactly `position`, with the caller's state. Refuses no empty match.
     bool match_bool(const char16_t* position, std::size_t* length, RE_Search_Info* info) const;
 
-    /// The distinct names of tokens, in token order. The array belongs to the caller (`utFree`), the names to the
-    /// tree. Null when there are none.
+    /// The distinct names of tokens, in token order. The array belongs to the caller (`utFree`), the names to
+    /// the tree. Null when there are none.
     const char16_t** treeNames(std::size_t* count) const;
 
     // The node graph as text for graph-drawing programs (DOT). docs/seeing-inside.md shows and explains one.

@@ -44,6 +44,7 @@ TEST(PageExamples, AreBuiltAsTheyStandAndPrintWhatThePageSays) {
     expectBuiltAsItStands("README.md", "find_all");
     expectBuiltAsItStands("docs/builder.md", "builder");
     expectBuiltAsItStands("docs/seeing-inside.md", "seeing_inside");
+    expectBuiltAsItStands("docs/replacement.md", "replace");
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
-// `cvregexp match`: every match of a pattern in whole files, which the pattern sees as one text, not as lines.
+// `cvregexp match`: every match of a pattern in whole files, which the pattern sees as one text, not as
+// lines.
 #include "tools/command.h"
 #include "tools/compiled_pattern.h"
 #include "tools/exit_status.h"

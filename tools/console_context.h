@@ -1,4 +1,5 @@
-// The engine's view of the program: collects warnings, lets searches be interrupted; evaluates nothing by itself.
+// The engine's view of the program: collects warnings, lets searches be interrupted; evaluates nothing by
+// itself.
 #pragma once
 
 #include "regexp/regexp.h"

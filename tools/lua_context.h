@@ -13,7 +13,8 @@
 
 namespace tool {
 
-// Of a pattern or a replacement. Warnings of texts that are compiled while a search runs are printed, each once.
+// Of a pattern or a replacement. Warnings of texts that are compiled while a search runs are printed, each
+// once.
 class LuaContext : public ConsoleContext {
 public:
     LuaContext(const Corvane::regexp::CompileOptions& compile, LuaState& state, bool nilAllowed)

@@ -1,8 +1,8 @@
 // A Lua interpreter without the parts of its library that reach outside of it.
 //
-// Everything that can fail inside Lua runs in protected calls, so no error of a script, nor a lack of memory, takes
-// the program down; and a hook that is called every thousand instructions ends scripts when the user interrupts.
-// Code of the library itself (a long `string.find`, say) runs to its end first.
+// Everything that can fail inside Lua runs in protected calls, so no error of a script, nor a lack of memory,
+// takes the program down; and a hook that is called every thousand instructions ends scripts when the user
+// interrupts. Code of the library itself (a long `string.find`, say) runs to its end first.
 #pragma once
 
 #include <lua.hpp>
@@ -28,12 +28,13 @@ public:
 
     void run(std::string_view code, const std::string& name);
 
-    // A function of these parameters, separated by commas. The body is an expression, whose value is returned, or
-    // else statements.
+    // A function of these parameters, separated by commas. The body is an expression, whose value is
+    // returned, or else statements.
     int compile(std::string_view parameters, std::string_view body);
     void forget(int function) noexcept;
 
-    // A value that a script gave. Text is what strings and numbers have; `type` is the name of the value's type.
+    // A value that a script gave. Text is what strings and numbers have; `type` is the name of the value's
+    // type.
     struct Value {
         bool truth;
         bool hasText;

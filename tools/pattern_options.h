@@ -1,4 +1,5 @@
-// The options that say which pattern is meant and in which modes; every command that takes a pattern has them.
+// The options that say which pattern is meant and in which modes; every command that takes a pattern has
+// them.
 #pragma once
 
 #include "tools/arguments.h"

@@ -16,6 +16,7 @@ namespace tool {
 namespace {
 
 constexpr std::string_view margin = "    ";
+constexpr std::size_t mostShown = 20;
 
 bool isCombining(UChar32 character) {
     return (U_GET_GC_MASK(character) & (U_GC_MN_MASK | U_GC_ME_MASK | U_GC_CF_MASK)) != 0;
@@ -132,9 +133,13 @@ std::string describeWarning(std::u16string_view pattern, const PatternWarning& w
     return text;
 }
 
-void printWarnings(std::u16string_view pattern, const std::vector<PatternWarning>& warnings) {
-    for (const PatternWarning& warning : warnings)
-        std::cerr << "cvregexp: " << describeWarning(pattern, warning);
+void printWarnings(std::u16string_view pattern, const std::vector<PatternWarning>& warnings,
+                   std::string_view subject) {
+    std::string heading = "cvregexp: ";
+    if (!subject.empty()) heading.append(subject).append(": ");
+    const std::size_t shown = std::min(warnings.size(), mostShown);
+    for (std::size_t i = 0; i != shown; ++i) std::cerr << heading << describeWarning(pattern, warnings[i]);
+    if (shown != warnings.size()) std::cerr << heading << warnings.size() - shown << " more warnings\n";
 }
 
 }  // namespace tool

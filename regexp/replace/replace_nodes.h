@@ -1,6 +1,7 @@
 // The links of a compiled replacement: literal text and references, in turn.
 //
-// A chain starts with literal text, possibly empty, and has one behind each reference. It is owned from its head.
+// A chain starts with literal text, possibly empty, and has one behind each reference. It is owned from its
+// head.
 #pragma once
 
 #include "regexp/replace/replaceable.h"
@@ -31,7 +32,8 @@ public:
     virtual void register_token(RE_Evaluation_Tokens* tokens) const;
     /// Adds what the node is in the text of a host function: its literal text or the name of its variable.
     virtual void append_fcn_text(RE_Evaluation_IO* text, const RE_Evaluation_Tokens* tokens) const;
-    /// Inserts this node's own piece at `*length`, which grows by it. Takes the buffer over as `build_replace` does.
+    /// Inserts this node's own piece at `*length`, which grows by it. Takes the buffer over as
+    /// `build_replace` does.
     virtual char16_t* build_piece(char16_t* buffer, std::size_t* length, std::size_t* capacity,
                                   RE_Results* results) const = 0;
     /// Appends the node in the graph language, under this number.
@@ -41,8 +43,8 @@ public:
 
 protected:
     RE_Replace_Node() = default;
-    /// Makes this the next node of `previous`, which may be null. The last step of every constructor, so that a
-    /// chain never holds a node that was not finished.
+    /// Makes this the next node of `previous`, which may be null. The last step of every constructor, so that
+    /// a chain never holds a node that was not finished.
     void attach(RE_Replace_Node* previous) noexcept;
 
 private:

@@ -24,6 +24,7 @@ public:
 
     /// The text after the replacement. When the host asks to stop, what was written up to then. Called once.
     std::u16string run();
+    std::size_t matchesMet() const { return matchCount; }
 
 private:
     /// The buffer in which the text for a match is built, kept from match to match.
