@@ -1,6 +1,7 @@
 # The two shared libraries: the engine and the default host that it runs on.
 
 find_package(Boost 1.74 REQUIRED COMPONENTS program_options)
+find_package(hwy REQUIRED)
 
 set(corvane_includes
     $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
@@ -25,13 +26,13 @@ add_library(corvane_regexp_objects OBJECT ${regexp_sources})
 corvane_compile_rules(corvane_regexp_objects)
 corvane_precompile(corvane_regexp_objects)
 target_include_directories(corvane_regexp_objects PUBLIC ${PROJECT_SOURCE_DIR})
-target_link_libraries(corvane_regexp_objects PUBLIC Boost::headers Boost::program_options)
+target_link_libraries(corvane_regexp_objects PUBLIC Boost::headers Boost::program_options hwy::hwy)
 
 add_library(corvane_regexp SHARED $<TARGET_OBJECTS:corvane_regexp_objects>)
 add_library(corvane::regexp ALIAS corvane_regexp)
 corvane_compile_rules(corvane_regexp)
 target_include_directories(corvane_regexp PUBLIC ${corvane_includes})
-target_link_libraries(corvane_regexp PUBLIC Boost::headers Boost::program_options)
+target_link_libraries(corvane_regexp PUBLIC Boost::headers Boost::program_options PRIVATE hwy::hwy)
 set_target_properties(corvane_regexp PROPERTIES
     LINKER_LANGUAGE CXX
     EXPORT_NAME regexp VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})

@@ -11,4 +11,6 @@ int main() {
         const std::string ascii(token.begin(), token.end());
         std::printf("[%zu,%zu] $1 %s\n", match.matchStart, match.matchLength, ascii.c_str());
     }
+    const std::u16string changed = RE_Replace(u"<$1>").replace(text, tree, false, 0);  // 0: every match
+    std::printf("%s\n", std::string(changed.begin(), changed.end()).c_str());
 }

@@ -2,6 +2,8 @@
 
 #include "regexp/search_info.h"
 
+#include <new>
+
 namespace {
 
 // A text of no length may come without data, which is no subject to the engine.
@@ -58,11 +60,14 @@ RE_Match_Range RE_Tree::find_all(std::u16string_view text, std::size_t offset,
 }
 
 std::unique_ptr<RE_Results> RE_Tree::match_at(std::u16string_view text, std::size_t position) const {
-    if (position > text.size()) {
+    if (position > text.size() || root == nullptr) {
         return nullptr;
     }
     RE_Seek_Table table;
     RE_Search_Info info(dataOf(text), text.size(), tokenCount, &table, interruptible);
+    if (info.tokens == nullptr) {
+        throw std::bad_alloc();
+    }
     info.prepare(*facts);
     info.rejectEmpty = !allowEmptyMatch;
     std::size_t length = 0;
@@ -99,8 +104,8 @@ std::u16string_view reTokenText(const RE_Results& match, std::size_t index) {
 std::u16string_view reTokenText(const RE_Results& match, std::u16string_view name) {
     const std::size_t count = match.tokens != nullptr ? match.tokens->count : 0;
     for (std::size_t index = 0; index < count; ++index) {
-        const char16_t* const tokenName = match.tokens->get(index)->name;
-        if (tokenName != nullptr && name == tokenName) {
+        const RE_TokenInfo* const token = match.tokens->get(index);
+        if (token != nullptr && token->name != nullptr && name == token->name) {
             return reTokenText(match, index);
         }
     }

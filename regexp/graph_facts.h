@@ -1,13 +1,17 @@
 // Facts about a whole compiled graph that a search needs before it visits the first node.
 #pragma once
 
+#include "regexp/inspect/profile.h"
 #include "regexp/memo.h"
 #include "regexp/memory.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <memory>
 #include <vector>
+
+class RE_Consume;
 
 /// Made by the parser, owned by the compiled pattern, read-only during searches. Owns the nodes once they are handed
 /// over.
@@ -24,12 +28,19 @@ struct CORVANE_REGEXP_EXPORT RE_Graph_Facts : public RE_Memory {
         0;  ///< nodes that take part in the memo; their indexes are the first row numbers
     std::uint64_t minimumLength = 0;  ///< least number of units of a match
     std::uint64_t bytes = 0;          ///< of the host's memory, held by nodes and facts
-    bool hasDynamicNodes = false;
+    bool hasDynamicNodes = false;     ///< matching may call the host
+    /// The endless loop over one unit with which every match begins, or null. Where an attempt failed, it fails from the
+    /// other positions of the same run as well: it was tried there as a shorter or longer run.
+    const RE_Consume* leadingLoop = nullptr;
     /// Slots whose text a backreference or condition may ask for, ascending.
     std::vector<std::size_t, RE_Allocator<std::size_t>> referencedTokens;
     /// Storage of the memo scopes; a deque, so that the links between them stay valid.
     std::deque<RE_Memo_Scope, RE_Allocator<RE_Memo_Scope>> memoScopes;
 
+    std::shared_ptr<RE_Profiler> profiler;  ///< of patterns compiled for profiling; else null
+
     /// A state that failed from one start position also fails from later ones.
     bool memoOutlivesStarts() const { return referencedTokens.empty() && !hasDynamicNodes; }
+    /// The first memo row that no node has for itself. The nodes of dynamic texts get theirs as they come.
+    std::uint32_t firstCombinedRow() const { return hasDynamicNodes ? std::uint32_t{1} << 31 : memoRows; }
 };

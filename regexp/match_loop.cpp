@@ -1,5 +1,6 @@
 #include "regexp/match_loop.h"
 
+#include "regexp/inspect/loop_watch.h"
 #include "regexp/nodes/node.h"
 #include "regexp/search_info.h"
 
@@ -14,16 +15,30 @@ const RE_Node* afterFailure(const RE_Node* node, RE_Search_Info& info) {
     return node->failNode();
 }
 
+template <class Watch>
+const RE_Node* endBody(RE_Search_Info& info, bool completed, std::size_t& pos, Watch& watch) {
+    const RE_Node* const owner = info.bodies.back().node;
+    watch.begin(pos);
+    const RE_Node* const following = owner->bodyEnded(completed, pos, info);
+    watch.bodyEnded(owner, pos, completed);
+    return following;
+}
+
 /// Takes up the most recent choice of the innermost body, or ends that body. Null when the whole run has failed.
-const RE_Node* backtrack(RE_Search_Info& info, std::size_t& pos, std::size_t floor) {
+template <class Watch>
+const RE_Node* backtrack(RE_Search_Info& info, std::size_t& pos, std::size_t floor, Watch& watch) {
     for (;;) {
         const RE_Node* node = nullptr;
+        watch.begin(pos);
         if (const RE_Backtrack_Record* record = info.popChoice()) {
-            node = record->node->resume(*record, pos, info);
-        } else if (info.wasInterrupted() || info.bodies.size() == floor) {
+            const RE_Node* const chooser = record->node;
+            watch.popped();
+            node = chooser->resume(*record, pos, info);
+            watch.resumed(chooser, pos);
+        } else if (watch.popped(); info.wasInterrupted() || info.bodies.size() == floor) {
             return nullptr;
         } else {
-            node = info.bodies.back().node->bodyEnded(false, pos, info);
+            node = endBody(info, false, pos, watch);
         }
         if (node != nullptr) {
             return node;
@@ -31,26 +46,37 @@ const RE_Node* backtrack(RE_Search_Info& info, std::size_t& pos, std::size_t flo
     }
 }
 
-}  // namespace
-
-bool runMatchLoop(RE_Search_Info& info, const RE_Node* node, std::size_t& pos) {
+template <class Watch>
+bool run(RE_Search_Info& info, const RE_Node* node, std::size_t& pos, Watch watch) {
     const std::size_t floor = info.bodies.size();
     const char16_t* const subject = info.subjectBegin;
     while (node != nullptr && info.takeStep()) {
         const RE_Node* following = nullptr;
-        if (!node->match(subject, pos, info)) {
+        watch.begin(pos);
+        const bool matched = node->match(subject, pos, info);
+        watch.stepped(node, pos, matched);
+        if (!matched) {
             following = afterFailure(node, info);
         } else if (!node->isEnd()) {
             following = node->next();
+        } else if (const RE_Node* text = node->includedText(info)) {
+            following = text;
         } else if (info.bodies.size() == floor) {
             return true;
         } else {
-            following = info.bodies.back().node->bodyEnded(true, pos, info);
+            following = endBody(info, true, pos, watch);
         }
-        node = following != nullptr ? following : backtrack(info, pos, floor);
+        node = following != nullptr ? following : backtrack(info, pos, floor, watch);
     }
     while (info.bodies.size() > floor) {
         info.closeBody(false);
     }
     return false;
+}
+
+}  // namespace
+
+bool runMatchLoop(RE_Search_Info& info, const RE_Node* node, std::size_t& pos) {
+    return info.observer == nullptr ? run(info, node, pos, RE_No_Watch(info))
+                                    : run(info, node, pos, RE_Loop_Watch(info));
 }

@@ -42,6 +42,9 @@ RE_Results* RE_Match_Sequence::find(std::size_t offset) {
 }
 
 RE_Results* RE_Match_Sequence::search(std::size_t offset) {
+    if (tree.root == nullptr) {
+        return nullptr;
+    }
     if (view) {
         info.searchBehind(view->matchStart + view->matchLength);
     } else {

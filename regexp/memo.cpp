@@ -164,6 +164,11 @@ std::uint32_t RE_Memo_Rows::row(const Key& key) {
     return place->second;
 }
 
+void RE_Memo_Rows::clear() {
+    rows.clear();
+    next = first;
+}
+
 std::size_t RE_Memo_Rows::Hash::operator()(const Key& key) const {
     std::uint64_t hash = key.size();
     for (const std::size_t word : key) {

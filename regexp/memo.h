@@ -14,6 +14,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <memory_resource>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -86,19 +87,20 @@ private:
 /// Gives each distinct combination of words a number of its own, counted from a first number on.
 class RE_Memo_Rows : public RE_Memory {
 public:
-    using Key = std::vector<std::size_t, RE_Allocator<std::size_t>>;
+    using Key = std::pmr::vector<std::size_t>;
 
-    explicit RE_Memo_Rows(std::uint32_t first) : next(first) {}
+    RE_Memo_Rows(std::uint32_t firstRow, std::pmr::memory_resource* memory)
+        : rows(memory), first(firstRow), next(firstRow) {}
 
     std::uint32_t row(const Key& key);
+    void clear();
 
 private:
     struct Hash {
         std::size_t operator()(const Key& key) const;
     };
 
-    std::unordered_map<Key, std::uint32_t, Hash, std::equal_to<Key>,
-                       RE_Allocator<std::pair<const Key, std::uint32_t>>>
-        rows;
+    std::pmr::unordered_map<Key, std::uint32_t, Hash> rows;
+    std::uint32_t first;
     std::uint32_t next;
 };

@@ -1,6 +1,8 @@
 // Choices of a search: leaving them, refusing those that were tried before, taking them up again.
 #include "regexp/search_info.h"
 
+#include <utility>
+
 bool RE_Search_Info::pushChoice(const RE_Node* node, const char16_t* position, bool newRecord) {
     if (!node->guarded) {
         return pushUnguarded(node, position, newRecord);
@@ -13,24 +15,26 @@ bool RE_Search_Info::pushChoice(const RE_Node* node, const char16_t* position, b
 }
 
 bool RE_Search_Info::firstVisit(const RE_Node* node, const char16_t* position) {
-    return memo == nullptr || memo->insert(*this, node, indexOf(position));
+    return memo == nullptr || memo->insert(*this, node, indexOf(position)) || refuse();
 }
 
 const char16_t* RE_Search_Info::lastUntried(const RE_Node* node, const char16_t* first,
-                                            const char16_t* last) const {
+                                            const char16_t* last) {
     if (memo == nullptr) {
         return last;
     }
     const std::size_t found = memo->lastUntried(*this, node, indexOf(first), indexOf(last));
+    refusals += found == indexOf(last) ? 0 : 1;
     return found == RE_Memo_Table::nowhere ? nullptr : subjectBegin + found;
 }
 
 const char16_t* RE_Search_Info::firstUntried(const RE_Node* node, const char16_t* first,
-                                             const char16_t* last) const {
+                                             const char16_t* last) {
     if (memo == nullptr) {
         return first;
     }
     const std::size_t found = memo->firstUntried(*this, node, indexOf(first), indexOf(last));
+    refusals += found == indexOf(first) ? 0 : 1;
     return found == RE_Memo_Table::nowhere ? nullptr : subjectBegin + found;
 }
 
@@ -51,7 +55,7 @@ RE_Backtrack_Record* RE_Search_Info::popChoice() {
             return nullptr;
         }
         if (memo == nullptr && --memoCountdown == 0 && facts != nullptr) {
-            memo = std::make_unique<RE_Search_Memo>(facts->memoRows);
+            beginMemo();
         }
         RE_Backtrack_Record* record = &backtrack.records[slot];
         undoTo(backtrack.marks[slot].trailHeight);
@@ -69,6 +73,13 @@ RE_Backtrack_Record* RE_Search_Info::popChoice() {
     return nullptr;
 }
 
+void RE_Search_Info::beginMemo() {
+    memo = std::move(idleMemo);
+    if (memo == nullptr) {
+        memo = std::make_unique<RE_Search_Memo>(facts->firstCombinedRow());
+    }
+}
+
 std::size_t RE_Search_Info::poppedWord() const {
     return backtrack.marks[static_cast<std::size_t>(backtrack.top + 1)].word;
 }
@@ -81,6 +92,7 @@ void RE_Search_Info::clearBacktrack() {
     scopes = 0;
     backtrack.top = -1;
     backtrack.base = 0;
+    included.trim(*this);
 }
 
 // --- nodes put together by hand ---
@@ -95,11 +107,11 @@ bool RE_Search_Info::pushUnguarded(const RE_Node* node, const char16_t* position
             visited.resize(count + 1);
         }
         if (!visited[count].insert({node, position}).second) {
-            return false;
+            return refuse();
         }
     }
     if (isDuplicate(node, position)) {
-        return false;
+        return refuse();
     }
     if (newRecord) {
         pushRecord(node, position, 0);

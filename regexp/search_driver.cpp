@@ -3,9 +3,10 @@
 
 #include "host/code_page.h"
 #include "regexp/graph_facts.h"
+#include "regexp/inspect/observer.h"
 #include "regexp/match_loop.h"
 #include "regexp/match_sequence.h"
-#include "regexp/nodes/node.h"
+#include "regexp/nodes/consume.h"
 #include "regexp/search_info.h"
 
 #include <new>
@@ -53,7 +54,17 @@ RE_Results* RE_Tree::match(const char16_t* subject, std::size_t length, std::siz
     return match;
 }
 
+RE_Results* RE_Tree::trace(const char16_t* subject, std::size_t length, std::size_t offset,
+                           RE_Observer& observer) const {
+    RE_Seek_Table table;
+    return searchFrom(subject, length, offset, &table, &observer);
+}
+
 bool RE_Tree::match_bool(const char16_t* position, std::size_t* length, RE_Search_Info* info) const {
+    *length = 0;
+    if (root == nullptr) {
+        return false;
+    }
     info->prepare(*facts);
     RE_Search_Scope scope(*info);  // choices that the state holds from before are not this run's
     const bool completed = runNodes(position, root, length, *info);
@@ -72,13 +83,14 @@ bool RE_Tree::runNodes(const char16_t* position, const RE_Node* startNode, std::
 }
 
 RE_Results* RE_Tree::searchFrom(const char16_t* subject, std::size_t length, std::size_t offset,
-                                RE_Seek_Table* table) const {
-    if (subject == nullptr || offset > length) {
+                                RE_Seek_Table* table, RE_Observer* observer) const {
+    if (subject == nullptr || offset > length || root == nullptr) {
         return nullptr;
     }
     RE_Search_Info info(subject, length, tokenCount, table, interruptible);
     info.prepare(*facts);
     info.rejectEmpty = !allowEmptyMatch;
+    info.observer = observer;
     std::size_t matchLength = 0;
     if (!findMatch(info, offset, matchLength) || info.pollInterrupt()) {
         return nullptr;
@@ -86,8 +98,8 @@ RE_Results* RE_Tree::searchFrom(const char16_t* subject, std::size_t length, std
     return new (std::nothrow) RE_Results(&info, info.matchStart, matchLength, true);
 }
 
-// Ends at the subject's end itself, so that a pattern may match the empty text there. A start that leaves fewer units
-// than any match needs is not tried; patterns that call the host are run at every start.
+// Ends at the subject's end itself, so that a pattern may match the empty text there. A start that leaves
+// fewer units than any match needs is not tried; patterns that call the host are run at every start.
 bool RE_Tree::findMatch(RE_Search_Info& info, std::size_t offset, std::size_t& length) const {
     const std::uint64_t needed = facts->hasDynamicNodes ? 0 : facts->minimumLength;
     if (needed > info.subjectLength() - offset) {
@@ -97,7 +109,9 @@ bool RE_Tree::findMatch(RE_Search_Info& info, std::size_t offset, std::size_t& l
     const bool seeks = root->canSeek(false);
     for (const char16_t* p = info.subjectBegin + offset; p <= last; ++p) {
         if (seeks) {
+            const char16_t* const from = p;
             p = root->seek(p, info);
+            tellSeek(info, root, from, p);
             if (p == nullptr || p > last) {
                 return false;
             }
@@ -108,11 +122,18 @@ bool RE_Tree::findMatch(RE_Search_Info& info, std::size_t offset, std::size_t& l
         if (info.wasInterrupted() || info.pollInterrupt()) {
             return false;
         }
+        if (facts->leadingLoop != nullptr) {
+            p = facts->leadingLoop->wholeRunEnd(p, info);
+        }
     }
     return false;
 }
 
 bool RE_Tree::attempt(RE_Search_Info& info, const char16_t* p, std::size_t& length) const {
     info.resetForStart(p);
-    return runNodes(p, root, &length, info) && isValidMatchLength(length);
+    tellStart(info, p);
+    const bool matched =
+        runNodes(p, root, &length, info) && !info.wasInterrupted() && isValidMatchLength(length);
+    tellFinish(info, p, matched ? length : 0, matched);
+    return matched;
 }

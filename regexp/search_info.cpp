@@ -2,6 +2,10 @@
 #include "regexp/search_info.h"
 
 #include "host/interrupt.h"
+#include "regexp/tree.h"
+
+#include <algorithm>
+#include <utility>
 
 RE_Search_Info::RE_Search_Info(const char16_t* subject, std::size_t length, std::size_t tokenCount,
                                RE_Seek_Table* table, bool pollInterrupts)
@@ -36,8 +40,8 @@ void RE_Search_Info::handInterruptBack() {
     interruptWasPending = false;
 }
 
-// The memo stays begun once one of the searches has needed it, so that all of them together cost at most as many
-// choices without a memo as a single one.
+// Where failures outlive a start the memo goes on: all searches together cost what one would. Elsewhere it would begin
+// empty at every start, so it waits until a search needs it.
 void RE_Search_Info::searchBehind(std::size_t end) {
     steps = 1;
     stopped = RE_Search_Outcome::noMatch;
@@ -48,13 +52,22 @@ void RE_Search_Info::searchBehind(std::size_t end) {
         memo->searchFrom(end);
     } else {
         memo->forgetStates();
+        idleMemo = std::move(memo);
+        memoCountdown = subjectLength() * RE_Memo_Delay::perUnit + RE_Memo_Delay::choices + 1;
     }
 }
 
 void RE_Search_Info::prepare(const RE_Graph_Facts& graphFacts) {
     facts = &graphFacts;
+    profile.reset();
+    if (graphFacts.profiler != nullptr) {
+        profile = std::make_unique<RE_Profile_Sheet>(graphFacts.profiler);
+    }
     // A run that succeeded leaves states in the memo that have not failed.
     memo.reset();
+    idleMemo.reset();
+    runs.clear();
+    barren.clear();
     memoCountdown = subjectLength() * RE_Memo_Delay::perUnit + RE_Memo_Delay::choices + 1;
     const std::size_t needed = graphFacts.tokenCount + graphFacts.passRegisters;
     if (registers.size() < needed) {
@@ -65,6 +78,7 @@ void RE_Search_Info::prepare(const RE_Graph_Facts& graphFacts) {
 void RE_Search_Info::resetForStart(const char16_t* p) {
     matchStart = p;
     redirected = false;
+    refusedTexts = 0;
     if (tokens != nullptr) {
         tokens->reset();
     }
@@ -80,6 +94,37 @@ void RE_Search_Info::resetForStart(const char16_t* p) {
     }
 }
 
+void RE_Search_Info::noteRun(const RE_Node* node, RE_Measured_Run run) {
+    if (runs.size() <= node->memoIndex) {
+        runs.resize(node->memoIndex + std::size_t{1});
+    }
+    runs[node->memoIndex] = run;
+}
+
+// Short stretches are cheap to look through.
+const char16_t* RE_Search_Info::lastStartOf(const RE_Node* next, const RE_Node* owner, const char16_t* first,
+                                            const char16_t* last) {
+    static constexpr std::size_t shortStretch = 64;
+    const auto length = static_cast<std::size_t>(last - first);
+    if (length < shortStretch) {
+        return next->rSeek(first, length, *this);
+    }
+    if (barren.size() <= owner->memoIndex) {
+        barren.resize(owner->memoIndex + std::size_t{1});
+    }
+    RE_Measured_Run& known = barren[owner->memoIndex];
+    const bool overlaps = known.holds(first);
+    if (overlaps && last <= known.end) {
+        return nullptr;
+    }
+    const char16_t* const from = overlaps ? known.end + 1 : first;
+    const char16_t* const found = next->rSeek(from, static_cast<std::size_t>(last - from), *this);
+    if (found == nullptr && !wasInterrupted()) {
+        known = {overlaps ? known.begin : first, last};
+    }
+    return found;
+}
+
 bool RE_Search_Info::pollInterrupt() {
     if (steps % 2048 == 0 && pollScan()) {
         return true;
@@ -91,9 +136,8 @@ bool RE_Search_Info::pollInterrupt() {
 bool RE_Search_Info::pollScan() {
     if (checkInterrupts && utInterruptState::IsInterruptPending()) {
         stopped = RE_Search_Outcome::interrupted;
-        return true;
     }
-    return false;
+    return wasInterrupted();
 }
 
 bool RE_Search_Info::passCheckpoint() {
@@ -263,6 +307,46 @@ void RE_Search_Info::closeBody(bool keepTokens) {
     bodies.pop_back();
 }
 
+namespace {
+
+/// How often one attempt may come to the limit of nesting.
+constexpr std::uint32_t maximumRefusedTexts = 1000;
+
+}  // namespace
+
+RE_Sub_Pattern_Place RE_Search_Info::placeOfText() {
+    included.trim(*this);
+    const RE_Sub_Pattern_Place first = facts == nullptr
+                                           ? RE_Sub_Pattern_Place{}
+                                           : RE_Sub_Pattern_Place{facts->memoRows, facts->passRegisters};
+    return included.nextPlace(first);
+}
+
+void RE_Search_Info::include(std::unique_ptr<RE_Tree> text, const RE_Node* node, std::size_t pos) {
+    const std::uint32_t firstRow = placeOfText().memoRow;
+    pushRecord(node, subjectBegin + pos, 0);
+    included.add(std::move(text), backtrack.top);
+    const std::size_t needed = (facts == nullptr ? 0 : facts->tokenCount) + placeOfText().passRegister;
+    if (registers.size() < needed) {
+        registers.resize(needed, noPass);
+    }
+    runs.resize(std::min<std::size_t>(runs.size(), firstRow));
+    barren.resize(std::min<std::size_t>(barren.size(), firstRow));
+}
+
+void RE_Search_Info::refuseText() {
+    if (++refusedTexts > maximumRefusedTexts) {
+        stopped = RE_Search_Outcome::stepsSpent;
+        pollSoon();
+    }
+}
+
+void RE_Search_Info::hostWasCalled() {
+    if (memo != nullptr) {
+        memo->forgetStates();
+    }
+}
+
 RE_Search_Scope::RE_Search_Scope(RE_Search_Info& search)
     : info(&search),
       savedBase(search.backtrack.base),
@@ -280,6 +364,7 @@ void RE_Search_Scope::leave() {
     info->requiredEnd = savedRequiredEnd;
     info->seekTable = savedSeekTable;
     --info->scopes;
+    info->included.trim(*info);
 }
 
 void RE_Search_Scope::undoWrites() {

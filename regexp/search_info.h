@@ -7,6 +7,8 @@
 
 #include "regexp/backtrack_stack.h"
 #include "regexp/graph_facts.h"
+#include "regexp/included_texts.h"
+#include "regexp/inspect/profile.h"
 #include "regexp/memory.h"
 #include "regexp/nodes/node.h"
 #include "regexp/search_limits.h"
@@ -23,8 +25,17 @@
 #include <utility>
 #include <vector>
 
+class RE_Observer;
 class RE_Seek_Table;
 class RE_Search_Info;
+
+/// A run of units that was measured up to the unit that ends it: it ends there from each of its positions.
+struct RE_Measured_Run {
+    const char16_t* begin = nullptr;
+    const char16_t* end = nullptr;
+
+    bool holds(const char16_t* p) const { return begin != nullptr && begin <= p && p <= end; }
+};
 
 /// Opens a sub-search: choices made before it are out of reach of pops until `leave()`, which drops every record the
 /// sub-search left. What the sub-search wrote to tokens stays on the undo trail.
@@ -115,13 +126,19 @@ public:
     /// has not begun.
     bool firstVisit(const RE_Node* node, const char16_t* position);
     /// The last position in [first, last] at which `firstVisit` may still hold, or null.
-    const char16_t* lastUntried(const RE_Node* node, const char16_t* first, const char16_t* last) const;
-    const char16_t* firstUntried(const RE_Node* node, const char16_t* first, const char16_t* last) const;
+    const char16_t* lastUntried(const RE_Node* node, const char16_t* first, const char16_t* last);
+    const char16_t* firstUntried(const RE_Node* node, const char16_t* first, const char16_t* last);
 
-    /// Where a node keeps the run it measured last; null while the memo has not begun.
-    RE_Measured_Run* measuredRun(const RE_Node* node) const {
-        return memo != nullptr ? &memo->run(node) : nullptr;
+    /// The run that a node measured last, or null.
+    const RE_Measured_Run* measuredRun(const RE_Node* node) const {
+        return node->memoIndex < runs.size() ? &runs[node->memoIndex] : nullptr;
     }
+    void noteRun(const RE_Node* node, RE_Measured_Run run);
+    /// The last position in [first, last] at which `next` can match, or null. `next` must be able to seek. What was found
+    /// barren on behalf of `owner`, a node with a memo row of its own, is not looked through again; `owner` must always ask
+    /// about the same `next`.
+    const char16_t* lastStartOf(const RE_Node* next, const RE_Node* owner, const char16_t* first,
+                                const char16_t* last);
 
     // --- tokens ---
 
@@ -165,6 +182,24 @@ public:
     void forgetBodyStates();
     /// Closes the innermost body; its token writes are taken back unless `keepTokens`.
     void closeBody(bool keepTokens);
+
+    // --- dynamic texts ---
+
+    /// Where the numbers of a text compiled now begin.
+    RE_Sub_Pattern_Place placeOfText();
+    /// Enters a text compiled for that place on behalf of `node`, which stands at index `pos`.
+    void include(std::unique_ptr<RE_Tree> text, const RE_Node* node, std::size_t pos);
+    /// A text was not included, being nested too deeply. Where that happens again and again in one attempt, the search
+    /// ends without a match: texts that include themselves in two places would keep it busy for ever.
+    void refuseText();
+
+    // --- the host ---
+
+    /// To be called whenever a node has called the host: states that failed before may not fail now, and must not be
+    /// passed over without the calls that they make.
+    void hostWasCalled();
+    /// Makes the next step ask whether to stop.
+    void pollSoon() { steps = 0; }
 
     // --- positions ---
 
@@ -211,6 +246,11 @@ public:
     bool redirected = false;
     const RE_Node* redirection = nullptr;
     boost::container::small_vector<RE_Body_Frame, 2, RE_Allocator<RE_Body_Frame>> bodies;
+    RE_Included_Texts included;
+
+    RE_Observer* observer = nullptr;            ///< told of every step; not owned
+    std::unique_ptr<RE_Profile_Sheet> profile;  ///< the counts of a pattern that was compiled for profiling
+    std::uint64_t refusals = 0;  ///< times a state was turned away because it had been tried before
 
 private:
     friend class RE_Search_Scope;
@@ -223,6 +263,11 @@ private:
     };
 
     bool passCheckpoint();
+    void beginMemo();
+    bool refuse() {
+        ++refusals;
+        return false;
+    }
     std::size_t& topCount(const RE_Node* counter);
     bool writesAreTrailed() const { return backtrack.top >= 0 || scopes > 0; }
     void setRegister(std::size_t index, std::size_t value);
@@ -236,10 +281,14 @@ private:
     const RE_Graph_Facts* facts = nullptr;
     boost::container::small_vector<std::size_t, 12, RE_Allocator<std::size_t>> registers;
     std::vector<Trail_Entry, RE_Allocator<Trail_Entry>> trail;
+    std::vector<RE_Measured_Run, RE_Allocator<RE_Measured_Run>> runs;
+    std::vector<RE_Measured_Run, RE_Allocator<RE_Measured_Run>> barren;  ///< both ends included
     std::int32_t scopes = 0;
     RE_Search_Outcome stopped = RE_Search_Outcome::noMatch;
+    std::uint32_t refusedTexts = 0;  ///< in the current attempt
 
     /// The memo begins once this many choices have been taken up again: most searches never pay for it.
     std::uint64_t memoCountdown;
     std::unique_ptr<RE_Search_Memo> memo;
+    std::unique_ptr<RE_Search_Memo> idleMemo;  ///< empty; for a later search that needs one
 };

@@ -83,13 +83,6 @@ std::size_t RE_Search_Memo::firstUntried(const RE_Search_Info& info, const RE_No
     return found;
 }
 
-RE_Measured_Run& RE_Search_Memo::run(const RE_Node* node) {
-    if (runs.size() <= node->memoIndex) {
-        runs.resize(node->memoIndex + std::size_t{1});
-    }
-    return runs[node->memoIndex];
-}
-
 void RE_Search_Memo::clear(std::size_t level) {
     if (level < tables.size()) {
         tables[level].clear();
@@ -106,6 +99,9 @@ void RE_Search_Memo::forgetStates() {
     for (RE_Memo_Table& states : tables) {
         states.clear();
     }
+    rows.clear();
+    placeNumbers.clear();
+    textNumbers.clear();
 }
 
 // Most nodes stand in no counted loop and no loop with empty passes, and nothing refers to a token: their own number

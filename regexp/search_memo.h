@@ -14,6 +14,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <memory_resource>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
@@ -22,14 +23,6 @@
 class RE_Node;
 class RE_Search_Info;
 struct RE_TokenInfo;
-
-/// A run of units that was measured up to the unit that ends it: it ends there from each of its positions.
-struct RE_Measured_Run {
-    const char16_t* begin = nullptr;
-    const char16_t* end = nullptr;
-
-    bool holds(const char16_t* p) const { return begin != nullptr && begin <= p && p <= end; }
-};
 
 /// When the memo of a search begins: after this many choices were taken up again, plus so many for each unit of the
 /// subject. Most searches end before. Tests set both to 0, before any search, to see the memo at work at once.
@@ -48,7 +41,8 @@ struct RE_Body_Outcome {
 
 class RE_Search_Memo : public RE_Memory {
 public:
-    explicit RE_Search_Memo(std::uint32_t nodeRows) : rows(nodeRows) {}
+    /// Combinations of a node and more get rows from this one on.
+    explicit RE_Search_Memo(std::uint32_t firstCombined) : rows(firstCombined, &pool) {}
 
     /// Records the state in which the search stands at (node, position); false when it was there already.
     bool insert(const RE_Search_Info& info, const RE_Node* node, std::size_t position);
@@ -58,8 +52,6 @@ public:
     /// The first such position.
     std::size_t firstUntried(const RE_Search_Info& info, const RE_Node* node, std::size_t first,
                              std::size_t last);
-    /// The run last measured by this node.
-    RE_Measured_Run& run(const RE_Node* node);
     /// Forgets the states of this level (0 is the pattern itself).
     void clear(std::size_t level);
     /// The outcome noted for a body of `node` entered at `start`.
@@ -80,8 +72,7 @@ private:
         }
     };
     template <class Key, class Hash>
-    using Numbers = std::unordered_map<Key, std::size_t, Hash, std::equal_to<Key>,
-                                       RE_Allocator<std::pair<const Key, std::size_t>>>;
+    using Numbers = std::pmr::unordered_map<Key, std::size_t, Hash>;
 
     RE_Memo_Table& table(const RE_Search_Info& info);
     bool isSetApart(const RE_Search_Info& info, std::size_t position) const;
@@ -93,14 +84,17 @@ private:
     std::size_t tokenState(const RE_Search_Info& info, std::size_t token);
     std::size_t textNumber(const RE_Search_Info& info, Place place);
 
+    // What is forgotten between two searches is taken again from the pool, not from the host.
+    RE_Host_Resource host;
+    std::pmr::unsynchronized_pool_resource pool{&host};
     std::vector<RE_Memo_Table, RE_Allocator<RE_Memo_Table>> tables;
     RE_Memo_Table apart;  // the pattern's own states at the position set apart, met since then
     std::size_t setApart = RE_Memo_Table::nowhere;
-    std::vector<RE_Measured_Run, RE_Allocator<RE_Measured_Run>> runs;
     RE_Memo_Rows rows;
-    RE_Memo_Rows::Key key;                    // scratch, kept for its storage
-    Numbers<Place, Place_Hash> placeNumbers;  // of token texts, by where they stand
-    Numbers<std::u16string_view, std::hash<std::u16string_view>> textNumbers;
-    RE_Memo_Table outcomes;                  // two rows a node: bodies that failed, bodies that completed
-    Numbers<Place, Place_Hash> outcomeEnds;  // (node, start) of completed bodies that consumed something
+    RE_Memo_Rows::Key key{&pool};                    // scratch, kept for its storage
+    Numbers<Place, Place_Hash> placeNumbers{&pool};  // of token texts, by where they stand
+    Numbers<std::u16string_view, std::hash<std::u16string_view>> textNumbers{&pool};
+    RE_Memo_Table outcomes;  // two rows a node: bodies that failed, bodies that completed
+    Numbers<Place, Place_Hash> outcomeEnds{
+        &pool};  // (node, start) of completed bodies that consumed something
 };

@@ -4,7 +4,9 @@
 #include "host/code_page.h"
 #include "host/memory.h"
 #include "host/utf16.h"
+#include "regexp/graph_export.h"
 #include "regexp/graph_facts.h"
+#include "regexp/included_texts.h"
 #include "regexp/nodes/collection.h"
 #include "regexp/nodes/tokens.h"
 #include "regexp/parser/grammar.h"
@@ -28,6 +30,12 @@ RE_Tree::RE_Tree(const std::u16string& pattern, bool flag) {
 
 RE_Tree::RE_Tree(const RE_Builder_Space::RE_Builder& builder, bool flag) : RE_Tree(builder.pattern(), flag) {}
 
+RE_Tree::RE_Tree(const RE_Builder_Space::RE_Builder& builder, RE_Flags flags, RE_Context* context)
+    : interruptible(context->allow_interrupt()) {
+    const std::u16string pattern = builder.pattern();
+    parse(pattern.data(), pattern.size(), flags, context, nullptr, nullptr, true, {});
+}
+
 RE_Tree::RE_Tree(const char* pattern, bool flag) {
     parse(pattern, flag);
 }
@@ -37,18 +45,30 @@ RE_Tree::RE_Tree(const char16_t* pattern, std::size_t length, RE_Flags flags, RE
 
 RE_Tree::RE_Tree(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
                  RE_Node* continuationNode, RE_Node* outerNode, bool last)
+    : RE_Tree(pattern, length, flags, context, continuationNode, outerNode, last, {}) {}
+
+RE_Tree::RE_Tree(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
+                 RE_Node* continuationNode, RE_Node* outerNode, bool last, const RE_Sub_Pattern_Place& place)
     : interruptible(context->allow_interrupt()) {
-    parse(pattern, length, flags, context, continuationNode, outerNode, last);
+    parse(pattern, length, flags, context, continuationNode, outerNode, last, place);
 }
 
 RE_Tree::RE_Tree(RE_Tree&& other) noexcept
     : root(std::exchange(other.root, nullptr)),
-      tokenCount(other.tokenCount),
-      hasTokenNames(other.hasTokenNames),
+      tokenCount(std::exchange(other.tokenCount, 0)),
+      hasTokenNames(std::exchange(other.hasTokenNames, false)),
       allowEmptyMatch(other.allowEmptyMatch),
       nodeCount(std::exchange(other.nodeCount, 0)),
       interruptible(other.interruptible),
       facts(std::exchange(other.facts, nullptr)) {}
+
+RE_Tree& RE_Tree::operator=(RE_Tree&& other) noexcept {
+    RE_Tree taken(std::move(other));
+    delete std::exchange(facts, nullptr);
+    *this = static_cast<const RE_Tree&>(taken);
+    taken.facts = nullptr;
+    return *this;
+}
 
 RE_Tree::~RE_Tree() {
     delete facts;
@@ -57,7 +77,7 @@ RE_Tree::~RE_Tree() {
 void RE_Tree::parse(const char16_t* pattern, std::size_t length, bool flag) {
     RE_Context context;
     const RE_Flags flags = RE_DEFAULT_FLAGS | (flag ? RE_FLAG_IGNORE_CASE : 0);
-    parse(pattern, length, flags, &context, nullptr, nullptr, true);
+    parse(pattern, length, flags, &context, nullptr, nullptr, true, {});
 }
 
 void RE_Tree::parse(const char* pattern, bool flag) {
@@ -66,12 +86,31 @@ void RE_Tree::parse(const char* pattern, bool flag) {
     parse(converted.get(), length, flag);
 }
 
+namespace {
+
+/// Text in, root of the finished graph out. The nodes and what is known of them stay with the parser's context.
+RE_Node* compileGraph(RE_ParserContext& parserContext, const char16_t* pattern, std::size_t length,
+                      RE_Node* continuationNode, bool last, const RE_Stage_Observer& observer = {}) {
+    const RE_Flags flags = parserContext.flags;
+    parserContext.context->set_string(pattern, length);
+    RE_Syntax_Tree syntax = RE_Grammar(parserContext, pattern, length, last).read();
+    parserContext.flags = flags;
+    measureSyntax(syntax, parserContext, pattern);
+    parserContext.facts->tokenCount = syntax.groupCount;
+    parserContext.facts->minimumLength = syntax[RE_Syntax_Tree::root].least;
+    RE_Node* const parsed = RE_Graph_Builder(parserContext, syntax).build(continuationNode);
+    return runPasses(parserContext, parsed, observer);
+}
+
+}  // namespace
+
 void RE_Tree::parse(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
-                    RE_Node* continuationNode, RE_Node* outerNode, bool last) {
+                    RE_Node* continuationNode, RE_Node* outerNode, bool last,
+                    const RE_Sub_Pattern_Place& place) {
     RE_Memory_Account account;
     {
         const RE_Memory_Account::Scope scope(account);
-        compile(pattern, length, flags, context, continuationNode, outerNode, last);
+        compile(pattern, length, flags, context, continuationNode, outerNode, last, place);
     }
     facts->bytes = account.held();  // what compiling itself took has been given back
 }
@@ -81,23 +120,25 @@ std::uint64_t RE_Tree::memoryUse() const {
 }
 
 void RE_Tree::compile(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
-                      RE_Node* continuationNode, RE_Node* outerNode, bool last) {
+                      RE_Node* continuationNode, RE_Node* outerNode, bool last,
+                      const RE_Sub_Pattern_Place& place) {
     RE_ParserContext parserContext(context, outerNode, flags);
-    context->set_string(pattern, length);
+    parserContext.facts->memoRows = place.memoRow;
+    parserContext.facts->passRegisters = place.passRegister;
+    // What follows a sub-pattern may call the host, for all that is known here.
+    parserContext.facts->hasDynamicNodes = continuationNode != nullptr;
     allowEmptyMatch = (flags & RE_FLAG_ALLOW_EMPTY) != 0;
-
-    RE_Syntax_Tree syntax = RE_Grammar(parserContext, pattern, length, last).read();
-    parserContext.flags = flags;
-    measureSyntax(syntax, parserContext, pattern);
-    parserContext.facts->tokenCount = syntax.groupCount;
-    parserContext.facts->minimumLength = syntax[RE_Syntax_Tree::root].least;
-    RE_Node* const parsed = RE_Graph_Builder(parserContext, syntax).build(continuationNode);
-    RE_Node* const finished = runPasses(parserContext, parsed);
+    RE_Node* const finished = compileGraph(parserContext, pattern, length, continuationNode, last);
     finished->computeLengths();
 
-    tokenCount = syntax.groupCount;
+    tokenCount = parserContext.facts->tokenCount;
     hasTokenNames = !parserContext.tokenNames.empty();
     nodeCount = parserContext.handOver(RE_Collection::reachable(finished));
+    if (parserContext.options().profile()) {
+        const std::uint64_t greatestNodeId = parserContext.facts->nodes.back()->nodeId;
+        parserContext.facts->profiler =
+            std::allocate_shared<RE_Profiler>(RE_Allocator<RE_Profiler>(), greatestNodeId);
+    }
     root = finished;
     facts = parserContext.facts.release();
 }
@@ -116,4 +157,24 @@ const char16_t** RE_Tree::treeNames(std::size_t* count) const {
     std::copy(found.inOrder.begin(), found.inOrder.end(), names);
     *count = found.inOrder.size();
     return names;
+}
+
+std::string RE_Tree::graph() const {
+    return graph(RE_Graph_Attributes());
+}
+
+std::string RE_Tree::graph(const RE_Graph_Attributes& attributes) const {
+    return facts != nullptr ? writeGraph(facts->nodes, root, attributes) : "digraph regexp {\n}\n";
+}
+
+std::string RE_Tree::graphAfter(RE_Stage stage, const char16_t* pattern, std::size_t length, RE_Flags flags,
+                                RE_Context* context) {
+    RE_ParserContext parserContext(context, nullptr, flags);
+    std::string text;
+    compileGraph(parserContext, pattern, length, nullptr, true, [&](RE_Stage reached, RE_Node* root) {
+        if (reached <= stage) {
+            text = writeGraph(RE_Collection::reachable(root), root, {});
+        }
+    });
+    return text;
 }

@@ -4,6 +4,7 @@
 #include "regexp/builder/builder.h"
 #include "regexp/eval/context.h"
 #include "regexp/flags.h"
+#include "regexp/inspect/profile.h"
 #include "regexp/memory.h"
 #include "regexp/results.h"
 #include "regexp/search_limits.h"
@@ -12,6 +13,7 @@
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -20,47 +22,65 @@
 class RE_Match_Sequence;
 class RE_Match_Range;
 class RE_Node;
+class RE_Observer;
 class RE_Search_Info;
 struct RE_Graph_Facts;
+struct RE_Sub_Pattern_Place;
+
+/// What a graph becomes while a pattern is compiled, in this order: as it was parsed, without nodes that do nothing,
+/// with units joined, and with loops over one unit taken together and a start finder.
+enum class RE_Stage { parsed, null_nodes, linear, dot_star };
+
+/// Further attributes of a node, by its number, as they stand in the graph language: `color=red`, or nothing.
+using RE_Graph_Attributes = std::function<std::string(std::uint64_t nodeId)>;
 
 /// A compiled pattern. Compiling never fails on syntax: problems are reported through `RE_Context::warn` and degrade
 /// to literal text or to nothing.
 ///
-/// Immutable once constructed; any number of threads may search one tree at the same time, each with a seek table of
-/// its own where it passes one. Offsets and lengths count UTF-16 code units.
+/// Immutable once constructed; any number of threads may search one tree at the same time, each with a seek
+/// table of its own where it passes one. Offsets and lengths count UTF-16 code units.
 ///
 ///     RE_Tree tree(u"a(b+)c", false);
 ///     std::unique_ptr<RE_Results> match(tree.match(u"xxabbc", 6, 0));   // start 2, length 4, token 0 at 3, length 2
 class CORVANE_REGEXP_EXPORT RE_Tree : public RE_Memory {
 public:
-    // The plain constructors let the dot match line feeds, accept no empty match and are never interrupted; `flag`
-    // ignores case.
+    // The plain constructors let the dot match line feeds, accept no empty match and are never interrupted;
+    // `flag` ignores case.
     RE_Tree(const char16_t* pattern, bool flag);
     RE_Tree(const char16_t* pattern, std::size_t length, bool flag);
     RE_Tree(const std::u16string& pattern, bool flag);
     RE_Tree(const RE_Builder_Space::RE_Builder& builder, bool flag);
+    /// Flags beside a builder need a context, as beside a text; alone they would all ignore case.
+    template <class Flags>
+    requires(!std::same_as<Flags, bool>) RE_Tree(const RE_Builder_Space::RE_Builder& builder, Flags flags)
+    = delete;
     /// The pattern is text in the local code page.
     RE_Tree(const char* pattern, bool flag);
     /// The context must outlive the tree.
     RE_Tree(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context);
+    /// The text that the context is told is gone when this returns.
+    RE_Tree(const RE_Builder_Space::RE_Builder& builder, RE_Flags flags, RE_Context* context);
     /// A sub-pattern: its end hands control to `continuationNode`, and unless `last` it makes no tokens.
     RE_Tree(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
             RE_Node* continuationNode, RE_Node* outerNode, bool last);
+    /// The tree that was moved from has no graph and matches nothing.
     RE_Tree(RE_Tree&& other) noexcept;
-    /// Both trees use one graph afterwards; only one of the two may be destroyed. The graph this tree had before is
-    /// not freed, since it may be shared in the same way.
+    /// Frees the graph this tree had before, which must not be shared by a copy that is still in use.
+    RE_Tree& operator=(RE_Tree&& other) noexcept;
+    /// Both trees use one graph afterwards; only one of the two may be destroyed. The graph this tree had
+    /// before is not freed, since it may be shared in the same way.
     RE_Tree& operator=(const RE_Tree& other) = default;
     ~RE_Tree();
 
-    // Searches for the leftmost match at or behind `offset`. The result belongs to the caller (`delete`). Null: no
-    // match, the search was interrupted, or there is no subject. Exceptions: those of allocation.
+    // Searches for the leftmost match at or behind `offset`. The result belongs to the caller (`delete`).
+    // Null: no match, the search was interrupted, or there is no subject. Exceptions: those of allocation.
     RE_Results* match(const std::u16string& subject, std::size_t offset) const;
     RE_Results* match(const char16_t* subject, std::size_t length, std::size_t offset) const;
     /// The table carries answers from one search of a subject to the next.
     RE_Results* match(const char16_t* subject, std::size_t length, std::size_t offset,
                       RE_Seek_Table* table) const;
-    /// Text in the local code page; indexes in the result count the units of its UTF-16 form, and the result has no
-    /// subject pointers.
+    /// Text in the local code page; indexes in the result count the units of its UTF-16 form, and the result
+    /// has no subject pointers.
     RE_Results* match(const char* subject, std::size_t offset) const;
     RE_Results* match(const char* subject) const { return match(subject, 0); }
 
@@ -68,8 +88,8 @@ public:
     RE_Results* match(const char16_t* subject, std::size_t length, std::size_t offset,
                       const RE_Search_Limits& limits, RE_Search_Report& report) const;
 
-    // Conveniences over `match`; regexp/find_all.h describes them and has to be included for their use. The text, which
-    // must outlive what they return, cannot be a string that dies with the call.
+    // Conveniences over `match`; regexp/find_all.h describes them and has to be included for their use. The
+    // text, which must outlive what they return, cannot be a string that dies with the call.
     RE_Match_Range find_all(std::u16string_view text, std::size_t offset = 0) const&;
     /// The limits hold for all the searches together; `RE_Match_Range::report` tells how they ended.
     RE_Match_Range find_all(std::u16string_view text, std::size_t offset,
@@ -92,31 +112,52 @@ public:
     /// Runs the pattern once at exactly `position`, with the caller's state. Refuses no empty match.
     bool match_bool(const char16_t* position, std::size_t* length, RE_Search_Info* info) const;
 
-    /// The distinct names of tokens, in token order. The array belongs to the caller (`utFree`), the names to the
-    /// tree. Null when there are none.
+    /// The distinct names of tokens, in token order. The array belongs to the caller (`utFree`), the names to
+    /// the tree. Null when there are none.
     const char16_t** treeNames(std::size_t* count) const;
 
-    /// The node graph as text for graph-drawing programs.
+    // The node graph as text for graph-drawing programs (DOT). docs/seeing-inside.md shows and explains one.
     std::string graph() const;
+    std::string graph(const RE_Graph_Attributes& attributes) const;
+    /// The graph of a pattern as it is when a stage of its compilation is over. Stages that the compile options switch
+    /// off change nothing.
+    static std::string graphAfter(RE_Stage stage, const char16_t* pattern, std::size_t length, RE_Flags flags,
+                                  RE_Context* context);
+
+    /// Searches like `match` and tells the observer of every step on the way.
+    RE_Results* trace(const char16_t* subject, std::size_t length, std::size_t offset,
+                      RE_Observer& observer) const;
+
+    /// What the nodes did in all searches that are over, from any thread. Counts are kept only by patterns compiled
+    /// with the option `Profile`; without it there are no nodes in the profile.
+    RE_Profile profile() const;
+    void clearProfile() const;
 
     /// Bytes of the host's memory that the compiled pattern holds, of one graph that trees may share.
     std::uint64_t memoryUse() const;
     std::uint64_t getTokenCount() const { return tokenCount; }
     std::uint64_t getNodeCount() const { return nodeCount; }
     const RE_Node* getRoot() const { return root; }
+    const RE_Graph_Facts& getFacts() const { return *facts; }
 
 private:
     friend class RE_Match_Sequence;
+    friend class RE_Dynamic;
+    friend class RE_Included_Texts;
+
+    /// A sub-pattern that is compiled while its search runs.
+    RE_Tree(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
+            RE_Node* continuationNode, RE_Node* outerNode, bool last, const RE_Sub_Pattern_Place& place);
 
     void parse(const char16_t* pattern, std::size_t length, bool flag);
     void parse(const char* pattern, bool flag);
     void parse(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
-               RE_Node* continuationNode, RE_Node* outerNode, bool last);
+               RE_Node* continuationNode, RE_Node* outerNode, bool last, const RE_Sub_Pattern_Place& place);
     void compile(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
-                 RE_Node* continuationNode, RE_Node* outerNode, bool last);
+                 RE_Node* continuationNode, RE_Node* outerNode, bool last, const RE_Sub_Pattern_Place& place);
 
     RE_Results* searchFrom(const char16_t* subject, std::size_t length, std::size_t offset,
-                           RE_Seek_Table* table) const;
+                           RE_Seek_Table* table, RE_Observer* observer = nullptr) const;
     bool findMatch(RE_Search_Info& info, std::size_t offset, std::size_t& length) const;
     bool attempt(RE_Search_Info& info, const char16_t* p, std::size_t& length) const;
     bool runNodes(const char16_t* position, const RE_Node* startNode, std::size_t* length,

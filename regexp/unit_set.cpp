@@ -23,16 +23,25 @@ void RE_Unit_Set::addAll(const RE_Unit_Set& other) {
     }
 }
 
+bool RE_Unit_Set::meets(const RE_Unit_Set& other) const {
+    for (std::size_t i = 0; i < unitCount / 64; ++i) {
+        if ((words[i] & other.words[i]) != 0) {
+            return true;
+        }
+    }
+    return false;
+}
+
 void RE_Unit_Set::negate() {
     for (std::uint64_t& word : words) {
         word = ~word;
     }
 }
 
-std::size_t RE_Unit_Set::size() const {
+std::size_t RE_Unit_Set::sizeFrom(std::size_t first) const {
     std::size_t count = 0;
-    for (const std::uint64_t word : words) {
-        count += static_cast<std::size_t>(std::popcount(word));
+    for (std::size_t word = first / 64; word < unitCount / 64; ++word) {
+        count += static_cast<std::size_t>(std::popcount(words[word]));
     }
     return count;
 }
@@ -68,6 +77,11 @@ RE_Case_Table::RE_Case_Table() {
     }
     std::stable_sort(lowerForms.begin(), lowerForms.end());
     std::stable_sort(upperForms.begin(), upperForms.end());
+}
+
+std::size_t RE_Case_Table::formsWithin(char16_t lowerForm) const {
+    const auto [first, last] = std::equal_range(lowerForms.begin(), lowerForms.end(), Form{lowerForm, 0});
+    return static_cast<std::size_t>(last - first) + (isCased(lowerForm) ? 0 : 1);
 }
 
 void RE_Case_Table::addFormsWithin(const Forms& forms, RE_Unit_Set& set, char16_t low, char16_t high) {

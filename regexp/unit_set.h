@@ -25,7 +25,11 @@ public:
     void addRange(char16_t low, char16_t high);
     void addAll(const RE_Unit_Set& other);
     void negate();
-    std::size_t size() const;
+    /// Whether some unit is in both.
+    bool meets(const RE_Unit_Set& other) const;
+    std::size_t size() const { return sizeFrom(0); }
+    /// How many units from `first`, a multiple of 64, on are in the set.
+    std::size_t sizeFrom(std::size_t first) const;
     std::size_t hash() const;
     bool operator==(const RE_Unit_Set& other) const;
 
@@ -55,6 +59,8 @@ public:
     /// This unit and no other has this unit as its lower-case form.
     bool foldsAlone(char16_t unit) const { return lowerOf[unit] == unit && !foldTargets.contains(unit); }
 
+    /// How many units have this unit as their lower-case form.
+    std::size_t formsWithin(char16_t lowerForm) const;
     /// Adds the units whose lower-case form lies in the bounds; with `bothForms` also those whose upper-case form does.
     void addFolding(RE_Unit_Set& set, char16_t low, char16_t high, bool bothForms) const;
 

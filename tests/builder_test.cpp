@@ -3,7 +3,10 @@
 #include "regexp/regexp.h"
 #include "tests/support/engine_run.h"
 
+#include <atomic>
+#include <functional>
 #include <gtest/gtest.h>
+#include <optional>
 #include <random>
 #include <utility>
 
@@ -28,6 +31,13 @@ static_assert(Sequence<RE_Set, RE_SetItem> && !Sequence<RE_SetItem, std::u16stri
 static_assert(Chosen<RE_Builder, RE_Builder, RE_Builder> && !Chosen<RE_Builder> && !Chosen<RE_Set, RE_Set>);
 static_assert(!std::is_constructible_v<RE_Set, int> && !std::is_constructible_v<RE_SetItem, char32_t, char32_t>);
 static_assert(!std::is_constructible_v<RE_SetItem, const char*> && !std::is_convertible_v<std::u16string, RE_Builder>);
+static_assert(!std::is_constructible_v<RE_SetItem, std::nullptr_t> && !std::is_constructible_v<RE_Builder, std::nullptr_t>);
+template <class Bound>
+constexpr bool isBound = std::is_convertible_v<Bound, RE_Bounds> && std::is_constructible_v<RE_Bounds, Bound, Bound>;
+static_assert(isBound<int> && isBound<size_t> && !isBound<bool> && !isBound<char> && !isBound<char16_t>);
+static_assert(!isBound<double> && !isBound<RE_GREED> && !std::is_constructible_v<RE_Bounds, RE_GREED>);
+static_assert(!std::is_constructible_v<RE_Tree, RE_Builder, RE_Flags> && !std::is_constructible_v<RE_Tree, RE_Builder, RE_MODE>);
+static_assert(std::is_constructible_v<RE_Tree, RE_Builder, bool> && std::is_constructible_v<RE_Tree, RE_Builder, RE_Flags, RE_Context*>);
 static_assert(RE_Token_Name::isValid(u"a1_") && !RE_Token_Name::isValid(u"1a") && !RE_Token_Name::isValid(u"") &&
               !RE_Token_Name::isValid(u"a\u00E9") && !RE_Token_Name::from(u"a-b"));
 

@@ -14,6 +14,7 @@ template <class Tree, class Text>
 concept Searchable = requires(Tree&& tree, Text&& text) { std::forward<Tree>(tree).find_all(std::forward<Text>(text)); };
 static_assert(Searchable<RE_Tree&, std::u16string&> && Searchable<const RE_Tree&, const char16_t (&)[2]>);
 static_assert(!Searchable<RE_Tree, std::u16string&> && !Searchable<RE_Tree&, std::u16string>);
+static_assert(!std::is_constructible_v<RE_Match_Range, const RE_Tree&, std::u16string_view, size_t>);
 
 std::u16string marked(const RE_Tree& tree, std::u16string_view text, size_t offset = 0) {
     std::u16string result;
@@ -96,6 +97,10 @@ TEST(MatchAt, TriesOnePositionAndSeesTheTextBefore) {
     EXPECT_EQ(nullptr, tree.match_at(text, 5));
     EXPECT_EQ(nullptr, RE_Tree(u"x*", false).match_at(text, 0));
     EXPECT_NE(nullptr, Engine(u"x*", kEmptyToo).tree().match_at({}, 0));
+    utAllocationCounter counter;
+    counter.failAt(1);
+    EXPECT_THROW(tree.match_at(text, 1), std::bad_alloc);
+    counter.failAt(0);
 }
 
 }  // namespace

@@ -43,6 +43,8 @@ void expectBuiltAsItStands(const std::string& path, const std::string& name) {
 TEST(PageExamples, AreBuiltAsTheyStandAndPrintWhatThePageSays) {
     expectBuiltAsItStands("README.md", "find_all");
     expectBuiltAsItStands("docs/builder.md", "builder");
+    expectBuiltAsItStands("docs/seeing-inside.md", "seeing_inside");
+    expectBuiltAsItStands("docs/replacement.md", "replace");
 }
 
 }  // namespace

@@ -1,8 +1,6 @@
 // Replacement strings, and the texts they produce.
 #include "host/allocation_counter.h"
 #include "host/interrupt.h"
-#include "regexp/eval/evaluation_io.h"
-#include "regexp/eval/evaluation_tokens.h"
 #include "regexp/parser/parser_context.h"
 #include "regexp/regexp.h"
 #include "regexp/replace/case_adjustment.h"
@@ -186,12 +184,21 @@ TEST(Replace, FreeSpacingCountsOnlyTheNameAndCommentsHideBraces) {
         bool allow_evaluation() override { return true; }
     } allowing;
     const RE_Tree tree(u"(?<a>x)", false);
-    const std::u16string names = u"$< a >|$<a>|$<a#\n>";
-    EXPECT_EQ(u"x >|x|x\n>", RE_Replace(names.data(), names.size(), 0x08, &plain).replace(u"x", tree, false, 0));
+    const std::pair<std::u16string, const char16_t*> names[] = {
+        {u"$< a >|$<a>|$<a#\n>", u"x >|x|x\n>"},
+        {u"$<#$<a>$< a>\n", u"$<#xx>\n"},                     // brackets in a comment that hides no name
+        {u"$<#$<$< -\n #\nab", u"$<#$<$< -\n #\nab"},         // each leads to a name without an end
+        {u"$<#$<\n#\na #$<a>\n>|", u"x<\n#\na #x\n>|"},         // behind two comments there is one
+        {u"$< #", u"$< #"},
+    };
+    for (const auto& [text, result] : names) {
+        const RE_Replace replace(text.data(), text.size(), 0x08, &plain);
+        EXPECT_EQ(printable(result), printable(replace.replace(u"x", tree, false, 0))) << printable(text);
+    }
     const std::pair<const char16_t*, bool> expressions[] = {
         {u"${a}", true},   {u"${}", true},       {u"${(})}", true}, {u"${(}", false},    {u"${\\}}", true},
         {u"${\\}", false}, {u"${#}\n}", true},   {u"${#}", false},  {u"${[{()}]}", true}, {u"${)]}", true},
-        {u"${", false},    {u"${([{\\", false}};
+        {u"${", false},    {u"${([{\\", false},  {u"${a[(]b}", false}, {u"${[[]}", false}, {u"${[\\(]}", true}};
     for (const auto& [text, isExpression] : expressions) {
         const RE_Replace replace(text, std::u16string_view(text).size(), 0x18, &allowing);
         EXPECT_EQ(isExpression, replace.graph().find("Evaluate") != std::string::npos) << printable(text);
@@ -312,11 +319,48 @@ TEST(Replace, PutsAnEarlierInterruptAsideAndStopsAtALaterOne) {
     }
 }
 
+TEST(Replace, CopiesNothingBehindASearchThatWasBrokenOff) {
+    struct Stopping : Interruptible {
+        RE_Context* clone() override { return new Stopping(*this); }
+        bool allow_evaluation() override { return true; }
+        void evaluate_script(RE_Evaluation_IO*, RE_Evaluation_Inputs*, RE_Evaluation_Inputs*) override {
+            utInterruptState::SetInterruptPending(true);
+        }
+    } host;
+    const std::u16string pattern = u"x|y(?@stop)(?:c|d)*z";
+    const RE_Tree tree(pattern.data(), pattern.size(), kPlain, &host);
+    const RE_Replace replace(u"-");
+    size_t matches = 9;
+    EXPECT_EQ(u"a-", replace.replace(u"axby" + std::u16string(5000, u'c'), tree, false, 0, &matches));
+    EXPECT_EQ(1u, matches);
+    EXPECT_TRUE(utInterruptState::IsInterruptPending());
+    utInterruptState::SetInterruptPending(false);
+    EXPECT_EQ(u"a-b-", replace.replace(u"axbx", tree, false, 0, &matches));
+    EXPECT_EQ(2u, matches);
+}
+
+TEST(Replace, GivesUpItsChainWhenMovedAndNeedsNoContext) {
+    const RE_Tree tree(u"a", false);
+    utAllocationCounter counter;
+    RE_Replace replace(u"b");
+    const auto live = counter.live();
+    RE_Replace other(u"$&$&", 4, kPlain, nullptr);
+    replace = std::move(other);
+    other = RE_Replace(u"c");
+    other = RE_Replace(u"d");
+    EXPECT_EQ(u"aa", replace.replace(u"a", tree, false, 0));
+    EXPECT_EQ(u"d", other.replace(u"a", tree, false, 0));
+    replace = std::move(other);
+    EXPECT_EQ(u"d", replace.replace(u"a", tree, false, 0));
+    EXPECT_EQ(u"", other.replace(u"a", tree, false, 0));
+    EXPECT_EQ(live, counter.live());
+}
+
 TEST(Replace, HandlesLongAndHostileTextsInLinearTime) {
     runOnSmallStack([] {
         Interruptible host;
         const RE_Tree tree(u"(a)", false);
-        for (const std::u16string part : {u"$1", u"${", u"${(", u"$<", u"\\", u"$9", u"${#\n", u"${#"}) {
+        for (const std::u16string part : {u"$1", u"${", u"${(", u"$<", u"\\", u"$9", u"${#\n", u"${#", u"$<#", u"$<#$<a"}) {
             std::u16string text;
             for (int i = 0; i < 200000; ++i) {
                 text += part;

@@ -161,7 +161,14 @@ private:
     fs::path path_;
 };
 
+#ifdef CORVANE_HAVE_LUA
+constexpr bool hasLua = true;
+#else
+constexpr bool hasLua = false;
+#endif
+
 void runCase(const Case& expected) {
+    if (!hasLua && expected.command.find("--lua") != std::string::npos) return;
     const Directory work;
     const Directory results;  // apart from the files of the case, which the command may list
     for (const auto& [name, content] : expected.files) {

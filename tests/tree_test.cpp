@@ -1,4 +1,5 @@
 // The compiled pattern as hosts use it: constructors, names, ownership, and a graph that searches leave alone.
+#include "host/allocation_counter.h"
 #include "host/memory.h"
 #include "regexp/graph_facts.h"
 #include "regexp/nodes/node.h"
@@ -18,9 +19,10 @@ using Results = std::unique_ptr<RE_Results>;
 
 TEST(Tree, GivesTheSameAnswerThroughEveryConstructorAndMatch) {
     const RE_Builder_Space::RE_Builder builder(u"A(b+)C");
+    RE_Context host;
     const RE_Tree trees[] = {RE_Tree(u"A(b+)C", true), RE_Tree(u"A(b+)Cxx", 6, true),
                              RE_Tree(std::u16string(u"A(b+)C"), true), RE_Tree(builder, true),
-                             RE_Tree("A(b+)C", true)};
+                             RE_Tree("A(b+)C", true), RE_Tree(builder, RE_DEFAULT_FLAGS | RE_FLAG_IGNORE_CASE, &host)};
     for (const RE_Tree& tree : trees) {
         RE_Seek_Table table;
         const Results wide[] = {Results(tree.match(std::u16string(u"xxabbc"), 0)), Results(tree.match(u"xxabbc", 6, 1)),
@@ -92,8 +94,28 @@ TEST(Tree, SharesItsGraphOnAssignmentAndGivesItUpWhenMoved) {
     std::memset(place, 0, sizeof place);
     *alias = tree;  // one graph now, freed by `tree` alone
     EXPECT_NE(nullptr, Results(alias->match(u"xab", 3, 0)));
-    const RE_Tree moved(std::move(tree));
+    RE_Tree moved(std::move(tree));
     EXPECT_NE(nullptr, Results(moved.match(u"ab", 2, 0)));
+
+    utAllocationCounter counter;
+    RE_Tree named(u"(?<n>c)", false);
+    const auto live = counter.live();
+    named = RE_Tree(u"(?<n>c)", false);  // the old graph is freed
+    EXPECT_EQ(live, counter.live());
+    named = std::move(named);
+    EXPECT_NE(nullptr, Results(named.match(u"c", 1, 0)));
+    moved = std::move(named);
+    EXPECT_NE(nullptr, Results(moved.match(u"c", 1, 0)));
+    // A tree without a graph matches nothing.
+    size_t count = 1;
+    RE_Search_Info info(u"c", 1, 1, nullptr, false);
+    EXPECT_FALSE(named.match_bool(u"c", &count, &info));
+    EXPECT_EQ(nullptr, named.match(u"c", 1, 0));
+    EXPECT_EQ(nullptr, named.match_at(u"c", 0));
+    EXPECT_EQ(1u, named.split(u"c").size());
+    EXPECT_EQ(u"c", RE_Replace(u"d").replace(u"c", named, false, 0));
+    EXPECT_EQ(nullptr, named.treeNames(&count));
+    EXPECT_EQ("digraph regexp {\n}\n", named.graph());
 }
 
 // The bytes of every node that a graph leads to, as far as all node classes share them.

@@ -1,9 +1,12 @@
 // Reading of a command's words with Boost.Program_options.
 #include "tools/arguments.h"
 
+#include "tools/usage_error.h"
+
 #include <boost/program_options/parsers.hpp>
 #include <boost/program_options/positional_options.hpp>
 
+#include <charconv>
 #include <iostream>
 
 namespace po = boost::program_options;
@@ -18,11 +21,26 @@ ParsedArguments parseArguments(const Arguments& words, const po::options_descrip
 
     const int style = po::command_line_style::unix_style & ~po::command_line_style::allow_guessing;
     ParsedArguments parsed;
-    po::store(po::command_line_parser(words).options(all).positional(positions).style(style).run(),
-              parsed.options);
+    try {
+        po::store(po::command_line_parser(words).options(all).positional(positions).style(style).run(),
+                  parsed.options);
+    } catch (const po::unknown_option& failure) {
+        throw UsageError(failure.what() + std::string("; what is no option but begins with - follows --"));
+    }
     po::notify(parsed.options);
     if (parsed.has("positional")) parsed.positionals = parsed.options["positional"].as<Arguments>();
     return parsed;
+}
+
+// Not left to Boost, which takes -1 for the greatest number there is.
+std::size_t ParsedArguments::number(const char* option) const {
+    const std::string& text = options[option].as<std::string>();
+    const char* const end = text.data() + text.size();
+    std::size_t value = 0;
+    const auto [stop, problem] = std::from_chars(text.data(), end, value);
+    if (problem != std::errc() || stop != end)
+        throw UsageError("--" + std::string(option) + " takes a number, not \"" + text + "\"");
+    return value;
 }
 
 void printCommandHelp(std::string_view usage, const po::options_description& known) {

@@ -6,6 +6,7 @@
 #include <boost/program_options/options_description.hpp>
 #include <boost/program_options/variables_map.hpp>
 
+#include <cstddef>
 #include <string_view>
 
 namespace tool {
@@ -15,6 +16,9 @@ struct ParsedArguments {
     Arguments positionals;  // in the order given
 
     bool has(const char* option) const { return options.count(option) != 0; }
+
+    // The value of an option that is declared as text: digits and nothing else, or a UsageError.
+    std::size_t number(const char* option) const;
 };
 
 // Long options are never abbreviated, so that a new option cannot change the meaning of an old script.

@@ -1,4 +1,5 @@
-// `cvregexp match`: every match of a pattern in whole files, which the pattern sees as one text, not as lines.
+// `cvregexp match`: every match of a pattern in whole files, which the pattern sees as one text, not as
+// lines.
 #include "tools/command.h"
 #include "tools/compiled_pattern.h"
 #include "tools/exit_status.h"
@@ -100,7 +101,9 @@ int runMatch(const Arguments& words) {
     catchInterrupts();
     const CompiledPattern pattern(std::move(request), compile);
     printWarnings(pattern.text(), pattern.warnings());
-    return MatchRun(pattern, settings).searchAll();
+    const int status = MatchRun(pattern, settings).searchAll();
+    if (pattern.scripts()) pattern.scripts()->finish();
+    return status;
 }
 
 }  // namespace tool

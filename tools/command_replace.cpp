@@ -13,7 +13,8 @@
 
 #include <algorithm>
 #include <iostream>
-#include <memory>
+#include <string>
+#include <string_view>
 #include <system_error>
 
 namespace po = boost::program_options;
@@ -25,7 +26,7 @@ po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
     po::options_description options("Replacement");
     auto add = options.add_options();
     add("adjust-case", "give each replacement the case of the text it replaces");
-    add("which", po::value<std::size_t>()->default_value(0, "all")->value_name("N"),
+    add("which", po::value<std::string>()->default_value("0", "all")->value_name("N"),
         "replace only the N-th match of each file");
     add("in-place", "change the files instead of printing them");
     add("help", "print this help");
@@ -43,7 +44,7 @@ struct ReplaceSettings {
 
 ReplaceSettings readSettings(const ParsedArguments& arguments) {
     ReplaceSettings settings{arguments.has("adjust-case"), arguments.has("in-place"),
-                             arguments.options["which"].as<std::size_t>(), arguments.positionals};
+                             arguments.number("which"), arguments.positionals};
     if (settings.fileNames.empty()) settings.fileNames = {"-"};
     if (settings.inPlace && std::ranges::find(settings.fileNames, "-") != settings.fileNames.end())
         throw UsageError("--in-place needs files, standard input is none");
@@ -57,6 +58,31 @@ std::u16string takeReplacement(ParsedArguments& arguments) {
     return text;
 }
 
+// A file as it was read.
+class FileText {
+public:
+    explicit FileText(const std::string& fileName)
+        : bytes_(readAllBytes(fileName)),
+          markSize_(bytes_.starts_with(byteOrderMark) ? byteOrderMark.size() : 0),
+          text_(std::string_view(bytes_).substr(markSize_)) {}
+
+    const std::string& bytes() const { return bytes_; }
+    std::u16string_view text() const { return text_.view(); }
+    bool isUtf8() const { return isConversionOf(text(), std::string_view(bytes_).substr(markSize_)); }
+
+    // As bytes, behind the byte order mark if the file has one.
+    std::string withMark(std::u16string_view changed) const {
+        std::string result = bytes_.substr(0, markSize_);
+        appendUtf8(result, changed);
+        return result;
+    }
+
+private:
+    std::string bytes_;
+    std::size_t markSize_;
+    Utf16Text text_;
+};
+
 class ReplaceRun {
 public:
     ReplaceRun(const CompiledPattern& pattern, const CompiledReplacement& replacement,
@@ -66,7 +92,7 @@ public:
     int runAll() {
         for (const std::string& fileName : settings_.fileNames) runFile(fileName);
         if (trouble_) return exitTrouble;
-        return found_ ? exitPositive : exitNegative;
+        return replaced_ ? exitPositive : exitNegative;
     }
 
 private:
@@ -76,47 +102,61 @@ private:
             if (settings_.inPlace) {
                 changeFile(fileName);
             } else {
-                std::cout << toUtf8(replaced(readInput(fileName).text.view()));
+                printFile(fileName);
             }
         } catch (const std::system_error& failure) {
-            report(failure.what());
+            fail(failure.what());
+        } catch (const FileRefused& failure) {
+            fail(failure.what());
         }
     }
 
-    // Bytes that are no UTF-8 would not survive the conversion there and back.
+    // What has no UTF-8 form is printed as U+FFFD, but not without a word.
+    void printFile(const std::string& fileName) {
+        const FileText file(fileName);
+        const std::u16string result = replacedText(file.text());
+        std::cout << file.withMark(result);
+        const std::string label = fileName == "-" ? "(standard input)" : fileName;
+        if (!file.isUtf8()) say(label + ": not UTF-8, bytes that are not became U+FFFD");
+        if (hasLoneSurrogate(result)) say(label + ": halves of surrogate pairs became U+FFFD");
+    }
+
+    // In a file nothing is lost: what has no UTF-8 form, before or afterwards, leaves it as it is.
     void changeFile(const std::string& fileName) {
-        const std::string bytes = readAllBytes(fileName);
-        const std::string_view mark = bytes.starts_with(byteOrderMark) ? byteOrderMark : std::string_view();
-        const std::string_view content = std::string_view(bytes).substr(mark.size());
-        const Utf16Text text(content);
-        if (toUtf8(text.view()) != content) {
-            report(fileName + ": not UTF-8, left as it is");
-            return;
-        }
-        std::string changed(mark);
-        appendUtf8(changed, replaced(text.view()));
-        if (changed != bytes) rewriteFile(fileName, changed);
+        const FileRewrite rewrite(fileName);
+        const FileText file(fileName);
+        if (!file.isUtf8()) throw FileRefused(fileName + ": not UTF-8, left as it is");
+        const std::u16string result = replacedText(file.text());
+        if (hasLoneSurrogate(result))
+            throw FileRefused(fileName + ": halves of surrogate pairs would remain, left as it is");
+        const std::string changed = file.withMark(result);
+        if (changed != file.bytes()) rewrite.write(changed);
     }
 
     // What an interrupt leaves half done goes nowhere.
-    std::u16string replaced(std::u16string_view subject) {
-        const std::unique_ptr<RE_Results> match(tree_.match(subject.data(), subject.size(), 0));
-        found_ = found_ || match != nullptr;
-        std::u16string result = replace_.replace(subject, tree_, settings_.adjustCase, settings_.which);
+    std::u16string replacedText(std::u16string_view subject) {
+        std::size_t matches = 0;
+        std::u16string result =
+            replace_.replace(subject, tree_, settings_.adjustCase, settings_.which, &matches);
         if (interruptPending()) throw Interrupted();
+        replaced_ = replaced_ || matches >= std::max<std::size_t>(settings_.which, 1);
         return result;
     }
 
-    void report(const std::string& message) {
+    void fail(const std::string& message) {
+        say(message);
+        trouble_ = true;
+    }
+
+    static void say(const std::string& message) {
         std::cout.flush();
         std::cerr << "cvregexp: " << message << '\n';
-        trouble_ = true;
     }
 
     const RE_Tree& tree_;
     const RE_Replace& replace_;
     const ReplaceSettings& settings_;
-    bool found_ = false;
+    bool replaced_ = false;
     bool trouble_ = false;
 };
 
@@ -135,10 +175,12 @@ int runReplace(const Arguments& words) {
     const ReplaceSettings settings = readSettings(arguments);
     catchInterrupts();
     const CompiledPattern pattern(std::move(request), compile);
-    printWarnings(pattern.text(), pattern.warnings());
-    const CompiledReplacement replacement(std::move(replacementText), compile);
-    printWarnings(replacement.text(), replacement.warnings());
-    return ReplaceRun(pattern, replacement, settings).runAll();
+    printWarnings(pattern.text(), pattern.warnings(), "pattern");
+    const CompiledReplacement replacement(std::move(replacementText), compile, pattern.scripts());
+    printWarnings(replacement.text(), replacement.warnings(), "replacement");
+    const int status = ReplaceRun(pattern, replacement, settings).runAll();
+    if (pattern.scripts()) pattern.scripts()->finish();
+    return status;
 }
 
 }  // namespace tool

@@ -4,13 +4,14 @@
 #include "tools/exit_status.h"
 #include "tools/input.h"
 #include "tools/interrupt.h"
-#include "tools/match_walker.h"
 #include "tools/pattern_options.h"
 #include "tools/utf8.h"
 #include "tools/warning_report.h"
 
 #include <iostream>
+#include <string_view>
 #include <system_error>
+#include <vector>
 
 namespace po = boost::program_options;
 
@@ -26,27 +27,15 @@ po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
     return known;
 }
 
-// True when there was a match. A line feed that ends the whole text belongs to no part.
+// True when there is more than one part. A line feed that ends the whole text belongs to no part.
 bool splitText(const RE_Tree& tree, std::u16string_view text, char terminator) {
     if (text.ends_with(u'\n')) text.remove_suffix(1);
-    MatchWalker walker(tree, text);
-    std::string part;
-    std::size_t begin = 0;
-    const auto printUpTo = [&](std::size_t end) {
-        part.clear();
-        appendUtf8(part, text.substr(begin, end - begin));
-        std::cout << part << terminator;
-    };
-    bool found = false;
-    while (const std::unique_ptr<RE_Results> match = walker.next()) {
-        found = true;
-        printUpTo(match->matchStart);
-        begin = match->matchStart + match->matchLength;
-        if (interruptPending()) break;
-    }
-    if (interruptPending()) throw Interrupted();
-    printUpTo(text.size());
-    return found;
+    std::vector<std::u16string_view> parts = tree.split(text);
+    const bool interrupted = interruptPending();
+    if (interrupted) parts.pop_back();  // the rest of the text, which was not searched
+    for (const std::u16string_view part : parts) std::cout << toUtf8(part) << terminator;
+    if (interrupted) throw Interrupted();
+    return parts.size() > 1;
 }
 
 }  // namespace

@@ -1,8 +1,8 @@
 // A pattern compiled for one run of the program, kept together with everything that has to outlive it.
 #pragma once
 
-#include "tools/console_context.h"
 #include "tools/pattern_options.h"
+#include "tools/script_host.h"
 
 namespace tool {
 
@@ -10,19 +10,26 @@ class CompiledPattern {
 public:
     CompiledPattern(PatternRequest request, const Corvane::regexp::CompileOptions& options)
         : text_(std::move(request.text)),
-          context_(options),
-          tree_(text_.data(), text_.size(), request.flags, &context_) {}
+          scripts_(startScripts(request.scripts)),
+          context_(makeContext(options, scripts_, true)),
+          tree_(text_.data(), text_.size(), request.flags, context_.get()) {
+        context_->compiled();
+    }
 
     CompiledPattern(const CompiledPattern&) = delete;
     CompiledPattern& operator=(const CompiledPattern&) = delete;
 
     const std::u16string& text() const { return text_; }
     const RE_Tree& tree() const { return tree_; }
-    std::vector<PatternWarning> warnings() const { return context_.warnings(); }
+    std::vector<PatternWarning> warnings() const { return context_->warnings(); }
+
+    // Null when expressions are not allowed.
+    const std::shared_ptr<ScriptHost>& scripts() const { return scripts_; }
 
 private:
     std::u16string text_;
-    ConsoleContext context_;
+    std::shared_ptr<ScriptHost> scripts_;
+    std::unique_ptr<ConsoleContext> context_;
     RE_Tree tree_;
 };
 

@@ -1,7 +1,7 @@
 // A replacement compiled for one run of the program, kept together with everything that has to outlive it.
 #pragma once
 
-#include "tools/console_context.h"
+#include "tools/script_host.h"
 
 #include <string>
 #include <utility>
@@ -10,21 +10,24 @@ namespace tool {
 
 class CompiledReplacement {
 public:
-    CompiledReplacement(std::u16string text, const Corvane::regexp::CompileOptions& options)
+    CompiledReplacement(std::u16string text, const Corvane::regexp::CompileOptions& options,
+                        const std::shared_ptr<ScriptHost>& scripts)
         : text_(std::move(text)),
-          context_(options),
-          replace_(text_.data(), text_.size(), RE_DEFAULT_FLAGS, &context_) {}
+          context_(makeContext(options, scripts, false)),
+          replace_(text_.data(), text_.size(), RE_DEFAULT_FLAGS, context_.get()) {
+        context_->compiled();
+    }
 
     CompiledReplacement(const CompiledReplacement&) = delete;
     CompiledReplacement& operator=(const CompiledReplacement&) = delete;
 
     const std::u16string& text() const { return text_; }
     const RE_Replace& replace() const { return replace_; }
-    std::vector<PatternWarning> warnings() const { return context_.warnings(); }
+    std::vector<PatternWarning> warnings() const { return context_->warnings(); }
 
 private:
     std::u16string text_;
-    ConsoleContext context_;
+    std::unique_ptr<ConsoleContext> context_;
     RE_Replace replace_;
 };
 

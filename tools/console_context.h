@@ -1,4 +1,5 @@
-// The engine's view of the program: collects warnings, lets searches be interrupted, evaluates nothing.
+// The engine's view of the program: collects warnings, lets searches be interrupted; evaluates nothing by
+// itself.
 #pragma once
 
 #include "regexp/regexp.h"
@@ -22,10 +23,18 @@ public:
     void set_string(const char16_t* text, std::size_t length) override { text_ = {text, length}; }
     bool allow_interrupt() const override { return true; }
 
+    // To be called once the text is compiled. What is compiled after that comes to be in searches.
+    void compiled() { compiled_ = true; }
+
     // By position; those at one position in the order in which they were raised.
     std::vector<PatternWarning> warnings() const;
 
+protected:
+    std::u16string_view text() const { return text_; }
+    bool isCompiled() const { return compiled_; }
+
 private:
+    bool compiled_ = false;
     std::u16string_view text_;
     std::vector<PatternWarning> warnings_;
 };

@@ -4,8 +4,8 @@
 namespace tool {
 
 enum ExitStatus : int {
-    exitPositive = 0,  // something matched, or there was nothing to warn about
-    exitNegative = 1,  // nothing matched, or there were warnings
+    exitPositive = 0,  // something matched, was replaced or divided, or there was nothing to warn about
+    exitNegative = 1,  // nothing did or was, or there were warnings
     exitTrouble = 2,   // wrong usage, an unreadable file, an interrupt
 };
 

@@ -18,6 +18,19 @@ namespace {
     throw std::system_error(error, std::generic_category(), name);
 }
 
+// A program must not run with the rights of a new owner or group, and a new group gets no rights that not
+// everybody has.
+mode_t modeFor(const struct stat& old, const struct stat& current) {
+    mode_t mode = old.st_mode & 07777u;
+    if (old.st_uid != current.st_uid || old.st_gid != current.st_gid) mode &= 01777u;
+    if (old.st_gid != current.st_gid) mode &= 01707u | ((mode & 07u) << 3);
+    return mode;
+}
+
+bool sameTime(const struct timespec& one, const struct timespec& other) {
+    return one.tv_sec == other.tv_sec && one.tv_nsec == other.tv_nsec;
+}
+
 // Exists until it is renamed.
 class TemporaryFile {
 public:
@@ -40,10 +53,16 @@ public:
         }
     }
 
-    // The owner comes first, since changing it may clear bits of the mode; only root may give files away.
+    // The owner comes first, since changing it may clear bits of the mode; only root may give files away, but
+    // others may keep the group.
     void takePermissionsOf(const struct stat& old) {
-        [[maybe_unused]] const int ignored = ::fchown(descriptor_, old.st_uid, old.st_gid);
-        if (::fchmod(descriptor_, old.st_mode & 07777) != 0) failOn(name_);
+        constexpr uid_t unchanged = static_cast<uid_t>(-1);
+        if (::fchown(descriptor_, old.st_uid, old.st_gid) != 0) {
+            [[maybe_unused]] const int ignored = ::fchown(descriptor_, unchanged, old.st_gid);
+        }
+        struct stat status {};
+        if (::fstat(descriptor_, &status) != 0) failOn(name_);
+        if (::fchmod(descriptor_, modeFor(old, status)) != 0) failOn(name_);
     }
 
     void replace(const std::string& fileName) {
@@ -59,7 +78,8 @@ private:
     bool renamed_ = false;
 };
 
-// The rename itself is on the disk once the directory is. Some file systems cannot do that; the content is safe.
+// The rename itself is on the disk once the directory is. Some file systems cannot do that; the content is
+// safe.
 void syncDirectory(const std::filesystem::path& directory) {
     const int descriptor = ::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (descriptor < 0) return;
@@ -69,18 +89,29 @@ void syncDirectory(const std::filesystem::path& directory) {
 
 }  // namespace
 
-void rewriteFile(const std::string& fileName, std::string_view content) {
+FileRewrite::FileRewrite(const std::string& fileName) : fileName_(fileName) {
     std::error_code failure;
-    const std::filesystem::path target = std::filesystem::canonical(fileName, failure);
+    target_ = std::filesystem::canonical(fileName, failure);
     if (failure) failOn(fileName, failure.value());
-    struct stat old {};
-    if (::stat(target.c_str(), &old) != 0) failOn(fileName);
-    if (!S_ISREG(old.st_mode)) failOn(fileName + ": not a regular file", EINVAL);
-    TemporaryFile temporary(target.parent_path());
+    if (::stat(target_.c_str(), &old_) != 0) failOn(fileName);
+    if (!S_ISREG(old_.st_mode)) throw FileRefused(fileName + ": not a regular file");
+}
+
+void FileRewrite::refuseIfChanged() const {
+    struct stat now {};
+    if (::stat(target_.c_str(), &now) != 0) failOn(fileName_);
+    const bool same = now.st_dev == old_.st_dev && now.st_ino == old_.st_ino && now.st_size == old_.st_size &&
+                      sameTime(now.st_mtim, old_.st_mtim);
+    if (!same) throw FileRefused(fileName_ + ": changed by somebody else meanwhile, left as it is");
+}
+
+void FileRewrite::write(std::string_view content) const {
+    TemporaryFile temporary(target_.parent_path());
     temporary.write(content);
-    temporary.takePermissionsOf(old);
-    temporary.replace(target.string());
-    syncDirectory(target.parent_path());
+    temporary.takePermissionsOf(old_);
+    refuseIfChanged();
+    temporary.replace(target_.string());
+    syncDirectory(target_.parent_path());
 }
 
 }  // namespace tool

@@ -15,8 +15,8 @@ struct Extent {
     std::size_t end() const { return start + length; }
 };
 
-// "auto" colours only a terminal that understands colours, and respects NO_COLOR; "always" and "never" do what
-// they say; anything else is a UsageError.
+// "auto" colours only a terminal that understands colours, and respects NO_COLOR; "always" and "never" do
+// what they say; anything else is a UsageError.
 bool colorWanted(const std::string& when);
 
 // Appends the line [begin, end) of `text` as UTF-8, the parts inside `matches` (ascending) marked.

@@ -39,8 +39,8 @@ private:
     int descriptor_;
 };
 
-// A mapping of the whole file, or nothing when the file cannot be mapped (a pipe, an empty file, a file system
-// that does not support it); the caller then reads it.
+// A mapping of the whole file, or nothing when the file cannot be mapped (a pipe, an empty file, a file
+// system that does not support it); the caller then reads it.
 class Mapping {
 public:
     explicit Mapping(const OpenFile& file) {

@@ -14,8 +14,8 @@ struct Input {
     Utf16Text text;
 };
 
-// "-" stands for standard input. Throws std::system_error when the file cannot be read, and Interrupted when the
-// user breaks off the reading of a slow source.
+// "-" stands for standard input. Throws std::system_error when the file cannot be read, and Interrupted when
+// the user breaks off the reading of a slow source.
 Input readInput(const std::string& fileName);
 
 // The whole content of a file, not converted, but without a byte order mark.

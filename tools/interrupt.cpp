@@ -1,4 +1,4 @@
-// The SIGINT handler sets the host's interrupt flag, which running searches poll. The flag is a lock-free atomic,
+// The handler sets the host's interrupt flag, which running searches poll. The flag is a lock-free atomic,
 // which makes setting it safe in a signal handler.
 #include "tools/interrupt.h"
 
@@ -13,16 +13,21 @@ extern "C" void requestInterrupt(int) {
     utInterruptState::SetInterruptPending(true);
 }
 
-}  // namespace
-
-void catchInterrupts() {
+void catchSignal(int number) {
     struct sigaction current {};
-    if (::sigaction(SIGINT, nullptr, &current) != 0 || current.sa_handler == SIG_IGN) return;
+    if (::sigaction(number, nullptr, &current) != 0 || current.sa_handler == SIG_IGN) return;
     struct sigaction action {};
     action.sa_handler = requestInterrupt;
     // No SA_RESTART: a blocked read must return. SA_RESETHAND gives the second Ctrl-C its usual effect.
     action.sa_flags = static_cast<int>(SA_RESETHAND);
-    ::sigaction(SIGINT, &action, nullptr);
+    ::sigaction(number, &action, nullptr);
+}
+
+}  // namespace
+
+void catchInterrupts() {
+    for (const int number : {SIGINT, SIGTERM, SIGHUP}) catchSignal(number);
+    std::signal(SIGXFSZ, SIG_IGN);  // a file that grows too large is an error of the write
 }
 
 bool interruptPending() {

@@ -1,5 +1,5 @@
-// Ctrl-C: the first one asks the engine to stop, so that what was found so far can still be printed; the second
-// one ends the program at once.
+// Ctrl-C, a hang-up or a request to terminate: the first one asks the engine to stop, so that what was found
+// so far can still be printed and temporary files are removed; the second one ends the program at once.
 #pragma once
 
 #include <stdexcept>
@@ -11,7 +11,7 @@ public:
     Interrupted() : std::runtime_error("interrupted") {}
 };
 
-// Left alone when the parent process made SIGINT ignored, as shells do for background jobs.
+// A signal that the parent process made ignored, as shells do with SIGINT for background jobs, is left alone.
 void catchInterrupts();
 
 bool interruptPending();

@@ -4,7 +4,8 @@
 #include "tools/line_index.h"
 #include "tools/report.h"
 #include "tools/warning_report.h"
-#include "tools/warning_text.h"
+
+#include "regexp/eval/warning_text.h"
 
 #include <nlohmann/json.hpp>
 
@@ -67,9 +68,14 @@ std::unique_ptr<Reporter> makeJsonReporter(std::ostream& out) {
 
 void writeJsonWarning(std::ostream& out, std::u16string_view pattern, const PatternWarning& warning) {
     const PatternPlace place = locate(pattern, warning.position);
+    const RE_Warning_Span span = locateWarning(warning.number, pattern, warning.position);
     writeLine(out, {{"number", static_cast<unsigned>(warning.number)},
-                    {"sentence", warningSentence(warning.number)},
+                    {"name", describe(warning.number).name},
+                    {"sentence", describe(warning.number).sentence},
                     {"position", warning.position},
+                    {"start", span.start},
+                    {"length", span.length},
+                    {"correction", span.correction ? Json(toUtf8(*span.correction)) : Json()},
                     {"line", place.line},
                     {"column", place.column}});
 }

@@ -1,4 +1,5 @@
-// The program `cvregexp`: picks a command from the table and turns exceptions into messages and exit statuses.
+// The program `cvregexp`: picks a command from the table and turns exceptions into messages and exit
+// statuses.
 #include "tools/command.h"
 #include "tools/exit_status.h"
 

@@ -55,7 +55,7 @@ po::options_description matchOptions() {
     add("with-filename,H", "print the name of each file");
     add("no-filename,h", "never print file names");
     add("null,0", "write a NUL after file names");
-    add("max-count", po::value<std::size_t>()->value_name("N"), "stop after N matches in each file");
+    add("max-count", po::value<std::string>()->value_name("N"), "stop after N matches in each file");
     add("color", po::value<std::string>()->default_value("auto")->value_name("WHEN"),
         "mark the matches: auto, always or never");
     add("help", "print this help");
@@ -71,8 +71,8 @@ MatchSettings readMatchSettings(const ParsedArguments& arguments) {
     settings.style.lineNumbers = arguments.has("line-number");
     settings.style.nulAfterName = arguments.has("null");
     settings.style.color = colorWanted(arguments.options["color"].as<std::string>());
-    settings.maxCount = arguments.has("max-count") ? arguments.options["max-count"].as<std::size_t>()
-                                                   : std::numeric_limits<std::size_t>::max();
+    settings.maxCount =
+        arguments.has("max-count") ? arguments.number("max-count") : std::numeric_limits<std::size_t>::max();
     return settings;
 }
 

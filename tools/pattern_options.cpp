@@ -27,7 +27,7 @@ std::string takePatternText(ParsedArguments& arguments) {
 }
 
 RE_Flags chosenFlags(const ParsedArguments& arguments) {
-    RE_Flags flags = 0;
+    RE_Flags flags = RE_FLAG_EVALUATE;
     if (!arguments.has("dot-line")) flags |= RE_FLAG_DOT_ALL;
     if (arguments.has("ignore-case")) flags |= RE_FLAG_IGNORE_CASE;
     if (arguments.has("line-anchors")) flags |= RE_FLAG_LINE_ANCHORS;
@@ -49,6 +49,7 @@ po::options_description patternOptions() {
     add("free-spacing,x", "skip blanks and #-comments in the pattern");
     add("dot-line", "the dot does not match a line feed");
     add("allow-empty", "an empty match counts as a match");
+    options.add(scriptOptions());
     return options;
 }
 
@@ -61,7 +62,7 @@ po::options_description compileOptions(Corvane::regexp::CompileOptions& options)
 
 PatternRequest takePattern(ParsedArguments& arguments) {
     std::u16string text = toUtf16(takePatternText(arguments));
-    return {std::move(text), chosenFlags(arguments)};
+    return {std::move(text), chosenFlags(arguments), readScriptRequest(arguments)};
 }
 
 }  // namespace tool

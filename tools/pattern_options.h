@@ -1,7 +1,9 @@
-// The options that say which pattern is meant and in which modes; every command that takes a pattern has them.
+// The options that say which pattern is meant and in which modes; every command that takes a pattern has
+// them.
 #pragma once
 
 #include "tools/arguments.h"
+#include "tools/script_host.h"
 
 #include "regexp/regexp.h"
 
@@ -17,6 +19,7 @@ boost::program_options::options_description compileOptions(Corvane::regexp::Comp
 struct PatternRequest {
     std::u16string text;
     RE_Flags flags;
+    ScriptRequest scripts;
 };
 
 // Takes the pattern from -e or -f, or else from the first positional word, which is then removed.

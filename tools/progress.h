@@ -7,8 +7,8 @@
 
 namespace tool {
 
-// Shows nothing unless standard error is a terminal and the text is large. Known positions are the matches, so a
-// long stretch without one shows no movement.
+// Shows nothing unless standard error is a terminal and the text is large. Known positions are the matches,
+// so a long stretch without one shows no movement.
 class Progress {
 public:
     explicit Progress(const Input& input);

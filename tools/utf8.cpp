@@ -101,6 +101,21 @@ Utf16Text::Utf16Text(std::string_view utf8)
     : units_(std::make_unique_for_overwrite<char16_t[]>(utf8.size() + 1)),
       length_(decode(utf8, units_.get())) {}
 
+// Only a U+FFFD can stand for something else.
+bool isConversionOf(std::u16string_view text, std::string_view utf8) {
+    return text.find(u'\uFFFD') == std::u16string_view::npos || toUtf8(text) == utf8;
+}
+
+bool hasLoneSurrogate(std::u16string_view text) {
+    for (std::size_t at = 0; at != text.size();) {
+        const std::size_t size = text.size();
+        UChar32 character;
+        U16_NEXT(text.data(), at, size, character);
+        if (U_IS_SURROGATE(character)) return true;
+    }
+    return false;
+}
+
 std::u16string toUtf16(std::string_view utf8) {
     return std::u16string(Utf16Text(utf8).view());
 }

@@ -8,8 +8,8 @@
 
 namespace tool {
 
-// Text of the size of a whole file. The units are never null, even for an empty text, since the engine takes a
-// null subject for "nothing to search".
+// Text of the size of a whole file. The units are never null, even for an empty text, since the engine takes
+// a null subject for "nothing to search".
 class Utf16Text {
 public:
     // Every ill-formed byte sequence becomes U+FFFD, so any file can be searched.
@@ -21,6 +21,12 @@ private:
     std::unique_ptr<char16_t[]> units_;
     std::size_t length_;
 };
+
+// Whether the conversion of the bytes to these units lost nothing.
+bool isConversionOf(std::u16string_view text, std::string_view utf8);
+
+// Whether there is half of a surrogate pair in the text, which has no UTF-8 form.
+bool hasLoneSurrogate(std::u16string_view text);
 
 std::u16string toUtf16(std::string_view utf8);
 

@@ -3,7 +3,8 @@
 #include "tools/warning_report.h"
 
 #include "tools/utf8.h"
-#include "tools/warning_text.h"
+
+#include "regexp/eval/warning_text.h"
 
 #include <unicode/uchar.h>
 #include <unicode/utf16.h>
@@ -15,6 +16,7 @@ namespace tool {
 namespace {
 
 constexpr std::string_view margin = "    ";
+constexpr std::size_t mostShown = 20;
 
 bool isCombining(UChar32 character) {
     return (U_GET_GC_MASK(character) & (U_GC_MN_MASK | U_GC_ME_MASK | U_GC_CF_MASK)) != 0;
@@ -50,6 +52,25 @@ std::u16string withoutControls(std::u16string_view text) {
     return shown;
 }
 
+std::size_t terminalWidth(std::u16string_view text) {
+    std::size_t width = 0;
+    for (std::size_t at = 0; at != text.size();) {
+        const std::size_t size = text.size();
+        UChar32 character;
+        U16_NEXT(text.data(), at, size, character);
+        width += terminalWidth(character);
+    }
+    return width;
+}
+
+// A caret under the first unit of the part that the warning is about, and a wave under the others on this line.
+std::string underline(std::u16string_view line, std::size_t begin, std::size_t length) {
+    std::string text = paddingFor(line.substr(0, begin)) + '^';
+    const std::size_t width = terminalWidth(line.substr(begin, length));
+    text.append(width > 1 ? width - 1 : 0, '~');
+    return text;
+}
+
 std::string placeText(std::u16string_view pattern, const PatternPlace& place) {
     std::string text = "column " + std::to_string(place.column);
     if (pattern.find(u'\n') != std::u16string_view::npos)
@@ -68,26 +89,57 @@ PatternPlace locate(std::u16string_view pattern, std::size_t position) {
     return {lineFeeds + 1, position - lineBegin + 1, pattern.substr(lineBegin, lineEnd - lineBegin)};
 }
 
+namespace {
+
+// What is wrong and where, the line it stands in, and the margin of the line below.
+std::string quoteLine(std::u16string_view pattern, const PatternPlace& place, const std::string& heading,
+                      std::string_view sentence) {
+    std::string text = heading + " at " + placeText(pattern, place) + ": ";
+    text += sentence;
+    text += '\n';
+    text += margin;
+    appendUtf8(text, withoutControls(place.lineText));
+    text += '\n';
+    return text += margin;
+}
+
+}  // namespace
+
+std::string describePlace(std::u16string_view pattern, std::size_t position, const std::string& heading,
+                          std::string_view sentence) {
+    const PatternPlace place = locate(pattern, position);
+    const std::u16string shown = withoutControls(place.lineText);
+    return quoteLine(pattern, place, heading, sentence) + underline(shown, place.column - 1, 0);
+}
+
 std::string describeWarning(std::u16string_view pattern, const PatternWarning& warning) {
     const PatternPlace place = locate(pattern, warning.position);
     const std::u16string shown = withoutControls(place.lineText);
-    std::string text = "warning " + std::to_string(static_cast<unsigned>(warning.number)) + " at ";
-    text += placeText(pattern, place);
-    text += ": ";
-    text += warningSentence(warning.number);
+    const std::string heading = "warning " + std::to_string(static_cast<unsigned>(warning.number));
+    std::string text = quoteLine(pattern, place, heading, describe(warning.number).sentence);
+    const RE_Warning_Span span = locateWarning(warning.number, pattern, warning.position);
+    const std::size_t lineBegin = warning.position - (place.column - 1);
+    const std::size_t begin = std::max(span.start, lineBegin) - lineBegin;
+    text += underline(shown, begin, span.length);
     text += '\n';
-    text += margin;
-    appendUtf8(text, shown);
-    text += '\n';
-    text += margin;
-    text += paddingFor(std::u16string_view(shown).substr(0, place.column - 1));
-    text += "^\n";
+    if (span.correction && begin + span.length <= shown.size()) {
+        std::u16string corrected = shown;
+        corrected.replace(begin, span.length, *span.correction);
+        text += margin;
+        text += "perhaps: ";
+        appendUtf8(text, corrected);
+        text += '\n';
+    }
     return text;
 }
 
-void printWarnings(std::u16string_view pattern, const std::vector<PatternWarning>& warnings) {
-    for (const PatternWarning& warning : warnings)
-        std::cerr << "cvregexp: " << describeWarning(pattern, warning);
+void printWarnings(std::u16string_view pattern, const std::vector<PatternWarning>& warnings,
+                   std::string_view subject) {
+    std::string heading = "cvregexp: ";
+    if (!subject.empty()) heading.append(subject).append(": ");
+    const std::size_t shown = std::min(warnings.size(), mostShown);
+    for (std::size_t i = 0; i != shown; ++i) std::cerr << heading << describeWarning(pattern, warnings[i]);
+    if (shown != warnings.size()) std::cerr << heading << warnings.size() - shown << " more warnings\n";
 }
 
 }  // namespace tool

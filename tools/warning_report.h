@@ -17,10 +17,17 @@ struct PatternPlace {
 
 PatternPlace locate(std::u16string_view pattern, std::size_t position);
 
-// Three lines: the sentence, the line of the pattern, the caret.
+// Three lines: the heading with the place and the sentence, the line of the pattern, the caret. No line feed
+// at the end.
+std::string describePlace(std::u16string_view pattern, std::size_t position, const std::string& heading,
+                          std::string_view sentence);
+
+// The sentence, the line of the pattern, what it is about underlined, and that line corrected where that is plain.
 std::string describeWarning(std::u16string_view pattern, const PatternWarning& warning);
 
-// Describes each on standard error.
-void printWarnings(std::u16string_view pattern, const std::vector<PatternWarning>& warnings);
+// Describes the first of them on standard error, as each repeats a line of the text, and counts the others.
+// Where a command takes two texts, `subject` says which of them is meant.
+void printWarnings(std::u16string_view pattern, const std::vector<PatternWarning>& warnings,
+                   std::string_view subject = {});
 
 }  // namespace tool

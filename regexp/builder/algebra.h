@@ -7,10 +7,11 @@
 //                               capture(u"text", kleene(any_unit(), RE_LAZY)) + backreference(quote);
 //     const RE_Tree tree(quoted, false);   // (['"])(?<text>(?s:.)*?)\1
 //
-// A text is not a pattern: one that is to be found goes through `literal`, which quotes whatever has a meaning in
-// patterns; one that is a pattern already goes through the constructor of `RE_Builder`. Pieces mean the same wherever
-// they are put and with whatever flags they are compiled, free spacing included; only whether case counts is left to
-// the flags.
+// A text is not a pattern: one that is to be found goes through `literal`, which quotes whatever has a
+// meaning in patterns; one that is a pattern already goes through the constructor of `RE_Builder`. Pieces
+// mean the same wherever they are put and with whatever flags they are compiled, free spacing included; only
+// whether case counts is left to the flags. `optional` and `atomic` are names of the standard library too: a
+// source that opens both namespaces writes them in full.
 #pragma once
 
 #include "regexp/builder/builder.h"

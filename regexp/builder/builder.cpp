@@ -1,5 +1,5 @@
-// References to tokens are left out of a builder's text, since the groups before them get their numbers only once the
-// whole pattern is known. They are put in when the pattern is asked for.
+// References to tokens are left out of a builder's text, since the groups before them get their numbers only
+// once the whole pattern is known. They are put in when the pattern is asked for.
 #include "regexp/builder/builder.h"
 
 #include "regexp/builder/tokens.h"

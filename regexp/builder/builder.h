@@ -1,6 +1,7 @@
 // A pattern as a value of the program: its text, and how it may be combined with other patterns.
 //
-// algebra.h has the functions that make and combine builders. Only what a compiled pattern needs is declared here.
+// algebra.h has the functions that make and combine builders. Only what a compiled pattern needs is declared
+// here.
 #pragma once
 
 #include "regexp/export.h"
@@ -19,21 +20,24 @@ class RE_Token;
 
 /// A pattern. A value type; the functions of algebra.h never change one, they make new ones.
 ///
-/// A builder keeps its meaning wherever it is placed: it is grouped where an operator would take it apart, and its
-/// references to tokens follow their groups when these are renumbered. Which case counts is the one thing that the
-/// surroundings decide, unless a mode says it.
+/// A builder keeps its meaning wherever it is placed: it is grouped where an operator would take it apart,
+/// and its references to tokens follow their groups when these are renumbered. Which case counts is the one
+/// thing that the surroundings decide, unless a mode says it.
 class CORVANE_REGEXP_EXPORT RE_Builder {
 public:
     /// Matches the empty text.
     RE_Builder() = default;
-    /// `pattern` is pattern text of the application's own, taken as it stands; `literal()` is for text to be found.
-    /// Inside another builder it must be well formed (without warnings) and not rely on free spacing. References by
-    /// number in it count the groups of the finished pattern; references by name do not mind where they stand.
+    /// `pattern` is pattern text of the application's own, taken as it stands; `literal()` is for text to be
+    /// found. Inside another builder it must be well formed (without warnings) and not rely on free spacing.
+    /// References by number in it count the groups of the finished pattern; references by name do not mind
+    /// where they stand.
     explicit RE_Builder(std::u16string pattern);
+    explicit RE_Builder(std::nullptr_t) = delete;
 
     std::u16string pattern() const;
 
-    /// Where `RE_Token_Stack::get` finds the token once this pattern has matched; nothing when no group has it.
+    /// Where `RE_Token_Stack::get` finds the token once this pattern has matched; nothing when no group has
+    /// it.
     std::optional<std::size_t> tokenIndex(const RE_Token& token) const;
 
     /// One after the other.

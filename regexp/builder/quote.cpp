@@ -7,7 +7,8 @@
 namespace RE_Builder_Space {
 namespace {
 
-// Trap: a backslash before a letter, a digit, `<` or `>` is not a quotation, so this is a list of those that need one.
+// Trap: a backslash before a letter, a digit, `<` or `>` is not a quotation, so this is a list of those that
+// need one.
 constexpr std::u16string_view special = u"$^.\\+[](){}|-*?# ";
 
 char16_t controlLetter(char16_t unit) {

@@ -2,8 +2,10 @@
 #pragma once
 
 #include <algorithm>
+#include <concepts>
 #include <cstddef>
 #include <limits>
+#include <utility>
 
 namespace RE_Builder_Space {
 
@@ -14,15 +16,25 @@ enum RE_GREED {
     RE_POSSESSIVE = 2  ///< many, and the first that is possible is kept
 };
 
-/// A least and a greatest number of passes. Constants are checked by the compiler: `{2, 5}`, or `3` for exactly 3.
+/// Not what an integer may come from by mistake: a truth value, a character, a greed in the place of the
+/// bounds.
+template <class Type>
+concept RE_Number_Of_Passes = std::integral<Type> && !std::same_as<Type, bool> && !std::same_as<Type, char> &&
+                              !std::same_as<Type, wchar_t> && !std::same_as<Type, char8_t> &&
+                              !std::same_as<Type, char16_t> && !std::same_as<Type, char32_t>;
+
+/// A least and a greatest number of passes. Constants are checked by the compiler: `{2, 5}`, or `3` for
+/// exactly 3.
 class RE_Bounds {
 public:
     static constexpr std::size_t unlimited = std::numeric_limits<std::size_t>::max();
 
-    consteval RE_Bounds(int exact) : RE_Bounds(exact, exact) {}
-    consteval RE_Bounds(int lower, int upper)
+    template <RE_Number_Of_Passes Exact>
+    consteval RE_Bounds(Exact exact) : RE_Bounds(exact, exact) {}
+    template <RE_Number_Of_Passes Lower, RE_Number_Of_Passes Upper>
+    consteval RE_Bounds(Lower lower, Upper upper)
         : least(static_cast<std::size_t>(lower)), most(static_cast<std::size_t>(upper)) {
-        if (lower < 0 || upper < lower) {
+        if (std::cmp_less(lower, 0) || std::cmp_less(upper, lower)) {
             throw "bounds of a repetition ascend from 0";  // ends the compilation
         }
     }

@@ -29,8 +29,8 @@ std::u16string_view membersOf(RE_SET_TYPE type) {
     return {};
 }
 
-// An octal escape takes the digits behind it, so these are written by their values. (The same after a quoted backslash
-// and a literal 0 does no harm.)
+// An octal escape takes the digits behind it, so these are written by their values. (The same after a quoted
+// backslash and a literal 0 does no harm.)
 std::u16string united(const std::u16string& left, const std::u16string& right) {
     std::u16string both = left;
     if (left.ends_with(nullEscape) && !right.empty() && right.front() >= u'0' && right.front() <= u'7') {

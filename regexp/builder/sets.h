@@ -4,6 +4,7 @@
 #include "regexp/export.h"
 
 #include <concepts>
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -34,8 +35,8 @@ private:
     std::u16string members;
 };
 
-/// What `one_of` and `none_of` choose from: classes, units, ranges, and with `+` unions of them. Members are UTF-16
-/// units: a character beyond U+FFFF is two of them.
+/// What `one_of` and `none_of` choose from: classes, units, ranges, and with `+` unions of them. Members are
+/// UTF-16 units: a character beyond U+FFFF is two of them.
 class CORVANE_REGEXP_EXPORT RE_SetItem {
 public:
     /// No unit at all.
@@ -43,6 +44,7 @@ public:
     RE_SetItem(const RE_Set& set) : members(set.members) {}
     /// Each unit of the text.
     explicit RE_SetItem(std::u16string_view units);
+    explicit RE_SetItem(std::nullptr_t) = delete;
     /// All units between the two, in either order, and these themselves.
     template <std::same_as<char16_t> Low, std::same_as<char16_t> High>
     RE_SetItem(Low low, High high) : members(range(low, high)) {}

@@ -11,8 +11,9 @@
 
 namespace RE_Builder_Space {
 
-/// The identity of a token without a name. Copies are the same token. Groups may share one: a reference is to the
-/// nearest group of the token that opens before it, so that a pattern and its references can be used repeatedly.
+/// The identity of a token without a name. Copies are the same token. Groups may share one: a reference is to
+/// the nearest group of the token that opens before it, so that a pattern and its references can be used
+/// repeatedly.
 class CORVANE_REGEXP_EXPORT RE_Token {
 public:
     RE_Token();
@@ -24,7 +25,8 @@ private:
     std::uint64_t identity;
 };
 
-/// The name of a token: an ASCII letter, then ASCII letters, digits or `_`. A literal is checked by the compiler.
+/// The name of a token: an ASCII letter, then ASCII letters, digits or `_`. A literal is checked by the
+/// compiler.
 class RE_Token_Name {
 public:
     template <std::size_t Size>

@@ -26,7 +26,7 @@ public:
     RE_Context& operator=(const RE_Context&) = default;
     virtual ~RE_Context();
 
-    /// Runs a script for its effects.
+    /// Runs a script for its effects. The two lists are the names of its variables and their texts in this call.
     virtual void evaluate_script(RE_Evaluation_IO* script, RE_Evaluation_Inputs* inputs,
                                  RE_Evaluation_Inputs* outputs);
     /// Text of an expression, owned by the caller; null when the evaluation failed.

@@ -5,6 +5,9 @@
 
 #include <cstddef>
 
+class RE_Replaceable;
+class RE_Results;
+
 /// Owns its text. Lengths and capacities count code units.
 class CORVANE_REGEXP_EXPORT RE_Evaluation_IO : public RE_Memory {
 public:
@@ -25,6 +28,8 @@ public:
     void append(char unit);
     void append(const char16_t* source, std::size_t units);
     void append(const RE_Evaluation_IO* other) { append(other->text, other->length); }
+    /// Makes this the text that `source` writes for a match. When that throws, the text is empty.
+    void construct(const RE_Replaceable* source, RE_Results* results);
     bool is_equal(const RE_Evaluation_IO* other) const;
     /// Terminates the text in place and returns a copy in the local code page, from the host allocator, owned by the
     /// caller.

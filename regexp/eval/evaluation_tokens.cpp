@@ -1,34 +1,50 @@
 #include "regexp/eval/evaluation_tokens.h"
 
-#include "regexp/eval/evaluation_io.h"
+#include "regexp/eval/context.h"
 #include "regexp/replace/replace_nodes.h"
 
-#include <algorithm>
+RE_Evaluation_Tokens::RE_Evaluation_Tokens(std::size_t most)
+    : items(static_cast<RE_Replace_Evalable**>(utCallocWithCheck(most, sizeof(RE_Replace_Evalable*)))) {}
 
-RE_Evaluation_Tokens::RE_Evaluation_Tokens(std::size_t room) {
-    items.reserve(room);
+RE_Evaluation_Tokens::~RE_Evaluation_Tokens() {
+    for (std::size_t i = 0; i < count; ++i) {
+        delete items[i];
+    }
+    utFree(items);
 }
 
-RE_Evaluation_Tokens::~RE_Evaluation_Tokens() = default;
-
 std::size_t RE_Evaluation_Tokens::indexOf(const RE_Replace_Evalable* reference) const {
-    const auto same = [reference](const auto& item) { return item->is_same(reference); };
-    return static_cast<std::size_t>(std::find_if(items.begin(), items.end(), same) - items.begin());
+    std::size_t i = 0;
+    while (i < count && !items[i]->is_same(reference)) {
+        ++i;
+    }
+    return i;
 }
 
 void RE_Evaluation_Tokens::add(const RE_Replace_Evalable* reference) {
-    if (indexOf(reference) == items.size()) {
-        items.emplace_back(reference->copy());
+    if (indexOf(reference) == count) {
+        items[count] = reference->copy();
+        ++count;
     }
 }
 
+// A host that gives no name gets none.
 void RE_Evaluation_Tokens::create_variables(RE_Context* context) {
-    variables.reserve(items.size());
-    for (const auto& item : items) {
-        variables.emplace_back(item->create_variable(context));
+    variables.reset(new RE_Evaluation_Inputs(count));
+    for (std::size_t i = 0; i < count; ++i) {
+        RE_Evaluation_IO* const name = items[i]->create_variable(context);
+        variables->set_input(i, name != nullptr ? name : new RE_Evaluation_IO);
     }
 }
 
 const RE_Evaluation_IO* RE_Evaluation_Tokens::get_variable(const RE_Replace_Evalable* reference) const {
-    return variables[indexOf(reference)].get();
+    return variables->get_input(indexOf(reference));
+}
+
+std::unique_ptr<RE_Evaluation_Inputs> RE_Evaluation_Tokens::create_inputs(RE_Results* results) const {
+    std::unique_ptr<RE_Evaluation_Inputs> inputs(new RE_Evaluation_Inputs(count));
+    for (std::size_t i = 0; i < count; ++i) {
+        inputs->construct_input(i, items[i], results);
+    }
+    return inputs;
 }

@@ -18,6 +18,7 @@ protected:
 class CORVANE_REGEXP_EXPORT RE_Start_Line : public RE_Anchor {
 public:
     using RE_Anchor::RE_Anchor;
+    const char16_t* seek(const char16_t* p, RE_Search_Info& info) const override;
     std::string label() const override { return "Match start of line"; }
 
 protected:
@@ -27,6 +28,7 @@ protected:
 class CORVANE_REGEXP_EXPORT RE_End_Line : public RE_Anchor {
 public:
     using RE_Anchor::RE_Anchor;
+    const char16_t* seek(const char16_t* p, RE_Search_Info& info) const override;
     std::string label() const override { return "Match end of line"; }
 
 protected:
@@ -57,7 +59,8 @@ protected:
 class CORVANE_REGEXP_EXPORT RE_End_Match : public RE_Anchor {
 public:
     using RE_Anchor::RE_Anchor;
-    bool canSeek(bool) const override { return false; }
+    const char16_t* seek(const char16_t* p, RE_Search_Info& info) const override;
+    const char16_t* rSeek(const char16_t* p, std::size_t count, RE_Search_Info& info) const override;
     std::string label() const override { return "Match end of match"; }
 
 protected:

@@ -63,8 +63,26 @@ bool RE_Lookaround_Assertion::openBehind(std::size_t& pos, RE_Search_Info& info)
     RE_Body_Frame& frame = info.openBody(this, pos);
     frame.lowest = lowest;
     frame.candidate = pos - bodyMinimum;
-    info.matchStart = info.subjectBegin + frame.candidate;
     info.requiredEnd = info.subjectBegin + pos;
+    if (!findStart(frame, pos, info)) {
+        info.closeBody(false);
+        return false;
+    }
+    return true;
+}
+
+// The candidate, or one before it at which the body can begin. A body that consumes nothing is asked directly: what it
+// tests may be the window.
+bool RE_Lookaround_Assertion::findStart(RE_Body_Frame& frame, std::size_t& pos, RE_Search_Info& info) const {
+    const char16_t* start = info.subjectBegin + frame.candidate;
+    if (bodyMinimum > 0 && body->canSeek(false)) {
+        start = info.lastStartOf(body, this, info.subjectBegin + frame.lowest, start);
+        if (start == nullptr) {
+            return false;
+        }
+    }
+    frame.candidate = info.indexOf(start);
+    info.matchStart = start;
     pos = frame.candidate;
     return true;
 }
@@ -76,9 +94,7 @@ RE_Node* RE_Lookaround_Assertion::tryEarlierStart(std::size_t& pos, RE_Search_In
     }
     frame.scope.undoWrites();
     --frame.candidate;
-    info.matchStart = info.subjectBegin + frame.candidate;
-    pos = frame.candidate;
-    return body;
+    return findStart(frame, pos, info) ? body : nullptr;
 }
 
 RE_Node* RE_Lookaround_Assertion::bodyEnded(bool completed, std::size_t& pos, RE_Search_Info& info) const {

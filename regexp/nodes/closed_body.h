@@ -47,5 +47,6 @@ public:
 
 private:
     bool openBehind(std::size_t& pos, RE_Search_Info& info) const;
+    bool findStart(RE_Body_Frame& frame, std::size_t& pos, RE_Search_Info& info) const;
     RE_Node* tryEarlierStart(std::size_t& pos, RE_Search_Info& info) const;
 };

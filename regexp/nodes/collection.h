@@ -18,7 +18,10 @@ public:
     RE_Collection& operator=(const RE_Collection&) = delete;
 
     /// The nodes of a walk that is over.
-    static Nodes reachable(RE_Node* root) { return RE_Collection(root).found; }
+    static Nodes reachable(RE_Node* root) {
+        const RE_Collection walk(root);  // keeps its list until the marks are taken back
+        return walk.found;
+    }
 
     /// Adds one node (null is ignored); called back by the nodes.
     void add(RE_Node* node);

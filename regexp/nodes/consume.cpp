@@ -1,20 +1,54 @@
 #include "regexp/nodes/consume.h"
 
+#include "regexp/parser/parser_context.h"
 #include "regexp/search_info.h"
 #include "regexp/seek/scan.h"
 
 #include <algorithm>
+#include <utility>
+
+namespace {
+
+// Most runs in ordinary text are words: they end before a vector scan would pay.
+constexpr std::size_t shortRun = 12;
+// Runs from this length on are remembered.
+constexpr std::size_t longRun = 64;
+
+std::shared_ptr<const RE_Unit_Set> unitsOf(RE_ParserContext& context, const RE_Consumable& item) {
+    auto units = RE_Unit_Set::make();
+    item.addUnitsTo(*units);
+    return context.sets.share(std::move(units));
+}
+
+}  // namespace
+
+RE_Consume::RE_Consume(RE_ParserContext& context, RE_Consumable* repeated, std::uint64_t least,
+                       std::uint64_t most, Order order)
+    : RE_Node(context),
+      item(repeated),
+      units(unitsOf(context, *repeated)),
+      minimum(least),
+      maximum(most),
+      lazy(order == Order::lazy),
+      stops(*units, false) {}
 
 const char16_t* RE_Consume::runEnd(const char16_t* p, std::uint64_t most, RE_Search_Info& info) const {
     const std::uint64_t left = static_cast<std::uint64_t>(info.subjectEnd - p);
     const char16_t* const limit = p + std::min(left, most);
     const char16_t* const start = p;
+    const char16_t* const nearby =
+        p + std::min<std::uint64_t>(static_cast<std::uint64_t>(limit - p), shortRun);
+    for (; p < nearby; ++p) {
+        if (!units->contains(*p)) {
+            return p;
+        }
+    }
     while (p < limit) {
-        const std::size_t step =
-            std::min<std::size_t>(static_cast<std::size_t>(limit - p), RE_SCAN_POLL_UNITS);
-        const std::size_t run = item->skipDistance(p, p + step);
-        p += run;
-        if (run < step || info.pollScan()) {
+        const std::uint64_t block =
+            std::min<std::uint64_t>(static_cast<std::uint64_t>(limit - p), RE_SCAN_POLL_UNITS);
+        const char16_t* const stop = p + block;
+        p = findClass(p, stop, stops);
+        if (p != stop || info.pollScan()) {
             break;
         }
     }
@@ -22,15 +56,24 @@ const char16_t* RE_Consume::runEnd(const char16_t* p, std::uint64_t most, RE_Sea
     return p;
 }
 
-// A search that backtracks a lot comes back to the same run again and again, from each of its positions.
+// A run that reaches the one known ends where that ends.
+const char16_t* RE_Consume::endOfRunFrom(const char16_t* p, RE_Search_Info& info) const {
+    const RE_Measured_Run* const known = info.measuredRun(this);
+    if (known == nullptr || known->begin == nullptr || p >= known->begin) {
+        return runEnd(p, noMaximum, info);
+    }
+    const char16_t* const end = runEnd(p, static_cast<std::uint64_t>(known->begin - p), info);
+    return end == known->begin ? known->end : end;
+}
+
+// Searches come back to a long run from each of its positions.
 const char16_t* RE_Consume::wholeRunEnd(const char16_t* p, RE_Search_Info& info) const {
-    RE_Measured_Run* const known = info.measuredRun(this);
-    if (known != nullptr && known->holds(p)) {
+    if (const RE_Measured_Run* known = info.measuredRun(this); known != nullptr && known->holds(p)) {
         return known->end;
     }
-    const char16_t* const end = runEnd(p, noMaximum, info);
-    if (known != nullptr && !info.wasInterrupted()) {
-        *known = {p, end};
+    const char16_t* const end = endOfRunFrom(p, info);
+    if (static_cast<std::size_t>(end - p) >= longRun && !info.wasInterrupted()) {
+        info.noteRun(this, {p, end});
     }
     return end;
 }
@@ -73,6 +116,13 @@ bool RE_Consume::goOn(const char16_t* from, const char16_t* end, std::size_t& po
     return true;
 }
 
+// Within a look-behind the answer may depend on where its body has to end.
+const char16_t* RE_Consume::lastStart(const char16_t* from, const char16_t* last,
+                                      RE_Search_Info& info) const {
+    return info.requiredEnd == nullptr ? info.lastStartOf(nextNode, this, from, last)
+                                       : nextNode->rSeek(from, static_cast<std::size_t>(last - from), info);
+}
+
 // Steps over ends that failed before and ends at which the rest cannot begin, until neither has anything to say.
 const char16_t* RE_Consume::lastEnd(const char16_t* from, const char16_t* end, RE_Search_Info& info) const {
     const bool seeks = nextNode->canSeek(false);
@@ -83,7 +133,7 @@ const char16_t* RE_Consume::lastEnd(const char16_t* from, const char16_t* end, R
             return nullptr;
         }
         const char16_t* const startable =
-            seeks ? nextNode->rSeek(from, static_cast<std::size_t>(candidate - from), info) : candidate;
+            seeks ? lastStart(from, candidate, info) : candidate;
         // A step for the candidate, and what was looked through for where the rest can begin.
         info.noteScan(RE_Step_Meter::unitsAStep +
                       static_cast<std::size_t>(candidate - (startable != nullptr ? startable : from)));

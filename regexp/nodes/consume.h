@@ -2,6 +2,9 @@
 #pragma once
 
 #include "regexp/nodes/node.h"
+#include "regexp/seek/kernels.h"
+
+#include <memory>
 
 class CORVANE_REGEXP_EXPORT RE_Consume : public RE_Node {
 public:
@@ -10,8 +13,7 @@ public:
     static constexpr std::uint64_t noMaximum = unboundedLength;
 
     RE_Consume(RE_ParserContext& context, RE_Consumable* repeated, std::uint64_t least, std::uint64_t most,
-               Order order)
-        : RE_Node(context), item(repeated), minimum(least), maximum(most), lazy(order == Order::lazy) {}
+               Order order);
 
     bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
     RE_Node* resume(const RE_Backtrack_Record& record, std::size_t& pos, RE_Search_Info& info) const override;
@@ -19,17 +21,25 @@ public:
     void combineLengths() override;
     std::string label() const override;
 
-    RE_Consumable* item;      ///< the repeated unit test
-    bool possessive = false;  ///< gives no unit back
-    std::uint64_t minimum;    ///< units
-    std::uint64_t maximum;    ///< units, or `noMaximum`
-    bool lazy;                ///< tries the shortest run first
+    /// The end of the run of units from `p` on that the item matches, however long.
+    const char16_t* wholeRunEnd(const char16_t* p, RE_Search_Info& info) const;
+
+    RE_Consumable* item;                       ///< the repeated unit test
+    std::shared_ptr<const RE_Unit_Set> units;  ///< those that the item matches
+    bool possessive = false;                   ///< gives no unit back
+    bool couldNotHelp = false;  ///< it is so because no shorter run could be followed by the rest
+    std::uint64_t minimum;      ///< units
+    std::uint64_t maximum;      ///< units, or `noMaximum`
+    bool lazy;                  ///< tries the shortest run first
 
 private:
     bool goOn(const char16_t* from, const char16_t* end, std::size_t& pos, RE_Search_Info& info) const;
+    const char16_t* lastStart(const char16_t* from, const char16_t* last, RE_Search_Info& info) const;
     const char16_t* lastEnd(const char16_t* from, const char16_t* end, RE_Search_Info& info) const;
+    const char16_t* endOfRunFrom(const char16_t* p, RE_Search_Info& info) const;
     const char16_t* runEnd(const char16_t* p, std::uint64_t most, RE_Search_Info& info) const;
-    const char16_t* wholeRunEnd(const char16_t* p, RE_Search_Info& info) const;
     bool takeShortest(const char16_t* p, std::size_t& pos, RE_Search_Info& info) const;
     bool takeLonger(const char16_t* end, std::size_t limit, std::size_t& pos, RE_Search_Info& info) const;
+
+    RE_Class_Scan stops;  // the units that end a run
 };

@@ -34,6 +34,13 @@ void appendUtf8(std::string& out, std::uint32_t point) {
     }
 }
 
+// Controls, separators of lines, marks of writing direction, surrogates and what no XML file may hold.
+bool hasNoGlyph(std::uint32_t unit) {
+    return unit < 0x20 || (unit >= 0x7F && unit < 0xA0) || (unit >= 0x200B && unit < 0x2010) ||
+           (unit >= 0x2028 && unit < 0x202F) || (unit >= 0x2060 && unit < 0x2070) ||
+           (unit >= 0xD800 && unit < 0xE000) || unit == 0xFEFF || unit >= 0xFFFE;
+}
+
 }  // namespace
 
 std::string labelText(const char16_t* text, std::size_t length) {
@@ -44,7 +51,7 @@ std::string labelText(const char16_t* text, std::size_t length) {
                           text[i + 1] < 0xE000;
         if (pair) {
             appendUtf8(out, 0x10000 + ((unit - 0xD800) << 10) + (text[++i] - 0xDC00u));
-        } else if (unit < 0x20 || (unit >= 0x7F && unit < 0xA0) || (unit >= 0xD800 && unit < 0xE000)) {
+        } else if (hasNoGlyph(unit)) {
             appendHex(out, unit);
         } else {
             appendUtf8(out, unit);
@@ -60,10 +67,16 @@ std::string quotedLabel(std::string_view text) {
             out += '\\';
         }
         out += c;
+        if (c == '&') {  // would begin an entity
+            out += "amp;";
+        }
     }
     return out + '"';
 }
 
-void appendGraphNode(std::string& out, std::size_t number, std::string_view label) {
-    out += "  n" + std::to_string(number) + " [label=" + quotedLabel(label) + "];\n";
+void appendGraphNode(std::string& out, std::size_t number, std::string_view label,
+                     std::string_view attributes) {
+    out += "  n" + std::to_string(number) + " [label=" + quotedLabel(label);
+    out += attributes;
+    out += "];\n";
 }

@@ -5,12 +5,13 @@
 #include <string>
 #include <string_view>
 
-/// UTF-8 of the units; control units and lone surrogates are written as \x{...}.
+/// UTF-8 of the units; those that have no glyph, or that no file format allows, are written as \x{...}.
 std::string labelText(const char16_t* text, std::size_t length);
 inline std::string labelText(char16_t unit) {
     return labelText(&unit, 1);
 }
 /// The text as a quoted string of the graph language.
 std::string quotedLabel(std::string_view text);
-/// A node of a graph, by number and label.
-void appendGraphNode(std::string& out, std::size_t number, std::string_view label);
+/// A node of a graph, by number and label, with further attributes.
+void appendGraphNode(std::string& out, std::size_t number, std::string_view label,
+                     std::string_view attributes = {});

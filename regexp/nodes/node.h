@@ -14,6 +14,7 @@
 #include <string>
 
 class RE_Collection;
+struct RE_Graph_Output;
 class RE_Token_Names;
 struct RE_Graph_Facts;
 class RE_Unit_Set;
@@ -55,6 +56,8 @@ public:
     virtual RE_Node* failNode() const { return nullptr; }
     /// The match, or the closed body, is complete when this node has matched.
     virtual bool isEnd() const { return false; }
+    /// An end that included a dynamic text: the first node of the text. The text's own end leads on behind this node.
+    virtual const RE_Node* includedText(const RE_Search_Info&) const { return nullptr; }
     /// Takes up a choice that this node left: the node to go on at, with `pos` set, or null when the choice is spent.
     virtual RE_Node* resume(const RE_Backtrack_Record& record, std::size_t& pos, RE_Search_Info& info) const;
     /// The branch that a popped record of this node leads to; null for records that only undo.
@@ -78,8 +81,8 @@ public:
     virtual bool isBranching() const { return false; }
     /// Text for people, as shown in graphs.
     virtual std::string label() const { return {}; }
-    /// Writes this node and its links as DOT text.
-    virtual void graph(std::string& out);
+    /// Writes this node and its links in the graph language.
+    virtual void graph(RE_Graph_Output& out);
 
     // --- tokens ---
 

@@ -3,9 +3,7 @@
 #include "regexp/nodes/label_text.h"
 #include "regexp/nodes/units.h"
 #include "regexp/parser/parser_context.h"
-#include "regexp/seek/scan.h"
 
-#include <cstring>
 #include <utility>
 
 RE_String::RE_String(RE_ParserContext& context, const RE_Node& first, bool foldCase)
@@ -28,19 +26,6 @@ void RE_String::append(char16_t unit) {
     text[length++] = unit;
 }
 
-bool RE_String::matchesAt(const char16_t* p) const {
-    if (!ignoreCase) {
-        return std::memcmp(p, text, length * sizeof(char16_t)) == 0;
-    }
-    const RE_Case_Table& cases = RE_Case_Table::get();
-    for (std::uint64_t i = 0; i < length; ++i) {
-        if (cases.lower(p[i]) != text[i]) {
-            return false;
-        }
-    }
-    return true;
-}
-
 bool RE_String::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {
     const char16_t* const p = subject + pos;
     if (static_cast<std::uint64_t>(info.subjectEnd - p) < length || !matchesAt(p)) {
@@ -50,18 +35,16 @@ bool RE_String::match(const char16_t* subject, std::size_t& pos, RE_Search_Info&
     return true;
 }
 
+void RE_String::initSeek() {
+    search = RE_Literal_Search(literal());
+}
+
 const char16_t* RE_String::scan(const char16_t* p, RE_Search_Info& info) const {
-    if (static_cast<std::uint64_t>(info.subjectEnd - p) < length) {
-        return nullptr;
-    }
-    const char16_t* const end = info.subjectEnd - length + 1;
-    return scanForward(p, end, info, [this](const char16_t* at) { return matchesAt(at); });
+    return search.find(literal(), p, info);
 }
 
 const char16_t* RE_String::scanBack(const char16_t* p, std::size_t count, RE_Search_Info& info) const {
-    return scanBackward(p, count + 1, info, [&](const char16_t* at) {
-        return static_cast<std::uint64_t>(info.subjectEnd - at) >= length && matchesAt(at);
-    });
+    return search.findLast(literal(), p, count, info);
 }
 
 std::string RE_String::label() const {
@@ -104,6 +87,7 @@ RE_Node* joinRun(RE_Natural& first, bool ignoreCase, RE_ParserContext& context) 
         string->nextNode = joined->nextNode;
         joined->skippable = true;
     }
+    string->initSeek();
     return string;
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "regexp/seek/can_seek.h"
+#include "regexp/seek/literal_search.h"
 
 /// Owns its text. When case is ignored the text holds lower-case forms.
 class CORVANE_REGEXP_EXPORT RE_String : public RE_Can_Seek<RE_Node> {
@@ -15,7 +16,9 @@ public:
     std::uint64_t width() const override { return length; }
     bool canSeek(bool) const override { return true; }
     std::string label() const override;
-    bool matchesAt(const char16_t* p) const;
+    bool matchesAt(const char16_t* p) const { return literal().matchesAt(p); }
+    RE_Literal literal() const { return {text, length, ignoreCase}; }
+    void initSeek() override;
 
     std::uint64_t capacity = 8;
     bool ignoreCase;
@@ -25,4 +28,7 @@ public:
 protected:
     const char16_t* scan(const char16_t* p, RE_Search_Info& info) const override;
     const char16_t* scanBack(const char16_t* p, std::size_t count, RE_Search_Info& info) const override;
+
+private:
+    RE_Literal_Search search{{u"", 0, false}};
 };

@@ -11,7 +11,8 @@ public:
     std::string label() const override { return "Null"; }
 };
 
-/// The end of a pattern or of a closed body. With a continuation, matching goes on there.
+/// The end of a pattern or of a closed body. With a continuation it is the end of a sub-pattern, and matching goes on
+/// there.
 class CORVANE_REGEXP_EXPORT RE_End_Of_Tree : public RE_Node {
 public:
     explicit RE_End_Of_Tree(RE_ParserContext& context, RE_Node* continuationNode = nullptr,
@@ -23,6 +24,7 @@ public:
     RE_Node* next() const override { return continuation; }
     bool isEnd() const override { return continuation == nullptr; }
     std::string label() const override { return endsBody ? "End of body" : "End"; }
+    void graph(RE_Graph_Output& out) override;
 
     RE_Node* continuation;  ///< never owned, never followed by walks
     bool endsBody;

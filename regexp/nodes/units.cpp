@@ -1,6 +1,7 @@
 #include "regexp/nodes/units.h"
 
 #include "regexp/nodes/label_text.h"
+#include "regexp/seek/kernels.h"
 #include "regexp/seek/scan.h"
 
 #include <string>
@@ -19,12 +20,27 @@ bool RE_Unit_Test::leadsTo(RE_Node* target) {
 }
 
 const char16_t* RE_Natural::scan(const char16_t* p, RE_Search_Info& info) const {
-    return scanForward(p, info.subjectEnd, info, [this](const char16_t* at) { return matchesUnit(*at); });
+    const auto unit = static_cast<char16_t>(ch);
+    return scanForward(p, info.subjectEnd, info, [unit](const char16_t* at, const char16_t* stop) {
+        return findUnit(at, stop, {unit, unit});
+    });
 }
 
 const char16_t* RE_Natural::scanBack(const char16_t* p, std::size_t count, RE_Search_Info& info) const {
-    return scanBackward(p, count + 1, info,
-                        [&](const char16_t* at) { return at < info.subjectEnd && matchesUnit(*at); });
+    const auto unit = static_cast<char16_t>(ch);
+    const char16_t* const end =
+        p + std::min<std::size_t>(count + 1, static_cast<std::size_t>(info.subjectEnd - p));
+    return scanBackward(p, end, info, [unit](const char16_t* from, const char16_t* to) {
+        return findLastUnit(from, to, {unit, unit});
+    });
+}
+
+const char16_t* RE_Natural_I::scan(const char16_t* p, RE_Search_Info& info) const {
+    return search.find(literal(), p, info);
+}
+
+const char16_t* RE_Natural_I::scanBack(const char16_t* p, std::size_t count, RE_Search_Info& info) const {
+    return search.findLast(literal(), p, count, info);
 }
 
 std::string RE_Natural::label() const {

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "regexp/seek/can_seek.h"
+#include "regexp/seek/literal_search.h"
 #include "regexp/unit_set.h"
 
 #include <memory>
@@ -46,7 +47,10 @@ protected:
 class CORVANE_REGEXP_EXPORT RE_Natural_I : public RE_Natural {
 public:
     RE_Natural_I(RE_ParserContext& context, char16_t unit)
-        : RE_Natural(context, RE_Case_Table::get().lower(unit)), upper(RE_Case_Table::get().upper(unit)) {}
+        : RE_Natural(context, RE_Case_Table::get().lower(unit)),
+          upper(RE_Case_Table::get().upper(unit)),
+          folded(static_cast<char16_t>(ch)),
+          search(literal()) {}
 
     bool matchesUnit(char16_t unit) const override { return cases->lower(unit) == ch; }
     void addUnitsTo(RE_Unit_Set& set) const override;
@@ -56,8 +60,16 @@ public:
 
     std::uint32_t upper;
 
+protected:
+    const char16_t* scan(const char16_t* p, RE_Search_Info& info) const override;
+    const char16_t* scanBack(const char16_t* p, std::size_t count, RE_Search_Info& info) const override;
+
 private:
+    RE_Literal literal() const { return {&folded, 1, true}; }
+
     const RE_Case_Table* cases = &RE_Case_Table::get();
+    char16_t folded;
+    RE_Literal_Search search;
 };
 
 /// Units within inclusive bounds.

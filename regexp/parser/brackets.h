@@ -8,8 +8,9 @@
 #include <cstdint>
 #include <vector>
 
-/// Pairs the parentheses and the sets of a pattern. A backslash makes the next unit inert; inside a set only `\` and
-/// `]` count, inside a comment group only parentheses; under free spacing comments do not count. Unpaired openings have no closing index.
+/// Pairs the parentheses and the sets of a pattern. A backslash makes the next unit inert; inside a set only
+/// `\` and `]` count, inside a comment group only parentheses; under free spacing comments do not count.
+/// Unpaired openings have no closing index.
 class RE_Brackets {
 public:
     static constexpr std::uint32_t none = static_cast<std::uint32_t>(-1);

@@ -1,5 +1,6 @@
 // Atomic groups, lookaround and the conditionals that hang on it.
 #include "regexp/nodes/anchors.h"
+#include "regexp/nodes/dynamic.h"
 #include "regexp/parser/graph_builder.h"
 
 // A closed body is a graph of its own: nothing outside changes while it runs, so its memo scopes begin afresh.
@@ -60,6 +61,15 @@ void RE_Graph_Builder::emitConditional(std::uint32_t index) {
         auto* const token = context.make<RE_Token_Assertion>(item.number, nameOf(item));
         *tail = token;
         emitConditionalBranches(index, token, false);
+        return;
+    }
+    const RE_Syntax& condition = tree[item.condition];
+    if (condition.kind == RE_Syntax_Kind::evaluate) {
+        using Shared = std::shared_ptr<const RE_Bool_Evaluator>;
+        auto* const answer =
+            context.make<RE_Evaluate_Assertion>(std::get<Shared>(tree.dynamics[condition.payload]));
+        *tail = answer;
+        emitConditionalBranches(index, answer, false);
         return;
     }
     RE_Lookaround_Assertion* const look = makeLook(item.condition);

@@ -16,7 +16,7 @@ void RE_Grammar::readConditional(std::uint32_t close) {
         return;
     }
     if (start + 1 < end && text[start] == u'?' && text[start + 1] == u'@') {
-        readDynamicGroup(close);
+        readEvaluatedConditional(close, start + 2, end);
         return;
     }
     Reference token{RE_Syntax::none, 0, static_cast<std::uint32_t>(start)};
@@ -42,6 +42,19 @@ void RE_Grammar::readConditional(std::uint32_t close) {
         references.push_back(token);
         openFrame(conditional, close, end + std::size_t{1}, false);
     }
+}
+
+void RE_Grammar::readEvaluatedConditional(std::uint32_t close, std::size_t start, std::uint32_t end) {
+    if (!mayEvaluate()) {
+        dropGroup(close);
+        return;
+    }
+    context.context->conditionalCreationCallback();
+    const std::uint32_t condition = readDynamicCondition(start, end);
+    addItem(RE_Syntax_Kind::conditional, at);
+    const std::uint32_t conditional = tree[frame().branch].lastChild;
+    tree[conditional].condition = condition;
+    openFrame(conditional, close, end + std::size_t{1}, false);
 }
 
 // The assertion is read like any other and then taken out of the branch: it is the condition.

@@ -68,13 +68,19 @@ private:
     bool isLookaroundMark(std::size_t mark, std::size_t end) const;
     void readLookaround(std::size_t mark, std::uint32_t close);
     void readModeGroup(std::uint32_t close);
-    void readDynamicGroup(std::uint32_t close);
     void openClosedBody(RE_Syntax item, std::uint32_t close, std::size_t contentStart);
     void dropGroup(std::uint32_t close);
     void warnUnclosed();
 
+    // dynamics.cpp
+    bool mayEvaluate();
+    void readDynamicGroup(std::uint32_t close);
+    void addDynamic(RE_Syntax_Dynamic dynamic);
+    std::uint32_t readDynamicCondition(std::size_t start, std::size_t end);
+
     // conditions.cpp
     void readConditional(std::uint32_t close);
+    void readEvaluatedConditional(std::uint32_t close, std::size_t start, std::uint32_t end);
     bool readTokenCondition(Reference& token, std::size_t start, std::size_t end);
     void openLookCondition(std::uint32_t conditional, std::uint32_t close, std::size_t start,
                            std::uint32_t end);

@@ -1,6 +1,7 @@
 #include "regexp/parser/graph_builder.h"
 
 #include "regexp/nodes/anchors.h"
+#include "regexp/nodes/dynamic.h"
 #include "regexp/parser/unit_nodes.h"
 
 #include <algorithm>
@@ -71,6 +72,9 @@ void RE_Graph_Builder::emitNow(std::uint32_t index) {
         case RE_Syntax_Kind::start_word:
         case RE_Syntax_Kind::end_word:
             emitAnchor(item);
+            return;
+        case RE_Syntax_Kind::evaluate:
+            append(makeDynamicNode(item));
             return;
         case RE_Syntax_Kind::dropped:
             return;
@@ -169,6 +173,18 @@ const std::u16string& RE_Graph_Builder::nameOf(const RE_Syntax& item) const {
 void RE_Graph_Builder::emitReference(const RE_Syntax& item) {
     const bool ignoreCase = (item.flags & RE_FLAG_IGNORE_CASE) != 0;
     append(context.make<RE_Match_Token>(item.number, nameOf(item), ignoreCase));
+}
+
+RE_Node* RE_Graph_Builder::makeDynamicNode(const RE_Syntax& item) {
+    const RE_Syntax_Dynamic& dynamic = tree.dynamics[item.payload];
+    if (const auto* script = std::get_if<std::shared_ptr<const RE_Script_Evaluator>>(&dynamic)) {
+        return context.make<RE_Evaluate>(*script);
+    }
+    if (const auto* text = std::get_if<std::shared_ptr<const RE_Replace>>(&dynamic)) {
+        return context.make<RE_Parse_Dynamic>(item.flags, *text);
+    }
+    using Expression = std::shared_ptr<const RE_String_Evaluator>;
+    return context.make<RE_Evaluate_Dynamic>(item.flags, std::get<Expression>(dynamic));
 }
 
 void RE_Graph_Builder::emitAnchor(const RE_Syntax& item) {

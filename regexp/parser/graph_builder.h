@@ -55,6 +55,7 @@ private:
     void emitCapture(std::uint32_t index);
     void emitReference(const RE_Syntax& item);
     void emitAnchor(const RE_Syntax& item);
+    RE_Node* makeDynamicNode(const RE_Syntax& item);
     const std::u16string& nameOf(const RE_Syntax& item) const;
 
     // closed_bodies.cpp

@@ -156,13 +156,6 @@ void RE_Grammar::readModeGroup(std::uint32_t close) {
     }
 }
 
-void RE_Grammar::readDynamicGroup(std::uint32_t close) {
-    if (!context.mayEvaluate()) {
-        warnAt(at, RE_WARNING_EVALUATION_DISABLED);
-    }
-    dropGroup(close);
-}
-
 void RE_Grammar::dropGroup(std::uint32_t close) {
     frame().last = Last::dropped;
     at = close + std::size_t{1};

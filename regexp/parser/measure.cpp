@@ -47,6 +47,11 @@ public:
                 it.most = RE_Syntax::noMaximum;
                 it.nodes = 1;
                 break;
+            case RE_Syntax_Kind::evaluate:
+                it.most = tree.isDynamicText(index) ? RE_Syntax::noMaximum : 0;
+                it.nodes = 1;
+                it.evaluates = true;
+                break;
             case RE_Syntax_Kind::sequence:
             case RE_Syntax_Kind::group:
             case RE_Syntax_Kind::dropped:
@@ -72,6 +77,7 @@ private:
             it.guards = std::max(it.guards, part.guards);
             it.closed = std::max(it.closed, part.closed);
             it.captures = it.captures || part.captures;
+            it.evaluates = it.evaluates || part.evaluates;
             const std::uint32_t passes = inSequence && !first ? it.emptyPasses + part.emptyPasses - 1
                                                               : std::max(it.emptyPasses, part.emptyPasses);
             it.emptyPasses = std::min(passes, emptyPassCeiling);
@@ -101,6 +107,7 @@ private:
             it.guards = std::max(it.guards, condition.guards);
             it.closed = std::max(it.closed, condition.closed);
             it.captures = it.captures || condition.captures;
+            it.evaluates = it.evaluates || condition.evaluates;
         }
     }
 
@@ -168,13 +175,14 @@ void measureSyntax(RE_Syntax_Tree& tree, RE_ParserContext& context, const char16
 }
 
 // A body without width is repeated once at most: more passes could only be empty. One that records tokens may refer to
-// what its earlier pass recorded, so its required passes are made.
+// what its earlier pass recorded, and one that calls the host has effects, so their required passes are made.
 RE_Repeat_Plan planRepeat(const RE_Syntax_Tree& tree, std::uint32_t index, std::size_t inlineThreshold) {
     const RE_Syntax& it = tree[index];
     const RE_Syntax& body = tree[it.firstChild];
     RE_Repeat_Plan plan{it.minimum, it.maximum, body.least == 0, false, false};
     if (body.most == 0) {
-        plan.minimum = body.captures ? plan.minimum : std::min<std::uint64_t>(plan.minimum, 1);
+        plan.minimum =
+            body.captures || body.evaluates ? plan.minimum : std::min<std::uint64_t>(plan.minimum, 1);
         plan.maximum = std::min(plan.maximum, std::max<std::uint64_t>(plan.minimum, 1));
     }
     const bool finite = plan.maximum != RE_Syntax::noMaximum;

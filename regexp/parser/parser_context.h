@@ -4,6 +4,7 @@
 #include "regexp/eval/context.h"
 #include "regexp/flags.h"
 #include "regexp/graph_facts.h"
+#include "regexp/inspect/profile_node.h"
 #include "regexp/memory.h"
 #include "regexp/parser/set_pool.h"
 
@@ -26,11 +27,16 @@ public:
     RE_ParserContext(const RE_ParserContext&) = delete;
     RE_ParserContext& operator=(const RE_ParserContext&) = delete;
 
-    /// Makes a node. This is the only place that does.
+    /// Makes a node, in its counting form when the matching is to be profiled. This is the only place that does.
     template <class Node, class... Arguments>
     Node* make(Arguments&&... arguments) {
         facts->nodes.push_back(nullptr);
-        Node* const node = new Node(*this, std::forward<Arguments>(arguments)...);
+        Node* node = nullptr;
+        if (options().profile()) {
+            node = new RE_Profile_Node<Node>(*this, std::forward<Arguments>(arguments)...);
+        } else {
+            node = new Node(*this, std::forward<Arguments>(arguments)...);
+        }
         facts->nodes.back() = node;
         return node;
     }

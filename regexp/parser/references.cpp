@@ -42,7 +42,9 @@ void RE_Grammar::addReference(std::uint64_t number, std::uint32_t name) {
     references.push_back({name, number, item.position});
 }
 
-// A name may be used before its group, so names are looked up once everything has been read.
+// A name may be used before its group, so names are looked up once everything has been read. A sub-pattern makes no
+// tokens and may refer to those of the pattern around it. What the host or a dynamic text will refer to is not known
+// before the search.
 void RE_Grammar::resolveReferences() {
     auto& referenced = context.facts->referencedTokens;
     for (const Reference& reference : references) {
@@ -53,13 +55,17 @@ void RE_Grammar::resolveReferences() {
             continue;
         }
         const auto [first, last] = context.tokenNames.equal_range(tree.names[reference.name]);
-        if (first == last) {
+        if (first == last && makesTokens) {
             warnAt(reference.position, RE_WARNING_UNDEFINED_NAME);
         }
         for (auto token = first; token != last; ++token) {
             referenced.push_back(token->second);
         }
     }
+    for (std::size_t token = 0; token < tree.groupCount && context.facts->hasDynamicNodes; ++token) {
+        referenced.push_back(token);
+    }
+    std::erase_if(referenced, [this](std::size_t token) { return token >= tree.groupCount; });
     std::sort(referenced.begin(), referenced.end());
     referenced.erase(std::unique(referenced.begin(), referenced.end()), referenced.end());
 }

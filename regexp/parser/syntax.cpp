@@ -51,3 +51,9 @@ std::uint32_t RE_Syntax_Tree::soleUnit(std::uint32_t branch) const {
     const bool sole = only != RE_Syntax::none && only == items[branch].lastChild && consumesOneUnit(only);
     return sole ? only : RE_Syntax::none;
 }
+
+bool RE_Syntax_Tree::isDynamicText(std::uint32_t index) const {
+    const RE_Syntax_Dynamic& dynamic = dynamics[items[index].payload];
+    return std::holds_alternative<std::shared_ptr<const RE_String_Evaluator>>(dynamic) ||
+           std::holds_alternative<std::shared_ptr<const RE_Replace>>(dynamic);
+}

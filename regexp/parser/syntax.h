@@ -12,7 +12,13 @@
 #include <deque>
 #include <memory>
 #include <string>
+#include <variant>
 #include <vector>
+
+class RE_Bool_Evaluator;
+class RE_Replace;
+class RE_Script_Evaluator;
+class RE_String_Evaluator;
 
 enum class RE_Syntax_Kind : std::uint8_t {
     sequence,     ///< children one after another
@@ -31,6 +37,7 @@ enum class RE_Syntax_Kind : std::uint8_t {
     end_anchor,
     start_word,
     end_word,
+    evaluate,   ///< an expression for its effects, or a dynamic text: the host's `payload`
     reference,  ///< the text of a token, by `number` or by the name `payload`
     dropped     ///< compiles to nothing
 };
@@ -53,7 +60,7 @@ struct RE_Syntax {
     std::uint32_t lastChild = none;
     std::uint32_t nextSibling = none;
     std::uint32_t condition = none;  ///< conditional: the assertion that decides, when it is not a token
-    std::uint32_t payload = none;    ///< index of a set or a name
+    std::uint32_t payload = none;    ///< index of a set, a name or something for the host
     std::uint64_t number = 0;        ///< token slot, from 0
     std::uint64_t minimum = 0;
     std::uint64_t maximum = 0;
@@ -66,12 +73,19 @@ struct RE_Syntax {
     std::uint16_t guards = 0;       ///< nesting of loops with counts or pass guards
     std::uint16_t closed = 0;       ///< nesting of closed bodies
     bool captures = false;          ///< records tokens
+    bool evaluates = false;         ///< calls the host
 };
 
 struct RE_Syntax_Set {
     std::shared_ptr<const RE_Unit_Set> units;
     std::string text;  ///< as written, for labels
 };
+
+/// What a dynamic construct hands to its nodes. Made when the construct is read, so that it is made once however
+/// often a loop's body is copied.
+using RE_Syntax_Dynamic =
+    std::variant<std::shared_ptr<const RE_Script_Evaluator>, std::shared_ptr<const RE_Bool_Evaluator>,
+                 std::shared_ptr<const RE_String_Evaluator>, std::shared_ptr<const RE_Replace>>;
 
 class RE_Syntax_Tree {
 public:
@@ -85,11 +99,14 @@ public:
     bool consumesOneUnit(std::uint32_t index) const;
     /// The single item of a branch that consists of one single-unit item, or `none`.
     std::uint32_t soleUnit(std::uint32_t branch) const;
+    /// Whether the item matches a text that comes to be in the search.
+    bool isDynamicText(std::uint32_t index) const;
 
     static constexpr std::uint32_t root = 0;
 
     std::vector<RE_Syntax_Set> sets;
     std::vector<std::u16string> names;
+    std::vector<RE_Syntax_Dynamic> dynamics;
     std::uint64_t groupCount = 0;
 
 private:

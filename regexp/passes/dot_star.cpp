@@ -47,7 +47,11 @@ public:
     Rewriter(RE_ParserContext& parserContext, RE_Node* graphRoot) : context(parserContext), root(graphRoot) {}
 
     RE_Node* run() {
-        dropRepeatedChoices();
+        // Tried again, X may call the host again.
+        if (!context.facts->hasDynamicNodes) {
+            dropRepeatedChoices();
+        }
+        root = removeNullNodes(context, root);
         replaceWhere([this](RE_Node* node) { return loopNode(node); });
         replaceWhere([this](RE_Node* node) { return possessiveNode(node); });
         return root;
@@ -58,21 +62,18 @@ private:
 
     // S(X, T(X, Y)): once X has failed behind S it fails behind T, so S may as well be T.
     void dropRepeatedChoices() {
-        {
-            const RE_Collection graph(root);
-            for (RE_Node* node : graph.nodes()) {
-                auto* const split = dynamic_cast<RE_Split*>(node);
-                auto* const second = split != nullptr && !split->isCounter
-                                         ? dynamic_cast<RE_Split*>(throughSkippable(split->alternative))
-                                         : nullptr;
-                if (second != nullptr && second != split && !second->isCounter && !second->skippable &&
-                    sameNode(second->nextNode, split->nextNode)) {
-                    std::swap(split->nextNode, split->alternative);
-                    split->skippable = true;
-                }
+        const RE_Collection graph(root);
+        for (RE_Node* node : graph.nodes()) {
+            auto* const split = dynamic_cast<RE_Split*>(node);
+            auto* const second = split != nullptr && !split->isCounter
+                                     ? dynamic_cast<RE_Split*>(throughSkippable(split->alternative))
+                                     : nullptr;
+            if (second != nullptr && second != split && !second->isCounter && !second->skippable &&
+                sameNode(second->nextNode, split->nextNode)) {
+                std::swap(split->nextNode, split->alternative);
+                split->skippable = true;
             }
         }
-        root = removeNullNodes(context, root);
     }
 
     template <class Replacement>

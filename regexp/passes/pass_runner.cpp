@@ -4,6 +4,7 @@
 #include "regexp/passes/dot_star.h"
 #include "regexp/passes/linear_subpatterns.h"
 #include "regexp/passes/null_nodes.h"
+#include "regexp/passes/possessive_loops.h"
 #include "regexp/passes/start_finder.h"
 
 namespace {
@@ -20,6 +21,7 @@ constexpr Pass passes[] = {
     {RE_Stage::null_nodes, &CompileOptions::optimizeNullNodes, removeNullNodes},
     {RE_Stage::linear, &CompileOptions::optimizeLinearSubpatterns, joinLinearSubpatterns},
     {RE_Stage::dot_star, &CompileOptions::optimizeDotStar, rewriteDotStar},
+    {RE_Stage::dot_star, &CompileOptions::optimizeDotStar, makeLoopsPossessive},
     {RE_Stage::dot_star, &CompileOptions::optimizeDotStar, chooseStartFinder},
 };
 

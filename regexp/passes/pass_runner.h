@@ -2,13 +2,11 @@
 #pragma once
 
 #include "regexp/parser/parser_context.h"
+#include "regexp/tree.h"
 
 #include <functional>
 
 class RE_Node;
-
-/// Stages of a graph, as shown to people.
-enum class RE_Stage { parsed, null_nodes, linear, dot_star };
 
 /// Called after each stage that ran.
 using RE_Stage_Observer = std::function<void(RE_Stage, RE_Node* root)>;

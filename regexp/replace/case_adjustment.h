@@ -4,11 +4,11 @@
 #include <cstddef>
 #include <string_view>
 
-/// How letters are cased. Blanks and underscores separate words; letters without case, and words without letters that
-/// have one, do not count. The first form that fits is the form.
+/// How letters are cased. Blanks and underscores separate words; letters without case, and words without
+/// letters that have one, do not count. The first form that fits is the form.
 enum class RE_Case_Form {
-    lower,       ///< no upper-case letter
-    upper,       ///< no lower-case letter
+    lower,       ///< at least one lower-case letter and no upper-case one
+    upper,       ///< at least one upper-case letter and no lower-case one
     every_word,  ///< each word starts with an upper-case letter and goes on in lower case; it may be one letter
     first_word,  ///< the first word does, the others are lower case
     irregular    ///< anything else, and text without cased letters

@@ -25,8 +25,13 @@ RE_Replace::RE_Replace(const char* text) {
 }
 
 RE_Replace::RE_Replace(const char16_t* text, std::size_t length, RE_Flags flags, RE_Context* context)
-    : interruptible(context->allow_interrupt()) {
-    parse(text, length, flags, context);
+    : interruptible(context != nullptr && context->allow_interrupt()) {
+    if (context != nullptr) {
+        parse(text, length, flags, context);
+    } else {
+        RE_Context fallback;
+        parse(text, length, flags, &fallback);
+    }
 }
 
 RE_Replace::RE_Replace(RE_ParserContext* parserContext, const char16_t* text, std::size_t length)
@@ -38,6 +43,14 @@ RE_Replace::RE_Replace(RE_Replace&& other) noexcept
     : first(std::exchange(other.first, nullptr)),
       referenceCount(std::exchange(other.referenceCount, 0)),
       interruptible(other.interruptible) {}
+
+RE_Replace& RE_Replace::operator=(RE_Replace&& other) noexcept {
+    RE_Replace taken(std::move(other));
+    std::swap(first, taken.first);
+    referenceCount = taken.referenceCount;
+    interruptible = taken.interruptible;
+    return *this;
+}
 
 RE_Replace::~RE_Replace() {
     delete first;

@@ -2,7 +2,7 @@
 #include "regexp/replace/replace_nodes.h"
 
 #include "host/interrupt.h"
-#include "regexp/eval/evaluation_io.h"
+#include "regexp/eval/evaluators.h"
 #include "regexp/nodes/label_text.h"
 #include "regexp/replace/piece_writer.h"
 
@@ -71,17 +71,25 @@ void RE_Replace_String::graph(std::string& out, std::size_t number) const {
     appendGraphNode(out, number, "'" + labelText(text, length) + "'");
 }
 
-RE_Replace_Evaluator::RE_Replace_Evaluator(RE_Replace_Node* previous, RE_ParserContext*,
+RE_Replace_Evaluator::RE_Replace_Evaluator(RE_Replace_Node* previous, RE_ParserContext* parserContext,
                                            const char16_t* expression, std::size_t length)
-    : text(expression, length) {
+    : text(expression, length), evaluator(new RE_String_Evaluator(*parserContext, expression, length)) {
     attach(previous);
 }
 
-// Nothing here runs expressions, so each of them yields nothing: the replacement ends at its next look at the
-// interrupt flag.
-char16_t* RE_Replace_Evaluator::build_piece(char16_t* buffer, std::size_t*, std::size_t*, RE_Results*) const {
-    utInterruptState::SetInterruptPending(true);
-    return buffer;
+RE_Replace_Evaluator::~RE_Replace_Evaluator() = default;
+
+// Where the evaluation fails the replacement ends at its next look at the interrupt flag.
+char16_t* RE_Replace_Evaluator::build_piece(char16_t* buffer, std::size_t* length, std::size_t* capacity,
+                                            RE_Results* results) const {
+    RE_Piece_Writer writer(buffer, length, capacity);
+    const std::unique_ptr<RE_Evaluation_IO> value = evaluator->evaluate(results);
+    if (value != nullptr) {
+        writer.append({value->get_string(), value->get_length()});
+    } else {
+        utInterruptState::SetInterruptPending(true);
+    }
+    return writer.release();
 }
 
 void RE_Replace_Evaluator::graph(std::string& out, std::size_t number) const {

@@ -1,12 +1,14 @@
 // The links of a compiled replacement: literal text and references, in turn.
 //
-// A chain starts with literal text, possibly empty, and has one behind each reference. It is owned from its head.
+// A chain starts with literal text, possibly empty, and has one behind each reference. It is owned from its
+// head.
 #pragma once
 
 #include "regexp/replace/replaceable.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -14,6 +16,7 @@ class RE_Context;
 class RE_Evaluation_IO;
 class RE_Evaluation_Tokens;
 class RE_ParserContext;
+class RE_String_Evaluator;
 
 class CORVANE_REGEXP_EXPORT RE_Replace_Node : public RE_Replaceable {
 public:
@@ -29,7 +32,8 @@ public:
     virtual void register_token(RE_Evaluation_Tokens* tokens) const;
     /// Adds what the node is in the text of a host function: its literal text or the name of its variable.
     virtual void append_fcn_text(RE_Evaluation_IO* text, const RE_Evaluation_Tokens* tokens) const;
-    /// Inserts this node's own piece at `*length`, which grows by it. Takes the buffer over as `build_replace` does.
+    /// Inserts this node's own piece at `*length`, which grows by it. Takes the buffer over as
+    /// `build_replace` does.
     virtual char16_t* build_piece(char16_t* buffer, std::size_t* length, std::size_t* capacity,
                                   RE_Results* results) const = 0;
     /// Appends the node in the graph language, under this number.
@@ -39,8 +43,8 @@ public:
 
 protected:
     RE_Replace_Node() = default;
-    /// Makes this the next node of `previous`, which may be null. The last step of every constructor, so that a
-    /// chain never holds a node that was not finished.
+    /// Makes this the next node of `previous`, which may be null. The last step of every constructor, so that
+    /// a chain never holds a node that was not finished.
     void attach(RE_Replace_Node* previous) noexcept;
 
 private:
@@ -142,8 +146,10 @@ public:
 
     char16_t* build_piece(char16_t* buffer, std::size_t* length, std::size_t* capacity,
                           RE_Results* results) const override;
+    ~RE_Replace_Evaluator() override;
     void graph(std::string& out, std::size_t number) const override;
 
 private:
-    std::u16string text;
+    std::u16string text;  // as written, for the graph
+    std::unique_ptr<const RE_String_Evaluator> evaluator;
 };

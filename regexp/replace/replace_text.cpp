@@ -9,8 +9,8 @@
 
 namespace {
 
-/// A request to stop that came before the work does not stop it. It is there again afterwards; so is one that came
-/// in between.
+/// A request to stop that came before the work does not stop it. It is there again afterwards; so is one that
+/// came in between.
 class Interrupt_Bracket {
 public:
     explicit Interrupt_Bracket(bool interruptible)
@@ -43,8 +43,17 @@ struct Wide_Text {
 
 std::u16string RE_Replace::replace(std::u16string_view subject, const RE_Tree& tree, bool adjustCase,
                                    std::size_t which) const {
+    std::size_t matches = 0;
+    return replace(subject, tree, adjustCase, which, &matches);
+}
+
+std::u16string RE_Replace::replace(std::u16string_view subject, const RE_Tree& tree, bool adjustCase,
+                                   std::size_t which, std::size_t* matches) const {
     const Interrupt_Bracket bracket(interruptible);
-    return RE_Replacement_Run(*this, tree, subject, {adjustCase, which, interruptible}).run();
+    RE_Replacement_Run run(*this, tree, subject, {adjustCase, which, interruptible});
+    std::u16string result = run.run();
+    *matches = run.matchesMet();
+    return result;
 }
 
 std::u16string RE_Replace::replace(std::u16string_view subject, const RE_Tree& tree, bool adjustCase,

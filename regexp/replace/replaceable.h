@@ -8,8 +8,8 @@
 
 class CORVANE_REGEXP_EXPORT RE_Replaceable : public RE_Memory {
 public:
-    /// Writes the text for one match behind the `*length` units that the buffer (of the host's allocator) holds, and
-    /// returns the buffer, which may have moved. Lengths and capacities count code units.
+    /// Writes the text for one match behind the `*length` units that the buffer (of the host's allocator)
+    /// holds, and returns the buffer, which may have moved. Lengths and capacities count code units.
     ///
     /// The buffer is taken over: when an exception leaves this function, the buffer has been freed.
     virtual char16_t* build_replace(char16_t* buffer, std::size_t* length, std::size_t* capacity,

@@ -1,7 +1,6 @@
 #include "regexp/replace/replacement_reader.h"
 
 #include "regexp/parser/escapes.h"
-#include "regexp/parser/names.h"
 
 #include <limits>
 
@@ -50,8 +49,8 @@ bool RE_Replacement_Reader::readSpecial(char16_t sign) {
     return true;
 }
 
-// Stops before the number would overflow; the digits left are text. Which of its leading digits name the token is
-// known only when a match is there, so the tokens of all of them count as referenced.
+// Stops before the number would overflow; the digits left are text. Which of its leading digits name the
+// token is known only when a match is there, so the tokens of all of them count as referenced.
 bool RE_Replacement_Reader::readNumber() {
     constexpr std::size_t most = std::numeric_limits<std::size_t>::max();
     std::size_t number = 0;
@@ -70,10 +69,10 @@ bool RE_Replacement_Reader::readNumber() {
     return true;
 }
 
-// Blanks in the brackets (free spacing) are not counted when reading goes on: as many units of the reference's end as
-// there are blanks are read again as text.
+// Blanks in the brackets (free spacing) are not counted when reading goes on: as many units of the
+// reference's end as there are blanks are read again as text.
 bool RE_Replacement_Reader::readName() {
-    const RE_Name name = ::readName(text, length, at + 2, context.flags);
+    const RE_Name name = names.read(at + 2);
     if (name.text.empty()) {
         return false;
     }

@@ -5,6 +5,7 @@
 
 #include "regexp/parser/parser_context.h"
 #include "regexp/replace/brace_matcher.h"
+#include "regexp/replace/name_reader.h"
 #include "regexp/replace/replace_nodes.h"
 
 #include <cstddef>
@@ -13,7 +14,11 @@
 class RE_Replacement_Reader {
 public:
     RE_Replacement_Reader(RE_ParserContext& parserContext, const char16_t* units, std::size_t count)
-        : context(parserContext), text(units), length(count), braces(units, count, parserContext.flags) {}
+        : context(parserContext),
+          text(units),
+          length(count),
+          braces(units, count, parserContext.flags),
+          names(units, count, parserContext.flags) {}
 
     /// The head of the chain. Called once.
     std::unique_ptr<RE_Replace_Node> read();
@@ -35,6 +40,7 @@ private:
     const char16_t* text;
     std::size_t length;
     RE_Brace_Matcher braces;
+    RE_Name_Reader names;
     std::size_t at = 0;
     RE_Replace_String* literal = nullptr;  ///< the last node, which collects plain text
     std::size_t referenceCount = 0;

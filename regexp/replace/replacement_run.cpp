@@ -28,6 +28,9 @@ std::u16string RE_Replacement_Run::run() {
     output.reserve(subject.size());
     for (std::size_t position = 0; position <= subject.size();) {
         RE_Results* const match = matches.find(position);
+        if (matches.wasInterrupted()) {
+            return std::move(output);
+        }
         if (match == nullptr) {
             break;
         }

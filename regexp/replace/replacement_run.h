@@ -26,6 +26,7 @@ public:
     /// The text after the replacement. When the host asks to stop, what was written up to then. Called once.
     std::u16string run();
     RE_Search_Report report() const { return matches.report(); }
+    std::size_t matchesMet() const { return matchCount; }
 
 private:
     /// The buffer in which the text for a match is built, kept from match to match.

@@ -10,17 +10,35 @@
 /// How many units are looked at between two questions to the host.
 inline constexpr std::size_t RE_SCAN_POLL_UNITS = 0x10000;
 
-/// First position in [p, end) at which `holds`, or null.
 template <class Test>
-const char16_t* scanForward(const char16_t* p, const char16_t* end, RE_Search_Info& info, Test holds) {
+const char16_t* firstWhere(const char16_t* p, const char16_t* end, Test holds) {
+    while (p < end && !holds(p)) {
+        ++p;
+    }
+    return p;
+}
+
+template <class Test>
+const char16_t* lastWhere(const char16_t* p, const char16_t* end, Test holds) {
+    while (end > p) {
+        if (holds(--end)) {
+            return end;
+        }
+    }
+    return nullptr;
+}
+
+/// Runs `find` (p, end) -> first position that counts, or end, over [p, end) block by block. Null when there is none.
+template <class Find>
+const char16_t* scanForward(const char16_t* p, const char16_t* end, RE_Search_Info& info, Find find) {
     while (p < end) {
         const char16_t* const stop =
             p + std::min<std::size_t>(static_cast<std::size_t>(end - p), RE_SCAN_POLL_UNITS);
-        for (; p < stop; ++p) {
-            if (holds(p)) {
-                return p;
-            }
+        const char16_t* const found = find(p, stop);
+        if (found != stop) {
+            return found;
         }
+        p = stop;
         if (info.pollScan()) {
             return nullptr;
         }
@@ -28,16 +46,16 @@ const char16_t* scanForward(const char16_t* p, const char16_t* end, RE_Search_In
     return nullptr;
 }
 
-/// Last position in [first, first + count) at which `holds`, or null.
-template <class Test>
-const char16_t* scanBackward(const char16_t* first, std::size_t count, RE_Search_Info& info, Test holds) {
-    while (count > 0) {
-        const std::size_t stop = count - std::min(count, RE_SCAN_POLL_UNITS);
-        for (; count > stop; --count) {
-            if (holds(first + count - 1)) {
-                return first + count - 1;
-            }
+/// Runs `find` (p, end) -> last position that counts, or null, over [first, end) from its end on, block by block.
+template <class Find>
+const char16_t* scanBackward(const char16_t* first, const char16_t* end, RE_Search_Info& info, Find find) {
+    while (first < end) {
+        const char16_t* const from =
+            end - std::min<std::size_t>(static_cast<std::size_t>(end - first), RE_SCAN_POLL_UNITS);
+        if (const char16_t* const found = find(from, end)) {
+            return found;
         }
+        end = from;
         if (info.pollScan()) {
             return nullptr;
         }

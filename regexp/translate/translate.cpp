@@ -2,6 +2,7 @@
 #include "regexp/translate/translate.h"
 
 #include "host/i18n.h"
+#include "regexp/builder/algebra.h"
 #include "regexp/replace/replace.h"
 #include "regexp/tree.h"
 
@@ -9,6 +10,8 @@
 #include <array>
 
 namespace {
+
+using namespace RE_Builder_Space;
 
 constexpr std::u16string_view metacharacters = u"$^.\\+[](){}|-*?";
 
@@ -49,9 +52,9 @@ std::u16string RE_Translate::escape(std::u16string_view text) {
 
 // The order matters: the dots that stand for * and ? must not be escaped.
 std::u16string RE_Translate::translateWildcard(std::u16string_view text) {
-    static const RE_Tree metacharacter(std::u16string(u"[\\$\\^\\.\\\\\\+\\[\\]\\(\\)\\{\\}\\|\\-]"), false);
-    static const RE_Tree star(std::u16string(u"\\*"), false);
-    static const RE_Tree question(std::u16string(u"\\?"), false);
+    static const RE_Tree metacharacter(one_of(RE_SetItem(u"$^.\\+[](){}|-")), false);
+    static const RE_Tree star(literal(u"*"), false);
+    static const RE_Tree question(literal(u"?"), false);
     static const RE_Replace anyText(u".*");
     static const RE_Replace anyUnit(u".");
     const std::u16string escaped = replaceAll(text, metacharacter, backslashBefore());
@@ -59,7 +62,7 @@ std::u16string RE_Translate::translateWildcard(std::u16string_view text) {
 }
 
 std::u16string RE_Translate::makeWhitespaceSpaces(std::u16string_view text) {
-    static const RE_Tree whitespace(std::u16string(u"[\\s\\0]"), false);
+    static const RE_Tree whitespace(one_of(RE_Set(RE_SET_SPACE) + RE_Set(RE_SET_NULL)), false);
     static const RE_Replace space(u" ");
     return replaceAll(text, whitespace, space);
 }

@@ -21,6 +21,8 @@ void setOption(CompileOptions& options, std::string_view name, const boost::any&
     throw std::invalid_argument("no option " + std::string(name));
 }
 
+}  // namespace
+
 const CompileOptions& configured(CompileOptions& options, const EngineConfig& config) {
     setOption(options, "OptimizeLinearSubpatterns", config.linearSubpatterns);
     setOption(options, "OptimizeDotStar", config.dotStar);

@@ -5,6 +5,7 @@
 #include "regexp/regexp.h"
 #include "tests/support/outcome.h"
 
+#include <memory>
 #include <optional>
 #include <ostream>
 #include <string_view>
@@ -29,6 +30,11 @@ std::ostream& operator<<(std::ostream& out, const EngineConfig& config);
 
 /// All on/off combinations of the optimisations, inline thresholds 0 and 1024, profiling off and on.
 const std::vector<EngineConfig>& allConfigs();
+
+/// Stores the setting in the options.
+const Corvane::regexp::CompileOptions& configured(Corvane::regexp::CompileOptions& options,
+                                                  const EngineConfig& config);
+Outcome toOutcome(const std::unique_ptr<RE_Results>& results);
 
 struct Warning {
     unsigned number = 0;

@@ -1,0 +1,2 @@
+-- Definitions for an example of docs/cvregexp.md.
+count = 0

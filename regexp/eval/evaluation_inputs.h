@@ -1,0 +1,42 @@
+// A list of texts handed to the host: the names of variables, or the values of one call.
+#pragma once
+
+#include "regexp/eval/evaluation_io.h"
+#include "regexp/memory.h"
+
+#include <cstddef>
+
+class RE_Replaceable;
+class RE_Results;
+
+/// Owns its items, which may be null.
+class CORVANE_REGEXP_EXPORT RE_Evaluation_Inputs : public RE_Memory {
+public:
+    RE_Evaluation_Inputs() = default;
+    /// `n` null items.
+    explicit RE_Evaluation_Inputs(std::size_t n);
+    /// A deep copy.
+    explicit RE_Evaluation_Inputs(const RE_Evaluation_Inputs* other);
+    ~RE_Evaluation_Inputs();
+    RE_Evaluation_Inputs(const RE_Evaluation_Inputs&) = delete;
+    RE_Evaluation_Inputs& operator=(const RE_Evaluation_Inputs&) = delete;
+
+    /// Takes the text over. One that is there already is freed instead, so this builds sets and must not be used where
+    /// the place of an item means something.
+    void add(RE_Evaluation_IO* text);
+    /// Takes the text over, in place of the one at `index`.
+    void set_input(std::size_t index, RE_Evaluation_IO* text);
+    RE_Evaluation_IO* get_input(std::size_t index) const { return items[index]; }
+    std::size_t get_length() const { return count; }
+    /// Makes the item at `index` the text that `source` writes for a match.
+    void construct_input(std::size_t index, const RE_Replaceable* source, RE_Results* results);
+    /// Appends the items to `text`, separated by commas.
+    void append_to_fcn_call(RE_Evaluation_IO* text) const;
+
+private:
+    void initialize(std::size_t n);
+
+    std::size_t count = 0;
+    std::size_t capacity = 0;
+    RE_Evaluation_IO** items = nullptr;
+};

@@ -1,0 +1,67 @@
+#include "regexp/eval/evaluators.h"
+
+#include "regexp/parser/parser_context.h"
+
+namespace {
+
+/// Inside the text of an expression no further ones may stand.
+class Suppress_Evaluation {
+public:
+    explicit Suppress_Evaluation(RE_ParserContext& parserContext)
+        : parser(parserContext), before(parserContext.evaluationSuppressed) {
+        parser.evaluationSuppressed = true;
+    }
+    ~Suppress_Evaluation() { parser.evaluationSuppressed = before; }
+    Suppress_Evaluation(const Suppress_Evaluation&) = delete;
+    Suppress_Evaluation& operator=(const Suppress_Evaluation&) = delete;
+
+private:
+    RE_ParserContext& parser;
+    bool before;
+};
+
+RE_Replace compileExpression(RE_ParserContext& parser, const char16_t* text, std::size_t length) {
+    const Suppress_Evaluation suppressed(parser);
+    return RE_Replace(&parser, text, length);
+}
+
+}  // namespace
+
+RE_Evaluator::RE_Evaluator(RE_ParserContext& parser, const char16_t* text, std::size_t length)
+    : expression(compileExpression(parser, text, length)) {
+    context.reset(parser.context->clone());
+    context->set_string(text, length);
+    tokens.reset(expression.create_tokens());
+}
+
+RE_Evaluator::~RE_Evaluator() = default;
+
+RE_Function_Evaluator::RE_Function_Evaluator(RE_ParserContext& parser, const char16_t* text,
+                                             std::size_t length)
+    : RE_Evaluator(parser, text, length) {
+    tokens->create_variables(context.get());
+    const std::unique_ptr<RE_Evaluation_IO> body(expression.build_fcn(tokens.get()));
+    context->create_fcn(body.get(), tokens->get_variables());
+}
+
+std::unique_ptr<RE_Evaluation_IO> RE_String_Evaluator::evaluate(RE_Results* results) const {
+    const std::unique_ptr<RE_Evaluation_Inputs> inputs = tokens->create_inputs(results);
+    return std::unique_ptr<RE_Evaluation_IO>(context->evaluate_string(inputs.get()));
+}
+
+bool RE_Bool_Evaluator::evaluate(RE_Results* results) const {
+    const std::unique_ptr<RE_Evaluation_Inputs> inputs = tokens->create_inputs(results);
+    return context->evaluate_bool(inputs.get());
+}
+
+RE_Script_Evaluator::RE_Script_Evaluator(RE_ParserContext& parser, const char16_t* text, std::size_t length)
+    : RE_Evaluator(parser, text, length) {
+    tokens->create_variables(context.get());
+    variables.reset(new RE_Evaluation_Inputs(tokens->get_variables()));
+    script.reset(expression.build_fcn(tokens.get()));
+}
+
+void RE_Script_Evaluator::evaluate(RE_Results* results) const {
+    const std::unique_ptr<RE_Evaluation_Inputs> inputs = tokens->create_inputs(results);
+    context->evaluate_script(script.get(), variables.get(), inputs.get());
+}

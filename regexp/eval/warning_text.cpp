@@ -1,0 +1,204 @@
+#include "regexp/eval/warning_text.h"
+
+#include <algorithm>
+#include <array>
+#include <vector>
+
+namespace {
+
+constexpr std::array<RE_Warning_Description, 23> descriptions = {{
+    {"none", "no warning has this number"},
+    {"unknown-escape", "this escape has no meaning here"},
+    {"bad-octal", "\\o needs octal digits in braces"},
+    {"bad-hexadecimal", "\\x needs hexadecimal digits"},
+    {"trailing-backslash", "the text ends in a single backslash"},
+    {"unmatched-open", "this \"(\" is never closed"},
+    {"unmatched-close", "this \")\" closes no group"},
+    {"unclosed-set", "this \"[\" is never closed"},
+    {"nothing-to-repeat", "there is nothing before this quantifier to repeat"},
+    {"unclosed-quantifier", "this \"{\" is never closed"},
+    {"repeated-dropped", "the construct before this quantifier was dropped, so nothing is repeated"},
+    {"bad-name",
+     "a group name must start with a letter, hold only letters, digits and \"_\", and end in \">\""},
+    {"name-without-token", "a named group creates no token here"},
+    {"second-minus", "a mode list can have only one \"-\""},
+    {"undefined-name", "no group has this name"},
+    {"bad-mode-letter", "this is not a mode letter"},
+    {"bad-mode", "the mode list names no mode"},
+    {"evaluation-disabled", "expressions cannot be evaluated here"},
+    {"unclosed-condition", "the condition of this group is never closed"},
+    {"bad-condition", "a condition must be a token's number or name, a lookaround or an expression"},
+    {"bad-quantifier", "a counted quantifier must be {n}, {n,} or {n,m} with n not above m"},
+    {"bad-reference", "this \"$\" starts no valid reference"},
+    {"too-deep", "this construct is nested too deeply or grows too large"},
+}};
+
+using View = std::u16string_view;
+
+bool isNameUnit(char16_t unit) {
+    const char16_t lower = unit | 0x20;
+    return (lower >= u'a' && lower <= u'z') || (unit >= u'0' && unit <= u'9') || unit == u'_';
+}
+
+/// Units from `start` up to the first of `last`, with it; one unit when there is none.
+std::size_t lengthThrough(View text, std::size_t start, char16_t last) {
+    const std::size_t end = text.find(last, start);
+    return end == View::npos ? 1 : end - start + 1;
+}
+
+std::size_t editDistance(View a, View b) {
+    std::vector<std::size_t> row(b.size() + 1);
+    for (std::size_t j = 0; j <= b.size(); ++j) {
+        row[j] = j;
+    }
+    for (std::size_t i = 1; i <= a.size(); ++i) {
+        std::size_t diagonal = row[0]++;
+        for (std::size_t j = 1; j <= b.size(); ++j) {
+            const std::size_t replaced = diagonal + (a[i - 1] == b[j - 1] ? 0 : 1);
+            diagonal = row[j];
+            row[j] = std::min({row[j] + 1, row[j - 1] + 1, replaced});
+        }
+    }
+    return row[b.size()];
+}
+
+/// The name of a group in the text that may have been meant, or none.
+View nearestName(View text, View wanted) {
+    constexpr View opening = u"(?<";
+    constexpr std::size_t longestCompared = 64;
+    View nearest;
+    std::size_t least = std::min<std::size_t>(3, wanted.size());
+    for (std::size_t at = text.find(opening); at != View::npos && wanted.size() <= longestCompared;
+         at = text.find(opening, at + 1)) {
+        const std::size_t start = at + opening.size();
+        std::size_t end = start;
+        while (end < text.size() && isNameUnit(text[end])) {
+            ++end;
+        }
+        const View name = text.substr(start, end - start);
+        const std::size_t distance = name.size() <= longestCompared ? editDistance(name, wanted) : least;
+        if (!name.empty() && distance < least) {
+            nearest = name;
+            least = distance;
+        }
+    }
+    return nearest;
+}
+
+RE_Warning_Span escapeSpan(RE_Warning warning, View text, std::size_t where) {
+    const std::size_t start = where > 0 && text[where - 1] == u'\\' ? where - 1 : where;
+    const std::size_t letter = start + (text[start] == u'\\' ? 1 : 0);
+    const bool braced = letter + 1 < text.size() && text[letter + 1] == u'{';
+    const bool isNumber = letter < text.size() && (text[letter] == u'x' || text[letter] == u'o');
+    const std::size_t end =
+        isNumber && braced ? letter + lengthThrough(text, letter, u'}') : std::min(letter + 1, text.size());
+    RE_Warning_Span span{start, end - start, {}};
+    const bool isLetter = letter < text.size() && (text[letter] < u'0' || text[letter] > u'9');
+    if (warning == RE_WARNING_UNKNOWN_ESCAPE && isLetter && !isNumber) {
+        span.correction = text.substr(letter, 1);
+    }
+    return span;
+}
+
+/// A malformed name reaches to its > or to the end of its group, whichever comes first.
+RE_Warning_Span badNameSpan(View text, std::size_t where) {
+    const std::size_t end = text.find_first_of(u">)", where);
+    if (end == View::npos) {
+        return {where, 1, {}};
+    }
+    return {where, end - where + (text[end] == u'>' ? 1 : 0), {}};
+}
+
+RE_Warning_Span nameSpan(View text, std::size_t where) {
+    const bool isEscape = text[where] == u'\\';
+    const std::size_t start = isEscape ? std::min(where + 3, text.size()) : where;
+    std::size_t end = start;
+    while (end < text.size() && isNameUnit(text[end])) {
+        ++end;
+    }
+    RE_Warning_Span span{start, end - start, {}};
+    const View nearest = nearestName(text, text.substr(start, end - start));
+    if (!nearest.empty()) {
+        span.correction = nearest;
+    }
+    return span;
+}
+
+/// {,m} and {n,m} with n above m have a plain meaning; other braces were probably meant as they stand.
+std::u16string correctedQuantifier(View braces) {
+    const View inside = braces.substr(1, braces.size() - 2);
+    const std::size_t comma = inside.find(u',');
+    const auto isNumber = [](View digits) {
+        return !digits.empty() &&
+               std::ranges::all_of(digits, [](char16_t unit) { return unit >= u'0' && unit <= u'9'; });
+    };
+    if (comma != View::npos && isNumber(inside.substr(comma + 1))) {
+        const std::u16string first(inside.substr(0, comma));
+        const std::u16string second(inside.substr(comma + 1));
+        if (first.empty()) {
+            return u"{0," + second + u"}";
+        }
+        if (isNumber(first)) {
+            return u"{" + second + u"," + first + u"}";
+        }
+    }
+    return u"\\" + std::u16string(braces);
+}
+
+RE_Warning_Span quantifierSpan(RE_Warning warning, View text, std::size_t where) {
+    const bool braces = text[where] == u'{' && warning != RE_WARNING_UNCLOSED_QUANTIFIER;
+    RE_Warning_Span span{where, braces ? lengthThrough(text, where, u'}') : 1, {}};
+    const View own = text.substr(where, span.length);
+    if (warning == RE_WARNING_REPEATED_DROPPED) {
+        span.correction = u"";
+    } else if (warning == RE_WARNING_BAD_QUANTIFIER && own.ends_with(u'}')) {
+        span.correction = correctedQuantifier(own);
+    } else {
+        span.correction = u"\\" + std::u16string(own);
+    }
+    return span;
+}
+
+}  // namespace
+
+const RE_Warning_Description& describe(RE_Warning warning) {
+    const auto number = static_cast<std::size_t>(warning);
+    return descriptions[number < descriptions.size() ? number : 0];
+}
+
+RE_Warning_Span locateWarning(RE_Warning warning, std::u16string_view text, std::size_t where) {
+    if (where >= text.size()) {
+        return {std::min(where, text.size()), 0, {}};
+    }
+    const std::u16string unit(1, text[where]);
+    switch (warning) {
+        case RE_WARNING_UNKNOWN_ESCAPE:
+        case RE_WARNING_BAD_OCTAL:
+        case RE_WARNING_BAD_HEX:
+            return escapeSpan(warning, text, where);
+        case RE_WARNING_TRAILING_BACKSLASH:
+        case RE_WARNING_UNMATCHED_OPEN:
+        case RE_WARNING_UNMATCHED_CLOSE:
+        case RE_WARNING_UNCLOSED_SET:
+        case RE_WARNING_BAD_REFERENCE:
+            return {where, 1, u"\\" + unit};
+        case RE_WARNING_NOTHING_TO_REPEAT:
+        case RE_WARNING_UNCLOSED_QUANTIFIER:
+        case RE_WARNING_REPEATED_DROPPED:
+        case RE_WARNING_BAD_QUANTIFIER:
+            return quantifierSpan(warning, text, where);
+        case RE_WARNING_BAD_NAME:
+            return badNameSpan(text, where);
+        case RE_WARNING_NAME_WITHOUT_TOKEN:
+            return {where, lengthThrough(text, where, u'>'), u":"};
+        case RE_WARNING_SECOND_MINUS:
+        case RE_WARNING_BAD_MODE_AFTER_LETTERS:
+            return {where, 1, u""};
+        case RE_WARNING_UNDEFINED_NAME:
+            return nameSpan(text, where);
+        case RE_WARNING_BAD_CONDITION:
+            return {where, std::max<std::size_t>(lengthThrough(text, where, u')'), 2) - 1, {}};
+        default:
+            return {where, 1, {}};
+    }
+}

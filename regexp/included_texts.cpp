@@ -1,0 +1,55 @@
+#include "regexp/included_texts.h"
+
+#include "regexp/graph_facts.h"
+#include "regexp/search_info.h"
+#include "regexp/tree.h"
+
+#include <utility>
+
+RE_Included_Texts::RE_Included_Texts() = default;
+
+RE_Included_Texts::~RE_Included_Texts() = default;
+
+RE_Sub_Pattern_Place RE_Included_Texts::nextPlace(const RE_Sub_Pattern_Place& first) const {
+    if (texts.empty()) {
+        return first;
+    }
+    const RE_Graph_Facts& last = *texts.back().tree->facts;
+    return {last.memoRows, last.passRegisters};
+}
+
+void RE_Included_Texts::add(std::unique_ptr<RE_Tree> text, std::int32_t slot) {
+    texts.push_back({std::move(text), slot, false});
+}
+
+const RE_Node* RE_Included_Texts::root() const {
+    return texts.back().tree->root;
+}
+
+// Whichever text's end this is: the texts behind it were left before, so each of them is either spent or has choices
+// of its own on top of the stack, and then so has this one.
+void RE_Included_Texts::endReached(RE_Search_Info& info) {
+    while (!texts.empty() && texts.back().spent) {
+        dropLast(info);
+    }
+    if (!texts.empty() && texts.back().slot == info.backtrack.top) {
+        texts.back().spent = true;
+        --info.backtrack.top;
+    }
+}
+
+void RE_Included_Texts::trim(RE_Search_Info& info) {
+    while (!texts.empty() && (texts.back().spent || texts.back().slot > info.backtrack.top)) {
+        dropLast(info);
+    }
+}
+
+// Addresses recur: a later text must not meet the counts of this one.
+void RE_Included_Texts::dropLast(RE_Search_Info& info) {
+    if (!info.counterStacks.empty()) {
+        for (const RE_Node* node : texts.back().tree->facts->nodes) {
+            info.counterStacks.erase(node);
+        }
+    }
+    texts.pop_back();
+}

@@ -1,0 +1,56 @@
+// The dynamic texts that a search has compiled and may still come back to.
+//
+// A dynamic node compiles its text into a pattern of its own, whose end leads on to the node behind it: the text is
+// matched as if it stood there. Its nodes must live as long as any choice of the search lies in them, so each text
+// belongs to the record that its dynamic node leaves behind, and goes when that record does.
+#pragma once
+
+#include "regexp/memory.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+class RE_Node;
+class RE_Search_Info;
+class RE_Tree;
+
+/// Where the numbers of a sub-pattern's nodes begin, so that they differ from those of the patterns around it.
+struct RE_Sub_Pattern_Place {
+    std::uint32_t memoRow = 0;
+    std::size_t passRegister = 0;
+};
+
+/// Texts in the order in which they were included; those of later records stand behind those of earlier ones.
+class RE_Included_Texts : public RE_Memory {
+public:
+    RE_Included_Texts();
+    ~RE_Included_Texts();
+    RE_Included_Texts(const RE_Included_Texts&) = delete;
+    RE_Included_Texts& operator=(const RE_Included_Texts&) = delete;
+
+    /// The place behind those of all texts that are kept, which begin at `first`.
+    RE_Sub_Pattern_Place nextPlace(const RE_Sub_Pattern_Place& first) const;
+    /// Keeps a text for as long as the record at index `slot` stands.
+    void add(std::unique_ptr<RE_Tree> text, std::int32_t slot);
+    /// The first node of the text that was added last.
+    const RE_Node* root() const;
+
+    /// The end of a text was reached. When its record is the most recent one the text cannot be entered again: the
+    /// record is dropped and the text goes with the next call of `trim`, since its end node is still in use.
+    void endReached(RE_Search_Info& info);
+    /// Frees the texts whose records are gone, and forgets what the search knows by the addresses of their nodes.
+    void trim(RE_Search_Info& info);
+
+private:
+    struct Text {
+        std::unique_ptr<RE_Tree> tree;
+        std::int32_t slot;
+        bool spent;  ///< left for good; its record is gone
+    };
+
+    void dropLast(RE_Search_Info& info);
+
+    std::vector<Text, RE_Allocator<Text>> texts;
+};

@@ -1,0 +1,296 @@
+// Ambiguity of automata, after the criteria for the degree of ambiguity: a state with two ways back to itself over one
+// text makes the number of ways exponential; two states p and q, with ways from p to p, from p to q and from q to q
+// over one text, make it polynomial. Ways are followed in step, in the product of the automaton with itself.
+//
+// A search that has entered an accepting state succeeds, so what it loses is lost between such states: the second
+// loop, and the way to it, must do without them.
+#include "regexp/inspect/growth.h"
+
+#include "regexp/inspect/automaton.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <unordered_set>
+#include <utility>
+
+namespace {
+
+using States = std::vector<RE_Automaton_State>;
+using Word = std::vector<std::size_t>;  // of letters
+using Triple = std::array<std::size_t, 3>;
+
+/// The strongly connected components of the states for which `admitted` is set.
+class Components {
+public:
+    static constexpr std::size_t none = static_cast<std::size_t>(-1);
+
+    Components(const States& all, std::vector<bool> admitted)
+        : states(all), open(std::move(admitted)), component(all.size(), none), backward(all.size()) {
+        std::vector<bool> unseen = open;
+        for (std::size_t from = 0; from < states.size(); ++from) {
+            for (const RE_Automaton_Edge& edge : states[from].edges) {
+                if (open[from] && open[edge.target]) {
+                    backward[edge.target].push_back(from);
+                }
+            }
+        }
+        for (std::size_t root = 0; root < states.size(); ++root) {
+            finishFrom(root, unseen);
+        }
+        for (std::size_t i = finished.size(); i-- > 0;) {
+            gather(finished[i]);
+        }
+    }
+
+    /// The number of the component of a state that lies on a loop; `none` for other states.
+    std::size_t of(std::size_t state) const { return component[state]; }
+
+private:
+    void finishFrom(std::size_t root, std::vector<bool>& unseen) {
+        std::vector<std::pair<std::size_t, std::size_t>> path;  // state, edges followed
+        const auto enter = [&](std::size_t state) {
+            if (unseen[state]) {
+                unseen[state] = false;
+                path.emplace_back(state, 0);
+            }
+        };
+        enter(root);
+        while (!path.empty()) {
+            auto& [state, followed] = path.back();
+            if (followed == states[state].edges.size()) {
+                finished.push_back(state);
+                path.pop_back();
+            } else {
+                enter(states[state].edges[followed++].target);
+            }
+        }
+    }
+
+    void gather(std::size_t root) {
+        if (!open[root]) {
+            return;
+        }
+        std::vector<std::size_t> members{root};
+        open[root] = false;
+        for (std::size_t i = 0; i < members.size(); ++i) {
+            for (const std::size_t before : backward[members[i]]) {
+                if (open[before]) {
+                    open[before] = false;
+                    members.push_back(before);
+                }
+            }
+        }
+        const bool loops = members.size() > 1 || std::ranges::count(backward[root], root) != 0;
+        for (const std::size_t member : members) {
+            component[member] = loops ? root : none;
+        }
+    }
+
+    const States& states;
+    std::vector<bool> open;
+    std::vector<std::size_t> component;
+    std::vector<std::vector<std::size_t>> backward;
+    std::vector<std::size_t> finished;
+};
+
+class Judge {
+public:
+    explicit Judge(const RE_Automaton& graph)
+        : automaton(graph),
+          states(graph.states()),
+          loops(states, everyState()),
+          losing(states, losingStates()) {}
+
+    RE_Growth judge() {
+        RE_Growth growth;
+        if (!findExponential(growth) && !findPolynomial(growth) && left == 0) {
+            growth.kind = RE_Growth::Kind::unknown;
+        }
+        return growth;
+    }
+
+private:
+    static constexpr std::size_t mostSteps = 4'000'000;  // each may keep some dozens of bytes
+
+    std::vector<bool> everyState() const { return std::vector<bool>(states.size(), true); }
+    std::vector<bool> losingStates() const {
+        std::vector<bool> result(states.size());
+        for (std::size_t i = 0; i < states.size(); ++i) {
+            result[i] = !states[i].accepting;
+        }
+        return result;
+    }
+
+    /// A shortest word on the way from one triple to another, by at least one step.
+    template <class EachStep>
+    std::optional<Word> wordBetween(const Triple& start, const Triple& goal, EachStep eachStep) {
+        const auto keyOf = [this](const Triple& t) {
+            return (t[0] * states.size() + t[1]) * states.size() + t[2];
+        };
+        std::vector<std::pair<Triple, std::pair<std::size_t, std::size_t>>> met{{start, {0, 0}}};
+        std::unordered_set<std::size_t> seen;
+        std::optional<Word> word;
+        for (std::size_t i = 0; i < met.size() && !word && left > 0; ++i) {
+            const Triple from = met[i].first;
+            eachStep(from, [&](const Triple& to, const RE_Letters& letters) {
+                if (letters.none() || word || !seen.insert(keyOf(to)).second) {
+                    return;
+                }
+                met.push_back({to, {i, letters._Find_first()}});
+                if (to == goal) {
+                    word.emplace();
+                    for (std::size_t at = met.size() - 1; at != 0; at = met[at].second.first) {
+                        word->insert(word->begin(), met[at].second.second);
+                    }
+                }
+            });
+        }
+        return word;
+    }
+
+    void spend() { left -= left > 0 ? 1 : 0; }
+
+    // The third part of the triple tells whether the two ways have parted.
+    std::optional<Word> twoWaysBack(std::size_t state) {
+        const std::size_t own = losing.of(state);
+        return wordBetween({state, state, 0}, {state, state, 1}, [&](const Triple& at, auto take) {
+            const auto& first = states[at[0]].edges;
+            const auto& second = states[at[1]].edges;
+            for (std::size_t i = 0; i < first.size(); ++i) {
+                for (std::size_t j = 0; j < second.size() && losing.of(first[i].target) == own; ++j) {
+                    spend();
+                    const bool parted = at[2] == 1 || at[0] != at[1] || i != j;
+                    if (losing.of(second[j].target) == own) {
+                        take({first[i].target, second[j].target, parted ? 1u : 0u},
+                             first[i].letters & second[j].letters);
+                    }
+                }
+            }
+        });
+    }
+
+    bool findExponential(RE_Growth& growth) {
+        std::vector<bool> judged(states.size(), false);
+        for (std::size_t state = 0; state < states.size(); ++state) {
+            const std::size_t own = losing.of(state);
+            if (own == Components::none || judged[own]) {
+                continue;
+            }
+            judged[own] = true;
+            if (const std::optional<Word> pump = twoWaysBack(state)) {
+                report(growth, RE_Growth::Kind::exponential, state, state, *pump);
+                return true;
+            }
+        }
+        return false;
+    }
+
+    std::optional<Word> sharedWord(std::size_t p, std::size_t q) {
+        return wordBetween({p, p, q}, {p, q, q}, [&](const Triple& at, auto take) {
+            for (const RE_Automaton_Edge& first : states[at[0]].edges) {
+                if (loops.of(first.target) != loops.of(p)) {
+                    continue;
+                }
+                for (const RE_Automaton_Edge& third : states[at[2]].edges) {
+                    const RE_Letters shared = first.letters & third.letters;
+                    if (losing.of(third.target) != losing.of(q) || shared.none()) {
+                        continue;
+                    }
+                    for (const RE_Automaton_Edge& second : states[at[1]].edges) {
+                        spend();
+                        if (!states[second.target].accepting) {
+                            take({first.target, second.target, third.target}, shared & second.letters);
+                        }
+                    }
+                }
+            }
+        });
+    }
+
+    bool findPolynomial(RE_Growth& growth) {
+        for (std::size_t p = 0; p < states.size(); ++p) {
+            for (std::size_t q = 0; q < states.size() && loops.of(p) != Components::none; ++q) {
+                if (p == q || losing.of(q) == Components::none) {
+                    continue;
+                }
+                if (const std::optional<Word> pump = sharedWord(p, q)) {
+                    report(growth, RE_Growth::Kind::polynomial, p, q, *pump);
+                    return true;
+                }
+            }
+        }
+        return false;
+    }
+
+    void report(RE_Growth& growth, RE_Growth::Kind kind, std::size_t p, std::size_t q, const Word& pump) {
+        growth.kind = kind;
+        growth.loop = states[p].node;
+        growth.rival = states[q].node;
+        growth.pump = spell(pump);
+        if (p != RE_Automaton::skipping) {
+            growth.prefix = spell(wordTo(p));
+        }
+        growth.suffix = suffixBehind(q);
+    }
+
+    Word wordTo(std::size_t state) {
+        const auto word =
+            wordBetween({RE_Automaton::begin, 0, 0}, {state, 0, 0}, [&](const Triple& at, auto take) {
+                for (const RE_Automaton_Edge& edge : states[at[0]].edges) {
+                    if (edge.target != RE_Automaton::skipping) {
+                        take({edge.target, 0, 0}, edge.letters);
+                    }
+                }
+            });
+        return word.value_or(Word());
+    }
+
+    /// A unit that cannot follow: it makes the search go back.
+    std::u16string suffixBehind(std::size_t state) const {
+        RE_Letters wanted;
+        for (const RE_Automaton_Edge& edge : states[state].edges) {
+            wanted |= edge.target == RE_Automaton::skipping ? RE_Letters() : edge.letters;
+        }
+        for (std::size_t letter = 0; letter < automaton.letterCount(); ++letter) {
+            if (!wanted[letter]) {
+                return std::u16string(1, automaton.unitOf(letter));
+            }
+        }
+        return {};
+    }
+
+    std::u16string spell(const Word& word) const {
+        std::u16string text;
+        for (const std::size_t letter : word) {
+            text += automaton.unitOf(letter);
+        }
+        return text;
+    }
+
+    const RE_Automaton& automaton;
+    const States& states;
+    Components loops;   // of all states
+    Components losing;  // of those that do not accept
+    std::size_t left = mostSteps;
+};
+
+}  // namespace
+
+std::u16string RE_Growth::witness(std::size_t times) const {
+    std::u16string text = prefix;
+    for (std::size_t i = 0; i < times; ++i) {
+        text += pump;
+    }
+    return text + suffix;
+}
+
+RE_Growth judgeGrowth(const RE_Tree& tree) {
+    const RE_Automaton automaton(tree);
+    if (!automaton.isComplete()) {
+        RE_Growth growth;
+        growth.kind = RE_Growth::Kind::unknown;
+        return growth;
+    }
+    return Judge(automaton).judge();
+}

@@ -1,0 +1,37 @@
+// How the work of a search grows with its text.
+//
+// A backtracking search can lose its way where one text can be taken in more than one manner: by two loops that follow
+// each other, by a loop within a loop, or by a loop and the search for a start. The judgement looks for such pairs in
+// the graph. It knows nothing of what the memory of failed states saves, and where it is not sure it does not say
+// "linear".
+#pragma once
+
+#include "regexp/export.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+class RE_Node;
+class RE_Tree;
+
+struct CORVANE_REGEXP_EXPORT RE_Growth {
+    enum class Kind {
+        linear,       ///< in proportion to the text
+        polynomial,   ///< two loops share a text between them in as many ways as it is long
+        exponential,  ///< one loop takes a text in two ways, and again for every pass
+        unknown       ///< the pattern has too many states, or states that are not known before the search
+    };
+
+    /// prefix, `times` times the pump, suffix: a text on which the growth shows.
+    std::u16string witness(std::size_t times) const;
+
+    Kind kind = Kind::linear;
+    const RE_Node* loop = nullptr;   ///< a unit test within the loop; null: the search for a start
+    const RE_Node* rival = nullptr;  ///< one in the loop that it is ambiguous with, perhaps the same loop
+    std::u16string prefix;
+    std::u16string pump;
+    std::u16string suffix;
+};
+
+CORVANE_REGEXP_EXPORT RE_Growth judgeGrowth(const RE_Tree& tree);

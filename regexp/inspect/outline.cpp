@@ -1,0 +1,259 @@
+#include "regexp/inspect/outline.h"
+
+#include "regexp/nodes/label_text.h"
+#include "regexp/parser/grammar.h"
+#include "regexp/parser/measure.h"
+#include "regexp/parser/parser_context.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace {
+
+constexpr std::size_t deepestIndentation = 40;
+constexpr std::uint32_t none = RE_Syntax::none;
+
+std::string timesText(const RE_Syntax& item) {
+    const std::string least = std::to_string(item.minimum);
+    if (item.maximum == RE_Syntax::noMaximum) {
+        return item.minimum == 0   ? "any number of times"
+               : item.minimum == 1 ? "once or more often"
+                                   : least + " times or more often";
+    }
+    if (item.minimum == 0 && item.maximum == 1) {
+        return "optionally";
+    }
+    return item.minimum == item.maximum ? "exactly " + least + " times"
+                                        : least + " to " + std::to_string(item.maximum) + " times";
+}
+
+std::string repeatText(const RE_Syntax& item) {
+    static constexpr const char* preferences[] = {", as often as possible", ", as rarely as possible",
+                                                  ", as often as possible and giving nothing back"};
+    const bool chooses = item.minimum != item.maximum;
+    return timesText(item) + (chooses ? preferences[static_cast<std::size_t>(item.qualifier)] : "") + ":";
+}
+
+std::string lookText(const RE_Syntax& item) {
+    return std::string(item.behind ? "behind" : "ahead") + (item.negative ? " does not stand:" : " stands:");
+}
+
+std::string classText(char16_t letter) {
+    switch (letter) {
+        case u'd':
+            return "a digit";
+        case u'D':
+            return "a unit that is no digit";
+        case u'w':
+            return "a letter, a digit or \"_\"";
+        case u'W':
+            return "a unit that is no letter, digit or \"_\"";
+        case u's':
+            return "a white-space unit";
+        case u'S':
+            return "a unit that is no white space";
+        default:
+            return "a unit of \\" + labelText(letter);
+    }
+}
+
+class Outliner {
+public:
+    explicit Outliner(const RE_Syntax_Tree& syntax) : tree(syntax) {}
+
+    std::string outline() {
+        branches(RE_Syntax_Tree::root, 0);
+        while (!work.empty()) {
+            const Task task = work.back();
+            work.pop_back();
+            if (!task.words.empty()) {
+                line(task.depth, task.words);
+            } else {
+                item(task.index, task.depth);
+            }
+        }
+        return text;
+    }
+
+private:
+    /// An item to describe, or a line to write.
+    struct Task {
+        std::uint32_t index;
+        std::size_t depth;
+        std::string words;
+    };
+
+    void line(std::size_t depth, const std::string& words) {
+        text += std::string(2 * std::min(depth, deepestIndentation), ' ') + words + '\n';
+    }
+    void later(std::uint32_t index, std::size_t depth) { work.push_back({index, depth, {}}); }
+    void later(const std::string& words, std::size_t depth) { work.push_back({none, depth, words}); }
+
+    /// The children of an item, the last one first, since what is queued last is described first.
+    std::vector<std::uint32_t> childrenOf(std::uint32_t index) const {
+        std::vector<std::uint32_t> children;
+        for (std::uint32_t child = tree[index].firstChild; child != none; child = tree[child].nextSibling) {
+            children.push_back(child);
+        }
+        std::ranges::reverse(children);
+        return children;
+    }
+
+    void branches(std::uint32_t group, std::size_t depth) {
+        const std::vector<std::uint32_t> children = childrenOf(group);
+        if (children.size() < 2) {
+            later(children.empty() ? group : children.front(), depth);
+            return;
+        }
+        for (const std::uint32_t branch : children) {
+            later(branch, depth + 1);
+            later(branch == children.back() ? "either" : "or", depth);
+        }
+    }
+
+    void sequence(std::uint32_t index, std::size_t depth) {
+        std::vector<std::uint32_t> children = childrenOf(index);
+        if (children.empty()) {
+            line(depth, "nothing");
+        }
+        std::string run;
+        RE_Flags runFlags = 0;
+        // Literals next to each other are one text.
+        std::vector<Task> tasks;
+        const auto endRun = [&] {
+            if (!run.empty()) {
+                tasks.push_back({none, depth, literalText(run, runFlags)});
+                run.clear();
+            }
+        };
+        for (; !children.empty(); children.pop_back()) {
+            const RE_Syntax& child = tree[children.back()];
+            const RE_Flags folding = child.flags & RE_FLAG_IGNORE_CASE;
+            if (child.kind != RE_Syntax_Kind::literal || folding != runFlags) {
+                endRun();
+            }
+            runFlags = folding;
+            if (child.kind == RE_Syntax_Kind::literal) {
+                run += labelText(child.low);
+            } else {
+                tasks.push_back({children.back(), depth, {}});
+            }
+        }
+        endRun();
+        work.insert(work.end(), tasks.rbegin(), tasks.rend());
+    }
+
+    static std::string literalText(const std::string& shown, RE_Flags flags) {
+        return "'" + shown + "'" + ((flags & RE_FLAG_IGNORE_CASE) != 0 ? " in either case" : "");
+    }
+
+    std::string tokenText(const RE_Syntax& item, bool numbered) const {
+        const std::string number = "token #" + std::to_string(item.number + 1);
+        if (item.payload == none) {
+            return number;
+        }
+        const std::u16string& name = tree.names[item.payload];
+        const std::string shown = "<" + labelText(name.data(), name.size()) + ">";
+        return numbered ? number + " " + shown : "token " + shown;
+    }
+
+    void item(std::uint32_t index, std::size_t depth) {
+        const RE_Syntax& own = tree[index];
+        switch (own.kind) {
+            case RE_Syntax_Kind::sequence:
+                sequence(index, depth);
+                return;
+            case RE_Syntax_Kind::group:
+                branches(index, depth);
+                return;
+            case RE_Syntax_Kind::capture:
+                within(tokenText(own, true) + ":", index, depth);
+                return;
+            case RE_Syntax_Kind::atomic:
+                within("as it first fits, without trying other ways:", index, depth);
+                return;
+            case RE_Syntax_Kind::look:
+                within(lookText(own), index, depth);
+                return;
+            case RE_Syntax_Kind::repeat:
+                line(depth, repeatText(own));
+                later(own.firstChild, depth + 1);
+                return;
+            case RE_Syntax_Kind::conditional:
+                conditional(own, depth);
+                return;
+            case RE_Syntax_Kind::reference:
+                line(depth, "the text of " + tokenText(own, false) + " again");
+                return;
+            default:
+                line(depth, unitText(own));
+        }
+    }
+
+    void within(const std::string& words, std::uint32_t index, std::size_t depth) {
+        line(depth, words);
+        branches(index, depth + 1);
+    }
+
+    void conditional(const RE_Syntax& own, std::size_t depth) {
+        const std::uint32_t second = tree[own.firstChild].nextSibling;
+        if (second != none) {
+            later(second, depth + 1);
+            later("otherwise", depth);
+        }
+        later(own.firstChild, depth + 1);
+        later("then", depth);
+        if (own.condition == none) {
+            line(depth, "if " + tokenText(own, false) + " has text");
+        } else {
+            line(depth, "if " + lookText(tree[own.condition]));
+            branches(own.condition, depth + 1);
+        }
+    }
+
+    std::string unitText(const RE_Syntax& own) const {
+        const bool lines = (own.flags & RE_FLAG_LINE_ANCHORS) != 0;
+        switch (own.kind) {
+            case RE_Syntax_Kind::literal:
+                return literalText(labelText(own.low), own.flags);
+            case RE_Syntax_Kind::range:
+                return "a unit of [" + labelText(own.low) + "-" + labelText(own.high) + "]" + folding(own);
+            case RE_Syntax_Kind::set:
+                return "a unit of " + tree.sets[own.payload].text + folding(own);
+            case RE_Syntax_Kind::escaped:
+                return classText(own.low);
+            case RE_Syntax_Kind::dot:
+                return (own.flags & RE_FLAG_DOT_ALL) != 0 ? "any unit" : "any unit but a line feed";
+            case RE_Syntax_Kind::start_anchor:
+                return lines ? "the start of a line" : "the start of the text";
+            case RE_Syntax_Kind::end_anchor:
+                return lines ? "the end of a line" : "the end of the text";
+            case RE_Syntax_Kind::start_word:
+                return "no letter, digit or \"_\" before this place";
+            case RE_Syntax_Kind::end_word:
+                return "no letter, digit or \"_\" after this place";
+            default:
+                return "nothing: a part that was dropped";
+        }
+    }
+
+    static std::string folding(const RE_Syntax& own) {
+        return (own.flags & RE_FLAG_IGNORE_CASE) != 0 ? " in either case" : "";
+    }
+
+    const RE_Syntax_Tree& tree;
+    std::vector<Task> work;
+    std::string text;
+};
+
+}  // namespace
+
+RE_Outline outlinePattern(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context) {
+    RE_ParserContext parserContext(context, nullptr, flags);
+    context->set_string(pattern, length);
+    RE_Syntax_Tree syntax = RE_Grammar(parserContext, pattern, length, true).read();
+    parserContext.flags = flags;
+    measureSyntax(syntax, parserContext, pattern);
+    const RE_Syntax& root = syntax[RE_Syntax_Tree::root];
+    return {Outliner(syntax).outline(), root.least, root.most};
+}

@@ -1,0 +1,21 @@
+// A pattern in English, one line a part, inner parts indented.
+#pragma once
+
+#include "regexp/flags.h"
+#include "regexp/regexp.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+struct RE_Outline {
+    static constexpr std::uint64_t unbounded = static_cast<std::uint64_t>(-1);
+
+    std::string text;         ///< UTF-8
+    std::uint64_t least = 0;  ///< units that a match has at the least
+    std::uint64_t most = 0;   ///< and at the most
+};
+
+/// Reads the pattern as a tree does that is compiled with the same arguments, and warns as it does.
+CORVANE_REGEXP_EXPORT RE_Outline outlinePattern(const char16_t* pattern, std::size_t length, RE_Flags flags,
+                                                RE_Context* context);

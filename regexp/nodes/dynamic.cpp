@@ -1,0 +1,79 @@
+#include "regexp/nodes/dynamic.h"
+
+#include "regexp/parser/parser_context.h"
+#include "regexp/search_info.h"
+#include "regexp/tree.h"
+
+namespace {
+
+RE_Results view(const char16_t* subject, std::size_t pos, RE_Search_Info& info) {
+    return RE_Results(&info, subject + pos, 0, false);
+}
+
+std::uint32_t depthIn(RE_Node* outer) {
+    const auto* const including = dynamic_cast<const RE_Dynamic*>(outer);
+    return including == nullptr ? 0 : including->getDepth() + 1;
+}
+
+}  // namespace
+
+bool RE_Evaluate::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {
+    RE_Results results = view(subject, pos, info);
+    evaluator->evaluate(&results);
+    info.hostWasCalled();
+    info.pollSoon();
+    return true;
+}
+
+bool RE_Evaluate_Assertion::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {
+    RE_Results results = view(subject, pos, info);
+    const bool holds = evaluator->evaluate(&results);
+    info.hostWasCalled();
+    return holds;
+}
+
+RE_Dynamic::RE_Dynamic(RE_ParserContext& parser, RE_Flags textFlags)
+    : RE_Node(parser), flags(textFlags), outer(this), context(parser.context), depth(depthIn(parser.outer)) {}
+
+const RE_Node* RE_Dynamic::includedText(const RE_Search_Info& info) const {
+    return info.included.root();
+}
+
+// Everything in the text has been tried.
+RE_Node* RE_Dynamic::resume(const RE_Backtrack_Record&, std::size_t&, RE_Search_Info& info) const {
+    info.included.trim(info);
+    return nullptr;
+}
+
+void RE_Dynamic::combineLengths() {
+    RE_Node::combineLengths();
+    maxBounded = false;
+    maxLength = unboundedLength;
+}
+
+bool RE_Dynamic::include(const RE_Evaluation_IO& text, std::size_t pos, RE_Search_Info& info) const {
+    info.hostWasCalled();
+    if (depth >= maximumDepth) {
+        info.refuseText();
+        return false;
+    }
+    std::unique_ptr<RE_Tree> tree(new RE_Tree(text.get_string(), text.get_length(), flags, context, nextNode,
+                                              outer, false, info.placeOfText()));
+    info.include(std::move(tree), this, pos);
+    return true;
+}
+
+bool RE_Parse_Dynamic::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {
+    RE_Results results = view(subject, pos, info);
+    RE_Evaluation_IO expanded;
+    expanded.construct(text.get(), &results);
+    return include(expanded, pos, info);
+}
+
+bool RE_Evaluate_Dynamic::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {
+    RE_Results results = view(subject, pos, info);
+    const std::unique_ptr<RE_Evaluation_IO> value = evaluator->evaluate(&results);
+    info.hostWasCalled();
+    info.pollSoon();
+    return value != nullptr && include(*value, pos, info);
+}

@@ -1,0 +1,93 @@
+// The nodes that bring the host's interpreter into a running match.
+//
+// Each shows the host a view of the search in progress: the subject, the tokens so far, and as the match what lies
+// between the start of the attempt and the current position. None of them keeps anything of a search.
+#pragma once
+
+#include "regexp/eval/evaluators.h"
+#include "regexp/flags.h"
+#include "regexp/nodes/node.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <utility>
+
+/// `(?@expr)`: evaluates for the effects, and matches the empty text.
+class CORVANE_REGEXP_EXPORT RE_Evaluate : public RE_Node {
+public:
+    RE_Evaluate(RE_ParserContext& parser, std::shared_ptr<const RE_Script_Evaluator> script)
+        : RE_Node(parser), evaluator(std::move(script)) {}
+    bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
+    std::string label() const override { return "Evaluate and discard"; }
+
+private:
+    std::shared_ptr<const RE_Script_Evaluator> evaluator;  ///< shared by the copies of a loop's body
+};
+
+/// `(?(?@expr)...)`: the answer of the host decides between the next node and the fail target.
+class CORVANE_REGEXP_EXPORT RE_Evaluate_Assertion : public RE_Fail {
+public:
+    RE_Evaluate_Assertion(RE_ParserContext& parser, std::shared_ptr<const RE_Bool_Evaluator> condition)
+        : RE_Fail(parser), evaluator(std::move(condition)) {}
+    bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
+    std::string label() const override { return "Parse, evaluate and assert"; }
+
+private:
+    std::shared_ptr<const RE_Bool_Evaluator> evaluator;
+};
+
+/// Base of the nodes that match a text which comes to be while they match.
+///
+/// The text is compiled to a sub-pattern whose end leads on to this node's successor, and is then matched as if it
+/// stood here: the record that this node leaves only marks how long the sub-pattern must live. So no native stack is
+/// used however many texts follow or include each other.
+class CORVANE_REGEXP_EXPORT RE_Dynamic : public RE_Node {
+public:
+    /// Texts within texts: how deeply they may nest.
+    static constexpr std::uint32_t maximumDepth = 200;
+
+    RE_Dynamic(RE_ParserContext& parser, RE_Flags textFlags);
+    /// Where matching goes on is `includedText`.
+    bool isEnd() const override { return true; }
+    const RE_Node* includedText(const RE_Search_Info& info) const override;
+    RE_Node* resume(const RE_Backtrack_Record& record, std::size_t& pos, RE_Search_Info& info) const override;
+    void combineLengths() override;
+    std::uint32_t getDepth() const { return depth; }
+
+protected:
+    /// Compiles the text and enters it. False when it is nested too deeply.
+    bool include(const RE_Evaluation_IO& text, std::size_t pos, RE_Search_Info& info) const;
+
+private:
+    RE_Flags flags;  ///< modes in which texts are compiled
+    RE_Node* outer;  ///< handed to sub-patterns: this node, by which their own dynamic nodes know their depth
+    RE_Context* context;  ///< of the compilation
+    std::uint32_t depth;  ///< how many texts this node stands in
+};
+
+/// `(??text)`: the text with its references replaced.
+class CORVANE_REGEXP_EXPORT RE_Parse_Dynamic : public RE_Dynamic {
+public:
+    RE_Parse_Dynamic(RE_ParserContext& parser, RE_Flags textFlags, std::shared_ptr<const RE_Replace> source)
+        : RE_Dynamic(parser, textFlags), text(std::move(source)) {}
+    bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
+    std::string label() const override { return "Parse and match"; }
+
+private:
+    std::shared_ptr<const RE_Replace> text;
+};
+
+/// `(??@expr)`: the text that the host makes of the expression.
+class CORVANE_REGEXP_EXPORT RE_Evaluate_Dynamic : public RE_Dynamic {
+public:
+    RE_Evaluate_Dynamic(RE_ParserContext& parser, RE_Flags textFlags,
+                        std::shared_ptr<const RE_String_Evaluator> expression)
+        : RE_Dynamic(parser, textFlags), evaluator(std::move(expression)) {}
+    bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
+    std::string label() const override { return "Parse, evaluate and match"; }
+
+private:
+    std::shared_ptr<const RE_String_Evaluator> evaluator;
+};

@@ -1,0 +1,196 @@
+#include "regexp/seek/kernels.h"
+
+#include <bit>
+#include <cstring>
+
+// This file is compiled once for each instruction set: everything up to the end of the guarded part below.
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "regexp/seek/kernels.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace corvane_kernels {
+namespace HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+using Lanes = hn::ScalableTag<std::uint16_t>;
+using Vector = hn::Vec<Lanes>;
+using Mask = hn::Mask<Lanes>;
+
+HWY_INLINE Vector load(const char16_t* p) {
+    return hn::LoadU(Lanes(), reinterpret_cast<const std::uint16_t*>(p));
+}
+
+HWY_INLINE std::uint64_t bitsOf(Mask mask) {
+    std::uint8_t bytes[8] = {};
+    hn::StoreMaskBits(Lanes(), mask, bytes);
+    std::uint64_t bits = 0;
+    std::memcpy(&bits, bytes, sizeof bits);
+    return bits;
+}
+
+HWY_INLINE Mask equals(Vector units, RE_Unit_Pair pair) {
+    const Mask one = hn::Eq(units, hn::Set(Lanes(), static_cast<std::uint16_t>(pair.one)));
+    return hn::Or(one, hn::Eq(units, hn::Set(Lanes(), static_cast<std::uint16_t>(pair.other))));
+}
+
+struct Unit_Test {
+    RE_Unit_Pair unit;
+
+    HWY_INLINE Mask operator()(const char16_t* p) const { return equals(load(p), unit); }
+    bool holds(const char16_t* p) const { return unit.holds(*p); }
+};
+
+struct Probe_Test {
+    RE_Literal_Probe probe;
+
+    HWY_INLINE Mask operator()(const char16_t* p) const {
+        return hn::And(equals(load(p + probe.firstAt), probe.first),
+                       equals(load(p + probe.secondAt), probe.second));
+    }
+    bool holds(const char16_t* p) const {
+        return probe.first.holds(p[probe.firstAt]) && probe.second.holds(p[probe.secondAt]);
+    }
+};
+
+// The low byte of each lane selects by its low four bits a row, and by the next three a bit of that row. Units from
+// 0x80 on pass when some of them may count: they are looked up after.
+struct Class_Test {
+    const RE_Class_Scan& scan;
+
+    HWY_INLINE Mask operator()(const char16_t* p) const {
+#if HWY_TARGET == HWY_SCALAR  // has no table look-up
+        return hn::FirstN(Lanes(), scan.holds(*p) ? 1 : 0);
+#else
+        const Lanes d;
+        const hn::Repartition<std::uint8_t, Lanes> bytes;
+        const Vector units = load(p);
+        alignas(16) static constexpr std::uint8_t kBits[16] = {1, 2, 4, 8, 16, 32, 64, 128};
+        const auto rows = hn::LoadDup128(bytes, scan.rows);
+        const auto bits = hn::LoadDup128(bytes, kBits);
+        const Vector low = hn::And(units, hn::Set(d, std::uint16_t{0x0F}));
+        const Vector next = hn::And(hn::ShiftRight<4>(units), hn::Set(d, std::uint16_t{0x07}));
+        const Vector row = hn::BitCast(d, hn::TableLookupBytes(rows, hn::BitCast(bytes, low)));
+        const Vector bit = hn::BitCast(d, hn::TableLookupBytes(bits, hn::BitCast(bytes, next)));
+        const Vector hit = hn::And(hn::And(row, bit), hn::Set(d, std::uint16_t{0xFF}));
+        const Mask ascii = hn::Eq(hn::ShiftRight<7>(units), hn::Zero(d));
+        const Mask holds = hn::And(ascii, hn::Ne(hit, hn::Zero(d)));
+        return scan.othersMayHold ? hn::Or(holds, hn::Not(ascii)) : holds;
+#endif
+    }
+    bool holds(const char16_t* p) const {
+        return scan.holds(*p);
+    }
+};
+
+template <class Test>
+const char16_t* findForward(const char16_t* p, const char16_t* end, const Test& test) {
+    const std::size_t lanes = hn::Lanes(Lanes());
+    for (; static_cast<std::size_t>(end - p) >= lanes; p += lanes) {
+        for (std::uint64_t hits = bitsOf(test(p)); hits != 0; hits &= hits - 1) {
+            const char16_t* const at = p + std::countr_zero(hits);
+            if (test.holds(at)) {
+                return at;
+            }
+        }
+    }
+    while (p < end && !test.holds(p)) {
+        ++p;
+    }
+    return p;
+}
+
+template <class Test>
+const char16_t* findBackward(const char16_t* p, const char16_t* end, const Test& test) {
+    const std::size_t lanes = hn::Lanes(Lanes());
+    for (; static_cast<std::size_t>(end - p) >= lanes; end -= lanes) {
+        std::uint64_t hits = bitsOf(test(end - lanes));
+        while (hits != 0) {
+            const int last = 63 - std::countl_zero(hits);
+            if (test.holds(end - lanes + last)) {
+                return end - lanes + last;
+            }
+            hits &= ~(std::uint64_t{1} << last);
+        }
+    }
+    while (end > p) {
+        if (test.holds(--end)) {
+            return end;
+        }
+    }
+    return nullptr;
+}
+
+const char16_t* unitForward(const char16_t* p, const char16_t* end, RE_Unit_Pair unit) {
+    return findForward(p, end, Unit_Test{unit});
+}
+const char16_t* unitBackward(const char16_t* p, const char16_t* end, RE_Unit_Pair unit) {
+    return findBackward(p, end, Unit_Test{unit});
+}
+const char16_t* classForward(const char16_t* p, const char16_t* end, const RE_Class_Scan& scan) {
+    return findForward(p, end, Class_Test{scan});
+}
+const char16_t* classBackward(const char16_t* p, const char16_t* end, const RE_Class_Scan& scan) {
+    return findBackward(p, end, Class_Test{scan});
+}
+const char16_t* probeForward(const char16_t* p, const char16_t* end, const RE_Literal_Probe& probe) {
+    return findForward(p, end, Probe_Test{probe});
+}
+const char16_t* probeBackward(const char16_t* p, const char16_t* end, const RE_Literal_Probe& probe) {
+    return findBackward(p, end, Probe_Test{probe});
+}
+
+}  // namespace HWY_NAMESPACE
+}  // namespace corvane_kernels
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+
+namespace corvane_kernels {
+HWY_EXPORT(unitForward);
+HWY_EXPORT(unitBackward);
+HWY_EXPORT(classForward);
+HWY_EXPORT(classBackward);
+HWY_EXPORT(probeForward);
+HWY_EXPORT(probeBackward);
+}  // namespace corvane_kernels
+
+using namespace corvane_kernels;
+
+const char16_t* findUnit(const char16_t* p, const char16_t* end, RE_Unit_Pair unit) {
+    return HWY_DYNAMIC_DISPATCH(unitForward)(p, end, unit);
+}
+
+const char16_t* findClass(const char16_t* p, const char16_t* end, const RE_Class_Scan& scan) {
+    return HWY_DYNAMIC_DISPATCH(classForward)(p, end, scan);
+}
+
+const char16_t* findProbe(const char16_t* p, const char16_t* end, const RE_Literal_Probe& probe) {
+    return HWY_DYNAMIC_DISPATCH(probeForward)(p, end, probe);
+}
+
+const char16_t* findLastUnit(const char16_t* p, const char16_t* end, RE_Unit_Pair unit) {
+    return HWY_DYNAMIC_DISPATCH(unitBackward)(p, end, unit);
+}
+
+const char16_t* findLastClass(const char16_t* p, const char16_t* end, const RE_Class_Scan& scan) {
+    return HWY_DYNAMIC_DISPATCH(classBackward)(p, end, scan);
+}
+
+const char16_t* findLastProbe(const char16_t* p, const char16_t* end, const RE_Literal_Probe& probe) {
+    return HWY_DYNAMIC_DISPATCH(probeBackward)(p, end, probe);
+}
+
+RE_Class_Scan::RE_Class_Scan(const RE_Unit_Set& set, bool wanted) : rows{}, units(&set), sought(wanted) {
+    for (char16_t unit = 0; unit < 0x80; ++unit) {
+        if (holds(unit)) {
+            rows[unit & 0x0F] |= static_cast<std::uint8_t>(1 << (unit >> 4));
+        }
+    }
+    const std::size_t others = set.sizeFrom(0x80);
+    othersMayHold = others != (sought ? 0 : RE_Unit_Set::unitCount - 0x80);
+}
+
+#endif  // HWY_ONCE

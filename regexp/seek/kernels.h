@@ -1,0 +1,54 @@
+// Vector scans over units: where a unit, a pair of units or a unit of a class stands first or last.
+//
+// Each picks the widest instructions of the machine at run time. None reads outside of what its arguments span. The
+// scalar twins that tests compare them with are plain loops over the same tests.
+#pragma once
+
+#include "regexp/unit_set.h"
+
+#include <cstddef>
+#include <cstdint>
+
+/// One or two units, either of which counts: a literal, or a literal and its other case. Equal when there is one.
+struct RE_Unit_Pair {
+    char16_t one;
+    char16_t other;
+
+    bool holds(char16_t unit) const { return unit == one || unit == other; }
+};
+
+/// A set of units prepared for scanning: exact for units below 0x80 by two table look-ups, the others are looked up in
+/// the set one by one.
+class RE_Class_Scan {
+public:
+    /// `set` must outlive the scan. With `wanted` false it looks for units outside of the set.
+    RE_Class_Scan(const RE_Unit_Set& set, bool wanted);
+
+    bool holds(char16_t unit) const { return units->contains(unit) == sought; }
+
+    std::uint8_t rows[16];  ///< by low four bits: one bit for each value of the next three bits
+    bool othersMayHold;     ///< some unit from 0x80 on is looked for
+
+private:
+    const RE_Unit_Set* units;
+    bool sought;
+};
+
+/// Two units of a literal at their distances from its start, chosen to be rare.
+struct RE_Literal_Probe {
+    RE_Unit_Pair first;
+    RE_Unit_Pair second;
+    std::size_t firstAt;
+    std::size_t secondAt;
+};
+
+// The first position in [p, end) that counts, or `end`.
+const char16_t* findUnit(const char16_t* p, const char16_t* end, RE_Unit_Pair unit);
+const char16_t* findClass(const char16_t* p, const char16_t* end, const RE_Class_Scan& scan);
+/// Both units of the probe stand at their distances. Units up to `end` plus the larger distance must be readable.
+const char16_t* findProbe(const char16_t* p, const char16_t* end, const RE_Literal_Probe& probe);
+
+// The last position in [p, end) that counts, or null.
+const char16_t* findLastUnit(const char16_t* p, const char16_t* end, RE_Unit_Pair unit);
+const char16_t* findLastClass(const char16_t* p, const char16_t* end, const RE_Class_Scan& scan);
+const char16_t* findLastProbe(const char16_t* p, const char16_t* end, const RE_Literal_Probe& probe);

@@ -1,0 +1,121 @@
+#include "regexp/seek/literal_search.h"
+
+#include "regexp/search_info.h"
+#include "regexp/seek/scan.h"
+
+#include <cstring>
+#include <optional>
+#include <string_view>
+
+namespace {
+
+/// The units that stand for one unit of a literal, when there are no more than two.
+std::optional<RE_Unit_Pair> unitsFor(char16_t unit, bool ignoreCase) {
+    if (!ignoreCase) {
+        return RE_Unit_Pair{unit, unit};
+    }
+    const RE_Case_Table& cases = RE_Case_Table::get();
+    const char16_t upper = cases.upper(unit);
+    const std::size_t known = upper != unit && cases.lower(upper) == unit ? 2 : 1;
+    if (cases.formsWithin(unit) > known) {
+        return std::nullopt;
+    }
+    return RE_Unit_Pair{unit, known == 2 ? upper : unit};
+}
+
+int commonness(const RE_Unit_Pair& units) {
+    return units.one == units.other ? ::commonness(units.one)
+                                    : ::commonness(units.one) + ::commonness(units.other);
+}
+
+}  // namespace
+
+// Letters in the order of their frequency in prose, blanks first; what is not ASCII counts as fairly common, since a
+// text that holds any mostly holds many of its neighbours.
+int commonness(char16_t unit) {
+    static constexpr std::u16string_view order = u" etaoinshrdlu\ncmfwypvbgk,.";
+    const std::size_t place = order.find(unit);
+    if (place != order.npos) {
+        return 200 - 4 * static_cast<int>(place);
+    }
+    if (unit >= 0x80) {
+        return 90;
+    }
+    const bool digit = unit >= u'0' && unit <= u'9';
+    const bool capital = unit >= u'A' && unit <= u'Z';
+    return digit ? 60 : capital ? 40 : 20;
+}
+
+bool RE_Literal::matchesAt(const char16_t* p) const {
+    if (!ignoreCase) {
+        return std::memcmp(p, text, length * sizeof(char16_t)) == 0;
+    }
+    const RE_Case_Table& cases = RE_Case_Table::get();
+    for (std::size_t i = 0; i < length; ++i) {
+        if (cases.lower(p[i]) != text[i]) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// The two rarest units, the earlier ones of equals. A literal of one unit is probed for it twice.
+RE_Literal_Search::RE_Literal_Search(const RE_Literal& literal) {
+    static constexpr std::size_t longestLookedAt = 64;
+    int best = 0;
+    int second = 0;
+    for (std::size_t i = 0; i < literal.length && i < longestLookedAt; ++i) {
+        const std::optional<RE_Unit_Pair> units = unitsFor(literal.text[i], literal.ignoreCase);
+        if (!units) {
+            continue;
+        }
+        const int common = commonness(*units);
+        if (!probes || common < best) {
+            probe.second = probes ? probe.first : *units;
+            probe.secondAt = probes ? probe.firstAt : i;
+            second = probes ? best : common;
+            probe.first = *units;
+            probe.firstAt = i;
+            best = common;
+            probes = true;
+        } else if (probe.secondAt == probe.firstAt || common < second) {
+            probe.second = *units;
+            probe.secondAt = i;
+            second = common;
+        }
+    }
+}
+
+const char16_t* RE_Literal_Search::find(const RE_Literal& literal, const char16_t* p,
+                                        RE_Search_Info& info) const {
+    if (static_cast<std::size_t>(info.subjectEnd - p) < literal.length) {
+        return nullptr;
+    }
+    const char16_t* const end = info.subjectEnd - literal.length + 1;
+    return scanForward(p, end, info, [&](const char16_t* at, const char16_t* stop) {
+        for (;; ++at) {
+            at = probes ? findProbe(at, stop, probe) : at;
+            if (at == stop || literal.matchesAt(at)) {
+                return at;
+            }
+        }
+    });
+}
+
+const char16_t* RE_Literal_Search::findLast(const RE_Literal& literal, const char16_t* p, std::size_t count,
+                                            RE_Search_Info& info) const {
+    if (static_cast<std::size_t>(info.subjectEnd - p) < literal.length) {
+        return nullptr;
+    }
+    const std::size_t places = static_cast<std::size_t>(info.subjectEnd - p) - literal.length + 1;
+    const char16_t* const end = p + std::min(places, count + 1);
+    return scanBackward(p, end, info, [&](const char16_t* from, const char16_t* at) -> const char16_t* {
+        while (from < at) {
+            at = probes ? findLastProbe(from, at, probe) : at - 1;
+            if (at == nullptr || literal.matchesAt(at)) {
+                return at;
+            }
+        }
+        return nullptr;
+    });
+}

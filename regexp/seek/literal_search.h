@@ -1,0 +1,36 @@
+// Searching for a literal: two of its units, chosen to be rare, are looked for first, then the whole is compared.
+#pragma once
+
+#include "regexp/seek/kernels.h"
+
+#include <cstddef>
+
+class RE_Search_Info;
+
+/// The text of a literal with its way of comparing. Does not own the text.
+struct RE_Literal {
+    const char16_t* text;  ///< in lower case when case is ignored
+    std::size_t length;    ///< at least 1
+    bool ignoreCase;
+
+    bool matchesAt(const char16_t* p) const;
+};
+
+/// How to look for a literal. Holds no text, so it may be made before the literal has found its place.
+class RE_Literal_Search {
+public:
+    explicit RE_Literal_Search(const RE_Literal& literal);
+
+    /// First position from `p` on at which the literal stands before the subject's end, or null.
+    const char16_t* find(const RE_Literal& literal, const char16_t* p, RE_Search_Info& info) const;
+    /// Last such position in [p, p + count], or null.
+    const char16_t* findLast(const RE_Literal& literal, const char16_t* p, std::size_t count,
+                             RE_Search_Info& info) const;
+
+private:
+    bool probes = false;  ///< without it every position is compared
+    RE_Literal_Probe probe{};
+};
+
+/// How common a unit is in ordinary text, 0 for the rarest.
+int commonness(char16_t unit);

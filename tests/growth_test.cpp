@@ -1,0 +1,120 @@
+// The judgement of growth, against the growth that is measured. The memory of failed states, which the judgement leaves
+// out of account, is kept from beginning.
+#include "regexp/inspect/growth.h"
+#include "regexp/inspect/observer.h"
+#include "tests/support/differential.h"
+#include "tests/support/pattern_random.h"
+
+#include <gtest/gtest.h>
+#include <limits>
+
+namespace corvane_tests {
+namespace {
+
+using Kind = RE_Growth::Kind;
+
+class Growth : public testing::Test {
+protected:
+    Growth() : choices(RE_Memo_Delay::choices) { RE_Memo_Delay::choices = std::numeric_limits<std::uint64_t>::max() / 2; }
+    ~Growth() override { RE_Memo_Delay::choices = choices; }
+
+private:
+    std::uint64_t choices;
+};
+
+std::uint64_t stepsOf(const RE_Tree& tree, const std::u16string& subject) {
+    struct Counter : RE_Observer {
+        void observe(const RE_Trace_Event& event, const RE_Search_Info&) override {
+            steps += event.kind == RE_Trace_Kind::step ? 1u : 0u;
+        }
+        std::uint64_t steps = 0;
+    } counter;
+    delete tree.trace(subject.data(), subject.size(), 0, counter);
+    return counter.steps;
+}
+
+struct Judged {
+    const char* pattern;
+    Kind kind;
+};
+
+const Judged kJudged[] = {
+    {"abc", Kind::linear},          {"\\w+", Kind::linear},         {"\"[^\"]*\"", Kind::linear},
+    {"^a*b", Kind::linear},         {"a*b", Kind::polynomial},      {"foo.*bar", Kind::polynomial},
+    {"^a*a*b", Kind::polynomial},   {"^(a+)+b", Kind::exponential}, {"^(a|aa)+$", Kind::exponential},
+    {"^(?:a*)*b", Kind::exponential}, {"^(?:a|b?)*c", Kind::linear}, {"^(?:(?:ab){2,900})c", Kind::linear},
+    {"^(?:a*b?){400}c", Kind::exponential}, {"^(?:a++)*b", Kind::linear},     {"^(?>a*)*b", Kind::linear},
+    {"^(a)*\\1b", Kind::polynomial}, {"^(?:(?=a*b)a)*c", Kind::polynomial}, {"(?<=a+)b", Kind::unknown},
+    {"^(?:a(?:a*c)?)*", Kind::polynomial}, {"^(?:a|.)*b", Kind::linear}, {"(?:ab|b)*?c", Kind::polynomial},
+    {"\\d{1,3}(?:\\.\\d{1,3}){3}", Kind::linear},
+};
+
+TEST_F(Growth, IsJudgedSo) {
+    for (const Judged& judged : kJudged) {
+        const RE_Tree tree(widen(judged.pattern), false);
+        EXPECT_EQ(judged.kind, judgeGrowth(tree).kind) << judged.pattern;
+    }
+}
+
+// Loops that take single steps show in the count when they measure one run again and again.
+TEST_F(Growth, ShowsOnTheWitness) {
+    for (const char* pattern : {"a*b", "foo.*bar", "^a*a*b", "(?:ab|b)*?c", "^(a+)+b", "^(a|aa)+$", "^(?:a*)*b"}) {
+        const Engine engine(widen(pattern), kPlain, {true, false, true, 1024, false});
+        const RE_Growth growth = judgeGrowth(engine.tree());
+        const size_t times = (growth.kind == Kind::polynomial ? 80 : 10) / growth.pump.size();
+        const std::uint64_t few = stepsOf(engine.tree(), growth.witness(times));
+        EXPECT_GT(stepsOf(engine.tree(), growth.witness(2 * times)), 3 * few) << pattern;
+    }
+}
+
+std::u16string repeated(const std::u16string& word, size_t times) {
+    std::u16string text;
+    for (size_t i = 0; i < times; ++i) {
+        text += word;
+    }
+    return text;
+}
+
+/// Whether the steps grow faster than the text, from each size to the next; small sizes first, as they may explode.
+bool growsFaster(const RE_Tree& tree, const std::u16string& before, const std::u16string& word,
+                 const std::u16string& behind) {
+    std::uint64_t last = stepsOf(tree, before + repeated(word, 5) + behind);
+    for (const size_t times : {10, 20, 40, 80}) {
+        const std::uint64_t steps = stepsOf(tree, before + repeated(word, times) + behind);
+        if (times > 20 && steps > 3 * last + 60) {
+            return true;
+        }
+        last = steps;
+    }
+    return false;
+}
+
+TEST_F(Growth, IsNotCalledLinearWhereItIsNot) {
+    const std::uint64_t seed = environmentNumber("CORVANE_TEST_SEED", 11);
+    const std::uint64_t rounds = environmentNumber("CORVANE_TEST_ROUNDS", sanitized() ? 300 : 1500);
+    PatternSource source(seed);
+    size_t linear = 0;
+    size_t others = 0;
+    for (std::uint64_t round = 0; round < rounds; ++round) {
+        const std::u16string pattern = widen(source.pattern({}));
+        const Engine engine(pattern, kPlain, {round % 3 != 0, round % 3 == 1, true, 1024, false});
+        if (judgeGrowth(engine.tree()).kind != Kind::linear) {
+            ++others;
+            continue;
+        }
+        ++linear;
+        for (int text = 0; text < 12; ++text) {
+            const std::u16string before = source.subject(3);
+            const std::u16string word = source.subject(3) + u"a";
+            const std::u16string behind = source.subject(2);
+            ASSERT_FALSE(growsFaster(engine.tree(), before, word, behind))
+                << printable(pattern) << " on " << printable(before) << ", " << printable(word) << ", "
+                << printable(behind) << "; CORVANE_TEST_SEED=" << seed;
+        }
+    }
+    EXPECT_GT(linear, rounds / 5);
+    EXPECT_GT(others, rounds / 15);
+}
+
+}  // namespace
+}  // namespace corvane_tests

@@ -1,0 +1,87 @@
+// The vector scans against plain loops: every start and end around a vector's width, every place of a hit.
+#include "regexp/seek/kernels.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+namespace corvane_tests {
+namespace {
+
+constexpr size_t kLongest = 70;
+constexpr RE_Unit_Pair kPair{u'Q', u'q'};
+constexpr RE_Literal_Probe kProbe{{u'Q', u'Q'}, {u'z', u'Z'}, 2, 5};
+
+template <class Test>
+void compare(const std::u16string& text, size_t reach, Test holds, const auto& first, const auto& last) {
+    for (size_t begin = 0; begin + reach <= text.size(); begin += text.size() > 40 ? 7 : 1) {
+        // A copy that ends where the scan may read ends, so that reading on is seen by a sanitizer.
+        const size_t length = text.size() - begin;
+        const auto copy = std::make_unique<char16_t[]>(length);
+        std::copy_n(text.data() + begin, length, copy.get());
+        const char16_t* const end = copy.get() + length - reach;
+        const char16_t* expectedFirst = end;
+        const char16_t* expectedLast = nullptr;
+        for (const char16_t* p = copy.get(); p < end; ++p) {
+            if (holds(p)) {
+                expectedFirst = expectedFirst == end ? p : expectedFirst;
+                expectedLast = p;
+            }
+        }
+        ASSERT_EQ(first(copy.get(), end), expectedFirst) << begin << " of " << text.size();
+        ASSERT_EQ(last(copy.get(), end), expectedLast) << begin << " of " << text.size();
+    }
+}
+
+void compareAll(const std::u16string& text) {
+    compare(
+        text, 0, [](const char16_t* p) { return kPair.holds(*p); },
+        [](auto p, auto end) { return findUnit(p, end, kPair); },
+        [](auto p, auto end) { return findLastUnit(p, end, kPair); });
+    compare(
+        text, kProbe.secondAt,
+        [](const char16_t* p) { return kProbe.first.holds(p[2]) && kProbe.second.holds(p[5]); },
+        [](auto p, auto end) { return findProbe(p, end, kProbe); },
+        [](auto p, auto end) { return findLastProbe(p, end, kProbe); });
+    RE_Unit_Set letters;
+    letters.addRange(u'A', u'Z');
+    RE_Unit_Set wide = letters;
+    wide.addRange(0x3B1, 0x3C9);
+    for (const auto& [set, wanted] : {std::pair{&letters, true}, {&wide, true}, {&letters, false}, {&wide, false}}) {
+        const RE_Class_Scan scan(*set, wanted);
+        compare(
+            text, 0, [&scan](const char16_t* p) { return scan.holds(*p); },
+            [&scan](auto p, auto end) { return findClass(p, end, scan); },
+            [&scan](auto p, auto end) { return findLastClass(p, end, scan); });
+    }
+}
+
+TEST(SeekKernels, FindWhatPlainLoopsFind) {
+    for (size_t length = 0; length <= kLongest; ++length) {
+        compareAll(std::u16string(length, u'.'));
+        for (size_t hit = 0; hit < length; ++hit) {
+            std::u16string text(length, u'.');
+            text[hit] = u'Q';
+            text[(hit + 3) % length] = u'Z';
+            text[(hit * 5) % length] = 0x3B2;
+            compareAll(text);
+        }
+    }
+}
+
+TEST(SeekKernels, ClassesAreExactForEveryUnit) {
+    const RE_Unit_Classes& classes = RE_Unit_Classes::get();
+    for (const RE_Unit_Set* set : {&classes.words, &classes.noWords, &classes.digits, &classes.noSpaces}) {
+        const RE_Class_Scan scan(*set, true);
+        for (size_t unit = 0; unit < RE_Unit_Set::unitCount; ++unit) {
+            const std::u16string text(64, static_cast<char16_t>(unit));
+            ASSERT_EQ(findClass(text.data(), text.data() + 64, scan) == text.data(),
+                      set->contains(static_cast<char16_t>(unit)))
+                << unit;
+        }
+    }
+}
+
+}  // namespace
+}  // namespace corvane_tests

@@ -1,0 +1,101 @@
+// `cvregexp explain`: what a pattern matches, in English, and what its searches cost.
+#include "tools/command.h"
+#include "tools/compiled_pattern.h"
+#include "tools/exit_status.h"
+#include "tools/pattern_options.h"
+#include "tools/usage_error.h"
+#include "tools/utf8.h"
+#include "tools/warning_report.h"
+
+#include "regexp/graph_facts.h"
+#include "regexp/inspect/outline.h"
+#include "regexp/nodes/consume.h"
+#include "regexp/nodes/seeker.h"
+#include "regexp/nodes/string.h"
+
+#include <iostream>
+
+namespace po = boost::program_options;
+
+namespace tool {
+namespace {
+
+std::string nodeText(const RE_Node* node) {
+    return "n" + std::to_string(node->nodeId) + " (" + node->label() + ")";
+}
+
+std::string lengthText(const RE_Outline& outline) {
+    const std::string least = std::to_string(outline.least);
+    if (outline.least == outline.most) return least + (outline.least == 1 ? " unit" : " units");
+    return least + (outline.most == RE_Outline::unbounded ? " units or more"
+                                                          : " to " + std::to_string(outline.most) + " units");
+}
+
+std::string startText(const RE_Tree& tree) {
+    const RE_Node* const root = tree.getRoot();
+    if (dynamic_cast<const RE_Seeker*>(root) != nullptr || root->canSeek(false)) return nodeText(root);
+    return "every position is tried";
+}
+
+void printPossessiveLoops(const RE_Tree& tree) {
+    for (const RE_Node* node : tree.getFacts().nodes) {
+        const auto* const loop = dynamic_cast<const RE_Consume*>(node);
+        if (loop == nullptr || !loop->possessive) continue;
+        std::cout << "Gives nothing back: " << nodeText(loop) << " of " << nodeText(loop->item) << ", since "
+                  << (loop->couldNotHelp ? "what follows cannot begin with such a unit\n"
+                                         : "it is possessive or all of an atomic group\n");
+    }
+}
+
+std::string growthText(const RE_Growth& growth) {
+    using Kind = RE_Growth::Kind;
+    if (growth.kind == Kind::linear) return "linear";
+    if (growth.kind == Kind::unknown)
+        return "not known: the pattern has too many states, or some that a text decides";
+    const std::string loop =
+        growth.loop == nullptr ? "the search for a start" : "the loop at " + nodeText(growth.loop);
+    const std::string rival =
+        growth.loop == growth.rival ? "itself" : "the loop at " + nodeText(growth.rival);
+    return std::string(growth.kind == Kind::exponential ? "exponential" : "polynomial") +
+           " without the memory of failed states: " + loop + " is ambiguous with " + rival;
+}
+
+void printGrowth(const RE_Growth& growth) {
+    std::cout << "Growth: " << growthText(growth) << '\n';
+    if (growth.loop == nullptr && growth.rival == nullptr) return;
+    const auto quoted = [](const std::u16string& text) { return "'" + toPrintableUtf8(text) + "'"; };
+    std::cout << "Witness:";
+    if (!growth.prefix.empty()) std::cout << ' ' << quoted(growth.prefix) << ", then";
+    std::cout << ' ' << quoted(growth.pump) << " many times";
+    if (!growth.suffix.empty()) std::cout << ", then " << quoted(growth.suffix);
+    std::cout << '\n';
+}
+
+}  // namespace
+
+int runExplain(const Arguments& words) {
+    Corvane::regexp::CompileOptions compile;
+    po::options_description known;
+    known.add_options()("help", "print this help");
+    known.add(patternOptions()).add(compileOptions(compile));
+    ParsedArguments arguments = parseArguments(words, known);
+    if (arguments.has("help")) {
+        printCommandHelp("explain [OPTION...] PATTERN", known);
+        return exitPositive;
+    }
+    const PatternRequest request = takePattern(arguments);
+    if (!arguments.positionals.empty()) throw UsageError("explain takes one pattern and nothing else");
+    const CompiledPattern pattern(request, compile);
+    printWarnings(pattern.text(), pattern.warnings());
+
+    RE_Context context(compile);
+    const RE_Outline outline =
+        outlinePattern(request.text.data(), request.text.size(), request.flags, &context);
+    std::cout << outline.text << "Length: " << lengthText(outline) << "\nStart: " << startText(pattern.tree())
+              << '\n';
+    printPossessiveLoops(pattern.tree());
+    printGrowth(judgeGrowth(pattern.tree()));
+    return exitPositive;
+}
+
+}  // namespace tool

@@ -1,0 +1,67 @@
+// `cvregexp graph`: the node graph of a pattern, as text of the graph language or drawn by Graphviz.
+#include "tools/command.h"
+#include "tools/compiled_pattern.h"
+#include "tools/exit_status.h"
+#include "tools/graphviz.h"
+#include "tools/pattern_options.h"
+#include "tools/usage_error.h"
+#include "tools/warning_report.h"
+
+#include <iostream>
+
+namespace po = boost::program_options;
+
+namespace tool {
+namespace {
+
+po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
+    po::options_description options("Output");
+    auto add = options.add_options();
+    add("format", po::value<std::string>()->default_value("dot")->value_name("dot|svg|png"),
+        "what to write; Graphviz draws the pictures");
+    add("stage", po::value<std::string>()->value_name("STAGE"),
+        "the graph after a stage of compilation: parsed, null-nodes, linear or dot-star");
+    add("help", "print this help");
+    po::options_description known;
+    known.add(options).add(patternOptions()).add(compileOptions(compile));
+    return known;
+}
+
+RE_Stage stageNamed(std::string_view name) {
+    static constexpr std::pair<std::string_view, RE_Stage> stages[] = {{"parsed", RE_Stage::parsed},
+                                                                       {"null-nodes", RE_Stage::null_nodes},
+                                                                       {"linear", RE_Stage::linear},
+                                                                       {"dot-star", RE_Stage::dot_star}};
+    for (const auto& [known, stage] : stages)
+        if (known == name) return stage;
+    throw UsageError("no stage is named \"" + std::string(name) +
+                     "\"; there are parsed, null-nodes, linear and dot-star");
+}
+
+}  // namespace
+
+int runGraph(const Arguments& words) {
+    Corvane::regexp::CompileOptions compile;
+    const po::options_description known = knownOptions(compile);
+    ParsedArguments arguments = parseArguments(words, known);
+    if (arguments.has("help")) {
+        printCommandHelp("graph [OPTION...] PATTERN", known);
+        return exitPositive;
+    }
+    const std::string format = arguments.options["format"].as<std::string>();
+    const PatternRequest request = takePattern(arguments);
+    if (!arguments.positionals.empty()) throw UsageError("graph takes one pattern and nothing else");
+    const CompiledPattern pattern(request, compile);
+    printWarnings(pattern.text(), pattern.warnings());
+
+    std::string text = pattern.tree().graph();
+    if (arguments.has("stage")) {
+        RE_Context context(compile);
+        text = RE_Tree::graphAfter(stageNamed(arguments.options["stage"].as<std::string>()),
+                                   request.text.data(), request.text.size(), request.flags, &context);
+    }
+    std::cout << drawGraph(text, format);
+    return exitPositive;
+}
+
+}  // namespace tool

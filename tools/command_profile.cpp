@@ -1,0 +1,114 @@
+// `cvregexp profile`: finds every match in a file and shows what each node of the pattern did for it.
+#include "tools/command.h"
+#include "tools/compiled_pattern.h"
+#include "tools/exit_status.h"
+#include "tools/graphviz.h"
+#include "tools/input.h"
+#include "tools/interrupt.h"
+#include "tools/match_walker.h"
+#include "tools/output_file.h"
+#include "tools/pattern_options.h"
+#include "tools/usage_error.h"
+#include "tools/warning_report.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <iostream>
+
+namespace po = boost::program_options;
+
+namespace tool {
+namespace {
+
+po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
+    po::options_description options("Output");
+    auto add = options.add_options();
+    add("graph", po::value<std::string>()->value_name("FILE"),
+        "also draw the graph, the warmer a node the more visits it had; FILE ends in .dot, .svg or .png");
+    add("help", "print this help");
+    po::options_description known;
+    known.add(options).add(patternOptions()).add(compileOptions(compile));
+    return known;
+}
+
+void printRow(const std::string& node, const RE_Node_Counts& counts, const std::string& label) {
+    char numbers[160];
+    const auto number = [](std::uint64_t value) { return static_cast<unsigned long long>(value); };
+    std::snprintf(numbers, sizeof numbers, "%-6s %12llu %12llu %12llu %12llu %12llu %12llu  ", node.c_str(),
+                  number(counts.visits), number(counts.successes), number(counts.failures),
+                  number(counts.pushes), number(counts.pops), number(counts.refusals));
+    std::cout << numbers << label << '\n';
+}
+
+void printTable(const RE_Profile& profile) {
+    char head[160];
+    std::snprintf(head, sizeof head, "%-6s %12s %12s %12s %12s %12s %12s  %s\n", "node", "visits", "matched",
+                  "failed", "pushed", "popped", "refused", "label");
+    std::cout << head;
+    for (const RE_Node_Profile& node : profile.nodes)
+        printRow("n" + std::to_string(node.nodeId), node.counts, node.label);
+    printRow("all", profile.total(), "in " + std::to_string(profile.searches) + " searches");
+}
+
+// From white for no visit to red for the most; every colour is a factor, not a difference.
+std::string heat(std::uint64_t visits, std::uint64_t most) {
+    const double part =
+        most == 0 ? 0.0 : std::log1p(static_cast<double>(visits)) / std::log1p(static_cast<double>(most));
+    char text[96];
+    std::snprintf(text, sizeof text, "style=filled, fillcolor=\"%.3f %.3f 1.000\", xlabel=\"%llu\"",
+                  0.15 * (1.0 - part), part, static_cast<unsigned long long>(visits));
+    return text;
+}
+
+std::string heatGraph(const RE_Tree& tree, const RE_Profile& profile) {
+    std::uint64_t most = 0;
+    for (const RE_Node_Profile& node : profile.nodes) most = std::max(most, node.counts.visits);
+    return tree.graph([&](std::uint64_t nodeId) {
+        const auto found = std::ranges::find(profile.nodes, nodeId, &RE_Node_Profile::nodeId);
+        return heat(found->counts.visits, most);
+    });
+}
+
+std::string formatOf(const std::string& fileName) {
+    const std::size_t dot = fileName.rfind('.');
+    return dot == std::string::npos ? "" : fileName.substr(dot + 1);
+}
+
+bool searchAll(const RE_Tree& tree, std::u16string_view text) {
+    MatchWalker walker(tree, text);
+    bool found = false;
+    while (walker.next() != nullptr) found = true;
+    if (interruptPending()) throw Interrupted();
+    return found;
+}
+
+}  // namespace
+
+int runProfile(const Arguments& words) {
+    Corvane::regexp::CompileOptions compile;
+    const po::options_description known = knownOptions(compile);
+    Arguments all{"--Profile=true"};
+    all.insert(all.end(), words.begin(), words.end());
+    ParsedArguments arguments = parseArguments(all, known);
+    if (arguments.has("help")) {
+        printCommandHelp("profile [OPTION...] PATTERN [FILE]", known);
+        return exitPositive;
+    }
+    const CompiledPattern pattern(takePattern(arguments), compile);
+    if (arguments.positionals.size() > 1) throw UsageError("profile takes one pattern and one file");
+    const Input input = readInput(arguments.positionals.empty() ? "-" : arguments.positionals.front());
+    catchInterrupts();
+    printWarnings(pattern.text(), pattern.warnings());
+
+    const bool found = searchAll(pattern.tree(), input.text.view());
+    const RE_Profile profile = pattern.tree().profile();
+    printTable(profile);
+    if (arguments.has("graph")) {
+        const std::string fileName = arguments.options["graph"].as<std::string>();
+        writeFile(fileName, drawGraph(heatGraph(pattern.tree(), profile), formatOf(fileName)));
+    }
+    return found ? exitPositive : exitNegative;
+}
+
+}  // namespace tool

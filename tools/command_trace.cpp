@@ -1,0 +1,67 @@
+// `cvregexp trace`: one search, step by step.
+#include "tools/command.h"
+#include "tools/compiled_pattern.h"
+#include "tools/exit_status.h"
+#include "tools/input.h"
+#include "tools/interrupt.h"
+#include "tools/output_file.h"
+#include "tools/pattern_options.h"
+#include "tools/trace_page.h"
+#include "tools/usage_error.h"
+#include "tools/warning_report.h"
+
+#include <iostream>
+
+namespace po = boost::program_options;
+
+namespace tool {
+namespace {
+
+po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
+    po::options_description options("Output");
+    auto add = options.add_options();
+    add("html", po::value<std::string>()->value_name("FILE"), "write a page that replays the search");
+    add("offset", po::value<std::size_t>()->default_value(0)->value_name("N"), "search from unit N on");
+    add("limit", po::value<std::size_t>()->default_value(100'000)->value_name("N"), "keep at most N events");
+    add("help", "print this help");
+    po::options_description known;
+    known.add(options).add(patternOptions()).add(compileOptions(compile));
+    return known;
+}
+
+void printLog(const TraceLog& log) {
+    for (std::size_t index = 0; index != log.events().size(); ++index)
+        std::cout << describeEvent(log, index) << '\n';
+    if (log.dropped() != 0) std::cout << "and " << log.dropped() << " events more\n";
+}
+
+}  // namespace
+
+int runTrace(const Arguments& words) {
+    Corvane::regexp::CompileOptions compile;
+    const po::options_description known = knownOptions(compile);
+    ParsedArguments arguments = parseArguments(words, known);
+    if (arguments.has("help")) {
+        printCommandHelp("trace [OPTION...] PATTERN [TEXT]", known);
+        return exitPositive;
+    }
+    const CompiledPattern pattern(takePattern(arguments), compile);
+    if (arguments.positionals.size() > 1) throw UsageError("trace takes one pattern and one text");
+    const Utf16Text text(arguments.positionals.empty() ? readBytes("-") : arguments.positionals.front());
+    const std::u16string_view subject = text.view();
+    catchInterrupts();
+    printWarnings(pattern.text(), pattern.warnings());
+
+    TraceLog log(arguments.options["limit"].as<std::size_t>());
+    const std::unique_ptr<RE_Results> found(pattern.tree().trace(
+        subject.data(), subject.size(), arguments.options["offset"].as<std::size_t>(), log));
+    if (interruptPending()) throw Interrupted();
+    if (arguments.has("html")) {
+        writeFile(arguments.options["html"].as<std::string>(), tracePage(pattern, subject, log));
+    } else {
+        printLog(log);
+    }
+    return found != nullptr ? exitPositive : exitNegative;
+}
+
+}  // namespace tool

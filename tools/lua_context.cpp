@@ -1,0 +1,123 @@
+#include "tools/lua_context.h"
+
+#include "tools/input.h"
+#include "tools/script_host.h"
+#include "tools/utf8.h"
+#include "tools/warning_report.h"
+
+#include <functional>
+#include <iostream>
+
+namespace tool {
+namespace {
+
+constexpr std::size_t mostPrintedWarnings = 20;
+
+// Trouble with an expression, told with the place of the expression.
+class ScriptError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+std::string textOf(const RE_Evaluation_IO& io) {
+    return toUtf8({io.get_string(), io.get_length()});
+}
+
+class LuaHost : public ScriptHost {
+public:
+    explicit LuaHost(const ScriptRequest& request) : after_(request.after) {
+        for (const std::string& file : request.files) state_.run(readBytes(file), file);
+    }
+    std::unique_ptr<ConsoleContext> makeContext(const Corvane::regexp::CompileOptions& options,
+                                                bool forPattern) override {
+        return std::make_unique<LuaContext>(options, state_, forPattern);
+    }
+    void finish() override { state_.run(after_, "--lua-after"); }
+
+private:
+    LuaState state_;
+    std::string after_;
+};
+
+}  // namespace
+
+std::shared_ptr<ScriptHost> startScripts(const ScriptRequest& request) {
+    return request.allowed ? std::make_shared<LuaHost>(request) : nullptr;
+}
+
+RE_Context* LuaContext::clone() {
+    return new LuaExpression(*this, state_, nilAllowed_, text());
+}
+
+void LuaContext::warn(const char16_t* where, RE_Warning warning) {
+    if (!isCompiled()) {
+        ConsoleContext::warn(where, warning);
+    } else if (printed_.size() < mostPrintedWarnings &&
+               printed_.emplace(text(), static_cast<unsigned>(warning)).second) {
+        std::cerr << "cvregexp: in a dynamic text: "
+                  << describeWarning(text(), {static_cast<std::size_t>(where - text().data()), warning});
+    }
+}
+
+LuaExpression::~LuaExpression() {
+    state_.forget(function_);
+}
+
+void LuaExpression::set_string(const char16_t* text, std::size_t length) {
+    const std::less_equal<const char16_t*> notAfter;
+    const bool inside = notAfter(wholeBegin_, text) && notAfter(text + length, wholeBegin_ + whole_.size());
+    position_ = inside ? static_cast<std::size_t>(text - wholeBegin_) : 0;
+}
+
+// No script would use such a name, and no two are equal, as each expression has parameters of its own.
+RE_Evaluation_IO* LuaExpression::create_unique_var(const char* stem, const RE_Builder_Space::RE_Builder&) {
+    return new RE_Evaluation_IO(("_" + std::to_string(++variables_) + "_" + stem).c_str());
+}
+
+void LuaExpression::create_fcn(RE_Evaluation_IO* body, RE_Evaluation_Inputs* variables) {
+    RE_Evaluation_IO parameters;
+    variables->append_to_fcn_call(&parameters);
+    try {
+        function_ = state_.compile(textOf(parameters), textOf(*body));
+    } catch (const LuaError& error) {
+        fail(error.what());
+    }
+}
+
+LuaState::Value LuaExpression::call(RE_Evaluation_Inputs* inputs) {
+    std::vector<std::string> arguments;
+    for (std::size_t i = 0; i < inputs->get_length(); ++i) arguments.push_back(textOf(*inputs->get_input(i)));
+    try {
+        return state_.call(function_, arguments);
+    } catch (const LuaError& error) {
+        fail(error.what());
+    }
+}
+
+// Nil says that there is no text: in a pattern nothing matches there; in a replacement something is wrong.
+RE_Evaluation_IO* LuaExpression::evaluate_string(RE_Evaluation_Inputs* inputs) {
+    const LuaState::Value value = call(inputs);
+    if (!value.hasText) {
+        if (nilAllowed_ && value.type == std::string_view("nil")) return nullptr;
+        fail(std::string("expression: text is wanted, not ") + value.type);
+    }
+    const std::u16string text = toUtf16(value.text);
+    return new RE_Evaluation_IO(text.data(), text.size());
+}
+
+bool LuaExpression::evaluate_bool(RE_Evaluation_Inputs* inputs) {
+    return call(inputs).truth;
+}
+
+// The engine hands the same script to every call.
+void LuaExpression::evaluate_script(RE_Evaluation_IO* script, RE_Evaluation_Inputs* variables,
+                                    RE_Evaluation_Inputs* inputs) {
+    if (function_ == LUA_NOREF) create_fcn(script, variables);
+    call(inputs);
+}
+
+void LuaExpression::fail(const std::string& message) const {
+    throw ScriptError(describePlace(whole_, position_, "script error", message));
+}
+
+}  // namespace tool

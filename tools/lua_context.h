@@ -1,0 +1,68 @@
+// The engine's contexts for texts whose expressions are Lua.
+#pragma once
+
+#include "tools/console_context.h"
+#include "tools/lua_state.h"
+
+#include <memory>
+#include <set>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace tool {
+
+// Of a pattern or a replacement. Warnings of texts that are compiled while a search runs are printed, each
+// once.
+class LuaContext : public ConsoleContext {
+public:
+    LuaContext(const Corvane::regexp::CompileOptions& compile, LuaState& state, bool nilAllowed)
+        : ConsoleContext(compile), state_(state), nilAllowed_(nilAllowed) {}
+
+    bool allow_evaluation() override { return true; }
+    RE_Context* clone() override;
+    void warn(const char16_t* where, RE_Warning warning) override;
+
+private:
+    LuaState& state_;
+    bool nilAllowed_;
+    std::set<std::pair<std::u16string, unsigned>> printed_;
+};
+
+// Of one expression: the engine makes one for each by `clone`. The expression is compiled to a function whose
+// parameters are the variables that were made for its references.
+class LuaExpression : public RE_Context {
+public:
+    // `whole` is the text that the expression is part of.
+    LuaExpression(const RE_Context& compileContext, LuaState& state, bool nilAllowed,
+                  std::u16string_view whole)
+        : RE_Context(compileContext),
+          state_(state),
+          nilAllowed_(nilAllowed),
+          wholeBegin_(whole.data()),
+          whole_(whole) {}
+    ~LuaExpression() override;
+
+    void set_string(const char16_t* text, std::size_t length) override;
+    RE_Evaluation_IO* create_unique_var(const char* stem, const RE_Builder_Space::RE_Builder& text) override;
+    void create_fcn(RE_Evaluation_IO* body, RE_Evaluation_Inputs* variables) override;
+    RE_Evaluation_IO* evaluate_string(RE_Evaluation_Inputs* inputs) override;
+    bool evaluate_bool(RE_Evaluation_Inputs* inputs) override;
+    void evaluate_script(RE_Evaluation_IO* script, RE_Evaluation_Inputs* variables,
+                         RE_Evaluation_Inputs* inputs) override;
+
+private:
+    LuaState::Value call(RE_Evaluation_Inputs* inputs);
+    [[noreturn]] void fail(const std::string& message) const;
+
+    LuaState& state_;
+    bool nilAllowed_;
+    const char16_t* wholeBegin_;  // of the text as it was while it was compiled; only compared with
+    std::u16string whole_;
+    std::size_t position_ = 0;
+    unsigned variables_ = 0;
+    int function_ = LUA_NOREF;
+};
+
+}  // namespace tool

@@ -1,0 +1,179 @@
+#include "tools/lua_state.h"
+
+#include "tools/interrupt.h"
+
+#include <cstdlib>
+#include <iostream>
+
+namespace tool {
+namespace {
+
+constexpr std::size_t mostMemory = std::size_t{256} << 20;
+constexpr int instructionsPerPoll = 1000;
+
+// Behind an old null block `oldSize` is no size but a kind of object.
+void* allocate(void* user, void* block, std::size_t oldSize, std::size_t newSize) {
+    std::size_t& used = *static_cast<std::size_t*>(user);
+    const std::size_t before = block != nullptr ? oldSize : 0;
+    if (newSize == 0) {
+        std::free(block);
+        used -= before;
+        return nullptr;
+    }
+    if (newSize > before && newSize - before > mostMemory - used) return nullptr;
+    void* const moved = std::realloc(block, newSize);
+    if (moved != nullptr) used = used - before + newSize;
+    return moved;
+}
+
+// Scripts can catch errors. From the first interrupt on every instruction raises one, so that none goes on.
+void endWhenInterrupted(lua_State* state, lua_Debug*) {
+    if (!interruptPending()) return;
+    lua_sethook(state, endWhenInterrupted, LUA_MASKCOUNT, 1);
+    luaL_error(state, "interrupted");
+}
+
+int print(lua_State* state) {
+    const int count = lua_gettop(state);
+    for (int i = 1; i <= count; ++i) {
+        std::size_t length = 0;
+        const char* const text = luaL_tolstring(state, i, &length);
+        if (i > 1) std::cout.put('\t');
+        std::cout.write(text, static_cast<std::streamsize>(length));
+        lua_pop(state, 1);
+    }
+    std::cout.put('\n');
+    return 0;
+}
+
+void removeFields(lua_State* state, std::initializer_list<const char*> names) {
+    for (const char* name : names) {
+        lua_pushnil(state);
+        lua_setfield(state, -2, name);
+    }
+}
+
+void openClock(lua_State* state) {
+    luaL_requiref(state, LUA_OSLIBNAME, luaopen_os, 0);
+    lua_newtable(state);
+    for (const char* name : {"clock", "date", "difftime", "time"}) {
+        lua_getfield(state, -2, name);
+        lua_setfield(state, -2, name);
+    }
+    lua_setglobal(state, LUA_OSLIBNAME);
+    lua_pop(state, 1);
+}
+
+// Without files, programs, modules, other chunks of code and the debug library.
+int openSafeLibraries(lua_State* state) {
+    const luaL_Reg libraries[] = {{LUA_GNAME, luaopen_base},
+                                  {LUA_STRLIBNAME, luaopen_string},
+                                  {LUA_TABLIBNAME, luaopen_table},
+                                  {LUA_MATHLIBNAME, luaopen_math},
+                                  {LUA_UTF8LIBNAME, luaopen_utf8}};
+    for (const luaL_Reg& library : libraries) {
+        luaL_requiref(state, library.name, library.func, 1);
+        lua_pop(state, 1);
+    }
+    openClock(state);
+    lua_pushglobaltable(state);
+    removeFields(state, {"collectgarbage", "dofile", "load", "loadfile"});
+    lua_pop(state, 1);
+    lua_getglobal(state, LUA_STRLIBNAME);
+    removeFields(state, {"dump"});
+    lua_register(state, "print", print);
+    return 0;
+}
+
+struct Call {
+    int function;
+    const std::vector<std::string>* arguments;
+};
+
+// Runs protected, so nothing here may need a destructor. Leaves the value and, where it has one, its text.
+int callProtected(lua_State* state) {
+    const Call& call = *static_cast<const Call*>(lua_touserdata(state, 1));
+    const int count = static_cast<int>(call.arguments->size());
+    luaL_checkstack(state, count + 3, "too many arguments");
+    lua_rawgeti(state, LUA_REGISTRYINDEX, call.function);
+    for (int i = 0; i < count; ++i) {
+        const std::string& argument = (*call.arguments)[static_cast<std::size_t>(i)];
+        lua_pushlstring(state, argument.data(), argument.size());
+    }
+    lua_call(state, count, 1);
+    lua_pushvalue(state, -1);
+    lua_tolstring(state, -1, nullptr);
+    return 2;
+}
+
+int keepFunction(lua_State* state) {
+    lua_pushinteger(state, luaL_ref(state, LUA_REGISTRYINDEX));
+    return 1;
+}
+
+}  // namespace
+
+LuaState::LuaState() : state_(lua_newstate(allocate, &used_)) {
+    if (state_ == nullptr) throw std::bad_alloc();
+    lua_pushcfunction(state_.get(), openSafeLibraries);
+    if (lua_pcall(state_.get(), 0, 0, 0) != LUA_OK) fail();
+    lua_sethook(state_.get(), endWhenInterrupted, LUA_MASKCOUNT, instructionsPerPoll);
+}
+
+void LuaState::fail() {
+    if (interruptPending()) throw Interrupted();
+    std::size_t length = 0;
+    const bool isText = lua_type(state_.get(), -1) == LUA_TSTRING;
+    const char* const text = isText ? lua_tolstring(state_.get(), -1, &length) : nullptr;
+    std::string message = isText ? std::string(text, length) : std::string("an error that is no text");
+    lua_settop(state_.get(), 0);
+    throw LuaError(message);
+}
+
+// Precompiled code is refused: nothing checks it.
+void LuaState::load(const std::string& code, const char* name) {
+    if (luaL_loadbufferx(state_.get(), code.data(), code.size(), name, "t") != LUA_OK) fail();
+}
+
+void LuaState::run(std::string_view code, const std::string& name) {
+    load(std::string(code), ("@" + name).c_str());
+    if (lua_pcall(state_.get(), 0, 0, 0) != LUA_OK) fail();
+}
+
+int LuaState::compile(std::string_view parameters, std::string_view body) {
+    const std::string head = parameters.empty() ? "" : "local " + std::string(parameters) + " = ... ";
+    // A line feed ends a comment at the end of the body.
+    const std::string expression = head + "return " + std::string(body) + "\n";
+    lua_pushcfunction(state_.get(), keepFunction);
+    if (luaL_loadbufferx(state_.get(), expression.data(), expression.size(), "=expression", "t") != LUA_OK) {
+        lua_pop(state_.get(), 1);
+        load(head + std::string(body) + "\n", "=expression");
+    }
+    if (lua_pcall(state_.get(), 1, 1, 0) != LUA_OK) fail();
+    const int function = static_cast<int>(lua_tointeger(state_.get(), -1));
+    lua_pop(state_.get(), 1);
+    return function;
+}
+
+void LuaState::forget(int function) noexcept {
+    luaL_unref(state_.get(), LUA_REGISTRYINDEX, function);
+}
+
+LuaState::Value LuaState::call(int function, const std::vector<std::string>& arguments) {
+    Call call{function, &arguments};
+    lua_State* const state = state_.get();
+    lua_pushcfunction(state, callProtected);
+    lua_pushlightuserdata(state, &call);
+    if (lua_pcall(state, 1, 2, 0) != LUA_OK) fail();
+    Value value{
+        lua_toboolean(state, -2) != 0, lua_type(state, -1) == LUA_TSTRING, {}, luaL_typename(state, -2)};
+    if (value.hasText) {
+        std::size_t length = 0;
+        const char* const text = lua_tolstring(state, -1, &length);
+        value.text.assign(text, length);
+    }
+    lua_pop(state, 2);
+    return value;
+}
+
+}  // namespace tool

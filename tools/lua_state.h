@@ -1,0 +1,58 @@
+// A Lua interpreter without the parts of its library that reach outside of it.
+//
+// Everything that can fail inside Lua runs in protected calls, so no error of a script, nor a lack of memory,
+// takes the program down; and a hook that is called every thousand instructions ends scripts when the user
+// interrupts. Code of the library itself (a long `string.find`, say) runs to its end first.
+#pragma once
+
+#include <lua.hpp>
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tool {
+
+class LuaError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+class LuaState {
+public:
+    LuaState();
+    LuaState(const LuaState&) = delete;
+    LuaState& operator=(const LuaState&) = delete;
+
+    void run(std::string_view code, const std::string& name);
+
+    // A function of these parameters, separated by commas. The body is an expression, whose value is
+    // returned, or else statements.
+    int compile(std::string_view parameters, std::string_view body);
+    void forget(int function) noexcept;
+
+    // A value that a script gave. Text is what strings and numbers have; `type` is the name of the value's
+    // type.
+    struct Value {
+        bool truth;
+        bool hasText;
+        std::string text;
+        const char* type;
+    };
+    Value call(int function, const std::vector<std::string>& arguments);
+
+private:
+    struct Close {
+        void operator()(lua_State* state) const { lua_close(state); }
+    };
+
+    void load(const std::string& code, const char* name);
+    [[noreturn]] void fail();
+
+    std::size_t used_ = 0;  // bytes
+    std::unique_ptr<lua_State, Close> state_;
+};
+
+}  // namespace tool

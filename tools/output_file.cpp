@@ -1,0 +1,14 @@
+#include "tools/output_file.h"
+
+#include <cerrno>
+#include <fstream>
+#include <system_error>
+
+namespace tool {
+
+void writeFile(const std::string& name, std::string_view content) {
+    std::ofstream file(name, std::ios::binary);
+    if (!(file << content << std::flush)) throw std::system_error(errno, std::generic_category(), name);
+}
+
+}  // namespace tool

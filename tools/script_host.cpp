@@ -1,0 +1,31 @@
+// The options about expressions; who runs the expressions is in another file.
+#include "tools/script_host.h"
+
+namespace po = boost::program_options;
+
+namespace tool {
+
+po::options_description scriptOptions() {
+    po::options_description options("Expressions");
+    auto add = options.add_options();
+    add("lua", "evaluate expressions as Lua");
+    add("lua-file", po::value<Arguments>()->value_name("FILE"),
+        "run FILE first, for its definitions; implies --lua");
+    add("lua-after", po::value<std::string>()->value_name("CODE"), "run CODE at the end; implies --lua");
+    return options;
+}
+
+ScriptRequest readScriptRequest(const ParsedArguments& arguments) {
+    ScriptRequest request;
+    if (arguments.has("lua-file")) request.files = arguments.options["lua-file"].as<Arguments>();
+    if (arguments.has("lua-after")) request.after = arguments.options["lua-after"].as<std::string>();
+    request.allowed = arguments.has("lua") || arguments.has("lua-file") || arguments.has("lua-after");
+    return request;
+}
+
+std::unique_ptr<ConsoleContext> makeContext(const Corvane::regexp::CompileOptions& options,
+                                            const std::shared_ptr<ScriptHost>& host, bool forPattern) {
+    return host ? host->makeContext(options, forPattern) : std::make_unique<ConsoleContext>(options);
+}
+
+}  // namespace tool

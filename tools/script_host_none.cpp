@@ -1,0 +1,12 @@
+// Builds without an interpreter.
+#include "tools/script_host.h"
+#include "tools/usage_error.h"
+
+namespace tool {
+
+std::shared_ptr<ScriptHost> startScripts(const ScriptRequest& request) {
+    if (request.allowed) throw UsageError("this cvregexp was built without Lua");
+    return nullptr;
+}
+
+}  // namespace tool

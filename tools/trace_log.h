@@ -1,0 +1,44 @@
+// What happened in one search, event by event, as it is printed and replayed.
+#pragma once
+
+#include "regexp/inspect/observer.h"
+#include "regexp/regexp.h"
+
+#include <cstddef>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace tool {
+
+using TokenState =
+    std::vector<std::pair<std::size_t, std::size_t>>;  // start and length of the tokens in effect
+
+struct LoggedEvent {
+    RE_Trace_Event event;
+    std::size_t choices;  // left on the stack afterwards
+    std::size_t tokens;   // index of the token state afterwards
+};
+
+// Keeps the first events up to a limit and counts the others. The nodes of the pattern must outlive it.
+class TraceLog : public RE_Observer {
+public:
+    explicit TraceLog(std::size_t limit) : limit_(limit) {}
+
+    void observe(const RE_Trace_Event& event, const RE_Search_Info& search) override;
+
+    const std::vector<LoggedEvent>& events() const { return events_; }
+    const std::vector<TokenState>& tokenStates() const { return tokenStates_; }
+    std::size_t dropped() const { return dropped_; }
+
+private:
+    std::size_t limit_;
+    std::size_t dropped_ = 0;
+    std::vector<LoggedEvent> events_;
+    std::vector<TokenState> tokenStates_{{}};
+};
+
+// One line for each event, without a line feed at its end.
+std::string describeEvent(const TraceLog& log, std::size_t index);
+
+}  // namespace tool

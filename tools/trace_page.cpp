@@ -1,0 +1,80 @@
+// The page gets the events as data and replays them itself; trace_page_source.cpp holds its text.
+#include "tools/trace_page.h"
+
+#include "tools/trace_page_source.h"
+#include "tools/utf8.h"
+
+#include "regexp/graph_export.h"
+#include "regexp/graph_facts.h"
+
+#include <nlohmann/json.hpp>
+
+namespace tool {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr std::string_view kindNames[] = {"seek", "start", "step", "push", "refuse", "pop", "body", "finish"};
+
+Json linksOf(RE_Node* node) {
+    struct Links : RE_Link_Visitor {
+        void link(RE_Node*& target, RE_Link kind) override {
+            if (target != nullptr) all.push_back({target->nodeId, linkName(kind)});
+        }
+        Json all = Json::array();
+    } links;
+    node->visitLinks(links);
+    return links.all;
+}
+
+Json eventObject(const TraceLog& log, std::size_t index) {
+    const LoggedEvent& logged = log.events()[index];
+    const RE_Trace_Event& event = logged.event;
+    return {{"kind", kindNames[static_cast<std::size_t>(event.kind)]},
+            {"node", event.node == nullptr ? 0 : event.node->nodeId},
+            {"from", event.from},
+            {"to", event.to},
+            {"ok", event.succeeded},
+            {"choices", logged.choices},
+            {"tokens", logged.tokens},
+            {"text", describeEvent(log, index)}};
+}
+
+Json traceObject(const CompiledPattern& pattern, std::u16string_view subject, const TraceLog& log) {
+    Json trace{{"pattern", toUtf8(pattern.text())},
+               {"subject", Json::array()},
+               {"root", pattern.tree().getRoot()->nodeId},
+               {"nodes", Json::array()},
+               {"events", Json::array()},
+               {"tokens", log.tokenStates()},
+               {"dropped", log.dropped()}};
+    for (const char16_t unit : subject) trace["subject"].push_back(static_cast<unsigned>(unit));
+    for (RE_Node* node : pattern.tree().getFacts().nodes)
+        trace["nodes"].push_back({{"id", node->nodeId}, {"label", node->label()}, {"links", linksOf(node)}});
+    for (std::size_t index = 0; index != log.events().size(); ++index)
+        trace["events"].push_back(eventObject(log, index));
+    return trace;
+}
+
+// Inside a script nothing may look like markup: "<" stands in strings only, where it can be escaped.
+std::string asScriptText(const Json& data) {
+    const std::string text = data.dump(-1, ' ', false, Json::error_handler_t::replace);
+    std::string safe;
+    for (const char c : text) {
+        if (c == '<') {
+            safe += "\\u003c";
+        } else {
+            safe += c;
+        }
+    }
+    return safe;
+}
+
+}  // namespace
+
+std::string tracePage(const CompiledPattern& pattern, std::u16string_view subject, const TraceLog& log) {
+    return std::string(tracePageHead) + "const trace = " + asScriptText(traceObject(pattern, subject, log)) +
+           ";\n" + std::string(tracePageScript);
+}
+
+}  // namespace tool
