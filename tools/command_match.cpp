@@ -5,7 +5,6 @@
 #include "tools/exit_status.h"
 #include "tools/interrupt.h"
 #include "tools/match_options.h"
-#include "tools/match_walker.h"
 #include "tools/pattern_options.h"
 #include "tools/progress.h"
 #include "tools/warning_report.h"
@@ -54,16 +53,15 @@ private:
     }
 
     void searchText(const Input& input) {
-        MatchWalker walker(pattern_.tree(), input.text.view());
+        RE_Match_Range matches = pattern_.tree().find_all(input.text.view());
         Progress progress(input);
         reporter_->beginText(input);
         // Short searches may end before they poll the flag, so it is asked between them too.
-        for (std::size_t left = settings_.maxCount; left != 0 && !interruptPending(); --left) {
-            const std::unique_ptr<RE_Results> match = walker.next();
-            if (!match) break;
+        std::size_t left = settings_.maxCount;
+        for (auto match = matches.begin(); match != matches.end() && left != 0; ++match) {
             found_ = true;
             progress.at(match->nextIndex());
-            if (!report(*match, progress)) break;
+            if (!report(*match, progress) || --left == 0 || interruptPending()) break;
         }
         progress.hide();
         reporter_->endText();

@@ -65,12 +65,14 @@ void TraceLog::observe(const RE_Trace_Event& event, const RE_Search_Info& search
     }
     TokenState tokens = tokensOf(search);
     if (tokens != tokenStates_.back()) tokenStates_.push_back(std::move(tokens));
-    events_.push_back({event, static_cast<std::size_t>(search.backtrack.top + 1), tokenStates_.size() - 1});
+    events_.push_back({event, event.node == nullptr ? 0 : event.node->nodeId, eventText(event),
+                       static_cast<std::size_t>(search.backtrack.top + 1), tokenStates_.size() - 1});
+    events_.back().event.node = nullptr;
 }
 
 std::string describeEvent(const TraceLog& log, std::size_t index) {
     const LoggedEvent& logged = log.events()[index];
-    std::string text = eventText(logged.event);
+    std::string text = logged.text;
     const std::size_t before = index == 0 ? 0 : log.events()[index - 1].tokens;
     if (logged.tokens == before) return text;
     const TokenState& tokens = log.tokenStates()[logged.tokens];

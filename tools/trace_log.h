@@ -5,6 +5,7 @@
 #include "regexp/regexp.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <utility>
 #include <vector>
@@ -15,12 +16,14 @@ using TokenState =
     std::vector<std::pair<std::size_t, std::size_t>>;  // start and length of the tokens in effect
 
 struct LoggedEvent {
-    RE_Trace_Event event;
-    std::size_t choices;  // left on the stack afterwards
-    std::size_t tokens;   // index of the token state afterwards
+    RE_Trace_Event event;  // without its node, which may be gone: those of dynamic texts go during the search
+    std::uint64_t nodeId;  // 0 when there was none
+    std::string text;      // what happened, but for the tokens
+    std::size_t choices;   // left on the stack afterwards
+    std::size_t tokens;    // index of the token state afterwards
 };
 
-// Keeps the first events up to a limit and counts the others. The nodes of the pattern must outlive it.
+// Keeps the first events up to a limit and counts the others.
 class TraceLog : public RE_Observer {
 public:
     explicit TraceLog(std::size_t limit) : limit_(limit) {}

@@ -31,7 +31,7 @@ Json eventObject(const TraceLog& log, std::size_t index) {
     const LoggedEvent& logged = log.events()[index];
     const RE_Trace_Event& event = logged.event;
     return {{"kind", kindNames[static_cast<std::size_t>(event.kind)]},
-            {"node", event.node == nullptr ? 0 : event.node->nodeId},
+            {"node", logged.nodeId},
             {"from", event.from},
             {"to", event.to},
             {"ok", event.succeeded},
