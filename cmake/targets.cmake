@@ -33,6 +33,7 @@ add_library(corvane::regexp ALIAS corvane_regexp)
 corvane_compile_rules(corvane_regexp)
 target_include_directories(corvane_regexp PUBLIC ${corvane_includes})
 target_link_libraries(corvane_regexp PUBLIC Boost::headers Boost::program_options PRIVATE hwy::hwy)
+target_link_options(corvane_regexp PRIVATE -Wl,-Bsymbolic-functions)
 set_target_properties(corvane_regexp PROPERTIES
     LINKER_LANGUAGE CXX
     EXPORT_NAME regexp VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})

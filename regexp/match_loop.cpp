@@ -1,5 +1,6 @@
 #include "regexp/match_loop.h"
 
+#include "regexp/direct_step.h"
 #include "regexp/inspect/loop_watch.h"
 #include "regexp/nodes/node.h"
 #include "regexp/search_info.h"
@@ -24,6 +25,15 @@ const RE_Node* endBody(RE_Search_Info& info, bool completed, std::size_t& pos, W
     return following;
 }
 
+template <class Watch>
+const RE_Node* takeUp(const RE_Node* chooser, const RE_Backtrack_Record& record, std::size_t& pos,
+                      RE_Search_Info& info) {
+    if (!Watch::watches && chooser->kind == RE_Node_Kind::split) {
+        return static_cast<const RE_Split*>(chooser)->RE_Split::resume(record, pos, info);
+    }
+    return chooser->resume(record, pos, info);
+}
+
 /// Takes up the most recent choice of the innermost body, or ends that body. Null when the whole run has failed.
 template <class Watch>
 const RE_Node* backtrack(RE_Search_Info& info, std::size_t& pos, std::size_t floor, Watch& watch) {
@@ -33,7 +43,7 @@ const RE_Node* backtrack(RE_Search_Info& info, std::size_t& pos, std::size_t flo
         if (const RE_Backtrack_Record* record = info.popChoice()) {
             const RE_Node* const chooser = record->node;
             watch.popped();
-            node = chooser->resume(*record, pos, info);
+            node = takeUp<Watch>(chooser, *record, pos, info);
             watch.resumed(chooser, pos);
         } else if (watch.popped(); info.wasInterrupted() || info.bodies.size() == floor) {
             return nullptr;
@@ -46,25 +56,48 @@ const RE_Node* backtrack(RE_Search_Info& info, std::size_t& pos, std::size_t flo
     }
 }
 
+/// What visiting a node by its virtual functions led to: the node to go on at (null: a choice has to be taken up), or
+/// the end of the run.
+struct Visit {
+    const RE_Node* following;
+    bool isOver = false;
+};
+
 template <class Watch>
-bool run(RE_Search_Info& info, const RE_Node* node, std::size_t& pos, Watch watch) {
+Visit visit(const RE_Node* node, RE_Search_Info& info, std::size_t& pos, std::size_t floor, Watch& watch) {
+    watch.begin(pos);
+    const bool matched = node->match(info.subjectBegin, pos, info);
+    watch.stepped(node, pos, matched);
+    if (!matched) {
+        return {afterFailure(node, info)};
+    }
+    if (!node->isEnd()) {
+        return {node->next()};
+    }
+    if (const RE_Node* text = node->includedText(info)) {
+        return {text};
+    }
+    if (info.bodies.size() == floor) {
+        return {nullptr, true};
+    }
+    return {endBody(info, true, pos, watch)};
+}
+
+template <class Watch>
+bool run(RE_Search_Info& info, const RE_Node* node, std::size_t& position, Watch watch) {
     const std::size_t floor = info.bodies.size();
-    const char16_t* const subject = info.subjectBegin;
+    std::size_t pos = position;  // a copy that the compiler can keep in a register
     while (node != nullptr && info.takeStep()) {
         const RE_Node* following = nullptr;
-        watch.begin(pos);
-        const bool matched = node->match(subject, pos, info);
-        watch.stepped(node, pos, matched);
-        if (!matched) {
-            following = afterFailure(node, info);
-        } else if (!node->isEnd()) {
-            following = node->next();
-        } else if (const RE_Node* text = node->includedText(info)) {
-            following = text;
-        } else if (info.bodies.size() == floor) {
-            return true;
+        if (!Watch::watches && node->kind != RE_Node_Kind::other) {
+            following = visitDirectly(node, pos, info);
         } else {
-            following = endBody(info, true, pos, watch);
+            const Visit visited = visit(node, info, pos, floor, watch);
+            if (visited.isOver) {
+                position = pos;
+                return true;
+            }
+            following = visited.following;
         }
         node = following != nullptr ? following : backtrack(info, pos, floor, watch);
     }

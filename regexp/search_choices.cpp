@@ -3,21 +3,6 @@
 
 #include <utility>
 
-bool RE_Search_Info::pushChoice(const RE_Node* node, const char16_t* position, bool newRecord) {
-    if (!node->guarded) {
-        return pushUnguarded(node, position, newRecord);
-    }
-    if (node->memoised && !firstVisit(node, position)) {
-        return false;
-    }
-    pushRecord(node, position, 0);
-    return true;
-}
-
-bool RE_Search_Info::firstVisit(const RE_Node* node, const char16_t* position) {
-    return memo == nullptr || memo->insert(*this, node, indexOf(position)) || refuse();
-}
-
 const char16_t* RE_Search_Info::lastUntried(const RE_Node* node, const char16_t* first,
                                             const char16_t* last) {
     if (memo == nullptr) {
@@ -36,16 +21,6 @@ const char16_t* RE_Search_Info::firstUntried(const RE_Node* node, const char16_t
     const std::size_t found = memo->firstUntried(*this, node, indexOf(first), indexOf(last));
     refusals += found == indexOf(first) ? 0 : 1;
     return found == RE_Memo_Table::nowhere ? nullptr : subjectBegin + found;
-}
-
-void RE_Search_Info::pushRecord(const RE_Node* node, const char16_t* position, std::size_t word) {
-    const std::size_t slot = static_cast<std::size_t>(backtrack.top + 1);
-    if (slot >= backtrack.records.size()) {
-        backtrack.grow();
-    }
-    backtrack.records[slot] = {node, position, tokens != nullptr ? tokens->count : 0};
-    backtrack.marks[slot] = {trail.size(), word};
-    ++backtrack.top;
 }
 
 RE_Backtrack_Record* RE_Search_Info::popChoice() {
@@ -78,10 +53,6 @@ void RE_Search_Info::beginMemo() {
     if (memo == nullptr) {
         memo = std::make_unique<RE_Search_Memo>(facts->firstCombinedRow());
     }
-}
-
-std::size_t RE_Search_Info::poppedWord() const {
-    return backtrack.marks[static_cast<std::size_t>(backtrack.top + 1)].word;
 }
 
 // Registers written before the first record of an attempt are not trailed; nothing reads them before the attempt

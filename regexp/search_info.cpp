@@ -125,14 +125,6 @@ const char16_t* RE_Search_Info::lastStartOf(const RE_Node* next, const RE_Node* 
     return found;
 }
 
-bool RE_Search_Info::pollInterrupt() {
-    if (steps % 2048 == 0 && pollScan()) {
-        return true;
-    }
-    ++steps;
-    return false;
-}
-
 bool RE_Search_Info::pollScan() {
     if (checkInterrupts && utInterruptState::IsInterruptPending()) {
         stopped = RE_Search_Outcome::interrupted;
@@ -187,57 +179,12 @@ const RE_TokenInfo* RE_Search_Info::getToken(const char16_t* name) const {
     return tokens == nullptr ? nullptr : withinSubject(tokens->get(name), subjectLength());
 }
 
-void RE_Search_Info::noteTokenStart(std::size_t index, std::size_t position) {
-    if (index < registers.size()) {
-        setRegister(index, position);
-    }
-}
-
-void RE_Search_Info::recordToken(std::size_t index, const char16_t* name, std::size_t end) {
-    if (tokens == nullptr || index >= tokens->slots.size() || index >= registers.size()) {
-        return;
-    }
-    for (std::size_t skipped = tokens->count; skipped < index; ++skipped) {
-        setSlot(skipped, RE_TokenInfo{});
-    }
-    const std::size_t start = registers[index];
-    setSlot(index, RE_TokenInfo{start, end - start, name});
-    tokens->count = index + 1;
-}
-
 void RE_Search_Info::notePass(std::size_t pass, std::size_t word) {
     setRegister(facts->tokenCount + pass, word);
 }
 
 std::size_t RE_Search_Info::passWord(std::size_t pass) const {
     return registers[facts->tokenCount + pass];
-}
-
-void RE_Search_Info::setRegister(std::size_t index, std::size_t value) {
-    if (writesAreTrailed()) {
-        trail.push_back({nullptr, {registers[index], index, nullptr}});
-    }
-    registers[index] = value;
-}
-
-void RE_Search_Info::setSlot(std::size_t index, const RE_TokenInfo& value) {
-    RE_TokenInfo& slot = tokens->slots[index];
-    if (writesAreTrailed()) {
-        trail.push_back({&slot, slot});
-    }
-    slot = value;
-}
-
-void RE_Search_Info::undoTo(std::size_t height) {
-    while (trail.size() > height) {
-        const Trail_Entry& entry = trail.back();
-        if (entry.slot != nullptr) {
-            *entry.slot = entry.old;
-        } else {
-            registers[entry.old.length] = entry.old.start;
-        }
-        trail.pop_back();
-    }
 }
 
 std::size_t& RE_Search_Info::topCount(const RE_Node* counter) {

@@ -292,3 +292,87 @@ private:
     std::unique_ptr<RE_Search_Memo> memo;
     std::unique_ptr<RE_Search_Memo> idleMemo;  ///< empty; for a later search that needs one
 };
+
+// --- what the match loop does at most steps ---
+
+inline bool RE_Search_Info::pollInterrupt() {
+    if (steps % 2048 == 0 && pollScan()) {
+        return true;
+    }
+    ++steps;
+    return false;
+}
+
+inline bool RE_Search_Info::pushChoice(const RE_Node* node, const char16_t* position, bool newRecord) {
+    if (!node->guarded) {
+        return pushUnguarded(node, position, newRecord);
+    }
+    if (node->memoised && !firstVisit(node, position)) {
+        return false;
+    }
+    pushRecord(node, position, 0);
+    return true;
+}
+
+inline bool RE_Search_Info::firstVisit(const RE_Node* node, const char16_t* position) {
+    return memo == nullptr || memo->insert(*this, node, indexOf(position)) || refuse();
+}
+
+inline void RE_Search_Info::pushRecord(const RE_Node* node, const char16_t* position, std::size_t word) {
+    const std::size_t slot = static_cast<std::size_t>(backtrack.top + 1);
+    if (slot >= backtrack.records.size()) {
+        backtrack.grow();
+    }
+    backtrack.records[slot] = {node, position, tokens != nullptr ? tokens->count : 0};
+    backtrack.marks[slot] = {trail.size(), word};
+    ++backtrack.top;
+}
+
+inline std::size_t RE_Search_Info::poppedWord() const {
+    return backtrack.marks[static_cast<std::size_t>(backtrack.top + 1)].word;
+}
+
+inline void RE_Search_Info::noteTokenStart(std::size_t index, std::size_t position) {
+    if (index < registers.size()) {
+        setRegister(index, position);
+    }
+}
+
+inline void RE_Search_Info::recordToken(std::size_t index, const char16_t* name, std::size_t end) {
+    if (tokens == nullptr || index >= tokens->slots.size() || index >= registers.size()) {
+        return;
+    }
+    for (std::size_t skipped = tokens->count; skipped < index; ++skipped) {
+        setSlot(skipped, RE_TokenInfo{});
+    }
+    const std::size_t start = registers[index];
+    setSlot(index, RE_TokenInfo{start, end - start, name});
+    tokens->count = index + 1;
+}
+
+inline void RE_Search_Info::setRegister(std::size_t index, std::size_t value) {
+    if (writesAreTrailed()) {
+        trail.push_back({nullptr, {registers[index], index, nullptr}});
+    }
+    registers[index] = value;
+}
+
+inline void RE_Search_Info::setSlot(std::size_t index, const RE_TokenInfo& value) {
+    RE_TokenInfo& slot = tokens->slots[index];
+    if (writesAreTrailed()) {
+        trail.push_back({&slot, slot});
+    }
+    slot = value;
+}
+
+inline void RE_Search_Info::undoTo(std::size_t height) {
+    while (trail.size() > height) {
+        const Trail_Entry& entry = trail.back();
+        if (entry.slot != nullptr) {
+            *entry.slot = entry.old;
+        } else {
+            registers[entry.old.length] = entry.old.start;
+        }
+        trail.pop_back();
+    }
+}

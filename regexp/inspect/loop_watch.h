@@ -5,6 +5,8 @@
 
 /// Nobody watches: every call is empty and leaves no code behind.
 struct RE_No_Watch {
+    static constexpr bool watches = false;
+
     explicit RE_No_Watch(RE_Search_Info&) {}
 
     void begin(std::size_t) {}
@@ -17,6 +19,8 @@ struct RE_No_Watch {
 /// Tells the observer of the search. What a node did to the stack of choices is read off the stack afterwards.
 class RE_Loop_Watch {
 public:
+    static constexpr bool watches = true;
+
     explicit RE_Loop_Watch(RE_Search_Info& info) : search(info) {}
 
     /// Something is about to happen at `pos`.

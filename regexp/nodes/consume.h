@@ -43,3 +43,5 @@ private:
 
     RE_Class_Scan stops;  // the units that end a run
 };
+template <>
+inline constexpr RE_Node_Kind kindOfNode<RE_Consume> = RE_Node_Kind::run;

@@ -22,6 +22,27 @@ class RE_ParserContext;
 class RE_Search_Info;
 struct RE_Backtrack_Record;
 
+/// The nodes that most steps of a search visit. The match loop knows them by heart and runs them without virtual calls.
+enum class RE_Node_Kind : std::uint8_t {
+    other,
+    literal,
+    foldedLiteral,
+    range,
+    namedClass,
+    unitClass,
+    dotLine,
+    string,
+    run,
+    split,
+    startToken,
+    endToken,
+    passage  ///< matches everywhere and consumes nothing
+};
+
+/// The kind of nodes of exactly this class. A class that gives none is run by its virtual functions.
+template <class Node>
+inline constexpr RE_Node_Kind kindOfNode = RE_Node_Kind::other;
+
 /// What a link between two nodes means.
 enum class RE_Link { next, fail, alternative, body, item, done, helper };
 
@@ -137,6 +158,7 @@ public:
     std::uint64_t minLength = 0;  ///< least number of units from here to the end of the branch
     std::uint64_t maxLength = 0;  ///< greatest such number; `unboundedLength` when there is none
 
+    RE_Node_Kind kind = RE_Node_Kind::other;
     bool isCounter = false;    ///< popping a record of this node undoes something
     bool memoised = false;     ///< choices of this node are told to the memo
     bool reuseRecord = false;  ///< overwrites its earlier record instead of stacking a new one

@@ -29,6 +29,8 @@ public:
 protected:
     const char16_t* scan(const char16_t* p, RE_Search_Info& info) const override;
 };
+template <>
+inline constexpr RE_Node_Kind kindOfNode<StringCharSeeker> = RE_Node_Kind::passage;
 
 /// Finds positions at which a literal stands with which every match starts.
 class CORVANE_REGEXP_EXPORT StringStringSeeker : public RE_Seeker {
@@ -47,3 +49,5 @@ protected:
 private:
     RE_Literal_Search search;
 };
+template <>
+inline constexpr RE_Node_Kind kindOfNode<StringStringSeeker> = RE_Node_Kind::passage;

@@ -32,3 +32,5 @@ protected:
 private:
     RE_Literal_Search search{{u"", 0, false}};
 };
+template <>
+inline constexpr RE_Node_Kind kindOfNode<RE_String> = RE_Node_Kind::string;

@@ -59,6 +59,8 @@ public:
     void prepareTokens(RE_Token_Names& names) const override;
     std::string label() const override { return "Token start #" + std::to_string(number + 1); }
 };
+template <>
+inline constexpr RE_Node_Kind kindOfNode<RE_Start_Token> = RE_Node_Kind::startToken;
 
 class CORVANE_REGEXP_EXPORT RE_End_Token : public RE_Token {
 public:
@@ -67,6 +69,8 @@ public:
     bool isEndToken() const override { return true; }
     std::string label() const override { return "Token end #" + std::to_string(number + 1); }
 };
+template <>
+inline constexpr RE_Node_Kind kindOfNode<RE_End_Token> = RE_Node_Kind::endToken;
 
 /// Base of the nodes that read a token: by name when there is one, else by number.
 class CORVANE_REGEXP_EXPORT RE_Token_Fail : public RE_Fail {

@@ -10,6 +10,8 @@ public:
     bool isSkippable() const override { return nextNode != nullptr; }
     std::string label() const override { return "Null"; }
 };
+template <>
+inline constexpr RE_Node_Kind kindOfNode<RE_Null> = RE_Node_Kind::passage;
 
 /// The end of a pattern or of a closed body. With a continuation it is the end of a sub-pattern, and matching goes on
 /// there.

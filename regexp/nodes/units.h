@@ -42,6 +42,8 @@ protected:
     const char16_t* scanBack(const char16_t* p, std::size_t count, RE_Search_Info& info) const override;
     bool mayJoin(bool first) const;
 };
+template <>
+inline constexpr RE_Node_Kind kindOfNode<RE_Natural> = RE_Node_Kind::literal;
 
 /// One literal unit, ignoring case: `ch` is its lower-case form.
 class CORVANE_REGEXP_EXPORT RE_Natural_I : public RE_Natural {
@@ -71,6 +73,8 @@ private:
     char16_t folded;
     RE_Literal_Search search;
 };
+template <>
+inline constexpr RE_Node_Kind kindOfNode<RE_Natural_I> = RE_Node_Kind::foldedLiteral;
 
 /// Units within inclusive bounds.
 class CORVANE_REGEXP_EXPORT RE_Range : public RE_Unit_Test {
@@ -89,6 +93,8 @@ protected:
     bool holds(char16_t unit) const { return low <= unit && unit <= high; }
     void addFoldedUnitsTo(RE_Unit_Set& set, bool bothForms) const;
 };
+template <>
+inline constexpr RE_Node_Kind kindOfNode<RE_Range> = RE_Node_Kind::range;
 
 /// A range within one case, ignoring case: the bounds are lower-case forms.
 class CORVANE_REGEXP_EXPORT RE_Range_I : public RE_Range {
@@ -124,6 +130,8 @@ public:
     Test test;
     const RE_Unit_Set* units;  ///< the units for which `test` holds; lives as long as the process
 };
+template <>
+inline constexpr RE_Node_Kind kindOfNode<RE_Escaped_Set> = RE_Node_Kind::namedClass;
 
 /// Any set of units, as a table: a bracket expression, or alternatives of single units taken together.
 class CORVANE_REGEXP_EXPORT RE_Unit_Class : public RE_Unit_Test {
@@ -139,6 +147,8 @@ public:
     std::shared_ptr<const RE_Unit_Set> set;
     std::string text;
 };
+template <>
+inline constexpr RE_Node_Kind kindOfNode<RE_Unit_Class> = RE_Node_Kind::unitClass;
 
 /// Base of the two dots.
 class CORVANE_REGEXP_EXPORT RE_Dot : public RE_Unit_Test {
@@ -163,3 +173,5 @@ public:
     void addUnitsTo(RE_Unit_Set& set) const override;
     std::string label() const override { return "Match . (dotexceptnewline)"; }
 };
+template <>
+inline constexpr RE_Node_Kind kindOfNode<RE_Dot_Line> = RE_Node_Kind::dotLine;

@@ -6,6 +6,7 @@
 #include "regexp/graph_facts.h"
 #include "regexp/inspect/profile_node.h"
 #include "regexp/memory.h"
+#include "regexp/nodes/node.h"
 #include "regexp/parser/set_pool.h"
 
 #include <cstddef>
@@ -36,6 +37,7 @@ public:
             node = new RE_Profile_Node<Node>(*this, std::forward<Arguments>(arguments)...);
         } else {
             node = new Node(*this, std::forward<Arguments>(arguments)...);
+            node->kind = kindOfNode<Node>;
         }
         facts->nodes.back() = node;
         return node;
