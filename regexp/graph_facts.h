@@ -4,6 +4,7 @@
 #include "regexp/inspect/profile.h"
 #include "regexp/memo.h"
 #include "regexp/memory.h"
+#include "regexp/seek/start_finder_kind.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -29,6 +30,7 @@ struct CORVANE_REGEXP_EXPORT RE_Graph_Facts : public RE_Memory {
     std::uint64_t minimumLength = 0;  ///< least number of units of a match
     std::uint64_t bytes = 0;          ///< of the host's memory, held by nodes and facts
     bool hasDynamicNodes = false;     ///< matching may call the host
+    RE_Start_Finder startFinder = RE_Start_Finder::none;
     /// The endless loop over one unit with which every match begins, or null. Where an attempt failed, it fails from the
     /// other positions of the same run as well: it was tried there as a shorter or longer run.
     const RE_Consume* leadingLoop = nullptr;

@@ -31,6 +31,8 @@ public:
     /// How many units from `first`, a multiple of 64, on are in the set.
     std::size_t sizeFrom(std::size_t first) const;
     std::size_t hash() const;
+    /// Of the 64 units from 64 * `block` on, one bit each.
+    std::uint64_t bits(std::size_t block) const { return words[block]; }
     bool operator==(const RE_Unit_Set& other) const;
 
     template <class Predicate>

@@ -194,6 +194,8 @@ public:
     virtual bool matchesUnit(char16_t) const { return false; }
     /// Adds every unit that this node matches.
     virtual void addUnitsTo(RE_Unit_Set& set) const;
+    /// The units that this node matches, where it has them as a table.
+    virtual const RE_Unit_Set* table() const { return nullptr; }
     /// Length of the run of units from `p`, up to `limit`, that this node matches.
     virtual std::size_t skipDistance(const char16_t* p, const char16_t* limit) const;
     virtual bool matchesAnyChar() const { return false; }

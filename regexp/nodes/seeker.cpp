@@ -1,5 +1,6 @@
 #include "regexp/nodes/seeker.h"
 
+#include "regexp/parser/parser_context.h"
 #include "regexp/seek/scan.h"
 
 const char16_t* StringCharSeeker::scan(const char16_t* p, RE_Search_Info& info) const {
@@ -10,4 +11,74 @@ const char16_t* StringCharSeeker::scan(const char16_t* p, RE_Search_Info& info) 
 
 std::string StringStringSeeker::label() const {
     return "Seek text of " + std::to_string(string.length) + " units";
+}
+
+const char16_t* StringPrefixSeeker::scan(const char16_t* p, RE_Search_Info& info) const {
+    const std::size_t reach = prefixes.depth - 1;
+    if (static_cast<std::size_t>(info.subjectEnd - p) <= reach) {
+        return nullptr;
+    }
+    return scanForward(p, info.subjectEnd - reach, info, [this](const char16_t* at, const char16_t* stop) {
+        return findPrefix(at, stop, prefixes);
+    });
+}
+
+std::string StringPrefixSeeker::label() const {
+    return "Seek prefixes of " + std::to_string(prefixes.depth) + " units";
+}
+
+StringInnerSeeker::StringInnerSeeker(RE_ParserContext& context, const RE_String& literal,
+                                     std::shared_ptr<const RE_Unit_Set> unitsBefore, std::uint64_t least,
+                                     std::shared_ptr<const RE_Unit_Set> firstUnits)
+    : RE_Seeker(context),
+      string(literal),
+      before(std::move(unitsBefore)),
+      first(std::move(firstUnits)),
+      leastBefore(least),
+      search(literal.literal()),
+      outside(*before, false),
+      starts(*first, true) {
+    memoIndex = context.nextMemoRow();
+}
+
+std::string StringInnerSeeker::label() const {
+    return "Seek text of " + std::to_string(string.length) + " units within";
+}
+
+// The positions from `p` on from which the next literal can be reached over units that may stand before it. They are
+// remembered: from the later ones the same literal is the next.
+bool StringInnerSeeker::stretchFrom(const char16_t* p, RE_Search_Info& info, Stretch& stretch) const {
+    if (const RE_Measured_Run* known = info.measuredRun(this); known != nullptr && known->holds(p)) {
+        stretch = {p, known->end};
+        return true;
+    }
+    if (static_cast<std::uint64_t>(info.subjectEnd - p) < leastBefore) {
+        return false;
+    }
+    const char16_t* const literal = search.find(string.literal(), p + leastBefore, info);
+    if (literal == nullptr) {
+        return false;
+    }
+    const char16_t* const barrier = scanBackward(p, literal, info, [this](const char16_t* from, const char16_t* to) {
+        return findLastClass(from, to, outside);
+    });
+    stretch = {barrier != nullptr ? barrier + 1 : p, literal - leastBefore};
+    if (stretch.begin <= stretch.end && !info.wasInterrupted()) {
+        info.noteRun(this, {stretch.begin, stretch.end});
+    }
+    return !info.wasInterrupted();
+}
+
+const char16_t* StringInnerSeeker::scan(const char16_t* p, RE_Search_Info& info) const {
+    Stretch stretch{};
+    while (stretchFrom(p, info, stretch)) {
+        if (stretch.begin <= stretch.end) {
+            const char16_t* const start = findClass(stretch.begin, stretch.end + 1, starts);
+            if (start <= stretch.end) {
+                return start;
+            }
+        }
+        p = stretch.end + 1;
+    }
+    return nullptr;
 }

@@ -1,4 +1,6 @@
 // Roots that only find where a match may start. They consume nothing and match everywhere; what they add is `seek`.
+//
+// Each rules positions out and none in: wherever a match starts, its seeker finds the position.
 #pragma once
 
 #include "regexp/nodes/string.h"
@@ -51,3 +53,50 @@ private:
 };
 template <>
 inline constexpr RE_Node_Kind kindOfNode<StringStringSeeker> = RE_Node_Kind::passage;
+
+/// Finds positions at which the first units of a match may stand, several places looked at together.
+class CORVANE_REGEXP_EXPORT StringPrefixSeeker : public RE_Seeker {
+public:
+    StringPrefixSeeker(RE_ParserContext& context, const RE_Prefix_Scan& scan) : RE_Seeker(context), prefixes(scan) {}
+    std::string label() const override;
+
+    RE_Prefix_Scan prefixes;
+
+protected:
+    const char16_t* scan(const char16_t* p, RE_Search_Info& info) const override;
+};
+template <>
+inline constexpr RE_Node_Kind kindOfNode<StringPrefixSeeker> = RE_Node_Kind::passage;
+
+/// Finds a literal that every match holds, and goes back from it over the units that may stand before it.
+class CORVANE_REGEXP_EXPORT StringInnerSeeker : public RE_Seeker {
+public:
+    /// Every match consumes units of `unitsBefore` only, `least` or more of them, and then the literal. It starts with a
+    /// unit of `firstUnits`.
+    StringInnerSeeker(RE_ParserContext& context, const RE_String& literal,
+                      std::shared_ptr<const RE_Unit_Set> unitsBefore, std::uint64_t least,
+                      std::shared_ptr<const RE_Unit_Set> firstUnits);
+    std::string label() const override;
+
+    const RE_String& string;  ///< a node of the same graph
+    std::shared_ptr<const RE_Unit_Set> before;
+    std::shared_ptr<const RE_Unit_Set> first;
+    std::uint64_t leastBefore;
+
+protected:
+    const char16_t* scan(const char16_t* p, RE_Search_Info& info) const override;
+
+private:
+    struct Stretch {
+        const char16_t* begin;
+        const char16_t* end;
+    };
+
+    bool stretchFrom(const char16_t* p, RE_Search_Info& info, Stretch& stretch) const;
+
+    RE_Literal_Search search;
+    RE_Class_Scan outside;  ///< units that are not in `before`
+    RE_Class_Scan starts;
+};
+template <>
+inline constexpr RE_Node_Kind kindOfNode<StringInnerSeeker> = RE_Node_Kind::passage;

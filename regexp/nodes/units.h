@@ -124,6 +124,7 @@ public:
 
     bool matchesUnit(char16_t unit) const override { return units->contains(unit); }
     void addUnitsTo(RE_Unit_Set& set) const override { set.addAll(*units); }
+    const RE_Unit_Set* table() const override { return units; }
     std::string label() const override;
 
     std::uint32_t escape;
@@ -141,6 +142,7 @@ public:
 
     bool matchesUnit(char16_t unit) const override { return set->contains(unit); }
     void addUnitsTo(RE_Unit_Set& units) const override { units.addAll(*set); }
+    const RE_Unit_Set* table() const override { return set.get(); }
     std::size_t skipDistance(const char16_t* p, const char16_t* limit) const override;
     std::string label() const override { return "Match " + text; }
 

@@ -5,6 +5,9 @@
 #include "regexp/nodes/seeker.h"
 #include "regexp/nodes/string.h"
 #include "regexp/passes/first_units.h"
+#include "regexp/passes/prefix_scan.h"
+#include "regexp/passes/required_literal.h"
+#include "regexp/seek/likelihood.h"
 
 #include <utility>
 
@@ -12,6 +15,9 @@ namespace {
 
 // A set with more units than this rules out too little to be worth a scan.
 constexpr std::size_t widestUsefulSet = 60'000;
+// By how much another finder has to be rarer than a scan for the first unit.
+constexpr double worthPrefixes = 0.5;
+constexpr double worthGoingBack = 0.1;
 
 /// The first node that is more than an opening group.
 RE_Node* leadingNode(RE_Node* root) {
@@ -31,27 +37,77 @@ void noteLeadingLoop(RE_Graph_Facts& facts, const RE_Node* leading) {
     }
 }
 
-RE_Node* inFront(RE_Seeker* seeker, RE_Node* root) {
-    seeker->nextNode = root;
-    return seeker;
-}
+/// Goes through the finders that come to mind in the order of `RE_Start_Finder`.
+class Chooser {
+public:
+    Chooser(RE_ParserContext& parserContext, RE_Node* graphRoot) : context(parserContext), root(graphRoot) {}
+
+    RE_Node* choose() {
+        RE_Node* const leading = leadingNode(root);
+        noteLeadingLoop(*context.facts, leading);
+        if (context.facts->hasDynamicNodes) {
+            return root;
+        }
+        if (dynamic_cast<RE_Start_String*>(leading) != nullptr && root->canSeek(false)) {
+            context.facts->startFinder = RE_Start_Finder::anchored;
+            return root;
+        }
+        if (auto* string = dynamic_cast<RE_String*>(leading)) {
+            return inFront(RE_Start_Finder::literal, context.make<StringStringSeeker>(*string));
+        }
+        return chooseByUnits();
+    }
+
+private:
+    RE_Node* chooseByUnits() {
+        RE_First_Units first;
+        const bool allowsEmpty = (context.flags & RE_FLAG_ALLOW_EMPTY) != 0;
+        if (!first.gather(root) || (first.mayBeEmpty && allowsEmpty)) {
+            return root;
+        }
+        const double firstLikelihood = setLikelihood(*first.units);
+        const std::optional<RE_Likely_Prefixes> prefixes = prefixesFrom(root, allowsEmpty);
+        const bool prefixesPay = prefixes && prefixes->scan.depth > 1 &&
+                                 prefixes->likelihood < firstLikelihood * worthPrefixes;
+        const double best = prefixesPay ? prefixes->likelihood : firstLikelihood;
+        if (RE_Node* const inner = innerSeeker(best * worthGoingBack, first)) {
+            return inner;
+        }
+        if (prefixesPay) {
+            return inFront(RE_Start_Finder::prefixes, context.make<StringPrefixSeeker>(prefixes->scan));
+        }
+        if (first.units->size() > widestUsefulSet) {
+            return root;
+        }
+        return inFront(RE_Start_Finder::firstUnits, context.make<StringCharSeeker>(std::move(first.units)));
+    }
+
+    /// A seeker for a required literal that is rarer than `likelihood`; null when there is none.
+    RE_Node* innerSeeker(double likelihood, const RE_First_Units& first) {
+        if (likelihood < 1e-5) {
+            return nullptr;
+        }
+        std::optional<RE_Required_Literal> literal = requiredLiteral(root);
+        if (!literal || RE_Literal_Search(literal->string->literal()).likelihood() >= likelihood) {
+            return nullptr;
+        }
+        return inFront(RE_Start_Finder::requiredLiteral,
+                       context.make<StringInnerSeeker>(*literal->string, std::move(literal->before),
+                                                       literal->leastBefore, first.units));
+    }
+
+    RE_Node* inFront(RE_Start_Finder finder, RE_Seeker* seeker) {
+        context.facts->startFinder = finder;
+        seeker->nextNode = root;
+        return seeker;
+    }
+
+    RE_ParserContext& context;
+    RE_Node* root;
+};
 
 }  // namespace
 
 RE_Node* chooseStartFinder(RE_ParserContext& context, RE_Node* root) {
-    RE_Node* const leading = leadingNode(root);
-    noteLeadingLoop(*context.facts, leading);
-    const bool anchored = dynamic_cast<RE_Start_String*>(leading) != nullptr;
-    if (context.facts->hasDynamicNodes || (anchored && root->canSeek(false))) {
-        return root;
-    }
-    if (auto* string = dynamic_cast<RE_String*>(leading)) {
-        return inFront(context.make<StringStringSeeker>(*string), root);
-    }
-    RE_First_Units first;
-    const bool allowsEmpty = (context.flags & RE_FLAG_ALLOW_EMPTY) != 0;
-    if (!first.gather(root) || (first.mayBeEmpty && allowsEmpty) || first.units->size() > widestUsefulSet) {
-        return root;
-    }
-    return inFront(context.make<StringCharSeeker>(std::move(first.units)), root);
+    return Chooser(context, root).choose();
 }

@@ -14,12 +14,13 @@ public:
     const char16_t* seek(const char16_t* p, RE_Search_Info& info) const override {
         const RE_Seek_Key key = this->seekKey(true);
         const char16_t* answer = nullptr;
-        if (info.seekTable != nullptr && info.seekTable->get(p, key, answer)) {
+        if (info.seekTable != nullptr && info.seekTable->size() != 0 && info.seekTable->get(p, key, answer)) {
             return answer;
         }
         answer = scan(p, info);
         info.noteScan(static_cast<std::size_t>((answer != nullptr ? answer : info.subjectEnd) - p));
-        if (info.seekTable != nullptr && !info.wasInterrupted()) {
+        const bool isFar = answer == nullptr || static_cast<std::size_t>(answer - p) >= worthKeeping;
+        if (isFar && info.seekTable != nullptr && !info.wasInterrupted()) {
             info.seekTable->put(key, RE_Seek_Value(p, answer));
         }
         return answer;
@@ -29,6 +30,9 @@ public:
     }
 
 protected:
+    /// Answers nearer than this are found again as fast as they are looked up.
+    static constexpr std::size_t worthKeeping = 256;
+
     virtual const char16_t* scan(const char16_t* p, RE_Search_Info&) const { return p; }
     virtual const char16_t* scanBack(const char16_t* p, std::size_t count, RE_Search_Info&) const {
         return p + count;

@@ -85,22 +85,87 @@ struct Class_Test {
     }
 };
 
+/// The first of the hits, one bit for each unit from `p` on, that stands up to the whole test; null when none does.
 template <class Test>
-const char16_t* findForward(const char16_t* p, const char16_t* end, const Test& test) {
-    const std::size_t lanes = hn::Lanes(Lanes());
-    for (; static_cast<std::size_t>(end - p) >= lanes; p += lanes) {
-        for (std::uint64_t hits = bitsOf(test(p)); hits != 0; hits &= hits - 1) {
-            const char16_t* const at = p + std::countr_zero(hits);
-            if (test.holds(at)) {
-                return at;
-            }
+HWY_INLINE const char16_t* firstOf(std::uint64_t hits, const char16_t* p, const Test& test) {
+    for (; hits != 0; hits &= hits - 1) {
+        const char16_t* const at = p + std::countr_zero(hits);
+        if (test.holds(at)) {
+            return at;
         }
     }
-    while (p < end && !test.holds(p)) {
-        ++p;
+    return nullptr;
+}
+
+/// Four vectors at a time, for as long as none of them has a hit. Returns how far it came.
+template <class Test>
+HWY_INLINE const char16_t* skipForward(const char16_t* p, const char16_t* end, const Test& test) {
+    const std::size_t lanes = hn::Lanes(Lanes());
+    for (; static_cast<std::size_t>(end - p) >= 4 * lanes; p += 4 * lanes) {
+        const Mask first = hn::Or(test(p), test(p + lanes));
+        const Mask second = hn::Or(test(p + 2 * lanes), test(p + 3 * lanes));
+        if (!hn::AllFalse(Lanes(), hn::Or(first, second))) {
+            break;
+        }
     }
     return p;
 }
+
+template <class Test>
+const char16_t* findForward(const char16_t* p, const char16_t* end, const Test& test) {
+    const std::size_t lanes = hn::Lanes(Lanes());
+    if (static_cast<std::size_t>(end - p) < lanes) {
+        while (p < end && !test.holds(p)) {
+            ++p;
+        }
+        return p;
+    }
+    while (static_cast<std::size_t>(end - p) >= lanes) {
+        if (const char16_t* const found = firstOf(bitsOf(test(p)), p, test)) {
+            return found;
+        }
+        p = skipForward(p + lanes, end, test);
+    }
+    // The last vector overlaps the one before it.
+    const char16_t* const tail = end - lanes;
+    const std::uint64_t hits = p < end ? bitsOf(test(tail)) >> (p - tail) : 0;
+    const char16_t* const found = firstOf(hits, p, test);
+    return found != nullptr ? found : end;
+}
+
+#if HWY_TARGET != HWY_SCALAR
+/// Which prefixes may have `bytes` at the place that these rows belong to, one bit for each.
+HWY_INLINE Vector prefixesWith(Vector units, const std::uint8_t* lowRows, const std::uint8_t* highRows) {
+    const Lanes d;
+    const hn::Repartition<std::uint8_t, Lanes> bytes;
+    const Vector nibble = hn::Set(d, std::uint16_t{0x0F});
+    const Vector low = hn::And(units, nibble);
+    const Vector high = hn::And(hn::ShiftRight<4>(units), nibble);
+    return hn::And(hn::BitCast(d, hn::TableLookupBytes(hn::LoadDup128(bytes, lowRows), hn::BitCast(bytes, low))),
+                   hn::BitCast(d, hn::TableLookupBytes(hn::LoadDup128(bytes, highRows), hn::BitCast(bytes, high))));
+}
+#endif
+
+template <std::size_t depth>
+struct Prefix_Test {
+    const RE_Prefix_Scan& scan;
+
+    HWY_INLINE Mask operator()(const char16_t* p) const {
+#if HWY_TARGET == HWY_SCALAR  // has no table look-up
+        return hn::FirstN(Lanes(), scan.mayStandAt(p) ? 1 : 0);
+#else
+        const Lanes d;
+        const Vector ceiling = hn::Set(d, scan.saturates ? std::uint16_t{0xFF} : std::uint16_t{0xFFFF});
+        Vector prefixes = hn::Set(d, std::uint16_t{0xFF});
+        for (std::size_t i = 0; i < depth; ++i) {
+            const Vector units = hn::Min(load(p + i), ceiling);
+            prefixes = hn::And(prefixes, prefixesWith(units, scan.low[i], scan.high[i]));
+        }
+        return hn::Ne(prefixes, hn::Zero(d));
+#endif
+    }
+    bool holds(const char16_t* p) const { return scan.mayStandAt(p); }
+};
 
 template <class Test>
 const char16_t* findBackward(const char16_t* p, const char16_t* end, const Test& test) {
@@ -138,6 +203,18 @@ const char16_t* classBackward(const char16_t* p, const char16_t* end, const RE_C
 const char16_t* probeForward(const char16_t* p, const char16_t* end, const RE_Literal_Probe& probe) {
     return findForward(p, end, Probe_Test{probe});
 }
+const char16_t* prefixForward(const char16_t* p, const char16_t* end, const RE_Prefix_Scan& scan) {
+    switch (scan.depth) {
+        case 1:
+            return findForward(p, end, Prefix_Test<1>{scan});
+        case 2:
+            return findForward(p, end, Prefix_Test<2>{scan});
+        case 3:
+            return findForward(p, end, Prefix_Test<3>{scan});
+        default:
+            return findForward(p, end, Prefix_Test<4>{scan});
+    }
+}
 const char16_t* probeBackward(const char16_t* p, const char16_t* end, const RE_Literal_Probe& probe) {
     return findBackward(p, end, Probe_Test{probe});
 }
@@ -155,6 +232,7 @@ HWY_EXPORT(classForward);
 HWY_EXPORT(classBackward);
 HWY_EXPORT(probeForward);
 HWY_EXPORT(probeBackward);
+HWY_EXPORT(prefixForward);
 }  // namespace corvane_kernels
 
 using namespace corvane_kernels;
@@ -169,6 +247,10 @@ const char16_t* findClass(const char16_t* p, const char16_t* end, const RE_Class
 
 const char16_t* findProbe(const char16_t* p, const char16_t* end, const RE_Literal_Probe& probe) {
     return HWY_DYNAMIC_DISPATCH(probeForward)(p, end, probe);
+}
+
+const char16_t* findPrefix(const char16_t* p, const char16_t* end, const RE_Prefix_Scan& scan) {
+    return HWY_DYNAMIC_DISPATCH(prefixForward)(p, end, scan);
 }
 
 const char16_t* findLastUnit(const char16_t* p, const char16_t* end, RE_Unit_Pair unit) {

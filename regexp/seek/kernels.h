@@ -42,11 +42,44 @@ struct RE_Literal_Probe {
     std::size_t secondAt;
 };
 
+/// Up to eight prefixes, each a row of up to four sets of units, prepared for scanning for all of them at once. A unit is
+/// known by one byte: its low byte, or itself up to 0xFF. What is found may stand up to the test by accident only.
+struct RE_Prefix_Scan {
+    static constexpr std::size_t mostPrefixes = 8;
+    static constexpr std::size_t mostUnits = 4;
+
+    std::uint8_t low[mostUnits][16] = {};   ///< by low four bits of the byte: one bit for each prefix
+    std::uint8_t high[mostUnits][16] = {};  ///< by high four bits
+    std::size_t depth = 0;                  ///< units looked at, at least 1
+    bool saturates = false;                 ///< units from 0x100 on count as 0xFF
+
+    std::uint8_t byteOf(char16_t unit) const {
+        return static_cast<std::uint8_t>(saturates && unit > 0xFF ? 0xFF : unit & 0xFF);
+    }
+    /// `byte` may stand at the place `at` of prefix number `prefix`.
+    void allow(std::size_t prefix, std::size_t at, std::uint8_t byte) {
+        const auto bit = static_cast<std::uint8_t>(1U << prefix);
+        low[at][byte & 0x0F] = static_cast<std::uint8_t>(low[at][byte & 0x0F] | bit);
+        high[at][byte >> 4] = static_cast<std::uint8_t>(high[at][byte >> 4] | bit);
+    }
+    bool mayStandAt(const char16_t* p) const {
+        unsigned prefixes = 0xFF;
+        for (std::size_t i = 0; i < depth; ++i) {
+            const std::uint8_t byte = byteOf(p[i]);
+            prefixes &= low[i][byte & 0x0F] & static_cast<unsigned>(high[i][byte >> 4]);
+        }
+        return prefixes != 0;
+    }
+};
+
 // The first position in [p, end) that counts, or `end`.
 const char16_t* findUnit(const char16_t* p, const char16_t* end, RE_Unit_Pair unit);
 const char16_t* findClass(const char16_t* p, const char16_t* end, const RE_Class_Scan& scan);
 /// Both units of the probe stand at their distances. Units up to `end` plus the larger distance must be readable.
 const char16_t* findProbe(const char16_t* p, const char16_t* end, const RE_Literal_Probe& probe);
+
+/// A prefix may stand there. Units up to `end` plus the depth less one must be readable.
+const char16_t* findPrefix(const char16_t* p, const char16_t* end, const RE_Prefix_Scan& scan);
 
 // The last position in [p, end) that counts, or null.
 const char16_t* findLastUnit(const char16_t* p, const char16_t* end, RE_Unit_Pair unit);

@@ -1,6 +1,7 @@
 #include "regexp/seek/literal_search.h"
 
 #include "regexp/search_info.h"
+#include "regexp/seek/likelihood.h"
 #include "regexp/seek/scan.h"
 
 #include <cstring>
@@ -23,28 +24,12 @@ std::optional<RE_Unit_Pair> unitsFor(char16_t unit, bool ignoreCase) {
     return RE_Unit_Pair{unit, known == 2 ? upper : unit};
 }
 
-int commonness(const RE_Unit_Pair& units) {
-    return units.one == units.other ? ::commonness(units.one)
-                                    : ::commonness(units.one) + ::commonness(units.other);
+double pairLikelihood(const RE_Unit_Pair& units) {
+    return units.one == units.other ? unitLikelihood(units.one)
+                                    : unitLikelihood(units.one) + unitLikelihood(units.other);
 }
 
 }  // namespace
-
-// Letters in the order of their frequency in prose, blanks first; what is not ASCII counts as fairly common, since a
-// text that holds any mostly holds many of its neighbours.
-int commonness(char16_t unit) {
-    static constexpr std::u16string_view order = u" etaoinshrdlu\ncmfwypvbgk,.";
-    const std::size_t place = order.find(unit);
-    if (place != order.npos) {
-        return 200 - 4 * static_cast<int>(place);
-    }
-    if (unit >= 0x80) {
-        return 90;
-    }
-    const bool digit = unit >= u'0' && unit <= u'9';
-    const bool capital = unit >= u'A' && unit <= u'Z';
-    return digit ? 60 : capital ? 40 : 20;
-}
 
 bool RE_Literal::matchesAt(const char16_t* p) const {
     if (!ignoreCase) {
@@ -62,14 +47,14 @@ bool RE_Literal::matchesAt(const char16_t* p) const {
 // The two rarest units, the earlier ones of equals. A literal of one unit is probed for it twice.
 RE_Literal_Search::RE_Literal_Search(const RE_Literal& literal) {
     static constexpr std::size_t longestLookedAt = 64;
-    int best = 0;
-    int second = 0;
+    double best = 0;
+    double second = 0;
     for (std::size_t i = 0; i < literal.length && i < longestLookedAt; ++i) {
         const std::optional<RE_Unit_Pair> units = unitsFor(literal.text[i], literal.ignoreCase);
         if (!units) {
             continue;
         }
-        const int common = commonness(*units);
+        const double common = pairLikelihood(*units);
         if (!probes || common < best) {
             probe.second = probes ? probe.first : *units;
             probe.secondAt = probes ? probe.firstAt : i;
@@ -84,6 +69,14 @@ RE_Literal_Search::RE_Literal_Search(const RE_Literal& literal) {
             second = common;
         }
     }
+}
+
+double RE_Literal_Search::likelihood() const {
+    if (!probes) {
+        return 1;
+    }
+    const double first = pairLikelihood(probe.first);
+    return probe.firstAt == probe.secondAt ? first : first * pairLikelihood(probe.second);
 }
 
 const char16_t* RE_Literal_Search::find(const RE_Literal& literal, const char16_t* p,

@@ -27,10 +27,10 @@ public:
     const char16_t* findLast(const RE_Literal& literal, const char16_t* p, std::size_t count,
                              RE_Search_Info& info) const;
 
+    /// The share of the positions of ordinary text at which its two units stand.
+    double likelihood() const;
+
 private:
     bool probes = false;  ///< without it every position is compared
     RE_Literal_Probe probe{};
 };
-
-/// How common a unit is in ordinary text, 0 for the rarest.
-int commonness(char16_t unit);

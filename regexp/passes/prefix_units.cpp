@@ -1,0 +1,146 @@
+#include "regexp/passes/prefix_units.h"
+
+#include "regexp/nodes/closed_body.h"
+#include "regexp/nodes/consume.h"
+#include "regexp/nodes/dynamic.h"
+#include "regexp/nodes/string.h"
+#include "regexp/nodes/tokens.h"
+#include "regexp/nodes/trivial.h"
+
+#include <algorithm>
+
+namespace {
+
+// Graphs that need more visits than this are not worth a prefix.
+constexpr std::size_t mostVisits = 400;
+
+}  // namespace
+
+void RE_Byte_Sets::add(char16_t unit) {
+    const std::size_t low = unit & 0xFF;
+    lowBytes[low / 64] |= std::uint64_t{1} << (low % 64);
+    if (unit <= 0xFF) {
+        latin[low / 64] |= std::uint64_t{1} << (low % 64);
+    } else {
+        beyondLatin = true;
+    }
+}
+
+void RE_Byte_Sets::addAll(const RE_Unit_Set& units) {
+    for (std::size_t i = 0; i < RE_Unit_Set::unitCount / 64; ++i) {
+        const std::uint64_t bits = units.bits(i);
+        lowBytes[i % 4] |= bits;
+        if (i < 4) {
+            latin[i] |= bits;
+        } else {
+            beyondLatin = beyondLatin || bits != 0;
+        }
+    }
+}
+
+void RE_Byte_Sets::addAll(const RE_Byte_Sets& other) {
+    for (std::size_t i = 0; i < lowBytes.size(); ++i) {
+        lowBytes[i] |= other.lowBytes[i];
+        latin[i] |= other.latin[i];
+    }
+    beyondLatin = beyondLatin || other.beyondLatin;
+}
+
+void RE_Prefix_Units::gather(RE_Node* from, bool emptyCounts) {
+    countsEmpty = emptyCounts;
+    reach(from, 0);
+    while (known != 0 && !pending.empty()) {
+        const auto [node, place, turns] = pending.back();
+        pending.pop_back();
+        visit(node, place, turns);
+        if (seen.size() > mostVisits) {
+            known = 0;
+        }
+    }
+}
+
+void RE_Prefix_Units::gather(const char16_t* text, std::size_t length, bool ignoreCase) {
+    for (std::size_t i = 0; i < std::min(length, mostPlaces); ++i) {
+        addLiteral(text[i], ignoreCase, i);
+    }
+    endAt(length);
+}
+
+void RE_Prefix_Units::reach(RE_Node* node, std::size_t place, std::uint64_t turns) {
+    if (node != nullptr && place < known && seen.emplace(node, place, turns).second) {
+        pending.emplace_back(node, place, turns);
+    }
+}
+
+void RE_Prefix_Units::visit(RE_Node* node, std::size_t place, std::uint64_t turns) {
+    if (auto* unit = dynamic_cast<RE_Consumable*>(node); unit != nullptr && unit->isSingleUnit()) {
+        visitUnit(*unit, place);
+        reach(unit->nextNode, place + 1);
+        reach(unit->failTarget, place);
+    } else if (auto* string = dynamic_cast<RE_String*>(node)) {
+        visitString(*string, place);
+    } else if (auto* loop = dynamic_cast<RE_Consume*>(node)) {
+        visitLoop(*loop, place, turns);
+    } else if (auto* atomic = dynamic_cast<RE_Atomic*>(node)) {
+        reach(atomic->body, place);
+    } else if (auto* end = dynamic_cast<RE_End_Of_Tree*>(node)) {
+        if (place != 0 || countsEmpty || end->endsBody || end->continuation != nullptr) {
+            endAt(place);
+        }
+    } else if (dynamic_cast<RE_Match_Token*>(node) != nullptr || node->isEnd()) {
+        endAt(place);
+    } else {
+        followWays(node, place);
+    }
+}
+
+void RE_Prefix_Units::visitUnit(const RE_Consumable& unit, std::size_t place) {
+    if (const RE_Unit_Set* const table = unit.table()) {
+        places[place].addAll(*table);
+        return;
+    }
+    RE_Unit_Set units;
+    unit.addUnitsTo(units);
+    places[place].addAll(units);
+}
+
+void RE_Prefix_Units::visitString(const RE_String& string, std::size_t place) {
+    for (std::size_t i = 0; i < string.length && place + i < mostPlaces; ++i) {
+        addLiteral(string.text[i], string.ignoreCase, place + i);
+    }
+    reach(string.nextNode, place + string.length);
+}
+
+void RE_Prefix_Units::visitLoop(RE_Consume& loop, std::size_t place, std::uint64_t turns) {
+    if (turns >= loop.minimum) {
+        reach(loop.nextNode, place);
+    }
+    if (turns < loop.maximum) {
+        places[place].addAll(*loop.units);
+        reach(&loop, place + 1, turns + 1);
+    }
+}
+
+void RE_Prefix_Units::followWays(RE_Node* node, std::size_t place) {
+    struct Ways : RE_Link_Visitor {
+        Ways(RE_Prefix_Units& prefix, std::size_t reachedAt) : units(prefix), at(reachedAt) {}
+        void link(RE_Node*& target, RE_Link kind) override {
+            if (kind != RE_Link::body && kind != RE_Link::helper) {
+                units.reach(target, at);
+            }
+        }
+        RE_Prefix_Units& units;
+        std::size_t at;
+    } ways(*this, place);
+    node->visitLinks(ways);
+}
+
+void RE_Prefix_Units::addLiteral(char16_t unit, bool ignoreCase, std::size_t place) {
+    if (!ignoreCase) {
+        places[place].add(unit);
+        return;
+    }
+    RE_Unit_Set units;
+    RE_Case_Table::get().addFolding(units, unit, unit, false);
+    places[place].addAll(units);
+}

@@ -1,0 +1,63 @@
+// The units with which a match can begin, place after place.
+#pragma once
+
+#include "regexp/memory.h"
+#include "regexp/nodes/node.h"
+#include "regexp/unit_set.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <set>
+#include <tuple>
+#include <vector>
+
+class RE_Consume;
+class RE_String;
+
+/// A set of units seen through two lenses of one byte each: their low bytes, and themselves, where all units from 0x100
+/// on are one.
+struct RE_Byte_Sets {
+    std::array<std::uint64_t, 4> lowBytes{};
+    std::array<std::uint64_t, 4> latin{};
+    bool beyondLatin = false;
+
+    void add(char16_t unit);
+    void addAll(const RE_Unit_Set& units);
+    void addAll(const RE_Byte_Sets& other);
+    static bool holds(const std::array<std::uint64_t, 4>& bits, std::size_t byte) {
+        return (bits[byte / 64] >> (byte % 64) & 1) != 0;
+    }
+};
+
+/// Gathers, for what a way through the graph consumes first, the units that may stand at each of its first places. Every
+/// match along that way has a unit of each set up to `known`.
+class RE_Prefix_Units {
+public:
+    static constexpr std::size_t mostPlaces = 4;
+
+    /// With `emptyCounts` an end that is reached at once ends the prefix there; else such a match is refused anyway.
+    void gather(RE_Node* from, bool emptyCounts);
+    /// The text of a literal, which is known as a whole.
+    void gather(const char16_t* text, std::size_t length, bool ignoreCase);
+
+    std::array<RE_Byte_Sets, mostPlaces> places;
+    std::size_t known = mostPlaces;
+
+private:
+    /// A node reached behind so many units, and for a loop how many of its units it has consumed.
+    using Reached = std::tuple<RE_Node*, std::size_t, std::uint64_t>;
+
+    void reach(RE_Node* node, std::size_t place, std::uint64_t turns = 0);
+    void visit(RE_Node* node, std::size_t place, std::uint64_t turns);
+    void visitUnit(const RE_Consumable& unit, std::size_t place);
+    void visitString(const RE_String& string, std::size_t place);
+    void visitLoop(RE_Consume& loop, std::size_t place, std::uint64_t turns);
+    void followWays(RE_Node* node, std::size_t place);
+    void endAt(std::size_t place) { known = place < known ? place : known; }
+    void addLiteral(char16_t unit, bool ignoreCase, std::size_t place);
+
+    std::vector<Reached, RE_Allocator<Reached>> pending;
+    std::set<Reached> seen;
+    bool countsEmpty = true;
+};
