@@ -2,6 +2,8 @@
 
 #include "regexp/search_info.h"
 
+#include <utility>
+
 RE_Results::RE_Results(RE_Search_Info* info, const char16_t* end, std::size_t extra, bool take)
     : ownsTokens(take),
       subjectBegin(info->subjectBegin),
@@ -9,13 +11,9 @@ RE_Results::RE_Results(RE_Search_Info* info, const char16_t* end, std::size_t ex
       matchStart(static_cast<std::size_t>(info->matchStart - info->subjectBegin)),
       matchLength(static_cast<std::size_t>(end - info->matchStart) + extra),
       tokens(info->tokens) {
-    if (take) {
+    if (take && tokens != nullptr) {
+        taken = std::move(*tokens);
+        tokens = &taken;
         info->tokens = nullptr;
-    }
-}
-
-RE_Results::~RE_Results() {
-    if (ownsTokens) {
-        delete tokens;
     }
 }

@@ -16,7 +16,6 @@ public:
     /// `end` and `extra` (code units) give the end of the match; with `take` the token store moves here, without it
     /// the results are a view that must not outlive the search state.
     RE_Results(RE_Search_Info* info, const char16_t* end, std::size_t extra, bool take);
-    ~RE_Results();
     RE_Results(const RE_Results&) = delete;
     RE_Results& operator=(const RE_Results&) = delete;
 
@@ -29,4 +28,7 @@ public:
     std::size_t matchStart;
     std::size_t matchLength;
     RE_Token_Stack* tokens;  ///< null when there was no memory for it
+
+private:
+    RE_Token_Stack taken;  // the store itself, so that results with few tokens are one block
 };

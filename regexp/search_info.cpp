@@ -16,13 +16,22 @@ RE_Search_Info::RE_Search_Info(const char16_t* subject, std::size_t length, std:
       memoCountdown(length * RE_Memo_Delay::perUnit + RE_Memo_Delay::choices + 1) {
     // Everything that can throw comes before the interrupt flag is touched.
     registers.resize(tokenCount, noPass);
-    tokens = new (std::nothrow) RE_Token_Stack(tokenCount);
+    makeTokens(tokenCount);
     putInterruptAside();
 }
 
 RE_Search_Info::~RE_Search_Info() {
-    delete tokens;
     handInterruptBack();
+}
+
+// Without memory for them a search goes on without tokens.
+void RE_Search_Info::makeTokens(std::size_t count) {
+    try {
+        ownTokens.slots.resize(count);
+        tokens = &ownTokens;
+    } catch (const std::bad_alloc&) {
+        tokens = nullptr;
+    }
 }
 
 void RE_Search_Info::putInterruptAside() {

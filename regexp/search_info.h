@@ -214,7 +214,7 @@ public:
     const char16_t* subjectEnd;
     const char16_t* matchStart = nullptr;   ///< start of the current attempt; null until the first reset
     const char16_t* requiredEnd = nullptr;  ///< where a look-behind body must end; null when unused
-    RE_Token_Stack* tokens = nullptr;       ///< owned until an `RE_Results` takes it
+    RE_Token_Stack* tokens = nullptr;       ///< null without memory, and when an `RE_Results` has taken the store
     RE_Backtrack_Stack backtrack;
 
     using Counts = boost::container::small_vector<std::size_t, 4, RE_Allocator<std::size_t>>;
@@ -262,6 +262,7 @@ private:
         RE_TokenInfo old;
     };
 
+    void makeTokens(std::size_t count);
     bool passCheckpoint();
     void beginMemo();
     bool refuse() {
@@ -278,6 +279,7 @@ private:
     bool isDuplicate(const RE_Node* node, const char16_t* position) const;
     void writeReused(const RE_Node* node, const char16_t* position);
 
+    RE_Token_Stack ownTokens;
     const RE_Graph_Facts* facts = nullptr;
     boost::container::small_vector<std::size_t, 12, RE_Allocator<std::size_t>> registers;
     std::vector<Trail_Entry, RE_Allocator<Trail_Entry>> trail;

@@ -17,7 +17,7 @@ struct RE_TokenInfo {
 /// Closing a token makes it the last one in effect, so tokens with higher numbers are forgotten.
 class CORVANE_REGEXP_EXPORT RE_Token_Stack : public RE_Memory {
 public:
-    explicit RE_Token_Stack(std::size_t n) : slots(n) {}
+    explicit RE_Token_Stack(std::size_t n = 0) : slots(n) {}
 
     void reset() { count = 0; }
     void set_start(std::size_t index, const char16_t* name, std::size_t start);

@@ -151,6 +151,21 @@ const char16_t* RE_Consume::lastEnd(const char16_t* from, const char16_t* end, R
     }
 }
 
+// The first end in [end, last] that is worth trying: one at which the rest can begin and has not failed before.
+const char16_t* RE_Consume::nextEnd(const char16_t* end, const char16_t* last, RE_Search_Info& info) const {
+    const bool seeks = info.requiredEnd == nullptr && nextNode->canSeek(false);
+    for (;;) {
+        const char16_t* const untried = info.firstUntried(this, end, last);
+        if (untried == nullptr || !seeks) {
+            return untried;
+        }
+        end = nextNode->seek(untried, info);
+        if (end == nullptr || end > last || end == untried) {
+            return end != nullptr && end <= last ? end : nullptr;
+        }
+    }
+}
+
 // The record of a lazy run holds the end reached so far; its word is the farthest end allowed.
 bool RE_Consume::takeShortest(const char16_t* p, std::size_t& pos, RE_Search_Info& info) const {
     const char16_t* const end = runEnd(p, minimum, info);
@@ -160,7 +175,8 @@ bool RE_Consume::takeShortest(const char16_t* p, std::size_t& pos, RE_Search_Inf
     const std::uint64_t spare = static_cast<std::uint64_t>(info.subjectEnd - p);
     const std::size_t limit = info.indexOf(p + std::min(spare, maximum));
     // A possessive run has one end only; asking the memo could make it a longer one.
-    if (!possessive && !info.firstVisit(this, end)) {
+    const char16_t* const last = info.subjectBegin + limit;
+    if (!possessive && (nextEnd(end, last, info) != end || !info.firstVisit(this, end))) {
         return takeLonger(end, limit, pos, info);
     }
     pos = info.indexOf(end);
@@ -175,7 +191,7 @@ bool RE_Consume::takeLonger(const char16_t* end, std::size_t limit, std::size_t&
     const char16_t* const last = info.subjectBegin + limit;
     while (end < last) {
         info.noteScan(RE_Step_Meter::unitsAStep);
-        const char16_t* const longer = info.firstUntried(this, end + 1, last);
+        const char16_t* const longer = nextEnd(end + 1, last, info);
         if (longer == nullptr || runEnd(end, static_cast<std::uint64_t>(longer - end), info) != longer) {
             return false;
         }

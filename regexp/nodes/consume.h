@@ -38,6 +38,7 @@ private:
     const char16_t* lastEnd(const char16_t* from, const char16_t* end, RE_Search_Info& info) const;
     const char16_t* endOfRunFrom(const char16_t* p, RE_Search_Info& info) const;
     const char16_t* runEnd(const char16_t* p, std::uint64_t most, RE_Search_Info& info) const;
+    const char16_t* nextEnd(const char16_t* end, const char16_t* last, RE_Search_Info& info) const;
     bool takeShortest(const char16_t* p, std::size_t& pos, RE_Search_Info& info) const;
     bool takeLonger(const char16_t* end, std::size_t limit, std::size_t& pos, RE_Search_Info& info) const;
 

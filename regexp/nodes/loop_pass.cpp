@@ -21,7 +21,7 @@ std::size_t passState(std::size_t word, std::size_t position) {
 }
 
 bool RE_Start_Pass::match(const char16_t*, std::size_t& pos, RE_Search_Info& info) const {
-    switch (kind) {
+    switch (passKind) {
         case RE_Pass::optional:
             info.notePass(pass, pos);
             break;
@@ -36,7 +36,7 @@ bool RE_Start_Pass::match(const char16_t*, std::size_t& pos, RE_Search_Info& inf
 }
 
 std::string RE_Start_Pass::label() const {
-    return kind == RE_Pass::optional ? "Start pass" : "Start required pass";
+    return passKind == RE_Pass::optional ? "Start pass" : "Start required pass";
 }
 
 bool RE_End_Pass::match(const char16_t*, std::size_t& pos, RE_Search_Info& info) const {

@@ -11,13 +11,13 @@ enum class RE_Pass { optional, required, lastWhenEmpty };
 
 class CORVANE_REGEXP_EXPORT RE_Start_Pass : public RE_Node {
 public:
-    RE_Start_Pass(RE_ParserContext& context, std::size_t passRegister, RE_Pass passKind)
-        : RE_Node(context), pass(passRegister), kind(passKind) {}
+    RE_Start_Pass(RE_ParserContext& context, std::size_t passRegister, RE_Pass kindOfPass)
+        : RE_Node(context), pass(passRegister), passKind(kindOfPass) {}
     bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
     std::string label() const override;
 
     std::size_t pass;
-    RE_Pass kind;
+    RE_Pass passKind;
 };
 
 /// The fail target is the exit of the loop, where an empty pass that ends the loop goes on.

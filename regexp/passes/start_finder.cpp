@@ -37,6 +37,15 @@ void noteLeadingLoop(RE_Graph_Facts& facts, const RE_Node* leading) {
     }
 }
 
+/// The first node that is more than an opening group or a test of a word's ends.
+RE_Node* leadingConsumer(RE_Node* root) {
+    RE_Node* node = leadingNode(root);
+    while (dynamic_cast<RE_Word_Anchor*>(node) != nullptr) {
+        node = leadingNode(node->nextNode);
+    }
+    return node;
+}
+
 /// Goes through the finders that come to mind in the order of `RE_Start_Finder`.
 class Chooser {
 public:
@@ -48,11 +57,13 @@ public:
         if (context.facts->hasDynamicNodes) {
             return root;
         }
-        if (dynamic_cast<RE_Start_String*>(leading) != nullptr && root->canSeek(false)) {
+        const bool anchored = dynamic_cast<RE_Start_String*>(leading) != nullptr ||
+                              dynamic_cast<RE_Start_Line*>(leading) != nullptr;
+        if (anchored && root->canSeek(false)) {
             context.facts->startFinder = RE_Start_Finder::anchored;
             return root;
         }
-        if (auto* string = dynamic_cast<RE_String*>(leading)) {
+        if (auto* string = dynamic_cast<RE_String*>(leadingConsumer(root))) {
             return inFront(RE_Start_Finder::literal, context.make<StringStringSeeker>(*string));
         }
         return chooseByUnits();
