@@ -6,25 +6,33 @@
 #include <bit>
 
 void RE_Unit_Set::addRange(char16_t low, char16_t high) {
+    const bool toTheEnd = high == unitCount - 1;
     for (std::size_t unit = low; unit <= high;) {
         if (unit % 64 == 0 && unit + 63 <= high) {
             words[unit / 64] = ~std::uint64_t{0};
             unit += 64;
         } else {
-            add(static_cast<char16_t>(unit));
+            words[unit / 64] |= std::uint64_t{1} << (unit % 64);
             ++unit;
         }
+    }
+    if (low <= high) {
+        varied = toTheEnd ? std::size_t{low} / 64 + 1 : std::max(varied, std::size_t{high} / 64 + 1);
     }
 }
 
 void RE_Unit_Set::addAll(const RE_Unit_Set& other) {
-    for (std::size_t i = 0; i < unitCount / 64; ++i) {
+    const bool fills = other.varied < wordCount && other.rest() != 0;
+    const std::size_t touched = fills ? wordCount : other.varied;
+    for (std::size_t i = 0; i < touched; ++i) {
         words[i] |= other.words[i];
     }
+    varied = fills ? other.varied : std::max(varied, other.varied);
 }
 
 bool RE_Unit_Set::meets(const RE_Unit_Set& other) const {
-    for (std::size_t i = 0; i < unitCount / 64; ++i) {
+    const std::size_t compared = std::min(std::max(varied, other.varied) + 1, wordCount);
+    for (std::size_t i = 0; i < compared; ++i) {
         if ((words[i] & other.words[i]) != 0) {
             return true;
         }
@@ -40,16 +48,33 @@ void RE_Unit_Set::negate() {
 
 std::size_t RE_Unit_Set::sizeFrom(std::size_t first) const {
     std::size_t count = 0;
-    for (std::size_t word = first / 64; word < unitCount / 64; ++word) {
+    for (std::size_t word = first / 64; word < wordCount; ++word) {
         count += static_cast<std::size_t>(std::popcount(words[word]));
     }
     return count;
 }
 
+bool RE_Unit_Set::holdsAnyFrom(std::size_t first) const {
+    return std::any_of(words + first / 64, std::end(words), [](std::uint64_t word) { return word != 0; });
+}
+
+bool RE_Unit_Set::holdsAllFrom(std::size_t first) const {
+    return std::all_of(words + first / 64, std::end(words), [](std::uint64_t word) { return word + 1 == 0; });
+}
+
+std::size_t RE_Unit_Set::leastVaried() const {
+    std::size_t count = varied;
+    while (count > 0 && count < wordCount && words[count - 1] == rest()) {
+        --count;
+    }
+    return count;
+}
+
 std::size_t RE_Unit_Set::hash() const {
-    std::uint64_t mixed = 0;
-    for (const std::uint64_t word : words) {
-        mixed = (std::rotl(mixed, 7) ^ word) * 0x9E3779B97F4A7C15u;
+    const std::size_t count = leastVaried();
+    std::uint64_t mixed = count < wordCount ? rest() : 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        mixed = (std::rotl(mixed, 7) ^ words[i]) * 0x9E3779B97F4A7C15u;
     }
     return static_cast<std::size_t>(mixed ^ (mixed >> 32));
 }

@@ -10,7 +10,8 @@
 #include <memory>
 #include <vector>
 
-/// A set of units: one bit for each of the 65,536.
+/// A set of units: one bit for each of the 65,536. From some place on most sets hold all units or none: they know that
+/// place, so that building and comparing them looks at what stands before it only.
 class RE_Unit_Set : public RE_Memory {
 public:
     static constexpr std::size_t unitCount = 0x10000;
@@ -21,7 +22,10 @@ public:
     }
 
     bool contains(char16_t unit) const { return (words[unit >> 6] >> (unit & 63) & 1) != 0; }
-    void add(char16_t unit) { words[unit >> 6] |= std::uint64_t{1} << (unit & 63); }
+    void add(char16_t unit) {
+        words[unit >> 6] |= std::uint64_t{1} << (unit & 63);
+        varied = varied > unit >> 6 ? varied : static_cast<std::size_t>(unit >> 6) + 1;
+    }
     void addRange(char16_t low, char16_t high);
     void addAll(const RE_Unit_Set& other);
     void negate();
@@ -30,9 +34,14 @@ public:
     std::size_t size() const { return sizeFrom(0); }
     /// How many units from `first`, a multiple of 64, on are in the set.
     std::size_t sizeFrom(std::size_t first) const;
+    /// Whether there are any.
+    bool holdsAnyFrom(std::size_t first) const;
+    bool holdsAllFrom(std::size_t first) const;
     std::size_t hash() const;
     /// Of the 64 units from 64 * `block` on, one bit each.
     std::uint64_t bits(std::size_t block) const { return words[block]; }
+    /// From this block on all have the bits of the last one: none, or all.
+    std::size_t variedBlocks() const { return varied; }
     bool operator==(const RE_Unit_Set& other) const;
 
     template <class Predicate>
@@ -45,7 +54,13 @@ public:
     }
 
 private:
-    std::uint64_t words[unitCount / 64] = {};
+    static constexpr std::size_t wordCount = unitCount / 64;
+
+    std::uint64_t rest() const { return words[wordCount - 1]; }
+    std::size_t leastVaried() const;
+
+    std::uint64_t words[wordCount] = {};
+    std::size_t varied = 0;  ///< words that may differ from the last one, which is 0 or all ones unless this is all of them
 };
 
 /// The host's simple case mapping, unit by unit.

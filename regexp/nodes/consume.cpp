@@ -14,7 +14,11 @@ constexpr std::size_t shortRun = 12;
 // Runs from this length on are remembered.
 constexpr std::size_t longRun = 64;
 
+// The table of the item lives as long as the graph does.
 std::shared_ptr<const RE_Unit_Set> unitsOf(RE_ParserContext& context, const RE_Consumable& item) {
+    if (const RE_Unit_Set* const table = item.table()) {
+        return {std::shared_ptr<const void>(), table};
+    }
     auto units = RE_Unit_Set::make();
     item.addUnitsTo(*units);
     return context.sets.share(std::move(units));

@@ -27,7 +27,9 @@ void RE_Byte_Sets::add(char16_t unit) {
 }
 
 void RE_Byte_Sets::addAll(const RE_Unit_Set& units) {
-    for (std::size_t i = 0; i < RE_Unit_Set::unitCount / 64; ++i) {
+    // One block of those that are alike stands for all; there are more than four when there are any.
+    const std::size_t blocks = std::min(units.variedBlocks() + 4, RE_Unit_Set::unitCount / 64);
+    for (std::size_t i = 0; i < blocks; ++i) {
         const std::uint64_t bits = units.bits(i);
         lowBytes[i % 4] |= bits;
         if (i < 4) {

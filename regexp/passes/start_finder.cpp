@@ -13,8 +13,8 @@
 
 namespace {
 
-// A set with more units than this rules out too little to be worth a scan.
-constexpr std::size_t widestUsefulSet = 60'000;
+// First units that are more common than this rule out too little to be worth a scan.
+constexpr double commonestUseful = 0.97;
 // By how much another finder has to be rarer than a scan for the first unit.
 constexpr double worthPrefixes = 0.5;
 constexpr double worthGoingBack = 0.1;
@@ -87,7 +87,7 @@ private:
         if (prefixesPay) {
             return inFront(RE_Start_Finder::prefixes, context.make<StringPrefixSeeker>(prefixes->scan));
         }
-        if (first.units->size() > widestUsefulSet) {
+        if (firstLikelihood > commonestUseful) {
             return root;
         }
         return inFront(RE_Start_Finder::firstUnits, context.make<StringCharSeeker>(std::move(first.units)));

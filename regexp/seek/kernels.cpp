@@ -271,8 +271,7 @@ RE_Class_Scan::RE_Class_Scan(const RE_Unit_Set& set, bool wanted) : rows{}, unit
             rows[unit & 0x0F] |= static_cast<std::uint8_t>(1 << (unit >> 4));
         }
     }
-    const std::size_t others = set.sizeFrom(0x80);
-    othersMayHold = others != (sought ? 0 : RE_Unit_Set::unitCount - 0x80);
+    othersMayHold = sought ? set.holdsAnyFrom(0x80) : !set.holdsAllFrom(0x80);
 }
 
 #endif  // HWY_ONCE

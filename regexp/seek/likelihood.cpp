@@ -42,7 +42,5 @@ double setLikelihood(const RE_Unit_Set& set) {
     for (char16_t unit = 0; unit < ascii.size(); ++unit) {
         sum += set.contains(unit) ? ascii[unit] : 0;
     }
-    const auto others = static_cast<double>(set.sizeFrom(ascii.size()));
-    const double foreign = others * foreignLetter;
-    return sum + (foreign < beyondLatinLikelihood ? foreign : beyondLatinLikelihood);
+    return sum + (set.holdsAnyFrom(ascii.size()) ? beyondLatinLikelihood : 0);
 }
