@@ -313,7 +313,7 @@ void RE_Automaton::visitOther(std::size_t from, const Way& way) {
         follow(on, atomic->body);
     } else if (const auto* pass = dynamic_cast<RE_Start_Pass*>(node)) {
         const std::uint64_t bit = std::uint64_t{1} << pass->pass;
-        on.passes = pass->kind == RE_Pass::optional ? on.passes | bit : on.passes & ~bit;
+        on.passes = pass->passKind == RE_Pass::optional ? on.passes | bit : on.passes & ~bit;
         follow(on, pass->nextNode);
     } else if (const auto* endPass = dynamic_cast<RE_End_Pass*>(node)) {
         const bool isEmpty = (on.passes >> endPass->pass & 1) != 0;
