@@ -6,10 +6,13 @@
 // loop, and the way to it, must do without them.
 #include "regexp/inspect/growth.h"
 
+#include "regexp/graph_facts.h"
 #include "regexp/inspect/automaton.h"
+#include "regexp/regexp.h"
 
 #include <algorithm>
 #include <array>
+#include <memory>
 #include <optional>
 #include <unordered_set>
 #include <utility>
@@ -96,8 +99,9 @@ private:
 
 class Judge {
 public:
-    explicit Judge(const RE_Automaton& graph)
-        : automaton(graph),
+    Judge(const RE_Tree& pattern, const RE_Automaton& graph)
+        : tree(pattern),
+          automaton(graph),
           states(graph.states()),
           loops(states, everyState()),
           losing(states, losingStates()) {}
@@ -232,6 +236,28 @@ private:
             growth.prefix = spell(wordTo(p));
         }
         growth.suffix = suffixBehind(q);
+        findFailingSuffix(growth);
+    }
+
+    /// Only a search that fails shows how it grows. None is made where it would be counted, or where references keep
+    /// the memory of failed states from keeping it short.
+    void findFailingSuffix(RE_Growth& growth) const {
+        constexpr std::size_t times = 5;
+        const RE_Graph_Facts& facts = tree.getFacts();
+        const std::u16string first = growth.suffix;
+        const bool mayTry = facts.profiler == nullptr && facts.referencedTokens.empty();
+        for (std::size_t letter = 0; mayTry; ++letter) {
+            const std::u16string text = growth.witness(times);
+            const std::unique_ptr<RE_Results> found(tree.match(text.data(), text.size(), 0));
+            if (found == nullptr) {
+                return;
+            }
+            if (letter == automaton.letterCount()) {
+                break;
+            }
+            growth.suffix.assign(1, automaton.unitOf(letter));
+        }
+        growth.suffix = first;
     }
 
     Word wordTo(std::size_t state) {
@@ -268,6 +294,7 @@ private:
         return text;
     }
 
+    const RE_Tree& tree;
     const RE_Automaton& automaton;
     const States& states;
     Components loops;   // of all states
@@ -292,5 +319,5 @@ RE_Growth judgeGrowth(const RE_Tree& tree) {
         growth.kind = RE_Growth::Kind::unknown;
         return growth;
     }
-    return Judge(automaton).judge();
+    return Judge(tree, automaton).judge();
 }
