@@ -8,6 +8,7 @@
 
 #include "regexp/graph_facts.h"
 #include "regexp/inspect/automaton.h"
+#include "regexp/inspect/observer.h"
 #include "regexp/regexp.h"
 
 #include <algorithm>
@@ -96,6 +97,24 @@ private:
     std::vector<std::vector<std::size_t>> backward;
     std::vector<std::size_t> finished;
 };
+
+/// Whether there is a match that takes no long search.
+bool matchesSoon(const RE_Tree& tree, const std::u16string& text) {
+    struct Too_Long {};
+    struct Patience : RE_Observer {
+        void observe(const RE_Trace_Event&, const RE_Search_Info&) override {
+            if (left-- == 0) {
+                throw Too_Long();
+            }
+        }
+        std::size_t left = 20'000;
+    } patience;
+    try {
+        return std::unique_ptr<RE_Results>(tree.trace(text.data(), text.size(), 0, patience)) != nullptr;
+    } catch (const Too_Long&) {
+        return false;
+    }
+}
 
 class Judge {
 public:
@@ -239,17 +258,12 @@ private:
         findFailingSuffix(growth);
     }
 
-    /// Only a search that fails shows how it grows. None is made where it would be counted, or where references keep
-    /// the memory of failed states from keeping it short.
+    /// Only a search that fails shows how it grows. None is made where it would be counted.
     void findFailingSuffix(RE_Growth& growth) const {
         constexpr std::size_t times = 5;
-        const RE_Graph_Facts& facts = tree.getFacts();
         const std::u16string first = growth.suffix;
-        const bool mayTry = facts.profiler == nullptr && facts.referencedTokens.empty();
-        for (std::size_t letter = 0; mayTry; ++letter) {
-            const std::u16string text = growth.witness(times);
-            const std::unique_ptr<RE_Results> found(tree.match(text.data(), text.size(), 0));
-            if (found == nullptr) {
+        for (std::size_t letter = 0; tree.getFacts().profiler == nullptr; ++letter) {
+            if (!matchesSoon(tree, growth.witness(times))) {
                 return;
             }
             if (letter == automaton.letterCount()) {
