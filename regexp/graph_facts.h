@@ -26,6 +26,7 @@ struct CORVANE_REGEXP_EXPORT RE_Graph_Facts : public RE_Memory {
     std::size_t passRegisters = 0;  ///< one a loop whose body can match without consuming
     std::uint32_t memoRows =
         0;  ///< nodes that take part in the memo; their indexes are the first row numbers
+    std::uint64_t lastNodeId = 0;     ///< the greatest number that a node of the pattern was given
     std::uint64_t minimumLength = 0;  ///< least number of units of a match
     bool hasDynamicNodes = false;     ///< matching may call the host
     /// The endless loop over one unit with which every match begins, or null. Where an attempt failed, it fails from the
