@@ -12,6 +12,9 @@ struct Target {
 
 Target targetOf(std::string_view group);
 
+/// Nanoseconds a unit that a row shall not take more than; 0: none are set.
+double mostNanoseconds(std::string_view row);
+
 /// Of the geometric mean of our time by that of PCRE2 with machine code.
 inline constexpr double OVERALL_TARGET = 0.7;
 /// Of our time by that of a bare scan, in the groups where there is one.

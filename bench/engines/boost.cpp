@@ -73,7 +73,8 @@ class Boost_Engine : public Engine {
 public:
     std::string name() const override { return "Boost"; }
     std::string version() const override {
-        return std::to_string(BOOST_VERSION / 100'000) + "." + std::to_string(BOOST_VERSION / 100 % 1000) + ", UTF-8";
+        return std::to_string(BOOST_VERSION / 100'000) + "." + std::to_string(BOOST_VERSION / 100 % 1000) +
+               ", UTF-8";
     }
     bool isInterpreter() const override { return true; }
 

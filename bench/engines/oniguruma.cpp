@@ -56,8 +56,9 @@ private:
 
         Found operator()(std::u16string_view text, std::size_t offset, std::size_t& end) const {
             const OnigUChar* const last = bytes(text.data() + text.size());
-            const int place = onig_search(searcher->m_regex, bytes(text.data()), last, bytes(text.data() + offset),
-                                          last, searcher->m_region, ONIG_OPTION_NONE);
+            const int place =
+                onig_search(searcher->m_regex, bytes(text.data()), last, bytes(text.data() + offset), last,
+                            searcher->m_region, ONIG_OPTION_NONE);
             if (place < 0) {
                 return place == ONIG_MISMATCH ? Found::nothing : Found::gaveUp;
             }
