@@ -19,6 +19,11 @@ enum Flag : unsigned {
     UNICODE = 8,  ///< engines that fold or classify ASCII alone by default have to do so beyond it
 };
 
+/// An engine's own option for the flag, where it is set.
+constexpr unsigned ifSet(unsigned flags, Flag flag, unsigned option) {
+    return (flags & flag) != 0 ? option : 0U;
+}
+
 /// What is done with a pattern and a text, and timed.
 enum class Task {
     matches,   ///< find every match

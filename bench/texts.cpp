@@ -13,7 +13,7 @@
 namespace corvane_bench {
 namespace {
 
-constexpr std::size_t CHAPTER_UNITS = 60'000;
+constexpr std::size_t CHAPTER_UNITS = 30'000;
 constexpr std::size_t HUGE_UNITS = 10'000'000;
 
 /// English prose. Engines differ in what they take for a letter beyond ASCII, and for a line end beside the line

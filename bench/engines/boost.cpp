@@ -11,9 +11,9 @@ namespace corvane_bench {
 namespace {
 
 boost::regex::flag_type toOptions(unsigned flags) {
-    return boost::regex::perl | ((flags & IGNORE_CASE) != 0 ? boost::regex::icase : 0U) |
+    return boost::regex::perl | ifSet(flags, IGNORE_CASE, boost::regex::icase) |
            ((flags & DOT_ALL) != 0 ? boost::regex::mod_s : boost::regex::no_mod_s) |
-           ((flags & LINES) != 0 ? 0U : boost::regex::no_mod_m);
+           ((flags & LINES) != 0 ? boost::regex::perl : boost::regex::no_mod_m);
 }
 
 class Boost_Searcher : public Searcher {

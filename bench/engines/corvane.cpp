@@ -16,9 +16,8 @@ public:
 };
 
 RE_Flags toFlags(unsigned flags) {
-    return ((flags & IGNORE_CASE) != 0 ? RE_FLAG_IGNORE_CASE : 0U) |
-           ((flags & DOT_ALL) != 0 ? RE_FLAG_DOT_ALL : 0U) |
-           ((flags & LINES) != 0 ? RE_FLAG_LINE_ANCHORS : 0U);
+    return ifSet(flags, IGNORE_CASE, RE_FLAG_IGNORE_CASE) | ifSet(flags, DOT_ALL, RE_FLAG_DOT_ALL) |
+           ifSet(flags, LINES, RE_FLAG_LINE_ANCHORS);
 }
 
 std::size_t lengthOfTokens(const RE_Results& match) {

@@ -15,10 +15,9 @@ namespace {
 unsigned toOptions(const Request& request) {
     const bool ascii = std::all_of(request.pattern.begin(), request.pattern.end(),
                                    [](char16_t unit) { return unit < 0x80; });
-    return ((request.flags & IGNORE_CASE) != 0 ? HS_FLAG_CASELESS : 0U) |
-           ((request.flags & DOT_ALL) != 0 ? HS_FLAG_DOTALL : 0U) |
-           ((request.flags & LINES) != 0 ? HS_FLAG_MULTILINE : 0U) | (ascii ? 0U : HS_FLAG_UTF8) |
-           ((request.flags & UNICODE) != 0 ? HS_FLAG_UCP : 0U) |
+    return ifSet(request.flags, IGNORE_CASE, HS_FLAG_CASELESS) |
+           ifSet(request.flags, DOT_ALL, HS_FLAG_DOTALL) | ifSet(request.flags, LINES, HS_FLAG_MULTILINE) |
+           (ascii ? 0U : HS_FLAG_UTF8) | ifSet(request.flags, UNICODE, HS_FLAG_UCP) |
            (request.task == Task::subjects ? HS_FLAG_SINGLEMATCH : HS_FLAG_SOM_LEFTMOST);
 }
 

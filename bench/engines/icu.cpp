@@ -12,8 +12,8 @@ namespace {
 constexpr std::int32_t TIME_LIMIT = 20'000;
 
 std::uint32_t toOptions(unsigned flags) {
-    return UREGEX_UNIX_LINES | ((flags & IGNORE_CASE) != 0 ? UREGEX_CASE_INSENSITIVE : 0U) |
-           ((flags & DOT_ALL) != 0 ? UREGEX_DOTALL : 0U) | ((flags & LINES) != 0 ? UREGEX_MULTILINE : 0U);
+    return UREGEX_UNIX_LINES | ifSet(flags, IGNORE_CASE, UREGEX_CASE_INSENSITIVE) |
+           ifSet(flags, DOT_ALL, UREGEX_DOTALL) | ifSet(flags, LINES, UREGEX_MULTILINE);
 }
 
 class Icu_Searcher : public Searcher {

@@ -11,9 +11,8 @@ namespace {
 constexpr unsigned long RETRY_LIMIT = 10'000'000;
 
 OnigOptionType toOptions(unsigned flags) {
-    return ((flags & IGNORE_CASE) != 0 ? ONIG_OPTION_IGNORECASE : 0U) |
-           ((flags & DOT_ALL) != 0 ? ONIG_OPTION_MULTILINE : 0U) |
-           ((flags & LINES) != 0 ? ONIG_OPTION_NEGATE_SINGLELINE : 0U);
+    return ifSet(flags, IGNORE_CASE, ONIG_OPTION_IGNORECASE) | ifSet(flags, DOT_ALL, ONIG_OPTION_MULTILINE) |
+           ifSet(flags, LINES, ONIG_OPTION_NEGATE_SINGLELINE);
 }
 
 const OnigUChar* bytes(const char16_t* units) {

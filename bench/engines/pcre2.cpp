@@ -13,9 +13,9 @@ constexpr std::size_t JIT_STACK_MOST = 8 * 1024 * 1024;
 
 /// Our `$` never matches before a final line feed.
 std::uint32_t toOptions(unsigned flags) {
-    return PCRE2_DOLLAR_ENDONLY | ((flags & IGNORE_CASE) != 0 ? PCRE2_CASELESS : 0U) |
-           ((flags & DOT_ALL) != 0 ? PCRE2_DOTALL : 0U) | ((flags & LINES) != 0 ? PCRE2_MULTILINE : 0U) |
-           ((flags & UNICODE) != 0 ? PCRE2_UCP : 0U);
+    return PCRE2_DOLLAR_ENDONLY | ifSet(flags, IGNORE_CASE, PCRE2_CASELESS) |
+           ifSet(flags, DOT_ALL, PCRE2_DOTALL) | ifSet(flags, LINES, PCRE2_MULTILINE) |
+           ifSet(flags, UNICODE, PCRE2_UCP);
 }
 
 PCRE2_SPTR16 units(std::u16string_view text) {
