@@ -187,8 +187,7 @@ std::string overall(const std::vector<Row>& rows, const Engines& engines) {
 std::string summary(const std::vector<Row>& rows, const Engines& engines) {
     std::string text =
         "## Ratios by group\n\nMedian and mean are those of our time by that of the peer that the "
-        "target names; `by floor` is a median too (target " +
-        number(FLOOR_TARGET) + ").\n\n";
+        "target names; `by floor` is a median too.\n\n";
     text += heading({"group", "rows", "median", "mean", "mean by JIT", "mean by best", "by floor", "target"});
     for (const Group& group : groupsOf(rows)) {
         const std::string_view name = group.front()->workload->group;
