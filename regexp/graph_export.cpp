@@ -133,7 +133,8 @@ const char* linkName(RE_Link kind) {
 }
 
 void RE_Graph_Output::addNode(const RE_Node* node) {
-    std::string more = node->isEnd() ? ", peripheries=2" : "";
+    // Nodes that go on in another pattern also answer that they are an end.
+    std::string more = node->isEnd() && node->nextNode == nullptr ? ", peripheries=2" : "";
     const std::string given = attributes ? attributes(node->nodeId) : std::string();
     more += given.empty() ? "" : ", " + given;
     appendGraphNode(nodes, node->nodeId, node->label(), more);

@@ -27,6 +27,7 @@ struct CORVANE_REGEXP_EXPORT RE_Graph_Facts : public RE_Memory {
     std::size_t passRegisters = 0;  ///< one a loop whose body can match without consuming
     std::uint32_t memoRows =
         0;  ///< nodes that take part in the memo; their indexes are the first row numbers
+    std::uint64_t lastNodeId = 0;     ///< the greatest number that a node of the pattern was given
     std::uint64_t minimumLength = 0;  ///< least number of units of a match
     std::uint64_t bytes = 0;          ///< of the host's memory, held by nodes and facts
     bool hasDynamicNodes = false;     ///< matching may call the host

@@ -15,7 +15,7 @@ RE_Sub_Pattern_Place RE_Included_Texts::nextPlace(const RE_Sub_Pattern_Place& fi
         return first;
     }
     const RE_Graph_Facts& last = *texts.back().tree->facts;
-    return {last.memoRows, last.passRegisters};
+    return {last.memoRows, last.passRegisters, last.lastNodeId};
 }
 
 void RE_Included_Texts::add(std::unique_ptr<RE_Tree> text, std::int32_t slot) {

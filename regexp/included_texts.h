@@ -20,6 +20,7 @@ class RE_Tree;
 struct RE_Sub_Pattern_Place {
     std::uint32_t memoRow = 0;
     std::size_t passRegister = 0;
+    std::uint64_t nodeId = 0;  ///< the last one that is taken
 };
 
 /// Texts in the order in which they were included; those of later records stand behind those of earlier ones.

@@ -272,9 +272,10 @@ constexpr std::uint32_t maximumRefusedTexts = 1000;
 
 RE_Sub_Pattern_Place RE_Search_Info::placeOfText() {
     included.trim(*this);
-    const RE_Sub_Pattern_Place first = facts == nullptr
-                                           ? RE_Sub_Pattern_Place{}
-                                           : RE_Sub_Pattern_Place{facts->memoRows, facts->passRegisters};
+    RE_Sub_Pattern_Place first;
+    if (facts != nullptr) {
+        first = {facts->memoRows, facts->passRegisters, facts->lastNodeId};
+    }
     return included.nextPlace(first);
 }
 

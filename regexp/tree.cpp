@@ -125,6 +125,7 @@ void RE_Tree::compile(const char16_t* pattern, std::size_t length, RE_Flags flag
     RE_ParserContext parserContext(context, outerNode, flags);
     parserContext.facts->memoRows = place.memoRow;
     parserContext.facts->passRegisters = place.passRegister;
+    parserContext.nodeCount = place.nodeId;
     // What follows a sub-pattern may call the host, for all that is known here.
     parserContext.facts->hasDynamicNodes = continuationNode != nullptr;
     allowEmptyMatch = (flags & RE_FLAG_ALLOW_EMPTY) != 0;
@@ -134,10 +135,10 @@ void RE_Tree::compile(const char16_t* pattern, std::size_t length, RE_Flags flag
     tokenCount = parserContext.facts->tokenCount;
     hasTokenNames = !parserContext.tokenNames.empty();
     nodeCount = parserContext.handOver(RE_Collection::reachable(finished));
-    if (parserContext.options().profile()) {
-        const std::uint64_t greatestNodeId = parserContext.facts->nodes.back()->nodeId;
+    parserContext.facts->lastNodeId = parserContext.nodeCount;
+    if (parserContext.options().profile() && place.nodeId == 0) {
         parserContext.facts->profiler =
-            std::allocate_shared<RE_Profiler>(RE_Allocator<RE_Profiler>(), greatestNodeId);
+            std::allocate_shared<RE_Profiler>(RE_Allocator<RE_Profiler>(), parserContext.nodeCount);
     }
     root = finished;
     facts = parserContext.facts.release();

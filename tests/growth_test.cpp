@@ -46,7 +46,7 @@ const Judged kJudged[] = {
     {"^(?:a*b?){400}c", Kind::exponential}, {"^(?:a++)*b", Kind::linear},     {"^(?>a*)*b", Kind::linear},
     {"^(a)*\\1b", Kind::polynomial}, {"^(?:(?=a*b)a)*c", Kind::polynomial}, {"(?<=a+)b", Kind::unknown},
     {"^(?:a(?:a*c)?)*", Kind::polynomial}, {"^(?:a|.)*b", Kind::linear}, {"(?:ab|b)*?c", Kind::polynomial},
-    {"\\d{1,3}(?:\\.\\d{1,3}){3}", Kind::linear},
+    {"\\d{1,3}(?:\\.\\d{1,3}){3}", Kind::linear}, {"^(?:(?:ab){1,900}\\s+)*c", Kind::linear},
 };
 
 TEST_F(Growth, IsJudgedSo) {
@@ -58,7 +58,8 @@ TEST_F(Growth, IsJudgedSo) {
 
 // Loops that take single steps show in the count when they measure one run again and again.
 TEST_F(Growth, ShowsOnTheWitness) {
-    for (const char* pattern : {"a*b", "foo.*bar", "^a*a*b", "(?:ab|b)*?c", "^(a+)+b", "^(a|aa)+$", "^(?:a*)*b"}) {
+    for (const char* pattern : {"a*b", "foo.*bar", "^a*a*b", "(?:ab|b)*?c", "^(a+)+b", "^(a|aa)+$", "^(?:a*)*b",
+                                "^(?:.{1,70}x)*$"}) {
         const Engine engine(widen(pattern), kPlain, {true, false, true, 1024, false});
         const RE_Growth growth = judgeGrowth(engine.tree());
         const size_t times = (growth.kind == Kind::polynomial ? 80 : 10) / growth.pump.size();

@@ -30,16 +30,17 @@ std::vector<std::u16string> tablePatterns() {
     return patterns;
 }
 
-// Each unit that there is, in a literal, 512 to a pattern, so that no label gets too long to be drawn.
+// Each unit that there is, in a literal, 256 to a pattern, so that no label is shortened; and a long one, which is.
 std::vector<std::u16string> patternsOfAllUnits() {
     std::vector<std::u16string> patterns;
-    for (unsigned first = 0; first < 0x10000; first += 512) {
+    for (unsigned first = 0; first < 0x10000; first += 256) {
         std::u16string text;
-        for (unsigned unit = first; unit < first + 512; ++unit) {
+        for (unsigned unit = first; unit < first + 256; ++unit) {
             text += static_cast<char16_t>(unit);
         }
         patterns.push_back(RE_Translate::escape(text));
     }
+    patterns.push_back(std::u16string(2000, u'\u00E9') + std::u16string(20000, u'&'));
     return patterns;
 }
 

@@ -9,7 +9,9 @@
 
 #include "regexp/graph_facts.h"
 #include "regexp/inspect/outline.h"
+#include "regexp/nodes/closed_body.h"
 #include "regexp/nodes/consume.h"
+#include "regexp/nodes/label_text.h"
 #include "regexp/nodes/seeker.h"
 #include "regexp/nodes/string.h"
 
@@ -20,14 +22,17 @@ namespace po = boost::program_options;
 namespace tool {
 namespace {
 
+constexpr std::size_t longestLabel = 60;
+
 std::string nodeText(const RE_Node* node) {
-    return "n" + std::to_string(node->nodeId) + " (" + node->label() + ")";
+    return "n" + std::to_string(node->nodeId) + " (" + shortened(node->label(), longestLabel) + ")";
 }
 
 std::string lengthText(const RE_Outline& outline) {
     const std::string least = std::to_string(outline.least);
-    if (outline.least == outline.most) return least + (outline.least == 1 ? " unit" : " units");
-    return least + (outline.most == RE_Outline::unbounded ? " units or more"
+    const std::string units = outline.least == 1 ? " unit" : " units";
+    if (outline.least == outline.most) return least + units;
+    return least + (outline.most == RE_Outline::unbounded ? units + " or more"
                                                           : " to " + std::to_string(outline.most) + " units");
 }
 
@@ -39,6 +44,9 @@ std::string startText(const RE_Tree& tree) {
 
 void printPossessiveLoops(const RE_Tree& tree) {
     for (const RE_Node* node : tree.getFacts().nodes) {
+        if (dynamic_cast<const RE_Atomic*>(node) != nullptr)
+            std::cout << "Gives nothing back: " << nodeText(node)
+                      << ", since it is atomic or a possessive loop\n";
         const auto* const loop = dynamic_cast<const RE_Consume*>(node);
         if (loop == nullptr || !loop->possessive) continue;
         std::cout << "Gives nothing back: " << nodeText(loop) << " of " << nodeText(loop->item) << ", since "
@@ -51,7 +59,8 @@ std::string growthText(const RE_Growth& growth) {
     using Kind = RE_Growth::Kind;
     if (growth.kind == Kind::linear) return "linear";
     if (growth.kind == Kind::unknown)
-        return "not known: the pattern has too many states, or some that a text decides";
+        return "not known: the pattern has too many states, an unbounded look-behind or parts that a text "
+               "decides";
     const std::string loop =
         growth.loop == nullptr ? "the search for a start" : "the loop at " + nodeText(growth.loop);
     const std::string rival =
@@ -88,9 +97,9 @@ int runExplain(const Arguments& words) {
     const CompiledPattern pattern(request, compile);
     printWarnings(pattern.text(), pattern.warnings());
 
-    RE_Context context(compile);
+    const auto context = makeContext(compile, pattern.scripts(), true);
     const RE_Outline outline =
-        outlinePattern(request.text.data(), request.text.size(), request.flags, &context);
+        outlinePattern(request.text.data(), request.text.size(), request.flags, context.get());
     std::cout << outline.text << "Length: " << lengthText(outline) << "\nStart: " << startText(pattern.tree())
               << '\n';
     printPossessiveLoops(pattern.tree());

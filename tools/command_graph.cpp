@@ -56,9 +56,9 @@ int runGraph(const Arguments& words) {
 
     std::string text = pattern.tree().graph();
     if (arguments.has("stage")) {
-        RE_Context context(compile);
+        const auto context = makeContext(compile, pattern.scripts(), true);
         text = RE_Tree::graphAfter(stageNamed(arguments.options["stage"].as<std::string>()),
-                                   request.text.data(), request.text.size(), request.flags, &context);
+                                   request.text.data(), request.text.size(), request.flags, context.get());
     }
     std::cout << drawGraph(text, format);
     return exitPositive;

@@ -47,6 +47,7 @@ void printTable(const RE_Profile& profile) {
     std::cout << head;
     for (const RE_Node_Profile& node : profile.nodes)
         printRow("n" + std::to_string(node.nodeId), node.counts, node.label);
+    if (profile.texts.visits != 0) printRow("text", profile.texts, "the nodes of dynamic texts");
     printRow("all", profile.total(), "the whole text");
 }
 

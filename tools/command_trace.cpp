@@ -32,6 +32,8 @@ po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
 void printLog(const TraceLog& log) {
     for (std::size_t index = 0; index != log.events().size(); ++index)
         std::cout << describeEvent(log, index) << '\n';
+    if (log.events().empty() && log.dropped() == 0)
+        std::cout << "no start is tried: fewer units are left than any match has\n";
     if (log.dropped() != 0) std::cout << "and " << log.dropped() << " events more\n";
 }
 

@@ -67,8 +67,8 @@ std::unique_ptr<Reporter> makeJsonReporter(std::ostream& out) {
 }
 
 void writeJsonWarning(std::ostream& out, std::u16string_view pattern, const PatternWarning& warning) {
-    const PatternPlace place = locate(pattern, warning.position);
     const RE_Warning_Span span = locateWarning(warning.number, pattern, warning.position);
+    const PatternPlace place = locate(pattern, span.start);
     writeLine(out, {{"number", static_cast<unsigned>(warning.number)},
                     {"name", describe(warning.number).name},
                     {"sentence", describe(warning.number).sentence},

@@ -1,5 +1,6 @@
 #include "tools/trace_log.h"
 
+#include "regexp/nodes/label_text.h"
 #include "regexp/nodes/node.h"
 
 namespace tool {
@@ -16,7 +17,8 @@ TokenState tokensOf(const RE_Search_Info& search) {
 }
 
 std::string nodeText(const RE_Node& node) {
-    return "n" + std::to_string(node.nodeId) + " " + node.label();
+    constexpr std::size_t longestLabel = 60;  // it is written again for every step
+    return "n" + std::to_string(node.nodeId) + " " + shortened(node.label(), longestLabel);
 }
 
 std::string extent(std::size_t from, std::size_t to) {

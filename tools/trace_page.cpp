@@ -6,6 +6,7 @@
 
 #include "regexp/graph_export.h"
 #include "regexp/graph_facts.h"
+#include "regexp/nodes/label_text.h"
 
 #include <nlohmann/json.hpp>
 
@@ -14,6 +15,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+constexpr std::size_t longestLabel = 60;
 constexpr std::string_view kindNames[] = {"seek", "start", "step", "push", "refuse", "pop", "body", "finish"};
 
 Json linksOf(RE_Node* node) {
@@ -50,7 +52,9 @@ Json traceObject(const CompiledPattern& pattern, std::u16string_view subject, co
                {"dropped", log.dropped()}};
     for (const char16_t unit : subject) trace["subject"].push_back(static_cast<unsigned>(unit));
     for (RE_Node* node : pattern.tree().getFacts().nodes)
-        trace["nodes"].push_back({{"id", node->nodeId}, {"label", node->label()}, {"links", linksOf(node)}});
+        trace["nodes"].push_back({{"id", node->nodeId},
+                                  {"label", shortened(node->label(), longestLabel)},
+                                  {"links", linksOf(node)}});
     for (std::size_t index = 0; index != log.events().size(); ++index)
         trace["events"].push_back(eventObject(log, index));
     return trace;

@@ -14,6 +14,7 @@ const std::string_view tracePageHead = R"page(<!DOCTYPE html>
 <title>Search step by step</title>
 <style>
 body { font: 14px/1.4 sans-serif; margin: 1em; color: #222; background: #fff; }
+h1 { overflow-wrap: anywhere; max-height: 4em; overflow-y: auto; }
 code, #subject, #log, text { font-family: monospace; }
 #main { display: flex; gap: 1.5em; align-items: flex-start; }
 #graph { border: 1px solid #ccc; overflow: auto; max-height: 80vh; flex: 0 1 auto; }
@@ -124,17 +125,18 @@ function drawGraph() {
     node.links.forEach(([target, kind], nth) => {
       const a = row.get(node.id), b = row.get(target), mid = left + width / 2;
       const y1 = 10 + a * step + 26, y2 = 10 + b * step;
-      let shape = `M${mid},${y1} L${mid},${y2}`, x = mid + 6, y = (y1 + y2) / 2 + 3;
+      let shape = `M${mid},${y1} L${mid},${y2}`, x = mid + 6, y = (y1 + y2) / 2 + 3, anchor = "start";
       if (b !== a + 1 || nth > 0) {
         const back = b <= a, side = back ? left : left + width;
         const bulge = (back ? -1 : 1) * Math.min(reach - 10, 16 + 9 * Math.abs(b - a));
-        const from = 10 + a * step + 13 + 3 * nth, to = 10 + b * step + 10;
+        const from = 10 + a * step + 8 + 8 * nth, to = 10 + b * step + 22;
         shape = `M${side},${from} C${side + bulge},${from} ${side + bulge},${to} ${side},${to}`;
-        x = side + 0.7 * bulge - (back ? 22 : 0);
-        y = (from + to) / 2;
+        x = side + (back ? -8 : 8);
+        y = from - 3;
+        anchor = back ? "end" : "start";
       }
       svgElement("path", {d: shape, "class": kind, "marker-end": "url(#arrow)"}, svg);
-      if (kind !== "next") svgElement("text", {x, y, "class": "kind"}, svg).textContent = kind;
+      if (kind !== "next") svgElement("text", {x, y, "class": "kind", "text-anchor": anchor}, svg).textContent = kind;
     });
   }
   order.forEach((node, i) => {
@@ -158,6 +160,7 @@ function apply(event) {
     state.start = event.from;
     state.choices = [];
   }
+  if (event.kind === "seek") state.start = event.to;
   if (event.kind === "push") state.choices.push({node: event.node, from: event.from});
   state.choices.length = Math.min(state.choices.length, event.choices);
   state.position = event.kind === "push" ? state.position : event.to;

@@ -113,13 +113,12 @@ std::string describePlace(std::u16string_view pattern, std::size_t position, con
 }
 
 std::string describeWarning(std::u16string_view pattern, const PatternWarning& warning) {
-    const PatternPlace place = locate(pattern, warning.position);
+    const RE_Warning_Span span = locateWarning(warning.number, pattern, warning.position);
+    const PatternPlace place = locate(pattern, span.start);
     const std::u16string shown = withoutControls(place.lineText);
     const std::string heading = "warning " + std::to_string(static_cast<unsigned>(warning.number));
     std::string text = quoteLine(pattern, place, heading, describe(warning.number).sentence);
-    const RE_Warning_Span span = locateWarning(warning.number, pattern, warning.position);
-    const std::size_t lineBegin = warning.position - (place.column - 1);
-    const std::size_t begin = std::max(span.start, lineBegin) - lineBegin;
+    const std::size_t begin = place.column - 1;
     text += underline(shown, begin, span.length);
     text += '\n';
     if (span.correction && begin + span.length <= shown.size()) {

@@ -100,6 +100,23 @@ RE_Warning_Span escapeSpan(RE_Warning warning, View text, std::size_t where) {
     return span;
 }
 
+/// Units from the bracket at `start` up to the one that closes it, with it; one unit when there is none.
+std::size_t bracketLength(View text, std::size_t start) {
+    const char16_t opening = text[start];
+    const char16_t closing = opening == u'(' ? u')' : u'}';
+    std::size_t depth = 0;
+    for (std::size_t at = start; at < text.size(); ++at) {
+        if (text[at] == opening) {
+            ++depth;
+        } else if (text[at] == closing && --depth == 0) {
+            return at - start + 1;
+        } else if (text[at] == u'\\') {
+            ++at;
+        }
+    }
+    return 1;
+}
+
 /// A malformed name reaches to its > or to the end of its group, whichever comes first.
 RE_Warning_Span badNameSpan(View text, std::size_t where) {
     const std::size_t end = text.find_first_of(u">)", where);
@@ -196,6 +213,8 @@ RE_Warning_Span locateWarning(RE_Warning warning, std::u16string_view text, std:
             return {where, 1, u""};
         case RE_WARNING_UNDEFINED_NAME:
             return nameSpan(text, where);
+        case RE_WARNING_EVALUATION_DISABLED:
+            return {where, bracketLength(text, where), {}};
         case RE_WARNING_BAD_CONDITION:
             return {where, std::max<std::size_t>(lengthThrough(text, where, u')'), 2) - 1, {}};
         default:

@@ -320,6 +320,10 @@ void RE_Automaton::visitOther(std::size_t from, const Way& way) {
         follow(on, isEmpty ? nullptr : endPass->nextNode);
     } else if (dynamic_cast<RE_Match_Token*>(node) != nullptr) {
         addUnknown(from, way);
+    } else if (dynamic_cast<RE_Start_Counter*>(node) != nullptr) {
+        // Where passes are required the first one comes before anything else.
+        const auto* const required = dynamic_cast<RE_Fixed_Counter*>(node->nextNode);
+        follow(on, required != nullptr ? required->nextNode : node->nextNode);
     } else if (const auto* fixed = dynamic_cast<RE_Fixed_Counter*>(node)) {
         on.conditional = true;
         follow(on, sharesBody(*fixed) ? nullptr : fixed->nextNode);

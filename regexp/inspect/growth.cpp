@@ -6,10 +6,14 @@
 // loop, and the way to it, must do without them.
 #include "regexp/inspect/growth.h"
 
+#include "regexp/graph_facts.h"
 #include "regexp/inspect/automaton.h"
+#include "regexp/inspect/observer.h"
+#include "regexp/regexp.h"
 
 #include <algorithm>
 #include <array>
+#include <memory>
 #include <optional>
 #include <unordered_set>
 #include <utility>
@@ -94,10 +98,29 @@ private:
     std::vector<std::size_t> finished;
 };
 
+/// Whether there is a match that takes no long search.
+bool matchesSoon(const RE_Tree& tree, const std::u16string& text) {
+    struct Too_Long {};
+    struct Patience : RE_Observer {
+        void observe(const RE_Trace_Event&, const RE_Search_Info&) override {
+            if (left-- == 0) {
+                throw Too_Long();
+            }
+        }
+        std::size_t left = 20'000;
+    } patience;
+    try {
+        return std::unique_ptr<RE_Results>(tree.trace(text.data(), text.size(), 0, patience)) != nullptr;
+    } catch (const Too_Long&) {
+        return false;
+    }
+}
+
 class Judge {
 public:
-    explicit Judge(const RE_Automaton& graph)
-        : automaton(graph),
+    Judge(const RE_Tree& pattern, const RE_Automaton& graph)
+        : tree(pattern),
+          automaton(graph),
           states(graph.states()),
           loops(states, everyState()),
           losing(states, losingStates()) {}
@@ -232,6 +255,23 @@ private:
             growth.prefix = spell(wordTo(p));
         }
         growth.suffix = suffixBehind(q);
+        findFailingSuffix(growth);
+    }
+
+    /// Only a search that fails shows how it grows. None is made where it would be counted.
+    void findFailingSuffix(RE_Growth& growth) const {
+        constexpr std::size_t times = 5;
+        const std::u16string first = growth.suffix;
+        for (std::size_t letter = 0; tree.getFacts().profiler == nullptr; ++letter) {
+            if (!matchesSoon(tree, growth.witness(times))) {
+                return;
+            }
+            if (letter == automaton.letterCount()) {
+                break;
+            }
+            growth.suffix.assign(1, automaton.unitOf(letter));
+        }
+        growth.suffix = first;
     }
 
     Word wordTo(std::size_t state) {
@@ -268,6 +308,7 @@ private:
         return text;
     }
 
+    const RE_Tree& tree;
     const RE_Automaton& automaton;
     const States& states;
     Components loops;   // of all states
@@ -292,5 +333,5 @@ RE_Growth judgeGrowth(const RE_Tree& tree) {
         growth.kind = RE_Growth::Kind::unknown;
         return growth;
     }
-    return Judge(automaton).judge();
+    return Judge(tree, automaton).judge();
 }

@@ -38,6 +38,16 @@ std::string lookText(const RE_Syntax& item) {
     return std::string(item.behind ? "behind" : "ahead") + (item.negative ? " does not stand:" : " stands:");
 }
 
+const char* dynamicText(const RE_Syntax_Dynamic& dynamic) {
+    if (std::holds_alternative<std::shared_ptr<const RE_Replace>>(dynamic)) {
+        return "a text that is put together here, as a pattern";
+    }
+    if (std::holds_alternative<std::shared_ptr<const RE_String_Evaluator>>(dynamic)) {
+        return "the value of an expression, as a pattern";
+    }
+    return "an expression is evaluated";
+}
+
 std::string classText(char16_t letter) {
     switch (letter) {
         case u'd':
@@ -205,6 +215,8 @@ private:
         later("then", depth);
         if (own.condition == none) {
             line(depth, "if " + tokenText(own, false) + " has text");
+        } else if (tree[own.condition].kind == RE_Syntax_Kind::evaluate) {
+            line(depth, "if an expression is true");
         } else {
             line(depth, "if " + lookText(tree[own.condition]));
             branches(own.condition, depth + 1);
@@ -232,6 +244,8 @@ private:
                 return "no letter, digit or \"_\" before this place";
             case RE_Syntax_Kind::end_word:
                 return "no letter, digit or \"_\" after this place";
+            case RE_Syntax_Kind::evaluate:
+                return dynamicText(tree.dynamics[own.payload]);
             default:
                 return "nothing: a part that was dropped";
         }

@@ -17,7 +17,7 @@ RE_Node_Counts& RE_Node_Counts::operator+=(const RE_Node_Counts& other) {
 }
 
 RE_Node_Counts RE_Profile::total() const {
-    RE_Node_Counts all;
+    RE_Node_Counts all = texts;
     for (const RE_Node_Profile& node : nodes) {
         all += node.counts;
     }
@@ -48,8 +48,11 @@ RE_Node_Counting::RE_Node_Counting(const RE_Node* node, RE_Search_Info& info)
     : nodeId(node->nodeId), search(info), top(info.backtrack.top), refusals(info.refusals) {}
 
 RE_Node_Counts* RE_Node_Counting::countsOf(std::uint64_t id) const {
-    const bool known = search.profile != nullptr && id < search.profile->counts.size();
-    return known ? &search.profile->counts[id] : nullptr;
+    if (search.profile == nullptr) {
+        return nullptr;
+    }
+    RE_Count_Table& counts = search.profile->counts;
+    return &counts[id < counts.size() ? id : 0];
 }
 
 // A node may leave records of its helpers too; each is counted as theirs.
@@ -84,6 +87,7 @@ RE_Profile RE_Tree::profile() const {
     RE_Profile found;
     if (facts->profiler != nullptr) {
         const RE_Count_Table counts = facts->profiler->read(found.searches);
+        found.texts = counts.front();
         for (const RE_Node* node : facts->nodes) {
             found.nodes.push_back({node->nodeId, node->label(), counts[node->nodeId]});
         }

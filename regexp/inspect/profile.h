@@ -36,11 +36,13 @@ struct RE_Node_Profile {
 struct CORVANE_REGEXP_EXPORT RE_Profile {
     std::uint64_t searches = 0;
     std::vector<RE_Node_Profile> nodes;  ///< every node, by number
+    RE_Node_Counts texts;                ///< the nodes of dynamic texts, which are gone, all together
 
     RE_Node_Counts total() const;
 };
 
-/// The counts of a pattern over all its searches, by the numbers of its nodes.
+/// The counts of a pattern over all its searches, by the numbers of its nodes. No node has the number 0: there are the
+/// counts of dynamic texts, the nodes of which have numbers beyond those of the pattern.
 class CORVANE_REGEXP_EXPORT RE_Profiler : public RE_Memory {
 public:
     explicit RE_Profiler(std::uint64_t greatestNodeId) : totals(greatestNodeId + 1) {}

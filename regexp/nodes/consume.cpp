@@ -227,12 +227,15 @@ void RE_Consume::combineLengths() {
 
 std::string RE_Consume::label() const {
     std::string text = "Consume";
-    if (minimum != 0 || maximum != noMaximum) {
-        text +=
-            "{" + std::to_string(minimum) + "," + (maximum == noMaximum ? "" : std::to_string(maximum)) + "}";
-    }
     if (lazy) {
         text += " Lazy";
     }
-    return text + (possessive ? " Possessive" : "");
+    if (possessive) {
+        text += " Possessive";
+    }
+    if (minimum == 0 && maximum == noMaximum) {
+        return text;
+    }
+    return text + "{" + std::to_string(minimum) + "," +
+           (maximum == noMaximum ? "" : std::to_string(maximum)) + "}";
 }

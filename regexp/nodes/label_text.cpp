@@ -60,9 +60,25 @@ std::string labelText(const char16_t* text, std::size_t length) {
     return out;
 }
 
+std::string shortened(std::string_view text, std::size_t longest) {
+    if (text.size() <= longest) {
+        return std::string(text);
+    }
+    const auto begunBefore = [text](std::size_t at) {
+        while ((text[at] & 0xC0) == 0x80) {
+            --at;
+        }
+        return at;
+    };
+    const std::string head(text.substr(0, begunBefore(longest / 2)));
+    return head + " ... " + std::string(text.substr(begunBefore(text.size() - longest / 2)));
+}
+
+// Graphviz reads at most 16384 bytes between quotes, and a byte may need five.
 std::string quotedLabel(std::string_view text) {
+    constexpr std::size_t longest = 3000;
     std::string out = "\"";
-    for (const char c : text) {
+    for (const char c : shortened(text, longest)) {
         if (c == '"' || c == '\\') {
             out += '\\';
         }

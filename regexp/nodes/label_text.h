@@ -1,6 +1,8 @@
 // Units as they appear in the labels of nodes.
 #pragma once
 
+#include "regexp/export.h"
+
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -10,6 +12,8 @@ std::string labelText(const char16_t* text, std::size_t length);
 inline std::string labelText(char16_t unit) {
     return labelText(&unit, 1);
 }
+/// UTF-8 without its middle where it has more than `longest` bytes.
+CORVANE_REGEXP_EXPORT std::string shortened(std::string_view text, std::size_t longest);
 /// The text as a quoted string of the graph language.
 std::string quotedLabel(std::string_view text);
 /// A node of a graph, by number and label, with further attributes.

@@ -1,0 +1,85 @@
+// What the benchmarks ask of a regular-expression engine. One adapter per engine in bench/engines.
+#pragma once
+
+#include "bench/text.h"
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace corvane_bench {
+
+/// Modes of a pattern. Unless set, the dot excludes the line feed and `^` and `$` hold only at the ends.
+enum Flag : unsigned {
+    IGNORE_CASE = 1,
+    DOT_ALL = 2,
+    LINES = 4,
+    UNICODE = 8,  ///< engines that fold or classify ASCII alone by default have to do so beyond it
+};
+
+/// An engine's own option for the flag, where it is set.
+constexpr unsigned ifSet(unsigned flags, Flag flag, unsigned option) {
+    return (flags & flag) != 0 ? option : 0U;
+}
+
+/// What is done with a pattern and a text, and timed.
+enum class Task {
+    matches,   ///< find every match
+    tokens,    ///< find every match and read its tokens
+    replace,   ///< replace every match
+    subjects,  ///< look for one match in each line of the text
+    compile,   ///< compile the pattern
+};
+
+struct Request {
+    std::u16string_view pattern;
+    unsigned flags;
+    Task task;
+    std::u16string_view replacement;  ///< `$1` is the first token
+};
+
+/// By what the engines are compared before they are timed.
+struct Answer {
+    std::size_t count = 0;       ///< matches, lines with a match, or units of the replaced text
+    std::size_t tokenUnits = 0;  ///< lengths of all tokens of all matches; 0 where none are asked for
+
+    bool operator==(const Answer&) const = default;
+};
+
+/// A compiled pattern together with the scratch space of its searches. Nothing: the engine gave up.
+class Searcher {
+public:
+    virtual ~Searcher() = default;
+    virtual std::optional<Answer> countMatches(const Text& text) = 0;
+    virtual std::optional<Answer> countTokens(const Text& text) = 0;
+    virtual std::optional<Answer> countLines(const Text& text) = 0;
+    virtual std::optional<Answer> replace(const Text& text) = 0;
+
+    std::optional<Answer> run(Task task, const Text& text) {
+        switch (task) {
+            case Task::tokens:
+                return countTokens(text);
+            case Task::replace:
+                return replace(text);
+            case Task::subjects:
+                return countLines(text);
+            default:
+                return countMatches(text);
+        }
+    }
+};
+
+class Engine {
+public:
+    virtual ~Engine() = default;
+    virtual std::string name() const = 0;
+    virtual std::string version() const = 0;
+    /// Backtracks over an interpreted program, as we do.
+    virtual bool isInterpreter() const { return false; }
+    /// Null when the dialect cannot say the pattern or the engine has no such task.
+    virtual std::unique_ptr<Searcher> compile(const Request& request) const = 0;
+};
+
+}  // namespace corvane_bench

@@ -1,0 +1,137 @@
+// Checks answers and measures with Google Benchmark.
+#include "bench/runner.h"
+
+#include "bench/floor.h"
+#include "bench/texts.h"
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <ctime>
+#include <map>
+#include <string>
+
+namespace corvane_bench {
+namespace {
+
+/// What takes longer has been measured well enough by the run that checked the answer.
+constexpr double LONG_RUN_SECONDS = 0.4;
+
+Request requestFor(const Workload& workload, bool ours) {
+    const bool other = !ours && !workload.details.peerPattern.empty();
+    return {other ? workload.details.peerPattern : workload.pattern, workload.details.flags,
+            workload.details.task, workload.details.replacement};
+}
+
+Cell checkAnswer(const Workload& workload, const Engine& engine, bool ours) {
+    Cell cell;
+    const std::unique_ptr<Searcher> searcher = engine.compile(requestFor(workload, ours));
+    if (!searcher) {
+        return cell;
+    }
+    const Text& text = textNamed(workload.text);
+    const std::clock_t start = std::clock();
+    const std::optional<Answer> answer = searcher->run(workload.details.task, text);
+    if (workload.details.task != Task::compile) {
+        cell.seconds = static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
+    }
+    cell.answer = answer.value_or(Answer());
+    cell.outcome = !answer                        ? Outcome::gaveUp
+                   : *answer == workload.expected ? Outcome::timed
+                                                  : Outcome::differs;
+    return cell;
+}
+
+/// Collects the seconds of all repetitions by the name under which a benchmark was registered.
+class Collector : public benchmark::BenchmarkReporter {
+public:
+    bool ReportContext(const Context&) override { return true; }
+    void ReportRuns(const std::vector<Run>& runs) override {
+        for (const Run& run : runs) {
+            if (run.run_type == Run::RT_Iteration && !run.error_occurred) {
+                seconds[run.run_name.function_name].push_back(run.cpu_accumulated_time /
+                                                              static_cast<double>(run.iterations));
+            }
+        }
+    }
+
+    double median(const std::string& name) {
+        std::vector<double>& all = seconds[name];
+        std::sort(all.begin(), all.end());
+        return all.empty() ? 0 : all[all.size() / 2];
+    }
+
+    std::map<std::string, std::vector<double>> seconds;
+};
+
+template <class Body>
+void enlist(const std::string& name, const Settings& settings, Body body) {
+    benchmark::RegisterBenchmark(name.c_str(),
+                                 [body](benchmark::State& state) {
+                                     for ([[maybe_unused]] auto step : state) {
+                                         body();
+                                     }
+                                 })
+        ->MinTime(settings.leastSeconds)
+        ->Repetitions(settings.repetitions);
+}
+
+void enlistEngine(const std::string& name, const Workload& workload, const Engine& engine, bool ours,
+                  const Settings& settings) {
+    const Request request = requestFor(workload, ours);
+    if (workload.details.task == Task::compile) {
+        enlist(name, settings, [&engine, request] { benchmark::DoNotOptimize(engine.compile(request)); });
+        return;
+    }
+    const std::shared_ptr<Searcher> searcher = engine.compile(request);
+    const Text& text = textNamed(workload.text);
+    enlist(name, settings, [searcher, &text, task = workload.details.task] {
+        benchmark::DoNotOptimize(searcher->run(task, text));
+    });
+}
+
+}  // namespace
+
+Row checkAnswers(const Workload& workload, const Engines& engines) {
+    Row row;
+    row.workload = &workload;
+    const Text& text = textNamed(workload.text);
+    if (workload.details.task != Task::compile) {
+        row.amount = static_cast<double>(workload.details.task == Task::subjects ? text.lines.size()
+                                                                                 : text.units.size());
+    }
+    for (const auto& engine : engines) {
+        row.cells.push_back(checkAnswer(workload, *engine, engine == engines.front()));
+    }
+    return row;
+}
+
+void measure(Row& row, const Engines& engines, const Settings& settings) {
+    const Workload& workload = *row.workload;
+    const auto isShort = [](const Cell& cell) {
+        return cell.outcome == Outcome::timed && cell.seconds < LONG_RUN_SECONDS;
+    };
+    for (std::size_t i = 0; i < engines.size(); ++i) {
+        if (isShort(row.cells[i])) {
+            enlistEngine(engines[i]->name(), workload, *engines[i], i == 0, settings);
+        }
+    }
+    if (!workload.details.floor.empty()) {
+        const std::u16string_view text = textNamed(workload.text).units;
+        const Bare_Scan scan(workload.details.floor, (workload.details.flags & IGNORE_CASE) != 0, text);
+        enlist("floor", settings, [scan, text] { benchmark::DoNotOptimize(scan.count(text)); });
+    }
+    Collector collector;
+    if (!workload.details.floor.empty() || std::any_of(row.cells.begin(), row.cells.end(), isShort)) {
+        benchmark::RunSpecifiedBenchmarks(&collector, nullptr, ".");  // which complains when there are none
+    }
+    benchmark::ClearRegisteredBenchmarks();
+    for (std::size_t i = 0; i < engines.size(); ++i) {
+        if (isShort(row.cells[i])) {
+            row.cells[i].seconds = collector.median(engines[i]->name());
+        }
+    }
+    row.floorSeconds = collector.median("floor");
+}
+
+}  // namespace corvane_bench

@@ -1,0 +1,36 @@
+// A row of the benchmarks.
+#pragma once
+
+#include "bench/engine.h"
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace corvane_bench {
+
+/// What most rows go without.
+struct Details {
+    unsigned flags = 0;
+    Task task = Task::matches;
+    std::u16string replacement{};
+    std::u16string peerPattern{};  ///< where our dialect writes it differently; empty: the same
+    std::u16string floor{};  ///< the literal that has to be found at least; empty: there is no such floor
+};
+
+struct Workload {
+    std::string_view group;
+    std::string_view name;
+    std::u16string pattern;
+    std::string_view text;
+    Answer expected;
+    Details details{};
+
+    std::string fullName() const { return std::string(group) + "/" + std::string(name); }
+};
+
+/// All rows, those of a group together.
+std::vector<Workload> allWorkloads();
+
+}  // namespace corvane_bench
