@@ -8,7 +8,6 @@
 
 #include <cstddef>
 #include <memory>
-#include <memory_resource>
 #include <new>
 
 /// Base of every engine class. Plain `new` goes through the host's checked allocation (which throws or
@@ -47,15 +46,6 @@ struct RE_Allocator {
     template <class U>
     bool operator==(const RE_Allocator<U>&) const noexcept {
         return true;
-    }
-};
-
-/// The host's allocation as a source of blocks for pools.
-class RE_Host_Resource final : public std::pmr::memory_resource {
-    void* do_allocate(std::size_t bytes, std::size_t) override { return utMallocWithCheck(bytes); }
-    void do_deallocate(void* block, std::size_t, std::size_t) override { utFree(block); }
-    bool do_is_equal(const std::pmr::memory_resource& other) const noexcept override {
-        return this == &other;
     }
 };
 

@@ -10,6 +10,7 @@
 
 #include "regexp/memo.h"
 #include "regexp/memory.h"
+#include "regexp/memory_pool.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -85,8 +86,7 @@ private:
     std::size_t textNumber(const RE_Search_Info& info, Place place);
 
     // What is forgotten between two searches is taken again from the pool, not from the host.
-    RE_Host_Resource host;
-    std::pmr::unsynchronized_pool_resource pool{&host};
+    RE_Memory_Pool pool;
     std::vector<RE_Memo_Table, RE_Allocator<RE_Memo_Table>> tables;
     RE_Memo_Table apart;  // the pattern's own states at the position set apart, met since then
     std::size_t setApart = RE_Memo_Table::nowhere;

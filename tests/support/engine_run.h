@@ -34,7 +34,6 @@ const std::vector<EngineConfig>& allConfigs();
 /// Stores the setting in the options.
 const Corvane::regexp::CompileOptions& configured(Corvane::regexp::CompileOptions& options,
                                                   const EngineConfig& config);
-Outcome toOutcome(const std::unique_ptr<RE_Results>& results);
 
 struct Warning {
     unsigned number = 0;
