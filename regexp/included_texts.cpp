@@ -9,8 +9,9 @@
 
 namespace {
 
-/// How often texts within one outermost text may come to the limit of nesting.
-constexpr std::uint32_t maximumRefusals = 1000;
+/// How often texts may come to the limit of nesting, within one outermost text and in one attempt.
+constexpr std::uint32_t maximumWithinText = 1000;
+constexpr std::uint32_t maximumInAttempt = 20'000;
 
 }  // namespace
 
@@ -59,7 +60,8 @@ void RE_Included_Texts::refuse(RE_Search_Info& info) {
     trim(info);
     const auto around =
         std::find_if(texts.rbegin(), texts.rend(), [](const Text& text) { return text.outermost; });
-    if (around == texts.rend() || ++around->refusals <= maximumRefusals) {
+    ++refusals;
+    if (around == texts.rend() || (++around->refusals <= maximumWithinText && refusals <= maximumInAttempt)) {
         return;
     }
     keepsAll = true;

@@ -43,11 +43,12 @@ public:
     /// Frees the texts whose records are gone, and forgets what the search knows by the addresses of their nodes.
     void trim(RE_Search_Info& info);
 
-    /// The running node may not include a text, being nested too deeply, and is about to fail. Within one outermost
-    /// text that is only so often a failure like any other: texts that include themselves in two places would come
-    /// here for ever. After that the outermost text is given up: all choices and bodies within it are dropped, so
-    /// that its node fails.
+    /// The running node may not include a text, being nested too deeply, and is about to fail. Only so often within one
+    /// outermost text, and in one attempt, is that a failure like any other: texts that include themselves in two
+    /// places would come here for ever. After that the outermost text is given up: all choices and bodies within it
+    /// are dropped, so that its node fails.
     void refuse(RE_Search_Info& info);
+    void startAttempt() { refusals = 0; }
 
 private:
     struct Text {
@@ -61,5 +62,6 @@ private:
     void dropLast(RE_Search_Info& info);
 
     std::vector<Text, RE_Allocator<Text>> texts;
-    bool keepsAll = false;  ///< while the text of the running node is given up
+    std::uint32_t refusals = 0;  ///< in the current attempt
+    bool keepsAll = false;       ///< while the text of the running node is given up
 };

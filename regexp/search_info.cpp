@@ -78,6 +78,7 @@ void RE_Search_Info::prepare(const RE_Graph_Facts& graphFacts) {
 void RE_Search_Info::resetForStart(const char16_t* p) {
     matchStart = p;
     redirected = false;
+    included.startAttempt();
     if (tokens != nullptr) {
         tokens->reset();
     }

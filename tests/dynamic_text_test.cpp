@@ -111,6 +111,7 @@ TEST(DynamicText, ThatIsGivenUpIsAFailedNode) {
         const char* found;
     } cases[] = {{u"(??@q)|(??@q)", u"x(??@q)|a", u"xa", "[1,1]"},
                  {u"(??@q)|(??@q)", u"(x)(?:(??@q)|(a))", u"xa", "[0,2] t0=(0,1) t1=(1,1)"},
+                 {u"(??@q)?(??@q)?", u"(??@q)(??@q)(??@q)z|a", u"a", "[0,1]"},
                  {u"(?:(??@q)|(??@q)){2}", u"(?:x(?:(??@q))?){2}a", u"xxxa", "[1,3]"},
                  {u"(?!(??@q)(??@q))x*(??@q)", u"x(?!(??@q))(?>x?(??@q)|x)a", u"xxa", "[0,3]"},
                  {u"(?=(?<!(??@q)a)(??@q))|(?>(??@q)|x)b", u"(.)(?<=\\1(?:(??@q))?)a", u"xa", "[0,2] t0=(0,1)"}};
@@ -131,7 +132,7 @@ TEST(DynamicText, ComesToTheLimitOftenInALoop) {
         text += u"(??@p)|";
     }
     host.answers[u"p"] = always(text + u"a)");
-    EXPECT_EQ("[0,20]", describe(ScriptedRun(u"(?:(??@p))*", host).outcome(std::u16string(20, u'a'))));
+    EXPECT_EQ("[0,18]", describe(ScriptedRun(u"(?:(??@p))*", host).outcome(std::u16string(18, u'a'))));
 }
 
 TEST(DynamicText, FollowsItselfWithoutLimitOnASmallStack) {
