@@ -33,8 +33,8 @@ public:
 
     /// The place behind those of all texts that are kept, which begin at `first`.
     RE_Sub_Pattern_Place nextPlace(const RE_Sub_Pattern_Place& first) const;
-    /// Keeps a text for as long as the record at index `slot` stands.
-    void add(std::unique_ptr<RE_Tree> text, std::int32_t slot);
+    /// Keeps a text for as long as the record at index `slot` stands. `outermost`: its node stands in no text.
+    void add(std::unique_ptr<RE_Tree> text, std::int32_t slot, bool outermost);
     /// The first node of the text that was added last.
     const RE_Node* root() const;
 
@@ -44,14 +44,25 @@ public:
     /// Frees the texts whose records are gone, and forgets what the search knows by the addresses of their nodes.
     void trim(RE_Search_Info& info);
 
+    /// The running node may not include a text, being nested too deeply, and is about to fail. Only so often within one
+    /// outermost text, and in one attempt, is that a failure like any other: texts that include themselves in two
+    /// places would come here for ever. After that the outermost text is given up: all choices and bodies within it
+    /// are dropped, so that its node fails.
+    void refuse(RE_Search_Info& info);
+    void startAttempt() { refusals = 0; }
+
 private:
     struct Text {
         std::unique_ptr<RE_Tree> tree;
         std::int32_t slot;
-        bool spent;  ///< left for good; its record is gone
+        bool outermost;
+        bool spent = false;          ///< left for good; its record is gone
+        std::uint32_t refusals = 0;  ///< of texts within an outermost one
     };
 
     void dropLast(RE_Search_Info& info);
 
     std::vector<Text, RE_Allocator<Text>> texts;
+    std::uint32_t refusals = 0;  ///< in the current attempt
+    bool keepsAll = false;       ///< while the text of the running node is given up
 };

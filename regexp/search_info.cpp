@@ -87,7 +87,7 @@ void RE_Search_Info::prepare(const RE_Graph_Facts& graphFacts) {
 void RE_Search_Info::resetForStart(const char16_t* p) {
     matchStart = p;
     redirected = false;
-    refusedTexts = 0;
+    included.startAttempt();
     if (tokens != nullptr) {
         tokens->reset();
     }
@@ -263,13 +263,6 @@ void RE_Search_Info::closeBody(bool keepTokens) {
     bodies.pop_back();
 }
 
-namespace {
-
-/// How often one attempt may come to the limit of nesting.
-constexpr std::uint32_t maximumRefusedTexts = 1000;
-
-}  // namespace
-
 RE_Sub_Pattern_Place RE_Search_Info::placeOfText() {
     included.trim(*this);
     RE_Sub_Pattern_Place first;
@@ -279,10 +272,11 @@ RE_Sub_Pattern_Place RE_Search_Info::placeOfText() {
     return included.nextPlace(first);
 }
 
-void RE_Search_Info::include(std::unique_ptr<RE_Tree> text, const RE_Node* node, std::size_t pos) {
+void RE_Search_Info::include(std::unique_ptr<RE_Tree> text, const RE_Node* node, std::size_t pos,
+                             bool outermost) {
     const std::uint32_t firstRow = placeOfText().memoRow;
     pushRecord(node, subjectBegin + pos, 0);
-    included.add(std::move(text), backtrack.top);
+    included.add(std::move(text), backtrack.top, outermost);
     const std::size_t needed = (facts == nullptr ? 0 : facts->tokenCount) + placeOfText().passRegister;
     if (registers.size() < needed) {
         registers.resize(needed, noPass);
@@ -291,14 +285,8 @@ void RE_Search_Info::include(std::unique_ptr<RE_Tree> text, const RE_Node* node,
     barren.resize(std::min<std::size_t>(barren.size(), firstRow));
 }
 
-void RE_Search_Info::refuseText() {
-    if (++refusedTexts > maximumRefusedTexts) {
-        stopped = RE_Search_Outcome::stepsSpent;
-        pollSoon();
-    }
-}
-
 void RE_Search_Info::hostWasCalled() {
+    steps = 0;
     if (memo != nullptr) {
         memo->forgetStates();
     }

@@ -187,19 +187,15 @@ public:
 
     /// Where the numbers of a text compiled now begin.
     RE_Sub_Pattern_Place placeOfText();
-    /// Enters a text compiled for that place on behalf of `node`, which stands at index `pos`.
-    void include(std::unique_ptr<RE_Tree> text, const RE_Node* node, std::size_t pos);
-    /// A text was not included, being nested too deeply. Where that happens again and again in one attempt, the search
-    /// ends without a match: texts that include themselves in two places would keep it busy for ever.
-    void refuseText();
+    /// Enters a text compiled for that place on behalf of `node`, which stands at index `pos`, and in no text when the
+    /// text is an `outermost` one.
+    void include(std::unique_ptr<RE_Tree> text, const RE_Node* node, std::size_t pos, bool outermost);
 
     // --- the host ---
 
     /// To be called whenever a node has called the host: states that failed before may not fail now, and must not be
-    /// passed over without the calls that they make.
+    /// passed over without the calls that they make. The next step asks whether to stop, as a call may take long.
     void hostWasCalled();
-    /// Makes the next step ask whether to stop.
-    void pollSoon() { steps = 0; }
 
     // --- positions ---
 
@@ -287,7 +283,6 @@ private:
     std::vector<RE_Measured_Run, RE_Allocator<RE_Measured_Run>> barren;  ///< both ends included
     std::int32_t scopes = 0;
     RE_Search_Outcome stopped = RE_Search_Outcome::noMatch;
-    std::uint32_t refusedTexts = 0;  ///< in the current attempt
 
     /// The memo begins once this many choices have been taken up again: most searches never pay for it.
     std::uint64_t memoCountdown;

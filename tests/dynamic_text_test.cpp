@@ -102,6 +102,39 @@ TEST(DynamicText, ThatIncludesItselfWithoutEndEndsInAFailedMatch) {
     EXPECT_EQ("[0,5]", describe(ScriptedRun(u"(??@sum)$", host).outcome(u"1+2+3"))) << "left recursion";
 }
 
+// What never matches is given up at last, and what stands beside it is tried like beside any failure.
+TEST(DynamicText, ThatIsGivenUpIsAFailedNode) {
+    const struct {
+        const char16_t* text;
+        const char16_t* pattern;
+        const char16_t* subject;
+        const char* found;
+    } cases[] = {{u"(??@q)|(??@q)", u"x(??@q)|a", u"xa", "[1,1]"},
+                 {u"(??@q)|(??@q)", u"(x)(?:(??@q)|(a))", u"xa", "[0,2] t0=(0,1) t1=(1,1)"},
+                 {u"(??@q)?(??@q)?", u"(??@q)(??@q)(??@q)z|a", u"a", "[0,1]"},
+                 {u"(?:(??@q)|(??@q)){2}", u"(?:x(?:(??@q))?){2}a", u"xxxa", "[1,3]"},
+                 {u"(?!(??@q)(??@q))x*(??@q)", u"x(?!(??@q))(?>x?(??@q)|x)a", u"xxa", "[0,3]"},
+                 {u"(?=(?<!(??@q)a)(??@q))|(?>(??@q)|x)b", u"(.)(?<=\\1(?:(??@q))?)a", u"xa", "[0,2] t0=(0,1)"}};
+    for (const auto& row : cases) {
+        for (const EngineConfig& config : {EngineConfig{}, allConfigs()[0]}) {
+            HostJournal host;
+            host.answers[u"q"] = always(row.text);
+            EXPECT_EQ(row.found, describe(ScriptedRun(row.pattern, host, kPlain, config).outcome(row.subject)))
+                << printable(row.pattern);
+        }
+    }
+}
+
+TEST(DynamicText, ComesToTheLimitOftenInALoop) {
+    HostJournal host;
+    std::u16string text = u"(?:";
+    for (int i = 0; i < 60; ++i) {
+        text += u"(??@p)|";
+    }
+    host.answers[u"p"] = always(text + u"a)");
+    EXPECT_EQ("[0,18]", describe(ScriptedRun(u"(?:(??@p))*", host).outcome(std::u16string(18, u'a'))));
+}
+
 TEST(DynamicText, FollowsItselfWithoutLimitOnASmallStack) {
     const std::u16string subject(sanitized() ? 2'000 : 30'000, u'a');
     runOnSmallStack([&] {

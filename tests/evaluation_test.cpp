@@ -70,6 +70,11 @@ const Contract contracts[] = {
     {u"a(?:(??@nothing)|b)",
      "may interrupt; set a(?:(??@nothing)|b); may evaluate; may interrupt; clone; set nothing; function nothing()",
      u"ab", "[0,2] | text of nothing()"},
+    {u"a(?:(??x${nothing}${double($&)})|b)",
+     "may interrupt; set a(?:(??x${nothing}${double($&)})|b); may evaluate; may interrupt; may evaluate; may interrupt; "
+     "clone; set nothing; function nothing(); may evaluate; may interrupt; clone; set double($&); var matched for $&; "
+     "function double(matched)(matched)",
+     u"ab", "[0,2] | text of nothing()"},
     // A host is asked once for a construct however often its loop is copied, and at each required pass.
     {u"(?:(?@f)a){2,3}", "may interrupt; set (?:(?@f)a){2,3}; may evaluate; may interrupt; clone; set f", u"aaa",
      "[0,3] | run f() of f(); run f() of f(); run f() of f()"},
@@ -99,6 +104,7 @@ TEST(Evaluation, AsksTheHostWhatIsNeededInTheOrderOfTheText) {
             }
             EXPECT_EQ(contract.compiled, compiled);
             EXPECT_EQ(contract.searched, run.search(contract.subject));
+            EXPECT_FALSE(utInterruptState::IsInterruptPending());
         }
     }
 }
@@ -228,7 +234,7 @@ TEST(Evaluation, IsFollowedByAQuestionForInterrupts) {
         utInterruptState::SetInterruptPending(true);
         return ++runs, Text();
     };
-    for (const char16_t* pattern : {u"(?@stop)(?:a|b)x", u"(?:(??@stop)|a)x"}) {
+    for (const char16_t* pattern : {u"(?@stop)(?:a|b)x", u"(?:(??@stop)|a)x", u"(?:(??${stop})|a)x", u"(?(?@stop)b|a)x"}) {
         runs = 0;
         EXPECT_FALSE(ScriptedRun(pattern, host).outcome(u"aaaaaaaa").matched);
         EXPECT_EQ(1, runs);
@@ -266,10 +272,34 @@ TEST(EvaluationInputs, KeepEachTextOnce) {
     for (const char* text : {"b", "a", "b", "", "a", "c", "d", "e", "f", "g", "h", "i"}) {
         inputs.add(new RE_Evaluation_IO(text));
     }
+    inputs.add(nullptr);
+    inputs.add(nullptr);
     RE_Evaluation_IO all("f:");
     RE_Evaluation_Inputs(&inputs).append_to_fcn_call(&all);
-    EXPECT_EQ(u"f:b,a,,c,d,e,f,g,h,i", std::u16string(all.get_string(), all.get_length()));
-    EXPECT_EQ(10U, inputs.get_length());
+    EXPECT_EQ(u"f:b,a,,c,d,e,f,g,h,i,", std::u16string(all.get_string(), all.get_length()));
+    EXPECT_EQ(11U, inputs.get_length());
+}
+
+TEST(EvaluationIO, MayBeAppendedToItself) {
+    std::u16string expected = u"ab";
+    RE_Evaluation_IO text(expected.data(), expected.size());
+    for (int i = 0; i < 4; ++i) {
+        text.append(&text);
+        text.append(text.get_string() + 1, 2);
+        expected += expected;
+        expected += expected.substr(1, 2);
+    }
+    EXPECT_EQ(expected, std::u16string(text.get_string(), text.get_length()));
+}
+
+TEST(Evaluation, YieldsNothingWhereTheHostGivesNoContext) {
+    struct Host : RE_Context {
+        bool allow_evaluation() override { return true; }
+        RE_Context* clone() override { return nullptr; }
+    } host;
+    const std::u16string pattern = u"(?@f $&)(?(?@g)a|b(?:(??@h)|(??${i})|c))";
+    const RE_Tree tree(pattern.data(), pattern.size(), kPlain, &host);
+    EXPECT_EQ("[1,2]", describe(toOutcome(std::unique_ptr<RE_Results>(tree.match(u"abc", 0)))));
 }
 
 }  // namespace

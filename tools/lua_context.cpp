@@ -23,10 +23,18 @@ std::string textOf(const RE_Evaluation_IO& io) {
     return toUtf8({io.get_string(), io.get_length()});
 }
 
+// As Lua's own program reads a file: without a byte order mark and a first line that is for the shell.
+std::string readScript(const std::string& file) {
+    std::string code = readBytes(file);
+    if (code.starts_with("\xEF\xBB\xBF")) code.erase(0, 3);
+    if (code.starts_with('#')) code.erase(0, code.find('\n'));
+    return code;
+}
+
 class LuaHost : public ScriptHost {
 public:
     explicit LuaHost(const ScriptRequest& request) : after_(request.after) {
-        for (const std::string& file : request.files) state_.run(readBytes(file), file);
+        for (const std::string& file : request.files) state_.run(readScript(file), file);
     }
     std::unique_ptr<ConsoleContext> makeContext(const Corvane::regexp::CompileOptions& options,
                                                 bool forPattern) override {

@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <iostream>
+#include <optional>
 
 namespace tool {
 namespace {
@@ -31,6 +32,44 @@ void endWhenInterrupted(lua_State* state, lua_Debug*) {
     if (!interruptPending()) return;
     lua_sethook(state, endWhenInterrupted, LUA_MASKCOUNT, 1);
     luaL_error(state, "interrupted");
+}
+
+// Gives an error that is no text one, with the place where a script raised it.
+int describeError(lua_State* state) {
+    if (lua_type(state, 1) == LUA_TSTRING) return 1;
+    lua_pushliteral(state, "");
+    lua_Debug caller;
+    for (int level = 1; lua_getstack(state, level, &caller) != 0; ++level) {
+        lua_getinfo(state, "Sl", &caller);
+        if (caller.currentline > 0) {
+            lua_pushfstring(state, "%s:%d: ", caller.short_src, caller.currentline);
+            break;
+        }
+    }
+    if (luaL_getmetafield(state, 1, "__tostring") != LUA_TNIL) {
+        luaL_tolstring(state, 1, nullptr);
+        lua_remove(state, -2);
+    } else {
+        lua_pushfstring(state, "an error of type %s", luaL_typename(state, 1));
+    }
+    lua_concat(state, lua_gettop(state) - 1);
+    return 1;
+}
+
+// Hooks do not run in finalizers, so nothing would end one.
+int setMetatable(lua_State* state) {
+    luaL_checktype(state, 1, LUA_TTABLE);
+    luaL_argexpected(state, lua_isnil(state, 2) || lua_istable(state, 2), 2, "nil or table");
+    lua_settop(state, 2);
+    if (lua_istable(state, 2)) {
+        lua_pushliteral(state, "__gc");
+        if (lua_rawget(state, 2) != LUA_TNIL) return luaL_error(state, "finalizers (__gc) are not allowed");
+        lua_pop(state, 1);
+    }
+    lua_pushvalue(state, lua_upvalueindex(1));
+    lua_insert(state, 1);
+    lua_call(state, 2, 1);
+    return 1;
 }
 
 int print(lua_State* state) {
@@ -78,6 +117,9 @@ int openSafeLibraries(lua_State* state) {
     openClock(state);
     lua_pushglobaltable(state);
     removeFields(state, {"collectgarbage", "dofile", "load", "loadfile"});
+    lua_getfield(state, -1, "setmetatable");
+    lua_pushcclosure(state, setMetatable, 1);
+    lua_setfield(state, -2, "setmetatable");
     lua_pop(state, 1);
     lua_getglobal(state, LUA_STRLIBNAME);
     removeFields(state, {"dump"});
@@ -104,6 +146,25 @@ int callProtected(lua_State* state) {
     lua_pushvalue(state, -1);
     lua_tolstring(state, -1, nullptr);
     return 2;
+}
+
+// A text that is read unit by unit, which tells how far the reader came.
+struct Source {
+    const char* next;
+    const char* end;
+};
+
+const char* readUnit(lua_State*, void* user, std::size_t* size) {
+    Source& source = *static_cast<Source*>(user);
+    *size = source.next == source.end ? 0 : 1;
+    return *size == 0 ? nullptr : source.next++;
+}
+
+// Leaves a function or an error. Returns how much of the code is left behind an error.
+std::optional<std::ptrdiff_t> loadExpression(lua_State* state, const std::string& code) {
+    Source source{code.data(), code.data() + code.size()};
+    if (lua_load(state, readUnit, &source, "=expression", "t") == LUA_OK) return std::nullopt;
+    return source.end - source.next;
 }
 
 int keepFunction(lua_State* state) {
@@ -136,22 +197,29 @@ void LuaState::load(const std::string& code, const char* name) {
 }
 
 void LuaState::run(std::string_view code, const std::string& name) {
+    lua_pushcfunction(state_.get(), describeError);
     load(std::string(code), ("@" + name).c_str());
-    if (lua_pcall(state_.get(), 0, 0, 0) != LUA_OK) fail();
+    if (lua_pcall(state_.get(), 0, 0, -2) != LUA_OK) fail();
+    lua_pop(state_.get(), 1);
 }
 
+// Of two errors the one that was met later is shown: it is the one of the reading that was meant.
 int LuaState::compile(std::string_view parameters, std::string_view body) {
     const std::string head = parameters.empty() ? "" : "local " + std::string(parameters) + " = ... ";
     // A line feed ends a comment at the end of the body.
-    const std::string expression = head + "return " + std::string(body) + "\n";
-    lua_pushcfunction(state_.get(), keepFunction);
-    if (luaL_loadbufferx(state_.get(), expression.data(), expression.size(), "=expression", "t") != LUA_OK) {
-        lua_pop(state_.get(), 1);
-        load(head + std::string(body) + "\n", "=expression");
+    const std::string code = std::string(body) + (body.find("--") != std::string_view::npos ? "\n" : "");
+    lua_State* const state = state_.get();
+    lua_pushcfunction(state, keepFunction);
+    if (const auto left = loadExpression(state, head + "return " + code)) {
+        if (const auto leftOfStatements = loadExpression(state, head + code)) {
+            if (*left <= *leftOfStatements) lua_pop(state, 1);
+            fail();
+        }
+        lua_remove(state, -2);
     }
-    if (lua_pcall(state_.get(), 1, 1, 0) != LUA_OK) fail();
-    const int function = static_cast<int>(lua_tointeger(state_.get(), -1));
-    lua_pop(state_.get(), 1);
+    if (lua_pcall(state, 1, 1, 0) != LUA_OK) fail();
+    const int function = static_cast<int>(lua_tointeger(state, -1));
+    lua_pop(state, 1);
     return function;
 }
 
@@ -162,9 +230,10 @@ void LuaState::forget(int function) noexcept {
 LuaState::Value LuaState::call(int function, const std::vector<std::string>& arguments) {
     Call call{function, &arguments};
     lua_State* const state = state_.get();
+    lua_pushcfunction(state, describeError);
     lua_pushcfunction(state, callProtected);
     lua_pushlightuserdata(state, &call);
-    if (lua_pcall(state, 1, 2, 0) != LUA_OK) fail();
+    if (lua_pcall(state, 1, 2, -3) != LUA_OK) fail();
     Value value{
         lua_toboolean(state, -2) != 0, lua_type(state, -1) == LUA_TSTRING, {}, luaL_typename(state, -2)};
     if (value.hasText) {
@@ -172,7 +241,7 @@ LuaState::Value LuaState::call(int function, const std::vector<std::string>& arg
         const char* const text = lua_tolstring(state, -1, &length);
         value.text.assign(text, length);
     }
-    lua_pop(state, 2);
+    lua_pop(state, 3);
     return value;
 }
 

@@ -9,6 +9,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -25,6 +26,10 @@ std::string twice(const Arguments& arguments) {
     return arguments.at(0) + arguments.at(0);
 }
 
+std::string join(const Arguments& arguments) {
+    return arguments.at(0) + "+" + arguments.at(1);
+}
+
 std::string isEven(const Arguments& arguments) {
     return std::stol(arguments.at(0)) % 2 == 0 ? "true" : "";
 }
@@ -34,7 +39,7 @@ std::string count(const Arguments&) {
 }
 
 const std::map<std::string, std::function<std::string(const Arguments&)>> functions = {
-    {"twice", twice}, {"even", isEven}, {"count", count}};
+    {"twice", twice}, {"join", join}, {"even", isEven}, {"count", count}};
 
 // "name(a,b)" into its parts.
 Arguments parts(const std::string& call) {
@@ -99,10 +104,14 @@ public:
     // The owner is the engine.
     RE_Context* clone() override { return new Host; }
 
-    // A name for `$1` and the like, once for each distinct one of an expression. This interpreter has no scopes, so
-    // the name that the engine proposes serves.
+    // A name for `$1` and the like, once for each distinct one of an expression. The engine proposes one; that those
+    // of an expression differ is up to the host: `$<matched>` and `$&` get the same proposal.
     RE_Evaluation_IO* create_unique_var(const char* stem, const RE_Builder_Space::RE_Builder&) override {
-        return new RE_Evaluation_IO(stem);
+        std::string name = stem;
+        while (!names.insert(name).second) {
+            name += '_';
+        }
+        return new RE_Evaluation_IO(name.c_str());
     }
 
     // The expression with those names in place of the references. What can be done once is done here.
@@ -151,6 +160,7 @@ private:
     }
 
     const char16_t* begin = nullptr;
+    std::set<std::string> names;  // of the expression's variables
     std::function<std::string(const Arguments&)> function;
     std::vector<std::size_t> order;  // of the inputs among the arguments
 };
@@ -186,6 +196,7 @@ int main() {
     search(u"\\d(?@count())x", u"12 3x");
     std::printf("  count      %s\n", variables["count"].c_str());
     replace(u"\\w", u"${twice($&)}.", u"a b");
+    replace(u"(?<matched>\\w)\\d", u"${join($<matched>,$&)}", u"a1");
     try {
         search(u"(\\q", u"");
     } catch (const SyntaxProblem& problem) {

@@ -39,7 +39,7 @@ public:
     virtual void warn(const char16_t* where, RE_Warning warning);
     /// The text about to be compiled.
     virtual void set_string(const char16_t* text, std::size_t length);
-    /// A new context, owned by the caller.
+    /// A new context, owned by the caller. Null: an expression that yields nothing and is never true.
     virtual RE_Context* clone();
     virtual bool allow_evaluation();
     /// Whether searches poll the host's interrupt flag; asked once for each compiled object.

@@ -29,7 +29,8 @@ void RE_Evaluation_Inputs::initialize(std::size_t n) {
 void RE_Evaluation_Inputs::add(RE_Evaluation_IO* text) {
     std::unique_ptr<RE_Evaluation_IO> owned(text);
     for (std::size_t i = 0; i < count; ++i) {
-        if (items[i] != nullptr && items[i]->is_equal(text)) {
+        const bool bothTexts = items[i] != nullptr && text != nullptr;
+        if (bothTexts ? items[i]->is_equal(text) : items[i] == text) {
             return;
         }
     }

@@ -5,6 +5,7 @@
 #include "regexp/replace/replaceable.h"
 
 #include <algorithm>
+#include <functional>
 #include <utility>
 
 namespace {
@@ -44,7 +45,14 @@ void RE_Evaluation_IO::append(char unit) {
     text[length++] = static_cast<unsigned char>(unit);
 }
 
+// A part of this very text would move away under the copying.
 void RE_Evaluation_IO::append(const char16_t* source, std::size_t units) {
+    const std::less<const char16_t*> before;
+    if (!before(source, text) && before(source, text + length)) {
+        const RE_Evaluation_IO part(source, units);
+        append(part.text, part.length);
+        return;
+    }
     text = insertText(text, length, length, 0, source, units, &capacity);
     length += units;
 }

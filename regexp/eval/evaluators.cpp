@@ -30,6 +30,9 @@ RE_Replace compileExpression(RE_ParserContext& parser, const char16_t* text, std
 RE_Evaluator::RE_Evaluator(RE_ParserContext& parser, const char16_t* text, std::size_t length)
     : expression(compileExpression(parser, text, length)) {
     context.reset(parser.context->clone());
+    if (context == nullptr) {
+        context.reset(new RE_Context(parser.context->getCompileOptions()));
+    }
     context->set_string(text, length);
     tokens.reset(expression.create_tokens());
 }

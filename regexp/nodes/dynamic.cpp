@@ -21,7 +21,6 @@ bool RE_Evaluate::match(const char16_t* subject, std::size_t& pos, RE_Search_Inf
     RE_Results results = view(subject, pos, info);
     evaluator->evaluate(&results);
     info.hostWasCalled();
-    info.pollSoon();
     return true;
 }
 
@@ -52,28 +51,27 @@ void RE_Dynamic::combineLengths() {
 }
 
 bool RE_Dynamic::include(const RE_Evaluation_IO& text, std::size_t pos, RE_Search_Info& info) const {
-    info.hostWasCalled();
     if (depth >= maximumDepth) {
-        info.refuseText();
+        info.included.refuse(info);
         return false;
     }
     std::unique_ptr<RE_Tree> tree(new RE_Tree(text.get_string(), text.get_length(), flags, context, nextNode,
                                               outer, false, info.placeOfText()));
-    info.include(std::move(tree), this, pos);
+    info.include(std::move(tree), this, pos, depth == 0);
     return true;
 }
 
 bool RE_Parse_Dynamic::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {
     RE_Results results = view(subject, pos, info);
     RE_Evaluation_IO expanded;
-    expanded.construct(text.get(), &results);
-    return include(expanded, pos, info);
+    const bool complete = text->expand(&expanded, &results);
+    info.hostWasCalled();
+    return complete && include(expanded, pos, info);
 }
 
 bool RE_Evaluate_Dynamic::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {
     RE_Results results = view(subject, pos, info);
     const std::unique_ptr<RE_Evaluation_IO> value = evaluator->evaluate(&results);
     info.hostWasCalled();
-    info.pollSoon();
     return value != nullptr && include(*value, pos, info);
 }

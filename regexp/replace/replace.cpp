@@ -79,6 +79,38 @@ char16_t* RE_Replace::build_replace(char16_t* buffer, std::size_t* length, std::
     return first != nullptr ? first->build_replace(buffer, length, capacity, results) : buffer;
 }
 
+namespace {
+
+/// A chain up to its first expression that yields nothing.
+class Expansion : public RE_Replaceable {
+public:
+    explicit Expansion(const RE_Replace_Node* head) : first(head) {}
+
+    char16_t* build_replace(char16_t* buffer, std::size_t* length, std::size_t* capacity,
+                            RE_Results* results) const override {
+        for (const RE_Replace_Node* node = first; node != nullptr && complete; node = node->next()) {
+            const auto* const expression = dynamic_cast<const RE_Replace_Evaluator*>(node);
+            buffer = expression != nullptr
+                         ? expression->build_value(buffer, length, capacity, results, &complete)
+                         : node->build_piece(buffer, length, capacity, results);
+        }
+        return buffer;
+    }
+    bool isComplete() const { return complete; }
+
+private:
+    const RE_Replace_Node* first;
+    mutable bool complete = true;
+};
+
+}  // namespace
+
+bool RE_Replace::expand(RE_Evaluation_IO* out, RE_Results* results) const {
+    const Expansion expansion(first);
+    out->construct(&expansion, results);
+    return expansion.isComplete();
+}
+
 RE_Evaluation_Tokens* RE_Replace::create_tokens() const {
     auto tokens = std::make_unique<RE_Evaluation_Tokens>(referenceCount);
     for (const RE_Replace_Node* node = first; node != nullptr; node = node->next()) {

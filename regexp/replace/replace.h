@@ -71,6 +71,10 @@ public:
     char16_t* build_replace(char16_t* buffer, std::size_t* length, std::size_t* capacity,
                             RE_Results* results) const override;
 
+    /// Makes `out` the text for a match. False when an expression in it yields nothing, which ends the text there; the
+    /// interrupt flag, by which `build_replace` tells that, is left alone.
+    bool expand(RE_Evaluation_IO* out, RE_Results* results) const;
+
     /// The distinct references; owned by the caller.
     RE_Evaluation_Tokens* create_tokens() const;
     /// The text of a host function: the replacement with the names of variables in place of its references.

@@ -82,12 +82,21 @@ RE_Replace_Evaluator::~RE_Replace_Evaluator() = default;
 // Where the evaluation fails the replacement ends at its next look at the interrupt flag.
 char16_t* RE_Replace_Evaluator::build_piece(char16_t* buffer, std::size_t* length, std::size_t* capacity,
                                             RE_Results* results) const {
+    bool found = false;
+    buffer = build_value(buffer, length, capacity, results, &found);
+    if (!found) {
+        utInterruptState::SetInterruptPending(true);
+    }
+    return buffer;
+}
+
+char16_t* RE_Replace_Evaluator::build_value(char16_t* buffer, std::size_t* length, std::size_t* capacity,
+                                            RE_Results* results, bool* found) const {
     RE_Piece_Writer writer(buffer, length, capacity);
     const std::unique_ptr<RE_Evaluation_IO> value = evaluator->evaluate(results);
-    if (value != nullptr) {
+    *found = value != nullptr;
+    if (*found) {
         writer.append({value->get_string(), value->get_length()});
-    } else {
-        utInterruptState::SetInterruptPending(true);
     }
     return writer.release();
 }

@@ -146,6 +146,9 @@ public:
 
     char16_t* build_piece(char16_t* buffer, std::size_t* length, std::size_t* capacity,
                           RE_Results* results) const override;
+    /// Writes the value of the expression, if there is one; `*found` tells.
+    char16_t* build_value(char16_t* buffer, std::size_t* length, std::size_t* capacity, RE_Results* results,
+                          bool* found) const;
     ~RE_Replace_Evaluator() override;
     void graph(std::string& out, std::size_t number) const override;
 
