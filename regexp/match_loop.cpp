@@ -7,13 +7,13 @@
 
 namespace {
 
-/// Where to go on after a node failed: its fail target, unless the node named another way.
-const RE_Node* afterFailure(const RE_Node* node, RE_Search_Info& info) {
+/// Where to go on after a node that was visited: the way that it named itself, if it did.
+const RE_Node* afterVisit(const RE_Node* node, bool matched, RE_Search_Info& info) {
     if (info.redirected) {
         info.redirected = false;
         return info.redirection;
     }
-    return node->failNode();
+    return matched ? node->next() : node->failNode();
 }
 
 template <class Watch>
@@ -68,11 +68,8 @@ Visit visit(const RE_Node* node, RE_Search_Info& info, std::size_t& pos, std::si
     watch.begin(pos);
     const bool matched = node->match(info.subjectBegin, pos, info);
     watch.stepped(node, pos, matched);
-    if (!matched) {
-        return {afterFailure(node, info)};
-    }
-    if (!node->isEnd()) {
-        return {node->next()};
+    if (!matched || !node->isEnd()) {
+        return {afterVisit(node, matched, info)};
     }
     if (const RE_Node* text = node->includedText(info)) {
         return {text};

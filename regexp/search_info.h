@@ -232,8 +232,8 @@ public:
     bool rejectEmpty = false;
     mutable RE_Step_Meter meter;  ///< no part of the state that nodes see
 
-    /// Has the match loop go on at `target` when the node that calls this fails, in place of its fail target; null is a
-    /// dead end, since the state itself is exhausted.
+    /// Has the match loop go on at `target` behind the node that calls this, in place of its next node or fail target; null
+    /// is a dead end, since the state itself is exhausted.
     void redirect(const RE_Node* target) {
         redirected = true;
         redirection = target;

@@ -38,7 +38,26 @@ void RE_Atomic::combineLengths() {
     maxLength = maxBounded ? maxLength + bodyMaximum : unboundedLength;
 }
 
+// Whether the body matches, for one that is a row of tests.
+bool RE_Lookaround_Assertion::glance(std::size_t pos, RE_Search_Info& info) const {
+    if (behind && glanceWidth > pos) {
+        return false;
+    }
+    std::size_t at = behind ? pos - glanceWidth : pos;
+    for (const RE_Node* test = body; test != glanceEnd; test = test->nextNode) {
+        if (!test->match(info.subjectBegin, at, info)) {
+            return false;
+        }
+    }
+    return true;
+}
+
 bool RE_Lookaround_Assertion::match(const char16_t*, std::size_t& pos, RE_Search_Info& info) const {
+    if (glanceEnd != nullptr) {
+        const bool completed = glance(pos, info);
+        info.redirect(completed ? nextNode : failTarget);
+        return completed != negative;
+    }
     const RE_Body_Outcome known = info.knownOutcome(this, pos);
     if (known.kind != RE_Body_Outcome::Kind::unknown) {
         if (known.kind == RE_Body_Outcome::Kind::completed) {

@@ -45,7 +45,12 @@ public:
     std::uint64_t bodyMinimum = 0;  ///< bounds of what a look-behind body consumes
     std::uint64_t bodyMaximum = unboundedLength;
 
+    /// Where the row of tests that the body consists of ends; null when the body is more than such a row.
+    const RE_Node* glanceEnd = nullptr;
+    std::uint64_t glanceWidth = 0;  ///< units that the tests consume
+
 private:
+    bool glance(std::size_t pos, RE_Search_Info& info) const;
     bool openBehind(std::size_t& pos, RE_Search_Info& info) const;
     bool findStart(RE_Body_Frame& frame, std::size_t& pos, RE_Search_Info& info) const;
     RE_Node* tryEarlierStart(std::size_t& pos, RE_Search_Info& info) const;

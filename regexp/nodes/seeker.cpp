@@ -27,22 +27,30 @@ std::string StringPrefixSeeker::label() const {
     return "Seek prefixes of " + std::to_string(prefixes.depth) + " units";
 }
 
-StringInnerSeeker::StringInnerSeeker(RE_ParserContext& context, const RE_String& literal,
-                                     std::shared_ptr<const RE_Unit_Set> unitsBefore, std::uint64_t least,
+const char16_t* StringBehindSeeker::scan(const char16_t* p, RE_Search_Info& info) const {
+    const std::size_t length = required.text.size();
+    const char16_t* const from = info.indexOf(p) > length ? p - length : info.subjectBegin;
+    const char16_t* const found = search.find(required.literal(), from, info);
+    return found != nullptr ? found + length : nullptr;
+}
+
+std::string StringBehindSeeker::label() const {
+    return "Seek behind text of " + std::to_string(required.text.size()) + " units";
+}
+
+StringInnerSeeker::StringInnerSeeker(RE_ParserContext& context, RE_Required_Literal literal,
                                      std::shared_ptr<const RE_Unit_Set> firstUnits)
     : RE_Seeker(context),
-      string(literal),
-      before(std::move(unitsBefore)),
+      required(std::move(literal)),
       first(std::move(firstUnits)),
-      leastBefore(least),
-      search(literal.literal()),
-      outside(*before, false),
+      search(required.search()),
+      outside(*required.before, false),
       starts(*first, true) {
     memoIndex = context.nextMemoRow();
 }
 
 std::string StringInnerSeeker::label() const {
-    return "Seek text of " + std::to_string(string.length) + " units within";
+    return "Seek text of " + std::to_string(required.text.size()) + " units within";
 }
 
 // The positions from `p` on from which the next literal can be reached over units that may stand before it. They are
@@ -52,17 +60,17 @@ bool StringInnerSeeker::stretchFrom(const char16_t* p, RE_Search_Info& info, Str
         stretch = {p, known->end};
         return true;
     }
-    if (static_cast<std::uint64_t>(info.subjectEnd - p) < leastBefore) {
+    if (static_cast<std::uint64_t>(info.subjectEnd - p) < required.leastBefore) {
         return false;
     }
-    const char16_t* const literal = search.find(string.literal(), p + leastBefore, info);
-    if (literal == nullptr) {
+    const char16_t* const place = search.find(required.literal(), p + required.leastBefore, info);
+    if (place == nullptr) {
         return false;
     }
-    const char16_t* const barrier = scanBackward(p, literal, info, [this](const char16_t* from, const char16_t* to) {
+    const char16_t* const barrier = scanBackward(p, place, info, [this](const char16_t* from, const char16_t* to) {
         return findLastClass(from, to, outside);
     });
-    stretch = {barrier != nullptr ? barrier + 1 : p, literal - leastBefore};
+    stretch = {barrier != nullptr ? barrier + 1 : p, place - required.leastBefore};
     if (stretch.begin <= stretch.end && !info.wasInterrupted()) {
         info.noteRun(this, {stretch.begin, stretch.end});
     }

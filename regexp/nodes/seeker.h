@@ -6,10 +6,12 @@
 #include "regexp/nodes/string.h"
 #include "regexp/seek/can_seek.h"
 #include "regexp/seek/kernels.h"
+#include "regexp/seek/required_literal.h"
 #include "regexp/unit_set.h"
 
 #include <memory>
 #include <string>
+#include <utility>
 
 /// Base of the start finders.
 class CORVANE_REGEXP_EXPORT RE_Seeker : public RE_Can_Seek<RE_Node> {
@@ -68,20 +70,34 @@ protected:
 template <>
 inline constexpr RE_Node_Kind kindOfNode<StringPrefixSeeker> = RE_Node_Kind::passage;
 
+/// Finds positions behind a literal that has to stand before every match.
+class CORVANE_REGEXP_EXPORT StringBehindSeeker : public RE_Seeker {
+public:
+    StringBehindSeeker(RE_ParserContext& context, RE_Required_Literal literal)
+        : RE_Seeker(context), required(std::move(literal)), search(required.search()) {}
+    std::string label() const override;
+
+    RE_Required_Literal required;
+
+protected:
+    const char16_t* scan(const char16_t* p, RE_Search_Info& info) const override;
+
+private:
+    RE_Literal_Search search;
+};
+template <>
+inline constexpr RE_Node_Kind kindOfNode<StringBehindSeeker> = RE_Node_Kind::passage;
+
 /// Finds a literal that every match holds, and goes back from it over the units that may stand before it.
 class CORVANE_REGEXP_EXPORT StringInnerSeeker : public RE_Seeker {
 public:
-    /// Every match consumes units of `unitsBefore` only, `least` or more of them, and then the literal. It starts with a
-    /// unit of `firstUnits`.
-    StringInnerSeeker(RE_ParserContext& context, const RE_String& literal,
-                      std::shared_ptr<const RE_Unit_Set> unitsBefore, std::uint64_t least,
+    /// Every match starts with a unit of `firstUnits`.
+    StringInnerSeeker(RE_ParserContext& context, RE_Required_Literal literal,
                       std::shared_ptr<const RE_Unit_Set> firstUnits);
     std::string label() const override;
 
-    const RE_String& string;  ///< a node of the same graph
-    std::shared_ptr<const RE_Unit_Set> before;
+    RE_Required_Literal required;
     std::shared_ptr<const RE_Unit_Set> first;
-    std::uint64_t leastBefore;
 
 protected:
     const char16_t* scan(const char16_t* p, RE_Search_Info& info) const override;
@@ -95,7 +111,7 @@ private:
     bool stretchFrom(const char16_t* p, RE_Search_Info& info, Stretch& stretch) const;
 
     RE_Literal_Search search;
-    RE_Class_Scan outside;  ///< units that are not in `before`
+    RE_Class_Scan outside;  ///< units that may not stand before the literal
     RE_Class_Scan starts;
 };
 template <>

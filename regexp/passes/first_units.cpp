@@ -1,5 +1,6 @@
 #include "regexp/passes/first_units.h"
 
+#include "regexp/nodes/anchors.h"
 #include "regexp/nodes/closed_body.h"
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/split.h"
@@ -46,13 +47,34 @@ void RE_First_Units::visit(RE_Node* node) {
         known = known && end->continuation == nullptr;
     } else if (dynamic_cast<RE_Match_Token*>(node) != nullptr) {
         known = false;
-    } else {
+    } else if (!visitTest(node)) {
         const auto* const split = dynamic_cast<RE_Split*>(node);
         const bool never = node->isStartToken() || node->isEndToken() || node->isSkippable() ||
                            dynamic_cast<RE_Null*>(node) != nullptr || (split != nullptr && !split->isCounter);
         tested = tested || !never;
         followWays(node);
     }
+}
+
+// Tests that say which unit comes next, if any does: what follows them is as good as consumed.
+bool RE_First_Units::visitTest(RE_Node* node) {
+    if (auto* ahead = dynamic_cast<RE_Lookaround_Assertion*>(node)) {
+        if (ahead->behind || ahead->negative || ahead->glanceEnd == nullptr || ahead->glanceWidth == 0) {
+            return false;
+        }
+        follow(ahead->body);
+        follow(ahead->failTarget);
+        return true;
+    }
+    if (dynamic_cast<RE_End_Line*>(node) != nullptr) {
+        units->add(u'\n');
+    } else if (dynamic_cast<RE_End_Word*>(node) != nullptr) {
+        units->addAll(RE_Unit_Classes::get().noWords);
+    } else if (dynamic_cast<RE_End_String*>(node) == nullptr) {
+        return false;
+    }
+    mayBeAtEnd = true;
+    return true;
 }
 
 void RE_First_Units::followWays(RE_Node* node) {

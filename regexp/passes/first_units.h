@@ -23,11 +23,13 @@ public:
     std::shared_ptr<RE_Unit_Set> units = RE_Unit_Set::make();
     bool mayBeEmpty = false;  ///< the end of the pattern can be reached
     bool endsBody = false;    ///< so can the end of a closed body
+    bool mayBeAtEnd = false;  ///< a test on the way holds at the end of the subject
     bool tested = false;      ///< on the way lies a node that may fail without consuming
 
 private:
     void follow(RE_Node* node);
     void visit(RE_Node* node);
+    bool visitTest(RE_Node* node);
     void followWays(RE_Node* node);
     void addFirst(const RE_String& string);
 

@@ -2,6 +2,7 @@
 
 #include "regexp/passes/check_graph.h"
 #include "regexp/passes/dot_star.h"
+#include "regexp/passes/glances.h"
 #include "regexp/passes/linear_subpatterns.h"
 #include "regexp/passes/null_nodes.h"
 #include "regexp/passes/possessive_loops.h"
@@ -21,6 +22,7 @@ constexpr Pass passes[] = {
     {RE_Stage::null_nodes, &CompileOptions::optimizeNullNodes, removeNullNodes},
     {RE_Stage::linear, &CompileOptions::optimizeLinearSubpatterns, joinLinearSubpatterns},
     {RE_Stage::dot_star, &CompileOptions::optimizeDotStar, rewriteDotStar},
+    {RE_Stage::dot_star, &CompileOptions::optimizeDotStar, findGlances},
     {RE_Stage::dot_star, &CompileOptions::optimizeDotStar, makeLoopsPossessive},
     {RE_Stage::dot_star, &CompileOptions::optimizeDotStar, chooseStartFinder},
 };

@@ -2,12 +2,15 @@
 
 #include "regexp/nodes/closed_body.h"
 #include "regexp/nodes/consume.h"
+#include "regexp/nodes/string.h"
 #include "regexp/nodes/tokens.h"
 #include "regexp/nodes/trivial.h"
+#include "regexp/nodes/units.h"
 
 #include <algorithm>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -107,7 +110,7 @@ private:
 };
 
 /// The first literals on the ways from the root, outside of closed bodies.
-std::vector<const RE_String*> literalsFrom(RE_Node* root) {
+std::vector<const RE_Node*> literalsFrom(RE_Node* root) {
     struct Walker : RE_Link_Visitor {
         void link(RE_Node*& target, RE_Link kind) override {
             const bool onTheWay = kind == RE_Link::next || kind == RE_Link::done || kind == RE_Link::alternative ||
@@ -119,12 +122,12 @@ std::vector<const RE_String*> literalsFrom(RE_Node* root) {
         std::unordered_set<RE_Node*> seen;
         std::vector<RE_Node*> nodes;
     } walker;
-    std::vector<const RE_String*> found;
+    std::vector<const RE_Node*> found;
     walker.link(root, RE_Link::next);
     for (std::size_t i = 0; i < walker.nodes.size() && i < mostNodes && found.size() < mostLiterals; ++i) {
         RE_Node* const node = walker.nodes[i];
-        if (const auto* string = dynamic_cast<const RE_String*>(node)) {
-            found.push_back(string);
+        if (literalOf(node)) {
+            found.push_back(node);
         }
         node->visitLinks(walker);
     }
@@ -133,17 +136,32 @@ std::vector<const RE_String*> literalsFrom(RE_Node* root) {
 
 }  // namespace
 
+std::optional<RE_Required_Literal> literalOf(const RE_Node* node) {
+    if (const auto* string = dynamic_cast<const RE_String*>(node)) {
+        return RE_Required_Literal{{string->text, string->length}, string->ignoreCase, nullptr, 0};
+    }
+    const auto* const unit = dynamic_cast<const RE_Natural*>(node);
+    if (unit == nullptr || unit->failTarget != nullptr || unit->ch > 0xFFFF) {
+        return std::nullopt;
+    }
+    const bool folds = dynamic_cast<const RE_Natural_I*>(node) != nullptr;
+    return RE_Required_Literal{std::u16string(1, static_cast<char16_t>(unit->ch)), folds, nullptr, 0};
+}
+
 std::optional<RE_Required_Literal> requiredLiteral(RE_Node* root) {
     std::optional<RE_Required_Literal> best;
-    double bestLikelihood = 0;
-    for (const RE_String* string : literalsFrom(root)) {
-        const double likelihood = RE_Literal_Search(string->literal()).likelihood();
-        if (best && likelihood >= bestLikelihood) {
+    double bestLikelihood = 1;
+    for (const RE_Node* node : literalsFrom(root)) {
+        std::optional<RE_Required_Literal> literal = literalOf(node);
+        const double likelihood = literal->search().likelihood();
+        if (likelihood >= bestLikelihood) {
             continue;
         }
-        Around around(string);
+        Around around(node);
         if (around.walk(root)) {
-            best = {string, around.units, around.least};
+            literal->before = around.units;
+            literal->leastBefore = around.least;
+            best = std::move(literal);
             bestLikelihood = likelihood;
         }
     }

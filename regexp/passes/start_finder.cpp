@@ -1,6 +1,7 @@
 #include "regexp/passes/start_finder.h"
 
 #include "regexp/nodes/anchors.h"
+#include "regexp/nodes/closed_body.h"
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/seeker.h"
 #include "regexp/nodes/string.h"
@@ -9,6 +10,7 @@
 #include "regexp/passes/required_literal.h"
 #include "regexp/seek/likelihood.h"
 
+#include <optional>
 #include <utility>
 
 namespace {
@@ -37,13 +39,34 @@ void noteLeadingLoop(RE_Graph_Facts& facts, const RE_Node* leading) {
     }
 }
 
-/// The first node that is more than an opening group or a test of a word's ends.
+/// The only way on from a node that tests without consuming, or null.
+RE_Node* behindTest(RE_Node* node) {
+    if (dynamic_cast<RE_Word_Anchor*>(node) != nullptr) {
+        return node->nextNode;
+    }
+    const auto* const assertion = dynamic_cast<RE_Lookaround_Assertion*>(node);
+    if (assertion == nullptr || (!assertion->negative && assertion->failTarget != nullptr)) {
+        return nullptr;
+    }
+    return assertion->negative ? assertion->failTarget : assertion->nextNode;
+}
+
+/// The first node that is more than an opening group or a test of the position.
 RE_Node* leadingConsumer(RE_Node* root) {
     RE_Node* node = leadingNode(root);
-    while (dynamic_cast<RE_Word_Anchor*>(node) != nullptr) {
-        node = leadingNode(node->nextNode);
+    while (RE_Node* const following = behindTest(node)) {
+        node = leadingNode(following);
     }
     return node;
+}
+
+/// The literal that a look-behind at the front of the pattern asks for.
+std::optional<RE_Required_Literal> literalBehind(const RE_Node* leading) {
+    const auto* const assertion = dynamic_cast<const RE_Lookaround_Assertion*>(leading);
+    const bool asks = assertion != nullptr && assertion->behind && !assertion->negative &&
+                      assertion->failTarget == nullptr && assertion->glanceEnd != nullptr;
+    const bool alone = asks && assertion->body->nextNode == assertion->glanceEnd;
+    return alone ? literalOf(assertion->body) : std::nullopt;
 }
 
 /// Goes through the finders that come to mind in the order of `RE_Start_Finder`.
@@ -66,14 +89,14 @@ public:
         if (auto* string = dynamic_cast<RE_String*>(leadingConsumer(root))) {
             return inFront(RE_Start_Finder::literal, context.make<StringStringSeeker>(*string));
         }
-        return chooseByUnits();
+        return chooseByUnits(leading);
     }
 
 private:
-    RE_Node* chooseByUnits() {
+    RE_Node* chooseByUnits(const RE_Node* leading) {
         RE_First_Units first;
         const bool allowsEmpty = (context.flags & RE_FLAG_ALLOW_EMPTY) != 0;
-        if (!first.gather(root) || (first.mayBeEmpty && allowsEmpty)) {
+        if (!first.gather(root) || ((first.mayBeEmpty || first.mayBeAtEnd) && allowsEmpty)) {
             return root;
         }
         const double firstLikelihood = setLikelihood(*first.units);
@@ -81,6 +104,10 @@ private:
         const bool prefixesPay = prefixes && prefixes->scan.depth > 1 &&
                                  prefixes->likelihood < firstLikelihood * worthPrefixes;
         const double best = prefixesPay ? prefixes->likelihood : firstLikelihood;
+        std::optional<RE_Required_Literal> before = literalBehind(leading);
+        if (before && before->search().likelihood() < best) {
+            return inFront(RE_Start_Finder::literalBehind, context.make<StringBehindSeeker>(std::move(*before)));
+        }
         if (RE_Node* const inner = innerSeeker(best * worthGoingBack, first)) {
             return inner;
         }
@@ -99,12 +126,11 @@ private:
             return nullptr;
         }
         std::optional<RE_Required_Literal> literal = requiredLiteral(root);
-        if (!literal || RE_Literal_Search(literal->string->literal()).likelihood() >= likelihood) {
+        if (!literal || literal->search().likelihood() >= likelihood) {
             return nullptr;
         }
         return inFront(RE_Start_Finder::requiredLiteral,
-                       context.make<StringInnerSeeker>(*literal->string, std::move(literal->before),
-                                                       literal->leastBefore, first.units));
+                       context.make<StringInnerSeeker>(std::move(*literal), first.units));
     }
 
     RE_Node* inFront(RE_Start_Finder finder, RE_Seeker* seeker) {

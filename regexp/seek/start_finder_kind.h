@@ -8,6 +8,7 @@ enum class RE_Start_Finder : std::uint8_t {
     none,             ///< every position is tried
     anchored,         ///< an anchor at the front of the pattern seeks for itself
     literal,          ///< a literal that every match starts with
+    literalBehind,    ///< a literal that has to stand before every match
     requiredLiteral,  ///< a literal within every match, and back from it
     prefixes,         ///< the first units of the alternatives, several places at once
     firstUnits        ///< the units that a match can start with
@@ -20,6 +21,8 @@ constexpr const char* nameOf(RE_Start_Finder finder) {
             return "anchored";
         case RE_Start_Finder::literal:
             return "literal";
+        case RE_Start_Finder::literalBehind:
+            return "literal behind";
         case RE_Start_Finder::requiredLiteral:
             return "required literal";
         case RE_Start_Finder::prefixes:

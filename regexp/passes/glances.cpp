@@ -1,0 +1,55 @@
+#include "regexp/passes/glances.h"
+
+#include "regexp/nodes/anchors.h"
+#include "regexp/nodes/closed_body.h"
+#include "regexp/nodes/collection.h"
+#include "regexp/nodes/string.h"
+#include "regexp/nodes/trivial.h"
+
+namespace {
+
+constexpr std::size_t longestRow = 4;
+
+/// Matches in one way only and looks at nothing but units near its position.
+bool isPlainTest(const RE_Node* node) {
+    if (const auto* unit = dynamic_cast<const RE_Consumable*>(node)) {
+        return unit->isSingleUnit() && !unit->hasFailNode();
+    }
+    const bool anchor =
+        dynamic_cast<const RE_Anchor*>(node) != nullptr && dynamic_cast<const RE_End_Match*>(node) == nullptr;
+    return anchor || dynamic_cast<const RE_String*>(node) != nullptr;
+}
+
+// A look-behind requires its body to end at the assertion, which a body of fixed width does by itself.
+bool endsRow(const RE_Node* node, bool behind) {
+    if (behind && dynamic_cast<const RE_End_Match*>(node) != nullptr) {
+        node = node->nextNode;
+    }
+    const auto* const end = dynamic_cast<const RE_End_Of_Tree*>(node);
+    return end != nullptr && end->endsBody;
+}
+
+void findGlance(RE_Lookaround_Assertion& assertion) {
+    std::uint64_t width = 0;
+    const RE_Node* node = assertion.body;
+    for (std::size_t i = 0; i < longestRow && isPlainTest(node); ++i) {
+        width += node->width();
+        node = node->nextNode;
+    }
+    if (node != assertion.body && endsRow(node, assertion.behind)) {
+        assertion.glanceEnd = node;
+        assertion.glanceWidth = width;
+    }
+}
+
+}  // namespace
+
+RE_Node* findGlances(RE_ParserContext&, RE_Node* root) {
+    const RE_Collection graph(root);
+    for (RE_Node* node : graph.nodes()) {
+        if (auto* const assertion = dynamic_cast<RE_Lookaround_Assertion*>(node)) {
+            findGlance(*assertion);
+        }
+    }
+    return root;
+}
