@@ -28,7 +28,7 @@ const RE_Node* visitLeaf(const RE_Node* node, std::size_t& pos, RE_Search_Info& 
     return leaf.Leaf::match(info.subjectBegin, pos, info) ? leaf.nextNode : nullptr;
 }
 
-/// Visits a node of a kind other than `other`. Returns the node to go on at, or null where a choice has to be taken up.
+/// Visits a node of a kind other than `other` and `end`. Returns the node to go on at, or null where a choice has to be taken up.
 inline const RE_Node* visitDirectly(const RE_Node* node, std::size_t& pos, RE_Search_Info& info) {
     switch (node->kind) {
         case RE_Node_Kind::literal:
@@ -54,6 +54,7 @@ inline const RE_Node* visitDirectly(const RE_Node* node, std::size_t& pos, RE_Se
         case RE_Node_Kind::endToken:
             return visitLeaf<RE_End_Token>(node, pos, info);
         case RE_Node_Kind::passage:
+        case RE_Node_Kind::end:
         case RE_Node_Kind::other:
             break;
     }

@@ -32,8 +32,7 @@ struct CORVANE_REGEXP_EXPORT RE_Graph_Facts : public RE_Memory {
     std::uint64_t bytes = 0;          ///< of the host's memory, held by nodes and facts
     bool hasDynamicNodes = false;     ///< matching may call the host
     RE_Start_Finder startFinder = RE_Start_Finder::none;
-    /// The endless loop over one unit with which every match begins, or null. Where an attempt failed, it fails from the
-    /// other positions of the same run as well: it was tried there as a shorter or longer run.
+    /// The loop over one unit with which every match begins, or null: `RE_Consume::lastHopelessStart`.
     const RE_Consume* leadingLoop = nullptr;
     /// Slots whose text a backreference or condition may ask for, ascending.
     std::vector<std::size_t, RE_Allocator<std::size_t>> referencedTokens;

@@ -47,7 +47,7 @@ void RE_Included_Texts::endReached(RE_Search_Info& info) {
     }
 }
 
-void RE_Included_Texts::trim(RE_Search_Info& info) {
+void RE_Included_Texts::dropSpent(RE_Search_Info& info) {
     while (!keepsAll && !texts.empty() && (texts.back().spent || texts.back().slot > info.backtrack.top)) {
         dropLast(info);
     }

@@ -42,7 +42,11 @@ public:
     /// record is dropped and the text goes with the next call of `trim`, since its end node is still in use.
     void endReached(RE_Search_Info& info);
     /// Frees the texts whose records are gone, and forgets what the search knows by the addresses of their nodes.
-    void trim(RE_Search_Info& info);
+    void trim(RE_Search_Info& info) {
+        if (!texts.empty()) {
+            dropSpent(info);
+        }
+    }
 
     /// The running node may not include a text, being nested too deeply, and is about to fail. Only so often within one
     /// outermost text, and in one attempt, is that a failure like any other: texts that include themselves in two
@@ -60,6 +64,7 @@ private:
         std::uint32_t refusals = 0;  ///< of texts within an outermost one
     };
 
+    void dropSpent(RE_Search_Info& info);
     void dropLast(RE_Search_Info& info);
 
     std::vector<Text, RE_Allocator<Text>> texts;

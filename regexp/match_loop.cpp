@@ -2,7 +2,7 @@
 
 #include "regexp/direct_step.h"
 #include "regexp/inspect/loop_watch.h"
-#include "regexp/nodes/node.h"
+#include "regexp/nodes/trivial.h"
 #include "regexp/search_info.h"
 
 namespace {
@@ -80,16 +80,30 @@ Visit visit(const RE_Node* node, RE_Search_Info& info, std::size_t& pos, std::si
     return {endBody(info, true, pos, watch)};
 }
 
+/// The same for the end of the pattern or of a body, when nobody watches.
+Visit visitEnd(const RE_Node* node, RE_Search_Info& info, std::size_t& pos, std::size_t floor) {
+    RE_No_Watch nobody(info);
+    const auto& end = static_cast<const RE_End_Of_Tree&>(*node);
+    if (end.continuation != nullptr) {
+        return visit(node, info, pos, floor, nobody);
+    }
+    if (!end.completes(pos, info)) {
+        return {nullptr};
+    }
+    return info.bodies.size() == floor ? Visit{nullptr, true} : Visit{endBody(info, true, pos, nobody)};
+}
+
 template <class Watch>
 bool run(RE_Search_Info& info, const RE_Node* node, std::size_t& position, Watch watch) {
     const std::size_t floor = info.bodies.size();
     std::size_t pos = position;  // a copy that the compiler can keep in a register
     while (node != nullptr && info.takeStep()) {
         const RE_Node* following = nullptr;
-        if (!Watch::watches && node->kind != RE_Node_Kind::other) {
+        if (!Watch::watches && node->kind > RE_Node_Kind::end) {
             following = visitDirectly(node, pos, info);
         } else {
-            const Visit visited = visit(node, info, pos, floor, watch);
+            const bool ends = !Watch::watches && node->kind == RE_Node_Kind::end;
+            const Visit visited = ends ? visitEnd(node, info, pos, floor) : visit(node, info, pos, floor, watch);
             if (visited.isOver) {
                 position = pos;
                 return true;

@@ -57,7 +57,12 @@ RE_Results* RE_Match_Sequence::search(std::size_t offset) {
     if (!found) {
         return nullptr;
     }
-    return &view.emplace(&info, info.matchStart, length, false);
+    if (!view) {
+        return &view.emplace(&info, info.matchStart, length, false);
+    }
+    view->matchStart = info.indexOf(info.matchStart);
+    view->matchLength = length;
+    return &*view;
 }
 
 RE_Results* RE_Match_Sequence::releaseMatch() {

@@ -8,7 +8,8 @@
 
 namespace {
 
-thread_local constinit RE_Memory_Account* innermost = nullptr;
+// Read at each allocation: not looked up through a call.
+[[gnu::tls_model("initial-exec")]] thread_local constinit RE_Memory_Account* innermost = nullptr;
 
 }  // namespace
 

@@ -55,17 +55,6 @@ void RE_Search_Info::beginMemo() {
     }
 }
 
-// Registers written before the first record of an attempt are not trailed; nothing reads them before the attempt
-// writes them again, since every reader stands behind its writer on every path.
-void RE_Search_Info::clearBacktrack() {
-    trail.clear();
-    bodies.clear();
-    scopes = 0;
-    backtrack.top = -1;
-    backtrack.base = 0;
-    included.trim(*this);
-}
-
 // --- nodes put together by hand ---
 //
 // The parser's loops guard empty passes by nodes of their own and are told apart by the memo. A node that nobody

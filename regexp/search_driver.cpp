@@ -123,7 +123,7 @@ bool RE_Tree::findMatch(RE_Search_Info& info, std::size_t offset, std::size_t& l
             return false;
         }
         if (facts->leadingLoop != nullptr) {
-            p = facts->leadingLoop->wholeRunEnd(p, info);
+            p = facts->leadingLoop->lastHopelessStart(p, info);
         }
     }
     return false;

@@ -34,14 +34,14 @@ void RE_Search_Info::makeTokens(std::size_t count) {
     }
 }
 
-void RE_Search_Info::putInterruptAside() {
-    if (checkInterrupts && utInterruptState::IsInterruptPending()) {
+void RE_Search_Info::takePendingInterrupt() {
+    if (utInterruptState::IsInterruptPending()) {
         interruptWasPending = true;
         utInterruptState::SetInterruptPending(false);
     }
 }
 
-void RE_Search_Info::handInterruptBack() {
+void RE_Search_Info::handBackInterrupt() {
     const bool pendingNow = checkInterrupts && utInterruptState::IsInterruptPending();
     if (interruptWasPending && !pendingNow) {
         utInterruptState::SetInterruptPending(true);
@@ -51,12 +51,7 @@ void RE_Search_Info::handInterruptBack() {
 
 // Where failures outlive a start the memo goes on: all searches together cost what one would. Elsewhere it would begin
 // empty at every start, so it waits until a search needs it.
-void RE_Search_Info::searchBehind(std::size_t end) {
-    steps = 1;
-    stopped = RE_Search_Outcome::noMatch;
-    if (memo == nullptr) {
-        return;
-    }
+void RE_Search_Info::carryMemoOver(std::size_t end) {
     if (facts->memoOutlivesStarts()) {
         memo->searchFrom(end);
     } else {
@@ -84,17 +79,8 @@ void RE_Search_Info::prepare(const RE_Graph_Facts& graphFacts) {
     }
 }
 
-void RE_Search_Info::resetForStart(const char16_t* p) {
-    matchStart = p;
-    redirected = false;
-    included.startAttempt();
-    if (tokens != nullptr) {
-        tokens->reset();
-    }
-    clearBacktrack();
-    if (!counterStacks.empty()) {
-        counterStacks.clear();
-    }
+void RE_Search_Info::forgetAttempt() {
+    counterStacks.clear();
     for (States& states : visited) {
         states.clear();
     }
@@ -132,13 +118,6 @@ const char16_t* RE_Search_Info::lastStartOf(const RE_Node* next, const RE_Node* 
         known = {overlaps ? known.begin : first, last};
     }
     return found;
-}
-
-bool RE_Search_Info::pollScan() {
-    if (checkInterrupts && utInterruptState::IsInterruptPending()) {
-        stopped = RE_Search_Outcome::interrupted;
-    }
-    return wasInterrupted();
 }
 
 bool RE_Search_Info::passCheckpoint() {

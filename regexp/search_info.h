@@ -5,6 +5,7 @@
 // state of its own.
 #pragma once
 
+#include "host/interrupt.h"
 #include "regexp/backtrack_stack.h"
 #include "regexp/graph_facts.h"
 #include "regexp/included_texts.h"
@@ -93,8 +94,16 @@ public:
     void searchBehind(std::size_t end);
 
     /// A request to stop that came before the search is put aside, and handed back once the search is over.
-    void putInterruptAside();
-    void handInterruptBack();
+    void putInterruptAside() {
+        if (checkInterrupts) {
+            takePendingInterrupt();
+        }
+    }
+    void handInterruptBack() {
+        if (interruptWasPending) {
+            handBackInterrupt();
+        }
+    }
 
     /// Counts one step; true when the host asks to stop. The host is consulted on every 2048th step only.
     bool pollInterrupt();
@@ -259,6 +268,10 @@ private:
     };
 
     void makeTokens(std::size_t count);
+    void takePendingInterrupt();
+    void handBackInterrupt();
+    void carryMemoOver(std::size_t end);
+    void forgetAttempt();
     bool passCheckpoint();
     void beginMemo();
     bool refuse() {
@@ -290,7 +303,48 @@ private:
     std::unique_ptr<RE_Search_Memo> idleMemo;  ///< empty; for a later search that needs one
 };
 
+// --- what every search and every attempt begins with ---
+
+inline void RE_Search_Info::searchBehind(std::size_t end) {
+    steps = 1;
+    stopped = RE_Search_Outcome::noMatch;
+    if (memo != nullptr) {
+        carryMemoOver(end);
+    }
+}
+
+inline void RE_Search_Info::resetForStart(const char16_t* p) {
+    matchStart = p;
+    redirected = false;
+    included.startAttempt();
+    if (tokens != nullptr) {
+        tokens->reset();
+    }
+    clearBacktrack();
+    if (memo != nullptr || !counterStacks.empty() || !visited.empty()) {
+        forgetAttempt();
+    }
+}
+
+// Registers written before the first record of an attempt are not trailed; nothing reads them before the attempt
+// writes them again, since every reader stands behind its writer on every path.
+inline void RE_Search_Info::clearBacktrack() {
+    trail.clear();
+    bodies.clear();
+    scopes = 0;
+    backtrack.top = -1;
+    backtrack.base = 0;
+    included.trim(*this);
+}
+
 // --- what the match loop does at most steps ---
+
+inline bool RE_Search_Info::pollScan() {
+    if (checkInterrupts && utInterruptState::IsInterruptPending()) {
+        stopped = RE_Search_Outcome::interrupted;
+    }
+    return wasInterrupted();
+}
 
 inline bool RE_Search_Info::pollInterrupt() {
     if (steps % 2048 == 0 && pollScan()) {

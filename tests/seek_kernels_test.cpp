@@ -9,7 +9,7 @@
 namespace corvane_tests {
 namespace {
 
-constexpr size_t kLongest = 70;
+constexpr size_t kLongest = 140;
 constexpr RE_Unit_Pair kPair{u'Q', u'q'};
 constexpr RE_Literal_Probe kProbe{{u'Q', u'Q'}, {u'z', u'Z'}, 2, 5};
 
@@ -44,6 +44,22 @@ void compareAll(const std::u16string& text) {
         [](const char16_t* p) { return kProbe.first.holds(p[2]) && kProbe.second.holds(p[5]); },
         [](auto p, auto end) { return findProbe(p, end, kProbe); },
         [](auto p, auto end) { return findLastProbe(p, end, kProbe); });
+    for (const bool saturates : {false, true}) {
+        RE_Prefix_Scan scan;
+        scan.depth = 3;
+        scan.distance[1] = 2, scan.distance[2] = 1;
+        scan.saturates = saturates;
+        scan.allow(0, 0, u'.'), scan.allow(0, 1, u'Q'), scan.allow(0, 2, u'.');
+        scan.allow(5, 0, scan.byteOf(0x3B2)), scan.allow(5, 1, u'.'), scan.allow(5, 2, u'.'), scan.allow(5, 2, u'Z');
+        const auto holds = [&scan](const char16_t* p) { return scan.mayStandAt(p); };
+        const auto last = [&holds](const char16_t* p, const char16_t* end) -> const char16_t* {
+            while (end > p) {
+                if (holds(--end)) return end;
+            }
+            return nullptr;
+        };
+        compare(text, 2, holds, [&scan](auto p, auto end) { return findPrefix(p, end, scan); }, last);
+    }
     RE_Unit_Set letters;
     letters.addRange(u'A', u'Z');
     RE_Unit_Set wide = letters;

@@ -38,8 +38,9 @@ std::string lengthText(const RE_Outline& outline) {
 
 std::string startText(const RE_Tree& tree) {
     const RE_Node* const root = tree.getRoot();
-    if (dynamic_cast<const RE_Seeker*>(root) != nullptr || root->canSeek(false)) return nodeText(root);
-    return "every position is tried";
+    const RE_Start_Finder finder = tree.getFacts().startFinder;
+    if (finder != RE_Start_Finder::none) return std::string(nameOf(finder)) + ", " + nodeText(root);
+    return root->canSeek(false) ? nodeText(root) : "every position is tried";
 }
 
 void printPossessiveLoops(const RE_Tree& tree) {

@@ -39,14 +39,10 @@ RE_Consume::RE_Consume(RE_ParserContext& context, RE_Consumable* repeated, std::
 const char16_t* RE_Consume::runEnd(const char16_t* p, std::uint64_t most, RE_Search_Info& info) const {
     const std::uint64_t left = static_cast<std::uint64_t>(info.subjectEnd - p);
     const char16_t* const limit = p + std::min(left, most);
-    const char16_t* const start = p;
-    const char16_t* const nearby =
-        p + std::min<std::uint64_t>(static_cast<std::uint64_t>(limit - p), shortRun);
-    for (; p < nearby; ++p) {
-        if (!units->contains(*p)) {
-            return p;
-        }
+    if (const char16_t* const end = shortRunEnd(p, limit)) {
+        return end;
     }
+    const char16_t* const start = p;
     while (p < limit) {
         const std::uint64_t block =
             std::min<std::uint64_t>(static_cast<std::uint64_t>(limit - p), RE_SCAN_POLL_UNITS);
@@ -70,8 +66,20 @@ const char16_t* RE_Consume::endOfRunFrom(const char16_t* p, RE_Search_Info& info
     return end == known->begin ? known->end : end;
 }
 
+// The end of a run, if it ends within so few units that nothing but a plain loop pays; else null.
+const char16_t* RE_Consume::shortRunEnd(const char16_t* p, const char16_t* limit) const {
+    const char16_t* const stop = p + std::min<std::ptrdiff_t>(limit - p, shortRun);
+    while (p < stop && units->contains(*p)) {
+        ++p;
+    }
+    return p < stop || p == limit ? p : nullptr;
+}
+
 // Searches come back to a long run from each of its positions.
 const char16_t* RE_Consume::wholeRunEnd(const char16_t* p, RE_Search_Info& info) const {
+    if (const char16_t* const end = shortRunEnd(p, info.subjectEnd)) {
+        return end;
+    }
     if (const RE_Measured_Run* known = info.measuredRun(this); known != nullptr && known->holds(p)) {
         return known->end;
     }
@@ -80,6 +88,14 @@ const char16_t* RE_Consume::wholeRunEnd(const char16_t* p, RE_Search_Info& info)
         info.noteRun(this, {p, end});
     }
     return end;
+}
+
+const char16_t* RE_Consume::lastHopelessStart(const char16_t* p, RE_Search_Info& info) const {
+    if (maximum != noMaximum && minimum < 2) {
+        return p;
+    }
+    const char16_t* const end = wholeRunEnd(p, info);
+    return maximum == noMaximum || static_cast<std::uint64_t>(end - p) < minimum ? end : p;
 }
 
 bool RE_Consume::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {

@@ -21,6 +21,10 @@ public:
     void combineLengths() override;
     std::string label() const override;
 
+    /// For a loop at the front of a pattern, where an attempt from `p` has failed: the last position from which attempts
+    /// fail as well, as they were part of that one. Shorter runs from within an endless one were tried; a run that is too
+    /// short has no longer ones in it.
+    const char16_t* lastHopelessStart(const char16_t* p, RE_Search_Info& info) const;
     /// The end of the run of units from `p` on that the item matches, however long.
     const char16_t* wholeRunEnd(const char16_t* p, RE_Search_Info& info) const;
 
@@ -37,6 +41,7 @@ private:
     const char16_t* lastStart(const char16_t* from, const char16_t* last, RE_Search_Info& info) const;
     const char16_t* lastEnd(const char16_t* from, const char16_t* end, RE_Search_Info& info) const;
     const char16_t* endOfRunFrom(const char16_t* p, RE_Search_Info& info) const;
+    const char16_t* shortRunEnd(const char16_t* p, const char16_t* limit) const;
     const char16_t* runEnd(const char16_t* p, std::uint64_t most, RE_Search_Info& info) const;
     const char16_t* nextEnd(const char16_t* end, const char16_t* last, RE_Search_Info& info) const;
     bool takeShortest(const char16_t* p, std::size_t& pos, RE_Search_Info& info) const;

@@ -25,6 +25,7 @@ struct RE_Backtrack_Record;
 /// The nodes that most steps of a search visit. The match loop knows them by heart and runs them without virtual calls.
 enum class RE_Node_Kind : std::uint8_t {
     other,
+    end,  ///< like `other`, the loop looks after what follows
     literal,
     foldedLiteral,
     range,

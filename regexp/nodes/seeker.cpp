@@ -3,7 +3,16 @@
 #include "regexp/parser/parser_context.h"
 #include "regexp/seek/scan.h"
 
+#include <algorithm>
+
+// Common units stand near: they are found before a vector scan would have begun.
 const char16_t* StringCharSeeker::scan(const char16_t* p, RE_Search_Info& info) const {
+    const char16_t* const nearby = p + std::min<std::ptrdiff_t>(info.subjectEnd - p, 4);
+    for (; p < nearby; ++p) {
+        if (set->contains(*p)) {
+            return p;
+        }
+    }
     return scanForward(p, info.subjectEnd, info, [this](const char16_t* at, const char16_t* stop) {
         return findClass(at, stop, members);
     });
@@ -14,7 +23,7 @@ std::string StringStringSeeker::label() const {
 }
 
 const char16_t* StringPrefixSeeker::scan(const char16_t* p, RE_Search_Info& info) const {
-    const std::size_t reach = prefixes.depth - 1;
+    const std::size_t reach = prefixes.reach();
     if (static_cast<std::size_t>(info.subjectEnd - p) <= reach) {
         return nullptr;
     }
@@ -24,7 +33,7 @@ const char16_t* StringPrefixSeeker::scan(const char16_t* p, RE_Search_Info& info
 }
 
 std::string StringPrefixSeeker::label() const {
-    return "Seek prefixes of " + std::to_string(prefixes.depth) + " units";
+    return "Seek prefixes by " + std::to_string(prefixes.depth) + " units";
 }
 
 const char16_t* StringBehindSeeker::scan(const char16_t* p, RE_Search_Info& info) const {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "regexp/nodes/node.h"
+#include "regexp/search_info.h"
 
 /// What an empty group or branch leaves behind, and where branches meet again.
 class CORVANE_REGEXP_EXPORT RE_Null : public RE_Node {
@@ -23,6 +24,10 @@ public:
 
     /// The end of the pattern itself refuses a match that consumed nothing when the search rejects empty matches.
     bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
+    /// Whether the search takes a match that ends here, or the body that does.
+    bool completes(std::size_t pos, const RE_Search_Info& info) const {
+        return endsBody || !info.rejectEmpty || pos != info.indexOf(info.matchStart);
+    }
     RE_Node* next() const override { return continuation; }
     bool isEnd() const override { return continuation == nullptr; }
     std::string label() const override { return endsBody ? "End of body" : "End"; }
@@ -31,3 +36,5 @@ public:
     RE_Node* continuation;  ///< never owned, never followed by walks
     bool endsBody;
 };
+template <>
+inline constexpr RE_Node_Kind kindOfNode<RE_End_Of_Tree> = RE_Node_Kind::end;

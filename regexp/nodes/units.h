@@ -5,6 +5,7 @@
 #pragma once
 
 #include "regexp/seek/can_seek.h"
+#include "regexp/seek/kernels.h"
 #include "regexp/seek/literal_search.h"
 #include "regexp/unit_set.h"
 
@@ -114,13 +115,28 @@ public:
     std::string label() const override;
 };
 
+/// Base of the tests that have their units as a table.
+class CORVANE_REGEXP_EXPORT RE_Class_Seek : public RE_Unit_Seek {
+public:
+    RE_Class_Seek(RE_ParserContext& context, const RE_Unit_Set& members)
+        : RE_Unit_Seek(context), sought(members, true) {}
+
+protected:
+    bool scans() const override { return true; }
+    const char16_t* scan(const char16_t* p, RE_Search_Info& info) const override;
+    const char16_t* scanBack(const char16_t* p, std::size_t count, RE_Search_Info& info) const override;
+
+private:
+    RE_Class_Scan sought;
+};
+
 /// A class named by an escape, such as the digits.
-class CORVANE_REGEXP_EXPORT RE_Escaped_Set : public RE_Unit_Test {
+class CORVANE_REGEXP_EXPORT RE_Escaped_Set : public RE_Class_Seek {
 public:
     using Test = bool (*)(char16_t);
 
     RE_Escaped_Set(RE_ParserContext& context, char16_t letter, Test predicate, const RE_Unit_Set& members)
-        : RE_Unit_Test(context), escape(letter), test(predicate), units(&members) {}
+        : RE_Class_Seek(context, members), escape(letter), test(predicate), units(&members) {}
 
     bool matchesUnit(char16_t unit) const override { return units->contains(unit); }
     void addUnitsTo(RE_Unit_Set& set) const override { set.addAll(*units); }
@@ -135,10 +151,10 @@ template <>
 inline constexpr RE_Node_Kind kindOfNode<RE_Escaped_Set> = RE_Node_Kind::namedClass;
 
 /// Any set of units, as a table: a bracket expression, or alternatives of single units taken together.
-class CORVANE_REGEXP_EXPORT RE_Unit_Class : public RE_Unit_Test {
+class CORVANE_REGEXP_EXPORT RE_Unit_Class : public RE_Class_Seek {
 public:
     RE_Unit_Class(RE_ParserContext& context, std::shared_ptr<const RE_Unit_Set> units, std::string source)
-        : RE_Unit_Test(context), set(std::move(units)), text(std::move(source)) {}
+        : RE_Class_Seek(context, *units), set(std::move(units)), text(std::move(source)) {}
 
     bool matchesUnit(char16_t unit) const override { return set->contains(unit); }
     void addUnitsTo(RE_Unit_Set& units) const override { units.addAll(*set); }

@@ -5,6 +5,9 @@
 #include "regexp/seek/likelihood.h"
 
 #include <algorithm>
+#include <array>
+#include <bit>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -34,49 +37,122 @@ std::vector<RE_Node*> branchesFrom(RE_Node* root) {
     return branches;
 }
 
-double byteLikelihood(std::size_t byte, bool saturates) {
-    if (byte < 0x80) {
-        return unitLikelihood(static_cast<char16_t>(byte));
+/// The bytes that may stand at one place of one prefix.
+using Bytes = std::array<std::uint64_t, 4>;
+
+template <class Visit>
+void forEachByte(const Bytes& bytes, Visit visit) {
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        for (std::uint64_t bits = bytes[i]; bits != 0; bits &= bits - 1) {
+            visit(static_cast<std::uint8_t>(64 * i + static_cast<std::size_t>(std::countr_zero(bits))));
+        }
     }
-    return (saturates && byte == 0xFF ? 1 : 1.0 / 0x80) * beyondLatinLikelihood;
 }
 
-/// One byte lens of the prefixes: which bytes may stand at each place of each.
-RE_Likely_Prefixes throughLens(const std::vector<RE_Prefix_Units>& prefixes, std::size_t depth, bool saturates) {
-    RE_Likely_Prefixes result{{}, 0};
-    result.scan.depth = depth;
-    result.scan.saturates = saturates;
-    for (std::size_t i = 0; i < prefixes.size(); ++i) {
-        double together = 1;
-        for (std::size_t place = 0; place < depth; ++place) {
-            const RE_Byte_Sets& sets = prefixes[i].places[place];
-            double here = 0;
-            for (std::size_t byte = 0; byte <= 0xFF; ++byte) {
-                const bool beyond = saturates && byte == 0xFF && sets.beyondLatin;
-                if (beyond || RE_Byte_Sets::holds(saturates ? sets.latin : sets.lowBytes, byte)) {
-                    result.scan.allow(i, place, static_cast<std::uint8_t>(byte));
-                    here += byteLikelihood(byte, saturates);
-                }
+Bytes throughLens(const RE_Byte_Sets& sets, bool saturates) {
+    Bytes bytes = saturates ? sets.latin : sets.lowBytes;
+    if (saturates && sets.beyondLatin) {
+        bytes[3] |= std::uint64_t{1} << 63;
+    }
+    return bytes;
+}
+
+/// How likely the bytes of a place are: among units of ASCII, and among the others.
+struct Share {
+    double ascii = 0;
+    double beyond = 0;
+};
+
+Share shareOf(const Bytes& bytes, bool saturates) {
+    static constexpr double usualLetters = 40;  // of a script that is not Latin
+    Share share;
+    double foreign = 0;
+    forEachByte(bytes, [&](std::uint8_t byte) {
+        foreign += 1;
+        share.ascii += byte < 0x80 ? unitLikelihood(byte) : 0;
+    });
+    const bool anyBeyond = (bytes[3] >> 63) != 0;
+    share.beyond = saturates ? (anyBeyond ? 1 : 0) : std::min(foreign / usualLetters, 1.0);
+    return share;
+}
+
+/// Prefixes seen through one lens, and the places at which they are to be looked at.
+class Lens {
+public:
+    Lens(const std::vector<RE_Prefix_Units>& units, std::size_t known, bool saturating)
+        : prefixes(units), places(known), saturates(saturating) {
+        for (const RE_Prefix_Units& prefix : prefixes) {
+            for (std::size_t place = 0; place < places; ++place) {
+                shares.push_back(shareOf(throughLens(prefix.places[place], saturates), saturates));
             }
-            together *= std::min(here, 1.0);
         }
-        result.likelihood += together;
     }
-    return result;
-}
 
-// As many places as are known, unless the last ones rule too little out to pay for being looked at.
-RE_Likely_Prefixes atBestDepth(const std::vector<RE_Prefix_Units>& prefixes, std::size_t known, bool saturates) {
-    static constexpr double worthAPlace = 0.6;
-    RE_Likely_Prefixes best = throughLens(prefixes, 1, saturates);
-    for (std::size_t depth = 2; depth <= known; ++depth) {
-        const RE_Likely_Prefixes deeper = throughLens(prefixes, depth, saturates);
-        if (deeper.likelihood < best.likelihood * worthAPlace && best.likelihood > 0.0005) {
-            best = deeper;
+    // The places that rule out most, one after the other, as long as they pay for being looked at.
+    RE_Likely_Prefixes choose() {
+        static constexpr double worthAPlace = 0.6;
+        static constexpr double rareEnough = 0.0005;
+        double best = 1;
+        while (chosen.size() < RE_Prefix_Scan::mostUnits && best > rareEnough) {
+            const auto [place, likelihood] = bestFurtherPlace();
+            if (!chosen.empty() && likelihood > best * worthAPlace) {
+                break;
+            }
+            chosen.push_back(place);
+            best = likelihood;
         }
+        return {scan(), best};
     }
-    return best;
-}
+
+private:
+    std::pair<std::size_t, double> bestFurtherPlace() {
+        std::pair<std::size_t, double> best{0, 2};
+        for (std::size_t place = 0; place < places; ++place) {
+            if (std::find(chosen.begin(), chosen.end(), place) != chosen.end()) {
+                continue;
+            }
+            chosen.push_back(place);
+            const double with = likelihood();
+            chosen.pop_back();
+            best = with < best.second ? std::pair{place, with} : best;
+        }
+        return best;
+    }
+
+    double likelihood() const {
+        double sum = 0;
+        for (std::size_t i = 0; i < prefixes.size(); ++i) {
+            double ascii = 1;
+            double beyond = beyondLatinLikelihood;
+            for (const std::size_t place : chosen) {
+                ascii *= shares[i * places + place].ascii;
+                beyond *= shares[i * places + place].beyond;
+            }
+            sum += ascii + beyond;
+        }
+        return sum;
+    }
+
+    RE_Prefix_Scan scan() const {
+        RE_Prefix_Scan result;
+        result.depth = chosen.size();
+        result.saturates = saturates;
+        for (std::size_t place = 0; place < chosen.size(); ++place) {
+            result.distance[place] = chosen[place];
+            for (std::size_t i = 0; i < prefixes.size(); ++i) {
+                forEachByte(throughLens(prefixes[i].places[chosen[place]], saturates),
+                            [&](std::uint8_t byte) { result.allow(i, place, byte); });
+            }
+        }
+        return result;
+    }
+
+    const std::vector<RE_Prefix_Units>& prefixes;
+    std::size_t places;
+    bool saturates;
+    std::vector<Share> shares;  ///< by prefix, then by place
+    std::vector<std::size_t> chosen;
+};
 
 }  // namespace
 
@@ -93,7 +169,7 @@ std::optional<RE_Likely_Prefixes> prefixesFrom(RE_Node* root, bool emptyCounts) 
             return std::nullopt;
         }
     }
-    const RE_Likely_Prefixes exact = atBestDepth(prefixes, known, false);
-    const RE_Likely_Prefixes saturating = atBestDepth(prefixes, known, true);
-    return exact.likelihood <= saturating.likelihood ? exact : saturating;
+    const RE_Likely_Prefixes byLowBytes = Lens(prefixes, known, false).choose();
+    const RE_Likely_Prefixes saturating = Lens(prefixes, known, true).choose();
+    return byLowBytes.likelihood <= saturating.likelihood ? byLowBytes : saturating;
 }

@@ -27,25 +27,19 @@ void RE_Byte_Sets::add(char16_t unit) {
 }
 
 void RE_Byte_Sets::addAll(const RE_Unit_Set& units) {
-    // One block of those that are alike stands for all; there are more than four when there are any.
-    const std::size_t blocks = std::min(units.variedBlocks() + 4, RE_Unit_Set::unitCount / 64);
-    for (std::size_t i = 0; i < blocks; ++i) {
-        const std::uint64_t bits = units.bits(i);
-        lowBytes[i % 4] |= bits;
-        if (i < 4) {
-            latin[i] |= bits;
-        } else {
-            beyondLatin = beyondLatin || bits != 0;
+    // One group of those that are alike stands for all.
+    const std::size_t blocks = std::min((units.variedBlocks() / 4 + 2) * 4, RE_Unit_Set::unitCount / 64);
+    std::array<std::uint64_t, 4> beyond{};
+    for (std::size_t i = 4; i < blocks; i += 4) {
+        for (std::size_t j = 0; j < 4; ++j) {
+            beyond[j] |= units.bits(i + j);
         }
     }
-}
-
-void RE_Byte_Sets::addAll(const RE_Byte_Sets& other) {
-    for (std::size_t i = 0; i < lowBytes.size(); ++i) {
-        lowBytes[i] |= other.lowBytes[i];
-        latin[i] |= other.latin[i];
+    for (std::size_t j = 0; j < 4; ++j) {
+        latin[j] |= units.bits(j);
+        lowBytes[j] |= units.bits(j) | beyond[j];
+        beyondLatin = beyondLatin || beyond[j] != 0;
     }
-    beyondLatin = beyondLatin || other.beyondLatin;
 }
 
 void RE_Prefix_Units::gather(RE_Node* from, bool emptyCounts) {

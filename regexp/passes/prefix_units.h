@@ -24,7 +24,6 @@ struct RE_Byte_Sets {
 
     void add(char16_t unit);
     void addAll(const RE_Unit_Set& units);
-    void addAll(const RE_Byte_Sets& other);
     static bool holds(const std::array<std::uint64_t, 4>& bits, std::size_t byte) {
         return (bits[byte / 64] >> (byte % 64) & 1) != 0;
     }
@@ -34,7 +33,7 @@ struct RE_Byte_Sets {
 /// match along that way has a unit of each set up to `known`.
 class RE_Prefix_Units {
 public:
-    static constexpr std::size_t mostPlaces = 4;
+    static constexpr std::size_t mostPlaces = 8;
 
     /// With `emptyCounts` an end that is reached at once ends the prefix there; else such a match is refused anyway.
     void gather(RE_Node* from, bool emptyCounts);

@@ -18,6 +18,8 @@ namespace {
 // First units that are more common than this rule out too little to be worth a scan.
 constexpr double commonestUseful = 0.97;
 // By how much another finder has to be rarer than a scan for the first unit.
+// First units that are rarer than this are as good as anything.
+constexpr double rareEnough = 0.0025;
 constexpr double worthPrefixes = 0.5;
 constexpr double worthGoingBack = 0.1;
 
@@ -33,8 +35,7 @@ RE_Node* leadingNode(RE_Node* root) {
 // its first end has another one at each position.
 void noteLeadingLoop(RE_Graph_Facts& facts, const RE_Node* leading) {
     const auto* const loop = dynamic_cast<const RE_Consume*>(leading);
-    if (loop != nullptr && loop->maximum == RE_Consume::noMaximum && !(loop->lazy && loop->possessive) &&
-        facts.memoOutlivesStarts()) {
+    if (loop != nullptr && !(loop->lazy && loop->possessive) && facts.memoOutlivesStarts()) {
         facts.leadingLoop = loop;
     }
 }
@@ -100,9 +101,11 @@ private:
             return root;
         }
         const double firstLikelihood = setLikelihood(*first.units);
-        const std::optional<RE_Likely_Prefixes> prefixes = prefixesFrom(root, allowsEmpty);
-        const bool prefixesPay = prefixes && prefixes->scan.depth > 1 &&
-                                 prefixes->likelihood < firstLikelihood * worthPrefixes;
+        std::optional<RE_Likely_Prefixes> prefixes;
+        if (firstLikelihood > rareEnough) {
+            prefixes = prefixesFrom(root, allowsEmpty);
+        }
+        const bool prefixesPay = prefixes && prefixes->likelihood < firstLikelihood * worthPrefixes;
         const double best = prefixesPay ? prefixes->likelihood : firstLikelihood;
         std::optional<RE_Required_Literal> before = literalBehind(leading);
         if (before && before->search().likelihood() < best) {

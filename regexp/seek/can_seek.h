@@ -12,16 +12,16 @@ public:
     using Base::Base;
 
     const char16_t* seek(const char16_t* p, RE_Search_Info& info) const override {
-        const RE_Seek_Key key = this->seekKey(true);
         const char16_t* answer = nullptr;
-        if (info.seekTable != nullptr && info.seekTable->size() != 0 && info.seekTable->get(p, key, answer)) {
+        if (info.seekTable != nullptr && info.seekTable->size() != 0 &&
+            info.seekTable->get(p, this->seekKey(true), answer)) {
             return answer;
         }
         answer = scan(p, info);
         info.noteScan(static_cast<std::size_t>((answer != nullptr ? answer : info.subjectEnd) - p));
         const bool isFar = answer == nullptr || static_cast<std::size_t>(answer - p) >= worthKeeping;
         if (isFar && info.seekTable != nullptr && !info.wasInterrupted()) {
-            info.seekTable->put(key, RE_Seek_Value(p, answer));
+            info.seekTable->put(this->seekKey(true), RE_Seek_Value(p, answer));
         }
         return answer;
     }

@@ -158,7 +158,7 @@ struct Prefix_Test {
         const Vector ceiling = hn::Set(d, scan.saturates ? std::uint16_t{0xFF} : std::uint16_t{0xFFFF});
         Vector prefixes = hn::Set(d, std::uint16_t{0xFF});
         for (std::size_t i = 0; i < depth; ++i) {
-            const Vector units = hn::Min(load(p + i), ceiling);
+            const Vector units = hn::Min(load(p + scan.distance[i]), ceiling);
             prefixes = hn::And(prefixes, prefixesWith(units, scan.low[i], scan.high[i]));
         }
         return hn::Ne(prefixes, hn::Zero(d));
@@ -235,39 +235,70 @@ HWY_EXPORT(probeBackward);
 HWY_EXPORT(prefixForward);
 }  // namespace corvane_kernels
 
-using namespace corvane_kernels;
+namespace {
+
+template <class Sought>
+using Scan = const char16_t* (*)(const char16_t*, const char16_t*, Sought);
+
+/// The functions for this machine.
+struct Kernels {
+    Scan<RE_Unit_Pair> unitForward;
+    Scan<RE_Unit_Pair> unitBackward;
+    Scan<const RE_Class_Scan&> classForward;
+    Scan<const RE_Class_Scan&> classBackward;
+    Scan<const RE_Literal_Probe&> probeForward;
+    Scan<const RE_Literal_Probe&> probeBackward;
+    Scan<const RE_Prefix_Scan&> prefixForward;
+};
+
+Kernels chooseKernels() {
+    using namespace corvane_kernels;
+    hwy::GetChosenTarget().Update(hwy::SupportedTargets());
+    return {&HWY_DYNAMIC_DISPATCH(unitForward),  &HWY_DYNAMIC_DISPATCH(unitBackward),
+            &HWY_DYNAMIC_DISPATCH(classForward), &HWY_DYNAMIC_DISPATCH(classBackward),
+            &HWY_DYNAMIC_DISPATCH(probeForward), &HWY_DYNAMIC_DISPATCH(probeBackward),
+            &HWY_DYNAMIC_DISPATCH(prefixForward)};
+}
+
+const Kernels& kernels() {
+    static const Kernels chosen = chooseKernels();
+    return chosen;
+}
+
+}  // namespace
 
 const char16_t* findUnit(const char16_t* p, const char16_t* end, RE_Unit_Pair unit) {
-    return HWY_DYNAMIC_DISPATCH(unitForward)(p, end, unit);
+    return kernels().unitForward(p, end, unit);
 }
 
 const char16_t* findClass(const char16_t* p, const char16_t* end, const RE_Class_Scan& scan) {
-    return HWY_DYNAMIC_DISPATCH(classForward)(p, end, scan);
+    return kernels().classForward(p, end, scan);
 }
 
 const char16_t* findProbe(const char16_t* p, const char16_t* end, const RE_Literal_Probe& probe) {
-    return HWY_DYNAMIC_DISPATCH(probeForward)(p, end, probe);
+    return kernels().probeForward(p, end, probe);
 }
 
 const char16_t* findPrefix(const char16_t* p, const char16_t* end, const RE_Prefix_Scan& scan) {
-    return HWY_DYNAMIC_DISPATCH(prefixForward)(p, end, scan);
+    return kernels().prefixForward(p, end, scan);
 }
 
 const char16_t* findLastUnit(const char16_t* p, const char16_t* end, RE_Unit_Pair unit) {
-    return HWY_DYNAMIC_DISPATCH(unitBackward)(p, end, unit);
+    return kernels().unitBackward(p, end, unit);
 }
 
 const char16_t* findLastClass(const char16_t* p, const char16_t* end, const RE_Class_Scan& scan) {
-    return HWY_DYNAMIC_DISPATCH(classBackward)(p, end, scan);
+    return kernels().classBackward(p, end, scan);
 }
 
 const char16_t* findLastProbe(const char16_t* p, const char16_t* end, const RE_Literal_Probe& probe) {
-    return HWY_DYNAMIC_DISPATCH(probeBackward)(p, end, probe);
+    return kernels().probeBackward(p, end, probe);
 }
 
 RE_Class_Scan::RE_Class_Scan(const RE_Unit_Set& set, bool wanted) : rows{}, units(&set), sought(wanted) {
-    for (char16_t unit = 0; unit < 0x80; ++unit) {
-        if (holds(unit)) {
+    for (std::size_t block = 0; block < 2; ++block) {
+        for (std::uint64_t bits = sought ? set.bits(block) : ~set.bits(block); bits != 0; bits &= bits - 1) {
+            const std::size_t unit = 64 * block + static_cast<std::size_t>(std::countr_zero(bits));
             rows[unit & 0x0F] |= static_cast<std::uint8_t>(1 << (unit >> 4));
         }
     }

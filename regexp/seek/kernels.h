@@ -6,6 +6,7 @@
 
 #include "regexp/unit_set.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -42,15 +43,16 @@ struct RE_Literal_Probe {
     std::size_t secondAt;
 };
 
-/// Up to eight prefixes, each a row of up to four sets of units, prepared for scanning for all of them at once. A unit is
-/// known by one byte: its low byte, or itself up to 0xFF. What is found may stand up to the test by accident only.
+/// Up to eight prefixes, each known at up to four places, prepared for scanning for all of them at once. A unit is known by
+/// one byte: its low byte, or itself up to 0xFF. What is found may stand up to the test by accident only.
 struct RE_Prefix_Scan {
     static constexpr std::size_t mostPrefixes = 8;
     static constexpr std::size_t mostUnits = 4;
 
     std::uint8_t low[mostUnits][16] = {};   ///< by low four bits of the byte: one bit for each prefix
     std::uint8_t high[mostUnits][16] = {};  ///< by high four bits
-    std::size_t depth = 0;                  ///< units looked at, at least 1
+    std::size_t depth = 0;                  ///< places looked at, at least 1
+    std::size_t distance[mostUnits] = {};   ///< of each place from the start of the prefix, in units
     bool saturates = false;                 ///< units from 0x100 on count as 0xFF
 
     std::uint8_t byteOf(char16_t unit) const {
@@ -62,10 +64,12 @@ struct RE_Prefix_Scan {
         low[at][byte & 0x0F] = static_cast<std::uint8_t>(low[at][byte & 0x0F] | bit);
         high[at][byte >> 4] = static_cast<std::uint8_t>(high[at][byte >> 4] | bit);
     }
+    /// The greatest distance.
+    std::size_t reach() const { return *std::max_element(distance, distance + depth); }
     bool mayStandAt(const char16_t* p) const {
         unsigned prefixes = 0xFF;
         for (std::size_t i = 0; i < depth; ++i) {
-            const std::uint8_t byte = byteOf(p[i]);
+            const std::uint8_t byte = byteOf(p[distance[i]]);
             prefixes &= low[i][byte & 0x0F] & static_cast<unsigned>(high[i][byte >> 4]);
         }
         return prefixes != 0;
@@ -78,7 +82,7 @@ const char16_t* findClass(const char16_t* p, const char16_t* end, const RE_Class
 /// Both units of the probe stand at their distances. Units up to `end` plus the larger distance must be readable.
 const char16_t* findProbe(const char16_t* p, const char16_t* end, const RE_Literal_Probe& probe);
 
-/// A prefix may stand there. Units up to `end` plus the depth less one must be readable.
+/// A prefix may stand there. Units up to `end` plus the reach must be readable.
 const char16_t* findPrefix(const char16_t* p, const char16_t* end, const RE_Prefix_Scan& scan);
 
 // The last position in [p, end) that counts, or null.

@@ -4,6 +4,7 @@
 #include "regexp/memory.h"
 
 #include <boost/container/flat_map.hpp>
+#include <boost/container/small_vector.hpp>
 #include <compare>
 #include <cstddef>
 #include <functional>
@@ -53,7 +54,8 @@ public:
     std::size_t size() const { return answers.size(); }
 
 private:
+    using Answer = std::pair<RE_Seek_Key, RE_Seek_Value>;
     boost::container::flat_map<RE_Seek_Key, RE_Seek_Value, std::less<RE_Seek_Key>,
-                               RE_Allocator<std::pair<RE_Seek_Key, RE_Seek_Value>>>
+                               boost::container::small_vector<Answer, 2, RE_Allocator<Answer>>>
         answers;
 };

@@ -1,0 +1,78 @@
+// Which start finder a pattern gets, and that it passes no match over.
+#include "tests/support/engine_run.h"
+#include "tests/support/text.h"
+
+#include "regexp/regexp.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+namespace corvane_tests {
+namespace {
+
+struct Case {
+    const char16_t* pattern;
+    RE_Flags flags;
+    const char* finder;
+};
+
+const Case kCases[] = {
+    {u"^ab", 0x12, "anchored"},
+    {u"^\\w+", 0x14, "anchored"},
+    {u"(ab)c?", 0x12, "literal"},
+    {u"\\<ab", 0x13, "literal"},
+    {u"(?<!\\w)ab(?!\\w)", 0x12, "literal"},
+    {u"(?<=ab)\\w+", 0x12, "literal behind"},
+    {u"(?<==)\\d+", 0x12, "literal behind"},
+    {u"\\w+\\s+abcd", 0x12, "required literal"},
+    {u"\\w*q\\w", 0x12, "required literal"},
+    {u"(\\w+)=(\\w*)", 0x12, "required literal"},
+    {u"(?:\\w|-)+?@(?:a|b)", 0x13, "required literal"},
+    {u".*xyz", 0x10, "required literal"},
+    {u"(?>a|\\w)+(?:x|y)?qz$", 0x12, "required literal"},
+    {u"\\d{4}-\\d\\d", 0x12, "prefixes"},
+    {u"ab|cd|ef|x\\d", 0x12, "prefixes"},
+    {u"that|with|have|\u0448\u0435", 0x13, "prefixes"},
+    {u"(?:[a-c]z)+|yz{2,}", 0x12, "prefixes"},
+    {u"\\w+", 0x12, "first units"},
+    {u"[ab]+c?", 0x12, "first units"},
+    {u"\\w+(?=,)", 0x12, "first units"},
+    {u"[^x]", 0x12, "none"},
+    {u"a*", 0x32, "none"},
+};
+
+// Texts of the units that the patterns are about, so that what nearly matches is frequent.
+std::u16string textFor(std::mt19937& random, const std::u16string& units) {
+    std::u16string text(random() % 90, u' ');
+    for (char16_t& unit : text) {
+        unit = random() % 4 == 0 ? units[random() % units.size()] : u"abcd xyz=@q-1\n\u0448\u0435"[random() % 16];
+    }
+    return text;
+}
+
+TEST(StartFinders, AreChosenInOrderAndPassNoMatchOver) {
+    std::mt19937 random(7);
+    for (const Case& c : kCases) {
+        const Engine fast(c.pattern, c.flags);
+        EXPECT_STREQ(c.finder, nameOf(fast.tree().getFacts().startFinder)) << printable(c.pattern);
+        const Engine plain(c.pattern, c.flags, {.linearSubpatterns = false, .dotStar = false});
+        for (int round = 0; round < 300; ++round) {
+            const std::u16string text = textFor(random, c.pattern);
+            const size_t offset = random() % (text.size() + 1);
+            ASSERT_EQ(plain.search(text, offset), fast.search(text, offset)) << printable(c.pattern) << printable(text);
+        }
+    }
+}
+
+// A run of units that may stand before a literal is tried from each of its positions; the literal is found once.
+TEST(StartFinders, LookForARequiredLiteralOnce) {
+    const RE_Tree tree(u"\\w+?=\\d", false);
+    const std::u16string text = std::u16string(20'000, u'a') + u"=b";
+    RE_Search_Report report;
+    EXPECT_EQ(nullptr, tree.match(text.data(), text.size(), 0, {}, report));
+    EXPECT_GT(1'000'000u, report.steps);
+}
+
+}  // namespace
+}  // namespace corvane_tests
