@@ -53,6 +53,10 @@ inline const RE_Node* visitDirectly(const RE_Node* node, std::size_t& pos, RE_Se
             return visitLeaf<RE_Start_Token>(node, pos, info);
         case RE_Node_Kind::endToken:
             return visitLeaf<RE_End_Token>(node, pos, info);
+        case RE_Node_Kind::matchToken: {
+            const auto& token = static_cast<const RE_Match_Token&>(*node);
+            return token.RE_Match_Token::match(info.subjectBegin, pos, info) ? token.nextNode : token.failTarget;
+        }
         case RE_Node_Kind::passage:
         case RE_Node_Kind::end:
         case RE_Node_Kind::other:

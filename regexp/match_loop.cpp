@@ -37,6 +37,9 @@ const RE_Node* takeUp(const RE_Node* chooser, const RE_Backtrack_Record& record,
 /// Takes up the most recent choice of the innermost body, or ends that body. Null when the whole run has failed.
 template <class Watch>
 const RE_Node* backtrack(RE_Search_Info& info, std::size_t& pos, std::size_t floor, Watch& watch) {
+    if (info.backtrack.top < info.backtrack.base && info.bodies.size() == floor) {
+        return nullptr;
+    }
     for (;;) {
         const RE_Node* node = nullptr;
         watch.begin(pos);

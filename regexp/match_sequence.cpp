@@ -26,6 +26,13 @@ RE_Search_Info RE_Match_Sequence::freshState(std::u16string_view subject) {
                           &table, false);
 }
 
+void RE_Match_Sequence::use(std::u16string_view subject) {
+    view.reset();
+    memoryFull = false;
+    table.clear();
+    info.useSubject(subject.data() != nullptr ? subject.data() : u"", subject.size());
+}
+
 RE_Results* RE_Match_Sequence::find(std::size_t offset) {
     if (!watchesMemory) {
         return search(offset);

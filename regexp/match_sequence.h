@@ -22,6 +22,9 @@ public:
     RE_Match_Sequence(const RE_Tree& pattern, std::u16string_view subject,
                       const RE_Search_Limits* searchLimits = nullptr);
 
+    /// Goes on with another subject, as a sequence made anew would, without giving storage back. Results that were seen
+    /// are gone. For many short subjects.
+    void use(std::u16string_view subject);
     /// The leftmost match at or behind `offset`, which lies between the end of the match found before and the subject's
     /// length; null when there is none, the host asked to stop or a limit was met: then the sequence is over. A view
     /// of the search state, good until the next call.

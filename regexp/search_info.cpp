@@ -61,6 +61,19 @@ void RE_Search_Info::carryMemoOver(std::size_t end) {
     }
 }
 
+// What is known of the old subject is forgotten. The graph stays.
+void RE_Search_Info::useSubject(const char16_t* subject, std::size_t length) {
+    subjectBegin = subject;
+    subjectEnd = subject + length;
+    matchStart = nullptr;
+    stopped = RE_Search_Outcome::noMatch;
+    steps = 1;
+    runs.clear();
+    barren.clear();
+    memo.reset();
+    memoCountdown = length * RE_Memo_Delay::perUnit + RE_Memo_Delay::choices + 1;
+}
+
 void RE_Search_Info::prepare(const RE_Graph_Facts& graphFacts) {
     facts = &graphFacts;
     profile.reset();

@@ -88,6 +88,7 @@ public:
 
     /// Makes room for what the graph about to run needs. Called before every run; cheap when nothing changes.
     void prepare(const RE_Graph_Facts& graphFacts);
+    void useSubject(const char16_t* subject, std::size_t length);
     void resetForStart(const char16_t* p);
     /// Makes ready for a search behind a match that this state found and that ended at index `end`, with the same
     /// graph. Storage is kept.

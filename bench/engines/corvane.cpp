@@ -58,9 +58,10 @@ public:
 
     std::optional<Answer> countLines(const Text& text) override {
         Answer answer;
+        RE_Match_Sequence search(m_tree, {});
         for (const Line& line : text.lines) {
-            const std::unique_ptr<RE_Results> match(m_tree.match(line.units.data(), line.units.size(), 0));
-            answer.count += match ? 1U : 0U;
+            search.use(line.units);
+            answer.count += search.find(0) != nullptr ? 1U : 0U;
         }
         return answer;
     }

@@ -37,6 +37,7 @@ enum class RE_Node_Kind : std::uint8_t {
     split,
     startToken,
     endToken,
+    matchToken,
     passage  ///< matches everywhere and consumes nothing
 };
 

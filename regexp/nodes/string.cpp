@@ -4,6 +4,7 @@
 #include "regexp/nodes/units.h"
 #include "regexp/parser/parser_context.h"
 
+#include <cstring>
 #include <utility>
 
 RE_String::RE_String(RE_ParserContext& context, const RE_Node& first, bool foldCase)
@@ -24,15 +25,6 @@ void RE_String::append(char16_t unit) {
         capacity = larger;
     }
     text[length++] = unit;
-}
-
-bool RE_String::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {
-    const char16_t* const p = subject + pos;
-    if (static_cast<std::uint64_t>(info.subjectEnd - p) < length || !matchesAt(p)) {
-        return false;
-    }
-    pos += length;
-    return true;
 }
 
 void RE_String::initSeek() {

@@ -12,7 +12,14 @@ public:
     ~RE_String() override;
 
     void append(char16_t unit);
-    bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
+    bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override {
+        const char16_t* const p = subject + pos;
+        if (static_cast<std::uint64_t>(info.subjectEnd - p) < length || !matchesAt(p)) {
+            return false;
+        }
+        pos += length;
+        return true;
+    }
     std::uint64_t width() const override { return length; }
     bool canSeek(bool) const override { return true; }
     std::string label() const override;

@@ -2,10 +2,10 @@
 
 #include "regexp/nodes/label_text.h"
 #include "regexp/search_info.h"
+#include "regexp/seek/literal_search.h"
 #include "regexp/unit_set.h"
 
 #include <algorithm>
-#include <cstring>
 #include <string_view>
 
 // A token node only brackets what follows, so a seek looks through it; through one only, since groups may nest deeply.
@@ -34,16 +34,6 @@ void RE_Start_Token::prepareTokens(RE_Token_Names& names) const {
     }
 }
 
-bool RE_Start_Token::match(const char16_t*, std::size_t& pos, RE_Search_Info& info) const {
-    info.noteTokenStart(number, pos);
-    return true;
-}
-
-bool RE_End_Token::match(const char16_t*, std::size_t& pos, RE_Search_Info& info) const {
-    info.recordToken(number, name, pos);
-    return true;
-}
-
 const RE_TokenInfo* RE_Token_Fail::token(const RE_Search_Info& info) const {
     return name != nullptr ? info.getToken(name) : info.getToken(number);
 }
@@ -61,7 +51,7 @@ bool RE_Match_Token::match(const char16_t* subject, std::size_t& pos, RE_Search_
     const char16_t* const text = subject + found->start;
     const char16_t* const p = subject + pos;
     if (!ignoreCase) {
-        if (std::memcmp(text, p, found->length * sizeof(char16_t)) != 0) {
+        if (!equalUnits(text, p, found->length)) {
             return false;
         }
     } else {

@@ -2,13 +2,12 @@
 #pragma once
 
 #include "regexp/nodes/node.h"
+#include "regexp/search_info.h"
 
 #include <string>
 #include <string_view>
 #include <unordered_set>
 #include <vector>
-
-struct RE_TokenInfo;
 
 /// The names of tokens, each once, in the order in which they are added.
 class RE_Token_Names {
@@ -54,7 +53,10 @@ public:
 class CORVANE_REGEXP_EXPORT RE_Start_Token : public RE_Token {
 public:
     using RE_Token::RE_Token;
-    bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
+    bool match(const char16_t*, std::size_t& pos, RE_Search_Info& info) const override {
+        info.noteTokenStart(number, pos);
+        return true;
+    }
     bool isStartToken() const override { return true; }
     void prepareTokens(RE_Token_Names& names) const override;
     std::string label() const override { return "Token start #" + std::to_string(number + 1); }
@@ -65,7 +67,10 @@ inline constexpr RE_Node_Kind kindOfNode<RE_Start_Token> = RE_Node_Kind::startTo
 class CORVANE_REGEXP_EXPORT RE_End_Token : public RE_Token {
 public:
     using RE_Token::RE_Token;
-    bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
+    bool match(const char16_t*, std::size_t& pos, RE_Search_Info& info) const override {
+        info.recordToken(number, name, pos);
+        return true;
+    }
     bool isEndToken() const override { return true; }
     std::string label() const override { return "Token end #" + std::to_string(number + 1); }
 };
@@ -107,6 +112,8 @@ public:
 
     bool ignoreCase;
 };
+template <>
+inline constexpr RE_Node_Kind kindOfNode<RE_Match_Token> = RE_Node_Kind::matchToken;
 
 /// Holds when the token is in effect and not empty. (A backreference to an empty token matches the empty text; a
 /// condition on one does not hold.)

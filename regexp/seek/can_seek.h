@@ -31,7 +31,7 @@ public:
 
 protected:
     /// Answers nearer than this are found again as fast as they are looked up.
-    static constexpr std::size_t worthKeeping = 256;
+    static constexpr std::size_t worthKeeping = 1024;
 
     virtual const char16_t* scan(const char16_t* p, RE_Search_Info&) const { return p; }
     virtual const char16_t* scanBack(const char16_t* p, std::size_t count, RE_Search_Info&) const {

@@ -1,7 +1,7 @@
 #include "regexp/seek/kernels.h"
 
 #include <bit>
-#include <cstring>
+#include <type_traits>
 
 // This file is compiled once for each instruction set: everything up to the end of the guarded part below.
 #undef HWY_TARGET_INCLUDE
@@ -23,11 +23,15 @@ HWY_INLINE Vector load(const char16_t* p) {
     return hn::LoadU(Lanes(), reinterpret_cast<const std::uint16_t*>(p));
 }
 
+template <std::size_t lanes>
+using Bits = std::conditional_t<
+    lanes <= 8, std::uint8_t,
+    std::conditional_t<lanes <= 16, std::uint16_t, std::conditional_t<lanes <= 32, std::uint32_t, std::uint64_t>>>;
+
+// What is read back is as wide as what was stored: the processor hands it over without waiting.
 HWY_INLINE std::uint64_t bitsOf(Mask mask) {
-    std::uint8_t bytes[8] = {};
-    hn::StoreMaskBits(Lanes(), mask, bytes);
-    std::uint64_t bits = 0;
-    std::memcpy(&bits, bytes, sizeof bits);
+    Bits<hn::MaxLanes(Lanes())> bits = 0;
+    hn::StoreMaskBits(Lanes(), mask, reinterpret_cast<std::uint8_t*>(&bits));
     return bits;
 }
 

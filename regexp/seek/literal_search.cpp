@@ -4,7 +4,6 @@
 #include "regexp/seek/likelihood.h"
 #include "regexp/seek/scan.h"
 
-#include <cstring>
 #include <optional>
 #include <string_view>
 
@@ -31,10 +30,7 @@ double pairLikelihood(const RE_Unit_Pair& units) {
 
 }  // namespace
 
-bool RE_Literal::matchesAt(const char16_t* p) const {
-    if (!ignoreCase) {
-        return std::memcmp(p, text, length * sizeof(char16_t)) == 0;
-    }
+bool RE_Literal::foldsTo(const char16_t* p) const {
     const RE_Case_Table& cases = RE_Case_Table::get();
     for (std::size_t i = 0; i < length; ++i) {
         if (cases.lower(p[i]) != text[i]) {

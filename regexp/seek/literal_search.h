@@ -4,8 +4,21 @@
 #include "regexp/seek/kernels.h"
 
 #include <cstddef>
+#include <cstring>
 
 class RE_Search_Info;
+
+/// Compares two texts of one length. Most texts of patterns are short, or differ at once.
+inline bool equalUnits(const char16_t* one, const char16_t* other, std::size_t length) {
+    static constexpr std::size_t few = 8;
+    const std::size_t first = length < few ? length : few;
+    for (std::size_t i = 0; i < first; ++i) {
+        if (one[i] != other[i]) {
+            return false;
+        }
+    }
+    return length <= few || std::memcmp(one + few, other + few, (length - few) * sizeof(char16_t)) == 0;
+}
 
 /// The text of a literal with its way of comparing. Does not own the text.
 struct RE_Literal {
@@ -13,7 +26,12 @@ struct RE_Literal {
     std::size_t length;    ///< at least 1
     bool ignoreCase;
 
-    bool matchesAt(const char16_t* p) const;
+    bool matchesAt(const char16_t* p) const {
+        return ignoreCase ? foldsTo(p) : equalUnits(p, text, length);
+    }
+
+private:
+    bool foldsTo(const char16_t* p) const;
 };
 
 /// How to look for a literal. Holds no text, so it may be made before the literal has found its place.
