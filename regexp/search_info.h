@@ -120,6 +120,9 @@ public:
     RE_Backtrack_Record* popChoice();
     /// Leaves a choice without asking the memo, with a word of the node's own beside it.
     void pushRecord(const RE_Node* node, const char16_t* position, std::size_t word);
+    /// Notes that a node left no choice, as one way only was open there. It counts towards the beginning of the memo: a
+    /// loop without choices is gone through from each start again.
+    void spareChoice() { countTowardsMemo(); }
     /// The word beside the record that was just popped.
     std::size_t poppedWord() const;
     /// Whether `node` has not yet been tried at this position in this state; records it. Always true while the memo
@@ -236,8 +239,8 @@ public:
     bool rejectEmpty = false;
     mutable RE_Step_Meter meter;  ///< no part of the state that nodes see
 
-    /// Has the match loop go on at `target` when the node that calls this fails, in place of its fail target; null is a
-    /// dead end, since the state itself is exhausted.
+    /// Has the match loop go on at `target` in place of the next node, or of the fail target when the node that calls
+    /// this fails; null is a dead end, since the state itself is exhausted.
     void redirect(const RE_Node* target) {
         redirected = true;
         redirection = target;
@@ -264,6 +267,11 @@ private:
 
     bool passCheckpoint();
     void beginMemo();
+    void countTowardsMemo() {
+        if (memo == nullptr && --memoCountdown == 0 && facts != nullptr) {
+            beginMemo();
+        }
+    }
     bool refuse() {
         ++refusals;
         return false;
@@ -287,7 +295,7 @@ private:
     RE_Search_Outcome stopped = RE_Search_Outcome::noMatch;
     std::uint32_t refusedTexts = 0;  ///< in the current attempt
 
-    /// The memo begins once this many choices have been taken up again: most searches never pay for it.
+    /// The memo begins once this many choices have been taken up again or spared: most searches never pay for it.
     std::uint64_t memoCountdown;
     std::unique_ptr<RE_Search_Memo> memo;
     std::unique_ptr<RE_Search_Memo> idleMemo;  ///< empty; for a later search that needs one

@@ -34,6 +34,8 @@ enum class RE_Node_Kind : std::uint8_t {
     string,
     run,
     split,
+    dispatch,
+    literalSet,
     startToken,
     endToken,
     passage  ///< matches everywhere and consumes nothing

@@ -29,6 +29,8 @@ private:
     void follow(RE_Node* node);
     void visit(RE_Node* node);
     void followWays(RE_Node* node);
+    bool visitConsuming(RE_Node* node);
+    void visitOther(RE_Node* node);
     void addFirst(const RE_String& string);
 
     std::vector<RE_Node*, RE_Allocator<RE_Node*>> pending;

@@ -32,8 +32,6 @@ const CompileOptions& configured(CompileOptions& options, const EngineConfig& co
     return options;
 }
 
-}  // namespace
-
 Outcome toOutcome(const RE_Results* results) {
     if (!results) {
         return {};

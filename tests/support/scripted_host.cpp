@@ -95,7 +95,7 @@ ScriptedRun::ScriptedRun(std::u16string_view pattern, HostJournal& journal, RE_F
       m_tree(pattern.data(), pattern.size(), flags, &m_host) {}
 
 Outcome ScriptedRun::outcome(std::u16string_view subject) const {
-    return toOutcome(std::unique_ptr<RE_Results>(m_tree.match(subject.data(), subject.size(), 0)));
+    return toOutcome(std::unique_ptr<RE_Results>(m_tree.match(subject.data(), subject.size(), 0)).get());
 }
 
 std::string ScriptedRun::search(std::u16string_view subject) {
