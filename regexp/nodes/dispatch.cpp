@@ -4,11 +4,24 @@
 
 #include <map>
 
+namespace {
+
+const RE_Unit_Set& unitsBehindTable() {
+    static const RE_Unit_Set units = [] {
+        RE_Unit_Set set;
+        set.addRange(RE_Branch_Start::tableUnits, 0xFFFF);
+        return set;
+    }();
+    return units;
+}
+
+}  // namespace
+
 void RE_Branch_Start::addAll(const RE_Unit_Set& units) {
     for (std::size_t unit = 0; unit < tableUnits; ++unit) {
         column[unit] = column[unit] || units.contains(static_cast<char16_t>(unit));
     }
-    column[others] = column[others] || units.sizeFrom(tableUnits) > 0;
+    column[others] = column[others] || units.meets(unitsBehindTable());
 }
 
 RE_Dispatch::RE_Dispatch(RE_ParserContext& context, const Branches& branches) : RE_Node(context) {

@@ -1,15 +1,18 @@
 #include "regexp/passes/alternations.h"
 
 #include "regexp/nodes/collection.h"
+#include "regexp/nodes/consume.h"
 #include "regexp/nodes/dispatch.h"
 #include "regexp/nodes/literal_set.h"
 #include "regexp/nodes/split.h"
+#include "regexp/nodes/string.h"
+#include "regexp/nodes/units.h"
 #include "regexp/passes/branch_literals.h"
 #include "regexp/passes/first_units.h"
 #include "regexp/passes/null_nodes.h"
 
 #include <algorithm>
-#include <ranges>
+#include <optional>
 #include <unordered_set>
 #include <vector>
 
@@ -46,8 +49,44 @@ std::vector<RE_Split*> firstSplits(const RE_Collection& graph) {
     return first;
 }
 
+/// The units that a node begins with, where it has them at hand.
+const RE_Unit_Set* knownUnits(const RE_Node* node) {
+    if (const auto* set = dynamic_cast<const RE_Literal_Set*>(node)) {
+        return set->firstUnits.get();
+    }
+    if (const auto* loop = dynamic_cast<const RE_Consume*>(node)) {
+        return loop->minimum > 0 ? loop->units.get() : nullptr;
+    }
+    const auto* const members = dynamic_cast<const RE_Unit_Class*>(node);
+    return members != nullptr && !members->hasFailNode() ? members->set.get() : nullptr;
+}
+
+/// The unit that a literal begins with, where no other will do.
+std::optional<char16_t> soleFirstUnit(const RE_Node* node) {
+    if (const auto* string = dynamic_cast<const RE_String*>(node)) {
+        return string->ignoreCase ? std::nullopt : std::optional(string->text[0]);
+    }
+    const auto* const unit = dynamic_cast<const RE_Natural*>(node);
+    const bool sole =
+        unit != nullptr && !unit->hasFailNode() && dynamic_cast<const RE_Natural_I*>(unit) == nullptr;
+    return sole ? std::optional(static_cast<char16_t>(unit->ch)) : std::nullopt;
+}
+
+// Most branches begin with a node that says it all.
 RE_Branch_Start startOf(RE_Node* branch) {
     RE_Branch_Start start;
+    RE_Node* leading = branch;
+    while (leading->isStartToken()) {
+        leading = leading->nextNode;
+    }
+    if (const RE_Unit_Set* const units = knownUnits(leading)) {
+        start.addAll(*units);
+        return start;
+    }
+    if (const std::optional<char16_t> unit = soleFirstUnit(leading)) {
+        start.add(*unit);
+        return start;
+    }
     RE_First_Units first;
     if (first.gather(branch, mostNodesOfBranch) && !first.mayBeEmpty && !first.endsBody) {
         start.addAll(*first.units);
@@ -162,7 +201,11 @@ RE_Node* joinAlternations(RE_ParserContext& context, RE_Node* root) {
     }
     {
         const RE_Collection graph(root);
-        for (RE_Split* split : firstSplits(graph)) {
+        const std::vector<RE_Split*> splits = firstSplits(graph);
+        if (splits.empty()) {
+            return root;
+        }
+        for (RE_Split* split : splits) {
             Alternation(context, split).rewrite();
         }
     }
