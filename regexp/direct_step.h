@@ -3,6 +3,8 @@
 #pragma once
 
 #include "regexp/nodes/consume.h"
+#include "regexp/nodes/dispatch.h"
+#include "regexp/nodes/literal_set.h"
 #include "regexp/nodes/split.h"
 #include "regexp/nodes/string.h"
 #include "regexp/nodes/tokens.h"
@@ -49,6 +51,10 @@ inline const RE_Node* visitDirectly(const RE_Node* node, std::size_t& pos, RE_Se
             return visitLeaf<RE_Consume>(node, pos, info);
         case RE_Node_Kind::split:
             return visitLeaf<RE_Split>(node, pos, info);
+        case RE_Node_Kind::dispatch:
+            return static_cast<const RE_Dispatch*>(node)->choose(pos, info);
+        case RE_Node_Kind::literalSet:
+            return visitLeaf<RE_Literal_Set>(node, pos, info);
         case RE_Node_Kind::startToken:
             return visitLeaf<RE_Start_Token>(node, pos, info);
         case RE_Node_Kind::endToken:

@@ -7,13 +7,13 @@
 
 namespace {
 
-/// Where to go on after a node that was visited: the way that it named itself, if it did.
-const RE_Node* afterVisit(const RE_Node* node, bool matched, RE_Search_Info& info) {
+/// Where to go on after a node: `way`, unless the node named another one.
+const RE_Node* orRedirected(const RE_Node* way, RE_Search_Info& info) {
     if (info.redirected) {
         info.redirected = false;
         return info.redirection;
     }
-    return matched ? node->next() : node->failNode();
+    return way;
 }
 
 template <class Watch>
@@ -28,10 +28,14 @@ const RE_Node* endBody(RE_Search_Info& info, bool completed, std::size_t& pos, W
 template <class Watch>
 const RE_Node* takeUp(const RE_Node* chooser, const RE_Backtrack_Record& record, std::size_t& pos,
                       RE_Search_Info& info) {
-    if (!Watch::watches && chooser->kind == RE_Node_Kind::split) {
-        return static_cast<const RE_Split*>(chooser)->RE_Split::resume(record, pos, info);
+    switch (Watch::watches ? RE_Node_Kind::other : chooser->kind) {
+        case RE_Node_Kind::split:
+            return static_cast<const RE_Split*>(chooser)->RE_Split::resume(record, pos, info);
+        case RE_Node_Kind::dispatch:
+            return static_cast<const RE_Dispatch*>(chooser)->RE_Dispatch::resume(record, pos, info);
+        default:
+            return chooser->resume(record, pos, info);
     }
-    return chooser->resume(record, pos, info);
 }
 
 /// Takes up the most recent choice of the innermost body, or ends that body. Null when the whole run has failed.
@@ -71,8 +75,11 @@ Visit visit(const RE_Node* node, RE_Search_Info& info, std::size_t& pos, std::si
     watch.begin(pos);
     const bool matched = node->match(info.subjectBegin, pos, info);
     watch.stepped(node, pos, matched);
-    if (!matched || !node->isEnd()) {
-        return {afterVisit(node, matched, info)};
+    if (!matched) {
+        return {orRedirected(node->failNode(), info)};
+    }
+    if (!node->isEnd()) {
+        return {orRedirected(node->next(), info)};
     }
     if (const RE_Node* text = node->includedText(info)) {
         return {text};

@@ -29,9 +29,7 @@ RE_Backtrack_Record* RE_Search_Info::popChoice() {
         if (pollInterrupt()) {
             return nullptr;
         }
-        if (memo == nullptr && --memoCountdown == 0 && facts != nullptr) {
-            beginMemo();
-        }
+        countTowardsMemo();
         RE_Backtrack_Record* record = &backtrack.records[slot];
         undoTo(backtrack.marks[slot].trailHeight);
         if (tokens != nullptr) {

@@ -130,6 +130,9 @@ public:
     RE_Backtrack_Record* popChoice();
     /// Leaves a choice without asking the memo, with a word of the node's own beside it.
     void pushRecord(const RE_Node* node, const char16_t* position, std::size_t word);
+    /// Notes that a node left no choice, as one way only was open there. It counts towards the beginning of the memo: a
+    /// loop without choices is gone through from each start again.
+    void spareChoice() { countTowardsMemo(); }
     /// The word beside the record that was just popped.
     std::size_t poppedWord() const;
     /// Whether `node` has not yet been tried at this position in this state; records it. Always true while the memo
@@ -275,6 +278,11 @@ private:
     void forgetAttempt();
     bool passCheckpoint();
     void beginMemo();
+    void countTowardsMemo() {
+        if (memo == nullptr && --memoCountdown == 0 && facts != nullptr) {
+            beginMemo();
+        }
+    }
     bool refuse() {
         ++refusals;
         return false;
@@ -298,7 +306,7 @@ private:
     std::int32_t scopes = 0;
     RE_Search_Outcome stopped = RE_Search_Outcome::noMatch;
 
-    /// The memo begins once this many choices have been taken up again: most searches never pay for it.
+    /// The memo begins once this many choices have been taken up again or spared: most searches never pay for it.
     std::uint64_t memoCountdown;
     std::unique_ptr<RE_Search_Memo> memo;
     std::unique_ptr<RE_Search_Memo> idleMemo;  ///< empty; for a later search that needs one

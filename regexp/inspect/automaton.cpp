@@ -5,6 +5,7 @@
 #include "regexp/nodes/closed_body.h"
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/counters.h"
+#include "regexp/nodes/literal_set.h"
 #include "regexp/nodes/loop_pass.h"
 #include "regexp/nodes/string.h"
 #include "regexp/nodes/tokens.h"
@@ -29,14 +30,42 @@ RE_Unit_Set unitsOf(const RE_Consumable& node) {
     return set;
 }
 
-RE_Unit_Set unitsAt(const RE_String& string, std::size_t index) {
+RE_Unit_Set unitsFor(char16_t unit, bool ignoreCase) {
     RE_Unit_Set set;
-    if (string.ignoreCase) {
-        RE_Case_Table::get().addFolding(set, string.text[index], string.text[index], false);
+    if (ignoreCase) {
+        RE_Case_Table::get().addFolding(set, unit, unit, false);
     } else {
-        set.add(string.text[index]);
+        set.add(unit);
     }
     return set;
+}
+
+/// The literals that stand at a node, one of which it matches.
+struct Literals {
+    std::vector<std::u16string_view> texts;
+    bool ignoreCase = false;
+
+    std::size_t units() const {
+        std::size_t all = 0;
+        for (const std::u16string_view text : texts) {
+            all += text.size();
+        }
+        return all;
+    }
+};
+
+Literals literalsOf(const RE_Node* node) {
+    if (const auto* string = dynamic_cast<const RE_String*>(node)) {
+        return {{{string->text, string->length}}, string->ignoreCase};
+    }
+    Literals found;
+    if (const auto* set = dynamic_cast<const RE_Literal_Set*>(node)) {
+        for (std::size_t i = 0; i < set->literals.count(); ++i) {
+            found.texts.push_back(set->literals.text(i));
+        }
+        found.ignoreCase = set->literals.ignoresCase();
+    }
+    return found;
 }
 
 /// How little a unit is suited as an example of many.
@@ -49,26 +78,6 @@ int strangeness(char16_t unit) {
         return 1;
     }
     return unit == u' ' ? 2 : (unit >= 0xA0 && unit < 0xD800 ? 3 : 4);
-}
-
-const RE_Node* throughPass(const RE_Node* node) {
-    const auto* pass = dynamic_cast<const RE_Start_Pass*>(node);
-    return pass != nullptr ? pass->nextNode : node;
-}
-
-/// Whether the optional passes of a counted loop, behind its required ones, run the same body. Then one loop over that
-/// body is all there is to say.
-bool sharesBody(const RE_Fixed_Counter& fixed) {
-    const auto* const optional = dynamic_cast<const RE_Split*>(fixed.doneNode);
-    const RE_Node* const body = throughPass(fixed.nextNode);
-    return optional != nullptr &&
-           (throughPass(optional->nextNode) == body || throughPass(optional->alternative) == body);
-}
-
-bool isTest(const RE_Node* node) {
-    return dynamic_cast<const RE_Anchor*>(node) != nullptr ||
-           dynamic_cast<const RE_Token_Assertion*>(node) != nullptr ||
-           dynamic_cast<const RE_Lookaround_Assertion*>(node) != nullptr;
 }
 
 struct Targets : RE_Link_Visitor {
@@ -84,6 +93,26 @@ std::vector<RE_Node*> waysOf(RE_Node* node) {
     Targets targets;
     node->visitLinks(targets);
     return targets.nodes;
+}
+
+const RE_Node* throughPass(const RE_Node* node) {
+    const auto* pass = dynamic_cast<const RE_Start_Pass*>(node);
+    return pass != nullptr ? pass->nextNode : node;
+}
+
+/// Whether the optional passes of a counted loop, behind its required ones, run the same body. Then one loop over that
+/// body is all there is to say.
+bool sharesBody(const RE_Fixed_Counter& fixed) {
+    const RE_Node* const body = throughPass(fixed.nextNode);
+    return fixed.doneNode->isBranching() &&
+           std::ranges::any_of(waysOf(fixed.doneNode),
+                               [body](const RE_Node* way) { return throughPass(way) == body; });
+}
+
+bool isTest(const RE_Node* node) {
+    return dynamic_cast<const RE_Anchor*>(node) != nullptr ||
+           dynamic_cast<const RE_Token_Assertion*>(node) != nullptr ||
+           dynamic_cast<const RE_Lookaround_Assertion*>(node) != nullptr;
 }
 
 }  // namespace
@@ -136,10 +165,12 @@ void RE_Automaton::findLetters(const RE_Tree& tree) {
         if (unit != nullptr && unit->isSingleUnit()) {
             splitLetters(unitsOf(*unit));
         }
-        const auto* const string = dynamic_cast<const RE_String*>(node);
-        for (std::size_t i = 0; string != nullptr && i < string->length; ++i) {
-            if (seen.insert({string->text[i], string->ignoreCase}).second) {
-                splitLetters(unitsAt(*string, i));
+        const Literals literals = literalsOf(node);
+        for (const std::u16string_view text : literals.texts) {
+            for (const char16_t at : text) {
+                if (seen.insert({at, literals.ignoreCase}).second) {
+                    splitLetters(unitsFor(at, literals.ignoreCase));
+                }
             }
         }
         complete = complete && examples.size() <= RE_Letters().size();
@@ -275,10 +306,14 @@ bool RE_Automaton::visitConsuming(std::size_t from, const Way& way) {
         follow({nullptr, way.allowed & ~own, way.passes, true}, unit->failTarget);
         return true;
     }
-    if (auto* string = dynamic_cast<RE_String*>(way.node)) {
-        const std::vector<std::size_t>& own = statesOf(string, string->length);
-        if (complete) {
-            addEdge(from, own[0], lettersOf(unitsAt(*string, 0)) & way.allowed);
+    if (const Literals literals = literalsOf(way.node); !literals.texts.empty()) {
+        const std::vector<std::size_t>& own = statesOf(way.node, literals.units());
+        std::size_t first = 0;
+        for (const std::u16string_view text : literals.texts) {
+            if (complete) {
+                addEdge(from, own[first], lettersOf(unitsFor(text[0], literals.ignoreCase)) & way.allowed);
+            }
+            first += text.size();
         }
         return true;
     }
@@ -350,9 +385,17 @@ void RE_Automaton::addUnknown(std::size_t from, const Way& way) {
 void RE_Automaton::continueBehind(RE_Node* node, const std::vector<std::size_t>& own, std::size_t index) {
     const std::size_t from = own[index];
     Way behind{node->nextNode, any, 0, false};
-    if (auto* string = dynamic_cast<RE_String*>(node); string != nullptr && index + 1 < own.size()) {
-        addEdge(from, own[index + 1], lettersOf(unitsAt(*string, index + 1)));
-        return;
+    const Literals literals = literalsOf(node);
+    std::size_t within = index;  // the literal that the state is of
+    for (const std::u16string_view text : literals.texts) {
+        if (within + 1 < text.size()) {
+            addEdge(from, own[index + 1], lettersOf(unitsFor(text[within + 1], literals.ignoreCase)));
+            return;
+        }
+        if (within + 1 == text.size()) {
+            break;
+        }
+        within -= text.size();
     }
     if (auto* consume = dynamic_cast<RE_Consume*>(node)) {
         const bool isChain = consume->maximum <= longestChain;

@@ -35,6 +35,8 @@ enum class RE_Node_Kind : std::uint8_t {
     string,
     run,
     split,
+    dispatch,
+    literalSet,
     startToken,
     endToken,
     matchToken,

@@ -22,29 +22,21 @@ std::string StringStringSeeker::label() const {
     return "Seek text of " + std::to_string(string.length) + " units";
 }
 
-const char16_t* StringPrefixSeeker::scan(const char16_t* p, RE_Search_Info& info) const {
-    const std::size_t reach = prefixes.reach();
+const char16_t* StringWindowSeeker::scan(const char16_t* p, RE_Search_Info& info) const {
+    const std::size_t reach = filter.width() - 1;
     if (static_cast<std::size_t>(info.subjectEnd - p) <= reach) {
         return nullptr;
     }
-    return scanForward(p, info.subjectEnd - reach, info, [this](const char16_t* at, const char16_t* stop) {
-        return findPrefix(at, stop, prefixes);
+    return scanForward(p, info.subjectEnd - reach, info, [&](const char16_t* at, const char16_t* stop) {
+        return filter.find(at, stop, info.subjectEnd);
     });
 }
 
-std::string StringPrefixSeeker::label() const {
-    return "Seek prefixes by " + std::to_string(prefixes.depth) + " units";
-}
-
 const char16_t* StringBehindSeeker::scan(const char16_t* p, RE_Search_Info& info) const {
-    const std::size_t length = required.text.size();
+    const std::size_t length = finder.length();
     const char16_t* const from = info.indexOf(p) > length ? p - length : info.subjectBegin;
-    const char16_t* const found = search.find(required.literal(), from, info);
+    const char16_t* const found = finder.find(from, info);
     return found != nullptr ? found + length : nullptr;
-}
-
-std::string StringBehindSeeker::label() const {
-    return "Seek behind text of " + std::to_string(required.text.size()) + " units";
 }
 
 StringInnerSeeker::StringInnerSeeker(RE_ParserContext& context, RE_Required_Literal literal,
@@ -52,14 +44,9 @@ StringInnerSeeker::StringInnerSeeker(RE_ParserContext& context, RE_Required_Lite
     : RE_Seeker(context),
       required(std::move(literal)),
       first(std::move(firstUnits)),
-      search(required.search()),
       outside(*required.before, false),
       starts(*first, true) {
     memoIndex = context.nextMemoRow();
-}
-
-std::string StringInnerSeeker::label() const {
-    return "Seek text of " + std::to_string(required.text.size()) + " units within";
 }
 
 // The positions from `p` on from which the next literal can be reached over units that may stand before it. They are
@@ -72,7 +59,7 @@ bool StringInnerSeeker::stretchFrom(const char16_t* p, RE_Search_Info& info, Str
     if (static_cast<std::uint64_t>(info.subjectEnd - p) < required.leastBefore) {
         return false;
     }
-    const char16_t* const place = search.find(required.literal(), p + required.leastBefore, info);
+    const char16_t* const place = required.finder.find(p + required.leastBefore, info);
     if (place == nullptr) {
         return false;
     }

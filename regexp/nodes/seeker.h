@@ -7,6 +7,7 @@
 #include "regexp/seek/can_seek.h"
 #include "regexp/seek/kernels.h"
 #include "regexp/seek/required_literal.h"
+#include "regexp/seek/window_filter.h"
 #include "regexp/unit_set.h"
 
 #include <memory>
@@ -59,31 +60,44 @@ inline constexpr RE_Node_Kind kindOfNode<StringStringSeeker> = RE_Node_Kind::pas
 /// Finds positions at which the first units of a match may stand, several places looked at together.
 class CORVANE_REGEXP_EXPORT StringPrefixSeeker : public RE_Seeker {
 public:
-    StringPrefixSeeker(RE_ParserContext& context, const RE_Prefix_Scan& scan) : RE_Seeker(context), prefixes(scan) {}
-    std::string label() const override;
+    StringPrefixSeeker(RE_ParserContext& context, RE_Text_Finder prefixes)
+        : RE_Seeker(context), finder(std::move(prefixes)) {}
+    std::string label() const override { return "Seek " + finder.label(); }
 
-    RE_Prefix_Scan prefixes;
+    RE_Text_Finder finder;
+
+protected:
+    const char16_t* scan(const char16_t* p, RE_Search_Info& info) const override { return finder.find(p, info); }
+};
+template <>
+inline constexpr RE_Node_Kind kindOfNode<StringPrefixSeeker> = RE_Node_Kind::passage;
+
+/// Finds positions at which one of many literals may stand.
+class CORVANE_REGEXP_EXPORT StringWindowSeeker : public RE_Seeker {
+public:
+    StringWindowSeeker(RE_ParserContext& context, RE_Window_Filter windows)
+        : RE_Seeker(context), filter(std::move(windows)) {}
+    std::string label() const override { return "Seek windows of " + std::to_string(filter.width()) + " units"; }
+
+    RE_Window_Filter filter;
 
 protected:
     const char16_t* scan(const char16_t* p, RE_Search_Info& info) const override;
 };
 template <>
-inline constexpr RE_Node_Kind kindOfNode<StringPrefixSeeker> = RE_Node_Kind::passage;
+inline constexpr RE_Node_Kind kindOfNode<StringWindowSeeker> = RE_Node_Kind::passage;
 
 /// Finds positions behind a literal that has to stand before every match.
 class CORVANE_REGEXP_EXPORT StringBehindSeeker : public RE_Seeker {
 public:
-    StringBehindSeeker(RE_ParserContext& context, RE_Required_Literal literal)
-        : RE_Seeker(context), required(std::move(literal)), search(required.search()) {}
-    std::string label() const override;
+    StringBehindSeeker(RE_ParserContext& context, RE_Text_Finder literal)
+        : RE_Seeker(context), finder(std::move(literal)) {}
+    std::string label() const override { return "Seek behind " + finder.label(); }
 
-    RE_Required_Literal required;
+    RE_Text_Finder finder;
 
 protected:
     const char16_t* scan(const char16_t* p, RE_Search_Info& info) const override;
-
-private:
-    RE_Literal_Search search;
 };
 template <>
 inline constexpr RE_Node_Kind kindOfNode<StringBehindSeeker> = RE_Node_Kind::passage;
@@ -94,7 +108,7 @@ public:
     /// Every match starts with a unit of `firstUnits`.
     StringInnerSeeker(RE_ParserContext& context, RE_Required_Literal literal,
                       std::shared_ptr<const RE_Unit_Set> firstUnits);
-    std::string label() const override;
+    std::string label() const override { return "Seek within " + required.finder.label(); }
 
     RE_Required_Literal required;
     std::shared_ptr<const RE_Unit_Set> first;
@@ -110,7 +124,6 @@ private:
 
     bool stretchFrom(const char16_t* p, RE_Search_Info& info, Stretch& stretch) const;
 
-    RE_Literal_Search search;
     RE_Class_Scan outside;  ///< units that may not stand before the literal
     RE_Class_Scan starts;
 };

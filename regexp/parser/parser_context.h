@@ -37,7 +37,7 @@ public:
             node = new RE_Profile_Node<Node>(*this, std::forward<Arguments>(arguments)...);
         } else {
             node = new Node(*this, std::forward<Arguments>(arguments)...);
-            node->kind = kindOfNode<Node>;
+            static_cast<RE_Node*>(node)->kind = kindOfNode<Node>;
         }
         facts->nodes.back() = node;
         return node;

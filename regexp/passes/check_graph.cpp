@@ -6,8 +6,10 @@
 #include "regexp/nodes/collection.h"
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/counters.h"
+#include "regexp/nodes/dispatch.h"
 #include "regexp/nodes/trivial.h"
 
+#include <algorithm>
 #include <stdexcept>
 #include <string>
 
@@ -15,7 +17,7 @@ namespace {
 
 bool leadsOn(RE_Node* node) {
     if (dynamic_cast<RE_End_Of_Tree*>(node) != nullptr || dynamic_cast<RE_Counter_Popper*>(node) != nullptr ||
-        dynamic_cast<RE_Lazy_Decrementer*>(node) != nullptr) {
+        dynamic_cast<RE_Lazy_Decrementer*>(node) != nullptr || dynamic_cast<RE_Dispatch*>(node) != nullptr) {
         return true;
     }
     return node->nextNode != nullptr || node->failNode() != nullptr;
@@ -28,6 +30,9 @@ bool isComplete(RE_Node* node) {
     if (auto* split = dynamic_cast<RE_Split*>(node)) {
         const bool helper = node->isCounter && !node->isStateCounter();
         return helper || split->alternative != nullptr;
+    }
+    if (auto* dispatch = dynamic_cast<RE_Dispatch*>(node)) {
+        return dispatch->ways.size() > 1 && std::ranges::count(dispatch->ways, nullptr) == 0;
     }
     if (auto* start = dynamic_cast<RE_Start_Counter*>(node)) {
         return start->popper != nullptr && start->counter != nullptr;

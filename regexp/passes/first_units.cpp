@@ -3,6 +3,8 @@
 #include "regexp/nodes/anchors.h"
 #include "regexp/nodes/closed_body.h"
 #include "regexp/nodes/consume.h"
+#include "regexp/nodes/dispatch.h"
+#include "regexp/nodes/literal_set.h"
 #include "regexp/nodes/split.h"
 #include "regexp/nodes/string.h"
 #include "regexp/nodes/tokens.h"
@@ -26,17 +28,32 @@ void RE_First_Units::follow(RE_Node* node) {
 }
 
 void RE_First_Units::visit(RE_Node* node) {
+    if (!visitConsuming(node)) {
+        visitOther(node);
+    }
+}
+
+bool RE_First_Units::visitConsuming(RE_Node* node) {
     if (auto* unit = dynamic_cast<RE_Consumable*>(node); unit != nullptr && unit->isSingleUnit()) {
         unit->addUnitsTo(*units);
         follow(unit->failTarget);
     } else if (auto* string = dynamic_cast<RE_String*>(node)) {
         addFirst(*string);
+    } else if (auto* set = dynamic_cast<RE_Literal_Set*>(node)) {
+        units->addAll(*set->firstUnits);
     } else if (auto* consume = dynamic_cast<RE_Consume*>(node)) {
         units->addAll(*consume->units);
         if (consume->minimum == 0) {
             follow(consume->nextNode);
         }
-    } else if (auto* atomic = dynamic_cast<RE_Atomic*>(node)) {
+    } else {
+        return false;
+    }
+    return true;
+}
+
+void RE_First_Units::visitOther(RE_Node* node) {
+    if (auto* atomic = dynamic_cast<RE_Atomic*>(node)) {
         follow(atomic->body);
         if (atomic->bodyMinimum == 0) {
             follow(atomic->nextNode);
@@ -50,7 +67,9 @@ void RE_First_Units::visit(RE_Node* node) {
     } else if (!visitTest(node)) {
         const auto* const split = dynamic_cast<RE_Split*>(node);
         const bool never = node->isStartToken() || node->isEndToken() || node->isSkippable() ||
-                           dynamic_cast<RE_Null*>(node) != nullptr || (split != nullptr && !split->isCounter);
+                           dynamic_cast<RE_Null*>(node) != nullptr ||
+                           (split != nullptr && !split->isCounter) ||
+                           dynamic_cast<RE_Dispatch*>(node) != nullptr;
         tested = tested || !never;
         followWays(node);
     }

@@ -31,6 +31,8 @@ private:
     void visit(RE_Node* node);
     bool visitTest(RE_Node* node);
     void followWays(RE_Node* node);
+    bool visitConsuming(RE_Node* node);
+    void visitOther(RE_Node* node);
     void addFirst(const RE_String& string);
 
     std::vector<RE_Node*, RE_Allocator<RE_Node*>> pending;

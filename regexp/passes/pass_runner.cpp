@@ -1,5 +1,6 @@
 #include "regexp/passes/pass_runner.h"
 
+#include "regexp/passes/alternations.h"
 #include "regexp/passes/check_graph.h"
 #include "regexp/passes/dot_star.h"
 #include "regexp/passes/glances.h"
@@ -22,6 +23,7 @@ constexpr Pass passes[] = {
     {RE_Stage::null_nodes, &CompileOptions::optimizeNullNodes, removeNullNodes},
     {RE_Stage::linear, &CompileOptions::optimizeLinearSubpatterns, joinLinearSubpatterns},
     {RE_Stage::dot_star, &CompileOptions::optimizeDotStar, rewriteDotStar},
+    {RE_Stage::dot_star, &CompileOptions::optimizeLinearSubpatterns, joinAlternations},
     {RE_Stage::dot_star, &CompileOptions::optimizeDotStar, findGlances},
     {RE_Stage::dot_star, &CompileOptions::optimizeDotStar, makeLoopsPossessive},
     {RE_Stage::dot_star, &CompileOptions::optimizeDotStar, chooseStartFinder},

@@ -1,5 +1,7 @@
 #include "regexp/passes/prefix_scan.h"
 
+#include "regexp/nodes/dispatch.h"
+#include "regexp/nodes/literal_set.h"
 #include "regexp/nodes/split.h"
 #include "regexp/passes/prefix_units.h"
 #include "regexp/seek/likelihood.h"
@@ -7,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -14,28 +17,67 @@ namespace {
 
 constexpr std::size_t mostBranches = 64;
 
-// The first nodes of the alternatives, in order; the last of them stands for all that are too many.
-std::vector<RE_Node*> branchesFrom(RE_Node* root) {
-    std::vector<RE_Node*> branches;
-    std::vector<RE_Node*> pending{root};
-    while (!pending.empty()) {
-        RE_Node* node = pending.back();
-        pending.pop_back();
+/// One of the alternatives: a node, or a literal of a set of them.
+struct Branch {
+    RE_Node* node;
+    std::u16string_view text;
+    bool ignoreCase;
+
+    void gatherInto(RE_Prefix_Units& prefix, bool emptyCounts) const {
+        if (text.empty()) {
+            prefix.gather(node, emptyCounts);
+        } else {
+            prefix.gather(text, ignoreCase, node);
+        }
+    }
+};
+
+/// Takes the alternatives from the root on apart.
+class Branches {
+public:
+    std::vector<Branch> from(RE_Node* root) {
+        pending.push_back(root);
+        while (!pending.empty()) {
+            RE_Node* const node = leading(pending.back());
+            pending.pop_back();
+            take(node);
+        }
+        // Neighbours will share a prefix where there are too many.
+        std::stable_sort(found.begin(), found.end(), [](const Branch& a, const Branch& b) { return a.text < b.text; });
+        return std::move(found);
+    }
+
+private:
+    static RE_Node* leading(RE_Node* node) {
         while (node->isStartToken() || (node->isSkippable() && node->nextNode != nullptr)) {
             node = node->nextNode;
         }
+        return node;
+    }
+
+    void take(RE_Node* node) {
+        const std::size_t room = mostBranches - std::min(mostBranches, found.size() + pending.size());
         const auto* const split = dynamic_cast<const RE_Split*>(node);
-        const bool forks = split != nullptr && !split->isCounter && split->nextNode != nullptr &&
-                           split->alternative != nullptr && branches.size() + pending.size() < mostBranches;
-        if (forks) {
+        const auto* const dispatch = dynamic_cast<const RE_Dispatch*>(node);
+        const auto* const set = dynamic_cast<const RE_Literal_Set*>(node);
+        if (split != nullptr && !split->isCounter && split->nextNode != nullptr && split->alternative != nullptr &&
+            room >= 2) {
             pending.push_back(split->alternative);
             pending.push_back(split->nextNode);
+        } else if (dispatch != nullptr && room >= dispatch->ways.size()) {
+            pending.insert(pending.end(), dispatch->ways.begin(), dispatch->ways.end());
+        } else if (set != nullptr && room >= set->literals.count()) {
+            for (std::size_t i = 0; i < set->literals.count(); ++i) {
+                found.push_back({set->nextNode, set->literals.text(i), set->literals.ignoresCase()});
+            }
         } else {
-            branches.push_back(node);
+            found.push_back({node, {}, false});
         }
     }
-    return branches;
-}
+
+    std::vector<RE_Node*> pending;
+    std::vector<Branch> found;
+};
 
 /// The bytes that may stand at one place of one prefix.
 using Bytes = std::array<std::uint64_t, 4>;
@@ -157,13 +199,12 @@ private:
 }  // namespace
 
 std::optional<RE_Likely_Prefixes> prefixesFrom(RE_Node* root, bool emptyCounts) {
-    const std::vector<RE_Node*> branches = branchesFrom(root);
+    const std::vector<Branch> branches = Branches().from(root);
     std::vector<RE_Prefix_Units> prefixes(std::min(branches.size(), RE_Prefix_Scan::mostPrefixes));
     std::size_t known = RE_Prefix_Units::mostPlaces;
     for (std::size_t i = 0; i < branches.size(); ++i) {
-        // Neighbours share a prefix where there are too many.
         RE_Prefix_Units& prefix = prefixes[i * prefixes.size() / branches.size()];
-        prefix.gather(branches[i], emptyCounts);
+        branches[i].gatherInto(prefix, emptyCounts);
         known = std::min(known, prefix.known);
         if (known == 0) {
             return std::nullopt;

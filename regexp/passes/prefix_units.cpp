@@ -3,6 +3,7 @@
 #include "regexp/nodes/closed_body.h"
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/dynamic.h"
+#include "regexp/nodes/literal_set.h"
 #include "regexp/nodes/string.h"
 #include "regexp/nodes/tokens.h"
 #include "regexp/nodes/trivial.h"
@@ -45,6 +46,16 @@ void RE_Byte_Sets::addAll(const RE_Unit_Set& units) {
 void RE_Prefix_Units::gather(RE_Node* from, bool emptyCounts) {
     countsEmpty = emptyCounts;
     reach(from, 0);
+    visitPending();
+}
+
+void RE_Prefix_Units::gather(std::u16string_view text, bool ignoreCase, RE_Node* next) {
+    addText(text, ignoreCase, 0);
+    reach(next, text.size());
+    visitPending();
+}
+
+void RE_Prefix_Units::visitPending() {
     while (known != 0 && !pending.empty()) {
         const auto [node, place, turns] = pending.back();
         pending.pop_back();
@@ -53,13 +64,6 @@ void RE_Prefix_Units::gather(RE_Node* from, bool emptyCounts) {
             known = 0;
         }
     }
-}
-
-void RE_Prefix_Units::gather(const char16_t* text, std::size_t length, bool ignoreCase) {
-    for (std::size_t i = 0; i < std::min(length, mostPlaces); ++i) {
-        addLiteral(text[i], ignoreCase, i);
-    }
-    endAt(length);
 }
 
 void RE_Prefix_Units::reach(RE_Node* node, std::size_t place, std::uint64_t turns) {
@@ -75,6 +79,8 @@ void RE_Prefix_Units::visit(RE_Node* node, std::size_t place, std::uint64_t turn
         reach(unit->failTarget, place);
     } else if (auto* string = dynamic_cast<RE_String*>(node)) {
         visitString(*string, place);
+    } else if (auto* literals = dynamic_cast<RE_Literal_Set*>(node)) {
+        visitLiterals(*literals, place);
     } else if (auto* loop = dynamic_cast<RE_Consume*>(node)) {
         visitLoop(*loop, place, turns);
     } else if (auto* atomic = dynamic_cast<RE_Atomic*>(node)) {
@@ -101,10 +107,22 @@ void RE_Prefix_Units::visitUnit(const RE_Consumable& unit, std::size_t place) {
 }
 
 void RE_Prefix_Units::visitString(const RE_String& string, std::size_t place) {
-    for (std::size_t i = 0; i < string.length && place + i < mostPlaces; ++i) {
-        addLiteral(string.text[i], string.ignoreCase, place + i);
-    }
+    addText({string.text, string.length}, string.ignoreCase, place);
     reach(string.nextNode, place + string.length);
+}
+
+void RE_Prefix_Units::visitLiterals(const RE_Literal_Set& set, std::size_t place) {
+    for (std::size_t i = 0; i < set.literals.count(); ++i) {
+        const std::u16string_view text = set.literals.text(i);
+        addText(text, set.literals.ignoresCase(), place);
+        reach(set.nextNode, place + text.size());
+    }
+}
+
+void RE_Prefix_Units::addText(std::u16string_view text, bool ignoreCase, std::size_t place) {
+    for (std::size_t i = 0; i < text.size() && place + i < mostPlaces; ++i) {
+        addLiteral(text[i], ignoreCase, place + i);
+    }
 }
 
 void RE_Prefix_Units::visitLoop(RE_Consume& loop, std::size_t place, std::uint64_t turns) {

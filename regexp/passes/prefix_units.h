@@ -9,10 +9,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <set>
+#include <string_view>
 #include <tuple>
 #include <vector>
 
 class RE_Consume;
+class RE_Literal_Set;
 class RE_String;
 
 /// A set of units seen through two lenses of one byte each: their low bytes, and themselves, where all units from 0x100
@@ -37,8 +39,8 @@ public:
 
     /// With `emptyCounts` an end that is reached at once ends the prefix there; else such a match is refused anyway.
     void gather(RE_Node* from, bool emptyCounts);
-    /// The text of a literal, which is known as a whole.
-    void gather(const char16_t* text, std::size_t length, bool ignoreCase);
+    /// The same for the way that begins with this literal and goes on at `next`.
+    void gather(std::u16string_view text, bool ignoreCase, RE_Node* next);
 
     std::array<RE_Byte_Sets, mostPlaces> places;
     std::size_t known = mostPlaces;
@@ -51,6 +53,9 @@ private:
     void visit(RE_Node* node, std::size_t place, std::uint64_t turns);
     void visitUnit(const RE_Consumable& unit, std::size_t place);
     void visitString(const RE_String& string, std::size_t place);
+    void visitLiterals(const RE_Literal_Set& set, std::size_t place);
+    void visitPending();
+    void addText(std::u16string_view text, bool ignoreCase, std::size_t place);
     void visitLoop(RE_Consume& loop, std::size_t place, std::uint64_t turns);
     void followWays(RE_Node* node, std::size_t place);
     void endAt(std::size_t place) { known = place < known ? place : known; }

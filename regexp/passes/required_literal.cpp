@@ -2,10 +2,12 @@
 
 #include "regexp/nodes/closed_body.h"
 #include "regexp/nodes/consume.h"
+#include "regexp/nodes/literal_set.h"
 #include "regexp/nodes/string.h"
 #include "regexp/nodes/tokens.h"
 #include "regexp/nodes/trivial.h"
 #include "regexp/nodes/units.h"
+#include "regexp/passes/prefix_scan.h"
 
 #include <algorithm>
 #include <unordered_map>
@@ -62,11 +64,14 @@ private:
             reach(unit->nextNode, distance + 1);
             reach(unit->failTarget, distance);
         } else if (auto* string = dynamic_cast<RE_String*>(node)) {
-            addText(*string);
+            addText({string->text, string->length}, string->ignoreCase);
             reach(string->nextNode, distance + string->length);
         } else if (auto* loop = dynamic_cast<RE_Consume*>(node)) {
             units->addAll(*loop->units);
             reach(loop->nextNode, distance + std::min(loop->minimum, mostCounted));
+        } else if (auto* set = dynamic_cast<RE_Literal_Set*>(node)) {
+            addTexts(set->literals);
+            reach(set->nextNode, distance + set->literals.shortest());
         } else if (auto* atomic = dynamic_cast<RE_Atomic*>(node)) {
             reach(atomic->body, distance);
             reach(atomic->nextNode, distance);
@@ -93,13 +98,19 @@ private:
         node->visitLinks(ways);
     }
 
-    void addText(const RE_String& string) {
-        for (std::uint64_t i = 0; i < string.length; ++i) {
-            if (string.ignoreCase) {
-                RE_Case_Table::get().addFolding(*units, string.text[i], string.text[i], false);
+    void addText(std::u16string_view text, bool ignoreCase) {
+        for (const char16_t unit : text) {
+            if (ignoreCase) {
+                RE_Case_Table::get().addFolding(*units, unit, unit, false);
             } else {
-                units->add(string.text[i]);
+                units->add(unit);
             }
+        }
+    }
+
+    void addTexts(const RE_Literal_Trie& literals) {
+        for (std::size_t i = 0; i < literals.count(); ++i) {
+            addText(literals.text(i), literals.ignoresCase());
         }
     }
 
@@ -110,7 +121,7 @@ private:
 };
 
 /// The first literals on the ways from the root, outside of closed bodies.
-std::vector<const RE_Node*> literalsFrom(RE_Node* root) {
+std::vector<RE_Node*> literalsFrom(RE_Node* root) {
     struct Walker : RE_Link_Visitor {
         void link(RE_Node*& target, RE_Link kind) override {
             const bool onTheWay = kind == RE_Link::next || kind == RE_Link::done || kind == RE_Link::alternative ||
@@ -122,11 +133,12 @@ std::vector<const RE_Node*> literalsFrom(RE_Node* root) {
         std::unordered_set<RE_Node*> seen;
         std::vector<RE_Node*> nodes;
     } walker;
-    std::vector<const RE_Node*> found;
+    std::vector<RE_Node*> found;
     walker.link(root, RE_Link::next);
     for (std::size_t i = 0; i < walker.nodes.size() && i < mostNodes && found.size() < mostLiterals; ++i) {
         RE_Node* const node = walker.nodes[i];
-        if (literalOf(node)) {
+        if (dynamic_cast<const RE_String*>(node) != nullptr || dynamic_cast<const RE_Natural*>(node) != nullptr ||
+            dynamic_cast<const RE_Literal_Set*>(node) != nullptr) {
             found.push_back(node);
         }
         node->visitLinks(walker);
@@ -134,35 +146,43 @@ std::vector<const RE_Node*> literalsFrom(RE_Node* root) {
     return found;
 }
 
+std::optional<RE_Text_Finder> finderOf(RE_Node* node) {
+    if (dynamic_cast<const RE_Literal_Set*>(node) == nullptr) {
+        return literalOf(node);
+    }
+    const std::optional<RE_Likely_Prefixes> prefixes = prefixesFrom(node, true);
+    if (!prefixes) {
+        return std::nullopt;
+    }
+    return RE_Text_Finder(prefixes->scan, prefixes->likelihood);
+}
+
 }  // namespace
 
-std::optional<RE_Required_Literal> literalOf(const RE_Node* node) {
+std::optional<RE_Text_Finder> literalOf(const RE_Node* node) {
     if (const auto* string = dynamic_cast<const RE_String*>(node)) {
-        return RE_Required_Literal{{string->text, string->length}, string->ignoreCase, nullptr, 0};
+        return RE_Text_Finder({string->text, string->length}, string->ignoreCase);
     }
     const auto* const unit = dynamic_cast<const RE_Natural*>(node);
     if (unit == nullptr || unit->failTarget != nullptr || unit->ch > 0xFFFF) {
         return std::nullopt;
     }
-    const bool folds = dynamic_cast<const RE_Natural_I*>(node) != nullptr;
-    return RE_Required_Literal{std::u16string(1, static_cast<char16_t>(unit->ch)), folds, nullptr, 0};
+    return RE_Text_Finder(std::u16string(1, static_cast<char16_t>(unit->ch)),
+                          dynamic_cast<const RE_Natural_I*>(node) != nullptr);
 }
 
 std::optional<RE_Required_Literal> requiredLiteral(RE_Node* root) {
     std::optional<RE_Required_Literal> best;
     double bestLikelihood = 1;
-    for (const RE_Node* node : literalsFrom(root)) {
-        std::optional<RE_Required_Literal> literal = literalOf(node);
-        const double likelihood = literal->search().likelihood();
-        if (likelihood >= bestLikelihood) {
+    for (RE_Node* node : literalsFrom(root)) {
+        std::optional<RE_Text_Finder> finder = finderOf(node);
+        if (!finder || finder->likelihood() >= bestLikelihood) {
             continue;
         }
         Around around(node);
         if (around.walk(root)) {
-            literal->before = around.units;
-            literal->leastBefore = around.least;
-            best = std::move(literal);
-            bestLikelihood = likelihood;
+            bestLikelihood = finder->likelihood();
+            best.emplace(RE_Required_Literal{std::move(*finder), around.units, around.least});
         }
     }
     return best;

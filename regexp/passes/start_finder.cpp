@@ -3,6 +3,7 @@
 #include "regexp/nodes/anchors.h"
 #include "regexp/nodes/closed_body.h"
 #include "regexp/nodes/consume.h"
+#include "regexp/nodes/literal_set.h"
 #include "regexp/nodes/seeker.h"
 #include "regexp/nodes/string.h"
 #include "regexp/passes/first_units.h"
@@ -20,6 +21,8 @@ constexpr double commonestUseful = 0.97;
 // By how much another finder has to be rarer than a scan for the first unit.
 // First units that are rarer than this are as good as anything.
 constexpr double rareEnough = 0.0025;
+// A vector scan that stops more often than this is slower than a look at each position.
+constexpr double rareEnoughForPrefixes = 0.03;
 constexpr double worthPrefixes = 0.5;
 constexpr double worthGoingBack = 0.1;
 
@@ -62,7 +65,7 @@ RE_Node* leadingConsumer(RE_Node* root) {
 }
 
 /// The literal that a look-behind at the front of the pattern asks for.
-std::optional<RE_Required_Literal> literalBehind(const RE_Node* leading) {
+std::optional<RE_Text_Finder> literalBehind(const RE_Node* leading) {
     const auto* const assertion = dynamic_cast<const RE_Lookaround_Assertion*>(leading);
     const bool asks = assertion != nullptr && assertion->behind && !assertion->negative &&
                       assertion->failTarget == nullptr && assertion->glanceEnd != nullptr;
@@ -107,15 +110,23 @@ private:
         }
         const bool prefixesPay = prefixes && prefixes->likelihood < firstLikelihood * worthPrefixes;
         const double best = prefixesPay ? prefixes->likelihood : firstLikelihood;
-        std::optional<RE_Required_Literal> before = literalBehind(leading);
-        if (before && before->search().likelihood() < best) {
+        std::optional<RE_Text_Finder> before = literalBehind(leading);
+        if (before && before->likelihood() < best) {
             return inFront(RE_Start_Finder::literalBehind, context.make<StringBehindSeeker>(std::move(*before)));
         }
         if (RE_Node* const inner = innerSeeker(best * worthGoingBack, first)) {
             return inner;
         }
+        if (prefixesPay && best < rareEnoughForPrefixes) {
+            return inFront(RE_Start_Finder::prefixes, context.make<StringPrefixSeeker>(
+                                                          RE_Text_Finder(prefixes->scan, prefixes->likelihood)));
+        }
+        if (RE_Node* const windows = windowSeeker(best)) {
+            return windows;
+        }
         if (prefixesPay) {
-            return inFront(RE_Start_Finder::prefixes, context.make<StringPrefixSeeker>(prefixes->scan));
+            return inFront(RE_Start_Finder::prefixes, context.make<StringPrefixSeeker>(
+                                                          RE_Text_Finder(prefixes->scan, prefixes->likelihood)));
         }
         if (firstLikelihood > commonestUseful) {
             return root;
@@ -129,11 +140,24 @@ private:
             return nullptr;
         }
         std::optional<RE_Required_Literal> literal = requiredLiteral(root);
-        if (!literal || literal->search().likelihood() >= likelihood) {
+        if (!literal || literal->finder.likelihood() >= likelihood) {
             return nullptr;
         }
         return inFront(RE_Start_Finder::requiredLiteral,
                        context.make<StringInnerSeeker>(std::move(*literal), first.units));
+    }
+
+    /// A seeker for many literals that stops less often than at `likelihood` of all positions; null when there is none.
+    RE_Node* windowSeeker(double likelihood) {
+        const auto* const set = dynamic_cast<const RE_Literal_Set*>(leadingConsumer(root));
+        std::optional<RE_Window_Filter> filter;
+        if (set != nullptr) {
+            filter = RE_Window_Filter::make(set->literals);
+        }
+        if (!filter || filter->falseShare() > likelihood) {
+            return nullptr;
+        }
+        return inFront(RE_Start_Finder::windows, context.make<StringWindowSeeker>(std::move(*filter)));
     }
 
     RE_Node* inFront(RE_Start_Finder finder, RE_Seeker* seeker) {

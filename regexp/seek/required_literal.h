@@ -1,19 +1,45 @@
-// A literal that every match holds somewhere, and what may stand before it.
+// A literal, or one of a few, that every match holds somewhere, and what may stand before it.
 #pragma once
 
+#include "regexp/seek/kernels.h"
 #include "regexp/seek/literal_search.h"
 #include "regexp/unit_set.h"
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
+
+class RE_Search_Info;
+
+/// Finds a text, or the prefixes of several.
+class RE_Text_Finder {
+public:
+    /// `literal` is in lower case when case is ignored.
+    RE_Text_Finder(std::u16string literal, bool ignoreCase);
+    RE_Text_Finder(const RE_Prefix_Scan& scan, double share) : prefixes(scan), search({u"", 0, false}), likely(share) {}
+
+    /// The first place from `p` on, or null.
+    const char16_t* find(const char16_t* p, RE_Search_Info& info) const;
+    /// The share of the positions of ordinary text at which it finds something.
+    double likelihood() const { return likely; }
+    /// Units of the text; 0 when there are several.
+    std::size_t length() const { return text.size(); }
+    std::string label() const;
+
+private:
+    RE_Literal literal() const { return {text.data(), text.size(), folds}; }
+
+    std::u16string text;
+    bool folds = false;
+    std::optional<RE_Prefix_Scan> prefixes;
+    RE_Literal_Search search;
+    double likely;
+};
 
 struct RE_Required_Literal {
-    std::u16string text;  ///< in lower case when case is ignored
-    bool ignoreCase;
+    RE_Text_Finder finder;
     std::shared_ptr<const RE_Unit_Set> before;  ///< every unit of a match before its first such literal is one of these
     std::uint64_t leastBefore;                  ///< how many there are at least
-
-    RE_Literal literal() const { return {text.data(), text.size(), ignoreCase}; }
-    RE_Literal_Search search() const { return RE_Literal_Search(literal()); }
 };

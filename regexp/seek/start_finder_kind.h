@@ -11,6 +11,7 @@ enum class RE_Start_Finder : std::uint8_t {
     literalBehind,    ///< a literal that has to stand before every match
     requiredLiteral,  ///< a literal within every match, and back from it
     prefixes,         ///< the first units of the alternatives, several places at once
+    windows,          ///< the first units of many literals, by a table
     firstUnits        ///< the units that a match can start with
 };
 
@@ -27,6 +28,8 @@ constexpr const char* nameOf(RE_Start_Finder finder) {
             return "required literal";
         case RE_Start_Finder::prefixes:
             return "prefixes";
+        case RE_Start_Finder::windows:
+            return "windows";
         case RE_Start_Finder::firstUnits:
             return "first units";
         case RE_Start_Finder::none:

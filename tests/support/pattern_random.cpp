@@ -37,10 +37,25 @@ std::u16string PatternSource::subject(size_t longest) {
 }
 
 PatternSource::Piece PatternSource::alternation(int depth) {
+    if (oneIn(6)) {
+        return wideAlternation(depth);
+    }
     Piece result = sequence(depth);
     for (size_t more = oneIn(3) ? 1 + below(2) : 0; more > 0; --more) {
         const Piece branch = sequence(depth);
         result.text += "|" + branch.text;
+        result.nullable = result.nullable || branch.nullable;
+    }
+    return result;
+}
+
+// Literals that begin alike, some of them equal, and branches of other kinds among them.
+PatternSource::Piece PatternSource::wideAlternation(int depth) {
+    static constexpr const char* words[] = {"a", "ab", "abc", "abca", "aab", "b", "ba", "bab", "bc", "c", "A", "aB"};
+    Piece result{"", false};
+    for (size_t left = 3 + below(4); left > 0; --left) {
+        const Piece branch = oneIn(4) ? sequence(depth) : Piece{words[below(std::size(words))], false};
+        result.text += branch.text + (left > 1 ? "|" : "");
         result.nullable = result.nullable || branch.nullable;
     }
     return result;

@@ -37,6 +37,7 @@ private:
 
     bool oneIn(size_t chances) { return below(chances) == 0; }
     Piece alternation(int depth);
+    Piece wideAlternation(int depth);
     Piece sequence(int depth);
     Piece item(int depth);
     Piece atom(int depth);

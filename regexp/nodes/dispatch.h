@@ -1,0 +1,81 @@
+// A choice between branches that looks at the next unit first: the branches that cannot begin with it are not tried.
+#pragma once
+
+#include "regexp/search_info.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+class RE_Unit_Set;
+
+/// What a branch can begin with, as far as a table of the commonest units can tell.
+struct RE_Branch_Start {
+    static constexpr std::size_t tableUnits = 128;
+    static constexpr std::size_t others = tableUnits;     ///< the column of all units behind the table
+    static constexpr std::size_t atEnd = tableUnits + 1;  ///< that of the subject's end
+    static constexpr std::size_t columns = tableUnits + 2;
+
+    void add(char16_t unit) { column[std::min<std::size_t>(unit, others)] = true; }
+    void addAll(const RE_Unit_Set& units);
+    /// The branch may begin anywhere, with any unit or with none.
+    void addEverything() { column.fill(true); }
+
+    std::array<bool, columns> column{};
+};
+
+/// Stands for a chain of splits. Its record holds the position of the choice, its word the place in `places` of the
+/// branch to try next.
+class CORVANE_REGEXP_EXPORT RE_Dispatch : public RE_Node {
+public:
+    struct Branch {
+        RE_Node* node;
+        RE_Branch_Start start;
+    };
+    using Branches = std::vector<Branch, RE_Allocator<Branch>>;
+
+    RE_Dispatch(RE_ParserContext& context, const Branches& branches);
+
+    /// The first branch that can begin at `pos`, or null. Leaves a choice when there are more.
+    const RE_Node* choose(std::size_t pos, RE_Search_Info& info) const {
+        const char16_t* const p = info.subjectBegin + pos;
+        const std::size_t column =
+            info.atEnd(p) ? RE_Branch_Start::atEnd : std::min<std::size_t>(*p, RE_Branch_Start::others);
+        const std::uint32_t place = firstPlace[column];
+        if (place == nowhere || (memoised && !info.firstVisit(this, p))) {
+            return nullptr;
+        }
+        return take(place, p, info);
+    }
+    bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
+    RE_Node* resume(const RE_Backtrack_Record& record, std::size_t& pos, RE_Search_Info& info) const override;
+    bool isBranching() const override { return true; }
+    void visitLinks(RE_Link_Visitor& visitor) override;
+    std::string label() const override;
+
+    std::vector<RE_Node*, RE_Allocator<RE_Node*>> ways;  ///< in the order of the pattern
+
+private:
+    static constexpr std::uint32_t nowhere = 0;
+
+    RE_Node* take(std::uint32_t place, const char16_t* p, RE_Search_Info& info) const {
+        const std::uint32_t entry = places[place];
+        if ((entry & lastOfList) != 0) {
+            info.spareChoice();
+        } else {
+            info.pushRecord(this, p, place + 1);
+        }
+        return ways[entry >> 1];
+    }
+
+    static constexpr std::uint32_t lastOfList = 1;
+    /// Lists of ways, one behind another; equal lists stand here once. An entry is twice the index of the way, and one
+    /// more when the list ends with it. The first entry is none.
+    std::vector<std::uint32_t, RE_Allocator<std::uint32_t>> places{0};
+    std::array<std::uint32_t, RE_Branch_Start::columns> firstPlace{};
+};
+template <>
+inline constexpr RE_Node_Kind kindOfNode<RE_Dispatch> = RE_Node_Kind::dispatch;

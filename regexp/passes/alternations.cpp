@@ -1,0 +1,213 @@
+#include "regexp/passes/alternations.h"
+
+#include "regexp/nodes/collection.h"
+#include "regexp/nodes/consume.h"
+#include "regexp/nodes/dispatch.h"
+#include "regexp/nodes/literal_set.h"
+#include "regexp/nodes/split.h"
+#include "regexp/nodes/string.h"
+#include "regexp/nodes/units.h"
+#include "regexp/passes/branch_literals.h"
+#include "regexp/passes/first_units.h"
+#include "regexp/passes/null_nodes.h"
+
+#include <algorithm>
+#include <optional>
+#include <unordered_set>
+#include <vector>
+
+namespace {
+
+constexpr std::size_t mostNodesOfBranch = 64;
+
+RE_Split* plainSplit(RE_Node* node) {
+    auto* const split = dynamic_cast<RE_Split*>(node);
+    const bool plain = split != nullptr && !split->isCounter && split->guarded && !split->skippable;
+    return plain ? split : nullptr;
+}
+
+/// The split at `node` when a split that leads there can take it over.
+RE_Split* innerSplit(RE_Node* node) {
+    RE_Split* const split = plainSplit(node);
+    return split != nullptr && !split->sharedTarget ? split : nullptr;
+}
+
+/// The splits that no other split leads to alone, the last ones first, so that a choice within a branch is rewritten
+/// before the choice of the branch.
+std::vector<RE_Split*> firstSplits(const RE_Collection& graph) {
+    std::unordered_set<RE_Split*> inner;
+    std::vector<RE_Split*> first;
+    for (RE_Node* node : graph.nodes()) {
+        if (RE_Split* const split = plainSplit(node)) {
+            inner.insert(innerSplit(split->nextNode));
+            inner.insert(innerSplit(split->alternative));
+            first.push_back(split);
+        }
+    }
+    std::erase_if(first, [&](RE_Split* split) { return inner.contains(split); });
+    std::ranges::reverse(first);
+    return first;
+}
+
+/// The units that a node begins with, where it has them at hand.
+const RE_Unit_Set* knownUnits(const RE_Node* node) {
+    if (const auto* set = dynamic_cast<const RE_Literal_Set*>(node)) {
+        return set->firstUnits.get();
+    }
+    if (const auto* loop = dynamic_cast<const RE_Consume*>(node)) {
+        return loop->minimum > 0 ? loop->units.get() : nullptr;
+    }
+    const auto* const members = dynamic_cast<const RE_Unit_Class*>(node);
+    return members != nullptr && !members->hasFailNode() ? members->set.get() : nullptr;
+}
+
+/// The unit that a literal begins with, where no other will do.
+std::optional<char16_t> soleFirstUnit(const RE_Node* node) {
+    if (const auto* string = dynamic_cast<const RE_String*>(node)) {
+        return string->ignoreCase ? std::nullopt : std::optional(string->text[0]);
+    }
+    const auto* const unit = dynamic_cast<const RE_Natural*>(node);
+    const bool sole =
+        unit != nullptr && !unit->hasFailNode() && dynamic_cast<const RE_Natural_I*>(unit) == nullptr;
+    return sole ? std::optional(static_cast<char16_t>(unit->ch)) : std::nullopt;
+}
+
+// Most branches begin with a node that says it all.
+RE_Branch_Start startOf(RE_Node* branch) {
+    RE_Branch_Start start;
+    RE_Node* leading = branch;
+    while (leading->isStartToken()) {
+        leading = leading->nextNode;
+    }
+    if (const RE_Unit_Set* const units = knownUnits(leading)) {
+        start.addAll(*units);
+        return start;
+    }
+    if (const std::optional<char16_t> unit = soleFirstUnit(leading)) {
+        start.add(*unit);
+        return start;
+    }
+    RE_First_Units first;
+    if (first.gather(branch, mostNodesOfBranch) && !first.mayBeEmpty && !first.endsBody) {
+        start.addAll(*first.units);
+    } else {
+        start.addEverything();
+    }
+    return start;
+}
+
+/// Whether looking at the next unit rules out a quarter of the branches or more.
+bool rulesOutEnough(const RE_Dispatch::Branches& branches) {
+    std::size_t open = 0;
+    for (const RE_Dispatch::Branch& branch : branches) {
+        open += static_cast<std::size_t>(std::ranges::count(branch.start.column, true));
+    }
+    return open * 4 <= branches.size() * RE_Branch_Start::columns * 3;
+}
+
+/// One choice, with all splits that it is made of.
+class Alternation {
+public:
+    Alternation(RE_ParserContext& parserContext, RE_Split* first) : context(parserContext) {
+        splits.push_back(first);
+        std::vector<RE_Node*> pending{first->alternative, first->nextNode};
+        while (!pending.empty()) {
+            RE_Node* const node = throughSkippable(pending.back());
+            pending.pop_back();
+            if (RE_Split* const split = innerSplit(node)) {
+                splits.push_back(split);
+                pending.push_back(split->alternative);
+                pending.push_back(split->nextNode);
+            } else {
+                branches.push_back(node);
+            }
+        }
+    }
+
+    void rewrite() {
+        const std::size_t before = branches.size();
+        joinLiterals();
+        if (branches.size() == 1) {
+            replaceWith(branches.front());
+        } else if (!dispatch() && branches.size() < before) {
+            relink();
+        }
+    }
+
+private:
+    void joinLiterals() {
+        std::vector<RE_Node*> joined;
+        RE_Branch_Literals literals;
+        const auto flush = [&] {
+            if (literals.branches() > 0) {
+                joined.push_back(literals.branches() > 1 ? literals.join(context) : literals.firstBranch());
+                literals = {};
+            }
+        };
+        for (RE_Node* branch : branches) {
+            if (literals.add(branch)) {
+                continue;
+            }
+            flush();
+            if (!literals.add(branch)) {
+                joined.push_back(branch);
+            }
+        }
+        flush();
+        branches = std::move(joined);
+    }
+
+    bool dispatch() {
+        RE_Dispatch::Branches starts;
+        for (RE_Node* branch : branches) {
+            starts.push_back({branch, startOf(branch)});
+        }
+        if (!rulesOutEnough(starts)) {
+            return false;
+        }
+        replaceWith(context.make<RE_Dispatch>(starts));
+        return true;
+    }
+
+    void replaceWith(RE_Node* node) {
+        RE_Split* const first = splits.front();
+        node->guarded = true;
+        node->memoised = std::ranges::any_of(splits, [](const RE_Split* split) { return split->memoised; });
+        node->memoIndex = first->memoIndex;
+        node->memoScope = first->memoScope;
+        first->skippable = true;
+        first->nextNode = node;
+    }
+
+    // Fewer branches need fewer of the splits.
+    void relink() {
+        const std::size_t last = branches.size() - 2;
+        for (std::size_t i = 0; i <= last; ++i) {
+            splits[i]->nextNode = branches[i];
+            splits[i]->alternative = i < last ? splits[i + 1] : branches[i + 1];
+        }
+    }
+
+    RE_ParserContext& context;
+    std::vector<RE_Split*> splits;
+    std::vector<RE_Node*> branches;
+};
+
+}  // namespace
+
+RE_Node* joinAlternations(RE_ParserContext& context, RE_Node* root) {
+    if (context.facts->hasDynamicNodes) {
+        return root;
+    }
+    {
+        const RE_Collection graph(root);
+        const std::vector<RE_Split*> splits = firstSplits(graph);
+        if (splits.empty()) {
+            return root;
+        }
+        for (RE_Split* split : splits) {
+            Alternation(context, split).rewrite();
+        }
+    }
+    return removeNullNodes(context, root);
+}

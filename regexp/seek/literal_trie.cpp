@@ -1,0 +1,153 @@
+#include "regexp/seek/literal_trie.h"
+
+#include <algorithm>
+#include <numeric>
+#include <unordered_set>
+
+namespace {
+
+// Up to so many children are looked through one by one.
+constexpr std::uint32_t fewChildren = 6;
+
+}  // namespace
+
+RE_Literal_Trie::RE_Literal_Trie(const Literals& literals, bool ignoreCase)
+    : cases(ignoreCase ? &RE_Case_Table::get() : nullptr) {
+    copy(literals);
+    Order sorted(count());
+    std::iota(sorted.begin(), sorted.end(), 0u);
+    std::ranges::sort(sorted, {}, [this](std::uint32_t literal) { return text(literal); });
+    grow(sorted);
+    fillTable();
+}
+
+void RE_Literal_Trie::copy(const Literals& literals) {
+    std::unordered_set<std::u16string_view> known;
+    starts.push_back(0);
+    least = literals.front().size();
+    for (const std::u16string_view literal : literals) {
+        if (known.insert(literal).second) {
+            units.insert(units.end(), literal.begin(), literal.end());
+            starts.push_back(static_cast<std::uint32_t>(units.size()));
+            least = std::min(least, literal.size());
+            greatest = std::max(greatest, literal.size());
+        }
+    }
+}
+
+// Breadth first, so that the children of a node are neighbours.
+void RE_Literal_Trie::grow(const Order& sorted) {
+    nodes.push_back({0, 0, none, 0, 0});
+    leads.push_back(0);
+    std::vector<Branch> pending{{0, 0, sorted.size(), 0}};
+    for (std::size_t next = 0; next < pending.size(); ++next) {
+        Branch rest = growNode(pending[next], sorted);
+        while (rest.first < rest.last) {
+            const char16_t lead = text(sorted[rest.first])[rest.depth];
+            const auto behind = std::partition_point(
+                sorted.begin() + static_cast<std::ptrdiff_t>(rest.first),
+                sorted.begin() + static_cast<std::ptrdiff_t>(rest.last),
+                [&](std::uint32_t literal) { return text(literal)[rest.depth] == lead; });
+            const auto last = static_cast<std::size_t>(behind - sorted.begin());
+            pending.push_back({static_cast<std::uint32_t>(nodes.size()), rest.first, last, rest.depth});
+            nodes.push_back({0, 0, none, 0, 0});
+            leads.push_back(lead);
+            ++nodes[rest.node].children;
+            rest.first = last;
+        }
+    }
+}
+
+// All literals of the branch go through the node, which takes what they have in common. Returns the rest of them.
+RE_Literal_Trie::Branch RE_Literal_Trie::growNode(Branch branch, const Order& sorted) {
+    Node& node = nodes[branch.node];
+    node.text = static_cast<std::uint32_t>(starts[sorted[branch.first]] + branch.depth);
+    if (branch.node != 0) {
+        const std::u16string_view one = text(sorted[branch.first]);
+        const std::u16string_view other = text(sorted[branch.last - 1]);
+        const auto differing =
+            std::mismatch(one.begin() + static_cast<std::ptrdiff_t>(branch.depth), one.end(),
+                          other.begin() + static_cast<std::ptrdiff_t>(branch.depth), other.end());
+        const auto common = static_cast<std::size_t>(differing.first - one.begin());
+        node.length = static_cast<std::uint32_t>(common - branch.depth);
+        branch.depth = common;
+        if (one.size() == common) {
+            node.literal = sorted[branch.first++];
+        }
+    }
+    node.firstChild = static_cast<std::uint32_t>(nodes.size());
+    return branch;
+}
+
+void RE_Literal_Trie::fillTable() {
+    for (std::size_t unit = 0; unit < tableUnits; ++unit) {
+        const auto raw = static_cast<char16_t>(unit);
+        roots[unit] = child(nodes[0], cases != nullptr ? cases->lower(raw) : raw);
+    }
+}
+
+std::uint32_t RE_Literal_Trie::child(const Node& node, char16_t unit) const {
+    const char16_t* const first = leads.data() + node.firstChild;
+    const char16_t* const last = first + node.children;
+    const char16_t* const at =
+        node.children <= fewChildren ? std::find(first, last, unit) : std::lower_bound(first, last, unit);
+    return at != last && *at == unit ? static_cast<std::uint32_t>(at - leads.data()) : none;
+}
+
+std::uint32_t RE_Literal_Trie::branchAt(char16_t unit) const {
+    return unit < tableUnits ? roots[unit] : child(nodes[0], cases != nullptr ? cases->lower(unit) : unit);
+}
+
+// The first unit of the node is known to stand at `p`.
+template <bool folds>
+bool RE_Literal_Trie::continues(const Node& node, const char16_t* p) const {
+    const char16_t* const own = units.data() + node.text;
+    for (std::uint32_t i = 1; i < node.length; ++i) {
+        if ((folds ? cases->lower(p[i]) : p[i]) != own[i]) {
+            return false;
+        }
+    }
+    return true;
+}
+
+template <bool folds>
+RE_Literal_Trie::Found RE_Literal_Trie::walk(const char16_t* p, const char16_t* end,
+                                             std::uint32_t from) const {
+    Found found;
+    const char16_t* const start = p;
+    for (std::uint32_t at = branchAt(*p); at != none;) {
+        const Node& node = nodes[at];
+        if (static_cast<std::size_t>(end - p) < node.length || !continues<folds>(node, p)) {
+            break;
+        }
+        p += node.length;
+        if (node.literal != none && node.literal >= from) {
+            found.hasLater = found.length != 0;
+            if (!found.hasLater || node.literal < found.literal) {
+                found.literal = node.literal;
+                found.length = static_cast<std::size_t>(p - start);
+            }
+        }
+        if (p == end || node.children == 0) {
+            break;
+        }
+        at = child(node, folds ? cases->lower(*p) : *p);
+    }
+    return found;
+}
+
+RE_Literal_Trie::Found RE_Literal_Trie::find(const char16_t* p, const char16_t* end,
+                                             std::uint32_t from) const {
+    return p == end ? Found() : cases == nullptr ? walk<false>(p, end, from) : walk<true>(p, end, from);
+}
+
+void RE_Literal_Trie::addFirstUnits(RE_Unit_Set& set) const {
+    const Node& root = nodes[0];
+    for (std::uint32_t i = root.firstChild; i < root.firstChild + root.children; ++i) {
+        if (cases != nullptr) {
+            cases->addFolding(set, leads[i], leads[i], false);
+        } else {
+            set.add(leads[i]);
+        }
+    }
+}

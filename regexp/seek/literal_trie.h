@@ -1,0 +1,81 @@
+// Many literals, in a tree that shares what they begin with: one walk over the subject finds all that stand at a position.
+//
+// A node stands for a run of units, so that the tree has fewer than two nodes a literal, however long these are. Nodes
+// refer to each other and to the text by index; the children of a node lie side by side, by their first units.
+#pragma once
+
+#include "regexp/memory.h"
+#include "regexp/unit_set.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+class CORVANE_REGEXP_EXPORT RE_Literal_Trie {
+public:
+    using Literals = std::vector<std::u16string_view>;
+
+    /// None of the literals is empty. They are in lower case when case is ignored. Of equal ones the first counts: what
+    /// fails behind it fails behind the others as well. The texts are copied.
+    RE_Literal_Trie(const Literals& literals, bool ignoreCase);
+
+    /// What stands at a position: the first literal not before the number asked for.
+    struct Found {
+        std::uint32_t literal = 0;
+        bool hasLater = false;   ///< a later one stands there, too
+        std::size_t length = 0;  ///< 0: there is none
+    };
+    Found find(const char16_t* p, const char16_t* end, std::uint32_t from) const;
+
+    /// The literals in their order, each once.
+    std::size_t count() const { return starts.size() - 1; }
+    std::u16string_view text(std::size_t literal) const {
+        return {units.data() + starts[literal], starts[literal + 1] - starts[literal]};
+    }
+    std::size_t shortest() const { return least; }
+    std::size_t longest() const { return greatest; }
+    bool ignoresCase() const { return cases != nullptr; }
+    /// Adds the units with which a literal can begin.
+    void addFirstUnits(RE_Unit_Set& set) const;
+
+private:
+    static constexpr std::uint32_t none = static_cast<std::uint32_t>(-1);
+    static constexpr std::size_t tableUnits = 128;
+
+    struct Node {
+        std::uint32_t text;  // where its units begin, which are those behind the units of its parent
+        std::uint32_t length;
+        std::uint32_t literal;  // that ends with it, or `none`
+        std::uint32_t firstChild;
+        std::uint32_t children;
+    };
+    struct Branch {  // of the tree, to be made: its node, and the sorted literals that go through it
+        std::uint32_t node;
+        std::size_t first;
+        std::size_t last;
+        std::size_t depth;
+    };
+    using Order = std::vector<std::uint32_t>;
+
+    void copy(const Literals& literals);
+    void grow(const Order& sorted);
+    Branch growNode(Branch branch, const Order& sorted);
+    void fillTable();
+    std::uint32_t child(const Node& node, char16_t unit) const;
+    std::uint32_t branchAt(char16_t unit) const;
+    template <bool folds>
+    Found walk(const char16_t* p, const char16_t* end, std::uint32_t from) const;
+    template <bool folds>
+    bool continues(const Node& node, const char16_t* p) const;
+
+    const RE_Case_Table* cases;  // null when case counts
+    std::vector<char16_t, RE_Allocator<char16_t>> units;
+    std::vector<std::uint32_t, RE_Allocator<std::uint32_t>> starts;
+    std::vector<Node, RE_Allocator<Node>> nodes;          // the root is the first
+    std::vector<char16_t, RE_Allocator<char16_t>> leads;  // the first unit of each node
+    std::array<std::uint32_t, tableUnits> roots;          // the children of the root, by the subject's unit
+    std::size_t least = 0;
+    std::size_t greatest = 0;
+};

@@ -1,0 +1,54 @@
+// Where one of many literals may begin: their first units, taken together, are looked up in a table of bits.
+#pragma once
+
+#include "regexp/memory.h"
+#include "regexp/seek/literal_trie.h"
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <optional>
+#include <vector>
+
+/// Looks at the first `width` units of every position. What it finds may be no literal, by accident; what it passes over is
+/// none for certain.
+class CORVANE_REGEXP_EXPORT RE_Window_Filter {
+public:
+    static constexpr std::size_t widest = 4;  ///< units
+
+    /// Nothing when the literals are too short, or when case cannot be ignored by ignoring one bit.
+    static std::optional<RE_Window_Filter> make(const RE_Literal_Trie& literals);
+
+    /// The first position in [p, end) at which a literal may begin, or `end`. Units up to `limit` are readable, at least a
+    /// window from each position on.
+    const char16_t* find(const char16_t* p, const char16_t* end, const char16_t* limit) const;
+
+    std::size_t width() const { return units; }
+    /// The share of all windows that it stops at without need.
+    double falseShare() const { return occupied; }
+
+private:
+    RE_Window_Filter(std::size_t windowUnits, bool foldsCase, std::size_t literalCount);
+
+    std::uint64_t windowAt(const char16_t* p, const char16_t* limit) const {
+        std::uint64_t window = 0;
+        const bool whole = static_cast<std::size_t>(limit - p) >= widest;
+        std::memcpy(&window, p, whole ? sizeof window : units * sizeof(char16_t));
+        return (window & mask) | fold;
+    }
+    std::size_t placeOf(std::uint64_t window) const {
+        return static_cast<std::size_t>((window * 0x9E3779B97F4A7C15u) >> shift);
+    }
+    bool holds(std::uint64_t window) const {
+        const std::size_t place = placeOf(window);
+        return (bits[place / 64] >> (place % 64) & 1) != 0;
+    }
+
+    std::size_t units;
+    std::uint64_t mask;  ///< of the window's units within 64 bits
+    std::uint64_t fold;  ///< bits that do not count
+    int shift;
+    double occupied;
+    std::vector<std::uint64_t, RE_Allocator<std::uint64_t>> bits;
+};
