@@ -15,7 +15,7 @@ class RE_Tree;
 
 /// Each `find` answers as `RE_Tree::match` does, but allocates only what the searches before it have not
 /// allocated. Tree and subject must outlive the sequence.
-class RE_Match_Sequence : public RE_Memory {
+class CORVANE_REGEXP_EXPORT RE_Match_Sequence : public RE_Memory {
 public:
     /// An empty subject may have a null pointer. Throws when there is no memory for the tokens. The limits (null: none)
     /// hold for all searches together; the state to begin with is allowed for.

@@ -90,6 +90,7 @@ RE_Branch_Start startOf(RE_Node* branch) {
     RE_First_Units first;
     if (first.gather(branch, mostNodesOfBranch) && !first.mayBeEmpty && !first.endsBody) {
         start.addAll(*first.units);
+        start.column[RE_Branch_Start::atEnd] = first.mayBeAtEnd;
     } else {
         start.addEverything();
     }
