@@ -2,6 +2,7 @@
 // without looking them up. What a node does is written once, in its class.
 #pragma once
 
+#include "regexp/nodes/anchors.h"
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/dispatch.h"
 #include "regexp/nodes/literal_set.h"
@@ -30,8 +31,31 @@ const RE_Node* visitLeaf(const RE_Node* node, std::size_t& pos, RE_Search_Info& 
     return leaf.Leaf::match(info.subjectBegin, pos, info) ? leaf.nextNode : nullptr;
 }
 
+/// Visits a test of a position.
+template <class Anchor>
+const RE_Node* visitAnchor(const RE_Node* node, std::size_t pos, const RE_Search_Info& info) {
+    const auto& anchor = static_cast<const Anchor&>(*node);
+    return anchor.Anchor::holdsAt(info.subjectBegin + pos, info) ? anchor.nextNode : nullptr;
+}
+
+/// Visits a loop over one unit. Most give nothing back and are over after a few units.
+inline const RE_Node* visitRun(const RE_Node* node, std::size_t& pos, RE_Search_Info& info) {
+    const auto& loop = static_cast<const RE_Consume&>(*node);
+    if (loop.possessive && !loop.lazy && loop.maximum == RE_Consume::noMaximum) {
+        const char16_t* const p = info.subjectBegin + pos;
+        if (const char16_t* const end = loop.shortRunEnd(p, info.subjectEnd)) {
+            if (static_cast<std::uint64_t>(end - p) < loop.minimum) {
+                return nullptr;
+            }
+            pos = info.indexOf(end);
+            return loop.nextNode;
+        }
+    }
+    return visitLeaf<RE_Consume>(node, pos, info);
+}
+
 /// Visits a node of a kind other than `other` and `end`. Returns the node to go on at, or null where a choice has to be taken up.
-inline const RE_Node* visitDirectly(const RE_Node* node, std::size_t& pos, RE_Search_Info& info) {
+[[gnu::always_inline]] inline const RE_Node* visitDirectly(const RE_Node* node, std::size_t& pos, RE_Search_Info& info) {
     switch (node->kind) {
         case RE_Node_Kind::literal:
             return visitUnit<RE_Natural>(node, pos, info);
@@ -48,7 +72,7 @@ inline const RE_Node* visitDirectly(const RE_Node* node, std::size_t& pos, RE_Se
         case RE_Node_Kind::string:
             return visitLeaf<RE_String>(node, pos, info);
         case RE_Node_Kind::run:
-            return visitLeaf<RE_Consume>(node, pos, info);
+            return visitRun(node, pos, info);
         case RE_Node_Kind::split:
             return visitLeaf<RE_Split>(node, pos, info);
         case RE_Node_Kind::dispatch:
@@ -63,6 +87,18 @@ inline const RE_Node* visitDirectly(const RE_Node* node, std::size_t& pos, RE_Se
             const auto& token = static_cast<const RE_Match_Token&>(*node);
             return token.RE_Match_Token::match(info.subjectBegin, pos, info) ? token.nextNode : token.failTarget;
         }
+        case RE_Node_Kind::lineStart:
+            return visitAnchor<RE_Start_Line>(node, pos, info);
+        case RE_Node_Kind::lineEnd:
+            return visitAnchor<RE_End_Line>(node, pos, info);
+        case RE_Node_Kind::textStart:
+            return visitAnchor<RE_Start_String>(node, pos, info);
+        case RE_Node_Kind::textEnd:
+            return visitAnchor<RE_End_String>(node, pos, info);
+        case RE_Node_Kind::wordStart:
+            return visitAnchor<RE_Start_Word>(node, pos, info);
+        case RE_Node_Kind::wordEnd:
+            return visitAnchor<RE_End_Word>(node, pos, info);
         case RE_Node_Kind::passage:
         case RE_Node_Kind::end:
         case RE_Node_Kind::other:

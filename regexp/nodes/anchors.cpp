@@ -1,4 +1,3 @@
-// Each test looks at the bounds first, so that no unit outside the subject is read.
 #include "regexp/nodes/anchors.h"
 
 #include "regexp/search_info.h"
@@ -32,24 +31,12 @@ const char16_t* RE_Anchor::rSeek(const char16_t* p, std::size_t count, RE_Search
     });
 }
 
-bool RE_Start_String::holdsAt(const char16_t* p, const RE_Search_Info& info) const {
-    return info.atBegin(p);
-}
-
 const char16_t* RE_Start_String::seek(const char16_t* p, RE_Search_Info& info) const {
     return info.atBegin(p) ? p : nullptr;
 }
 
-bool RE_End_String::holdsAt(const char16_t* p, const RE_Search_Info& info) const {
-    return info.atEnd(p);
-}
-
 const char16_t* RE_End_String::seek(const char16_t* p, RE_Search_Info& info) const {
     return info.atEnd(p) ? p : info.subjectEnd;
-}
-
-bool RE_Start_Line::holdsAt(const char16_t* p, const RE_Search_Info& info) const {
-    return info.atBegin(p) || p[-1] == u'\n';
 }
 
 const char16_t* RE_Start_Line::seek(const char16_t* p, RE_Search_Info& info) const {
@@ -65,10 +52,6 @@ const char16_t* RE_End_Line::seek(const char16_t* p, RE_Search_Info& info) const
     return feed != nullptr || info.wasInterrupted() ? feed : info.subjectEnd;
 }
 
-bool RE_End_Line::holdsAt(const char16_t* p, const RE_Search_Info& info) const {
-    return info.atEnd(p) || *p == u'\n';
-}
-
 bool RE_End_Match::holdsAt(const char16_t* p, const RE_Search_Info& info) const {
     return info.atRequiredEnd(p);
 }
@@ -82,10 +65,3 @@ const char16_t* RE_End_Match::rSeek(const char16_t* p, std::size_t count, RE_Sea
     return end != nullptr && end <= p + count ? end : nullptr;
 }
 
-bool RE_Start_Word::holdsAt(const char16_t* p, const RE_Search_Info& info) const {
-    return info.atBegin(p) || !isWordUnit(p[-1]);
-}
-
-bool RE_End_Word::holdsAt(const char16_t* p, const RE_Search_Info& info) const {
-    return info.atEnd(p) || !isWordUnit(*p);
-}

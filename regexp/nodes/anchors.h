@@ -1,7 +1,10 @@
-// Zero-width tests of a position and its neighbours. Only the line feed separates lines.
+// Zero-width tests of a position and its neighbours. Only the line feed separates lines. Each looks at the bounds first,
+// so that no unit outside the subject is read.
 #pragma once
 
 #include "regexp/nodes/node.h"
+#include "regexp/search_info.h"
+#include "regexp/unit_set.h"
 
 class CORVANE_REGEXP_EXPORT RE_Anchor : public RE_Node {
 public:
@@ -11,7 +14,6 @@ public:
     const char16_t* seek(const char16_t* p, RE_Search_Info& info) const override;
     const char16_t* rSeek(const char16_t* p, std::size_t count, RE_Search_Info& info) const override;
 
-protected:
     virtual bool holdsAt(const char16_t* p, const RE_Search_Info& info) const = 0;
 };
 
@@ -20,40 +22,48 @@ public:
     using RE_Anchor::RE_Anchor;
     const char16_t* seek(const char16_t* p, RE_Search_Info& info) const override;
     std::string label() const override { return "Match start of line"; }
-
-protected:
-    bool holdsAt(const char16_t* p, const RE_Search_Info& info) const override;
+    bool holdsAt(const char16_t* p, const RE_Search_Info& info) const override {
+        return info.atBegin(p) || p[-1] == u'\n';
+    }
 };
+template <>
+inline constexpr RE_Node_Kind kindOfNode<RE_Start_Line> = RE_Node_Kind::lineStart;
 
 class CORVANE_REGEXP_EXPORT RE_End_Line : public RE_Anchor {
 public:
     using RE_Anchor::RE_Anchor;
     const char16_t* seek(const char16_t* p, RE_Search_Info& info) const override;
     std::string label() const override { return "Match end of line"; }
-
-protected:
-    bool holdsAt(const char16_t* p, const RE_Search_Info& info) const override;
+    bool holdsAt(const char16_t* p, const RE_Search_Info& info) const override {
+        return info.atEnd(p) || *p == u'\n';
+    }
 };
+template <>
+inline constexpr RE_Node_Kind kindOfNode<RE_End_Line> = RE_Node_Kind::lineEnd;
 
 class CORVANE_REGEXP_EXPORT RE_Start_String : public RE_Anchor {
 public:
     using RE_Anchor::RE_Anchor;
     const char16_t* seek(const char16_t* p, RE_Search_Info& info) const override;
     std::string label() const override { return "Match start of string"; }
-
-protected:
-    bool holdsAt(const char16_t* p, const RE_Search_Info& info) const override;
+    bool holdsAt(const char16_t* p, const RE_Search_Info& info) const override {
+        return info.atBegin(p);
+    }
 };
+template <>
+inline constexpr RE_Node_Kind kindOfNode<RE_Start_String> = RE_Node_Kind::textStart;
 
 class CORVANE_REGEXP_EXPORT RE_End_String : public RE_Anchor {
 public:
     using RE_Anchor::RE_Anchor;
     const char16_t* seek(const char16_t* p, RE_Search_Info& info) const override;
     std::string label() const override { return "Match end of string"; }
-
-protected:
-    bool holdsAt(const char16_t* p, const RE_Search_Info& info) const override;
+    bool holdsAt(const char16_t* p, const RE_Search_Info& info) const override {
+        return info.atEnd(p);
+    }
 };
+template <>
+inline constexpr RE_Node_Kind kindOfNode<RE_End_String> = RE_Node_Kind::textEnd;
 
 /// Ends a look-behind body: holds where the body is required to end, and nowhere while nothing is required.
 class CORVANE_REGEXP_EXPORT RE_End_Match : public RE_Anchor {
@@ -77,16 +87,20 @@ class CORVANE_REGEXP_EXPORT RE_Start_Word : public RE_Word_Anchor {
 public:
     using RE_Word_Anchor::RE_Word_Anchor;
     std::string label() const override { return "Match start of word"; }
-
-protected:
-    bool holdsAt(const char16_t* p, const RE_Search_Info& info) const override;
+    bool holdsAt(const char16_t* p, const RE_Search_Info& info) const override {
+        return info.atBegin(p) || !isWordUnit(p[-1]);
+    }
 };
+template <>
+inline constexpr RE_Node_Kind kindOfNode<RE_Start_Word> = RE_Node_Kind::wordStart;
 
 class CORVANE_REGEXP_EXPORT RE_End_Word : public RE_Word_Anchor {
 public:
     using RE_Word_Anchor::RE_Word_Anchor;
     std::string label() const override { return "Match end of word"; }
-
-protected:
-    bool holdsAt(const char16_t* p, const RE_Search_Info& info) const override;
+    bool holdsAt(const char16_t* p, const RE_Search_Info& info) const override {
+        return info.atEnd(p) || !isWordUnit(*p);
+    }
 };
+template <>
+inline constexpr RE_Node_Kind kindOfNode<RE_End_Word> = RE_Node_Kind::wordEnd;

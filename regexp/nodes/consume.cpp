@@ -9,8 +9,6 @@
 
 namespace {
 
-// Most runs in ordinary text are words: they end before a vector scan would pay.
-constexpr std::size_t shortRun = 12;
 // Runs from this length on are remembered.
 constexpr std::size_t longRun = 64;
 
@@ -64,15 +62,6 @@ const char16_t* RE_Consume::endOfRunFrom(const char16_t* p, RE_Search_Info& info
     }
     const char16_t* const end = runEnd(p, static_cast<std::uint64_t>(known->begin - p), info);
     return end == known->begin ? known->end : end;
-}
-
-// The end of a run, if it ends within so few units that nothing but a plain loop pays; else null.
-const char16_t* RE_Consume::shortRunEnd(const char16_t* p, const char16_t* limit) const {
-    const char16_t* const stop = p + std::min<std::ptrdiff_t>(limit - p, shortRun);
-    while (p < stop && units->contains(*p)) {
-        ++p;
-    }
-    return p < stop || p == limit ? p : nullptr;
 }
 
 // Searches come back to a long run from each of its positions.

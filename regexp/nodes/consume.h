@@ -4,6 +4,8 @@
 #include "regexp/nodes/node.h"
 #include "regexp/seek/kernels.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <memory>
 
 class CORVANE_REGEXP_EXPORT RE_Consume : public RE_Node {
@@ -11,6 +13,8 @@ public:
     enum class Order { greedy, lazy };
 
     static constexpr std::uint64_t noMaximum = unboundedLength;
+    /// Most runs in ordinary text are words: they end before a vector scan would pay.
+    static constexpr std::ptrdiff_t shortRun = 12;
 
     RE_Consume(RE_ParserContext& context, RE_Consumable* repeated, std::uint64_t least, std::uint64_t most,
                Order order);
@@ -25,6 +29,14 @@ public:
     /// fail as well, as they were part of that one. Shorter runs from within an endless one were tried; a run that is too
     /// short has no longer ones in it.
     const char16_t* lastHopelessStart(const char16_t* p, RE_Search_Info& info) const;
+    /// The end of a run, if it ends within so few units that nothing but a plain loop pays; else null.
+    const char16_t* shortRunEnd(const char16_t* p, const char16_t* limit) const {
+        const char16_t* const stop = p + std::min<std::ptrdiff_t>(limit - p, shortRun);
+        while (p < stop && units->contains(*p)) {
+            ++p;
+        }
+        return p < stop || p == limit ? p : nullptr;
+    }
     /// The end of the run of units from `p` on that the item matches, however long.
     const char16_t* wholeRunEnd(const char16_t* p, RE_Search_Info& info) const;
 
@@ -41,7 +53,6 @@ private:
     const char16_t* lastStart(const char16_t* from, const char16_t* last, RE_Search_Info& info) const;
     const char16_t* lastEnd(const char16_t* from, const char16_t* end, RE_Search_Info& info) const;
     const char16_t* endOfRunFrom(const char16_t* p, RE_Search_Info& info) const;
-    const char16_t* shortRunEnd(const char16_t* p, const char16_t* limit) const;
     const char16_t* runEnd(const char16_t* p, std::uint64_t most, RE_Search_Info& info) const;
     const char16_t* nextEnd(const char16_t* end, const char16_t* last, RE_Search_Info& info) const;
     bool takeShortest(const char16_t* p, std::size_t& pos, RE_Search_Info& info) const;

@@ -40,6 +40,12 @@ enum class RE_Node_Kind : std::uint8_t {
     startToken,
     endToken,
     matchToken,
+    lineStart,
+    lineEnd,
+    textStart,
+    textEnd,
+    wordStart,
+    wordEnd,
     passage  ///< matches everywhere and consumes nothing
 };
 

@@ -5,6 +5,7 @@
 #include "regexp/nodes/units.h"
 
 #include <algorithm>
+#include <bit>
 #include <iterator>
 #include <utility>
 
@@ -15,11 +16,12 @@ constexpr std::size_t mostUnitsOfClass = 16;
 
 std::vector<std::u16string> unitsOf(const RE_Unit_Set& set) {
     std::vector<std::u16string> units;
-    if (set.size() <= mostUnitsOfClass) {
-        for (std::size_t unit = 0; unit < RE_Unit_Set::unitCount; ++unit) {
-            if (set.contains(static_cast<char16_t>(unit))) {
-                units.emplace_back(1, static_cast<char16_t>(unit));
+    for (std::size_t block = 0; block < RE_Unit_Set::unitCount / 64; ++block) {
+        for (std::uint64_t bits = set.bits(block); bits != 0; bits &= bits - 1) {
+            if (units.size() == mostUnitsOfClass) {
+                return {};
             }
+            units.emplace_back(1, static_cast<char16_t>(64 * block + static_cast<std::size_t>(std::countr_zero(bits))));
         }
     }
     return units;

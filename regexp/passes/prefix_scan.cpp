@@ -125,7 +125,8 @@ public:
         : prefixes(units), places(known), saturates(saturating) {
         for (const RE_Prefix_Units& prefix : prefixes) {
             for (std::size_t place = 0; place < places; ++place) {
-                shares.push_back(shareOf(throughLens(prefix.places[place], saturates), saturates));
+                const bool repeats = place != 0 && prefix.places[place] == prefix.places[place - 1];
+                shares.push_back(repeats ? shares.back() : shareOf(throughLens(prefix.places[place], saturates), saturates));
             }
         }
     }

@@ -26,9 +26,7 @@ struct RE_Byte_Sets {
 
     void add(char16_t unit);
     void addAll(const RE_Unit_Set& units);
-    static bool holds(const std::array<std::uint64_t, 4>& bits, std::size_t byte) {
-        return (bits[byte / 64] >> (byte % 64) & 1) != 0;
-    }
+    bool operator==(const RE_Byte_Sets& other) const = default;
 };
 
 /// Gathers, for what a way through the graph consumes first, the units that may stand at each of its first places. Every

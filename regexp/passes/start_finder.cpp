@@ -21,6 +21,8 @@ constexpr double commonestUseful = 0.97;
 // By how much another finder has to be rarer than a scan for the first unit.
 // First units that are rarer than this are as good as anything.
 constexpr double rareEnough = 0.0025;
+// Where the first unit is more common than this, prefixes cannot do much.
+constexpr double common = 0.2;
 // A vector scan that stops more often than this is slower than a look at each position.
 constexpr double rareEnoughForPrefixes = 0.03;
 constexpr double worthPrefixes = 0.5;
@@ -104,6 +106,11 @@ private:
             return root;
         }
         const double firstLikelihood = setLikelihood(*first.units);
+        if (firstLikelihood > common) {
+            if (RE_Node* const inner = innerSeeker(rareEnough, first)) {
+                return inner;
+            }
+        }
         std::optional<RE_Likely_Prefixes> prefixes;
         if (firstLikelihood > rareEnough) {
             prefixes = prefixesFrom(root, allowsEmpty);
