@@ -299,7 +299,7 @@ TEST(Evaluation, YieldsNothingWhereTheHostGivesNoContext) {
     } host;
     const std::u16string pattern = u"(?@f $&)(?(?@g)a|b(?:(??@h)|(??${i})|c))";
     const RE_Tree tree(pattern.data(), pattern.size(), kPlain, &host);
-    EXPECT_EQ("[1,2]", describe(toOutcome(std::unique_ptr<RE_Results>(tree.match(u"abc", 0)))));
+    EXPECT_EQ("[1,2]", describe(toOutcome(std::unique_ptr<RE_Results>(tree.match(u"abc", 0)).get())));
 }
 
 }  // namespace

@@ -56,7 +56,9 @@ const std::pair<const char*, Work> kWork[] = {
      }},
     {"replace", [](const RE_Tree& tree, const RE_Replace& replace, const std::u16string& text) {
          RE_Search_Report report;
-         EXPECT_EQ(text.size(), replace.replace(text, tree, false, 0, {}, report).size());
+         // Broken off, it returns what was built up to the last match, which is nothing here.
+         const size_t length = replace.replace(text, tree, false, 0, {}, report).size();
+         EXPECT_EQ(report.isComplete() ? text.size() : 0, length);
          return report;
      }},
 };

@@ -26,7 +26,7 @@ public:
 };
 
 /// Lookahead and look-behind. Where it holds matching goes on at `nextNode`, where it does not at the fail target; a
-/// negative assertion has no next node. Consumes nothing.
+/// negative assertion has no next node unless it is a condition. Consumes nothing.
 class CORVANE_REGEXP_EXPORT RE_Lookaround_Assertion : public RE_Branch_Seek<RE_Can_Seek<RE_Consumable>> {
 public:
     RE_Lookaround_Assertion(RE_ParserContext& context, bool looksBehind, bool isNegative)

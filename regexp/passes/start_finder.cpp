@@ -51,10 +51,10 @@ RE_Node* behindTest(RE_Node* node) {
         return node->nextNode;
     }
     const auto* const assertion = dynamic_cast<RE_Lookaround_Assertion*>(node);
-    if (assertion == nullptr || (!assertion->negative && assertion->failTarget != nullptr)) {
+    if (assertion == nullptr || (assertion->nextNode != nullptr && assertion->failTarget != nullptr)) {
         return nullptr;
     }
-    return assertion->negative ? assertion->failTarget : assertion->nextNode;
+    return assertion->nextNode != nullptr ? assertion->nextNode : assertion->failTarget;
 }
 
 /// The first node that is more than an opening group or a test of the position.
