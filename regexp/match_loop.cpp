@@ -38,7 +38,8 @@ const RE_Node* takeUp(const RE_Node* chooser, const RE_Backtrack_Record& record,
     }
 }
 
-/// Takes up the most recent choice of the innermost body, or ends that body. Null when the whole run has failed.
+/// Takes up the most recent choice of the innermost body, or ends that body. Null when the whole run has
+/// failed.
 template <class Watch>
 const RE_Node* backtrack(RE_Search_Info& info, std::size_t& pos, std::size_t floor, Watch& watch) {
     if (info.backtrack.top < info.backtrack.base && info.bodies.size() == floor) {
@@ -63,8 +64,8 @@ const RE_Node* backtrack(RE_Search_Info& info, std::size_t& pos, std::size_t flo
     }
 }
 
-/// What visiting a node by its virtual functions led to: the node to go on at (null: a choice has to be taken up), or
-/// the end of the run.
+/// What visiting a node by its virtual functions led to: the node to go on at (null: a choice has to be taken
+/// up), or the end of the run.
 struct Visit {
     const RE_Node* following;
     bool isOver = false;

@@ -10,8 +10,8 @@
 #include <memory>
 #include <vector>
 
-/// A set of units: one bit for each of the 65,536. From some place on most sets hold all units or none: they know that
-/// place, so that building and comparing them looks at what stands before it only.
+/// A set of units: one bit for each of the 65,536. From some place on most sets hold all units or none: they
+/// know that place, so that building and comparing them looks at what stands before it only.
 class RE_Unit_Set : public RE_Memory {
 public:
     static constexpr std::size_t unitCount = 0x10000;
@@ -78,7 +78,8 @@ public:
 
     /// How many units have this unit as their lower-case form.
     std::size_t formsWithin(char16_t lowerForm) const;
-    /// Adds the units whose lower-case form lies in the bounds; with `bothForms` also those whose upper-case form does.
+    /// Adds the units whose lower-case form lies in the bounds; with `bothForms` also those whose upper-case
+    /// form does.
     void addFolding(RE_Unit_Set& set, char16_t low, char16_t high, bool bothForms) const;
 
 private:

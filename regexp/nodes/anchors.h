@@ -1,5 +1,5 @@
-// Zero-width tests of a position and its neighbours. Only the line feed separates lines. Each looks at the bounds first,
-// so that no unit outside the subject is read.
+// Zero-width tests of a position and its neighbours. Only the line feed separates lines. Each looks at the
+// bounds first, so that no unit outside the subject is read.
 #pragma once
 
 #include "regexp/nodes/node.h"

@@ -132,7 +132,8 @@ const char16_t* RE_Consume::lastStart(const char16_t* from, const char16_t* last
                                        : nextNode->rSeek(from, static_cast<std::size_t>(last - from), info);
 }
 
-// Steps over ends that failed before and ends at which the rest cannot begin, until neither has anything to say.
+// Steps over ends that failed before and ends at which the rest cannot begin, until neither has anything to
+// say.
 const char16_t* RE_Consume::lastEnd(const char16_t* from, const char16_t* end, RE_Search_Info& info) const {
     const bool seeks = nextNode->canSeek(false);
     std::size_t looked = 0;
@@ -160,7 +161,8 @@ const char16_t* RE_Consume::lastEnd(const char16_t* from, const char16_t* end, R
     }
 }
 
-// The first end in [end, last] that is worth trying: one at which the rest can begin and has not failed before.
+// The first end in [end, last] that is worth trying: one at which the rest can begin and has not failed
+// before.
 const char16_t* RE_Consume::nextEnd(const char16_t* end, const char16_t* last, RE_Search_Info& info) const {
     const bool seeks = info.requiredEnd == nullptr && nextNode->canSeek(false);
     for (;;) {

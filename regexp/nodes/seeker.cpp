@@ -49,8 +49,8 @@ StringInnerSeeker::StringInnerSeeker(RE_ParserContext& context, RE_Required_Lite
     memoIndex = context.nextMemoRow();
 }
 
-// The positions from `p` on from which the next literal can be reached over units that may stand before it. They are
-// remembered: from the later ones the same literal is the next.
+// The positions from `p` on from which the next literal can be reached over units that may stand before it.
+// They are remembered: from the later ones the same literal is the next.
 bool StringInnerSeeker::stretchFrom(const char16_t* p, RE_Search_Info& info, Stretch& stretch) const {
     if (const RE_Measured_Run* known = info.measuredRun(this); known != nullptr && known->holds(p)) {
         stretch = {p, known->end};

@@ -1,4 +1,5 @@
-// Roots that only find where a match may start. They consume nothing and match everywhere; what they add is `seek`.
+// Roots that only find where a match may start. They consume nothing and match everywhere; what they add is
+// `seek`.
 //
 // Each rules positions out and none in: wherever a match starts, its seeker finds the position.
 #pragma once

@@ -59,8 +59,8 @@ struct Probe_Test {
     }
 };
 
-// The low byte of each lane selects by its low four bits a row, and by the next three a bit of that row. Units from
-// 0x80 on pass when some of them may count: they are looked up after.
+// The low byte of each lane selects by its low four bits a row, and by the next three a bit of that row.
+// Units from 0x80 on pass when some of them may count: they are looked up after.
 struct Class_Test {
     const RE_Class_Scan& scan;
 
@@ -89,7 +89,8 @@ struct Class_Test {
     }
 };
 
-/// The first of the hits, one bit for each unit from `p` on, that stands up to the whole test; null when none does.
+/// The first of the hits, one bit for each unit from `p` on, that stands up to the whole test; null when none
+/// does.
 template <class Test>
 HWY_INLINE const char16_t* firstOf(std::uint64_t hits, const char16_t* p, const Test& test) {
     for (; hits != 0; hits &= hits - 1) {

@@ -1,4 +1,5 @@
-// Searching for a literal: two of its units, chosen to be rare, are looked for first, then the whole is compared.
+// Searching for a literal: two of its units, chosen to be rare, are looked for first, then the whole is
+// compared.
 #pragma once
 
 #include "regexp/seek/kernels.h"

@@ -11,8 +11,8 @@
 #include <optional>
 #include <vector>
 
-/// Looks at the first `width` units of every position. What it finds may be no literal, by accident; what it passes over is
-/// none for certain.
+/// Looks at the first `width` units of every position. What it finds may be no literal, by accident; what it
+/// passes over is none for certain.
 class CORVANE_REGEXP_EXPORT RE_Window_Filter {
 public:
     static constexpr std::size_t widest = 4;  ///< units
@@ -20,8 +20,8 @@ public:
     /// Nothing when the literals are too short, or when case cannot be ignored by ignoring one bit.
     static std::optional<RE_Window_Filter> make(const RE_Literal_Trie& literals);
 
-    /// The first position in [p, end) at which a literal may begin, or `end`. Units up to `limit` are readable, at least a
-    /// window from each position on.
+    /// The first position in [p, end) at which a literal may begin, or `end`. Units up to `limit` are
+    /// readable, at least a window from each position on.
     const char16_t* find(const char16_t* p, const char16_t* end, const char16_t* limit) const;
 
     std::size_t width() const { return units; }
