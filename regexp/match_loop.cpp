@@ -114,7 +114,8 @@ bool run(RE_Search_Info& info, const RE_Node* node, std::size_t& position, Watch
             following = visitDirectly(node, pos, info);
         } else {
             const bool ends = !Watch::watches && node->kind == RE_Node_Kind::end;
-            const Visit visited = ends ? visitEnd(node, info, pos, floor) : visit(node, info, pos, floor, watch);
+            const Visit visited =
+                ends ? visitEnd(node, info, pos, floor) : visit(node, info, pos, floor, watch);
             if (visited.isOver) {
                 position = pos;
                 return true;

@@ -32,7 +32,9 @@ private:
 
     void* do_allocate(std::size_t bytes, std::size_t alignment) override;
     void do_deallocate(void* block, std::size_t bytes, std::size_t alignment) override;
-    bool do_is_equal(const std::pmr::memory_resource& other) const noexcept override { return this == &other; }
+    bool do_is_equal(const std::pmr::memory_resource& other) const noexcept override {
+        return this == &other;
+    }
 
     void* carve(std::size_t bytes);
 

@@ -225,7 +225,7 @@ public:
     const char16_t* subjectEnd;
     const char16_t* matchStart = nullptr;   ///< start of the current attempt; null until the first reset
     const char16_t* requiredEnd = nullptr;  ///< where a look-behind body must end; null when unused
-    RE_Token_Stack* tokens = nullptr;       ///< null without memory, and when an `RE_Results` has taken the store
+    RE_Token_Stack* tokens = nullptr;  ///< null without memory, and when an `RE_Results` has taken the store
     RE_Backtrack_Stack backtrack;
 
     using Counts = boost::container::small_vector<std::size_t, 4, RE_Allocator<std::size_t>>;

@@ -41,7 +41,8 @@ using RE_Graph_Attributes = std::function<std::string(std::uint64_t nodeId)>;
 /// table of its own where it passes one. Offsets and lengths count UTF-16 code units.
 ///
 ///     RE_Tree tree(u"a(b+)c", false);
-///     std::unique_ptr<RE_Results> match(tree.match(u"xxabbc", 6, 0));   // start 2, length 4, token 0 at 3, length 2
+///     std::unique_ptr<RE_Results> match(tree.match(u"xxabbc", 6, 0));
+///     // start 2, length 4; token 0 at 3, length 2
 class CORVANE_REGEXP_EXPORT RE_Tree : public RE_Memory {
 public:
     // The plain constructors let the dot match line feeds, accept no empty match and are never interrupted;

@@ -60,7 +60,8 @@ private:
     std::size_t leastVaried() const;
 
     std::uint64_t words[wordCount] = {};
-    std::size_t varied = 0;  ///< words that may differ from the last one, which is 0 or all ones unless this is all of them
+    /// Words that may differ from the last one, which is 0 or all ones unless this is all of them.
+    std::size_t varied = 0;
 };
 
 /// The host's simple case mapping, unit by unit.

@@ -46,9 +46,7 @@ public:
     using RE_Anchor::RE_Anchor;
     const char16_t* seek(const char16_t* p, RE_Search_Info& info) const override;
     std::string label() const override { return "Match start of string"; }
-    bool holdsAt(const char16_t* p, const RE_Search_Info& info) const override {
-        return info.atBegin(p);
-    }
+    bool holdsAt(const char16_t* p, const RE_Search_Info& info) const override { return info.atBegin(p); }
 };
 template <>
 inline constexpr RE_Node_Kind kindOfNode<RE_Start_String> = RE_Node_Kind::textStart;
@@ -58,9 +56,7 @@ public:
     using RE_Anchor::RE_Anchor;
     const char16_t* seek(const char16_t* p, RE_Search_Info& info) const override;
     std::string label() const override { return "Match end of string"; }
-    bool holdsAt(const char16_t* p, const RE_Search_Info& info) const override {
-        return info.atEnd(p);
-    }
+    bool holdsAt(const char16_t* p, const RE_Search_Info& info) const override { return info.atEnd(p); }
 };
 template <>
 inline constexpr RE_Node_Kind kindOfNode<RE_End_String> = RE_Node_Kind::textEnd;

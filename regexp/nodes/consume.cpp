@@ -142,8 +142,7 @@ const char16_t* RE_Consume::lastEnd(const char16_t* from, const char16_t* end, R
         if (candidate == nullptr) {
             return nullptr;
         }
-        const char16_t* const startable =
-            seeks ? lastStart(from, candidate, info) : candidate;
+        const char16_t* const startable = seeks ? lastStart(from, candidate, info) : candidate;
         // A step for the candidate, and what was looked through for where the rest can begin.
         info.noteScan(RE_Step_Meter::unitsAStep +
                       static_cast<std::size_t>(candidate - (startable != nullptr ? startable : from)));

@@ -63,9 +63,9 @@ bool StringInnerSeeker::stretchFrom(const char16_t* p, RE_Search_Info& info, Str
     if (place == nullptr) {
         return false;
     }
-    const char16_t* const barrier = scanBackward(p, place, info, [this](const char16_t* from, const char16_t* to) {
-        return findLastClass(from, to, outside);
-    });
+    const char16_t* const barrier = scanBackward(
+        p, place, info,
+        [this](const char16_t* from, const char16_t* to) { return findLastClass(from, to, outside); });
     stretch = {barrier != nullptr ? barrier + 1 : p, place - required.leastBefore};
     if (stretch.begin <= stretch.end && !info.wasInterrupted()) {
         info.noteRun(this, {stretch.begin, stretch.end});

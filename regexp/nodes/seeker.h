@@ -68,7 +68,9 @@ public:
     RE_Text_Finder finder;
 
 protected:
-    const char16_t* scan(const char16_t* p, RE_Search_Info& info) const override { return finder.find(p, info); }
+    const char16_t* scan(const char16_t* p, RE_Search_Info& info) const override {
+        return finder.find(p, info);
+    }
 };
 template <>
 inline constexpr RE_Node_Kind kindOfNode<StringPrefixSeeker> = RE_Node_Kind::passage;
@@ -78,7 +80,9 @@ class CORVANE_REGEXP_EXPORT StringWindowSeeker : public RE_Seeker {
 public:
     StringWindowSeeker(RE_ParserContext& context, RE_Window_Filter windows)
         : RE_Seeker(context), filter(std::move(windows)) {}
-    std::string label() const override { return "Seek windows of " + std::to_string(filter.width()) + " units"; }
+    std::string label() const override {
+        return "Seek windows of " + std::to_string(filter.width()) + " units";
+    }
 
     RE_Window_Filter filter;
 

@@ -18,13 +18,13 @@ namespace {
 
 // First units that are more common than this rule out too little to be worth a scan.
 constexpr double commonestUseful = 0.97;
-// By how much another finder has to be rarer than a scan for the first unit.
 // First units that are rarer than this are as good as anything.
 constexpr double rareEnough = 0.0025;
 // Where the first unit is more common than this, prefixes cannot do much.
 constexpr double common = 0.2;
 // A vector scan that stops more often than this is slower than a look at each position.
 constexpr double rareEnoughForPrefixes = 0.03;
+// By how much another finder has to be rarer than a scan for the first unit.
 constexpr double worthPrefixes = 0.5;
 constexpr double worthGoingBack = 0.1;
 
@@ -119,21 +119,22 @@ private:
         const double best = prefixesPay ? prefixes->likelihood : firstLikelihood;
         std::optional<RE_Text_Finder> before = literalBehind(leading);
         if (before && before->likelihood() < best) {
-            return inFront(RE_Start_Finder::literalBehind, context.make<StringBehindSeeker>(std::move(*before)));
+            return inFront(RE_Start_Finder::literalBehind,
+                           context.make<StringBehindSeeker>(std::move(*before)));
         }
         if (RE_Node* const inner = innerSeeker(best * worthGoingBack, first)) {
             return inner;
         }
         if (prefixesPay && best < rareEnoughForPrefixes) {
-            return inFront(RE_Start_Finder::prefixes, context.make<StringPrefixSeeker>(
-                                                          RE_Text_Finder(prefixes->scan, prefixes->likelihood)));
+            return inFront(RE_Start_Finder::prefixes, context.make<StringPrefixSeeker>(RE_Text_Finder(
+                                                          prefixes->scan, prefixes->likelihood)));
         }
         if (RE_Node* const windows = windowSeeker(best)) {
             return windows;
         }
         if (prefixesPay) {
-            return inFront(RE_Start_Finder::prefixes, context.make<StringPrefixSeeker>(
-                                                          RE_Text_Finder(prefixes->scan, prefixes->likelihood)));
+            return inFront(RE_Start_Finder::prefixes, context.make<StringPrefixSeeker>(RE_Text_Finder(
+                                                          prefixes->scan, prefixes->likelihood)));
         }
         if (firstLikelihood > commonestUseful) {
             return root;

@@ -24,9 +24,10 @@ HWY_INLINE Vector load(const char16_t* p) {
 }
 
 template <std::size_t lanes>
-using Bits = std::conditional_t<
-    lanes <= 8, std::uint8_t,
-    std::conditional_t<lanes <= 16, std::uint16_t, std::conditional_t<lanes <= 32, std::uint32_t, std::uint64_t>>>;
+using Bits =
+    std::conditional_t<lanes <= 8, std::uint8_t,
+                       std::conditional_t<lanes <= 16, std::uint16_t,
+                                          std::conditional_t<lanes <= 32, std::uint32_t, std::uint64_t>>>;
 
 // What is read back is as wide as what was stored: the processor hands it over without waiting.
 HWY_INLINE std::uint64_t bitsOf(Mask mask) {
@@ -146,8 +147,9 @@ HWY_INLINE Vector prefixesWith(Vector units, const std::uint8_t* lowRows, const 
     const Vector nibble = hn::Set(d, std::uint16_t{0x0F});
     const Vector low = hn::And(units, nibble);
     const Vector high = hn::And(hn::ShiftRight<4>(units), nibble);
-    return hn::And(hn::BitCast(d, hn::TableLookupBytes(hn::LoadDup128(bytes, lowRows), hn::BitCast(bytes, low))),
-                   hn::BitCast(d, hn::TableLookupBytes(hn::LoadDup128(bytes, highRows), hn::BitCast(bytes, high))));
+    return hn::And(
+        hn::BitCast(d, hn::TableLookupBytes(hn::LoadDup128(bytes, lowRows), hn::BitCast(bytes, low))),
+        hn::BitCast(d, hn::TableLookupBytes(hn::LoadDup128(bytes, highRows), hn::BitCast(bytes, high))));
 }
 #endif
 
@@ -169,7 +171,9 @@ struct Prefix_Test {
         return hn::Ne(prefixes, hn::Zero(d));
 #endif
     }
-    bool holds(const char16_t* p) const { return scan.mayStandAt(p); }
+    bool holds(const char16_t* p) const {
+        return scan.mayStandAt(p);
+    }
 };
 
 template <class Test>

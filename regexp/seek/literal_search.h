@@ -27,9 +27,7 @@ struct RE_Literal {
     std::size_t length;    ///< at least 1
     bool ignoreCase;
 
-    bool matchesAt(const char16_t* p) const {
-        return ignoreCase ? foldsTo(p) : equalUnits(p, text, length);
-    }
+    bool matchesAt(const char16_t* p) const { return ignoreCase ? foldsTo(p) : equalUnits(p, text, length); }
 
 private:
     bool foldsTo(const char16_t* p) const;

@@ -18,7 +18,8 @@ class RE_Text_Finder {
 public:
     /// `literal` is in lower case when case is ignored.
     RE_Text_Finder(std::u16string literal, bool ignoreCase);
-    RE_Text_Finder(const RE_Prefix_Scan& scan, double share) : prefixes(scan), search({u"", 0, false}), likely(share) {}
+    RE_Text_Finder(const RE_Prefix_Scan& scan, double share)
+        : prefixes(scan), search({u"", 0, false}), likely(share) {}
 
     /// The first place from `p` on, or null.
     const char16_t* find(const char16_t* p, RE_Search_Info& info) const;
@@ -40,6 +41,7 @@ private:
 
 struct RE_Required_Literal {
     RE_Text_Finder finder;
-    std::shared_ptr<const RE_Unit_Set> before;  ///< every unit of a match before its first such literal is one of these
-    std::uint64_t leastBefore;                  ///< how many there are at least
+    /// Every unit of a match before its first such literal is one of these.
+    std::shared_ptr<const RE_Unit_Set> before;
+    std::uint64_t leastBefore;  ///< how many there are at least
 };
