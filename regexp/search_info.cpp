@@ -162,30 +162,8 @@ void RE_Search_Info::endToken(std::size_t index, const char16_t* p, bool invalid
     }
 }
 
-namespace {
-
-const RE_TokenInfo* withinSubject(const RE_TokenInfo* token, std::size_t subjectLength) {
-    const bool fits =
-        token != nullptr && token->start <= subjectLength && token->length <= subjectLength - token->start;
-    return fits ? token : nullptr;
-}
-
-}  // namespace
-
-const RE_TokenInfo* RE_Search_Info::getToken(std::size_t index) const {
-    return tokens == nullptr ? nullptr : withinSubject(tokens->get(index), subjectLength());
-}
-
 const RE_TokenInfo* RE_Search_Info::getToken(const char16_t* name) const {
-    return tokens == nullptr ? nullptr : withinSubject(tokens->get(name), subjectLength());
-}
-
-void RE_Search_Info::notePass(std::size_t pass, std::size_t word) {
-    setRegister(facts->tokenCount + pass, word);
-}
-
-std::size_t RE_Search_Info::passWord(std::size_t pass) const {
-    return registers[facts->tokenCount + pass];
+    return tokens == nullptr ? nullptr : withinSubject(tokens->get(name));
 }
 
 std::size_t& RE_Search_Info::topCount(const RE_Node* counter) {

@@ -1,5 +1,6 @@
 #include "regexp/seek/kernels.h"
 
+#include <algorithm>
 #include <bit>
 #include <type_traits>
 
@@ -48,14 +49,15 @@ struct Unit_Test {
 };
 
 struct Probe_Test {
-    RE_Literal_Probe probe;
+    const RE_Literal_Probe& probe;
 
     HWY_INLINE Mask operator()(const char16_t* p) const {
         return hn::And(equals(load(p + probe.firstAt), probe.first),
                        equals(load(p + probe.secondAt), probe.second));
     }
     bool holds(const char16_t* p) const {
-        return probe.first.holds(p[probe.firstAt]) && probe.second.holds(p[probe.secondAt]);
+        return probe.first.holds(p[probe.firstAt]) && probe.second.holds(p[probe.secondAt]) &&
+               std::equal(probe.text, probe.text + probe.length, p);
     }
 };
 
