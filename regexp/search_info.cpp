@@ -166,6 +166,14 @@ const RE_TokenInfo* RE_Search_Info::getToken(const char16_t* name) const {
     return tokens == nullptr ? nullptr : withinSubject(tokens->get(name));
 }
 
+void RE_Search_Info::notePass(std::size_t pass, std::size_t word) {
+    setRegister(facts->tokenCount + pass, word);
+}
+
+std::size_t RE_Search_Info::passWord(std::size_t pass) const {
+    return registers[facts->tokenCount + pass];
+}
+
 std::size_t& RE_Search_Info::topCount(const RE_Node* counter) {
     Counts& counts = counterStacks[counter];
     if (counts.empty()) {

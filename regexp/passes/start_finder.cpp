@@ -11,6 +11,7 @@
 #include "regexp/passes/required_literal.h"
 #include "regexp/seek/likelihood.h"
 
+#include <algorithm>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -27,8 +28,9 @@ constexpr double common = 0.2;
 // A vector scan that stops more often than this is slower than a look at each position.
 constexpr double rareEnoughForPrefixes = 0.03;
 constexpr double worthPrefixes = 0.5;
-constexpr double rarerThanLines = 0.002;
+constexpr double rarerThanLines = 0.00002;
 constexpr double worthGoingBack = 0.3;
+constexpr double commonestLiteral = 0.02;
 
 /// The first node that is more than an opening group.
 RE_Node* leadingNode(RE_Node* root) {
@@ -141,7 +143,7 @@ private:
         if (before && before->likelihood() < best) {
             return inFront(RE_Start_Finder::literalBehind, context.make<StringBehindSeeker>(std::move(*before)));
         }
-        if (RE_Node* const inner = innerSeeker(best * worthGoingBack, first)) {
+        if (RE_Node* const inner = innerSeeker(std::min(best * worthGoingBack, commonestLiteral), first)) {
             return inner;
         }
         if (prefixesPay && best < rareEnoughForPrefixes) {
