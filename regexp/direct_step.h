@@ -41,9 +41,10 @@ const RE_Node* visitAnchor(const RE_Node* node, std::size_t pos, const RE_Search
 /// Visits a loop over one unit. Most give nothing back and are over after a few units.
 inline const RE_Node* visitRun(const RE_Node* node, std::size_t& pos, RE_Search_Info& info) {
     const auto& loop = static_cast<const RE_Consume&>(*node);
-    if (loop.possessive && !loop.lazy && loop.maximum == RE_Consume::noMaximum) {
+    if (loop.possessive && !loop.lazy) {
         const char16_t* const p = info.subjectBegin + pos;
-        if (const char16_t* const end = loop.shortRunEnd(p, info.subjectEnd)) {
+        const std::uint64_t left = static_cast<std::uint64_t>(info.subjectEnd - p);
+        if (const char16_t* const end = loop.shortRunEnd(p, p + std::min(left, loop.maximum))) {
             if (static_cast<std::uint64_t>(end - p) < loop.minimum) {
                 return nullptr;
             }

@@ -54,8 +54,9 @@ RE_Results* RE_Match_Sequence::search(std::size_t offset) {
     }
     if (view) {
         info.searchBehind(view->matchStart + view->matchLength);
-    } else {
+    } else if (!prepared) {
         info.prepare(*tree.facts);
+        prepared = tree.facts->profiler == nullptr;  // each search counts for itself
     }
     info.putInterruptAside();
     std::size_t length = 0;

@@ -48,5 +48,6 @@ private:
     RE_Search_Info info;
     bool watchesMemory;
     bool memoryFull = false;
+    bool prepared = false;  ///< for the pattern
     std::optional<RE_Results> view;
 };

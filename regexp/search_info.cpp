@@ -162,22 +162,8 @@ void RE_Search_Info::endToken(std::size_t index, const char16_t* p, bool invalid
     }
 }
 
-namespace {
-
-const RE_TokenInfo* withinSubject(const RE_TokenInfo* token, std::size_t subjectLength) {
-    const bool fits =
-        token != nullptr && token->start <= subjectLength && token->length <= subjectLength - token->start;
-    return fits ? token : nullptr;
-}
-
-}  // namespace
-
-const RE_TokenInfo* RE_Search_Info::getToken(std::size_t index) const {
-    return tokens == nullptr ? nullptr : withinSubject(tokens->get(index), subjectLength());
-}
-
 const RE_TokenInfo* RE_Search_Info::getToken(const char16_t* name) const {
-    return tokens == nullptr ? nullptr : withinSubject(tokens->get(name), subjectLength());
+    return tokens == nullptr ? nullptr : withinSubject(tokens->get(name));
 }
 
 void RE_Search_Info::notePass(std::size_t pass, std::size_t word) {

@@ -158,7 +158,9 @@ public:
     void startToken(std::size_t index, const char16_t* name, const char16_t* p);
     void endToken(std::size_t index, const char16_t* p, bool invalidate);
     /// The token, or null when it is not in effect or would reach past the subject.
-    const RE_TokenInfo* getToken(std::size_t index) const;
+    const RE_TokenInfo* getToken(std::size_t index) const {
+        return tokens == nullptr ? nullptr : withinSubject(tokens->get(index));
+    }
     const RE_TokenInfo* getToken(int index) const { return getToken(static_cast<std::size_t>(index)); }
     const RE_TokenInfo* getToken(const char16_t* name) const;
 
@@ -278,6 +280,11 @@ private:
     void handBackInterrupt();
     void carryMemoOver(std::size_t end);
     void forgetAttempt();
+    const RE_TokenInfo* withinSubject(const RE_TokenInfo* token) const {
+        const bool fits = token != nullptr && token->start <= subjectLength() &&
+                          token->length <= subjectLength() - token->start;
+        return fits ? token : nullptr;
+    }
     bool passCheckpoint();
     void beginMemo();
     void countTowardsMemo() {

@@ -50,6 +50,8 @@ public:
 
 private:
     bool goOn(const char16_t* from, const char16_t* end, std::size_t& pos, RE_Search_Info& info) const;
+    bool nextSeeks(const RE_Search_Info& info) const;
+    const char16_t* nextStart(const char16_t* p, RE_Search_Info& info) const;
     const char16_t* lastStart(const char16_t* from, const char16_t* last, RE_Search_Info& info) const;
     const char16_t* lastEnd(const char16_t* from, const char16_t* end, RE_Search_Info& info) const;
     const char16_t* endOfRunFrom(const char16_t* p, RE_Search_Info& info) const;

@@ -28,6 +28,9 @@ public:
     StringCharSeeker(RE_ParserContext& context, std::shared_ptr<const RE_Unit_Set> units)
         : RE_Seeker(context), set(std::move(units)), members(*set, true) {}
     std::string label() const override { return "Seek one of " + std::to_string(set->size()) + " units"; }
+    const char16_t* seek(const char16_t* p, RE_Search_Info& info) const override {
+        return p < info.subjectEnd && set->contains(*p) ? p : RE_Seeker::seek(p, info);
+    }
 
     std::shared_ptr<const RE_Unit_Set> set;
     RE_Class_Scan members;

@@ -11,6 +11,8 @@
 #include "regexp/passes/required_literal.h"
 #include "regexp/seek/likelihood.h"
 
+#include <algorithm>
+#include <memory>
 #include <optional>
 #include <utility>
 
@@ -26,7 +28,9 @@ constexpr double common = 0.2;
 constexpr double rareEnoughForPrefixes = 0.03;
 // By how much another finder has to be rarer than a scan for the first unit.
 constexpr double worthPrefixes = 0.5;
-constexpr double worthGoingBack = 0.1;
+constexpr double rarerThanLines = 0.00002;
+constexpr double worthGoingBack = 0.3;
+constexpr double commonestLiteral = 0.02;
 
 /// The first node that is more than an opening group.
 RE_Node* leadingNode(RE_Node* root) {
@@ -66,13 +70,20 @@ RE_Node* leadingConsumer(RE_Node* root) {
     return node;
 }
 
-/// The literal that a look-behind at the front of the pattern asks for.
+/// Finds the literal, or the unit of a class, that a look-behind at the front of the pattern asks for.
 std::optional<RE_Text_Finder> literalBehind(const RE_Node* leading) {
     const auto* const assertion = dynamic_cast<const RE_Lookaround_Assertion*>(leading);
     const bool asks = assertion != nullptr && assertion->behind && !assertion->negative &&
                       assertion->failTarget == nullptr && assertion->glanceEnd != nullptr;
     const bool alone = asks && assertion->body->nextNode == assertion->glanceEnd;
-    return alone ? literalOf(assertion->body) : std::nullopt;
+    if (!alone) {
+        return std::nullopt;
+    }
+    const auto* const unit = dynamic_cast<const RE_Consumable*>(assertion->body);
+    if (const RE_Unit_Set* const table = unit != nullptr ? unit->table() : nullptr) {
+        return RE_Text_Finder({std::shared_ptr<const void>(), table}, setLikelihood(*table));
+    }
+    return literalOf(assertion->body);
 }
 
 /// Goes through the finders that come to mind in the order of `RE_Start_Finder`.
@@ -86,11 +97,9 @@ public:
         if (context.facts->hasDynamicNodes) {
             return root;
         }
-        const bool anchored = dynamic_cast<RE_Start_String*>(leading) != nullptr ||
-                              dynamic_cast<RE_Start_Line*>(leading) != nullptr;
-        if (anchored && root->canSeek(false)) {
-            context.facts->startFinder = RE_Start_Finder::anchored;
-            return root;
+        const bool ofLine = dynamic_cast<RE_Start_Line*>(leading) != nullptr;
+        if ((ofLine || dynamic_cast<RE_Start_String*>(leading) != nullptr) && root->canSeek(false)) {
+            return ofLine ? chooseForLines() : anchored();
         }
         if (auto* string = dynamic_cast<RE_String*>(leadingConsumer(root))) {
             return inFront(RE_Start_Finder::literal, context.make<StringStringSeeker>(*string));
@@ -99,6 +108,19 @@ public:
     }
 
 private:
+    RE_Node* anchored() {
+        context.facts->startFinder = RE_Start_Finder::anchored;
+        return root;
+    }
+
+    // Lines without a rare literal that they need are not looked at one by one.
+    RE_Node* chooseForLines() {
+        RE_First_Units first;
+        const bool isKnown = first.gather(root) && !first.mayBeEmpty && !first.mayBeAtEnd;
+        RE_Node* const inner = isKnown ? innerSeeker(rarerThanLines, first) : nullptr;
+        return inner != nullptr ? inner : anchored();
+    }
+
     RE_Node* chooseByUnits(const RE_Node* leading) {
         RE_First_Units first;
         const bool allowsEmpty = (context.flags & RE_FLAG_ALLOW_EMPTY) != 0;
@@ -122,7 +144,7 @@ private:
             return inFront(RE_Start_Finder::literalBehind,
                            context.make<StringBehindSeeker>(std::move(*before)));
         }
-        if (RE_Node* const inner = innerSeeker(best * worthGoingBack, first)) {
+        if (RE_Node* const inner = innerSeeker(std::min(best * worthGoingBack, commonestLiteral), first)) {
             return inner;
         }
         if (prefixesPay && best < rareEnoughForPrefixes) {

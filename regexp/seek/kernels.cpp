@@ -1,5 +1,6 @@
 #include "regexp/seek/kernels.h"
 
+#include <algorithm>
 #include <bit>
 #include <type_traits>
 
@@ -36,27 +37,32 @@ HWY_INLINE std::uint64_t bitsOf(Mask mask) {
     return bits;
 }
 
+/// With `alone` the two units of the pair are one.
+template <bool alone>
 HWY_INLINE Mask equals(Vector units, RE_Unit_Pair pair) {
     const Mask one = hn::Eq(units, hn::Set(Lanes(), static_cast<std::uint16_t>(pair.one)));
-    return hn::Or(one, hn::Eq(units, hn::Set(Lanes(), static_cast<std::uint16_t>(pair.other))));
+    return alone ? one : hn::Or(one, hn::Eq(units, hn::Set(Lanes(), static_cast<std::uint16_t>(pair.other))));
 }
 
+template <bool alone>
 struct Unit_Test {
     RE_Unit_Pair unit;
 
-    HWY_INLINE Mask operator()(const char16_t* p) const { return equals(load(p), unit); }
+    HWY_INLINE Mask operator()(const char16_t* p) const { return equals<alone>(load(p), unit); }
     bool holds(const char16_t* p) const { return unit.holds(*p); }
 };
 
+template <bool alone>
 struct Probe_Test {
-    RE_Literal_Probe probe;
+    const RE_Literal_Probe& probe;
 
     HWY_INLINE Mask operator()(const char16_t* p) const {
-        return hn::And(equals(load(p + probe.firstAt), probe.first),
-                       equals(load(p + probe.secondAt), probe.second));
+        return hn::And(equals<alone>(load(p + probe.firstAt), probe.first),
+                       equals<alone>(load(p + probe.secondAt), probe.second));
     }
     bool holds(const char16_t* p) const {
-        return probe.first.holds(p[probe.firstAt]) && probe.second.holds(p[probe.secondAt]);
+        return probe.first.holds(p[probe.firstAt]) && probe.second.holds(p[probe.secondAt]) &&
+               std::equal(probe.text, probe.text + probe.length, p);
     }
 };
 
@@ -197,11 +203,17 @@ const char16_t* findBackward(const char16_t* p, const char16_t* end, const Test&
     return nullptr;
 }
 
+HWY_INLINE bool isAlone(const RE_Literal_Probe& probe) {
+    return probe.first.one == probe.first.other && probe.second.one == probe.second.other;
+}
+
 const char16_t* unitForward(const char16_t* p, const char16_t* end, RE_Unit_Pair unit) {
-    return findForward(p, end, Unit_Test{unit});
+    return unit.one == unit.other ? findForward(p, end, Unit_Test<true>{unit})
+                                  : findForward(p, end, Unit_Test<false>{unit});
 }
 const char16_t* unitBackward(const char16_t* p, const char16_t* end, RE_Unit_Pair unit) {
-    return findBackward(p, end, Unit_Test{unit});
+    return unit.one == unit.other ? findBackward(p, end, Unit_Test<true>{unit})
+                                  : findBackward(p, end, Unit_Test<false>{unit});
 }
 const char16_t* classForward(const char16_t* p, const char16_t* end, const RE_Class_Scan& scan) {
     return findForward(p, end, Class_Test{scan});
@@ -210,7 +222,8 @@ const char16_t* classBackward(const char16_t* p, const char16_t* end, const RE_C
     return findBackward(p, end, Class_Test{scan});
 }
 const char16_t* probeForward(const char16_t* p, const char16_t* end, const RE_Literal_Probe& probe) {
-    return findForward(p, end, Probe_Test{probe});
+    return isAlone(probe) ? findForward(p, end, Probe_Test<true>{probe})
+                          : findForward(p, end, Probe_Test<false>{probe});
 }
 const char16_t* prefixForward(const char16_t* p, const char16_t* end, const RE_Prefix_Scan& scan) {
     switch (scan.depth) {
@@ -225,7 +238,8 @@ const char16_t* prefixForward(const char16_t* p, const char16_t* end, const RE_P
     }
 }
 const char16_t* probeBackward(const char16_t* p, const char16_t* end, const RE_Literal_Probe& probe) {
-    return findBackward(p, end, Probe_Test{probe});
+    return isAlone(probe) ? findBackward(p, end, Probe_Test<true>{probe})
+                          : findBackward(p, end, Probe_Test<false>{probe});
 }
 
 }  // namespace HWY_NAMESPACE

@@ -42,6 +42,8 @@ struct RE_Literal_Probe {
     RE_Unit_Pair second;
     std::size_t firstAt;
     std::size_t secondAt;
+    const char16_t* text = nullptr;  ///< the whole literal, where it is compared as it stands
+    std::size_t length = 0;
 };
 
 /// Up to eight prefixes, each known at up to four places, prepared for scanning for all of them at once. A
@@ -81,8 +83,8 @@ struct RE_Prefix_Scan {
 // The first position in [p, end) that counts, or `end`.
 const char16_t* findUnit(const char16_t* p, const char16_t* end, RE_Unit_Pair unit);
 const char16_t* findClass(const char16_t* p, const char16_t* end, const RE_Class_Scan& scan);
-/// Both units of the probe stand at their distances. Units up to `end` plus the larger distance must be
-/// readable.
+/// Both units of the probe stand at their distances, and so does the text if there is one. Units up to `end`
+/// plus the larger distance, and the whole text from each position on, must be readable.
 const char16_t* findProbe(const char16_t* p, const char16_t* end, const RE_Literal_Probe& probe);
 
 /// A prefix may stand there. Units up to `end` plus the reach must be readable.

@@ -30,11 +30,18 @@ constexpr std::array<double, 0x80> asciiLikelihoods() {
 
 constexpr std::array<double, 0x80> ascii = asciiLikelihoods();
 constexpr double foreignLetter = 0.005;
+constexpr double commonForeignLetter = 0.01;
 
 }  // namespace
 
 double unitLikelihood(char16_t unit) {
-    return unit < ascii.size() ? ascii[unit] : foreignLetter;
+    if (unit < ascii.size()) {
+        return ascii[unit];
+    }
+    // The commonest letters of Cyrillic prose.
+    static constexpr std::u16string_view common =
+        u"\u043E\u0435\u0430\u0438\u043D\u0442\u0441\u0440\u0432\u043B";
+    return common.find(unit) != common.npos ? commonForeignLetter : foreignLetter;
 }
 
 double setLikelihood(const RE_Unit_Set& set) {

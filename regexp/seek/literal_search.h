@@ -48,6 +48,8 @@ public:
     double likelihood() const;
 
 private:
+    RE_Literal_Probe probeFor(const RE_Literal& literal) const;
+
     bool probes = false;  ///< without it every position is compared
     RE_Literal_Probe probe{};
 };
