@@ -18,19 +18,23 @@
 
 namespace {
 
+// Shares of the positions of ordinary text, as seek/likelihood.h estimates them.
+
 // First units that are more common than this rule out too little to be worth a scan.
 constexpr double commonestUseful = 0.97;
-// By how much another finder has to be rarer than a scan for the first unit.
+// Where they are more common than this, prefixes cannot do much.
+constexpr double common = 0.2;
 // First units that are rarer than this are as good as anything.
 constexpr double rareEnough = 0.0025;
-// Where the first unit is more common than this, prefixes cannot do much.
-constexpr double common = 0.2;
 // A vector scan that stops more often than this is slower than a look at each position.
 constexpr double rareEnoughForPrefixes = 0.03;
-constexpr double worthPrefixes = 0.5;
-constexpr double rarerThanLines = 0.00002;
-constexpr double worthGoingBack = 0.3;
+// A literal within the match is worth the way back from it up to this, and in place of lines one by one up to the other.
 constexpr double commonestLiteral = 0.02;
+constexpr double rarerThanLines = 0.00002;
+
+// By how much another finder has to be rarer than a scan for the first unit.
+constexpr double worthPrefixes = 0.5;
+constexpr double worthGoingBack = 0.3;
 
 /// The first node that is more than an opening group.
 RE_Node* leadingNode(RE_Node* root) {
