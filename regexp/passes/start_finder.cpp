@@ -131,40 +131,43 @@ private:
         if (!first.gather(root) || ((first.mayBeEmpty || first.mayBeAtEnd) && allowsEmpty)) {
             return root;
         }
-        const double firstLikelihood = setLikelihood(*first.units);
-        if (firstLikelihood > common) {
+        const double share = setLikelihood(*first.units);
+        if (RE_Node* const rarer = rarerSeeker(leading, first, share, allowsEmpty)) {
+            return rarer;
+        }
+        if (share > commonestUseful) {
+            return root;
+        }
+        return inFront(RE_Start_Finder::firstUnits, context.make<StringCharSeeker>(std::move(first.units)));
+    }
+
+    /// A seeker that stops less often than one for the first units, which are this share of all; null when there is none.
+    RE_Node* rarerSeeker(const RE_Node* leading, const RE_First_Units& first, double share, bool allowsEmpty) {
+        if (share > common) {
             if (RE_Node* const inner = innerSeeker(rareEnough, first)) {
                 return inner;
             }
         }
         std::optional<RE_Likely_Prefixes> prefixes;
-        if (firstLikelihood > rareEnough) {
+        if (share > rareEnough) {
             prefixes = prefixesFrom(root, allowsEmpty);
         }
-        const bool prefixesPay = prefixes && prefixes->likelihood < firstLikelihood * worthPrefixes;
-        const double best = prefixesPay ? prefixes->likelihood : firstLikelihood;
+        const bool prefixesPay = prefixes && prefixes->likelihood < share * worthPrefixes;
+        const double best = prefixesPay ? prefixes->likelihood : share;
         std::optional<RE_Text_Finder> before = literalBehind(leading);
         if (before && before->likelihood() < best) {
             return inFront(RE_Start_Finder::literalBehind, context.make<StringBehindSeeker>(std::move(*before)));
         }
-        if (RE_Node* const inner = innerSeeker(std::min(best * worthGoingBack, commonestLiteral), first)) {
-            return inner;
+        RE_Node* seeker = innerSeeker(std::min(best * worthGoingBack, commonestLiteral), first);
+        if (seeker == nullptr && best >= rareEnoughForPrefixes) {
+            seeker = windowSeeker(best);
         }
-        if (prefixesPay && best < rareEnoughForPrefixes) {
-            return inFront(RE_Start_Finder::prefixes, context.make<StringPrefixSeeker>(
-                                                          RE_Text_Finder(prefixes->scan, prefixes->likelihood)));
-        }
-        if (RE_Node* const windows = windowSeeker(best)) {
-            return windows;
-        }
-        if (prefixesPay) {
-            return inFront(RE_Start_Finder::prefixes, context.make<StringPrefixSeeker>(
-                                                          RE_Text_Finder(prefixes->scan, prefixes->likelihood)));
-        }
-        if (firstLikelihood > commonestUseful) {
-            return root;
-        }
-        return inFront(RE_Start_Finder::firstUnits, context.make<StringCharSeeker>(std::move(first.units)));
+        return seeker != nullptr || !prefixesPay ? seeker : prefixSeeker(*prefixes);
+    }
+
+    RE_Node* prefixSeeker(const RE_Likely_Prefixes& prefixes) {
+        return inFront(RE_Start_Finder::prefixes,
+                       context.make<StringPrefixSeeker>(RE_Text_Finder(prefixes.scan, prefixes.likelihood)));
     }
 
     /// A seeker for a required literal that is rarer than `likelihood`; null when there is none.
