@@ -1,5 +1,5 @@
-// Patterns with expressions, under a host that evaluates them by simple rules without a memory: a search gives the same
-// answer each time, under every setting.
+// Patterns with expressions, under a host that evaluates them by simple rules without a memory: a search
+// gives the same answer each time, under every setting.
 #include "fuzz/targets.h"
 
 #include "host/memory.h"

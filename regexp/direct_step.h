@@ -1,5 +1,5 @@
-// One step of the match loop for the nodes that most steps visit: the same functions that `RE_Node` declares, called
-// without looking them up. What a node does is written once, in its class.
+// One step of the match loop for the nodes that most steps visit: the same functions that `RE_Node` declares,
+// called without looking them up. What a node does is written once, in its class.
 #pragma once
 
 #include "regexp/nodes/anchors.h"
@@ -55,8 +55,10 @@ inline const RE_Node* visitRun(const RE_Node* node, std::size_t& pos, RE_Search_
     return visitLeaf<RE_Consume>(node, pos, info);
 }
 
-/// Visits a node of a kind other than `other` and `end`. Returns the node to go on at, or null where a choice has to be taken up.
-[[gnu::always_inline]] inline const RE_Node* visitDirectly(const RE_Node* node, std::size_t& pos, RE_Search_Info& info) {
+/// Visits a node of a kind other than `other` and `end`. Returns the node to go on at, or null where a choice
+/// has to be taken up.
+[[gnu::always_inline]] inline const RE_Node* visitDirectly(const RE_Node* node, std::size_t& pos,
+                                                           RE_Search_Info& info) {
     switch (node->kind) {
         case RE_Node_Kind::literal:
             return visitUnit<RE_Natural>(node, pos, info);
@@ -86,7 +88,8 @@ inline const RE_Node* visitRun(const RE_Node* node, std::size_t& pos, RE_Search_
             return visitLeaf<RE_End_Token>(node, pos, info);
         case RE_Node_Kind::matchToken: {
             const auto& token = static_cast<const RE_Match_Token&>(*node);
-            return token.RE_Match_Token::match(info.subjectBegin, pos, info) ? token.nextNode : token.failTarget;
+            return token.RE_Match_Token::match(info.subjectBegin, pos, info) ? token.nextNode
+                                                                             : token.failTarget;
         }
         case RE_Node_Kind::lineStart:
             return visitAnchor<RE_Start_Line>(node, pos, info);

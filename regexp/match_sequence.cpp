@@ -4,8 +4,8 @@
 
 #include <new>
 
-// The state is told of interrupts only while a search runs: a request that comes between two searches is for the
-// caller to see.
+// The state is told of interrupts only while a search runs: a request that comes between two searches is for
+// the caller to see.
 RE_Match_Sequence::RE_Match_Sequence(const RE_Tree& pattern, std::u16string_view subject,
                                      const RE_Search_Limits* searchLimits)
     : tree(pattern), info(freshState(subject)), watchesMemory(searchLimits != nullptr) {

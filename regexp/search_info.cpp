@@ -49,8 +49,8 @@ void RE_Search_Info::handBackInterrupt() {
     interruptWasPending = false;
 }
 
-// Where failures outlive a start the memo goes on: all searches together cost what one would. Elsewhere it would begin
-// empty at every start, so it waits until a search needs it.
+// Where failures outlive a start the memo goes on: all searches together cost what one would. Elsewhere it
+// would begin empty at every start, so it waits until a search needs it.
 void RE_Search_Info::carryMemoOver(std::size_t end) {
     if (facts->memoOutlivesStarts()) {
         memo->searchFrom(end);

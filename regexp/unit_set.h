@@ -11,8 +11,8 @@
 #include <memory>
 #include <vector>
 
-/// A set of units: one bit for each of the 65,536. From some place on most sets hold all units or none: they know that
-/// place, so that building and comparing them looks at what stands before it only.
+/// A set of units: one bit for each of the 65,536. From some place on most sets hold all units or none: they
+/// know that place, so that building and comparing them looks at what stands before it only.
 class RE_Unit_Set : public RE_Memory {
 public:
     static constexpr std::size_t unitCount = 0x10000;
@@ -61,7 +61,8 @@ private:
     std::size_t leastVaried() const;
 
     std::uint64_t words[wordCount] = {};
-    std::size_t varied = 0;  ///< words that may differ from the last one, which is 0 or all ones unless this is all of them
+    /// Words that may differ from the last one, which is 0 or all ones unless this is all of them.
+    std::size_t varied = 0;
 };
 
 /// The host's simple case mapping, unit by unit.
@@ -90,7 +91,8 @@ public:
     }
     /// How many units have this unit as their lower-case form.
     std::size_t formsWithin(char16_t lowerForm) const;
-    /// Adds the units whose lower-case form lies in the bounds; with `bothForms` also those whose upper-case form does.
+    /// Adds the units whose lower-case form lies in the bounds; with `bothForms` also those whose upper-case
+    /// form does.
     void addFolding(RE_Unit_Set& set, char16_t low, char16_t high, bool bothForms) const;
 
 private:

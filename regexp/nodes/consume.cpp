@@ -148,7 +148,8 @@ const char16_t* RE_Consume::lastStart(const char16_t* from, const char16_t* last
                                        : nextNode->rSeek(from, static_cast<std::size_t>(last - from), info);
 }
 
-// Steps over ends that failed before and ends at which the rest cannot begin, until neither has anything to say.
+// Steps over ends that failed before and ends at which the rest cannot begin, until neither has anything to
+// say.
 const char16_t* RE_Consume::lastEnd(const char16_t* from, const char16_t* end, RE_Search_Info& info) const {
     const bool seeks = nextSeeks(info);
     std::size_t looked = 0;
@@ -157,8 +158,7 @@ const char16_t* RE_Consume::lastEnd(const char16_t* from, const char16_t* end, R
         if (candidate == nullptr) {
             return nullptr;
         }
-        const char16_t* const startable =
-            seeks ? lastStart(from, candidate, info) : candidate;
+        const char16_t* const startable = seeks ? lastStart(from, candidate, info) : candidate;
         // A step for the candidate, and what was looked through for where the rest can begin.
         info.noteScan(RE_Step_Meter::unitsAStep +
                       static_cast<std::size_t>(candidate - (startable != nullptr ? startable : from)));
@@ -176,7 +176,8 @@ const char16_t* RE_Consume::lastEnd(const char16_t* from, const char16_t* end, R
     }
 }
 
-// The first end in [end, last] that is worth trying: one at which the rest can begin and has not failed before.
+// The first end in [end, last] that is worth trying: one at which the rest can begin and has not failed
+// before.
 const char16_t* RE_Consume::nextEnd(const char16_t* end, const char16_t* last, RE_Search_Info& info) const {
     const bool seeks = info.requiredEnd == nullptr && nextSeeks(info);
     for (;;) {

@@ -8,7 +8,8 @@
 #include <algorithm>
 #include <string_view>
 
-// A token node only brackets what follows, so a seek looks through it; through one only, since groups may nest deeply.
+// A token node only brackets what follows, so a seek looks through it; through one only, since groups may
+// nest deeply.
 bool RE_Token::canSeek(bool referencedOutside) const {
     return nextNode != nullptr && !nextNode->isStartToken() && !nextNode->isEndToken() &&
            nextNode->canSeek(referencedOutside || referenced);

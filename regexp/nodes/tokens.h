@@ -139,8 +139,8 @@ private:
 template <>
 inline constexpr RE_Node_Kind kindOfNode<RE_Match_Token> = RE_Node_Kind::matchToken;
 
-/// Holds when the token is in effect and not empty. (A backreference to an empty token matches the empty text; a
-/// condition on one does not hold.)
+/// Holds when the token is in effect and not empty. (A backreference to an empty token matches the empty
+/// text; a condition on one does not hold.)
 class CORVANE_REGEXP_EXPORT RE_Token_Assertion : public RE_Token_Fail {
 public:
     using RE_Token_Fail::RE_Token_Fail;

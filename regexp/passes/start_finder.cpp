@@ -44,8 +44,8 @@ RE_Node* leadingNode(RE_Node* root) {
     return root;
 }
 
-// What is remembered of a token, or called by a pattern, may depend on where the loop began. A lazy loop that keeps to
-// its first end has another one at each position.
+// What is remembered of a token, or called by a pattern, may depend on where the loop began. A lazy loop that
+// keeps to its first end has another one at each position.
 void noteLeadingLoop(RE_Graph_Facts& facts, const RE_Node* leading) {
     const auto* const loop = dynamic_cast<const RE_Consume*>(leading);
     if (loop != nullptr && !(loop->lazy && loop->possessive) && facts.memoOutlivesStarts()) {
@@ -156,7 +156,8 @@ private:
         const double best = prefixesPay ? prefixes->likelihood : share;
         std::optional<RE_Text_Finder> before = literalBehind(leading);
         if (before && before->likelihood() < best) {
-            return inFront(RE_Start_Finder::literalBehind, context.make<StringBehindSeeker>(std::move(*before)));
+            return inFront(RE_Start_Finder::literalBehind,
+                           context.make<StringBehindSeeker>(std::move(*before)));
         }
         RE_Node* seeker = innerSeeker(std::min(best * worthGoingBack, commonestLiteral), first);
         if (seeker == nullptr && best >= rareEnoughForPrefixes) {
@@ -183,7 +184,8 @@ private:
                        context.make<StringInnerSeeker>(std::move(*literal), first.units));
     }
 
-    /// A seeker for many literals that stops less often than at `likelihood` of all positions; null when there is none.
+    /// A seeker for many literals that stops less often than at `likelihood` of all positions; null when
+    /// there is none.
     RE_Node* windowSeeker(double likelihood) {
         const auto* const set = dynamic_cast<const RE_Literal_Set*>(leadingConsumer(root));
         std::optional<RE_Window_Filter> filter;

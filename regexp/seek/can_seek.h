@@ -39,8 +39,8 @@ protected:
     }
 };
 
-/// A seeking node that may have a second way on. Where it has one the node can match wherever that way can, so it
-/// rules nothing out by itself.
+/// A seeking node that may have a second way on. Where it has one the node can match wherever that way can,
+/// so it rules nothing out by itself.
 template <class Base>
 class RE_Branch_Seek : public Base {
 public:

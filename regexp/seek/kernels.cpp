@@ -25,9 +25,10 @@ HWY_INLINE Vector load(const char16_t* p) {
 }
 
 template <std::size_t lanes>
-using Bits = std::conditional_t<
-    lanes <= 8, std::uint8_t,
-    std::conditional_t<lanes <= 16, std::uint16_t, std::conditional_t<lanes <= 32, std::uint32_t, std::uint64_t>>>;
+using Bits =
+    std::conditional_t<lanes <= 8, std::uint8_t,
+                       std::conditional_t<lanes <= 16, std::uint16_t,
+                                          std::conditional_t<lanes <= 32, std::uint32_t, std::uint64_t>>>;
 
 // What is read back is as wide as what was stored: the processor hands it over without waiting.
 HWY_INLINE std::uint64_t bitsOf(Mask mask) {
@@ -65,8 +66,8 @@ struct Probe_Test {
     }
 };
 
-// The low byte of each lane selects by its low four bits a row, and by the next three a bit of that row. Units from
-// 0x80 on pass when some of them may count: they are looked up after.
+// The low byte of each lane selects by its low four bits a row, and by the next three a bit of that row.
+// Units from 0x80 on pass when some of them may count: they are looked up after.
 struct Class_Test {
     const RE_Class_Scan& scan;
 
@@ -95,7 +96,8 @@ struct Class_Test {
     }
 };
 
-/// The first of the hits, one bit for each unit from `p` on, that stands up to the whole test; null when none does.
+/// The first of the hits, one bit for each unit from `p` on, that stands up to the whole test; null when none
+/// does.
 template <class Test>
 HWY_INLINE const char16_t* firstOf(std::uint64_t hits, const char16_t* p, const Test& test) {
     for (; hits != 0; hits &= hits - 1) {
@@ -151,8 +153,9 @@ HWY_INLINE Vector prefixesWith(Vector units, const std::uint8_t* lowRows, const 
     const Vector nibble = hn::Set(d, std::uint16_t{0x0F});
     const Vector low = hn::And(units, nibble);
     const Vector high = hn::And(hn::ShiftRight<4>(units), nibble);
-    return hn::And(hn::BitCast(d, hn::TableLookupBytes(hn::LoadDup128(bytes, lowRows), hn::BitCast(bytes, low))),
-                   hn::BitCast(d, hn::TableLookupBytes(hn::LoadDup128(bytes, highRows), hn::BitCast(bytes, high))));
+    return hn::And(
+        hn::BitCast(d, hn::TableLookupBytes(hn::LoadDup128(bytes, lowRows), hn::BitCast(bytes, low))),
+        hn::BitCast(d, hn::TableLookupBytes(hn::LoadDup128(bytes, highRows), hn::BitCast(bytes, high))));
 }
 #endif
 
@@ -174,7 +177,9 @@ struct Prefix_Test {
         return hn::Ne(prefixes, hn::Zero(d));
 #endif
     }
-    bool holds(const char16_t* p) const { return scan.mayStandAt(p); }
+    bool holds(const char16_t* p) const {
+        return scan.mayStandAt(p);
+    }
 };
 
 template <class Test>

@@ -1,7 +1,7 @@
 // Vector scans over units: where a unit, a pair of units or a unit of a class stands first or last.
 //
-// Each picks the widest instructions of the machine at run time. None reads outside of what its arguments span. The
-// scalar twins that tests compare them with are plain loops over the same tests.
+// Each picks the widest instructions of the machine at run time. None reads outside of what its arguments
+// span. The scalar twins that tests compare them with are plain loops over the same tests.
 #pragma once
 
 #include "regexp/unit_set.h"
@@ -10,7 +10,8 @@
 #include <cstddef>
 #include <cstdint>
 
-/// One or two units, either of which counts: a literal, or a literal and its other case. Equal when there is one.
+/// One or two units, either of which counts: a literal, or a literal and its other case. Equal when there is
+/// one.
 struct RE_Unit_Pair {
     char16_t one;
     char16_t other;
@@ -18,8 +19,8 @@ struct RE_Unit_Pair {
     bool holds(char16_t unit) const { return unit == one || unit == other; }
 };
 
-/// A set of units prepared for scanning: exact for units below 0x80 by two table look-ups, the others are looked up in
-/// the set one by one.
+/// A set of units prepared for scanning: exact for units below 0x80 by two table look-ups, the others are
+/// looked up in the set one by one.
 class RE_Class_Scan {
 public:
     /// `set` must outlive the scan. With `wanted` false it looks for units outside of the set.
@@ -45,8 +46,9 @@ struct RE_Literal_Probe {
     std::size_t length = 0;
 };
 
-/// Up to eight prefixes, each known at up to four places, prepared for scanning for all of them at once. A unit is known by
-/// one byte: its low byte, or itself up to 0xFF. What is found may stand up to the test by accident only.
+/// Up to eight prefixes, each known at up to four places, prepared for scanning for all of them at once. A
+/// unit is known by one byte: its low byte, or itself up to 0xFF. What is found may stand up to the test by
+/// accident only.
 struct RE_Prefix_Scan {
     static constexpr std::size_t mostPrefixes = 8;
     static constexpr std::size_t mostUnits = 4;

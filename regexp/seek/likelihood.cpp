@@ -9,8 +9,8 @@ namespace {
 constexpr double rareLetter = 0.002;
 constexpr double other = 0.001;
 
-// Letters of English prose by their frequency. What stands beyond ASCII counts as fairly common one by one, since a text
-// that holds any mostly holds many of its neighbours.
+// Letters of English prose by their frequency. What stands beyond ASCII counts as fairly common one by one,
+// since a text that holds any mostly holds many of its neighbours.
 constexpr std::array<double, 0x80> asciiLikelihoods() {
     constexpr std::u16string_view order = u" etaoinshrdlu\ncmfwypvbgk,.";
     constexpr double shares[] = {0.17,  0.10,  0.075, 0.065, 0.062, 0.057, 0.057, 0.053, 0.050,

@@ -44,6 +44,7 @@ private:
 
 struct RE_Required_Literal {
     RE_Text_Finder finder;
-    std::shared_ptr<const RE_Unit_Set> before;  ///< every unit of a match before its first such literal is one of these
-    std::uint64_t leastBefore;                  ///< how many there are at least
+    /// Every unit of a match before its first such literal is one of these.
+    std::shared_ptr<const RE_Unit_Set> before;
+    std::uint64_t leastBefore;  ///< how many there are at least
 };

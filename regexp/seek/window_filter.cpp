@@ -69,7 +69,8 @@ std::optional<RE_Window_Filter> RE_Window_Filter::make(const RE_Literal_Trie& li
 }
 
 const char16_t* RE_Window_Filter::find(const char16_t* p, const char16_t* end, const char16_t* limit) const {
-    const char16_t* const wholeEnd = std::max(p, std::min(end, limit - std::min<std::ptrdiff_t>(limit - p, widest - 1)));
+    const char16_t* const wholeEnd =
+        std::max(p, std::min(end, limit - std::min<std::ptrdiff_t>(limit - p, widest - 1)));
     for (; p < wholeEnd; ++p) {
         std::uint64_t window = 0;
         std::memcpy(&window, p, sizeof window);

@@ -21,8 +21,8 @@ public:
     /// Nothing when the literals are too short.
     static std::optional<RE_Window_Filter> make(const RE_Literal_Trie& literals);
 
-    /// The first position in [p, end) at which a literal may begin, or `end`. Units up to `limit` are readable, at least a
-    /// window from each position on.
+    /// The first position in [p, end) at which a literal may begin, or `end`. Units up to `limit` are
+    /// readable, at least a window from each position on.
     const char16_t* find(const char16_t* p, const char16_t* end, const char16_t* limit) const;
 
     std::size_t width() const { return units; }
