@@ -134,8 +134,9 @@ bool RE_Consume::nextSeeks(const RE_Search_Info& info) const {
 }
 
 const char16_t* RE_Consume::nextStart(const char16_t* p, RE_Search_Info& info) const {
-    return nextNode->kind == RE_Node_Kind::matchToken ? static_cast<const RE_Match_Token*>(nextNode)->nextPlace(p, info)
-                                                      : nextNode->seek(p, info);
+    return nextNode->kind == RE_Node_Kind::matchToken
+               ? static_cast<const RE_Match_Token*>(nextNode)->nextPlace(p, info)
+               : nextNode->seek(p, info);
 }
 
 // Within a look-behind the answer may depend on where its body has to end.

@@ -56,15 +56,17 @@ const char16_t* RE_Match_Token::nextPlace(const char16_t* p, RE_Search_Info& inf
     });
 }
 
-const char16_t* RE_Match_Token::lastPlace(const char16_t* first, const char16_t* last, RE_Search_Info& info) const {
+const char16_t* RE_Match_Token::lastPlace(const char16_t* first, const char16_t* last,
+                                          RE_Search_Info& info) const {
     const RE_TokenInfo* const found = token(info);
     if (found == nullptr || saysNothing(*found)) {
         return found != nullptr ? last : nullptr;
     }
     const char16_t unit = info.subjectBegin[found->start];
-    return scanBackward(first, std::min(last + 1, info.subjectEnd), info, [unit](const char16_t* from, const char16_t* to) {
-        return findLastUnit(from, to, {unit, unit});
-    });
+    return scanBackward(first, std::min(last + 1, info.subjectEnd), info,
+                        [unit](const char16_t* from, const char16_t* to) {
+                            return findLastUnit(from, to, {unit, unit});
+                        });
 }
 
 void RE_Match_Token::combineLengths() {

@@ -142,7 +142,8 @@ private:
     }
 
     /// A seeker that stops less often than one for the first units, which are this share of all; null when there is none.
-    RE_Node* rarerSeeker(const RE_Node* leading, const RE_First_Units& first, double share, bool allowsEmpty) {
+    RE_Node* rarerSeeker(const RE_Node* leading, const RE_First_Units& first, double share,
+                         bool allowsEmpty) {
         if (share > common) {
             if (RE_Node* const inner = innerSeeker(rareEnough, first)) {
                 return inner;

@@ -222,7 +222,8 @@ const char16_t* classBackward(const char16_t* p, const char16_t* end, const RE_C
     return findBackward(p, end, Class_Test{scan});
 }
 const char16_t* probeForward(const char16_t* p, const char16_t* end, const RE_Literal_Probe& probe) {
-    return isAlone(probe) ? findForward(p, end, Probe_Test<true>{probe}) : findForward(p, end, Probe_Test<false>{probe});
+    return isAlone(probe) ? findForward(p, end, Probe_Test<true>{probe})
+                          : findForward(p, end, Probe_Test<false>{probe});
 }
 const char16_t* prefixForward(const char16_t* p, const char16_t* end, const RE_Prefix_Scan& scan) {
     switch (scan.depth) {

@@ -39,7 +39,8 @@ double unitLikelihood(char16_t unit) {
         return ascii[unit];
     }
     // The commonest letters of Cyrillic prose.
-    static constexpr std::u16string_view common = u"\u043E\u0435\u0430\u0438\u043D\u0442\u0441\u0440\u0432\u043B";
+    static constexpr std::u16string_view common =
+        u"\u043E\u0435\u0430\u0438\u043D\u0442\u0441\u0440\u0432\u043B";
     return common.find(unit) != common.npos ? commonForeignLetter : foreignLetter;
 }
 

@@ -18,7 +18,8 @@ class RE_Text_Finder {
 public:
     /// `literal` is in lower case when case is ignored.
     RE_Text_Finder(std::u16string literal, bool ignoreCase);
-    RE_Text_Finder(const RE_Prefix_Scan& scan, double share) : prefixes(scan), search({u"", 0, false}), likely(share) {}
+    RE_Text_Finder(const RE_Prefix_Scan& scan, double share)
+        : prefixes(scan), search({u"", 0, false}), likely(share) {}
     RE_Text_Finder(std::shared_ptr<const RE_Unit_Set> units, double share)
         : set(std::move(units)), members(RE_Class_Scan(*set, true)), search({u"", 0, false}), likely(share) {}
 

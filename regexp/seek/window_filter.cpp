@@ -60,8 +60,10 @@ std::optional<RE_Window_Filter> RE_Window_Filter::make(const RE_Literal_Trie& li
     const std::size_t width = std::min(literals.shortest(), widest);
     RE_Window_Filter filter(width, literals.ignoresCase(), literals.count());
     for (std::size_t i = 0; i < literals.count(); ++i) {
-        for (const std::u16string& window : windowsOf(literals.text(i).substr(0, width), literals.ignoresCase())) {
-            const std::size_t place = filter.placeOf(filter.windowAt(window.data(), window.data() + window.size()));
+        for (const std::u16string& window :
+             windowsOf(literals.text(i).substr(0, width), literals.ignoresCase())) {
+            const std::size_t place =
+                filter.placeOf(filter.windowAt(window.data(), window.data() + window.size()));
             filter.bits[place / 64] |= std::uint64_t{1} << (place % 64);
         }
     }
