@@ -1,4 +1,5 @@
-// Every setting of the compile options gives the same answer and the same warnings, and the memo changes none.
+// Every setting of the compile options gives the same answer and the same warnings, and the memo changes
+// none.
 #include "fuzz/targets.h"
 
 namespace corvane_fuzz {

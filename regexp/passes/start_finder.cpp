@@ -28,7 +28,8 @@ constexpr double common = 0.2;
 constexpr double rareEnough = 0.0025;
 // A vector scan that stops more often than this is slower than a look at each position.
 constexpr double rareEnoughForPrefixes = 0.03;
-// A literal within the match is worth the way back from it up to this, and in place of lines one by one up to the other.
+// A literal within the match is worth the way back from it up to this, and in place of lines one by one up to
+// the other.
 constexpr double commonestLiteral = 0.02;
 constexpr double rarerThanLines = 0.00002;
 
@@ -141,7 +142,8 @@ private:
         return inFront(RE_Start_Finder::firstUnits, context.make<StringCharSeeker>(std::move(first.units)));
     }
 
-    /// A seeker that stops less often than one for the first units, which are this share of all; null when there is none.
+    /// A seeker that stops less often than one for the first units, which are this share of all; null when
+    /// there is none.
     RE_Node* rarerSeeker(const RE_Node* leading, const RE_First_Units& first, double share,
                          bool allowsEmpty) {
         if (share > common) {

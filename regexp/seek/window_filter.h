@@ -11,7 +11,8 @@
 #include <optional>
 #include <vector>
 
-/// Looks at the first `width` units of every position; when case is ignored, at all but the bit in which most letters differ
+/// Looks at the first `width` units of every position; when case is ignored, at all but the bit in which most
+/// letters differ
 /// from their other form. What it finds may be no literal, by accident; what it passes over is
 /// none for certain.
 class CORVANE_REGEXP_EXPORT RE_Window_Filter {
