@@ -5,6 +5,6 @@ extern "C" __attribute__((visibility("default"))) int LLVMFuzzerTestOneInput(con
                                                                              std::size_t size) {
     constexpr const corvane_fuzz::Target* target = corvane_fuzz::targetNamed(CORVANE_FUZZ_TARGET);
     static_assert(target != nullptr, "the build names a target of fuzz/targets.h");
-    target->run(corvane_fuzz::Input(data, size));
+    run(*target, corvane_fuzz::Input(data, size));
     return 0;
 }

@@ -37,6 +37,12 @@ std::u16string_view Input::text(std::size_t index, std::size_t most) const {
     return whole.substr(0, most);
 }
 
+void beginMemo(bool atOnce) {
+    static const std::uint64_t choices = RE_Memo_Delay::choices, perUnit = RE_Memo_Delay::perUnit;
+    RE_Memo_Delay::choices = atOnce ? 0 : choices;
+    RE_Memo_Delay::perUnit = atOnce ? 0 : perUnit;
+}
+
 void require(bool holds, std::string_view what, std::u16string_view pattern, std::u16string_view subject) {
     if (!holds) {
         std::fprintf(stderr, "finding: %.*s\n  pattern '%s'\n  subject '%s'\n", static_cast<int>(what.size()),

@@ -1,7 +1,7 @@
 // What a fuzz target is given, read from bytes so that mutations of the bytes are mutations of what it means.
 //
 //     byte 0   flags of the pattern (bits 0 to 5)
-//     byte 1   compile options (bits 0 to 4)
+//     byte 1   compile options (bits 0 to 4); whether the memo of a search begins at once (bit 5)
 //     byte 2   a number for the target's own use
 //     rest     texts, separated by the byte 0x01; ASCII stands for itself, bytes from 0x80 on for rarer units
 #pragma once
@@ -21,6 +21,7 @@ public:
 
     RE_Flags flags() const { return RE_Flags{bytes[0]} & 0x3F; }
     const corvane_tests::EngineConfig& config() const { return corvane_tests::allConfigs()[bytes[1] & 31]; }
+    bool memoAtOnce() const { return (bytes[1] & 32) != 0; }
     std::size_t number() const { return bytes[2]; }
     /// The text of this index, cut to `most` units; empty when there are not so many.
     std::u16string_view text(std::size_t index, std::size_t most) const;
@@ -29,6 +30,10 @@ private:
     std::uint8_t bytes[3] = {};
     std::vector<std::u16string> texts;
 };
+
+/// Lets the memo begin with the first choice taken up again, which searches this small would not reach; or as
+/// always.
+void beginMemo(bool atOnce);
 
 /// Ends the program with this message when the condition does not hold, as the fuzzer expects of a finding.
 void require(bool holds, std::string_view what, std::u16string_view pattern,

@@ -21,7 +21,7 @@ std::size_t replay(const corvane_fuzz::Target& target, const std::filesystem::pa
         std::printf("%s\n", entry.path().c_str());
         std::fflush(stdout);  // a finding ends the program: the last line tells where
         const std::string bytes = contents(entry.path());
-        target.run({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
+        run(target, {reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
         ++count;
     }
     return count;

@@ -35,14 +35,30 @@ void compareWalk(const Engine& engine, std::u16string_view pattern, std::u16stri
     }
 }
 
+/// Each subject in turn, and each again after the other has used the state.
+void compareSubjects(const Engine& engine, std::u16string_view pattern, std::u16string_view first,
+                     std::u16string_view second) {
+    RE_Match_Sequence sequence(engine.tree(), first, &kLimits);
+    for (const std::u16string_view subject : {first, second, first, second.substr(second.size() / 2)}) {
+        sequence.use(subject);
+        const corvane_tests::Outcome found = corvane_tests::toOutcome(sequence.find(0));
+        const auto alone = engine.searchWithin(subject, 0, kLimits);
+        if (!alone || !sequence.report().isComplete()) {
+            return;
+        }
+        require(found == *alone, "a sequence of subjects", pattern, subject);
+    }
+}
+
 }  // namespace
 
 void seek(const Input& input) {
     const std::u16string_view pattern = input.text(0, 120);
-    const std::u16string_view subject = input.text(1, 60);
+    const std::u16string_view subject = input.text(1, 100);
     const Engine engine(pattern, input.flags(), input.config());
     compareTables(engine, pattern, subject);
     compareWalk(engine, pattern, subject);
+    compareSubjects(engine, pattern, subject, input.text(2, 100));
 }
 
 }  // namespace corvane_fuzz

@@ -26,6 +26,11 @@ inline constexpr Target kTargets[] = {
     {"replace", replace}, {"builder", builder},     {"escape", escape},   {"expressions", expressions},
 };
 
+inline void run(const Target& target, const Input& input) {
+    beginMemo(input.memoAtOnce());
+    target.run(input);
+}
+
 /// The target of this name, or null.
 constexpr const Target* targetNamed(std::string_view name) {
     for (const Target& target : kTargets) {

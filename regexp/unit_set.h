@@ -5,6 +5,7 @@
 
 #include "regexp/memory.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -77,6 +78,17 @@ public:
     /// This unit and no other has this unit as its lower-case form.
     bool foldsAlone(char16_t unit) const { return lowerOf[unit] == unit && !foldTargets.contains(unit); }
 
+    /// Calls `visit` with each unit that has this unit as its lower-case form.
+    template <class Visit>
+    void forEachForm(char16_t lowerForm, Visit visit) const {
+        if (!isCased(lowerForm)) {
+            visit(lowerForm);
+        }
+        const auto first = std::lower_bound(lowerForms.begin(), lowerForms.end(), Form{lowerForm, 0});
+        for (auto it = first; it != lowerForms.end() && it->form == lowerForm; ++it) {
+            visit(it->unit);
+        }
+    }
     /// How many units have this unit as their lower-case form.
     std::size_t formsWithin(char16_t lowerForm) const;
     /// Adds the units whose lower-case form lies in the bounds; with `bothForms` also those whose upper-case

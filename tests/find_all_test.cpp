@@ -1,6 +1,8 @@
 // All matches of a text, the text between them, and matches at one place.
 #include "host/allocation_counter.h"
-#include "tests/support/engine_run.h"
+#include "tests/support/differential.h"
+#include "tests/support/pattern_random.h"
+#include "tests/support/scripted_host.h"
 
 #include <gtest/gtest.h>
 #include <iterator>
@@ -85,6 +87,34 @@ TEST(FindAll, AllocatesNothingForAFurtherMatch) {
         return counter.requests();
     };
     EXPECT_EQ(allocations(2), allocations(2000));
+}
+
+TEST(MatchSequence, GoesOnWithAnotherSubjectAsOneMadeAnew) {
+    PatternSource source(environmentNumber("CORVANE_TEST_SEED", 77));
+    for (unsigned long round = environmentNumber("CORVANE_TEST_ROUNDS", sanitized() ? 200 : 2000); round > 0; --round) {
+        const Engine engine(widen(source.pattern({})), kEmptyToo, allConfigs()[source.below(allConfigs().size())]);
+        RE_Match_Sequence sequence(engine.tree(), {});
+        for (int count = 0; count < 4; ++count) {
+            const std::u16string subject = source.subject(9);
+            sequence.use(subject);
+            ASSERT_EQ(engine.search(subject), toOutcome(sequence.find(0)))
+                << engine.tree().graph() << " on " << printable(subject);
+        }
+    }
+}
+
+// A search that a host's exception ends in the midst of choices, tokens and bodies leaves nothing to the next subject.
+TEST(MatchSequence, GoesOnAfterAnException) {
+    HostJournal host;
+    const ScriptedRun run(u"(?:(a)|b)+?(?=(?:(a)|b)*(?@f $1))c", host);
+    RE_Match_Sequence sequence(run.tree(), {});
+    for (long throwAt = 0; throwAt < 20; ++throwAt) {
+        host.throwAt = throwAt;
+        sequence.use(u"abaabab");
+        EXPECT_THROW(sequence.find(0), HostFailure);
+        sequence.use(u"bac");
+        EXPECT_EQ("[0,3] t0=(1,1)", describe(toOutcome(sequence.find(0))));
+    }
 }
 
 TEST(MatchAt, TriesOnePositionAndSeesTheTextBefore) {

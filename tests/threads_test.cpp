@@ -1,5 +1,5 @@
 // One compiled pattern searched by several threads at once: searches share nothing but the read-only graph.
-#include "tests/support/engine_run.h"
+#include "tests/support/scripted_host.h"
 
 #include <gtest/gtest.h>
 #include <chrono>
@@ -67,12 +67,10 @@ INSTANTIATE_TEST_SUITE_P(Patterns, Threads,
                                          "(?<=(a+))b(?!x)", "(a)?(?(1)b|c)", ".*?(?:ab|c)+c",
                                          "(?i)ABC|X\\w"));
 
-// Under TSan for half a minute, otherwise once.
-TEST(SharingThreads, ShareOnePatternAndOneReplacement) {
-    const RE_Tree tree(u"(?<w>a|ab)+?(?:c|(b))|x{2,3}\\s", false);
-    const RE_Replace replace(u"[$2$<w>\\n$`]");
-    const std::vector<std::u16string> texts = subjects();
-    const auto replaced = [&](size_t own) { return replace.replace(texts[own], tree, own % 2 == 0, 0); };
+/// Repeats `work` of each thread, under TSan for half a minute, otherwise once; returns how often it did not give what
+/// it gives at first.
+template <typename Work>
+std::vector<size_t> wrongAnswers(const Work& work) {
 #if defined(__SANITIZE_THREAD__)
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
 #else
@@ -81,16 +79,44 @@ TEST(SharingThreads, ShareOnePatternAndOneReplacement) {
     std::vector<size_t> wrong(kThreads, 0);
     std::vector<std::thread> threads;
     for (size_t own = 0; own < kThreads; ++own) {
-        threads.emplace_back([&, own, expected = replaced(own)] {
+        threads.emplace_back([&, own, expected = work(own)] {
             do {
-                wrong[own] += replaced(own) != expected ? 1U : 0U;
+                wrong[own] += work(own) != expected ? 1U : 0U;
             } while (std::chrono::steady_clock::now() < end);
         });
     }
     for (std::thread& thread : threads) {
         thread.join();
     }
-    EXPECT_EQ(std::vector<size_t>(kThreads, 0), wrong);
+    return wrong;
+}
+
+TEST(SharingThreads, ShareOnePatternAndOneReplacement) {
+    const RE_Tree tree(u"(?<w>a|ab)+?(?:c|(b))|x{2,3}\\s", false);
+    const RE_Replace replace(u"[$2$<w>\\n$`]");
+    const std::vector<std::u16string> texts = subjects();
+    EXPECT_EQ(std::vector<size_t>(kThreads, 0), wrongAnswers([&](size_t own) {
+                  return replace.replace(texts[own], tree, own % 2 == 0, 0);
+              }));
+}
+
+// A context belongs to one thread, and so does what was compiled with it.
+TEST(EvaluatingThreads, HaveAContextEach) {
+    const std::vector<std::u16string> texts = subjects();
+    const auto evaluated = [&](size_t own) {
+        HostJournal host;
+        host.answers[u"twice $1"] = [](const HostJournal::Inputs& in) { return in[0] + in[0]; };
+        host.answers[u"short $1"] = [](const HostJournal::Inputs& in) {
+            return in[0].size() < 3 ? std::optional<std::u16string>(u"") : std::nullopt;
+        };
+        ScriptedRun run(u"([ab]+)(?@see $1)(?(?@short $1)c|(??@twice $1)|(??[ x]$1))", host);
+        const Corvane::regexp::CompileOptions options;
+        ScriptedHost writer(options, host);
+        const RE_Replace replace(u"<${twice $1}>", 13, RE_FLAG_EVALUATE, &writer);
+        return run.search(texts[own]) + printable(replace.replace(texts[own], run.tree(), false, 0));
+    };
+    EXPECT_NE(evaluated(1), evaluated(2));
+    EXPECT_EQ(std::vector<size_t>(kThreads, 0), wrongAnswers(evaluated));
 }
 
 TEST(CompilingThreads, BuildAndSearchTheirOwnTrees) {

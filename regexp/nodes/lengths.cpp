@@ -70,9 +70,9 @@ void RE_Node::computeLengths() {
 
 void RE_Node::combineLengths() {
     struct Shortest : RE_Link_Visitor {
-        void link(RE_Node*& target, RE_Link kind) override {
-            if (target == nullptr || kind == RE_Link::body || kind == RE_Link::item ||
-                kind == RE_Link::helper) {
+        void link(RE_Node*& target, RE_Link linkKind) override {
+            if (target == nullptr || linkKind == RE_Link::body || linkKind == RE_Link::item ||
+                linkKind == RE_Link::helper) {
                 return;
             }
             least = any ? std::min(least, target->minLength) : target->minLength;

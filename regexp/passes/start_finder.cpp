@@ -18,19 +18,24 @@
 
 namespace {
 
+// Shares of the positions of ordinary text, as seek/likelihood.h estimates them.
+
 // First units that are more common than this rule out too little to be worth a scan.
 constexpr double commonestUseful = 0.97;
+// Where they are more common than this, prefixes cannot do much.
+constexpr double common = 0.2;
 // First units that are rarer than this are as good as anything.
 constexpr double rareEnough = 0.0025;
-// Where the first unit is more common than this, prefixes cannot do much.
-constexpr double common = 0.2;
 // A vector scan that stops more often than this is slower than a look at each position.
 constexpr double rareEnoughForPrefixes = 0.03;
+// A literal within the match is worth the way back from it up to this, and in place of lines one by one up to
+// the other.
+constexpr double commonestLiteral = 0.02;
+constexpr double rarerThanLines = 0.00002;
+
 // By how much another finder has to be rarer than a scan for the first unit.
 constexpr double worthPrefixes = 0.5;
-constexpr double rarerThanLines = 0.00002;
 constexpr double worthGoingBack = 0.3;
-constexpr double commonestLiteral = 0.02;
 
 /// The first node that is more than an opening group.
 RE_Node* leadingNode(RE_Node* root) {
@@ -127,41 +132,46 @@ private:
         if (!first.gather(root) || ((first.mayBeEmpty || first.mayBeAtEnd) && allowsEmpty)) {
             return root;
         }
-        const double firstLikelihood = setLikelihood(*first.units);
-        if (firstLikelihood > common) {
+        const double share = setLikelihood(*first.units);
+        if (RE_Node* const rarer = rarerSeeker(leading, first, share, allowsEmpty)) {
+            return rarer;
+        }
+        if (share > commonestUseful) {
+            return root;
+        }
+        return inFront(RE_Start_Finder::firstUnits, context.make<StringCharSeeker>(std::move(first.units)));
+    }
+
+    /// A seeker that stops less often than one for the first units, which are this share of all; null when
+    /// there is none.
+    RE_Node* rarerSeeker(const RE_Node* leading, const RE_First_Units& first, double share,
+                         bool allowsEmpty) {
+        if (share > common) {
             if (RE_Node* const inner = innerSeeker(rareEnough, first)) {
                 return inner;
             }
         }
         std::optional<RE_Likely_Prefixes> prefixes;
-        if (firstLikelihood > rareEnough) {
+        if (share > rareEnough) {
             prefixes = prefixesFrom(root, allowsEmpty);
         }
-        const bool prefixesPay = prefixes && prefixes->likelihood < firstLikelihood * worthPrefixes;
-        const double best = prefixesPay ? prefixes->likelihood : firstLikelihood;
+        const bool prefixesPay = prefixes && prefixes->likelihood < share * worthPrefixes;
+        const double best = prefixesPay ? prefixes->likelihood : share;
         std::optional<RE_Text_Finder> before = literalBehind(leading);
         if (before && before->likelihood() < best) {
             return inFront(RE_Start_Finder::literalBehind,
                            context.make<StringBehindSeeker>(std::move(*before)));
         }
-        if (RE_Node* const inner = innerSeeker(std::min(best * worthGoingBack, commonestLiteral), first)) {
-            return inner;
+        RE_Node* seeker = innerSeeker(std::min(best * worthGoingBack, commonestLiteral), first);
+        if (seeker == nullptr && best >= rareEnoughForPrefixes) {
+            seeker = windowSeeker(best);
         }
-        if (prefixesPay && best < rareEnoughForPrefixes) {
-            return inFront(RE_Start_Finder::prefixes, context.make<StringPrefixSeeker>(RE_Text_Finder(
-                                                          prefixes->scan, prefixes->likelihood)));
-        }
-        if (RE_Node* const windows = windowSeeker(best)) {
-            return windows;
-        }
-        if (prefixesPay) {
-            return inFront(RE_Start_Finder::prefixes, context.make<StringPrefixSeeker>(RE_Text_Finder(
-                                                          prefixes->scan, prefixes->likelihood)));
-        }
-        if (firstLikelihood > commonestUseful) {
-            return root;
-        }
-        return inFront(RE_Start_Finder::firstUnits, context.make<StringCharSeeker>(std::move(first.units)));
+        return seeker != nullptr || !prefixesPay ? seeker : prefixSeeker(*prefixes);
+    }
+
+    RE_Node* prefixSeeker(const RE_Likely_Prefixes& prefixes) {
+        return inFront(RE_Start_Finder::prefixes,
+                       context.make<StringPrefixSeeker>(RE_Text_Finder(prefixes.scan, prefixes.likelihood)));
     }
 
     /// A seeker for a required literal that is rarer than `likelihood`; null when there is none.

@@ -84,7 +84,8 @@ struct RE_Prefix_Scan {
 const char16_t* findUnit(const char16_t* p, const char16_t* end, RE_Unit_Pair unit);
 const char16_t* findClass(const char16_t* p, const char16_t* end, const RE_Class_Scan& scan);
 /// Both units of the probe stand at their distances, and so does the text if there is one. Units up to `end`
-/// plus the larger distance, and the whole text from each position on, must be readable.
+/// plus the
+/// larger distance, and the whole text from each position on, must be readable.
 const char16_t* findProbe(const char16_t* p, const char16_t* end, const RE_Literal_Probe& probe);
 
 /// A prefix may stand there. Units up to `end` plus the reach must be readable.
