@@ -74,15 +74,24 @@ bool StringInnerSeeker::stretchFrom(const char16_t* p, RE_Search_Info& info, Str
 }
 
 const char16_t* StringInnerSeeker::scan(const char16_t* p, RE_Search_Info& info) const {
+    const char16_t* asked = p;  // for interrupts
     Stretch stretch{};
     while (stretchFrom(p, info, stretch)) {
         if (stretch.begin <= stretch.end) {
-            const char16_t* const start = findClass(stretch.begin, stretch.end + 1, starts);
-            if (start <= stretch.end) {
+            const char16_t* const start = scanForward(
+                stretch.begin, stretch.end + 1, info,
+                [this](const char16_t* at, const char16_t* stop) { return findClass(at, stop, starts); });
+            if (start != nullptr || info.wasInterrupted()) {
                 return start;
             }
         }
         p = stretch.end + 1;
+        if (p >= asked + RE_SCAN_POLL_UNITS) {
+            asked = p;
+            if (info.pollScan()) {
+                return nullptr;
+            }
+        }
     }
     return nullptr;
 }
