@@ -173,9 +173,9 @@ std::string RE_Tree::graphAfter(RE_Stage stage, const char16_t* pattern, std::si
                                 RE_Context* context) {
     RE_ParserContext parserContext(context, nullptr, flags);
     std::string text;
-    compileGraph(parserContext, pattern, length, nullptr, true, [&](RE_Stage reached, RE_Node* root) {
+    compileGraph(parserContext, pattern, length, nullptr, true, [&](RE_Stage reached, RE_Node* graphRoot) {
         if (reached <= stage) {
-            text = writeGraph(RE_Collection::reachable(root), root, {});
+            text = writeGraph(RE_Collection::reachable(graphRoot), graphRoot, {});
         }
     });
     return text;

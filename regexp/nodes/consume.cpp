@@ -177,18 +177,27 @@ const char16_t* RE_Consume::lastEnd(const char16_t* from, const char16_t* end, R
     }
 }
 
-// The first end in [end, last] that is worth trying: one at which the rest can begin and has not failed
-// before.
+// The first end in [end, last] that is worth trying: one at which the rest can begin and has not failed before. Ends at
+// which it cannot begin are noted as failed when they are few: then all that failed are stepped over at once from the
+// starts that follow.
 const char16_t* RE_Consume::nextEnd(const char16_t* end, const char16_t* last, RE_Search_Info& info) const {
     const bool seeks = info.requiredEnd == nullptr && nextSeeks(info);
-    for (;;) {
+    for (std::size_t refused = 0;; ++refused) {
         const char16_t* const untried = info.firstUntried(this, end, last);
-        if (untried == nullptr || !seeks) {
+        if (untried == nullptr || !seeks || (refused > 0 && untried == end)) {
             return untried;
         }
         end = nextStart(untried, info);
         if (end == nullptr || end > last || end == untried) {
             return end != nullptr && end <= last ? end : nullptr;
+        }
+        const auto skipped = static_cast<std::size_t>(end - untried);
+        for (std::size_t i = 0; skipped < RE_Step_Meter::unitsAStep && i < skipped; ++i) {
+            info.firstVisit(this, untried + i);
+        }
+        info.noteScan((refused > 0 ? RE_Step_Meter::unitsAStep : 0) + skipped);
+        if (refused % RE_SCAN_POLL_UNITS == RE_SCAN_POLL_UNITS - 1 && info.pollScan()) {
+            return nullptr;
         }
     }
 }
