@@ -39,7 +39,8 @@ using Engines = std::vector<std::unique_ptr<Engine>>;
 /// Fills in everything but the times.
 Row checkAnswers(const Workload& workload, const Engines& engines);
 
-/// Fills in the times. Repetitions of the engines take turns, so that a noisy moment of the machine hits all alike.
+/// Fills in the times. Repetitions of the engines take turns, so that a noisy moment of the machine hits all
+/// alike.
 void measure(Row& row, const Engines& engines, const Settings& settings);
 
 }  // namespace corvane_bench

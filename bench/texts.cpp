@@ -16,8 +16,8 @@ namespace {
 constexpr std::size_t CHAPTER_UNITS = 30'000;
 constexpr std::size_t HUGE_UNITS = 10'000'000;
 
-/// English prose. Engines differ in what they take for a letter beyond ASCII, and for a line end beside the line
-/// feed: there are neither in the text.
+/// English prose. Engines differ in what they take for a letter beyond ASCII, and for a line end beside the
+/// line feed: there are neither in the text.
 std::u16string readProse() {
     std::ifstream file(CORVANE_BENCH_EXAMPLES "/sherlock.txt", std::ios::binary);
     if (!file) {

@@ -1,4 +1,5 @@
-// Patterns and replacements with expressions, under a host without a memory: what an expression is worth depends on its
+// Patterns and replacements with expressions, under a host without a memory: what an expression is worth
+// depends on its
 // text and its inputs alone. Every search and every setting of the compile options gives the same answer.
 #include "fuzz/targets.h"
 
@@ -13,7 +14,8 @@ using corvane_tests::EngineConfig;
 /// A text is looked for, tried and compiled at every place: fewer steps take longer here.
 constexpr RE_Search_Limits kFewSteps{.steps = 2000, .bytes = kLimits.bytes};
 
-/// An expression without references is worth its own text, any other the texts of its references one after the other. An
+/// An expression without references is worth its own text, any other the texts of its references one after
+/// the other. An
 /// empty text is a failed evaluation; true is a text with an odd number of units.
 class Pure_Host : public RE_Context {
 public:

@@ -31,7 +31,8 @@ private:
     std::vector<std::u16string> texts;
 };
 
-/// Lets the memo begin with the first choice taken up again, which searches this small would not reach; or as always.
+/// Lets the memo begin with the first choice taken up again, which searches this small would not reach; or as
+/// always.
 void beginMemo(bool atOnce);
 
 /// Ends the program with this message when the condition does not hold, as the fuzzer expects of a finding.

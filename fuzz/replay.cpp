@@ -1,4 +1,5 @@
-// Runs every file under DIRECTORY/TARGET through its target, without a fuzzer: what was once found stays mended.
+// Runs every file under DIRECTORY/TARGET through its target, without a fuzzer: what was once found stays
+// mended.
 #include "fuzz/targets.h"
 
 #include <cstdio>

@@ -1,7 +1,8 @@
 // Classification and case mapping of single UTF-16 code units, by Unicode's properties and without a locale.
 // A unit is judged alone: half of a surrogate pair belongs to no class and has no case.
 //
-// Trap: digits are the decimal digits of every script. Code that turns a digit into a number tests for ASCII itself.
+// Trap: digits are the decimal digits of every script. Code that turns a digit into a number tests for ASCII
+// itself.
 
 #pragma once
 
@@ -17,6 +18,7 @@ CORVANE_HOST_EXPORT bool cvu_isxdigit(char16_t unit);
 CORVANE_HOST_EXPORT bool cvu_islower(char16_t unit);
 CORVANE_HOST_EXPORT bool cvu_isupper(char16_t unit);
 
-// One unit in, one unit out; a unit without a mapping, or with one that does not fit a unit, is returned as it is.
+// One unit in, one unit out; a unit without a mapping, or with one that does not fit a unit, is returned as
+// it is.
 CORVANE_HOST_EXPORT char16_t cvu_tolower(char16_t unit);
 CORVANE_HOST_EXPORT char16_t cvu_toupper(char16_t unit);

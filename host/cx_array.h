@@ -1,5 +1,5 @@
-// The default host's array value: a single number or truth value. Hosts with real arrays bring their own type of
-// this name and an option context that converts it.
+// The default host's array value: a single number or truth value. Hosts with real arrays bring their own type
+// of this name and an option context that converts it.
 
 #pragma once
 

@@ -1,5 +1,5 @@
-// The process-wide interrupt flag. A user interface raises it from any thread or from a signal handler; a long
-// search polls it and gives up.
+// The process-wide interrupt flag. A user interface raises it from any thread or from a signal handler; a
+// long search polls it and gives up.
 
 #pragma once
 

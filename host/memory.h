@@ -1,5 +1,6 @@
-// The host's allocator. Every engine object and every buffer that changes hands comes from here, so that a host
-// can count, limit or replace the engine's memory in one place, and a receiver frees what it is given with utFree.
+// The host's allocator. Every engine object and every buffer that changes hands comes from here, so that a
+// host can count, limit or replace the engine's memory in one place, and a receiver frees what it is given
+// with utFree.
 
 #pragma once
 

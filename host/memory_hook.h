@@ -1,5 +1,5 @@
-// A view into the default allocator for tests and for hosts with a memory budget. Without a hook the allocator
-// pays one relaxed load per call.
+// A view into the default allocator for tests and for hosts with a memory budget. Without a hook the
+// allocator pays one relaxed load per call.
 
 #pragma once
 
@@ -18,6 +18,6 @@ public:
     virtual void freed() noexcept = 0;
 };
 
-// Installs `hook` for the whole process (null: none) and returns the one before it. The hook is called from every
-// thread that allocates and must outlive its installation.
+// Installs `hook` for the whole process (null: none) and returns the one before it. The hook is called from
+// every thread that allocates and must outlive its installation.
 CORVANE_HOST_EXPORT utAllocationHook* utSetAllocationHook(utAllocationHook* hook) noexcept;

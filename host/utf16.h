@@ -23,8 +23,8 @@ CORVANE_HOST_EXPORT int utf16_strnicmp(const char16_t* left, const char16_t* rig
 CORVANE_HOST_EXPORT const char16_t* utf16_strnchr(const char16_t* text, size_t length, char16_t unit);
 CORVANE_HOST_EXPORT const char16_t* utf16_strnrchr(const char16_t* text, size_t length, char16_t unit);
 
-// First and last place of a string in text[0, length); null when there is none. The empty string is found at the
-// start by the first and at the end by the second.
+// First and last place of a string in text[0, length); null when there is none. The empty string is found at
+// the start by the first and at the end by the second.
 CORVANE_HOST_EXPORT const char16_t* utf16_strnstr(const char16_t* text, size_t length, const char16_t* part,
                                                   size_t partLength);
 CORVANE_HOST_EXPORT const char16_t* utf16_strnrstr(const char16_t* text, size_t length, const char16_t* part,

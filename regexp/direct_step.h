@@ -1,5 +1,5 @@
-// One step of the match loop for the nodes that most steps visit: the same functions that `RE_Node` declares, called
-// without looking them up. What a node does is written once, in its class.
+// One step of the match loop for the nodes that most steps visit: the same functions that `RE_Node` declares,
+// called without looking them up. What a node does is written once, in its class.
 #pragma once
 
 #include "regexp/nodes/anchors.h"
@@ -41,9 +41,10 @@ const RE_Node* visitAnchor(const RE_Node* node, std::size_t pos, const RE_Search
 /// Visits a loop over one unit. Most give nothing back and are over after a few units.
 inline const RE_Node* visitRun(const RE_Node* node, std::size_t& pos, RE_Search_Info& info) {
     const auto& loop = static_cast<const RE_Consume&>(*node);
-    if (loop.possessive && !loop.lazy && loop.maximum == RE_Consume::noMaximum) {
+    if (loop.possessive && !loop.lazy) {
         const char16_t* const p = info.subjectBegin + pos;
-        if (const char16_t* const end = loop.shortRunEnd(p, info.subjectEnd)) {
+        const std::uint64_t left = static_cast<std::uint64_t>(info.subjectEnd - p);
+        if (const char16_t* const end = loop.shortRunEnd(p, p + std::min(left, loop.maximum))) {
             if (static_cast<std::uint64_t>(end - p) < loop.minimum) {
                 return nullptr;
             }
@@ -54,8 +55,10 @@ inline const RE_Node* visitRun(const RE_Node* node, std::size_t& pos, RE_Search_
     return visitLeaf<RE_Consume>(node, pos, info);
 }
 
-/// Visits a node of a kind other than `other` and `end`. Returns the node to go on at, or null where a choice has to be taken up.
-[[gnu::always_inline]] inline const RE_Node* visitDirectly(const RE_Node* node, std::size_t& pos, RE_Search_Info& info) {
+/// Visits a node of a kind other than `other` and `end`. Returns the node to go on at, or null where a choice
+/// has to be taken up.
+[[gnu::always_inline]] inline const RE_Node* visitDirectly(const RE_Node* node, std::size_t& pos,
+                                                           RE_Search_Info& info) {
     switch (node->kind) {
         case RE_Node_Kind::literal:
             return visitUnit<RE_Natural>(node, pos, info);
@@ -85,7 +88,8 @@ inline const RE_Node* visitRun(const RE_Node* node, std::size_t& pos, RE_Search_
             return visitLeaf<RE_End_Token>(node, pos, info);
         case RE_Node_Kind::matchToken: {
             const auto& token = static_cast<const RE_Match_Token&>(*node);
-            return token.RE_Match_Token::match(info.subjectBegin, pos, info) ? token.nextNode : token.failTarget;
+            return token.RE_Match_Token::match(info.subjectBegin, pos, info) ? token.nextNode
+                                                                             : token.failTarget;
         }
         case RE_Node_Kind::lineStart:
             return visitAnchor<RE_Start_Line>(node, pos, info);

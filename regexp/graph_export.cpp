@@ -46,8 +46,8 @@ struct Link_Writer : RE_Link_Visitor {
     const RE_Node* from;
 };
 
-/// The capture groups of a graph: which nodes stand between the start and the end of each. A group that the parser
-/// copied is there as often as its copies.
+/// The capture groups of a graph: which nodes stand between the start and the end of each. A group that the
+/// parser copied is there as often as its copies.
 class Clusters {
 public:
     struct Cluster {

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-/// Where nodes write themselves to. Nodes and links are kept apart: a link that is named inside a cluster would draw
-/// both its ends into it.
+/// Where nodes write themselves to. Nodes and links are kept apart: a link that is named inside a cluster
+/// would draw both its ends into it.
 struct RE_Graph_Output {
     std::string nodes;
     std::string links;
@@ -22,7 +22,7 @@ struct RE_Graph_Output {
 /// What a kind of link is called, in graphs and in traces. Every kind has a name and a look of its own.
 CORVANE_REGEXP_EXPORT const char* linkName(RE_Link kind);
 
-/// The whole text. Capture groups are drawn as clusters. Changes nothing in the nodes, so that graphs which are
-/// searched meanwhile can be written.
+/// The whole text. Capture groups are drawn as clusters. Changes nothing in the nodes, so that graphs which
+/// are searched meanwhile can be written.
 std::string writeGraph(const std::vector<RE_Node*, RE_Allocator<RE_Node*>>& nodes, RE_Node* root,
                        const RE_Graph_Attributes& attributes);

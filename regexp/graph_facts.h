@@ -14,8 +14,8 @@
 
 class RE_Consume;
 
-/// Made by the parser, owned by the compiled pattern, read-only during searches. Owns the nodes once they are handed
-/// over.
+/// Made by the parser, owned by the compiled pattern, read-only during searches. Owns the nodes once they are
+/// handed over.
 struct CORVANE_REGEXP_EXPORT RE_Graph_Facts : public RE_Memory {
     RE_Graph_Facts() = default;
     ~RE_Graph_Facts();

@@ -35,8 +35,8 @@ const RE_Node* RE_Included_Texts::root() const {
     return texts.back().tree->root;
 }
 
-// Whichever text's end this is: the texts behind it were left before, so each of them is either spent or has choices
-// of its own on top of the stack, and then so has this one.
+// Whichever text's end this is: the texts behind it were left before, so each of them is either spent or has
+// choices of its own on top of the stack, and then so has this one.
 void RE_Included_Texts::endReached(RE_Search_Info& info) {
     while (!texts.empty() && texts.back().spent) {
         dropLast(info);
@@ -53,9 +53,9 @@ void RE_Included_Texts::dropSpent(RE_Search_Info& info) {
     }
 }
 
-// The running node has not left the text it stands in, nor the ones around that, so the last outermost text is the one
-// around all of them, and every record and body above its record lies within it. The node itself lies there too: the
-// texts are freed when the record is popped, which is the next thing that happens.
+// The running node has not left the text it stands in, nor the ones around that, so the last outermost text
+// is the one around all of them, and every record and body above its record lies within it. The node itself
+// lies there too: the texts are freed when the record is popped, which is the next thing that happens.
 void RE_Included_Texts::refuse(RE_Search_Info& info) {
     trim(info);
     const auto around =

@@ -1,8 +1,8 @@
 // The dynamic texts that a search has compiled and may still come back to.
 //
-// A dynamic node compiles its text into a pattern of its own, whose end leads on to the node behind it: the text is
-// matched as if it stood there. Its nodes must live as long as any choice of the search lies in them, so each text
-// belongs to the record that its dynamic node leaves behind, and goes when that record does.
+// A dynamic node compiles its text into a pattern of its own, whose end leads on to the node behind it: the
+// text is matched as if it stood there. Its nodes must live as long as any choice of the search lies in them,
+// so each text belongs to the record that its dynamic node leaves behind, and goes when that record does.
 #pragma once
 
 #include "regexp/memory.h"
@@ -16,7 +16,8 @@ class RE_Node;
 class RE_Search_Info;
 class RE_Tree;
 
-/// Where the numbers of a sub-pattern's nodes begin, so that they differ from those of the patterns around it.
+/// Where the numbers of a sub-pattern's nodes begin, so that they differ from those of the patterns around
+/// it.
 struct RE_Sub_Pattern_Place {
     std::uint32_t memoRow = 0;
     std::size_t passRegister = 0;
@@ -33,25 +34,28 @@ public:
 
     /// The place behind those of all texts that are kept, which begin at `first`.
     RE_Sub_Pattern_Place nextPlace(const RE_Sub_Pattern_Place& first) const;
-    /// Keeps a text for as long as the record at index `slot` stands. `outermost`: its node stands in no text.
+    /// Keeps a text for as long as the record at index `slot` stands. `outermost`: its node stands in no
+    /// text.
     void add(std::unique_ptr<RE_Tree> text, std::int32_t slot, bool outermost);
     /// The first node of the text that was added last.
     const RE_Node* root() const;
 
-    /// The end of a text was reached. When its record is the most recent one the text cannot be entered again: the
-    /// record is dropped and the text goes with the next call of `trim`, since its end node is still in use.
+    /// The end of a text was reached. When its record is the most recent one the text cannot be entered
+    /// again: the record is dropped and the text goes with the next call of `trim`, since its end node is
+    /// still in use.
     void endReached(RE_Search_Info& info);
-    /// Frees the texts whose records are gone, and forgets what the search knows by the addresses of their nodes.
+    /// Frees the texts whose records are gone, and forgets what the search knows by the addresses of their
+    /// nodes.
     void trim(RE_Search_Info& info) {
         if (!texts.empty()) {
             dropSpent(info);
         }
     }
 
-    /// The running node may not include a text, being nested too deeply, and is about to fail. Only so often within one
-    /// outermost text, and in one attempt, is that a failure like any other: texts that include themselves in two
-    /// places would come here for ever. After that the outermost text is given up: all choices and bodies within it
-    /// are dropped, so that its node fails.
+    /// The running node may not include a text, being nested too deeply, and is about to fail. Only so often
+    /// within one outermost text, and in one attempt, is that a failure like any other: texts that include
+    /// themselves in two places would come here for ever. After that the outermost text is given up: all
+    /// choices and bodies within it are dropped, so that its node fails.
     void refuse(RE_Search_Info& info);
     void startAttempt() { refusals = 0; }
 

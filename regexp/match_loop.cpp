@@ -38,7 +38,8 @@ const RE_Node* takeUp(const RE_Node* chooser, const RE_Backtrack_Record& record,
     }
 }
 
-/// Takes up the most recent choice of the innermost body, or ends that body. Null when the whole run has failed.
+/// Takes up the most recent choice of the innermost body, or ends that body. Null when the whole run has
+/// failed.
 template <class Watch>
 const RE_Node* backtrack(RE_Search_Info& info, std::size_t& pos, std::size_t floor, Watch& watch) {
     if (info.backtrack.top < info.backtrack.base && info.bodies.size() == floor) {
@@ -63,8 +64,8 @@ const RE_Node* backtrack(RE_Search_Info& info, std::size_t& pos, std::size_t flo
     }
 }
 
-/// What visiting a node by its virtual functions led to: the node to go on at (null: a choice has to be taken up), or
-/// the end of the run.
+/// What visiting a node by its virtual functions led to: the node to go on at (null: a choice has to be taken
+/// up), or the end of the run.
 struct Visit {
     const RE_Node* following;
     bool isOver = false;
@@ -113,7 +114,8 @@ bool run(RE_Search_Info& info, const RE_Node* node, std::size_t& position, Watch
             following = visitDirectly(node, pos, info);
         } else {
             const bool ends = !Watch::watches && node->kind == RE_Node_Kind::end;
-            const Visit visited = ends ? visitEnd(node, info, pos, floor) : visit(node, info, pos, floor, watch);
+            const Visit visited =
+                ends ? visitEnd(node, info, pos, floor) : visit(node, info, pos, floor, watch);
             if (visited.isOver) {
                 position = pos;
                 return true;

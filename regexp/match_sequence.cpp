@@ -4,8 +4,8 @@
 
 #include <new>
 
-// The state is told of interrupts only while a search runs: a request that comes between two searches is for the
-// caller to see.
+// The state is told of interrupts only while a search runs: a request that comes between two searches is for
+// the caller to see.
 RE_Match_Sequence::RE_Match_Sequence(const RE_Tree& pattern, std::u16string_view subject,
                                      const RE_Search_Limits* searchLimits)
     : tree(pattern), info(freshState(subject)), watchesMemory(searchLimits != nullptr) {
@@ -54,8 +54,9 @@ RE_Results* RE_Match_Sequence::search(std::size_t offset) {
     }
     if (view) {
         info.searchBehind(view->matchStart + view->matchLength);
-    } else {
+    } else if (!prepared) {
         info.prepare(*tree.facts);
+        prepared = tree.facts->profiler == nullptr;  // each search counts for itself
     }
     info.putInterruptAside();
     std::size_t length = 0;

@@ -17,19 +17,20 @@ class RE_Tree;
 /// allocated. Tree and subject must outlive the sequence.
 class CORVANE_REGEXP_EXPORT RE_Match_Sequence : public RE_Memory {
 public:
-    /// An empty subject may have a null pointer. Throws when there is no memory for the tokens. The limits (null: none)
-    /// hold for all searches together; the state to begin with is allowed for.
+    /// An empty subject may have a null pointer. Throws when there is no memory for the tokens. The limits
+    /// (null: none) hold for all searches together; the state to begin with is allowed for.
     RE_Match_Sequence(const RE_Tree& pattern, std::u16string_view subject,
                       const RE_Search_Limits* searchLimits = nullptr);
 
-    /// Goes on with another subject, as a sequence made anew would, without giving storage back. Results that were seen
-    /// are gone. For many short subjects.
+    /// Goes on with another subject, as a sequence made anew would, without giving storage back. Results that
+    /// were seen are gone. For many short subjects.
     void use(std::u16string_view subject);
-    /// The leftmost match at or behind `offset`, which lies between the end of the match found before and the subject's
-    /// length; null when there is none, the host asked to stop or a limit was met: then the sequence is over. A view
-    /// of the search state, good until the next call.
+    /// The leftmost match at or behind `offset`, which lies between the end of the match found before and the
+    /// subject's length; null when there is none, the host asked to stop or a limit was met: then the
+    /// sequence is over. A view of the search state, good until the next call.
     RE_Results* find(std::size_t offset);
-    /// The match found last, as an object of its own; the sequence is over. Null when there is none, or no memory.
+    /// The match found last, as an object of its own; the sequence is over. Null when there is none, or no
+    /// memory.
     RE_Results* releaseMatch();
     /// How the searches ended: `matched` when there was a match and nothing broke them off.
     RE_Search_Report report() const;
@@ -47,5 +48,6 @@ private:
     RE_Search_Info info;
     bool watchesMemory;
     bool memoryFull = false;
+    bool prepared = false;  ///< for the pattern
     std::optional<RE_Results> view;
 };

@@ -136,7 +136,8 @@ std::size_t RE_Memo_Table::firstAbsent(std::uint32_t row, std::size_t first, std
     return found;
 }
 
-// A cell of an older generation ends a probe like a free one: every key of this generation was put in front of it.
+// A cell of an older generation ends a probe like a free one: every key of this generation was put in front
+// of it.
 std::size_t RE_Memo_Table::slotOf(std::uint64_t key) const {
     const std::size_t mask = cells.size() - 1;
     std::size_t slot = static_cast<std::size_t>(mix(key)) & mask;

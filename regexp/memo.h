@@ -1,12 +1,13 @@
 // The memo of states already tried: what keeps backtracking polynomial.
 //
-// A state is a choosing node, a subject position, and whatever else the future of the match depends on there: the
-// counts of the loops around the node, whether their current pass has consumed anything yet, and the texts of tokens
-// that something refers to. Everything but the position is folded into a row number; a row is a sparse bit set over
-// positions, held for all rows together in one open-addressing table of 64-bit words.
+// A state is a choosing node, a subject position, and whatever else the future of the match depends on there:
+// the counts of the loops around the node, whether their current pass has consumed anything yet, and the
+// texts of tokens that something refers to. Everything but the position is folded into a row number; a row is
+// a sparse bit set over positions, held for all rows together in one open-addressing table of 64-bit words.
 //
-// Why a second visit may be refused: compiled loops refuse passes that consume nothing, so no path comes back to a
-// state it is still exploring. Whoever meets a recorded state again therefore meets one that has failed completely.
+// Why a second visit may be refused: compiled loops refuse passes that consume nothing, so no path comes back
+// to a state it is still exploring. Whoever meets a recorded state again therefore meets one that has failed
+// completely.
 #pragma once
 
 #include "regexp/memory.h"
@@ -21,8 +22,8 @@
 
 class RE_Node;
 
-/// What the future at a node depends on besides the position, one link for each enclosing construct, inner ones first.
-/// Built with the pattern and owned by it.
+/// What the future at a node depends on besides the position, one link for each enclosing construct, inner
+/// ones first. Built with the pattern and owned by it.
 struct RE_Memo_Scope {
     enum class Kind { counter, pass, token };
 
@@ -56,8 +57,9 @@ private:
         std::uint64_t generation;  ///< the cell is free unless this is the table's current one
     };
 
-    /// Positions without a gap, all of them in the set. A loop that fails at each of its ends, from start after start,
-    /// asks about the same ones again and again: without this each answer would take the time of a scan.
+    /// Positions without a gap, all of them in the set. A loop that fails at each of its ends, from start
+    /// after start, asks about the same ones again and again: without this each answer would take the time of
+    /// a scan.
     struct Filled {
         std::uint32_t row = 0;
         std::uint64_t generation = 0;  ///< counts for nothing unless this is the table's current one

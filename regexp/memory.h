@@ -1,5 +1,5 @@
-// Where every engine object gets its memory: the host's allocator, so that a host can count and limit it. (Names and
-// scratch of the parser and the passes are standard library objects of their own.)
+// Where every engine object gets its memory: the host's allocator, so that a host can count and limit it.
+// (Names and scratch of the parser and the passes are standard library objects of their own.)
 #pragma once
 
 #include "host/memory.h"

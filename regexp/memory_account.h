@@ -1,8 +1,8 @@
 // Counts the memory that the engine takes on one thread, and refuses it beyond a ceiling.
 //
-// The engine's allocators are without state, so that containers cost nothing for it; the account that is open on the
-// thread is found through a thread-local pointer. Everything allocated and freed while a scope is open counts, by the
-// sizes asked for: the sums are the same on every machine with words of one size.
+// The engine's allocators are without state, so that containers cost nothing for it; the account that is open
+// on the thread is found through a thread-local pointer. Everything allocated and freed while a scope is open
+// counts, by the sizes asked for: the sums are the same on every machine with words of one size.
 #pragma once
 
 #include "regexp/export.h"

@@ -1,7 +1,7 @@
 // Small blocks of memory that are used again before more is taken from the host.
 //
-// The standard library's pools do not fit: that of libstdc++ 12 goes on as if nothing had happened when the memory
-// for its own lists is refused.
+// The standard library's pools do not fit: that of libstdc++ 12 goes on as if nothing had happened when the
+// memory for its own lists is refused.
 #pragma once
 
 #include "regexp/memory.h"
@@ -11,8 +11,8 @@
 #include <memory_resource>
 #include <vector>
 
-/// Blocks of up to `largest` bytes come from chunks that are given back together with the pool. Larger ones go straight
-/// to the host and back.
+/// Blocks of up to `largest` bytes come from chunks that are given back together with the pool. Larger ones
+/// go straight to the host and back.
 class RE_Memory_Pool final : public std::pmr::memory_resource {
 public:
     static constexpr std::size_t largest = 512;
@@ -32,7 +32,9 @@ private:
 
     void* do_allocate(std::size_t bytes, std::size_t alignment) override;
     void do_deallocate(void* block, std::size_t bytes, std::size_t alignment) override;
-    bool do_is_equal(const std::pmr::memory_resource& other) const noexcept override { return this == &other; }
+    bool do_is_equal(const std::pmr::memory_resource& other) const noexcept override {
+        return this == &other;
+    }
 
     void* carve(std::size_t bytes);
 

@@ -10,9 +10,9 @@ RE_Results::RE_Results(RE_Search_Info* info, const char16_t* end, std::size_t ex
       subjectEnd(info->subjectEnd),
       matchStart(static_cast<std::size_t>(info->matchStart - info->subjectBegin)),
       matchLength(static_cast<std::size_t>(end - info->matchStart) + extra),
-      tokens(info->tokens) {
+      tokens(info->tokens),
+      taken(take && tokens != nullptr ? std::move(*tokens) : RE_Token_Stack()) {
     if (take && tokens != nullptr) {
-        taken = std::move(*tokens);
         tokens = &taken;
         info->tokens = nullptr;
     }

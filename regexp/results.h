@@ -9,12 +9,12 @@
 class RE_Search_Info;
 
 /// Extent and tokens of one match. Made by `RE_Tree::match`, owned by the caller, freed with `delete`.
-/// The subject must outlive it where its text is read through the pointers, and the compiled pattern where token
-/// names are read. Not synchronised; one result belongs to one thread at a time.
+/// The subject must outlive it where its text is read through the pointers, and the compiled pattern where
+/// token names are read. Not synchronised; one result belongs to one thread at a time.
 class CORVANE_REGEXP_EXPORT RE_Results : public RE_Memory {
 public:
-    /// `end` and `extra` (code units) give the end of the match; with `take` the token store moves here, without it
-    /// the results are a view that must not outlive the search state.
+    /// `end` and `extra` (code units) give the end of the match; with `take` the token store moves here,
+    /// without it the results are a view that must not outlive the search state.
     RE_Results(RE_Search_Info* info, const char16_t* end, std::size_t extra, bool take);
     RE_Results(const RE_Results&) = delete;
     RE_Results& operator=(const RE_Results&) = delete;

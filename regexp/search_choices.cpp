@@ -55,8 +55,8 @@ void RE_Search_Info::beginMemo() {
 
 // --- nodes put together by hand ---
 //
-// The parser's loops guard empty passes by nodes of their own and are told apart by the memo. A node that nobody
-// vouches for is guarded by what stands on the stack: the same node at the same position is refused.
+// The parser's loops guard empty passes by nodes of their own and are told apart by the memo. A node that
+// nobody vouches for is guarded by what stands on the stack: the same node at the same position is refused.
 
 bool RE_Search_Info::pushUnguarded(const RE_Node* node, const char16_t* position, bool newRecord) {
     if (node->memoised) {

@@ -49,8 +49,8 @@ void RE_Search_Info::handBackInterrupt() {
     interruptWasPending = false;
 }
 
-// Where failures outlive a start the memo goes on: all searches together cost what one would. Elsewhere it would begin
-// empty at every start, so it waits until a search needs it.
+// Where failures outlive a start the memo goes on: all searches together cost what one would. Elsewhere it
+// would begin empty at every start, so it waits until a search needs it.
 void RE_Search_Info::carryMemoOver(std::size_t end) {
     if (facts->memoOutlivesStarts()) {
         memo->searchFrom(end);
@@ -162,22 +162,8 @@ void RE_Search_Info::endToken(std::size_t index, const char16_t* p, bool invalid
     }
 }
 
-namespace {
-
-const RE_TokenInfo* withinSubject(const RE_TokenInfo* token, std::size_t subjectLength) {
-    const bool fits =
-        token != nullptr && token->start <= subjectLength && token->length <= subjectLength - token->start;
-    return fits ? token : nullptr;
-}
-
-}  // namespace
-
-const RE_TokenInfo* RE_Search_Info::getToken(std::size_t index) const {
-    return tokens == nullptr ? nullptr : withinSubject(tokens->get(index), subjectLength());
-}
-
 const RE_TokenInfo* RE_Search_Info::getToken(const char16_t* name) const {
-    return tokens == nullptr ? nullptr : withinSubject(tokens->get(name), subjectLength());
+    return tokens == nullptr ? nullptr : withinSubject(tokens->get(name));
 }
 
 void RE_Search_Info::notePass(std::size_t pass, std::size_t word) {

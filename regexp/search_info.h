@@ -1,8 +1,8 @@
 // The mutable state of one search: everything that changes while a pattern is matched.
 //
-// Made on the caller's stack by each search call, reset before every start position, destroyed on every way out.
-// The nodes of the pattern keep nothing of a search, so one pattern can be searched from many threads, each with a
-// state of its own.
+// Made on the caller's stack by each search call, reset before every start position, destroyed on every way
+// out. The nodes of the pattern keep nothing of a search, so one pattern can be searched from many threads,
+// each with a state of its own.
 #pragma once
 
 #include "host/interrupt.h"
@@ -38,8 +38,8 @@ struct RE_Measured_Run {
     bool holds(const char16_t* p) const { return begin != nullptr && begin <= p && p <= end; }
 };
 
-/// Opens a sub-search: choices made before it are out of reach of pops until `leave()`, which drops every record the
-/// sub-search left. What the sub-search wrote to tokens stays on the undo trail.
+/// Opens a sub-search: choices made before it are out of reach of pops until `leave()`, which drops every
+/// record the sub-search left. What the sub-search wrote to tokens stays on the undo trail.
 class CORVANE_REGEXP_EXPORT RE_Search_Scope {
 public:
     explicit RE_Search_Scope(RE_Search_Info& search);
@@ -90,8 +90,8 @@ public:
     void prepare(const RE_Graph_Facts& graphFacts);
     void useSubject(const char16_t* subject, std::size_t length);
     void resetForStart(const char16_t* p);
-    /// Makes ready for a search behind a match that this state found and that ended at index `end`, with the same
-    /// graph. Storage is kept.
+    /// Makes ready for a search behind a match that this state found and that ended at index `end`, with the
+    /// same graph. Storage is kept.
     void searchBehind(std::size_t end);
 
     /// A request to stop that came before the search is put aside, and handed back once the search is over.
@@ -115,8 +115,8 @@ public:
     /// Why it is; `noMatch` while it is not.
     RE_Search_Outcome stopReason() const { return stopped; }
 
-    /// Accounts for one node visit. False when the search is to stop. At a checkpoint the host is consulted too, so
-    /// that patterns that never turn back can be interrupted.
+    /// Accounts for one node visit. False when the search is to stop. At a checkpoint the host is consulted
+    /// too, so that patterns that never turn back can be interrupted.
     bool takeStep() { return meter.step() || passCheckpoint(); }
     /// Accounts for a scan of so many units.
     void noteScan(std::size_t units) const { meter.scanned(units); }
@@ -125,18 +125,18 @@ public:
 
     /// Leaves a choice. False when the same state was tried before and cannot succeed now.
     bool pushChoice(const RE_Node* node, const char16_t* position, bool newRecord);
-    /// The most recent choice, with tokens and counts put back to that moment, or null when none is left or the host
-    /// asked to stop. The record stays valid until the next push.
+    /// The most recent choice, with tokens and counts put back to that moment, or null when none is left or
+    /// the host asked to stop. The record stays valid until the next push.
     RE_Backtrack_Record* popChoice();
     /// Leaves a choice without asking the memo, with a word of the node's own beside it.
     void pushRecord(const RE_Node* node, const char16_t* position, std::size_t word);
-    /// Notes that a node left no choice, as one way only was open there. It counts towards the beginning of the memo: a
-    /// loop without choices is gone through from each start again.
+    /// Notes that a node left no choice, as one way only was open there. It counts towards the beginning of
+    /// the memo: a loop without choices is gone through from each start again.
     void spareChoice() { countTowardsMemo(); }
     /// The word beside the record that was just popped.
     std::size_t poppedWord() const;
-    /// Whether `node` has not yet been tried at this position in this state; records it. Always true while the memo
-    /// has not begun.
+    /// Whether `node` has not yet been tried at this position in this state; records it. Always true while
+    /// the memo has not begun.
     bool firstVisit(const RE_Node* node, const char16_t* position);
     /// The last position in [first, last] at which `firstVisit` may still hold, or null.
     const char16_t* lastUntried(const RE_Node* node, const char16_t* first, const char16_t* last);
@@ -147,9 +147,9 @@ public:
         return node->memoIndex < runs.size() ? &runs[node->memoIndex] : nullptr;
     }
     void noteRun(const RE_Node* node, RE_Measured_Run run);
-    /// The last position in [first, last] at which `next` can match, or null. `next` must be able to seek. What was found
-    /// barren on behalf of `owner`, a node with a memo row of its own, is not looked through again; `owner` must always ask
-    /// about the same `next`.
+    /// The last position in [first, last] at which `next` can match, or null. `next` must be able to seek.
+    /// What was found barren on behalf of `owner`, a node with a memo row of its own, is not looked through
+    /// again; `owner` must always ask about the same `next`.
     const char16_t* lastStartOf(const RE_Node* next, const RE_Node* owner, const char16_t* first,
                                 const char16_t* last);
 
@@ -158,14 +158,17 @@ public:
     void startToken(std::size_t index, const char16_t* name, const char16_t* p);
     void endToken(std::size_t index, const char16_t* p, bool invalidate);
     /// The token, or null when it is not in effect or would reach past the subject.
-    const RE_TokenInfo* getToken(std::size_t index) const;
+    const RE_TokenInfo* getToken(std::size_t index) const {
+        return tokens == nullptr ? nullptr : withinSubject(tokens->get(index));
+    }
     const RE_TokenInfo* getToken(int index) const { return getToken(static_cast<std::size_t>(index)); }
     const RE_TokenInfo* getToken(const char16_t* name) const;
 
-    /// Notes where a token opened. The slot itself is written when the token closes, so that it always describes a
-    /// group that was matched as a whole.
+    /// Notes where a token opened. The slot itself is written when the token closes, so that it always
+    /// describes a group that was matched as a whole.
     void noteTokenStart(std::size_t index, std::size_t position);
-    /// Closes a token opened by `noteTokenStart`: writes the slot, puts the token in effect, empties slots skipped.
+    /// Closes a token opened by `noteTokenStart`: writes the slot, puts the token in effect, empties slots
+    /// skipped.
     void recordToken(std::size_t index, const char16_t* name, std::size_t end);
 
     // --- passes of loops whose body may consume nothing ---
@@ -200,14 +203,15 @@ public:
 
     /// Where the numbers of a text compiled now begin.
     RE_Sub_Pattern_Place placeOfText();
-    /// Enters a text compiled for that place on behalf of `node`, which stands at index `pos`, and in no text when the
-    /// text is an `outermost` one.
+    /// Enters a text compiled for that place on behalf of `node`, which stands at index `pos`, and in no text
+    /// when the text is an `outermost` one.
     void include(std::unique_ptr<RE_Tree> text, const RE_Node* node, std::size_t pos, bool outermost);
 
     // --- the host ---
 
-    /// To be called whenever a node has called the host: states that failed before may not fail now, and must not be
-    /// passed over without the calls that they make. The next step asks whether to stop, as a call may take long.
+    /// To be called whenever a node has called the host: states that failed before may not fail now, and must
+    /// not be passed over without the calls that they make. The next step asks whether to stop, as a call may
+    /// take long.
     void hostWasCalled();
 
     // --- positions ---
@@ -223,7 +227,7 @@ public:
     const char16_t* subjectEnd;
     const char16_t* matchStart = nullptr;   ///< start of the current attempt; null until the first reset
     const char16_t* requiredEnd = nullptr;  ///< where a look-behind body must end; null when unused
-    RE_Token_Stack* tokens = nullptr;       ///< null without memory, and when an `RE_Results` has taken the store
+    RE_Token_Stack* tokens = nullptr;  ///< null without memory, and when an `RE_Results` has taken the store
     RE_Backtrack_Stack backtrack;
 
     using Counts = boost::container::small_vector<std::size_t, 4, RE_Allocator<std::size_t>>;
@@ -245,8 +249,8 @@ public:
     bool rejectEmpty = false;
     mutable RE_Step_Meter meter;  ///< no part of the state that nodes see
 
-    /// Has the match loop go on at `target` behind the node that calls this, in place of its next node or fail target; null
-    /// is a dead end, since the state itself is exhausted.
+    /// Has the match loop go on at `target` behind the node that calls this, in place of its next node or
+    /// fail target; null is a dead end, since the state itself is exhausted.
     void redirect(const RE_Node* target) {
         redirected = true;
         redirection = target;
@@ -276,6 +280,11 @@ private:
     void handBackInterrupt();
     void carryMemoOver(std::size_t end);
     void forgetAttempt();
+    const RE_TokenInfo* withinSubject(const RE_TokenInfo* token) const {
+        const bool fits = token != nullptr && token->start <= subjectLength() &&
+                          token->length <= subjectLength() - token->start;
+        return fits ? token : nullptr;
+    }
     bool passCheckpoint();
     void beginMemo();
     void countTowardsMemo() {
@@ -306,7 +315,8 @@ private:
     std::int32_t scopes = 0;
     RE_Search_Outcome stopped = RE_Search_Outcome::noMatch;
 
-    /// The memo begins once this many choices have been taken up again or spared: most searches never pay for it.
+    /// The memo begins once this many choices have been taken up again or spared: most searches never pay for
+    /// it.
     std::uint64_t memoCountdown;
     std::unique_ptr<RE_Search_Memo> memo;
     std::unique_ptr<RE_Search_Memo> idleMemo;  ///< empty; for a later search that needs one
@@ -335,8 +345,8 @@ inline void RE_Search_Info::resetForStart(const char16_t* p) {
     }
 }
 
-// Registers written before the first record of an attempt are not trailed; nothing reads them before the attempt
-// writes them again, since every reader stands behind its writer on every path.
+// Registers written before the first record of an attempt are not trailed; nothing reads them before the
+// attempt writes them again, since every reader stands behind its writer on every path.
 inline void RE_Search_Info::clearBacktrack() {
     trail.clear();
     bodies.clear();

@@ -13,12 +13,12 @@
 struct RE_Search_Limits {
     static constexpr std::uint64_t unlimited = static_cast<std::uint64_t>(-1);
 
-    /// A step is one node of the pattern visited, one end of a run tried or 64 units scanned, and is counted alike on
-    /// every machine and in every build. One visit may pass the budget by the steps of its scan, which ends with the
-    /// subject at the latest.
+    /// A step is one node of the pattern visited, one end of a run tried or 64 units scanned, and is counted
+    /// alike on every machine and in every build. One visit may pass the budget by the steps of its scan,
+    /// which ends with the subject at the latest.
     std::uint64_t steps = unlimited;
-    /// Bytes of the host's memory held at one time. Never passed, but for what a search begins with: a few words a
-    /// token.
+    /// Bytes of the host's memory held at one time. Never passed, but for what a search begins with: a few
+    /// words a token.
     std::uint64_t bytes = unlimited;
 };
 

@@ -5,8 +5,8 @@
 
 namespace {
 
-// All positions of a search share the row of a node, but for those at which a pass began that has consumed nothing
-// yet: there the future differs. The last of them up to `last`, or `nowhere`.
+// All positions of a search share the row of a node, but for those at which a pass began that has consumed
+// nothing yet: there the future differs. The last of them up to `last`, or `nowhere`.
 std::size_t lastPassStart(const RE_Search_Info& info, const RE_Node* node, std::size_t last) {
     std::size_t found = RE_Memo_Table::nowhere;
     for (const RE_Memo_Scope* scope = node->memoScope; scope != nullptr; scope = scope->parent) {
@@ -104,8 +104,8 @@ void RE_Search_Memo::forgetStates() {
     textNumbers.clear();
 }
 
-// Most nodes stand in no counted loop and no loop with empty passes, and nothing refers to a token: their own number
-// is the row.
+// Most nodes stand in no counted loop and no loop with empty passes, and nothing refers to a token: their own
+// number is the row.
 std::uint32_t RE_Search_Memo::row(const RE_Search_Info& info, const RE_Node* node, std::size_t position) {
     if (node->memoScope == nullptr && info.facts->referencedTokens.empty()) {
         return node->memoIndex;
@@ -140,8 +140,8 @@ std::size_t RE_Search_Memo::tokenState(const RE_Search_Info& info, std::size_t t
     return textNumber(info, {slot->start, slot->length}) * 2 + named;
 }
 
-// Equal texts get equal numbers, wherever they stand in the subject; 0 stands for no text. A text is read once for each
-// place it stands in, as the same token is asked for at every choice.
+// Equal texts get equal numbers, wherever they stand in the subject; 0 stands for no text. A text is read
+// once for each place it stands in, as the same token is asked for at every choice.
 std::size_t RE_Search_Memo::textNumber(const RE_Search_Info& info, Place place) {
     const auto [known, isNew] = placeNumbers.try_emplace(place, 0);
     if (isNew) {

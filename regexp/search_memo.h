@@ -1,11 +1,12 @@
-// The memo of one search: a table of tried states for the pattern itself and one for each level of closed bodies.
+// The memo of one search: a table of tried states for the pattern itself and one for each level of closed
+// bodies.
 //
-// States on the way of a body that succeeded have not failed: its table is emptied then. One of a body that failed stays,
-// as a body sees nothing of what stands around it; only a look-behind, which must end in one place, empties its own each
-// time. The candidate starts of one look-behind share theirs.
+// States on the way of a body that succeeded have not failed: its table is emptied then. One of a body that
+// failed stays, as a body sees nothing of what stands around it; only a look-behind, which must end in one
+// place, empties its own each time. The candidate starts of one look-behind share theirs.
 //
-// How a closed body ended is remembered as well, by where it was entered, so that bodies within the loops of other
-// bodies do not multiply.
+// How a closed body ended is remembered as well, by where it was entered, so that bodies within the loops of
+// other bodies do not multiply.
 #pragma once
 
 #include "regexp/memo.h"
@@ -25,8 +26,9 @@ class RE_Node;
 class RE_Search_Info;
 struct RE_TokenInfo;
 
-/// When the memo of a search begins: after this many choices were taken up again, plus so many for each unit of the
-/// subject. Most searches end before. Tests set both to 0, before any search, to see the memo at work at once.
+/// When the memo of a search begins: after this many choices were taken up again, plus so many for each unit
+/// of the subject. Most searches end before. Tests set both to 0, before any search, to see the memo at work
+/// at once.
 struct RE_Memo_Delay {
     static inline std::uint64_t choices = 512;
     static inline std::uint64_t perUnit = 4;
@@ -58,8 +60,8 @@ public:
     /// The outcome noted for a body of `node` entered at `start`.
     RE_Body_Outcome outcome(const RE_Node* node, std::size_t start) const;
     void noteOutcome(const RE_Node* node, std::size_t start, RE_Body_Outcome outcome);
-    /// Makes ready for the search behind a match that ended at `position`. The states on its way have not failed; of
-    /// them that search can meet those at the match's end only, so these are set apart.
+    /// Makes ready for the search behind a match that ended at `position`. The states on its way have not
+    /// failed; of them that search can meet those at the match's end only, so these are set apart.
     void searchFrom(std::size_t position);
     /// Forgets the states of every level.
     void forgetStates();

@@ -1,8 +1,8 @@
 // Counts the work of a search in steps, and spends its budget.
 //
-// A step is one node visited, or `unitsAStep` units looked at by one scan. Both are properties of pattern, subject and
-// compile options alone: the count is the same on every machine, in every build, however fast the scans are written.
-// The match loop pays for one decrement; everything else happens at checkpoints.
+// A step is one node visited, or `unitsAStep` units looked at by one scan. Both are properties of pattern,
+// subject and compile options alone: the count is the same on every machine, in every build, however fast the
+// scans are written. The match loop pays for one decrement; everything else happens at checkpoints.
 #pragma once
 
 #include <algorithm>

@@ -1,5 +1,5 @@
-// Plain writes to the token store. The slot numbers come from the compiled pattern, which sized the store; they
-// are checked all the same, so that a foreign store given to a search cannot be written out of bounds.
+// Plain writes to the token store. The slot numbers come from the compiled pattern, which sized the store;
+// they are checked all the same, so that a foreign store given to a search cannot be written out of bounds.
 #include "regexp/token_stack.h"
 
 #include "host/utf16.h"

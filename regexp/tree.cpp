@@ -88,7 +88,8 @@ void RE_Tree::parse(const char* pattern, bool flag) {
 
 namespace {
 
-/// Text in, root of the finished graph out. The nodes and what is known of them stay with the parser's context.
+/// Text in, root of the finished graph out. The nodes and what is known of them stay with the parser's
+/// context.
 RE_Node* compileGraph(RE_ParserContext& parserContext, const char16_t* pattern, std::size_t length,
                       RE_Node* continuationNode, bool last, const RE_Stage_Observer& observer = {}) {
     const RE_Flags flags = parserContext.flags;

@@ -27,21 +27,22 @@ class RE_Search_Info;
 struct RE_Graph_Facts;
 struct RE_Sub_Pattern_Place;
 
-/// What a graph becomes while a pattern is compiled, in this order: as it was parsed, without nodes that do nothing,
-/// with units joined, and with loops over one unit taken together and a start finder.
+/// What a graph becomes while a pattern is compiled, in this order: as it was parsed, without nodes that do
+/// nothing, with units joined, and with loops over one unit taken together and a start finder.
 enum class RE_Stage { parsed, null_nodes, linear, dot_star };
 
 /// Further attributes of a node, by its number, as they stand in the graph language: `color=red`, or nothing.
 using RE_Graph_Attributes = std::function<std::string(std::uint64_t nodeId)>;
 
-/// A compiled pattern. Compiling never fails on syntax: problems are reported through `RE_Context::warn` and degrade
-/// to literal text or to nothing.
+/// A compiled pattern. Compiling never fails on syntax: problems are reported through `RE_Context::warn` and
+/// degrade to literal text or to nothing.
 ///
 /// Immutable once constructed; any number of threads may search one tree at the same time, each with a seek
 /// table of its own where it passes one. Offsets and lengths count UTF-16 code units.
 ///
 ///     RE_Tree tree(u"a(b+)c", false);
-///     std::unique_ptr<RE_Results> match(tree.match(u"xxabbc", 6, 0));   // start 2, length 4, token 0 at 3, length 2
+///     std::unique_ptr<RE_Results> match(tree.match(u"xxabbc", 6, 0));
+///     // start 2, length 4; token 0 at 3, length 2
 class CORVANE_REGEXP_EXPORT RE_Tree : public RE_Memory {
 public:
     // The plain constructors let the dot match line feeds, accept no empty match and are never interrupted;
@@ -119,8 +120,8 @@ public:
     // The node graph as text for graph-drawing programs (DOT). docs/seeing-inside.md shows and explains one.
     std::string graph() const;
     std::string graph(const RE_Graph_Attributes& attributes) const;
-    /// The graph of a pattern as it is when a stage of its compilation is over. Stages that the compile options switch
-    /// off change nothing.
+    /// The graph of a pattern as it is when a stage of its compilation is over. Stages that the compile
+    /// options switch off change nothing.
     static std::string graphAfter(RE_Stage stage, const char16_t* pattern, std::size_t length, RE_Flags flags,
                                   RE_Context* context);
 
@@ -128,8 +129,8 @@ public:
     RE_Results* trace(const char16_t* subject, std::size_t length, std::size_t offset,
                       RE_Observer& observer) const;
 
-    /// What the nodes did in all searches that are over, from any thread. Counts are kept only by patterns compiled
-    /// with the option `Profile`; without it there are no nodes in the profile.
+    /// What the nodes did in all searches that are over, from any thread. Counts are kept only by patterns
+    /// compiled with the option `Profile`; without it there are no nodes in the profile.
     RE_Profile profile() const;
     void clearProfile() const;
 

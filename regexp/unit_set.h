@@ -5,13 +5,14 @@
 
 #include "regexp/memory.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <vector>
 
-/// A set of units: one bit for each of the 65,536. From some place on most sets hold all units or none: they know that
-/// place, so that building and comparing them looks at what stands before it only.
+/// A set of units: one bit for each of the 65,536. From some place on most sets hold all units or none: they
+/// know that place, so that building and comparing them looks at what stands before it only.
 class RE_Unit_Set : public RE_Memory {
 public:
     static constexpr std::size_t unitCount = 0x10000;
@@ -60,7 +61,8 @@ private:
     std::size_t leastVaried() const;
 
     std::uint64_t words[wordCount] = {};
-    std::size_t varied = 0;  ///< words that may differ from the last one, which is 0 or all ones unless this is all of them
+    /// Words that may differ from the last one, which is 0 or all ones unless this is all of them.
+    std::size_t varied = 0;
 };
 
 /// The host's simple case mapping, unit by unit.
@@ -76,9 +78,21 @@ public:
     /// This unit and no other has this unit as its lower-case form.
     bool foldsAlone(char16_t unit) const { return lowerOf[unit] == unit && !foldTargets.contains(unit); }
 
+    /// Calls `visit` with each unit that has this unit as its lower-case form.
+    template <class Visit>
+    void forEachForm(char16_t lowerForm, Visit visit) const {
+        if (!isCased(lowerForm)) {
+            visit(lowerForm);
+        }
+        const auto first = std::lower_bound(lowerForms.begin(), lowerForms.end(), Form{lowerForm, 0});
+        for (auto it = first; it != lowerForms.end() && it->form == lowerForm; ++it) {
+            visit(it->unit);
+        }
+    }
     /// How many units have this unit as their lower-case form.
     std::size_t formsWithin(char16_t lowerForm) const;
-    /// Adds the units whose lower-case form lies in the bounds; with `bothForms` also those whose upper-case form does.
+    /// Adds the units whose lower-case form lies in the bounds; with `bothForms` also those whose upper-case
+    /// form does.
     void addFolding(RE_Unit_Set& set, char16_t low, char16_t high, bool bothForms) const;
 
 private:

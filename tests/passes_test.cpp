@@ -47,7 +47,7 @@ const Case kCases[] = {
     {u".*b", 0x12, kNulls, "Split; Match . (dotall); Match 'b'; End"},
     {u".*b", 0x12, kLinear, "Dispatch to 2 ways; Match . (dotall); Match 'b'; End"},
     {u".*b", 0x12, kAll, "Seek within text of 1 units; Consume; Match 'b'; Match . (dotall); End"},
-    {u"(?:a+)*b", 0x12, kAll, "Seek one of 2 units; Consume Possessive; Match 'b'; Match 'a'; End"},
+    {u"(?:a+)*b", 0x12, kAll, "Seek within text of 1 units; Consume Possessive; Match 'b'; Match 'a'; End"},
     {u"a{2,70}+b", 0x12, kAll, "Seek prefixes by 3 units; Consume Possessive{2,70}; Match 'b'; Match 'a'; End"},
     {u"a{3,}?b", 0x12, kAll, "Seek prefixes by 3 units; Consume Possessive{3,}; Match 'b'; Match 'a'; End"},
     {u"foo|foobar|foo|bar", 0x12, kLinear, "Match 'foo'|'foobar'|'bar'; End"},

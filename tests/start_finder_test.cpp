@@ -25,6 +25,9 @@ const Case kCases[] = {
     {u"(?<!\\w)ab(?!\\w)", 0x12, "literal"},
     {u"(?<=ab)\\w+", 0x12, "literal behind"},
     {u"(?<==)\\d+", 0x12, "literal behind"},
+    {u"(?<=\\d)[a-z]+", 0x12, "literal behind"},
+    {u"^[a-z].*xyz@", 0x14, "required literal"},
+    {u".{2,4}(?:xyz|abc)", 0x10, "required literal"},
     {u"\\w+\\s+abcd", 0x12, "required literal"},
     {u"\\w*q\\w", 0x12, "required literal"},
     {u"(\\w+)=(\\w*)", 0x12, "required literal"},
@@ -61,6 +64,29 @@ TEST(StartFinders, AreChosenInOrderAndPassNoMatchOver) {
             const std::u16string text = textFor(random, c.pattern);
             const size_t offset = random() % (text.size() + 1);
             ASSERT_EQ(plain.search(text, offset), fast.search(text, offset)) << printable(c.pattern) << printable(text);
+        }
+    }
+}
+
+TEST(StartFinders, LookForManyLiteralsByWindows) {
+    std::mt19937 random(11);
+    for (const RE_Flags flags : {RE_Flags{0x12}, RE_Flags{0x13}}) {
+        std::u16string pattern;
+        for (int word = 0; word < 400; ++word) {
+            pattern += word == 0 ? u"" : u"|";
+            for (size_t length = 2 + random() % 6; length > 0; --length) {
+                pattern += u"etaoinshrdlu"[random() % 12];
+            }
+        }
+        const Engine fast(pattern, flags);
+        EXPECT_STREQ("windows", nameOf(fast.tree().getFacts().startFinder));
+        const Engine plain(pattern, flags, {.linearSubpatterns = false, .dotStar = false});
+        for (int round = 0; round < 200; ++round) {
+            std::u16string text(random() % 20, u' ');
+            for (char16_t& unit : text) {
+                unit = u"etaoinshrdluETAOINSHRDLU.,-"[random() % 27];
+            }
+            ASSERT_EQ(plain.search(text), fast.search(text)) << printable(pattern) << printable(text);
         }
     }
 }

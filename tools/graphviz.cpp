@@ -1,5 +1,5 @@
-// The text goes to `dot` through a temporary file and the picture comes back through a pipe, so that neither side can
-// wait for the other.
+// The text goes to `dot` through a temporary file and the picture comes back through a pipe, so that neither
+// side can wait for the other.
 #include "tools/graphviz.h"
 
 #include "tools/usage_error.h"

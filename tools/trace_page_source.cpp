@@ -1,8 +1,8 @@
-// The state that the page shows follows from the events alone: each one that is applied moves the position, the stack of
-// choices and the tokens. Going back applies the earlier events again from the first.
+// The state that the page shows follows from the events alone: each one that is applied moves the position,
+// the stack of choices and the tokens. Going back applies the earlier events again from the first.
 //
-// What follows "#" in the address is a list of commands, which are also good for links to a moment: step=N, end, node=N
-// and unit=N (set a breakpoint), run and back (to the next breakpoint).
+// What follows "#" in the address is a list of commands, which are also good for links to a moment: step=N,
+// end, node=N and unit=N (set a breakpoint), run and back (to the next breakpoint).
 #include "tools/trace_page_source.h"
 
 namespace tool {

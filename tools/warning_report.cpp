@@ -63,7 +63,8 @@ std::size_t terminalWidth(std::u16string_view text) {
     return width;
 }
 
-// A caret under the first unit of the part that the warning is about, and a wave under the others on this line.
+// A caret under the first unit of the part that the warning is about, and a wave under the others on this
+// line.
 std::string underline(std::u16string_view line, std::size_t begin, std::size_t length) {
     std::string text = paddingFor(line.substr(0, begin)) + '^';
     const std::size_t width = terminalWidth(line.substr(begin, length));

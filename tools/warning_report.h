@@ -22,7 +22,8 @@ PatternPlace locate(std::u16string_view pattern, std::size_t position);
 std::string describePlace(std::u16string_view pattern, std::size_t position, const std::string& heading,
                           std::string_view sentence);
 
-// The sentence, the line of the pattern, what it is about underlined, and that line corrected where that is plain.
+// The sentence, the line of the pattern, what it is about underlined, and that line corrected where that is
+// plain.
 std::string describeWarning(std::u16string_view pattern, const PatternWarning& warning);
 
 // Describes the first of them on standard error, as each repeats a line of the text, and counts the others.

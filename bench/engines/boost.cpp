@@ -1,4 +1,5 @@
-// Boost.Regex on the bytes of UTF-8. It has no traits for 16-bit units, and the adapter that decodes UTF-16 is slower.
+// Boost.Regex on the bytes of UTF-8. It has no traits for 16-bit units, and the adapter that decodes UTF-16
+// is slower.
 #include "bench/engines/engines.h"
 #include "bench/engines/walk.h"
 

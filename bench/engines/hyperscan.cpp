@@ -1,5 +1,6 @@
-// Hyperscan on bytes. It reports the end of every match there is, longer and shorter ones; they are put together to
-// the longest at each leftmost start, which for many patterns is what a backtracking search finds.
+// Hyperscan on bytes. It reports the end of every match there is, longer and shorter ones; they are put
+// together to the longest at each leftmost start, which for many patterns is what a backtracking search
+// finds.
 #include "bench/engines/engines.h"
 #include "bench/engines/walk.h"
 
@@ -21,8 +22,9 @@ unsigned toOptions(const Request& request) {
            (request.task == Task::subjects ? HS_FLAG_SINGLEMATCH : HS_FLAG_SOM_LEFTMOST);
 }
 
-/// The alternatives of a pattern that has nothing but letters in them; otherwise the pattern. It compiles a set of
-/// literals as so many patterns, which is how it wants to be given them: as one they are soon too large.
+/// The alternatives of a pattern that has nothing but letters in them; otherwise the pattern. It compiles a
+/// set of literals as so many patterns, which is how it wants to be given them: as one they are soon too
+/// large.
 std::vector<std::string> toPatterns(std::u16string_view pattern) {
     const std::string text = toUtf8(pattern);
     const bool literals = std::all_of(text.begin(), text.end(), [](char c) {

@@ -12,8 +12,8 @@ namespace corvane_bench {
 
 enum class Found { match, nothing, gaveUp };
 
-/// Matches of `text`. `find(text, offset, end)` searches and sets `end` to the end of the match; `tokens()` is the
-/// length of the tokens of the last match.
+/// Matches of `text`. `find(text, offset, end)` searches and sets `end` to the end of the match; `tokens()`
+/// is the length of the tokens of the last match.
 template <class View, class Find, class Tokens>
 std::optional<Answer> walkMatches(View text, Find find, Tokens tokens) {
     Answer answer;

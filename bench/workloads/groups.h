@@ -1,5 +1,6 @@
-// The rows of the benchmarks, by what they are about. The patterns mean the same in every dialect that can say them, and
-// none matches the empty text. All engines that can say a pattern have found the expected answer.
+// The rows of the benchmarks, by what they are about. The patterns mean the same in every dialect that can
+// say them, and none matches the empty text. All engines that can say a pattern have found the expected
+// answer.
 #pragma once
 
 #include "bench/workload.h"

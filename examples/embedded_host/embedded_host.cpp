@@ -1,7 +1,9 @@
 // An application with an interpreter of its own that lets patterns and replacements call it.
 //
-// The interpreter here is tiny: an expression is a function's name and its arguments, as in `upper($1)`. Everything
-// that the engine asks of its host goes through a class derived from `RE_Context`; this one says on standard output
+// The interpreter here is tiny: an expression is a function's name and its arguments, as in `upper($1)`.
+// Everything
+// that the engine asks of its host goes through a class derived from `RE_Context`; this one says on standard
+// output
 // what it is asked. docs/embedding.md walks through this file.
 #include "regexp/regexp.h"
 
@@ -78,7 +80,8 @@ struct SyntaxProblem : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-// One object is the context of a pattern or replacement; each of its expressions gets a clone of it, which is asked
+// One object is the context of a pattern or replacement; each of its expressions gets a clone of it, which is
+// asked
 // about that expression only.
 class Host : public RE_Context {
 public:
@@ -104,7 +107,8 @@ public:
     // The owner is the engine.
     RE_Context* clone() override { return new Host; }
 
-    // A name for `$1` and the like, once for each distinct one of an expression. The engine proposes one; that those
+    // A name for `$1` and the like, once for each distinct one of an expression. The engine proposes one;
+    // that those
     // of an expression differ is up to the host: `$<matched>` and `$&` get the same proposal.
     RE_Evaluation_IO* create_unique_var(const char* stem, const RE_Builder_Space::RE_Builder&) override {
         std::string name = stem;

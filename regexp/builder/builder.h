@@ -65,7 +65,7 @@ private:
             opens,   ///< a group opens here
             refers,  ///< here the reference to a token is to be put in
             asks,    ///< here the condition on a token is to be put in
-            foreign  ///< the next `word` units are text of the application's own, with groups that nobody counted
+            foreign  ///< the next `word` units are the application's own text, whose groups nobody counted
         } kind;
         std::size_t at;
         std::uint64_t word;  ///< the identity of the token (0: a group without one), or a number of units

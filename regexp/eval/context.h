@@ -11,11 +11,11 @@
 class RE_Evaluation_IO;
 class RE_Evaluation_Inputs;
 
-/// Every operation has a harmless default: without a host of its own a pattern compiles as plain text matching with
-/// evaluation switched off. A host derives from it and overrides what it supports.
+/// Every operation has a harmless default: without a host of its own a pattern compiles as plain text
+/// matching with evaluation switched off. A host derives from it and overrides what it supports.
 ///
-/// The context must outlive every pattern and replacement that was given it, and is called only from the thread that
-/// compiles or matches. Exceptions thrown by a host pass through the engine unchanged.
+/// The context must outlive every pattern and replacement that was given it, and is called only from the
+/// thread that compiles or matches. Exceptions thrown by a host pass through the engine unchanged.
 class CORVANE_REGEXP_EXPORT RE_Context : public RE_Memory {
 public:
     /// Uses the process-wide compile options (those of the host's scope where one is active).
@@ -26,7 +26,8 @@ public:
     RE_Context& operator=(const RE_Context&) = default;
     virtual ~RE_Context();
 
-    /// Runs a script for its effects. The two lists are the names of its variables and their texts in this call.
+    /// Runs a script for its effects. The two lists are the names of its variables and their texts in this
+    /// call.
     virtual void evaluate_script(RE_Evaluation_IO* script, RE_Evaluation_Inputs* inputs,
                                  RE_Evaluation_Inputs* outputs);
     /// Text of an expression, owned by the caller; null when the evaluation failed.

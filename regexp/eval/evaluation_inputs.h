@@ -21,8 +21,8 @@ public:
     RE_Evaluation_Inputs(const RE_Evaluation_Inputs&) = delete;
     RE_Evaluation_Inputs& operator=(const RE_Evaluation_Inputs&) = delete;
 
-    /// Takes the text over. One that is there already is freed instead, so this builds sets and must not be used where
-    /// the place of an item means something.
+    /// Takes the text over. One that is there already is freed instead, so this builds sets and must not be
+    /// used where the place of an item means something.
     void add(RE_Evaluation_IO* text);
     /// Takes the text over, in place of the one at `index`.
     void set_input(std::size_t index, RE_Evaluation_IO* text);

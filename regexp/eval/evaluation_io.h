@@ -31,8 +31,8 @@ public:
     /// Makes this the text that `source` writes for a match. When that throws, the text is empty.
     void construct(const RE_Replaceable* source, RE_Results* results);
     bool is_equal(const RE_Evaluation_IO* other) const;
-    /// Terminates the text in place and returns a copy in the local code page, from the host allocator, owned by the
-    /// caller.
+    /// Terminates the text in place and returns a copy in the local code page, from the host allocator, owned
+    /// by the caller.
     char* to_string();
 
 private:

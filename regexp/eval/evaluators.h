@@ -1,12 +1,12 @@
 // Dynamic expressions: compiled once through the host's context, evaluated for each match.
 //
-// An expression is host text in which `$1`, `$<name>` and the like stand for parts of the match. Each distinct
-// reference becomes a variable of the host's making; the text with the variables' names in place of the references is
-// what the host compiles, and the texts of the references are the inputs of each call.
+// An expression is host text in which `$1`, `$<name>` and the like stand for parts of the match. Each
+// distinct reference becomes a variable of the host's making; the text with the variables' names in place of
+// the references is what the host compiles, and the texts of the references are the inputs of each call.
 //
-// An evaluator talks to a clone of the pattern's context, made for it alone: by the clone the host knows which
-// expression a call is about. Evaluators are not changed by evaluations; what the host does with its clone is the
-// host's affair.
+// An evaluator talks to a clone of the pattern's context, made for it alone: by the clone the host knows
+// which expression a call is about. Evaluators are not changed by evaluations; what the host does with its
+// clone is the host's affair.
 #pragma once
 
 #include "regexp/eval/context.h"
@@ -43,8 +43,8 @@ public:
 class CORVANE_REGEXP_EXPORT RE_String_Evaluator : public RE_Function_Evaluator {
 public:
     using RE_Function_Evaluator::RE_Function_Evaluator;
-    /// Null when the evaluation failed. The result belongs to the caller and not to this object, which other searches
-    /// may be using.
+    /// Null when the evaluation failed. The result belongs to the caller and not to this object, which other
+    /// searches may be using.
     std::unique_ptr<RE_Evaluation_IO> evaluate(RE_Results* results) const;
 };
 
@@ -54,7 +54,8 @@ public:
     bool evaluate(RE_Results* results) const;
 };
 
-/// A script that is run for its effects. It is not compiled to a function: the host gets its text with each call.
+/// A script that is run for its effects. It is not compiled to a function: the host gets its text with each
+/// call.
 class CORVANE_REGEXP_EXPORT RE_Script_Evaluator : public RE_Evaluator {
 public:
     RE_Script_Evaluator(RE_ParserContext& parser, const char16_t* text, std::size_t length);

@@ -17,7 +17,8 @@ struct RE_Warning_Description {
 /// Numbers that are not in use are described too.
 CORVANE_REGEXP_EXPORT const RE_Warning_Description& describe(RE_Warning warning);
 
-/// The part of the text that a warning is about, in code units, and what would better stand there, where that is plain.
+/// The part of the text that a warning is about, in code units, and what would better stand there, where that
+/// is plain.
 struct RE_Warning_Span {
     std::size_t start;
     std::size_t length;

@@ -100,8 +100,8 @@ const RE_Node* throughPass(const RE_Node* node) {
     return pass != nullptr ? pass->nextNode : node;
 }
 
-/// Whether the optional passes of a counted loop, behind its required ones, run the same body. Then one loop over that
-/// body is all there is to say.
+/// Whether the optional passes of a counted loop, behind its required ones, run the same body. Then one loop
+/// over that body is all there is to say.
 bool sharesBody(const RE_Fixed_Counter& fixed) {
     const RE_Node* const body = throughPass(fixed.nextNode);
     return fixed.doneNode->isBranching() &&

@@ -1,9 +1,9 @@
 // A compiled pattern as an automaton over letters, to reason about the ways through a text.
 //
-// A state stands for a unit that was just consumed: by a unit test, at a place within a string, in a repetition. Two
-// states stand for the search: nothing skipped yet, and some units skipped. A letter is a class of units that the
-// pattern does not tell apart. The automaton allows every way that a search can take, and some that it cannot: counts
-// and the conditions of anchors and assertions are ignored.
+// A state stands for a unit that was just consumed: by a unit test, at a place within a string, in a
+// repetition. Two states stand for the search: nothing skipped yet, and some units skipped. A letter is a
+// class of units that the pattern does not tell apart. The automaton allows every way that a search can take,
+// and some that it cannot: counts and the conditions of anchors and assertions are ignored.
 #pragma once
 
 #include "regexp/unit_set.h"

@@ -1,9 +1,10 @@
-// Ambiguity of automata, after the criteria for the degree of ambiguity: a state with two ways back to itself over one
-// text makes the number of ways exponential; two states p and q, with ways from p to p, from p to q and from q to q
-// over one text, make it polynomial. Ways are followed in step, in the product of the automaton with itself.
+// Ambiguity of automata, after the criteria for the degree of ambiguity: a state with two ways back to itself
+// over one text makes the number of ways exponential; two states p and q, with ways from p to p, from p to q
+// and from q to q over one text, make it polynomial. Ways are followed in step, in the product of the
+// automaton with itself.
 //
-// A search that has entered an accepting state succeeds, so what it loses is lost between such states: the second
-// loop, and the way to it, must do without them.
+// A search that has entered an accepting state succeeds, so what it loses is lost between such states: the
+// second loop, and the way to it, must do without them.
 #include "regexp/inspect/growth.h"
 
 #include "regexp/graph_facts.h"

@@ -1,9 +1,9 @@
 // How the work of a search grows with its text.
 //
-// A backtracking search can lose its way where one text can be taken in more than one manner: by two loops that follow
-// each other, by a loop within a loop, or by a loop and the search for a start. The judgement looks for such pairs in
-// the graph. It knows nothing of what the memory of failed states saves, and where it is not sure it does not say
-// "linear".
+// A backtracking search can lose its way where one text can be taken in more than one manner: by two loops
+// that follow each other, by a loop within a loop, or by a loop and the search for a start. The judgement
+// looks for such pairs in the graph. It knows nothing of what the memory of failed states saves, and where it
+// is not sure it does not say "linear".
 #pragma once
 
 #include "regexp/export.h"

@@ -16,7 +16,8 @@ struct RE_No_Watch {
     void bodyEnded(const RE_Node*, std::size_t, bool) {}
 };
 
-/// Tells the observer of the search. What a node did to the stack of choices is read off the stack afterwards.
+/// Tells the observer of the search. What a node did to the stack of choices is read off the stack
+/// afterwards.
 class RE_Loop_Watch {
 public:
     static constexpr bool watches = true;

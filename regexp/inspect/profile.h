@@ -1,7 +1,7 @@
 // What the nodes of a pattern did, counted search by search.
 //
-// A search writes its counts on a sheet of its own, which nobody else touches, and adds them to those of the pattern
-// when it is over. So any number of threads may search a profiled pattern.
+// A search writes its counts on a sheet of its own, which nobody else touches, and adds them to those of the
+// pattern when it is over. So any number of threads may search a profiled pattern.
 #pragma once
 
 #include "regexp/memory.h"
@@ -41,8 +41,8 @@ struct CORVANE_REGEXP_EXPORT RE_Profile {
     RE_Node_Counts total() const;
 };
 
-/// The counts of a pattern over all its searches, by the numbers of its nodes. No node has the number 0: there are the
-/// counts of dynamic texts, the nodes of which have numbers beyond those of the pattern.
+/// The counts of a pattern over all its searches, by the numbers of its nodes. No node has the number 0:
+/// there are the counts of dynamic texts, the nodes of which have numbers beyond those of the pattern.
 class CORVANE_REGEXP_EXPORT RE_Profiler : public RE_Memory {
 public:
     explicit RE_Profiler(std::uint64_t greatestNodeId) : totals(greatestNodeId + 1) {}

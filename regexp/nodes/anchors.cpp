@@ -64,4 +64,3 @@ const char16_t* RE_End_Match::rSeek(const char16_t* p, std::size_t count, RE_Sea
     const char16_t* const end = seek(p, info);
     return end != nullptr && end <= p + count ? end : nullptr;
 }
-

@@ -1,5 +1,5 @@
-// Zero-width tests of a position and its neighbours. Only the line feed separates lines. Each looks at the bounds first,
-// so that no unit outside the subject is read.
+// Zero-width tests of a position and its neighbours. Only the line feed separates lines. Each looks at the
+// bounds first, so that no unit outside the subject is read.
 #pragma once
 
 #include "regexp/nodes/node.h"
@@ -46,9 +46,7 @@ public:
     using RE_Anchor::RE_Anchor;
     const char16_t* seek(const char16_t* p, RE_Search_Info& info) const override;
     std::string label() const override { return "Match start of string"; }
-    bool holdsAt(const char16_t* p, const RE_Search_Info& info) const override {
-        return info.atBegin(p);
-    }
+    bool holdsAt(const char16_t* p, const RE_Search_Info& info) const override { return info.atBegin(p); }
 };
 template <>
 inline constexpr RE_Node_Kind kindOfNode<RE_Start_String> = RE_Node_Kind::textStart;
@@ -58,9 +56,7 @@ public:
     using RE_Anchor::RE_Anchor;
     const char16_t* seek(const char16_t* p, RE_Search_Info& info) const override;
     std::string label() const override { return "Match end of string"; }
-    bool holdsAt(const char16_t* p, const RE_Search_Info& info) const override {
-        return info.atEnd(p);
-    }
+    bool holdsAt(const char16_t* p, const RE_Search_Info& info) const override { return info.atEnd(p); }
 };
 template <>
 inline constexpr RE_Node_Kind kindOfNode<RE_End_String> = RE_Node_Kind::textEnd;

@@ -72,8 +72,8 @@ bool RE_Lookaround_Assertion::match(const char16_t*, std::size_t& pos, RE_Search
     return true;
 }
 
-// Candidate starts of the body are tried from the nearest one, which leaves room for the body's least length, to the
-// farthest. They share one window end and one memo.
+// Candidate starts of the body are tried from the nearest one, which leaves room for the body's least length,
+// to the farthest. They share one window end and one memo.
 bool RE_Lookaround_Assertion::openBehind(std::size_t& pos, RE_Search_Info& info) const {
     if (bodyMinimum > pos) {
         return false;
@@ -90,8 +90,8 @@ bool RE_Lookaround_Assertion::openBehind(std::size_t& pos, RE_Search_Info& info)
     return true;
 }
 
-// The candidate, or one before it at which the body can begin. A body that consumes nothing is asked directly: what it
-// tests may be the window.
+// The candidate, or one before it at which the body can begin. A body that consumes nothing is asked
+// directly: what it tests may be the window.
 bool RE_Lookaround_Assertion::findStart(RE_Body_Frame& frame, std::size_t& pos, RE_Search_Info& info) const {
     const char16_t* start = info.subjectBegin + frame.candidate;
     if (bodyMinimum > 0 && body->canSeek(false)) {

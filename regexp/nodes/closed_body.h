@@ -1,8 +1,8 @@
 // Nodes that match a sub-graph as a closed sub-search: atomic groups and lookaround.
 //
-// `match` opens a frame in the search state and `next()` leads into the body; the match loop runs the body like any
-// other node and calls `bodyEnded` when it has completed or failed. No choice inside the body survives that, and no
-// native stack is used however deeply bodies nest.
+// `match` opens a frame in the search state and `next()` leads into the body; the match loop runs the body
+// like any other node and calls `bodyEnded` when it has completed or failed. No choice inside the body
+// survives that, and no native stack is used however deeply bodies nest.
 #pragma once
 
 #include "regexp/seek/can_seek.h"
@@ -25,8 +25,8 @@ public:
     std::uint64_t bodyMaximum = unboundedLength;
 };
 
-/// Lookahead and look-behind. Where it holds matching goes on at `nextNode`, where it does not at the fail target; a
-/// negative assertion has no next node unless it is a condition. Consumes nothing.
+/// Lookahead and look-behind. Where it holds matching goes on at `nextNode`, where it does not at the fail
+/// target; a negative assertion has no next node unless it is a condition. Consumes nothing.
 class CORVANE_REGEXP_EXPORT RE_Lookaround_Assertion : public RE_Branch_Seek<RE_Can_Seek<RE_Consumable>> {
 public:
     RE_Lookaround_Assertion(RE_ParserContext& context, bool looksBehind, bool isNegative)

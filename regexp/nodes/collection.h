@@ -5,8 +5,8 @@
 
 #include <vector>
 
-/// Collects all nodes that can be reached from a first one, without recursion. While it lives it uses the nodes'
-/// `visited` marks, so only one may exist for a graph at a time, and none while the graph is searched.
+/// Collects all nodes that can be reached from a first one, without recursion. While it lives it uses the
+/// nodes' `visited` marks, so only one may exist for a graph at a time, and none while the graph is searched.
 class RE_Collection {
 public:
     using Nodes = std::vector<RE_Node*, RE_Allocator<RE_Node*>>;

@@ -1,5 +1,6 @@
 #include "regexp/nodes/consume.h"
 
+#include "regexp/nodes/tokens.h"
 #include "regexp/parser/parser_context.h"
 #include "regexp/search_info.h"
 #include "regexp/seek/scan.h"
@@ -125,16 +126,33 @@ bool RE_Consume::goOn(const char16_t* from, const char16_t* end, std::size_t& po
     return true;
 }
 
+// A reference may stand for another text each time, so what it says is not remembered.
+bool RE_Consume::nextSeeks(const RE_Search_Info& info) const {
+    return nextNode->kind == RE_Node_Kind::matchToken
+               ? info.requiredEnd == nullptr && nextNode->failNode() == nullptr
+               : nextNode->canSeek(false);
+}
+
+const char16_t* RE_Consume::nextStart(const char16_t* p, RE_Search_Info& info) const {
+    return nextNode->kind == RE_Node_Kind::matchToken
+               ? static_cast<const RE_Match_Token*>(nextNode)->nextPlace(p, info)
+               : nextNode->seek(p, info);
+}
+
 // Within a look-behind the answer may depend on where its body has to end.
 const char16_t* RE_Consume::lastStart(const char16_t* from, const char16_t* last,
                                       RE_Search_Info& info) const {
+    if (nextNode->kind == RE_Node_Kind::matchToken) {
+        return static_cast<const RE_Match_Token*>(nextNode)->lastPlace(from, last, info);
+    }
     return info.requiredEnd == nullptr ? info.lastStartOf(nextNode, this, from, last)
                                        : nextNode->rSeek(from, static_cast<std::size_t>(last - from), info);
 }
 
-// Steps over ends that failed before and ends at which the rest cannot begin, until neither has anything to say.
+// Steps over ends that failed before and ends at which the rest cannot begin, until neither has anything to
+// say.
 const char16_t* RE_Consume::lastEnd(const char16_t* from, const char16_t* end, RE_Search_Info& info) const {
-    const bool seeks = nextNode->canSeek(false);
+    const bool seeks = nextSeeks(info);
     std::size_t looked = 0;
     for (const char16_t* candidate = end;; --candidate) {
         candidate = info.lastUntried(this, from, candidate);
@@ -163,13 +181,13 @@ const char16_t* RE_Consume::lastEnd(const char16_t* from, const char16_t* end, R
 // which it cannot begin are noted as failed when they are few: then all that failed are stepped over at once from the
 // starts that follow.
 const char16_t* RE_Consume::nextEnd(const char16_t* end, const char16_t* last, RE_Search_Info& info) const {
-    const bool seeks = info.requiredEnd == nullptr && nextNode->canSeek(false);
+    const bool seeks = info.requiredEnd == nullptr && nextSeeks(info);
     for (std::size_t refused = 0;; ++refused) {
         const char16_t* const untried = info.firstUntried(this, end, last);
         if (untried == nullptr || !seeks || (refused > 0 && untried == end)) {
             return untried;
         }
-        end = nextNode->seek(untried, info);
+        end = nextStart(untried, info);
         if (end == nullptr || end > last || end == untried) {
             return end != nullptr && end <= last ? end : nullptr;
         }

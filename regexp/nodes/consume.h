@@ -25,9 +25,9 @@ public:
     void combineLengths() override;
     std::string label() const override;
 
-    /// For a loop at the front of a pattern, where an attempt from `p` has failed: the last position from which attempts
-    /// fail as well, as they were part of that one. Shorter runs from within an endless one were tried; a run that is too
-    /// short has no longer ones in it.
+    /// For a loop at the front of a pattern, where an attempt from `p` has failed: the last position from
+    /// which attempts fail as well, as they were part of that one. Shorter runs from within an endless one
+    /// were tried; a run that is too short has no longer ones in it.
     const char16_t* lastHopelessStart(const char16_t* p, RE_Search_Info& info) const;
     /// The end of a run, if it ends within so few units that nothing but a plain loop pays; else null.
     const char16_t* shortRunEnd(const char16_t* p, const char16_t* limit) const {
@@ -50,6 +50,8 @@ public:
 
 private:
     bool goOn(const char16_t* from, const char16_t* end, std::size_t& pos, RE_Search_Info& info) const;
+    bool nextSeeks(const RE_Search_Info& info) const;
+    const char16_t* nextStart(const char16_t* p, RE_Search_Info& info) const;
     const char16_t* lastStart(const char16_t* from, const char16_t* last, RE_Search_Info& info) const;
     const char16_t* lastEnd(const char16_t* from, const char16_t* end, RE_Search_Info& info) const;
     const char16_t* endOfRunFrom(const char16_t* p, RE_Search_Info& info) const;

@@ -8,8 +8,8 @@ void RE_Greedy_Counter::onBacktrack(RE_Search_Info& info) const {
     info.decrementCount(this);
 }
 
-// The record only undoes the count: a required pass has no other way on. The done node is where a failing `match`
-// leads, at the same position.
+// The record only undoes the count: a required pass has no other way on. The done node is where a failing
+// `match` leads, at the same position.
 bool RE_Fixed_Counter::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {
     if (info.countAt(this, 0) > limit) {
         return false;

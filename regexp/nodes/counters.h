@@ -1,10 +1,11 @@
 // Counted repetition.
 //
-// A loop with bounds is entered through an `RE_Start_Counter` for each of its counters, which opens a count level of
-// their own, so that a loop entered again counts afresh. `RE_Fixed_Counter` counts the required passes: it leads into
-// the body until its limit is reached and then straight on to its done node. `RE_Limit_Counter` (greedy) and
-// `RE_Lazy_Counter` count the optional ones and leave a choice each time. Counts live in the search; what a pass
-// changed is taken back when the record that the counter left is popped.
+// A loop with bounds is entered through an `RE_Start_Counter` for each of its counters, which opens a count
+// level of their own, so that a loop entered again counts afresh. `RE_Fixed_Counter` counts the required
+// passes: it leads into the body until its limit is reached and then straight on to its done node.
+// `RE_Limit_Counter` (greedy) and `RE_Lazy_Counter` count the optional ones and leave a choice each time.
+// Counts live in the search; what a pass changed is taken back when the record that the counter left is
+// popped.
 #pragma once
 
 #include "regexp/nodes/split.h"
@@ -14,8 +15,8 @@ public:
     explicit RE_Counter(RE_ParserContext& context) : RE_Split(context) { isCounter = true; }
 };
 
-/// Base of the counters that hold a count. `limit` is the highest count at which a pass may still begin, for the
-/// fixed counter, and the greatest number of passes for the others.
+/// Base of the counters that hold a count. `limit` is the highest count at which a pass may still begin, for
+/// the fixed counter, and the greatest number of passes for the others.
 class CORVANE_REGEXP_EXPORT RE_State_Counter : public RE_Counter {
 public:
     RE_State_Counter(RE_ParserContext& context, std::uint64_t highest)

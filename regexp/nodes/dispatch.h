@@ -1,4 +1,5 @@
-// A choice between branches that looks at the next unit first: the branches that cannot begin with it are not tried.
+// A choice between branches that looks at the next unit first: the branches that cannot begin with it are not
+// tried.
 #pragma once
 
 #include "regexp/search_info.h"
@@ -27,8 +28,8 @@ struct RE_Branch_Start {
     std::array<bool, columns> column{};
 };
 
-/// Stands for a chain of splits. Its record holds the position of the choice, its word the place in `places` of the
-/// branch to try next.
+/// Stands for a chain of splits. Its record holds the position of the choice, its word the place in `places`
+/// of the branch to try next.
 class CORVANE_REGEXP_EXPORT RE_Dispatch : public RE_Node {
 public:
     struct Branch {
@@ -72,8 +73,8 @@ private:
     }
 
     static constexpr std::uint32_t lastOfList = 1;
-    /// Lists of ways, one behind another; equal lists stand here once. An entry is twice the index of the way, and one
-    /// more when the list ends with it. The first entry is none.
+    /// Lists of ways, one behind another; equal lists stand here once. An entry is twice the index of the
+    /// way, and one more when the list ends with it. The first entry is none.
     std::vector<std::uint32_t, RE_Allocator<std::uint32_t>> places{0};
     std::array<std::uint32_t, RE_Branch_Start::columns> firstPlace{};
 };

@@ -1,7 +1,7 @@
 // The nodes that bring the host's interpreter into a running match.
 //
-// Each shows the host a view of the search in progress: the subject, the tokens so far, and as the match what lies
-// between the start of the attempt and the current position. None of them keeps anything of a search.
+// Each shows the host a view of the search in progress: the subject, the tokens so far, and as the match what
+// lies between the start of the attempt and the current position. None of them keeps anything of a search.
 #pragma once
 
 #include "regexp/eval/evaluators.h"
@@ -40,9 +40,9 @@ private:
 
 /// Base of the nodes that match a text which comes to be while they match.
 ///
-/// The text is compiled to a sub-pattern whose end leads on to this node's successor, and is then matched as if it
-/// stood here: the record that this node leaves only marks how long the sub-pattern must live. So no native stack is
-/// used however many texts follow or include each other.
+/// The text is compiled to a sub-pattern whose end leads on to this node's successor, and is then matched as
+/// if it stood here: the record that this node leaves only marks how long the sub-pattern must live. So no
+/// native stack is used however many texts follow or include each other.
 class CORVANE_REGEXP_EXPORT RE_Dynamic : public RE_Node {
 public:
     /// Texts within texts: how deeply they may nest.

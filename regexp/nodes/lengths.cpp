@@ -1,7 +1,7 @@
 // Least and greatest number of units from a node to the end of its branch.
 //
-// A node is measured after the nodes it leads to; a node that is met again while it is being measured closes a loop,
-// and a loop can be repeated without bound as far as the links tell.
+// A node is measured after the nodes it leads to; a node that is met again while it is being measured closes
+// a loop, and a loop can be repeated without bound as far as the links tell.
 #include "regexp/nodes/node.h"
 #include "regexp/nodes/trivial.h"
 

@@ -9,8 +9,9 @@
 #include <string>
 #include <utility>
 
-/// Stands for a chain of splits. Takes the first literal, in the order of the pattern, that stands at the position. Its
-/// record holds the position, its word the number of the first literal that is still to be tried there.
+/// Stands for a chain of splits. Takes the first literal, in the order of the pattern, that stands at the
+/// position. Its record holds the position, its word the number of the first literal that is still to be
+/// tried there.
 class CORVANE_REGEXP_EXPORT RE_Literal_Set : public RE_Can_Seek<RE_Node> {
 public:
     /// `starts`: the units that the literals begin with.

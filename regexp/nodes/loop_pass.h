@@ -1,8 +1,8 @@
 // The guard against passes that consume nothing, for loops whose body can match the empty text.
 //
-// A pass begins at an `RE_Start_Pass`, which leaves a word in the loop's pass register, and ends at the loop's
-// `RE_End_Pass`, which judges an empty pass by that word: an optional one is refused, a required one counts, and one
-// of very many required ones ends the loop, since further empty passes would only take time.
+// A pass begins at an `RE_Start_Pass`, which leaves a word in the loop's pass register, and ends at the
+// loop's `RE_End_Pass`, which judges an empty pass by that word: an optional one is refused, a required one
+// counts, and one of very many required ones ends the loop, since further empty passes would only take time.
 #pragma once
 
 #include "regexp/nodes/node.h"
@@ -33,6 +33,6 @@ public:
 /// The position at which the pass of this word began; past every subject when it was not noted.
 std::size_t passStart(std::size_t word);
 
-/// What a pass word means at a position, as far as the end of the pass will care: 0 nothing, 1 refused when it ends
-/// here, 2 ends the loop when it ends here.
+/// What a pass word means at a position, as far as the end of the pass will care: 0 nothing, 1 refused when
+/// it ends here, 2 ends the loop when it ends here.
 std::size_t passState(std::size_t word, std::size_t position);

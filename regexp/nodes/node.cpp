@@ -47,7 +47,8 @@ void RE_Node::collectSuccessors(RE_Collection& collection) {
 
 void RE_Node::bypassSkippable() {
     struct Bypass : RE_Link_Visitor {
-        // What was passed over is made to lead straight to the end too, so that long chains are walked once only.
+        // What was passed over is made to lead straight to the end too, so that long chains are walked once
+        // only.
         void link(RE_Node*& target, RE_Link) override {
             RE_Node* const end = throughSkippable(target);
             for (RE_Node* passed = target; passed != end;) {

@@ -1,8 +1,9 @@
 // The protocol of graph nodes.
 //
-// A compiled pattern is a directed graph of nodes. A node never calls its successor: `match` answers whether the node
-// matches at a position, and the match loop follows `next()`, `failNode()` or the most recent choice. The links of a
-// node are told to whoever asks through one operation, `visitLinks`; walks, passes and graph export all build on it.
+// A compiled pattern is a directed graph of nodes. A node never calls its successor: `match` answers whether
+// the node matches at a position, and the match loop follows `next()`, `failNode()` or the most recent
+// choice. The links of a node are told to whoever asks through one operation, `visitLinks`; walks, passes and
+// graph export all build on it.
 #pragma once
 
 #include "regexp/memo.h"
@@ -22,7 +23,8 @@ class RE_ParserContext;
 class RE_Search_Info;
 struct RE_Backtrack_Record;
 
-/// The nodes that most steps of a search visit. The match loop knows them by heart and runs them without virtual calls.
+/// The nodes that most steps of a search visit. The match loop knows them by heart and runs them without
+/// virtual calls.
 enum class RE_Node_Kind : std::uint8_t {
     other,
     end,  ///< like `other`, the loop looks after what follows
@@ -63,8 +65,8 @@ public:
     virtual void link(RE_Node*& target, RE_Link kind) = 0;
 };
 
-/// Base of all graph nodes. Nodes are owned by the compiled pattern (until then by the parser); links never own.
-/// Read-only while any search runs.
+/// Base of all graph nodes. Nodes are owned by the compiled pattern (until then by the parser); links never
+/// own. Read-only while any search runs.
 class CORVANE_REGEXP_EXPORT RE_Node : public RE_Memory {
 public:
     static constexpr std::uint64_t unboundedLength = static_cast<std::uint64_t>(-1);
@@ -87,15 +89,17 @@ public:
     virtual RE_Node* failNode() const { return nullptr; }
     /// The match, or the closed body, is complete when this node has matched.
     virtual bool isEnd() const { return false; }
-    /// An end that included a dynamic text: the first node of the text. The text's own end leads on behind this node.
+    /// An end that included a dynamic text: the first node of the text. The text's own end leads on behind
+    /// this node.
     virtual const RE_Node* includedText(const RE_Search_Info&) const { return nullptr; }
-    /// Takes up a choice that this node left: the node to go on at, with `pos` set, or null when the choice is spent.
+    /// Takes up a choice that this node left: the node to go on at, with `pos` set, or null when the choice
+    /// is spent.
     virtual RE_Node* resume(const RE_Backtrack_Record& record, std::size_t& pos, RE_Search_Info& info) const;
     /// The branch that a popped record of this node leads to; null for records that only undo.
     virtual RE_Node* alternativeNode() const { return nullptr; }
     virtual void onBacktrack(RE_Search_Info&) const {}
-    /// A closed body of this node completed (at `pos`) or failed. Closes its frame, or opens it for another try, and
-    /// returns the node to go on at with `pos` set, or null for a dead end.
+    /// A closed body of this node completed (at `pos`) or failed. Closes its frame, or opens it for another
+    /// try, and returns the node to go on at with `pos` set, or null for a dead end.
     virtual RE_Node* bodyEnded(bool completed, std::size_t& pos, RE_Search_Info& info) const;
 
     // --- the graph ---
@@ -128,7 +132,8 @@ public:
 
     virtual bool isStartCounter() const { return false; }
     virtual bool isStateCounter() const { return false; }
-    /// A second record of this counter at one position is refused when `depth` of its loops were entered in between.
+    /// A second record of this counter at one position is refused when `depth` of its loops were entered in
+    /// between.
     virtual bool refusesRepeatAt(std::size_t) const { return false; }
     virtual bool pairsWith(const RE_Node*) const { return false; }
 

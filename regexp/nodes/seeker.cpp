@@ -49,8 +49,8 @@ StringInnerSeeker::StringInnerSeeker(RE_ParserContext& context, RE_Required_Lite
     memoIndex = context.nextMemoRow();
 }
 
-// The positions from `p` on from which the next literal can be reached over units that may stand before it. They are
-// remembered: from the later ones the same literal is the next.
+// The positions from `p` on from which the next literal can be reached over units that may stand before it.
+// They are remembered: from the later ones the same literal is the next.
 bool StringInnerSeeker::stretchFrom(const char16_t* p, RE_Search_Info& info, Stretch& stretch) const {
     if (const RE_Measured_Run* known = info.measuredRun(this); known != nullptr && known->holds(p)) {
         stretch = {p, known->end};
@@ -63,9 +63,9 @@ bool StringInnerSeeker::stretchFrom(const char16_t* p, RE_Search_Info& info, Str
     if (place == nullptr) {
         return false;
     }
-    const char16_t* const barrier = scanBackward(p, place, info, [this](const char16_t* from, const char16_t* to) {
-        return findLastClass(from, to, outside);
-    });
+    const char16_t* const barrier = scanBackward(
+        p, place, info,
+        [this](const char16_t* from, const char16_t* to) { return findLastClass(from, to, outside); });
     stretch = {barrier != nullptr ? barrier + 1 : p, place - required.leastBefore};
     if (stretch.begin <= stretch.end && !info.wasInterrupted()) {
         info.noteRun(this, {stretch.begin, stretch.end});
@@ -74,15 +74,24 @@ bool StringInnerSeeker::stretchFrom(const char16_t* p, RE_Search_Info& info, Str
 }
 
 const char16_t* StringInnerSeeker::scan(const char16_t* p, RE_Search_Info& info) const {
+    const char16_t* asked = p;  // for interrupts
     Stretch stretch{};
     while (stretchFrom(p, info, stretch)) {
         if (stretch.begin <= stretch.end) {
-            const char16_t* const start = findClass(stretch.begin, stretch.end + 1, starts);
-            if (start <= stretch.end) {
+            const char16_t* const start = scanForward(
+                stretch.begin, stretch.end + 1, info,
+                [this](const char16_t* at, const char16_t* stop) { return findClass(at, stop, starts); });
+            if (start != nullptr || info.wasInterrupted()) {
                 return start;
             }
         }
         p = stretch.end + 1;
+        if (p >= asked + RE_SCAN_POLL_UNITS) {
+            asked = p;
+            if (info.pollScan()) {
+                return nullptr;
+            }
+        }
     }
     return nullptr;
 }

@@ -1,4 +1,5 @@
-// Roots that only find where a match may start. They consume nothing and match everywhere; what they add is `seek`.
+// Roots that only find where a match may start. They consume nothing and match everywhere; what they add is
+// `seek`.
 //
 // Each rules positions out and none in: wherever a match starts, its seeker finds the position.
 #pragma once
@@ -27,6 +28,9 @@ public:
     StringCharSeeker(RE_ParserContext& context, std::shared_ptr<const RE_Unit_Set> units)
         : RE_Seeker(context), set(std::move(units)), members(*set, true) {}
     std::string label() const override { return "Seek one of " + std::to_string(set->size()) + " units"; }
+    const char16_t* seek(const char16_t* p, RE_Search_Info& info) const override {
+        return p < info.subjectEnd && set->contains(*p) ? p : RE_Seeker::seek(p, info);
+    }
 
     std::shared_ptr<const RE_Unit_Set> set;
     RE_Class_Scan members;
@@ -67,7 +71,9 @@ public:
     RE_Text_Finder finder;
 
 protected:
-    const char16_t* scan(const char16_t* p, RE_Search_Info& info) const override { return finder.find(p, info); }
+    const char16_t* scan(const char16_t* p, RE_Search_Info& info) const override {
+        return finder.find(p, info);
+    }
 };
 template <>
 inline constexpr RE_Node_Kind kindOfNode<StringPrefixSeeker> = RE_Node_Kind::passage;
@@ -77,7 +83,9 @@ class CORVANE_REGEXP_EXPORT StringWindowSeeker : public RE_Seeker {
 public:
     StringWindowSeeker(RE_ParserContext& context, RE_Window_Filter windows)
         : RE_Seeker(context), filter(std::move(windows)) {}
-    std::string label() const override { return "Seek windows of " + std::to_string(filter.width()) + " units"; }
+    std::string label() const override {
+        return "Seek windows of " + std::to_string(filter.width()) + " units";
+    }
 
     RE_Window_Filter filter;
 

@@ -52,7 +52,8 @@ bool RE_Natural::mayJoin(bool first) const {
 }
 
 bool RE_Natural::canJoinString(bool first, bool ignoreCase) const {
-    // Inside a case-ignoring run the subject is folded, so only a unit that nothing else folds to stays exact.
+    // Inside a case-ignoring run the subject is folded, so only a unit that nothing else folds to stays
+    // exact.
     return mayJoin(first) && (!ignoreCase || RE_Case_Table::get().foldsAlone(static_cast<char16_t>(ch)));
 }
 

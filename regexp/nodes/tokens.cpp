@@ -2,13 +2,14 @@
 
 #include "regexp/nodes/label_text.h"
 #include "regexp/search_info.h"
-#include "regexp/seek/literal_search.h"
+#include "regexp/seek/scan.h"
 #include "regexp/unit_set.h"
 
 #include <algorithm>
 #include <string_view>
 
-// A token node only brackets what follows, so a seek looks through it; through one only, since groups may nest deeply.
+// A token node only brackets what follows, so a seek looks through it; through one only, since groups may
+// nest deeply.
 bool RE_Token::canSeek(bool referencedOutside) const {
     return nextNode != nullptr && !nextNode->isStartToken() && !nextNode->isEndToken() &&
            nextNode->canSeek(referencedOutside || referenced);
@@ -34,36 +35,38 @@ void RE_Start_Token::prepareTokens(RE_Token_Names& names) const {
     }
 }
 
-const RE_TokenInfo* RE_Token_Fail::token(const RE_Search_Info& info) const {
-    return name != nullptr ? info.getToken(name) : info.getToken(number);
-}
-
 std::string RE_Token_Fail::which() const {
     return name != nullptr ? labelText(name, std::u16string_view(name).size()) : std::to_string(number + 1);
 }
 
-bool RE_Match_Token::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {
+bool RE_Match_Token::foldsAlike(const char16_t* one, const char16_t* other, std::size_t length) {
+    const RE_Case_Table& cases = RE_Case_Table::get();
+    return std::equal(one, one + length, other,
+                      [&cases](char16_t a, char16_t b) { return cases.lower(a) == cases.lower(b); });
+}
+
+const char16_t* RE_Match_Token::nextPlace(const char16_t* p, RE_Search_Info& info) const {
     const RE_TokenInfo* const found = token(info);
-    if (found == nullptr || found->length > info.subjectLength() - pos) {
-        return false;
+    if (found == nullptr || saysNothing(*found)) {
+        return found != nullptr ? p : nullptr;
     }
-    info.noteScan(found->length);
-    const char16_t* const text = subject + found->start;
-    const char16_t* const p = subject + pos;
-    if (!ignoreCase) {
-        if (!equalUnits(text, p, found->length)) {
-            return false;
-        }
-    } else {
-        const RE_Case_Table& cases = RE_Case_Table::get();
-        for (std::size_t i = 0; i < found->length; ++i) {
-            if (cases.lower(text[i]) != cases.lower(p[i])) {
-                return false;
-            }
-        }
+    const char16_t unit = info.subjectBegin[found->start];
+    return scanForward(p, info.subjectEnd, info, [unit](const char16_t* at, const char16_t* stop) {
+        return findUnit(at, stop, {unit, unit});
+    });
+}
+
+const char16_t* RE_Match_Token::lastPlace(const char16_t* first, const char16_t* last,
+                                          RE_Search_Info& info) const {
+    const RE_TokenInfo* const found = token(info);
+    if (found == nullptr || saysNothing(*found)) {
+        return found != nullptr ? last : nullptr;
     }
-    pos += found->length;
-    return true;
+    const char16_t unit = info.subjectBegin[found->start];
+    return scanBackward(first, std::min(last + 1, info.subjectEnd), info,
+                        [unit](const char16_t* from, const char16_t* to) {
+                            return findLastUnit(from, to, {unit, unit});
+                        });
 }
 
 void RE_Match_Token::combineLengths() {

@@ -3,6 +3,7 @@
 
 #include "regexp/nodes/node.h"
 #include "regexp/search_info.h"
+#include "regexp/seek/literal_search.h"
 
 #include <string>
 #include <string_view>
@@ -89,7 +90,9 @@ public:
     std::size_t number;
 
 protected:
-    const RE_TokenInfo* token(const RE_Search_Info& info) const;
+    const RE_TokenInfo* token(const RE_Search_Info& info) const {
+        return name != nullptr ? info.getToken(name) : info.getToken(number);
+    }
     std::string which() const;
 
 private:
@@ -105,18 +108,40 @@ public:
     RE_Match_Token(RE_ParserContext& context, std::size_t tokenNumber, const std::u16string& tokenName,
                    bool foldCase)
         : RE_Token_Fail(context, tokenNumber, tokenName), ignoreCase(foldCase) {}
-    bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
+    bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override {
+        const RE_TokenInfo* const found = token(info);
+        if (found == nullptr || found->length > info.subjectLength() - pos) {
+            return false;
+        }
+        info.noteScan(found->length);
+        const char16_t* const text = subject + found->start;
+        if (ignoreCase ? !foldsAlike(text, subject + pos, found->length)
+                       : !equalUnits(text, subject + pos, found->length)) {
+            return false;
+        }
+        pos += found->length;
+        return true;
+    }
+    /// Where it can match depends on the search, so it cannot seek as other nodes do; but while the token
+    /// stays as it is
+    /// these hold: the first or last position at which its first unit stands, or null.
+    const char16_t* nextPlace(const char16_t* p, RE_Search_Info& info) const;
+    const char16_t* lastPlace(const char16_t* first, const char16_t* last, RE_Search_Info& info) const;
     bool canSeek(bool) const override { return false; }
     void combineLengths() override;
     std::string label() const override;
 
     bool ignoreCase;
+
+private:
+    static bool foldsAlike(const char16_t* one, const char16_t* other, std::size_t length);
+    bool saysNothing(const RE_TokenInfo& found) const { return ignoreCase || found.length == 0; }
 };
 template <>
 inline constexpr RE_Node_Kind kindOfNode<RE_Match_Token> = RE_Node_Kind::matchToken;
 
-/// Holds when the token is in effect and not empty. (A backreference to an empty token matches the empty text; a
-/// condition on one does not hold.)
+/// Holds when the token is in effect and not empty. (A backreference to an empty token matches the empty
+/// text; a condition on one does not hold.)
 class CORVANE_REGEXP_EXPORT RE_Token_Assertion : public RE_Token_Fail {
 public:
     using RE_Token_Fail::RE_Token_Fail;

@@ -14,15 +14,16 @@ public:
 template <>
 inline constexpr RE_Node_Kind kindOfNode<RE_Null> = RE_Node_Kind::passage;
 
-/// The end of a pattern or of a closed body. With a continuation it is the end of a sub-pattern, and matching goes on
-/// there.
+/// The end of a pattern or of a closed body. With a continuation it is the end of a sub-pattern, and matching
+/// goes on there.
 class CORVANE_REGEXP_EXPORT RE_End_Of_Tree : public RE_Node {
 public:
     explicit RE_End_Of_Tree(RE_ParserContext& context, RE_Node* continuationNode = nullptr,
                             bool bodyEnd = false)
         : RE_Node(context), continuation(continuationNode), endsBody(bodyEnd) {}
 
-    /// The end of the pattern itself refuses a match that consumed nothing when the search rejects empty matches.
+    /// The end of the pattern itself refuses a match that consumed nothing when the search rejects empty
+    /// matches.
     bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
     /// Whether the search takes a match that ends here, or the body that does.
     bool completes(std::size_t pos, const RE_Search_Info& info) const {

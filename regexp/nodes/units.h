@@ -1,7 +1,7 @@
 // Nodes that consume one unit, each decided by that unit alone.
 //
-// They can be joined by fail targets into a chain of alternatives that is tried at one position without leaving a
-// choice behind.
+// They can be joined by fail targets into a chain of alternatives that is tried at one position without
+// leaving a choice behind.
 #pragma once
 
 #include "regexp/seek/can_seek.h"

@@ -1,6 +1,6 @@
-// The tunables of compilation. One instance is shared per host scope; a context carries a pointer to the one in
-// force and the parser and the passes read it. Values are read while a pattern is compiled, so a change affects
-// later patterns only; changing them while another thread compiles is not guarded.
+// The tunables of compilation. One instance is shared per host scope; a context carries a pointer to the one
+// in force and the parser and the passes read it. Values are read while a pattern is compiled, so a change
+// affects later patterns only; changing them while another thread compiles is not guarded.
 
 #pragma once
 
@@ -32,7 +32,8 @@ public:
 
     // The instance of the current host scope, made on first use.
     static CompileOptions& getGlobalCompileOptions();
-    // The same inside a host scope; elsewhere an instance with the defaults that lives until the process ends.
+    // The same inside a host scope; elsewhere an instance with the defaults that lives until the process
+    // ends.
     static const CompileOptions& readGlobalCompileOptions();
 
 private:

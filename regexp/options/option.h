@@ -22,8 +22,8 @@ public:
     // The array belongs to the caller.
     virtual cxArray* to_cxArray(const IOptionContext& context) const = 0;
     virtual void from_cxArray(const IOptionContext& context, const cxArray* array) = 0;
-    // A description for Boost.Program_options that stores what it parses into this option. It refers to the option
-    // and must not outlive it.
+    // A description for Boost.Program_options that stores what it parses into this option. It refers to the
+    // option and must not outlive it.
     virtual boost::shared_ptr<boost::program_options::option_description> optionParser() = 0;
     virtual std::string to_string() = 0;
 

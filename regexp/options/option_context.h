@@ -1,5 +1,5 @@
-// How an option value becomes one of the host's arrays and back. The host implements this for its own array type,
-// of which the engine knows no more than the name.
+// How an option value becomes one of the host's arrays and back. The host implements this for its own array
+// type, of which the engine knows no more than the name.
 
 #pragma once
 

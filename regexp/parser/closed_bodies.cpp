@@ -3,7 +3,8 @@
 #include "regexp/nodes/dynamic.h"
 #include "regexp/parser/graph_builder.h"
 
-// A closed body is a graph of its own: nothing outside changes while it runs, so its memo scopes begin afresh.
+// A closed body is a graph of its own: nothing outside changes while it runs, so its memo scopes begin
+// afresh.
 void RE_Graph_Builder::emitBody(std::uint32_t group, RE_Node** bodyLink, bool behind) {
     RE_Node** const outerTail = tail;
     const RE_Memo_Scope* const outerScope = scope;
@@ -47,7 +48,8 @@ RE_Lookaround_Assertion* RE_Graph_Builder::makeLook(std::uint32_t index) {
     return look;
 }
 
-// A negative assertion has no next node: where its body completes the path is dead, where it fails matching goes on.
+// A negative assertion has no next node: where its body completes the path is dead, where it fails matching
+// goes on.
 void RE_Graph_Builder::emitLook(std::uint32_t index) {
     RE_Lookaround_Assertion* const look = makeLook(index);
     *tail = look;
@@ -78,8 +80,8 @@ void RE_Graph_Builder::emitConditional(std::uint32_t index) {
     emitBody(item.condition, &look->body, look->behind);
 }
 
-// The branches hang on the links of the condition, exchanged for a negative one. Without a second branch a condition
-// that does not hold leads behind the conditional.
+// The branches hang on the links of the condition, exchanged for a negative one. Without a second branch a
+// condition that does not hold leads behind the conditional.
 void RE_Graph_Builder::emitConditionalBranches(std::uint32_t index, RE_Fail* condition, bool negative) {
     const RE_Syntax& item = tree[index];
     RE_Node* const join = context.make<RE_Null>();

@@ -33,8 +33,9 @@ Digits readDigits(const char16_t* text, std::size_t length, std::size_t at, int 
     return digits;
 }
 
-// A number in braces after the letter at `letter`. A malformed one leaves the letter itself; when its braces close
-// around nothing but letters and digits they are dropped with it, so that they are not taken for a quantifier.
+// A number in braces after the letter at `letter`. A malformed one leaves the letter itself; when its braces
+// close around nothing but letters and digits they are dropped with it, so that they are not taken for a
+// quantifier.
 RE_Escape readBraced(const char16_t* text, std::size_t length, std::size_t letter, int base,
                      RE_Warning problem) {
     const Digits digits = readDigits(text, length, letter + 2, base, length);

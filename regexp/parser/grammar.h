@@ -1,7 +1,7 @@
 // Reads the text of a pattern into a syntax tree.
 //
-// One pass from left to right over units, with a stack of the groups that are open. Malformed syntax is reported as a
-// numbered warning and degrades to literal text or to nothing; reading never fails.
+// One pass from left to right over units, with a stack of the groups that are open. Malformed syntax is
+// reported as a numbered warning and degrades to literal text or to nothing; reading never fails.
 #pragma once
 
 #include "regexp/memory.h"

@@ -103,8 +103,9 @@ void RE_Graph_Builder::emitGroup(std::uint32_t group) {
     }
 }
 
-// Branches from `branch` on, all of which end at `join`. Neighbouring branches of one unit each become one fail chain.
-// Only the first split of an alternation is told to the memo: the others are reached through it alone.
+// Branches from `branch` on, all of which end at `join`. Neighbouring branches of one unit each become one
+// fail chain. Only the first split of an alternation is told to the memo: the others are reached through it
+// alone.
 void RE_Graph_Builder::emitBranches(std::uint32_t branch, RE_Node* join, bool chained) {
     std::uint32_t rest = tree[branch].nextSibling;
     const bool unitRun = rest != RE_Syntax::none && tree.soleUnit(branch) != RE_Syntax::none &&
@@ -134,7 +135,8 @@ void RE_Graph_Builder::emitBranches(std::uint32_t branch, RE_Node* join, bool ch
     }
 }
 
-// The fail chain of the branches from `branch` on that consist of one unit; the last one's next link is the tail.
+// The fail chain of the branches from `branch` on that consist of one unit; the last one's next link is the
+// tail.
 void RE_Graph_Builder::emitUnitRun(std::uint32_t branch, RE_Node* join) {
     RE_Node** link = tail;
     while (branch != RE_Syntax::none && tree.soleUnit(branch) != RE_Syntax::none) {

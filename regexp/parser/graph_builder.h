@@ -1,8 +1,8 @@
 // Turns a syntax tree into the node graph.
 //
-// The graph is built from left to right. `tail` is the link that the next node will be hung on: to append a node is to
-// store it there and to move on to its own next link. What is left to do lies on a work stack as small functions, the
-// next one on top, so that building takes no recursion, however deeply a pattern nests.
+// The graph is built from left to right. `tail` is the link that the next node will be hung on: to append a
+// node is to store it there and to move on to its own next link. What is left to do lies on a work stack as
+// small functions, the next one on top, so that building takes no recursion, however deeply a pattern nests.
 #pragma once
 
 #include "regexp/memory.h"

@@ -174,8 +174,9 @@ void measureSyntax(RE_Syntax_Tree& tree, RE_ParserContext& context, const char16
     }
 }
 
-// A body without width is repeated once at most: more passes could only be empty. One that records tokens may refer to
-// what its earlier pass recorded, and one that calls the host has effects, so their required passes are made.
+// A body without width is repeated once at most: more passes could only be empty. One that records tokens may
+// refer to what its earlier pass recorded, and one that calls the host has effects, so their required passes
+// are made.
 RE_Repeat_Plan planRepeat(const RE_Syntax_Tree& tree, std::uint32_t index, std::size_t inlineThreshold) {
     const RE_Syntax& it = tree[index];
     const RE_Syntax& body = tree[it.firstChild];

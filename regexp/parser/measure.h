@@ -4,8 +4,9 @@
 #include "regexp/parser/parser_context.h"
 #include "regexp/parser/syntax.h"
 
-/// Fills the measured fields of every item, inner ones first. Items that nest too deeply for the engine are reported
-/// (warning 22) and dropped: repetitions with counts or pass guards, and possessive ones, on top of each other.
+/// Fills the measured fields of every item, inner ones first. Items that nest too deeply for the engine are
+/// reported (warning 22) and dropped: repetitions with counts or pass guards, and possessive ones, on top of
+/// each other.
 void measureSyntax(RE_Syntax_Tree& tree, RE_ParserContext& context, const char16_t* text);
 
 /// How a repetition is compiled.

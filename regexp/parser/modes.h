@@ -13,5 +13,6 @@ struct RE_Modes {
     RE_Warning problem = RE_WARNING_NONE;  ///< found at `end`
 };
 
-/// Reads mode letters from `at`, changing `flags`. The list ends well at a `:` or `)` after at least one letter.
+/// Reads mode letters from `at`, changing `flags`. The list ends well at a `:` or `)` after at least one
+/// letter.
 RE_Modes readModes(const char16_t* text, std::size_t length, std::size_t at, RE_Flags flags);

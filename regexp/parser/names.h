@@ -11,8 +11,8 @@ struct RE_Name {
     std::size_t end;      ///< index behind the closing >
 };
 
-/// Reads a name and its `>` from `at` on: an ASCII letter, then letters, digits or underscores. Under free spacing
-/// blanks and comments may stand around it.
+/// Reads a name and its `>` from `at` on: an ASCII letter, then letters, digits or underscores. Under free
+/// spacing blanks and comments may stand around it.
 RE_Name readName(const char16_t* text, std::size_t length, std::size_t at, RE_Flags flags);
 
 /// Index of the first significant unit at or after `at`: under free spacing blanks and comments are skipped.

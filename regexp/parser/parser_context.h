@@ -19,8 +19,8 @@
 
 class RE_Node;
 
-/// Owns (through the facts) every node it made until the finished graph is handed over, so that a host that throws
-/// out of a callback leaks nothing.
+/// Owns (through the facts) every node it made until the finished graph is handed over, so that a host that
+/// throws out of a callback leaks nothing.
 class CORVANE_REGEXP_EXPORT RE_ParserContext : public RE_Memory {
 public:
     RE_ParserContext(RE_Context* host, RE_Node* outerNode, RE_Flags patternFlags);
@@ -28,7 +28,8 @@ public:
     RE_ParserContext(const RE_ParserContext&) = delete;
     RE_ParserContext& operator=(const RE_ParserContext&) = delete;
 
-    /// Makes a node, in its counting form when the matching is to be profiled. This is the only place that does.
+    /// Makes a node, in its counting form when the matching is to be profiled. This is the only place that
+    /// does.
     template <class Node, class... Arguments>
     Node* make(Arguments&&... arguments) {
         facts->nodes.push_back(nullptr);

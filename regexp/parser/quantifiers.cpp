@@ -91,8 +91,8 @@ void RE_Grammar::repeatLast(std::size_t start, std::uint64_t minimum, std::uint6
     tree[item].qualifier = how;
 }
 
-// X** and the like repeat what is repeated already: any of ? * + on top of X* is X*, and X? under * or + is X*. Kept
-// from nesting, long chains of quantifiers cost nothing.
+// X** and the like repeat what is repeated already: any of ? * + on top of X* is X*, and X? under * or + is
+// X*. Kept from nesting, long chains of quantifiers cost nothing.
 bool RE_Grammar::foldsIntoInner(RE_Syntax& inner, std::uint64_t minimum, std::uint64_t maximum,
                                 RE_Qualifier how) const {
     const bool outerSimple = minimum <= 1 && (maximum == RE_Syntax::noMaximum || maximum == 1);

@@ -5,7 +5,8 @@
 
 #include <algorithm>
 
-// Takes digits as long as the number names a group that was opened before, but at least one; the rest is literal.
+// Takes digits as long as the number names a group that was opened before, but at least one; the rest is
+// literal.
 void RE_Grammar::readNumberReference() {
     std::size_t end = at + 1;
     std::uint64_t number = 0;
@@ -42,9 +43,9 @@ void RE_Grammar::addReference(std::uint64_t number, std::uint32_t name) {
     references.push_back({name, number, item.position});
 }
 
-// A name may be used before its group, so names are looked up once everything has been read. A sub-pattern makes no
-// tokens and may refer to those of the pattern around it. What the host or a dynamic text will refer to is not known
-// before the search.
+// A name may be used before its group, so names are looked up once everything has been read. A sub-pattern
+// makes no tokens and may refer to those of the pattern around it. What the host or a dynamic text will refer
+// to is not known before the search.
 void RE_Grammar::resolveReferences() {
     auto& referenced = context.facts->referencedTokens;
     for (const Reference& reference : references) {

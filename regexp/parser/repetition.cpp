@@ -5,8 +5,8 @@
 
 namespace {
 
-// Loops nested in loops, all over the empty text: beyond this many passes an empty required pass ends its loop, which
-// keeps the number of passes from growing exponentially with the nesting.
+// Loops nested in loops, all over the empty text: beyond this many passes an empty required pass ends its
+// loop, which keeps the number of passes from growing exponentially with the nesting.
 constexpr std::uint32_t maximumEmptyPasses = 256;
 
 /// The links of a choice that lead into the loop and out of it.
@@ -136,9 +136,9 @@ void RE_Graph_Builder::emitPlus(Loop loop) {
     emit(loop.body);
 }
 
-// The required passes are counted by a fixed counter, the optional ones by one of their own (or, without an upper
-// bound, chosen by a split). Both lead into one body, which leads back to the fixed counter; once that is exhausted it
-// hands on to the other at every arrival.
+// The required passes are counted by a fixed counter, the optional ones by one of their own (or, without an
+// upper bound, chosen by a split). Both lead into one body, which leads back to the fixed counter; once that
+// is exhausted it hands on to the other at every arrival.
 void RE_Graph_Builder::emitCounted(Loop loop, const RE_Repeat_Plan& plan) {
     loop.exit = context.make<RE_Null>();
     const bool endless = plan.maximum == RE_Syntax::noMaximum;

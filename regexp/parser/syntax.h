@@ -1,7 +1,7 @@
 // The syntax tree of a pattern: what the grammar reads and the graph builder turns into nodes.
 //
-// Items lie in one array and refer to each other by index, so that reading, walking and freeing a tree takes no
-// recursion, however deeply a pattern nests.
+// Items lie in one array and refer to each other by index, so that reading, walking and freeing a tree takes
+// no recursion, however deeply a pattern nests.
 #pragma once
 
 #include "regexp/flags.h"
@@ -81,8 +81,8 @@ struct RE_Syntax_Set {
     std::string text;  ///< as written, for labels
 };
 
-/// What a dynamic construct hands to its nodes. Made when the construct is read, so that it is made once however
-/// often a loop's body is copied.
+/// What a dynamic construct hands to its nodes. Made when the construct is read, so that it is made once
+/// however often a loop's body is copied.
 using RE_Syntax_Dynamic =
     std::variant<std::shared_ptr<const RE_Script_Evaluator>, std::shared_ptr<const RE_Bool_Evaluator>,
                  std::shared_ptr<const RE_String_Evaluator>, std::shared_ptr<const RE_Replace>>;

@@ -32,8 +32,8 @@ RE_Split* innerSplit(RE_Node* node) {
     return split != nullptr && !split->sharedTarget ? split : nullptr;
 }
 
-/// The splits that no other split leads to alone, the last ones first, so that a choice within a branch is rewritten
-/// before the choice of the branch.
+/// The splits that no other split leads to alone, the last ones first, so that a choice within a branch is
+/// rewritten before the choice of the branch.
 std::vector<RE_Split*> firstSplits(const RE_Collection& graph) {
     std::unordered_set<RE_Split*> inner;
     std::vector<RE_Split*> first;

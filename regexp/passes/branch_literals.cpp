@@ -21,7 +21,8 @@ std::vector<std::u16string> unitsOf(const RE_Unit_Set& set) {
             if (units.size() == mostUnitsOfClass) {
                 return {};
             }
-            units.emplace_back(1, static_cast<char16_t>(64 * block + static_cast<std::size_t>(std::countr_zero(bits))));
+            units.emplace_back(
+                1, static_cast<char16_t>(64 * block + static_cast<std::size_t>(std::countr_zero(bits))));
         }
     }
     return units;

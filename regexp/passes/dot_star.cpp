@@ -154,7 +154,8 @@ private:
         return Unit_Loop{&unit, 1, RE_Consume::noMaximum, *lazy, exit, split->memoScope};
     }
 
-    // The start counters of the required and of the optional passes, in this order, either of which may be missing.
+    // The start counters of the required and of the optional passes, in this order, either of which may be
+    // missing.
     std::optional<Unit_Loop> countedLoop(RE_Start_Counter& first) {
         RE_Node* head = throughSkippable(first.nextNode);
         if (head->isStartCounter()) {

@@ -1,8 +1,9 @@
 // Pass: lookarounds that a glance answers.
 //
-// Purpose: a body that is a short row of tests, each of a fixed width, makes no choices and captures nothing. The
-// assertion runs through it at once, without the frame that a body of its own takes.
-// Before: units joined. After: the same graph; such assertions know where their row of tests ends. Cost: one walk.
+// Purpose: a body that is a short row of tests, each of a fixed width, makes no choices and captures nothing.
+// The assertion runs through it at once, without the frame that a body of its own takes.
+// Before: units joined. After: the same graph; such assertions know where their row of tests ends. Cost: one
+// walk.
 #pragma once
 
 #include "regexp/parser/parser_context.h"

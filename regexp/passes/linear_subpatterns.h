@@ -1,8 +1,8 @@
 // Pass: makes one node of what is matched as a whole.
 //
 // Purpose: a fail chain of single-unit tests becomes one class test, a run of literals one string.
-// Before: any graph. After: no literal leads to a literal that only it leads to. Cost: two walks, and a table for each
-// class. Nodes that other paths reach as well stay as they are.
+// Before: any graph. After: no literal leads to a literal that only it leads to. Cost: two walks, and a table
+// for each class. Nodes that other paths reach as well stay as they are.
 #pragma once
 
 #include "regexp/parser/parser_context.h"

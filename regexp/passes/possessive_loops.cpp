@@ -8,9 +8,9 @@ namespace {
 
 constexpr std::size_t mostNodesBehindLoop = 64;
 
-// At a shorter end the next unit is one of the run. What follows fails there if it has to consume a unit, none of which
-// is in the run; and if it can do without, it succeeds at the longest end already, unless something on the way looks at
-// the position. A lazy run that may end the pattern at once is none of this.
+// At a shorter end the next unit is one of the run. What follows fails there if it has to consume a unit,
+// none of which is in the run; and if it can do without, it succeeds at the longest end already, unless
+// something on the way looks at the position. A lazy run that may end the pattern at once is none of this.
 bool neverGivesBack(const RE_Consume& loop) {
     RE_First_Units behind;
     if (!behind.gather(loop.nextNode, mostNodesBehindLoop) || behind.units->meets(*loop.units)) {

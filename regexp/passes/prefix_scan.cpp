@@ -43,7 +43,8 @@ public:
             take(node);
         }
         // Neighbours will share a prefix where there are too many.
-        std::stable_sort(found.begin(), found.end(), [](const Branch& a, const Branch& b) { return a.text < b.text; });
+        std::stable_sort(found.begin(), found.end(),
+                         [](const Branch& a, const Branch& b) { return a.text < b.text; });
         return std::move(found);
     }
 
@@ -60,8 +61,8 @@ private:
         const auto* const split = dynamic_cast<const RE_Split*>(node);
         const auto* const dispatch = dynamic_cast<const RE_Dispatch*>(node);
         const auto* const set = dynamic_cast<const RE_Literal_Set*>(node);
-        if (split != nullptr && !split->isCounter && split->nextNode != nullptr && split->alternative != nullptr &&
-            room >= 2) {
+        if (split != nullptr && !split->isCounter && split->nextNode != nullptr &&
+            split->alternative != nullptr && room >= 2) {
             pending.push_back(split->alternative);
             pending.push_back(split->nextNode);
         } else if (dispatch != nullptr && room >= dispatch->ways.size()) {
@@ -126,7 +127,8 @@ public:
         for (const RE_Prefix_Units& prefix : prefixes) {
             for (std::size_t place = 0; place < places; ++place) {
                 const bool repeats = place != 0 && prefix.places[place] == prefix.places[place - 1];
-                shares.push_back(repeats ? shares.back() : shareOf(throughLens(prefix.places[place], saturates), saturates));
+                shares.push_back(repeats ? shares.back()
+                                         : shareOf(throughLens(prefix.places[place], saturates), saturates));
             }
         }
     }

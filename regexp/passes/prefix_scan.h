@@ -11,6 +11,6 @@ struct RE_Likely_Prefixes {
     double likelihood;  ///< the share of the positions of ordinary text that the scan stops at
 };
 
-/// The prefixes with which matches begin on the ways from `root`, or nothing when the first place is not known. With
-/// `emptyCounts` a match may consume nothing.
+/// The prefixes with which matches begin on the ways from `root`, or nothing when the first place is not
+/// known. With `emptyCounts` a match may consume nothing.
 std::optional<RE_Likely_Prefixes> prefixesFrom(RE_Node* root, bool emptyCounts);

@@ -17,8 +17,8 @@ class RE_Consume;
 class RE_Literal_Set;
 class RE_String;
 
-/// A set of units seen through two lenses of one byte each: their low bytes, and themselves, where all units from 0x100
-/// on are one.
+/// A set of units seen through two lenses of one byte each: their low bytes, and themselves, where all units
+/// from 0x100 on are one.
 struct RE_Byte_Sets {
     std::array<std::uint64_t, 4> lowBytes{};
     std::array<std::uint64_t, 4> latin{};
@@ -29,13 +29,14 @@ struct RE_Byte_Sets {
     bool operator==(const RE_Byte_Sets& other) const = default;
 };
 
-/// Gathers, for what a way through the graph consumes first, the units that may stand at each of its first places. Every
-/// match along that way has a unit of each set up to `known`.
+/// Gathers, for what a way through the graph consumes first, the units that may stand at each of its first
+/// places. Every match along that way has a unit of each set up to `known`.
 class RE_Prefix_Units {
 public:
     static constexpr std::size_t mostPlaces = 8;
 
-    /// With `emptyCounts` an end that is reached at once ends the prefix there; else such a match is refused anyway.
+    /// With `emptyCounts` an end that is reached at once ends the prefix there; else such a match is refused
+    /// anyway.
     void gather(RE_Node* from, bool emptyCounts);
     /// The same for the way that begins with this literal and goes on at `next`.
     void gather(std::u16string_view text, bool ignoreCase, RE_Node* next);

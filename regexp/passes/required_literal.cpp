@@ -124,8 +124,8 @@ private:
 std::vector<RE_Node*> literalsFrom(RE_Node* root) {
     struct Walker : RE_Link_Visitor {
         void link(RE_Node*& target, RE_Link kind) override {
-            const bool onTheWay = kind == RE_Link::next || kind == RE_Link::done || kind == RE_Link::alternative ||
-                                  kind == RE_Link::fail;
+            const bool onTheWay = kind == RE_Link::next || kind == RE_Link::done ||
+                                  kind == RE_Link::alternative || kind == RE_Link::fail;
             if (onTheWay && target != nullptr && seen.insert(target).second) {
                 nodes.push_back(target);
             }
@@ -137,7 +137,8 @@ std::vector<RE_Node*> literalsFrom(RE_Node* root) {
     walker.link(root, RE_Link::next);
     for (std::size_t i = 0; i < walker.nodes.size() && i < mostNodes && found.size() < mostLiterals; ++i) {
         RE_Node* const node = walker.nodes[i];
-        if (dynamic_cast<const RE_String*>(node) != nullptr || dynamic_cast<const RE_Natural*>(node) != nullptr ||
+        if (dynamic_cast<const RE_String*>(node) != nullptr ||
+            dynamic_cast<const RE_Natural*>(node) != nullptr ||
             dynamic_cast<const RE_Literal_Set*>(node) != nullptr) {
             found.push_back(node);
         }

@@ -9,5 +9,6 @@
 /// Finds the text of a node that matches nothing else; nothing for other nodes.
 std::optional<RE_Text_Finder> literalOf(const RE_Node* node);
 
-/// The rarest of the literals, and choices between literals, that no match can do without, as far as that is easily seen.
+/// The rarest of the literals, and choices between literals, that no match can do without, as far as that is
+/// easily seen.
 std::optional<RE_Required_Literal> requiredLiteral(RE_Node* root);

@@ -11,22 +11,31 @@
 #include "regexp/passes/required_literal.h"
 #include "regexp/seek/likelihood.h"
 
+#include <algorithm>
+#include <memory>
 #include <optional>
 #include <utility>
 
 namespace {
 
+// Shares of the positions of ordinary text, as seek/likelihood.h estimates them.
+
 // First units that are more common than this rule out too little to be worth a scan.
 constexpr double commonestUseful = 0.97;
-// By how much another finder has to be rarer than a scan for the first unit.
+// Where they are more common than this, prefixes cannot do much.
+constexpr double common = 0.2;
 // First units that are rarer than this are as good as anything.
 constexpr double rareEnough = 0.0025;
-// Where the first unit is more common than this, prefixes cannot do much.
-constexpr double common = 0.2;
 // A vector scan that stops more often than this is slower than a look at each position.
 constexpr double rareEnoughForPrefixes = 0.03;
+// A literal within the match is worth the way back from it up to this, and in place of lines one by one up to
+// the other.
+constexpr double commonestLiteral = 0.02;
+constexpr double rarerThanLines = 0.00002;
+
+// By how much another finder has to be rarer than a scan for the first unit.
 constexpr double worthPrefixes = 0.5;
-constexpr double worthGoingBack = 0.1;
+constexpr double worthGoingBack = 0.3;
 
 /// The first node that is more than an opening group.
 RE_Node* leadingNode(RE_Node* root) {
@@ -36,8 +45,8 @@ RE_Node* leadingNode(RE_Node* root) {
     return root;
 }
 
-// What is remembered of a token, or called by a pattern, may depend on where the loop began. A lazy loop that keeps to
-// its first end has another one at each position.
+// What is remembered of a token, or called by a pattern, may depend on where the loop began. A lazy loop that
+// keeps to its first end has another one at each position.
 void noteLeadingLoop(RE_Graph_Facts& facts, const RE_Node* leading) {
     const auto* const loop = dynamic_cast<const RE_Consume*>(leading);
     if (loop != nullptr && !(loop->lazy && loop->possessive) && facts.memoOutlivesStarts()) {
@@ -66,13 +75,20 @@ RE_Node* leadingConsumer(RE_Node* root) {
     return node;
 }
 
-/// The literal that a look-behind at the front of the pattern asks for.
+/// Finds the literal, or the unit of a class, that a look-behind at the front of the pattern asks for.
 std::optional<RE_Text_Finder> literalBehind(const RE_Node* leading) {
     const auto* const assertion = dynamic_cast<const RE_Lookaround_Assertion*>(leading);
     const bool asks = assertion != nullptr && assertion->behind && !assertion->negative &&
                       assertion->failTarget == nullptr && assertion->glanceEnd != nullptr;
     const bool alone = asks && assertion->body->nextNode == assertion->glanceEnd;
-    return alone ? literalOf(assertion->body) : std::nullopt;
+    if (!alone) {
+        return std::nullopt;
+    }
+    const auto* const unit = dynamic_cast<const RE_Consumable*>(assertion->body);
+    if (const RE_Unit_Set* const table = unit != nullptr ? unit->table() : nullptr) {
+        return RE_Text_Finder({std::shared_ptr<const void>(), table}, setLikelihood(*table));
+    }
+    return literalOf(assertion->body);
 }
 
 /// Goes through the finders that come to mind in the order of `RE_Start_Finder`.
@@ -86,11 +102,9 @@ public:
         if (context.facts->hasDynamicNodes) {
             return root;
         }
-        const bool anchored = dynamic_cast<RE_Start_String*>(leading) != nullptr ||
-                              dynamic_cast<RE_Start_Line*>(leading) != nullptr;
-        if (anchored && root->canSeek(false)) {
-            context.facts->startFinder = RE_Start_Finder::anchored;
-            return root;
+        const bool ofLine = dynamic_cast<RE_Start_Line*>(leading) != nullptr;
+        if ((ofLine || dynamic_cast<RE_Start_String*>(leading) != nullptr) && root->canSeek(false)) {
+            return ofLine ? chooseForLines() : anchored();
         }
         if (auto* string = dynamic_cast<RE_String*>(leadingConsumer(root))) {
             return inFront(RE_Start_Finder::literal, context.make<StringStringSeeker>(*string));
@@ -99,46 +113,65 @@ public:
     }
 
 private:
+    RE_Node* anchored() {
+        context.facts->startFinder = RE_Start_Finder::anchored;
+        return root;
+    }
+
+    // Lines without a rare literal that they need are not looked at one by one.
+    RE_Node* chooseForLines() {
+        RE_First_Units first;
+        const bool isKnown = first.gather(root) && !first.mayBeEmpty && !first.mayBeAtEnd;
+        RE_Node* const inner = isKnown ? innerSeeker(rarerThanLines, first) : nullptr;
+        return inner != nullptr ? inner : anchored();
+    }
+
     RE_Node* chooseByUnits(const RE_Node* leading) {
         RE_First_Units first;
         const bool allowsEmpty = (context.flags & RE_FLAG_ALLOW_EMPTY) != 0;
         if (!first.gather(root) || ((first.mayBeEmpty || first.mayBeAtEnd) && allowsEmpty)) {
             return root;
         }
-        const double firstLikelihood = setLikelihood(*first.units);
-        if (firstLikelihood > common) {
+        const double share = setLikelihood(*first.units);
+        if (RE_Node* const rarer = rarerSeeker(leading, first, share, allowsEmpty)) {
+            return rarer;
+        }
+        if (share > commonestUseful) {
+            return root;
+        }
+        return inFront(RE_Start_Finder::firstUnits, context.make<StringCharSeeker>(std::move(first.units)));
+    }
+
+    /// A seeker that stops less often than one for the first units, which are this share of all; null when
+    /// there is none.
+    RE_Node* rarerSeeker(const RE_Node* leading, const RE_First_Units& first, double share,
+                         bool allowsEmpty) {
+        if (share > common) {
             if (RE_Node* const inner = innerSeeker(rareEnough, first)) {
                 return inner;
             }
         }
         std::optional<RE_Likely_Prefixes> prefixes;
-        if (firstLikelihood > rareEnough) {
+        if (share > rareEnough) {
             prefixes = prefixesFrom(root, allowsEmpty);
         }
-        const bool prefixesPay = prefixes && prefixes->likelihood < firstLikelihood * worthPrefixes;
-        const double best = prefixesPay ? prefixes->likelihood : firstLikelihood;
+        const bool prefixesPay = prefixes && prefixes->likelihood < share * worthPrefixes;
+        const double best = prefixesPay ? prefixes->likelihood : share;
         std::optional<RE_Text_Finder> before = literalBehind(leading);
         if (before && before->likelihood() < best) {
-            return inFront(RE_Start_Finder::literalBehind, context.make<StringBehindSeeker>(std::move(*before)));
+            return inFront(RE_Start_Finder::literalBehind,
+                           context.make<StringBehindSeeker>(std::move(*before)));
         }
-        if (RE_Node* const inner = innerSeeker(best * worthGoingBack, first)) {
-            return inner;
+        RE_Node* seeker = innerSeeker(std::min(best * worthGoingBack, commonestLiteral), first);
+        if (seeker == nullptr && best >= rareEnoughForPrefixes) {
+            seeker = windowSeeker(best);
         }
-        if (prefixesPay && best < rareEnoughForPrefixes) {
-            return inFront(RE_Start_Finder::prefixes, context.make<StringPrefixSeeker>(
-                                                          RE_Text_Finder(prefixes->scan, prefixes->likelihood)));
-        }
-        if (RE_Node* const windows = windowSeeker(best)) {
-            return windows;
-        }
-        if (prefixesPay) {
-            return inFront(RE_Start_Finder::prefixes, context.make<StringPrefixSeeker>(
-                                                          RE_Text_Finder(prefixes->scan, prefixes->likelihood)));
-        }
-        if (firstLikelihood > commonestUseful) {
-            return root;
-        }
-        return inFront(RE_Start_Finder::firstUnits, context.make<StringCharSeeker>(std::move(first.units)));
+        return seeker != nullptr || !prefixesPay ? seeker : prefixSeeker(*prefixes);
+    }
+
+    RE_Node* prefixSeeker(const RE_Likely_Prefixes& prefixes) {
+        return inFront(RE_Start_Finder::prefixes,
+                       context.make<StringPrefixSeeker>(RE_Text_Finder(prefixes.scan, prefixes.likelihood)));
     }
 
     /// A seeker for a required literal that is rarer than `likelihood`; null when there is none.
@@ -154,7 +187,8 @@ private:
                        context.make<StringInnerSeeker>(std::move(*literal), first.units));
     }
 
-    /// A seeker for many literals that stops less often than at `likelihood` of all positions; null when there is none.
+    /// A seeker for many literals that stops less often than at `likelihood` of all positions; null when
+    /// there is none.
     RE_Node* windowSeeker(double likelihood) {
         const auto* const set = dynamic_cast<const RE_Literal_Set*>(leadingConsumer(root));
         std::optional<RE_Window_Filter> filter;

@@ -9,7 +9,7 @@
 enum class RE_Case_Form {
     lower,       ///< at least one lower-case letter and no upper-case one
     upper,       ///< at least one upper-case letter and no lower-case one
-    every_word,  ///< each word starts with an upper-case letter and goes on in lower case; it may be one letter
+    every_word,  ///< each word starts with an upper-case letter, and lower-case ones follow, if any
     first_word,  ///< the first word does, the others are lower case
     irregular    ///< anything else, and text without cased letters
 };

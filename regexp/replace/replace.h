@@ -48,7 +48,8 @@ public:
 
     std::u16string replace(std::u16string_view subject, const RE_Tree& tree, bool adjustCase,
                            std::size_t which) const;
-    /// Finds its matches within limits. Where one is met, the text behind the last match found stays as it is.
+    /// Finds its matches within limits. Where one is met, the text behind the last match found stays as it
+    /// is.
     std::u16string replace(std::u16string_view subject, const RE_Tree& tree, bool adjustCase,
                            std::size_t which, const RE_Search_Limits& limits, RE_Search_Report& report) const;
     /// The same, and in `*matches` how many matches were met until the end or an interrupt.
@@ -71,8 +72,8 @@ public:
     char16_t* build_replace(char16_t* buffer, std::size_t* length, std::size_t* capacity,
                             RE_Results* results) const override;
 
-    /// Makes `out` the text for a match. False when an expression in it yields nothing, which ends the text there; the
-    /// interrupt flag, by which `build_replace` tells that, is left alone.
+    /// Makes `out` the text for a match. False when an expression in it yields nothing, which ends the text
+    /// there; the interrupt flag, by which `build_replace` tells that, is left alone.
     bool expand(RE_Evaluation_IO* out, RE_Results* results) const;
 
     /// The distinct references; owned by the caller.

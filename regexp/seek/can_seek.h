@@ -18,9 +18,9 @@ public:
             return answer;
         }
         answer = scan(p, info);
-        info.noteScan(static_cast<std::size_t>((answer != nullptr ? answer : info.subjectEnd) - p));
-        const bool isFar = answer == nullptr || static_cast<std::size_t>(answer - p) >= worthKeeping;
-        if (isFar && info.seekTable != nullptr && !info.wasInterrupted()) {
+        const auto distance = static_cast<std::size_t>((answer != nullptr ? answer : info.subjectEnd) - p);
+        info.noteScan(distance);
+        if (distance >= worthKeeping && info.seekTable != nullptr && !info.wasInterrupted()) {
             info.seekTable->put(this->seekKey(true), RE_Seek_Value(p, answer));
         }
         return answer;
@@ -39,8 +39,8 @@ protected:
     }
 };
 
-/// A seeking node that may have a second way on. Where it has one the node can match wherever that way can, so it
-/// rules nothing out by itself.
+/// A seeking node that may have a second way on. Where it has one the node can match wherever that way can,
+/// so it rules nothing out by itself.
 template <class Base>
 class RE_Branch_Seek : public Base {
 public:

@@ -1,5 +1,6 @@
 #include "regexp/seek/kernels.h"
 
+#include <algorithm>
 #include <bit>
 #include <type_traits>
 
@@ -24,9 +25,10 @@ HWY_INLINE Vector load(const char16_t* p) {
 }
 
 template <std::size_t lanes>
-using Bits = std::conditional_t<
-    lanes <= 8, std::uint8_t,
-    std::conditional_t<lanes <= 16, std::uint16_t, std::conditional_t<lanes <= 32, std::uint32_t, std::uint64_t>>>;
+using Bits =
+    std::conditional_t<lanes <= 8, std::uint8_t,
+                       std::conditional_t<lanes <= 16, std::uint16_t,
+                                          std::conditional_t<lanes <= 32, std::uint32_t, std::uint64_t>>>;
 
 // What is read back is as wide as what was stored: the processor hands it over without waiting.
 HWY_INLINE std::uint64_t bitsOf(Mask mask) {
@@ -35,32 +37,37 @@ HWY_INLINE std::uint64_t bitsOf(Mask mask) {
     return bits;
 }
 
+/// With `alone` the two units of the pair are one.
+template <bool alone>
 HWY_INLINE Mask equals(Vector units, RE_Unit_Pair pair) {
     const Mask one = hn::Eq(units, hn::Set(Lanes(), static_cast<std::uint16_t>(pair.one)));
-    return hn::Or(one, hn::Eq(units, hn::Set(Lanes(), static_cast<std::uint16_t>(pair.other))));
+    return alone ? one : hn::Or(one, hn::Eq(units, hn::Set(Lanes(), static_cast<std::uint16_t>(pair.other))));
 }
 
+template <bool alone>
 struct Unit_Test {
     RE_Unit_Pair unit;
 
-    HWY_INLINE Mask operator()(const char16_t* p) const { return equals(load(p), unit); }
+    HWY_INLINE Mask operator()(const char16_t* p) const { return equals<alone>(load(p), unit); }
     bool holds(const char16_t* p) const { return unit.holds(*p); }
 };
 
+template <bool alone>
 struct Probe_Test {
-    RE_Literal_Probe probe;
+    const RE_Literal_Probe& probe;
 
     HWY_INLINE Mask operator()(const char16_t* p) const {
-        return hn::And(equals(load(p + probe.firstAt), probe.first),
-                       equals(load(p + probe.secondAt), probe.second));
+        return hn::And(equals<alone>(load(p + probe.firstAt), probe.first),
+                       equals<alone>(load(p + probe.secondAt), probe.second));
     }
     bool holds(const char16_t* p) const {
-        return probe.first.holds(p[probe.firstAt]) && probe.second.holds(p[probe.secondAt]);
+        return probe.first.holds(p[probe.firstAt]) && probe.second.holds(p[probe.secondAt]) &&
+               std::equal(probe.text, probe.text + probe.length, p);
     }
 };
 
-// The low byte of each lane selects by its low four bits a row, and by the next three a bit of that row. Units from
-// 0x80 on pass when some of them may count: they are looked up after.
+// The low byte of each lane selects by its low four bits a row, and by the next three a bit of that row.
+// Units from 0x80 on pass when some of them may count: they are looked up after.
 struct Class_Test {
     const RE_Class_Scan& scan;
 
@@ -89,7 +96,8 @@ struct Class_Test {
     }
 };
 
-/// The first of the hits, one bit for each unit from `p` on, that stands up to the whole test; null when none does.
+/// The first of the hits, one bit for each unit from `p` on, that stands up to the whole test; null when none
+/// does.
 template <class Test>
 HWY_INLINE const char16_t* firstOf(std::uint64_t hits, const char16_t* p, const Test& test) {
     for (; hits != 0; hits &= hits - 1) {
@@ -145,8 +153,9 @@ HWY_INLINE Vector prefixesWith(Vector units, const std::uint8_t* lowRows, const 
     const Vector nibble = hn::Set(d, std::uint16_t{0x0F});
     const Vector low = hn::And(units, nibble);
     const Vector high = hn::And(hn::ShiftRight<4>(units), nibble);
-    return hn::And(hn::BitCast(d, hn::TableLookupBytes(hn::LoadDup128(bytes, lowRows), hn::BitCast(bytes, low))),
-                   hn::BitCast(d, hn::TableLookupBytes(hn::LoadDup128(bytes, highRows), hn::BitCast(bytes, high))));
+    return hn::And(
+        hn::BitCast(d, hn::TableLookupBytes(hn::LoadDup128(bytes, lowRows), hn::BitCast(bytes, low))),
+        hn::BitCast(d, hn::TableLookupBytes(hn::LoadDup128(bytes, highRows), hn::BitCast(bytes, high))));
 }
 #endif
 
@@ -168,7 +177,9 @@ struct Prefix_Test {
         return hn::Ne(prefixes, hn::Zero(d));
 #endif
     }
-    bool holds(const char16_t* p) const { return scan.mayStandAt(p); }
+    bool holds(const char16_t* p) const {
+        return scan.mayStandAt(p);
+    }
 };
 
 template <class Test>
@@ -192,11 +203,17 @@ const char16_t* findBackward(const char16_t* p, const char16_t* end, const Test&
     return nullptr;
 }
 
+HWY_INLINE bool isAlone(const RE_Literal_Probe& probe) {
+    return probe.first.one == probe.first.other && probe.second.one == probe.second.other;
+}
+
 const char16_t* unitForward(const char16_t* p, const char16_t* end, RE_Unit_Pair unit) {
-    return findForward(p, end, Unit_Test{unit});
+    return unit.one == unit.other ? findForward(p, end, Unit_Test<true>{unit})
+                                  : findForward(p, end, Unit_Test<false>{unit});
 }
 const char16_t* unitBackward(const char16_t* p, const char16_t* end, RE_Unit_Pair unit) {
-    return findBackward(p, end, Unit_Test{unit});
+    return unit.one == unit.other ? findBackward(p, end, Unit_Test<true>{unit})
+                                  : findBackward(p, end, Unit_Test<false>{unit});
 }
 const char16_t* classForward(const char16_t* p, const char16_t* end, const RE_Class_Scan& scan) {
     return findForward(p, end, Class_Test{scan});
@@ -205,7 +222,8 @@ const char16_t* classBackward(const char16_t* p, const char16_t* end, const RE_C
     return findBackward(p, end, Class_Test{scan});
 }
 const char16_t* probeForward(const char16_t* p, const char16_t* end, const RE_Literal_Probe& probe) {
-    return findForward(p, end, Probe_Test{probe});
+    return isAlone(probe) ? findForward(p, end, Probe_Test<true>{probe})
+                          : findForward(p, end, Probe_Test<false>{probe});
 }
 const char16_t* prefixForward(const char16_t* p, const char16_t* end, const RE_Prefix_Scan& scan) {
     switch (scan.depth) {
@@ -220,7 +238,8 @@ const char16_t* prefixForward(const char16_t* p, const char16_t* end, const RE_P
     }
 }
 const char16_t* probeBackward(const char16_t* p, const char16_t* end, const RE_Literal_Probe& probe) {
-    return findBackward(p, end, Probe_Test{probe});
+    return isAlone(probe) ? findBackward(p, end, Probe_Test<true>{probe})
+                          : findBackward(p, end, Probe_Test<false>{probe});
 }
 
 }  // namespace HWY_NAMESPACE

@@ -1,7 +1,7 @@
 // Vector scans over units: where a unit, a pair of units or a unit of a class stands first or last.
 //
-// Each picks the widest instructions of the machine at run time. None reads outside of what its arguments span. The
-// scalar twins that tests compare them with are plain loops over the same tests.
+// Each picks the widest instructions of the machine at run time. None reads outside of what its arguments
+// span. The scalar twins that tests compare them with are plain loops over the same tests.
 #pragma once
 
 #include "regexp/unit_set.h"
@@ -10,7 +10,8 @@
 #include <cstddef>
 #include <cstdint>
 
-/// One or two units, either of which counts: a literal, or a literal and its other case. Equal when there is one.
+/// One or two units, either of which counts: a literal, or a literal and its other case. Equal when there is
+/// one.
 struct RE_Unit_Pair {
     char16_t one;
     char16_t other;
@@ -18,8 +19,8 @@ struct RE_Unit_Pair {
     bool holds(char16_t unit) const { return unit == one || unit == other; }
 };
 
-/// A set of units prepared for scanning: exact for units below 0x80 by two table look-ups, the others are looked up in
-/// the set one by one.
+/// A set of units prepared for scanning: exact for units below 0x80 by two table look-ups, the others are
+/// looked up in the set one by one.
 class RE_Class_Scan {
 public:
     /// `set` must outlive the scan. With `wanted` false it looks for units outside of the set.
@@ -41,10 +42,13 @@ struct RE_Literal_Probe {
     RE_Unit_Pair second;
     std::size_t firstAt;
     std::size_t secondAt;
+    const char16_t* text = nullptr;  ///< the whole literal, where it is compared as it stands
+    std::size_t length = 0;
 };
 
-/// Up to eight prefixes, each known at up to four places, prepared for scanning for all of them at once. A unit is known by
-/// one byte: its low byte, or itself up to 0xFF. What is found may stand up to the test by accident only.
+/// Up to eight prefixes, each known at up to four places, prepared for scanning for all of them at once. A
+/// unit is known by one byte: its low byte, or itself up to 0xFF. What is found may stand up to the test by
+/// accident only.
 struct RE_Prefix_Scan {
     static constexpr std::size_t mostPrefixes = 8;
     static constexpr std::size_t mostUnits = 4;
@@ -79,7 +83,9 @@ struct RE_Prefix_Scan {
 // The first position in [p, end) that counts, or `end`.
 const char16_t* findUnit(const char16_t* p, const char16_t* end, RE_Unit_Pair unit);
 const char16_t* findClass(const char16_t* p, const char16_t* end, const RE_Class_Scan& scan);
-/// Both units of the probe stand at their distances. Units up to `end` plus the larger distance must be readable.
+/// Both units of the probe stand at their distances, and so does the text if there is one. Units up to `end`
+/// plus the
+/// larger distance, and the whole text from each position on, must be readable.
 const char16_t* findProbe(const char16_t* p, const char16_t* end, const RE_Literal_Probe& probe);
 
 /// A prefix may stand there. Units up to `end` plus the reach must be readable.

@@ -9,8 +9,8 @@ namespace {
 constexpr double rareLetter = 0.002;
 constexpr double other = 0.001;
 
-// Letters of English prose by their frequency. What stands beyond ASCII counts as fairly common one by one, since a text
-// that holds any mostly holds many of its neighbours.
+// Letters of English prose by their frequency. What stands beyond ASCII counts as fairly common one by one,
+// since a text that holds any mostly holds many of its neighbours.
 constexpr std::array<double, 0x80> asciiLikelihoods() {
     constexpr std::u16string_view order = u" etaoinshrdlu\ncmfwypvbgk,.";
     constexpr double shares[] = {0.17,  0.10,  0.075, 0.065, 0.062, 0.057, 0.057, 0.053, 0.050,
@@ -30,11 +30,18 @@ constexpr std::array<double, 0x80> asciiLikelihoods() {
 
 constexpr std::array<double, 0x80> ascii = asciiLikelihoods();
 constexpr double foreignLetter = 0.005;
+constexpr double commonForeignLetter = 0.01;
 
 }  // namespace
 
 double unitLikelihood(char16_t unit) {
-    return unit < ascii.size() ? ascii[unit] : foreignLetter;
+    if (unit < ascii.size()) {
+        return ascii[unit];
+    }
+    // The commonest letters of Cyrillic prose.
+    static constexpr std::u16string_view common =
+        u"\u043E\u0435\u0430\u0438\u043D\u0442\u0441\u0440\u0432\u043B";
+    return common.find(unit) != common.npos ? commonForeignLetter : foreignLetter;
 }
 
 double setLikelihood(const RE_Unit_Set& set) {

@@ -75,16 +75,27 @@ double RE_Literal_Search::likelihood() const {
     return probe.firstAt == probe.secondAt ? first : first * pairLikelihood(probe.second);
 }
 
+// The scan compares the text itself where that is done unit by unit.
+RE_Literal_Probe RE_Literal_Search::probeFor(const RE_Literal& literal) const {
+    RE_Literal_Probe whole = probe;
+    if (probes && !literal.ignoreCase) {
+        whole.text = literal.text;
+        whole.length = literal.length;
+    }
+    return whole;
+}
+
 const char16_t* RE_Literal_Search::find(const RE_Literal& literal, const char16_t* p,
                                         RE_Search_Info& info) const {
     if (static_cast<std::size_t>(info.subjectEnd - p) < literal.length) {
         return nullptr;
     }
     const char16_t* const end = info.subjectEnd - literal.length + 1;
+    const RE_Literal_Probe whole = probeFor(literal);
     return scanForward(p, end, info, [&](const char16_t* at, const char16_t* stop) {
         for (;; ++at) {
-            at = probes ? findProbe(at, stop, probe) : at;
-            if (at == stop || literal.matchesAt(at)) {
+            at = probes ? findProbe(at, stop, whole) : at;
+            if (at == stop || whole.text != nullptr || literal.matchesAt(at)) {
                 return at;
             }
         }

@@ -1,4 +1,5 @@
-// Searching for a literal: two of its units, chosen to be rare, are looked for first, then the whole is compared.
+// Searching for a literal: two of its units, chosen to be rare, are looked for first, then the whole is
+// compared.
 #pragma once
 
 #include "regexp/seek/kernels.h"
@@ -26,9 +27,7 @@ struct RE_Literal {
     std::size_t length;    ///< at least 1
     bool ignoreCase;
 
-    bool matchesAt(const char16_t* p) const {
-        return ignoreCase ? foldsTo(p) : equalUnits(p, text, length);
-    }
+    bool matchesAt(const char16_t* p) const { return ignoreCase ? foldsTo(p) : equalUnits(p, text, length); }
 
 private:
     bool foldsTo(const char16_t* p) const;
@@ -49,6 +48,8 @@ public:
     double likelihood() const;
 
 private:
+    RE_Literal_Probe probeFor(const RE_Literal& literal) const;
+
     bool probes = false;  ///< without it every position is compared
     RE_Literal_Probe probe{};
 };

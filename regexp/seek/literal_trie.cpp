@@ -58,7 +58,8 @@ void RE_Literal_Trie::grow(const Order& sorted) {
     }
 }
 
-// All literals of the branch go through the node, which takes what they have in common. Returns the rest of them.
+// All literals of the branch go through the node, which takes what they have in common. Returns the rest of
+// them.
 RE_Literal_Trie::Branch RE_Literal_Trie::growNode(Branch branch, const Order& sorted) {
     Node& node = nodes[branch.node];
     node.text = static_cast<std::uint32_t>(starts[sorted[branch.first]] + branch.depth);

@@ -1,7 +1,9 @@
-// Many literals, in a tree that shares what they begin with: one walk over the subject finds all that stand at a position.
+// Many literals, in a tree that shares what they begin with: one walk over the subject finds all that stand
+// at a position.
 //
-// A node stands for a run of units, so that the tree has fewer than two nodes a literal, however long these are. Nodes
-// refer to each other and to the text by index; the children of a node lie side by side, by their first units.
+// A node stands for a run of units, so that the tree has fewer than two nodes a literal, however long these
+// are. Nodes refer to each other and to the text by index; the children of a node lie side by side, by their
+// first units.
 #pragma once
 
 #include "regexp/memory.h"
@@ -17,8 +19,8 @@ class CORVANE_REGEXP_EXPORT RE_Literal_Trie {
 public:
     using Literals = std::vector<std::u16string_view>;
 
-    /// None of the literals is empty. They are in lower case when case is ignored. Of equal ones the first counts: what
-    /// fails behind it fails behind the others as well. The texts are copied.
+    /// None of the literals is empty. They are in lower case when case is ignored. Of equal ones the first
+    /// counts: what fails behind it fails behind the others as well. The texts are copied.
     RE_Literal_Trie(const Literals& literals, bool ignoreCase);
 
     /// What stands at a position: the first literal not before the number asked for.

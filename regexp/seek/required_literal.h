@@ -13,19 +13,22 @@
 
 class RE_Search_Info;
 
-/// Finds a text, or the prefixes of several.
+/// Finds a text, the prefixes of several, or the units of a set.
 class RE_Text_Finder {
 public:
     /// `literal` is in lower case when case is ignored.
     RE_Text_Finder(std::u16string literal, bool ignoreCase);
-    RE_Text_Finder(const RE_Prefix_Scan& scan, double share) : prefixes(scan), search({u"", 0, false}), likely(share) {}
+    RE_Text_Finder(const RE_Prefix_Scan& scan, double share)
+        : prefixes(scan), search({u"", 0, false}), likely(share) {}
+    RE_Text_Finder(std::shared_ptr<const RE_Unit_Set> units, double share)
+        : set(std::move(units)), members(RE_Class_Scan(*set, true)), search({u"", 0, false}), likely(share) {}
 
     /// The first place from `p` on, or null.
     const char16_t* find(const char16_t* p, RE_Search_Info& info) const;
     /// The share of the positions of ordinary text at which it finds something.
     double likelihood() const { return likely; }
-    /// Units of the text; 0 when there are several.
-    std::size_t length() const { return text.size(); }
+    /// Units of what it finds; 0 when there are several lengths.
+    std::size_t length() const { return members ? 1 : text.size(); }
     std::string label() const;
 
 private:
@@ -34,12 +37,15 @@ private:
     std::u16string text;
     bool folds = false;
     std::optional<RE_Prefix_Scan> prefixes;
+    std::shared_ptr<const RE_Unit_Set> set;
+    std::optional<RE_Class_Scan> members;
     RE_Literal_Search search;
     double likely;
 };
 
 struct RE_Required_Literal {
     RE_Text_Finder finder;
-    std::shared_ptr<const RE_Unit_Set> before;  ///< every unit of a match before its first such literal is one of these
-    std::uint64_t leastBefore;                  ///< how many there are at least
+    /// Every unit of a match before its first such literal is one of these.
+    std::shared_ptr<const RE_Unit_Set> before;
+    std::uint64_t leastBefore;  ///< how many there are at least
 };

@@ -1,5 +1,5 @@
-// Scans of many units, in both directions. They ask the host now and then whether to stop; a scan that was stopped
-// finds nothing.
+// Scans of many units, in both directions. They ask the host now and then whether to stop; a scan that was
+// stopped finds nothing.
 #pragma once
 
 #include "regexp/search_info.h"
@@ -28,7 +28,8 @@ const char16_t* lastWhere(const char16_t* p, const char16_t* end, Test holds) {
     return nullptr;
 }
 
-/// Runs `find` (p, end) -> first position that counts, or end, over [p, end) block by block. Null when there is none.
+/// Runs `find` (p, end) -> first position that counts, or end, over [p, end) block by block. Null when there
+/// is none.
 template <class Find>
 const char16_t* scanForward(const char16_t* p, const char16_t* end, RE_Search_Info& info, Find find) {
     while (p < end) {
@@ -46,7 +47,8 @@ const char16_t* scanForward(const char16_t* p, const char16_t* end, RE_Search_In
     return nullptr;
 }
 
-/// Runs `find` (p, end) -> last position that counts, or null, over [first, end) from its end on, block by block.
+/// Runs `find` (p, end) -> last position that counts, or null, over [first, end) from its end on, block by
+/// block.
 template <class Find>
 const char16_t* scanBackward(const char16_t* first, const char16_t* end, RE_Search_Info& info, Find find) {
     while (first < end) {

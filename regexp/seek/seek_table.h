@@ -42,8 +42,8 @@ struct RE_Seek_Value {
     const char16_t* position;  ///< null: nowhere up to the end of the subject
 };
 
-/// Belongs to the caller of a search; meaningful for one pattern and one subject buffer, and for one thread at a
-/// time. Never cleared by the engine.
+/// Belongs to the caller of a search; meaningful for one pattern and one subject buffer, and for one thread
+/// at a time. Never cleared by the engine.
 class CORVANE_REGEXP_EXPORT RE_Seek_Table : public RE_Memory {
 public:
     /// Sets `out` to the stored answer, if there is one; true when it holds at `p`.

@@ -1,6 +1,9 @@
 #include "regexp/seek/window_filter.h"
 
 #include <algorithm>
+#include <string>
+#include <string_view>
+#include <utility>
 
 namespace {
 
@@ -10,12 +13,32 @@ constexpr std::size_t mostBits = std::size_t{1} << 20;
 constexpr std::size_t narrowest = 2;
 constexpr char16_t caseBit = 0x20;
 
-// The forms of a unit differ in the one bit that is ignored.
-bool foldsByBit(char16_t lower) {
-    const RE_Case_Table& cases = RE_Case_Table::get();
-    const char16_t upper = cases.upper(lower);
-    const std::size_t known = upper != lower && cases.lower(upper) == lower ? 2 : 1;
-    return cases.formsWithin(lower) == known && (known == 1 || (upper | caseBit) == (lower | caseBit));
+/// The forms of a unit that differ in more than the bit that is ignored, one of each kind.
+std::u16string formsOf(char16_t lower) {
+    std::u16string forms;
+    RE_Case_Table::get().forEachForm(lower, [&forms](char16_t form) {
+        const auto folded = static_cast<char16_t>(form | caseBit);
+        if (forms.find(folded) == forms.npos) {
+            forms.push_back(folded);
+        }
+    });
+    return forms;
+}
+
+/// The first units of a literal in all their forms.
+std::vector<std::u16string> windowsOf(std::u16string_view text, bool ignoresCase) {
+    std::vector<std::u16string> windows(1);
+    for (const char16_t unit : text) {
+        const std::u16string forms = ignoresCase ? formsOf(unit) : std::u16string(1, unit);
+        std::vector<std::u16string> longer;
+        for (const std::u16string& window : windows) {
+            for (const char16_t form : forms) {
+                longer.push_back(window + form);
+            }
+        }
+        windows = std::move(longer);
+    }
+    return windows;
 }
 
 }  // namespace
@@ -37,18 +60,19 @@ std::optional<RE_Window_Filter> RE_Window_Filter::make(const RE_Literal_Trie& li
     const std::size_t width = std::min(literals.shortest(), widest);
     RE_Window_Filter filter(width, literals.ignoresCase(), literals.count());
     for (std::size_t i = 0; i < literals.count(); ++i) {
-        const std::u16string_view text = literals.text(i);
-        if (literals.ignoresCase() && !std::all_of(text.begin(), text.begin() + width, foldsByBit)) {
-            return std::nullopt;
+        for (const std::u16string& window :
+             windowsOf(literals.text(i).substr(0, width), literals.ignoresCase())) {
+            const std::size_t place =
+                filter.placeOf(filter.windowAt(window.data(), window.data() + window.size()));
+            filter.bits[place / 64] |= std::uint64_t{1} << (place % 64);
         }
-        const std::size_t place = filter.placeOf(filter.windowAt(text.data(), text.data() + text.size()));
-        filter.bits[place / 64] |= std::uint64_t{1} << (place % 64);
     }
     return filter;
 }
 
 const char16_t* RE_Window_Filter::find(const char16_t* p, const char16_t* end, const char16_t* limit) const {
-    const char16_t* const wholeEnd = std::max(p, std::min(end, limit - std::min<std::ptrdiff_t>(limit - p, widest - 1)));
+    const char16_t* const wholeEnd =
+        std::max(p, std::min(end, limit - std::min<std::ptrdiff_t>(limit - p, widest - 1)));
     for (; p < wholeEnd; ++p) {
         std::uint64_t window = 0;
         std::memcpy(&window, p, sizeof window);

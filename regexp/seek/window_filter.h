@@ -11,17 +11,19 @@
 #include <optional>
 #include <vector>
 
-/// Looks at the first `width` units of every position. What it finds may be no literal, by accident; what it passes over is
+/// Looks at the first `width` units of every position; when case is ignored, at all but the bit in which most
+/// letters differ
+/// from their other form. What it finds may be no literal, by accident; what it passes over is
 /// none for certain.
 class CORVANE_REGEXP_EXPORT RE_Window_Filter {
 public:
     static constexpr std::size_t widest = 4;  ///< units
 
-    /// Nothing when the literals are too short, or when case cannot be ignored by ignoring one bit.
+    /// Nothing when the literals are too short.
     static std::optional<RE_Window_Filter> make(const RE_Literal_Trie& literals);
 
-    /// The first position in [p, end) at which a literal may begin, or `end`. Units up to `limit` are readable, at least a
-    /// window from each position on.
+    /// The first position in [p, end) at which a literal may begin, or `end`. Units up to `limit` are
+    /// readable, at least a window from each position on.
     const char16_t* find(const char16_t* p, const char16_t* end, const char16_t* limit) const;
 
     std::size_t width() const { return units; }
