@@ -8,7 +8,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
+#include <list>
 #include <memory>
 #include <vector>
 
@@ -36,8 +36,8 @@ struct CORVANE_REGEXP_EXPORT RE_Graph_Facts : public RE_Memory {
     const RE_Consume* leadingLoop = nullptr;
     /// Slots whose text a backreference or condition may ask for, ascending.
     std::vector<std::size_t, RE_Allocator<std::size_t>> referencedTokens;
-    /// Storage of the memo scopes; a deque, so that the links between them stay valid.
-    std::deque<RE_Memo_Scope, RE_Allocator<RE_Memo_Scope>> memoScopes;
+    /// Storage of the memo scopes; a list, so that the links between them stay valid.
+    std::list<RE_Memo_Scope, RE_Allocator<RE_Memo_Scope>> memoScopes;
 
     std::shared_ptr<RE_Profiler> profiler;  ///< of patterns compiled for profiling; else null
 

@@ -93,6 +93,8 @@ namespace {
 RE_Node* compileGraph(RE_ParserContext& parserContext, const char16_t* pattern, std::size_t length,
                       RE_Node* continuationNode, bool last, const RE_Stage_Observer& observer = {}) {
     const RE_Flags flags = parserContext.flags;
+    // Who looks at the stages wants to see where the strings come from.
+    parserContext.joinsTexts = parserContext.options().optimizeLinearSubpatterns() && !observer;
     parserContext.context->set_string(pattern, length);
     RE_Syntax_Tree syntax = RE_Grammar(parserContext, pattern, length, last).read();
     parserContext.flags = flags;

@@ -23,15 +23,26 @@ void RE_Unit_Set::addRange(char16_t low, char16_t high) {
 
 void RE_Unit_Set::addAll(const RE_Unit_Set& other) {
     const bool fills = other.varied < wordCount && other.rest() != 0;
-    const std::size_t touched = fills ? wordCount : other.varied;
+    const bool full = varied < wordCount && rest() != 0;
+    const std::size_t unlike = fills ? wordCount : other.varied;
+    const std::size_t touched =
+        full ? std::min(varied, unlike) : unlike;  // the other words hold all units already
     for (std::size_t i = 0; i < touched; ++i) {
         words[i] |= other.words[i];
     }
-    varied = fills ? other.varied : std::max(varied, other.varied);
+    if (fills) {
+        varied = full ? std::min(varied, other.varied) : other.varied;
+    } else if (!full) {
+        varied = std::max(varied, other.varied);
+    }
 }
 
 bool RE_Unit_Set::meets(const RE_Unit_Set& other) const {
-    const std::size_t compared = std::min(std::max(varied, other.varied) + 1, wordCount);
+    // Where one of them has ended the other one meets nothing.
+    const bool ends = varied < wordCount && rest() == 0;
+    const bool otherEnds = other.varied < wordCount && other.rest() == 0;
+    const std::size_t most = comparedWith(other);
+    const std::size_t compared = std::min(ends ? varied : most, otherEnds ? other.varied : most);
     for (std::size_t i = 0; i < compared; ++i) {
         if ((words[i] & other.words[i]) != 0) {
             return true;
@@ -55,16 +66,21 @@ std::size_t RE_Unit_Set::sizeFrom(std::size_t first) const {
 }
 
 bool RE_Unit_Set::holdsAnyFrom(std::size_t first) const {
-    return std::any_of(words + first / 64, std::end(words), [](std::uint64_t word) { return word != 0; });
+    return std::any_of(words + first / 64, words + std::max(first / 64 + 1, comparedWith(*this)),
+                       [](std::uint64_t word) { return word != 0; });
 }
 
 bool RE_Unit_Set::holdsAllFrom(std::size_t first) const {
-    return std::all_of(words + first / 64, std::end(words), [](std::uint64_t word) { return word + 1 == 0; });
+    return std::all_of(words + first / 64, words + std::max(first / 64 + 1, comparedWith(*this)),
+                       [](std::uint64_t word) { return word + 1 == 0; });
 }
 
 std::size_t RE_Unit_Set::leastVaried() const {
+    if (rest() + 1 > 1) {  // neither 0 nor all ones
+        return wordCount;
+    }
     std::size_t count = varied;
-    while (count > 0 && count < wordCount && words[count - 1] == rest()) {
+    while (count > 0 && words[count - 1] == rest()) {
         --count;
     }
     return count;
@@ -80,7 +96,7 @@ std::size_t RE_Unit_Set::hash() const {
 }
 
 bool RE_Unit_Set::operator==(const RE_Unit_Set& other) const {
-    return std::equal(std::begin(words), std::end(words), std::begin(other.words));
+    return std::equal(words, words + comparedWith(other), other.words);
 }
 
 const RE_Case_Table& RE_Case_Table::get() {

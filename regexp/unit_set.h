@@ -59,6 +59,11 @@ private:
 
     std::uint64_t rest() const { return words[wordCount - 1]; }
     std::size_t leastVaried() const;
+    /// So many words say all about both: what stands behind them is like the last of them.
+    std::size_t comparedWith(const RE_Unit_Set& other) const {
+        const std::size_t most = varied > other.varied ? varied : other.varied;
+        return most < wordCount ? most + 1 : wordCount;
+    }
 
     std::uint64_t words[wordCount] = {};
     /// Words that may differ from the last one, which is 0 or all ones unless this is all of them.

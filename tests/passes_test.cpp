@@ -1,10 +1,16 @@
 // What the passes make of a graph: the labels of its nodes, in the order in which the graph leads to them.
 #include "tests/support/engine_run.h"
+#include "tests/support/pattern_random.h"
+#include "tests/support/text.h"
 
 #include "regexp/nodes/collection.h"
 #include "regexp/regexp.h"
 
 #include <gtest/gtest.h>
+
+#include <algorithm>
+#include <regex>
+#include <sstream>
 
 namespace corvane_tests {
 namespace {
@@ -74,6 +80,30 @@ TEST(Passes, MakeTheseGraphs) {
     for (const Case& c : kCases) {
         const Engine engine(c.pattern, c.flags, c.config);
         EXPECT_EQ(c.labels, labels(engine.tree()));
+    }
+}
+
+/// The lines of a graph without the numbers of the nodes, which follow the order in which they were made.
+std::vector<std::string> sortedLines(const std::string& text) {
+    static const std::regex number("\\bn[0-9]+\\b");
+    std::istringstream stream(text);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(stream, line);) lines.push_back(std::regex_replace(line, number, "n"));
+    std::ranges::sort(lines);
+    return lines;
+}
+
+// Literals are strings from the beginning, unless somebody watches the stages.
+TEST(Passes, MakeTheSameGraphWithAndWithoutAWitness) {
+    PatternSource source(5);
+    std::vector<std::u16string> patterns{u"ab\\0cd(?:ef)g+hi(?i:-j)kl", u"(?:abc){3}d(?:e|fg)hi", u"a(?i:b-)--c", u"x(?=ab)cd"};
+    for (int count = 0; count < 500; ++count) patterns.push_back(widen(source.pattern({})));
+    for (const std::u16string& pattern : patterns) {
+        RE_Context context;
+        const RE_Tree tree(pattern.data(), pattern.size(), 0x32, &context);
+        const std::string watched =
+            RE_Tree::graphAfter(RE_Stage::dot_star, pattern.data(), pattern.size(), 0x32, &context);
+        ASSERT_EQ(sortedLines(watched), sortedLines(tree.graph())) << printable(pattern);
     }
 }
 

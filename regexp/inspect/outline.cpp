@@ -139,18 +139,30 @@ private:
         for (; !children.empty(); children.pop_back()) {
             const RE_Syntax& child = tree[children.back()];
             const RE_Flags folding = child.flags & RE_FLAG_IGNORE_CASE;
-            if (child.kind != RE_Syntax_Kind::literal || folding != runFlags) {
+            const std::string shown = literalUnits(child);
+            if (shown.empty() || folding != runFlags) {
                 endRun();
             }
             runFlags = folding;
-            if (child.kind == RE_Syntax_Kind::literal) {
-                run += labelText(child.low);
-            } else {
+            run += shown;
+            if (shown.empty()) {
                 tasks.push_back({children.back(), depth, {}});
             }
         }
         endRun();
         work.insert(work.end(), tasks.rbegin(), tasks.rend());
+    }
+
+    /// The unit or the units of a literal, each by itself; empty for anything else.
+    std::string literalUnits(const RE_Syntax& item) const {
+        if (item.kind == RE_Syntax_Kind::literal) {
+            return labelText(item.low);
+        }
+        std::string shown;
+        for (std::size_t i = 0; item.kind == RE_Syntax_Kind::text && i < item.number; ++i) {
+            shown += labelText(tree.units[item.payload + i]);
+        }
+        return shown;
     }
 
     static std::string literalText(const std::string& shown, RE_Flags flags) {

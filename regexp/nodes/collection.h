@@ -29,5 +29,7 @@ public:
     const Nodes& nodes() const { return found; }
 
 private:
+    static constexpr std::size_t usualNodes = 32;
+
     Nodes found;
 };

@@ -2,40 +2,72 @@
 
 #include "regexp/unit_set.h"
 
+#include <algorithm>
+#include <bit>
 #include <map>
+#include <numeric>
+#include <span>
 
 namespace {
 
-const RE_Unit_Set& unitsBehindTable() {
-    static const RE_Unit_Set units = [] {
-        RE_Unit_Set set;
-        set.addRange(RE_Branch_Start::tableUnits, 0xFFFF);
-        return set;
-    }();
-    return units;
-}
+struct Before {
+    bool operator()(std::span<const std::uint32_t> a, std::span<const std::uint32_t> b) const {
+        return a.size() != b.size() ? a.size() < b.size() : std::ranges::lexicographical_compare(a, b);
+    }
+};
 
 }  // namespace
 
 void RE_Branch_Start::addAll(const RE_Unit_Set& units) {
-    for (std::size_t unit = 0; unit < tableUnits; ++unit) {
-        column[unit] = column[unit] || units.contains(static_cast<char16_t>(unit));
+    for (std::size_t block = 0; block < tableUnits / 64; ++block) {
+        bits[block] |= units.bits(block);
     }
-    column[others] = column[others] || units.meets(unitsBehindTable());
+    if (units.holdsAnyFrom(tableUnits)) {
+        addColumn(others);
+    }
+}
+
+void RE_Branch_Start::addEverything() {
+    for (std::size_t column = 0; column < columns; ++column) {
+        addColumn(column);
+    }
+}
+
+std::size_t RE_Branch_Start::count() const {
+    std::size_t sum = 0;
+    for (const std::uint64_t word : bits) {
+        sum += static_cast<std::size_t>(std::popcount(word));
+    }
+    return sum;
+}
+
+// The ways of each column, one list behind another.
+RE_Dispatch::Lists RE_Dispatch::listsOf(const Branches& branches,
+                                        std::array<std::uint32_t, RE_Branch_Start::columns + 1>& starts) {
+    starts.fill(0);
+    for (const Branch& branch : branches) {
+        branch.start.forEachColumn([&](std::size_t column) { ++starts[column + 1]; });
+    }
+    std::partial_sum(starts.begin(), starts.end(), starts.begin());
+    Lists lists(starts.back());
+    auto filled = starts;
+    for (std::size_t way = 0; way < branches.size(); ++way) {
+        branches[way].start.forEachColumn(
+            [&](std::size_t column) { lists[filled[column]++] = static_cast<std::uint32_t>(way * 2); });
+    }
+    return lists;
 }
 
 RE_Dispatch::RE_Dispatch(RE_ParserContext& context, const Branches& branches) : RE_Node(context) {
+    ways.reserve(branches.size());
     for (const Branch& branch : branches) {
         ways.push_back(branch.node);
     }
-    std::map<std::vector<std::uint32_t>, std::uint32_t> known;
+    std::array<std::uint32_t, RE_Branch_Start::columns + 1> starts;
+    Lists lists = listsOf(branches, starts);
+    std::map<std::span<const std::uint32_t>, std::uint32_t, Before> known;
     for (std::size_t column = 0; column < RE_Branch_Start::columns; ++column) {
-        std::vector<std::uint32_t> list;
-        for (std::size_t way = 0; way < branches.size(); ++way) {
-            if (branches[way].start.column[column]) {
-                list.push_back(static_cast<std::uint32_t>(way * 2));
-            }
-        }
+        const std::span<std::uint32_t> list(lists.data() + starts[column], lists.data() + starts[column + 1]);
         if (list.empty()) {
             continue;
         }

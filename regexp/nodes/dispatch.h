@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -20,12 +21,27 @@ struct RE_Branch_Start {
     static constexpr std::size_t atEnd = tableUnits + 1;  ///< that of the subject's end
     static constexpr std::size_t columns = tableUnits + 2;
 
-    void add(char16_t unit) { column[std::min<std::size_t>(unit, others)] = true; }
+    void add(char16_t unit) { addColumn(std::min<std::size_t>(unit, others)); }
     void addAll(const RE_Unit_Set& units);
+    void addEnd() { addColumn(atEnd); }
     /// The branch may begin anywhere, with any unit or with none.
-    void addEverything() { column.fill(true); }
+    void addEverything();
+    /// How many columns it can begin with.
+    std::size_t count() const;
 
-    std::array<bool, columns> column{};
+    template <class Visit>
+    void forEachColumn(Visit visit) const {
+        for (std::size_t i = 0; i < bits.size(); ++i) {
+            for (std::uint64_t left = bits[i]; left != 0; left &= left - 1) {
+                visit(64 * i + static_cast<std::size_t>(std::countr_zero(left)));
+            }
+        }
+    }
+
+private:
+    void addColumn(std::size_t column) { bits[column / 64] |= std::uint64_t{1} << (column % 64); }
+
+    std::array<std::uint64_t, (columns + 63) / 64> bits{};
 };
 
 /// Stands for a chain of splits. Its record holds the position of the choice, its word the place in `places`
@@ -61,6 +77,11 @@ public:
 
 private:
     static constexpr std::uint32_t nowhere = 0;
+
+    using Lists = std::vector<std::uint32_t>;
+
+    static Lists listsOf(const Branches& branches,
+                         std::array<std::uint32_t, RE_Branch_Start::columns + 1>& starts);
 
     RE_Node* take(std::uint32_t place, const char16_t* p, RE_Search_Info& info) const {
         const std::uint32_t entry = places[place];

@@ -26,6 +26,8 @@ struct Ways : RE_Link_Visitor {
     std::vector<RE_Node*, RE_Allocator<RE_Node*>> nodes;
 };
 
+constexpr std::size_t usualNodes = 32;
+
 struct Entry {
     RE_Node* node;
     bool waysMeasured;
@@ -44,6 +46,9 @@ void RE_Node::computeLengths() {
     std::vector<Entry, RE_Allocator<Entry>> stack{{this, false}};
     std::vector<RE_Node*, RE_Allocator<RE_Node*>> measured;
     Ways ways;
+    stack.reserve(usualNodes);
+    measured.reserve(usualNodes);
+    ways.nodes.reserve(2);
     while (!stack.empty()) {
         const Entry entry = stack.back();
         stack.pop_back();

@@ -106,7 +106,7 @@ bool RE_Consumable::absorbFailNode() {
         if (node->matchesAnyChar()) {
             node->failTarget = nullptr;
         }
-        node = dynamic_cast<RE_Consumable*>(node->failTarget);
+        node = nodeAs<RE_Consumable>(node->failTarget);
     }
     return true;
 }

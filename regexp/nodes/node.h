@@ -8,6 +8,7 @@
 
 #include "regexp/memo.h"
 #include "regexp/memory.h"
+#include "regexp/nodes/node_class.h"
 #include "regexp/seek/seek_table.h"
 
 #include <cstddef>
@@ -166,6 +167,7 @@ public:
 
     bool skippable = false;     ///< does nothing at match time and may be bypassed
     bool sharedTarget = false;  ///< has more than one predecessor
+    RE_Class_Bits classes = 0;  ///< of `RE_Asked_Classes`; set by whoever makes the node, once it is made
     std::uint64_t nodeId;       ///< serial number within the pattern, from 1
     RE_Node* nextNode = nullptr;
     bool visited = false;         ///< mark of the walk that runs while the pattern is compiled or destroyed
@@ -173,6 +175,9 @@ public:
     std::uint64_t minLength = 0;  ///< least number of units from here to the end of the branch
     std::uint64_t maxLength = 0;  ///< greatest such number; `unboundedLength` when there is none
 
+    std::uint32_t walk =
+        0;  ///< the last walk of a pass that came here, and what it noted: `RE_ParserContext::nextWalk`
+    std::uint32_t walkNote = 0;
     RE_Node_Kind kind = RE_Node_Kind::other;
     bool isCounter = false;    ///< popping a record of this node undoes something
     bool memoised = false;     ///< choices of this node are told to the memo
@@ -181,6 +186,17 @@ public:
     std::uint32_t memoIndex = 0;
     const RE_Memo_Scope* memoScope = nullptr;
 };
+
+/// The node as one of this class, or null when it is none. Null for null, too.
+template <class Class>
+Class* nodeAs(RE_Node* node) {
+    const bool is = node != nullptr && (node->classes & RE_Asked_Classes::bit<Class>()) != 0;
+    return is ? static_cast<Class*>(node) : nullptr;
+}
+template <class Class>
+const Class* nodeAs(const RE_Node* node) {
+    return nodeAs<Class>(const_cast<RE_Node*>(node));
+}
 
 /// The node that a link to `node` leads to once nodes that do nothing are passed over.
 RE_Node* throughSkippable(RE_Node* node);

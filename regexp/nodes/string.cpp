@@ -12,6 +12,12 @@ RE_String::RE_String(RE_ParserContext& context, const RE_Node& first, bool foldC
       ignoreCase(foldCase),
       text(static_cast<char16_t*>(reAllocate(capacity * sizeof(char16_t)))) {}
 
+RE_String::RE_String(RE_ParserContext& context)
+    : RE_Can_Seek<RE_Node>(context),
+      ignoreCase(false),
+      text(static_cast<char16_t*>(reAllocate(capacity * sizeof(char16_t)))),
+      isOpen(true) {}
+
 RE_String::~RE_String() {
     reRelease(text, capacity * sizeof(char16_t));
 }
@@ -63,24 +69,30 @@ bool RE_Natural_I::canJoinString(bool first, bool ignoreCase) const {
 
 namespace {
 
+bool canFollow(RE_Node* node, bool ignoreCase) {
+    return node != nullptr && node->canJoinString(false, ignoreCase);
+}
+
+void takeFollowing(RE_String& string, RE_ParserContext& context) {
+    while (canFollow(string.nextNode, string.ignoreCase)) {
+        auto* joined = static_cast<RE_Natural*>(string.nextNode);
+        string.append(static_cast<char16_t>(joined->ch));
+        string.nextNode = joined->nextNode;
+        joined->skippable = true;
+        context.hasSkippable = true;
+    }
+    string.initSeek();
+}
+
 RE_Node* joinRun(RE_Natural& first, bool ignoreCase, RE_ParserContext& context) {
-    const auto canFollow = [&](RE_Node* node) {
-        return node != nullptr && node->canJoinString(false, ignoreCase);
-    };
-    if (!first.canJoinString(true, ignoreCase) || !canFollow(first.nextNode)) {
+    if (!first.canJoinString(true, ignoreCase) || !canFollow(first.nextNode, ignoreCase)) {
         return nullptr;
     }
     auto* string = context.make<RE_String>(first, ignoreCase);
     string->append(static_cast<char16_t>(first.ch));
     first.skippable = true;
     first.nextNode = string;
-    while (canFollow(string->nextNode)) {
-        auto* joined = static_cast<RE_Natural*>(string->nextNode);
-        string->append(static_cast<char16_t>(joined->ch));
-        string->nextNode = joined->nextNode;
-        joined->skippable = true;
-    }
-    string->initSeek();
+    takeFollowing(*string, context);
     return string;
 }
 
@@ -92,4 +104,16 @@ RE_Node* RE_Natural::joinString(RE_ParserContext& context) {
 
 RE_Node* RE_Natural_I::joinString(RE_ParserContext& context) {
     return joinRun(*this, true, context);
+}
+
+// The number is that of a string made here.
+RE_Node* RE_String::joinString(RE_ParserContext& context) {
+    if (!isOpen) {
+        return nullptr;
+    }
+    isOpen = false;
+    nodeId = context.nextNodeId();
+    context.renumbers = true;
+    takeFollowing(*this, context);
+    return this;
 }

@@ -9,6 +9,8 @@ class CORVANE_REGEXP_EXPORT RE_String : public RE_Can_Seek<RE_Node> {
 public:
     /// Takes the place of `first` in the graph: copies its links and lengths.
     RE_String(RE_ParserContext& context, const RE_Node& first, bool foldCase);
+    /// Made by the parser, case counts. Is complete, and has its number, once it was told to join what follows.
+    explicit RE_String(RE_ParserContext& context);
     ~RE_String() override;
 
     void append(char16_t unit);
@@ -26,6 +28,7 @@ public:
     bool matchesAt(const char16_t* p) const { return literal().matchesAt(p); }
     RE_Literal literal() const { return {text, length, ignoreCase}; }
     void initSeek() override;
+    RE_Node* joinString(RE_ParserContext& context) override;
 
     std::uint64_t capacity = 8;
     bool ignoreCase;
@@ -38,6 +41,7 @@ protected:
 
 private:
     RE_Literal_Search search{{u"", 0, false}};
+    bool isOpen = false;
 };
 template <>
 inline constexpr RE_Node_Kind kindOfNode<RE_String> = RE_Node_Kind::string;

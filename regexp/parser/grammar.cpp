@@ -93,6 +93,9 @@ void RE_Grammar::addItem(RE_Syntax_Kind kind, std::size_t position) {
 }
 
 void RE_Grammar::addLiteral(char16_t unit, std::size_t position) {
+    if (frame().last == Last::item && tree.extendText(frame().branch, unit, flags())) {
+        return;
+    }
     addItem(RE_Syntax_Kind::literal, position);
     tree[tree[frame().branch].lastChild].low = unit;
 }

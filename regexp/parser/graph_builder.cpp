@@ -2,6 +2,7 @@
 
 #include "regexp/nodes/anchors.h"
 #include "regexp/nodes/dynamic.h"
+#include "regexp/nodes/string.h"
 #include "regexp/parser/unit_nodes.h"
 
 #include <algorithm>
@@ -11,7 +12,7 @@ RE_Node* RE_Graph_Builder::build(RE_Node* continuation) {
     tail = &root->nextNode;
     emit(RE_Syntax_Tree::root);
     while (!work.empty()) {
-        const Step step = std::move(work.back());
+        RE_Build_Step step = work.back();
         work.pop_back();
         step();
     }
@@ -23,6 +24,7 @@ RE_Node* RE_Graph_Builder::build(RE_Node* continuation) {
 void RE_Graph_Builder::append(RE_Node* node) {
     *tail = node;
     tail = &node->nextNode;
+    appended = node;
 }
 
 const RE_Memo_Scope* RE_Graph_Builder::innerScope(RE_Memo_Scope::Kind kind, const RE_Node* counter,
@@ -33,7 +35,7 @@ const RE_Memo_Scope* RE_Graph_Builder::innerScope(RE_Memo_Scope::Kind kind, cons
 
 // Atoms are made at once; what holds other items waits its turn, so that nesting costs no native stack.
 void RE_Graph_Builder::emit(std::uint32_t index) {
-    if (tree[index].firstChild == RE_Syntax::none && tree[index].condition == RE_Syntax::none) {
+    if (tree.isLeaf(index)) {
         emitNow(index);
     } else {
         then([this, index] { emitNow(index); });
@@ -64,6 +66,9 @@ void RE_Graph_Builder::emitNow(std::uint32_t index) {
         case RE_Syntax_Kind::repeat:
             emitRepeat(index);
             return;
+        case RE_Syntax_Kind::text:
+            emitText(item);
+            return;
         case RE_Syntax_Kind::reference:
             emitReference(item);
             return;
@@ -84,6 +89,10 @@ void RE_Graph_Builder::emitNow(std::uint32_t index) {
 }
 
 void RE_Graph_Builder::emitSequence(std::uint32_t child) {
+    while (child != RE_Syntax::none && tree.isLeaf(child)) {
+        emitNow(child);
+        child = tree[child].nextSibling;
+    }
     if (child == RE_Syntax::none) {
         return;
     }
@@ -139,6 +148,7 @@ void RE_Graph_Builder::emitBranches(std::uint32_t branch, RE_Node* join, bool ch
 // tail.
 void RE_Graph_Builder::emitUnitRun(std::uint32_t branch, RE_Node* join) {
     RE_Node** link = tail;
+    context.hasUnitRuns = true;
     while (branch != RE_Syntax::none && tree.soleUnit(branch) != RE_Syntax::none) {
         RE_Consumable* const unit = makeUnitNode(context, tree, tree.soleUnit(branch));
         *link = unit;
@@ -147,6 +157,36 @@ void RE_Graph_Builder::emitUnitRun(std::uint32_t branch, RE_Node* join) {
         tail = &unit->nextNode;
         branch = tree[branch].nextSibling;
     }
+}
+
+void RE_Graph_Builder::emitText(const RE_Syntax& item) {
+    const char16_t* const units = tree.units.data() + item.payload;
+    const bool exact = (item.flags & RE_FLAG_IGNORE_CASE) == 0;
+    const std::size_t joined = context.joinsTexts && exact ? emitJoined(units, item.number) : 0;
+    for (std::size_t i = joined; i < item.number; ++i) {
+        append(makeLiteral(context, units[i], item.flags));
+    }
+}
+
+// The string that the pass for linear subpatterns would make of the units, made at once. Returns how many of them it
+// holds: a unit of zero stays a node of its own, and literals that began before are left to the pass.
+std::size_t RE_Graph_Builder::emitJoined(const char16_t* units, std::size_t count) {
+    count = static_cast<std::size_t>(std::find(units, units + count, u'\0') - units);
+    RE_Node* const before = appended != nullptr && tail == &appended->nextNode ? appended : nullptr;
+    auto* string = nodeAs<RE_String>(before);
+    if (nodeAs<RE_Natural>(before) != nullptr || (string == nullptr && count < 2)) {
+        return 0;
+    }
+    if (string == nullptr) {
+        string = context.make<RE_String>();
+        append(string);
+        --context.nodeCount;
+    }
+    context.nodeCount += count;  // the numbers that the units would have got
+    for (std::size_t i = 0; i < count; ++i) {
+        string->append(units[i]);
+    }
+    return count;
 }
 
 void RE_Graph_Builder::emitCapture(std::uint32_t index) {

@@ -11,11 +11,11 @@
 #include "regexp/nodes/loop_pass.h"
 #include "regexp/nodes/tokens.h"
 #include "regexp/nodes/trivial.h"
+#include "regexp/parser/build_step.h"
 #include "regexp/parser/measure.h"
 #include "regexp/parser/parser_context.h"
 #include "regexp/parser/syntax.h"
 
-#include <functional>
 #include <vector>
 
 class RE_Graph_Builder {
@@ -27,8 +27,6 @@ public:
     RE_Node* build(RE_Node* continuation);
 
 private:
-    using Step = std::function<void()>;
-
     /// The loop being built: what stands around its body.
     struct Loop {
         std::uint32_t body;
@@ -41,7 +39,7 @@ private:
     };
 
     /// Runs `step` once everything queued after it has run.
-    void then(Step step) { work.push_back(std::move(step)); }
+    void then(const RE_Build_Step& step) { work.push_back(step); }
     void append(RE_Node* node);
     void joinAt(RE_Node* node) { *tail = node; }
 
@@ -53,6 +51,8 @@ private:
     void emitBranches(std::uint32_t branch, RE_Node* join, bool chained);
     void emitUnitRun(std::uint32_t branch, RE_Node* join);
     void emitCapture(std::uint32_t index);
+    void emitText(const RE_Syntax& item);
+    std::size_t emitJoined(const char16_t* units, std::size_t count);
     void emitReference(const RE_Syntax& item);
     void emitAnchor(const RE_Syntax& item);
     RE_Node* makeDynamicNode(const RE_Syntax& item);
@@ -96,8 +96,9 @@ private:
 
     RE_ParserContext& context;
     const RE_Syntax_Tree& tree;
-    std::vector<Step> work;
+    std::vector<RE_Build_Step, RE_Allocator<RE_Build_Step>> work;
     RE_Node** tail = nullptr;
+    RE_Node* appended = nullptr;           ///< the last node that was appended
     std::size_t bodyDepth = 0;             ///< closed bodies around the place that is being built
     const RE_Memo_Scope* scope = nullptr;  ///< what the future depends on here, besides the position
 };

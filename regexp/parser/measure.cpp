@@ -43,6 +43,9 @@ public:
                 it.nodes = addSaturated(it.nodes, 2);
                 it.captures = true;
                 break;
+            case RE_Syntax_Kind::text:
+                it.least = it.most = it.nodes = it.number;
+                break;
             case RE_Syntax_Kind::reference:
                 it.most = RE_Syntax::noMaximum;
                 it.nodes = 1;
@@ -169,7 +172,11 @@ void measureSyntax(RE_Syntax_Tree& tree, RE_ParserContext& context, const char16
         }
         for (std::uint32_t child = tree[visit.index].firstChild; child != RE_Syntax::none;
              child = tree[child].nextSibling) {
-            stack.push_back({child, false});
+            if (tree.isLeaf(child)) {
+                measure.item(child);
+            } else {
+                stack.push_back({child, false});
+            }
         }
     }
 }

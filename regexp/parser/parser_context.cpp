@@ -2,6 +2,8 @@
 
 #include "regexp/nodes/node.h"
 
+#include <algorithm>
+
 RE_ParserContext::RE_ParserContext(RE_Context* host, RE_Node* outerNode, RE_Flags patternFlags)
     : context(host), outer(outerNode), flags(patternFlags), facts(new RE_Graph_Facts) {}
 
@@ -19,5 +21,8 @@ std::size_t RE_ParserContext::handOver(const std::vector<RE_Node*, RE_Allocator<
         delete node;
         return true;
     });
+    if (renumbers) {
+        std::ranges::sort(facts->nodes, {}, &RE_Node::nodeId);
+    }
     return facts->nodes.size();
 }

@@ -40,10 +40,19 @@ public:
             node = new Node(*this, std::forward<Arguments>(arguments)...);
             static_cast<RE_Node*>(node)->kind = kindOfNode<Node>;
         }
+        static_cast<RE_Node*>(node)->classes = RE_Asked_Classes::bitsOf<Node>();
+        madeClasses |= RE_Asked_Classes::bitsOf<Node>();
         facts->nodes.back() = node;
         return node;
     }
+    /// Whether a node of one of these classes was ever made: without any, a pass that is about them has nothing to do.
+    template <class... Classes>
+    bool hasMade() const {
+        return (madeClasses & (RE_Asked_Classes::bit<Classes>() | ...)) != 0;
+    }
     std::uint64_t nextNodeId() { return ++nodeCount; }
+    /// A number for a walk that marks where it has been by `RE_Node::walk`. Of two such walks one ends before the other.
+    std::uint32_t nextWalk() { return ++walks; }
     /// A memo row for a node that makes choices.
     std::uint32_t nextMemoRow() { return facts->memoRows++; }
 
@@ -59,6 +68,12 @@ public:
 
     RE_Context* context;
     std::uint64_t nodeCount = 0;
+    std::uint32_t walks = 0;
+    RE_Class_Bits madeClasses = 0;
+    bool joinsTexts = false;   ///< runs of literals are strings from the beginning
+    bool renumbers = false;    ///< some nodes are not in the order of their numbers
+    bool hasUnitRuns = false;  ///< some nodes are chains of single units by their fail targets
+    bool hasSkippable = true;  ///< some link may lead to a node that does nothing
     RE_Node* outer;
     RE_Flags flags;
     std::unique_ptr<RE_Graph_Facts> facts;

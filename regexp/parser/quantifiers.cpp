@@ -81,6 +81,9 @@ void RE_Grammar::repeatLast(std::size_t start, std::uint64_t minimum, std::uint6
         warnAt(start, RE_WARNING_REPEATED_DROPPED);
         return;
     }
+    if (tree[tree[frame().branch].lastChild].kind == RE_Syntax_Kind::text) {
+        tree.detachLastUnit(frame().branch);
+    }
     const std::uint32_t item = tree[frame().branch].lastChild;
     if (foldsIntoInner(tree[item], minimum, maximum, how)) {
         return;

@@ -19,6 +19,39 @@ void RE_Syntax_Tree::append(std::uint32_t parent, std::uint32_t child) {
     holder.lastChild = child;
 }
 
+bool RE_Syntax_Tree::extendText(std::uint32_t parent, char16_t unit, RE_Flags flags) {
+    const std::uint32_t last = items[parent].lastChild;
+    if (last == RE_Syntax::none || items[last].flags != flags) {
+        return false;
+    }
+    RE_Syntax& item = items[last];
+    if (item.kind == RE_Syntax_Kind::literal) {
+        item.kind = RE_Syntax_Kind::text;
+        item.payload = static_cast<std::uint32_t>(units.size());
+        item.number = 1;
+        units.push_back(item.low);
+    } else if (item.kind != RE_Syntax_Kind::text || item.payload + item.number != units.size()) {
+        return false;
+    }
+    units.push_back(unit);
+    ++item.number;
+    return true;
+}
+
+void RE_Syntax_Tree::detachLastUnit(std::uint32_t parent) {
+    RE_Syntax& item = items[items[parent].lastChild];
+    const char16_t unit = units[item.payload + --item.number];
+    if (item.number == 1) {
+        item.kind = RE_Syntax_Kind::literal;
+        item.low = units[item.payload];
+        item.payload = RE_Syntax::none;
+        item.number = 0;
+    }
+    const std::uint32_t last = add(RE_Syntax_Kind::literal, item.position, item.flags);
+    items[last].low = unit;
+    append(parent, last);
+}
+
 void RE_Syntax_Tree::wrap(std::uint32_t index, RE_Syntax_Kind kind, std::uint32_t position) {
     items.push_back(items[index]);
     const auto moved = static_cast<std::uint32_t>(items.size() - 1);

@@ -29,6 +29,7 @@ enum class RE_Syntax_Kind : std::uint8_t {
     conditional,  ///< children: the branches; `condition` or a token decides
     repeat,       ///< one child; `minimum`, `maximum`, `qualifier`
     literal,      ///< unit `low`
+    text,         ///< `number` literal units, at least two, from `payload` on in the units of the tree
     range,        ///< units `low` to `high`
     escaped,      ///< a class named by letter `low`
     set,          ///< the set `payload`
@@ -89,13 +90,23 @@ using RE_Syntax_Dynamic =
 
 class RE_Syntax_Tree {
 public:
+    RE_Syntax_Tree() { items.reserve(usualItems); }
+
     std::uint32_t add(RE_Syntax_Kind kind, std::uint32_t position, RE_Flags flags);
     void append(std::uint32_t parent, std::uint32_t child);
+    /// Adds a literal unit to the literals that `parent` ends with under the same modes. False when it does not.
+    bool extendText(std::uint32_t parent, char16_t unit, RE_Flags flags);
+    /// Makes the last unit of the text that `parent` ends with an item of its own.
+    void detachLastUnit(std::uint32_t parent);
     /// Puts a new item around `index`: the item moves to a place of its own and `index` becomes its parent.
     void wrap(std::uint32_t index, RE_Syntax_Kind kind, std::uint32_t position);
 
     RE_Syntax& operator[](std::uint32_t index) { return items[index]; }
     const RE_Syntax& operator[](std::uint32_t index) const { return items[index]; }
+    /// Holds no other items.
+    bool isLeaf(std::uint32_t index) const {
+        return items[index].firstChild == RE_Syntax::none && items[index].condition == RE_Syntax::none;
+    }
     bool consumesOneUnit(std::uint32_t index) const;
     /// The single item of a branch that consists of one single-unit item, or `none`.
     std::uint32_t soleUnit(std::uint32_t branch) const;
@@ -106,9 +117,12 @@ public:
 
     std::vector<RE_Syntax_Set> sets;
     std::vector<std::u16string> names;
+    std::vector<char16_t, RE_Allocator<char16_t>> units;
     std::vector<RE_Syntax_Dynamic> dynamics;
     std::uint64_t groupCount = 0;
 
 private:
+    static constexpr std::size_t usualItems = 16;
+
     std::vector<RE_Syntax, RE_Allocator<RE_Syntax>> items;
 };

@@ -13,7 +13,6 @@
 
 #include <algorithm>
 #include <optional>
-#include <unordered_set>
 #include <vector>
 
 namespace {
@@ -21,7 +20,7 @@ namespace {
 constexpr std::size_t mostNodesOfBranch = 64;
 
 RE_Split* plainSplit(RE_Node* node) {
-    auto* const split = dynamic_cast<RE_Split*>(node);
+    auto* const split = nodeAs<RE_Split>(node);
     const bool plain = split != nullptr && !split->isCounter && split->guarded && !split->skippable;
     return plain ? split : nullptr;
 }
@@ -35,45 +34,47 @@ RE_Split* innerSplit(RE_Node* node) {
 /// The splits that no other split leads to alone, the last ones first, so that a choice within a branch is
 /// rewritten before the choice of the branch.
 std::vector<RE_Split*> firstSplits(const RE_Collection& graph) {
-    std::unordered_set<RE_Split*> inner;
+    std::vector<RE_Split*> inner;
     std::vector<RE_Split*> first;
     for (RE_Node* node : graph.nodes()) {
         if (RE_Split* const split = plainSplit(node)) {
-            inner.insert(innerSplit(split->nextNode));
-            inner.insert(innerSplit(split->alternative));
+            for (RE_Node* way : {split->nextNode, split->alternative}) {
+                RE_Split* const other = innerSplit(way);
+                inner.insert(inner.end(), other != nullptr ? 1 : 0, other);
+            }
             first.push_back(split);
         }
     }
-    std::erase_if(first, [&](RE_Split* split) { return inner.contains(split); });
+    std::ranges::sort(inner);
+    std::erase_if(first, [&](RE_Split* split) { return std::ranges::binary_search(inner, split); });
     std::ranges::reverse(first);
     return first;
 }
 
 /// The units that a node begins with, where it has them at hand.
 const RE_Unit_Set* knownUnits(const RE_Node* node) {
-    if (const auto* set = dynamic_cast<const RE_Literal_Set*>(node)) {
+    if (const auto* set = nodeAs<RE_Literal_Set>(node)) {
         return set->firstUnits.get();
     }
-    if (const auto* loop = dynamic_cast<const RE_Consume*>(node)) {
+    if (const auto* loop = nodeAs<RE_Consume>(node)) {
         return loop->minimum > 0 ? loop->units.get() : nullptr;
     }
-    const auto* const members = dynamic_cast<const RE_Unit_Class*>(node);
+    const auto* const members = nodeAs<RE_Unit_Class>(node);
     return members != nullptr && !members->hasFailNode() ? members->set.get() : nullptr;
 }
 
 /// The unit that a literal begins with, where no other will do.
 std::optional<char16_t> soleFirstUnit(const RE_Node* node) {
-    if (const auto* string = dynamic_cast<const RE_String*>(node)) {
+    if (const auto* string = nodeAs<RE_String>(node)) {
         return string->ignoreCase ? std::nullopt : std::optional(string->text[0]);
     }
-    const auto* const unit = dynamic_cast<const RE_Natural*>(node);
-    const bool sole =
-        unit != nullptr && !unit->hasFailNode() && dynamic_cast<const RE_Natural_I*>(unit) == nullptr;
+    const auto* const unit = nodeAs<RE_Natural>(node);
+    const bool sole = unit != nullptr && !unit->hasFailNode() && nodeAs<RE_Natural_I>(unit) == nullptr;
     return sole ? std::optional(static_cast<char16_t>(unit->ch)) : std::nullopt;
 }
 
 // Most branches begin with a node that says it all.
-RE_Branch_Start startOf(RE_Node* branch) {
+RE_Branch_Start startOf(RE_ParserContext& context, RE_Node* branch) {
     RE_Branch_Start start;
     RE_Node* leading = branch;
     while (leading->isStartToken()) {
@@ -87,10 +88,12 @@ RE_Branch_Start startOf(RE_Node* branch) {
         start.add(*unit);
         return start;
     }
-    RE_First_Units first;
+    RE_First_Units first(context);
     if (first.gather(branch, mostNodesOfBranch) && !first.mayBeEmpty && !first.endsBody) {
         start.addAll(*first.units);
-        start.column[RE_Branch_Start::atEnd] = first.mayBeAtEnd;
+        if (first.mayBeAtEnd) {
+            start.addEnd();
+        }
     } else {
         start.addEverything();
     }
@@ -101,7 +104,7 @@ RE_Branch_Start startOf(RE_Node* branch) {
 bool rulesOutEnough(const RE_Dispatch::Branches& branches) {
     std::size_t open = 0;
     for (const RE_Dispatch::Branch& branch : branches) {
-        open += static_cast<std::size_t>(std::ranges::count(branch.start.column, true));
+        open += branch.start.count();
     }
     return open * 4 <= branches.size() * RE_Branch_Start::columns * 3;
 }
@@ -145,12 +148,14 @@ private:
                 literals = {};
             }
         };
+        RE_Branch_Literals::Literal literal;
         for (RE_Node* branch : branches) {
-            if (literals.add(branch)) {
+            literal.read(branch);
+            if (literals.add(branch, literal)) {
                 continue;
             }
             flush();
-            if (!literals.add(branch)) {
+            if (!literals.add(branch, literal)) {
                 joined.push_back(branch);
             }
         }
@@ -161,7 +166,7 @@ private:
     bool dispatch() {
         RE_Dispatch::Branches starts;
         for (RE_Node* branch : branches) {
-            starts.push_back({branch, startOf(branch)});
+            starts.push_back({branch, startOf(context, branch)});
         }
         if (!rulesOutEnough(starts)) {
             return false;
@@ -177,6 +182,7 @@ private:
         node->memoIndex = first->memoIndex;
         node->memoScope = first->memoScope;
         first->skippable = true;
+        context.hasSkippable = true;
         first->nextNode = node;
     }
 
@@ -197,7 +203,7 @@ private:
 }  // namespace
 
 RE_Node* joinAlternations(RE_ParserContext& context, RE_Node* root) {
-    if (context.facts->hasDynamicNodes) {
+    if (context.facts->hasDynamicNodes || !context.hasMade<RE_Split>()) {
         return root;
     }
     {

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <bit>
-#include <iterator>
 #include <utility>
 
 namespace {
@@ -14,48 +13,50 @@ namespace {
 // A class of up to so many units is as good as that many literals.
 constexpr std::size_t mostUnitsOfClass = 16;
 
-std::vector<std::u16string> unitsOf(const RE_Unit_Set& set) {
-    std::vector<std::u16string> units;
-    for (std::size_t block = 0; block < RE_Unit_Set::unitCount / 64; ++block) {
-        for (std::uint64_t bits = set.bits(block); bits != 0; bits &= bits - 1) {
-            if (units.size() == mostUnitsOfClass) {
-                return {};
-            }
-            units.emplace_back(
-                1, static_cast<char16_t>(64 * block + static_cast<std::size_t>(std::countr_zero(bits))));
-        }
-    }
-    return units;
-}
-
 // Where the subject is folded, such a text stands for itself all the same.
-bool foldsAlone(const std::u16string& text) {
+bool foldsAlone(std::u16string_view text) {
     return std::ranges::all_of(text, [](char16_t unit) { return RE_Case_Table::get().foldsAlone(unit); });
 }
 
 }  // namespace
 
-RE_Branch_Literals::Literal RE_Branch_Literals::literalAt(const RE_Node* branch) {
-    Literal literal;
+// A class of too many units adds none.
+void RE_Branch_Literals::addUnits(const RE_Unit_Set& set, std::vector<Text>& texts) {
+    if (set.contains(0xFFFF) && set.variedBlocks() < RE_Unit_Set::unitCount / 64) {
+        return;
+    }
+    for (std::size_t block = 0; block < set.variedBlocks(); ++block) {
+        for (std::uint64_t bits = set.bits(block); bits != 0; bits &= bits - 1) {
+            if (texts.size() == mostUnitsOfClass) {
+                texts.clear();
+                return;
+            }
+            const std::size_t unit = 64 * block + static_cast<std::size_t>(std::countr_zero(bits));
+            texts.push_back({nullptr, 1, static_cast<char16_t>(unit)});
+        }
+    }
+}
+
+void RE_Branch_Literals::Literal::read(const RE_Node* branch) {
+    texts.clear();
+    comparison = Case::either;
     bool ignoresCase = false;
-    if (const auto* string = dynamic_cast<const RE_String*>(branch)) {
-        literal.texts.emplace_back(string->text, string->length);
+    if (const auto* string = nodeAs<RE_String>(branch)) {
+        texts.push_back({string->text, string->length, u'\0'});
         ignoresCase = string->ignoreCase;
-    } else if (const auto* unit = dynamic_cast<const RE_Unit_Test*>(branch);
-               unit == nullptr || unit->hasFailNode()) {
-        return literal;
-    } else if (const auto* natural = dynamic_cast<const RE_Natural*>(unit)) {
-        literal.texts.emplace_back(1, static_cast<char16_t>(natural->ch));
-        ignoresCase = dynamic_cast<const RE_Natural_I*>(natural) != nullptr;
-    } else if (const auto* members = dynamic_cast<const RE_Unit_Class*>(unit)) {
-        literal.texts = unitsOf(*members->set);
+    } else if (const auto* unit = nodeAs<RE_Unit_Test>(branch); unit == nullptr || unit->hasFailNode()) {
+        return;
+    } else if (const auto* natural = nodeAs<RE_Natural>(unit)) {
+        texts.push_back({nullptr, 1, static_cast<char16_t>(natural->ch)});
+        ignoresCase = nodeAs<RE_Natural_I>(natural) != nullptr;
+    } else if (const auto* members = nodeAs<RE_Unit_Class>(unit)) {
+        addUnits(*members->set, texts);
     }
     if (ignoresCase) {
-        literal.comparison = Case::ignored;
-    } else if (!std::ranges::all_of(literal.texts, foldsAlone)) {
-        literal.comparison = Case::counts;
+        comparison = Case::ignored;
+    } else if (!std::ranges::all_of(texts, foldsAlone, &Text::view)) {
+        comparison = Case::counts;
     }
-    return literal;
 }
 
 bool RE_Branch_Literals::fits(const Literal& literal, const RE_Node* branch) const {
@@ -68,12 +69,11 @@ bool RE_Branch_Literals::fits(const Literal& literal, const RE_Node* branch) con
                        comparison == literal.comparison);
 }
 
-bool RE_Branch_Literals::add(RE_Node* branch) {
-    Literal literal = literalAt(branch);
+bool RE_Branch_Literals::add(RE_Node* branch, const Literal& literal) {
     if (!fits(literal, branch)) {
         return false;
     }
-    std::ranges::move(literal.texts, std::back_inserter(texts));
+    texts.insert(texts.end(), literal.texts.begin(), literal.texts.end());
     comparison = comparison == Case::either ? literal.comparison : comparison;
     first = first == nullptr ? branch : first;
     ++count;
@@ -81,7 +81,12 @@ bool RE_Branch_Literals::add(RE_Node* branch) {
 }
 
 RE_Node* RE_Branch_Literals::join(RE_ParserContext& context) const {
-    RE_Literal_Trie trie({texts.begin(), texts.end()}, comparison == Case::ignored);
+    RE_Literal_Trie::Literals literals;
+    literals.reserve(texts.size());
+    for (const Text& text : texts) {
+        literals.push_back(text.view());
+    }
+    RE_Literal_Trie trie(literals, comparison == Case::ignored);
     auto starts = RE_Unit_Set::make();
     trie.addFirstUnits(*starts);
     auto* const set = context.make<RE_Literal_Set>(std::move(trie), context.sets.share(std::move(starts)));

@@ -16,34 +16,34 @@
 namespace {
 
 bool leadsOn(RE_Node* node) {
-    if (dynamic_cast<RE_End_Of_Tree*>(node) != nullptr || dynamic_cast<RE_Counter_Popper*>(node) != nullptr ||
-        dynamic_cast<RE_Lazy_Decrementer*>(node) != nullptr || dynamic_cast<RE_Dispatch*>(node) != nullptr) {
+    if (nodeAs<RE_End_Of_Tree>(node) != nullptr || nodeAs<RE_Counter_Popper>(node) != nullptr ||
+        nodeAs<RE_Lazy_Decrementer>(node) != nullptr || nodeAs<RE_Dispatch>(node) != nullptr) {
         return true;
     }
     return node->nextNode != nullptr || node->failNode() != nullptr;
 }
 
 bool isComplete(RE_Node* node) {
-    if (auto* fixed = dynamic_cast<RE_Fixed_Counter*>(node)) {
+    if (auto* fixed = nodeAs<RE_Fixed_Counter>(node)) {
         return fixed->doneNode != nullptr;
     }
-    if (auto* split = dynamic_cast<RE_Split*>(node)) {
+    if (auto* split = nodeAs<RE_Split>(node)) {
         const bool helper = node->isCounter && !node->isStateCounter();
         return helper || split->alternative != nullptr;
     }
-    if (auto* dispatch = dynamic_cast<RE_Dispatch*>(node)) {
+    if (auto* dispatch = nodeAs<RE_Dispatch>(node)) {
         return dispatch->ways.size() > 1 && std::ranges::count(dispatch->ways, nullptr) == 0;
     }
-    if (auto* start = dynamic_cast<RE_Start_Counter*>(node)) {
+    if (auto* start = nodeAs<RE_Start_Counter>(node)) {
         return start->popper != nullptr && start->counter != nullptr;
     }
-    if (auto* atomic = dynamic_cast<RE_Atomic*>(node)) {
+    if (auto* atomic = nodeAs<RE_Atomic>(node)) {
         return atomic->body != nullptr;
     }
-    if (auto* look = dynamic_cast<RE_Lookaround_Assertion*>(node)) {
+    if (auto* look = nodeAs<RE_Lookaround_Assertion>(node)) {
         return look->body != nullptr;
     }
-    if (auto* consume = dynamic_cast<RE_Consume*>(node)) {
+    if (auto* consume = nodeAs<RE_Consume>(node)) {
         return consume->item != nullptr && consume->item->isSingleUnit() &&
                consume->minimum <= consume->maximum;
     }
@@ -55,7 +55,7 @@ bool isComplete(RE_Node* node) {
 void checkGraph(RE_Node* root) {
     const RE_Collection graph(root);
     for (RE_Node* node : graph.nodes()) {
-        const bool isItem = dynamic_cast<RE_Consumable*>(node) != nullptr;
+        const bool isItem = nodeAs<RE_Consumable>(node) != nullptr;
         if (!isComplete(node) || !(isItem || leadsOn(node))) {
             throw std::logic_error("broken graph at node " + std::to_string(node->nodeId) + ": " +
                                    node->label());

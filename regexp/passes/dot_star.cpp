@@ -8,7 +8,7 @@
 #include "regexp/passes/null_nodes.h"
 
 #include <optional>
-#include <unordered_map>
+#include <vector>
 
 namespace {
 
@@ -23,7 +23,7 @@ struct Unit_Loop {
 };
 
 RE_Consumable* loopItem(RE_Node* node) {
-    auto* const unit = dynamic_cast<RE_Consumable*>(throughSkippable(node));
+    auto* const unit = nodeAs<RE_Consumable>(throughSkippable(node));
     return unit != nullptr && unit->isSingleUnit() && !unit->hasFailNode() ? unit : nullptr;
 }
 
@@ -48,74 +48,82 @@ public:
 
     RE_Node* run() {
         // Tried again, X may call the host again.
-        if (!context.facts->hasDynamicNodes) {
+        if (!context.facts->hasDynamicNodes && context.hasMade<RE_Split>()) {
             dropRepeatedChoices();
         }
         root = removeNullNodes(context, root);
-        replaceWhere([this](RE_Node* node) { return loopNode(node); });
-        replaceWhere([this](RE_Node* node) { return possessiveNode(node); });
+        if (context.hasMade<RE_Split, RE_Start_Counter>()) {
+            replaceWhere([this](RE_Node* node) { return loopNode(node); });
+        }
+        if (context.hasMade<RE_Atomic>()) {
+            replaceWhere([this](RE_Node* node) { return possessiveNode(node); });
+        }
         return root;
     }
 
 private:
-    using Replacements = std::unordered_map<RE_Node*, RE_Node*>;
+    /// Nodes that others take the place of, and what redirects links to these. A replaced node notes by which.
+    struct Replacements : RE_Link_Visitor {
+        explicit Replacements(std::uint32_t walkNumber) : walk(walkNumber) {}
+        void add(RE_Node* node, RE_Node* with) {
+            node->walk = walk;
+            node->walkNote = static_cast<std::uint32_t>(all.size());
+            all.push_back(with);
+        }
+        RE_Node* of(RE_Node* node) const {
+            return node != nullptr && node->walk == walk ? all[node->walkNote] : node;
+        }
+        void link(RE_Node*& target, RE_Link kind) override {
+            target = kind == RE_Link::item ? target : of(target);
+        }
+
+        std::uint32_t walk;
+        std::vector<RE_Node*> all;
+    };
 
     // S(X, T(X, Y)): once X has failed behind S it fails behind T, so S may as well be T.
     void dropRepeatedChoices() {
         const RE_Collection graph(root);
         for (RE_Node* node : graph.nodes()) {
-            auto* const split = dynamic_cast<RE_Split*>(node);
+            auto* const split = nodeAs<RE_Split>(node);
             auto* const second = split != nullptr && !split->isCounter
-                                     ? dynamic_cast<RE_Split*>(throughSkippable(split->alternative))
+                                     ? nodeAs<RE_Split>(throughSkippable(split->alternative))
                                      : nullptr;
             if (second != nullptr && second != split && !second->isCounter && !second->skippable &&
                 sameNode(second->nextNode, split->nextNode)) {
                 std::swap(split->nextNode, split->alternative);
                 split->skippable = true;
+                context.hasSkippable = true;
             }
         }
     }
 
     template <class Replacement>
     void replaceWhere(Replacement replacementOf) {
-        Replacements replaced;
-        {
-            const RE_Collection graph(root);
-            for (RE_Node* node : graph.nodes()) {
-                if (RE_Node* with = replacementOf(node)) {
-                    replaced.emplace(node, with);
-                }
-            }
-            for (RE_Node* node : graph.nodes()) {
-                redirect(node, replaced);
+        const RE_Collection graph(root);
+        Replacements replaced(context.nextWalk());
+        for (RE_Node* node : graph.nodes()) {
+            if (RE_Node* with = replacementOf(node)) {
+                replaced.add(node, with);
             }
         }
-        for (const auto& [old, with] : replaced) {
-            redirect(with, replaced);
+        if (replaced.all.empty()) {
+            return;
         }
-        const auto newRoot = replaced.find(root);
-        root = newRoot != replaced.end() ? newRoot->second : root;
-    }
-
-    static void redirect(RE_Node* node, const Replacements& replaced) {
-        struct Redirect : RE_Link_Visitor {
-            explicit Redirect(const Replacements& all) : replacements(all) {}
-            void link(RE_Node*& target, RE_Link kind) override {
-                const auto found = replacements.find(target);
-                if (kind != RE_Link::item && found != replacements.end()) {
-                    target = found->second;
-                }
-            }
-            const Replacements& replacements;
-        } redirector(replaced);
-        node->visitLinks(redirector);
+        for (RE_Node* node : graph.nodes()) {
+            node->visitLinks(replaced);
+        }
+        for (RE_Node* with : replaced.all) {
+            with->visitLinks(replaced);
+        }
+        root = replaced.of(root);
     }
 
     RE_Node* loopNode(RE_Node* node) {
         std::optional<Unit_Loop> loop;
         if (node->isStartCounter()) {
             loop = countedLoop(*static_cast<RE_Start_Counter*>(node));
-        } else if (auto* split = dynamic_cast<RE_Split*>(node); split != nullptr && !split->isCounter) {
+        } else if (auto* split = nodeAs<RE_Split>(node); split != nullptr && !split->isCounter) {
             loop = splitLoop(*split);
         } else if (auto* unit = loopItem(node); unit == node && unit != nullptr) {
             loop = plusLoop(*unit);
@@ -142,7 +150,7 @@ private:
 
     // U leading to S(U, exit), which nothing else leads to, is U+.
     std::optional<Unit_Loop> plusLoop(RE_Consumable& unit) {
-        auto* const split = dynamic_cast<RE_Split*>(throughSkippable(unit.nextNode));
+        auto* const split = nodeAs<RE_Split>(throughSkippable(unit.nextNode));
         if (split == nullptr || split->isCounter || split->sharedTarget || !unit.sharedTarget) {
             return std::nullopt;
         }
@@ -161,7 +169,7 @@ private:
         if (head->isStartCounter()) {
             head = throughSkippable(head->nextNode);
         }
-        auto* const fixed = dynamic_cast<RE_Fixed_Counter*>(head);
+        auto* const fixed = nodeAs<RE_Fixed_Counter>(head);
         if (head != first.counter) {
             return std::nullopt;
         }
@@ -173,7 +181,7 @@ private:
             return std::nullopt;
         }
         RE_Node* const done = throughSkippable(fixed->doneNode);
-        if (auto* choice = dynamic_cast<RE_Split*>(done)) {
+        if (auto* choice = nodeAs<RE_Split>(done)) {
             if (auto loop = optionalPasses(*choice, item, fixed, fixed->limit + 1, first.memoScope)) {
                 return loop;
             }
@@ -184,14 +192,14 @@ private:
     std::optional<Unit_Loop> optionalPasses(RE_Split& choice, RE_Consumable* item, RE_Node* head,
                                             std::uint64_t minimum, const RE_Memo_Scope* scope) {
         if (item == nullptr) {
-            const bool lazily = dynamic_cast<RE_Lazy_Counter*>(&choice) != nullptr;
+            const bool lazily = nodeAs<RE_Lazy_Counter>(&choice) != nullptr;
             item = loopItem(lazily ? choice.alternative : choice.nextNode);
         }
         const std::optional<bool> lazy = item != nullptr ? laziness(choice, item) : std::nullopt;
         if (!lazy || !item->leadsTo(head)) {
             return std::nullopt;
         }
-        auto* const counter = dynamic_cast<RE_State_Counter*>(&choice);
+        auto* const counter = nodeAs<RE_State_Counter>(&choice);
         const std::uint64_t maximum = counter != nullptr ? minimum + counter->limit : RE_Consume::noMaximum;
         return Unit_Loop{item, minimum, maximum, *lazy, *lazy ? choice.nextNode : choice.alternative, scope};
     }
@@ -207,11 +215,10 @@ private:
     }
 
     RE_Node* possessiveNode(RE_Node* node) {
-        auto* const atomic = dynamic_cast<RE_Atomic*>(node);
+        auto* const atomic = nodeAs<RE_Atomic>(node);
         auto* const consume =
-            atomic != nullptr ? dynamic_cast<RE_Consume*>(throughSkippable(atomic->body)) : nullptr;
-        if (consume == nullptr ||
-            dynamic_cast<RE_End_Of_Tree*>(throughSkippable(consume->nextNode)) == nullptr) {
+            atomic != nullptr ? nodeAs<RE_Consume>(throughSkippable(atomic->body)) : nullptr;
+        if (consume == nullptr || nodeAs<RE_End_Of_Tree>(throughSkippable(consume->nextNode)) == nullptr) {
             return nullptr;
         }
         consume->possessive = true;

@@ -9,20 +9,33 @@
 #include "regexp/nodes/string.h"
 #include "regexp/nodes/tokens.h"
 #include "regexp/nodes/trivial.h"
+#include "regexp/nodes/units.h"
 
 bool RE_First_Units::gather(RE_Node* from, std::size_t mostNodes) {
+    units = RE_Unit_Set::make();
+    return run(from, mostNodes);
+}
+
+bool RE_First_Units::avoids(const RE_Unit_Set& set, RE_Node* from, std::size_t mostNodes) {
+    avoided = &set;
+    return run(from, mostNodes);
+}
+
+bool RE_First_Units::run(RE_Node* from, std::size_t mostNodes) {
     follow(from);
     while (known && !pending.empty()) {
         RE_Node* const node = pending.back();
         pending.pop_back();
         visit(node);
-        known = known && seen.size() <= mostNodes;
+        known = known && seen <= mostNodes;
     }
     return known;
 }
 
 void RE_First_Units::follow(RE_Node* node) {
-    if (node != nullptr && seen.insert(node).second) {
+    if (node != nullptr && node->walk != walk) {
+        node->walk = walk;
+        ++seen;
         pending.push_back(node);
     }
 }
@@ -34,15 +47,15 @@ void RE_First_Units::visit(RE_Node* node) {
 }
 
 bool RE_First_Units::visitConsuming(RE_Node* node) {
-    if (auto* unit = dynamic_cast<RE_Consumable*>(node); unit != nullptr && unit->isSingleUnit()) {
-        unit->addUnitsTo(*units);
+    if (auto* unit = nodeAs<RE_Unit_Test>(node)) {
+        addConsumable(*unit);
         follow(unit->failTarget);
-    } else if (auto* string = dynamic_cast<RE_String*>(node)) {
+    } else if (auto* string = nodeAs<RE_String>(node)) {
         addFirst(*string);
-    } else if (auto* set = dynamic_cast<RE_Literal_Set*>(node)) {
-        units->addAll(*set->firstUnits);
-    } else if (auto* consume = dynamic_cast<RE_Consume*>(node)) {
-        units->addAll(*consume->units);
+    } else if (auto* set = nodeAs<RE_Literal_Set>(node)) {
+        addSet(*set->firstUnits);
+    } else if (auto* consume = nodeAs<RE_Consume>(node)) {
+        addSet(*consume->units);
         if (consume->minimum == 0) {
             follow(consume->nextNode);
         }
@@ -53,23 +66,22 @@ bool RE_First_Units::visitConsuming(RE_Node* node) {
 }
 
 void RE_First_Units::visitOther(RE_Node* node) {
-    if (auto* atomic = dynamic_cast<RE_Atomic*>(node)) {
+    if (auto* atomic = nodeAs<RE_Atomic>(node)) {
         follow(atomic->body);
         if (atomic->bodyMinimum == 0) {
             follow(atomic->nextNode);
         }
-    } else if (auto* end = dynamic_cast<RE_End_Of_Tree*>(node)) {
+    } else if (auto* end = nodeAs<RE_End_Of_Tree>(node)) {
         mayBeEmpty = mayBeEmpty || !end->endsBody;
         endsBody = endsBody || end->endsBody;
         known = known && end->continuation == nullptr;
-    } else if (dynamic_cast<RE_Match_Token*>(node) != nullptr) {
+    } else if (nodeAs<RE_Match_Token>(node) != nullptr) {
         known = false;
     } else if (!visitTest(node)) {
-        const auto* const split = dynamic_cast<RE_Split*>(node);
+        const auto* const split = nodeAs<RE_Split>(node);
         const bool never = node->isStartToken() || node->isEndToken() || node->isSkippable() ||
-                           dynamic_cast<RE_Null*>(node) != nullptr ||
-                           (split != nullptr && !split->isCounter) ||
-                           dynamic_cast<RE_Dispatch*>(node) != nullptr;
+                           nodeAs<RE_Null>(node) != nullptr || (split != nullptr && !split->isCounter) ||
+                           nodeAs<RE_Dispatch>(node) != nullptr;
         tested = tested || !never;
         followWays(node);
     }
@@ -77,7 +89,7 @@ void RE_First_Units::visitOther(RE_Node* node) {
 
 // Tests that say which unit comes next, if any does: what follows them is as good as consumed.
 bool RE_First_Units::visitTest(RE_Node* node) {
-    if (auto* ahead = dynamic_cast<RE_Lookaround_Assertion*>(node)) {
+    if (auto* ahead = nodeAs<RE_Lookaround_Assertion>(node)) {
         if (ahead->behind || ahead->negative || ahead->glanceEnd == nullptr || ahead->glanceWidth == 0) {
             return false;
         }
@@ -85,11 +97,11 @@ bool RE_First_Units::visitTest(RE_Node* node) {
         follow(ahead->failTarget);
         return true;
     }
-    if (dynamic_cast<RE_End_Line*>(node) != nullptr) {
-        units->add(u'\n');
-    } else if (dynamic_cast<RE_End_Word*>(node) != nullptr) {
-        units->addAll(RE_Unit_Classes::get().noWords);
-    } else if (dynamic_cast<RE_End_String*>(node) == nullptr) {
+    if (nodeAs<RE_End_Line>(node) != nullptr) {
+        addUnit(u'\n');
+    } else if (nodeAs<RE_End_Word>(node) != nullptr) {
+        addSet(RE_Unit_Classes::get().noWords);
+    } else if (nodeAs<RE_End_String>(node) == nullptr) {
         return false;
     }
     mayBeAtEnd = true;
@@ -109,10 +121,43 @@ void RE_First_Units::followWays(RE_Node* node) {
     node->visitLinks(ways);
 }
 
-void RE_First_Units::addFirst(const RE_String& string) {
-    if (string.ignoreCase) {
-        RE_Case_Table::get().addFolding(*units, string.text[0], string.text[0], false);
+void RE_First_Units::addUnit(char16_t unit) {
+    if (avoided == nullptr) {
+        units->add(unit);
     } else {
-        units->add(string.text[0]);
+        known = known && !avoided->contains(unit);
     }
+}
+
+void RE_First_Units::addSet(const RE_Unit_Set& set) {
+    if (avoided == nullptr) {
+        units->addAll(set);
+    } else {
+        known = known && !avoided->meets(set);
+    }
+}
+
+void RE_First_Units::addConsumable(const RE_Consumable& unit) {
+    if (const RE_Unit_Set* const table = unit.table()) {
+        addSet(*table);
+    } else if (avoided == nullptr) {
+        unit.addUnitsTo(*units);
+    } else if (unit.kind == RE_Node_Kind::literal) {
+        addUnit(static_cast<char16_t>(static_cast<const RE_Natural&>(unit).ch));
+    } else {
+        RE_Unit_Set set;
+        unit.addUnitsTo(set);
+        addSet(set);
+    }
+}
+
+void RE_First_Units::addFirst(const RE_String& string) {
+    const char16_t unit = string.text[0];
+    if (!string.ignoreCase) {
+        addUnit(unit);
+        return;
+    }
+    RE_Unit_Set set;
+    RE_Case_Table::get().addFolding(set, unit, unit, false);
+    addSet(set);
 }

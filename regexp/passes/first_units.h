@@ -3,39 +3,49 @@
 
 #include "regexp/memory.h"
 #include "regexp/nodes/node.h"
+#include "regexp/parser/parser_context.h"
 #include "regexp/unit_set.h"
 
 #include <cstddef>
 #include <memory>
-#include <unordered_set>
 #include <vector>
 
 class RE_String;
 
-/// Gathers the units that the nodes reachable without consuming can consume first.
+/// Looks at the units that the nodes reachable without consuming can consume first. Used once.
 class RE_First_Units {
 public:
     static constexpr std::size_t anyNumber = static_cast<std::size_t>(-1);
 
-    /// False when nothing can be said, also when more than `mostNodes` would have to be looked at.
-    bool gather(RE_Node* from, std::size_t mostNodes = anyNumber);
+    explicit RE_First_Units(RE_ParserContext& context) : walk(context.nextWalk()) {}
 
-    std::shared_ptr<RE_Unit_Set> units = RE_Unit_Set::make();
-    bool mayBeEmpty = false;  ///< the end of the pattern can be reached
-    bool endsBody = false;    ///< so can the end of a closed body
-    bool mayBeAtEnd = false;  ///< a test on the way holds at the end of the subject
-    bool tested = false;      ///< on the way lies a node that may fail without consuming
+    /// Gathers them. False when nothing can be said, also when more than `mostNodes` would have to be looked at.
+    bool gather(RE_Node* from, std::size_t mostNodes = anyNumber);
+    /// Whether none of them is in the set. Gathers nothing, and is over as soon as one is found.
+    bool avoids(const RE_Unit_Set& set, RE_Node* from, std::size_t mostNodes);
+
+    std::shared_ptr<RE_Unit_Set> units;  ///< what was gathered
+    bool mayBeEmpty = false;             ///< the end of the pattern can be reached
+    bool endsBody = false;               ///< so can the end of a closed body
+    bool mayBeAtEnd = false;             ///< a test on the way holds at the end of the subject
+    bool tested = false;                 ///< on the way lies a node that may fail without consuming
 
 private:
+    bool run(RE_Node* from, std::size_t mostNodes);
     void follow(RE_Node* node);
     void visit(RE_Node* node);
     bool visitTest(RE_Node* node);
     void followWays(RE_Node* node);
     bool visitConsuming(RE_Node* node);
     void visitOther(RE_Node* node);
+    void addUnit(char16_t unit);
+    void addSet(const RE_Unit_Set& set);
+    void addConsumable(const RE_Consumable& unit);
     void addFirst(const RE_String& string);
 
     std::vector<RE_Node*, RE_Allocator<RE_Node*>> pending;
-    std::unordered_set<RE_Node*> seen;
+    std::uint32_t walk;
+    std::size_t seen = 0;
+    const RE_Unit_Set* avoided = nullptr;  ///< null while units are gathered
     bool known = true;
 };

@@ -12,20 +12,19 @@ constexpr std::size_t longestRow = 4;
 
 /// Matches in one way only and looks at nothing but units near its position.
 bool isPlainTest(const RE_Node* node) {
-    if (const auto* unit = dynamic_cast<const RE_Consumable*>(node)) {
+    if (const auto* unit = nodeAs<RE_Consumable>(node)) {
         return unit->isSingleUnit() && !unit->hasFailNode();
     }
-    const bool anchor =
-        dynamic_cast<const RE_Anchor*>(node) != nullptr && dynamic_cast<const RE_End_Match*>(node) == nullptr;
-    return anchor || dynamic_cast<const RE_String*>(node) != nullptr;
+    const bool anchor = nodeAs<RE_Anchor>(node) != nullptr && nodeAs<RE_End_Match>(node) == nullptr;
+    return anchor || nodeAs<RE_String>(node) != nullptr;
 }
 
 // A look-behind requires its body to end at the assertion, which a body of fixed width does by itself.
 bool endsRow(const RE_Node* node, bool behind) {
-    if (behind && dynamic_cast<const RE_End_Match*>(node) != nullptr) {
+    if (behind && nodeAs<RE_End_Match>(node) != nullptr) {
         node = node->nextNode;
     }
-    const auto* const end = dynamic_cast<const RE_End_Of_Tree*>(node);
+    const auto* const end = nodeAs<RE_End_Of_Tree>(node);
     return end != nullptr && end->endsBody;
 }
 
@@ -46,12 +45,12 @@ void findGlance(RE_Lookaround_Assertion& assertion) {
 
 // Profiles count the nodes of a body one by one, as the match loop visits them.
 RE_Node* findGlances(RE_ParserContext& context, RE_Node* root) {
-    if (context.options().profile()) {
+    if (context.options().profile() || !context.hasMade<RE_Lookaround_Assertion>()) {
         return root;
     }
     const RE_Collection graph(root);
     for (RE_Node* node : graph.nodes()) {
-        if (auto* const assertion = dynamic_cast<RE_Lookaround_Assertion*>(node)) {
+        if (auto* const assertion = nodeAs<RE_Lookaround_Assertion>(node)) {
             findGlance(*assertion);
         }
     }

@@ -12,7 +12,7 @@ namespace {
 constexpr std::size_t longestLabel = 60;
 
 RE_Consumable* asUnit(RE_Node* node) {
-    auto* const unit = dynamic_cast<RE_Consumable*>(node);
+    auto* const unit = nodeAs<RE_Consumable>(node);
     return unit != nullptr && unit->isSingleUnit() ? unit : nullptr;
 }
 
@@ -44,12 +44,13 @@ void mergeChain(RE_ParserContext& context, RE_Consumable* head) {
     whole->nextNode = head->nextNode;
     whole->failTarget = last->failTarget;
     head->nextNode = whole;
+    context.hasSkippable = true;
 }
 
 }  // namespace
 
 RE_Node* joinLinearSubpatterns(RE_ParserContext& context, RE_Node* root) {
-    {
+    if (context.hasUnitRuns) {
         const RE_Collection graph(root);
         for (RE_Node* node : graph.nodes()) {
             RE_Consumable* const unit = asUnit(node);
@@ -63,7 +64,7 @@ RE_Node* joinLinearSubpatterns(RE_ParserContext& context, RE_Node* root) {
         }
     }
     root = removeNullNodes(context, root);
-    {
+    if (context.hasMade<RE_Natural, RE_String>()) {
         const RE_Collection graph(root);
         for (RE_Node* node : graph.nodes()) {
             if (!node->skippable) {

@@ -2,7 +2,11 @@
 
 #include "regexp/nodes/collection.h"
 
-RE_Node* removeNullNodes(RE_ParserContext&, RE_Node* root) {
+RE_Node* removeNullNodes(RE_ParserContext& context, RE_Node* root) {
+    if (!context.hasSkippable) {
+        return root;
+    }
+    context.hasSkippable = false;
     const RE_Collection graph(root);
     for (RE_Node* node : graph.nodes()) {
         node->bypassSkippable();

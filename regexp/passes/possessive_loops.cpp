@@ -8,12 +8,12 @@ namespace {
 
 constexpr std::size_t mostNodesBehindLoop = 64;
 
-// At a shorter end the next unit is one of the run. What follows fails there if it has to consume a unit,
-// none of which is in the run; and if it can do without, it succeeds at the longest end already, unless
-// something on the way looks at the position. A lazy run that may end the pattern at once is none of this.
-bool neverGivesBack(const RE_Consume& loop) {
-    RE_First_Units behind;
-    if (!behind.gather(loop.nextNode, mostNodesBehindLoop) || behind.units->meets(*loop.units)) {
+// At a shorter end the next unit is one of the run. What follows fails there if it has to consume a unit, none of which
+// is in the run; and if it can do without, it succeeds at the longest end already, unless something on the way looks at
+// the position. A lazy run that may end the pattern at once is none of this.
+bool neverGivesBack(RE_ParserContext& context, const RE_Consume& loop) {
+    RE_First_Units behind(context);
+    if (!behind.avoids(*loop.units, loop.nextNode, mostNodesBehindLoop)) {
         return false;
     }
     return !(behind.mayBeEmpty || behind.endsBody) || !(behind.tested || loop.lazy);
@@ -22,13 +22,13 @@ bool neverGivesBack(const RE_Consume& loop) {
 }  // namespace
 
 RE_Node* makeLoopsPossessive(RE_ParserContext& context, RE_Node* root) {
-    if (context.facts->hasDynamicNodes) {
+    if (context.facts->hasDynamicNodes || !context.hasMade<RE_Consume>()) {
         return root;
     }
     const RE_Collection graph(root);
     for (RE_Node* node : graph.nodes()) {
-        auto* const loop = dynamic_cast<RE_Consume*>(node);
-        if (loop != nullptr && !loop->possessive && neverGivesBack(*loop)) {
+        auto* const loop = nodeAs<RE_Consume>(node);
+        if (loop != nullptr && !loop->possessive && neverGivesBack(context, *loop)) {
             loop->possessive = true;
             loop->couldNotHelp = true;
             loop->lazy = false;

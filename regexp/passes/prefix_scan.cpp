@@ -58,9 +58,9 @@ private:
 
     void take(RE_Node* node) {
         const std::size_t room = mostBranches - std::min(mostBranches, found.size() + pending.size());
-        const auto* const split = dynamic_cast<const RE_Split*>(node);
-        const auto* const dispatch = dynamic_cast<const RE_Dispatch*>(node);
-        const auto* const set = dynamic_cast<const RE_Literal_Set*>(node);
+        const auto* const split = nodeAs<RE_Split>(node);
+        const auto* const dispatch = nodeAs<RE_Dispatch>(node);
+        const auto* const set = nodeAs<RE_Literal_Set>(node);
         if (split != nullptr && !split->isCounter && split->nextNode != nullptr &&
             split->alternative != nullptr && room >= 2) {
             pending.push_back(split->alternative);
@@ -106,14 +106,39 @@ struct Share {
     double beyond = 0;
 };
 
-Share shareOf(const Bytes& bytes, bool saturates) {
+/// Sums of the likelihoods of many units. The same classes come at place after place.
+class Ascii_Shares {
+public:
+    double of(std::uint64_t low, std::uint64_t high) {
+        for (const Known& entry : known) {
+            if (entry.low == low && entry.high == high) {
+                return entry.share;
+            }
+        }
+        double share = 0;
+        forEachByte({low, high}, [&](std::uint8_t byte) { share += unitLikelihood(byte); });
+        known[next++ % known.size()] = {low, high, share};
+        return share;
+    }
+
+private:
+    struct Known {
+        std::uint64_t low;
+        std::uint64_t high;
+        double share;
+    };
+    std::array<Known, 8> known{};
+    std::size_t next = 0;
+};
+
+Share shareOf(const Bytes& bytes, bool saturates, Ascii_Shares& shares) {
     static constexpr double usualLetters = 40;  // of a script that is not Latin
     Share share;
-    double foreign = 0;
-    forEachByte(bytes, [&](std::uint8_t byte) {
-        foreign += 1;
-        share.ascii += byte < 0x80 ? unitLikelihood(byte) : 0;
-    });
+    share.ascii = shares.of(bytes[0], bytes[1]);
+    int foreign = 0;
+    for (const std::uint64_t bits : bytes) {
+        foreign += std::popcount(bits);
+    }
     const bool anyBeyond = (bytes[3] >> 63) != 0;
     share.beyond = saturates ? (anyBeyond ? 1 : 0) : std::min(foreign / usualLetters, 1.0);
     return share;
@@ -122,19 +147,21 @@ Share shareOf(const Bytes& bytes, bool saturates) {
 /// Prefixes seen through one lens, and the places at which they are to be looked at.
 class Lens {
 public:
-    Lens(const std::vector<RE_Prefix_Units>& units, std::size_t known, bool saturating)
+    Lens(const std::vector<RE_Prefix_Units>& units, std::size_t known, bool saturating, Ascii_Shares& ascii)
         : prefixes(units), places(known), saturates(saturating) {
+        shares.reserve(prefixes.size() * places);
         for (const RE_Prefix_Units& prefix : prefixes) {
             for (std::size_t place = 0; place < places; ++place) {
                 const bool repeats = place != 0 && prefix.places[place] == prefix.places[place - 1];
-                shares.push_back(repeats ? shares.back()
-                                         : shareOf(throughLens(prefix.places[place], saturates), saturates));
+                shares.push_back(
+                    repeats ? shares.back()
+                            : shareOf(throughLens(prefix.places[place], saturates), saturates, ascii));
             }
         }
     }
 
     // The places that rule out most, one after the other, as long as they pay for being looked at.
-    RE_Likely_Prefixes choose() {
+    double choose() {
         static constexpr double worthAPlace = 0.6;
         static constexpr double rareEnough = 0.0005;
         double best = 1;
@@ -146,7 +173,22 @@ public:
             chosen.push_back(place);
             best = likelihood;
         }
-        return {scan(), best};
+        return best;
+    }
+
+    /// That looks at the chosen places.
+    RE_Prefix_Scan scan() const {
+        RE_Prefix_Scan result;
+        result.depth = chosen.size();
+        result.saturates = saturates;
+        for (std::size_t place = 0; place < chosen.size(); ++place) {
+            result.distance[place] = chosen[place];
+            for (std::size_t i = 0; i < prefixes.size(); ++i) {
+                forEachByte(throughLens(prefixes[i].places[chosen[place]], saturates),
+                            [&](std::uint8_t byte) { result.allow(i, place, byte); });
+            }
+        }
+        return result;
     }
 
 private:
@@ -178,20 +220,6 @@ private:
         return sum;
     }
 
-    RE_Prefix_Scan scan() const {
-        RE_Prefix_Scan result;
-        result.depth = chosen.size();
-        result.saturates = saturates;
-        for (std::size_t place = 0; place < chosen.size(); ++place) {
-            result.distance[place] = chosen[place];
-            for (std::size_t i = 0; i < prefixes.size(); ++i) {
-                forEachByte(throughLens(prefixes[i].places[chosen[place]], saturates),
-                            [&](std::uint8_t byte) { result.allow(i, place, byte); });
-            }
-        }
-        return result;
-    }
-
     const std::vector<RE_Prefix_Units>& prefixes;
     std::size_t places;
     bool saturates;
@@ -201,19 +229,28 @@ private:
 
 }  // namespace
 
-std::optional<RE_Likely_Prefixes> prefixesFrom(RE_Node* root, bool emptyCounts) {
+std::optional<RE_Likely_Prefixes> prefixesFrom(RE_ParserContext& context, RE_Node* root, bool emptyCounts) {
     const std::vector<Branch> branches = Branches().from(root);
-    std::vector<RE_Prefix_Units> prefixes(std::min(branches.size(), RE_Prefix_Scan::mostPrefixes));
+    const std::size_t count = std::min(branches.size(), RE_Prefix_Scan::mostPrefixes);
+    std::vector<RE_Prefix_Units> prefixes;
+    prefixes.reserve(count);
+    RE_Byte_Looks looks;
     std::size_t known = RE_Prefix_Units::mostPlaces;
     for (std::size_t i = 0; i < branches.size(); ++i) {
-        RE_Prefix_Units& prefix = prefixes[i * prefixes.size() / branches.size()];
-        branches[i].gatherInto(prefix, emptyCounts);
-        known = std::min(known, prefix.known);
+        if (i * count / branches.size() == prefixes.size()) {
+            prefixes.emplace_back(context.nextWalk(), looks);
+        }
+        branches[i].gatherInto(prefixes.back(), emptyCounts);
+        known = std::min(known, prefixes.back().known);
         if (known == 0) {
             return std::nullopt;
         }
     }
-    const RE_Likely_Prefixes byLowBytes = Lens(prefixes, known, false).choose();
-    const RE_Likely_Prefixes saturating = Lens(prefixes, known, true).choose();
-    return byLowBytes.likelihood <= saturating.likelihood ? byLowBytes : saturating;
+    Ascii_Shares ascii;
+    Lens byLowBytes(prefixes, known, false, ascii);
+    Lens saturating(prefixes, known, true, ascii);
+    const double low = byLowBytes.choose();
+    const double saturated = saturating.choose();
+    return low <= saturated ? RE_Likely_Prefixes{byLowBytes.scan(), low}
+                            : RE_Likely_Prefixes{saturating.scan(), saturated};
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "regexp/nodes/node.h"
+#include "regexp/parser/parser_context.h"
 #include "regexp/seek/kernels.h"
 
 #include <optional>
@@ -11,6 +12,6 @@ struct RE_Likely_Prefixes {
     double likelihood;  ///< the share of the positions of ordinary text that the scan stops at
 };
 
-/// The prefixes with which matches begin on the ways from `root`, or nothing when the first place is not
-/// known. With `emptyCounts` a match may consume nothing.
-std::optional<RE_Likely_Prefixes> prefixesFrom(RE_Node* root, bool emptyCounts);
+/// The prefixes with which matches begin on the ways from `root`, or nothing when the first place is not known. With
+/// `emptyCounts` a match may consume nothing.
+std::optional<RE_Likely_Prefixes> prefixesFrom(RE_ParserContext& context, RE_Node* root, bool emptyCounts);

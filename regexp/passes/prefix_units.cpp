@@ -7,6 +7,7 @@
 #include "regexp/nodes/string.h"
 #include "regexp/nodes/tokens.h"
 #include "regexp/nodes/trivial.h"
+#include "regexp/nodes/units.h"
 
 #include <algorithm>
 
@@ -43,6 +44,24 @@ void RE_Byte_Sets::addAll(const RE_Unit_Set& units) {
     }
 }
 
+void RE_Byte_Sets::addAll(const RE_Byte_Sets& other) {
+    for (std::size_t j = 0; j < 4; ++j) {
+        latin[j] |= other.latin[j];
+        lowBytes[j] |= other.lowBytes[j];
+    }
+    beyondLatin = beyondLatin || other.beyondLatin;
+}
+
+const RE_Byte_Sets& RE_Byte_Looks::of(const RE_Unit_Set& units) {
+    for (const auto& [set, look] : known) {
+        if (set == &units) {
+            return look;
+        }
+    }
+    known.emplace_back(&units, RE_Byte_Sets()).second.addAll(units);
+    return known.back().second;
+}
+
 void RE_Prefix_Units::gather(RE_Node* from, bool emptyCounts) {
     countsEmpty = emptyCounts;
     reach(from, 0);
@@ -60,36 +79,55 @@ void RE_Prefix_Units::visitPending() {
         const auto [node, place, turns] = pending.back();
         pending.pop_back();
         visit(node, place, turns);
-        if (seen.size() > mostVisits) {
+        if (seen > mostVisits) {
             known = 0;
         }
     }
 }
 
 void RE_Prefix_Units::reach(RE_Node* node, std::size_t place, std::uint64_t turns) {
-    if (node != nullptr && place < known && seen.emplace(node, place, turns).second) {
-        pending.emplace_back(node, place, turns);
+    if (node != nullptr && place < known && isNew({node, place, turns})) {
+        ++seen;
+        pending.push_back({node, place, turns});
     }
 }
 
+// Nodes note the places at which they were reached, one bit each. A loop is in the middle of itself at few of them.
+bool RE_Prefix_Units::isNew(const Reached& reached) {
+    if (reached.turns != 0) {
+        const bool before = std::find(turned.begin(), turned.end(), reached) != turned.end();
+        turned.insert(turned.end(), before ? 0 : 1, reached);
+        return !before;
+    }
+    RE_Node& node = *reached.node;
+    if (node.walk != walk) {
+        node.walk = walk;
+        node.walkNote = 0;
+    }
+    const std::uint32_t bit = std::uint32_t{1} << reached.place;
+    const bool before = (node.walkNote & bit) != 0;
+    node.walkNote |= bit;
+    return !before;
+}
+
 void RE_Prefix_Units::visit(RE_Node* node, std::size_t place, std::uint64_t turns) {
-    if (auto* unit = dynamic_cast<RE_Consumable*>(node); unit != nullptr && unit->isSingleUnit()) {
+    if (auto* unit = nodeAs<RE_Unit_Test>(node)) {
         visitUnit(*unit, place);
         reach(unit->nextNode, place + 1);
         reach(unit->failTarget, place);
-    } else if (auto* string = dynamic_cast<RE_String*>(node)) {
+    } else if (auto* string = nodeAs<RE_String>(node)) {
         visitString(*string, place);
-    } else if (auto* literals = dynamic_cast<RE_Literal_Set*>(node)) {
+    } else if (auto* literals = nodeAs<RE_Literal_Set>(node)) {
         visitLiterals(*literals, place);
-    } else if (auto* loop = dynamic_cast<RE_Consume*>(node)) {
+    } else if (auto* loop = nodeAs<RE_Consume>(node)) {
         visitLoop(*loop, place, turns);
-    } else if (auto* atomic = dynamic_cast<RE_Atomic*>(node)) {
+    } else if (auto* atomic = nodeAs<RE_Atomic>(node)) {
         reach(atomic->body, place);
-    } else if (auto* end = dynamic_cast<RE_End_Of_Tree*>(node)) {
+    } else if (auto* end = nodeAs<RE_End_Of_Tree>(node)) {
         if (place != 0 || countsEmpty || end->endsBody || end->continuation != nullptr) {
             endAt(place);
         }
-    } else if (dynamic_cast<RE_Match_Token*>(node) != nullptr || node->isEnd()) {
+    } else if (nodeAs<RE_Match_Token>(node) != nullptr || node->isEnd()) {
         endAt(place);
     } else {
         followWays(node, place);
@@ -98,7 +136,11 @@ void RE_Prefix_Units::visit(RE_Node* node, std::size_t place, std::uint64_t turn
 
 void RE_Prefix_Units::visitUnit(const RE_Consumable& unit, std::size_t place) {
     if (const RE_Unit_Set* const table = unit.table()) {
-        places[place].addAll(*table);
+        places[place].addAll(looks->of(*table));
+        return;
+    }
+    if (unit.kind == RE_Node_Kind::literal) {
+        places[place].add(static_cast<char16_t>(static_cast<const RE_Natural&>(unit).ch));
         return;
     }
     RE_Unit_Set units;
@@ -130,7 +172,7 @@ void RE_Prefix_Units::visitLoop(RE_Consume& loop, std::size_t place, std::uint64
         reach(loop.nextNode, place);
     }
     if (turns < loop.maximum) {
-        places[place].addAll(*loop.units);
+        places[place].addAll(looks->of(*loop.units));
         reach(&loop, place + 1, turns + 1);
     }
 }

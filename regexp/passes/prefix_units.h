@@ -8,9 +8,8 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <set>
 #include <string_view>
-#include <tuple>
+#include <utility>
 #include <vector>
 
 class RE_Consume;
@@ -26,17 +25,29 @@ struct RE_Byte_Sets {
 
     void add(char16_t unit);
     void addAll(const RE_Unit_Set& units);
+    void addAll(const RE_Byte_Sets& other);
     bool operator==(const RE_Byte_Sets& other) const = default;
 };
 
-/// Gathers, for what a way through the graph consumes first, the units that may stand at each of its first
-/// places. Every match along that way has a unit of each set up to `known`.
+/// What sets of units look like. The same ones come at place after place.
+class RE_Byte_Looks {
+public:
+    const RE_Byte_Sets& of(const RE_Unit_Set& units);
+
+private:
+    std::vector<std::pair<const RE_Unit_Set*, RE_Byte_Sets>> known;
+};
+
+/// Gathers, for what a way through the graph consumes first, the units that may stand at each of its first places. Every
+/// match along that way has a unit of each set up to `known`. Several ways may be taken together, one after the other:
+/// what they share is visited once.
 class RE_Prefix_Units {
 public:
     static constexpr std::size_t mostPlaces = 8;
 
-    /// With `emptyCounts` an end that is reached at once ends the prefix there; else such a match is refused
-    /// anyway.
+    RE_Prefix_Units(std::uint32_t walkNumber, RE_Byte_Looks& setLooks) : walk(walkNumber), looks(&setLooks) {}
+
+    /// With `emptyCounts` an end that is reached at once ends the prefix there; else such a match is refused anyway.
     void gather(RE_Node* from, bool emptyCounts);
     /// The same for the way that begins with this literal and goes on at `next`.
     void gather(std::u16string_view text, bool ignoreCase, RE_Node* next);
@@ -46,8 +57,14 @@ public:
 
 private:
     /// A node reached behind so many units, and for a loop how many of its units it has consumed.
-    using Reached = std::tuple<RE_Node*, std::size_t, std::uint64_t>;
+    struct Reached {
+        RE_Node* node;
+        std::size_t place;
+        std::uint64_t turns;
+        bool operator==(const Reached& other) const = default;
+    };
 
+    bool isNew(const Reached& reached);
     void reach(RE_Node* node, std::size_t place, std::uint64_t turns = 0);
     void visit(RE_Node* node, std::size_t place, std::uint64_t turns);
     void visitUnit(const RE_Consumable& unit, std::size_t place);
@@ -61,6 +78,9 @@ private:
     void addLiteral(char16_t unit, bool ignoreCase, std::size_t place);
 
     std::vector<Reached, RE_Allocator<Reached>> pending;
-    std::set<Reached> seen;
+    std::vector<Reached, RE_Allocator<Reached>> turned;  ///< those seen in the middle of a loop
+    std::uint32_t walk;
+    std::size_t seen = 0;
+    RE_Byte_Looks* looks;
     bool countsEmpty = true;
 };

@@ -10,8 +10,6 @@
 #include "regexp/passes/prefix_scan.h"
 
 #include <algorithm>
-#include <unordered_map>
-#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -20,29 +18,51 @@ namespace {
 constexpr std::size_t mostNodes = 500;
 constexpr std::size_t mostVisits = 2000;
 constexpr std::uint64_t mostCounted = 1'000'000;
+constexpr std::uint64_t mostDistance = static_cast<std::uint32_t>(-1);
 constexpr std::size_t mostLiterals = 8;
 
 /// Walks all ways from the root that do not lead through one literal.
 class Around {
 public:
-    explicit Around(const RE_Node* literal) : avoided(literal) {}
+    Around(RE_ParserContext& parserContext, const RE_Node* literal)
+        : context(parserContext), avoided(literal) {}
 
     /// False when the end is reached, or something whose units are not known.
     bool walk(RE_Node* root) {
-        reach(root, 0);
+        // Most literals can be done without, which is seen soon by going straight on, and before units are gathered.
+        begin(root);
+        for (std::size_t i = 0; holds && !pending.empty(); ++i) {
+            RE_Node* const node = pending.back();
+            pending.pop_back();
+            visit(node, 0);
+            holds = holds && i < mostVisits;
+        }
+        if (!holds) {
+            return false;
+        }
+        units = RE_Unit_Set::make();
+        least = RE_Node::unboundedLength;
+        begin(root);
         for (std::size_t i = 0; holds && i < pending.size(); ++i) {
             RE_Node* const node = pending[i];
-            visit(node, distances[node]);
+            visit(node, node->walkNote);
             holds = holds && i < mostVisits;
         }
         return holds;
     }
 
-    std::shared_ptr<RE_Unit_Set> units = RE_Unit_Set::make();
+    std::shared_ptr<RE_Unit_Set> units;
     std::uint64_t least = RE_Node::unboundedLength;  ///< units consumed on the shortest way to the literal
 
 private:
-    // A node is visited again when a shorter way to it turns up.
+    void begin(RE_Node* root) {
+        number = context.nextWalk();
+        pending.clear();
+        reach(root, 0);
+    }
+
+    // A node is visited again when a shorter way to it turns up. Distances are noted in the nodes, up to a limit: what is
+    // asked for is a lower bound.
     void reach(RE_Node* node, std::uint64_t distance) {
         if (node == nullptr) {
             return;
@@ -51,33 +71,34 @@ private:
             least = std::min(least, distance);
             return;
         }
-        const auto [known, isNew] = distances.emplace(node, distance);
-        if (isNew || distance < known->second) {
-            known->second = distance;
+        const auto noted = static_cast<std::uint32_t>(std::min(distance, mostDistance));
+        if (node->walk != number || (units != nullptr && noted < node->walkNote)) {
+            node->walk = number;
+            node->walkNote = noted;
             pending.push_back(node);
         }
     }
 
     void visit(RE_Node* node, std::uint64_t distance) {
-        if (auto* unit = dynamic_cast<RE_Consumable*>(node); unit != nullptr && unit->isSingleUnit()) {
-            unit->addUnitsTo(*units);
+        if (auto* unit = nodeAs<RE_Unit_Test>(node)) {
+            addUnits(*unit);
             reach(unit->nextNode, distance + 1);
             reach(unit->failTarget, distance);
-        } else if (auto* string = dynamic_cast<RE_String*>(node)) {
+        } else if (auto* string = nodeAs<RE_String>(node)) {
             addText({string->text, string->length}, string->ignoreCase);
             reach(string->nextNode, distance + string->length);
-        } else if (auto* loop = dynamic_cast<RE_Consume*>(node)) {
-            units->addAll(*loop->units);
+        } else if (auto* loop = nodeAs<RE_Consume>(node)) {
+            addSet(*loop->units);
             reach(loop->nextNode, distance + std::min(loop->minimum, mostCounted));
-        } else if (auto* set = dynamic_cast<RE_Literal_Set*>(node)) {
+        } else if (auto* set = nodeAs<RE_Literal_Set>(node)) {
             addTexts(set->literals);
             reach(set->nextNode, distance + set->literals.shortest());
-        } else if (auto* atomic = dynamic_cast<RE_Atomic*>(node)) {
+        } else if (auto* atomic = nodeAs<RE_Atomic>(node)) {
             reach(atomic->body, distance);
             reach(atomic->nextNode, distance);
-        } else if (auto* end = dynamic_cast<RE_End_Of_Tree*>(node)) {
+        } else if (auto* end = nodeAs<RE_End_Of_Tree>(node)) {
             holds = end->endsBody;
-        } else if (node->isEnd() || dynamic_cast<RE_Match_Token*>(node) != nullptr) {
+        } else if (node->isEnd() || nodeAs<RE_Match_Token>(node) != nullptr) {
             holds = false;
         } else {
             followWays(node, distance);
@@ -98,7 +119,26 @@ private:
         node->visitLinks(ways);
     }
 
+    void addUnits(const RE_Consumable& unit) {
+        if (const RE_Unit_Set* const table = unit.table()) {
+            addSet(*table);
+        } else if (units != nullptr) {
+            unit.addUnitsTo(*units);
+        }
+    }
+
+    // Many nodes share their sets.
+    void addSet(const RE_Unit_Set& set) {
+        if (units != nullptr && std::find(added.begin(), added.end(), &set) == added.end()) {
+            units->addAll(set);
+            added.insert(added.end(), added.size() < mostAdded ? 1 : 0, &set);
+        }
+    }
+
     void addText(std::u16string_view text, bool ignoreCase) {
+        if (units == nullptr) {
+            return;
+        }
         for (const char16_t unit : text) {
             if (ignoreCase) {
                 RE_Case_Table::get().addFolding(*units, unit, unit, false);
@@ -109,37 +149,45 @@ private:
     }
 
     void addTexts(const RE_Literal_Trie& literals) {
+        if (units == nullptr) {
+            return;
+        }
         for (std::size_t i = 0; i < literals.count(); ++i) {
             addText(literals.text(i), literals.ignoresCase());
         }
     }
 
+    static constexpr std::size_t mostAdded = 32;
+
+    RE_ParserContext& context;
     const RE_Node* avoided;
+    std::uint32_t number = 0;
     std::vector<RE_Node*, RE_Allocator<RE_Node*>> pending;
-    std::unordered_map<RE_Node*, std::uint64_t> distances;
+    std::vector<const RE_Unit_Set*> added;
     bool holds = true;
 };
 
 /// The first literals on the ways from the root, outside of closed bodies.
-std::vector<RE_Node*> literalsFrom(RE_Node* root) {
+std::vector<RE_Node*> literalsFrom(RE_ParserContext& context, RE_Node* root) {
     struct Walker : RE_Link_Visitor {
         void link(RE_Node*& target, RE_Link kind) override {
             const bool onTheWay = kind == RE_Link::next || kind == RE_Link::done ||
                                   kind == RE_Link::alternative || kind == RE_Link::fail;
-            if (onTheWay && target != nullptr && seen.insert(target).second) {
+            if (onTheWay && target != nullptr && target->walk != walk) {
+                target->walk = walk;
                 nodes.push_back(target);
             }
         }
-        std::unordered_set<RE_Node*> seen;
+        std::uint32_t walk = 0;
         std::vector<RE_Node*> nodes;
     } walker;
+    walker.walk = context.nextWalk();
     std::vector<RE_Node*> found;
     walker.link(root, RE_Link::next);
     for (std::size_t i = 0; i < walker.nodes.size() && i < mostNodes && found.size() < mostLiterals; ++i) {
         RE_Node* const node = walker.nodes[i];
-        if (dynamic_cast<const RE_String*>(node) != nullptr ||
-            dynamic_cast<const RE_Natural*>(node) != nullptr ||
-            dynamic_cast<const RE_Literal_Set*>(node) != nullptr) {
+        if (nodeAs<RE_String>(node) != nullptr || nodeAs<RE_Natural>(node) != nullptr ||
+            nodeAs<RE_Literal_Set>(node) != nullptr) {
             found.push_back(node);
         }
         node->visitLinks(walker);
@@ -147,11 +195,11 @@ std::vector<RE_Node*> literalsFrom(RE_Node* root) {
     return found;
 }
 
-std::optional<RE_Text_Finder> finderOf(RE_Node* node) {
-    if (dynamic_cast<const RE_Literal_Set*>(node) == nullptr) {
+std::optional<RE_Text_Finder> finderOf(RE_ParserContext& context, RE_Node* node) {
+    if (nodeAs<RE_Literal_Set>(node) == nullptr) {
         return literalOf(node);
     }
-    const std::optional<RE_Likely_Prefixes> prefixes = prefixesFrom(node, true);
+    const std::optional<RE_Likely_Prefixes> prefixes = prefixesFrom(context, node, true);
     if (!prefixes) {
         return std::nullopt;
     }
@@ -161,27 +209,27 @@ std::optional<RE_Text_Finder> finderOf(RE_Node* node) {
 }  // namespace
 
 std::optional<RE_Text_Finder> literalOf(const RE_Node* node) {
-    if (const auto* string = dynamic_cast<const RE_String*>(node)) {
+    if (const auto* string = nodeAs<RE_String>(node)) {
         return RE_Text_Finder({string->text, string->length}, string->ignoreCase);
     }
-    const auto* const unit = dynamic_cast<const RE_Natural*>(node);
+    const auto* const unit = nodeAs<RE_Natural>(node);
     if (unit == nullptr || unit->failTarget != nullptr || unit->ch > 0xFFFF) {
         return std::nullopt;
     }
     return RE_Text_Finder(std::u16string(1, static_cast<char16_t>(unit->ch)),
-                          dynamic_cast<const RE_Natural_I*>(node) != nullptr);
+                          nodeAs<RE_Natural_I>(node) != nullptr);
 }
 
-std::optional<RE_Required_Literal> requiredLiteral(RE_Node* root) {
+std::optional<RE_Required_Literal> requiredLiteral(RE_ParserContext& context, RE_Node* root) {
     std::optional<RE_Required_Literal> best;
     double bestLikelihood = 1;
-    for (RE_Node* node : literalsFrom(root)) {
-        std::optional<RE_Text_Finder> finder = finderOf(node);
-        if (!finder || finder->likelihood() >= bestLikelihood) {
+    for (RE_Node* node : literalsFrom(context, root)) {
+        Around around(context, node);
+        if (!around.walk(root)) {
             continue;
         }
-        Around around(node);
-        if (around.walk(root)) {
+        std::optional<RE_Text_Finder> finder = finderOf(context, node);
+        if (finder && finder->likelihood() < bestLikelihood) {
             bestLikelihood = finder->likelihood();
             best.emplace(RE_Required_Literal{std::move(*finder), around.units, around.least});
         }

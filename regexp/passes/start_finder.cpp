@@ -48,7 +48,7 @@ RE_Node* leadingNode(RE_Node* root) {
 // What is remembered of a token, or called by a pattern, may depend on where the loop began. A lazy loop that
 // keeps to its first end has another one at each position.
 void noteLeadingLoop(RE_Graph_Facts& facts, const RE_Node* leading) {
-    const auto* const loop = dynamic_cast<const RE_Consume*>(leading);
+    const auto* const loop = nodeAs<RE_Consume>(leading);
     if (loop != nullptr && !(loop->lazy && loop->possessive) && facts.memoOutlivesStarts()) {
         facts.leadingLoop = loop;
     }
@@ -56,10 +56,10 @@ void noteLeadingLoop(RE_Graph_Facts& facts, const RE_Node* leading) {
 
 /// The only way on from a node that tests without consuming, or null.
 RE_Node* behindTest(RE_Node* node) {
-    if (dynamic_cast<RE_Word_Anchor*>(node) != nullptr) {
+    if (nodeAs<RE_Word_Anchor>(node) != nullptr) {
         return node->nextNode;
     }
-    const auto* const assertion = dynamic_cast<RE_Lookaround_Assertion*>(node);
+    const auto* const assertion = nodeAs<RE_Lookaround_Assertion>(node);
     if (assertion == nullptr || (assertion->nextNode != nullptr && assertion->failTarget != nullptr)) {
         return nullptr;
     }
@@ -77,14 +77,14 @@ RE_Node* leadingConsumer(RE_Node* root) {
 
 /// Finds the literal, or the unit of a class, that a look-behind at the front of the pattern asks for.
 std::optional<RE_Text_Finder> literalBehind(const RE_Node* leading) {
-    const auto* const assertion = dynamic_cast<const RE_Lookaround_Assertion*>(leading);
+    const auto* const assertion = nodeAs<RE_Lookaround_Assertion>(leading);
     const bool asks = assertion != nullptr && assertion->behind && !assertion->negative &&
                       assertion->failTarget == nullptr && assertion->glanceEnd != nullptr;
     const bool alone = asks && assertion->body->nextNode == assertion->glanceEnd;
     if (!alone) {
         return std::nullopt;
     }
-    const auto* const unit = dynamic_cast<const RE_Consumable*>(assertion->body);
+    const auto* const unit = nodeAs<RE_Consumable>(assertion->body);
     if (const RE_Unit_Set* const table = unit != nullptr ? unit->table() : nullptr) {
         return RE_Text_Finder({std::shared_ptr<const void>(), table}, setLikelihood(*table));
     }
@@ -102,11 +102,11 @@ public:
         if (context.facts->hasDynamicNodes) {
             return root;
         }
-        const bool ofLine = dynamic_cast<RE_Start_Line*>(leading) != nullptr;
-        if ((ofLine || dynamic_cast<RE_Start_String*>(leading) != nullptr) && root->canSeek(false)) {
+        const bool ofLine = nodeAs<RE_Start_Line>(leading) != nullptr;
+        if ((ofLine || nodeAs<RE_Start_String>(leading) != nullptr) && root->canSeek(false)) {
             return ofLine ? chooseForLines() : anchored();
         }
-        if (auto* string = dynamic_cast<RE_String*>(leadingConsumer(root))) {
+        if (auto* string = nodeAs<RE_String>(leadingConsumer(root))) {
             return inFront(RE_Start_Finder::literal, context.make<StringStringSeeker>(*string));
         }
         return chooseByUnits(leading);
@@ -120,14 +120,14 @@ private:
 
     // Lines without a rare literal that they need are not looked at one by one.
     RE_Node* chooseForLines() {
-        RE_First_Units first;
+        RE_First_Units first(context);
         const bool isKnown = first.gather(root) && !first.mayBeEmpty && !first.mayBeAtEnd;
         RE_Node* const inner = isKnown ? innerSeeker(rarerThanLines, first) : nullptr;
         return inner != nullptr ? inner : anchored();
     }
 
     RE_Node* chooseByUnits(const RE_Node* leading) {
-        RE_First_Units first;
+        RE_First_Units first(context);
         const bool allowsEmpty = (context.flags & RE_FLAG_ALLOW_EMPTY) != 0;
         if (!first.gather(root) || ((first.mayBeEmpty || first.mayBeAtEnd) && allowsEmpty)) {
             return root;
@@ -153,7 +153,7 @@ private:
         }
         std::optional<RE_Likely_Prefixes> prefixes;
         if (share > rareEnough) {
-            prefixes = prefixesFrom(root, allowsEmpty);
+            prefixes = prefixesFrom(context, root, allowsEmpty);
         }
         const bool prefixesPay = prefixes && prefixes->likelihood < share * worthPrefixes;
         const double best = prefixesPay ? prefixes->likelihood : share;
@@ -179,18 +179,21 @@ private:
         if (likelihood < 1e-5) {
             return nullptr;
         }
-        std::optional<RE_Required_Literal> literal = requiredLiteral(root);
-        if (!literal || literal->finder.likelihood() >= likelihood) {
+        if (!soughtRequired) {
+            required = requiredLiteral(context, root);
+            soughtRequired = true;
+        }
+        if (!required || required->finder.likelihood() >= likelihood) {
             return nullptr;
         }
         return inFront(RE_Start_Finder::requiredLiteral,
-                       context.make<StringInnerSeeker>(std::move(*literal), first.units));
+                       context.make<StringInnerSeeker>(std::move(*required), first.units));
     }
 
     /// A seeker for many literals that stops less often than at `likelihood` of all positions; null when
     /// there is none.
     RE_Node* windowSeeker(double likelihood) {
-        const auto* const set = dynamic_cast<const RE_Literal_Set*>(leadingConsumer(root));
+        const auto* const set = nodeAs<RE_Literal_Set>(leadingConsumer(root));
         std::optional<RE_Window_Filter> filter;
         if (set != nullptr) {
             filter = RE_Window_Filter::make(set->literals);
@@ -209,6 +212,8 @@ private:
 
     RE_ParserContext& context;
     RE_Node* root;
+    std::optional<RE_Required_Literal> required;
+    bool soughtRequired = false;
 };
 
 }  // namespace

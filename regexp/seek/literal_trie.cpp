@@ -1,38 +1,79 @@
 #include "regexp/seek/literal_trie.h"
 
 #include <algorithm>
-#include <numeric>
-#include <unordered_set>
 
 namespace {
 
 // Up to so many children are looked through one by one.
 constexpr std::uint32_t fewChildren = 6;
 
+/// A literal to be sorted, by its first units, in most cases no more are looked at.
+struct Sorted_Literal {
+    std::uint64_t first;
+    std::uint32_t number;
+};
+
+std::uint64_t firstUnits(std::u16string_view text) {
+    std::uint64_t first = 0;
+    for (std::size_t i = 0; i < 4; ++i) {
+        first = first << 16 | (i < text.size() ? text[i] : u'\0');
+    }
+    return first;
+}
+
+/// The numbers of the literals by their texts; of equal ones the first stands first.
+std::vector<std::uint32_t> inOrder(const std::vector<std::u16string_view>& literals) {
+    std::vector<Sorted_Literal> entries;
+    entries.reserve(literals.size());
+    for (const std::u16string_view text : literals) {
+        entries.push_back({firstUnits(text), static_cast<std::uint32_t>(entries.size())});
+    }
+    std::ranges::sort(entries, [&](const Sorted_Literal& a, const Sorted_Literal& b) {
+        if (a.first != b.first) {
+            return a.first < b.first;
+        }
+        const int order = literals[a.number].compare(literals[b.number]);
+        return order != 0 ? order < 0 : a.number < b.number;
+    });
+    std::vector<std::uint32_t> numbers;
+    numbers.reserve(entries.size());
+    for (const Sorted_Literal& entry : entries) {
+        numbers.push_back(entry.number);
+    }
+    return numbers;
+}
+
 }  // namespace
 
 RE_Literal_Trie::RE_Literal_Trie(const Literals& literals, bool ignoreCase)
     : cases(ignoreCase ? &RE_Case_Table::get() : nullptr) {
-    copy(literals);
-    Order sorted(count());
-    std::iota(sorted.begin(), sorted.end(), 0u);
-    std::ranges::sort(sorted, {}, [this](std::uint32_t literal) { return text(literal); });
-    grow(sorted);
+    grow(copy(literals));
     fillTable();
 }
 
-void RE_Literal_Trie::copy(const Literals& literals) {
-    std::unordered_set<std::u16string_view> known;
+// Returns the numbers of the literals in the order of their texts.
+RE_Literal_Trie::Order RE_Literal_Trie::copy(const Literals& literals) {
+    Order sorted = inOrder(literals);
+    std::vector<bool> repeated(literals.size());
+    for (std::size_t i = 1; i < sorted.size(); ++i) {
+        repeated[sorted[i]] = literals[sorted[i]] == literals[sorted[i - 1]];
+    }
+    std::erase_if(sorted, [&](std::uint32_t literal) { return repeated[literal]; });
+    Order numbers(literals.size());
     starts.push_back(0);
     least = literals.front().size();
-    for (const std::u16string_view literal : literals) {
-        if (known.insert(literal).second) {
+    for (std::size_t i = 0; i < literals.size(); ++i) {
+        if (!repeated[i]) {
+            const std::u16string_view literal = literals[i];
+            numbers[i] = static_cast<std::uint32_t>(count());
             units.insert(units.end(), literal.begin(), literal.end());
             starts.push_back(static_cast<std::uint32_t>(units.size()));
             least = std::min(least, literal.size());
             greatest = std::max(greatest, literal.size());
         }
     }
+    std::ranges::transform(sorted, sorted.begin(), [&](std::uint32_t literal) { return numbers[literal]; });
+    return sorted;
 }
 
 // Breadth first, so that the children of a node are neighbours.

@@ -61,7 +61,7 @@ private:
     };
     using Order = std::vector<std::uint32_t>;
 
-    void copy(const Literals& literals);
+    Order copy(const Literals& literals);
     void grow(const Order& sorted);
     Branch growNode(Branch branch, const Order& sorted);
     void fillTable();
