@@ -13,6 +13,15 @@
 #include <vector>
 
 class RE_Consume;
+class RE_Unit_Set;
+
+/// How a search comes to the places where an attempt begins.
+struct RE_Attempt_Start {
+    const RE_Node* entry = nullptr;  ///< where it begins when nobody watches: behind a node that only seeks
+    bool rootSeeks = false;
+    bool skipsSeeker = false;            ///< `entry` is not the root
+    const RE_Unit_Set* units = nullptr;  ///< all that the seeker looks for, if that is one of them; else null
+};
 
 /// Made by the parser, owned by the compiled pattern, read-only during searches. Owns the nodes once they are
 /// handed over.
@@ -32,6 +41,7 @@ struct CORVANE_REGEXP_EXPORT RE_Graph_Facts : public RE_Memory {
     std::uint64_t bytes = 0;          ///< of the host's memory, held by nodes and facts
     bool hasDynamicNodes = false;     ///< matching may call the host
     RE_Start_Finder startFinder = RE_Start_Finder::none;
+    RE_Attempt_Start start;
     /// The loop over one unit with which every match begins, or null: `RE_Consume::lastHopelessStart`.
     const RE_Consume* leadingLoop = nullptr;
     /// Slots whose text a backreference or condition may ask for, ascending.

@@ -51,6 +51,7 @@ void RE_Search_Info::beginMemo() {
     if (memo == nullptr) {
         memo = std::make_unique<RE_Search_Memo>(facts->firstCombinedRow());
     }
+    attemptsLeaveNotes = true;
 }
 
 // --- nodes put together by hand ---
@@ -61,6 +62,7 @@ void RE_Search_Info::beginMemo() {
 bool RE_Search_Info::pushUnguarded(const RE_Node* node, const char16_t* position, bool newRecord) {
     if (node->memoised) {
         const std::size_t count = tokens != nullptr ? tokens->count : 0;
+        attemptsLeaveNotes = true;
         if (visited.size() <= count) {
             visited.resize(count + 1);
         }

@@ -8,7 +8,9 @@
 #include "regexp/match_sequence.h"
 #include "regexp/nodes/consume.h"
 #include "regexp/search_info.h"
+#include "regexp/unwatched_loop.h"
 
+#include <algorithm>
 #include <new>
 
 RE_Results* RE_Tree::match(const std::u16string& subject, std::size_t offset) const {
@@ -67,18 +69,12 @@ bool RE_Tree::match_bool(const char16_t* position, std::size_t* length, RE_Searc
     }
     info->prepare(*facts);
     RE_Search_Scope scope(*info);  // choices that the state holds from before are not this run's
-    const bool completed = runNodes(position, root, length, *info);
-    scope.leave();
-    return completed;
-}
-
-bool RE_Tree::runNodes(const char16_t* position, const RE_Node* startNode, std::size_t* length,
-                       RE_Search_Info& info) const {
-    const std::size_t start = info.indexOf(position);
+    const std::size_t start = info->indexOf(position);
     std::size_t pos = start;
     // A scan that was broken off may have led to an end too early.
-    const bool completed = runMatchLoop(info, startNode, pos) && !info.wasInterrupted();
+    const bool completed = runMatchLoop(*info, root, pos) && !info->wasInterrupted();
     *length = completed ? pos - start : 0;
+    scope.leave();
     return completed;
 }
 
@@ -98,6 +94,46 @@ RE_Results* RE_Tree::searchFrom(const char16_t* subject, std::size_t length, std
     return new (std::nothrow) RE_Results(&info, info.matchStart, matchLength, true);
 }
 
+namespace {
+
+// Starts that lie near are found before a seeker would have begun.
+constexpr std::ptrdiff_t nearby = 4;
+
+/// The first position from `p` on at which a match may start, or null.
+const char16_t* nextStart(const RE_Node* root, const RE_Attempt_Start& start, const char16_t* p,
+                          RE_Search_Info& info) {
+    const char16_t* const from = p;
+    if (start.units != nullptr) {
+        const char16_t* const stop = p + std::min(info.subjectEnd - p, nearby);
+        while (p < stop && !start.units->contains(*p)) {
+            ++p;
+        }
+        if (p < stop) {
+            tellSeek(info, root, from, p);
+            return p;
+        }
+    }
+    p = root->seek(p, info);
+    tellSeek(info, root, from, p);
+    return p;
+}
+
+/// An attempt at the start that the state is at, for nobody who watches.
+[[gnu::always_inline]] inline bool attemptUnwatched(const RE_Attempt_Start& start, RE_Search_Info& info,
+                                                    std::size_t& length) {
+    const char16_t* p = info.matchStart;
+    // A seeker is a step too, also where it is passed by.
+    const bool mayBegin = !start.skipsSeeker || info.takeStep();
+    // A scan that was broken off may have led to an end too early.
+    if (!mayBegin || !runUnwatchedLoop(info, start.entry, p) || info.wasInterrupted()) {
+        return false;
+    }
+    length = static_cast<std::size_t>(p - info.matchStart);
+    return true;
+}
+
+}  // namespace
+
 // Ends at the subject's end itself, so that a pattern may match the empty text there. A start that leaves
 // fewer units than any match needs is not tried; patterns that call the host are run at every start.
 bool RE_Tree::findMatch(RE_Search_Info& info, std::size_t offset, std::size_t& length) const {
@@ -105,18 +141,19 @@ bool RE_Tree::findMatch(RE_Search_Info& info, std::size_t offset, std::size_t& l
     if (needed > info.subjectLength() - offset) {
         return false;
     }
+    const RE_Attempt_Start& start = facts->start;
+    const char16_t* p = info.subjectBegin + offset;
     const char16_t* const last = info.subjectEnd - needed;
-    const bool seeks = root->canSeek(false);
-    for (const char16_t* p = info.subjectBegin + offset; p <= last; ++p) {
-        if (seeks) {
-            const char16_t* const from = p;
-            p = root->seek(p, info);
-            tellSeek(info, root, from, p);
+    info.resetForStart(p);
+    for (; p <= last; ++p) {
+        if (start.rootSeeks) {
+            p = nextStart(root, start, p, info);
             if (p == nullptr || p > last) {
                 return false;
             }
         }
-        if (attempt(info, p, length)) {
+        info.moveStart(p);
+        if (info.observer != nullptr ? attemptWatched(info, length) : attemptUnwatched(start, info, length)) {
             return true;
         }
         if (info.wasInterrupted() || info.pollInterrupt()) {
@@ -131,9 +168,16 @@ bool RE_Tree::findMatch(RE_Search_Info& info, std::size_t offset, std::size_t& l
 
 bool RE_Tree::attempt(RE_Search_Info& info, const char16_t* p, std::size_t& length) const {
     info.resetForStart(p);
+    return info.observer != nullptr ? attemptWatched(info, length)
+                                    : attemptUnwatched(facts->start, info, length);
+}
+
+bool RE_Tree::attemptWatched(RE_Search_Info& info, std::size_t& length) const {
+    const char16_t* const p = info.matchStart;
+    std::size_t pos = info.indexOf(p);
     tellStart(info, p);
-    const bool matched =
-        runNodes(p, root, &length, info) && !info.wasInterrupted() && isValidMatchLength(length);
-    tellFinish(info, p, matched ? length : 0, matched);
+    const bool matched = runMatchLoop(info, root, pos) && !info.wasInterrupted();
+    length = matched ? pos - info.indexOf(p) : 0;
+    tellFinish(info, p, length, matched);
     return matched;
 }

@@ -70,6 +70,7 @@ void RE_Search_Info::useSubject(const char16_t* subject, std::size_t length) {
     steps = 1;
     runs.clear();
     barren.clear();
+    leadingRun = {};
     memo.reset();
     memoCountdown = length * RE_Memo_Delay::perUnit + RE_Memo_Delay::choices + 1;
 }
@@ -85,6 +86,7 @@ void RE_Search_Info::prepare(const RE_Graph_Facts& graphFacts) {
     idleMemo.reset();
     runs.clear();
     barren.clear();
+    leadingRun = {};
     memoCountdown = subjectLength() * RE_Memo_Delay::perUnit + RE_Memo_Delay::choices + 1;
     const std::size_t needed = graphFacts.tokenCount + graphFacts.passRegisters;
     if (registers.size() < needed) {
@@ -100,6 +102,15 @@ void RE_Search_Info::forgetAttempt() {
     if (memo != nullptr && !facts->memoOutlivesStarts()) {
         memo->clear(0);
     }
+}
+
+void RE_Search_Info::trailRegister(std::size_t index) {
+    trail.push_back({nullptr, {registers[index], index, nullptr}});
+}
+
+void RE_Search_Info::trailSlot(std::size_t index) {
+    RE_TokenInfo& slot = tokens->slots[index];
+    trail.push_back({&slot, slot});
 }
 
 void RE_Search_Info::noteRun(const RE_Node* node, RE_Measured_Run run) {
@@ -175,6 +186,7 @@ std::size_t RE_Search_Info::passWord(std::size_t pass) const {
 }
 
 std::size_t& RE_Search_Info::topCount(const RE_Node* counter) {
+    attemptsLeaveNotes = true;
     Counts& counts = counterStacks[counter];
     if (counts.empty()) {
         counts.push_back(0);

@@ -90,6 +90,8 @@ public:
     void prepare(const RE_Graph_Facts& graphFacts);
     void useSubject(const char16_t* subject, std::size_t length);
     void resetForStart(const char16_t* p);
+    /// The same where the attempt before ran out of choices, which leaves next to nothing behind.
+    void moveStart(const char16_t* p);
     /// Makes ready for a search behind a match that this state found and that ended at index `end`, with the
     /// same graph. Storage is kept.
     void searchBehind(std::size_t end);
@@ -147,6 +149,8 @@ public:
         return node->memoIndex < runs.size() ? &runs[node->memoIndex] : nullptr;
     }
     void noteRun(const RE_Node* node, RE_Measured_Run run);
+    const RE_Measured_Run& lastLeadingRun() const { return leadingRun; }
+    void noteLeadingRun(RE_Measured_Run run) { leadingRun = run; }
     /// The last position in [first, last] at which `next` can match, or null. `next` must be able to seek.
     /// What was found barren on behalf of `owner`, a node with a memo row of its own, is not looked through
     /// again; `owner` must always ask about the same `next`.
@@ -180,7 +184,10 @@ public:
 
     // --- counts ---
 
-    void pushCount(const RE_Node* counter) { counterStacks[counter].push_back(0); }
+    void pushCount(const RE_Node* counter) {
+        attemptsLeaveNotes = true;
+        counterStacks[counter].push_back(0);
+    }
     void incrementCount(const RE_Node* counter) { ++topCount(counter); }
     void decrementCount(const RE_Node* counter);
     /// The count `depth` levels below the top of this counter's stack; 0 where there is none.
@@ -300,6 +307,8 @@ private:
     bool writesAreTrailed() const { return backtrack.top >= 0 || scopes > 0; }
     void setRegister(std::size_t index, std::size_t value);
     void setSlot(std::size_t index, const RE_TokenInfo& value);
+    void trailRegister(std::size_t index);
+    void trailSlot(std::size_t index);
     void undoTo(std::size_t height);
     void clearBacktrack();
     bool pushUnguarded(const RE_Node* node, const char16_t* position, bool newRecord);
@@ -313,6 +322,8 @@ private:
     std::vector<RE_Measured_Run, RE_Allocator<RE_Measured_Run>> runs;
     std::vector<RE_Measured_Run, RE_Allocator<RE_Measured_Run>> barren;  ///< both ends included
     std::int32_t scopes = 0;
+    bool attemptsLeaveNotes = false;  ///< a memo, or what nodes that were made by hand note
+    RE_Measured_Run leadingRun;       ///< the one that the leading loop of the pattern measured last
     RE_Search_Outcome stopped = RE_Search_Outcome::noMatch;
 
     /// The memo begins once this many choices have been taken up again or spared: most searches never pay for
@@ -340,7 +351,18 @@ inline void RE_Search_Info::resetForStart(const char16_t* p) {
         tokens->reset();
     }
     clearBacktrack();
-    if (memo != nullptr || !counterStacks.empty() || !visited.empty()) {
+    if (attemptsLeaveNotes) {
+        forgetAttempt();
+    }
+}
+
+inline void RE_Search_Info::moveStart(const char16_t* p) {
+    matchStart = p;
+    included.startAttempt();
+    if (tokens != nullptr) {
+        tokens->reset();
+    }
+    if (attemptsLeaveNotes) {
         forgetAttempt();
     }
 }
@@ -422,17 +444,16 @@ inline void RE_Search_Info::recordToken(std::size_t index, const char16_t* name,
 
 inline void RE_Search_Info::setRegister(std::size_t index, std::size_t value) {
     if (writesAreTrailed()) {
-        trail.push_back({nullptr, {registers[index], index, nullptr}});
+        trailRegister(index);
     }
     registers[index] = value;
 }
 
 inline void RE_Search_Info::setSlot(std::size_t index, const RE_TokenInfo& value) {
-    RE_TokenInfo& slot = tokens->slots[index];
     if (writesAreTrailed()) {
-        trail.push_back({&slot, slot});
+        trailSlot(index);
     }
-    slot = value;
+    tokens->slots[index] = value;
 }
 
 inline void RE_Search_Info::undoTo(std::size_t height) {

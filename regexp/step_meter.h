@@ -24,11 +24,11 @@ public:
     }
     /// Takes a step; false where a checkpoint is due first, and nothing was taken.
     bool step() {
-        if (left <= 0) {
-            return false;
+        if (--left >= 0) {
+            return true;
         }
-        --left;
-        return true;
+        ++left;
+        return false;
     }
     void scanned(std::size_t units) { left -= static_cast<std::int64_t>(units / unitsAStep); }
     std::uint64_t taken() const {

@@ -8,6 +8,7 @@
 #include "regexp/graph_facts.h"
 #include "regexp/included_texts.h"
 #include "regexp/nodes/collection.h"
+#include "regexp/nodes/seeker.h"
 #include "regexp/nodes/tokens.h"
 #include "regexp/parser/grammar.h"
 #include "regexp/parser/graph_builder.h"
@@ -31,7 +32,7 @@ RE_Tree::RE_Tree(const std::u16string& pattern, bool flag) {
 RE_Tree::RE_Tree(const RE_Builder_Space::RE_Builder& builder, bool flag) : RE_Tree(builder.pattern(), flag) {}
 
 RE_Tree::RE_Tree(const RE_Builder_Space::RE_Builder& builder, RE_Flags flags, RE_Context* context)
-    : interruptible(context->allow_interrupt()) {
+    : interruptible(context != nullptr && context->allow_interrupt()) {
     const std::u16string pattern = builder.pattern();
     parse(pattern.data(), pattern.size(), flags, context, nullptr, nullptr, true, {});
 }
@@ -49,7 +50,7 @@ RE_Tree::RE_Tree(const char16_t* pattern, std::size_t length, RE_Flags flags, RE
 
 RE_Tree::RE_Tree(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
                  RE_Node* continuationNode, RE_Node* outerNode, bool last, const RE_Sub_Pattern_Place& place)
-    : interruptible(context->allow_interrupt()) {
+    : interruptible(context != nullptr && context->allow_interrupt()) {
     parse(pattern, length, flags, context, continuationNode, outerNode, last, place);
 }
 
@@ -105,11 +106,28 @@ RE_Node* compileGraph(RE_ParserContext& parserContext, const char16_t* pattern, 
     return runPasses(parserContext, parsed, observer);
 }
 
+// A profile counts what a seeker does, too.
+RE_Attempt_Start startOf(const RE_Node* root, bool isProfiled) {
+    RE_Attempt_Start start{root, root->canSeek(false)};
+    if (nodeAs<RE_Seeker>(root) != nullptr && !isProfiled) {
+        const auto* const units = nodeAs<StringCharSeeker>(root);
+        start.skipsSeeker = true;
+        start.entry = root->nextNode;
+        start.units = units != nullptr ? units->set.get() : nullptr;
+    }
+    return start;
+}
+
 }  // namespace
 
 void RE_Tree::parse(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
                     RE_Node* continuationNode, RE_Node* outerNode, bool last,
                     const RE_Sub_Pattern_Place& place) {
+    if (context == nullptr) {
+        RE_Context fallback;  // allows no evaluation, so no node keeps it
+        parse(pattern, length, flags, &fallback, continuationNode, outerNode, last, place);
+        return;
+    }
     RE_Memory_Account account;
     {
         const RE_Memory_Account::Scope scope(account);
@@ -144,6 +162,7 @@ void RE_Tree::compile(const char16_t* pattern, std::size_t length, RE_Flags flag
             std::allocate_shared<RE_Profiler>(RE_Allocator<RE_Profiler>(), parserContext.nodeCount);
     }
     root = finished;
+    parserContext.facts->start = startOf(finished, parserContext.facts->profiler != nullptr);
     facts = parserContext.facts.release();
 }
 
@@ -173,6 +192,10 @@ std::string RE_Tree::graph(const RE_Graph_Attributes& attributes) const {
 
 std::string RE_Tree::graphAfter(RE_Stage stage, const char16_t* pattern, std::size_t length, RE_Flags flags,
                                 RE_Context* context) {
+    if (context == nullptr) {
+        RE_Context fallback;
+        return graphAfter(stage, pattern, length, flags, &fallback);
+    }
     RE_ParserContext parserContext(context, nullptr, flags);
     std::string text;
     compileGraph(parserContext, pattern, length, nullptr, true, [&](RE_Stage reached, RE_Node* graphRoot) {

@@ -57,7 +57,8 @@ public:
     = delete;
     /// The pattern is text in the local code page.
     RE_Tree(const char* pattern, bool flag);
-    /// The context must outlive the tree.
+    /// The context must outlive the tree. Without one (null) the pattern is compiled as by `RE_Context` itself:
+    /// no evaluation, no interrupts, no one to be warned.
     RE_Tree(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context);
     /// The text that the context is told is gone when this returns.
     RE_Tree(const RE_Builder_Space::RE_Builder& builder, RE_Flags flags, RE_Context* context);
@@ -161,9 +162,7 @@ private:
                            RE_Seek_Table* table, RE_Observer* observer = nullptr) const;
     bool findMatch(RE_Search_Info& info, std::size_t offset, std::size_t& length) const;
     bool attempt(RE_Search_Info& info, const char16_t* p, std::size_t& length) const;
-    bool runNodes(const char16_t* position, const RE_Node* startNode, std::size_t* length,
-                  RE_Search_Info& info) const;
-    bool isValidMatchLength(std::size_t length) const { return length != 0 || allowEmptyMatch; }
+    bool attemptWatched(RE_Search_Info& info, std::size_t& length) const;
 
     RE_Node* root = nullptr;
     std::uint64_t tokenCount = 0;

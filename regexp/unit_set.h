@@ -22,7 +22,10 @@ public:
         return std::allocate_shared<RE_Unit_Set>(RE_Allocator<RE_Unit_Set>());
     }
 
-    bool contains(char16_t unit) const { return (words[unit >> 6] >> (unit & 63) & 1) != 0; }
+    bool contains(char16_t unit) const {
+        const std::uint32_t wide = unit;  // narrow arithmetic costs an instruction more
+        return (words[wide >> 6] >> (wide & 63) & 1) != 0;
+    }
     void add(char16_t unit) {
         words[unit >> 6] |= std::uint64_t{1} << (unit & 63);
         varied = varied > unit >> 6 ? varied : static_cast<std::size_t>(unit >> 6) + 1;

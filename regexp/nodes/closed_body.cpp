@@ -38,8 +38,7 @@ void RE_Atomic::combineLengths() {
     maxLength = maxBounded ? maxLength + bodyMaximum : unboundedLength;
 }
 
-// Whether the body matches, for one that is a row of tests.
-bool RE_Lookaround_Assertion::glance(std::size_t pos, RE_Search_Info& info) const {
+bool RE_Lookaround_Assertion::glanceAtRow(std::size_t pos, RE_Search_Info& info) const {
     if (behind && glanceWidth > pos) {
         return false;
     }
@@ -52,9 +51,9 @@ bool RE_Lookaround_Assertion::glance(std::size_t pos, RE_Search_Info& info) cons
     return true;
 }
 
-bool RE_Lookaround_Assertion::match(const char16_t*, std::size_t& pos, RE_Search_Info& info) const {
+bool RE_Lookaround_Assertion::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {
     if (glanceEnd != nullptr) {
-        const bool completed = glance(pos, info);
+        const bool completed = glance(subject + pos, info);
         info.redirect(completed ? nextNode : failTarget);
         return completed != negative;
     }

@@ -6,6 +6,7 @@
 #pragma once
 
 #include "regexp/seek/can_seek.h"
+#include "regexp/unit_set.h"
 
 /// Keeps what its body matched first.
 class CORVANE_REGEXP_EXPORT RE_Atomic : public RE_Node {
@@ -48,9 +49,25 @@ public:
     /// Where the row of tests that the body consists of ends; null when the body is more than such a row.
     const RE_Node* glanceEnd = nullptr;
     std::uint64_t glanceWidth = 0;  ///< units that the tests consume
+    /// Of a body that tests one unit: those that it matches; null where that is `glanceUnit`, or no such body.
+    const RE_Unit_Set* glanceUnits = nullptr;
+    static constexpr std::uint32_t noUnit = static_cast<std::uint32_t>(-1);
+    std::uint32_t glanceUnit = noUnit;
+
+    /// Whether the body matches, for one that is a row of tests.
+    bool glance(const char16_t* p, RE_Search_Info& info) const {
+        if (glanceUnits == nullptr && glanceUnit == noUnit) {
+            return glanceAtRow(info.indexOf(p), info);
+        }
+        if (behind ? info.atBegin(p) : info.atEnd(p)) {
+            return false;
+        }
+        const char16_t unit = behind ? p[-1] : *p;
+        return glanceUnits != nullptr ? glanceUnits->contains(unit) : unit == glanceUnit;
+    }
 
 private:
-    bool glance(std::size_t pos, RE_Search_Info& info) const;
+    bool glanceAtRow(std::size_t pos, RE_Search_Info& info) const;
     bool openBehind(std::size_t& pos, RE_Search_Info& info) const;
     bool findStart(RE_Body_Frame& frame, std::size_t& pos, RE_Search_Info& info) const;
     RE_Node* tryEarlierStart(std::size_t& pos, RE_Search_Info& info) const;

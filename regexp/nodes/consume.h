@@ -31,18 +31,22 @@ public:
     const char16_t* lastHopelessStart(const char16_t* p, RE_Search_Info& info) const;
     /// The end of a run, if it ends within so few units that nothing but a plain loop pays; else null.
     const char16_t* shortRunEnd(const char16_t* p, const char16_t* limit) const {
+        const RE_Unit_Set& members = *units;
         const char16_t* const stop = p + std::min<std::ptrdiff_t>(limit - p, shortRun);
-        while (p < stop && units->contains(*p)) {
-            ++p;
+        for (; p < stop; ++p) {
+            if (!members.contains(*p)) {
+                return p;
+            }
         }
-        return p < stop || p == limit ? p : nullptr;
+        return p == limit ? p : nullptr;
     }
     /// The end of the run of units from `p` on that the item matches, however long.
     const char16_t* wholeRunEnd(const char16_t* p, RE_Search_Info& info) const;
 
     RE_Consumable* item;                       ///< the repeated unit test
     std::shared_ptr<const RE_Unit_Set> units;  ///< those that the item matches
-    bool possessive = false;                   ///< gives no unit back
+    bool leads = false;       ///< each match begins with it: its runs are noted as the search's leading runs
+    bool possessive = false;  ///< gives no unit back
     bool couldNotHelp = false;  ///< it is so because no shorter run could be followed by the rest
     std::uint64_t minimum;      ///< units
     std::uint64_t maximum;      ///< units, or `noMaximum`

@@ -80,8 +80,8 @@ RE_Dispatch::RE_Dispatch(RE_ParserContext& context, const Branches& branches) : 
     }
 }
 
-bool RE_Dispatch::match(const char16_t*, std::size_t& pos, RE_Search_Info& info) const {
-    const RE_Node* const way = choose(pos, info);
+bool RE_Dispatch::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {
+    const RE_Node* const way = choose(subject + pos, info);
     info.redirect(way);
     return way != nullptr;
 }

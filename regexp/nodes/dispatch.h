@@ -56,9 +56,8 @@ public:
 
     RE_Dispatch(RE_ParserContext& context, const Branches& branches);
 
-    /// The first branch that can begin at `pos`, or null. Leaves a choice when there are more.
-    const RE_Node* choose(std::size_t pos, RE_Search_Info& info) const {
-        const char16_t* const p = info.subjectBegin + pos;
+    /// The first branch that can begin at `p`, or null. Leaves a choice when there are more.
+    const RE_Node* choose(const char16_t* p, RE_Search_Info& info) const {
         const std::size_t column =
             info.atEnd(p) ? RE_Branch_Start::atEnd : std::min<std::size_t>(*p, RE_Branch_Start::others);
         const std::uint32_t place = firstPlace[column];

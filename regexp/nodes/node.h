@@ -47,6 +47,7 @@ enum class RE_Node_Kind : std::uint8_t {
     lineEnd,
     textStart,
     textEnd,
+    glance,  ///< a lookaround that a row of tests decides
     wordStart,
     wordEnd,
     passage  ///< matches everywhere and consumes nothing

@@ -1,9 +1,9 @@
 #include "regexp/nodes/trivial.h"
 
-bool RE_End_Of_Tree::match(const char16_t*, std::size_t& pos, RE_Search_Info& info) const {
+bool RE_End_Of_Tree::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {
     if (continuation != nullptr) {
         info.included.endReached(info);
         return true;
     }
-    return completes(pos, info);
+    return completes(subject + pos, info);
 }

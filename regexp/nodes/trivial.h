@@ -25,9 +25,9 @@ public:
     /// The end of the pattern itself refuses a match that consumed nothing when the search rejects empty
     /// matches.
     bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
-    /// Whether the search takes a match that ends here, or the body that does.
-    bool completes(std::size_t pos, const RE_Search_Info& info) const {
-        return endsBody || !info.rejectEmpty || pos != info.indexOf(info.matchStart);
+    /// Whether the search takes a match that ends at `p`, or the body that does.
+    bool completes(const char16_t* p, const RE_Search_Info& info) const {
+        return endsBody || !info.rejectEmpty || p != info.matchStart;
     }
     RE_Node* next() const override { return continuation; }
     bool isEnd() const override { return continuation == nullptr; }

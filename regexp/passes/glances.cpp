@@ -5,6 +5,7 @@
 #include "regexp/nodes/collection.h"
 #include "regexp/nodes/string.h"
 #include "regexp/nodes/trivial.h"
+#include "regexp/nodes/units.h"
 
 namespace {
 
@@ -28,6 +29,16 @@ bool endsRow(const RE_Node* node, bool behind) {
     return end != nullptr && end->endsBody;
 }
 
+/// For a body of one test.
+void noteUnit(RE_Lookaround_Assertion& assertion) {
+    if (const auto* const unit = nodeAs<RE_Consumable>(assertion.body)) {
+        assertion.glanceUnits = unit->table();
+    }
+    if (assertion.body->kind == RE_Node_Kind::literal) {
+        assertion.glanceUnit = nodeAs<RE_Natural>(assertion.body)->ch;
+    }
+}
+
 void findGlance(RE_Lookaround_Assertion& assertion) {
     std::uint64_t width = 0;
     const RE_Node* node = assertion.body;
@@ -38,6 +49,10 @@ void findGlance(RE_Lookaround_Assertion& assertion) {
     if (node != assertion.body && endsRow(node, assertion.behind)) {
         assertion.glanceEnd = node;
         assertion.glanceWidth = width;
+        assertion.kind = RE_Node_Kind::glance;
+        if (assertion.body->nextNode == node) {
+            noteUnit(assertion);
+        }
     }
 }
 

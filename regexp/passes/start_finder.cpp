@@ -47,10 +47,11 @@ RE_Node* leadingNode(RE_Node* root) {
 
 // What is remembered of a token, or called by a pattern, may depend on where the loop began. A lazy loop that
 // keeps to its first end has another one at each position.
-void noteLeadingLoop(RE_Graph_Facts& facts, const RE_Node* leading) {
-    const auto* const loop = nodeAs<RE_Consume>(leading);
+void noteLeadingLoop(RE_Graph_Facts& facts, RE_Node* leading) {
+    auto* const loop = nodeAs<RE_Consume>(leading);
     if (loop != nullptr && !(loop->lazy && loop->possessive) && facts.memoOutlivesStarts()) {
         facts.leadingLoop = loop;
+        loop->leads = true;
     }
 }
 
