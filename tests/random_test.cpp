@@ -75,6 +75,22 @@ TEST(RandomPatterns, WithoutTokenReadersAgreeWithTheReference) {
     compareRandomPatterns(traits, seedFor(77), rounds(20000));
 }
 
+// What is remembered of long runs and stretches only comes into play there; the plain graph remembers none of it.
+TEST(RandomPatterns, FindTheSameInLongRunsAsThePlainGraph) {
+    PatternSource source(seedFor(5150));
+    PatternTraits traits;
+    for (unsigned long round = rounds(3000); round > 0; --round) {
+        traits.references = round % 2 == 0;
+        const std::u16string pattern = widen(source.pattern(traits));
+        const RE_Flags flags = randomFlags(source);
+        const Engine fast(pattern, flags), plain(pattern, flags, {false, false, false, 0, false});
+        const std::u16string subject = source.runs(7, 150);
+        const auto expected = plain.searchWithin(subject, 0, {.steps = 20000});
+        const auto got = fast.searchWithin(subject, 0, {.steps = 20000});
+        ASSERT_TRUE(!expected || !got || *expected == *got) << printable(pattern) << " on " << printable(subject);
+    }
+}
+
 TEST(RandomPatterns, OfLoopsAndGroupsAloneAgreeWithTheReference) {
     PatternTraits traits;
     traits.references = traits.conditions = traits.lookarounds = traits.words = traits.modes = false;

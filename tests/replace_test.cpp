@@ -390,6 +390,7 @@ TEST(Translate, EscapesTranslatesAndMakesSpaces) {
         {RE_Translate::escape, u"a.b", u"a\\.b"},
         {RE_Translate::escape, u"plain # text", u"plain # text"},
         {RE_Translate::escape, u"\\", u"\\\\"},
+        {RE_Translate::escape, u"-", u"\\-"},
         {RE_Translate::escape, u"$^.\\+[](){}|-*?\u012E", u"\\$\\^\\.\\\\\\+\\[\\]\\(\\)\\{\\}\\|\\-\\*\\?\u012E"},
         {RE_Translate::translateWildcard, u"*.txt", u".*\\.txt"},
         {RE_Translate::translateWildcard, u"a?c", u"a.c"},

@@ -9,7 +9,7 @@
 namespace corvane_tests {
 namespace {
 
-constexpr size_t kLongest = 140;
+constexpr size_t kLongest = 240;  // more than the widest vectors take at once
 constexpr RE_Unit_Pair kPair{u'Q', u'q'};
 constexpr RE_Literal_Probe kProbe{{u'Q', u'Q'}, {u'z', u'Z'}, 2, 5};
 
@@ -74,7 +74,7 @@ void compareAll(const std::u16string& text) {
 }
 
 TEST(SeekKernels, FindWhatPlainLoopsFind) {
-    for (size_t length = 0; length <= kLongest; ++length) {
+    for (size_t length = 0; length <= kLongest; length += length < 70 ? 1 : 17) {
         compareAll(std::u16string(length, u'.'));
         for (size_t hit = 0; hit < length; ++hit) {
             std::u16string text(length, u'.');

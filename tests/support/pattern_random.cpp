@@ -36,6 +36,14 @@ std::u16string PatternSource::subject(size_t longest) {
     return text;
 }
 
+std::u16string PatternSource::runs(size_t most, size_t longestRun) {
+    std::u16string text;
+    for (const char16_t unit : subject(most)) {
+        text.append(oneIn(2) ? 1 + below(longestRun) : 1, unit);
+    }
+    return text;
+}
+
 PatternSource::Piece PatternSource::alternation(int depth) {
     if (oneIn(6)) {
         return wideAlternation(depth);

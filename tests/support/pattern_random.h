@@ -25,6 +25,8 @@ public:
 
     std::string pattern(const PatternTraits& traits);
     std::u16string subject(size_t longest);
+    /// A subject of so many runs, each of one unit or of up to `longestRun`.
+    std::u16string runs(size_t most, size_t longestRun);
     /// A number below `limit`.
     size_t below(size_t limit) { return std::uniform_int_distribution<size_t>(0, limit - 1)(m_random); }
 
