@@ -18,17 +18,21 @@ std::uint64_t keyOf(std::uint32_t row, std::size_t position) {
 
 }  // namespace
 
-bool RE_Memo_Table::insert(std::uint32_t row, std::size_t position) {
+RE_Memo_Table::Cell& RE_Memo_Table::cellOf(std::uint64_t key) {
     if ((used + 1) * 4 > cells.size() * 3) {
         grow();
     }
-    const std::uint64_t key = keyOf(row, position);
-    const std::uint64_t bit = std::uint64_t{1} << (position & 63);
     Cell& cell = find(key);
     if (cell.generation != generation) {
         cell = {key, 0, generation};
         ++used;
     }
+    return cell;
+}
+
+bool RE_Memo_Table::insert(std::uint32_t row, std::size_t position) {
+    const std::uint64_t bit = std::uint64_t{1} << (position & 63);
+    Cell& cell = cellOf(keyOf(row, position));
     if ((cell.bits & bit) != 0) {
         return false;
     }
@@ -38,6 +42,16 @@ bool RE_Memo_Table::insert(std::uint32_t row, std::size_t position) {
         known->last += position == known->last + 1 ? 1 : 0;
     }
     return true;
+}
+
+void RE_Memo_Table::insertAll(std::uint32_t row, std::size_t first, std::size_t last) {
+    std::size_t position = first;
+    do {
+        const std::size_t end = std::min(position | 63, last);  // of what one cell holds of them
+        cellOf(keyOf(row, position)).bits |= ~std::uint64_t{0} >> (63 - (end - position)) << (position & 63);
+        position = end + 1;
+    } while (position <= last);
+    noteFilled(row, first, last);
 }
 
 bool RE_Memo_Table::contains(std::uint32_t row, std::size_t position) const {

@@ -38,6 +38,8 @@ class RE_Memo_Table : public RE_Memory {
 public:
     /// Adds the pair; false when it was there already.
     bool insert(std::uint32_t row, std::size_t position);
+    /// Adds the pairs of all positions of [first, last].
+    void insertAll(std::uint32_t row, std::size_t first, std::size_t last);
     /// The last position in [first, last] whose pair is not in the set, or `nowhere`.
     std::size_t lastAbsent(std::uint32_t row, std::size_t first, std::size_t last);
     /// The first such position.
@@ -76,6 +78,8 @@ private:
     std::size_t scanOn(std::uint32_t row, std::size_t first, std::size_t last) const;
     std::uint64_t absentBits(std::uint32_t row, std::size_t position) const;
     std::size_t slotOf(std::uint64_t key) const;
+    /// The cell of the key, taken into use if it was free.
+    Cell& cellOf(std::uint64_t key);
     Cell& find(std::uint64_t key) { return cells[slotOf(key)]; }
     void grow();
 

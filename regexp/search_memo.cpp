@@ -83,6 +83,21 @@ std::size_t RE_Search_Memo::firstUntried(const RE_Search_Info& info, const RE_No
     return found;
 }
 
+void RE_Search_Memo::insertAll(const RE_Search_Info& info, const RE_Node* node, std::size_t first,
+                               std::size_t last) {
+    const std::size_t special = lastPassStart(info, node, last);
+    if (special != RE_Memo_Table::nowhere && special >= first) {
+        return;
+    }
+    const std::uint32_t states = row(info, node, last);
+    if (isSetApart(info, first)) {
+        apart.insert(states, first++);
+    }
+    if (first <= last) {
+        table(info).insertAll(states, first, last);
+    }
+}
+
 void RE_Search_Memo::clear(std::size_t level) {
     if (level < tables.size()) {
         tables[level].clear();

@@ -24,14 +24,20 @@ TEST(MemoTable, AnswersAsAPlainSetDoes) {
     for (int round = 0; round < 400000; ++round) {
         const std::uint32_t row = below(3) * 16 + below(2);  // rows that share a place of the cache, too
         const size_t first = below(300), last = first + below(200);
-        switch (below(round % 4000 == 0 ? 6 : 5)) {
+        switch (below(round % 4000 == 0 ? 7 : 6)) {
             case 0:
                 EXPECT_EQ(scan(row, last, first), table.lastAbsent(row, first, last));
                 break;
             case 1:
                 EXPECT_EQ(scan(row, first, last), table.firstAbsent(row, first, last));
                 break;
-            case 5:
+            case 2:
+                for (size_t at = first; at <= first + (last - first) / 8; ++at) {
+                    plain.insert({row, at});
+                }
+                table.insertAll(row, first, first + (last - first) / 8);
+                break;
+            case 6:
                 table.clear();
                 plain.clear();
                 break;
