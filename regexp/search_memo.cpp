@@ -68,7 +68,6 @@ std::size_t RE_Search_Memo::lastUntried(const RE_Search_Info& info, const RE_Nod
     }
     const bool within = special != RE_Memo_Table::nowhere && special >= first;
     const std::size_t found = lastAbsent(info, row(info, node, last), within ? special + 1 : first, last);
-    info.noteScan(table(info).takeLookedOver());
     return found == RE_Memo_Table::nowhere && within ? special : found;
 }
 
@@ -78,9 +77,7 @@ std::size_t RE_Search_Memo::firstUntried(const RE_Search_Info& info, const RE_No
     if (special != RE_Memo_Table::nowhere && special >= first) {
         return first;
     }
-    const std::size_t found = firstAbsent(info, row(info, node, last), first, last);
-    info.noteScan(table(info).takeLookedOver());
-    return found;
+    return firstAbsent(info, row(info, node, last), first, last);
 }
 
 void RE_Search_Memo::insertAll(const RE_Search_Info& info, const RE_Node* node, std::size_t first,

@@ -211,21 +211,26 @@ bool RE_Consume::reaches(const char16_t* from, const char16_t* to, RE_Search_Inf
     if (to - from < longRun) {
         return runEnd(from, static_cast<std::uint64_t>(to - from), info) == to;
     }
-    const RE_Measured_Run* const known = info.measuredRun(reachRow);
-    const bool near =
-        known != nullptr && known->begin != nullptr && known->begin <= from && from - known->end < longRun;
-    if (near && to <= known->end) {
-        return true;
+    const RE_Measured_Run* const noted = info.measuredRun(reachRow);
+    const RE_Measured_Run known =
+        noted != nullptr && noted->begin != nullptr ? *noted : RE_Measured_Run{to, to};
+    RE_Measured_Run run{from, from};
+    if (known.begin <= from && from - known.end < longRun) {
+        run = known;
+    } else if (from < known.begin && known.begin <= to) {
+        run.end = runEnd(from, static_cast<std::uint64_t>(known.begin - from), info);
+        run.end = run.end == known.begin ? known.end : run.end;
     }
-    RE_Measured_Run run = near ? *known : RE_Measured_Run{from, from};
-    run.end = runEnd(run.end, static_cast<std::uint64_t>(to - run.end), info);
+    if (run.end < to) {
+        run.end = runEnd(run.end, static_cast<std::uint64_t>(to - run.end), info);
+    }
     if (run.end < from) {  // there is a gap between the known one and this
         run = {from, runEnd(from, static_cast<std::uint64_t>(to - from), info)};
     }
     if (run.end - run.begin >= longRun) {
         info.noteRun(reachRow, run);
     }
-    return run.end == to;
+    return run.end >= to;
 }
 
 // The record of a lazy run holds the end reached so far; its word is the farthest end allowed.
