@@ -1,5 +1,7 @@
 #include "fuzz/input.h"
 
+#include "regexp/seek/required_literal.h"
+
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -38,9 +40,11 @@ std::u16string_view Input::text(std::size_t index, std::size_t most) const {
 }
 
 void beginMemo(bool atOnce) {
-    static const std::uint64_t choices = RE_Memo_Delay::choices, perUnit = RE_Memo_Delay::perUnit;
+    static const std::uint64_t choices = RE_Memo_Delay::choices, perUnit = RE_Memo_Delay::perUnit,
+                               steps = RE_Asking_Delay::steps;
     RE_Memo_Delay::choices = atOnce ? 0 : choices;
     RE_Memo_Delay::perUnit = atOnce ? 0 : perUnit;
+    RE_Asking_Delay::steps = atOnce ? 0 : steps;
 }
 
 void require(bool holds, std::string_view what, std::u16string_view pattern, std::u16string_view subject) {

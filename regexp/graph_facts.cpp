@@ -1,6 +1,9 @@
 #include "regexp/graph_facts.h"
 
 #include "regexp/nodes/node.h"
+#include "regexp/seek/required_literal.h"
+
+RE_Graph_Facts::RE_Graph_Facts() = default;
 
 RE_Graph_Facts::~RE_Graph_Facts() {
     for (RE_Node* node : nodes) {

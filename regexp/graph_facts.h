@@ -13,6 +13,7 @@
 #include <vector>
 
 class RE_Consume;
+class RE_Literal_Stretches;
 class RE_Unit_Set;
 
 /// How a search comes to the places where an attempt begins.
@@ -26,7 +27,7 @@ struct RE_Attempt_Start {
 /// Made by the parser, owned by the compiled pattern, read-only during searches. Owns the nodes once they are
 /// handed over.
 struct CORVANE_REGEXP_EXPORT RE_Graph_Facts : public RE_Memory {
-    RE_Graph_Facts() = default;
+    RE_Graph_Facts();
     ~RE_Graph_Facts();
     RE_Graph_Facts(const RE_Graph_Facts&) = delete;
     RE_Graph_Facts& operator=(const RE_Graph_Facts&) = delete;
@@ -44,6 +45,9 @@ struct CORVANE_REGEXP_EXPORT RE_Graph_Facts : public RE_Memory {
     RE_Attempt_Start start;
     /// The loop over one unit with which every match begins, or null: `RE_Consume::lastHopelessStart`.
     const RE_Consume* leadingLoop = nullptr;
+    using Needed = std::unique_ptr<const RE_Literal_Stretches>;
+    /// Literals behind the start of every match: without the next of them there is none.
+    std::vector<Needed, RE_Allocator<Needed>> needed;
     /// Slots whose text a backreference or condition may ask for, ascending.
     std::vector<std::size_t, RE_Allocator<std::size_t>> referencedTokens;
     /// Storage of the memo scopes; a list, so that the links between them stay valid.

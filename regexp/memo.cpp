@@ -6,42 +6,79 @@
 
 namespace {
 
+constexpr std::uint64_t full = ~std::uint64_t{0};
+constexpr unsigned levels = 6;
+
 std::uint64_t mix(std::uint64_t value) {
     value ^= value >> 32;
     value *= 0x9E3779B97F4A7C15u;
     return value ^ (value >> 29);
 }
 
-std::uint64_t keyOf(std::uint32_t row, std::size_t position) {
-    return (static_cast<std::uint64_t>(row) << 32) | (position >> 6);
+// Rows, levels of words, and words take 32, 3 and 29 bits.
+std::uint64_t keyOf(std::uint32_t row, unsigned level, std::size_t word) {
+    return (static_cast<std::uint64_t>(row) << 32) | (static_cast<std::uint64_t>(level) << 29) | word;
 }
 
 }  // namespace
 
-bool RE_Memo_Table::insert(std::uint32_t row, std::size_t position) {
+// The word that holds bit number `at` of a level, taken into use if it was free.
+std::uint64_t& RE_Memo_Table::wordOf(std::uint32_t row, unsigned level, std::size_t at) {
     if ((used + 1) * 4 > cells.size() * 3) {
         grow();
     }
-    const std::uint64_t key = keyOf(row, position);
-    const std::uint64_t bit = std::uint64_t{1} << (position & 63);
+    const std::uint64_t key = keyOf(row, level, at >> 6);
     Cell& cell = find(key);
     if (cell.generation != generation) {
         cell = {key, 0, generation};
         ++used;
     }
-    if ((cell.bits & bit) != 0) {
+    return cell.bits;
+}
+
+bool RE_Memo_Table::insert(std::uint32_t row, std::size_t position) {
+    const std::uint64_t bit = std::uint64_t{1} << (position & 63);
+    std::uint64_t& word = wordOf(row, 0, position);
+    if ((word & bit) != 0) {
         return false;
     }
-    cell.bits |= bit;
-    if (Filled* const known = filledOf(row)) {
-        known->first -= position + 1 == known->first ? 1 : 0;
-        known->last += position == known->last + 1 ? 1 : 0;
+    word |= bit;
+    if (word == full) {
+        noteFull(row, position);
     }
     return true;
 }
 
+void RE_Memo_Table::insertAll(std::uint32_t row, std::size_t first, std::size_t last) {
+    for (;;) {
+        const std::size_t end = std::min(first | 63, last);  // of what one word holds of them
+        std::uint64_t& word = wordOf(row, 0, first);
+        const std::uint64_t before = std::exchange(word, word | full >> (63 - (end - first)) << (first & 63));
+        if (word == full && before != full) {
+            noteFull(row, first);
+        }
+        if (end == last) {
+            return;
+        }
+        first = end + 1;
+    }
+}
+
+// The word with this position has become full; so may those above it.
+void RE_Memo_Table::noteFull(std::uint32_t row, std::size_t position) {
+    std::size_t at = position;
+    for (unsigned level = 1; level < levels; ++level) {
+        at >>= 6;
+        std::uint64_t& word = wordOf(row, level, at);
+        word |= std::uint64_t{1} << (at & 63);
+        if (word != full) {
+            return;
+        }
+    }
+}
+
 bool RE_Memo_Table::contains(std::uint32_t row, std::size_t position) const {
-    return (absentBits(row, position) >> (position & 63) & 1) == 0;
+    return (absentBits(row, 0, position) >> (position & 63) & 1) == 0;
 }
 
 void RE_Memo_Table::clear() {
@@ -49,91 +86,53 @@ void RE_Memo_Table::clear() {
     used = 0;
 }
 
-// The absent pairs among the 64 positions around this one.
-std::uint64_t RE_Memo_Table::absentBits(std::uint32_t row, std::size_t position) const {
+// The clear bits of the word that holds bit number `at` of a level.
+std::uint64_t RE_Memo_Table::absentBits(std::uint32_t row, unsigned level, std::size_t at) const {
     if (used == 0) {
-        return ~std::uint64_t{0};
+        return full;
     }
-    const Cell& cell = cells[slotOf(keyOf(row, position))];
-    return cell.generation == generation ? ~cell.bits : ~std::uint64_t{0};
+    const Cell& cell = cells[slotOf(keyOf(row, level, at >> 6))];
+    return cell.generation == generation ? ~cell.bits : full;
 }
 
-std::size_t RE_Memo_Table::scanBack(std::uint32_t row, std::size_t first, std::size_t last) const {
-    for (;;) {
-        const std::uint64_t absent = absentBits(row, last) << (63 - (last & 63));
-        if (absent != 0) {
-            const auto back = static_cast<std::size_t>(std::countl_zero(absent));
-            return last - first >= back ? last - back : nowhere;
-        }
-        if ((last >> 6) == (first >> 6)) {
+// Up to a word that is not full behind the one asked about, and down to the position in it.
+std::size_t RE_Memo_Table::firstAbsent(std::uint32_t row, std::size_t first, std::size_t last) const {
+    unsigned level = 0;
+    std::size_t at = first;
+    std::uint64_t absent = absentBits(row, level, at) >> (at & 63);
+    while (absent == 0) {
+        at = (at >> 6) + 1;
+        if (++level == levels || at > last >> (6 * level)) {
             return nowhere;
         }
-        last = (last & ~std::size_t{63}) - 1;
+        absent = absentBits(row, level, at) >> (at & 63);
     }
+    at += static_cast<std::size_t>(std::countr_zero(absent));
+    for (; level > 0; --level) {
+        at <<= 6;
+        at += static_cast<std::size_t>(std::countr_zero(absentBits(row, level - 1, at)));
+    }
+    return at <= last ? at : nowhere;
 }
 
-std::size_t RE_Memo_Table::scanOn(std::uint32_t row, std::size_t first, std::size_t last) const {
-    for (;;) {
-        const std::uint64_t absent = absentBits(row, first) >> (first & 63);
-        if (absent != 0) {
-            const auto on = static_cast<std::size_t>(std::countr_zero(absent));
-            return last - first >= on ? first + on : nowhere;
-        }
-        if ((last >> 6) == (first >> 6)) {
+std::size_t RE_Memo_Table::lastAbsent(std::uint32_t row, std::size_t first, std::size_t last) const {
+    unsigned level = 0;
+    std::size_t at = last;
+    std::uint64_t absent = absentBits(row, level, at) << (63 - (at & 63));
+    while (absent == 0) {
+        at >>= 6;
+        if (++level == levels || at <= first >> (6 * level)) {
             return nowhere;
         }
-        first = (first | 63) + 1;
+        --at;
+        absent = absentBits(row, level, at) << (63 - (at & 63));
     }
-}
-
-RE_Memo_Table::Filled* RE_Memo_Table::filledOf(std::uint32_t row) {
-    Filled& place = filled[row % filled.size()];
-    return place.row == row && place.generation == generation ? &place : nullptr;
-}
-
-// Extends what is known where it touches this, and otherwise takes its place.
-void RE_Memo_Table::noteFilled(std::uint32_t row, std::size_t first, std::size_t last) {
-    Filled* const known = filledOf(row);
-    if (known == nullptr || first > known->last + 1 || known->first > last + 1) {
-        filled[row % filled.size()] = {row, generation, first, last};
-        return;
+    at -= static_cast<std::size_t>(std::countl_zero(absent));
+    for (; level > 0; --level) {
+        at = at << 6 | 63;
+        at -= static_cast<std::size_t>(std::countl_zero(absentBits(row, level - 1, at)));
     }
-    known->first = std::min(known->first, first);
-    known->last = std::max(known->last, last);
-}
-
-std::size_t RE_Memo_Table::lastAbsent(std::uint32_t row, std::size_t first, std::size_t last) {
-    std::size_t from = last;
-    if (const Filled* const known = filledOf(row); known != nullptr && known->holds(last)) {
-        if (known->first <= first) {
-            return nowhere;
-        }
-        from = known->first - 1;
-    }
-    const std::size_t found = scanBack(row, first, from);
-    const std::size_t lowest = found == nowhere ? first : found + 1;
-    lookedOver += from - lowest + 1;
-    if (lowest <= last) {
-        noteFilled(row, lowest, last);
-    }
-    return found;
-}
-
-std::size_t RE_Memo_Table::firstAbsent(std::uint32_t row, std::size_t first, std::size_t last) {
-    std::size_t from = first;
-    if (const Filled* const known = filledOf(row); known != nullptr && known->holds(first)) {
-        if (known->last >= last) {
-            return nowhere;
-        }
-        from = known->last + 1;
-    }
-    const std::size_t found = scanOn(row, from, last);
-    const std::size_t behind = found == nowhere ? last + 1 : found;
-    lookedOver += behind - from;
-    if (behind > first) {
-        noteFilled(row, first, behind - 1);
-    }
-    return found;
+    return at >= first ? at : nowhere;
 }
 
 // A cell of an older generation ends a probe like a free one: every key of this generation was put in front

@@ -12,7 +12,6 @@
 
 #include "regexp/memory.h"
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory_resource>
@@ -38,12 +37,12 @@ class RE_Memo_Table : public RE_Memory {
 public:
     /// Adds the pair; false when it was there already.
     bool insert(std::uint32_t row, std::size_t position);
+    /// Adds the pairs of all positions of [first, last].
+    void insertAll(std::uint32_t row, std::size_t first, std::size_t last);
     /// The last position in [first, last] whose pair is not in the set, or `nowhere`.
-    std::size_t lastAbsent(std::uint32_t row, std::size_t first, std::size_t last);
+    std::size_t lastAbsent(std::uint32_t row, std::size_t first, std::size_t last) const;
     /// The first such position.
-    std::size_t firstAbsent(std::uint32_t row, std::size_t first, std::size_t last);
-    /// How many positions the last two have looked over since this was asked.
-    std::size_t takeLookedOver() { return std::exchange(lookedOver, 0); }
+    std::size_t firstAbsent(std::uint32_t row, std::size_t first, std::size_t last) const;
     static constexpr std::size_t nowhere = static_cast<std::size_t>(-1);
     bool contains(std::uint32_t row, std::size_t position) const;
     /// Empties the set without touching its storage.
@@ -57,24 +56,12 @@ private:
         std::uint64_t generation;  ///< the cell is free unless this is the table's current one
     };
 
-    /// Positions without a gap, all of them in the set. A loop that fails at each of its ends, from start
-    /// after start, asks about the same ones again and again: without this each answer would take the time of
-    /// a scan.
-    struct Filled {
-        std::uint32_t row = 0;
-        std::uint64_t generation = 0;  ///< counts for nothing unless this is the table's current one
-        std::size_t first = 0;
-        std::size_t last = 0;
-
-        bool holds(std::size_t position) const { return first <= position && position <= last; }
-    };
-
-    /// What is known of the row; an empty place of the cache when that is nothing.
-    Filled* filledOf(std::uint32_t row);
-    void noteFilled(std::uint32_t row, std::size_t first, std::size_t last);
-    std::size_t scanBack(std::uint32_t row, std::size_t first, std::size_t last) const;
-    std::size_t scanOn(std::uint32_t row, std::size_t first, std::size_t last) const;
-    std::uint64_t absentBits(std::uint32_t row, std::size_t position) const;
+    // The words of a row are the leaves of a tree: a bit of a word of the next level says that the 64 positions, or words,
+    // below it are all in the set. A loop that fails at each of its ends, from start after start, asks about the same
+    // positions again and again: this way an answer looks at a few words, however many there are.
+    void noteFull(std::uint32_t row, std::size_t position);
+    std::uint64_t& wordOf(std::uint32_t row, unsigned level, std::size_t at);
+    std::uint64_t absentBits(std::uint32_t row, unsigned level, std::size_t at) const;
     std::size_t slotOf(std::uint64_t key) const;
     Cell& find(std::uint64_t key) { return cells[slotOf(key)]; }
     void grow();
@@ -82,8 +69,6 @@ private:
     std::vector<Cell, RE_Allocator<Cell>> cells;
     std::size_t used = 0;
     std::uint64_t generation = 1;
-    std::array<Filled, 16> filled{};
-    std::size_t lookedOver = 0;
 };
 
 /// Gives each distinct combination of words a number of its own, counted from a first number on.

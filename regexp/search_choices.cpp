@@ -23,6 +23,12 @@ const char16_t* RE_Search_Info::firstUntried(const RE_Node* node, const char16_t
     return found == RE_Memo_Table::nowhere ? nullptr : subjectBegin + found;
 }
 
+void RE_Search_Info::noteFailed(const RE_Node* node, const char16_t* first, const char16_t* last) {
+    if (memo != nullptr && first <= last) {
+        memo->insertAll(*this, node, indexOf(first), indexOf(last));
+    }
+}
+
 RE_Backtrack_Record* RE_Search_Info::popChoice() {
     while (backtrack.top >= backtrack.base) {
         const std::size_t slot = static_cast<std::size_t>(backtrack.top--);

@@ -8,10 +8,32 @@
 #include "regexp/match_sequence.h"
 #include "regexp/nodes/consume.h"
 #include "regexp/search_info.h"
+#include "regexp/seek/required_literal.h"
 #include "regexp/unwatched_loop.h"
 
 #include <algorithm>
 #include <new>
+
+namespace {
+
+std::uint64_t nextAskingAt(const RE_Graph_Facts& facts, const RE_Search_Info& info) {
+    return facts.needed.empty() ? RE_Step_Meter::unlimited : info.meter.taken() + RE_Asking_Delay::steps;
+}
+
+// The last start from `p` on that need not be tried, where the one at `p` has failed; null when no other need be.
+const char16_t* lastInVain(const RE_Graph_Facts& facts, const char16_t* p, RE_Search_Info& info) {
+    const char16_t* next = p + 1;
+    for (const auto& literal : facts.needed) {
+        next = next <= info.subjectEnd ? literal->nextStart(next, info) : nullptr;
+        // A step behind the scan sees whether the budget sufficed for it.
+        if (!info.takeStep() || next == nullptr) {
+            return nullptr;
+        }
+    }
+    return next - 1;
+}
+
+}  // namespace
 
 RE_Results* RE_Tree::match(const std::u16string& subject, std::size_t offset) const {
     return match(subject.data(), subject.size(), offset);
@@ -144,6 +166,7 @@ bool RE_Tree::findMatch(RE_Search_Info& info, std::size_t offset, std::size_t& l
     const RE_Attempt_Start& start = facts->start;
     const char16_t* p = info.subjectBegin + offset;
     const char16_t* const last = info.subjectEnd - needed;
+    std::uint64_t askingAt = nextAskingAt(*facts, info);
     info.resetForStart(p);
     for (; p <= last; ++p) {
         if (start.rootSeeks) {
@@ -161,6 +184,13 @@ bool RE_Tree::findMatch(RE_Search_Info& info, std::size_t offset, std::size_t& l
         }
         if (facts->leadingLoop != nullptr) {
             p = facts->leadingLoop->lastHopelessStart(p, info);
+        }
+        if (info.meter.taken() >= askingAt) {
+            p = lastInVain(*facts, p, info);
+            if (p == nullptr) {
+                return false;
+            }
+            askingAt = nextAskingAt(*facts, info);
         }
     }
     return false;

@@ -113,34 +113,50 @@ void RE_Search_Info::trailSlot(std::size_t index) {
     trail.push_back({&slot, slot});
 }
 
-void RE_Search_Info::noteRun(const RE_Node* node, RE_Measured_Run run) {
-    if (runs.size() <= node->memoIndex) {
-        runs.resize(node->memoIndex + std::size_t{1});
+void RE_Search_Info::noteRun(std::uint32_t memoRow, RE_Measured_Run run) {
+    if (runs.size() <= memoRow) {
+        runs.resize(memoRow + std::size_t{1});
     }
-    runs[node->memoIndex] = run;
+    runs[memoRow] = run;
 }
 
-// Short stretches are cheap to look through.
+// Short stretches are cheap to look through. Of a longer one only what lies above and below the known one is.
 const char16_t* RE_Search_Info::lastStartOf(const RE_Node* next, const RE_Node* owner, const char16_t* first,
                                             const char16_t* last) {
-    static constexpr std::size_t shortStretch = 64;
-    const auto length = static_cast<std::size_t>(last - first);
-    if (length < shortStretch) {
-        return next->rSeek(first, length, *this);
+    static constexpr std::ptrdiff_t shortStretch = 64;
+    if (last - first < shortStretch) {
+        return lastStartWithin(next, first, last);
     }
     if (barren.size() <= owner->memoIndex) {
         barren.resize(owner->memoIndex + std::size_t{1});
     }
     RE_Measured_Run& known = barren[owner->memoIndex];
-    const bool overlaps = known.holds(first);
-    if (overlaps && last <= known.end) {
+    const bool touches = known.begin != nullptr && first <= known.end + 1 && known.begin <= last + 1;
+    if (!touches || last > known.end) {
+        const char16_t* const from = touches ? std::max(first, known.end + 1) : first;
+        const char16_t* const found = lastStartWithin(next, from, last);
+        if (found == nullptr && !wasInterrupted()) {
+            known = {touches ? known.begin : first, last};
+        } else {
+            known =
+                found != nullptr && last - found >= shortStretch ? RE_Measured_Run{found + 1, last} : known;
+            return found;
+        }
+    }
+    if (first >= known.begin) {
         return nullptr;
     }
-    const char16_t* const from = overlaps ? known.end + 1 : first;
-    const char16_t* const found = next->rSeek(from, static_cast<std::size_t>(last - from), *this);
-    if (found == nullptr && !wasInterrupted()) {
-        known = {overlaps ? known.begin : first, last};
+    const char16_t* const found = lastStartWithin(next, first, known.begin - 1);
+    if (!wasInterrupted()) {
+        known.begin = found != nullptr ? found + 1 : first;
     }
+    return found;
+}
+
+const char16_t* RE_Search_Info::lastStartWithin(const RE_Node* next, const char16_t* first,
+                                                const char16_t* last) {
+    const char16_t* const found = next->rSeek(first, static_cast<std::size_t>(last - first), *this);
+    noteScan(static_cast<std::size_t>(last - (found != nullptr ? found : first)));
     return found;
 }
 

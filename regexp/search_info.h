@@ -143,12 +143,14 @@ public:
     /// The last position in [first, last] at which `firstVisit` may still hold, or null.
     const char16_t* lastUntried(const RE_Node* node, const char16_t* first, const char16_t* last);
     const char16_t* firstUntried(const RE_Node* node, const char16_t* first, const char16_t* last);
+    /// Notes that `node` is not worth trying at any position of [first, last] in this state.
+    void noteFailed(const RE_Node* node, const char16_t* first, const char16_t* last);
 
-    /// The run that a node measured last, or null.
-    const RE_Measured_Run* measuredRun(const RE_Node* node) const {
-        return node->memoIndex < runs.size() ? &runs[node->memoIndex] : nullptr;
+    /// The run that was measured last on behalf of the owner of a memo row, or null.
+    const RE_Measured_Run* measuredRun(std::uint32_t memoRow) const {
+        return memoRow < runs.size() ? &runs[memoRow] : nullptr;
     }
-    void noteRun(const RE_Node* node, RE_Measured_Run run);
+    void noteRun(std::uint32_t memoRow, RE_Measured_Run run);
     const RE_Measured_Run& lastLeadingRun() const { return leadingRun; }
     void noteLeadingRun(RE_Measured_Run run) { leadingRun = run; }
     /// The last position in [first, last] at which `next` can match, or null. `next` must be able to seek.
@@ -156,6 +158,8 @@ public:
     /// again; `owner` must always ask about the same `next`.
     const char16_t* lastStartOf(const RE_Node* next, const RE_Node* owner, const char16_t* first,
                                 const char16_t* last);
+    /// The same without a memory.
+    const char16_t* lastStartWithin(const RE_Node* next, const char16_t* first, const char16_t* last);
 
     // --- tokens ---
 

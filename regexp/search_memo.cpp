@@ -68,7 +68,6 @@ std::size_t RE_Search_Memo::lastUntried(const RE_Search_Info& info, const RE_Nod
     }
     const bool within = special != RE_Memo_Table::nowhere && special >= first;
     const std::size_t found = lastAbsent(info, row(info, node, last), within ? special + 1 : first, last);
-    info.noteScan(table(info).takeLookedOver());
     return found == RE_Memo_Table::nowhere && within ? special : found;
 }
 
@@ -78,9 +77,22 @@ std::size_t RE_Search_Memo::firstUntried(const RE_Search_Info& info, const RE_No
     if (special != RE_Memo_Table::nowhere && special >= first) {
         return first;
     }
-    const std::size_t found = firstAbsent(info, row(info, node, last), first, last);
-    info.noteScan(table(info).takeLookedOver());
-    return found;
+    return firstAbsent(info, row(info, node, last), first, last);
+}
+
+void RE_Search_Memo::insertAll(const RE_Search_Info& info, const RE_Node* node, std::size_t first,
+                               std::size_t last) {
+    const std::size_t special = lastPassStart(info, node, last);
+    if (special != RE_Memo_Table::nowhere && special >= first) {
+        return;
+    }
+    const std::uint32_t states = row(info, node, last);
+    if (isSetApart(info, first)) {
+        apart.insert(states, first++);
+    }
+    if (first <= last) {
+        table(info).insertAll(states, first, last);
+    }
 }
 
 void RE_Search_Memo::clear(std::size_t level) {

@@ -55,6 +55,8 @@ public:
     /// The first such position.
     std::size_t firstUntried(const RE_Search_Info& info, const RE_Node* node, std::size_t first,
                              std::size_t last);
+    /// Records the states at the positions of [first, last], as far as they differ by the position alone.
+    void insertAll(const RE_Search_Info& info, const RE_Node* node, std::size_t first, std::size_t last);
     /// Forgets the states of this level (0 is the pattern itself).
     void clear(std::size_t level);
     /// The outcome noted for a body of `node` entered at `start`.

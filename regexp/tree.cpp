@@ -89,6 +89,9 @@ void RE_Tree::parse(const char* pattern, bool flag) {
 
 namespace {
 
+// A match of at most so many units is found or given up soon.
+constexpr std::uint64_t manyUnits = 256;
+
 /// Text in, root of the finished graph out. The nodes and what is known of them stay with the parser's
 /// context.
 RE_Node* compileGraph(RE_ParserContext& parserContext, const char16_t* pattern, std::size_t length,
@@ -102,6 +105,7 @@ RE_Node* compileGraph(RE_ParserContext& parserContext, const char16_t* pattern, 
     measureSyntax(syntax, parserContext, pattern);
     parserContext.facts->tokenCount = syntax.groupCount;
     parserContext.facts->minimumLength = syntax[RE_Syntax_Tree::root].least;
+    parserContext.hasLongMatches = syntax[RE_Syntax_Tree::root].most > manyUnits;
     RE_Node* const parsed = RE_Graph_Builder(parserContext, syntax).build(continuationNode);
     return runPasses(parserContext, parsed, observer);
 }

@@ -3,8 +3,9 @@
 #include "tests/support/differential.h"
 
 #include <gtest/gtest.h>
+#include <map>
 #include <random>
-#include <set>
+#include <vector>
 
 namespace corvane_tests {
 namespace {
@@ -13,30 +14,41 @@ TEST(MemoTable, AnswersAsAPlainSetDoes) {
     std::mt19937 random(static_cast<unsigned>(environmentNumber("CORVANE_TEST_SEED", 7)));
     const auto below = [&](unsigned limit) { return std::uniform_int_distribution<unsigned>(0, limit - 1)(random); };
     RE_Memo_Table table;
-    std::set<std::pair<std::uint32_t, size_t>> plain;
+    std::map<std::uint32_t, std::vector<bool>> plain;
     const auto scan = [&](std::uint32_t row, size_t from, size_t to) {
-        for (size_t at = from;; at = from < to ? at + 1 : at - 1) {
-            if (!plain.contains({row, at}) || at == to) {
-                return plain.contains({row, at}) ? RE_Memo_Table::nowhere : at;
-            }
+        const std::vector<bool>& states = plain[row];
+        while (states[from] && from != to) {
+            from = from < to ? from + 1 : from - 1;
         }
+        return states[from] ? RE_Memo_Table::nowhere : from;
     };
-    for (int round = 0; round < 400000; ++round) {
-        const std::uint32_t row = below(3) * 16 + below(2);  // rows that share a place of the cache, too
-        const size_t first = below(300), last = first + below(200);
-        switch (below(round % 4000 == 0 ? 6 : 5)) {
+    for (int round = 0; round < 100000; ++round) {
+        const std::uint32_t row = below(6);
+        const bool small = below(50) != 0;  // of few words, or of words of words
+        const size_t first = below(small ? 300 : 20000), last = first + below(small ? 200 : 9000);
+        std::vector<bool>& states = plain[row];
+        states.resize(29000);
+        switch (below(round % 100 == 0 ? 7 : 6)) {
             case 0:
                 EXPECT_EQ(scan(row, last, first), table.lastAbsent(row, first, last));
                 break;
             case 1:
                 EXPECT_EQ(scan(row, first, last), table.firstAbsent(row, first, last));
                 break;
-            case 5:
+            case 2: {
+                const size_t end = small ? first + (last - first) / 8 : last;
+                std::fill(states.begin() + static_cast<std::ptrdiff_t>(first),
+                          states.begin() + static_cast<std::ptrdiff_t>(end) + 1, true);
+                table.insertAll(row, first, end);
+                break;
+            }
+            case 6:
                 table.clear();
                 plain.clear();
                 break;
             default:
-                EXPECT_EQ(plain.insert({row, first}).second, table.insert(row, first));
+                EXPECT_EQ(!states[first], table.insert(row, first));
+                states[first] = true;
         }
         ASSERT_FALSE(HasFailure()) << round;
     }

@@ -8,9 +8,12 @@
 namespace {
 
 const char16_t* findLineFeed(const char16_t* p, RE_Search_Info& info) {
-    return scanForward(p, info.subjectEnd, info, [](const char16_t* at, const char16_t* stop) {
-        return findUnit(at, stop, {u'\n', u'\n'});
-    });
+    const char16_t* const feed =
+        scanForward(p, info.subjectEnd, info, [](const char16_t* at, const char16_t* stop) {
+            return findUnit(at, stop, {u'\n', u'\n'});
+        });
+    info.noteScan(static_cast<std::size_t>((feed != nullptr ? feed : info.subjectEnd) - p));
+    return feed;
 }
 
 }  // namespace
@@ -20,9 +23,12 @@ bool RE_Anchor::match(const char16_t* subject, std::size_t& pos, RE_Search_Info&
 }
 
 const char16_t* RE_Anchor::seek(const char16_t* p, RE_Search_Info& info) const {
-    return scanForward(p, info.subjectEnd + 1, info, [&](const char16_t* at, const char16_t* stop) {
-        return firstWhere(at, stop, [&](const char16_t* q) { return holdsAt(q, info); });
-    });
+    const char16_t* const place =
+        scanForward(p, info.subjectEnd + 1, info, [&](const char16_t* at, const char16_t* stop) {
+            return firstWhere(at, stop, [&](const char16_t* q) { return holdsAt(q, info); });
+        });
+    info.noteScan(static_cast<std::size_t>((place != nullptr ? place : info.subjectEnd) - p));
+    return place;
 }
 
 const char16_t* RE_Anchor::rSeek(const char16_t* p, std::size_t count, RE_Search_Info& info) const {

@@ -11,7 +11,7 @@
 namespace {
 
 // Runs from this length on are remembered.
-constexpr std::size_t longRun = 64;
+constexpr std::ptrdiff_t longRun = 64;
 
 // The table of the item lives as long as the graph does.
 std::shared_ptr<const RE_Unit_Set> unitsOf(RE_ParserContext& context, const RE_Consumable& item) {
@@ -33,7 +33,8 @@ RE_Consume::RE_Consume(RE_ParserContext& context, RE_Consumable* repeated, std::
       minimum(least),
       maximum(most),
       lazy(order == Order::lazy),
-      stops(*units, false) {}
+      stops(*units, false),
+      reachRow(lazy ? context.nextMemoRow() : 0) {}
 
 const char16_t* RE_Consume::runEnd(const char16_t* p, std::uint64_t most, RE_Search_Info& info) const {
     const std::uint64_t left = static_cast<std::uint64_t>(info.subjectEnd - p);
@@ -57,7 +58,7 @@ const char16_t* RE_Consume::runEnd(const char16_t* p, std::uint64_t most, RE_Sea
 
 // A run that reaches the one known ends where that ends.
 const char16_t* RE_Consume::endOfRunFrom(const char16_t* p, RE_Search_Info& info) const {
-    const RE_Measured_Run* const known = info.measuredRun(this);
+    const RE_Measured_Run* const known = info.measuredRun(memoIndex);
     if (known == nullptr || known->begin == nullptr || p >= known->begin) {
         return runEnd(p, noMaximum, info);
     }
@@ -70,12 +71,12 @@ const char16_t* RE_Consume::wholeRunEnd(const char16_t* p, RE_Search_Info& info)
     if (const char16_t* const end = shortRunEnd(p, info.subjectEnd)) {
         return end;
     }
-    if (const RE_Measured_Run* known = info.measuredRun(this); known != nullptr && known->holds(p)) {
+    if (const RE_Measured_Run* known = info.measuredRun(memoIndex); known != nullptr && known->holds(p)) {
         return known->end;
     }
     const char16_t* const end = endOfRunFrom(p, info);
-    if (static_cast<std::size_t>(end - p) >= longRun && !info.wasInterrupted()) {
-        info.noteRun(this, {p, end});
+    if (end - p >= longRun && !info.wasInterrupted()) {
+        info.noteRun(memoIndex, {p, end});
     }
     return end;
 }
@@ -147,11 +148,11 @@ const char16_t* RE_Consume::lastStart(const char16_t* from, const char16_t* last
         return static_cast<const RE_Match_Token*>(nextNode)->lastPlace(from, last, info);
     }
     return info.requiredEnd == nullptr ? info.lastStartOf(nextNode, this, from, last)
-                                       : nextNode->rSeek(from, static_cast<std::size_t>(last - from), info);
+                                       : info.lastStartWithin(nextNode, from, last);
 }
 
-// Steps over ends that failed before and ends at which the rest cannot begin, until neither has anything to
-// say.
+// Steps over ends that failed before and ends at which the rest cannot begin, until neither has anything to say. The
+// latter are noted as failed: then all are stepped over at once from the starts that follow.
 const char16_t* RE_Consume::lastEnd(const char16_t* from, const char16_t* end, RE_Search_Info& info) const {
     const bool seeks = nextSeeks(info);
     std::size_t looked = 0;
@@ -160,17 +161,19 @@ const char16_t* RE_Consume::lastEnd(const char16_t* from, const char16_t* end, R
         if (candidate == nullptr) {
             return nullptr;
         }
+        info.noteScan(RE_Step_Meter::unitsAStep);
         const char16_t* const startable = seeks ? lastStart(from, candidate, info) : candidate;
-        // A step for the candidate, and what was looked through for where the rest can begin.
-        info.noteScan(RE_Step_Meter::unitsAStep +
-                      static_cast<std::size_t>(candidate - (startable != nullptr ? startable : from)));
-        if (startable == nullptr) {
+        if (startable == candidate) {
+            if (info.firstVisit(this, candidate)) {
+                return candidate;
+            }
+        } else if (info.wasInterrupted()) {
             return nullptr;
+        } else {
+            const char16_t* const refused = startable != nullptr ? startable + 1 : from;
+            info.noteFailed(this, refused, candidate);
+            candidate = refused;
         }
-        if (startable == candidate && info.firstVisit(this, candidate)) {
-            return candidate;
-        }
-        candidate = startable == candidate ? candidate : startable + 1;
         const bool stop = ++looked % RE_SCAN_POLL_UNITS == 0 && info.pollScan();
         if (candidate == from || stop) {
             return nullptr;
@@ -193,14 +196,42 @@ const char16_t* RE_Consume::nextEnd(const char16_t* end, const char16_t* last, R
             return end != nullptr && end <= last ? end : nullptr;
         }
         const auto skipped = static_cast<std::size_t>(end - untried);
-        for (std::size_t i = 0; skipped < RE_Step_Meter::unitsAStep && i < skipped; ++i) {
-            info.firstVisit(this, untried + i);
+        if (skipped < RE_Step_Meter::unitsAStep) {
+            info.noteFailed(this, untried, end - 1);
         }
-        info.noteScan((refused > 0 ? RE_Step_Meter::unitsAStep : 0) + skipped);
+        info.noteScan(refused > 0 ? RE_Step_Meter::unitsAStep : 0);
         if (refused % RE_SCAN_POLL_UNITS == RE_SCAN_POLL_UNITS - 1 && info.pollScan()) {
             return nullptr;
         }
     }
+}
+
+// Whether the run from `from` on goes on up to `to`. How far it was seen to go is remembered, as the starts that follow
+// ask the same.
+bool RE_Consume::reaches(const char16_t* from, const char16_t* to, RE_Search_Info& info) const {
+    if (to - from < longRun) {
+        return runEnd(from, static_cast<std::uint64_t>(to - from), info) == to;
+    }
+    const RE_Measured_Run* const noted = info.measuredRun(reachRow);
+    const RE_Measured_Run known =
+        noted != nullptr && noted->begin != nullptr ? *noted : RE_Measured_Run{to, to};
+    RE_Measured_Run run{from, from};
+    if (known.begin <= from && from - known.end < longRun) {
+        run = known;
+    } else if (from < known.begin && known.begin <= to) {
+        run.end = runEnd(from, static_cast<std::uint64_t>(known.begin - from), info);
+        run.end = run.end == known.begin ? known.end : run.end;
+    }
+    if (run.end < to) {
+        run.end = runEnd(run.end, static_cast<std::uint64_t>(to - run.end), info);
+    }
+    if (run.end < from) {  // there is a gap between the known one and this
+        run = {from, runEnd(from, static_cast<std::uint64_t>(to - from), info)};
+    }
+    if (run.end - run.begin >= longRun) {
+        info.noteRun(reachRow, run);
+    }
+    return run.end >= to;
 }
 
 // The record of a lazy run holds the end reached so far; its word is the farthest end allowed.
@@ -229,7 +260,7 @@ bool RE_Consume::takeLonger(const char16_t* end, std::size_t limit, std::size_t&
     while (end < last) {
         info.noteScan(RE_Step_Meter::unitsAStep);
         const char16_t* const longer = nextEnd(end + 1, last, info);
-        if (longer == nullptr || runEnd(end, static_cast<std::uint64_t>(longer - end), info) != longer) {
+        if (longer == nullptr || !reaches(end, longer, info)) {
             return false;
         }
         end = longer;

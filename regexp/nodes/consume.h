@@ -61,10 +61,12 @@ private:
     const char16_t* endOfRunFrom(const char16_t* p, RE_Search_Info& info) const;
     const char16_t* runEnd(const char16_t* p, std::uint64_t most, RE_Search_Info& info) const;
     const char16_t* nextEnd(const char16_t* end, const char16_t* last, RE_Search_Info& info) const;
+    bool reaches(const char16_t* from, const char16_t* to, RE_Search_Info& info) const;
     bool takeShortest(const char16_t* p, std::size_t& pos, RE_Search_Info& info) const;
     bool takeLonger(const char16_t* end, std::size_t limit, std::size_t& pos, RE_Search_Info& info) const;
 
-    RE_Class_Scan stops;  // the units that end a run
+    RE_Class_Scan stops;     // the units that end a run
+    std::uint32_t reachRow;  // for a search to remember how far a lazy run was seen to go
 };
 template <>
 inline constexpr RE_Node_Kind kindOfNode<RE_Consume> = RE_Node_Kind::run;

@@ -42,41 +42,14 @@ const char16_t* StringBehindSeeker::scan(const char16_t* p, RE_Search_Info& info
 StringInnerSeeker::StringInnerSeeker(RE_ParserContext& context, RE_Required_Literal literal,
                                      std::shared_ptr<const RE_Unit_Set> firstUnits)
     : RE_Seeker(context),
-      required(std::move(literal)),
+      stretches(std::move(literal), context.nextMemoRow()),
       first(std::move(firstUnits)),
-      outside(*required.before, false),
-      starts(*first, true) {
-    memoIndex = context.nextMemoRow();
-}
-
-// The positions from `p` on from which the next literal can be reached over units that may stand before it.
-// They are remembered: from the later ones the same literal is the next.
-bool StringInnerSeeker::stretchFrom(const char16_t* p, RE_Search_Info& info, Stretch& stretch) const {
-    if (const RE_Measured_Run* known = info.measuredRun(this); known != nullptr && known->holds(p)) {
-        stretch = {p, known->end};
-        return true;
-    }
-    if (static_cast<std::uint64_t>(info.subjectEnd - p) < required.leastBefore) {
-        return false;
-    }
-    const char16_t* const place = required.finder.find(p + required.leastBefore, info);
-    if (place == nullptr) {
-        return false;
-    }
-    const char16_t* const barrier = scanBackward(
-        p, place, info,
-        [this](const char16_t* from, const char16_t* to) { return findLastClass(from, to, outside); });
-    stretch = {barrier != nullptr ? barrier + 1 : p, place - required.leastBefore};
-    if (stretch.begin <= stretch.end && !info.wasInterrupted()) {
-        info.noteRun(this, {stretch.begin, stretch.end});
-    }
-    return !info.wasInterrupted();
-}
+      starts(*first, true) {}
 
 const char16_t* StringInnerSeeker::scan(const char16_t* p, RE_Search_Info& info) const {
     const char16_t* asked = p;  // for interrupts
-    Stretch stretch{};
-    while (stretchFrom(p, info, stretch)) {
+    RE_Literal_Stretches::Stretch stretch{};
+    while (stretches.from(p, info, stretch)) {
         if (stretch.begin <= stretch.end) {
             const char16_t* const start = scanForward(
                 stretch.begin, stretch.end + 1, info,

@@ -116,23 +116,15 @@ public:
     /// Every match starts with a unit of `firstUnits`.
     StringInnerSeeker(RE_ParserContext& context, RE_Required_Literal literal,
                       std::shared_ptr<const RE_Unit_Set> firstUnits);
-    std::string label() const override { return "Seek within " + required.finder.label(); }
+    std::string label() const override { return "Seek within " + stretches.required.finder.label(); }
 
-    RE_Required_Literal required;
+    RE_Literal_Stretches stretches;
     std::shared_ptr<const RE_Unit_Set> first;
 
 protected:
     const char16_t* scan(const char16_t* p, RE_Search_Info& info) const override;
 
 private:
-    struct Stretch {
-        const char16_t* begin;
-        const char16_t* end;
-    };
-
-    bool stretchFrom(const char16_t* p, RE_Search_Info& info, Stretch& stretch) const;
-
-    RE_Class_Scan outside;  ///< units that may not stand before the literal
     RE_Class_Scan starts;
 };
 template <>

@@ -51,9 +51,12 @@ const char16_t* RE_Match_Token::nextPlace(const char16_t* p, RE_Search_Info& inf
         return found != nullptr ? p : nullptr;
     }
     const char16_t unit = info.subjectBegin[found->start];
-    return scanForward(p, info.subjectEnd, info, [unit](const char16_t* at, const char16_t* stop) {
-        return findUnit(at, stop, {unit, unit});
-    });
+    const char16_t* const place =
+        scanForward(p, info.subjectEnd, info, [unit](const char16_t* at, const char16_t* stop) {
+            return findUnit(at, stop, {unit, unit});
+        });
+    info.noteScan(static_cast<std::size_t>((place != nullptr ? place : info.subjectEnd) - p));
+    return place;
 }
 
 const char16_t* RE_Match_Token::lastPlace(const char16_t* first, const char16_t* last,
@@ -63,10 +66,12 @@ const char16_t* RE_Match_Token::lastPlace(const char16_t* first, const char16_t*
         return found != nullptr ? last : nullptr;
     }
     const char16_t unit = info.subjectBegin[found->start];
-    return scanBackward(first, std::min(last + 1, info.subjectEnd), info,
-                        [unit](const char16_t* from, const char16_t* to) {
-                            return findLastUnit(from, to, {unit, unit});
-                        });
+    const char16_t* const place = scanBackward(first, std::min(last + 1, info.subjectEnd), info,
+                                               [unit](const char16_t* from, const char16_t* to) {
+                                                   return findLastUnit(from, to, {unit, unit});
+                                               });
+    info.noteScan(static_cast<std::size_t>(last - (place != nullptr ? place : first)));
+    return place;
 }
 
 void RE_Match_Token::combineLengths() {

@@ -70,10 +70,11 @@ public:
     std::uint64_t nodeCount = 0;
     std::uint32_t walks = 0;
     RE_Class_Bits madeClasses = 0;
-    bool joinsTexts = false;   ///< runs of literals are strings from the beginning
-    bool renumbers = false;    ///< some nodes are not in the order of their numbers
-    bool hasUnitRuns = false;  ///< some nodes are chains of single units by their fail targets
-    bool hasSkippable = true;  ///< some link may lead to a node that does nothing
+    bool joinsTexts = false;      ///< runs of literals are strings from the beginning
+    bool renumbers = false;       ///< some nodes are not in the order of their numbers
+    bool hasUnitRuns = false;     ///< some nodes are chains of single units by their fail targets
+    bool hasLongMatches = false;  ///< a match may have very many units
+    bool hasSkippable = true;     ///< some link may lead to a node that does nothing
     RE_Node* outer;
     RE_Flags flags;
     std::unique_ptr<RE_Graph_Facts> facts;

@@ -220,19 +220,20 @@ std::optional<RE_Text_Finder> literalOf(const RE_Node* node) {
                           nodeAs<RE_Natural_I>(node) != nullptr);
 }
 
-std::optional<RE_Required_Literal> requiredLiteral(RE_ParserContext& context, RE_Node* root) {
-    std::optional<RE_Required_Literal> best;
-    double bestLikelihood = 1;
+std::vector<RE_Found_Literal> requiredLiterals(RE_ParserContext& context, RE_Node* root) {
+    std::vector<RE_Found_Literal> required;
     for (RE_Node* node : literalsFrom(context, root)) {
         Around around(context, node);
         if (!around.walk(root)) {
             continue;
         }
         std::optional<RE_Text_Finder> finder = finderOf(context, node);
-        if (finder && finder->likelihood() < bestLikelihood) {
-            bestLikelihood = finder->likelihood();
-            best.emplace(RE_Required_Literal{std::move(*finder), around.units, around.least});
+        if (finder && finder->likelihood() < 1) {
+            required.push_back({node, {std::move(*finder), std::move(around.units), around.least}});
         }
     }
-    return best;
+    std::stable_sort(required.begin(), required.end(), [](const auto& one, const auto& other) {
+        return one.literal.finder.likelihood() < other.literal.finder.likelihood();
+    });
+    return required;
 }

@@ -15,6 +15,7 @@
 #include <memory>
 #include <optional>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -32,6 +33,9 @@ constexpr double rareEnoughForPrefixes = 0.03;
 // the other.
 constexpr double commonestLiteral = 0.02;
 constexpr double rarerThanLines = 0.00002;
+
+// Of the literals that a match needs so many are asked whether they still follow.
+constexpr std::size_t mostNeeded = 3;
 
 // By how much another finder has to be rarer than a scan for the first unit.
 constexpr double worthPrefixes = 0.5;
@@ -113,6 +117,24 @@ public:
         return chooseByUnits(leading);
     }
 
+    /// Has the search ask for the literals that stand behind the start of every match, where one attempt may take long.
+    void noteNeeded() {
+        const bool once = nodeAs<RE_Start_String>(leadingNode(root)) != nullptr;
+        if (!context.hasLongMatches || context.facts->hasDynamicNodes || once) {
+            return;
+        }
+        seekRequired();
+        const RE_Node* const leading = leadingConsumer(root);
+        for (RE_Found_Literal& found : required) {
+            auto& needed = context.facts->needed;
+            if (found.node != leading && needed.size() < mostNeeded) {
+                const std::uint32_t row = context.nextMemoRow();
+                found.literal.before = context.sets.share(std::move(found.literal.before));
+                needed.push_back(std::make_unique<RE_Literal_Stretches>(std::move(found.literal), row));
+            }
+        }
+    }
+
 private:
     RE_Node* anchored() {
         context.facts->startFinder = RE_Start_Finder::anchored;
@@ -180,15 +202,21 @@ private:
         if (likelihood < 1e-5) {
             return nullptr;
         }
-        if (!soughtRequired) {
-            required = requiredLiteral(context, root);
-            soughtRequired = true;
-        }
-        if (!required || required->finder.likelihood() >= likelihood) {
+        seekRequired();
+        if (required.empty() || required.front().literal.finder.likelihood() >= likelihood) {
             return nullptr;
         }
-        return inFront(RE_Start_Finder::requiredLiteral,
-                       context.make<StringInnerSeeker>(std::move(*required), first.units));
+        auto* const seeker =
+            context.make<StringInnerSeeker>(std::move(required.front().literal), first.units);
+        required.erase(required.begin());
+        return inFront(RE_Start_Finder::requiredLiteral, seeker);
+    }
+
+    void seekRequired() {
+        if (!soughtRequired) {
+            required = requiredLiterals(context, root);
+            soughtRequired = true;
+        }
     }
 
     /// A seeker for many literals that stops less often than at `likelihood` of all positions; null when
@@ -213,12 +241,15 @@ private:
 
     RE_ParserContext& context;
     RE_Node* root;
-    std::optional<RE_Required_Literal> required;
+    std::vector<RE_Found_Literal> required;  ///< that the finder does not look for
     bool soughtRequired = false;
 };
 
 }  // namespace
 
 RE_Node* chooseStartFinder(RE_ParserContext& context, RE_Node* root) {
-    return Chooser(context, root).choose();
+    Chooser chooser(context, root);
+    RE_Node* const finder = chooser.choose();
+    chooser.noteNeeded();
+    return finder;
 }

@@ -1,6 +1,7 @@
 // A literal, or one of a few, that every match holds somewhere, and what may stand before it.
 #pragma once
 
+#include "regexp/memory.h"
 #include "regexp/seek/kernels.h"
 #include "regexp/seek/literal_search.h"
 #include "regexp/unit_set.h"
@@ -48,4 +49,36 @@ struct RE_Required_Literal {
     /// Every unit of a match before its first such literal is one of these.
     std::shared_ptr<const RE_Unit_Set> before;
     std::uint64_t leastBefore;  ///< how many there are at least
+};
+
+/// After so many steps of attempts that failed a search asks whether the literals that a match needs still follow. Tests
+/// set it to 0, before any search, to have it ask each time.
+struct RE_Asking_Delay {
+    static inline std::uint64_t steps = 64;
+};
+
+/// Where a match may start, as far as one literal tells that every match holds: from there it is reached over units that
+/// may stand before it.
+class RE_Literal_Stretches : public RE_Memory {
+public:
+    struct Stretch {
+        const char16_t* begin;
+        const char16_t* end;  ///< still in it
+    };
+
+    /// `memoRow` is a row of its own, for what a search remembers.
+    RE_Literal_Stretches(RE_Required_Literal literal, std::uint32_t memoRow)
+        : required(std::move(literal)), outside(*required.before, false), row(memoRow) {}
+
+    /// The positions from `p` on from which the next literal can be reached, perhaps none: then `end` comes before `begin`.
+    /// False when there are none behind them either. They are remembered: from the later ones the same literal is the next.
+    bool from(const char16_t* p, RE_Search_Info& info, Stretch& stretch) const;
+    /// The first position from `p` on at which a match may start, or null.
+    const char16_t* nextStart(const char16_t* p, RE_Search_Info& info) const;
+
+    RE_Required_Literal required;
+
+private:
+    RE_Class_Scan outside;  ///< units that may not stand before the literal
+    std::uint32_t row;
 };
