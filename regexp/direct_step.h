@@ -51,18 +51,37 @@ RE_Step visitAnchor(const RE_Node* node, const char16_t* p, const RE_Search_Info
 /// Visits a loop over one unit. Most give nothing back and are over after a few units.
 inline RE_Step visitRun(const RE_Node* node, const char16_t* p, RE_Search_Info& info) {
     const auto& loop = static_cast<const RE_Consume&>(*node);
-    if (loop.possessive && !loop.lazy) {
-        const std::uint64_t left = static_cast<std::uint64_t>(info.subjectEnd - p);
-        if (const char16_t* const end = loop.shortRunEnd(p, p + std::min(left, loop.maximum))) {
-            const auto length = static_cast<std::uint64_t>(end - p);
-            if (loop.leads && length < loop.maximum) {
-                info.noteLeadingRun({p, end});
-            }
-            const bool isLong = length >= loop.minimum;
-            return {isLong ? loop.nextNode : nullptr, end};
-        }
+    if (!loop.possessive || loop.lazy) {
+        return visitLeaf<RE_Consume>(node, p, info);
     }
-    return visitLeaf<RE_Consume>(node, p, info);
+    const std::uint64_t left = static_cast<std::uint64_t>(info.subjectEnd - p);
+    const char16_t* const limit = p + std::min(left, loop.maximum);
+    const char16_t* end = loop.shortRunEnd(p, limit);
+    if (end == nullptr) {
+        end = loop.maximum == RE_Consume::noMaximum ? loop.longRunEnd(p, info) : loop.scanOn(p, limit, info);
+    }
+    const auto length = static_cast<std::uint64_t>(end - p);
+    if (loop.leads && length < loop.maximum) {
+        info.noteLeadingRun({p, end});
+    }
+    return {length >= loop.minimum ? loop.nextNode : nullptr, end};
+}
+
+/// Visits the start of a token. One that holds such a loop and nothing else is gone through at once, for the
+/// three steps that it is.
+inline RE_Step visitStartToken(const RE_Node* node, const char16_t* p, RE_Search_Info& info) {
+    const auto& start = static_cast<const RE_Start_Token&>(*node);
+    if (start.run == nullptr || !info.meter.hasRoom(2)) {
+        return visitLeaf<RE_Start_Token>(node, p, info);
+    }
+    info.meter.step();
+    const RE_Step end = visitRun(start.run, p, info);
+    if (end.node == nullptr) {
+        return end;
+    }
+    info.meter.step();
+    info.recordToken(start.number, start.name, info.indexOf(p), info.indexOf(end.p));
+    return {end.node->nextNode, end.p};
 }
 
 /// Visits a node by its virtual functions. Bodies from `floor` on were opened by this run, which `isOver` when
@@ -116,7 +135,7 @@ inline RE_Step visitEnd(const RE_Node* node, const char16_t* p, std::size_t floo
         case RE_Node_Kind::literalSet:
             return visitLeaf<RE_Literal_Set>(node, p, info);
         case RE_Node_Kind::startToken:
-            return visitLeaf<RE_Start_Token>(node, p, info);
+            return visitStartToken(node, p, info);
         case RE_Node_Kind::endToken:
             return visitLeaf<RE_End_Token>(node, p, info);
         case RE_Node_Kind::matchToken:

@@ -178,6 +178,8 @@ public:
     /// Closes a token opened by `noteTokenStart`: writes the slot, puts the token in effect, empties slots
     /// skipped.
     void recordToken(std::size_t index, const char16_t* name, std::size_t end);
+    /// Both at once.
+    void recordToken(std::size_t index, const char16_t* name, std::size_t start, std::size_t end);
 
     // --- passes of loops whose body may consume nothing ---
 
@@ -435,13 +437,19 @@ inline void RE_Search_Info::noteTokenStart(std::size_t index, std::size_t positi
 }
 
 inline void RE_Search_Info::recordToken(std::size_t index, const char16_t* name, std::size_t end) {
-    if (tokens == nullptr || index >= tokens->slots.size() || index >= registers.size()) {
+    if (index < registers.size()) {
+        recordToken(index, name, registers[index], end);
+    }
+}
+
+inline void RE_Search_Info::recordToken(std::size_t index, const char16_t* name, std::size_t start,
+                                        std::size_t end) {
+    if (tokens == nullptr || index >= tokens->slots.size()) {
         return;
     }
     for (std::size_t skipped = tokens->count; skipped < index; ++skipped) {
         setSlot(skipped, RE_TokenInfo{});
     }
-    const std::size_t start = registers[index];
     setSlot(index, RE_TokenInfo{start, end - start, name});
     tokens->count = index + 1;
 }

@@ -30,6 +30,8 @@ public:
         ++left;
         return false;
     }
+    /// So many steps can be taken before the next checkpoint, as long as nothing is scanned.
+    bool hasRoom(std::int64_t steps) const { return left >= steps; }
     void scanned(std::size_t units) { left -= static_cast<std::int64_t>(units / unitsAStep); }
     std::uint64_t taken() const {
         return static_cast<std::uint64_t>(static_cast<std::int64_t>(granted) - left);

@@ -39,10 +39,14 @@ RE_Consume::RE_Consume(RE_ParserContext& context, RE_Consumable* repeated, std::
 const char16_t* RE_Consume::runEnd(const char16_t* p, std::uint64_t most, RE_Search_Info& info) const {
     const std::uint64_t left = static_cast<std::uint64_t>(info.subjectEnd - p);
     const char16_t* const limit = p + std::min(left, most);
-    if (const char16_t* const end = shortRunEnd(p, limit)) {
-        return end;
-    }
+    const char16_t* const end = shortRunEnd(p, limit);
+    return end != nullptr ? end : scanOn(p, limit, info);
+}
+
+// The units that a short run would have belong to this one.
+const char16_t* RE_Consume::scanOn(const char16_t* p, const char16_t* limit, RE_Search_Info& info) const {
     const char16_t* const start = p;
+    p += shortRun;
     while (p < limit) {
         const std::uint64_t block =
             std::min<std::uint64_t>(static_cast<std::uint64_t>(limit - p), RE_SCAN_POLL_UNITS);
@@ -60,17 +64,19 @@ const char16_t* RE_Consume::runEnd(const char16_t* p, std::uint64_t most, RE_Sea
 const char16_t* RE_Consume::endOfRunFrom(const char16_t* p, RE_Search_Info& info) const {
     const RE_Measured_Run* const known = info.measuredRun(memoIndex);
     if (known == nullptr || known->begin == nullptr || p >= known->begin) {
-        return runEnd(p, noMaximum, info);
+        return scanOn(p, info.subjectEnd, info);
     }
     const char16_t* const end = runEnd(p, static_cast<std::uint64_t>(known->begin - p), info);
     return end == known->begin ? known->end : end;
 }
 
-// Searches come back to a long run from each of its positions.
 const char16_t* RE_Consume::wholeRunEnd(const char16_t* p, RE_Search_Info& info) const {
-    if (const char16_t* const end = shortRunEnd(p, info.subjectEnd)) {
-        return end;
-    }
+    const char16_t* const end = shortRunEnd(p, info.subjectEnd);
+    return end != nullptr ? end : longRunEnd(p, info);
+}
+
+// Searches come back to a long run from each of its positions.
+const char16_t* RE_Consume::longRunEnd(const char16_t* p, RE_Search_Info& info) const {
     if (const RE_Measured_Run* known = info.measuredRun(memoIndex); known != nullptr && known->holds(p)) {
         return known->end;
     }

@@ -40,6 +40,10 @@ public:
         }
         return p == limit ? p : nullptr;
     }
+    /// The same of a run that is known to be longer.
+    const char16_t* longRunEnd(const char16_t* p, RE_Search_Info& info) const;
+    /// The same up to a limit.
+    const char16_t* scanOn(const char16_t* p, const char16_t* limit, RE_Search_Info& info) const;
     /// The end of the run of units from `p` on that the item matches, however long.
     const char16_t* wholeRunEnd(const char16_t* p, RE_Search_Info& info) const;
 

@@ -19,6 +19,7 @@ class RE_End_Match;
 class RE_End_Of_Tree;
 class RE_End_String;
 class RE_End_Word;
+class RE_End_Token;
 class RE_Fixed_Counter;
 class RE_Lazy_Counter;
 class RE_Lazy_Decrementer;
@@ -34,6 +35,7 @@ class RE_Split;
 class RE_Start_Counter;
 class RE_Start_Line;
 class RE_Start_String;
+class RE_Start_Token;
 class RE_State_Counter;
 class RE_String;
 class RE_Unit_Class;
@@ -41,7 +43,7 @@ class RE_Unit_Test;
 class RE_Word_Anchor;
 class StringCharSeeker;
 
-using RE_Class_Bits = std::uint32_t;
+using RE_Class_Bits = std::uint64_t;
 
 template <class... Classes>
 struct RE_Class_List {
@@ -69,8 +71,8 @@ struct RE_Class_List {
 
 using RE_Asked_Classes =
     RE_Class_List<RE_Anchor, RE_Atomic, RE_Consumable, RE_Consume, RE_Counter_Popper, RE_Dispatch,
-                  RE_End_Line, RE_End_Match, RE_End_Of_Tree, RE_End_String, RE_End_Word, RE_Fixed_Counter,
+                  RE_End_Line, RE_End_Match, RE_End_Of_Tree, RE_End_String, RE_End_Token, RE_End_Word, RE_Fixed_Counter,
                   RE_Lazy_Counter, RE_Lazy_Decrementer, RE_Literal_Set, RE_Lookaround_Assertion,
                   RE_Match_Token, RE_Natural, RE_Natural_I, RE_Null, RE_Seeker, RE_Split, RE_Start_Counter,
-                  RE_Start_Line, RE_Start_String, RE_State_Counter, RE_String, RE_Unit_Class, RE_Unit_Test,
+                  RE_Start_Line, RE_Start_String, RE_Start_Token, RE_State_Counter, RE_String, RE_Unit_Class, RE_Unit_Test,
                   RE_Word_Anchor, StringCharSeeker>;

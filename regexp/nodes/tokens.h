@@ -59,6 +59,9 @@ public:
         return true;
     }
     bool isStartToken() const override { return true; }
+
+    /// All that the token holds, when that is a loop over one unit that gives nothing back; else null.
+    const RE_Node* run = nullptr;
     void prepareTokens(RE_Token_Names& names) const override;
     std::string label() const override { return "Token start #" + std::to_string(number + 1); }
 };

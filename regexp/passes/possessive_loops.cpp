@@ -2,6 +2,7 @@
 
 #include "regexp/nodes/collection.h"
 #include "regexp/nodes/consume.h"
+#include "regexp/nodes/tokens.h"
 #include "regexp/passes/first_units.h"
 
 namespace {
@@ -19,6 +20,19 @@ bool neverGivesBack(RE_ParserContext& context, const RE_Consume& loop) {
     return !(behind.mayBeEmpty || behind.endsBody) || !(behind.tested || loop.lazy);
 }
 
+/// Tells the token around a loop that gives nothing back of it.
+void tellToken(RE_Node* node) {
+    auto* const start = nodeAs<RE_Start_Token>(node);
+    const auto* const loop = start != nullptr ? nodeAs<RE_Consume>(start->nextNode) : nullptr;
+    if (loop == nullptr || !loop->possessive || loop->lazy || loop->kind != RE_Node_Kind::run) {
+        return;
+    }
+    const auto* const end = nodeAs<RE_End_Token>(loop->nextNode);
+    if (end != nullptr && end->number == start->number && end->kind == RE_Node_Kind::endToken) {
+        start->run = loop;
+    }
+}
+
 }  // namespace
 
 RE_Node* makeLoopsPossessive(RE_ParserContext& context, RE_Node* root) {
@@ -33,6 +47,9 @@ RE_Node* makeLoopsPossessive(RE_ParserContext& context, RE_Node* root) {
             loop->couldNotHelp = true;
             loop->lazy = false;
         }
+    }
+    for (RE_Node* node : graph.nodes()) {
+        tellToken(node);
     }
     return root;
 }
