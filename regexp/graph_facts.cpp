@@ -4,6 +4,6 @@
 
 RE_Graph_Facts::~RE_Graph_Facts() {
     for (RE_Node* node : nodes) {
-        delete node;
+        node->~RE_Node();
     }
 }
