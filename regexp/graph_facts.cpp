@@ -7,6 +7,6 @@ RE_Graph_Facts::RE_Graph_Facts() = default;
 
 RE_Graph_Facts::~RE_Graph_Facts() {
     for (RE_Node* node : nodes) {
-        delete node;
+        node->~RE_Node();
     }
 }

@@ -4,6 +4,7 @@
 #include "regexp/inspect/profile.h"
 #include "regexp/memo.h"
 #include "regexp/memory.h"
+#include "regexp/node_store.h"
 #include "regexp/seek/start_finder_kind.h"
 
 #include <cstddef>
@@ -32,6 +33,7 @@ struct CORVANE_REGEXP_EXPORT RE_Graph_Facts : public RE_Memory {
     RE_Graph_Facts(const RE_Graph_Facts&) = delete;
     RE_Graph_Facts& operator=(const RE_Graph_Facts&) = delete;
 
+    RE_Node_Store store;                                  ///< memory of the nodes
     std::vector<RE_Node*, RE_Allocator<RE_Node*>> nodes;  ///< each once, in the order in which they were made
     std::size_t tokenCount = 0;
     std::size_t passRegisters = 0;  ///< one a loop whose body can match without consuming

@@ -99,6 +99,7 @@ RE_Node* compileGraph(RE_ParserContext& parserContext, const char16_t* pattern, 
     const RE_Flags flags = parserContext.flags;
     // Who looks at the stages wants to see where the strings come from.
     parserContext.joinsTexts = parserContext.options().optimizeLinearSubpatterns() && !observer;
+    parserContext.joinsRuns = parserContext.options().optimizeDotStar() && !observer;
     parserContext.context->set_string(pattern, length);
     RE_Syntax_Tree syntax = RE_Grammar(parserContext, pattern, length, last).read();
     parserContext.flags = flags;
@@ -159,7 +160,7 @@ void RE_Tree::compile(const char16_t* pattern, std::size_t length, RE_Flags flag
 
     tokenCount = parserContext.facts->tokenCount;
     hasTokenNames = !parserContext.tokenNames.empty();
-    nodeCount = parserContext.handOver(RE_Collection::reachable(finished));
+    nodeCount = parserContext.handOver(finished);
     parserContext.facts->lastNodeId = parserContext.nodeCount;
     if (parserContext.options().profile() && place.nodeId == 0) {
         parserContext.facts->profiler =

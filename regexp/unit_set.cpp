@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <iterator>
 
 void RE_Unit_Set::addRange(char16_t low, char16_t high) {
     const bool toTheEnd = high == unitCount - 1;
@@ -57,6 +58,11 @@ void RE_Unit_Set::negate() {
     }
 }
 
+void RE_Unit_Set::clear() {
+    std::fill_n(words, rest() != 0 ? wordCount : varied, 0);
+    varied = 0;
+}
+
 std::size_t RE_Unit_Set::sizeFrom(std::size_t first) const {
     std::size_t count = 0;
     for (std::size_t word = first / 64; word < wordCount; ++word) {
@@ -88,10 +94,21 @@ std::size_t RE_Unit_Set::leastVaried() const {
 
 std::size_t RE_Unit_Set::hash() const {
     const std::size_t count = leastVaried();
-    std::uint64_t mixed = count < wordCount ? rest() : 0;
-    for (std::size_t i = 0; i < count; ++i) {
-        mixed = (std::rotl(mixed, 7) ^ words[i]) * 0x9E3779B97F4A7C15u;
+    const auto mix = [](std::uint64_t before, std::uint64_t word) {
+        return (std::rotl(before, 7) ^ word) * 0x9E3779B97F4A7C15u;
+    };
+    // Every fourth word goes the same way: a multiplication need not wait for the one before.
+    std::uint64_t ways[4] = {count < wordCount ? rest() : 0};
+    std::size_t i = 0;
+    for (; i + std::size(ways) <= count; i += std::size(ways)) {
+        for (std::size_t way = 0; way < std::size(ways); ++way) {
+            ways[way] = mix(ways[way], words[i + way]);
+        }
     }
+    for (; i < count; ++i) {
+        ways[0] = mix(ways[0], words[i]);
+    }
+    const std::uint64_t mixed = mix(mix(mix(ways[0], ways[1]), ways[2]), ways[3]);
     return static_cast<std::size_t>(mixed ^ (mixed >> 32));
 }
 

@@ -33,6 +33,7 @@ public:
     void addRange(char16_t low, char16_t high);
     void addAll(const RE_Unit_Set& other);
     void negate();
+    void clear();
     /// Whether some unit is in both.
     bool meets(const RE_Unit_Set& other) const;
     std::size_t size() const { return sizeFrom(0); }

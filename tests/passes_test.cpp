@@ -93,10 +93,12 @@ std::vector<std::string> sortedLines(const std::string& text) {
     return lines;
 }
 
-// Literals are strings from the beginning, unless somebody watches the stages.
+// Literals are strings, and loops over one unit runs, from the beginning, unless somebody watches the stages.
 TEST(Passes, MakeTheSameGraphWithAndWithoutAWitness) {
     PatternSource source(5);
-    std::vector<std::u16string> patterns{u"ab\\0cd(?:ef)g+hi(?i:-j)kl", u"(?:abc){3}d(?:e|fg)hi", u"a(?i:b-)--c", u"x(?=ab)cd"};
+    std::vector<std::u16string> patterns{u"ab\\0cd(?:ef)g+hi(?i:-j)kl", u"(?:abc){3}d(?:e|fg)hi", u"a(?i:b-)--c", u"x(?=ab)cd",
+                                         u"(?:a+)+b|(?:(?:[ab]+)+)*c", u"(?:b|x*?)b|(?:|\\d{0,5}?)y", u"a?(?:b|.|c)d",
+                                         u"x{2,}?y{0,3}z{4,40}+(?:a+?){2,}(?<=b{3,}?)[cd]?+"};
     for (int count = 0; count < 500; ++count) patterns.push_back(widen(source.pattern({})));
     for (const std::u16string& pattern : patterns) {
         RE_Context context;

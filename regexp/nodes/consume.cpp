@@ -18,7 +18,7 @@ std::shared_ptr<const RE_Unit_Set> unitsOf(RE_ParserContext& context, const RE_C
     if (const RE_Unit_Set* const table = item.table()) {
         return {std::shared_ptr<const void>(), table};
     }
-    auto units = RE_Unit_Set::make();
+    auto units = context.sets.blank();
     item.addUnitsTo(*units);
     return context.sets.share(std::move(units));
 }

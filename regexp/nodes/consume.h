@@ -55,6 +55,7 @@ public:
     std::uint64_t minimum;      ///< units
     std::uint64_t maximum;      ///< units, or `noMaximum`
     bool lazy;                  ///< tries the shortest run first
+    bool isOpen = false;        ///< made by the parser, and without a number of its own so far
 
 private:
     bool goOn(const char16_t* from, const char16_t* end, std::size_t& pos, RE_Search_Info& info) const;

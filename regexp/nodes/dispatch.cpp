@@ -4,19 +4,6 @@
 
 #include <algorithm>
 #include <bit>
-#include <map>
-#include <numeric>
-#include <span>
-
-namespace {
-
-struct Before {
-    bool operator()(std::span<const std::uint32_t> a, std::span<const std::uint32_t> b) const {
-        return a.size() != b.size() ? a.size() < b.size() : std::ranges::lexicographical_compare(a, b);
-    }
-};
-
-}  // namespace
 
 void RE_Branch_Start::addAll(const RE_Unit_Set& units) {
     for (std::size_t block = 0; block < tableUnits / 64; ++block) {
@@ -41,43 +28,55 @@ std::size_t RE_Branch_Start::count() const {
     return sum;
 }
 
-// The ways of each column, one list behind another.
-RE_Dispatch::Lists RE_Dispatch::listsOf(const Branches& branches,
-                                        std::array<std::uint32_t, RE_Branch_Start::columns + 1>& starts) {
-    starts.fill(0);
-    for (const Branch& branch : branches) {
-        branch.start.forEachColumn([&](std::size_t column) { ++starts[column + 1]; });
+void RE_Branch_Start::addChangesTo(RE_Branch_Start& changes) const {
+    for (std::size_t i = 0; i < bits.size(); ++i) {
+        const std::uint64_t before = bits[i] << 1 | (i != 0 ? bits[i - 1] >> 63 : 0);
+        changes.bits[i] |= bits[i] ^ before;
     }
-    std::partial_sum(starts.begin(), starts.end(), starts.begin());
-    Lists lists(starts.back());
-    auto filled = starts;
-    for (std::size_t way = 0; way < branches.size(); ++way) {
-        branches[way].start.forEachColumn(
-            [&](std::size_t column) { lists[filled[column]++] = static_cast<std::uint32_t>(way * 2); });
-    }
-    return lists;
 }
 
-RE_Dispatch::RE_Dispatch(RE_ParserContext& context, const Branches& branches) : RE_Node(context) {
+// Neighbouring columns mostly have the same list.
+RE_Dispatch::RE_Dispatch(RE_ParserContext& context, Branches branches) : RE_Node(context) {
     ways.reserve(branches.size());
+    RE_Branch_Start changes;
     for (const Branch& branch : branches) {
         ways.push_back(branch.node);
+        branch.start.addChangesTo(changes);
     }
-    std::array<std::uint32_t, RE_Branch_Start::columns + 1> starts;
-    Lists lists = listsOf(branches, starts);
-    std::map<std::span<const std::uint32_t>, std::uint32_t, Before> known;
+    std::vector<std::uint32_t> list;
+    std::vector<std::uint32_t> known;
+    list.reserve(branches.size());
     for (std::size_t column = 0; column < RE_Branch_Start::columns; ++column) {
-        const std::span<std::uint32_t> list(lists.data() + starts[column], lists.data() + starts[column + 1]);
-        if (list.empty()) {
+        if (!changes.holds(column)) {
+            firstPlace[column] = column != 0 ? firstPlace[column - 1] : nowhere;
             continue;
         }
-        list.back() |= lastOfList;
-        const auto [place, isNew] = known.try_emplace(list, static_cast<std::uint32_t>(places.size()));
-        if (isNew) {
-            places.insert(places.end(), list.begin(), list.end());
+        list.clear();
+        for (std::size_t way = 0; way < branches.size(); ++way) {
+            if (branches[way].start.holds(column)) {
+                list.push_back(static_cast<std::uint32_t>(way * 2));
+            }
         }
-        firstPlace[column] = place->second;
+        if (!list.empty()) {
+            list.back() |= lastOfList;
+            firstPlace[column] = placeOf(list, known);
+        }
     }
+}
+
+// The mark of the last entry is part of what is compared: lists of different lengths are never equal.
+std::uint32_t RE_Dispatch::placeOf(std::span<const std::uint32_t> list, std::vector<std::uint32_t>& known) {
+    const auto standsAt = [&](std::uint32_t place) {
+        return places.size() - place >= list.size() &&
+               std::equal(list.begin(), list.end(), places.begin() + place);
+    };
+    const auto same = std::ranges::find_if(known, standsAt);
+    if (same != known.end()) {
+        return *same;
+    }
+    known.push_back(static_cast<std::uint32_t>(places.size()));
+    places.insert(places.end(), list.begin(), list.end());
+    return known.back();
 }
 
 bool RE_Dispatch::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {

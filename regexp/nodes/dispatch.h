@@ -6,9 +6,9 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -28,15 +28,9 @@ struct RE_Branch_Start {
     void addEverything();
     /// How many columns it can begin with.
     std::size_t count() const;
-
-    template <class Visit>
-    void forEachColumn(Visit visit) const {
-        for (std::size_t i = 0; i < bits.size(); ++i) {
-            for (std::uint64_t left = bits[i]; left != 0; left &= left - 1) {
-                visit(64 * i + static_cast<std::size_t>(std::countr_zero(left)));
-            }
-        }
-    }
+    bool holds(std::size_t column) const { return (bits[column / 64] >> (column % 64) & 1) != 0; }
+    /// Adds the columns that are not like the one before them.
+    void addChangesTo(RE_Branch_Start& changes) const;
 
 private:
     void addColumn(std::size_t column) { bits[column / 64] |= std::uint64_t{1} << (column % 64); }
@@ -52,9 +46,9 @@ public:
         RE_Node* node;
         RE_Branch_Start start;
     };
-    using Branches = std::vector<Branch, RE_Allocator<Branch>>;
+    using Branches = std::span<const Branch>;
 
-    RE_Dispatch(RE_ParserContext& context, const Branches& branches);
+    RE_Dispatch(RE_ParserContext& context, Branches branches);
 
     /// The first branch that can begin at `p`, or null. Leaves a choice when there are more.
     const RE_Node* choose(const char16_t* p, RE_Search_Info& info) const {
@@ -77,10 +71,8 @@ public:
 private:
     static constexpr std::uint32_t nowhere = 0;
 
-    using Lists = std::vector<std::uint32_t>;
-
-    static Lists listsOf(const Branches& branches,
-                         std::array<std::uint32_t, RE_Branch_Start::columns + 1>& starts);
+    /// The place of this list, which is added unless it stands there already.
+    std::uint32_t placeOf(std::span<const std::uint32_t> list, std::vector<std::uint32_t>& known);
 
     RE_Node* take(std::uint32_t place, const char16_t* p, RE_Search_Info& info) const {
         const std::uint32_t entry = places[place];

@@ -2,10 +2,12 @@
 //
 // A node is measured after the nodes it leads to; a node that is met again while it is being measured closes
 // a loop, and a loop can be repeated without bound as far as the links tell.
-#include "regexp/nodes/node.h"
+#include "regexp/nodes/links.h"
 #include "regexp/nodes/trivial.h"
+#include "regexp/scratch_memory.h"
 
 #include <algorithm>
+#include <memory_resource>
 #include <vector>
 
 namespace {
@@ -14,17 +16,11 @@ std::uint64_t addSaturated(std::uint64_t a, std::uint64_t b) {
     return a > RE_Node::unboundedLength - b ? RE_Node::unboundedLength : a + b;
 }
 
-/// The links along which a match goes on; bodies and items are measured apart.
-struct Ways : RE_Link_Visitor {
-    void link(RE_Node*& target, RE_Link kind) override {
-        const bool onward = kind == RE_Link::next || kind == RE_Link::fail || kind == RE_Link::alternative ||
-                            kind == RE_Link::done;
-        if (target != nullptr && onward) {
-            nodes.push_back(target);
-        }
-    }
-    std::vector<RE_Node*, RE_Allocator<RE_Node*>> nodes;
-};
+/// Whether a match goes on along the link; bodies and items are measured apart.
+bool isOnward(RE_Link kind) {
+    return kind == RE_Link::next || kind == RE_Link::fail || kind == RE_Link::alternative ||
+           kind == RE_Link::done;
+}
 
 constexpr std::size_t usualNodes = 32;
 
@@ -43,12 +39,11 @@ void begin(RE_Node& node) {
 }  // namespace
 
 void RE_Node::computeLengths() {
-    std::vector<Entry, RE_Allocator<Entry>> stack{{this, false}};
-    std::vector<RE_Node*, RE_Allocator<RE_Node*>> measured;
-    Ways ways;
+    RE_Scratch_Memory scratch;
+    std::pmr::vector<Entry> stack({{this, false}}, &scratch);
+    std::pmr::vector<RE_Node*> measured(&scratch);
     stack.reserve(usualNodes);
     measured.reserve(usualNodes);
-    ways.nodes.reserve(2);
     while (!stack.empty()) {
         const Entry entry = stack.back();
         stack.pop_back();
@@ -62,11 +57,11 @@ void RE_Node::computeLengths() {
         begin(*entry.node);
         measured.push_back(entry.node);
         stack.push_back({entry.node, true});
-        ways.nodes.clear();
-        entry.node->visitLinks(ways);
-        for (RE_Node* way : ways.nodes) {
-            stack.push_back({way, false});
-        }
+        forEachLink(*entry.node, [&stack](RE_Node* target, RE_Link way) {
+            if (target != nullptr && isOnward(way)) {
+                stack.push_back({target, false});
+            }
+        });
     }
     for (RE_Node* node : measured) {
         node->visited = false;
@@ -74,26 +69,21 @@ void RE_Node::computeLengths() {
 }
 
 void RE_Node::combineLengths() {
-    struct Shortest : RE_Link_Visitor {
-        void link(RE_Node*& target, RE_Link linkKind) override {
-            if (target == nullptr || linkKind == RE_Link::body || linkKind == RE_Link::item ||
-                linkKind == RE_Link::helper) {
-                return;
-            }
+    std::uint64_t least = 0;
+    std::uint64_t greatest = 0;
+    bool bounded = true;
+    bool any = false;
+    forEachLink(*this, [&](const RE_Node* target, RE_Link way) {
+        if (target != nullptr && isOnward(way)) {
             least = any ? std::min(least, target->minLength) : target->minLength;
             greatest = std::max(greatest, target->maxLength);
             bounded = bounded && target->maxBounded;
             any = true;
         }
-        std::uint64_t least = 0;
-        std::uint64_t greatest = 0;
-        bool bounded = true;
-        bool any = false;
-    } onward;
-    visitLinks(onward);
-    minLength = addSaturated(width(), onward.least);
-    maxBounded = onward.bounded;
-    maxLength = onward.bounded ? addSaturated(width(), onward.greatest) : unboundedLength;
+    });
+    minLength = addSaturated(width(), least);
+    maxBounded = bounded;
+    maxLength = bounded ? addSaturated(width(), greatest) : unboundedLength;
 }
 
 void RE_Fail::combineLengths() {

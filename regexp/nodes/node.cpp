@@ -1,6 +1,5 @@
 #include "regexp/nodes/node.h"
 
-#include "regexp/nodes/collection.h"
 #include "regexp/parser/parser_context.h"
 #include "regexp/search_info.h"
 #include "regexp/unit_set.h"
@@ -34,39 +33,6 @@ RE_Node* RE_Node::bodyEnded(bool, std::size_t&, RE_Search_Info&) const {
 
 void RE_Node::visitLinks(RE_Link_Visitor& visitor) {
     visitor.link(nextNode, RE_Link::next);
-}
-
-void RE_Node::collectSuccessors(RE_Collection& collection) {
-    struct Adder : RE_Link_Visitor {
-        explicit Adder(RE_Collection& all) : collection(all) {}
-        void link(RE_Node*& target, RE_Link) override { collection.add(target); }
-        RE_Collection& collection;
-    } adder(collection);
-    visitLinks(adder);
-}
-
-void RE_Node::bypassSkippable() {
-    struct Bypass : RE_Link_Visitor {
-        // What was passed over is made to lead straight to the end too, so that long chains are walked once
-        // only.
-        void link(RE_Node*& target, RE_Link) override {
-            RE_Node* const end = throughSkippable(target);
-            for (RE_Node* passed = target; passed != end;) {
-                RE_Node* const following = passed->nextNode;
-                passed->nextNode = end;
-                passed = following;
-            }
-            target = end;
-        }
-    } bypass;
-    visitLinks(bypass);
-}
-
-RE_Node* throughSkippable(RE_Node* node) {
-    while (node != nullptr && node->isSkippable()) {
-        node = node->next();
-    }
-    return node;
 }
 
 const char16_t* RE_Node::seek(const char16_t* p, RE_Search_Info&) const {

@@ -15,7 +15,6 @@
 #include <cstdint>
 #include <string>
 
-class RE_Collection;
 struct RE_Graph_Output;
 class RE_Token_Names;
 struct RE_Graph_Facts;
@@ -107,10 +106,6 @@ public:
     // --- the graph ---
 
     virtual void visitLinks(RE_Link_Visitor& visitor);
-    /// Adds every node that this one links to.
-    virtual void collectSuccessors(RE_Collection& collection);
-    /// Redirects links over nodes that do nothing.
-    virtual void bypassSkippable();
     /// Having matched, this node goes on at `target` and nowhere else.
     virtual bool leadsTo(RE_Node* /*target*/) { return false; }
     virtual bool isSkippable() const { return skippable; }
@@ -200,7 +195,13 @@ const Class* nodeAs(const RE_Node* node) {
 }
 
 /// The node that a link to `node` leads to once nodes that do nothing are passed over.
-RE_Node* throughSkippable(RE_Node* node);
+inline RE_Node* throughSkippable(RE_Node* node) {
+    constexpr RE_Class_Bits empty = RE_Asked_Classes::bit<RE_Null>();
+    while (node != nullptr && (node->skippable || (node->classes & empty) != 0) && node->isSkippable()) {
+        node = node->next();
+    }
+    return node;
+}
 
 /// A node with a second way on when it fails.
 class CORVANE_REGEXP_EXPORT RE_Fail : public RE_Node {

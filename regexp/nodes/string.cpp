@@ -81,7 +81,6 @@ void takeFollowing(RE_String& string, RE_ParserContext& context) {
         joined->skippable = true;
         context.hasSkippable = true;
     }
-    string.initSeek();
 }
 
 RE_Node* joinRun(RE_Natural& first, bool ignoreCase, RE_ParserContext& context) {

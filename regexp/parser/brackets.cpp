@@ -2,8 +2,9 @@
 
 #include "regexp/parser/modes.h"
 
-RE_Brackets::RE_Brackets(const char16_t* pattern, std::size_t units, RE_Flags flags)
-    : text(pattern), length(units), closings(units, none) {
+RE_Brackets::RE_Brackets(const char16_t* pattern, std::size_t units, RE_Flags flags,
+                         std::pmr::memory_resource* memory)
+    : text(pattern), length(units), closings(units, none, memory), open(memory) {
     pair(flags);
     open.clear();
     open.shrink_to_fit();

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory_resource>
 #include <vector>
 
 /// Pairs the parentheses and the sets of a pattern. A backslash makes the next unit inert; inside a set only
@@ -15,7 +16,7 @@ class RE_Brackets {
 public:
     static constexpr std::uint32_t none = static_cast<std::uint32_t>(-1);
 
-    RE_Brackets(const char16_t* text, std::size_t length, RE_Flags flags);
+    RE_Brackets(const char16_t* text, std::size_t length, RE_Flags flags, std::pmr::memory_resource* memory);
 
     /// Index of the unit that closes the `(` or `[` at `opening`, or `none`.
     std::uint32_t closing(std::size_t opening) const { return closings[opening]; }
@@ -38,8 +39,8 @@ private:
 
     const char16_t* text;
     std::size_t length;
-    std::vector<std::uint32_t, RE_Allocator<std::uint32_t>> closings;
-    std::vector<Open, RE_Allocator<Open>> open;
+    std::pmr::vector<std::uint32_t> closings;
+    std::pmr::vector<Open> open;
     bool freeSpacing = false;
     bool setsExhausted = false;  ///< no further `]` closes anything
     std::size_t braceFrom = 0;

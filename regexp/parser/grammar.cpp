@@ -9,7 +9,11 @@ RE_Grammar::RE_Grammar(RE_ParserContext& parserContext, const char16_t* pattern,
       text(pattern),
       length(units),
       makesTokens(tokens),
-      brackets(pattern, units, parserContext.flags) {}
+      brackets(pattern, units, parserContext.flags, &parserContext.scratch),
+      tree(&parserContext.scratch),
+      frames(&parserContext.scratch),
+      knownSets{std::pmr::unordered_map<std::u16string_view, std::uint32_t>(&parserContext.scratch),
+                std::pmr::unordered_map<std::u16string_view, std::uint32_t>(&parserContext.scratch)} {}
 
 RE_Syntax_Tree RE_Grammar::read() {
     const std::uint32_t root = tree.add(RE_Syntax_Kind::group, 0, flags());

@@ -11,6 +11,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
 class RE_Grammar {
@@ -93,6 +95,7 @@ private:
 
     // sets.cpp
     void readSet();
+    void addSet(std::size_t position, std::uint32_t set);
 
     // quantifiers.cpp
     bool readQuantifier();
@@ -112,7 +115,9 @@ private:
     bool makesTokens;
     RE_Brackets brackets;
     RE_Syntax_Tree tree;
-    std::vector<Frame, RE_Allocator<Frame>> frames;
+    std::pmr::vector<Frame> frames;
+    /// Sets by their source, which are read alike: where case counts, and where it does not.
+    std::pmr::unordered_map<std::u16string_view, std::uint32_t> knownSets[2];
     std::size_t at = 0;
     std::size_t closedDepth = 0;
     std::vector<Reference, RE_Allocator<Reference>> references;

@@ -21,7 +21,7 @@
 class RE_Graph_Builder {
 public:
     RE_Graph_Builder(RE_ParserContext& parserContext, const RE_Syntax_Tree& syntax)
-        : context(parserContext), tree(syntax) {}
+        : context(parserContext), tree(syntax), work(&parserContext.scratch) {}
 
     /// Builds the whole graph; its end hands control to `continuation` where there is one. Returns the root.
     RE_Node* build(RE_Node* continuation);
@@ -69,6 +69,7 @@ private:
     // repetition.cpp
     void emitRepeat(std::uint32_t index);
     void emitLoop(std::uint32_t index);
+    void emitRun(std::uint32_t index, const RE_Repeat_Plan& plan);
     Loop openLoop(std::uint32_t index, const RE_Repeat_Plan& plan);
     void emitOptional(Loop loop);
     void emitStar(Loop loop);
@@ -96,7 +97,7 @@ private:
 
     RE_ParserContext& context;
     const RE_Syntax_Tree& tree;
-    std::vector<RE_Build_Step, RE_Allocator<RE_Build_Step>> work;
+    std::pmr::vector<RE_Build_Step> work;
     RE_Node** tail = nullptr;
     RE_Node* appended = nullptr;           ///< the last node that was appended
     std::size_t bodyDepth = 0;             ///< closed bodies around the place that is being built

@@ -158,7 +158,7 @@ struct Visit {
 
 void measureSyntax(RE_Syntax_Tree& tree, RE_ParserContext& context, const char16_t* text) {
     Measure measure(tree, context, text);
-    std::vector<Visit, RE_Allocator<Visit>> stack{{RE_Syntax_Tree::root, false}};
+    std::pmr::vector<Visit> stack({{RE_Syntax_Tree::root, false}}, &context.scratch);
     while (!stack.empty()) {
         const Visit visit = stack.back();
         stack.pop_back();

@@ -8,18 +8,20 @@
 #include "regexp/memory.h"
 #include "regexp/nodes/node.h"
 #include "regexp/parser/set_pool.h"
+#include "regexp/scratch_memory.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <memory_resource>
 #include <string>
 #include <utility>
 #include <vector>
 
 class RE_Node;
 
-/// Owns (through the facts) every node it made until the finished graph is handed over, so that a host that
+/// Owns every node it made until the finished graph is handed over, so that a host that
 /// throws out of a callback leaks nothing.
 class CORVANE_REGEXP_EXPORT RE_ParserContext : public RE_Memory {
 public:
@@ -32,17 +34,19 @@ public:
     /// does.
     template <class Node, class... Arguments>
     Node* make(Arguments&&... arguments) {
-        facts->nodes.push_back(nullptr);
+        made.push_back(nullptr);
         Node* node = nullptr;
         if (options().profile()) {
-            node = new RE_Profile_Node<Node>(*this, std::forward<Arguments>(arguments)...);
+            using Counting = RE_Profile_Node<Node>;
+            node = new (facts->store.take(sizeof(Counting)))
+                Counting(*this, std::forward<Arguments>(arguments)...);
         } else {
-            node = new Node(*this, std::forward<Arguments>(arguments)...);
+            node = new (facts->store.take(sizeof(Node))) Node(*this, std::forward<Arguments>(arguments)...);
             static_cast<RE_Node*>(node)->kind = kindOfNode<Node>;
         }
         static_cast<RE_Node*>(node)->classes = RE_Asked_Classes::bitsOf<Node>();
         madeClasses |= RE_Asked_Classes::bitsOf<Node>();
-        facts->nodes.back() = node;
+        made.back() = node;
         return node;
     }
     /// Whether a node of one of these classes was ever made: without any, a pass that is about them has nothing to do.
@@ -63,14 +67,16 @@ public:
     }
     const Corvane::regexp::CompileOptions& options() const { return context->getCompileOptions(); }
 
-    /// Deletes every node that is not in `kept` and hands the rest to the facts. Returns how many those are.
-    std::size_t handOver(const std::vector<RE_Node*, RE_Allocator<RE_Node*>>& kept);
+    /// Hands the nodes that are reached from the root to the facts and destroys the others. Returns how many are left.
+    std::size_t handOver(RE_Node* root);
 
+    RE_Scratch_Memory scratch;  ///< what compiling takes for itself
     RE_Context* context;
     std::uint64_t nodeCount = 0;
     std::uint32_t walks = 0;
     RE_Class_Bits madeClasses = 0;
     bool joinsTexts = false;      ///< runs of literals are strings from the beginning
+    bool joinsRuns = false;       ///< loops over one unit are runs from the beginning
     bool renumbers = false;       ///< some nodes are not in the order of their numbers
     bool hasUnitRuns = false;     ///< some nodes are chains of single units by their fail targets
     bool hasLongMatches = false;  ///< a match may have very many units
@@ -78,7 +84,7 @@ public:
     RE_Node* outer;
     RE_Flags flags;
     std::unique_ptr<RE_Graph_Facts> facts;
-    RE_Set_Pool sets;
+    RE_Set_Pool sets{&scratch};
     /// Token numbers (slots, from 0) of each name.
     std::multimap<std::u16string, std::size_t> tokenNames;
     /// Set while the text of an expression is read, in which no further expressions may stand.
@@ -86,4 +92,7 @@ public:
     /// What the replacement texts that were read refer to. Tokens by number are in the facts.
     std::vector<std::u16string> referencedNames;
     bool refersToSurroundings = false;  ///< to the text before, in or after the match
+
+private:
+    std::pmr::vector<RE_Node*> made{&scratch};  ///< in this order; null while one is made
 };

@@ -1,5 +1,7 @@
 // Builds loops out of splits, counters and pass guards, or copies of a body where those are few.
+#include "regexp/nodes/consume.h"
 #include "regexp/parser/graph_builder.h"
+#include "regexp/parser/unit_nodes.h"
 
 #include <algorithm>
 
@@ -15,6 +17,23 @@ RE_Node*& intoLoop(RE_Split& choice, bool lazy) {
 }
 RE_Node*& outOfLoop(RE_Split& choice, bool lazy) {
     return lazy ? choice.nextNode : choice.alternative;
+}
+
+/// How many nodes a loop over one unit is built of, besides the unit.
+struct LoopNodes {
+    std::uint64_t beforeUnit;
+    std::uint64_t behindUnit;
+};
+
+LoopNodes nodesOfLoop(const RE_Repeat_Plan& plan, bool lazy) {
+    const bool endless = plan.maximum == RE_Syntax::noMaximum;
+    if (!plan.counted) {
+        const bool star = endless && plan.minimum == 0;
+        return {star ? 1U : 2U, endless && !star ? 1U : 0U};
+    }
+    const std::uint64_t required = plan.minimum > 0 ? 3 : 0;
+    const std::uint64_t limited = plan.maximum == plan.minimum ? 0 : (lazy ? 4 : 3);
+    return {2 + required + (endless ? 1 : limited), 0};
 }
 
 }  // namespace
@@ -37,6 +56,10 @@ void RE_Graph_Builder::emitLoop(std::uint32_t index) {
         emit(tree[index].firstChild);
         return;
     }
+    if (context.joinsRuns && !plan.unrolled && tree.consumesOneUnit(tree[index].firstChild)) {
+        emitRun(index, plan);
+        return;
+    }
     const Loop loop = openLoop(index, plan);
     if (plan.unrolled) {
         emitCopies(loop, plan);
@@ -49,6 +72,24 @@ void RE_Graph_Builder::emitLoop(std::uint32_t index) {
     } else {
         emitPlus(loop);
     }
+}
+
+// The node that the pass for loops over one unit would make of the loop, made at once. Its number and its row it gets
+// from the pass, and those that the nodes of the loop would have got are left out.
+void RE_Graph_Builder::emitRun(std::uint32_t index, const RE_Repeat_Plan& plan) {
+    const bool exact = plan.minimum == plan.maximum;
+    const bool lazy = tree[index].qualifier == RE_Qualifier::lazy && !exact;
+    const LoopNodes nodes = nodesOfLoop(plan, lazy);
+    context.nodeCount += nodes.beforeUnit;
+    RE_Consumable* const unit = makeUnitNode(context, tree, tree[index].firstChild);
+    context.nodeCount += nodes.behindUnit;
+    context.facts->memoRows += exact ? 0 : 1;
+    const auto order = lazy ? RE_Consume::Order::lazy : RE_Consume::Order::greedy;
+    auto* const run = context.make<RE_Consume>(unit, plan.minimum, plan.maximum, order);
+    --context.nodeCount;
+    run->isOpen = true;
+    run->memoScope = scope;
+    append(run);
 }
 
 RE_Graph_Builder::Loop RE_Graph_Builder::openLoop(std::uint32_t index, const RE_Repeat_Plan& plan) {

@@ -2,6 +2,15 @@
 
 #include <utility>
 
+std::shared_ptr<RE_Unit_Set> RE_Set_Pool::blank() {
+    if (spare == nullptr || spare.use_count() > 1) {
+        spare = RE_Unit_Set::make();
+    } else {
+        spare->clear();
+    }
+    return spare;
+}
+
 std::shared_ptr<const RE_Unit_Set> RE_Set_Pool::share(std::shared_ptr<const RE_Unit_Set> units) {
     const std::size_t hash = units->hash();
     const auto [first, last] = known.equal_range(hash);

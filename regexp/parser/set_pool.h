@@ -5,13 +5,19 @@
 
 #include <cstddef>
 #include <memory>
+#include <memory_resource>
 #include <unordered_map>
 
 class RE_Set_Pool {
 public:
+    explicit RE_Set_Pool(std::pmr::memory_resource* memory) : known(memory) {}
+
+    /// An empty set. One that was not kept by whom it was given to is given again.
+    std::shared_ptr<RE_Unit_Set> blank();
     /// The set equal to this one that was given first.
     std::shared_ptr<const RE_Unit_Set> share(std::shared_ptr<const RE_Unit_Set> units);
 
 private:
-    std::unordered_multimap<std::size_t, std::shared_ptr<const RE_Unit_Set>> known;
+    std::pmr::unordered_multimap<std::size_t, std::shared_ptr<const RE_Unit_Set>> known;
+    std::shared_ptr<RE_Unit_Set> spare;
 };

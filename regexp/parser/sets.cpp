@@ -19,7 +19,7 @@ struct Member {
 class Set_Reader {
 public:
     Set_Reader(RE_ParserContext& parserContext, const char16_t* pattern, std::size_t closing)
-        : context(parserContext), text(pattern), close(closing) {}
+        : tests(parserContext.sets.blank()), context(parserContext), text(pattern), close(closing) {}
 
     void readFrom(std::size_t at) {
         for (bool first = true; at < close; first = false) {
@@ -36,6 +36,7 @@ public:
     }
 
     RE_Unit_Test_Set tests;
+    bool hasWarned = false;
 
 private:
     /// Looks at the upper end of a range without reporting it yet.
@@ -57,6 +58,7 @@ private:
         const RE_Escape escape = readEscape(text, close, at);
         const bool tooLarge = escape.value > 0xFFFF;
         if (reporting && (tooLarge || escape.problem != RE_WARNING_NONE)) {
+            hasWarned = true;
             context.warn(text + (tooLarge ? at + 1 : escape.where),
                          tooLarge ? RE_WARNING_UNKNOWN_ESCAPE : escape.problem);
         }
@@ -103,24 +105,38 @@ void RE_Grammar::readSet() {
         addLiteral(u'[', at++);
         return;
     }
-    const std::size_t start = at;
+    const std::u16string_view source(text + at, close + std::size_t{1} - at);
+    auto& known = knownSets[has(RE_FLAG_IGNORE_CASE) ? 1 : 0];
+    if (const auto same = known.find(source); same != known.end()) {
+        addSet(at, same->second);
+        at += source.size();
+        return;
+    }
     const bool negated = text[at + 1] == u'^';
     Set_Reader reader(context, text, close);
     reader.readFrom(at + (negated ? 2 : 1));
-    at = close + std::size_t{1};
     if (!negated && reader.tests.members() == 1) {
         const RE_Unit_Test_Set::Member sole = reader.tests.firstMember();
         addItem(sole.isClass ? RE_Syntax_Kind::escaped
                              : (sole.low == sole.high ? RE_Syntax_Kind::literal : RE_Syntax_Kind::range),
-                start);
+                at);
         RE_Syntax& item = tree[tree[frame().branch].lastChild];
         item.low = sole.low;
         item.high = sole.high;
-        return;
+    } else {
+        const auto number = static_cast<std::uint32_t>(tree.sets.size());
+        tree.sets.push_back(
+            {context.sets.share(reader.tests.finish(negated)),
+             labelText(source.data(), source.size()) + (has(RE_FLAG_IGNORE_CASE) ? " ignoring case" : "")});
+        if (!reader.hasWarned) {
+            known.emplace(source, number);
+        }
+        addSet(at, number);
     }
-    addItem(RE_Syntax_Kind::set, start);
-    tree[tree[frame().branch].lastChild].payload = static_cast<std::uint32_t>(tree.sets.size());
-    tree.sets.push_back(
-        {context.sets.share(reader.tests.finish(negated)),
-         labelText(text + start, at - start) + (has(RE_FLAG_IGNORE_CASE) ? " ignoring case" : "")});
+    at += source.size();
+}
+
+void RE_Grammar::addSet(std::size_t position, std::uint32_t set) {
+    addItem(RE_Syntax_Kind::set, position);
+    tree[tree[frame().branch].lastChild].payload = set;
 }

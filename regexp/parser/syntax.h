@@ -9,8 +9,8 @@
 #include "regexp/unit_set.h"
 
 #include <cstdint>
-#include <deque>
 #include <memory>
+#include <memory_resource>
 #include <string>
 #include <variant>
 #include <vector>
@@ -90,7 +90,10 @@ using RE_Syntax_Dynamic =
 
 class RE_Syntax_Tree {
 public:
-    RE_Syntax_Tree() { items.reserve(usualItems); }
+    explicit RE_Syntax_Tree(std::pmr::memory_resource* memory) : sets(memory), units(memory), items(memory) {
+        items.reserve(usualItems);
+        units.reserve(usualUnits);
+    }
 
     std::uint32_t add(RE_Syntax_Kind kind, std::uint32_t position, RE_Flags flags);
     void append(std::uint32_t parent, std::uint32_t child);
@@ -115,14 +118,15 @@ public:
 
     static constexpr std::uint32_t root = 0;
 
-    std::vector<RE_Syntax_Set> sets;
+    std::pmr::vector<RE_Syntax_Set> sets;
     std::vector<std::u16string> names;
-    std::vector<char16_t, RE_Allocator<char16_t>> units;
+    std::pmr::vector<char16_t> units;
     std::vector<RE_Syntax_Dynamic> dynamics;
     std::uint64_t groupCount = 0;
 
 private:
     static constexpr std::size_t usualItems = 16;
+    static constexpr std::size_t usualUnits = 32;
 
-    std::vector<RE_Syntax, RE_Allocator<RE_Syntax>> items;
+    std::pmr::vector<RE_Syntax> items;
 };

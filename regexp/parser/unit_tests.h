@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <utility>
 
 /// How a range of units is tested.
 enum class RE_Range_Test {
@@ -41,6 +42,9 @@ public:
         char16_t high;
     };
 
+    /// `table` is empty.
+    explicit RE_Unit_Test_Set(std::shared_ptr<RE_Unit_Set> table) : units(std::move(table)) {}
+
     static bool namesClass(char16_t letter) { return namedClass(letter).test != nullptr; }
 
     void addRange(char16_t low, char16_t high, RE_Flags flags);
@@ -54,7 +58,7 @@ public:
 private:
     void note(const Member& member);
 
-    std::shared_ptr<RE_Unit_Set> units = RE_Unit_Set::make();
+    std::shared_ptr<RE_Unit_Set> units;
     std::size_t count = 0;
     Member first{};
 };

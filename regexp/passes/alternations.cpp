@@ -12,6 +12,7 @@
 #include "regexp/passes/null_nodes.h"
 
 #include <algorithm>
+#include <memory_resource>
 #include <optional>
 #include <vector>
 
@@ -33,14 +34,15 @@ RE_Split* innerSplit(RE_Node* node) {
 
 /// The splits that no other split leads to alone, the last ones first, so that a choice within a branch is
 /// rewritten before the choice of the branch.
-std::vector<RE_Split*> firstSplits(const RE_Collection& graph) {
-    std::vector<RE_Split*> inner;
-    std::vector<RE_Split*> first;
+std::pmr::vector<RE_Split*> firstSplits(const RE_Collection& graph, std::pmr::memory_resource* memory) {
+    std::pmr::vector<RE_Split*> inner(memory);
+    std::pmr::vector<RE_Split*> first(memory);
     for (RE_Node* node : graph.nodes()) {
         if (RE_Split* const split = plainSplit(node)) {
             for (RE_Node* way : {split->nextNode, split->alternative}) {
-                RE_Split* const other = innerSplit(way);
-                inner.insert(inner.end(), other != nullptr ? 1 : 0, other);
+                if (RE_Split* const other = innerSplit(way)) {
+                    inner.push_back(other);
+                }
             }
             first.push_back(split);
         }
@@ -101,7 +103,7 @@ RE_Branch_Start startOf(RE_ParserContext& context, RE_Node* branch) {
 }
 
 /// Whether looking at the next unit rules out a quarter of the branches or more.
-bool rulesOutEnough(const RE_Dispatch::Branches& branches) {
+bool rulesOutEnough(RE_Dispatch::Branches branches) {
     std::size_t open = 0;
     for (const RE_Dispatch::Branch& branch : branches) {
         open += branch.start.count();
@@ -112,9 +114,10 @@ bool rulesOutEnough(const RE_Dispatch::Branches& branches) {
 /// One choice, with all splits that it is made of.
 class Alternation {
 public:
-    Alternation(RE_ParserContext& parserContext, RE_Split* first) : context(parserContext) {
+    Alternation(RE_ParserContext& parserContext, RE_Split* first)
+        : context(parserContext), splits(&parserContext.scratch), branches(&parserContext.scratch) {
         splits.push_back(first);
-        std::vector<RE_Node*> pending{first->alternative, first->nextNode};
+        std::pmr::vector<RE_Node*> pending({first->alternative, first->nextNode}, &context.scratch);
         while (!pending.empty()) {
             RE_Node* const node = throughSkippable(pending.back());
             pending.pop_back();
@@ -140,15 +143,15 @@ public:
 
 private:
     void joinLiterals() {
-        std::vector<RE_Node*> joined;
-        RE_Branch_Literals literals;
+        std::pmr::vector<RE_Node*> joined(&context.scratch);
+        RE_Branch_Literals literals(&context.scratch);
         const auto flush = [&] {
             if (literals.branches() > 0) {
                 joined.push_back(literals.branches() > 1 ? literals.join(context) : literals.firstBranch());
-                literals = {};
+                literals.clear();
             }
         };
-        RE_Branch_Literals::Literal literal;
+        RE_Branch_Literals::Literal literal(&context.scratch);
         for (RE_Node* branch : branches) {
             literal.read(branch);
             if (literals.add(branch, literal)) {
@@ -164,7 +167,8 @@ private:
     }
 
     bool dispatch() {
-        RE_Dispatch::Branches starts;
+        std::pmr::vector<RE_Dispatch::Branch> starts(&context.scratch);
+        starts.reserve(branches.size());
         for (RE_Node* branch : branches) {
             starts.push_back({branch, startOf(context, branch)});
         }
@@ -196,8 +200,8 @@ private:
     }
 
     RE_ParserContext& context;
-    std::vector<RE_Split*> splits;
-    std::vector<RE_Node*> branches;
+    std::pmr::vector<RE_Split*> splits;
+    std::pmr::vector<RE_Node*> branches;
 };
 
 }  // namespace
@@ -207,8 +211,8 @@ RE_Node* joinAlternations(RE_ParserContext& context, RE_Node* root) {
         return root;
     }
     {
-        const RE_Collection graph(root);
-        const std::vector<RE_Split*> splits = firstSplits(graph);
+        const RE_Collection graph(root, &context.scratch);
+        const std::pmr::vector<RE_Split*> splits = firstSplits(graph, &context.scratch);
         if (splits.empty()) {
             return root;
         }

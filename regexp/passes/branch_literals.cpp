@@ -21,7 +21,7 @@ bool foldsAlone(std::u16string_view text) {
 }  // namespace
 
 // A class of too many units adds none.
-void RE_Branch_Literals::addUnits(const RE_Unit_Set& set, std::vector<Text>& texts) {
+void RE_Branch_Literals::addUnits(const RE_Unit_Set& set, std::pmr::vector<Text>& texts) {
     if (set.contains(0xFFFF) && set.variedBlocks() < RE_Unit_Set::unitCount / 64) {
         return;
     }
@@ -80,6 +80,13 @@ bool RE_Branch_Literals::add(RE_Node* branch, const Literal& literal) {
     return true;
 }
 
+void RE_Branch_Literals::clear() {
+    texts.clear();
+    comparison = Case::either;
+    first = nullptr;
+    count = 0;
+}
+
 RE_Node* RE_Branch_Literals::join(RE_ParserContext& context) const {
     RE_Literal_Trie::Literals literals;
     literals.reserve(texts.size());
@@ -87,7 +94,7 @@ RE_Node* RE_Branch_Literals::join(RE_ParserContext& context) const {
         literals.push_back(text.view());
     }
     RE_Literal_Trie trie(literals, comparison == Case::ignored);
-    auto starts = RE_Unit_Set::make();
+    auto starts = context.sets.blank();
     trie.addFirstUnits(*starts);
     auto* const set = context.make<RE_Literal_Set>(std::move(trie), context.sets.share(std::move(starts)));
     set->nextNode = first->nextNode;

@@ -4,6 +4,7 @@
 #include "regexp/parser/parser_context.h"
 
 #include <cstddef>
+#include <memory_resource>
 #include <string_view>
 #include <vector>
 
@@ -24,24 +25,29 @@ class RE_Branch_Literals {
 public:
     /// What one branch stands for. Without texts it is no literal.
     struct Literal {
-        std::vector<Text> texts;
+        explicit Literal(std::pmr::memory_resource* memory) : texts(memory) {}
+
+        std::pmr::vector<Text> texts;
         Case comparison = Case::either;
 
         void read(const RE_Node* branch);
     };
 
+    explicit RE_Branch_Literals(std::pmr::memory_resource* memory) : texts(memory) {}
+
     /// Adds the branch, unless it is no literal or none that can join those that were added.
     bool add(RE_Node* branch, const Literal& literal);
     std::size_t branches() const { return count; }
     RE_Node* firstBranch() const { return first; }
+    void clear();
     /// Makes the node that stands for all of them.
     RE_Node* join(RE_ParserContext& context) const;
 
 private:
-    static void addUnits(const RE_Unit_Set& set, std::vector<Text>& texts);
+    static void addUnits(const RE_Unit_Set& set, std::pmr::vector<Text>& texts);
     bool fits(const Literal& literal, const RE_Node* branch) const;
 
-    std::vector<Text> texts;
+    std::pmr::vector<Text> texts;
     Case comparison = Case::either;
     RE_Node* first = nullptr;
     std::size_t count = 0;

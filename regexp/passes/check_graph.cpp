@@ -53,7 +53,8 @@ bool isComplete(RE_Node* node) {
 }  // namespace
 
 void checkGraph(RE_Node* root) {
-    const RE_Collection graph(root);
+    RE_Scratch_Memory scratch;
+    const RE_Collection graph(root, &scratch);
     for (RE_Node* node : graph.nodes()) {
         const bool isItem = nodeAs<RE_Consumable>(node) != nullptr;
         if (!isComplete(node) || !(isItem || leadsOn(node))) {

@@ -4,9 +4,11 @@
 #include "regexp/nodes/collection.h"
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/counters.h"
+#include "regexp/nodes/links.h"
 #include "regexp/nodes/trivial.h"
 #include "regexp/passes/null_nodes.h"
 
+#include <memory_resource>
 #include <optional>
 #include <vector>
 
@@ -52,7 +54,7 @@ public:
             dropRepeatedChoices();
         }
         root = removeNullNodes(context, root);
-        if (context.hasMade<RE_Split, RE_Start_Counter>()) {
+        if (context.hasMade<RE_Split, RE_Start_Counter, RE_Consume>()) {
             replaceWhere([this](RE_Node* node) { return loopNode(node); });
         }
         if (context.hasMade<RE_Atomic>()) {
@@ -63,8 +65,9 @@ public:
 
 private:
     /// Nodes that others take the place of, and what redirects links to these. A replaced node notes by which.
-    struct Replacements : RE_Link_Visitor {
-        explicit Replacements(std::uint32_t walkNumber) : walk(walkNumber) {}
+    struct Replacements {
+        Replacements(std::uint32_t walkNumber, std::pmr::memory_resource* memory)
+            : walk(walkNumber), all(memory) {}
         void add(RE_Node* node, RE_Node* with) {
             node->walk = walk;
             node->walkNote = static_cast<std::uint32_t>(all.size());
@@ -73,24 +76,28 @@ private:
         RE_Node* of(RE_Node* node) const {
             return node != nullptr && node->walk == walk ? all[node->walkNote] : node;
         }
-        void link(RE_Node*& target, RE_Link kind) override {
-            target = kind == RE_Link::item ? target : of(target);
+        void redirect(RE_Node& node) const {
+            forEachLink(node, [this](RE_Node*& target, RE_Link kind) {
+                target = kind == RE_Link::item ? target : of(target);
+            });
         }
 
         std::uint32_t walk;
-        std::vector<RE_Node*> all;
+        std::pmr::vector<RE_Node*> all;
     };
 
     // S(X, T(X, Y)): once X has failed behind S it fails behind T, so S may as well be T.
     void dropRepeatedChoices() {
-        const RE_Collection graph(root);
+        const RE_Collection graph(root, &context.scratch);
         for (RE_Node* node : graph.nodes()) {
+            if (auto* const run = nodeAs<RE_Consume>(node)) {
+                dropRepeatedRun(*run);
+            }
             auto* const split = nodeAs<RE_Split>(node);
-            auto* const second = split != nullptr && !split->isCounter
-                                     ? nodeAs<RE_Split>(throughSkippable(split->alternative))
-                                     : nullptr;
-            if (second != nullptr && second != split && !second->isCounter && !second->skippable &&
-                sameNode(second->nextNode, split->nextNode)) {
+            RE_Node* const first = split != nullptr && !split->isCounter
+                                       ? firstWay(throughSkippable(split->alternative), split)
+                                       : nullptr;
+            if (first != nullptr && sameNode(first, split->nextNode)) {
                 std::swap(split->nextNode, split->alternative);
                 split->skippable = true;
                 context.hasSkippable = true;
@@ -98,10 +105,34 @@ private:
         }
     }
 
+    // The run is S(X, exit) behind X, and T(X, Y) is its exit.
+    void dropRepeatedRun(RE_Consume& run) {
+        const bool plus = run.minimum == 1 && run.maximum == RE_Consume::noMaximum && !run.lazy;
+        auto* const second = plus ? nodeAs<RE_Split>(throughSkippable(run.nextNode)) : nullptr;
+        if (second != nullptr && !second->isCounter && !second->skippable &&
+            sameNode(second->nextNode, &run)) {
+            run.item->nextNode = second;
+            run.nextNode = run.item;
+            run.skippable = true;
+            context.hasSkippable = true;
+        }
+    }
+
+    /// The first way of a choice that another split leads to, or null. A lazy run can be left at once.
+    static RE_Node* firstWay(RE_Node* node, const RE_Split* outer) {
+        if (const auto* run = nodeAs<RE_Consume>(node)) {
+            const bool wasSplit = run->maximum == 1 || run->maximum == RE_Consume::noMaximum;
+            return run->lazy && run->minimum == 0 && wasSplit ? run->nextNode : nullptr;
+        }
+        const auto* const split = nodeAs<RE_Split>(node);
+        return split != nullptr && split != outer && !split->isCounter && !split->skippable ? split->nextNode
+                                                                                            : nullptr;
+    }
+
     template <class Replacement>
     void replaceWhere(Replacement replacementOf) {
-        const RE_Collection graph(root);
-        Replacements replaced(context.nextWalk());
+        const RE_Collection graph(root, &context.scratch);
+        Replacements replaced(context.nextWalk(), &context.scratch);
         for (RE_Node* node : graph.nodes()) {
             if (RE_Node* with = replacementOf(node)) {
                 replaced.add(node, with);
@@ -111,17 +142,19 @@ private:
             return;
         }
         for (RE_Node* node : graph.nodes()) {
-            node->visitLinks(replaced);
+            replaced.redirect(*node);
         }
         for (RE_Node* with : replaced.all) {
-            with->visitLinks(replaced);
+            replaced.redirect(*with);
         }
         root = replaced.of(root);
     }
 
     RE_Node* loopNode(RE_Node* node) {
         std::optional<Unit_Loop> loop;
-        if (node->isStartCounter()) {
+        if (auto* run = nodeAs<RE_Consume>(node)) {
+            number(*run);
+        } else if (node->isStartCounter()) {
             loop = countedLoop(*static_cast<RE_Start_Counter*>(node));
         } else if (auto* split = nodeAs<RE_Split>(node); split != nullptr && !split->isCounter) {
             loop = splitLoop(*split);
@@ -129,6 +162,16 @@ private:
             loop = plusLoop(*unit);
         }
         return loop ? makeConsume(*loop) : nullptr;
+    }
+
+    // The parser has left this to the place at which other loops are found.
+    void number(RE_Consume& run) {
+        if (run.isOpen) {
+            run.isOpen = false;
+            run.nodeId = context.nextNodeId();
+            run.memoIndex = context.nextMemoRow();
+            context.renumbers = true;
+        }
     }
 
     // S(U, exit) with U leading back to S is U*; with U leading to the exit it is U?.

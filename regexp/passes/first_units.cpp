@@ -4,6 +4,7 @@
 #include "regexp/nodes/closed_body.h"
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/dispatch.h"
+#include "regexp/nodes/links.h"
 #include "regexp/nodes/literal_set.h"
 #include "regexp/nodes/split.h"
 #include "regexp/nodes/string.h"
@@ -11,9 +12,17 @@
 #include "regexp/nodes/trivial.h"
 #include "regexp/nodes/units.h"
 
+#include <utility>
+
 bool RE_First_Units::gather(RE_Node* from, std::size_t mostNodes) {
-    units = RE_Unit_Set::make();
-    return run(from, mostNodes);
+    const bool isKnown = run(from, mostNodes);
+    if (gathered == nullptr && sole != nullptr) {
+        units = {std::shared_ptr<const void>(), sole};
+    } else {
+        gathering();
+        units = std::move(gathered);
+    }
+    return isKnown;
 }
 
 bool RE_First_Units::avoids(const RE_Unit_Set& set, RE_Node* from, std::size_t mostNodes) {
@@ -109,21 +118,26 @@ bool RE_First_Units::visitTest(RE_Node* node) {
 }
 
 void RE_First_Units::followWays(RE_Node* node) {
-    struct Ways : RE_Link_Visitor {
-        explicit Ways(RE_First_Units& first) : units(first) {}
-        void link(RE_Node*& target, RE_Link kind) override {
-            if (kind != RE_Link::body && kind != RE_Link::helper) {
-                units.follow(target);
-            }
+    forEachLink(*node, [this](RE_Node* target, RE_Link kind) {
+        if (kind != RE_Link::body && kind != RE_Link::helper) {
+            follow(target);
         }
-        RE_First_Units& units;
-    } ways(*this);
-    node->visitLinks(ways);
+    });
+}
+
+RE_Unit_Set& RE_First_Units::gathering() {
+    if (gathered == nullptr) {
+        gathered = context.sets.blank();
+        if (sole != nullptr) {
+            gathered->addAll(*sole);
+        }
+    }
+    return *gathered;
 }
 
 void RE_First_Units::addUnit(char16_t unit) {
     if (avoided == nullptr) {
-        units->add(unit);
+        gathering().add(unit);
     } else {
         known = known && !avoided->contains(unit);
     }
@@ -131,7 +145,11 @@ void RE_First_Units::addUnit(char16_t unit) {
 
 void RE_First_Units::addSet(const RE_Unit_Set& set) {
     if (avoided == nullptr) {
-        units->addAll(set);
+        if (gathered == nullptr && (sole == nullptr || sole == &set)) {
+            sole = &set;
+        } else {
+            gathering().addAll(set);
+        }
     } else {
         known = known && !avoided->meets(set);
     }
@@ -141,7 +159,7 @@ void RE_First_Units::addConsumable(const RE_Consumable& unit) {
     if (const RE_Unit_Set* const table = unit.table()) {
         addSet(*table);
     } else if (avoided == nullptr) {
-        unit.addUnitsTo(*units);
+        unit.addUnitsTo(gathering());
     } else if (unit.kind == RE_Node_Kind::literal) {
         addUnit(static_cast<char16_t>(static_cast<const RE_Natural&>(unit).ch));
     } else {
@@ -157,7 +175,5 @@ void RE_First_Units::addFirst(const RE_String& string) {
         addUnit(unit);
         return;
     }
-    RE_Unit_Set set;
-    RE_Case_Table::get().addFolding(set, unit, unit, false);
-    addSet(set);
+    RE_Case_Table::get().forEachForm(unit, [this](char16_t form) { addUnit(form); });
 }

@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <memory_resource>
 #include <vector>
 
 class RE_String;
@@ -17,18 +18,19 @@ class RE_First_Units {
 public:
     static constexpr std::size_t anyNumber = static_cast<std::size_t>(-1);
 
-    explicit RE_First_Units(RE_ParserContext& context) : walk(context.nextWalk()) {}
+    explicit RE_First_Units(RE_ParserContext& parserContext)
+        : context(parserContext), pending(&parserContext.scratch), walk(parserContext.nextWalk()) {}
 
     /// Gathers them. False when nothing can be said, also when more than `mostNodes` would have to be looked at.
     bool gather(RE_Node* from, std::size_t mostNodes = anyNumber);
     /// Whether none of them is in the set. Gathers nothing, and is over as soon as one is found.
     bool avoids(const RE_Unit_Set& set, RE_Node* from, std::size_t mostNodes);
 
-    std::shared_ptr<RE_Unit_Set> units;  ///< what was gathered
-    bool mayBeEmpty = false;             ///< the end of the pattern can be reached
-    bool endsBody = false;               ///< so can the end of a closed body
-    bool mayBeAtEnd = false;             ///< a test on the way holds at the end of the subject
-    bool tested = false;                 ///< on the way lies a node that may fail without consuming
+    std::shared_ptr<const RE_Unit_Set> units;  ///< what was gathered: a set of their own, or that of a node
+    bool mayBeEmpty = false;                   ///< the end of the pattern can be reached
+    bool endsBody = false;                     ///< so can the end of a closed body
+    bool mayBeAtEnd = false;                   ///< a test on the way holds at the end of the subject
+    bool tested = false;                       ///< on the way lies a node that may fail without consuming
 
 private:
     bool run(RE_Node* from, std::size_t mostNodes);
@@ -38,12 +40,16 @@ private:
     void followWays(RE_Node* node);
     bool visitConsuming(RE_Node* node);
     void visitOther(RE_Node* node);
+    RE_Unit_Set& gathering();
     void addUnit(char16_t unit);
     void addSet(const RE_Unit_Set& set);
     void addConsumable(const RE_Consumable& unit);
     void addFirst(const RE_String& string);
 
-    std::vector<RE_Node*, RE_Allocator<RE_Node*>> pending;
+    RE_ParserContext& context;
+    std::pmr::vector<RE_Node*> pending;
+    std::shared_ptr<RE_Unit_Set> gathered;
+    const RE_Unit_Set* sole = nullptr;  ///< what was gathered, as long as it is this set alone
     std::uint32_t walk;
     std::size_t seen = 0;
     const RE_Unit_Set* avoided = nullptr;  ///< null while units are gathered

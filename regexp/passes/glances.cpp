@@ -63,7 +63,7 @@ RE_Node* findGlances(RE_ParserContext& context, RE_Node* root) {
     if (context.options().profile() || !context.hasMade<RE_Lookaround_Assertion>()) {
         return root;
     }
-    const RE_Collection graph(root);
+    const RE_Collection graph(root, &context.scratch);
     for (RE_Node* node : graph.nodes()) {
         if (auto* const assertion = nodeAs<RE_Lookaround_Assertion>(node)) {
             findGlance(*assertion);

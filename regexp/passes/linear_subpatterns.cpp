@@ -1,6 +1,7 @@
 #include "regexp/passes/linear_subpatterns.h"
 
 #include "regexp/nodes/collection.h"
+#include "regexp/nodes/consume.h"
 #include "regexp/nodes/units.h"
 #include "regexp/passes/null_nodes.h"
 
@@ -23,13 +24,22 @@ RE_Consumable* mergeable(RE_Consumable* unit) {
     return together ? fail : nullptr;
 }
 
+// As a split, a run of at most one unit would lead on twice: behind the unit and around it.
+void markBehindOptional(const RE_Collection& graph) {
+    for (RE_Node* node : graph.nodes()) {
+        if (const auto* run = nodeAs<RE_Consume>(node); run != nullptr && run->maximum == 1) {
+            run->nextNode->sharedTarget = true;
+        }
+    }
+}
+
 std::string withoutVerb(const std::string& label) {
     return label.rfind("Match ", 0) == 0 ? label.substr(6) : label;
 }
 
 // The chain from `head` on becomes one class node; its members are bypassed like empty nodes.
 void mergeChain(RE_ParserContext& context, RE_Consumable* head) {
-    auto units = RE_Unit_Set::make();
+    auto units = context.sets.blank();
     std::string text;
     RE_Consumable* last = head;
     for (RE_Consumable* unit = head; unit != nullptr; unit = mergeable(unit)) {
@@ -51,7 +61,8 @@ void mergeChain(RE_ParserContext& context, RE_Consumable* head) {
 
 RE_Node* joinLinearSubpatterns(RE_ParserContext& context, RE_Node* root) {
     if (context.hasUnitRuns) {
-        const RE_Collection graph(root);
+        const RE_Collection graph(root, &context.scratch);
+        markBehindOptional(graph);
         for (RE_Node* node : graph.nodes()) {
             RE_Consumable* const unit = asUnit(node);
             if (unit == nullptr || !unit->hasFailNode() || unit->skippable) {
@@ -65,7 +76,7 @@ RE_Node* joinLinearSubpatterns(RE_ParserContext& context, RE_Node* root) {
     }
     root = removeNullNodes(context, root);
     if (context.hasMade<RE_Natural, RE_String>()) {
-        const RE_Collection graph(root);
+        const RE_Collection graph(root, &context.scratch);
         for (RE_Node* node : graph.nodes()) {
             if (!node->skippable) {
                 node->joinString(context);

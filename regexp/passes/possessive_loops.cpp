@@ -39,7 +39,7 @@ RE_Node* makeLoopsPossessive(RE_ParserContext& context, RE_Node* root) {
     if (context.facts->hasDynamicNodes || !context.hasMade<RE_Consume>()) {
         return root;
     }
-    const RE_Collection graph(root);
+    const RE_Collection graph(root, &context.scratch);
     for (RE_Node* node : graph.nodes()) {
         auto* const loop = nodeAs<RE_Consume>(node);
         if (loop != nullptr && !loop->possessive && neverGivesBack(context, *loop)) {

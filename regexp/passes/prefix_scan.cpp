@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <memory_resource>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -35,7 +36,9 @@ struct Branch {
 /// Takes the alternatives from the root on apart.
 class Branches {
 public:
-    std::vector<Branch> from(RE_Node* root) {
+    explicit Branches(std::pmr::memory_resource* memory) : pending(memory), found(memory) {}
+
+    std::pmr::vector<Branch> from(RE_Node* root) {
         pending.push_back(root);
         while (!pending.empty()) {
             RE_Node* const node = leading(pending.back());
@@ -76,8 +79,8 @@ private:
         }
     }
 
-    std::vector<RE_Node*> pending;
-    std::vector<Branch> found;
+    std::pmr::vector<RE_Node*> pending;
+    std::pmr::vector<Branch> found;
 };
 
 /// The bytes that may stand at one place of one prefix.
@@ -115,8 +118,7 @@ public:
                 return entry.share;
             }
         }
-        double share = 0;
-        forEachByte({low, high}, [&](std::uint8_t byte) { share += unitLikelihood(byte); });
+        const double share = asciiLikelihood(low, high);
         known[next++ % known.size()] = {low, high, share};
         return share;
     }
@@ -147,8 +149,13 @@ Share shareOf(const Bytes& bytes, bool saturates, Ascii_Shares& shares) {
 /// Prefixes seen through one lens, and the places at which they are to be looked at.
 class Lens {
 public:
-    Lens(const std::vector<RE_Prefix_Units>& units, std::size_t known, bool saturating, Ascii_Shares& ascii)
-        : prefixes(units), places(known), saturates(saturating) {
+    Lens(const std::pmr::vector<RE_Prefix_Units>& units, std::size_t known, bool saturating,
+         Ascii_Shares& ascii)
+        : prefixes(units),
+          places(known),
+          saturates(saturating),
+          shares(units.get_allocator()),
+          soFar(units.size(), {1, beyondLatinLikelihood}, units.get_allocator()) {
         shares.reserve(prefixes.size() * places);
         for (const RE_Prefix_Units& prefix : prefixes) {
             for (std::size_t place = 0; place < places; ++place) {
@@ -165,12 +172,12 @@ public:
         static constexpr double worthAPlace = 0.6;
         static constexpr double rareEnough = 0.0005;
         double best = 1;
-        while (chosen.size() < RE_Prefix_Scan::mostUnits && best > rareEnough) {
+        while (chosen < RE_Prefix_Scan::mostUnits && best > rareEnough) {
             const auto [place, likelihood] = bestFurtherPlace();
-            if (!chosen.empty() && likelihood > best * worthAPlace) {
+            if (chosen != 0 && likelihood > best * worthAPlace) {
                 break;
             }
-            chosen.push_back(place);
+            take(place);
             best = likelihood;
         }
         return best;
@@ -179,12 +186,12 @@ public:
     /// That looks at the chosen places.
     RE_Prefix_Scan scan() const {
         RE_Prefix_Scan result;
-        result.depth = chosen.size();
+        result.depth = chosen;
         result.saturates = saturates;
-        for (std::size_t place = 0; place < chosen.size(); ++place) {
-            result.distance[place] = chosen[place];
+        for (std::size_t place = 0; place < chosen; ++place) {
+            result.distance[place] = choice[place];
             for (std::size_t i = 0; i < prefixes.size(); ++i) {
-                forEachByte(throughLens(prefixes[i].places[chosen[place]], saturates),
+                forEachByte(throughLens(prefixes[i].places[choice[place]], saturates),
                             [&](std::uint8_t byte) { result.allow(i, place, byte); });
             }
         }
@@ -195,50 +202,54 @@ private:
     std::pair<std::size_t, double> bestFurtherPlace() {
         std::pair<std::size_t, double> best{0, 2};
         for (std::size_t place = 0; place < places; ++place) {
-            if (std::find(chosen.begin(), chosen.end(), place) != chosen.end()) {
+            const auto last = choice.begin() + static_cast<std::ptrdiff_t>(chosen);
+            if (std::find(choice.begin(), last, place) != last) {
                 continue;
             }
-            chosen.push_back(place);
-            const double with = likelihood();
-            chosen.pop_back();
+            const double with = likelihoodWith(place);
             best = with < best.second ? std::pair{place, with} : best;
         }
         return best;
     }
 
-    double likelihood() const {
+    void take(std::size_t place) {
+        choice[chosen++] = place;
+        for (std::size_t i = 0; i < prefixes.size(); ++i) {
+            soFar[i].ascii *= shares[i * places + place].ascii;
+            soFar[i].beyond *= shares[i * places + place].beyond;
+        }
+    }
+
+    double likelihoodWith(std::size_t place) const {
         double sum = 0;
         for (std::size_t i = 0; i < prefixes.size(); ++i) {
-            double ascii = 1;
-            double beyond = beyondLatinLikelihood;
-            for (const std::size_t place : chosen) {
-                ascii *= shares[i * places + place].ascii;
-                beyond *= shares[i * places + place].beyond;
-            }
-            sum += ascii + beyond;
+            const Share& share = shares[i * places + place];
+            sum += soFar[i].ascii * share.ascii + soFar[i].beyond * share.beyond;
         }
         return sum;
     }
 
-    const std::vector<RE_Prefix_Units>& prefixes;
+    const std::pmr::vector<RE_Prefix_Units>& prefixes;
     std::size_t places;
     bool saturates;
-    std::vector<Share> shares;  ///< by prefix, then by place
-    std::vector<std::size_t> chosen;
+    std::pmr::vector<Share> shares;  ///< by prefix, then by place
+    std::pmr::vector<Share> soFar;   ///< of each prefix, at the chosen places together
+    std::array<std::size_t, RE_Prefix_Scan::mostUnits> choice{};
+    std::size_t chosen = 0;
 };
 
 }  // namespace
 
 std::optional<RE_Likely_Prefixes> prefixesFrom(RE_ParserContext& context, RE_Node* root, bool emptyCounts) {
-    const std::vector<Branch> branches = Branches().from(root);
+    const std::pmr::vector<Branch> branches = Branches(&context.scratch).from(root);
     const std::size_t count = std::min(branches.size(), RE_Prefix_Scan::mostPrefixes);
-    std::vector<RE_Prefix_Units> prefixes;
+    std::pmr::vector<RE_Prefix_Units> prefixes(&context.scratch);
     prefixes.reserve(count);
-    RE_Byte_Looks looks;
+    RE_Byte_Looks looks(&context.scratch);
     std::size_t known = RE_Prefix_Units::mostPlaces;
     for (std::size_t i = 0; i < branches.size(); ++i) {
         if (i * count / branches.size() == prefixes.size()) {
-            prefixes.emplace_back(context.nextWalk(), looks);
+            prefixes.emplace_back(context, looks);
         }
         branches[i].gatherInto(prefixes.back(), emptyCounts);
         known = std::min(known, prefixes.back().known);

@@ -3,6 +3,7 @@
 #include "regexp/nodes/closed_body.h"
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/dynamic.h"
+#include "regexp/nodes/links.h"
 #include "regexp/nodes/literal_set.h"
 #include "regexp/nodes/string.h"
 #include "regexp/nodes/tokens.h"
@@ -178,17 +179,11 @@ void RE_Prefix_Units::visitLoop(RE_Consume& loop, std::size_t place, std::uint64
 }
 
 void RE_Prefix_Units::followWays(RE_Node* node, std::size_t place) {
-    struct Ways : RE_Link_Visitor {
-        Ways(RE_Prefix_Units& prefix, std::size_t reachedAt) : units(prefix), at(reachedAt) {}
-        void link(RE_Node*& target, RE_Link kind) override {
-            if (kind != RE_Link::body && kind != RE_Link::helper) {
-                units.reach(target, at);
-            }
+    forEachLink(*node, [this, place](RE_Node* target, RE_Link kind) {
+        if (kind != RE_Link::body && kind != RE_Link::helper) {
+            reach(target, place);
         }
-        RE_Prefix_Units& units;
-        std::size_t at;
-    } ways(*this, place);
-    node->visitLinks(ways);
+    });
 }
 
 void RE_Prefix_Units::addLiteral(char16_t unit, bool ignoreCase, std::size_t place) {

@@ -3,11 +3,13 @@
 
 #include "regexp/memory.h"
 #include "regexp/nodes/node.h"
+#include "regexp/parser/parser_context.h"
 #include "regexp/unit_set.h"
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <memory_resource>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -32,10 +34,11 @@ struct RE_Byte_Sets {
 /// What sets of units look like. The same ones come at place after place.
 class RE_Byte_Looks {
 public:
+    explicit RE_Byte_Looks(std::pmr::memory_resource* memory) : known(memory) {}
     const RE_Byte_Sets& of(const RE_Unit_Set& units);
 
 private:
-    std::vector<std::pair<const RE_Unit_Set*, RE_Byte_Sets>> known;
+    std::pmr::vector<std::pair<const RE_Unit_Set*, RE_Byte_Sets>> known;
 };
 
 /// Gathers, for what a way through the graph consumes first, the units that may stand at each of its first places. Every
@@ -45,7 +48,8 @@ class RE_Prefix_Units {
 public:
     static constexpr std::size_t mostPlaces = 8;
 
-    RE_Prefix_Units(std::uint32_t walkNumber, RE_Byte_Looks& setLooks) : walk(walkNumber), looks(&setLooks) {}
+    RE_Prefix_Units(RE_ParserContext& context, RE_Byte_Looks& setLooks)
+        : pending(&context.scratch), turned(&context.scratch), walk(context.nextWalk()), looks(&setLooks) {}
 
     /// With `emptyCounts` an end that is reached at once ends the prefix there; else such a match is refused anyway.
     void gather(RE_Node* from, bool emptyCounts);
@@ -77,8 +81,8 @@ private:
     void endAt(std::size_t place) { known = place < known ? place : known; }
     void addLiteral(char16_t unit, bool ignoreCase, std::size_t place);
 
-    std::vector<Reached, RE_Allocator<Reached>> pending;
-    std::vector<Reached, RE_Allocator<Reached>> turned;  ///< those seen in the middle of a loop
+    std::pmr::vector<Reached> pending;
+    std::pmr::vector<Reached> turned;  ///< those seen in the middle of a loop
     std::uint32_t walk;
     std::size_t seen = 0;
     RE_Byte_Looks* looks;

@@ -2,6 +2,7 @@
 
 #include "regexp/nodes/closed_body.h"
 #include "regexp/nodes/consume.h"
+#include "regexp/nodes/links.h"
 #include "regexp/nodes/literal_set.h"
 #include "regexp/nodes/string.h"
 #include "regexp/nodes/tokens.h"
@@ -10,6 +11,7 @@
 #include "regexp/passes/prefix_scan.h"
 
 #include <algorithm>
+#include <memory_resource>
 #include <utility>
 #include <vector>
 
@@ -20,12 +22,16 @@ constexpr std::size_t mostVisits = 2000;
 constexpr std::uint64_t mostCounted = 1'000'000;
 constexpr std::uint64_t mostDistance = static_cast<std::uint32_t>(-1);
 constexpr std::size_t mostLiterals = 8;
+constexpr std::size_t usualNodes = 32;
 
 /// Walks all ways from the root that do not lead through one literal.
 class Around {
 public:
     Around(RE_ParserContext& parserContext, const RE_Node* literal)
-        : context(parserContext), avoided(literal) {}
+        : context(parserContext),
+          avoided(literal),
+          pending(&parserContext.scratch),
+          added(&parserContext.scratch) {}
 
     /// False when the end is reached, or something whose units are not known.
     bool walk(RE_Node* root) {
@@ -40,7 +46,7 @@ public:
         if (!holds) {
             return false;
         }
-        units = RE_Unit_Set::make();
+        units = context.sets.blank();
         least = RE_Node::unboundedLength;
         begin(root);
         for (std::size_t i = 0; holds && i < pending.size(); ++i) {
@@ -106,17 +112,11 @@ private:
     }
 
     void followWays(RE_Node* node, std::uint64_t distance) {
-        struct Ways : RE_Link_Visitor {
-            Ways(Around& walker, std::uint64_t consumed) : around(walker), distance(consumed) {}
-            void link(RE_Node*& target, RE_Link kind) override {
-                if (kind != RE_Link::body && kind != RE_Link::helper) {
-                    around.reach(target, distance);
-                }
+        forEachLink(*node, [this, distance](RE_Node* target, RE_Link kind) {
+            if (kind != RE_Link::body && kind != RE_Link::helper) {
+                reach(target, distance);
             }
-            Around& around;
-            std::uint64_t distance;
-        } ways(*this, distance);
-        node->visitLinks(ways);
+        });
     }
 
     void addUnits(const RE_Consumable& unit) {
@@ -162,35 +162,34 @@ private:
     RE_ParserContext& context;
     const RE_Node* avoided;
     std::uint32_t number = 0;
-    std::vector<RE_Node*, RE_Allocator<RE_Node*>> pending;
-    std::vector<const RE_Unit_Set*> added;
+    std::pmr::vector<RE_Node*> pending;
+    std::pmr::vector<const RE_Unit_Set*> added;
     bool holds = true;
 };
 
 /// The first literals on the ways from the root, outside of closed bodies.
-std::vector<RE_Node*> literalsFrom(RE_ParserContext& context, RE_Node* root) {
-    struct Walker : RE_Link_Visitor {
-        void link(RE_Node*& target, RE_Link kind) override {
-            const bool onTheWay = kind == RE_Link::next || kind == RE_Link::done ||
-                                  kind == RE_Link::alternative || kind == RE_Link::fail;
-            if (onTheWay && target != nullptr && target->walk != walk) {
-                target->walk = walk;
-                nodes.push_back(target);
-            }
+std::pmr::vector<RE_Node*> literalsFrom(RE_ParserContext& context, RE_Node* root) {
+    const std::uint32_t walk = context.nextWalk();
+    std::pmr::vector<RE_Node*> nodes(&context.scratch);
+    std::pmr::vector<RE_Node*> found(&context.scratch);
+    nodes.reserve(usualNodes);
+    found.reserve(mostLiterals);
+    const auto follow = [&](RE_Node* target, RE_Link kind) {
+        const bool onTheWay = kind == RE_Link::next || kind == RE_Link::done ||
+                              kind == RE_Link::alternative || kind == RE_Link::fail;
+        if (onTheWay && target != nullptr && target->walk != walk) {
+            target->walk = walk;
+            nodes.push_back(target);
         }
-        std::uint32_t walk = 0;
-        std::vector<RE_Node*> nodes;
-    } walker;
-    walker.walk = context.nextWalk();
-    std::vector<RE_Node*> found;
-    walker.link(root, RE_Link::next);
-    for (std::size_t i = 0; i < walker.nodes.size() && i < mostNodes && found.size() < mostLiterals; ++i) {
-        RE_Node* const node = walker.nodes[i];
+    };
+    follow(root, RE_Link::next);
+    for (std::size_t i = 0; i < nodes.size() && i < mostNodes && found.size() < mostLiterals; ++i) {
+        RE_Node* const node = nodes[i];
         if (nodeAs<RE_String>(node) != nullptr || nodeAs<RE_Natural>(node) != nullptr ||
             nodeAs<RE_Literal_Set>(node) != nullptr) {
             found.push_back(node);
         }
-        node->visitLinks(walker);
+        forEachLink(*node, follow);
     }
     return found;
 }

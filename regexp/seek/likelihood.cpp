@@ -1,6 +1,7 @@
 #include "regexp/seek/likelihood.h"
 
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <string_view>
 
@@ -44,10 +45,18 @@ double unitLikelihood(char16_t unit) {
     return common.find(unit) != common.npos ? commonForeignLetter : foreignLetter;
 }
 
-double setLikelihood(const RE_Unit_Set& set) {
+double asciiLikelihood(std::uint64_t low, std::uint64_t high) {
     double sum = 0;
-    for (char16_t unit = 0; unit < ascii.size(); ++unit) {
-        sum += set.contains(unit) ? ascii[unit] : 0;
+    for (; low != 0; low &= low - 1) {
+        sum += ascii[static_cast<std::size_t>(std::countr_zero(low))];
     }
-    return sum + (set.holdsAnyFrom(ascii.size()) ? beyondLatinLikelihood : 0);
+    for (; high != 0; high &= high - 1) {
+        sum += ascii[64 + static_cast<std::size_t>(std::countr_zero(high))];
+    }
+    return sum;
+}
+
+double setLikelihood(const RE_Unit_Set& set) {
+    return asciiLikelihood(set.bits(0), set.bits(1)) +
+           (set.holdsAnyFrom(ascii.size()) ? beyondLatinLikelihood : 0);
 }

@@ -26,10 +26,10 @@ std::u16string formsOf(char16_t lower) {
 }
 
 /// The first units of a literal in all their forms.
-std::vector<std::u16string> windowsOf(std::u16string_view text, bool ignoresCase) {
+std::vector<std::u16string> windowsOf(std::u16string_view text) {
     std::vector<std::u16string> windows(1);
     for (const char16_t unit : text) {
-        const std::u16string forms = ignoresCase ? formsOf(unit) : std::u16string(1, unit);
+        const std::u16string forms = formsOf(unit);
         std::vector<std::u16string> longer;
         for (const std::u16string& window : windows) {
             for (const char16_t form : forms) {
@@ -53,6 +53,11 @@ RE_Window_Filter::RE_Window_Filter(std::size_t windowUnits, bool foldsCase, std:
     bits.resize(size / 64);
 }
 
+void RE_Window_Filter::admit(std::u16string_view window) {
+    const std::size_t place = placeOf(windowAt(window.data(), window.data() + window.size()));
+    bits[place / 64] |= std::uint64_t{1} << (place % 64);
+}
+
 std::optional<RE_Window_Filter> RE_Window_Filter::make(const RE_Literal_Trie& literals) {
     if (literals.shortest() < narrowest) {
         return std::nullopt;
@@ -60,11 +65,13 @@ std::optional<RE_Window_Filter> RE_Window_Filter::make(const RE_Literal_Trie& li
     const std::size_t width = std::min(literals.shortest(), widest);
     RE_Window_Filter filter(width, literals.ignoresCase(), literals.count());
     for (std::size_t i = 0; i < literals.count(); ++i) {
-        for (const std::u16string& window :
-             windowsOf(literals.text(i).substr(0, width), literals.ignoresCase())) {
-            const std::size_t place =
-                filter.placeOf(filter.windowAt(window.data(), window.data() + window.size()));
-            filter.bits[place / 64] |= std::uint64_t{1} << (place % 64);
+        const std::u16string_view start = literals.text(i).substr(0, width);
+        if (!literals.ignoresCase()) {
+            filter.admit(start);
+            continue;
+        }
+        for (const std::u16string& window : windowsOf(start)) {
+            filter.admit(window);
         }
     }
     return filter;

@@ -33,6 +33,7 @@ public:
 private:
     RE_Window_Filter(std::size_t windowUnits, bool foldsCase, std::size_t literalCount);
 
+    void admit(std::u16string_view window);
     std::uint64_t windowAt(const char16_t* p, const char16_t* limit) const {
         std::uint64_t window = 0;
         const bool whole = static_cast<std::size_t>(limit - p) >= widest;
