@@ -46,14 +46,28 @@ StringInnerSeeker::StringInnerSeeker(RE_ParserContext& context, RE_Required_Lite
       first(std::move(firstUnits)),
       starts(*first, true) {}
 
+const char16_t* StringInnerSeeker::startWithin(const RE_Literal_Stretches::Stretch& stretch,
+                                               RE_Search_Info& info) const {
+    if (!ofLines) {
+        return scanForward(
+            stretch.begin, stretch.end + 1, info,
+            [this](const char16_t* at, const char16_t* stop) { return findClass(at, stop, starts); });
+    }
+    if (info.atBegin(stretch.begin) || stretch.begin[-1] == u'\n') {
+        return stretch.begin;
+    }
+    const char16_t* const lineEnd = scanForward(
+        stretch.begin, stretch.end, info,
+        [](const char16_t* at, const char16_t* stop) { return findUnit(at, stop, {u'\n', u'\n'}); });
+    return lineEnd != nullptr ? lineEnd + 1 : nullptr;
+}
+
 const char16_t* StringInnerSeeker::scan(const char16_t* p, RE_Search_Info& info) const {
     const char16_t* asked = p;  // for interrupts
     RE_Literal_Stretches::Stretch stretch{};
     while (stretches.from(p, info, stretch)) {
         if (stretch.begin <= stretch.end) {
-            const char16_t* const start = scanForward(
-                stretch.begin, stretch.end + 1, info,
-                [this](const char16_t* at, const char16_t* stop) { return findClass(at, stop, starts); });
+            const char16_t* const start = startWithin(stretch, info);
             if (start != nullptr || info.wasInterrupted()) {
                 return start;
             }

@@ -120,11 +120,14 @@ public:
 
     RE_Literal_Stretches stretches;
     std::shared_ptr<const RE_Unit_Set> first;
+    bool ofLines = false;  ///< matches start where lines do
 
 protected:
     const char16_t* scan(const char16_t* p, RE_Search_Info& info) const override;
 
 private:
+    const char16_t* startWithin(const RE_Literal_Stretches::Stretch& stretch, RE_Search_Info& info) const;
+
     RE_Class_Scan starts;
 };
 template <>

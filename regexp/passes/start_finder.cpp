@@ -145,7 +145,7 @@ private:
     RE_Node* chooseForLines() {
         RE_First_Units first(context);
         const bool isKnown = first.gather(root) && !first.mayBeEmpty && !first.mayBeAtEnd;
-        RE_Node* const inner = isKnown ? innerSeeker(rarerThanLines, first) : nullptr;
+        RE_Node* const inner = isKnown ? innerSeeker(rarerThanLines, first, true) : nullptr;
         return inner != nullptr ? inner : anchored();
     }
 
@@ -198,7 +198,7 @@ private:
     }
 
     /// A seeker for a required literal that is rarer than `likelihood`; null when there is none.
-    RE_Node* innerSeeker(double likelihood, const RE_First_Units& first) {
+    RE_Node* innerSeeker(double likelihood, const RE_First_Units& first, bool ofLines = false) {
         if (likelihood < 1e-5) {
             return nullptr;
         }
@@ -208,6 +208,7 @@ private:
         }
         auto* const seeker =
             context.make<StringInnerSeeker>(std::move(required.front().literal), first.units);
+        seeker->ofLines = ofLines;
         required.erase(required.begin());
         return inFront(RE_Start_Finder::requiredLiteral, seeker);
     }
