@@ -124,20 +124,15 @@ constexpr std::ptrdiff_t nearby = 4;
 /// The first position from `p` on at which a match may start, or null.
 const char16_t* nextStart(const RE_Node* root, const RE_Attempt_Start& start, const char16_t* p,
                           RE_Search_Info& info) {
-    const char16_t* const from = p;
+    const char16_t* found = nullptr;
     if (start.units != nullptr) {
         const char16_t* const stop = p + std::min(info.subjectEnd - p, nearby);
-        while (p < stop && !start.units->contains(*p)) {
-            ++p;
-        }
-        if (p < stop) {
-            tellSeek(info, root, from, p);
-            return p;
-        }
+        found = std::find_if(p, stop, [&](char16_t unit) { return start.units->contains(unit); });
+        found = found != stop ? found : nullptr;
     }
-    p = root->seek(p, info);
-    tellSeek(info, root, from, p);
-    return p;
+    found = found != nullptr ? found : root->seek(p, info);
+    tellSeek(info, root, p, found);
+    return found;
 }
 
 /// An attempt at the start that the state is at, for nobody who watches.

@@ -362,8 +362,11 @@ inline void RE_Search_Info::resetForStart(const char16_t* p) {
     }
 }
 
+// Bodies that completed leave their writes on the trail, for choices that are gone now.
 inline void RE_Search_Info::moveStart(const char16_t* p) {
     matchStart = p;
+    redirected = false;
+    trail.clear();
     included.startAttempt();
     if (tokens != nullptr) {
         tokens->reset();

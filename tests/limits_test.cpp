@@ -88,6 +88,14 @@ TEST(Limits, HoldTheMemoryOfASearchUnderItsCeiling) {
     }
 }
 
+TEST(Limits, AttemptsThatFailLeaveNothingBehind) {
+    const std::u16string text(20'000, u'a');
+    for (const char16_t* pattern : {u"(?=(a))\\1[^a]", u"(?>(a))\\1[^a]"}) {
+        const Searched searched = searchWithin(RE_Tree(pattern, false), text, {.bytes = 100'000});
+        EXPECT_EQ(Outcomes::noMatch, searched.report.outcome) << printable(pattern);
+    }
+}
+
 TEST(Limits, HoldForAWalkAndAReplacementAsAWhole) {
     const RE_Tree tree(u"(?:a|ab)+c", false);
     const std::u16string text = u"-ac-aabc-abac-" + std::u16string(300, u'a');

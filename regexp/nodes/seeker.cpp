@@ -56,9 +56,10 @@ const char16_t* StringInnerSeeker::startWithin(const RE_Literal_Stretches::Stret
     if (info.atBegin(stretch.begin) || stretch.begin[-1] == u'\n') {
         return stretch.begin;
     }
-    const char16_t* const lineEnd = scanForward(
-        stretch.begin, stretch.end, info,
-        [](const char16_t* at, const char16_t* stop) { return findUnit(at, stop, {u'\n', u'\n'}); });
+    const char16_t* const lineEnd =
+        scanForward(stretch.begin, stretch.end, info, [](const char16_t* at, const char16_t* stop) {
+            return findUnit(at, stop, {u'\n', u'\n'});
+        });
     return lineEnd != nullptr ? lineEnd + 1 : nullptr;
 }
 
