@@ -74,12 +74,12 @@ inline RE_Step visitStartToken(const RE_Node* node, const char16_t* p, RE_Search
     if (start.run == nullptr || !info.meter.hasRoom(2)) {
         return visitLeaf<RE_Start_Token>(node, p, info);
     }
-    info.meter.step();
+    info.meter.count();
     const RE_Step end = visitRun(start.run, p, info);
     if (end.node == nullptr) {
         return end;
     }
-    info.meter.step();
+    info.meter.count();
     info.recordToken(start.number, start.name, info.indexOf(p), info.indexOf(end.p));
     return {end.node->nextNode, end.p};
 }

@@ -30,10 +30,15 @@ void RE_Match_Sequence::use(std::u16string_view subject) {
     view.reset();
     memoryFull = false;
     table.clear();
-    info.useSubject(subject.data() != nullptr ? subject.data() : u"", subject.size());
+    found = false;
+    info.useSubject(subject.data() != nullptr ? subject.data() : u"", subject.size(), tree.tokenCount);
+    if (info.tokens == nullptr) {
+        throw std::bad_alloc();
+    }
 }
 
 RE_Results* RE_Match_Sequence::find(std::size_t offset) {
+    found = false;
     if (!watchesMemory) {
         return search(offset);
     }
@@ -60,7 +65,7 @@ RE_Results* RE_Match_Sequence::search(std::size_t offset) {
     }
     info.putInterruptAside();
     std::size_t length = 0;
-    const bool found = tree.findMatch(info, offset, length) && !info.pollInterrupt();
+    found = tree.findMatch(info, offset, length) && !info.pollInterrupt();
     info.handInterruptBack();
     if (!found) {
         return nullptr;
@@ -74,9 +79,10 @@ RE_Results* RE_Match_Sequence::search(std::size_t offset) {
 }
 
 RE_Results* RE_Match_Sequence::releaseMatch() {
-    if (outcome() != RE_Search_Outcome::matched) {
+    if (!found || outcome() != RE_Search_Outcome::matched) {
         return nullptr;
     }
+    found = false;
     const std::size_t length = view->matchLength;
     view.reset();
     RE_Results* const match = new (std::nothrow) RE_Results(&info, info.matchStart, length, true);

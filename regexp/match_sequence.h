@@ -23,14 +23,15 @@ public:
                       const RE_Search_Limits* searchLimits = nullptr);
 
     /// Goes on with another subject, as a sequence made anew would, without giving storage back. Results that
-    /// were seen are gone. For many short subjects.
+    /// were seen are gone. For many short subjects. Throws when there is no memory for the tokens of a match
+    /// that were released.
     void use(std::u16string_view subject);
     /// The leftmost match at or behind `offset`, which lies between the end of the match found before and the
     /// subject's length; null when there is none, the host asked to stop or a limit was met: then the
     /// sequence is over. A view of the search state, good until the next call.
     RE_Results* find(std::size_t offset);
-    /// The match found last, as an object of its own; the sequence is over. Null when there is none, or no
-    /// memory.
+    /// The match of the last `find`, as an object of its own; until `use` the sequence is over. Null when that
+    /// found none, or there is no memory.
     RE_Results* releaseMatch();
     /// How the searches ended: `matched` when there was a match and nothing broke them off.
     RE_Search_Report report() const;
@@ -49,5 +50,6 @@ private:
     bool watchesMemory;
     bool memoryFull = false;
     bool prepared = false;  ///< for the pattern
+    bool found = false;     ///< the last search found a match, which was not released
     std::optional<RE_Results> view;
 };

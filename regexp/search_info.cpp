@@ -62,7 +62,10 @@ void RE_Search_Info::carryMemoOver(std::size_t end) {
 }
 
 // What is known of the old subject is forgotten. The graph stays.
-void RE_Search_Info::useSubject(const char16_t* subject, std::size_t length) {
+void RE_Search_Info::useSubject(const char16_t* subject, std::size_t length, std::size_t tokenCount) {
+    if (tokens == nullptr) {
+        makeTokens(tokenCount);
+    }
     subjectBegin = subject;
     subjectEnd = subject + length;
     matchStart = nullptr;
@@ -310,6 +313,7 @@ RE_Search_Scope::RE_Search_Scope(RE_Search_Info& search)
 }
 
 void RE_Search_Scope::leave() {
+    info->dropChoices(info->backtrack.top + 1 - info->backtrack.base);
     info->backtrack.top = info->backtrack.base - 1;
     info->backtrack.base = savedBase;
     info->requiredEnd = savedRequiredEnd;

@@ -17,6 +17,7 @@
 #include "regexp/step_meter.h"
 #include "regexp/token_stack.h"
 
+#include <algorithm>
 #include <boost/container/flat_map.hpp>
 #include <boost/container/flat_set.hpp>
 #include <boost/container/small_vector.hpp>
@@ -88,7 +89,7 @@ public:
 
     /// Makes room for what the graph about to run needs. Called before every run; cheap when nothing changes.
     void prepare(const RE_Graph_Facts& graphFacts);
-    void useSubject(const char16_t* subject, std::size_t length);
+    void useSubject(const char16_t* subject, std::size_t length, std::size_t tokenCount);
     void resetForStart(const char16_t* p);
     /// The same where the attempt before ran out of choices, which leaves next to nothing behind.
     void moveStart(const char16_t* p);
@@ -135,6 +136,14 @@ public:
     /// Notes that a node left no choice, as one way only was open there. It counts towards the beginning of
     /// the memo: a loop without choices is gone through from each start again.
     void spareChoice() { countTowardsMemo(); }
+    /// The same of choices that are dropped untried, since their body has completed.
+    void dropChoices(std::int32_t count) {
+        if (count > 0 && memo == nullptr) {
+            memoCountdown -=
+                std::min<std::uint64_t>(memoCountdown - 1, static_cast<std::uint64_t>(count - 1));
+            countTowardsMemo();
+        }
+    }
     /// The word beside the record that was just popped.
     std::size_t poppedWord() const;
     /// Whether `node` has not yet been tried at this position in this state; records it. Always true while

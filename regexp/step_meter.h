@@ -32,6 +32,8 @@ public:
     }
     /// So many steps can be taken before the next checkpoint, as long as nothing is scanned.
     bool hasRoom(std::int64_t steps) const { return left >= steps; }
+    /// Counts a step that needs no permission.
+    void count() { --left; }
     void scanned(std::size_t units) { left -= static_cast<std::int64_t>(units / unitsAStep); }
     std::uint64_t taken() const {
         return static_cast<std::uint64_t>(static_cast<std::int64_t>(granted) - left);

@@ -122,6 +122,21 @@ TEST(MatchSequence, ForgetsTheBarrenStretchesOfASubject) {
     EXPECT_NE(nullptr, sequence.find(0));
 }
 
+TEST(MatchSequence, ReleasesTheMatchOfItsLastSearchAndGoesOn) {
+    const RE_Tree tree(u"(a)\\1", false);
+    RE_Match_Sequence sequence(tree, u"aa x");
+    ASSERT_NE(nullptr, sequence.find(0));
+    EXPECT_EQ(nullptr, sequence.find(2));
+    EXPECT_EQ(nullptr, sequence.releaseMatch());
+    for (int round = 0; round < 2; ++round) {
+        sequence.use(u"yaa");
+        EXPECT_EQ("[1,2] t0=(1,1)", describe(toOutcome(sequence.find(0))));
+        const std::unique_ptr<RE_Results> match(sequence.releaseMatch());
+        EXPECT_EQ("[1,2] t0=(1,1)", describe(toOutcome(match.get())));
+        EXPECT_EQ(nullptr, sequence.releaseMatch());
+    }
+}
+
 // A search that a host's exception ends in the midst of choices, tokens and bodies leaves nothing to the next subject.
 TEST(MatchSequence, GoesOnAfterAnException) {
     HostJournal host;

@@ -88,6 +88,16 @@ TEST(Limits, HoldTheMemoryOfASearchUnderItsCeiling) {
     }
 }
 
+// A token around a run is two steps more, also where the scan of the run leads over a checkpoint.
+TEST(Limits, CountTheStepsOfATokenAroundARun) {
+    const RE_Tree bare(u"^(?:a+)[bc]", false);
+    const RE_Tree inToken(u"^(a+)[bc]", false);
+    for (const size_t length : {size_t{100}, size_t{4'190'500}, size_t{4'194'304}}) {
+        const std::u16string text(length, u'a');
+        EXPECT_EQ(searchWithin(bare, text, {}).report.steps + 2, searchWithin(inToken, text, {}).report.steps) << length;
+    }
+}
+
 TEST(Limits, AttemptsThatFailLeaveNothingBehind) {
     const std::u16string text(20'000, u'a');
     for (const char16_t* pattern : {u"(?=(a))\\1[^a]", u"(?>(a))\\1[^a]"}) {

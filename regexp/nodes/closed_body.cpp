@@ -111,6 +111,7 @@ RE_Node* RE_Lookaround_Assertion::tryEarlierStart(std::size_t& pos, RE_Search_In
         return nullptr;
     }
     frame.scope.undoWrites();
+    info.spareChoice();
     --frame.candidate;
     return findStart(frame, pos, info) ? body : nullptr;
 }

@@ -1,5 +1,6 @@
 #include "regexp/nodes/consume.h"
 
+#include "regexp/nodes/anchors.h"
 #include "regexp/nodes/tokens.h"
 #include "regexp/parser/parser_context.h"
 #include "regexp/search_info.h"
@@ -34,7 +35,9 @@ RE_Consume::RE_Consume(RE_ParserContext& context, RE_Consumable* repeated, std::
       maximum(most),
       lazy(order == Order::lazy),
       stops(*units, false),
-      reachRow(lazy ? context.nextMemoRow() : 0) {}
+      reachRow(lazy ? context.nextMemoRow() : 0) {
+    memoIndex = context.nextMemoRow();
+}
 
 const char16_t* RE_Consume::runEnd(const char16_t* p, std::uint64_t most, RE_Search_Info& info) const {
     const std::uint64_t left = static_cast<std::uint64_t>(info.subjectEnd - p);
@@ -147,14 +150,16 @@ const char16_t* RE_Consume::nextStart(const char16_t* p, RE_Search_Info& info) c
                : nextNode->seek(p, info);
 }
 
-// Within a look-behind the answer may depend on where its body has to end.
+// The end of a look-behind body holds at another place each time: what it says is not remembered either.
 const char16_t* RE_Consume::lastStart(const char16_t* from, const char16_t* last,
                                       RE_Search_Info& info) const {
     if (nextNode->kind == RE_Node_Kind::matchToken) {
         return static_cast<const RE_Match_Token*>(nextNode)->lastPlace(from, last, info);
     }
-    return info.requiredEnd == nullptr ? info.lastStartOf(nextNode, this, from, last)
-                                       : info.lastStartWithin(nextNode, from, last);
+    const bool bracket = nextNode->isStartToken() || nextNode->isEndToken();
+    return nodeAs<RE_End_Match>(bracket ? nextNode->nextNode : nextNode) == nullptr
+               ? info.lastStartOf(nextNode, this, from, last)
+               : info.lastStartWithin(nextNode, from, last);
 }
 
 // Steps over ends that failed before and ends at which the rest cannot begin, until neither has anything to say. The

@@ -169,7 +169,6 @@ private:
         if (run.isOpen) {
             run.isOpen = false;
             run.nodeId = context.nextNodeId();
-            run.memoIndex = context.nextMemoRow();
             context.renumbers = true;
         }
     }
@@ -251,7 +250,6 @@ private:
         const auto order = loop.lazy ? RE_Consume::Order::lazy : RE_Consume::Order::greedy;
         auto* const consume = context.make<RE_Consume>(loop.item, loop.minimum, loop.maximum, order);
         consume->nextNode = loop.exit;
-        consume->memoIndex = context.nextMemoRow();
         consume->memoScope = loop.scope;
         loop.item->nextNode = nullptr;
         return consume;

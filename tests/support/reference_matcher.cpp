@@ -188,7 +188,7 @@ private:
         if (node.condition) {
             const bool held = holds(*node.condition, at, tokens, after);
             first = held != node.condition->negated;
-            after = held ? after : tokens;
+            after = first && held ? after : tokens;  // a negated assertion leaves no trace
         } else {
             const Token* token = findToken(node, tokens);
             first = token != nullptr && token->length != 0;
