@@ -62,7 +62,7 @@ inline RE_Step visitRun(const RE_Node* node, const char16_t* p, RE_Search_Info& 
     }
     const auto length = static_cast<std::uint64_t>(end - p);
     if (loop.leads && length < loop.maximum) {
-        info.noteLeadingRun({p, end});
+        info.leadingRun = {p, end};
     }
     return {length >= loop.minimum ? loop.nextNode : nullptr, end};
 }

@@ -2,9 +2,11 @@
 #pragma once
 
 #include "regexp/inspect/profile.h"
+#include "regexp/machine/machine_code.h"
 #include "regexp/memo.h"
 #include "regexp/memory.h"
 #include "regexp/node_store.h"
+#include "regexp/program/instruction.h"
 #include "regexp/seek/start_finder_kind.h"
 
 #include <cstddef>
@@ -45,6 +47,8 @@ struct CORVANE_REGEXP_EXPORT RE_Graph_Facts : public RE_Memory {
     bool hasDynamicNodes = false;     ///< matching may call the host
     RE_Start_Finder startFinder = RE_Start_Finder::none;
     RE_Attempt_Start start;
+    std::unique_ptr<RE_Machine_Code> machineCode;  ///< of the program; null unless the tree was told to make it
+    RE_Program program;  ///< of the graph from `start.entry` on, for searches that nobody watches
     /// The loop over one unit with which every match begins, or null: `RE_Consume::lastHopelessStart`.
     const RE_Consume* leadingLoop = nullptr;
     using Needed = std::unique_ptr<const RE_Literal_Stretches>;

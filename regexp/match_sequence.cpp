@@ -12,7 +12,7 @@ RE_Match_Sequence::RE_Match_Sequence(const RE_Tree& pattern, std::u16string_view
     if (info.tokens == nullptr) {
         throw std::bad_alloc();
     }
-    info.rejectEmpty = !tree.allowEmptyMatch;
+    info.rejectEmpty = tree.allowEmptyMatch ? 0 : 1;
     info.checkInterrupts = tree.interruptible;
     if (searchLimits != nullptr) {
         account.setCeiling(searchLimits->bytes);

@@ -4,36 +4,16 @@
 #include "host/code_page.h"
 #include "regexp/graph_facts.h"
 #include "regexp/inspect/observer.h"
+#include "regexp/machine/machine_search.h"
 #include "regexp/match_loop.h"
 #include "regexp/match_sequence.h"
-#include "regexp/nodes/consume.h"
+#include "regexp/program/run_program.h"
 #include "regexp/search_info.h"
-#include "regexp/seek/required_literal.h"
+#include "regexp/start_walk.h"
 #include "regexp/unwatched_loop.h"
 
 #include <algorithm>
 #include <new>
-
-namespace {
-
-std::uint64_t nextAskingAt(const RE_Graph_Facts& facts, const RE_Search_Info& info) {
-    return facts.needed.empty() ? RE_Step_Meter::unlimited : info.meter.taken() + RE_Asking_Delay::steps;
-}
-
-// The last start from `p` on that need not be tried, where the one at `p` has failed; null when no other need be.
-const char16_t* lastInVain(const RE_Graph_Facts& facts, const char16_t* p, RE_Search_Info& info) {
-    const char16_t* next = p + 1;
-    for (const auto& literal : facts.needed) {
-        next = next <= info.subjectEnd ? literal->nextStart(next, info) : nullptr;
-        // A step behind the scan sees whether the budget sufficed for it.
-        if (!info.takeStep() || next == nullptr) {
-            return nullptr;
-        }
-    }
-    return next - 1;
-}
-
-}  // namespace
 
 RE_Results* RE_Tree::match(const std::u16string& subject, std::size_t offset) const {
     return match(subject.data(), subject.size(), offset);
@@ -107,7 +87,7 @@ RE_Results* RE_Tree::searchFrom(const char16_t* subject, std::size_t length, std
     }
     RE_Search_Info info(subject, length, tokenCount, table, interruptible);
     info.prepare(*facts);
-    info.rejectEmpty = !allowEmptyMatch;
+    info.rejectEmpty = allowEmptyMatch ? 0 : 1;
     info.observer = observer;
     std::size_t matchLength = 0;
     if (!findMatch(info, offset, matchLength) || info.pollInterrupt()) {
@@ -118,35 +98,54 @@ RE_Results* RE_Tree::searchFrom(const char16_t* subject, std::size_t length, std
 
 namespace {
 
-// Starts that lie near are found before a seeker would have begun.
-constexpr std::ptrdiff_t nearby = 4;
-
-/// The first position from `p` on at which a match may start, or null.
-const char16_t* nextStart(const RE_Node* root, const RE_Attempt_Start& start, const char16_t* p,
-                          RE_Search_Info& info) {
-    const char16_t* found = nullptr;
-    if (start.units != nullptr) {
-        const char16_t* const stop = p + std::min(info.subjectEnd - p, nearby);
-        found = std::find_if(p, stop, [&](char16_t unit) { return start.units->contains(unit); });
-        found = found != stop ? found : nullptr;
-    }
-    found = found != nullptr ? found : root->seek(p, info);
-    tellSeek(info, root, p, found);
-    return found;
-}
-
 /// An attempt at the start that the state is at, for nobody who watches.
 [[gnu::always_inline]] inline bool attemptUnwatched(const RE_Attempt_Start& start, RE_Search_Info& info,
                                                     std::size_t& length) {
     const char16_t* p = info.matchStart;
-    // A seeker is a step too, also where it is passed by.
-    const bool mayBegin = !start.skipsSeeker || info.takeStep();
     // A scan that was broken off may have led to an end too early.
-    if (!mayBegin || !runUnwatchedLoop(info, start.entry, p) || info.wasInterrupted()) {
+    if (!beginUnwatched(start, info, p) || info.wasInterrupted()) {
         return false;
     }
     length = static_cast<std::size_t>(p - info.matchStart);
     return true;
+}
+
+/// The same, as far as it goes by the program of the graph.
+[[gnu::always_inline]] inline bool attemptByProgram(const RE_Graph_Facts& facts, RE_Search_Info& info,
+                                                    std::size_t& length) {
+    const std::int64_t stepsBefore = facts.start.skipsSeeker ? 1 : 0;
+    if (!info.meter.hasRoom(stepsBefore + RE_Instruction::mostSteps)) {
+        info.resetForStart(info.matchStart);
+        return attemptUnwatched(facts.start, info, length);
+    }
+    const RE_Program_Exit exit = RE_Program_Run(info, stepsBefore).run(facts.program.entry);
+    if (exit.how == RE_Program_Exit::How::failed) {
+        return false;
+    }
+    const char16_t* p = exit.p;
+    if (exit.how == RE_Program_Exit::How::left) {
+        info.enterLoop();
+        if (!runUnwatchedLoop(info, exit.node, p)) {
+            return false;
+        }
+    }
+    length = static_cast<std::size_t>(p - info.matchStart);
+    return !info.wasInterrupted();
+}
+
+/// Tries start after start, from `p` on, until `attempt` succeeds at one.
+template <class Attempt>
+[[gnu::always_inline]] inline bool tryStarts(RE_Start_Walk walk, const char16_t* p, Attempt attempt) {
+    for (p = walk.from(p); p != nullptr; p = walk.from(p + 1)) {
+        if (attempt(p)) {
+            return true;
+        }
+        p = walk.lastInVain(p);
+        if (p == nullptr) {
+            return false;
+        }
+    }
+    return false;
 }
 
 }  // namespace
@@ -158,37 +157,31 @@ bool RE_Tree::findMatch(RE_Search_Info& info, std::size_t offset, std::size_t& l
     if (needed > info.subjectLength() - offset) {
         return false;
     }
-    const RE_Attempt_Start& start = facts->start;
-    const char16_t* p = info.subjectBegin + offset;
+    const char16_t* const p = info.subjectBegin + offset;
     const char16_t* const last = info.subjectEnd - needed;
-    std::uint64_t askingAt = nextAskingAt(*facts, info);
-    info.resetForStart(p);
-    for (; p <= last; ++p) {
-        if (start.rootSeeks) {
-            p = nextStart(root, start, p, info);
-            if (p == nullptr || p > last) {
-                return false;
-            }
-        }
-        info.moveStart(p);
-        if (info.observer != nullptr ? attemptWatched(info, length) : attemptUnwatched(start, info, length)) {
-            return true;
-        }
-        if (info.wasInterrupted() || info.pollInterrupt()) {
-            return false;
-        }
-        if (facts->leadingLoop != nullptr) {
-            p = facts->leadingLoop->lastHopelessStart(p, info);
-        }
-        if (info.meter.taken() >= askingAt) {
-            p = lastInVain(*facts, p, info);
-            if (p == nullptr) {
-                return false;
-            }
-            askingAt = nextAskingAt(*facts, info);
-        }
+    if (info.observer != nullptr || info.tokens == nullptr || facts->program.entry == nullptr) {
+        return findByGraph(info, p, last, length);
     }
-    return false;
+    return facts->machineCode != nullptr ? findByMachineCode(*facts, root, p, last, info, length)
+                                         : findByProgram(info, p, last, length);
+}
+
+bool RE_Tree::findByProgram(RE_Search_Info& info, const char16_t* p, const char16_t* last,
+                            std::size_t& length) const {
+    return tryStarts(RE_Start_Walk(root, *facts, last, info), p, [&](const char16_t* at) {
+        info.matchStart = at;
+        return attemptByProgram(*facts, info, length);
+    });
+}
+
+bool RE_Tree::findByGraph(RE_Search_Info& info, const char16_t* p, const char16_t* last,
+                          std::size_t& length) const {
+    info.resetForStart(p);
+    return tryStarts(RE_Start_Walk(root, *facts, last, info), p, [&](const char16_t* at) {
+        info.moveStart(at);
+        return info.observer != nullptr ? attemptWatched(info, length)
+                                        : attemptUnwatched(facts->start, info, length);
+    });
 }
 
 bool RE_Tree::attempt(RE_Search_Info& info, const char16_t* p, std::size_t& length) const {
@@ -205,4 +198,11 @@ bool RE_Tree::attemptWatched(RE_Search_Info& info, std::size_t& length) const {
     length = matched ? pos - info.indexOf(p) : 0;
     tellFinish(info, p, length, matched);
     return matched;
+}
+
+bool RE_Tree::makeMachineCode() {
+    if (facts != nullptr && facts->machineCode == nullptr) {
+        facts->machineCode = RE_Machine_Code::make(*facts, root);
+    }
+    return facts != nullptr && facts->machineCode != nullptr;
 }

@@ -9,11 +9,10 @@
 
 RE_Search_Info::RE_Search_Info(const char16_t* subject, std::size_t length, std::size_t tokenCount,
                                RE_Seek_Table* table, bool pollInterrupts)
-    : subjectBegin(subject),
-      subjectEnd(subject + length),
-      checkInterrupts(pollInterrupts),
-      seekTable(table),
-      memoCountdown(length * RE_Memo_Delay::perUnit + RE_Memo_Delay::choices + 1) {
+    : checkInterrupts(pollInterrupts), seekTable(table) {
+    subjectBegin = subject;
+    subjectEnd = subject + length;
+    memoCountdown = length * RE_Memo_Delay::perUnit + RE_Memo_Delay::choices + 1;
     // Everything that can throw comes before the interrupt flag is touched.
     registers.resize(tokenCount, noPass);
     makeTokens(tokenCount);

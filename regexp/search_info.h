@@ -14,7 +14,7 @@
 #include "regexp/nodes/node.h"
 #include "regexp/search_limits.h"
 #include "regexp/search_memo.h"
-#include "regexp/step_meter.h"
+#include "regexp/search_registers.h"
 #include "regexp/token_stack.h"
 
 #include <algorithm>
@@ -30,14 +30,6 @@
 class RE_Observer;
 class RE_Seek_Table;
 class RE_Search_Info;
-
-/// A run of units that was measured up to the unit that ends it: it ends there from each of its positions.
-struct RE_Measured_Run {
-    const char16_t* begin = nullptr;
-    const char16_t* end = nullptr;
-
-    bool holds(const char16_t* p) const { return begin != nullptr && begin <= p && p <= end; }
-};
 
 /// Opens a sub-search: choices made before it are out of reach of pops until `leave()`, which drops every
 /// record the sub-search left. What the sub-search wrote to tokens stays on the undo trail.
@@ -79,7 +71,7 @@ struct RE_Body_Frame {
     std::size_t candidate;  ///< look-behind: the start being tried
 };
 
-class CORVANE_REGEXP_EXPORT RE_Search_Info : public RE_Memory {
+class CORVANE_REGEXP_EXPORT RE_Search_Info : public RE_Memory, public RE_Search_Registers {
 public:
     RE_Search_Info(const char16_t* subject, std::size_t length, std::size_t tokenCount, RE_Seek_Table* table,
                    bool pollInterrupts);
@@ -93,6 +85,15 @@ public:
     void resetForStart(const char16_t* p);
     /// The same where the attempt before ran out of choices, which leaves next to nothing behind.
     void moveStart(const char16_t* p);
+    /// An attempt that was begun by other means than the match loop goes on there.
+    void enterLoop() {
+        redirected = false;
+        included.startAttempt();
+        clearBacktrack();
+        if (attemptsLeaveNotes) {
+            forgetAttempt();
+        }
+    }
     /// Makes ready for a search behind a match that this state found and that ended at index `end`, with the
     /// same graph. Storage is kept.
     void searchBehind(std::size_t end);
@@ -149,6 +150,8 @@ public:
     /// Whether `node` has not yet been tried at this position in this state; records it. Always true while
     /// the memo has not begun.
     bool firstVisit(const RE_Node* node, const char16_t* position);
+    /// Whether there are states that it may not hold for.
+    bool refusesStates() const { return memo != nullptr; }
     /// The last position in [first, last] at which `firstVisit` may still hold, or null.
     const char16_t* lastUntried(const RE_Node* node, const char16_t* first, const char16_t* last);
     const char16_t* firstUntried(const RE_Node* node, const char16_t* first, const char16_t* last);
@@ -160,8 +163,6 @@ public:
         return memoRow < runs.size() ? &runs[memoRow] : nullptr;
     }
     void noteRun(std::uint32_t memoRow, RE_Measured_Run run);
-    const RE_Measured_Run& lastLeadingRun() const { return leadingRun; }
-    void noteLeadingRun(RE_Measured_Run run) { leadingRun = run; }
     /// The last position in [first, last] at which `next` can match, or null. `next` must be able to seek.
     /// What was found barren on behalf of `owner`, a node with a memo row of its own, is not looked through
     /// again; `owner` must always ask about the same `next`.
@@ -184,6 +185,8 @@ public:
     /// Notes where a token opened. The slot itself is written when the token closes, so that it always
     /// describes a group that was matched as a whole.
     void noteTokenStart(std::size_t index, std::size_t position);
+    /// Where the tokens opened, one for each.
+    std::size_t* tokenStarts() { return registers.data(); }
     /// Closes a token opened by `noteTokenStart`: writes the slot, puts the token in effect, empties slots
     /// skipped.
     void recordToken(std::size_t index, const char16_t* name, std::size_t end);
@@ -245,14 +248,11 @@ public:
     std::size_t indexOf(const char16_t* p) const { return static_cast<std::size_t>(p - subjectBegin); }
     std::size_t subjectLength() const { return static_cast<std::size_t>(subjectEnd - subjectBegin); }
 
-    const char16_t* subjectBegin;
-    const char16_t* subjectEnd;
-    const char16_t* matchStart = nullptr;   ///< start of the current attempt; null until the first reset
     const char16_t* requiredEnd = nullptr;  ///< where a look-behind body must end; null when unused
     RE_Token_Stack* tokens = nullptr;  ///< null without memory, and when an `RE_Results` has taken the store
     RE_Backtrack_Stack backtrack;
 
-    using Counts = boost::container::small_vector<std::size_t, 4, RE_Allocator<std::size_t>>;
+    using Counts = std::vector<std::size_t, RE_Allocator<std::size_t>>;
     boost::container::flat_map<const RE_Node*, Counts, std::less<const RE_Node*>,
                                RE_Allocator<std::pair<const RE_Node*, Counts>>>
         counterStacks;
@@ -262,14 +262,9 @@ public:
     using States = boost::container::flat_set<State, std::less<State>, RE_Allocator<State>>;
     std::vector<States, RE_Allocator<States>> visited;
 
-    std::uint64_t steps = 1;
     bool checkInterrupts;
     bool interruptWasPending = false;
     RE_Seek_Table* seekTable;  ///< not owned; may be null
-
-    /// The end of the pattern refuses a match that consumed nothing since `matchStart`.
-    bool rejectEmpty = false;
-    mutable RE_Step_Meter meter;  ///< no part of the state that nodes see
 
     /// Has the match loop go on at `target` behind the node that calls this, in place of its next node or
     /// fail target; null is a dead end, since the state itself is exhausted.
@@ -338,12 +333,8 @@ private:
     std::vector<RE_Measured_Run, RE_Allocator<RE_Measured_Run>> barren;  ///< both ends included
     std::int32_t scopes = 0;
     bool attemptsLeaveNotes = false;  ///< a memo, or what nodes that were made by hand note
-    RE_Measured_Run leadingRun;       ///< the one that the leading loop of the pattern measured last
     RE_Search_Outcome stopped = RE_Search_Outcome::noMatch;
 
-    /// The memo begins once this many choices have been taken up again or spared: most searches never pay for
-    /// it.
-    std::uint64_t memoCountdown;
     std::unique_ptr<RE_Search_Memo> memo;
     std::unique_ptr<RE_Search_Memo> idleMemo;  ///< empty; for a later search that needs one
 };
@@ -360,15 +351,10 @@ inline void RE_Search_Info::searchBehind(std::size_t end) {
 
 inline void RE_Search_Info::resetForStart(const char16_t* p) {
     matchStart = p;
-    redirected = false;
-    included.startAttempt();
     if (tokens != nullptr) {
         tokens->reset();
     }
-    clearBacktrack();
-    if (attemptsLeaveNotes) {
-        forgetAttempt();
-    }
+    enterLoop();
 }
 
 // Bodies that completed leave their writes on the trail, for choices that are gone now.
@@ -429,7 +415,7 @@ inline bool RE_Search_Info::firstVisit(const RE_Node* node, const char16_t* posi
 }
 
 inline void RE_Search_Info::pushRecord(const RE_Node* node, const char16_t* position, std::size_t word) {
-    const std::size_t slot = static_cast<std::size_t>(backtrack.top + 1);
+    const std::size_t slot = static_cast<std::size_t>(backtrack.top) + 1;
     if (slot >= backtrack.records.size()) {
         backtrack.grow();
     }

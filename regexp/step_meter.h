@@ -32,6 +32,9 @@ public:
     }
     /// So many steps can be taken before the next checkpoint, as long as nothing is scanned.
     bool hasRoom(std::int64_t steps) const { return left >= steps; }
+    /// How many. Who takes steps on their own account hands back what is left.
+    std::int64_t room() const { return left; }
+    void setRoom(std::int64_t steps) { left = steps; }
     /// Counts a step that needs no permission.
     void count() { --left; }
     void scanned(std::size_t units) { left -= static_cast<std::int64_t>(units / unitsAStep); }
@@ -49,7 +52,7 @@ private:
         left = static_cast<std::int64_t>(more);
     }
 
-    std::int64_t left = interval;
+    std::int64_t left = interval;  // the first: machine code counts it, too
     std::uint64_t granted = interval;
     std::uint64_t budget = unlimited;
 };

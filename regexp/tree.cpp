@@ -15,6 +15,7 @@
 #include "regexp/parser/measure.h"
 #include "regexp/parser/parser_context.h"
 #include "regexp/passes/pass_runner.h"
+#include "regexp/program/lower.h"
 
 #include <algorithm>
 #include <utility>
@@ -167,7 +168,11 @@ void RE_Tree::compile(const char16_t* pattern, std::size_t length, RE_Flags flag
             std::allocate_shared<RE_Profiler>(RE_Allocator<RE_Profiler>(), parserContext.nodeCount);
     }
     root = finished;
-    parserContext.facts->start = startOf(finished, parserContext.facts->profiler != nullptr);
+    RE_Graph_Facts& graphFacts = *parserContext.facts;
+    graphFacts.start = startOf(finished, graphFacts.profiler != nullptr);
+    if (parserContext.options().optimizeDotStar() && graphFacts.profiler == nullptr && !graphFacts.hasDynamicNodes) {
+        lowerGraph(parserContext, graphFacts.start.skipsSeeker ? finished->nextNode : finished, graphFacts.program);
+    }
     facts = parserContext.facts.release();
 }
 

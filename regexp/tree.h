@@ -111,6 +111,11 @@ public:
     template <std::same_as<std::u16string> Temporary>
     std::vector<std::u16string_view> split(Temporary&& text) const = delete;
 
+    /// Makes machine code of what the pattern does without turning back, for searches that come after: call it
+    /// before the tree is shared with other threads. Results are the same. It takes some ten times as long
+    /// as compiling, and memory of the machine, not of the host. False where there is none to be had.
+    bool makeMachineCode();
+
     /// Runs the pattern once at exactly `position`, with the caller's state. Refuses no empty match.
     bool match_bool(const char16_t* position, std::size_t* length, RE_Search_Info* info) const;
 
@@ -161,6 +166,8 @@ private:
     RE_Results* searchFrom(const char16_t* subject, std::size_t length, std::size_t offset,
                            RE_Seek_Table* table, RE_Observer* observer = nullptr) const;
     bool findMatch(RE_Search_Info& info, std::size_t offset, std::size_t& length) const;
+    bool findByProgram(RE_Search_Info& info, const char16_t* p, const char16_t* last, std::size_t& length) const;
+    bool findByGraph(RE_Search_Info& info, const char16_t* p, const char16_t* last, std::size_t& length) const;
     bool attempt(RE_Search_Info& info, const char16_t* p, std::size_t& length) const;
     bool attemptWatched(RE_Search_Info& info, std::size_t& length) const;
 

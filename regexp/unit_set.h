@@ -45,6 +45,8 @@ public:
     std::size_t hash() const;
     /// Of the 64 units from 64 * `block` on, one bit each.
     std::uint64_t bits(std::size_t block) const { return words[block]; }
+    /// All of them, one behind the other.
+    const std::uint64_t* table() const { return words; }
     /// From this block on all have the bits of the last one: none, or all.
     std::size_t variedBlocks() const { return varied; }
     bool operator==(const RE_Unit_Set& other) const;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "regexp/direct_step.h"
+#include "regexp/graph_facts.h"
 #include "regexp/search_info.h"
 
 /// Where to go on after a node: `way`, unless the node named another one.
@@ -40,4 +41,10 @@ RE_Step goBack(const char16_t* p, std::size_t floor, RE_Search_Info& info);
         info.closeBody(false);
     }
     return false;
+}
+
+/// An attempt from its beginning on. A seeker is a step too, also where it is passed by.
+[[gnu::always_inline]] inline bool beginUnwatched(const RE_Attempt_Start& start, RE_Search_Info& info,
+                                                  const char16_t*& position) {
+    return (!start.skipsSeeker || info.takeStep()) && runUnwatchedLoop(info, start.entry, position);
 }

@@ -32,6 +32,9 @@ class Corvane_Searcher : public Searcher {
 public:
     explicit Corvane_Searcher(const Request& request)
         : m_tree(request.pattern.data(), request.pattern.size(), toFlags(request.flags), &m_context) {
+        if (request.task != Task::compile) {
+            m_tree.makeMachineCode();
+        }
         if (request.task == Task::replace) {
             m_replacement.emplace(request.replacement.data(), request.replacement.size());
         }

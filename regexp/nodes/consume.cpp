@@ -94,7 +94,7 @@ const char16_t* RE_Consume::lastHopelessStart(const char16_t* p, RE_Search_Info&
     if (maximum != noMaximum && minimum < 2) {
         return p;
     }
-    const RE_Measured_Run& measured = info.lastLeadingRun();
+    const RE_Measured_Run& measured = info.leadingRun;
     const char16_t* const end = measured.begin == p ? measured.end : wholeRunEnd(p, info);
     return maximum == noMaximum || static_cast<std::uint64_t>(end - p) < minimum ? end : p;
 }

@@ -60,6 +60,21 @@ public:
         }
         return take(place, p, info);
     }
+    static constexpr std::size_t noWay = static_cast<std::size_t>(-1);
+    static constexpr std::size_t manyWays = static_cast<std::size_t>(-2);
+    /// The index of the only branch that can begin at `p`, or that there is none, or more. Leaves nothing.
+    std::size_t onlyWay(const char16_t* p, const char16_t* end) const {
+        return onlyWayOf(p >= end ? RE_Branch_Start::atEnd
+                                  : std::min<std::size_t>(*p, RE_Branch_Start::others));
+    }
+    std::size_t onlyWayOf(std::size_t column) const {
+        const std::uint32_t place = firstPlace[column];
+        if (place == nowhere) {
+            return noWay;
+        }
+        const std::uint32_t entry = places[place];
+        return (entry & lastOfList) != 0 ? entry >> 1 : manyWays;
+    }
     bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
     RE_Node* resume(const RE_Backtrack_Record& record, std::size_t& pos, RE_Search_Info& info) const override;
     bool isBranching() const override { return true; }

@@ -50,6 +50,9 @@ public:
 
     const RE_String& string;  ///< a node of the same graph
 
+    /// The units to look for; null where case is ignored.
+    const RE_Literal_Probe* probe() const { return string.ignoreCase ? nullptr : search.rarest(); }
+
 protected:
     const char16_t* scan(const char16_t* p, RE_Search_Info& info) const override {
         return search.find(string.literal(), p, info);

@@ -27,7 +27,7 @@ public:
     bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
     /// Whether the search takes a match that ends at `p`, or the body that does.
     bool completes(const char16_t* p, const RE_Search_Info& info) const {
-        return endsBody || !info.rejectEmpty || p != info.matchStart;
+        return endsBody || info.rejectEmpty == 0 || p != info.matchStart;
     }
     RE_Node* next() const override { return continuation; }
     bool isEnd() const override { return continuation == nullptr; }

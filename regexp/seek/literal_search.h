@@ -44,6 +44,9 @@ public:
     const char16_t* findLast(const RE_Literal& literal, const char16_t* p, std::size_t count,
                              RE_Search_Info& info) const;
 
+    /// The units to look for; null when every position is compared.
+    const RE_Literal_Probe* rarest() const { return probes ? &probe : nullptr; }
+
     /// The share of the positions of ordinary text at which its two units stand.
     double likelihood() const;
 

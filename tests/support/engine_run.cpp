@@ -46,7 +46,7 @@ Outcome toOutcome(const RE_Results* results) {
 std::ostream& operator<<(std::ostream& out, const EngineConfig& config) {
     return out << "linear=" << config.linearSubpatterns << " dotStar=" << config.dotStar
                << " nullNodes=" << config.nullNodes << " inline=" << config.inlineThreshold
-               << " profile=" << config.profile;
+               << " profile=" << config.profile << " machineCode=" << config.machineCode;
 }
 
 const std::vector<EngineConfig>& allConfigs() {
@@ -55,6 +55,10 @@ const std::vector<EngineConfig>& allConfigs() {
         for (unsigned bits = 0; bits < 32; ++bits) {
             result.push_back({(bits & 1U) == 0, (bits & 2U) == 0, (bits & 4U) == 0,
                               (bits & 8U) == 0 ? size_t{1024} : size_t{0}, (bits & 16U) != 0});
+            if ((bits & 18U) == 0) {
+                result.push_back(result.back());
+                result.back().machineCode = true;
+            }
         }
         return result;
     }();
@@ -70,7 +74,11 @@ void RecordingContext::set_string(const char16_t* text, size_t) {
 }
 
 Engine::Engine(std::u16string_view pattern, RE_Flags flags, const EngineConfig& config)
-    : m_context(configured(m_options, config)), m_tree(pattern.data(), pattern.size(), flags, &m_context) {}
+    : m_context(configured(m_options, config)), m_tree(pattern.data(), pattern.size(), flags, &m_context) {
+    if (config.machineCode) {
+        m_tree.makeMachineCode();
+    }
+}
 
 Outcome Engine::search(std::u16string_view subject, size_t offset) const {
     const std::unique_ptr<RE_Results> results(m_tree.match(subject.data(), subject.size(), offset));

@@ -24,11 +24,13 @@ struct EngineConfig {
     bool nullNodes = true;
     size_t inlineThreshold = 1024;
     bool profile = false;
+    bool machineCode = false;
 };
 
 std::ostream& operator<<(std::ostream& out, const EngineConfig& config);
 
-/// All on/off combinations of the optimisations, inline thresholds 0 and 1024, profiling off and on.
+/// All on/off combinations of the optimisations, inline thresholds 0 and 1024, profiling off and on; and machine code
+/// with all that leave something to it.
 const std::vector<EngineConfig>& allConfigs();
 
 /// Stores the setting in the options.

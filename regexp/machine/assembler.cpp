@@ -1,0 +1,76 @@
+// Machine code for x86-64, put together.
+#include "regexp/machine/machine_code.h"
+
+#ifdef CORVANE_MACHINE_CODE
+
+#include "regexp/machine/start_code.h"
+#include "regexp/nodes/dispatch.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr std::size_t bytesAnInstruction = 512;
+constexpr std::size_t bytesOfTheRest = 4096;
+constexpr std::size_t bytesOfATable = RE_Branch_Start::columns * sizeof(void*);
+constexpr std::size_t bytesOfAUnit = 16;
+
+std::size_t roomFor(const RE_Program& program) {
+    std::size_t room = bytesOfTheRest + program.instructions.size() * bytesAnInstruction;
+    for (const RE_Instruction& in : program.instructions) {
+        room += in.operation == RE_Operation::choose ? bytesOfATable : 0;
+        room += in.operation == RE_Operation::text ? in.least * bytesOfAUnit : 0;
+    }
+    return room;
+}
+
+/// Whether its numbers fit into the instructions of the processor, and its text into a few of them.
+bool isSmall(const RE_Instruction& in) {
+    constexpr std::uint32_t mostUnits = 1U << 24;
+    constexpr std::uint32_t longestText = 256;
+    const bool isEndless = in.most == RE_Instruction::noMaximum;
+    return in.least < mostUnits && (isEndless || in.most < mostUnits) &&
+           (in.operation != RE_Operation::text || in.least <= longestText);
+}
+
+
+class Assembler : public RE_Machine_Code, private corvane_machine::Start_Code {
+public:
+    Assembler(const RE_Graph_Facts& graphFacts, const RE_Node* graphRoot)
+        : Start_Code(graphFacts, graphRoot, roomFor(graphFacts.program)) {
+        emitEntry();
+        emitStarts();
+        emitProgram();
+        emitExits();
+        emitConstants();
+        setProtectModeRE();
+        entry = getCode<Entry>();
+        nextStart = nextStartLabel.getAddress();
+        attempt = attemptLabel.getAddress();
+        RE_Machine_Code::mostSteps = Start_Code::mostSteps;
+    }
+    Assembler(const Assembler&) = delete;
+    Assembler& operator=(const Assembler&) = delete;
+};
+
+}  // namespace
+
+std::unique_ptr<RE_Machine_Code> RE_Machine_Code::make(const RE_Graph_Facts& facts, const RE_Node* root) {
+    const auto& instructions = facts.program.instructions;
+    if (facts.program.entry == nullptr || !std::ranges::all_of(instructions, isSmall)) {
+        return nullptr;
+    }
+    try {
+        return std::make_unique<Assembler>(facts, root);
+    } catch (const Xbyak::Error&) {
+        return nullptr;  // the machine gives no memory that may be run
+    }
+}
+
+#else
+
+std::unique_ptr<RE_Machine_Code> RE_Machine_Code::make(const RE_Graph_Facts&, const RE_Node*) {
+    return nullptr;
+}
+
+#endif

@@ -1,0 +1,77 @@
+#ifdef CORVANE_MACHINE_CODE
+
+#include "regexp/machine/code_writer.h"
+
+#include <algorithm>
+
+namespace corvane_machine {
+
+Label& Code_Writer::fresh() {
+    labels.push_back(std::make_unique<Label>());
+    return *labels.back();
+}
+
+Label& Code_Writer::exitFor(RE_Machine_Exit reason, const RE_Instruction* instruction, Label* resume) {
+    exits.push_back(std::make_unique<Exit>(Exit{{}, reason, instruction, resume}));
+    return exits.back()->label;
+}
+
+void Code_Writer::emitEntry() {
+    push(rbx);
+    push(rbp);
+    mov(p, at(offsetof(RE_Search_Registers, cursor)));
+    mov(end, at(offsetof(RE_Search_Registers, subjectEnd)));
+    mov(begin, at(offsetof(RE_Search_Registers, subjectBegin)));
+    mov(left, at(offsetof(RE_Search_Registers, meter)));
+    mov(start, at(offsetof(RE_Search_Registers, matchStart)));
+    mov(runBegin, at(offsetof(RE_Search_Registers, runBegin)));
+    jmp(at(offsetof(RE_Search_Registers, resume)));
+}
+
+// All exits write back what the attempt has changed.
+void Code_Writer::emitExits() {
+    Label code;
+    for (const auto& exit : exits) {
+        L(exit->label);
+        if (exit->instruction != nullptr) {
+            mov(rax, reinterpret_cast<std::uint64_t>(exit->instruction));
+            mov(at(offsetof(RE_Search_Registers, instruction)), rax);
+        }
+        if (exit->resume != nullptr) {
+            lea(rax, ptr[rip + *exit->resume]);
+            mov(at(offsetof(RE_Search_Registers, resume)), rax);
+        }
+        mov(eax, static_cast<std::uint32_t>(exit->reason));
+        jmp(code, T_NEAR);
+    }
+    L(code);
+    mov(at(offsetof(RE_Search_Registers, cursor)), p);
+    mov(at(offsetof(RE_Search_Registers, meter)), left);
+    mov(at(offsetof(RE_Search_Registers, matchStart)), start);
+    mov(at(offsetof(RE_Search_Registers, runBegin)), runBegin);
+    pop(rbp);
+    pop(rbx);
+    ret();
+}
+
+void Code_Writer::emitConstants() {
+    align(16);
+    for (const Constant& each : constants) {
+        L(*each.label);
+        db(each.bytes.data(), each.bytes.size());
+    }
+}
+
+// Constants stand behind the code.
+Label& Code_Writer::constant(const Bytes& bytes) {
+    const auto known = std::ranges::find(constants, bytes, &Constant::bytes);
+    if (known != constants.end()) {
+        return *known->label;
+    }
+    constants.push_back({bytes, &fresh()});
+    return *constants.back().label;
+}
+
+}  // namespace corvane_machine
+
+#endif

@@ -1,0 +1,168 @@
+#include "regexp/machine/machine_search.h"
+
+#include "regexp/graph_facts.h"
+#include "regexp/machine/machine_code.h"
+#include "regexp/nodes/closed_body.h"
+#include "regexp/nodes/consume.h"
+#include "regexp/nodes/tokens.h"
+#include "regexp/program/instruction.h"
+#include "regexp/search_info.h"
+#include "regexp/start_walk.h"
+#include "regexp/unwatched_loop.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+
+namespace {
+
+/// Does for the code what it returns for.
+class Machine_Search {
+public:
+    Machine_Search(const RE_Graph_Facts& graphFacts, const RE_Start_Walk& starts, RE_Search_Info& search)
+        : facts(graphFacts), code(*graphFacts.machineCode), walk(starts), info(search) {}
+
+    /// Goes on behind a return for the reason given, until there is a match or an end.
+    bool goOn(RE_Machine_Exit reason, std::size_t& length) {
+        while (reason != RE_Machine_Exit::noStart && !info.wasInterrupted()) {
+            switch (reason) {
+                case RE_Machine_Exit::glance:
+                    decide();
+                    break;
+                case RE_Machine_Exit::longRun:
+                    measureRun();
+                    break;
+                case RE_Machine_Exit::seek:
+                    goOnAt(code.attempt, walk.seekFrom(info.cursor));
+                    break;
+                default:
+                    if (finishAttempt(reason, length)) {
+                        return true;
+                    }
+                    goOnBehind(info.matchStart);
+            }
+            // Behind a run many steps may have been taken at once: what follows it is for the match loop then.
+            if (reason == RE_Machine_Exit::longRun && info.meter.room() < code.mostSteps) {
+                if (finishBehindRun(length)) {
+                    return true;
+                }
+                goOnBehind(info.matchStart);
+            }
+            if (info.cursor == nullptr) {
+                return false;
+            }
+            reason = code.run(info);
+        }
+        return false;
+    }
+
+private:
+    void goOnAt(const void* place, const char16_t* p) {
+        info.resume = place;
+        info.cursor = p;
+        info.askLeft = walk.roomUpToAsking();
+    }
+
+    /// How an attempt ends that the code has brought so far.
+    bool finishAttempt(RE_Machine_Exit reason, std::size_t& length) {
+        const char16_t* p = info.cursor;
+        bool matched = reason == RE_Machine_Exit::matched;
+        info.tokens->count = info.inEffect;
+        if (reason == RE_Machine_Exit::slow) {
+            info.resetForStart(p);
+            matched = beginUnwatched(facts.start, info, p);
+        } else if (reason == RE_Machine_Exit::leave) {
+            info.enterLoop();
+            matched = runUnwatchedLoop(info, info.instruction->node, p);
+        }
+        length = static_cast<std::size_t>(p - info.matchStart);
+        return matched && !info.wasInterrupted();
+    }
+
+    void decide() {
+        const auto& assertion = static_cast<const RE_Lookaround_Assertion&>(*info.instruction->node);
+        info.holds = assertion.glance(info.cursor, info) ? 1 : 0;
+    }
+
+    /// The loop of the instruction that the code is in.
+    const RE_Consume& loop() const {
+        const RE_Instruction& in = *info.instruction;
+        const bool inToken = in.operation == RE_Operation::tokenRun;
+        return static_cast<const RE_Consume&>(inToken ? *static_cast<const RE_Start_Token*>(in.node)->run
+                                                      : *in.node);
+    }
+
+    void measureRun() {
+        const std::uint32_t most = info.instruction->most;
+        const char16_t* const from = info.runBegin;
+        info.cursor =
+            most == RE_Instruction::noMaximum
+                ? loop().longRunEnd(from, info)
+                : loop().scanOn(from, from + std::min<std::ptrdiff_t>(most, info.subjectEnd - from), info);
+    }
+
+    /// Ends an attempt from the run on that was measured.
+    bool finishBehindRun(std::size_t& length) {
+        const RE_Instruction& in = *info.instruction;
+        const char16_t* p = info.cursor;
+        const std::ptrdiff_t run = p - info.runBegin;
+        if (in.flag && run < in.most) {
+            info.leadingRun = {info.runBegin, p};
+        }
+        if (run < in.least) {
+            return false;
+        }
+        info.tokens->count = info.inEffect;
+        info.enterLoop();
+        if (in.operation == RE_Operation::tokenRun) {
+            const auto& token = static_cast<const RE_Start_Token&>(*in.node);
+            info.meter.count();
+            info.recordToken(token.number, token.name, info.indexOf(info.runBegin), info.indexOf(p));
+        }
+        const bool matched = runUnwatchedLoop(info, in.next->node, p) && !info.wasInterrupted();
+        length = static_cast<std::size_t>(p - info.matchStart);
+        return matched;
+    }
+
+    void goOnBehind(const char16_t* failed) {
+        const char16_t* const p = walk.lastInVain(failed);
+        goOnAt(code.nextStart, p != nullptr ? p + 1 : nullptr);
+    }
+
+    const RE_Graph_Facts& facts;
+    const RE_Machine_Code& code;
+    RE_Start_Walk walk;
+    RE_Search_Info& info;
+};
+
+/// The search from its beginning on, or behind a first return for the reason given.
+[[gnu::noinline]] bool search(const RE_Graph_Facts& facts, const RE_Node* root, const RE_Machine_Exit* first,
+                              RE_Search_Info& info, std::size_t& length) {
+    const RE_Start_Walk walk(root, facts, info.lastStart, info);
+    info.askLeft = walk.roomUpToAsking();
+    return Machine_Search(facts, walk, info)
+        .goOn(first != nullptr ? *first : facts.machineCode->run(info), length);
+}
+
+}  // namespace
+
+// Most searches are over when the code returns for the first time.
+bool findByMachineCode(const RE_Graph_Facts& facts, const RE_Node* root, const char16_t* p, const char16_t* last,
+                       RE_Search_Info& info, std::size_t& length) {
+    info.lastStart = last;
+    info.slots = info.tokens->slots.data();
+    info.opened = info.tokenStarts();
+    info.resume = facts.machineCode->nextStart;
+    info.cursor = p;
+    if (!facts.needed.empty()) {
+        return search(facts, root, nullptr, info, length);
+    }
+    info.askLeft = std::numeric_limits<std::int64_t>::min();
+    const RE_Machine_Exit reason = facts.machineCode->run(info);
+    if (reason == RE_Machine_Exit::matched) {
+        info.tokens->count = info.inEffect;
+        length = static_cast<std::size_t>(info.cursor - info.matchStart);
+        return true;
+    }
+    return reason != RE_Machine_Exit::noStart && search(facts, root, &reason, info, length);
+}

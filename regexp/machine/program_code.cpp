@@ -1,0 +1,253 @@
+#ifdef CORVANE_MACHINE_CODE
+
+#include "regexp/machine/program_code.h"
+
+#include "regexp/nodes/dispatch.h"
+#include "regexp/unit_set.h"
+
+#include <algorithm>
+
+namespace corvane_machine {
+
+Program_Code::Program_Code(const RE_Program& source, std::size_t mostBytes)
+    : Unit_Code(mostBytes),
+      mostSteps(static_cast<std::int64_t>(source.instructions.size()) * RE_Instruction::mostSteps + 1),
+      program(source),
+      places(source.instructions.size()),
+      emitted(source.instructions.size()),
+      loops(source.instructions.size()) {
+    findLoops();
+}
+
+// Every way around leads to an instruction that stands no later than the one that it comes from.
+void Program_Code::findLoops() {
+    const auto note = [&](const RE_Instruction& from, const RE_Instruction* to) {
+        if (to <= &from) {
+            loops[indexOf(to)] = true;
+        }
+    };
+    for (const RE_Instruction& in : program.instructions) {
+        if (in.operation == RE_Operation::choose) {
+            const std::size_t ways = static_cast<const RE_Dispatch*>(in.node)->ways.size();
+            std::for_each(in.ways, in.ways + ways, [&](const RE_Instruction* way) { note(in, way); });
+        }
+        if (in.operation != RE_Operation::failed) {
+            note(in, in.next);
+            note(in, in.otherwise);
+        }
+    }
+}
+
+// An instruction stands before the one that follows it where that has found no place yet.
+void Program_Code::emitProgram() {
+    pending.push_back(program.entry);
+    while (!pending.empty()) {
+        const RE_Instruction* const in = pending.back();
+        pending.pop_back();
+        if (!emitted[indexOf(in)]) {
+            emitChain(in);
+        }
+    }
+}
+
+void Program_Code::emitChain(const RE_Instruction* in) {
+    for (;;) {
+        emitted[indexOf(in)] = true;
+        L(labelOf(in));
+        if (loops[indexOf(in)]) {
+            cmp(left, static_cast<std::uint32_t>(mostSteps));
+            jl(exitFor(RE_Machine_Exit::leave, in), T_NEAR);
+        }
+        emitBody(*in);
+        const bool hasNext = in->operation != RE_Operation::leave && in->operation != RE_Operation::failed &&
+                             in->operation != RE_Operation::matched && in->operation != RE_Operation::choose;
+        if (!hasNext) {
+            return;
+        }
+        pending.push_back(in->otherwise);
+        in = in->next;
+        if (emitted[indexOf(in)]) {
+            jmp(labelOf(in), T_NEAR);
+            return;
+        }
+    }
+}
+
+void Program_Code::emitBody(const RE_Instruction& in) {
+    if (in.operation != RE_Operation::leave && in.operation != RE_Operation::failed) {
+        dec(left);
+    }
+    Label& otherwise = labelOf(in.otherwise != nullptr ? in.otherwise : &in);
+    switch (in.operation) {
+        case RE_Operation::leave:
+            jmp(exitFor(RE_Machine_Exit::leave, &in), T_NEAR);
+            break;
+        case RE_Operation::failed:
+            jmp(failedLabel, T_NEAR);
+            break;
+        case RE_Operation::matched:
+            emitMatched(in);
+            break;
+        case RE_Operation::pass:
+            break;
+        case RE_Operation::unit:
+        case RE_Operation::eitherUnit:
+        case RE_Operation::range:
+        case RE_Operation::set:
+        case RE_Operation::notLineFeed:
+            loadUnit(otherwise);
+            unlessTaken(in, otherwise);
+            add(p, 2);
+            break;
+        case RE_Operation::text:
+            emitText(in);
+            break;
+        case RE_Operation::run:
+            emitRunEnd(in);
+            break;
+        case RE_Operation::tokenRun:
+            emitTokenRun(in);
+            break;
+        case RE_Operation::choose:
+            emitChoice(in);
+            break;
+        case RE_Operation::startToken:
+            emitStartToken(in);
+            break;
+        case RE_Operation::endToken:
+            emitEndToken(in);
+            break;
+        case RE_Operation::tokenText:
+            emitTokenText(in);
+            break;
+        case RE_Operation::lineStart:
+        case RE_Operation::lineEnd:
+        case RE_Operation::textStart:
+        case RE_Operation::textEnd:
+        case RE_Operation::wordStart:
+        case RE_Operation::wordEnd:
+            emitEdge(in);
+            break;
+        case RE_Operation::glanceSet:
+            emitGlanceSet(in);
+            break;
+        case RE_Operation::glance:
+            emitGlance(in);
+            break;
+    }
+}
+
+void Program_Code::emitText(const RE_Instruction& in) {
+    Label& otherwise = labelOf(in.otherwise);
+    mov(rax, end);
+    sub(rax, p);
+    cmp(rax, in.least * 2);
+    jb(otherwise, T_NEAR);
+    unlessText(p, in.text, in.least, otherwise);
+    add(p, in.least * 2);
+}
+
+void Program_Code::emitEdge(const RE_Instruction& in) {
+    const RE_Operation operation = in.operation;
+    const bool ahead = operation == RE_Operation::lineEnd || operation == RE_Operation::textEnd ||
+                       operation == RE_Operation::wordEnd;
+    Label& otherwise = labelOf(in.otherwise);
+    Label& holds = fresh();
+    cmp(p, ahead ? end : begin);
+    if (operation == RE_Operation::textStart || operation == RE_Operation::textEnd) {
+        ahead ? jb(otherwise, T_NEAR) : ja(otherwise, T_NEAR);
+        return;
+    }
+    ahead ? jae(holds, T_NEAR) : jbe(holds, T_NEAR);
+    movzx(eax, ahead ? word[p] : word[p - 2]);
+    if (in.units != nullptr) {
+        unlessIn(*in.units, otherwise, false);
+    } else {
+        cmp(eax, std::uint32_t{u'\n'});
+        jne(otherwise, T_NEAR);
+    }
+    L(holds);
+}
+
+void Program_Code::emitGlanceSet(const RE_Instruction& in) {
+    Label& otherwise = labelOf(in.otherwise);
+    if (in.flag) {
+        cmp(p, begin);
+        jbe(otherwise, T_NEAR);
+        movzx(eax, word[p - 2]);
+    } else {
+        loadUnit(otherwise);
+    }
+    unlessIn(*in.units, otherwise);
+}
+
+void Program_Code::emitGlance(const RE_Instruction& in) {
+    Label& decided = fresh();
+    jmp(exitFor(RE_Machine_Exit::glance, &in, &decided), T_NEAR);
+    L(decided);
+    cmp(at(offsetof(RE_Search_Registers, holds)), 0);
+    je(labelOf(in.otherwise), T_NEAR);
+}
+
+void Program_Code::emitMatched(const RE_Instruction& in) {
+    Label& accepted = exitFor(RE_Machine_Exit::matched, &in);
+    cmp(p, start);
+    jne(accepted, T_NEAR);
+    cmp(at(offsetof(RE_Search_Registers, rejectEmpty)), 0);
+    je(accepted, T_NEAR);
+    jmp(failedLabel, T_NEAR);
+}
+
+void Program_Code::emitChoice(const RE_Instruction& in) {
+    const auto& choice = static_cast<const RE_Dispatch&>(*in.node);
+    Label& table = fresh();
+    Label& many = fresh();
+    Label& none = labelOf(in.otherwise);
+    Label& chosen = fresh();
+    pending.push_back(in.otherwise);
+    mov(eax, static_cast<std::uint32_t>(RE_Branch_Start::atEnd));
+    cmp(p, end);
+    jae(chosen, T_NEAR);
+    movzx(eax, word[p]);
+    cmp(eax, static_cast<std::uint32_t>(RE_Branch_Start::others));
+    jbe(chosen, T_NEAR);
+    mov(eax, static_cast<std::uint32_t>(RE_Branch_Start::others));
+    L(chosen);
+    lea(other, ptr[rip + table]);
+    jmp(qword[other + rax * 8]);
+    L(many);
+    inc(left);
+    jmp(exitFor(RE_Machine_Exit::leave, &in), T_NEAR);
+    std::vector<Label*> spared(choice.ways.size(), nullptr);
+    const auto sparedTo = [&](std::size_t way) -> Label& {
+        if (spared[way] == nullptr) {
+            spared[way] = &fresh();
+        }
+        return *spared[way];
+    };
+    align(8);
+    L(table);
+    for (std::size_t column = 0; column < RE_Branch_Start::columns; ++column) {
+        const std::size_t way = choice.onlyWayOf(column);
+        putL(way == RE_Dispatch::noWay ? none : way == RE_Dispatch::manyWays ? many : sparedTo(way));
+    }
+    emitSparedWays(in, spared, many);
+}
+
+// A choice that was spared counts towards the beginning of the memo. The one that begins it is not ours.
+void Program_Code::emitSparedWays(const RE_Instruction& in, std::vector<Label*>& spared, Label& many) {
+    for (std::size_t way = 0; way < spared.size(); ++way) {
+        if (spared[way] != nullptr) {
+            L(*spared[way]);
+            cmp(at(offsetof(RE_Search_Registers, memoCountdown)), 1);
+            jbe(many, T_NEAR);
+            dec(at(offsetof(RE_Search_Registers, memoCountdown)));
+            jmp(labelOf(in.ways[way]), T_NEAR);
+            pending.push_back(in.ways[way]);
+        }
+    }
+}
+
+}  // namespace corvane_machine
+
+#endif

@@ -1,0 +1,183 @@
+// Code of runs, and of the tokens that are told with them or apart.
+#ifdef CORVANE_MACHINE_CODE
+
+#include "regexp/machine/program_code.h"
+#include "regexp/nodes/consume.h"
+#include "regexp/nodes/tokens.h"
+#include "regexp/token_stack.h"
+#include "regexp/unit_set.h"
+
+#include <algorithm>
+
+namespace corvane_machine {
+
+// Most runs end within a vector: their ends are found without a branch for each unit.
+void Program_Code::emitShortRun(const RE_Instruction& in, Label& ended, Label& stopped) {
+    const RE_Unit_Set& units = *in.units;
+    Label& oneByOne = fresh();
+    emitMembersAt(p, units, oneByOne);
+    not_(eax);
+    bsf(ecx, eax);
+    lea(p, ptr[p + rcx * 2]);
+    cmp(ecx, vectorUnits);
+    je(in.most == vectorUnits ? ended : stopped, T_NEAR);
+    if (kindOf(units) != Kind::mixed) {
+        jmp(ended, T_NEAR);
+    } else {
+        cmp(word[p], 0x80);
+        jb(ended, T_NEAR);
+    }
+    L(oneByOne);
+}
+
+// Leaves the end of the run in `p`, its beginning in `runBegin`. Longer runs are measured elsewhere.
+void Program_Code::emitRunEnd(const RE_Instruction& in) {
+    constexpr auto few = static_cast<std::uint32_t>(RE_Consume::shortRun);
+    Label& ended = fresh();
+    Label& stopped = fresh();
+    Label& again = fresh();
+    mov(runBegin, p);
+    if (scansVectors && in.most >= vectorUnits) {
+        emitShortRun(in, ended, stopped);
+    }
+    lea(stop, ptr[runBegin + static_cast<int>(std::min(in.most, few) * 2)]);
+    cmp(stop, end);
+    cmova(stop, end);
+    loadTable(*in.units);
+    L(again);
+    cmp(p, stop);
+    jae(stopped, T_NEAR);
+    movzx(eax, word[p]);
+    unlessIn(*in.units, ended, true, true);
+    add(p, 2);
+    jmp(again, T_NEAR);
+    L(stopped);
+    if (in.most > few) {
+        cmp(p, end);
+        jb(exitFor(RE_Machine_Exit::longRun, &in, &ended), T_NEAR);
+    }
+    L(ended);
+    if (in.flag) {
+        emitLeadingRun(in);
+    }
+    if (in.least > 0) {
+        mov(rax, p);
+        sub(rax, runBegin);
+        shr(rax, 1);
+        cmp(rax, in.least);
+        jb(labelOf(in.otherwise), T_NEAR);
+    }
+}
+
+// A run that reached its limit says nothing of what follows.
+void Program_Code::emitLeadingRun(const RE_Instruction& in) {
+    Label& unsaid = fresh();
+    if (in.most != RE_Instruction::noMaximum) {
+        mov(rax, p);
+        sub(rax, runBegin);
+        shr(rax, 1);
+        cmp(rax, in.most);
+        jae(unsaid, T_NEAR);
+    }
+    mov(at(offsetof(RE_Search_Registers, leadingRun) + offsetof(RE_Measured_Run, begin)), runBegin);
+    mov(at(offsetof(RE_Search_Registers, leadingRun) + offsetof(RE_Measured_Run, end)), p);
+    L(unsaid);
+}
+
+void Program_Code::emitTokenRun(const RE_Instruction& in) {
+    const auto& token = static_cast<const RE_Start_Token&>(*in.node);
+    dec(left);
+    emitRunEnd(in);
+    dec(left);
+    mov(stop, runBegin);
+    sub(stop, begin);
+    shr(stop, 1);
+    emitRecord(token.number, token.name);
+}
+
+void Program_Code::emitStartToken(const RE_Instruction& in) {
+    mov(rax, p);
+    sub(rax, begin);
+    shr(rax, 1);
+    mov(other, at(offsetof(RE_Search_Registers, opened)));
+    mov(qword[other + static_cast<int>(in.least * sizeof(std::size_t))], rax);
+}
+
+void Program_Code::emitEndToken(const RE_Instruction& in) {
+    mov(other, at(offsetof(RE_Search_Registers, opened)));
+    mov(stop, qword[other + static_cast<int>(in.least * sizeof(std::size_t))]);
+    emitRecord(in.least, in.text);
+}
+
+// The token from index `stop` to `p`.
+void Program_Code::emitRecord(std::size_t number, const char16_t* name) {
+    const auto slotAt = [](std::size_t index) { return static_cast<int>(index * sizeof(RE_TokenInfo)); };
+    const auto nameAt = static_cast<int>(offsetof(RE_TokenInfo, name));
+    const auto lengthAt = static_cast<int>(offsetof(RE_TokenInfo, length));
+    const int slot = slotAt(number);
+    mov(spare, at(offsetof(RE_Search_Registers, slots)));
+    if (number > 0) {
+        Label& none = fresh();
+        Label& again = fresh();
+        mov(other, at(offsetof(RE_Search_Registers, inEffect)));
+        L(again);
+        cmp(other, static_cast<std::uint32_t>(number));
+        jae(none, T_NEAR);
+        lea(rax, ptr[other + other * 2]);
+        lea(rax, ptr[spare + rax * 8]);
+        mov(qword[rax], 0);
+        mov(qword[rax + lengthAt], 0);
+        mov(qword[rax + nameAt], 0);
+        inc(other);
+        jmp(again, T_NEAR);
+        L(none);
+    }
+    mov(qword[spare + slot], stop);
+    mov(rax, p);
+    sub(rax, begin);
+    shr(rax, 1);
+    sub(rax, stop);
+    mov(qword[spare + slot + lengthAt], rax);
+    mov(rax, reinterpret_cast<std::uint64_t>(name));
+    mov(qword[spare + slot + nameAt], rax);
+    mov(at(offsetof(RE_Search_Registers, inEffect)), static_cast<std::uint32_t>(number + 1));
+}
+
+void Program_Code::emitTokenText(const RE_Instruction& in) {
+    Label& otherwise = labelOf(in.otherwise);
+    const int slot = static_cast<int>(in.least * sizeof(RE_TokenInfo));
+    cmp(at(offsetof(RE_Search_Registers, inEffect)), in.least);
+    jbe(otherwise, T_NEAR);
+    mov(spare, at(offsetof(RE_Search_Registers, slots)));
+    mov(other, qword[spare + slot + static_cast<int>(offsetof(RE_TokenInfo, length))]);
+    // The comparison of a long text counts for more than this step.
+    inc(left);
+    cmp(other, static_cast<std::uint32_t>(RE_Step_Meter::unitsAStep));
+    jae(exitFor(RE_Machine_Exit::leave, &in), T_NEAR);
+    dec(left);
+    mov(rax, end);
+    sub(rax, p);
+    shr(rax, 1);
+    cmp(rax, other);
+    jb(otherwise, T_NEAR);
+    Label& again = fresh();
+    Label& same = fresh();
+    mov(rax, qword[spare + slot]);
+    lea(rax, ptr[begin + rax * 2]);
+    mov(stop, p);
+    L(again);
+    sub(other, 1);
+    jb(same, T_NEAR);
+    mov(bp, word[rax]);
+    cmp(bp, word[stop]);
+    jne(otherwise, T_NEAR);
+    add(rax, 2);
+    add(stop, 2);
+    jmp(again, T_NEAR);
+    L(same);
+    mov(p, stop);
+}
+
+}  // namespace corvane_machine
+
+#endif

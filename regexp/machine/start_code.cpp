@@ -1,0 +1,285 @@
+#ifdef CORVANE_MACHINE_CODE
+
+#include "regexp/machine/start_code.h"
+
+#include "regexp/nodes/consume.h"
+#include "regexp/nodes/seeker.h"
+#include "regexp/step_meter.h"
+#include "regexp/unit_set.h"
+
+#include <algorithm>
+#include <bit>
+
+namespace corvane_machine {
+
+namespace {
+
+// Farther starts are looked for by the root: wider vectors, a memory for what was found, questions to the host.
+constexpr int farthest = 960;
+constexpr int stepShift = std::countr_zero(RE_Step_Meter::unitsAStep);
+constexpr int tried = 4;  // one by one before vectors are
+
+}  // namespace
+
+Start_Code::Start_Code(const RE_Graph_Facts& graphFacts, const RE_Node* graphRoot, std::size_t mostBytes)
+    : Program_Code(graphFacts.program, mostBytes), facts(graphFacts), root(graphRoot) {}
+
+void Start_Code::emitStarts() {
+    emitFailed();
+    emitNextStart();
+    emitAttempt();
+}
+
+// Whoever runs the code does all else that is due behind a failed attempt: that is asked for first.
+void Start_Code::emitFailed() {
+    L(failedLabel);
+    Label& more = exitFor(RE_Machine_Exit::failed);
+    mov(rax, at(offsetof(RE_Search_Registers, steps)));
+    test(eax, 2047);
+    jz(more, T_NEAR);
+    cmp(left, at(offsetof(RE_Search_Registers, askLeft)));
+    jle(more, T_NEAR);
+    mov(p, start);
+    emitHopeless(more);
+    inc(at(offsetof(RE_Search_Registers, steps)));
+    add(p, 2);
+}
+
+// As `RE_Consume::lastHopelessStart` has it, for runs that were measured.
+void Start_Code::emitHopeless(Label& more) {
+    const RE_Consume* const loop = facts.leadingLoop;
+    if (loop == nullptr || (loop->maximum != RE_Consume::noMaximum && loop->minimum < 2)) {
+        return;
+    }
+    const std::size_t run = offsetof(RE_Search_Registers, leadingRun);
+    cmp(start, at(run + offsetof(RE_Measured_Run, begin)));
+    jne(more, T_NEAR);
+    if (loop->maximum == RE_Consume::noMaximum) {
+        mov(p, at(run + offsetof(RE_Measured_Run, end)));
+        return;
+    }
+    mov(other, at(run + offsetof(RE_Measured_Run, end)));
+    mov(rax, other);
+    sub(rax, start);
+    shr(rax, 1);
+    cmp(rax, static_cast<std::uint32_t>(loop->minimum));
+    cmovb(p, other);
+}
+
+void Start_Code::emitNextStart() {
+    L(nextStartLabel);
+    cmp(p, at(offsetof(RE_Search_Registers, lastStart)));
+    ja(exitFor(RE_Machine_Exit::noStart), T_NEAR);
+    if (facts.start.rootSeeks) {
+        emitSeek();
+    }
+}
+
+// Looks for a start from `p` on. A scan counts as many steps as one by the root.
+void Start_Code::emitSeek() {
+    const auto* const literal = dynamic_cast<const StringStringSeeker*>(root);
+    if (facts.start.units != nullptr) {
+        emitSeekUnits(*facts.start.units);
+    } else if (root->kind == RE_Node_Kind::lineStart && scansVectors) {
+        emitSeekLineStart();
+    } else if (root->kind == RE_Node_Kind::textStart) {
+        cmp(p, begin);
+        ja(exitFor(RE_Machine_Exit::noStart), T_NEAR);
+    } else if (literal != nullptr && literal->probe() != nullptr && scansVectors) {
+        emitSeekLiteral(*literal);
+    } else {
+        jmp(exitFor(RE_Machine_Exit::seek), T_NEAR);
+    }
+}
+
+// The start is at `runBegin`.
+void Start_Code::emitFound() {
+    mov(rax, runBegin);
+    sub(rax, p);
+    shr(rax, 1 + stepShift);
+    sub(left, rax);
+    mov(p, runBegin);
+    cmp(p, at(offsetof(RE_Search_Registers, lastStart)));
+    ja(exitFor(RE_Machine_Exit::noStart), T_NEAR);
+}
+
+// There is none up to the subject's end.
+void Start_Code::emitNowhere(Label& nowhere) {
+    Label& found = fresh();
+    jmp(found, T_NEAR);
+    L(nowhere);
+    mov(rax, end);
+    sub(rax, p);
+    shr(rax, 1 + stepShift);
+    sub(left, rax);
+    jmp(exitFor(RE_Machine_Exit::noStart), T_NEAR);
+    L(found);
+}
+
+/// Goes on from `runBegin` with the next vector of units.
+void Start_Code::emitNextVector(Label& again) {
+    add(runBegin, static_cast<int>(vectorUnits * sizeof(char16_t)));
+    cmp(runBegin, stop);
+    jb(again, T_NEAR);
+    jmp(exitFor(RE_Machine_Exit::seek), T_NEAR);
+}
+
+// Goes to `found` at the first unit from `runBegin` on that is in the set: the next few at most, or up to the end.
+void Start_Code::emitOneByOne(const RE_Unit_Set& units, int most, Label& found, Label& nowhere) {
+    Label& again = fresh();
+    loadTable(units);
+    L(again);
+    for (int i = 0; i < std::max(most, 1); ++i) {
+        Label& next = fresh();
+        cmp(runBegin, end);
+        jae(nowhere, T_NEAR);
+        movzx(eax, word[runBegin]);
+        unlessIn(units, next, true, true);
+        jmp(found, T_NEAR);
+        L(next);
+        add(runBegin, 2);
+    }
+    if (most == 0) {
+        jmp(again, T_NEAR);
+    }
+}
+
+void Start_Code::emitSeekUnits(const RE_Unit_Set& units) {
+    Label& found = fresh();
+    Label& nowhere = fresh();
+    mov(runBegin, p);
+    emitOneByOne(units, tried, found, nowhere);
+    if (scansVectors) {
+        Label& again = fresh();
+        Label& tail = fresh();
+        Label& hit = fresh();
+        lea(stop, ptr[p + farthest * 2]);
+        L(again);
+        emitMembersAt(runBegin, units, tail);
+        if (kindOf(units) == Kind::mixed) {
+            or_(eax, ecx);
+        }
+        test(eax, eax);
+        jnz(hit, T_NEAR);
+        emitNextVector(again);
+        L(hit);
+        bsf(eax, eax);
+        lea(runBegin, ptr[runBegin + rax * 2]);
+        if (kindOf(units) == Kind::mixed) {
+            movzx(eax, word[runBegin]);
+            unlessIn(units, exitFor(RE_Machine_Exit::seek));
+        }
+        jmp(found, T_NEAR);
+        L(tail);
+        emitOneByOne(units, 0, found, nowhere);
+    } else {
+        jmp(exitFor(RE_Machine_Exit::seek), T_NEAR);
+    }
+    emitNowhere(nowhere);
+    L(found);
+    emitFound();
+}
+
+void Start_Code::emitSeekLineStart() {
+    Label& again = fresh();
+    Label& tail = fresh();
+    Label& hit = fresh();
+    Label& found = fresh();
+    Label& nowhere = fresh();
+    mov(runBegin, p);
+    cmp(p, begin);
+    jbe(found, T_NEAR);
+    cmp(word[p - 2], std::uint32_t{u'\n'});
+    je(found, T_NEAR);
+    lea(stop, ptr[p + farthest * 2]);
+    L(again);
+    lea(rax, ptr[runBegin + static_cast<int>(vectorUnits * 2)]);
+    cmp(rax, end);
+    ja(tail, T_NEAR);
+    emitEqualUnits(runBegin, u'\n', xmm0);
+    pmovmskb(eax, xmm0);
+    test(eax, eax);
+    jnz(hit, T_NEAR);
+    emitNextVector(again);
+    L(hit);
+    bsf(eax, eax);
+    lea(runBegin, ptr[runBegin + rax * 2 + 2]);
+    jmp(found, T_NEAR);
+    L(tail);
+    cmp(runBegin, end);
+    jae(nowhere, T_NEAR);
+    add(runBegin, 2);
+    cmp(word[runBegin - 2], std::uint32_t{u'\n'});
+    jne(tail, T_NEAR);
+    emitNowhere(nowhere);
+    L(found);
+    emitFound();
+}
+
+void Start_Code::emitSeekLiteral(const StringStringSeeker& seeker) {
+    Label& again = fresh();
+    Label& next = fresh();
+    Label& tail = fresh();
+    Label& hit = fresh();
+    Label& mismatch = fresh();
+    Label& found = fresh();
+    Label& nowhere = fresh();
+    const RE_Literal literal = seeker.string.literal();
+    const RE_Literal_Probe& probe = *seeker.probe();
+    const int bytes = static_cast<int>(literal.length * sizeof(char16_t));
+    mov(runBegin, p);
+    lea(stop, ptr[p + farthest * 2]);
+    L(again);
+    lea(rax, ptr[runBegin + static_cast<int>(vectorUnits * 2) + bytes]);
+    cmp(rax, end);
+    ja(tail, T_NEAR);
+    emitEqualUnits(runBegin + probe.firstAt * 2, probe.first.one, xmm0);
+    if (probe.secondAt != probe.firstAt) {
+        emitEqualUnits(runBegin + probe.secondAt * 2, probe.second.one, xmm1);
+        pand(xmm0, xmm1);
+    }
+    pmovmskb(eax, xmm0);
+    test(eax, eax);
+    jnz(hit, T_NEAR);
+    L(next);
+    emitNextVector(again);
+    L(hit);
+    bsf(ecx, eax);
+    lea(spare, ptr[runBegin + rcx * 2]);
+    unlessText(spare, literal.text, literal.length, mismatch);
+    mov(runBegin, spare);
+    jmp(found, T_NEAR);
+    L(mismatch);
+    lea(ecx, ptr[rax - 1]);
+    and_(eax, ecx);
+    jnz(hit, T_NEAR);
+    jmp(next, T_NEAR);
+    L(tail);
+    lea(rax, ptr[runBegin + bytes]);
+    cmp(rax, end);
+    ja(nowhere, T_NEAR);
+    Label& miss = fresh();
+    unlessText(runBegin, literal.text, literal.length, miss);
+    jmp(found, T_NEAR);
+    L(miss);
+    add(runBegin, 2);
+    jmp(tail, T_NEAR);
+    emitNowhere(nowhere);
+    L(found);
+    emitFound();
+}
+
+void Start_Code::emitAttempt() {
+    L(attemptLabel);
+    cmp(left, static_cast<std::uint32_t>(mostSteps));
+    jl(exitFor(RE_Machine_Exit::slow), T_NEAR);
+    mov(start, p);
+    mov(at(offsetof(RE_Search_Registers, inEffect)), 0);
+    if (facts.start.skipsSeeker) {
+        dec(left);
+    }
+}
+
+}  // namespace corvane_machine
+
+#endif

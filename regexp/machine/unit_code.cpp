@@ -1,0 +1,197 @@
+#ifdef CORVANE_MACHINE_CODE
+
+#include "regexp/machine/unit_code.h"
+
+#include "regexp/program/instruction.h"
+#include "regexp/unit_set.h"
+
+#include <xbyak/xbyak_util.h>
+
+namespace corvane_machine {
+
+bool Unit_Code::canScanVectors() {
+    const Xbyak::util::Cpu processor;
+    return processor.has(Xbyak::util::Cpu::tSSE41) && processor.has(Xbyak::util::Cpu::tSSSE3);
+}
+
+Unit_Code::Kind Unit_Code::kindOf(const RE_Unit_Set& units) {
+    if (RE_Unit_Ranges(units).count == 1) {
+        return Kind::range;
+    }
+    if (units.holdsAllFrom(tableUnits)) {
+        return Kind::allOthers;
+    }
+    return units.holdsAnyFrom(tableUnits) ? Kind::mixed : Kind::noOthers;
+}
+
+void Unit_Code::loadUnit(Label& target) {
+    cmp(p, end);
+    jae(target, T_NEAR);
+    movzx(eax, word[p]);
+}
+
+void Unit_Code::loadTable(const RE_Unit_Set& units) {
+    mov(other, reinterpret_cast<std::uint64_t>(units.table()));
+}
+
+void Unit_Code::unlessIn(const RE_Unit_Set& units, Label& target, bool wanted, bool tableIsLoaded) {
+    const RE_Unit_Ranges ranges(units);
+    if (ranges.count == 1) {
+        const auto low = static_cast<std::uint32_t>(ranges.list[0].low);
+        const auto high = static_cast<std::uint32_t>(ranges.list[0].high);
+        if (low == high) {
+            cmp(eax, low);
+            wanted ? jne(target, T_NEAR) : je(target, T_NEAR);
+            return;
+        }
+        lea(ebp, ptr[rax - static_cast<int>(low)]);
+        cmp(ebp, high - low);
+        wanted ? ja(target, T_NEAR) : jbe(target, T_NEAR);
+        return;
+    }
+    if (!tableIsLoaded) {
+        loadTable(units);
+    }
+    mov(spare, rax);
+    shr(spare, 6);
+    mov(spare, qword[other + spare * 8]);
+    bt(spare, rax);
+    wanted ? jnc(target, T_NEAR) : jc(target, T_NEAR);
+}
+
+void Unit_Code::unlessTaken(const RE_Instruction& in, Label& target) {
+    switch (in.operation) {
+        case RE_Operation::unit:
+            cmp(eax, std::uint32_t{in.unit});
+            jne(target, T_NEAR);
+            break;
+        case RE_Operation::eitherUnit: {
+            Label& holds = fresh();
+            cmp(eax, std::uint32_t{in.unit});
+            je(holds, T_NEAR);
+            cmp(eax, in.most);
+            jne(target, T_NEAR);
+            L(holds);
+            break;
+        }
+        case RE_Operation::range:
+            lea(ecx, ptr[rax - static_cast<int>(in.least)]);
+            cmp(ecx, in.most - in.least);
+            ja(target, T_NEAR);
+            break;
+        case RE_Operation::notLineFeed:
+            cmp(eax, std::uint32_t{u'\n'});
+            je(target, T_NEAR);
+            break;
+        default:
+            unlessIn(*in.units, target);
+    }
+}
+
+void Unit_Code::emitMembersAt(const Reg64& from, const RE_Unit_Set& units, Label& tooNear) {
+    lea(rax, ptr[from + static_cast<int>(vectorUnits * 2)]);
+    cmp(rax, end);
+    ja(tooNear, T_NEAR);
+    emitMembers(from, units);
+}
+
+void Unit_Code::emitMembers(const Reg64& from, const RE_Unit_Set& units) {
+    movdqu(xmm0, ptr[from]);
+    movdqu(xmm1, ptr[from + 16]);
+    pxor(xmm2, xmm2);
+    if (kindOf(units) == Kind::range) {
+        emitRangeMembers(RE_Unit_Ranges(units).list[0]);
+        return;
+    }
+    // Units from 0x80 on become bytes from 0x80 on.
+    movdqa(xmm3, ptr[rip + words(0x00FF)]);
+    pminuw(xmm0, xmm3);
+    pminuw(xmm1, xmm3);
+    packuswb(xmm0, xmm1);
+    if (kindOf(units) != Kind::noOthers) {
+        pmovmskb(ecx, xmm0);
+    }
+    movdqa(xmm3, ptr[rip + words(0x0F0F)]);
+    movdqa(xmm1, xmm0);
+    psrlw(xmm1, 4);
+    pand(xmm1, xmm3);
+    pand(xmm0, xmm3);
+    movdqa(xmm4, ptr[rip + rowsOf(units)]);
+    movdqa(xmm5, ptr[rip + rowBits()]);
+    pshufb(xmm4, xmm0);
+    pshufb(xmm5, xmm1);
+    pand(xmm4, xmm5);
+    pcmpeqb(xmm4, xmm2);
+    pmovmskb(eax, xmm4);
+    xor_(eax, 0xFFFF);
+    if (kindOf(units) == Kind::allOthers) {
+        or_(eax, ecx);
+    }
+}
+
+void Unit_Code::emitRangeMembers(RE_Unit_Ranges::Range range) {
+    movdqa(xmm3, ptr[rip + words(range.low)]);
+    movdqa(xmm4, ptr[rip + words(static_cast<char16_t>(range.high - range.low))]);
+    psubw(xmm0, xmm3);
+    psubw(xmm1, xmm3);
+    psubusw(xmm0, xmm4);
+    psubusw(xmm1, xmm4);
+    packsswb(xmm0, xmm1);
+    pcmpeqb(xmm0, xmm2);
+    pmovmskb(eax, xmm0);
+}
+
+void Unit_Code::emitEqualUnits(const Xbyak::RegExp& from, char16_t unit, const Xbyak::Xmm& result) {
+    movdqu(result, ptr[from]);
+    movdqu(xmm5, ptr[from + 16]);
+    movdqa(xmm4, ptr[rip + words(unit)]);
+    pcmpeqw(result, xmm4);
+    pcmpeqw(xmm5, xmm4);
+    packsswb(result, xmm5);
+}
+
+void Unit_Code::unlessText(const Reg64& from, const char16_t* text, std::size_t length, Label& target) {
+    std::size_t i = 0;
+    for (; i + 2 <= length; i += 2) {
+        const std::uint32_t two = text[i] | static_cast<std::uint32_t>(text[i + 1]) << 16;
+        cmp(dword[from + static_cast<int>(i * 2)], two);
+        jne(target, T_NEAR);
+    }
+    if (i < length) {
+        const auto one = static_cast<std::uint32_t>(static_cast<std::int16_t>(text[i]));  // as it is extended
+        cmp(word[from + static_cast<int>(i * 2)], one);
+        jne(target, T_NEAR);
+    }
+}
+
+Label& Unit_Code::words(char16_t unit) {
+    Bytes bytes;
+    for (std::size_t i = 0; i < bytes.size(); i += 2) {
+        bytes[i] = static_cast<std::uint8_t>(unit & 0xFF);
+        bytes[i + 1] = static_cast<std::uint8_t>(unit >> 8);
+    }
+    return constant(bytes);
+}
+
+// By low four bits of a unit of the table: one bit for each value of the next three.
+Label& Unit_Code::rowsOf(const RE_Unit_Set& units) {
+    Bytes rows{};
+    for (std::size_t unit = 0; unit < tableUnits; ++unit) {
+        if (units.contains(static_cast<char16_t>(unit))) {
+            rows[unit % 16] = static_cast<std::uint8_t>(rows[unit % 16] | 1U << unit / 16);
+        }
+    }
+    return constant(rows);
+}
+
+Label& Unit_Code::rowBits() {
+    Bytes bits{};
+    for (std::size_t row = 0; row < 8; ++row) {
+        bits[row] = static_cast<std::uint8_t>(1U << row);
+    }
+    return constant(bits);
+}
+
+}  // namespace corvane_machine
+
+#endif

@@ -1,0 +1,56 @@
+// Code that asks whether units are in sets: one unit, or sixteen at once.
+#pragma once
+
+#include "regexp/machine/code_writer.h"
+#include "regexp/machine/unit_ranges.h"
+
+struct RE_Instruction;
+
+namespace corvane_machine {
+
+class Unit_Code : protected Code_Writer {
+protected:
+    using Code_Writer::Code_Writer;
+
+    static constexpr std::uint32_t vectorUnits = 16;
+    /// Whether the processor can look at so many units at once.
+    const bool scansVectors = canScanVectors();
+
+    /// How a set is told from a vector of units.
+    enum class Kind {
+        range,
+        noOthers,   ///< units of the table only
+        allOthers,  ///< some of the table, and all behind it
+        mixed       ///< of a vector only those of the table are told
+    };
+    static Kind kindOf(const RE_Unit_Set& units);
+
+    /// Goes to `target` unless `p` is before the end; otherwise its unit is in eax.
+    void loadUnit(Label& target);
+    /// Goes to `target` unless the unit in eax is in the set; or, with `wanted` false, if it is.
+    void unlessIn(const RE_Unit_Set& units, Label& target, bool wanted = true, bool tableIsLoaded = false);
+    /// For many questions in a row. The address stays in `other`.
+    void loadTable(const RE_Unit_Set& units);
+    /// Goes to `target` unless the test of the instruction takes the unit in eax.
+    void unlessTaken(const RE_Instruction& in, Label& target);
+    /// Puts into eax one bit for each of the units from `from` on that is in the set; of mixed sets only those
+    /// of the table, and into ecx all behind the table. Goes to `tooNear` where the subject ends before.
+    void emitMembersAt(const Reg64& from, const RE_Unit_Set& units, Label& tooNear);
+    /// The same for units that are readable.
+    void emitMembers(const Reg64& from, const RE_Unit_Set& units);
+    /// One bit for each of the units from `from` on that is this one.
+    void emitEqualUnits(const Xbyak::RegExp& from, char16_t unit, const Xbyak::Xmm& result);
+    /// Goes to `target` unless the text stands at `from`, where as many units are readable.
+    void unlessText(const Reg64& from, const char16_t* text, std::size_t length, Label& target);
+
+private:
+    static constexpr std::size_t tableUnits = 128;
+
+    static bool canScanVectors();
+    void emitRangeMembers(RE_Unit_Ranges::Range range);
+    Label& words(char16_t unit);
+    Label& rowsOf(const RE_Unit_Set& units);
+    Label& rowBits();
+};
+
+}  // namespace corvane_machine

@@ -1,0 +1,19 @@
+// The ranges that a set of units consists of, as far as a few comparisons can tell them apart.
+#pragma once
+
+#include "regexp/unit_set.h"
+
+#include <cstddef>
+
+struct RE_Unit_Ranges {
+    struct Range {
+        char16_t low;
+        char16_t high;
+    };
+    static constexpr std::size_t most = 1;
+
+    explicit RE_Unit_Ranges(const RE_Unit_Set& set);
+
+    Range list[most];
+    std::size_t count = 0;  ///< more than `most` when there are more
+};

@@ -1,0 +1,283 @@
+#include "regexp/program/lower.h"
+
+#include "regexp/nodes/closed_body.h"
+#include "regexp/nodes/consume.h"
+#include "regexp/nodes/dispatch.h"
+#include "regexp/nodes/string.h"
+#include "regexp/nodes/tokens.h"
+#include "regexp/nodes/trivial.h"
+#include "regexp/nodes/units.h"
+#include "regexp/parser/parser_context.h"
+
+#include <limits>
+#include <span>
+
+namespace {
+
+// Behind so many nodes an attempt has taken long enough for the way into the match loop not to count.
+constexpr std::size_t mostInstructions = 512;
+
+/// The nodes that a node leads to.
+struct Exits {
+    Exits() = default;
+    Exits(RE_Node* following, RE_Node* failing = nullptr) : next(following), otherwise(failing) {}
+    explicit Exits(std::span<RE_Node* const> all) : ways(all) {}
+
+    RE_Node* next = nullptr;
+    RE_Node* otherwise = nullptr;
+    std::span<RE_Node* const> ways;
+};
+
+class Lowering {
+public:
+    Lowering(RE_ParserContext& context, RE_Program& target) : program(target), walk(context.nextWalk()) {}
+
+    void run(RE_Node* entry) {
+        add(entry);
+        // Grows while it is walked through.
+        for (std::size_t i = 0; i < found.size(); ++i) {
+            const Exits exits = describe(*found[i].node, found[i].instruction);
+            found[i].exits = exits;
+            add(exits.next);
+            add(exits.otherwise);
+            for (RE_Node* way : exits.ways) {
+                add(way);
+            }
+        }
+        if (found.front().instruction.operation != RE_Operation::leave) {
+            link();
+        }
+    }
+
+private:
+    struct Found {
+        RE_Node* node;
+        RE_Instruction instruction;
+        Exits exits;
+    };
+
+    void add(RE_Node* node) {
+        if (node != nullptr && node->walk != walk) {
+            node->walk = walk;
+            node->walkNote = static_cast<std::uint32_t>(found.size());
+            found.push_back({node, {}, {}});
+            found.back().instruction.node = node;
+        }
+    }
+
+    Exits describe(RE_Node& node, RE_Instruction& in) const;
+    Exits describeRun(const RE_Consume& loop, RE_Operation operation, RE_Node* next, RE_Instruction& in) const;
+    Exits describeToken(const RE_Token& token, RE_Operation operation, RE_Instruction& in) const;
+    Exits describeGlance(const RE_Lookaround_Assertion& test, RE_Instruction& in) const;
+    Exits describeFolded(const RE_Natural_I& node, RE_Instruction& in) const;
+    Exits describeString(const RE_String& string, RE_Instruction& in) const;
+    Exits describeReference(const RE_Match_Token& reference, RE_Instruction& in) const;
+
+    const RE_Instruction* placeOf(const RE_Node* node) const {
+        const std::size_t place = node != nullptr ? node->walkNote : found.size();
+        return &program.instructions[place];
+    }
+
+    /// Moves what was found to where it stays.
+    void link();
+
+    RE_Program& program;
+    std::uint32_t walk;
+    std::vector<Found> found;
+};
+
+void Lowering::link() {
+    program.instructions.reserve(found.size() + 1);
+    std::size_t wayCount = 0;
+    for (const Found& each : found) {
+        program.instructions.push_back(each.instruction);
+        wayCount += each.exits.ways.size();
+    }
+    program.instructions.emplace_back().operation = RE_Operation::failed;
+    program.ways.reserve(wayCount);
+    for (std::size_t i = 0; i < found.size(); ++i) {
+        RE_Instruction& in = program.instructions[i];
+        const Exits& exits = found[i].exits;
+        in.next = placeOf(exits.next);
+        in.otherwise = placeOf(exits.otherwise);
+        if (in.operation == RE_Operation::choose) {
+            in.ways = program.ways.data() + program.ways.size();
+        }
+        for (const RE_Node* way : exits.ways) {
+            program.ways.push_back(placeOf(way));
+        }
+    }
+    program.entry = program.instructions.data();
+}
+
+bool fits(std::uint64_t count) {
+    return count < RE_Instruction::noMaximum;
+}
+
+Exits Lowering::describeRun(const RE_Consume& loop, RE_Operation operation, RE_Node* next,
+                            RE_Instruction& in) const {
+    const bool isEndless = loop.maximum == RE_Consume::noMaximum;
+    if (!loop.possessive || loop.lazy || !fits(loop.minimum) || !(isEndless || fits(loop.maximum))) {
+        return {};
+    }
+    in.operation = operation;
+    in.flag = loop.leads;
+    in.units = loop.units.get();
+    in.least = static_cast<std::uint32_t>(loop.minimum);
+    in.most = isEndless ? RE_Instruction::noMaximum : static_cast<std::uint32_t>(loop.maximum);
+    return {next};
+}
+
+Exits Lowering::describeToken(const RE_Token& token, RE_Operation operation, RE_Instruction& in) const {
+    if (!fits(token.number)) {
+        return {};
+    }
+    in.operation = operation;
+    in.text = token.name;
+    in.least = static_cast<std::uint32_t>(token.number);
+    return {token.nextNode};
+}
+
+Exits Lowering::describeGlance(const RE_Lookaround_Assertion& test, RE_Instruction& in) const {
+    in.flag = test.behind;
+    in.units = test.glanceUnits;
+    in.operation = in.units != nullptr ? RE_Operation::glanceSet : RE_Operation::glance;
+    return {test.nextNode, test.failTarget};
+}
+
+Exits Lowering::describeFolded(const RE_Natural_I& node, RE_Instruction& in) const {
+    const auto lower = static_cast<char16_t>(node.ch);
+    char16_t forms[2] = {lower, lower};
+    std::size_t count = 0;
+    RE_Case_Table::get().forEachForm(lower, [&](char16_t form) {
+        if (count < 2) {
+            forms[count] = form;
+        }
+        ++count;
+    });
+    if (count == 0 || count > 2) {
+        return {};
+    }
+    in.operation = RE_Operation::eitherUnit;
+    in.unit = forms[0];
+    in.most = forms[count - 1];
+    return {node.nextNode, node.failTarget};
+}
+
+Exits Lowering::describeString(const RE_String& string, RE_Instruction& in) const {
+    if (string.ignoreCase || !fits(string.length)) {
+        return {};
+    }
+    in.operation = RE_Operation::text;
+    in.text = string.text;
+    in.least = static_cast<std::uint32_t>(string.length);
+    return {string.nextNode};
+}
+
+Exits Lowering::describeReference(const RE_Match_Token& reference, RE_Instruction& in) const {
+    if (reference.name != nullptr || reference.ignoreCase || !fits(reference.number)) {
+        return {};
+    }
+    in.operation = RE_Operation::tokenText;
+    in.least = static_cast<std::uint32_t>(reference.number);
+    return {reference.nextNode, reference.failTarget};
+}
+
+Exits plain(RE_Operation operation, const RE_Node& node, RE_Instruction& in) {
+    in.operation = operation;
+    return {node.nextNode};
+}
+
+Exits wordTest(RE_Operation operation, const RE_Node& node, RE_Instruction& in) {
+    in.units = &RE_Unit_Classes::get().words;
+    return plain(operation, node, in);
+}
+
+template <class Unit>
+Exits unitTest(RE_Operation operation, const Unit& node, RE_Instruction& in) {
+    in.operation = operation;
+    return {node.nextNode, node.failTarget};
+}
+
+// What is left as it is gets no exits: nothing of the program stands behind it.
+Exits Lowering::describe(RE_Node& node, RE_Instruction& in) const {
+    if (found.size() > mostInstructions) {
+        return {};
+    }
+    switch (node.kind) {
+        case RE_Node_Kind::passage:
+            return plain(RE_Operation::pass, node, in);
+        case RE_Node_Kind::end: {
+            const auto& end = static_cast<const RE_End_Of_Tree&>(node);
+            const bool isLast = end.continuation == nullptr && !end.endsBody;
+            in.operation = isLast ? RE_Operation::matched : RE_Operation::leave;
+            return {};
+        }
+        case RE_Node_Kind::literal: {
+            const auto& literal = static_cast<const RE_Natural&>(node);
+            in.unit = static_cast<char16_t>(literal.ch);
+            return unitTest(RE_Operation::unit, literal, in);
+        }
+        case RE_Node_Kind::foldedLiteral:
+            return describeFolded(static_cast<const RE_Natural_I&>(node), in);
+        case RE_Node_Kind::range: {
+            const auto& range = static_cast<const RE_Range&>(node);
+            in.least = range.low;
+            in.most = range.high;
+            return unitTest(RE_Operation::range, range, in);
+        }
+        case RE_Node_Kind::namedClass:
+        case RE_Node_Kind::unitClass: {
+            const auto& test = static_cast<const RE_Consumable&>(node);
+            in.units = test.table();
+            return unitTest(RE_Operation::set, test, in);
+        }
+        case RE_Node_Kind::dotLine:
+            return unitTest(RE_Operation::notLineFeed, static_cast<const RE_Consumable&>(node), in);
+        case RE_Node_Kind::string:
+            return describeString(static_cast<const RE_String&>(node), in);
+        case RE_Node_Kind::run:
+            return describeRun(static_cast<const RE_Consume&>(node), RE_Operation::run, node.nextNode, in);
+        case RE_Node_Kind::dispatch: {
+            in.operation = RE_Operation::choose;
+            return Exits(static_cast<const RE_Dispatch&>(node).ways);
+        }
+        case RE_Node_Kind::startToken: {
+            const auto& start = static_cast<const RE_Start_Token&>(node);
+            if (start.run != nullptr) {
+                const auto& loop = static_cast<const RE_Consume&>(*start.run);
+                return describeRun(loop, RE_Operation::tokenRun, loop.nextNode->nextNode, in);
+            }
+            return describeToken(start, RE_Operation::startToken, in);
+        }
+        case RE_Node_Kind::endToken:
+            return describeToken(static_cast<const RE_Token&>(node), RE_Operation::endToken, in);
+        case RE_Node_Kind::matchToken:
+            return describeReference(static_cast<const RE_Match_Token&>(node), in);
+        case RE_Node_Kind::lineStart:
+            return plain(RE_Operation::lineStart, node, in);
+        case RE_Node_Kind::lineEnd:
+            return plain(RE_Operation::lineEnd, node, in);
+        case RE_Node_Kind::textStart:
+            return plain(RE_Operation::textStart, node, in);
+        case RE_Node_Kind::textEnd:
+            return plain(RE_Operation::textEnd, node, in);
+        case RE_Node_Kind::wordStart:
+            return wordTest(RE_Operation::wordStart, node, in);
+        case RE_Node_Kind::wordEnd:
+            return wordTest(RE_Operation::wordEnd, node, in);
+        case RE_Node_Kind::glance:
+            return describeGlance(static_cast<const RE_Lookaround_Assertion&>(node), in);
+        case RE_Node_Kind::other:
+        case RE_Node_Kind::split:
+        case RE_Node_Kind::literalSet:
+            break;
+    }
+    return {};
+}
+
+}  // namespace
+
+void lowerGraph(RE_ParserContext& context, RE_Node* entry, RE_Program& program) {
+    Lowering(context, program).run(entry);
+}

@@ -1,0 +1,169 @@
+// Machine code finds what the graph finds, in as many steps, whatever the vectors that it looks at end in.
+#include "tests/support/differential.h"
+#include "tests/support/pattern_random.h"
+
+#include <gtest/gtest.h>
+
+namespace corvane_tests {
+namespace {
+
+struct Searched {
+    Outcome outcome;
+    RE_Search_Outcome ending;
+    std::uint64_t steps;
+
+    bool operator==(const Searched&) const = default;
+};
+
+std::string describe(const Searched& searched) {
+    return corvane_tests::describe(searched.outcome) + " ending " +
+           std::to_string(static_cast<int>(searched.ending)) + " steps " + std::to_string(searched.steps);
+}
+
+Searched searchWithin(const RE_Tree& tree, std::u16string_view subject, size_t offset, std::uint64_t steps) {
+    RE_Search_Report report;
+    const std::unique_ptr<RE_Results> results(
+        tree.match(subject.data(), subject.size(), offset, RE_Search_Limits{.steps = steps}, report));
+    return {toOutcome(results.get()), report.outcome, report.steps};
+}
+
+/// The same pattern with machine code, by its program, and as a plain graph.
+class Ways {
+public:
+    Ways(const std::u16string& text, RE_Flags patternFlags)
+        : pattern(text), flags(patternFlags), machine(text, patternFlags, {.machineCode = true}), program(text, patternFlags),
+          plain(text, patternFlags, {false, false, false, 1024, false}) {}
+
+    bool hasCode() const { return machine.tree().getFacts().machineCode != nullptr; }
+
+    /// What is wrong, or nothing.
+    std::string compare(std::u16string_view subject, size_t offset = 0,
+                        std::uint64_t steps = RE_Step_Meter::unlimited) const {
+        const Searched expected = searchWithin(program.tree(), subject, offset, steps);
+        const Searched found = searchWithin(machine.tree(), subject, offset, steps);
+        const bool same = found == expected;
+        const bool right = expected.ending == RE_Search_Outcome::stepsSpent || plain.search(subject, offset) == expected.outcome;
+        return same && right ? "" : printable(pattern) + " flags " + std::to_string(flags) + " on '" + printable(std::u16string(subject)) + "' from " +
+                                        std::to_string(offset) + ": " + describe(found) + ", expected " +
+                                        describe(expected) + (right ? "" : ", not as the plain graph");
+    }
+
+private:
+    std::u16string pattern;
+    RE_Flags flags;
+    Engine machine;
+    Engine program;
+    Engine plain;
+};
+
+struct Case {
+    const char16_t* pattern;
+    RE_Flags flags;
+    const char16_t* alphabet;  ///< of the subjects
+};
+
+constexpr RE_Flags kLines = 0x06;
+constexpr RE_Flags kFolded = 0x13;
+
+// Every instruction, every kind of set, every way to the next start.
+const Case kCases[] = {
+    {u"\\w+", kPlain, u"ab \u0436_"},
+    {u"[a-c]+", kPlain, u"abd"},
+    {u"[^b]+b", kPlain, u"ab\u0436\uFFFF"},
+    {u"[^ab]+", kPlain, u"abc\u8000\uFFFF"},
+    {u"(\\w+) (\\w+)", kPlain, u"ab  "},
+    {u"(a)(\\w)\\2b?\\1", kPlain, u"aab"},
+    {u"(\\w+) \\1!", kPlain, u"aab !"},
+    {u"(x)?(?:(a+)|(b)c)d", kPlain, u"abcdx"},
+    {u"\\w+(?=,)", kPlain, u"ab,"},
+    {u"(?<=b)[a]+(?!c)", kPlain, u"abc"},
+    {u"(?<!ab)c+(?=de)", kPlain, u"abcde"},
+    {u"\\<(\\w+) \\1\\>", kPlain, u"ab "},
+    {u"^\\w+$", kLines, u"ab\n"},
+    {u"^.+$", kLines, u"ab\n\n"},
+    {u"^(\\w+)$", kPlain, u"a "},
+    {u"abc", kPlain, u"abc"},
+    {u"abcab+(\\w)", kPlain, u"abc"},
+    {u"Kelvin", kFolded, u"KkEeLl\u212AVvIiNn"},
+    {u"ab*c", kFolded, u"aAbBcC"},
+    {u"[a-z]{5,9}", kPlain, u"abC"},
+    {u"\\w{12,17}", kPlain, u"aaaaab "},
+    {u"(?:[a-c]{2,5} ){2}", kPlain, u"abc  "},
+    {u"(?:(\\w+),)*;", kEmptyToo, u"ab,;"},
+    {u"a*", kEmptyToo, u"ab"},
+    {u"a*", kPlain, u"ab"},
+    {u"(\\d{1,3})\\.(\\d{1,3})", kPlain, u"12."},
+    {u"(?:cat|dog|cow)s?(\\d)", kPlain, u"catdogws1"},
+    {u"([ab]+)(c)?.\\1", kPlain, u"abc"},
+    {u"(a|[bc]+)+d", kPlain, u"abcd"},
+    {u".{3}x", 0x10, u"ax\n"},
+};
+
+TEST(MachineCode, FindsWhatTheGraphFindsInAsManySteps) {
+    PatternSource source(42);
+    size_t compiled = 0;
+    for (const Case& each : kCases) {
+        const std::u16string alphabet(each.alphabet);
+        const Ways ways(each.pattern, each.flags);
+        compiled += ways.hasCode() ? 1 : 0;
+        for (size_t length = 0; length < 90; ++length) {
+            std::u16string subject;
+            for (size_t left = length; left > 0;) {
+                const size_t run = std::min(left, 1 + (source.below(3) == 0 ? source.below(40) : source.below(3)));
+                subject.append(run, alphabet[source.below(alphabet.size())]);
+                left -= run;
+            }
+            EXPECT_EQ("", ways.compare(subject, source.below(length + 1)));
+            EXPECT_EQ("", ways.compare(subject, 0, source.below(200)));
+        }
+    }
+#ifdef CORVANE_MACHINE_CODE
+    EXPECT_GE(compiled, std::size(kCases) * 3 / 4) << "or nothing is compared";
+#endif
+}
+
+TEST(MachineCode, AgreesOnRandomPatterns) {
+    PatternSource source(environmentNumber("CORVANE_TEST_SEED", 4711));
+    const unsigned long rounds = environmentNumber("CORVANE_TEST_ROUNDS", sanitized() ? 600 : 8000);
+    for (unsigned long round = 0; round < rounds; ++round) {
+        const Ways ways(widen(source.pattern({})), source.below(2) == 0 ? kPlain : kEmptyToo);
+        for (int subject = 0; subject < 3; ++subject) {
+            const std::u16string text = source.below(2) == 0 ? source.subject(12) : source.runs(5, 40);
+            ASSERT_EQ("", ways.compare(text, source.below(text.size() + 1)));
+            ASSERT_EQ("", ways.compare(text, 0, source.below(100)));
+        }
+    }
+}
+
+// A start, an end of a line or a run stands anywhere within the vectors, near the subject's end or far from it.
+TEST(MachineCode, ScansToTheUnit) {
+    for (const Case& each : {Case{u"\\w\\d?", kPlain, u""}, Case{u"^x", kLines, u""}, Case{u"xyz", kPlain, u""},
+                             Case{u"-+x", kPlain, u""}, Case{u"([^x]+)x", kPlain, u""}}) {
+        const Ways ways(each.pattern, each.flags);
+        for (const size_t gap : {0, 1, 3, 4, 5, 15, 16, 17, 31, 32, 33, 63, 64, 65, 127, 128, 950, 959, 960, 961, 1023, 1024, 1025, 1300}) {
+            for (size_t behind = 0; behind < 40; ++behind) {
+                const std::u16string subject = std::u16string(gap, u'-') + u"\nxyz" + std::u16string(behind, u'-');
+                ASSERT_EQ("", ways.compare(subject));
+                ASSERT_EQ("", ways.compare(std::u16string_view(subject).substr(0, gap + 1)));
+            }
+        }
+    }
+}
+
+// Behind many steps a checkpoint is due, where the match loop has to take over.
+TEST(MachineCode, StopsForCheckpoints) {
+    for (const char16_t* pattern : {u"(a)b", u"(a+)b", u"\\w+(?=,)", u"(\\w+) \\1!", u"(?:(\\w+),)*;"}) {
+        const Ways ways(pattern, kPlain);
+        for (const size_t unit : {size_t{1}, size_t{7}, size_t{200}}) {
+            std::u16string subject;
+            while (subject.size() < 150000) {
+                subject += std::u16string(unit, u'a') + u' ';
+            }
+            EXPECT_EQ("", ways.compare(subject));
+            EXPECT_EQ("", ways.compare(subject, 0, 70000));
+        }
+    }
+}
+
+}  // namespace
+}  // namespace corvane_tests
