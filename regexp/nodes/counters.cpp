@@ -87,6 +87,9 @@ void RE_Lazy_Decrementer::onBacktrack(RE_Search_Info& info) const {
 bool RE_Start_Counter::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {
     info.pushChoice(popper, subject + pos, true);
     info.pushCount(counter);
+    if (count != 0) {
+        info.counterStacks[counter].back() = count;
+    }
     return true;
 }
 

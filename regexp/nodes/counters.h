@@ -93,7 +93,7 @@ public:
     const RE_Node* counter;
 };
 
-/// Entry of a counted loop.
+/// Entry of a counted loop. One within a loop takes the place of passes that need not be made one by one.
 class CORVANE_REGEXP_EXPORT RE_Start_Counter : public RE_Node {
 public:
     using RE_Node::RE_Node;
@@ -105,4 +105,5 @@ public:
 
     RE_Node* popper = nullptr;         ///< an `RE_Counter_Popper`
     const RE_Node* counter = nullptr;  ///< the counter whose level this opens
+    std::uint64_t count = 0;           ///< with which it opens
 };
