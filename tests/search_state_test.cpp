@@ -1,7 +1,9 @@
 // The search state, the token store and the seek table, called directly.
 #include "host/interrupt.h"
+#include "regexp/nodes/consume.h"
 #include "regexp/nodes/counters.h"
 #include "regexp/nodes/trivial.h"
+#include "regexp/nodes/units.h"
 #include "regexp/parser/parser_context.h"
 #include "regexp/regexp.h"
 
@@ -94,6 +96,16 @@ TEST_F(SearchState, KeepsCountsPerCounterAndLevel) {
     info.decrementCount(counter);
     info.decrementCount(counter);
     EXPECT_EQ(0u, info.countAt(counter, 0));
+}
+
+TEST_F(SearchState, LoopsMadeByHandRememberForThemselves) {
+    const std::u16string text = std::u16string(100, u'a') + std::u16string(100, u'b');
+    RE_Search_Info search(text.data(), text.size(), 0, nullptr, false);
+    for (const size_t length : {200u, 100u}) {
+        auto* const item = parser.make<RE_Range>(u'a', text[length - 1]);
+        auto* const loop = parser.make<RE_Consume>(item, 0u, RE_Consume::noMaximum, RE_Consume::Order::greedy);
+        EXPECT_EQ(text.data() + length, loop->wholeRunEnd(text.data(), search));
+    }
 }
 
 TEST_F(SearchState, PutsTokensBackToTheMomentOfThePush) {
