@@ -176,21 +176,6 @@ TEST(SeekTable, AnswersBetweenWhereItAskedAndWhatItFound) {
 
 // --- interrupts ---
 
-class Interruptible : public RE_Context {
-public:
-    bool allow_interrupt() const override { return true; }
-};
-
-TEST(Interrupts, PendingBeforeASearchAreSetAsideAndHandedBack) {
-    Interruptible host;
-    const RE_Tree tree(u"b", 1, 0x12, &host);
-    utInterruptState::SetInterruptPending(true);
-    const std::unique_ptr<RE_Results> results(tree.match(u"aab", 3, 0));
-    EXPECT_NE(nullptr, results);
-    EXPECT_TRUE(utInterruptState::IsInterruptPending());
-    utInterruptState::SetInterruptPending(false);
-}
-
 TEST(Interrupts, ArrivingDuringASearchEndItOnlyWhereTheHostAllows) {
     // The flag is raised by a search state that outlives the beginning of the search.
     for (const bool allowed : {true, false}) {
@@ -204,15 +189,6 @@ TEST(Interrupts, ArrivingDuringASearchEndItOnlyWhereTheHostAllows) {
         EXPECT_EQ(allowed ? 2047 : 5000, steps);
         utInterruptState::SetInterruptPending(false);
     }
-}
-
-TEST(Interrupts, AreAskedForAtOnceWhenTheStepsWereReset) {
-    RE_Search_Info info(kText, 10, 0, nullptr, true);
-    utInterruptState::SetInterruptPending(true);
-    EXPECT_FALSE(info.pollInterrupt());
-    info.steps = 0;
-    EXPECT_TRUE(info.pollInterrupt());
-    utInterruptState::SetInterruptPending(false);
 }
 
 }  // namespace
