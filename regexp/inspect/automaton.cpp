@@ -32,9 +32,9 @@ struct Targets : RE_Link_Visitor {
     std::vector<RE_Node*> nodes;
 };
 
-std::vector<RE_Node*> waysOf(RE_Node* node) {
+std::vector<RE_Node*> waysOf(RE_Node& node) {
     Targets targets;
-    node->visitLinks(targets);
+    node.visitLinks(targets);
     return targets.nodes;
 }
 
@@ -48,7 +48,7 @@ const RE_Node* throughPass(const RE_Node* node) {
 bool sharesBody(const RE_Fixed_Counter& fixed) {
     const RE_Node* const body = throughPass(fixed.nextNode);
     return fixed.doneNode->isBranching() &&
-           std::ranges::any_of(waysOf(fixed.doneNode),
+           std::ranges::any_of(waysOf(*fixed.doneNode),
                                [body](const RE_Node* way) { return throughPass(way) == body; });
 }
 
@@ -112,12 +112,13 @@ void RE_Automaton::noteBodyEnds(const RE_Tree& tree) {
         while (!open.empty()) {
             RE_Node* const at = open.back();
             open.pop_back();
+            const std::vector<RE_Node*> ways = waysOf(*at);
             if (const auto* end = dynamic_cast<RE_End_Of_Tree*>(at); end != nullptr && end->endsBody) {
                 behindBody[at] = atomic->nextNode;
             }
             const auto* const inner = dynamic_cast<RE_Atomic*>(at);
             const auto* const look = dynamic_cast<RE_Lookaround_Assertion*>(at);
-            for (RE_Node* target : waysOf(at)) {
+            for (RE_Node* target : ways) {
                 const bool isBody =
                     (inner != nullptr && target == inner->body) || (look != nullptr && target == look->body);
                 if (!isBody && seen.insert(target).second) {
@@ -249,7 +250,7 @@ void RE_Automaton::visitOther(std::size_t from, const Way& way) {
         complete =
             complete && (look == nullptr || !look->behind || look->bodyMaximum != RE_Node::unboundedLength);
         on.conditional = on.conditional || isTest(node);
-        for (RE_Node* target : waysOf(node)) {
+        for (RE_Node* target : waysOf(*node)) {
             follow(on, target);
         }
     }
