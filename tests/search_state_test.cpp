@@ -68,19 +68,6 @@ TEST_F(SearchState, ReusesItsOwnRecordAndDiscardsThoseAbove) {
     EXPECT_EQ(nullptr, info.popChoice());
 }
 
-TEST_F(SearchState, GrowsPastTheInlineRecordsAndPopsInOrder) {
-    std::vector<RE_Split*> splits;
-    for (int i = 0; i < 40; ++i) {
-        splits.push_back(parser.make<RE_Split>());
-        ASSERT_TRUE(info.pushChoice(splits.back(), kText + i % 10, true));
-    }
-    for (int i = 39; i >= 0; --i) {
-        const RE_Backtrack_Record* const record = info.popChoice();
-        ASSERT_NE(nullptr, record);
-        EXPECT_EQ(splits[static_cast<size_t>(i)], record->node);
-    }
-}
-
 TEST_F(SearchState, KeepsCountsPerCounterAndLevel) {
     auto* const counter = parser.make<RE_Limit_Counter>(3);
     EXPECT_EQ(0u, info.countAt(counter, 0));
@@ -106,23 +93,6 @@ TEST_F(SearchState, LoopsMadeByHandRememberForThemselves) {
         auto* const loop = parser.make<RE_Consume>(item, 0u, RE_Consume::noMaximum, RE_Consume::Order::greedy);
         EXPECT_EQ(text.data() + length, loop->wholeRunEnd(text.data(), search));
     }
-}
-
-TEST_F(SearchState, PutsTokensBackToTheMomentOfThePush) {
-    info.noteTokenStart(0, 1);
-    info.recordToken(0, nullptr, 3);
-    auto* const split = parser.make<RE_Split>();
-    ASSERT_TRUE(info.pushChoice(split, kText + 3, true));
-    info.noteTokenStart(0, 3);
-    info.recordToken(0, nullptr, 4);
-    info.noteTokenStart(2, 4);
-    info.recordToken(2, u"n", 6);
-    EXPECT_EQ(2u, info.getToken(u"n")->length);
-    EXPECT_EQ(0u, info.getToken(1)->length) << "a skipped slot is in effect and empty";
-    ASSERT_NE(nullptr, info.popChoice());
-    EXPECT_EQ(1u, info.getToken(size_t{0})->start);
-    EXPECT_EQ(2u, info.getToken(size_t{0})->length);
-    EXPECT_EQ(nullptr, info.getToken(1));
 }
 
 TEST_F(SearchState, IgnoresTokensThatDoNotExistOrReachPastTheSubject) {

@@ -88,11 +88,7 @@ int runExplain(const Arguments& words) {
     po::options_description known;
     known.add_options()("help", "print this help");
     known.add(patternOptions()).add(compileOptions(compile));
-    ParsedArguments arguments = parseArguments(words, known);
-    if (arguments.has("help")) {
-        printCommandHelp("explain [OPTION...] PATTERN", known);
-        return exitPositive;
-    }
+    ParsedArguments arguments = parseArguments(words, "explain [OPTION...] PATTERN", known);
     const PatternRequest request = takePattern(arguments);
     if (!arguments.positionals.empty()) throw UsageError("explain takes one pattern and nothing else");
     const CompiledPattern pattern(request, compile);

@@ -31,6 +31,10 @@ class CORVANE_REGEXP_EXPORT RE_Greedy_Counter : public RE_State_Counter {
 public:
     using RE_State_Counter::RE_State_Counter;
     void onBacktrack(RE_Search_Info& info) const override;
+
+protected:
+    /// Counts a pass and leaves a record of it; a dead end where this was tried before.
+    bool beginPass(const char16_t* p, RE_Search_Info& info) const;
 };
 
 class CORVANE_REGEXP_EXPORT RE_Fixed_Counter : public RE_Greedy_Counter {
