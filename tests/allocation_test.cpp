@@ -47,8 +47,7 @@ void useAll(const Memory_Case& it) {
 }
 
 TEST(FailingAllocations, LoseNothingWhileCompilingSearchingAndReplacing) {
-    const auto choices = std::exchange(RE_Memo_Delay::choices, 0);
-    const auto perUnit = std::exchange(RE_Memo_Delay::perUnit, 0);
+    const Delays delays(0);
     utAllocationCounter counter;
     for (const Memory_Case& it : kCases) {
         size_t n = 0;
@@ -63,8 +62,6 @@ TEST(FailingAllocations, LoseNothingWhileCompilingSearchingAndReplacing) {
         }
         EXPECT_LT(30u, n) << "the patterns ask for memory";
     }
-    RE_Memo_Delay::choices = choices;
-    RE_Memo_Delay::perUnit = perUnit;
 }
 
 }  // namespace

@@ -109,26 +109,9 @@ TEST(Evaluation, AsksTheHostWhatIsNeededInTheOrderOfTheText) {
     }
 }
 
-/// When the memo begins: with the first choice taken up again, or once most of these searches are over.
-class MemoDelay {
-public:
-    explicit MemoDelay(bool eager) : m_choices(RE_Memo_Delay::choices), m_perUnit(RE_Memo_Delay::perUnit) {
-        RE_Memo_Delay::choices = eager ? 0 : 5000;
-        RE_Memo_Delay::perUnit = 0;
-    }
-    ~MemoDelay() {
-        RE_Memo_Delay::choices = m_choices;
-        RE_Memo_Delay::perUnit = m_perUnit;
-    }
-
-private:
-    std::uint64_t m_choices;
-    std::uint64_t m_perUnit;
-};
-
 std::string callsOf(const std::u16string& pattern, const std::u16string& subject, RE_Flags flags,
                     const EngineConfig& config, bool memo) {
-    const MemoDelay delay(memo);
+    const Delays delays(memo ? 0 : 5000);  // with the first choice taken up again, or once most of these are over
     HostJournal host = journal();
     host.throwAt = 1000;  // of patterns that call without end the first calls are compared
     host.answers[u"q$1"] = [](const Inputs& in) { return in[0].size() % 2 == 0 ? Text(u"a|ab?") : Text(u"(b+)"); };

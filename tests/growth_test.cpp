@@ -14,12 +14,7 @@ namespace {
 using Kind = RE_Growth::Kind;
 
 class Growth : public testing::Test {
-protected:
-    Growth() : choices(RE_Memo_Delay::choices) { RE_Memo_Delay::choices = std::numeric_limits<std::uint64_t>::max() / 2; }
-    ~Growth() override { RE_Memo_Delay::choices = choices; }
-
-private:
-    std::uint64_t choices;
+    const Delays delays{std::numeric_limits<std::uint64_t>::max() / 2, RE_Memo_Delay::perUnit};
 };
 
 std::uint64_t stepsOf(const RE_Tree& tree, const std::u16string& subject) {
@@ -66,14 +61,6 @@ TEST_F(Growth, ShowsOnTheWitness) {
         const std::uint64_t few = stepsOf(engine.tree(), growth.witness(times));
         EXPECT_GT(stepsOf(engine.tree(), growth.witness(2 * times)), 3 * few) << pattern;
     }
-}
-
-std::u16string repeated(const std::u16string& word, size_t times) {
-    std::u16string text;
-    for (size_t i = 0; i < times; ++i) {
-        text += word;
-    }
-    return text;
 }
 
 /// Whether the steps grow faster than the text, from each size to the next; small sizes first, as they may explode.

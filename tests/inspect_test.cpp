@@ -19,7 +19,8 @@ namespace {
 
 std::vector<std::u16string> tablePatterns() {
     std::vector<std::u16string> patterns;
-    for (const char* table : {"tokens", "repetition", "closed_bodies", "anchors", "units", "searching", "malformed"}) {
+    for (const char* table : {"tokens", "repetition", "closed_bodies", "anchors", "units", "searching", "malformed",
+                              "differences"}) {
         for (const MatchCase& match : readCaseFile(std::string(CORVANE_TEST_DATA_DIR "/") + table + ".txt")) {
             patterns.push_back(match.pattern);
         }

@@ -12,15 +12,6 @@
 namespace corvane_tests {
 namespace {
 
-class Host : public RE_Context {
-public:
-    explicit Host(bool allows) : interruptible(allows) {}
-    bool allow_interrupt() const override { return interruptible; }
-
-private:
-    bool interruptible;
-};
-
 /// Raises the flag in the midst of the work: when the engine asks for its n-th block.
 class RaiseAt final : public utAllocationHook {
 public:
@@ -67,7 +58,7 @@ const std::pair<const char*, Work> kWork[] = {
 TEST(Interrupts, StopWorkThatAllowsThemAndAreKeptForTheHost) {
     const std::u16string text(30000, u'a');
     for (const bool allowed : {true, false}) {
-        Host host(allowed);
+        Interruptible host(allowed);
         const RE_Tree tree(u"(?:a|aa)*c", 10, kPlain, &host);
         const RE_Replace replace(u"-", 1, kPlain, &host);
         for (const auto& [name, work] : kWork) {
@@ -93,7 +84,8 @@ TEST(Interrupts, AreSeenSoonByEveryKindOfNode) {
     const char16_t* const patterns[] = {
         u"a*", u"a*?b", u"a*+", u"(?:a|b)*", u"(?:a|b)*?c", u"(?:a{2}){2,}", u"(?:a{1,3}?)*b", u"(?>(?:a|ab)*)",
         u"(?=(?:a|ab)*b)", u"(?!(?:a|ab)*c)a", u"(?=a*)b|a*c", u"(a|b)*", u"(?:(a)\\1)*", u"(?i)(?:A|b)*", u"[^x]*x",
-        u"(?:a(?<=a))*", u"(?:(?:)|a)*$", u"(?:(a)?(?(1)a|b))*", u"(?:\\w\\>?)*"};
+        u"(?:a(?<=a))*", u"(?:(?:)|a)*$", u"(?:(a)?(?(1)a|b))*", u"(?:\\w\\>?)*", u"(?:a|b|ab)*c",
+        u"(?!(?:a|b)*c)x"};
     for (const char16_t* pattern : patterns) {
         for (const EngineConfig& config : {EngineConfig{}, EngineConfig{false, false, false, 0, false}}) {
             const Engine engine(pattern, kEmptyToo, config);

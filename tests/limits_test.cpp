@@ -1,6 +1,5 @@
 // Limits of a search, and what is told about its end: for one match, a walk over all matches and a replacement.
 #include "host/allocation_counter.h"
-#include "host/interrupt.h"
 #include "tests/support/differential.h"
 
 #include <gtest/gtest.h>
@@ -10,11 +9,6 @@ namespace corvane_tests {
 namespace {
 
 using Outcomes = RE_Search_Outcome;
-
-class Interruptible : public RE_Context {
-public:
-    bool allow_interrupt() const override { return true; }
-};
 
 struct Searched {
     bool matched;
@@ -132,22 +126,6 @@ TEST(Limits, HoldForAWalkAndAReplacementAsAWhole) {
         EXPECT_EQ(some.report().steps, report.steps);
         EXPECT_EQ(text.size() - (found > 0 ? 2u : 0u) - (found > 1 ? 4u : 0u) - (found > 2 ? 4u : 0u), replaced.size())
             << "the rest stays";
-    }
-}
-
-TEST(Limits, TellInterruptsFromNoMatch) {
-    Interruptible host;
-    for (const char16_t* pattern : {u"(?:a|b|ab)*c", u"(?:a|b)*", u"(?!(?:a|b)*c)x"}) {
-        const RE_Tree tree(pattern, std::u16string_view(pattern).size(), kPlain, &host);
-        const std::u16string text(500000, u'a');
-        RE_Search_Info info(text.data(), text.size(), tree.getTokenCount(), nullptr, true);
-        utInterruptState::SetInterruptPending(true);
-        std::size_t length = 0;
-        info.resetForStart(info.subjectBegin);
-        EXPECT_FALSE(tree.match_bool(info.subjectBegin, &length, &info)) << printable(pattern);
-        EXPECT_EQ(Outcomes::interrupted, info.stopReason());
-        EXPECT_LE(info.meter.taken(), RE_Step_Meter::interval) << "patterns that never turn back are asked, too";
-        utInterruptState::SetInterruptPending(false);
     }
 }
 

@@ -112,7 +112,7 @@ TEST_P(MatchTable, AgreesWithTheReferenceMatcherWhereItReads) {
 
 INSTANTIATE_TEST_SUITE_P(Cases, MatchTable,
                          testing::Values("tokens", "repetition", "closed_bodies", "anchors", "units",
-                                         "searching", "malformed"),
+                                         "searching", "malformed", "differences"),
                          [](const auto& table) { return std::string(table.param); });
 
 }  // namespace

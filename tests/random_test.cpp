@@ -1,6 +1,5 @@
 // Random patterns of the whole dialect against the reference matcher. A failure prints its seed:
 // CORVANE_TEST_SEED repeats it, CORVANE_TEST_ROUNDS sets the number of patterns.
-#include "regexp/seek/required_literal.h"
 #include "tests/support/differential.h"
 #include "tests/support/pattern_random.h"
 
@@ -42,26 +41,10 @@ unsigned long rounds(unsigned long plain) {
     return environmentNumber("CORVANE_TEST_ROUNDS", sanitized() ? plain / 12 : plain);
 }
 
-/// Lets the memo begin with the first choice taken up again, and needed literals be asked for behind each start, which
+/// The memo begins with the first choice taken up again, and needed literals are asked for behind each start, which
 /// searches this small would not reach.
-class EagerMemo : public testing::Test {
-protected:
-    EagerMemo() : choices(RE_Memo_Delay::choices), perUnit(RE_Memo_Delay::perUnit), steps(RE_Asking_Delay::steps) {
-        RE_Memo_Delay::choices = RE_Memo_Delay::perUnit = RE_Asking_Delay::steps = 0;
-    }
-    ~EagerMemo() override {
-        RE_Memo_Delay::choices = choices;
-        RE_Memo_Delay::perUnit = perUnit;
-        RE_Asking_Delay::steps = steps;
-    }
-
-private:
-    std::uint64_t choices;
-    std::uint64_t perUnit;
-    std::uint64_t steps;
-};
-
-TEST_F(EagerMemo, LosesNoMatchAndNoToken) {
+TEST(EagerMemo, LosesNoMatchAndNoToken) {
+    const Delays delays(0, 0, 0);
     compareRandomPatterns({}, seedFor(1968), rounds(30000));
     PatternTraits loops;
     loops.references = loops.conditions = loops.lookarounds = loops.words = loops.modes = false;

@@ -5,7 +5,6 @@
 #include "regexp/regexp.h"
 #include "regexp/replace/case_adjustment.h"
 #include "regexp/replace/replacement_run.h"
-#include "regexp/search_memo.h"
 #include "tests/support/replace_model.h"
 #include "tests/support/small_stack.h"
 #include "tests/support/text.h"
@@ -16,7 +15,6 @@
 #include <memory>
 #include <numeric>
 #include <random>
-#include <tuple>
 
 namespace corvane_tests {
 namespace {
@@ -134,7 +132,6 @@ TEST(Replace, TakesEveryPairOfUnitsForItselfOrForLess) {
 
 // Every second round with a memo from the first choice on, which is carried from match to match.
 TEST(Replace, AgreesWithTheModelOnRandomCases) {
-    const std::pair<uint64_t, uint64_t> delay(RE_Memo_Delay::choices, RE_Memo_Delay::perUnit);
     std::mt19937 random(20240611);
     const auto pick = [&](size_t n) { return std::uniform_int_distribution<size_t>(0, n - 1)(random); };
     const auto text = [&](std::u16string_view alphabet, size_t most) {
@@ -153,13 +150,11 @@ TEST(Replace, AgreesWithTheModelOnRandomCases) {
         const std::u16string replacement = text(u"$$$123<a>`'&aB _\\{}\xD83D", 8);
         const bool adjust = pick(2) == 0;
         const size_t which = pick(3);
-        RE_Memo_Delay::choices = round % 2 == 0 ? 0 : delay.first;
-        RE_Memo_Delay::perUnit = round % 2 == 0 ? 0 : delay.second;
+        const Delays delays(round % 2 == 0 ? 0 : RE_Memo_Delay::choices, round % 2 == 0 ? 0 : RE_Memo_Delay::perUnit);
         ASSERT_EQ(printable(modelReplace(subject, tree, replacement, adjust, which)),
                   printable(RE_Replace(replacement).replace(subject, tree, adjust, which)))
             << printable(pattern + u" / " + replacement + u" / " + subject) << adjust << which;
     }
-    std::tie(RE_Memo_Delay::choices, RE_Memo_Delay::perUnit) = delay;
 }
 
 TEST(Replace, GivesThePieceTheCaseOfTheMatch) {
@@ -249,10 +244,7 @@ TEST(Replace, AllocatesNoMoreForMoreMatches) {
         const RE_Tree tree(pattern.data(), pattern.size(), kEmptyToo, &host);
         const RE_Replace replace(u"[$1$<n>$&$&$&]");
         for (const size_t scale : {0, 1}) {
-            std::u16string subject;
-            for (size_t i = 0; i < 100 + 2000 * scale; ++i) {
-                subject += u"abaab aabb ";
-            }
+            const std::u16string subject = repeated(u"abaab aabb ", 100 + 2000 * scale);
             utAllocationCounter counter;
             EXPECT_FALSE(replace.replace(subject, tree, true, 0).empty());
             requests[scale] = counter.requests();
@@ -289,11 +281,6 @@ TEST(Replace, LeaksNothingWhicheverAllocationFails) {
         ASSERT_LT(n, 2000u);
     }
 }
-
-class Interruptible : public RE_Context {
-public:
-    bool allow_interrupt() const override { return true; }
-};
 
 TEST(Replace, PutsAnEarlierInterruptAsideAndStopsAtALaterOne) {
     Interruptible host;
@@ -361,10 +348,7 @@ TEST(Replace, HandlesLongAndHostileTextsInLinearTime) {
         Interruptible host;
         const RE_Tree tree(u"(a)", false);
         for (const std::u16string part : {u"$1", u"${", u"${(", u"$<", u"\\", u"$9", u"${#\n", u"${#", u"$<#", u"$<#$<a"}) {
-            std::u16string text;
-            for (int i = 0; i < 200000; ++i) {
-                text += part;
-            }
+            const std::u16string text = repeated(part, 200000);
             EXPECT_GE(RE_Replace(text.data(), text.size(), 0x18, &host).replace(u"a", tree, false, 0).size(), 100000u);
         }
     });

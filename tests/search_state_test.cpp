@@ -1,7 +1,9 @@
 // The search state, the token store and the seek table, called directly.
 #include "host/interrupt.h"
+#include "regexp/nodes/consume.h"
 #include "regexp/nodes/counters.h"
 #include "regexp/nodes/trivial.h"
+#include "regexp/nodes/units.h"
 #include "regexp/parser/parser_context.h"
 #include "regexp/regexp.h"
 
@@ -66,19 +68,6 @@ TEST_F(SearchState, ReusesItsOwnRecordAndDiscardsThoseAbove) {
     EXPECT_EQ(nullptr, info.popChoice());
 }
 
-TEST_F(SearchState, GrowsPastTheInlineRecordsAndPopsInOrder) {
-    std::vector<RE_Split*> splits;
-    for (int i = 0; i < 40; ++i) {
-        splits.push_back(parser.make<RE_Split>());
-        ASSERT_TRUE(info.pushChoice(splits.back(), kText + i % 10, true));
-    }
-    for (int i = 39; i >= 0; --i) {
-        const RE_Backtrack_Record* const record = info.popChoice();
-        ASSERT_NE(nullptr, record);
-        EXPECT_EQ(splits[static_cast<size_t>(i)], record->node);
-    }
-}
-
 TEST_F(SearchState, KeepsCountsPerCounterAndLevel) {
     auto* const counter = parser.make<RE_Limit_Counter>(3);
     EXPECT_EQ(0u, info.countAt(counter, 0));
@@ -96,21 +85,14 @@ TEST_F(SearchState, KeepsCountsPerCounterAndLevel) {
     EXPECT_EQ(0u, info.countAt(counter, 0));
 }
 
-TEST_F(SearchState, PutsTokensBackToTheMomentOfThePush) {
-    info.noteTokenStart(0, 1);
-    info.recordToken(0, nullptr, 3);
-    auto* const split = parser.make<RE_Split>();
-    ASSERT_TRUE(info.pushChoice(split, kText + 3, true));
-    info.noteTokenStart(0, 3);
-    info.recordToken(0, nullptr, 4);
-    info.noteTokenStart(2, 4);
-    info.recordToken(2, u"n", 6);
-    EXPECT_EQ(2u, info.getToken(u"n")->length);
-    EXPECT_EQ(0u, info.getToken(1)->length) << "a skipped slot is in effect and empty";
-    ASSERT_NE(nullptr, info.popChoice());
-    EXPECT_EQ(1u, info.getToken(size_t{0})->start);
-    EXPECT_EQ(2u, info.getToken(size_t{0})->length);
-    EXPECT_EQ(nullptr, info.getToken(1));
+TEST_F(SearchState, LoopsMadeByHandRememberForThemselves) {
+    const std::u16string text = std::u16string(100, u'a') + std::u16string(100, u'b');
+    RE_Search_Info search(text.data(), text.size(), 0, nullptr, false);
+    for (const size_t length : {200u, 100u}) {
+        auto* const item = parser.make<RE_Range>(u'a', text[length - 1]);
+        auto* const loop = parser.make<RE_Consume>(item, 0u, RE_Consume::noMaximum, RE_Consume::Order::greedy);
+        EXPECT_EQ(text.data() + length, loop->wholeRunEnd(text.data(), search));
+    }
 }
 
 TEST_F(SearchState, IgnoresTokensThatDoNotExistOrReachPastTheSubject) {
@@ -164,21 +146,6 @@ TEST(SeekTable, AnswersBetweenWhereItAskedAndWhatItFound) {
 
 // --- interrupts ---
 
-class Interruptible : public RE_Context {
-public:
-    bool allow_interrupt() const override { return true; }
-};
-
-TEST(Interrupts, PendingBeforeASearchAreSetAsideAndHandedBack) {
-    Interruptible host;
-    const RE_Tree tree(u"b", 1, 0x12, &host);
-    utInterruptState::SetInterruptPending(true);
-    const std::unique_ptr<RE_Results> results(tree.match(u"aab", 3, 0));
-    EXPECT_NE(nullptr, results);
-    EXPECT_TRUE(utInterruptState::IsInterruptPending());
-    utInterruptState::SetInterruptPending(false);
-}
-
 TEST(Interrupts, ArrivingDuringASearchEndItOnlyWhereTheHostAllows) {
     // The flag is raised by a search state that outlives the beginning of the search.
     for (const bool allowed : {true, false}) {
@@ -192,15 +159,6 @@ TEST(Interrupts, ArrivingDuringASearchEndItOnlyWhereTheHostAllows) {
         EXPECT_EQ(allowed ? 2047 : 5000, steps);
         utInterruptState::SetInterruptPending(false);
     }
-}
-
-TEST(Interrupts, AreAskedForAtOnceWhenTheStepsWereReset) {
-    RE_Search_Info info(kText, 10, 0, nullptr, true);
-    utInterruptState::SetInterruptPending(true);
-    EXPECT_FALSE(info.pollInterrupt());
-    info.steps = 0;
-    EXPECT_TRUE(info.pollInterrupt());
-    utInterruptState::SetInterruptPending(false);
 }
 
 }  // namespace

@@ -3,7 +3,6 @@
 #include "tests/support/text.h"
 
 #include "regexp/regexp.h"
-#include "regexp/seek/required_literal.h"
 
 #include <gtest/gtest.h>
 
@@ -62,7 +61,6 @@ std::u16string textFor(std::mt19937& random, const std::u16string& units) {
 
 TEST(StartFinders, AreChosenInOrderAndPassNoMatchOver) {
     std::mt19937 random(7);
-    const auto delay = RE_Asking_Delay::steps;  // left as it was by the last round
     for (const Case& c : kCases) {
         const Engine fast(c.pattern, c.flags);
         EXPECT_STREQ(c.finder, nameOf(fast.tree().getFacts().startFinder)) << printable(c.pattern);
@@ -70,7 +68,7 @@ TEST(StartFinders, AreChosenInOrderAndPassNoMatchOver) {
         for (int round = 0; round < 300; ++round) {
             const std::u16string text = textFor(random, c.pattern);
             const size_t offset = random() % (text.size() + 1);
-            RE_Asking_Delay::steps = round % 2 == 0 ? 0 : delay;
+            const Delays delays(RE_Memo_Delay::choices, RE_Memo_Delay::perUnit, round % 2 == 0 ? 0 : RE_Asking_Delay::steps);
             ASSERT_EQ(plain.search(text, offset), fast.search(text, offset)) << printable(c.pattern) << printable(text);
         }
     }

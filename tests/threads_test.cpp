@@ -36,53 +36,23 @@ std::vector<std::string> answers(const Engine& engine, const std::vector<std::u1
     return result;
 }
 
-class Threads : public testing::TestWithParam<const char*> {};
+const std::vector<size_t> kNoneWrong(kThreads, 0);
 
-TEST_P(Threads, SearchingOneTreeGetTheAnswersOfOneThread) {
-    for (const bool profile : {false, true}) {
-        const Engine engine(widen(GetParam()), kEmptyToo, {true, true, true, 16, profile});
-        const std::vector<std::u16string> texts = subjects();
-        std::vector<std::vector<std::string>> expected;
-        for (size_t first = 0; first < kThreads; ++first) {
-            expected.push_back(answers(engine, texts, first));
-        }
-        std::vector<size_t> wrong(kThreads, 0);
-        std::vector<std::thread> threads;
-        for (size_t own = 0; own < kThreads; ++own) {
-            threads.emplace_back([&, own] {
-                for (size_t round = 0; round < kRounds; ++round) {
-                    wrong[own] += answers(engine, texts, own) != expected[own] ? 1U : 0U;
-                }
-            });
-        }
-        for (std::thread& thread : threads) {
-            thread.join();
-        }
-        EXPECT_EQ(std::vector<size_t>(kThreads, 0), wrong);
-    }
-}
-
-INSTANTIATE_TEST_SUITE_P(Patterns, Threads,
-                         testing::Values("(a|ab)*c", "(?:a{1,3}b){2,30}?x", "(?>a+)(b)\\1?",
-                                         "(?<=(a+))b(?!x)", "(a)?(?(1)b|c)", ".*?(?:ab|c)+c",
-                                         "(?i)ABC|X\\w"));
-
-/// Repeats `work` of each thread, under TSan for half a minute, otherwise once; returns how often it did not give what
-/// it gives at first.
+/// Repeats `work` of each thread, so many times and under TSan for so many seconds at least; returns how often it did not
+/// give what it gives alone, at first.
 template <typename Work>
-std::vector<size_t> wrongAnswers(const Work& work) {
+std::vector<size_t> wrongAnswers(size_t rounds, const Work& work, [[maybe_unused]] int seconds = 0) {
+    auto end = std::chrono::steady_clock::now();
 #if defined(__SANITIZE_THREAD__)
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-#else
-    const auto end = std::chrono::steady_clock::now();
+    end += std::chrono::seconds(seconds);
 #endif
     std::vector<size_t> wrong(kThreads, 0);
     std::vector<std::thread> threads;
     for (size_t own = 0; own < kThreads; ++own) {
         threads.emplace_back([&, own, expected = work(own)] {
-            do {
+            for (size_t round = 0; round < rounds || std::chrono::steady_clock::now() < end; ++round) {
                 wrong[own] += work(own) != expected ? 1U : 0U;
-            } while (std::chrono::steady_clock::now() < end);
+            }
         });
     }
     for (std::thread& thread : threads) {
@@ -91,13 +61,28 @@ std::vector<size_t> wrongAnswers(const Work& work) {
     return wrong;
 }
 
+class Threads : public testing::TestWithParam<const char*> {};
+
+TEST_P(Threads, SearchingOneTreeGetTheAnswersOfOneThread) {
+    for (const bool profile : {false, true}) {
+        const Engine engine(widen(GetParam()), kEmptyToo, {true, true, true, 16, profile});
+        const std::vector<std::u16string> texts = subjects();
+        EXPECT_EQ(kNoneWrong, wrongAnswers(kRounds, [&](size_t own) { return answers(engine, texts, own); }));
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Patterns, Threads,
+                         testing::Values("(a|ab)*c", "(?:a{1,3}b){2,30}?x", "(?>a+)(b)\\1?",
+                                         "(?<=(a+))b(?!x)", "(a)?(?(1)b|c)", ".*?(?:ab|c)+c",
+                                         "(?i)ABC|X\\w"));
+
 TEST(SharingThreads, ShareOnePatternAndOneReplacement) {
     const RE_Tree tree(u"(?<w>a|ab)+?(?:c|(b))|x{2,3}\\s", false);
     const RE_Replace replace(u"[$2$<w>\\n$`]");
     const std::vector<std::u16string> texts = subjects();
-    EXPECT_EQ(std::vector<size_t>(kThreads, 0), wrongAnswers([&](size_t own) {
+    EXPECT_EQ(kNoneWrong, wrongAnswers(1, [&](size_t own) {
                   return replace.replace(texts[own], tree, own % 2 == 0, 0);
-              }));
+              }, 30));
 }
 
 // A context belongs to one thread, and so does what was compiled with it.
@@ -116,23 +101,13 @@ TEST(EvaluatingThreads, HaveAContextEach) {
         return run.search(texts[own]) + printable(replace.replace(texts[own], run.tree(), false, 0));
     };
     EXPECT_NE(evaluated(1), evaluated(2));
-    EXPECT_EQ(std::vector<size_t>(kThreads, 0), wrongAnswers(evaluated));
+    EXPECT_EQ(kNoneWrong, wrongAnswers(1, evaluated, 30));
 }
 
 TEST(CompilingThreads, BuildAndSearchTheirOwnTrees) {
-    std::vector<std::thread> threads;
-    std::vector<std::string> seen(kThreads);
-    for (size_t own = 0; own < kThreads; ++own) {
-        threads.emplace_back([&, own] {
-            for (size_t round = 0; round < kRounds; ++round) {
-                seen[own] = describe(Engine(u"(a|b)*(?<n>c{1,20})").search(u"xabbcc"));
-            }
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    EXPECT_EQ(std::vector<std::string>(kThreads, "[1,5] t0=(3,1) t1=(4,2)n"), seen);
+    EXPECT_EQ(kNoneWrong, wrongAnswers(kRounds, [](size_t own) {
+                  return describe(Engine(u"(a|b)*(?<n>c{1,20})" + std::u16string(own, u'?')).search(u"xabbcc"));
+              }));
 }
 
 }  // namespace

@@ -13,7 +13,8 @@ namespace po = boost::program_options;
 
 namespace tool {
 
-ParsedArguments parseArguments(const Arguments& words, const po::options_description& known) {
+ParsedArguments parseArguments(const Arguments& words, std::string_view usage,
+                               const po::options_description& known) {
     po::options_description all;
     all.add(known).add_options()("positional", po::value<Arguments>());
     po::positional_options_description positions;
@@ -28,6 +29,10 @@ ParsedArguments parseArguments(const Arguments& words, const po::options_descrip
         throw UsageError(failure.what() + std::string("; what is no option but begins with - follows --"));
     }
     po::notify(parsed.options);
+    if (parsed.has("help")) {
+        std::cout << "Usage: cvregexp " << usage << "\n" << known;
+        throw HelpPrinted();
+    }
     if (parsed.has("positional")) parsed.positionals = parsed.options["positional"].as<Arguments>();
     return parsed;
 }
@@ -41,10 +46,6 @@ std::size_t ParsedArguments::number(const char* option) const {
     if (problem != std::errc() || stop != end)
         throw UsageError("--" + std::string(option) + " takes a number, not \"" + text + "\"");
     return value;
-}
-
-void printCommandHelp(std::string_view usage, const po::options_description& known) {
-    std::cout << "Usage: cvregexp " << usage << "\n" << known;
 }
 
 }  // namespace tool

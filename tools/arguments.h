@@ -21,11 +21,13 @@ struct ParsedArguments {
     std::size_t number(const char* option) const;
 };
 
-// Long options are never abbreviated, so that a new option cannot change the meaning of an old script.
-// Values bound to variables (the compile options) are stored before this returns.
-ParsedArguments parseArguments(const Arguments& words,
-                               const boost::program_options::options_description& known);
+// Thrown when a command was asked for its help and has printed it; that is all it does then.
+struct HelpPrinted {};
 
-void printCommandHelp(std::string_view usage, const boost::program_options::options_description& known);
+// Reads the words of a command that is used like this, and prints the help when they ask for it. Long options are never
+// abbreviated, so that a new option cannot change the meaning of an old script. Values bound to variables (the compile
+// options) are stored before this returns.
+ParsedArguments parseArguments(const Arguments& words, std::string_view usage,
+                               const boost::program_options::options_description& known);
 
 }  // namespace tool

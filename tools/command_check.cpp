@@ -25,12 +25,7 @@ po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
 
 int runCheck(const Arguments& words) {
     Corvane::regexp::CompileOptions compile;
-    const po::options_description known = knownOptions(compile);
-    ParsedArguments arguments = parseArguments(words, known);
-    if (arguments.has("help")) {
-        printCommandHelp("check [OPTION...] PATTERN", known);
-        return exitPositive;
-    }
+    ParsedArguments arguments = parseArguments(words, "check [OPTION...] PATTERN", knownOptions(compile));
     const CompiledPattern pattern(takePattern(arguments), compile);
     if (!arguments.positionals.empty()) throw UsageError("check takes one pattern and nothing else");
 

@@ -45,9 +45,10 @@ std::string startText(const RE_Tree& tree) {
 
 void printPossessiveLoops(const RE_Tree& tree) {
     for (const RE_Node* node : tree.getFacts().nodes) {
-        if (dynamic_cast<const RE_Atomic*>(node) != nullptr)
+        if (dynamic_cast<const RE_Atomic*>(node) != nullptr) {
             std::cout << "Gives nothing back: " << nodeText(node)
                       << ", since it is atomic or a possessive loop\n";
+        }
         const auto* const loop = dynamic_cast<const RE_Consume*>(node);
         if (loop == nullptr || !loop->possessive) continue;
         std::cout << "Gives nothing back: " << nodeText(loop) << " of " << nodeText(loop->item) << ", since "
@@ -59,9 +60,10 @@ void printPossessiveLoops(const RE_Tree& tree) {
 std::string growthText(const RE_Growth& growth) {
     using Kind = RE_Growth::Kind;
     if (growth.kind == Kind::linear) return "linear";
-    if (growth.kind == Kind::unknown)
+    if (growth.kind == Kind::unknown) {
         return "not known: the pattern has too many states, an unbounded look-behind or parts that a text "
                "decides";
+    }
     const std::string loop =
         growth.loop == nullptr ? "the search for a start" : "the loop at " + nodeText(growth.loop);
     const std::string rival =
@@ -88,11 +90,7 @@ int runExplain(const Arguments& words) {
     po::options_description known;
     known.add_options()("help", "print this help");
     known.add(patternOptions()).add(compileOptions(compile));
-    ParsedArguments arguments = parseArguments(words, known);
-    if (arguments.has("help")) {
-        printCommandHelp("explain [OPTION...] PATTERN", known);
-        return exitPositive;
-    }
+    ParsedArguments arguments = parseArguments(words, "explain [OPTION...] PATTERN", known);
     const PatternRequest request = takePattern(arguments);
     if (!arguments.positionals.empty()) throw UsageError("explain takes one pattern and nothing else");
     const CompiledPattern pattern(request, compile);

@@ -22,9 +22,7 @@ po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
     add("stage", po::value<std::string>()->value_name("STAGE"),
         "the graph after a stage of compilation: parsed, null-nodes, linear or dot-star");
     add("help", "print this help");
-    po::options_description known;
-    known.add(options).add(patternOptions()).add(compileOptions(compile));
-    return known;
+    return withPatternOptions(options, compile);
 }
 
 RE_Stage stageNamed(std::string_view name) {
@@ -42,12 +40,7 @@ RE_Stage stageNamed(std::string_view name) {
 
 int runGraph(const Arguments& words) {
     Corvane::regexp::CompileOptions compile;
-    const po::options_description known = knownOptions(compile);
-    ParsedArguments arguments = parseArguments(words, known);
-    if (arguments.has("help")) {
-        printCommandHelp("graph [OPTION...] PATTERN", known);
-        return exitPositive;
-    }
+    ParsedArguments arguments = parseArguments(words, "graph [OPTION...] PATTERN", knownOptions(compile));
     const std::string format = arguments.options["format"].as<std::string>();
     const PatternRequest request = takePattern(arguments);
     if (!arguments.positionals.empty()) throw UsageError("graph takes one pattern and nothing else");

@@ -14,16 +14,8 @@
 #include <iostream>
 #include <system_error>
 
-namespace po = boost::program_options;
-
 namespace tool {
 namespace {
-
-po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
-    po::options_description known;
-    known.add(matchOptions()).add(patternOptions()).add(compileOptions(compile));
-    return known;
-}
 
 class MatchRun {
 public:
@@ -88,12 +80,8 @@ private:
 
 int runMatch(const Arguments& words) {
     Corvane::regexp::CompileOptions compile;
-    const po::options_description known = knownOptions(compile);
-    ParsedArguments arguments = parseArguments(words, known);
-    if (arguments.has("help")) {
-        printCommandHelp("match [OPTION...] PATTERN [FILE...]", known);
-        return exitPositive;
-    }
+    ParsedArguments arguments = parseArguments(words, "match [OPTION...] PATTERN [FILE...]",
+                                               withPatternOptions(matchOptions(), compile));
     PatternRequest request = takePattern(arguments);
     const MatchSettings settings = readMatchSettings(arguments);
     catchInterrupts();

@@ -26,9 +26,7 @@ po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
     add("graph", po::value<std::string>()->value_name("FILE"),
         "also draw the graph, the warmer a node the more visits it had; FILE ends in .dot, .svg or .png");
     add("help", "print this help");
-    po::options_description known;
-    known.add(options).add(patternOptions()).add(compileOptions(compile));
-    return known;
+    return withPatternOptions(options, compile);
 }
 
 void printRow(const std::string& node, const RE_Node_Counts& counts, const std::string& label) {
@@ -86,14 +84,10 @@ bool searchAll(const RE_Tree& tree, std::u16string_view text) {
 
 int runProfile(const Arguments& words) {
     Corvane::regexp::CompileOptions compile;
-    const po::options_description known = knownOptions(compile);
     Arguments all{"--Profile=true"};
     all.insert(all.end(), words.begin(), words.end());
-    ParsedArguments arguments = parseArguments(all, known);
-    if (arguments.has("help")) {
-        printCommandHelp("profile [OPTION...] PATTERN [FILE]", known);
-        return exitPositive;
-    }
+    ParsedArguments arguments =
+        parseArguments(all, "profile [OPTION...] PATTERN [FILE]", knownOptions(compile));
     const CompiledPattern pattern(takePattern(arguments), compile);
     if (arguments.positionals.size() > 1) throw UsageError("profile takes one pattern and one file");
     const Input input = readInput(arguments.positionals.empty() ? "-" : arguments.positionals.front());

@@ -30,9 +30,7 @@ po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
         "replace only the N-th match of each file");
     add("in-place", "change the files instead of printing them");
     add("help", "print this help");
-    po::options_description known;
-    known.add(options).add(patternOptions()).add(compileOptions(compile));
-    return known;
+    return withPatternOptions(options, compile);
 }
 
 struct ReplaceSettings {
@@ -164,12 +162,8 @@ private:
 
 int runReplace(const Arguments& words) {
     Corvane::regexp::CompileOptions compile;
-    const po::options_description known = knownOptions(compile);
-    ParsedArguments arguments = parseArguments(words, known);
-    if (arguments.has("help")) {
-        printCommandHelp("replace [OPTION...] PATTERN REPLACEMENT [FILE...]", known);
-        return exitPositive;
-    }
+    ParsedArguments arguments =
+        parseArguments(words, "replace [OPTION...] PATTERN REPLACEMENT [FILE...]", knownOptions(compile));
     PatternRequest request = takePattern(arguments);
     std::u16string replacementText = takeReplacement(arguments);
     const ReplaceSettings settings = readSettings(arguments);

@@ -22,9 +22,7 @@ po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
     po::options_description options("Output");
     options.add_options()("null,0", "end each part with a NUL instead of a line feed")("help",
                                                                                        "print this help");
-    po::options_description known;
-    known.add(options).add(patternOptions()).add(compileOptions(compile));
-    return known;
+    return withPatternOptions(options, compile);
 }
 
 // True when there is more than one part. A line feed that ends the whole text belongs to no part.
@@ -42,12 +40,8 @@ bool splitText(const RE_Tree& tree, std::u16string_view text, char terminator) {
 
 int runSplit(const Arguments& words) {
     Corvane::regexp::CompileOptions compile;
-    const po::options_description known = knownOptions(compile);
-    ParsedArguments arguments = parseArguments(words, known);
-    if (arguments.has("help")) {
-        printCommandHelp("split [OPTION...] PATTERN [FILE...]", known);
-        return exitPositive;
-    }
+    ParsedArguments arguments =
+        parseArguments(words, "split [OPTION...] PATTERN [FILE...]", knownOptions(compile));
     const CompiledPattern pattern(takePattern(arguments), compile);
     if (arguments.positionals.empty()) arguments.positionals = {"-"};
     catchInterrupts();

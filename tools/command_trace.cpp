@@ -24,9 +24,7 @@ po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
     add("offset", po::value<std::size_t>()->default_value(0)->value_name("N"), "search from unit N on");
     add("limit", po::value<std::size_t>()->default_value(100'000)->value_name("N"), "keep at most N events");
     add("help", "print this help");
-    po::options_description known;
-    known.add(options).add(patternOptions()).add(compileOptions(compile));
-    return known;
+    return withPatternOptions(options, compile);
 }
 
 void printLog(const TraceLog& log) {
@@ -41,12 +39,8 @@ void printLog(const TraceLog& log) {
 
 int runTrace(const Arguments& words) {
     Corvane::regexp::CompileOptions compile;
-    const po::options_description known = knownOptions(compile);
-    ParsedArguments arguments = parseArguments(words, known);
-    if (arguments.has("help")) {
-        printCommandHelp("trace [OPTION...] PATTERN [TEXT]", known);
-        return exitPositive;
-    }
+    ParsedArguments arguments =
+        parseArguments(words, "trace [OPTION...] PATTERN [TEXT]", knownOptions(compile));
     const CompiledPattern pattern(takePattern(arguments), compile);
     if (arguments.positionals.size() > 1) throw UsageError("trace takes one pattern and one text");
     const Utf16Text text(arguments.positionals.empty() ? readBytes("-") : arguments.positionals.front());

@@ -21,10 +21,8 @@ using Translation = std::u16string (*)(std::u16string_view);
 int translate(const Arguments& words, const std::string& command, Translation translation) {
     po::options_description known;
     known.add_options()("help", "print this help");
-    const ParsedArguments arguments = parseArguments(words, known);
-    if (arguments.has("help")) {
-        printCommandHelp(command + " [TEXT]", known);
-    } else if (arguments.positionals.empty()) {
+    const ParsedArguments arguments = parseArguments(words, command + " [TEXT]", known);
+    if (arguments.positionals.empty()) {
         std::cout << toUtf8(translation(readInput("-").text.view()));
     } else if (arguments.positionals.size() == 1) {
         std::cout << toUtf8(translation(toUtf16(arguments.positionals.front()))) << '\n';

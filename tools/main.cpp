@@ -1,5 +1,6 @@
 // The program `cvregexp`: picks a command from the table and turns exceptions into messages and exit
 // statuses.
+#include "tools/arguments.h"
 #include "tools/command.h"
 #include "tools/exit_status.h"
 
@@ -35,7 +36,11 @@ int dispatch(const tool::Arguments& words) {
 }
 
 int run(const tool::Arguments& words) {
-    const int status = dispatch(words);
+    int status = tool::exitPositive;
+    try {
+        status = dispatch(words);
+    } catch (const tool::HelpPrinted&) {
+    }
     if (std::cout.flush()) return status;
     std::cerr << "cvregexp: cannot write to standard output\n";
     return tool::exitTrouble;

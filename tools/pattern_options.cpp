@@ -60,6 +60,13 @@ po::options_description compileOptions(Corvane::regexp::CompileOptions& options)
     return descriptions;
 }
 
+po::options_description withPatternOptions(const po::options_description& own,
+                                           Corvane::regexp::CompileOptions& compile) {
+    po::options_description known;
+    known.add(own).add(patternOptions()).add(compileOptions(compile));
+    return known;
+}
+
 PatternRequest takePattern(ParsedArguments& arguments) {
     std::u16string text = toUtf16(takePatternText(arguments));
     return {std::move(text), chosenFlags(arguments), readScriptRequest(arguments)};

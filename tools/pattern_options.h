@@ -16,6 +16,10 @@ boost::program_options::options_description patternOptions();
 // One line of help for each compile option; parsing stores the given values in `options`.
 boost::program_options::options_description compileOptions(Corvane::regexp::CompileOptions& options);
 
+// The options of a command that takes a pattern: its own and these.
+boost::program_options::options_description withPatternOptions(
+    const boost::program_options::options_description& own, Corvane::regexp::CompileOptions& compile);
+
 struct PatternRequest {
     std::u16string text;
     RE_Flags flags;

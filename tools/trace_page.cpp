@@ -51,10 +51,11 @@ Json traceObject(const CompiledPattern& pattern, std::u16string_view subject, co
                {"tokens", log.tokenStates()},
                {"dropped", log.dropped()}};
     for (const char16_t unit : subject) trace["subject"].push_back(static_cast<unsigned>(unit));
-    for (RE_Node* node : pattern.tree().getFacts().nodes)
+    for (RE_Node* node : pattern.tree().getFacts().nodes) {
         trace["nodes"].push_back({{"id", node->nodeId},
                                   {"label", shortened(node->label(), longestLabel)},
                                   {"links", linksOf(node)}});
+    }
     for (std::size_t index = 0; index != log.events().size(); ++index)
         trace["events"].push_back(eventObject(log, index));
     return trace;

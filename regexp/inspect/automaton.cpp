@@ -1,13 +1,12 @@
 #include "regexp/inspect/automaton.h"
 
 #include "regexp/graph_facts.h"
+#include "regexp/inspect/node_literals.h"
 #include "regexp/nodes/anchors.h"
 #include "regexp/nodes/closed_body.h"
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/counters.h"
-#include "regexp/nodes/literal_set.h"
 #include "regexp/nodes/loop_pass.h"
-#include "regexp/nodes/string.h"
 #include "regexp/nodes/tokens.h"
 #include "regexp/nodes/trivial.h"
 #include "regexp/tree.h"
@@ -24,62 +23,6 @@ constexpr std::size_t mostWays = 300'000;  // followed in all
 constexpr std::size_t mostPasses = 64;
 constexpr std::size_t mostNodes = 5'000;
 
-RE_Unit_Set unitsOf(const RE_Consumable& node) {
-    RE_Unit_Set set;
-    node.addUnitsTo(set);
-    return set;
-}
-
-RE_Unit_Set unitsFor(char16_t unit, bool ignoreCase) {
-    RE_Unit_Set set;
-    if (ignoreCase) {
-        RE_Case_Table::get().addFolding(set, unit, unit, false);
-    } else {
-        set.add(unit);
-    }
-    return set;
-}
-
-/// The literals that stand at a node, one of which it matches.
-struct Literals {
-    std::vector<std::u16string_view> texts;
-    bool ignoreCase = false;
-
-    std::size_t units() const {
-        std::size_t all = 0;
-        for (const std::u16string_view text : texts) {
-            all += text.size();
-        }
-        return all;
-    }
-};
-
-Literals literalsOf(const RE_Node* node) {
-    if (const auto* string = dynamic_cast<const RE_String*>(node)) {
-        return {{{string->text, string->length}}, string->ignoreCase};
-    }
-    Literals found;
-    if (const auto* set = dynamic_cast<const RE_Literal_Set*>(node)) {
-        for (std::size_t i = 0; i < set->literals.count(); ++i) {
-            found.texts.push_back(set->literals.text(i));
-        }
-        found.ignoreCase = set->literals.ignoresCase();
-    }
-    return found;
-}
-
-/// How little a unit is suited as an example of many.
-int strangeness(char16_t unit) {
-    const char16_t lower = unit | 0x20;
-    if ((lower >= u'a' && lower <= u'z') || (unit >= u'0' && unit <= u'9')) {
-        return 0;
-    }
-    if (unit > u' ' && unit < 0x7F) {
-        return 1;
-    }
-    return unit == u' ' ? 2 : (unit >= 0xA0 && unit < 0xD800 ? 3 : 4);
-}
-
 struct Targets : RE_Link_Visitor {
     void link(RE_Node*& target, RE_Link kind) override {
         if (target != nullptr && kind != RE_Link::helper && kind != RE_Link::item) {
@@ -89,9 +32,9 @@ struct Targets : RE_Link_Visitor {
     std::vector<RE_Node*> nodes;
 };
 
-std::vector<RE_Node*> waysOf(RE_Node* node) {
+std::vector<RE_Node*> waysOf(RE_Node& node) {
     Targets targets;
-    node->visitLinks(targets);
+    node.visitLinks(targets);
     return targets.nodes;
 }
 
@@ -105,7 +48,7 @@ const RE_Node* throughPass(const RE_Node* node) {
 bool sharesBody(const RE_Fixed_Counter& fixed) {
     const RE_Node* const body = throughPass(fixed.nextNode);
     return fixed.doneNode->isBranching() &&
-           std::ranges::any_of(waysOf(fixed.doneNode),
+           std::ranges::any_of(waysOf(*fixed.doneNode),
                                [body](const RE_Node* way) { return throughPass(way) == body; });
 }
 
@@ -135,10 +78,12 @@ RE_Automaton::RE_Automaton(const RE_Tree& tree) {
         complete = false;
         return;
     }
-    findLetters(tree);
+    alphabet.learn(facts);
+    complete = alphabet.isComplete();
     if (!complete) {
         return;
     }
+    any = alphabet.all();
     noteBodyEnds(tree);
     addState(nullptr);
     addState(nullptr);
@@ -156,70 +101,6 @@ RE_Automaton::RE_Automaton(const RE_Tree& tree) {
     }
 }
 
-void RE_Automaton::findLetters(const RE_Tree& tree) {
-    letterOf.assign(RE_Unit_Set::unitCount, 0);
-    examples.assign(1, u'\0');
-    std::set<std::pair<char16_t, bool>> seen;
-    for (const RE_Node* node : tree.getFacts().nodes) {
-        const auto* const unit = dynamic_cast<const RE_Consumable*>(node);
-        if (unit != nullptr && unit->isSingleUnit()) {
-            splitLetters(unitsOf(*unit));
-        }
-        const Literals literals = literalsOf(node);
-        for (const std::u16string_view text : literals.texts) {
-            for (const char16_t at : text) {
-                if (seen.insert({at, literals.ignoreCase}).second) {
-                    splitLetters(unitsFor(at, literals.ignoreCase));
-                }
-            }
-        }
-        complete = complete && examples.size() <= RE_Letters().size();
-        if (!complete) {
-            return;
-        }
-    }
-    for (std::size_t unit = 0; unit < RE_Unit_Set::unitCount; ++unit) {
-        char16_t& example = examples[letterOf[unit]];
-        const auto offered = static_cast<char16_t>(unit);
-        if (letterOf[example] != letterOf[unit] || strangeness(offered) < strangeness(example)) {
-            example = offered;
-        }
-    }
-    for (std::size_t letter = 0; letter < examples.size(); ++letter) {
-        any.set(letter);
-    }
-}
-
-void RE_Automaton::splitLetters(const RE_Unit_Set& set) {
-    constexpr std::uint16_t none = 0xFFFF;
-    std::vector<std::uint16_t> inside(examples.size(), none);
-    std::vector<bool> hasOthers(examples.size(), false);
-    for (std::size_t unit = 0; unit < RE_Unit_Set::unitCount; ++unit) {
-        if (!set.contains(static_cast<char16_t>(unit))) {
-            hasOthers[letterOf[unit]] = true;
-        }
-    }
-    for (std::size_t unit = 0; unit < RE_Unit_Set::unitCount; ++unit) {
-        const std::uint16_t letter = letterOf[unit];
-        if (letter >= hasOthers.size() || !hasOthers[letter] || !set.contains(static_cast<char16_t>(unit))) {
-            continue;
-        }
-        if (inside[letter] == none) {
-            inside[letter] = static_cast<std::uint16_t>(examples.size());
-            examples.push_back(u'\0');
-        }
-        letterOf[unit] = inside[letter];
-    }
-}
-
-RE_Letters RE_Automaton::lettersOf(const RE_Unit_Set& set) const {
-    RE_Letters letters;
-    for (std::size_t letter = 0; letter < examples.size(); ++letter) {
-        letters[letter] = set.contains(examples[letter]);
-    }
-    return letters;
-}
-
 void RE_Automaton::noteBodyEnds(const RE_Tree& tree) {
     for (RE_Node* node : tree.getFacts().nodes) {
         const auto* const atomic = dynamic_cast<RE_Atomic*>(node);
@@ -231,12 +112,13 @@ void RE_Automaton::noteBodyEnds(const RE_Tree& tree) {
         while (!open.empty()) {
             RE_Node* const at = open.back();
             open.pop_back();
+            const std::vector<RE_Node*> ways = waysOf(*at);
             if (const auto* end = dynamic_cast<RE_End_Of_Tree*>(at); end != nullptr && end->endsBody) {
                 behindBody[at] = atomic->nextNode;
             }
             const auto* const inner = dynamic_cast<RE_Atomic*>(at);
             const auto* const look = dynamic_cast<RE_Lookaround_Assertion*>(at);
-            for (RE_Node* target : waysOf(at)) {
+            for (RE_Node* target : ways) {
                 const bool isBody =
                     (inner != nullptr && target == inner->body) || (look != nullptr && target == look->body);
                 if (!isBody && seen.insert(target).second) {
@@ -301,17 +183,17 @@ void RE_Automaton::visit(std::size_t from, const Way& way) {
 
 bool RE_Automaton::visitConsuming(std::size_t from, const Way& way) {
     if (auto* unit = dynamic_cast<RE_Consumable*>(way.node); unit != nullptr && unit->isSingleUnit()) {
-        const RE_Letters own = lettersOf(unitsOf(*unit));
+        const RE_Letters own = alphabet.lettersOf(*unit);
         addEdge(from, statesOf(unit, 1)[0], own & way.allowed);
         follow({nullptr, way.allowed & ~own, way.passes, true}, unit->failTarget);
         return true;
     }
-    if (const Literals literals = literalsOf(way.node); !literals.texts.empty()) {
+    if (const RE_Node_Literals literals = literalsOf(way.node); !literals.texts.empty()) {
         const std::vector<std::size_t>& own = statesOf(way.node, literals.units());
         std::size_t first = 0;
         for (const std::u16string_view text : literals.texts) {
             if (complete) {
-                addEdge(from, own[first], lettersOf(unitsFor(text[0], literals.ignoreCase)) & way.allowed);
+                addEdge(from, own[first], alphabet.lettersOf(text[0], literals.ignoreCase) & way.allowed);
             }
             first += text.size();
         }
@@ -319,7 +201,7 @@ bool RE_Automaton::visitConsuming(std::size_t from, const Way& way) {
     }
     if (auto* consume = dynamic_cast<RE_Consume*>(way.node)) {
         const bool isChain = consume->maximum <= longestChain;
-        const RE_Letters own = lettersOf(unitsOf(*consume->item));
+        const RE_Letters own = alphabet.lettersOf(*consume->item);
         if (consume->maximum > 0) {
             addEdge(from, statesOf(consume, isChain ? consume->maximum : 1)[0], own & way.allowed);
         }
@@ -368,7 +250,7 @@ void RE_Automaton::visitOther(std::size_t from, const Way& way) {
         complete =
             complete && (look == nullptr || !look->behind || look->bodyMaximum != RE_Node::unboundedLength);
         on.conditional = on.conditional || isTest(node);
-        for (RE_Node* target : waysOf(node)) {
+        for (RE_Node* target : waysOf(*node)) {
             follow(on, target);
         }
     }
@@ -385,11 +267,11 @@ void RE_Automaton::addUnknown(std::size_t from, const Way& way) {
 void RE_Automaton::continueBehind(RE_Node* node, const std::vector<std::size_t>& own, std::size_t index) {
     const std::size_t from = own[index];
     Way behind{node->nextNode, any, 0, false};
-    const Literals literals = literalsOf(node);
+    const RE_Node_Literals literals = literalsOf(node);
     std::size_t within = index;  // the literal that the state is of
     for (const std::u16string_view text : literals.texts) {
         if (within + 1 < text.size()) {
-            addEdge(from, own[index + 1], lettersOf(unitsFor(text[within + 1], literals.ignoreCase)));
+            addEdge(from, own[index + 1], alphabet.lettersOf(text[within + 1], literals.ignoreCase));
             return;
         }
         if (within + 1 == text.size()) {
@@ -400,7 +282,7 @@ void RE_Automaton::continueBehind(RE_Node* node, const std::vector<std::size_t>&
     if (auto* consume = dynamic_cast<RE_Consume*>(node)) {
         const bool isChain = consume->maximum <= longestChain;
         const bool goesOn = !isChain || index + 1 < own.size();
-        const RE_Letters letters = lettersOf(unitsOf(*consume->item));
+        const RE_Letters letters = alphabet.lettersOf(*consume->item);
         if (goesOn) {
             addEdge(from, isChain ? own[index + 1] : from, letters);
         }

@@ -1,14 +1,12 @@
 // A compiled pattern as an automaton over letters, to reason about the ways through a text.
 //
 // A state stands for a unit that was just consumed: by a unit test, at a place within a string, in a
-// repetition. Two states stand for the search: nothing skipped yet, and some units skipped. A letter is a
-// class of units that the pattern does not tell apart. The automaton allows every way that a search can take,
+// repetition. Two states stand for the search: nothing skipped yet, and some units skipped. The automaton allows every way that a search can take,
 // and some that it cannot: counts and the conditions of anchors and assertions are ignored.
 #pragma once
 
-#include "regexp/unit_set.h"
+#include "regexp/inspect/alphabet.h"
 
-#include <bitset>
 #include <cstddef>
 #include <cstdint>
 #include <map>
@@ -17,8 +15,6 @@
 
 class RE_Node;
 class RE_Tree;
-
-using RE_Letters = std::bitset<256>;
 
 struct RE_Automaton_Edge {
     std::size_t target;
@@ -43,8 +39,8 @@ public:
     bool isComplete() const { return complete; }
     const std::vector<RE_Automaton_State>& states() const { return all; }
     /// A unit of this letter, one that can be printed where there is one.
-    char16_t unitOf(std::size_t letter) const { return examples[letter]; }
-    std::size_t letterCount() const { return examples.size(); }
+    char16_t unitOf(std::size_t letter) const { return alphabet.unitOf(letter); }
+    std::size_t letterCount() const { return alphabet.size(); }
 
 private:
     /// What a way without consuming has met so far.
@@ -58,9 +54,6 @@ private:
         bool operator()(const Way& a, const Way& b) const;
     };
 
-    void findLetters(const RE_Tree& tree);
-    void splitLetters(const RE_Unit_Set& set);
-    RE_Letters lettersOf(const RE_Unit_Set& set) const;
     void noteBodyEnds(const RE_Tree& tree);
     std::size_t addState(const RE_Node* node);
     /// The states of a consuming node, in order; made on first use.
@@ -76,8 +69,7 @@ private:
 
     bool complete = true;
     std::vector<RE_Automaton_State> all;
-    std::vector<std::uint16_t> letterOf;  // of each unit
-    std::vector<char16_t> examples;
+    RE_Alphabet alphabet;
     RE_Letters any;
     std::map<const RE_Node*, std::vector<std::size_t>> nodeStates;
     std::map<const RE_Node*, RE_Node*> behindBody;  // the end of an atomic body -> what follows the group

@@ -9,6 +9,7 @@
 
 #include "regexp/graph_facts.h"
 #include "regexp/inspect/automaton.h"
+#include "regexp/inspect/components.h"
 #include "regexp/inspect/observer.h"
 #include "regexp/regexp.h"
 
@@ -24,80 +25,6 @@ namespace {
 using States = std::vector<RE_Automaton_State>;
 using Word = std::vector<std::size_t>;  // of letters
 using Triple = std::array<std::size_t, 3>;
-
-/// The strongly connected components of the states for which `admitted` is set.
-class Components {
-public:
-    static constexpr std::size_t none = static_cast<std::size_t>(-1);
-
-    Components(const States& all, std::vector<bool> admitted)
-        : states(all), open(std::move(admitted)), component(all.size(), none), backward(all.size()) {
-        std::vector<bool> unseen = open;
-        for (std::size_t from = 0; from < states.size(); ++from) {
-            for (const RE_Automaton_Edge& edge : states[from].edges) {
-                if (open[from] && open[edge.target]) {
-                    backward[edge.target].push_back(from);
-                }
-            }
-        }
-        for (std::size_t root = 0; root < states.size(); ++root) {
-            finishFrom(root, unseen);
-        }
-        for (std::size_t i = finished.size(); i-- > 0;) {
-            gather(finished[i]);
-        }
-    }
-
-    /// The number of the component of a state that lies on a loop; `none` for other states.
-    std::size_t of(std::size_t state) const { return component[state]; }
-
-private:
-    void finishFrom(std::size_t root, std::vector<bool>& unseen) {
-        std::vector<std::pair<std::size_t, std::size_t>> path;  // state, edges followed
-        const auto enter = [&](std::size_t state) {
-            if (unseen[state]) {
-                unseen[state] = false;
-                path.emplace_back(state, 0);
-            }
-        };
-        enter(root);
-        while (!path.empty()) {
-            auto& [state, followed] = path.back();
-            if (followed == states[state].edges.size()) {
-                finished.push_back(state);
-                path.pop_back();
-            } else {
-                enter(states[state].edges[followed++].target);
-            }
-        }
-    }
-
-    void gather(std::size_t root) {
-        if (!open[root]) {
-            return;
-        }
-        std::vector<std::size_t> members{root};
-        open[root] = false;
-        for (std::size_t i = 0; i < members.size(); ++i) {
-            for (const std::size_t before : backward[members[i]]) {
-                if (open[before]) {
-                    open[before] = false;
-                    members.push_back(before);
-                }
-            }
-        }
-        const bool loops = members.size() > 1 || std::ranges::count(backward[root], root) != 0;
-        for (const std::size_t member : members) {
-            component[member] = loops ? root : none;
-        }
-    }
-
-    const States& states;
-    std::vector<bool> open;
-    std::vector<std::size_t> component;
-    std::vector<std::vector<std::size_t>> backward;
-    std::vector<std::size_t> finished;
-};
 
 /// Whether there is a match that takes no long search.
 bool matchesSoon(const RE_Tree& tree, const std::u16string& text) {
@@ -198,7 +125,7 @@ private:
         std::vector<bool> judged(states.size(), false);
         for (std::size_t state = 0; state < states.size(); ++state) {
             const std::size_t own = losing.of(state);
-            if (own == Components::none || judged[own]) {
+            if (own == RE_Components::none || judged[own]) {
                 continue;
             }
             judged[own] = true;
@@ -234,8 +161,8 @@ private:
 
     bool findPolynomial(RE_Growth& growth) {
         for (std::size_t p = 0; p < states.size(); ++p) {
-            for (std::size_t q = 0; q < states.size() && loops.of(p) != Components::none; ++q) {
-                if (p == q || losing.of(q) == Components::none) {
+            for (std::size_t q = 0; q < states.size() && loops.of(p) != RE_Components::none; ++q) {
+                if (p == q || losing.of(q) == RE_Components::none) {
                     continue;
                 }
                 if (const std::optional<Word> pump = sharedWord(p, q)) {
@@ -312,8 +239,8 @@ private:
     const RE_Tree& tree;
     const RE_Automaton& automaton;
     const States& states;
-    Components loops;   // of all states
-    Components losing;  // of those that do not accept
+    RE_Components loops;   // of all states
+    RE_Components losing;  // of those that do not accept
     std::size_t left = mostSteps;
 };
 

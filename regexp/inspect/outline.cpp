@@ -170,7 +170,7 @@ private:
     }
 
     std::string tokenText(const RE_Syntax& item, bool numbered) const {
-        const std::string number = "token #" + std::to_string(item.number + 1);
+        std::string number = "token #" + std::to_string(item.number + 1);
         if (item.payload == none) {
             return number;
         }

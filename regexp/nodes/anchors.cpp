@@ -7,13 +7,9 @@
 
 namespace {
 
-const char16_t* findLineFeed(const char16_t* p, RE_Search_Info& info) {
-    const char16_t* const feed =
-        scanForward(p, info.subjectEnd, info, [](const char16_t* at, const char16_t* stop) {
-            return findUnit(at, stop, {u'\n', u'\n'});
-        });
-    info.noteScan(static_cast<std::size_t>((feed != nullptr ? feed : info.subjectEnd) - p));
-    return feed;
+const RE_Class_Scan& unitsOutsideWords() {
+    static const RE_Class_Scan scan(RE_Unit_Classes::get().noWords, true);
+    return scan;
 }
 
 }  // namespace
@@ -22,40 +18,58 @@ bool RE_Anchor::match(const char16_t* subject, std::size_t& pos, RE_Search_Info&
     return holdsAt(subject + pos, info);
 }
 
-const char16_t* RE_Anchor::seek(const char16_t* p, RE_Search_Info& info) const {
-    const char16_t* const place =
-        scanForward(p, info.subjectEnd + 1, info, [&](const char16_t* at, const char16_t* stop) {
-            return firstWhere(at, stop, [&](const char16_t* q) { return holdsAt(q, info); });
-        });
-    info.noteScan(static_cast<std::size_t>((place != nullptr ? place : info.subjectEnd) - p));
-    return place;
+const char16_t* RE_Edge_Anchor::scan(const char16_t* p, RE_Search_Info& info) const {
+    const char16_t* const unit =
+        scanForward(p, info.subjectEnd, info,
+                    [this](const char16_t* at, const char16_t* stop) { return firstUnit(at, stop); });
+    if (edge == Edge::start) {
+        return unit != nullptr ? unit + 1 : nullptr;
+    }
+    return unit != nullptr || info.wasInterrupted() ? unit : info.subjectEnd;
 }
 
-const char16_t* RE_Anchor::rSeek(const char16_t* p, std::size_t count, RE_Search_Info& info) const {
-    return scanBackward(p, p + count + 1, info, [&](const char16_t* from, const char16_t* to) {
-        return lastWhere(from, to, [&](const char16_t* q) { return holdsAt(q, info); });
-    });
+const char16_t* RE_Edge_Anchor::scanBack(const char16_t* p, std::size_t count, RE_Search_Info& info) const {
+    const auto last = [this](const char16_t* from, const char16_t* to) { return lastUnit(from, to); };
+    if (edge == Edge::end) {
+        return info.atEnd(p + count) ? p + count : scanBackward(p, p + count + 1, info, last);
+    }
+    const char16_t* const unit = scanBackward(info.atBegin(p) ? p : p - 1, p + count, info, last);
+    if (unit != nullptr) {
+        return unit + 1;
+    }
+    return info.atBegin(p) && !info.wasInterrupted() ? p : nullptr;
+}
+
+const char16_t* RE_Line_Anchor::firstUnit(const char16_t* p, const char16_t* end) const {
+    return findUnit(p, end, {u'\n', u'\n'});
+}
+
+const char16_t* RE_Line_Anchor::lastUnit(const char16_t* p, const char16_t* end) const {
+    return findLastUnit(p, end, {u'\n', u'\n'});
+}
+
+const char16_t* RE_Word_Anchor::firstUnit(const char16_t* p, const char16_t* end) const {
+    return findClass(p, end, unitsOutsideWords());
+}
+
+const char16_t* RE_Word_Anchor::lastUnit(const char16_t* p, const char16_t* end) const {
+    return findLastClass(p, end, unitsOutsideWords());
 }
 
 const char16_t* RE_Start_String::seek(const char16_t* p, RE_Search_Info& info) const {
     return info.atBegin(p) ? p : nullptr;
 }
 
+const char16_t* RE_Start_String::rSeek(const char16_t* p, std::size_t, RE_Search_Info& info) const {
+    return seek(p, info);
+}
+
 const char16_t* RE_End_String::seek(const char16_t* p, RE_Search_Info& info) const {
     return info.atEnd(p) ? p : info.subjectEnd;
 }
 
-const char16_t* RE_Start_Line::seek(const char16_t* p, RE_Search_Info& info) const {
-    if (holdsAt(p, info)) {
-        return p;
-    }
-    const char16_t* const feed = findLineFeed(p, info);
-    return feed != nullptr ? feed + 1 : nullptr;
-}
-
-const char16_t* RE_End_Line::seek(const char16_t* p, RE_Search_Info& info) const {
-    const char16_t* const feed = findLineFeed(p, info);
-    return feed != nullptr || info.wasInterrupted() ? feed : info.subjectEnd;
+const char16_t* RE_End_String::rSeek(const char16_t* p, std::size_t count, RE_Search_Info& info) const {
+    return info.atEnd(p + count) ? p + count : nullptr;
 }
 
 bool RE_End_Match::holdsAt(const char16_t* p, const RE_Search_Info& info) const {

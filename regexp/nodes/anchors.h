@@ -4,23 +4,52 @@
 
 #include "regexp/nodes/node.h"
 #include "regexp/search_info.h"
+#include "regexp/seek/can_seek.h"
 #include "regexp/unit_set.h"
 
-class CORVANE_REGEXP_EXPORT RE_Anchor : public RE_Node {
+class CORVANE_REGEXP_EXPORT RE_Anchor : public RE_Can_Seek<RE_Node> {
 public:
-    using RE_Node::RE_Node;
+    using RE_Can_Seek<RE_Node>::RE_Can_Seek;
     bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
     bool canSeek(bool) const override { return true; }
-    const char16_t* seek(const char16_t* p, RE_Search_Info& info) const override;
-    const char16_t* rSeek(const char16_t* p, std::size_t count, RE_Search_Info& info) const override;
 
     virtual bool holdsAt(const char16_t* p, const RE_Search_Info& info) const = 0;
 };
 
-class CORVANE_REGEXP_EXPORT RE_Start_Line : public RE_Anchor {
+/// Base of the anchors that hold at one end of the subject and beside each unit of some kind: behind it when they start
+/// something, which the subject's start does too, and before it when they end something.
+class CORVANE_REGEXP_EXPORT RE_Edge_Anchor : public RE_Anchor {
 public:
-    using RE_Anchor::RE_Anchor;
-    const char16_t* seek(const char16_t* p, RE_Search_Info& info) const override;
+    enum class Edge { start, end };
+
+    const char16_t* seek(const char16_t* p, RE_Search_Info& info) const override {
+        return holdsAt(p, info) ? p : RE_Anchor::seek(p, info);
+    }
+
+protected:
+    RE_Edge_Anchor(RE_ParserContext& context, Edge thisEdge) : RE_Anchor(context), edge(thisEdge) {}
+    const char16_t* scan(const char16_t* p, RE_Search_Info& info) const override;
+    const char16_t* scanBack(const char16_t* p, std::size_t count, RE_Search_Info& info) const override;
+
+    // The first such unit in [p, end), or `end`, and the last one, or null.
+    virtual const char16_t* firstUnit(const char16_t* p, const char16_t* end) const = 0;
+    virtual const char16_t* lastUnit(const char16_t* p, const char16_t* end) const = 0;
+
+private:
+    Edge edge;
+};
+
+/// Base of the anchors beside line feeds.
+class CORVANE_REGEXP_EXPORT RE_Line_Anchor : public RE_Edge_Anchor {
+protected:
+    using RE_Edge_Anchor::RE_Edge_Anchor;
+    const char16_t* firstUnit(const char16_t* p, const char16_t* end) const override;
+    const char16_t* lastUnit(const char16_t* p, const char16_t* end) const override;
+};
+
+class CORVANE_REGEXP_EXPORT RE_Start_Line : public RE_Line_Anchor {
+public:
+    explicit RE_Start_Line(RE_ParserContext& context) : RE_Line_Anchor(context, Edge::start) {}
     std::string label() const override { return "Match start of line"; }
     bool holdsAt(const char16_t* p, const RE_Search_Info& info) const override {
         return info.atBegin(p) || p[-1] == u'\n';
@@ -29,10 +58,9 @@ public:
 template <>
 inline constexpr RE_Node_Kind kindOfNode<RE_Start_Line> = RE_Node_Kind::lineStart;
 
-class CORVANE_REGEXP_EXPORT RE_End_Line : public RE_Anchor {
+class CORVANE_REGEXP_EXPORT RE_End_Line : public RE_Line_Anchor {
 public:
-    using RE_Anchor::RE_Anchor;
-    const char16_t* seek(const char16_t* p, RE_Search_Info& info) const override;
+    explicit RE_End_Line(RE_ParserContext& context) : RE_Line_Anchor(context, Edge::end) {}
     std::string label() const override { return "Match end of line"; }
     bool holdsAt(const char16_t* p, const RE_Search_Info& info) const override {
         return info.atEnd(p) || *p == u'\n';
@@ -45,6 +73,7 @@ class CORVANE_REGEXP_EXPORT RE_Start_String : public RE_Anchor {
 public:
     using RE_Anchor::RE_Anchor;
     const char16_t* seek(const char16_t* p, RE_Search_Info& info) const override;
+    const char16_t* rSeek(const char16_t* p, std::size_t count, RE_Search_Info& info) const override;
     std::string label() const override { return "Match start of string"; }
     bool holdsAt(const char16_t* p, const RE_Search_Info& info) const override { return info.atBegin(p); }
 };
@@ -55,6 +84,7 @@ class CORVANE_REGEXP_EXPORT RE_End_String : public RE_Anchor {
 public:
     using RE_Anchor::RE_Anchor;
     const char16_t* seek(const char16_t* p, RE_Search_Info& info) const override;
+    const char16_t* rSeek(const char16_t* p, std::size_t count, RE_Search_Info& info) const override;
     std::string label() const override { return "Match end of string"; }
     bool holdsAt(const char16_t* p, const RE_Search_Info& info) const override { return info.atEnd(p); }
 };
@@ -74,14 +104,16 @@ protected:
 };
 
 /// Base of the word anchors, each of which looks at one side only, on purpose.
-class CORVANE_REGEXP_EXPORT RE_Word_Anchor : public RE_Anchor {
-public:
-    using RE_Anchor::RE_Anchor;
+class CORVANE_REGEXP_EXPORT RE_Word_Anchor : public RE_Edge_Anchor {
+protected:
+    using RE_Edge_Anchor::RE_Edge_Anchor;
+    const char16_t* firstUnit(const char16_t* p, const char16_t* end) const override;
+    const char16_t* lastUnit(const char16_t* p, const char16_t* end) const override;
 };
 
 class CORVANE_REGEXP_EXPORT RE_Start_Word : public RE_Word_Anchor {
 public:
-    using RE_Word_Anchor::RE_Word_Anchor;
+    explicit RE_Start_Word(RE_ParserContext& context) : RE_Word_Anchor(context, Edge::start) {}
     std::string label() const override { return "Match start of word"; }
     bool holdsAt(const char16_t* p, const RE_Search_Info& info) const override {
         return info.atBegin(p) || !isWordUnit(p[-1]);
@@ -92,7 +124,7 @@ inline constexpr RE_Node_Kind kindOfNode<RE_Start_Word> = RE_Node_Kind::wordStar
 
 class CORVANE_REGEXP_EXPORT RE_End_Word : public RE_Word_Anchor {
 public:
-    using RE_Word_Anchor::RE_Word_Anchor;
+    explicit RE_End_Word(RE_ParserContext& context) : RE_Word_Anchor(context, Edge::end) {}
     std::string label() const override { return "Match end of word"; }
     bool holdsAt(const char16_t* p, const RE_Search_Info& info) const override {
         return info.atEnd(p) || !isWordUnit(*p);

@@ -11,9 +11,6 @@
 
 namespace {
 
-// Runs from this length on are remembered.
-constexpr std::ptrdiff_t longRun = 64;
-
 // The table of the item lives as long as the graph does.
 std::shared_ptr<const RE_Unit_Set> unitsOf(RE_ParserContext& context, const RE_Consumable& item) {
     if (const RE_Unit_Set* const table = item.table()) {
@@ -190,100 +187,6 @@ const char16_t* RE_Consume::lastEnd(const char16_t* from, const char16_t* end, R
             return nullptr;
         }
     }
-}
-
-// The first end in [end, last] that is worth trying: one at which the rest can begin and has not failed before. Ends at
-// which it cannot begin are noted as failed when they are few: then all that failed are stepped over at once from the
-// starts that follow.
-const char16_t* RE_Consume::nextEnd(const char16_t* end, const char16_t* last, RE_Search_Info& info) const {
-    const bool seeks = info.requiredEnd == nullptr && nextSeeks(info);
-    for (std::size_t refused = 0;; ++refused) {
-        const char16_t* const untried = info.firstUntried(this, end, last);
-        if (untried == nullptr || !seeks || (refused > 0 && untried == end)) {
-            return untried;
-        }
-        end = nextStart(untried, info);
-        if (end == nullptr || end > last || end == untried) {
-            return end != nullptr && end <= last ? end : nullptr;
-        }
-        const auto skipped = static_cast<std::size_t>(end - untried);
-        if (skipped < RE_Step_Meter::unitsAStep) {
-            info.noteFailed(this, untried, end - 1);
-        }
-        info.noteScan(refused > 0 ? RE_Step_Meter::unitsAStep : 0);
-        if (refused % RE_SCAN_POLL_UNITS == RE_SCAN_POLL_UNITS - 1 && info.pollScan()) {
-            return nullptr;
-        }
-    }
-}
-
-// Whether the run from `from` on goes on up to `to`. How far it was seen to go is remembered, as the starts that follow
-// ask the same.
-bool RE_Consume::reaches(const char16_t* from, const char16_t* to, RE_Search_Info& info) const {
-    if (to - from < longRun) {
-        return runEnd(from, static_cast<std::uint64_t>(to - from), info) == to;
-    }
-    const RE_Measured_Run* const noted = info.measuredRun(reachRow);
-    const RE_Measured_Run known =
-        noted != nullptr && noted->begin != nullptr ? *noted : RE_Measured_Run{to, to};
-    RE_Measured_Run run{from, from};
-    if (known.begin <= from && from - known.end < longRun) {
-        run = known;
-    } else if (from < known.begin && known.begin <= to) {
-        run.end = runEnd(from, static_cast<std::uint64_t>(known.begin - from), info);
-        run.end = run.end == known.begin ? known.end : run.end;
-    }
-    if (run.end < to) {
-        run.end = runEnd(run.end, static_cast<std::uint64_t>(to - run.end), info);
-    }
-    if (run.end < from) {  // there is a gap between the known one and this
-        run = {from, runEnd(from, static_cast<std::uint64_t>(to - from), info)};
-    }
-    if (run.end - run.begin >= longRun) {
-        info.noteRun(reachRow, run);
-    }
-    return run.end >= to;
-}
-
-// The record of a lazy run holds the end reached so far; its word is the farthest end allowed.
-bool RE_Consume::takeShortest(const char16_t* p, std::size_t& pos, RE_Search_Info& info) const {
-    const char16_t* const end = runEnd(p, minimum, info);
-    if (static_cast<std::uint64_t>(end - p) < minimum) {
-        return false;
-    }
-    const std::uint64_t spare = static_cast<std::uint64_t>(info.subjectEnd - p);
-    const std::size_t limit = info.indexOf(p + std::min(spare, maximum));
-    // A possessive run has one end only; asking the memo could make it a longer one.
-    const char16_t* const last = info.subjectBegin + limit;
-    if (!possessive && (nextEnd(end, last, info) != end || !info.firstVisit(this, end))) {
-        return takeLonger(end, limit, pos, info);
-    }
-    pos = info.indexOf(end);
-    if (!possessive && pos < limit) {
-        info.pushRecord(this, end, limit);
-    }
-    return true;
-}
-
-bool RE_Consume::takeLonger(const char16_t* end, std::size_t limit, std::size_t& pos,
-                            RE_Search_Info& info) const {
-    const char16_t* const last = info.subjectBegin + limit;
-    while (end < last) {
-        info.noteScan(RE_Step_Meter::unitsAStep);
-        const char16_t* const longer = nextEnd(end + 1, last, info);
-        if (longer == nullptr || !reaches(end, longer, info)) {
-            return false;
-        }
-        end = longer;
-        if (info.firstVisit(this, end)) {
-            pos = info.indexOf(end);
-            if (end < last) {
-                info.pushRecord(this, end, limit);
-            }
-            return true;
-        }
-    }
-    return false;
 }
 
 void RE_Consume::visitLinks(RE_Link_Visitor& visitor) {

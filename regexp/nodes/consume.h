@@ -58,6 +58,9 @@ public:
     bool isOpen = false;        ///< made by the parser, and without a number of its own so far
 
 private:
+    /// Runs from this length on are remembered.
+    static constexpr std::ptrdiff_t longRun = 64;
+
     bool goOn(const char16_t* from, const char16_t* end, std::size_t& pos, RE_Search_Info& info) const;
     bool nextSeeks(const RE_Search_Info& info) const;
     const char16_t* nextStart(const char16_t* p, RE_Search_Info& info) const;
@@ -65,6 +68,8 @@ private:
     const char16_t* lastEnd(const char16_t* from, const char16_t* end, RE_Search_Info& info) const;
     const char16_t* endOfRunFrom(const char16_t* p, RE_Search_Info& info) const;
     const char16_t* runEnd(const char16_t* p, std::uint64_t most, RE_Search_Info& info) const;
+
+    // lazy_consume.cpp
     const char16_t* nextEnd(const char16_t* end, const char16_t* last, RE_Search_Info& info) const;
     bool reaches(const char16_t* from, const char16_t* to, RE_Search_Info& info) const;
     bool takeShortest(const char16_t* p, std::size_t& pos, RE_Search_Info& info) const;

@@ -8,19 +8,20 @@ void RE_Greedy_Counter::onBacktrack(RE_Search_Info& info) const {
     info.decrementCount(this);
 }
 
-// The record only undoes the count: a required pass has no other way on. The done node is where a failing
-// `match` leads, at the same position.
-bool RE_Fixed_Counter::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {
-    if (info.countAt(this, 0) > limit) {
-        return false;
-    }
+bool RE_Greedy_Counter::beginPass(const char16_t* p, RE_Search_Info& info) const {
     info.incrementCount(this);
-    if (!info.pushChoice(this, subject + pos, true)) {
+    if (!info.pushChoice(this, p, true)) {
         info.decrementCount(this);
         info.deadEnd();
         return false;
     }
     return true;
+}
+
+// The record only undoes the count: a required pass has no other way on. The done node is where a failing
+// `match` leads, at the same position.
+bool RE_Fixed_Counter::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {
+    return info.countAt(this, 0) <= limit && beginPass(subject + pos, info);
 }
 
 void RE_Fixed_Counter::visitLinks(RE_Link_Visitor& visitor) {
@@ -34,16 +35,7 @@ std::string RE_Fixed_Counter::label() const {
 
 // At the limit there is nothing to choose: matching goes on at the exit, where `failNode` leads.
 bool RE_Limit_Counter::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {
-    if (info.countAt(this, 0) >= limit) {
-        return false;
-    }
-    info.incrementCount(this);
-    if (!info.pushChoice(this, subject + pos, true)) {
-        info.decrementCount(this);
-        info.deadEnd();
-        return false;
-    }
-    return true;
+    return info.countAt(this, 0) < limit && beginPass(subject + pos, info);
 }
 
 std::string RE_Limit_Counter::label() const {
@@ -87,6 +79,9 @@ void RE_Lazy_Decrementer::onBacktrack(RE_Search_Info& info) const {
 bool RE_Start_Counter::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {
     info.pushChoice(popper, subject + pos, true);
     info.pushCount(counter);
+    if (count != 0) {
+        info.counterStacks[counter].back() = count;
+    }
     return true;
 }
 

@@ -31,6 +31,10 @@ class CORVANE_REGEXP_EXPORT RE_Greedy_Counter : public RE_State_Counter {
 public:
     using RE_State_Counter::RE_State_Counter;
     void onBacktrack(RE_Search_Info& info) const override;
+
+protected:
+    /// Counts a pass and leaves a record of it; a dead end where this was tried before.
+    bool beginPass(const char16_t* p, RE_Search_Info& info) const;
 };
 
 class CORVANE_REGEXP_EXPORT RE_Fixed_Counter : public RE_Greedy_Counter {
@@ -93,7 +97,7 @@ public:
     const RE_Node* counter;
 };
 
-/// Entry of a counted loop.
+/// Entry of a counted loop. One within a loop takes the place of passes that need not be made one by one.
 class CORVANE_REGEXP_EXPORT RE_Start_Counter : public RE_Node {
 public:
     using RE_Node::RE_Node;
@@ -105,4 +109,5 @@ public:
 
     RE_Node* popper = nullptr;         ///< an `RE_Counter_Popper`
     const RE_Node* counter = nullptr;  ///< the counter whose level this opens
+    std::uint64_t count = 0;           ///< with which it opens
 };

@@ -64,22 +64,6 @@ const char16_t* StringInnerSeeker::startWithin(const RE_Literal_Stretches::Stret
 }
 
 const char16_t* StringInnerSeeker::scan(const char16_t* p, RE_Search_Info& info) const {
-    const char16_t* asked = p;  // for interrupts
-    RE_Literal_Stretches::Stretch stretch{};
-    while (stretches.from(p, info, stretch)) {
-        if (stretch.begin <= stretch.end) {
-            const char16_t* const start = startWithin(stretch, info);
-            if (start != nullptr || info.wasInterrupted()) {
-                return start;
-            }
-        }
-        p = stretch.end + 1;
-        if (p >= asked + RE_SCAN_POLL_UNITS) {
-            asked = p;
-            if (info.pollScan()) {
-                return nullptr;
-            }
-        }
-    }
-    return nullptr;
+    return stretches.nextStart(
+        p, info, [&](const RE_Literal_Stretches::Stretch& stretch) { return startWithin(stretch, info); });
 }

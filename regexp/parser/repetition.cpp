@@ -7,8 +7,8 @@
 
 namespace {
 
-// Loops nested in loops, all over the empty text: beyond this many passes an empty required pass ends its
-// loop, which keeps the number of passes from growing exponentially with the nesting.
+// Loops nested in loops, all over the empty text: beyond this many passes an empty required pass is the last of them,
+// which keeps the number of passes from growing exponentially with the nesting.
 constexpr std::uint32_t maximumEmptyPasses = 256;
 
 /// The links of a choice that lead into the loop and out of it.
@@ -34,6 +34,17 @@ LoopNodes nodesOfLoop(const RE_Repeat_Plan& plan, bool lazy) {
     const std::uint64_t required = plan.minimum > 0 ? 3 : 0;
     const std::uint64_t limited = plan.maximum == plan.minimum ? 0 : (lazy ? 4 : 3);
     return {2 + required + (endless ? 1 : limited), 0};
+}
+
+RE_Start_Counter* makeStartCounter(RE_ParserContext& context, RE_Counter* counter,
+                                   const RE_Memo_Scope* scope) {
+    auto* const start = context.make<RE_Start_Counter>();
+    start->counter = counter;
+    auto* const popper = context.make<RE_Counter_Popper>(counter);
+    popper->guarded = true;
+    start->popper = popper;
+    start->memoScope = scope;
+    return start;
 }
 
 }  // namespace
@@ -98,7 +109,9 @@ RE_Graph_Builder::Loop RE_Graph_Builder::openLoop(std::uint32_t index, const RE_
     loop.body = item.firstChild;
     loop.lazy = item.qualifier == RE_Qualifier::lazy;
     loop.guarded = plan.mayBeEmpty;
-    loop.endsWhenEmpty = plan.mayBeEmpty && item.emptyPasses > maximumEmptyPasses;
+    // Behind one required pass the optional ones follow anyway.
+    loop.endsWhenEmpty =
+        plan.mayBeEmpty && (plan.counted ? item : tree[loop.body]).emptyPasses > maximumEmptyPasses;
     loop.pass = plan.mayBeEmpty ? context.facts->passRegisters++ : 0;
     loop.outerScope = scope;
     return loop;
@@ -179,7 +192,9 @@ void RE_Graph_Builder::emitPlus(Loop loop) {
 
 // The required passes are counted by a fixed counter, the optional ones by one of their own (or, without an
 // upper bound, chosen by a split). Both lead into one body, which leads back to the fixed counter; once that
-// is exhausted it hands on to the other at every arrival.
+// is exhausted it hands on to the other at every arrival. Where an empty required pass is the last of them, it leads to
+// the optional ones by a level of the fixed counter that opens exhausted, unless the body alone takes so many passes that
+// going through it twice, at each level of a nest, would be too much.
 void RE_Graph_Builder::emitCounted(Loop loop, const RE_Repeat_Plan& plan) {
     loop.exit = context.make<RE_Null>();
     const bool endless = plan.maximum == RE_Syntax::noMaximum;
@@ -207,24 +222,26 @@ void RE_Graph_Builder::emitCounted(Loop loop, const RE_Repeat_Plan& plan) {
         joinAt(body);
         scope = endless ? scope : innerScope(RE_Memo_Scope::Kind::counter, optional, 0);
     }
+    RE_Node* const exit = loop.exit;
+    const bool goesOn = loop.endsWhenEmpty && tree[loop.body].emptyPasses <= maximumEmptyPasses;
+    if (goesOn && fixed != nullptr && optional != nullptr) {
+        RE_Start_Counter* const exhausted = makeStartCounter(context, fixed, loop.outerScope);
+        exhausted->count = fixed->limit + 1;
+        exhausted->nextNode = optional;
+        loop.exit = exhausted;
+    }
     enterBodyScope(loop);
     tail = &body->nextNode;
-    then([this, loop, head] {
+    then([this, loop, head, exit] {
         leavePass(loop);
         joinAt(head);
-        tail = &loop.exit->nextNode;
+        tail = &exit->nextNode;
     });
     emit(loop.body);
 }
 
 void RE_Graph_Builder::appendStartCounter(RE_Counter* counter) {
-    auto* const start = context.make<RE_Start_Counter>();
-    start->counter = counter;
-    auto* const popper = context.make<RE_Counter_Popper>(counter);
-    popper->guarded = true;
-    start->popper = popper;
-    start->memoScope = scope;
-    append(start);
+    append(makeStartCounter(context, counter, scope));
 }
 
 RE_Fixed_Counter* RE_Graph_Builder::makeFixedCounter(std::uint64_t passes) {

@@ -7,7 +7,7 @@
 
 RE_Name RE_Name_Reader::read(std::size_t content) {
     const std::size_t start = skipSpacing(content);
-    const RE_Name noName = {{}, content};
+    RE_Name noName = {{}, content};
     if (start >= length || start == nameless || !isAsciiLetter(text[start])) {
         return noName;
     }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <bit>
-#include <type_traits>
 
 // This file is compiled once for each instruction set: everything up to the end of the guarded part below.
 #undef HWY_TARGET_INCLUDE
@@ -10,91 +9,13 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
+#include "regexp/seek/kernel_tests-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace corvane_kernels {
 namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
-
-using Lanes = hn::ScalableTag<std::uint16_t>;
-using Vector = hn::Vec<Lanes>;
-using Mask = hn::Mask<Lanes>;
-
-HWY_INLINE Vector load(const char16_t* p) {
-    return hn::LoadU(Lanes(), reinterpret_cast<const std::uint16_t*>(p));
-}
-
-template <std::size_t lanes>
-using Bits =
-    std::conditional_t<lanes <= 8, std::uint8_t,
-                       std::conditional_t<lanes <= 16, std::uint16_t,
-                                          std::conditional_t<lanes <= 32, std::uint32_t, std::uint64_t>>>;
-
-// What is read back is as wide as what was stored: the processor hands it over without waiting.
-HWY_INLINE std::uint64_t bitsOf(Mask mask) {
-    Bits<hn::MaxLanes(Lanes())> bits = 0;
-    hn::StoreMaskBits(Lanes(), mask, reinterpret_cast<std::uint8_t*>(&bits));
-    return bits;
-}
-
-/// With `alone` the two units of the pair are one.
-template <bool alone>
-HWY_INLINE Mask equals(Vector units, RE_Unit_Pair pair) {
-    const Mask one = hn::Eq(units, hn::Set(Lanes(), static_cast<std::uint16_t>(pair.one)));
-    return alone ? one : hn::Or(one, hn::Eq(units, hn::Set(Lanes(), static_cast<std::uint16_t>(pair.other))));
-}
-
-template <bool alone>
-struct Unit_Test {
-    RE_Unit_Pair unit;
-
-    HWY_INLINE Mask operator()(const char16_t* p) const { return equals<alone>(load(p), unit); }
-    bool holds(const char16_t* p) const { return unit.holds(*p); }
-};
-
-template <bool alone>
-struct Probe_Test {
-    const RE_Literal_Probe& probe;
-
-    HWY_INLINE Mask operator()(const char16_t* p) const {
-        return hn::And(equals<alone>(load(p + probe.firstAt), probe.first),
-                       equals<alone>(load(p + probe.secondAt), probe.second));
-    }
-    bool holds(const char16_t* p) const {
-        return probe.first.holds(p[probe.firstAt]) && probe.second.holds(p[probe.secondAt]) &&
-               std::equal(probe.text, probe.text + probe.length, p);
-    }
-};
-
-// The low byte of each lane selects by its low four bits a row, and by the next three a bit of that row.
-// Units from 0x80 on pass when some of them may count: they are looked up after.
-struct Class_Test {
-    const RE_Class_Scan& scan;
-
-    HWY_INLINE Mask operator()(const char16_t* p) const {
-#if HWY_TARGET == HWY_SCALAR  // has no table look-up
-        return hn::FirstN(Lanes(), scan.holds(*p) ? 1 : 0);
-#else
-        const Lanes d;
-        const hn::Repartition<std::uint8_t, Lanes> bytes;
-        const Vector units = load(p);
-        alignas(16) static constexpr std::uint8_t kBits[16] = {1, 2, 4, 8, 16, 32, 64, 128};
-        const auto rows = hn::LoadDup128(bytes, scan.rows);
-        const auto bits = hn::LoadDup128(bytes, kBits);
-        const Vector low = hn::And(units, hn::Set(d, std::uint16_t{0x0F}));
-        const Vector next = hn::And(hn::ShiftRight<4>(units), hn::Set(d, std::uint16_t{0x07}));
-        const Vector row = hn::BitCast(d, hn::TableLookupBytes(rows, hn::BitCast(bytes, low)));
-        const Vector bit = hn::BitCast(d, hn::TableLookupBytes(bits, hn::BitCast(bytes, next)));
-        const Vector hit = hn::And(hn::And(row, bit), hn::Set(d, std::uint16_t{0xFF}));
-        const Mask ascii = hn::Eq(hn::ShiftRight<7>(units), hn::Zero(d));
-        const Mask holds = hn::And(ascii, hn::Ne(hit, hn::Zero(d)));
-        return scan.othersMayHold ? hn::Or(holds, hn::Not(ascii)) : holds;
-#endif
-    }
-    bool holds(const char16_t* p) const {
-        return scan.holds(*p);
-    }
-};
 
 /// The first of the hits, one bit for each unit from `p` on, that stands up to the whole test; null when none
 /// does.
@@ -144,43 +65,6 @@ const char16_t* findForward(const char16_t* p, const char16_t* end, const Test& 
     const char16_t* const found = firstOf(hits, p, test);
     return found != nullptr ? found : end;
 }
-
-#if HWY_TARGET != HWY_SCALAR
-/// Which prefixes may have `bytes` at the place that these rows belong to, one bit for each.
-HWY_INLINE Vector prefixesWith(Vector units, const std::uint8_t* lowRows, const std::uint8_t* highRows) {
-    const Lanes d;
-    const hn::Repartition<std::uint8_t, Lanes> bytes;
-    const Vector nibble = hn::Set(d, std::uint16_t{0x0F});
-    const Vector low = hn::And(units, nibble);
-    const Vector high = hn::And(hn::ShiftRight<4>(units), nibble);
-    return hn::And(
-        hn::BitCast(d, hn::TableLookupBytes(hn::LoadDup128(bytes, lowRows), hn::BitCast(bytes, low))),
-        hn::BitCast(d, hn::TableLookupBytes(hn::LoadDup128(bytes, highRows), hn::BitCast(bytes, high))));
-}
-#endif
-
-template <std::size_t depth>
-struct Prefix_Test {
-    const RE_Prefix_Scan& scan;
-
-    HWY_INLINE Mask operator()(const char16_t* p) const {
-#if HWY_TARGET == HWY_SCALAR  // has no table look-up
-        return hn::FirstN(Lanes(), scan.mayStandAt(p) ? 1 : 0);
-#else
-        const Lanes d;
-        const Vector ceiling = hn::Set(d, scan.saturates ? std::uint16_t{0xFF} : std::uint16_t{0xFFFF});
-        Vector prefixes = hn::Set(d, std::uint16_t{0xFF});
-        for (std::size_t i = 0; i < depth; ++i) {
-            const Vector units = hn::Min(load(p + scan.distance[i]), ceiling);
-            prefixes = hn::And(prefixes, prefixesWith(units, scan.low[i], scan.high[i]));
-        }
-        return hn::Ne(prefixes, hn::Zero(d));
-#endif
-    }
-    bool holds(const char16_t* p) const {
-        return scan.mayStandAt(p);
-    }
-};
 
 template <class Test>
 const char16_t* findBackward(const char16_t* p, const char16_t* end, const Test& test) {
@@ -316,43 +200,6 @@ const char16_t* findLastClass(const char16_t* p, const char16_t* end, const RE_C
 
 const char16_t* findLastProbe(const char16_t* p, const char16_t* end, const RE_Literal_Probe& probe) {
     return kernels().probeBackward(p, end, probe);
-}
-
-namespace {
-
-/// The bytes 0, 2, 4 and 6, one behind the other.
-std::uint64_t evenBytes(std::uint64_t bits) {
-    bits &= 0x00FF'00FF'00FF'00FF;
-    bits = (bits | bits >> 8) & 0x0000'FFFF'0000'FFFF;
-    return (bits | bits >> 16) & 0x0000'0000'FFFF'FFFF;
-}
-
-/// Exchanges the bits at `by` places from each other of which `lower` names the lower ones.
-std::uint64_t exchanged(std::uint64_t bits, int by, std::uint64_t lower) {
-    const std::uint64_t differing = (bits ^ bits >> by) & lower;
-    return bits ^ differing ^ differing << by;
-}
-
-/// Bit i of byte j becomes bit j of byte i.
-std::uint64_t transposed(std::uint64_t bits) {
-    bits = exchanged(bits, 7, 0x00AA'00AA'00AA'00AA);
-    bits = exchanged(bits, 14, 0x0000'CCCC'0000'CCCC);
-    return exchanged(bits, 28, 0x0000'0000'F0F0'F0F0);
-}
-
-}  // namespace
-
-RE_Class_Scan::RE_Class_Scan(const RE_Unit_Set& set, bool wanted) : rows{}, units(&set), sought(wanted) {
-    const std::uint64_t turned = sought ? 0 : ~std::uint64_t{0};
-    const std::uint64_t low = set.bits(0) ^ turned;
-    const std::uint64_t high = set.bits(1) ^ turned;
-    for (const std::size_t half : {0, 1}) {
-        const std::uint64_t columns = evenBytes(low >> (8 * half)) | evenBytes(high >> (8 * half)) << 32;
-        for (std::uint64_t left = transposed(columns), row = 0; row < 8; ++row, left >>= 8) {
-            rows[8 * half + row] = static_cast<std::uint8_t>(left);
-        }
-    }
-    othersMayHold = sought ? set.holdsAnyFrom(0x80) : !set.holdsAllFrom(0x80);
 }
 
 #endif  // HWY_ONCE

@@ -1,7 +1,5 @@
 #include "regexp/seek/required_literal.h"
 
-#include "regexp/seek/scan.h"
-
 RE_Text_Finder::RE_Text_Finder(std::u16string literalText, bool ignoreCase)
     : text(std::move(literalText)), folds(ignoreCase), search(literal()), likely(search.likelihood()) {}
 
@@ -55,19 +53,5 @@ bool RE_Literal_Stretches::from(const char16_t* p, RE_Search_Info& info, Stretch
 }
 
 const char16_t* RE_Literal_Stretches::nextStart(const char16_t* p, RE_Search_Info& info) const {
-    const char16_t* asked = p;  // for interrupts
-    Stretch stretch{};
-    while (from(p, info, stretch)) {
-        if (stretch.begin <= stretch.end) {
-            return stretch.begin;
-        }
-        p = stretch.end + 1;
-        if (p >= asked + RE_SCAN_POLL_UNITS) {
-            asked = p;
-            if (info.pollScan()) {
-                return nullptr;
-            }
-        }
-    }
-    return nullptr;
+    return nextStart(p, info, [](const Stretch& stretch) { return stretch.begin; });
 }

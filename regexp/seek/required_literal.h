@@ -4,6 +4,7 @@
 #include "regexp/memory.h"
 #include "regexp/seek/kernels.h"
 #include "regexp/seek/literal_search.h"
+#include "regexp/seek/scan.h"
 #include "regexp/unit_set.h"
 
 #include <cstdint>
@@ -11,8 +12,6 @@
 #include <optional>
 #include <string>
 #include <utility>
-
-class RE_Search_Info;
 
 /// Finds a text, the prefixes of several, or the units of a set.
 class RE_Text_Finder {
@@ -75,6 +74,9 @@ public:
     bool from(const char16_t* p, RE_Search_Info& info, Stretch& stretch) const;
     /// The first position from `p` on at which a match may start, or null.
     const char16_t* nextStart(const char16_t* p, RE_Search_Info& info) const;
+    /// The first that `pick` (stretch) finds in a stretch that is not empty; null from it sends on to the next one.
+    template <class Pick>
+    const char16_t* nextStart(const char16_t* p, RE_Search_Info& info, Pick pick) const;
 
     RE_Required_Literal required;
 
@@ -82,3 +84,23 @@ private:
     RE_Class_Scan outside;  ///< units that may not stand before the literal
     std::uint32_t row;
 };
+
+template <class Pick>
+const char16_t* RE_Literal_Stretches::nextStart(const char16_t* p, RE_Search_Info& info, Pick pick) const {
+    const char16_t* asked = p;  // for interrupts
+    Stretch stretch{};
+    while (from(p, info, stretch)) {
+        const char16_t* const start = stretch.begin <= stretch.end ? pick(stretch) : nullptr;
+        if (start != nullptr || info.wasInterrupted()) {
+            return start;
+        }
+        p = stretch.end + 1;
+        if (p >= asked + RE_SCAN_POLL_UNITS) {
+            asked = p;
+            if (info.pollScan()) {
+                return nullptr;
+            }
+        }
+    }
+    return nullptr;
+}

@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <sstream>
 #include <stdexcept>
 
@@ -19,29 +20,10 @@ std::vector<std::string> split(const std::string& text, char separator) {
 }
 
 std::uint32_t flagsOf(const std::string& modes) {
+    static const std::map<char, std::uint32_t> bits = {{'.', 0}, {'i', 0x01}, {'m', 0x04}, {'x', 0x08}, {'E', 0x20}, {'d', 0x02}};
     std::uint32_t flags = 0x12;
     for (const char letter : modes) {
-        switch (letter) {
-            case '.':
-                break;
-            case 'i':
-                flags |= 0x01;
-                break;
-            case 'm':
-                flags |= 0x04;
-                break;
-            case 'x':
-                flags |= 0x08;
-                break;
-            case 'E':
-                flags |= 0x20;
-                break;
-            case 'd':
-                flags &= ~std::uint32_t{0x02};
-                break;
-            default:
-                throw std::runtime_error(std::string("unknown mode ") + letter);
-        }
+        flags ^= bits.at(letter);
     }
     return flags;
 }

@@ -3,12 +3,15 @@
 #pragma once
 
 #include "regexp/regexp.h"
+#include "regexp/search_memo.h"
+#include "regexp/seek/required_literal.h"
 #include "tests/support/outcome.h"
 
 #include <memory>
 #include <optional>
 #include <ostream>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace corvane_tests {
@@ -58,6 +61,35 @@ public:
 private:
     const char16_t* m_text = nullptr;
     std::vector<Warning> m_warnings;
+};
+
+/// A context whose host may stop searches, or may not.
+class Interruptible : public RE_Context {
+public:
+    explicit Interruptible(bool allows = true) : m_allows(allows) {}
+    bool allow_interrupt() const override { return m_allows; }
+
+private:
+    bool m_allows;
+};
+
+/// When the memo begins, and when a search asks for the literals that it needs; put back at the end.
+class Delays {
+public:
+    explicit Delays(std::uint64_t choices, std::uint64_t perUnit = 0, std::uint64_t steps = RE_Asking_Delay::steps) {
+        exchange(choices, perUnit, steps);
+    }
+    ~Delays() { exchange(m_choices, m_perUnit, m_steps); }
+    Delays(const Delays&) = delete;
+    Delays& operator=(const Delays&) = delete;
+
+private:
+    void exchange(std::uint64_t choices, std::uint64_t perUnit, std::uint64_t steps) {
+        m_choices = std::exchange(RE_Memo_Delay::choices, choices);
+        m_perUnit = std::exchange(RE_Memo_Delay::perUnit, perUnit);
+        m_steps = std::exchange(RE_Asking_Delay::steps, steps);
+    }
+    std::uint64_t m_choices, m_perUnit, m_steps;
 };
 
 /// Null is no match.

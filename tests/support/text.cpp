@@ -39,6 +39,14 @@ std::u16string widen(std::string_view text) {
     return std::u16string(text.begin(), text.end());
 }
 
+std::u16string repeated(std::u16string_view text, size_t count) {
+    std::u16string result;
+    for (; count > 0; --count) {
+        result += text;
+    }
+    return result;
+}
+
 std::string printable(std::u16string_view text) {
     std::string result;
     for (const char16_t unit : text) {

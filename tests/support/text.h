@@ -15,6 +15,8 @@ std::string printable(std::u16string_view text);
 /// Expands the case-file notation: {{U+XXXX}} is one unit, {{text*N}} is N copies of text.
 std::u16string expand(std::string_view text);
 
+std::u16string repeated(std::u16string_view text, size_t count);
+
 /// Every subject over the alphabet of at most `maxLength` units, the empty one first, shortest first.
 template <typename Visit>
 void forEachSubject(std::u16string_view alphabet, size_t maxLength, const Visit& visit) {

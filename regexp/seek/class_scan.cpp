@@ -1,0 +1,39 @@
+// How a set of units is laid out for the vector scans.
+#include "regexp/seek/kernels.h"
+
+namespace {
+
+/// The bytes 0, 2, 4 and 6, one behind the other.
+std::uint64_t evenBytes(std::uint64_t bits) {
+    bits &= 0x00FF'00FF'00FF'00FF;
+    bits = (bits | bits >> 8) & 0x0000'FFFF'0000'FFFF;
+    return (bits | bits >> 16) & 0x0000'0000'FFFF'FFFF;
+}
+
+/// Exchanges the bits at `by` places from each other of which `lower` names the lower ones.
+std::uint64_t exchanged(std::uint64_t bits, int by, std::uint64_t lower) {
+    const std::uint64_t differing = (bits ^ bits >> by) & lower;
+    return bits ^ differing ^ differing << by;
+}
+
+/// Bit i of byte j becomes bit j of byte i.
+std::uint64_t transposed(std::uint64_t bits) {
+    bits = exchanged(bits, 7, 0x00AA'00AA'00AA'00AA);
+    bits = exchanged(bits, 14, 0x0000'CCCC'0000'CCCC);
+    return exchanged(bits, 28, 0x0000'0000'F0F0'F0F0);
+}
+
+}  // namespace
+
+RE_Class_Scan::RE_Class_Scan(const RE_Unit_Set& set, bool wanted) : rows{}, units(&set), sought(wanted) {
+    const std::uint64_t turned = sought ? 0 : ~std::uint64_t{0};
+    const std::uint64_t low = set.bits(0) ^ turned;
+    const std::uint64_t high = set.bits(1) ^ turned;
+    for (const std::size_t half : {0, 1}) {
+        const std::uint64_t columns = evenBytes(low >> (8 * half)) | evenBytes(high >> (8 * half)) << 32;
+        for (std::uint64_t left = transposed(columns), row = 0; row < 8; ++row, left >>= 8) {
+            rows[8 * half + row] = static_cast<std::uint8_t>(left);
+        }
+    }
+    othersMayHold = sought ? set.holdsAnyFrom(0x80) : !set.holdsAllFrom(0x80);
+}

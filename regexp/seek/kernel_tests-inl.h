@@ -1,0 +1,145 @@
+// The tests that vector scans make of a vector of units, and of one unit: each a `Mask` of the lanes that may count, and
+// `holds` for the last word.
+//
+// Included once for each instruction set that the file including it is compiled for: the guard is one of a target.
+#if defined(CORVANE_KERNEL_TESTS) == defined(HWY_TARGET_TOGGLE)
+#ifdef CORVANE_KERNEL_TESTS
+#undef CORVANE_KERNEL_TESTS
+#else
+#define CORVANE_KERNEL_TESTS
+#endif
+
+#include "regexp/seek/kernels.h"
+
+#include <hwy/highway.h>
+#include <algorithm>
+#include <type_traits>
+
+HWY_BEFORE_NAMESPACE();
+namespace corvane_kernels {
+namespace HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+using Lanes = hn::ScalableTag<std::uint16_t>;
+using Vector = hn::Vec<Lanes>;
+using Mask = hn::Mask<Lanes>;
+
+HWY_INLINE Vector load(const char16_t* p) {
+    return hn::LoadU(Lanes(), reinterpret_cast<const std::uint16_t*>(p));
+}
+
+template <std::size_t lanes>
+using Bits =
+    std::conditional_t<lanes <= 8, std::uint8_t,
+                       std::conditional_t<lanes <= 16, std::uint16_t,
+                                          std::conditional_t<lanes <= 32, std::uint32_t, std::uint64_t>>>;
+
+// What is read back is as wide as what was stored: the processor hands it over without waiting.
+HWY_INLINE std::uint64_t bitsOf(Mask mask) {
+    Bits<hn::MaxLanes(Lanes())> bits = 0;
+    hn::StoreMaskBits(Lanes(), mask, reinterpret_cast<std::uint8_t*>(&bits));
+    return bits;
+}
+
+/// With `alone` the two units of the pair are one.
+template <bool alone>
+HWY_INLINE Mask equals(Vector units, RE_Unit_Pair pair) {
+    const Mask one = hn::Eq(units, hn::Set(Lanes(), static_cast<std::uint16_t>(pair.one)));
+    return alone ? one : hn::Or(one, hn::Eq(units, hn::Set(Lanes(), static_cast<std::uint16_t>(pair.other))));
+}
+
+template <bool alone>
+struct Unit_Test {
+    RE_Unit_Pair unit;
+
+    HWY_INLINE Mask operator()(const char16_t* p) const { return equals<alone>(load(p), unit); }
+    bool holds(const char16_t* p) const { return unit.holds(*p); }
+};
+
+template <bool alone>
+struct Probe_Test {
+    const RE_Literal_Probe& probe;
+
+    HWY_INLINE Mask operator()(const char16_t* p) const {
+        return hn::And(equals<alone>(load(p + probe.firstAt), probe.first),
+                       equals<alone>(load(p + probe.secondAt), probe.second));
+    }
+    bool holds(const char16_t* p) const {
+        return probe.first.holds(p[probe.firstAt]) && probe.second.holds(p[probe.secondAt]) &&
+               std::equal(probe.text, probe.text + probe.length, p);
+    }
+};
+
+// The low byte of each lane selects by its low four bits a row, and by the next three a bit of that row.
+// Units from 0x80 on pass when some of them may count: they are looked up after.
+struct Class_Test {
+    const RE_Class_Scan& scan;
+
+    HWY_INLINE Mask operator()(const char16_t* p) const {
+#if HWY_TARGET == HWY_SCALAR  // has no table look-up
+        return hn::FirstN(Lanes(), scan.holds(*p) ? 1 : 0);
+#else
+        const Lanes d;
+        const hn::Repartition<std::uint8_t, Lanes> bytes;
+        const Vector units = load(p);
+        alignas(16) static constexpr std::uint8_t kBits[16] = {1, 2, 4, 8, 16, 32, 64, 128};
+        const auto rows = hn::LoadDup128(bytes, scan.rows);
+        const auto bits = hn::LoadDup128(bytes, kBits);
+        const Vector low = hn::And(units, hn::Set(d, std::uint16_t{0x0F}));
+        const Vector next = hn::And(hn::ShiftRight<4>(units), hn::Set(d, std::uint16_t{0x07}));
+        const Vector row = hn::BitCast(d, hn::TableLookupBytes(rows, hn::BitCast(bytes, low)));
+        const Vector bit = hn::BitCast(d, hn::TableLookupBytes(bits, hn::BitCast(bytes, next)));
+        const Vector hit = hn::And(hn::And(row, bit), hn::Set(d, std::uint16_t{0xFF}));
+        const Mask ascii = hn::Eq(hn::ShiftRight<7>(units), hn::Zero(d));
+        const Mask holds = hn::And(ascii, hn::Ne(hit, hn::Zero(d)));
+        return scan.othersMayHold ? hn::Or(holds, hn::Not(ascii)) : holds;
+#endif
+    }
+    bool holds(const char16_t* p) const {
+        return scan.holds(*p);
+    }
+};
+
+#if HWY_TARGET != HWY_SCALAR
+/// Which prefixes may have `bytes` at the place that these rows belong to, one bit for each.
+HWY_INLINE Vector prefixesWith(Vector units, const std::uint8_t* lowRows, const std::uint8_t* highRows) {
+    const Lanes d;
+    const hn::Repartition<std::uint8_t, Lanes> bytes;
+    const Vector nibble = hn::Set(d, std::uint16_t{0x0F});
+    const Vector low = hn::And(units, nibble);
+    const Vector high = hn::And(hn::ShiftRight<4>(units), nibble);
+    return hn::And(
+        hn::BitCast(d, hn::TableLookupBytes(hn::LoadDup128(bytes, lowRows), hn::BitCast(bytes, low))),
+        hn::BitCast(d, hn::TableLookupBytes(hn::LoadDup128(bytes, highRows), hn::BitCast(bytes, high))));
+}
+#endif
+
+template <std::size_t depth>
+struct Prefix_Test {
+    const RE_Prefix_Scan& scan;
+
+    HWY_INLINE Mask operator()(const char16_t* p) const {
+#if HWY_TARGET == HWY_SCALAR  // has no table look-up
+        return hn::FirstN(Lanes(), scan.mayStandAt(p) ? 1 : 0);
+#else
+        const Lanes d;
+        const Vector ceiling = hn::Set(d, scan.saturates ? std::uint16_t{0xFF} : std::uint16_t{0xFFFF});
+        Vector prefixes = hn::Set(d, std::uint16_t{0xFF});
+        for (std::size_t i = 0; i < depth; ++i) {
+            const Vector units = hn::Min(load(p + scan.distance[i]), ceiling);
+            prefixes = hn::And(prefixes, prefixesWith(units, scan.low[i], scan.high[i]));
+        }
+        return hn::Ne(prefixes, hn::Zero(d));
+#endif
+    }
+    bool holds(const char16_t* p) const {
+        return scan.mayStandAt(p);
+    }
+};
+
+}  // namespace HWY_NAMESPACE
+}  // namespace corvane_kernels
+HWY_AFTER_NAMESPACE();
+
+#endif
