@@ -97,7 +97,9 @@ void RE_Search_Info::prepare(const RE_Graph_Facts& graphFacts) {
 }
 
 void RE_Search_Info::forgetAttempt() {
-    counterStacks.clear();
+    for (auto& [counter, counts] : counterStacks) {
+        counts.clear();
+    }
     for (States& states : visited) {
         states.clear();
     }

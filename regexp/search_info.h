@@ -425,7 +425,7 @@ inline void RE_Search_Info::pushRecord(const RE_Node* node, const char16_t* posi
 }
 
 inline std::size_t RE_Search_Info::poppedWord() const {
-    return backtrack.marks[static_cast<std::size_t>(backtrack.top + 1)].word;
+    return backtrack.marks[static_cast<std::size_t>(backtrack.top) + 1].word;
 }
 
 inline void RE_Search_Info::noteTokenStart(std::size_t index, std::size_t position) {
