@@ -92,7 +92,7 @@ void RE_First_Units::visitOther(RE_Node* node) {
                            nodeAs<RE_Null>(node) != nullptr || (split != nullptr && !split->isCounter) ||
                            nodeAs<RE_Dispatch>(node) != nullptr;
         tested = tested || !never;
-        followWays(node);
+        forEachWay(*node, [this](RE_Node* target) { follow(target); });
     }
 }
 
@@ -115,14 +115,6 @@ bool RE_First_Units::visitTest(RE_Node* node) {
     }
     mayBeAtEnd = true;
     return true;
-}
-
-void RE_First_Units::followWays(RE_Node* node) {
-    forEachLink(*node, [this](RE_Node* target, RE_Link kind) {
-        if (kind != RE_Link::body && kind != RE_Link::helper) {
-            follow(target);
-        }
-    });
 }
 
 RE_Unit_Set& RE_First_Units::gathering() {

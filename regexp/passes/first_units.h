@@ -19,7 +19,9 @@ public:
     static constexpr std::size_t anyNumber = static_cast<std::size_t>(-1);
 
     explicit RE_First_Units(RE_ParserContext& parserContext)
-        : context(parserContext), pending(&parserContext.scratch), walk(parserContext.nextWalk()) {}
+        : context(parserContext), pending(&parserContext.scratch), walk(parserContext.nextWalk()) {
+        pending.reserve(usualNodes);
+    }
 
     /// Gathers them. False when nothing can be said, also when more than `mostNodes` would have to be looked at.
     bool gather(RE_Node* from, std::size_t mostNodes = anyNumber);
@@ -33,11 +35,12 @@ public:
     bool tested = false;                       ///< on the way lies a node that may fail without consuming
 
 private:
+    static constexpr std::size_t usualNodes = 16;
+
     bool run(RE_Node* from, std::size_t mostNodes);
     void follow(RE_Node* node);
     void visit(RE_Node* node);
     bool visitTest(RE_Node* node);
-    void followWays(RE_Node* node);
     bool visitConsuming(RE_Node* node);
     void visitOther(RE_Node* node);
     RE_Unit_Set& gathering();

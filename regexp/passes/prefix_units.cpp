@@ -131,7 +131,7 @@ void RE_Prefix_Units::visit(RE_Node* node, std::size_t place, std::uint64_t turn
     } else if (nodeAs<RE_Match_Token>(node) != nullptr || node->isEnd()) {
         endAt(place);
     } else {
-        followWays(node, place);
+        forEachWay(*node, [this, place](RE_Node* target) { reach(target, place); });
     }
 }
 
@@ -176,14 +176,6 @@ void RE_Prefix_Units::visitLoop(RE_Consume& loop, std::size_t place, std::uint64
         places[place].addAll(looks->of(*loop.units));
         reach(&loop, place + 1, turns + 1);
     }
-}
-
-void RE_Prefix_Units::followWays(RE_Node* node, std::size_t place) {
-    forEachLink(*node, [this, place](RE_Node* target, RE_Link kind) {
-        if (kind != RE_Link::body && kind != RE_Link::helper) {
-            reach(target, place);
-        }
-    });
 }
 
 void RE_Prefix_Units::addLiteral(char16_t unit, bool ignoreCase, std::size_t place) {

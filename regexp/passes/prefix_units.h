@@ -77,7 +77,6 @@ private:
     void visitPending();
     void addText(std::u16string_view text, bool ignoreCase, std::size_t place);
     void visitLoop(RE_Consume& loop, std::size_t place, std::uint64_t turns);
-    void followWays(RE_Node* node, std::size_t place);
     void endAt(std::size_t place) { known = place < known ? place : known; }
     void addLiteral(char16_t unit, bool ignoreCase, std::size_t place);
 

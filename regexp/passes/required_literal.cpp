@@ -107,16 +107,8 @@ private:
         } else if (node->isEnd() || nodeAs<RE_Match_Token>(node) != nullptr) {
             holds = false;
         } else {
-            followWays(node, distance);
+            forEachWay(*node, [this, distance](RE_Node* target) { reach(target, distance); });
         }
-    }
-
-    void followWays(RE_Node* node, std::uint64_t distance) {
-        forEachLink(*node, [this, distance](RE_Node* target, RE_Link kind) {
-            if (kind != RE_Link::body && kind != RE_Link::helper) {
-                reach(target, distance);
-            }
-        });
     }
 
     void addUnits(const RE_Consumable& unit) {
