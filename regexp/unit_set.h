@@ -22,6 +22,11 @@ public:
         return std::allocate_shared<RE_Unit_Set>(RE_Allocator<RE_Unit_Set>());
     }
 
+    /// A copy to be shared.
+    static std::shared_ptr<RE_Unit_Set> make(const RE_Unit_Set& other) {
+        return std::allocate_shared<RE_Unit_Set>(RE_Allocator<RE_Unit_Set>(), other);
+    }
+
     bool contains(char16_t unit) const {
         const std::uint32_t wide = unit;  // narrow arithmetic costs an instruction more
         return (words[wide >> 6] >> (wide & 63) & 1) != 0;

@@ -35,8 +35,9 @@ public:
     char16_t* text;
     std::uint64_t length = 0;
 
-protected:
     const char16_t* scan(const char16_t* p, RE_Search_Info& info) const override;
+
+protected:
     const char16_t* scanBack(const char16_t* p, std::size_t count, RE_Search_Info& info) const override;
 
 private:

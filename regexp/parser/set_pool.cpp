@@ -3,10 +3,19 @@
 #include <utility>
 
 std::shared_ptr<RE_Unit_Set> RE_Set_Pool::blank() {
-    if (spare == nullptr || spare.use_count() > 1) {
-        spare = RE_Unit_Set::make();
-    } else {
+    if (isSpareFree()) {
         spare->clear();
+    } else {
+        spare = RE_Unit_Set::make();
+    }
+    return spare;
+}
+
+std::shared_ptr<RE_Unit_Set> RE_Set_Pool::copyOf(const RE_Unit_Set& units) {
+    if (isSpareFree()) {
+        *spare = units;
+    } else {
+        spare = RE_Unit_Set::make(units);
     }
     return spare;
 }

@@ -109,6 +109,7 @@ private:
         auto* const second = plus ? nodeAs<RE_Split>(throughSkippable(run.nextNode)) : nullptr;
         if (second != nullptr && !second->isCounter && !second->skippable &&
             sameNode(second->nextNode, &run)) {
+            run.item->isItem = false;
             run.item->nextNode = second;
             run.nextNode = run.item;
             run.skippable = true;

@@ -7,6 +7,7 @@
 #include "regexp/unit_set.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 
@@ -67,6 +68,19 @@ struct RE_Prefix_Scan {
         const auto bit = static_cast<std::uint8_t>(1U << prefix);
         low[at][byte & 0x0F] = static_cast<std::uint8_t>(low[at][byte & 0x0F] | bit);
         high[at][byte >> 4] = static_cast<std::uint8_t>(high[at][byte >> 4] | bit);
+    }
+    /// So may each of these, one bit a byte.
+    void allowAll(std::size_t prefix, std::size_t at, const std::array<std::uint64_t, 4>& bytes) {
+        const auto bit = static_cast<std::uint8_t>(1U << prefix);
+        std::uint64_t lows = 0;
+        for (std::size_t group = 0; group < 16; ++group) {
+            const std::uint64_t ofGroup = bytes[group / 4] >> (16 * (group % 4)) & 0xFFFF;
+            lows |= ofGroup;
+            high[at][group] = static_cast<std::uint8_t>(high[at][group] | (ofGroup != 0 ? bit : 0));
+        }
+        for (std::size_t row = 0; row < 16; ++row) {
+            low[at][row] = static_cast<std::uint8_t>(low[at][row] | ((lows >> row & 1) != 0 ? bit : 0));
+        }
     }
     /// The greatest distance.
     std::size_t reach() const { return *std::max_element(distance, distance + depth); }
