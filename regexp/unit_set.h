@@ -6,6 +6,7 @@
 #include "regexp/memory.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -130,6 +131,15 @@ private:
 /// The classes that escapes name.
 struct RE_Unit_Classes {
     static const RE_Unit_Classes& get();
+
+    static constexpr std::size_t count = 6;
+    /// The members in their order.
+    std::array<const RE_Unit_Set*, count> all() const {
+        return {&digits, &spaces, &words, &noDigits, &noSpaces, &noWords};
+    }
+    /// Which member of the tables of this process the set is; `count` when it is none. What is known of these needs to be
+    /// found out only once. Does not fill the tables.
+    static std::size_t numberOf(const RE_Unit_Set& set);
 
     RE_Unit_Set digits;
     RE_Unit_Set spaces;

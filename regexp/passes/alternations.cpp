@@ -33,7 +33,8 @@ RE_Split* innerSplit(RE_Node* node) {
 
 /// The splits that no other split leads to alone, the last ones first, so that a choice within a branch is
 /// rewritten before the choice of the branch.
-std::pmr::vector<RE_Split*> firstSplits(const RE_Collection::Nodes& nodes, std::pmr::memory_resource* memory) {
+std::pmr::vector<RE_Split*> firstSplits(const RE_Collection::Nodes& nodes,
+                                        std::pmr::memory_resource* memory) {
     std::pmr::vector<RE_Split*> inner(memory);
     std::pmr::vector<RE_Split*> first(memory);
     for (RE_Node* node : nodes) {

@@ -31,7 +31,7 @@ private:
 
     /// Some way that leads there.
     bool findWay(RE_Node* root) {
-        const std::uint32_t number = context.nextWalk();
+        number = context.nextWalk();
         const auto reach = [&](RE_Node* node, std::size_t from) {
             if (node != nullptr && node->walk != number) {
                 node->walk = number;
@@ -106,7 +106,8 @@ private:
     std::pmr::vector<Reached> reached;
     std::pmr::vector<RE_Node*> way;
     std::uint32_t number = 0;
-    std::size_t furthest = 0;  ///< on the way, that can be come to without what lies behind where the exploration is
+    std::size_t furthest =
+        0;  ///< on the way, that can be come to without what lies behind where the exploration is
 };
 
 }  // namespace

@@ -158,7 +158,8 @@ private:
             loop = countedLoop(*start);
         } else if (auto* split = nodeAs<RE_Split>(node); split != nullptr && !split->isCounter) {
             loop = splitLoop(*split);
-        } else if (auto* unit = node->sharedTarget ? loopItem(node) : nullptr; unit == node && unit != nullptr) {
+        } else if (auto* unit = node->sharedTarget ? loopItem(node) : nullptr;
+                   unit == node && unit != nullptr) {
             loop = plusLoop(*unit);
         }
         return loop ? makeConsume(*loop) : nullptr;

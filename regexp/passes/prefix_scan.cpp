@@ -54,7 +54,8 @@ public:
 
 private:
     static RE_Node* leading(RE_Node* node) {
-        while (nodeAs<RE_Start_Token>(node) != nullptr || (node->isSkippable() && node->nextNode != nullptr)) {
+        while (nodeAs<RE_Start_Token>(node) != nullptr ||
+               (node->isSkippable() && node->nextNode != nullptr)) {
             node = node->nextNode;
         }
         return node;

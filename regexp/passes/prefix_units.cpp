@@ -53,7 +53,22 @@ void RE_Byte_Sets::addAll(const RE_Byte_Sets& other) {
     beyondLatin = beyondLatin || other.beyondLatin;
 }
 
+const RE_Byte_Sets& RE_Byte_Looks::ofClass(std::size_t number) {
+    static const auto looks = [] {
+        std::array<RE_Byte_Sets, RE_Unit_Classes::count> all;
+        const auto classes = RE_Unit_Classes::get().all();
+        for (std::size_t i = 0; i < all.size(); ++i) {
+            all[i].addAll(*classes[i]);
+        }
+        return all;
+    }();
+    return looks[number];
+}
+
 const RE_Byte_Sets& RE_Byte_Looks::of(const RE_Unit_Set& units) {
+    if (const std::size_t number = RE_Unit_Classes::numberOf(units); number != RE_Unit_Classes::count) {
+        return ofClass(number);
+    }
     for (const auto& [set, look] : known) {
         if (set == &units) {
             return look;

@@ -38,6 +38,8 @@ public:
     const RE_Byte_Sets& of(const RE_Unit_Set& units);
 
 private:
+    static const RE_Byte_Sets& ofClass(std::size_t number);
+
     std::pmr::vector<std::pair<const RE_Unit_Set*, RE_Byte_Sets>> known;
 };
 

@@ -74,7 +74,8 @@ private:
             reach(unit->failTarget, distance);
             return;
         }
-        forEachStep(*node, [&, behind = distance + consumedBy(node)](RE_Node* target) { reach(target, behind); });
+        forEachStep(*node,
+                    [&, behind = distance + consumedBy(node)](RE_Node* target) { reach(target, behind); });
     }
 
     /// Units that the node consumes at the least. Adds those that they may be.
@@ -167,9 +168,10 @@ std::vector<RE_Found_Literal> requiredLiterals(RE_ParserContext& context, RE_Nod
         }
         std::optional<RE_Text_Finder> finder = finderOf(context, node);
         if (finder && finder->likelihood() < 1) {
-            const auto place = std::upper_bound(
-                required.begin(), required.end(), finder->likelihood(),
-                [](double share, const RE_Found_Literal& other) { return share < other.literal.finder.likelihood(); });
+            const auto place = std::upper_bound(required.begin(), required.end(), finder->likelihood(),
+                                                [](double share, const RE_Found_Literal& other) {
+                                                    return share < other.literal.finder.likelihood();
+                                                });
             required.insert(place, {node, {std::move(*finder), around.gathered.take(), around.least}});
         }
     }

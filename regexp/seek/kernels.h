@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 
@@ -25,7 +26,9 @@ struct RE_Unit_Pair {
 class RE_Class_Scan {
 public:
     /// `set` must outlive the scan. With `wanted` false it looks for units outside of the set.
-    RE_Class_Scan(const RE_Unit_Set& set, bool wanted);
+    RE_Class_Scan(const RE_Unit_Set& set, bool wanted)
+        : RE_Class_Scan(RE_Unit_Classes::numberOf(set) == RE_Unit_Classes::count ? prepared(set, wanted)
+                                                                                 : known(set, wanted)) {}
 
     bool holds(char16_t unit) const { return units->contains(unit) == sought; }
 
@@ -33,6 +36,11 @@ public:
     bool othersMayHold;     ///< some unit from 0x80 on is looked for
 
 private:
+    RE_Class_Scan() = default;
+    static RE_Class_Scan prepared(const RE_Unit_Set& set, bool wanted);
+    /// For one of the classes that escapes name.
+    static const RE_Class_Scan& known(const RE_Unit_Set& set, bool wanted);
+
     const RE_Unit_Set* units;
     bool sought;
 };
@@ -75,11 +83,14 @@ struct RE_Prefix_Scan {
         std::uint64_t lows = 0;
         for (std::size_t group = 0; group < 16; ++group) {
             const std::uint64_t ofGroup = bytes[group / 4] >> (16 * (group % 4)) & 0xFFFF;
-            lows |= ofGroup;
-            high[at][group] = static_cast<std::uint8_t>(high[at][group] | (ofGroup != 0 ? bit : 0));
+            if (ofGroup != 0) {
+                lows |= ofGroup;
+                high[at][group] = static_cast<std::uint8_t>(high[at][group] | bit);
+            }
         }
-        for (std::size_t row = 0; row < 16; ++row) {
-            low[at][row] = static_cast<std::uint8_t>(low[at][row] | ((lows >> row & 1) != 0 ? bit : 0));
+        for (; lows != 0; lows &= lows - 1) {
+            std::uint8_t& row = low[at][std::countr_zero(lows)];
+            row = static_cast<std::uint8_t>(row | bit);
         }
     }
     /// The greatest distance.
