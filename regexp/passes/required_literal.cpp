@@ -162,18 +162,25 @@ std::vector<RE_Found_Literal> requiredLiterals(RE_ParserContext& context, RE_Nod
     }
     required.reserve(literals.size());
     for (RE_Node* node : literals) {
-        Around around(context, node);
-        if (!around.walk(root)) {
-            continue;
-        }
         std::optional<RE_Text_Finder> finder = finderOf(context, node);
         if (finder && finder->likelihood() < 1) {
-            const auto place = std::upper_bound(required.begin(), required.end(), finder->likelihood(),
-                                                [](double share, const RE_Found_Literal& other) {
-                                                    return share < other.literal.finder.likelihood();
-                                                });
-            required.insert(place, {node, {std::move(*finder), around.gathered.take(), around.least}});
+            const auto rarerThan = [](double share, const RE_Found_Literal& other) {
+                return share < other.likelihood();
+            };
+            const auto place =
+                std::upper_bound(required.begin(), required.end(), finder->likelihood(), rarerThan);
+            required.insert(place, {node, {std::move(*finder), nullptr, 0}});
         }
     }
     return required;
+}
+
+bool surround(RE_ParserContext& context, RE_Node* root, RE_Found_Literal& found) {
+    Around around(context, found.node);
+    if (!around.walk(root)) {
+        return false;
+    }
+    found.literal.before = around.gathered.take();
+    found.literal.leastBefore = around.least;
+    return true;
 }
