@@ -124,6 +124,15 @@ RE_Attempt_Start startOf(const RE_Node* root, bool isProfiled) {
     return start;
 }
 
+// Patterns that call the host are run by the graph, as are those whose nodes count what they do.
+void prepareAttempts(RE_ParserContext& parserContext, RE_Node* root) {
+    RE_Graph_Facts& facts = *parserContext.facts;
+    facts.start = startOf(root, facts.profiler != nullptr);
+    if (parserContext.options().optimizeDotStar() && facts.profiler == nullptr && !facts.hasDynamicNodes) {
+        lowerGraph(parserContext, facts.start.skipsSeeker ? root->nextNode : root, facts.program);
+    }
+}
+
 }  // namespace
 
 void RE_Tree::parse(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
@@ -168,11 +177,7 @@ void RE_Tree::compile(const char16_t* pattern, std::size_t length, RE_Flags flag
             std::allocate_shared<RE_Profiler>(RE_Allocator<RE_Profiler>(), parserContext.nodeCount);
     }
     root = finished;
-    RE_Graph_Facts& graphFacts = *parserContext.facts;
-    graphFacts.start = startOf(finished, graphFacts.profiler != nullptr);
-    if (parserContext.options().optimizeDotStar() && graphFacts.profiler == nullptr && !graphFacts.hasDynamicNodes) {
-        lowerGraph(parserContext, graphFacts.start.skipsSeeker ? finished->nextNode : finished, graphFacts.program);
-    }
+    prepareAttempts(parserContext, finished);
     facts = parserContext.facts.release();
 }
 

@@ -3,26 +3,33 @@
 #include "host/ctype.h"
 
 #include <algorithm>
+#include <atomic>
 #include <bit>
 #include <iterator>
 
 void RE_Unit_Set::addRange(char16_t low, char16_t high) {
-    const bool toTheEnd = high == unitCount - 1;
-    for (std::size_t unit = low; unit <= high;) {
-        if (unit % 64 == 0 && unit + 63 <= high) {
-            words[unit / 64] = ~std::uint64_t{0};
-            unit += 64;
-        } else {
-            words[unit / 64] |= std::uint64_t{1} << (unit % 64);
-            ++unit;
-        }
+    if (low > high) {
+        return;
     }
-    if (low <= high) {
-        varied = toTheEnd ? std::size_t{low} / 64 + 1 : std::max(varied, std::size_t{high} / 64 + 1);
+    const std::size_t first = low / 64;
+    const std::size_t last = high / 64;
+    const std::uint64_t fromLow = ~std::uint64_t{0} << (low % 64);
+    const std::uint64_t toHigh = ~std::uint64_t{0} >> (63 - high % 64);
+    if (first == last) {
+        words[first] |= fromLow & toHigh;
+    } else {
+        words[first] |= fromLow;
+        std::fill(words + first + 1, words + last, ~std::uint64_t{0});
+        words[last] |= toHigh;
     }
+    varied = high == unitCount - 1 ? first + 1 : std::max(varied, last + 1);
 }
 
 void RE_Unit_Set::addAll(const RE_Unit_Set& other) {
+    if (varied == 0 && rest() == 0) {
+        *this = other;
+        return;
+    }
     const bool fills = other.varied < wordCount && other.rest() != 0;
     const bool full = varied < wordCount && rest() != 0;
     const std::size_t unlike = fills ? wordCount : other.varied;
@@ -44,8 +51,15 @@ bool RE_Unit_Set::meets(const RE_Unit_Set& other) const {
     const bool otherEnds = other.varied < wordCount && other.rest() == 0;
     const std::size_t most = comparedWith(other);
     const std::size_t compared = std::min(ends ? varied : most, otherEnds ? other.varied : most);
-    for (std::size_t i = 0; i < compared; ++i) {
-        if ((words[i] & other.words[i]) != 0) {
+    const auto common = [&](std::size_t i) { return words[i] & other.words[i]; };
+    std::size_t i = 0;
+    for (; i + 4 <= compared; i += 4) {
+        if ((common(i) | common(i + 1) | common(i + 2) | common(i + 3)) != 0) {
+            return true;
+        }
+    }
+    for (; i < compared; ++i) {
+        if (common(i) != 0) {
             return true;
         }
     }
@@ -53,9 +67,12 @@ bool RE_Unit_Set::meets(const RE_Unit_Set& other) const {
 }
 
 void RE_Unit_Set::negate() {
-    for (std::uint64_t& word : words) {
-        word = ~word;
+    const std::uint64_t others = ~rest();
+    const std::size_t unlike = std::min(varied, wordCount - 1);
+    for (std::size_t i = 0; i < unlike; ++i) {
+        words[i] = ~words[i];
     }
+    std::fill(words + unlike, words + wordCount, others);
 }
 
 void RE_Unit_Set::clear() {
@@ -161,6 +178,21 @@ void RE_Case_Table::addFolding(RE_Unit_Set& set, char16_t low, char16_t high, bo
     }
 }
 
+namespace {
+
+std::atomic<const RE_Unit_Classes*> filledClasses = nullptr;
+
+}  // namespace
+
+std::size_t RE_Unit_Classes::numberOf(const RE_Unit_Set& set) {
+    const RE_Unit_Classes* const classes = filledClasses.load(std::memory_order_acquire);
+    if (classes == nullptr) {
+        return count;
+    }
+    const auto members = classes->all();
+    return static_cast<std::size_t>(std::ranges::find(members, &set) - members.begin());
+}
+
 const RE_Unit_Classes& RE_Unit_Classes::get() {
     static const RE_Unit_Classes classes;
     return classes;
@@ -176,4 +208,5 @@ RE_Unit_Classes::RE_Unit_Classes() {
     noSpaces.negate();
     noWords = words;
     noWords.negate();
+    filledClasses.store(this, std::memory_order_release);
 }

@@ -6,6 +6,7 @@
 #include "regexp/memory.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -20,6 +21,11 @@ public:
     /// An empty set to be shared, from the host's memory.
     static std::shared_ptr<RE_Unit_Set> make() {
         return std::allocate_shared<RE_Unit_Set>(RE_Allocator<RE_Unit_Set>());
+    }
+
+    /// A copy to be shared.
+    static std::shared_ptr<RE_Unit_Set> make(const RE_Unit_Set& other) {
+        return std::allocate_shared<RE_Unit_Set>(RE_Allocator<RE_Unit_Set>(), other);
     }
 
     bool contains(char16_t unit) const {
@@ -127,6 +133,15 @@ private:
 /// The classes that escapes name.
 struct RE_Unit_Classes {
     static const RE_Unit_Classes& get();
+
+    static constexpr std::size_t count = 6;
+    /// The members in their order.
+    std::array<const RE_Unit_Set*, count> all() const {
+        return {&digits, &spaces, &words, &noDigits, &noSpaces, &noWords};
+    }
+    /// Which member of the tables of this process the set is; `count` when it is none. What is known of these needs to be
+    /// found out only once. Does not fill the tables.
+    static std::size_t numberOf(const RE_Unit_Set& set);
 
     RE_Unit_Set digits;
     RE_Unit_Set spaces;

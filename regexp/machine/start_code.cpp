@@ -85,7 +85,7 @@ void Start_Code::emitSeek() {
     } else if (root->kind == RE_Node_Kind::textStart) {
         cmp(p, begin);
         ja(exitFor(RE_Machine_Exit::noStart), T_NEAR);
-    } else if (literal != nullptr && literal->probe() != nullptr && scansVectors) {
+    } else if (literal != nullptr && literal->string.rarestUnits() != nullptr && scansVectors) {
         emitSeekLiteral(*literal);
     } else {
         jmp(exitFor(RE_Machine_Exit::seek), T_NEAR);
@@ -225,7 +225,7 @@ void Start_Code::emitSeekLiteral(const StringStringSeeker& seeker) {
     Label& found = fresh();
     Label& nowhere = fresh();
     const RE_Literal literal = seeker.string.literal();
-    const RE_Literal_Probe& probe = *seeker.probe();
+    const RE_Literal_Probe& probe = *seeker.string.rarestUnits();
     const int bytes = static_cast<int>(literal.length * sizeof(char16_t));
     mov(runBegin, p);
     lea(stop, ptr[p + farthest * 2]);

@@ -4,41 +4,44 @@
 #include "regexp/nodes/node.h"
 #include "regexp/scratch_memory.h"
 
+#include <cstdint>
 #include <memory_resource>
 #include <vector>
 
-/// Collects all nodes that can be reached from a first one, without recursion. While it lives it uses the
-/// nodes' `visited` marks, so only one may exist for a graph at a time, and none while the graph is searched.
+/// Collects all nodes that can be reached from a first one, without recursion. A walk marks the nodes by its number, so
+/// none is made while the graph is searched.
 class RE_Collection {
 public:
     using Nodes = std::pmr::vector<RE_Node*>;
 
-    /// Walks the whole graph. Marks as `sharedTarget` every node that is met more than once.
-    RE_Collection(RE_Node* root, std::pmr::memory_resource* memory);
-    ~RE_Collection();
+    explicit RE_Collection(std::pmr::memory_resource* memory) : found(memory) {}
     RE_Collection(const RE_Collection&) = delete;
     RE_Collection& operator=(const RE_Collection&) = delete;
 
-    /// The nodes of a walk that is over.
-    static std::vector<RE_Node*, RE_Allocator<RE_Node*>> reachable(RE_Node* root) {
-        RE_Scratch_Memory scratch;
-        const RE_Collection walk(root, &scratch);
-        return {walk.found.begin(), walk.found.end()};
-    }
+    /// Walks the whole graph. Marks as `sharedTarget` every node that is met more than once. No node bears the number.
+    void walk(RE_Node* root, std::uint32_t number);
+    /// The same, and makes each link on the way lead past nodes that do nothing. The root does something.
+    void walkPastSkippable(RE_Node* root, std::uint32_t number);
+    /// For so many nodes at the most.
+    void reserve(std::size_t nodes) { found.reserve(nodes); }
+    /// Takes a node that leads to all the others.
+    void addFront(RE_Node* node) { found.push_back(node); }
+
+    /// The nodes of a walk that is over, also of a graph that is finished.
+    static std::vector<RE_Node*, RE_Allocator<RE_Node*>> reachable(RE_Node* root);
 
     const Nodes& nodes() const { return found; }
 
 private:
-    static constexpr std::size_t usualNodes = 32;
-
     /// Null is ignored.
-    void add(RE_Node* node) {
+    void add(RE_Node* node, std::uint32_t number) {
         if (node == nullptr) {
             return;
         }
-        node->sharedTarget = node->visited;
-        if (!node->visited) {
-            node->visited = true;
+        const bool isNew = node->walk != number;
+        node->sharedTarget = !isNew;
+        if (isNew) {
+            node->walk = number;
             found.push_back(node);
         }
     }

@@ -34,6 +34,7 @@ RE_Consume::RE_Consume(RE_ParserContext& context, RE_Consumable* repeated, std::
       stops(*units, false),
       reachRow(lazy ? context.nextMemoRow() : 0) {
     memoIndex = context.nextMemoRow();
+    repeated->isItem = true;
 }
 
 const char16_t* RE_Consume::runEnd(const char16_t* p, std::uint64_t most, RE_Search_Info& info) const {

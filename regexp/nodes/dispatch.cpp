@@ -1,5 +1,6 @@
 #include "regexp/nodes/dispatch.h"
 
+#include "regexp/parser/parser_context.h"
 #include "regexp/unit_set.h"
 
 #include <algorithm>
@@ -43,29 +44,32 @@ RE_Dispatch::RE_Dispatch(RE_ParserContext& context, Branches branches) : RE_Node
         ways.push_back(branch.node);
         branch.start.addChangesTo(changes);
     }
-    std::vector<std::uint32_t> list;
-    std::vector<std::uint32_t> known;
-    list.reserve(branches.size());
-    for (std::size_t column = 0; column < RE_Branch_Start::columns; ++column) {
-        if (!changes.holds(column)) {
-            firstPlace[column] = column != 0 ? firstPlace[column - 1] : nowhere;
-            continue;
+    std::pmr::vector<std::uint32_t> known(&context.scratch);
+    std::pmr::vector<std::uint32_t> list(branches.size(), &context.scratch);
+    std::uint32_t* filled = firstPlace.data();
+    std::uint32_t place = nowhere;
+    changes.forEachColumn([&](std::size_t column) {
+        if (column == RE_Branch_Start::columns) {
+            return;
         }
-        list.clear();
+        filled = std::fill_n(filled, firstPlace.data() + column - filled, place);
+        std::uint32_t* end = list.data();
         for (std::size_t way = 0; way < branches.size(); ++way) {
-            if (branches[way].start.holds(column)) {
-                list.push_back(static_cast<std::uint32_t>(way * 2));
-            }
+            *end = static_cast<std::uint32_t>(way * 2);
+            end += branches[way].start.holds(column) ? 1 : 0;
         }
-        if (!list.empty()) {
-            list.back() |= lastOfList;
-            firstPlace[column] = placeOf(list, known);
+        place = nowhere;
+        if (end != list.data()) {
+            end[-1] |= lastOfList;
+            place = placeOf({list.data(), end}, known);
         }
-    }
+    });
+    std::fill(filled, firstPlace.data() + firstPlace.size(), place);
 }
 
 // The mark of the last entry is part of what is compared: lists of different lengths are never equal.
-std::uint32_t RE_Dispatch::placeOf(std::span<const std::uint32_t> list, std::vector<std::uint32_t>& known) {
+std::uint32_t RE_Dispatch::placeOf(std::span<const std::uint32_t> list,
+                                   std::pmr::vector<std::uint32_t>& known) {
     const auto standsAt = [&](std::uint32_t place) {
         return places.size() - place >= list.size() &&
                std::equal(list.begin(), list.end(), places.begin() + place);

@@ -6,8 +6,10 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <memory_resource>
 #include <span>
 #include <string>
 #include <vector>
@@ -31,6 +33,14 @@ struct RE_Branch_Start {
     bool holds(std::size_t column) const { return (bits[column / 64] >> (column % 64) & 1) != 0; }
     /// Adds the columns that are not like the one before them.
     void addChangesTo(RE_Branch_Start& changes) const;
+    template <class Visit>
+    void forEachColumn(Visit visit) const {
+        for (std::size_t i = 0; i < bits.size(); ++i) {
+            for (std::uint64_t left = bits[i]; left != 0; left &= left - 1) {
+                visit(64 * i + static_cast<std::size_t>(std::countr_zero(left)));
+            }
+        }
+    }
 
 private:
     void addColumn(std::size_t column) { bits[column / 64] |= std::uint64_t{1} << (column % 64); }
@@ -87,7 +97,7 @@ private:
     static constexpr std::uint32_t nowhere = 0;
 
     /// The place of this list, which is added unless it stands there already.
-    std::uint32_t placeOf(std::span<const std::uint32_t> list, std::vector<std::uint32_t>& known);
+    std::uint32_t placeOf(std::span<const std::uint32_t> list, std::pmr::vector<std::uint32_t>& known);
 
     RE_Node* take(std::uint32_t place, const char16_t* p, RE_Search_Info& info) const {
         const std::uint32_t entry = places[place];

@@ -4,6 +4,7 @@
 // a loop, and a loop can be repeated without bound as far as the links tell.
 #include "regexp/nodes/links.h"
 #include "regexp/nodes/trivial.h"
+#include "regexp/nodes/units.h"
 #include "regexp/scratch_memory.h"
 
 #include <algorithm>
@@ -29,6 +30,28 @@ struct Entry {
     bool waysMeasured;
 };
 
+/// What most nodes are: one way leads on, and nothing but their own width counts besides.
+bool hasOneWay(RE_Node& node) {
+    if (const auto* const unit = nodeAs<RE_Unit_Test>(&node)) {
+        return unit->failTarget == nullptr && node.nextNode != nullptr;
+    }
+    return node.kind == RE_Node_Kind::string || node.kind == RE_Node_Kind::startToken ||
+           node.kind == RE_Node_Kind::endToken;
+}
+
+void measure(RE_Node& node) {
+    if (!hasOneWay(node)) {
+        node.combineLengths();
+        return;
+    }
+    const RE_Node& following = *node.nextNode;
+    const std::uint64_t width = node.width();
+    node.minLength = addSaturated(width, following.minLength);
+    node.maxBounded = following.maxBounded;
+    node.maxLength =
+        following.maxBounded ? addSaturated(width, following.maxLength) : RE_Node::unboundedLength;
+}
+
 void begin(RE_Node& node) {
     node.visited = true;
     node.maxBounded = false;
@@ -48,7 +71,7 @@ void RE_Node::computeLengths() {
         const Entry entry = stack.back();
         stack.pop_back();
         if (entry.waysMeasured) {
-            entry.node->combineLengths();
+            measure(*entry.node);
             continue;
         }
         if (entry.node->visited) {

@@ -1,6 +1,7 @@
 // The links of a node, told to a function. Those of the commonest nodes are known by heart, the others are asked.
 #pragma once
 
+#include "regexp/nodes/closed_body.h"
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/dispatch.h"
 #include "regexp/nodes/split.h"
@@ -43,9 +44,25 @@ void forEachLink(RE_Node& node, Visit visit) {
                 visit(way, RE_Link::alternative);
             }
             return;
-        default: {
-            Caller caller(visit);
-            node.visitLinks(caller);
-        }
+        default:
+            break;
     }
+    if (auto* const look = nodeAs<RE_Lookaround_Assertion>(&node)) {
+        visit(look->nextNode, RE_Link::next);
+        visit(look->failTarget, RE_Link::fail);
+        visit(look->body, RE_Link::body);
+        return;
+    }
+    Caller caller(visit);
+    node.visitLinks(caller);
+}
+
+/// Calls `visit` (RE_Node* target) with each link that matching may go on along from here without going into a body.
+template <class Visit>
+void forEachWay(RE_Node& node, Visit visit) {
+    forEachLink(node, [&visit](RE_Node* target, RE_Link kind) {
+        if (kind != RE_Link::body && kind != RE_Link::helper) {
+            visit(target);
+        }
+    });
 }

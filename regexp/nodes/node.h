@@ -234,4 +234,6 @@ public:
     virtual bool matchesAnyChar() const { return false; }
     /// Cuts a fail chain behind a node that matches any unit. False when this node must stay as it is.
     virtual bool absorbFailNode();
+
+    bool isItem = false;  ///< of a loop over one unit, which tests it in this node's place
 };

@@ -45,21 +45,15 @@ inline constexpr RE_Node_Kind kindOfNode<StringCharSeeker> = RE_Node_Kind::passa
 class CORVANE_REGEXP_EXPORT StringStringSeeker : public RE_Seeker {
 public:
     StringStringSeeker(RE_ParserContext& context, const RE_String& literal)
-        : RE_Seeker(context), string(literal), search(literal.literal()) {}
+        : RE_Seeker(context), string(literal) {}
     std::string label() const override;
 
     const RE_String& string;  ///< a node of the same graph
 
-    /// The units to look for; null where case is ignored.
-    const RE_Literal_Probe* probe() const { return string.ignoreCase ? nullptr : search.rarest(); }
-
 protected:
     const char16_t* scan(const char16_t* p, RE_Search_Info& info) const override {
-        return search.find(string.literal(), p, info);
+        return string.scan(p, info);
     }
-
-private:
-    RE_Literal_Search search;
 };
 template <>
 inline constexpr RE_Node_Kind kindOfNode<StringStringSeeker> = RE_Node_Kind::passage;

@@ -4,33 +4,33 @@
 #include "regexp/nodes/units.h"
 #include "regexp/parser/parser_context.h"
 
-#include <cstring>
-#include <utility>
+#include <algorithm>
 
 RE_String::RE_String(RE_ParserContext& context, const RE_Node& first, bool foldCase)
-    : RE_Can_Seek<RE_Node>(context, first),
-      ignoreCase(foldCase),
-      text(static_cast<char16_t*>(reAllocate(capacity * sizeof(char16_t)))) {}
+    : RE_Can_Seek<RE_Node>(context, first), ignoreCase(foldCase) {}
 
 RE_String::RE_String(RE_ParserContext& context)
-    : RE_Can_Seek<RE_Node>(context),
-      ignoreCase(false),
-      text(static_cast<char16_t*>(reAllocate(capacity * sizeof(char16_t)))),
-      isOpen(true) {}
+    : RE_Can_Seek<RE_Node>(context), ignoreCase(false), isOpen(true) {}
 
 RE_String::~RE_String() {
-    reRelease(text, capacity * sizeof(char16_t));
+    if (text != few) {
+        reRelease(text, capacity * sizeof(char16_t));
+    }
 }
 
-void RE_String::append(char16_t unit) {
-    if (length == capacity) {
-        const std::uint64_t larger = capacity * 2;
+void RE_String::append(const char16_t* units, std::size_t count) {
+    if (capacity - length < count) {
+        const std::uint64_t larger = std::max(capacity * 2, length + count);
         auto* const moved = static_cast<char16_t*>(reAllocate(larger * sizeof(char16_t)));
-        std::memcpy(moved, text, length * sizeof(char16_t));
-        reRelease(std::exchange(text, moved), capacity * sizeof(char16_t));
+        std::copy_n(text, length, moved);
+        if (text != few) {
+            reRelease(text, capacity * sizeof(char16_t));
+        }
+        text = moved;
         capacity = larger;
     }
-    text[length++] = unit;
+    std::copy_n(units, count, text + length);
+    length += count;
 }
 
 void RE_String::initSeek() {

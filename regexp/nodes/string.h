@@ -13,7 +13,8 @@ public:
     explicit RE_String(RE_ParserContext& context);
     ~RE_String() override;
 
-    void append(char16_t unit);
+    void append(char16_t unit) { append(&unit, 1); }
+    void append(const char16_t* units, std::size_t count);
     bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override {
         const char16_t* const p = subject + pos;
         if (static_cast<std::uint64_t>(info.subjectEnd - p) < length || !matchesAt(p)) {
@@ -26,20 +27,26 @@ public:
     bool canSeek(bool) const override { return true; }
     std::string label() const override;
     bool matchesAt(const char16_t* p) const { return literal().matchesAt(p); }
+    /// The units to look for first; null where case is ignored.
+    const RE_Literal_Probe* rarestUnits() const { return ignoreCase ? nullptr : search.rarest(); }
     RE_Literal literal() const { return {text, length, ignoreCase}; }
     void initSeek() override;
     RE_Node* joinString(RE_ParserContext& context) override;
 
-    std::uint64_t capacity = 8;
     bool ignoreCase;
-    char16_t* text;
+    char16_t* text = few;
     std::uint64_t length = 0;
 
-protected:
     const char16_t* scan(const char16_t* p, RE_Search_Info& info) const override;
+
+protected:
     const char16_t* scanBack(const char16_t* p, std::size_t count, RE_Search_Info& info) const override;
 
 private:
+    static constexpr std::uint64_t fewUnits = 8;
+
+    std::uint64_t capacity = fewUnits;
+    char16_t few[fewUnits];  ///< most texts are short
     RE_Literal_Search search{{u"", 0, false}};
     bool isOpen = false;
 };

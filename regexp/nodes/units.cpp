@@ -43,9 +43,15 @@ const char16_t* RE_Natural_I::scanBack(const char16_t* p, std::size_t count, RE_
     return search.findLast(literal(), p, count, info);
 }
 
+void RE_Class_Seek::initSeek() {
+    if (!isItem) {
+        sought.emplace(*table(), true);
+    }
+}
+
 const char16_t* RE_Class_Seek::scan(const char16_t* p, RE_Search_Info& info) const {
     return scanForward(p, info.subjectEnd, info, [this](const char16_t* at, const char16_t* stop) {
-        return at < stop && sought.holds(*at) ? at : findClass(at, stop, sought);
+        return at < stop && sought->holds(*at) ? at : findClass(at, stop, *sought);
     });
 }
 
@@ -53,7 +59,7 @@ const char16_t* RE_Class_Seek::scanBack(const char16_t* p, std::size_t count, RE
     const char16_t* const end =
         p + std::min<std::size_t>(count + 1, static_cast<std::size_t>(info.subjectEnd - p));
     return scanBackward(p, end, info, [this](const char16_t* from, const char16_t* to) {
-        return from < to && sought.holds(to[-1]) ? to - 1 : findLastClass(from, to, sought);
+        return from < to && sought->holds(to[-1]) ? to - 1 : findLastClass(from, to, *sought);
     });
 }
 

@@ -10,6 +10,7 @@
 #include "regexp/unit_set.h"
 
 #include <memory>
+#include <optional>
 
 /// Base of the single-unit tests: everything follows from `matchesUnit`.
 class CORVANE_REGEXP_EXPORT RE_Unit_Test : public RE_Consumable {
@@ -115,11 +116,11 @@ public:
     std::string label() const override;
 };
 
-/// Base of the tests that have their units as a table.
+/// Base of the tests that have their units as a table. The item of a loop does not seek.
 class CORVANE_REGEXP_EXPORT RE_Class_Seek : public RE_Unit_Seek {
 public:
-    RE_Class_Seek(RE_ParserContext& context, const RE_Unit_Set& members)
-        : RE_Unit_Seek(context), sought(members, true) {}
+    using RE_Unit_Seek::RE_Unit_Seek;
+    void initSeek() override;
 
 protected:
     bool scans() const override { return true; }
@@ -127,7 +128,7 @@ protected:
     const char16_t* scanBack(const char16_t* p, std::size_t count, RE_Search_Info& info) const override;
 
 private:
-    RE_Class_Scan sought;
+    std::optional<RE_Class_Scan> sought;
 };
 
 /// A class named by an escape, such as the digits.
@@ -136,7 +137,7 @@ public:
     using Test = bool (*)(char16_t);
 
     RE_Escaped_Set(RE_ParserContext& context, char16_t letter, Test predicate, const RE_Unit_Set& members)
-        : RE_Class_Seek(context, members), escape(letter), test(predicate), units(&members) {}
+        : RE_Class_Seek(context), escape(letter), test(predicate), units(&members) {}
 
     bool matchesUnit(char16_t unit) const override { return units->contains(unit); }
     void addUnitsTo(RE_Unit_Set& set) const override { set.addAll(*units); }
@@ -154,7 +155,7 @@ inline constexpr RE_Node_Kind kindOfNode<RE_Escaped_Set> = RE_Node_Kind::namedCl
 class CORVANE_REGEXP_EXPORT RE_Unit_Class : public RE_Class_Seek {
 public:
     RE_Unit_Class(RE_ParserContext& context, std::shared_ptr<const RE_Unit_Set> units, std::string source)
-        : RE_Class_Seek(context, *units), set(std::move(units)), text(std::move(source)) {}
+        : RE_Class_Seek(context), set(std::move(units)), text(std::move(source)) {}
 
     bool matchesUnit(char16_t unit) const override { return set->contains(unit); }
     void addUnitsTo(RE_Unit_Set& units) const override { units.addAll(*set); }

@@ -3,6 +3,26 @@
 #include "regexp/parser/escapes.h"
 #include "regexp/parser/names.h"
 
+#include <array>
+#include <string_view>
+
+namespace {
+
+/// Stands for itself wherever it is read as an item, unless spacing is free.
+bool isPlain(char16_t unit) {
+    constexpr auto firstHalf = [] {
+        constexpr std::u16string_view special = u"()[\\|.^$*+?{";
+        std::array<bool, 128> plain{};
+        for (std::size_t i = 0; i < plain.size(); ++i) {
+            plain[i] = special.find(static_cast<char16_t>(i)) == special.npos;
+        }
+        return plain;
+    }();
+    return unit >= firstHalf.size() || firstHalf[unit];
+}
+
+}  // namespace
+
 RE_Grammar::RE_Grammar(RE_ParserContext& parserContext, const char16_t* pattern, std::size_t units,
                        bool tokens)
     : context(parserContext),
@@ -70,8 +90,19 @@ void RE_Grammar::readUnit() {
             }
             return;
         default:
-            addLiteral(text[at], at);
-            ++at;
+            readLiterals();
+    }
+}
+
+// Under free spacing what follows may not count.
+void RE_Grammar::readLiterals() {
+    addLiteral(text[at], at);
+    const std::size_t second = ++at;
+    while (at < length && isPlain(text[at]) && !has(RE_FLAG_FREE_SPACING)) {
+        ++at;
+    }
+    if (at > second) {
+        tree.extendText(frame().branch, text + second, at - second, flags());
     }
 }
 
@@ -97,7 +128,7 @@ void RE_Grammar::addItem(RE_Syntax_Kind kind, std::size_t position) {
 }
 
 void RE_Grammar::addLiteral(char16_t unit, std::size_t position) {
-    if (frame().last == Last::item && tree.extendText(frame().branch, unit, flags())) {
+    if (frame().last == Last::item && tree.extendText(frame().branch, &unit, 1, flags())) {
         return;
     }
     addItem(RE_Syntax_Kind::literal, position);

@@ -51,6 +51,7 @@ private:
 
     // grammar.cpp: the loop and plain atoms
     void readUnit();
+    void readLiterals();
     void readBranchBar();
     void readEscapeAtom();
     void readCharacter();

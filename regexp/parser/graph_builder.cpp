@@ -183,9 +183,7 @@ std::size_t RE_Graph_Builder::emitJoined(const char16_t* units, std::size_t coun
         --context.nodeCount;
     }
     context.nodeCount += count;  // the numbers that the units would have got
-    for (std::size_t i = 0; i < count; ++i) {
-        string->append(units[i]);
-    }
+    string->append(units, count);
     return count;
 }
 

@@ -65,6 +65,16 @@ public:
         }
     }
 
+    /// An item that holds no others.
+    void leaf(std::uint32_t index) {
+        RE_Syntax& it = tree[index];
+        if (it.kind == RE_Syntax_Kind::literal || it.kind == RE_Syntax_Kind::text) {
+            it.least = it.most = it.nodes = it.kind == RE_Syntax_Kind::text ? it.number : 1;
+        } else {
+            item(index);
+        }
+    }
+
 private:
     // Children of a sequence add up; of anything else they are alternatives.
     void gather(std::uint32_t index) {
@@ -149,6 +159,8 @@ private:
     const char16_t* text;
 };
 
+constexpr std::size_t usualDepth = 32;
+
 struct Visit {
     std::uint32_t index;
     bool childrenDone;
@@ -158,7 +170,9 @@ struct Visit {
 
 void measureSyntax(RE_Syntax_Tree& tree, RE_ParserContext& context, const char16_t* text) {
     Measure measure(tree, context, text);
-    std::pmr::vector<Visit> stack({{RE_Syntax_Tree::root, false}}, &context.scratch);
+    std::pmr::vector<Visit> stack(&context.scratch);
+    stack.reserve(usualDepth);
+    stack.push_back({RE_Syntax_Tree::root, false});
     while (!stack.empty()) {
         const Visit visit = stack.back();
         stack.pop_back();
@@ -173,7 +187,7 @@ void measureSyntax(RE_Syntax_Tree& tree, RE_ParserContext& context, const char16
         for (std::uint32_t child = tree[visit.index].firstChild; child != RE_Syntax::none;
              child = tree[child].nextSibling) {
             if (tree.isLeaf(child)) {
-                measure.item(child);
+                measure.leaf(child);
             } else {
                 stack.push_back({child, false});
             }

@@ -1,6 +1,6 @@
 #include "regexp/parser/parser_context.h"
 
-#include "regexp/nodes/collection.h"
+#include "regexp/nodes/seeker.h"
 
 #include <algorithm>
 
@@ -15,11 +15,33 @@ RE_ParserContext::~RE_ParserContext() {
     }
 }
 
+const RE_Collection::Nodes& RE_ParserContext::nodes(RE_Node* root) {
+    if (walkedFrom == nullptr || (walkedFrom != root && nodeAs<RE_Seeker>(root) == nullptr)) {
+        reached.reserve(made.size());
+        reached.walk(root, nextWalk());
+    } else if (walkedFrom != root) {
+        reached.addFront(root);
+    }
+    walkedFrom = root;
+    return reached.nodes();
+}
+
+RE_Node* RE_ParserContext::leadPastSkippable(RE_Node* root) {
+    walkedFrom = throughSkippable(root);
+    reached.reserve(made.size());
+    reached.walkPastSkippable(walkedFrom, nextWalk());
+    return walkedFrom;
+}
+
 std::size_t RE_ParserContext::handOver(RE_Node* root) {
-    const RE_Collection kept(root, &scratch);
-    facts->nodes.reserve(kept.nodes().size());
+    const RE_Collection::Nodes& kept = nodes(root);
+    facts->nodes.reserve(kept.size());
+    for (RE_Node* node : kept) {
+        node->visited = true;
+    }
     for (RE_Node* node : made) {
         if (node->visited) {
+            node->visited = false;
             facts->nodes.push_back(node);
             node->initSeek();
         } else {

@@ -6,6 +6,7 @@
 #include "regexp/graph_facts.h"
 #include "regexp/inspect/profile_node.h"
 #include "regexp/memory.h"
+#include "regexp/nodes/collection.h"
 #include "regexp/nodes/node.h"
 #include "regexp/parser/set_pool.h"
 #include "regexp/scratch_memory.h"
@@ -67,6 +68,13 @@ public:
     }
     const Corvane::regexp::CompileOptions& options() const { return context->getCompileOptions(); }
 
+    /// The nodes that can be reached from the root, in the order in which a walk meets them first, and marked by it. They
+    /// stay as they are until they are asked for again, which takes a walk only when links have changed.
+    const RE_Collection::Nodes& nodes(RE_Node* root);
+    /// For passes that redirect links and leave nothing skippable behind, which would have the graph walked anyway.
+    void linksChanged() { walkedFrom = nullptr; }
+    /// Makes all links lead past nodes that do nothing. Returns the new root.
+    RE_Node* leadPastSkippable(RE_Node* root);
     /// Hands the nodes that are reached from the root to the facts and destroys the others. Returns how many are left.
     std::size_t handOver(RE_Node* root);
 
@@ -95,4 +103,6 @@ public:
 
 private:
     std::pmr::vector<RE_Node*> made{&scratch};  ///< in this order; null while one is made
+    RE_Collection reached{&scratch};
+    RE_Node* walkedFrom = nullptr;  ///< the root of what was reached, while that holds
 };

@@ -1,17 +1,40 @@
 #include "regexp/parser/set_pool.h"
 
+#include <algorithm>
 #include <utility>
 
 std::shared_ptr<RE_Unit_Set> RE_Set_Pool::blank() {
-    if (spare == nullptr || spare.use_count() > 1) {
-        spare = RE_Unit_Set::make();
-    } else {
+    if (isSpareFree()) {
         spare->clear();
+    } else {
+        spare = RE_Unit_Set::make();
+    }
+    return spare;
+}
+
+std::shared_ptr<RE_Unit_Set> RE_Set_Pool::copyOf(const RE_Unit_Set& units) {
+    if (isSpareFree()) {
+        *spare = units;
+    } else {
+        spare = RE_Unit_Set::make(units);
     }
     return spare;
 }
 
 std::shared_ptr<const RE_Unit_Set> RE_Set_Pool::share(std::shared_ptr<const RE_Unit_Set> units) {
+    if (known.empty()) {
+        const auto same = std::ranges::find_if(few, [&](const Shared& other) { return *other == *units; });
+        if (same != few.end()) {
+            return *same;
+        }
+        few.push_back(units);
+        if (few.size() > mostSearched) {
+            for (const Shared& other : few) {
+                known.emplace(other->hash(), other);
+            }
+        }
+        return units;
+    }
     const std::size_t hash = units->hash();
     const auto [first, last] = known.equal_range(hash);
     for (auto it = first; it != last; ++it) {

@@ -1,11 +1,10 @@
 #include "regexp/parser/syntax.h"
 
 std::uint32_t RE_Syntax_Tree::add(RE_Syntax_Kind kind, std::uint32_t position, RE_Flags flags) {
-    RE_Syntax item{};
+    RE_Syntax& item = items.emplace_back();
     item.kind = kind;
     item.position = position;
     item.flags = flags;
-    items.push_back(item);
     return static_cast<std::uint32_t>(items.size() - 1);
 }
 
@@ -19,7 +18,8 @@ void RE_Syntax_Tree::append(std::uint32_t parent, std::uint32_t child) {
     holder.lastChild = child;
 }
 
-bool RE_Syntax_Tree::extendText(std::uint32_t parent, char16_t unit, RE_Flags flags) {
+bool RE_Syntax_Tree::extendText(std::uint32_t parent, const char16_t* added, std::size_t count,
+                                RE_Flags flags) {
     const std::uint32_t last = items[parent].lastChild;
     if (last == RE_Syntax::none || items[last].flags != flags) {
         return false;
@@ -33,8 +33,8 @@ bool RE_Syntax_Tree::extendText(std::uint32_t parent, char16_t unit, RE_Flags fl
     } else if (item.kind != RE_Syntax_Kind::text || item.payload + item.number != units.size()) {
         return false;
     }
-    units.push_back(unit);
-    ++item.number;
+    units.insert(units.end(), added, added + count);
+    item.number += count;
     return true;
 }
 

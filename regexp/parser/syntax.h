@@ -97,8 +97,8 @@ public:
 
     std::uint32_t add(RE_Syntax_Kind kind, std::uint32_t position, RE_Flags flags);
     void append(std::uint32_t parent, std::uint32_t child);
-    /// Adds a literal unit to the literals that `parent` ends with under the same modes. False when it does not.
-    bool extendText(std::uint32_t parent, char16_t unit, RE_Flags flags);
+    /// Adds literal units to the literals that `parent` ends with under the same modes. False when it does not.
+    bool extendText(std::uint32_t parent, const char16_t* added, std::size_t count, RE_Flags flags);
     /// Makes the last unit of the text that `parent` ends with an item of its own.
     void detachLastUnit(std::uint32_t parent);
     /// Puts a new item around `index`: the item moves to a place of its own and `index` becomes its parent.

@@ -1,6 +1,5 @@
 #include "regexp/passes/alternations.h"
 
-#include "regexp/nodes/collection.h"
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/dispatch.h"
 #include "regexp/nodes/literal_set.h"
@@ -34,10 +33,11 @@ RE_Split* innerSplit(RE_Node* node) {
 
 /// The splits that no other split leads to alone, the last ones first, so that a choice within a branch is
 /// rewritten before the choice of the branch.
-std::pmr::vector<RE_Split*> firstSplits(const RE_Collection& graph, std::pmr::memory_resource* memory) {
+std::pmr::vector<RE_Split*> firstSplits(const RE_Collection::Nodes& nodes,
+                                        std::pmr::memory_resource* memory) {
     std::pmr::vector<RE_Split*> inner(memory);
     std::pmr::vector<RE_Split*> first(memory);
-    for (RE_Node* node : graph.nodes()) {
+    for (RE_Node* node : nodes) {
         if (RE_Split* const split = plainSplit(node)) {
             for (RE_Node* way : {split->nextNode, split->alternative}) {
                 if (RE_Split* const other = innerSplit(way)) {
@@ -192,6 +192,7 @@ private:
 
     // Fewer branches need fewer of the splits.
     void relink() {
+        context.linksChanged();
         const std::size_t last = branches.size() - 2;
         for (std::size_t i = 0; i <= last; ++i) {
             splits[i]->nextNode = branches[i];
@@ -211,8 +212,7 @@ RE_Node* joinAlternations(RE_ParserContext& context, RE_Node* root) {
         return root;
     }
     {
-        const RE_Collection graph(root, &context.scratch);
-        const std::pmr::vector<RE_Split*> splits = firstSplits(graph, &context.scratch);
+        const std::pmr::vector<RE_Split*> splits = firstSplits(context.nodes(root), &context.scratch);
         if (splits.empty()) {
             return root;
         }

@@ -53,9 +53,7 @@ bool isComplete(RE_Node* node) {
 }  // namespace
 
 void checkGraph(RE_Node* root) {
-    RE_Scratch_Memory scratch;
-    const RE_Collection graph(root, &scratch);
-    for (RE_Node* node : graph.nodes()) {
+    for (RE_Node* node : RE_Collection::reachable(root)) {
         const bool isItem = nodeAs<RE_Consumable>(node) != nullptr;
         if (!isComplete(node) || !(isItem || leadsOn(node))) {
             throw std::logic_error("broken graph at node " + std::to_string(node->nodeId) + ": " +

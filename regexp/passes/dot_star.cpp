@@ -1,7 +1,6 @@
 #include "regexp/passes/dot_star.h"
 
 #include "regexp/nodes/closed_body.h"
-#include "regexp/nodes/collection.h"
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/counters.h"
 #include "regexp/nodes/links.h"
@@ -88,8 +87,7 @@ private:
 
     // S(X, T(X, Y)): once X has failed behind S it fails behind T, so S may as well be T.
     void dropRepeatedChoices() {
-        const RE_Collection graph(root, &context.scratch);
-        for (RE_Node* node : graph.nodes()) {
+        for (RE_Node* node : context.nodes(root)) {
             if (auto* const run = nodeAs<RE_Consume>(node)) {
                 dropRepeatedRun(*run);
             }
@@ -111,6 +109,7 @@ private:
         auto* const second = plus ? nodeAs<RE_Split>(throughSkippable(run.nextNode)) : nullptr;
         if (second != nullptr && !second->isCounter && !second->skippable &&
             sameNode(second->nextNode, &run)) {
+            run.item->isItem = false;
             run.item->nextNode = second;
             run.nextNode = run.item;
             run.skippable = true;
@@ -131,9 +130,9 @@ private:
 
     template <class Replacement>
     void replaceWhere(Replacement replacementOf) {
-        const RE_Collection graph(root, &context.scratch);
+        const RE_Collection::Nodes& nodes = context.nodes(root);
         Replacements replaced(context.nextWalk(), &context.scratch);
-        for (RE_Node* node : graph.nodes()) {
+        for (RE_Node* node : nodes) {
             if (RE_Node* with = replacementOf(node)) {
                 replaced.add(node, with);
             }
@@ -141,24 +140,26 @@ private:
         if (replaced.all.empty()) {
             return;
         }
-        for (RE_Node* node : graph.nodes()) {
+        for (RE_Node* node : nodes) {
             replaced.redirect(*node);
         }
         for (RE_Node* with : replaced.all) {
             replaced.redirect(*with);
         }
         root = replaced.of(root);
+        context.linksChanged();
     }
 
     RE_Node* loopNode(RE_Node* node) {
         std::optional<Unit_Loop> loop;
         if (auto* run = nodeAs<RE_Consume>(node)) {
             number(*run);
-        } else if (node->isStartCounter()) {
-            loop = countedLoop(*static_cast<RE_Start_Counter*>(node));
+        } else if (auto* start = nodeAs<RE_Start_Counter>(node)) {
+            loop = countedLoop(*start);
         } else if (auto* split = nodeAs<RE_Split>(node); split != nullptr && !split->isCounter) {
             loop = splitLoop(*split);
-        } else if (auto* unit = loopItem(node); unit == node && unit != nullptr) {
+        } else if (auto* unit = node->sharedTarget ? loopItem(node) : nullptr;
+                   unit == node && unit != nullptr) {
             loop = plusLoop(*unit);
         }
         return loop ? makeConsume(*loop) : nullptr;
@@ -190,10 +191,10 @@ private:
         return std::nullopt;
     }
 
-    // U leading to S(U, exit), which nothing else leads to, is U+.
+    // U, which more than one way leads to, leading to S(U, exit), which nothing else leads to, is U+.
     std::optional<Unit_Loop> plusLoop(RE_Consumable& unit) {
         auto* const split = nodeAs<RE_Split>(throughSkippable(unit.nextNode));
-        if (split == nullptr || split->isCounter || split->sharedTarget || !unit.sharedTarget) {
+        if (split == nullptr || split->isCounter || split->sharedTarget) {
             return std::nullopt;
         }
         const std::optional<bool> lazy = laziness(*split, &unit);

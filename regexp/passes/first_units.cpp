@@ -12,15 +12,10 @@
 #include "regexp/nodes/trivial.h"
 #include "regexp/nodes/units.h"
 
-#include <utility>
-
 bool RE_First_Units::gather(RE_Node* from, std::size_t mostNodes) {
     const bool isKnown = run(from, mostNodes);
-    if (gathered == nullptr && sole != nullptr) {
-        units = {std::shared_ptr<const void>(), sole};
-    } else {
-        gathering();
-        units = std::move(gathered);
+    if (isKnown) {
+        units = gathered.take();
     }
     return isKnown;
 }
@@ -92,7 +87,7 @@ void RE_First_Units::visitOther(RE_Node* node) {
                            nodeAs<RE_Null>(node) != nullptr || (split != nullptr && !split->isCounter) ||
                            nodeAs<RE_Dispatch>(node) != nullptr;
         tested = tested || !never;
-        followWays(node);
+        forEachWay(*node, [this](RE_Node* target) { follow(target); });
     }
 }
 
@@ -117,27 +112,9 @@ bool RE_First_Units::visitTest(RE_Node* node) {
     return true;
 }
 
-void RE_First_Units::followWays(RE_Node* node) {
-    forEachLink(*node, [this](RE_Node* target, RE_Link kind) {
-        if (kind != RE_Link::body && kind != RE_Link::helper) {
-            follow(target);
-        }
-    });
-}
-
-RE_Unit_Set& RE_First_Units::gathering() {
-    if (gathered == nullptr) {
-        gathered = context.sets.blank();
-        if (sole != nullptr) {
-            gathered->addAll(*sole);
-        }
-    }
-    return *gathered;
-}
-
 void RE_First_Units::addUnit(char16_t unit) {
     if (avoided == nullptr) {
-        gathering().add(unit);
+        gathered.add(unit);
     } else {
         known = known && !avoided->contains(unit);
     }
@@ -145,11 +122,7 @@ void RE_First_Units::addUnit(char16_t unit) {
 
 void RE_First_Units::addSet(const RE_Unit_Set& set) {
     if (avoided == nullptr) {
-        if (gathered == nullptr && (sole == nullptr || sole == &set)) {
-            sole = &set;
-        } else {
-            gathering().addAll(set);
-        }
+        gathered.addAll(set);
     } else {
         known = known && !avoided->meets(set);
     }
@@ -159,7 +132,7 @@ void RE_First_Units::addConsumable(const RE_Consumable& unit) {
     if (const RE_Unit_Set* const table = unit.table()) {
         addSet(*table);
     } else if (avoided == nullptr) {
-        unit.addUnitsTo(gathering());
+        gathered.addConsumable(unit);
     } else if (unit.kind == RE_Node_Kind::literal) {
         addUnit(static_cast<char16_t>(static_cast<const RE_Natural&>(unit).ch));
     } else {

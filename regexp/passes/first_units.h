@@ -4,6 +4,7 @@
 #include "regexp/memory.h"
 #include "regexp/nodes/node.h"
 #include "regexp/parser/parser_context.h"
+#include "regexp/passes/unit_union.h"
 #include "regexp/unit_set.h"
 
 #include <cstddef>
@@ -19,7 +20,9 @@ public:
     static constexpr std::size_t anyNumber = static_cast<std::size_t>(-1);
 
     explicit RE_First_Units(RE_ParserContext& parserContext)
-        : context(parserContext), pending(&parserContext.scratch), walk(parserContext.nextWalk()) {}
+        : pending(&parserContext.scratch), gathered(parserContext.sets), walk(parserContext.nextWalk()) {
+        pending.reserve(usualNodes);
+    }
 
     /// Gathers them. False when nothing can be said, also when more than `mostNodes` would have to be looked at.
     bool gather(RE_Node* from, std::size_t mostNodes = anyNumber);
@@ -33,23 +36,21 @@ public:
     bool tested = false;                       ///< on the way lies a node that may fail without consuming
 
 private:
+    static constexpr std::size_t usualNodes = 16;
+
     bool run(RE_Node* from, std::size_t mostNodes);
     void follow(RE_Node* node);
     void visit(RE_Node* node);
     bool visitTest(RE_Node* node);
-    void followWays(RE_Node* node);
     bool visitConsuming(RE_Node* node);
     void visitOther(RE_Node* node);
-    RE_Unit_Set& gathering();
     void addUnit(char16_t unit);
     void addSet(const RE_Unit_Set& set);
     void addConsumable(const RE_Consumable& unit);
     void addFirst(const RE_String& string);
 
-    RE_ParserContext& context;
     std::pmr::vector<RE_Node*> pending;
-    std::shared_ptr<RE_Unit_Set> gathered;
-    const RE_Unit_Set* sole = nullptr;  ///< what was gathered, as long as it is this set alone
+    RE_Unit_Union gathered;
     std::uint32_t walk;
     std::size_t seen = 0;
     const RE_Unit_Set* avoided = nullptr;  ///< null while units are gathered

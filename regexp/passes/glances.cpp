@@ -2,7 +2,6 @@
 
 #include "regexp/nodes/anchors.h"
 #include "regexp/nodes/closed_body.h"
-#include "regexp/nodes/collection.h"
 #include "regexp/nodes/string.h"
 #include "regexp/nodes/trivial.h"
 #include "regexp/nodes/units.h"
@@ -63,8 +62,7 @@ RE_Node* findGlances(RE_ParserContext& context, RE_Node* root) {
     if (context.options().profile() || !context.hasMade<RE_Lookaround_Assertion>()) {
         return root;
     }
-    const RE_Collection graph(root, &context.scratch);
-    for (RE_Node* node : graph.nodes()) {
+    for (RE_Node* node : context.nodes(root)) {
         if (auto* const assertion = nodeAs<RE_Lookaround_Assertion>(node)) {
             findGlance(*assertion);
         }

@@ -1,6 +1,5 @@
 #include "regexp/passes/linear_subpatterns.h"
 
-#include "regexp/nodes/collection.h"
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/units.h"
 #include "regexp/passes/null_nodes.h"
@@ -25,8 +24,8 @@ RE_Consumable* mergeable(RE_Consumable* unit) {
 }
 
 // As a split, a run of at most one unit would lead on twice: behind the unit and around it.
-void markBehindOptional(const RE_Collection& graph) {
-    for (RE_Node* node : graph.nodes()) {
+void markBehindOptional(const RE_Collection::Nodes& nodes) {
+    for (RE_Node* node : nodes) {
         if (const auto* run = nodeAs<RE_Consume>(node); run != nullptr && run->maximum == 1) {
             run->nextNode->sharedTarget = true;
         }
@@ -61,9 +60,9 @@ void mergeChain(RE_ParserContext& context, RE_Consumable* head) {
 
 RE_Node* joinLinearSubpatterns(RE_ParserContext& context, RE_Node* root) {
     if (context.hasUnitRuns) {
-        const RE_Collection graph(root, &context.scratch);
-        markBehindOptional(graph);
-        for (RE_Node* node : graph.nodes()) {
+        const RE_Collection::Nodes& nodes = context.nodes(root);
+        markBehindOptional(nodes);
+        for (RE_Node* node : nodes) {
             RE_Consumable* const unit = asUnit(node);
             if (unit == nullptr || !unit->hasFailNode() || unit->skippable) {
                 continue;
@@ -73,12 +72,14 @@ RE_Node* joinLinearSubpatterns(RE_ParserContext& context, RE_Node* root) {
                 mergeChain(context, unit);
             }
         }
+        context.linksChanged();  // and so have the marks
     }
     root = removeNullNodes(context, root);
     if (context.hasMade<RE_Natural, RE_String>()) {
-        const RE_Collection graph(root, &context.scratch);
-        for (RE_Node* node : graph.nodes()) {
-            if (!node->skippable) {
+        constexpr RE_Class_Bits literals =
+            RE_Asked_Classes::bit<RE_Natural>() | RE_Asked_Classes::bit<RE_String>();
+        for (RE_Node* node : context.nodes(root)) {
+            if (!node->skippable && (node->classes & literals) != 0) {
                 node->joinString(context);
             }
         }

@@ -1,9 +1,10 @@
 #include "regexp/passes/possessive_loops.h"
 
-#include "regexp/nodes/collection.h"
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/tokens.h"
 #include "regexp/passes/first_units.h"
+
+#include <algorithm>
 
 namespace {
 
@@ -39,8 +40,8 @@ RE_Node* makeLoopsPossessive(RE_ParserContext& context, RE_Node* root) {
     if (context.facts->hasDynamicNodes || !context.hasMade<RE_Consume>()) {
         return root;
     }
-    const RE_Collection graph(root, &context.scratch);
-    for (RE_Node* node : graph.nodes()) {
+    const RE_Collection::Nodes& nodes = context.nodes(root);
+    for (RE_Node* node : nodes) {
         auto* const loop = nodeAs<RE_Consume>(node);
         if (loop != nullptr && !loop->possessive && neverGivesBack(context, *loop)) {
             loop->possessive = true;
@@ -48,8 +49,8 @@ RE_Node* makeLoopsPossessive(RE_ParserContext& context, RE_Node* root) {
             loop->lazy = false;
         }
     }
-    for (RE_Node* node : graph.nodes()) {
-        tellToken(node);
+    if (context.hasMade<RE_Start_Token>()) {
+        std::ranges::for_each(nodes, tellToken);
     }
     return root;
 }

@@ -3,6 +3,7 @@
 #include "regexp/nodes/dispatch.h"
 #include "regexp/nodes/literal_set.h"
 #include "regexp/nodes/split.h"
+#include "regexp/nodes/tokens.h"
 #include "regexp/passes/prefix_units.h"
 #include "regexp/seek/likelihood.h"
 
@@ -53,7 +54,8 @@ public:
 
 private:
     static RE_Node* leading(RE_Node* node) {
-        while (node->isStartToken() || (node->isSkippable() && node->nextNode != nullptr)) {
+        while (nodeAs<RE_Start_Token>(node) != nullptr ||
+               (node->isSkippable() && node->nextNode != nullptr)) {
             node = node->nextNode;
         }
         return node;
@@ -83,17 +85,18 @@ private:
     std::pmr::vector<Branch> found;
 };
 
+/// The first branch that goes on at the same node behind as many units as this one.
+std::size_t firstAlike(const std::pmr::vector<Branch>& branches, std::size_t number) {
+    const Branch& branch = branches[number];
+    const auto isAlike = [&branch](const Branch& other) {
+        return !branch.text.empty() && other.node == branch.node && other.text.size() == branch.text.size();
+    };
+    const auto last = branches.begin() + static_cast<std::ptrdiff_t>(number);
+    return static_cast<std::size_t>(std::find_if(branches.begin(), last, isAlike) - branches.begin());
+}
+
 /// The bytes that may stand at one place of one prefix.
 using Bytes = std::array<std::uint64_t, 4>;
-
-template <class Visit>
-void forEachByte(const Bytes& bytes, Visit visit) {
-    for (std::size_t i = 0; i < bytes.size(); ++i) {
-        for (std::uint64_t bits = bytes[i]; bits != 0; bits &= bits - 1) {
-            visit(static_cast<std::uint8_t>(64 * i + static_cast<std::size_t>(std::countr_zero(bits))));
-        }
-    }
-}
 
 Bytes throughLens(const RE_Byte_Sets& sets, bool saturates) {
     Bytes bytes = saturates ? sets.latin : sets.lowBytes;
@@ -137,12 +140,16 @@ Share shareOf(const Bytes& bytes, bool saturates, Ascii_Shares& shares) {
     static constexpr double usualLetters = 40;  // of a script that is not Latin
     Share share;
     share.ascii = shares.of(bytes[0], bytes[1]);
+    if (saturates) {
+        const bool anyBeyond = (bytes[3] >> 63) != 0;
+        share.beyond = anyBeyond ? 1 : 0;
+        return share;
+    }
     int foreign = 0;
     for (const std::uint64_t bits : bytes) {
         foreign += std::popcount(bits);
     }
-    const bool anyBeyond = (bytes[3] >> 63) != 0;
-    share.beyond = saturates ? (anyBeyond ? 1 : 0) : std::min(foreign / usualLetters, 1.0);
+    share.beyond = std::min(foreign / usualLetters, 1.0);
     return share;
 }
 
@@ -191,8 +198,7 @@ public:
         for (std::size_t place = 0; place < chosen; ++place) {
             result.distance[place] = choice[place];
             for (std::size_t i = 0; i < prefixes.size(); ++i) {
-                forEachByte(throughLens(prefixes[i].places[choice[place]], saturates),
-                            [&](std::uint8_t byte) { result.allow(i, place, byte); });
+                result.allowAll(i, place, throughLens(prefixes[i].places[choice[place]], saturates));
             }
         }
         return result;
@@ -251,7 +257,13 @@ std::optional<RE_Likely_Prefixes> prefixesFrom(RE_ParserContext& context, RE_Nod
         if (i * count / branches.size() == prefixes.size()) {
             prefixes.emplace_back(context, looks);
         }
-        branches[i].gatherInto(prefixes.back(), emptyCounts);
+        const Branch& branch = branches[i];
+        const std::size_t alike = count == branches.size() ? firstAlike(branches, i) : i;
+        if (alike != i) {
+            prefixes.back().gatherLike(prefixes[alike], branch.text, branch.ignoreCase);
+        } else {
+            branch.gatherInto(prefixes.back(), emptyCounts);
+        }
         known = std::min(known, prefixes.back().known);
         if (known == 0) {
             return std::nullopt;

@@ -53,7 +53,22 @@ void RE_Byte_Sets::addAll(const RE_Byte_Sets& other) {
     beyondLatin = beyondLatin || other.beyondLatin;
 }
 
+const RE_Byte_Sets& RE_Byte_Looks::ofClass(std::size_t number) {
+    static const auto looks = [] {
+        std::array<RE_Byte_Sets, RE_Unit_Classes::count> all;
+        const auto classes = RE_Unit_Classes::get().all();
+        for (std::size_t i = 0; i < all.size(); ++i) {
+            all[i].addAll(*classes[i]);
+        }
+        return all;
+    }();
+    return looks[number];
+}
+
 const RE_Byte_Sets& RE_Byte_Looks::of(const RE_Unit_Set& units) {
+    if (const std::size_t number = RE_Unit_Classes::numberOf(units); number != RE_Unit_Classes::count) {
+        return ofClass(number);
+    }
     for (const auto& [set, look] : known) {
         if (set == &units) {
             return look;
@@ -75,43 +90,41 @@ void RE_Prefix_Units::gather(std::u16string_view text, bool ignoreCase, RE_Node*
     visitPending();
 }
 
+void RE_Prefix_Units::gatherLike(const RE_Prefix_Units& other, std::u16string_view text, bool ignoreCase) {
+    addText(text, ignoreCase, 0);
+    for (std::size_t place = text.size(); place < mostPlaces; ++place) {
+        places[place] = other.places[place];
+    }
+    known = other.known;
+}
+
 void RE_Prefix_Units::visitPending() {
     while (known != 0 && !pending.empty()) {
-        const auto [node, place, turns] = pending.back();
+        const auto [node, place] = pending.back();
         pending.pop_back();
-        visit(node, place, turns);
+        visit(node, place);
         if (seen > mostVisits) {
             known = 0;
         }
     }
 }
 
-void RE_Prefix_Units::reach(RE_Node* node, std::size_t place, std::uint64_t turns) {
-    if (node != nullptr && place < known && isNew({node, place, turns})) {
+// Nodes note the places at which they were reached, one bit each.
+void RE_Prefix_Units::reach(RE_Node* node, std::size_t place) {
+    if (node == nullptr || place >= known) {
+        return;
+    }
+    const std::uint32_t bit = std::uint32_t{1} << place;
+    const std::uint32_t before = node->walk == walk ? node->walkNote : 0;
+    node->walk = walk;
+    node->walkNote = before | bit;
+    if ((before & bit) == 0) {
         ++seen;
-        pending.push_back({node, place, turns});
+        pending.push_back({node, place});
     }
 }
 
-// Nodes note the places at which they were reached, one bit each. A loop is in the middle of itself at few of them.
-bool RE_Prefix_Units::isNew(const Reached& reached) {
-    if (reached.turns != 0) {
-        const bool before = std::find(turned.begin(), turned.end(), reached) != turned.end();
-        turned.insert(turned.end(), before ? 0 : 1, reached);
-        return !before;
-    }
-    RE_Node& node = *reached.node;
-    if (node.walk != walk) {
-        node.walk = walk;
-        node.walkNote = 0;
-    }
-    const std::uint32_t bit = std::uint32_t{1} << reached.place;
-    const bool before = (node.walkNote & bit) != 0;
-    node.walkNote |= bit;
-    return !before;
-}
-
-void RE_Prefix_Units::visit(RE_Node* node, std::size_t place, std::uint64_t turns) {
+void RE_Prefix_Units::visit(RE_Node* node, std::size_t place) {
     if (auto* unit = nodeAs<RE_Unit_Test>(node)) {
         visitUnit(*unit, place);
         reach(unit->nextNode, place + 1);
@@ -121,7 +134,7 @@ void RE_Prefix_Units::visit(RE_Node* node, std::size_t place, std::uint64_t turn
     } else if (auto* literals = nodeAs<RE_Literal_Set>(node)) {
         visitLiterals(*literals, place);
     } else if (auto* loop = nodeAs<RE_Consume>(node)) {
-        visitLoop(*loop, place, turns);
+        visitLoop(*loop, place);
     } else if (auto* atomic = nodeAs<RE_Atomic>(node)) {
         reach(atomic->body, place);
     } else if (auto* end = nodeAs<RE_End_Of_Tree>(node)) {
@@ -131,7 +144,7 @@ void RE_Prefix_Units::visit(RE_Node* node, std::size_t place, std::uint64_t turn
     } else if (nodeAs<RE_Match_Token>(node) != nullptr || node->isEnd()) {
         endAt(place);
     } else {
-        followWays(node, place);
+        forEachWay(*node, [this, place](RE_Node* target) { reach(target, place); });
     }
 }
 
@@ -168,22 +181,18 @@ void RE_Prefix_Units::addText(std::u16string_view text, bool ignoreCase, std::si
     }
 }
 
-void RE_Prefix_Units::visitLoop(RE_Consume& loop, std::size_t place, std::uint64_t turns) {
-    if (turns >= loop.minimum) {
-        reach(loop.nextNode, place);
-    }
-    if (turns < loop.maximum) {
-        places[place].addAll(looks->of(*loop.units));
-        reach(&loop, place + 1, turns + 1);
-    }
-}
-
-void RE_Prefix_Units::followWays(RE_Node* node, std::size_t place) {
-    forEachLink(*node, [this, place](RE_Node* target, RE_Link kind) {
-        if (kind != RE_Link::body && kind != RE_Link::helper) {
-            reach(target, place);
+void RE_Prefix_Units::visitLoop(const RE_Consume& loop, std::size_t place) {
+    const RE_Byte_Sets& look = looks->of(*loop.units);
+    for (std::uint64_t turns = 0; place < known; ++turns, ++place) {
+        seen += turns != 0 ? 1 : 0;
+        if (turns >= loop.minimum) {
+            reach(loop.nextNode, place);
         }
-    });
+        if (turns == loop.maximum) {
+            return;
+        }
+        places[place].addAll(look);
+    }
 }
 
 void RE_Prefix_Units::addLiteral(char16_t unit, bool ignoreCase, std::size_t place) {
@@ -191,7 +200,5 @@ void RE_Prefix_Units::addLiteral(char16_t unit, bool ignoreCase, std::size_t pla
         places[place].add(unit);
         return;
     }
-    RE_Unit_Set units;
-    RE_Case_Table::get().addFolding(units, unit, unit, false);
-    places[place].addAll(units);
+    RE_Case_Table::get().forEachForm(unit, [this, place](char16_t form) { places[place].add(form); });
 }

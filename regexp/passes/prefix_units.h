@@ -38,6 +38,8 @@ public:
     const RE_Byte_Sets& of(const RE_Unit_Set& units);
 
 private:
+    static const RE_Byte_Sets& ofClass(std::size_t number);
+
     std::pmr::vector<std::pair<const RE_Unit_Set*, RE_Byte_Sets>> known;
 };
 
@@ -49,40 +51,38 @@ public:
     static constexpr std::size_t mostPlaces = 8;
 
     RE_Prefix_Units(RE_ParserContext& context, RE_Byte_Looks& setLooks)
-        : pending(&context.scratch), turned(&context.scratch), walk(context.nextWalk()), looks(&setLooks) {}
+        : pending(&context.scratch), walk(context.nextWalk()), looks(&setLooks) {}
 
     /// With `emptyCounts` an end that is reached at once ends the prefix there; else such a match is refused anyway.
     void gather(RE_Node* from, bool emptyCounts);
     /// The same for the way that begins with this literal and goes on at `next`.
     void gather(std::u16string_view text, bool ignoreCase, RE_Node* next);
 
+    /// The same, where the other one was gathered for nothing but a literal of that length, which goes on at the same node.
+    void gatherLike(const RE_Prefix_Units& other, std::u16string_view text, bool ignoreCase);
+
     std::array<RE_Byte_Sets, mostPlaces> places;
     std::size_t known = mostPlaces;
 
 private:
-    /// A node reached behind so many units, and for a loop how many of its units it has consumed.
+    /// A node reached behind so many units.
     struct Reached {
         RE_Node* node;
         std::size_t place;
-        std::uint64_t turns;
-        bool operator==(const Reached& other) const = default;
     };
 
-    bool isNew(const Reached& reached);
-    void reach(RE_Node* node, std::size_t place, std::uint64_t turns = 0);
-    void visit(RE_Node* node, std::size_t place, std::uint64_t turns);
+    void reach(RE_Node* node, std::size_t place);
+    void visit(RE_Node* node, std::size_t place);
     void visitUnit(const RE_Consumable& unit, std::size_t place);
     void visitString(const RE_String& string, std::size_t place);
     void visitLiterals(const RE_Literal_Set& set, std::size_t place);
     void visitPending();
     void addText(std::u16string_view text, bool ignoreCase, std::size_t place);
-    void visitLoop(RE_Consume& loop, std::size_t place, std::uint64_t turns);
-    void followWays(RE_Node* node, std::size_t place);
+    void visitLoop(const RE_Consume& loop, std::size_t place);
     void endAt(std::size_t place) { known = place < known ? place : known; }
     void addLiteral(char16_t unit, bool ignoreCase, std::size_t place);
 
     std::pmr::vector<Reached> pending;
-    std::pmr::vector<Reached> turned;  ///< those seen in the middle of a loop
     std::uint32_t walk;
     std::size_t seen = 0;
     RE_Byte_Looks* looks;

@@ -1,14 +1,13 @@
 #include "regexp/passes/required_literal.h"
 
-#include "regexp/nodes/closed_body.h"
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/links.h"
 #include "regexp/nodes/literal_set.h"
 #include "regexp/nodes/string.h"
-#include "regexp/nodes/tokens.h"
-#include "regexp/nodes/trivial.h"
 #include "regexp/nodes/units.h"
+#include "regexp/passes/bottlenecks.h"
 #include "regexp/passes/prefix_scan.h"
+#include "regexp/passes/unit_union.h"
 
 #include <algorithm>
 #include <memory_resource>
@@ -24,49 +23,32 @@ constexpr std::uint64_t mostDistance = static_cast<std::uint32_t>(-1);
 constexpr std::size_t mostLiterals = 8;
 constexpr std::size_t usualNodes = 32;
 
-/// Walks all ways from the root that do not lead through one literal.
+/// Walks all ways from the root that do not lead through one literal, which is a bottleneck.
 class Around {
 public:
     Around(RE_ParserContext& parserContext, const RE_Node* literal)
-        : context(parserContext),
+        : gathered(parserContext.sets),
           avoided(literal),
-          pending(&parserContext.scratch),
-          added(&parserContext.scratch) {}
+          number(parserContext.nextWalk()),
+          pending(&parserContext.scratch) {}
 
-    /// False when the end is reached, or something whose units are not known.
+    /// False when there are too many.
     bool walk(RE_Node* root) {
-        // Most literals can be done without, which is seen soon by going straight on, and before units are gathered.
-        begin(root);
-        for (std::size_t i = 0; holds && !pending.empty(); ++i) {
-            RE_Node* const node = pending.back();
-            pending.pop_back();
-            visit(node, 0);
-            holds = holds && i < mostVisits;
+        pending.reserve(usualNodes);
+        reach(root, 0);
+        for (std::size_t i = 0; i < pending.size(); ++i) {
+            if (i == mostVisits) {
+                return false;
+            }
+            visit(pending[i], pending[i]->walkNote);
         }
-        if (!holds) {
-            return false;
-        }
-        units = context.sets.blank();
-        least = RE_Node::unboundedLength;
-        begin(root);
-        for (std::size_t i = 0; holds && i < pending.size(); ++i) {
-            RE_Node* const node = pending[i];
-            visit(node, node->walkNote);
-            holds = holds && i < mostVisits;
-        }
-        return holds;
+        return true;
     }
 
-    std::shared_ptr<RE_Unit_Set> units;
+    RE_Unit_Union gathered;
     std::uint64_t least = RE_Node::unboundedLength;  ///< units consumed on the shortest way to the literal
 
 private:
-    void begin(RE_Node* root) {
-        number = context.nextWalk();
-        pending.clear();
-        reach(root, 0);
-    }
-
     // A node is visited again when a shorter way to it turns up. Distances are noted in the nodes, up to a limit: what is
     // asked for is a lower bound.
     void reach(RE_Node* node, std::uint64_t distance) {
@@ -78,7 +60,7 @@ private:
             return;
         }
         const auto noted = static_cast<std::uint32_t>(std::min(distance, mostDistance));
-        if (node->walk != number || (units != nullptr && noted < node->walkNote)) {
+        if (node->walk != number || noted < node->walkNote) {
             node->walk = number;
             node->walkNote = noted;
             pending.push_back(node);
@@ -87,84 +69,37 @@ private:
 
     void visit(RE_Node* node, std::uint64_t distance) {
         if (auto* unit = nodeAs<RE_Unit_Test>(node)) {
-            addUnits(*unit);
+            gathered.addConsumable(*unit);
             reach(unit->nextNode, distance + 1);
             reach(unit->failTarget, distance);
-        } else if (auto* string = nodeAs<RE_String>(node)) {
-            addText({string->text, string->length}, string->ignoreCase);
-            reach(string->nextNode, distance + string->length);
-        } else if (auto* loop = nodeAs<RE_Consume>(node)) {
-            addSet(*loop->units);
-            reach(loop->nextNode, distance + std::min(loop->minimum, mostCounted));
-        } else if (auto* set = nodeAs<RE_Literal_Set>(node)) {
-            addTexts(set->literals);
-            reach(set->nextNode, distance + set->literals.shortest());
-        } else if (auto* atomic = nodeAs<RE_Atomic>(node)) {
-            reach(atomic->body, distance);
-            reach(atomic->nextNode, distance);
-        } else if (auto* end = nodeAs<RE_End_Of_Tree>(node)) {
-            holds = end->endsBody;
-        } else if (node->isEnd() || nodeAs<RE_Match_Token>(node) != nullptr) {
-            holds = false;
-        } else {
-            followWays(node, distance);
-        }
-    }
-
-    void followWays(RE_Node* node, std::uint64_t distance) {
-        forEachLink(*node, [this, distance](RE_Node* target, RE_Link kind) {
-            if (kind != RE_Link::body && kind != RE_Link::helper) {
-                reach(target, distance);
-            }
-        });
-    }
-
-    void addUnits(const RE_Consumable& unit) {
-        if (const RE_Unit_Set* const table = unit.table()) {
-            addSet(*table);
-        } else if (units != nullptr) {
-            unit.addUnitsTo(*units);
-        }
-    }
-
-    // Many nodes share their sets.
-    void addSet(const RE_Unit_Set& set) {
-        if (units != nullptr && std::find(added.begin(), added.end(), &set) == added.end()) {
-            units->addAll(set);
-            added.insert(added.end(), added.size() < mostAdded ? 1 : 0, &set);
-        }
-    }
-
-    void addText(std::u16string_view text, bool ignoreCase) {
-        if (units == nullptr) {
             return;
         }
-        for (const char16_t unit : text) {
-            if (ignoreCase) {
-                RE_Case_Table::get().addFolding(*units, unit, unit, false);
-            } else {
-                units->add(unit);
+        forEachStep(*node,
+                    [&, behind = distance + consumedBy(node)](RE_Node* target) { reach(target, behind); });
+    }
+
+    /// Units that the node consumes at the least. Adds those that they may be.
+    std::uint64_t consumedBy(const RE_Node* node) {
+        if (auto* loop = nodeAs<RE_Consume>(node)) {
+            gathered.addAll(*loop->units);
+            return std::min(loop->minimum, mostCounted);
+        }
+        if (auto* string = nodeAs<RE_String>(node)) {
+            gathered.addText({string->text, string->length}, string->ignoreCase);
+            return string->length;
+        }
+        if (auto* set = nodeAs<RE_Literal_Set>(node)) {
+            for (std::size_t i = 0; i < set->literals.count(); ++i) {
+                gathered.addText(set->literals.text(i), set->literals.ignoresCase());
             }
+            return set->literals.shortest();
         }
+        return 0;
     }
 
-    void addTexts(const RE_Literal_Trie& literals) {
-        if (units == nullptr) {
-            return;
-        }
-        for (std::size_t i = 0; i < literals.count(); ++i) {
-            addText(literals.text(i), literals.ignoresCase());
-        }
-    }
-
-    static constexpr std::size_t mostAdded = 32;
-
-    RE_ParserContext& context;
     const RE_Node* avoided;
-    std::uint32_t number = 0;
+    std::uint32_t number;
     std::pmr::vector<RE_Node*> pending;
-    std::pmr::vector<const RE_Unit_Set*> added;
-    bool holds = true;
 };
 
 /// The first literals on the ways from the root, outside of closed bodies.
@@ -221,18 +156,31 @@ std::optional<RE_Text_Finder> literalOf(const RE_Node* node) {
 
 std::vector<RE_Found_Literal> requiredLiterals(RE_ParserContext& context, RE_Node* root) {
     std::vector<RE_Found_Literal> required;
-    for (RE_Node* node : literalsFrom(context, root)) {
-        Around around(context, node);
-        if (!around.walk(root)) {
-            continue;
-        }
+    std::pmr::vector<RE_Node*> literals = literalsFrom(context, root);
+    if (!literals.empty()) {
+        keepBottlenecks(context, root, literals);
+    }
+    required.reserve(literals.size());
+    for (RE_Node* node : literals) {
         std::optional<RE_Text_Finder> finder = finderOf(context, node);
         if (finder && finder->likelihood() < 1) {
-            required.push_back({node, {std::move(*finder), std::move(around.units), around.least}});
+            const auto rarerThan = [](double share, const RE_Found_Literal& other) {
+                return share < other.likelihood();
+            };
+            const auto place =
+                std::upper_bound(required.begin(), required.end(), finder->likelihood(), rarerThan);
+            required.insert(place, {node, {std::move(*finder), nullptr, 0}});
         }
     }
-    std::stable_sort(required.begin(), required.end(), [](const auto& one, const auto& other) {
-        return one.literal.finder.likelihood() < other.literal.finder.likelihood();
-    });
     return required;
+}
+
+bool surround(RE_ParserContext& context, RE_Node* root, RE_Found_Literal& found) {
+    Around around(context, found.node);
+    if (!around.walk(root)) {
+        return false;
+    }
+    found.literal.before = around.gathered.take();
+    found.literal.leastBefore = around.least;
+    return true;
 }

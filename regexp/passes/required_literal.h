@@ -13,8 +13,12 @@ std::optional<RE_Text_Finder> literalOf(const RE_Node* node);
 struct RE_Found_Literal {
     const RE_Node* node;
     RE_Required_Literal literal;
+
+    double likelihood() const { return literal.finder.likelihood(); }
 };
 
 /// The literals, and choices between literals, that no match can do without, as far as that is easily seen. The rarest
-/// comes first.
+/// comes first. What stands before them is not known yet.
 std::vector<RE_Found_Literal> requiredLiterals(RE_ParserContext& context, RE_Node* root);
+/// Finds out what may stand before one of them. False when the graph is too large for that.
+bool surround(RE_ParserContext& context, RE_Node* root, RE_Found_Literal& found);

@@ -127,7 +127,7 @@ public:
         const RE_Node* const leading = leadingConsumer(root);
         for (RE_Found_Literal& found : required) {
             auto& needed = context.facts->needed;
-            if (found.node != leading && needed.size() < mostNeeded) {
+            if (found.node != leading && needed.size() < mostNeeded && surround(context, root, found)) {
                 const std::uint32_t row = context.nextMemoRow();
                 found.literal.before = context.sets.share(std::move(found.literal.before));
                 needed.push_back(std::make_unique<RE_Literal_Stretches>(std::move(found.literal), row));
@@ -203,7 +203,11 @@ private:
             return nullptr;
         }
         seekRequired();
-        if (required.empty() || required.front().literal.finder.likelihood() >= likelihood) {
+        while (!required.empty() && required.front().likelihood() < likelihood &&
+               !surround(context, root, required.front())) {
+            required.erase(required.begin());
+        }
+        if (required.empty() || required.front().likelihood() >= likelihood) {
             return nullptr;
         }
         auto* const seeker =

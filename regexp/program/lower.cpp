@@ -9,8 +9,9 @@
 #include "regexp/nodes/units.h"
 #include "regexp/parser/parser_context.h"
 
-#include <limits>
+#include <memory_resource>
 #include <span>
+#include <vector>
 
 namespace {
 
@@ -30,7 +31,8 @@ struct Exits {
 
 class Lowering {
 public:
-    Lowering(RE_ParserContext& context, RE_Program& target) : program(target), walk(context.nextWalk()) {}
+    Lowering(RE_ParserContext& context, RE_Program& target)
+        : program(target), walk(context.nextWalk()), found(&context.scratch) {}
 
     void run(RE_Node* entry) {
         add(entry);
@@ -83,7 +85,7 @@ private:
 
     RE_Program& program;
     std::uint32_t walk;
-    std::vector<Found> found;
+    std::pmr::vector<Found> found;
 };
 
 void Lowering::link() {

@@ -1,6 +1,8 @@
 // How a set of units is laid out for the vector scans.
 #include "regexp/seek/kernels.h"
 
+#include <vector>
+
 namespace {
 
 /// The bytes 0, 2, 4 and 6, one behind the other.
@@ -25,15 +27,31 @@ std::uint64_t transposed(std::uint64_t bits) {
 
 }  // namespace
 
-RE_Class_Scan::RE_Class_Scan(const RE_Unit_Set& set, bool wanted) : rows{}, units(&set), sought(wanted) {
-    const std::uint64_t turned = sought ? 0 : ~std::uint64_t{0};
+RE_Class_Scan RE_Class_Scan::prepared(const RE_Unit_Set& set, bool wanted) {
+    RE_Class_Scan scan;
+    scan.units = &set;
+    scan.sought = wanted;
+    const std::uint64_t turned = wanted ? 0 : ~std::uint64_t{0};
     const std::uint64_t low = set.bits(0) ^ turned;
     const std::uint64_t high = set.bits(1) ^ turned;
     for (const std::size_t half : {0, 1}) {
         const std::uint64_t columns = evenBytes(low >> (8 * half)) | evenBytes(high >> (8 * half)) << 32;
         for (std::uint64_t left = transposed(columns), row = 0; row < 8; ++row, left >>= 8) {
-            rows[8 * half + row] = static_cast<std::uint8_t>(left);
+            scan.rows[8 * half + row] = static_cast<std::uint8_t>(left);
         }
     }
-    othersMayHold = sought ? set.holdsAnyFrom(0x80) : !set.holdsAllFrom(0x80);
+    scan.othersMayHold = wanted ? set.holdsAnyFrom(0x80) : !set.holdsAllFrom(0x80);
+    return scan;
+}
+
+const RE_Class_Scan& RE_Class_Scan::known(const RE_Unit_Set& set, bool wanted) {
+    static const auto scans = [] {
+        std::vector<RE_Class_Scan> all;
+        for (const RE_Unit_Set* units : RE_Unit_Classes::get().all()) {
+            all.push_back(prepared(*units, false));
+            all.push_back(prepared(*units, true));
+        }
+        return all;
+    }();
+    return scans[2 * RE_Unit_Classes::numberOf(set) + (wanted ? 1 : 0)];
 }

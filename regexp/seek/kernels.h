@@ -7,6 +7,8 @@
 #include "regexp/unit_set.h"
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 
@@ -24,7 +26,9 @@ struct RE_Unit_Pair {
 class RE_Class_Scan {
 public:
     /// `set` must outlive the scan. With `wanted` false it looks for units outside of the set.
-    RE_Class_Scan(const RE_Unit_Set& set, bool wanted);
+    RE_Class_Scan(const RE_Unit_Set& set, bool wanted)
+        : RE_Class_Scan(RE_Unit_Classes::numberOf(set) == RE_Unit_Classes::count ? prepared(set, wanted)
+                                                                                 : known(set, wanted)) {}
 
     bool holds(char16_t unit) const { return units->contains(unit) == sought; }
 
@@ -32,6 +36,11 @@ public:
     bool othersMayHold;     ///< some unit from 0x80 on is looked for
 
 private:
+    RE_Class_Scan() = default;
+    static RE_Class_Scan prepared(const RE_Unit_Set& set, bool wanted);
+    /// For one of the classes that escapes name.
+    static const RE_Class_Scan& known(const RE_Unit_Set& set, bool wanted);
+
     const RE_Unit_Set* units;
     bool sought;
 };
@@ -67,6 +76,22 @@ struct RE_Prefix_Scan {
         const auto bit = static_cast<std::uint8_t>(1U << prefix);
         low[at][byte & 0x0F] = static_cast<std::uint8_t>(low[at][byte & 0x0F] | bit);
         high[at][byte >> 4] = static_cast<std::uint8_t>(high[at][byte >> 4] | bit);
+    }
+    /// So may each of these, one bit a byte.
+    void allowAll(std::size_t prefix, std::size_t at, const std::array<std::uint64_t, 4>& bytes) {
+        const auto bit = static_cast<std::uint8_t>(1U << prefix);
+        std::uint64_t lows = 0;
+        for (std::size_t group = 0; group < 16; ++group) {
+            const std::uint64_t ofGroup = bytes[group / 4] >> (16 * (group % 4)) & 0xFFFF;
+            if (ofGroup != 0) {
+                lows |= ofGroup;
+                high[at][group] = static_cast<std::uint8_t>(high[at][group] | bit);
+            }
+        }
+        for (; lows != 0; lows &= lows - 1) {
+            std::uint8_t& row = low[at][std::countr_zero(lows)];
+            row = static_cast<std::uint8_t>(row | bit);
+        }
     }
     /// The greatest distance.
     std::size_t reach() const { return *std::max_element(distance, distance + depth); }

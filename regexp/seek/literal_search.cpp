@@ -4,23 +4,17 @@
 #include "regexp/seek/likelihood.h"
 #include "regexp/seek/scan.h"
 
-#include <optional>
 #include <string_view>
 
 namespace {
 
-/// The units that stand for one unit of a literal, when there are no more than two.
-std::optional<RE_Unit_Pair> unitsFor(char16_t unit, bool ignoreCase) {
-    if (!ignoreCase) {
-        return RE_Unit_Pair{unit, unit};
-    }
+/// Adds the other unit that stands for the one of a literal, where there is one. False when there are more than two.
+bool findForms(RE_Unit_Pair& units) {
     const RE_Case_Table& cases = RE_Case_Table::get();
-    const char16_t upper = cases.upper(unit);
-    const std::size_t known = upper != unit && cases.lower(upper) == unit ? 2 : 1;
-    if (cases.formsWithin(unit) > known) {
-        return std::nullopt;
-    }
-    return RE_Unit_Pair{unit, known == 2 ? upper : unit};
+    const char16_t upper = cases.upper(units.one);
+    const bool isOther = upper != units.one && cases.lower(upper) == units.one;
+    units.other = isOther ? upper : units.one;
+    return cases.formsWithin(units.one) <= (isOther ? 2U : 1U);
 }
 
 double pairLikelihood(const RE_Unit_Pair& units) {
@@ -46,21 +40,21 @@ RE_Literal_Search::RE_Literal_Search(const RE_Literal& literal) {
     double best = 0;
     double second = 0;
     for (std::size_t i = 0; i < literal.length && i < longestLookedAt; ++i) {
-        const std::optional<RE_Unit_Pair> units = unitsFor(literal.text[i], literal.ignoreCase);
-        if (!units) {
+        RE_Unit_Pair units{literal.text[i], literal.text[i]};
+        if (literal.ignoreCase && !findForms(units)) {
             continue;
         }
-        const double common = pairLikelihood(*units);
+        const double common = pairLikelihood(units);
         if (!probes || common < best) {
-            probe.second = probes ? probe.first : *units;
+            probe.second = probes ? probe.first : units;
             probe.secondAt = probes ? probe.firstAt : i;
             second = probes ? best : common;
-            probe.first = *units;
+            probe.first = units;
             probe.firstAt = i;
             best = common;
             probes = true;
         } else if (probe.secondAt == probe.firstAt || common < second) {
-            probe.second = *units;
+            probe.second = units;
             probe.secondAt = i;
             second = common;
         }

@@ -1,0 +1,117 @@
+#include "regexp/passes/bottlenecks.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+
+namespace {
+
+constexpr std::size_t usualNodes = 32;
+
+class Bottlenecks {
+public:
+    explicit Bottlenecks(RE_ParserContext& parserContext)
+        : context(parserContext), reached(&parserContext.scratch), way(&parserContext.scratch) {}
+
+    void keep(std::pmr::vector<RE_Node*>& nodes, RE_Node* root) {
+        if (!findWay(root)) {
+            return;
+        }
+        const std::size_t count = narrow();
+        const auto last = way.begin() + static_cast<std::ptrdiff_t>(count);
+        std::erase_if(nodes, [&](RE_Node* node) { return std::find(way.begin(), last, node) == last; });
+    }
+
+private:
+    struct Reached {
+        RE_Node* node;
+        std::size_t from;
+    };
+    static constexpr std::uint32_t besideWay = 0;
+
+    /// Some way that leads there.
+    bool findWay(RE_Node* root) {
+        number = context.nextWalk();
+        const auto reach = [&](RE_Node* node, std::size_t from) {
+            if (node != nullptr && node->walk != number) {
+                node->walk = number;
+                reached.push_back({node, from});
+            }
+        };
+        reached.reserve(usualNodes);
+        reach(root, 0);
+        for (std::size_t i = 0; i < reached.size(); ++i) {
+            if (!forEachStep(*reached[i].node, [&](RE_Node* target) { reach(target, i); })) {
+                noteWay(i);
+                return true;
+            }
+        }
+        return false;
+    }
+
+    void noteWay(std::size_t at) {
+        way.reserve(usualNodes);
+        for (; at != 0; at = reached[at].from) {
+            way.push_back(reached[at].node);
+        }
+        way.push_back(reached[0].node);
+        std::reverse(way.begin(), way.end());
+    }
+
+    // Another way past a node of the first one leaves that one before the node and comes back to it behind the node.
+    /// Leaves the bottlenecks at the front of the way, and returns how many there are.
+    std::size_t narrow() {
+        number = context.nextWalk();
+        for (std::size_t i = 0; i < way.size(); ++i) {
+            way[i]->walk = number;
+            way[i]->walkNote = static_cast<std::uint32_t>(i) + 1;
+        }
+        std::size_t count = 0;
+        for (std::size_t i = 0; i < way.size() && furthest < way.size(); ++i) {
+            RE_Node* const node = way[i];
+            if (furthest == i) {
+                way[count++] = node;
+            }
+            exploreFrom(node);
+        }
+        return count;
+    }
+
+    void exploreFrom(RE_Node* node) {
+        reached.clear();
+        reached.push_back({node, 0});
+        while (!reached.empty()) {
+            RE_Node* const at = reached.back().node;
+            reached.pop_back();
+            if (!forEachStep(*at, [this](RE_Node* target) { meet(target); })) {
+                furthest = way.size();
+            }
+        }
+    }
+
+    void meet(RE_Node* node) {
+        if (node == nullptr) {
+            return;
+        }
+        if (node->walk != number) {
+            node->walk = number;
+            node->walkNote = besideWay;
+            reached.push_back({node, 0});
+        } else if (node->walkNote != besideWay) {
+            furthest = std::max<std::size_t>(furthest, node->walkNote - 1);
+        }
+    }
+
+    RE_ParserContext& context;
+    std::pmr::vector<Reached> reached;
+    std::pmr::vector<RE_Node*> way;
+    std::uint32_t number = 0;
+    std::size_t furthest =
+        0;  ///< on the way, that can be come to without what lies behind where the exploration is
+};
+
+}  // namespace
+
+void keepBottlenecks(RE_ParserContext& context, RE_Node* root, std::pmr::vector<RE_Node*>& nodes) {
+    Bottlenecks(context).keep(nodes, root);
+}
