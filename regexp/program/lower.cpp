@@ -46,9 +46,7 @@ public:
                 add(way);
             }
         }
-        if (found.front().instruction.operation != RE_Operation::leave) {
-            link();
-        }
+        link();
     }
 
 private:
@@ -109,7 +107,9 @@ void Lowering::link() {
             program.ways.push_back(placeOf(way));
         }
     }
-    program.entry = program.instructions.data();
+    if (program.instructions.front().operation != RE_Operation::leave) {
+        program.entry = program.instructions.data();
+    }
 }
 
 bool fits(std::uint64_t count) {
