@@ -37,11 +37,11 @@ public:
             return p <= last ? p : nullptr;
         }
         const char16_t* const near = nearStart(p);
-        return near != nullptr ? near <= last ? near : nullptr : seekFrom(p);
+        return seekFrom(p, near);
     }
-    /// The same where none is near.
-    const char16_t* seekFrom(const char16_t* p) {
-        const char16_t* const found = root->seek(p, info);
+    /// The same where none is `near`.
+    const char16_t* seekFrom(const char16_t* p, const char16_t* near = nullptr) {
+        const char16_t* const found = near != nullptr ? near : root->seek(p, info);
         tellSeek(info, root, p, found);
         return found != nullptr && found <= last ? found : nullptr;
     }
