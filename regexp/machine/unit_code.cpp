@@ -13,9 +13,13 @@
 
 namespace corvane_machine {
 
+// Asking the processor takes longer than all else, most of all under a hypervisor.
 bool Unit_Code::canScanVectors() {
-    const Xbyak::util::Cpu processor;
-    return processor.has(Xbyak::util::Cpu::tSSE41) && processor.has(Xbyak::util::Cpu::tSSSE3);
+    static const bool can = [] {
+        const Xbyak::util::Cpu processor;
+        return processor.has(Xbyak::util::Cpu::tSSE41) && processor.has(Xbyak::util::Cpu::tSSSE3);
+    }();
+    return can;
 }
 
 Unit_Code::Kind Unit_Code::kindOf(const RE_Unit_Set& units) {
