@@ -28,15 +28,16 @@ RE_Search_Info RE_Match_Sequence::freshState(std::u16string_view subject) {
 }
 
 void RE_Match_Sequence::use(std::u16string_view subject) {
+    const char16_t* const begin = subject.data() != nullptr ? subject.data() : u"";
+    if (view) {
+        view->subjectBegin = begin;
+        view->subjectEnd = begin + subject.size();
+    }
     seen = found = memoryFull = false;
     table.clear();
-    info.useSubject(subject.data() != nullptr ? subject.data() : u"", subject.size(), tree.tokenCount);
+    info.useSubject(begin, subject.size(), tree.tokenCount);
     if (info.tokens == nullptr) {
         throw std::bad_alloc();
-    }
-    if (view) {
-        view->subjectBegin = info.subjectBegin;
-        view->subjectEnd = info.subjectEnd;
     }
 }
 

@@ -179,7 +179,7 @@ TEST(MachineCode, ScansToTheUnit) {
     for (const Case& each : {Case{u"\\w\\d?", kPlain, u""}, Case{u"^x", kLines, u""}, Case{u"xyz", kPlain, u""},
                              Case{u"-+x", kPlain, u""}, Case{u"([^x]+)x", kPlain, u""}}) {
         const Ways ways(each.pattern, each.flags);
-        for (const size_t gap : {0, 1, 3, 4, 5, 15, 16, 17, 31, 32, 33, 63, 64, 65, 127, 128, 950, 959, 960, 961, 1023, 1024, 1025, 1300}) {
+        for (const size_t gap : {0, 1, 3, 4, 5, 15, 16, 17, 31, 32, 33, 63, 64, 65, 127, 128, 239, 240, 241, 255, 256, 257, 272, 273, 1023, 1024, 1025, 1300, 4095, 4096, 4097, 4170, 5000}) {
             for (size_t behind = 0; behind < 40; ++behind) {
                 const std::u16string subject = std::u16string(gap, u'-') + u"\nxyz" + std::u16string(behind, u'-');
                 ASSERT_EQ("", ways.compare(subject));

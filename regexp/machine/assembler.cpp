@@ -14,13 +14,17 @@ namespace {
 constexpr std::size_t bytesAnInstruction = 512;
 constexpr std::size_t bytesOfTheRest = 4096;
 constexpr std::size_t bytesOfATable = RE_Branch_Start::columns * sizeof(void*);
-constexpr std::size_t bytesOfAUnit = 16;
+constexpr std::size_t bytesOfAUnit = 96;  // it may stand in the code three times
+
+bool isText(const RE_Instruction& in) {
+    return in.operation == RE_Operation::text || in.operation == RE_Operation::foldedText;
+}
 
 std::size_t roomFor(const RE_Program& program) {
     std::size_t room = bytesOfTheRest + program.instructions.size() * bytesAnInstruction;
     for (const RE_Instruction& in : program.instructions) {
         room += in.operation == RE_Operation::choose ? bytesOfATable : 0;
-        room += in.operation == RE_Operation::text ? in.least * bytesOfAUnit : 0;
+        room += isText(in) ? in.least * bytesOfAUnit : 0;
     }
     return room;
 }
@@ -31,7 +35,7 @@ bool isSmall(const RE_Instruction& in) {
     constexpr std::uint32_t longestText = 256;
     const bool isEndless = in.most == RE_Instruction::noMaximum;
     return in.least < mostUnits && (isEndless || in.most < mostUnits) &&
-           (in.operation != RE_Operation::text || in.least <= longestText);
+           (!isText(in) || in.least <= longestText);
 }
 
 

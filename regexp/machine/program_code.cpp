@@ -100,6 +100,7 @@ void Program_Code::emitBody(const RE_Instruction& in) {
             add(p, 2);
             break;
         case RE_Operation::text:
+        case RE_Operation::foldedText:
             emitText(in);
             break;
         case RE_Operation::run:
@@ -138,12 +139,18 @@ void Program_Code::emitBody(const RE_Instruction& in) {
 }
 
 void Program_Code::emitText(const RE_Instruction& in) {
+    const RE_Literal literal{in.text, in.least, in.operation == RE_Operation::foldedText};
+    if (literal.ignoreCase && !hasFewForms(literal)) {
+        inc(left);
+        jmp(exitFor(RE_Machine_Exit::leave, &in), T_NEAR);
+        return;
+    }
     Label& otherwise = labelOf(in.otherwise);
     mov(rax, end);
     sub(rax, p);
     cmp(rax, in.least * 2);
     jb(otherwise, T_NEAR);
-    unlessText(p, in.text, in.least, otherwise);
+    unlessText(p, literal, otherwise);
     add(p, in.least * 2);
 }
 

@@ -3,9 +3,9 @@
 
 #include "regexp/graph_facts.h"
 #include "regexp/machine/program_code.h"
+#include "regexp/seek/literal_search.h"
 
-class StringStringSeeker;
-struct RE_Prefix_Scan;
+class RE_String;
 
 namespace corvane_machine {
 
@@ -30,7 +30,13 @@ private:
     void emitSeek();
     void emitSeekUnits(const RE_Unit_Set& units);
     void emitSeekLineStart();
-    void emitSeekLiteral(const StringStringSeeker& seeker);
+    bool canSeek(const RE_String& string) const;
+    void emitSeekLiteral(const RE_Literal& literal, const RE_Literal_Probe& probe);
+    void emitNarrowLiteral(const RE_Literal& literal, const RE_Literal_Probe& probe, Label& found, Label& tail);
+    void emitWideLiteral(const RE_Literal& literal, const RE_Literal_Probe& probe, Label& found);
+    void emitPair(RE_Unit_Pair pair, const Xbyak::Ymm& one, const Xbyak::Ymm& second);
+    void emitEqualPair(const Xbyak::RegExp& units, RE_Unit_Pair pair, const Xbyak::Ymm& one, const Xbyak::Ymm& second,
+                       const Xbyak::Ymm& result);
     void emitSeekPrefixes(const RE_Prefix_Scan& scan);
     void emitPrefixTest(const RE_Prefix_Scan& scan, Label& unfit);
     void emitOneByOne(const RE_Unit_Set& units, int most, Label& found, Label& nowhere);

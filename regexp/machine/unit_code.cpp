@@ -14,12 +14,10 @@
 namespace corvane_machine {
 
 // Asking the processor takes longer than all else, most of all under a hypervisor.
-bool Unit_Code::canScanVectors() {
-    static const bool can = [] {
-        const Xbyak::util::Cpu processor;
-        return processor.has(Xbyak::util::Cpu::tSSE41) && processor.has(Xbyak::util::Cpu::tSSSE3);
-    }();
-    return can;
+bool Unit_Code::canScan(bool wide) {
+    static const Xbyak::util::Cpu processor;
+    static const bool narrow = processor.has(Xbyak::util::Cpu::tSSE41) && processor.has(Xbyak::util::Cpu::tSSSE3);
+    return narrow && (!wide || processor.has(Xbyak::util::Cpu::tAVX2));
 }
 
 Unit_Code::Kind Unit_Code::kindOf(const RE_Unit_Set& units) {
@@ -221,17 +219,45 @@ void Unit_Code::emitEqualUnits(const Xbyak::RegExp& from, char16_t unit, const X
     packsswb(result, xmm5);
 }
 
-void Unit_Code::unlessText(const Reg64& from, const char16_t* text, std::size_t length, Label& target) {
-    std::size_t i = 0;
-    for (; i + 2 <= length; i += 2) {
-        const std::uint32_t two = text[i] | static_cast<std::uint32_t>(text[i + 1]) << 16;
-        cmp(dword[from + static_cast<int>(i * 2)], two);
-        jne(target, T_NEAR);
-    }
-    if (i < length) {
-        const auto one = static_cast<std::uint32_t>(static_cast<std::int16_t>(text[i]));  // as it is extended
-        cmp(word[from + static_cast<int>(i * 2)], one);
-        jne(target, T_NEAR);
+Unit_Code::Forms Unit_Code::formsOf(char16_t lower) {
+    Forms forms{};
+    RE_Case_Table::get().forEachForm(lower, [&](char16_t form) {
+        if (forms.count < std::size(forms.list)) {
+            forms.list[forms.count] = form;
+        }
+        ++forms.count;
+    });
+    return forms;
+}
+
+bool Unit_Code::hasFewForms(const RE_Literal& literal) {
+    return std::all_of(literal.text, literal.text + literal.length, [](char16_t unit) {
+        const std::size_t count = formsOf(unit).count;
+        return count > 0 && count <= std::size(Forms{}.list);
+    });
+}
+
+// An immediate operand of sixteen bits is extended as a signed one.
+void Unit_Code::unlessText(const Reg64& from, const RE_Literal& literal, Label& target) {
+    const auto immediate = [](char16_t unit) { return static_cast<std::uint32_t>(static_cast<std::int16_t>(unit)); };
+    const auto place = [&](std::size_t i) { return from + static_cast<int>(i * sizeof(char16_t)); };
+    for (std::size_t i = 0; i < literal.length; ++i) {
+        const Forms forms = literal.ignoreCase ? formsOf(literal.text[i]) : Forms{{literal.text[i]}, 1};
+        if (forms.count == 2) {
+            Label& holds = fresh();
+            cmp(word[place(i)], immediate(forms.list[0]));
+            je(holds, T_NEAR);
+            cmp(word[place(i)], immediate(forms.list[1]));
+            jne(target, T_NEAR);
+            L(holds);
+        } else if (!literal.ignoreCase && i + 1 < literal.length) {
+            cmp(dword[place(i)], literal.text[i] | static_cast<std::uint32_t>(literal.text[i + 1]) << 16);
+            jne(target, T_NEAR);
+            ++i;
+        } else {
+            cmp(word[place(i)], immediate(forms.list[0]));
+            jne(target, T_NEAR);
+        }
     }
 }
 

@@ -3,6 +3,7 @@
 
 #include "regexp/machine/code_writer.h"
 #include "regexp/machine/unit_ranges.h"
+#include "regexp/seek/literal_search.h"
 
 struct RE_Instruction;
 struct RE_Prefix_Scan;
@@ -15,7 +16,9 @@ protected:
 
     static constexpr std::uint32_t vectorUnits = 16;
     /// Whether the processor can look at so many units at once.
-    const bool scansVectors = canScanVectors();
+    const bool scansVectors = canScan(false);
+    /// Whether it can look at two such vectors.
+    const bool scansWideVectors = canScan(true);
 
     /// How a set is told from a vector of units.
     enum class Kind {
@@ -46,15 +49,25 @@ protected:
     void emitPrefixes(const Reg64& from, const RE_Prefix_Scan& scan);
     Label& prefixTable(const std::uint8_t (&table)[16]);
     /// Goes to `target` unless the text stands at `from`, where as many units are readable.
-    void unlessText(const Reg64& from, const char16_t* text, std::size_t length, Label& target);
+    void unlessText(const Reg64& from, const RE_Literal& literal, Label& target);
+    static constexpr std::size_t longestText = 256;
+    /// Whether each unit of a literal that ignores case is told by two comparisons at most.
+    static bool hasFewForms(const RE_Literal& literal);
+
+    /// Where sixteen bytes of this unit stand.
+    Label& words(char16_t unit);
 
 private:
+    struct Forms {
+        char16_t list[2];
+        std::size_t count = 0;
+    };
+    static Forms formsOf(char16_t lower);
     static constexpr std::size_t tableUnits = 128;
 
-    static bool canScanVectors();
+    static bool canScan(bool wide);
     void emitRangeMembers(RE_Unit_Ranges::Range range);
     void emitAllBut(const RE_Units_Outside& outside);
-    Label& words(char16_t unit);
     Label& rowsOf(const RE_Unit_Set& units);
     Label& rowBits();
 };

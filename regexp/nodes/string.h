@@ -27,8 +27,8 @@ public:
     bool canSeek(bool) const override { return true; }
     std::string label() const override;
     bool matchesAt(const char16_t* p) const { return literal().matchesAt(p); }
-    /// The units to look for first; null where case is ignored.
-    const RE_Literal_Probe* rarestUnits() const { return ignoreCase ? nullptr : search.rarest(); }
+    /// The units to look for first; null when every position is compared.
+    const RE_Literal_Probe* rarestUnits() const { return search.rarest(); }
     RE_Literal literal() const { return {text, length, ignoreCase}; }
     void initSeek() override;
     RE_Node* joinString(RE_ParserContext& context) override;

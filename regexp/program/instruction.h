@@ -25,6 +25,7 @@ enum class RE_Operation : std::uint8_t {
     set,
     notLineFeed,
     text,
+    foldedText,
     run,       ///< of units of a set, none of which is given back
     tokenRun,  ///< a token that holds such a run
     choose,    ///< goes the only way that can begin with the next unit

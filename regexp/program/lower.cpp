@@ -167,10 +167,10 @@ Exits Lowering::describeFolded(const RE_Natural_I& node, RE_Instruction& in) con
 }
 
 Exits Lowering::describeString(const RE_String& string, RE_Instruction& in) const {
-    if (string.ignoreCase || !fits(string.length)) {
+    if (!fits(string.length)) {
         return {};
     }
-    in.operation = RE_Operation::text;
+    in.operation = string.ignoreCase ? RE_Operation::foldedText : RE_Operation::text;
     in.text = string.text;
     in.least = static_cast<std::uint32_t>(string.length);
     return {string.nextNode};

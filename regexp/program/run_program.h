@@ -163,6 +163,14 @@ inline RE_Program_Exit RE_Program_Run::run(const RE_Instruction* in) {
                     in = in->otherwise;
                 }
                 break;
+            case RE_Operation::foldedText:
+                if (static_cast<std::size_t>(end - p) >= in->least && RE_Literal{in->text, in->least, true}.matchesAt(p)) {
+                    p += in->least;
+                    in = in->next;
+                } else {
+                    in = in->otherwise;
+                }
+                break;
             case RE_Operation::run: {
                 const char16_t* const stop = runEnd(*in, static_cast<const RE_Consume&>(*in->node), p);
                 const bool suffices = stop - p >= in->least;
