@@ -61,8 +61,8 @@ const RE_Unit_Set* knownUnits(const RE_Node* node) {
     if (const auto* loop = nodeAs<RE_Consume>(node)) {
         return loop->minimum > 0 ? loop->units.get() : nullptr;
     }
-    const auto* const members = nodeAs<RE_Unit_Class>(node);
-    return members != nullptr && !members->hasFailNode() ? members->set.get() : nullptr;
+    const auto* const unit = nodeAs<RE_Unit_Test>(node);
+    return unit != nullptr && !unit->hasFailNode() ? unit->table() : nullptr;
 }
 
 /// The unit that a literal begins with, where no other will do.
@@ -91,8 +91,7 @@ RE_Branch_Start startOf(RE_ParserContext& context, RE_Node* branch) {
         return start;
     }
     RE_First_Units first(context);
-    if (first.gather(branch, mostNodesOfBranch) && !first.mayBeEmpty && !first.endsBody) {
-        start.addAll(*first.units);
+    if (first.gatherStart(start, branch, mostNodesOfBranch) && !first.mayBeEmpty && !first.endsBody) {
         if (first.mayBeAtEnd) {
             start.addEnd();
         }

@@ -208,18 +208,17 @@ private:
     std::pair<std::size_t, double> bestFurtherPlace() {
         std::pair<std::size_t, double> best{0, 2};
         for (std::size_t place = 0; place < places; ++place) {
-            const auto last = choice.begin() + static_cast<std::ptrdiff_t>(chosen);
-            if (std::find(choice.begin(), last, place) != last) {
-                continue;
+            const double with = (taken >> place & 1) == 0 ? likelihoodWith(place) : best.second;
+            if (with < best.second) {
+                best = {place, with};
             }
-            const double with = likelihoodWith(place);
-            best = with < best.second ? std::pair{place, with} : best;
         }
         return best;
     }
 
     void take(std::size_t place) {
         choice[chosen++] = place;
+        taken |= std::uint32_t{1} << place;
         for (std::size_t i = 0; i < prefixes.size(); ++i) {
             soFar[i].ascii *= shares[i * places + place].ascii;
             soFar[i].beyond *= shares[i * places + place].beyond;
@@ -242,6 +241,7 @@ private:
     std::pmr::vector<Share> soFar;   ///< of each prefix, at the chosen places together
     std::array<std::size_t, RE_Prefix_Scan::mostUnits> choice{};
     std::size_t chosen = 0;
+    std::uint32_t taken = 0;  ///< those that were chosen, one bit each
 };
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "regexp/nodes/units.h"
 #include "regexp/parser/parser_context.h"
 
+#include <algorithm>
 #include <memory_resource>
 #include <span>
 #include <vector>
@@ -32,7 +33,9 @@ struct Exits {
 class Lowering {
 public:
     Lowering(RE_ParserContext& context, RE_Program& target)
-        : program(target), walk(context.nextWalk()), found(&context.scratch) {}
+        : program(target), walk(context.nextWalk()), found(&context.scratch) {
+        found.reserve(std::min(context.facts->nodes.size(), mostInstructions));
+    }
 
     void run(RE_Node* entry) {
         add(entry);
@@ -68,7 +71,8 @@ private:
     }
 
     Exits describe(RE_Node& node, RE_Instruction& in) const;
-    Exits describeRun(const RE_Consume& loop, RE_Operation operation, RE_Node* next, RE_Instruction& in) const;
+    Exits describeRun(const RE_Consume& loop, RE_Operation operation, RE_Node* next,
+                      RE_Instruction& in) const;
     Exits describeToken(const RE_Token& token, RE_Operation operation, RE_Instruction& in) const;
     Exits describeGlance(const RE_Lookaround_Assertion& test, RE_Instruction& in) const;
     Exits describeFolded(const RE_Natural_I& node, RE_Instruction& in) const;
