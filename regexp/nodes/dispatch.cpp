@@ -17,9 +17,8 @@ void RE_Branch_Start::addAll(const RE_Unit_Set& units) {
 }
 
 void RE_Branch_Start::addEverything() {
-    for (std::size_t column = 0; column < columns; ++column) {
-        addColumn(column);
-    }
+    bits.fill(~std::uint64_t{0});
+    bits.back() >>= 64 * bits.size() - columns;
 }
 
 std::size_t RE_Branch_Start::count() const {

@@ -59,7 +59,7 @@ struct Measuring {
         begun.reserve(usualNodes);
     }
 
-    /// Begins with the node, and with those behind it as long as one way leads on.
+    /// Begins with the node, and with those behind it as long as one way leads on, as it does from a run.
     void begin(RE_Node* node) {
         while (!node->visited) {
             node->visited = true;
@@ -68,7 +68,7 @@ struct Measuring {
             node->maxLength = RE_Node::unboundedLength;
             begun.push_back(node);
             pending.push_back({node, true});
-            if (!hasOneWay(*node)) {
+            if (node->kind != RE_Node_Kind::run && !hasOneWay(*node)) {
                 forEachLink(*node, [this](RE_Node* target, RE_Link way) {
                     if (target != nullptr && isOnward(way)) {
                         pending.push_back({target, false});

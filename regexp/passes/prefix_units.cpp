@@ -168,16 +168,29 @@ void RE_Prefix_Units::visitString(const RE_String& string, std::size_t place) {
 }
 
 void RE_Prefix_Units::visitLiterals(const RE_Literal_Set& set, std::size_t place) {
+    std::uint32_t ends = 0;  // one bit each
     for (std::size_t i = 0; i < set.literals.count(); ++i) {
         const std::u16string_view text = set.literals.text(i);
         addText(text, set.literals.ignoresCase(), place);
-        reach(set.nextNode, place + text.size());
+        ends |= std::uint32_t{1} << std::min(place + text.size(), mostPlaces);
+    }
+    for (std::size_t end = place; end < mostPlaces; ++end) {
+        if ((ends >> end & 1) != 0) {
+            reach(set.nextNode, end);
+        }
     }
 }
 
 void RE_Prefix_Units::addText(std::u16string_view text, bool ignoreCase, std::size_t place) {
-    for (std::size_t i = 0; i < text.size() && place + i < mostPlaces; ++i) {
-        addLiteral(text[i], ignoreCase, place + i);
+    const std::size_t end = std::min(text.size(), mostPlaces - place);
+    if (ignoreCase) {
+        for (std::size_t i = 0; i < end; ++i) {
+            addFolded(text[i], place + i);
+        }
+        return;
+    }
+    for (std::size_t i = 0; i < end; ++i) {
+        places[place + i].add(text[i]);
     }
 }
 
@@ -195,10 +208,6 @@ void RE_Prefix_Units::visitLoop(const RE_Consume& loop, std::size_t place) {
     }
 }
 
-void RE_Prefix_Units::addLiteral(char16_t unit, bool ignoreCase, std::size_t place) {
-    if (!ignoreCase) {
-        places[place].add(unit);
-        return;
-    }
+void RE_Prefix_Units::addFolded(char16_t unit, std::size_t place) {
     RE_Case_Table::get().forEachForm(unit, [this, place](char16_t form) { places[place].add(form); });
 }

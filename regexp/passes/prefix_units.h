@@ -80,7 +80,7 @@ private:
     void addText(std::u16string_view text, bool ignoreCase, std::size_t place);
     void visitLoop(const RE_Consume& loop, std::size_t place);
     void endAt(std::size_t place) { known = place < known ? place : known; }
-    void addLiteral(char16_t unit, bool ignoreCase, std::size_t place);
+    void addFolded(char16_t unit, std::size_t place);
 
     std::pmr::vector<Reached> pending;
     std::uint32_t walk;

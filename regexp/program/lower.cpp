@@ -56,7 +56,7 @@ public:
 
 private:
     struct Found {
-        RE_Node* node;
+        RE_Node* node = nullptr;
         RE_Instruction instruction;
         Exits exits;
     };
@@ -65,8 +65,9 @@ private:
         if (node != nullptr && node->walk != walk) {
             node->walk = walk;
             node->walkNote = static_cast<std::uint32_t>(found.size());
-            found.push_back({node, {}, {}});
-            found.back().instruction.node = node;
+            Found& added = found.emplace_back();
+            added.node = node;
+            added.instruction.node = node;
         }
     }
 
