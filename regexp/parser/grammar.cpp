@@ -3,7 +3,6 @@
 #include "regexp/parser/escapes.h"
 #include "regexp/parser/names.h"
 
-#include <algorithm>
 #include <array>
 #include <string_view>
 
@@ -100,7 +99,10 @@ void RE_Grammar::readLiterals() {
     addLiteral(text[at], at);
     const char16_t* const second = text + ++at;
     const char16_t* const last = has(RE_FLAG_FREE_SPACING) ? second : text + length;
-    const char16_t* const end = std::find_if_not(second, last, isPlain);
+    const char16_t* end = second;
+    while (end < last && isPlain(*end)) {
+        ++end;
+    }
     if (end != second) {
         tree.extendText(frame().branch, second, static_cast<std::size_t>(end - second), flags());
         at += static_cast<std::size_t>(end - second);

@@ -29,6 +29,13 @@ void RE_Byte_Sets::add(char16_t unit) {
     }
 }
 
+void RE_Byte_Sets::addAscii(const RE_Ascii_Units& units) {
+    for (std::size_t j = 0; j < units.size(); ++j) {
+        latin[j] |= units[j];
+        lowBytes[j] |= units[j];
+    }
+}
+
 void RE_Byte_Sets::addAll(const RE_Unit_Set& units) {
     // One group of those that are alike stands for all.
     const std::size_t blocks = std::min((units.variedBlocks() / 4 + 2) * 4, RE_Unit_Set::unitCount / 64);
@@ -169,10 +176,24 @@ void RE_Prefix_Units::visitString(const RE_String& string, std::size_t place) {
 
 void RE_Prefix_Units::visitLiterals(const RE_Literal_Set& set, std::size_t place) {
     std::uint32_t ends = 0;  // one bit each
+    std::array<RE_Ascii_Units, mostPlaces> ascii{};
     for (std::size_t i = 0; i < set.literals.count(); ++i) {
         const std::u16string_view text = set.literals.text(i);
-        addText(text, set.literals.ignoresCase(), place);
         ends |= std::uint32_t{1} << std::min(place + text.size(), mostPlaces);
+        if (set.literals.ignoresCase()) {
+            addText(text, true, place);
+            continue;
+        }
+        for (std::size_t at = place; at < std::min(place + text.size(), mostPlaces); ++at) {
+            if (const char16_t unit = text[at - place]; unit < 128) {
+                ascii[at][unit / 64] |= std::uint64_t{1} << (unit % 64);
+            } else {
+                places[at].add(unit);
+            }
+        }
+    }
+    for (std::size_t at = place; at < mostPlaces; ++at) {
+        places[at].addAscii(ascii[at]);
     }
     for (std::size_t end = place; end < mostPlaces; ++end) {
         if ((ends >> end & 1) != 0) {
