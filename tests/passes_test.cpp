@@ -129,10 +129,10 @@ TEST(Passes, KnowWhatEveryMatchPasses) {
         {u"ab(?:cd|e\\d)fg", "Match 'ab'; Dispatch to 2 ways; Match 'fg'; End"},
         {u"a(?:b(?:cd)?)*e", "Match 'a'; Dispatch to 2 ways; Match 'e'; End"},
         {u"a(?:bc)+d", "Match 'a'; Match 'bc'; Dispatch to 2 ways; Match 'd'; End"},
-        {u"a(?=bc)d", "Match 'a'; Look ahead; Match 'd'; End"},
-        {u"a(?>bc|d)e", "Match 'a'; Atomic; Match 'e'; End"},
+        {u"a(?=bc)d", "Match 'a'; Lookaround Ahead; Match 'd'; End"},
+        {u"a(?>bc|d)e", "Match 'a'; Atomic group; Match 'e'; End"},
         {u"(a)b\\1c", "Token start #1; Match 'a'; Token end #1; Match 'b'; Match Token 1"},
-        {u"x(?(?=a)bc|de)f", ""},
+        {u"x(?(?=a)bc|de)f", "Match 'x'; Lookaround Ahead; Match 'f'; End"},
     };
     for (const auto& c : cases) {
         const Engine engine(c.pattern, 0x12, kLinear);
