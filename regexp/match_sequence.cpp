@@ -1,5 +1,6 @@
 #include "regexp/match_sequence.h"
 
+#include "regexp/machine/machine_search.h"
 #include "regexp/tree.h"
 
 #include <new>
@@ -27,18 +28,23 @@ RE_Search_Info RE_Match_Sequence::freshState(std::u16string_view subject) {
 }
 
 void RE_Match_Sequence::use(std::u16string_view subject) {
-    view.reset();
-    memoryFull = false;
+    seen = found = memoryFull = false;
     table.clear();
-    found = false;
     info.useSubject(subject.data() != nullptr ? subject.data() : u"", subject.size(), tree.tokenCount);
     if (info.tokens == nullptr) {
         throw std::bad_alloc();
+    }
+    if (view) {
+        view->subjectBegin = info.subjectBegin;
+        view->subjectEnd = info.subjectEnd;
     }
 }
 
 RE_Results* RE_Match_Sequence::find(std::size_t offset) {
     found = false;
+    if (code != nullptr) {
+        return searchByCode(offset);
+    }
     if (!watchesMemory) {
         return search(offset);
     }
@@ -53,29 +59,49 @@ RE_Results* RE_Match_Sequence::find(std::size_t offset) {
     }
 }
 
-RE_Results* RE_Match_Sequence::search(std::size_t offset) {
-    if (tree.root == nullptr) {
-        return nullptr;
-    }
-    if (view) {
+void RE_Match_Sequence::goOn() {
+    if (seen) {
         info.searchBehind(view->matchStart + view->matchLength);
     } else if (!prepared) {
         info.prepare(*tree.facts);
         prepared = tree.facts->profiler == nullptr;  // each search counts for itself
+        code = !watchesMemory && !info.checkInterrupts && prepared ? tree.facts->machineCode.get() : nullptr;
     }
-    info.putInterruptAside();
-    std::size_t length = 0;
-    found = tree.findMatch(info, offset, length) && !info.pollInterrupt();
-    info.handInterruptBack();
-    if (!found) {
-        return nullptr;
-    }
+}
+
+RE_Results* RE_Match_Sequence::see(std::size_t length) {
+    found = seen = true;
     if (!view) {
         return &view.emplace(&info, info.matchStart, length, false);
     }
     view->matchStart = info.indexOf(info.matchStart);
     view->matchLength = length;
     return &*view;
+}
+
+RE_Results* RE_Match_Sequence::search(std::size_t offset) {
+    if (tree.root == nullptr) {
+        return nullptr;
+    }
+    goOn();
+    info.putInterruptAside();
+    std::size_t length = 0;
+    found = tree.findMatch(info, offset, length) && !info.pollInterrupt();
+    info.handInterruptBack();
+    return found ? see(length) : nullptr;
+}
+
+// Nobody can break it off.
+RE_Results* RE_Match_Sequence::searchByCode(std::size_t offset) {
+    const RE_Graph_Facts& facts = *tree.facts;
+    if (facts.minimumLength > info.subjectLength() - offset || info.tokens == nullptr) {
+        return info.tokens == nullptr ? search(offset) : nullptr;
+    }
+    goOn();
+    std::size_t length = 0;
+    const bool matched = findByMachineCode(facts, tree.root, info.subjectBegin + offset,
+                                           info.subjectEnd - facts.minimumLength, info, length);
+    return matched ? see(length) : nullptr;
 }
 
 RE_Results* RE_Match_Sequence::releaseMatch() {
@@ -85,6 +111,7 @@ RE_Results* RE_Match_Sequence::releaseMatch() {
     found = false;
     const std::size_t length = view->matchLength;
     view.reset();
+    seen = false;
     RE_Results* const match = new (std::nothrow) RE_Results(&info, info.matchStart, length, true);
     memoryFull = match == nullptr;
     return match;
@@ -95,7 +122,7 @@ RE_Search_Outcome RE_Match_Sequence::outcome() const {
         return RE_Search_Outcome::memoryFull;
     }
     const bool complete = !info.wasInterrupted();
-    return complete && view ? RE_Search_Outcome::matched : info.stopReason();
+    return complete && seen ? RE_Search_Outcome::matched : info.stopReason();
 }
 
 RE_Search_Report RE_Match_Sequence::report() const {

@@ -42,6 +42,10 @@ private:
     RE_Search_Info freshState(std::u16string_view subject);
     RE_Search_Outcome outcome() const;
     RE_Results* search(std::size_t offset);
+    RE_Results* searchByCode(std::size_t offset);
+    /// Makes ready for a search behind those that were before.
+    void goOn();
+    RE_Results* see(std::size_t length);
 
     const RE_Tree& tree;
     RE_Memory_Account account;
@@ -51,5 +55,8 @@ private:
     bool memoryFull = false;
     bool prepared = false;  ///< for the pattern
     bool found = false;     ///< the last search found a match, which was not released
+    bool seen = false;      ///< a match in the subject; the last one is in the view
+    /// Of the pattern, where it is all that a search needs.
+    const RE_Machine_Code* code = nullptr;
     std::optional<RE_Results> view;
 };

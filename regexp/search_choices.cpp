@@ -57,7 +57,7 @@ void RE_Search_Info::beginMemo() {
     if (memo == nullptr) {
         memo = std::make_unique<RE_Search_Memo>(facts->firstCombinedRow());
     }
-    attemptsLeaveNotes = true;
+    attemptsLeaveNotes = knowsSubject = true;
 }
 
 // --- nodes put together by hand ---

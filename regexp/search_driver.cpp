@@ -159,11 +159,12 @@ bool RE_Tree::findMatch(RE_Search_Info& info, std::size_t offset, std::size_t& l
     }
     const char16_t* const p = info.subjectBegin + offset;
     const char16_t* const last = info.subjectEnd - needed;
-    if (info.observer != nullptr || info.tokens == nullptr || facts->program.entry == nullptr) {
-        return findByGraph(info, p, last, length);
+    const bool isWatched = info.observer != nullptr || info.tokens == nullptr;
+    if (facts->machineCode != nullptr && !isWatched) {
+        return findByMachineCode(*facts, root, p, last, info, length);
     }
-    return facts->machineCode != nullptr ? findByMachineCode(*facts, root, p, last, info, length)
-                                         : findByProgram(info, p, last, length);
+    return facts->program.entry != nullptr && !isWatched ? findByProgram(info, p, last, length)
+                                                         : findByGraph(info, p, last, length);
 }
 
 bool RE_Tree::findByProgram(RE_Search_Info& info, const char16_t* p, const char16_t* last,

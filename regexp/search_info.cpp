@@ -61,20 +61,11 @@ void RE_Search_Info::carryMemoOver(std::size_t end) {
 }
 
 // What is known of the old subject is forgotten. The graph stays.
-void RE_Search_Info::useSubject(const char16_t* subject, std::size_t length, std::size_t tokenCount) {
-    if (tokens == nullptr) {
-        makeTokens(tokenCount);
-    }
-    subjectBegin = subject;
-    subjectEnd = subject + length;
-    matchStart = nullptr;
-    stopped = RE_Search_Outcome::noMatch;
-    steps = 1;
+void RE_Search_Info::forgetSubject() {
     runs.clear();
     barren.clear();
-    leadingRun = {};
     memo.reset();
-    memoCountdown = length * RE_Memo_Delay::perUnit + RE_Memo_Delay::choices + 1;
+    knowsSubject = false;
 }
 
 void RE_Search_Info::prepare(const RE_Graph_Facts& graphFacts) {
@@ -84,10 +75,8 @@ void RE_Search_Info::prepare(const RE_Graph_Facts& graphFacts) {
         profile = std::make_unique<RE_Profile_Sheet>(graphFacts.profiler);
     }
     // A run that succeeded leaves states in the memo that have not failed.
-    memo.reset();
+    forgetSubject();
     idleMemo.reset();
-    runs.clear();
-    barren.clear();
     leadingRun = {};
     memoCountdown = subjectLength() * RE_Memo_Delay::perUnit + RE_Memo_Delay::choices + 1;
     const std::size_t needed = graphFacts.tokenCount + graphFacts.passRegisters;
@@ -118,6 +107,7 @@ void RE_Search_Info::trailSlot(std::size_t index) {
 }
 
 void RE_Search_Info::noteRun(std::uint32_t memoRow, RE_Measured_Run run) {
+    knowsSubject = true;
     if (runs.size() <= memoRow) {
         runs.resize(memoRow + std::size_t{1});
     }
@@ -131,6 +121,7 @@ const char16_t* RE_Search_Info::lastStartOf(const RE_Node* next, const RE_Node* 
     if (last - first < shortStretch) {
         return lastStartWithin(next, first, last);
     }
+    knowsSubject = true;
     if (barren.size() <= owner->memoIndex) {
         barren.resize(owner->memoIndex + std::size_t{1});
     }

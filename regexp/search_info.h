@@ -81,7 +81,21 @@ public:
 
     /// Makes room for what the graph about to run needs. Called before every run; cheap when nothing changes.
     void prepare(const RE_Graph_Facts& graphFacts);
-    void useSubject(const char16_t* subject, std::size_t length, std::size_t tokenCount);
+    void useSubject(const char16_t* subject, std::size_t length, std::size_t tokenCount) {
+        if (tokens == nullptr) {
+            makeTokens(tokenCount);
+        }
+        subjectBegin = subject;
+        subjectEnd = subject + length;
+        matchStart = nullptr;
+        stopped = RE_Search_Outcome::noMatch;
+        steps = 1;
+        leadingRun = {};
+        memoCountdown = length * RE_Memo_Delay::perUnit + RE_Memo_Delay::choices + 1;
+        if (knowsSubject) {
+            forgetSubject();
+        }
+    }
     void resetForStart(const char16_t* p);
     /// The same where the attempt before ran out of choices, which leaves next to nothing behind.
     void moveStart(const char16_t* p);
@@ -296,6 +310,7 @@ private:
     void takePendingInterrupt();
     void handBackInterrupt();
     void carryMemoOver(std::size_t end);
+    void forgetSubject();
     void forgetAttempt();
     const RE_TokenInfo* withinSubject(const RE_TokenInfo* token) const {
         const bool fits = token != nullptr && token->start <= subjectLength() &&
@@ -332,6 +347,7 @@ private:
     std::vector<RE_Measured_Run, RE_Allocator<RE_Measured_Run>> runs;
     std::vector<RE_Measured_Run, RE_Allocator<RE_Measured_Run>> barren;  ///< both ends included
     std::int32_t scopes = 0;
+    bool knowsSubject = false;        ///< runs or barren stretches of it, or states in a memo
     bool attemptsLeaveNotes = false;  ///< a memo, or what nodes that were made by hand note
     RE_Search_Outcome stopped = RE_Search_Outcome::noMatch;
 

@@ -17,6 +17,19 @@ public:
     RE_Start_Walk(const RE_Node* graphRoot, const RE_Graph_Facts& graphFacts, const char16_t* lastStart,
                   RE_Search_Info& search)
         : root(graphRoot), facts(graphFacts), last(lastStart), info(search), askingAt(nextAskingAt()) {}
+    /// Goes on with one that was to ask once `askLeft` steps are left to the next checkpoint.
+    RE_Start_Walk(const RE_Node* graphRoot, const RE_Graph_Facts& graphFacts, const char16_t* lastStart,
+                  RE_Search_Info& search, std::int64_t askLeft)
+        : RE_Start_Walk(graphRoot, graphFacts, lastStart, search) {
+        if (askingAt != RE_Step_Meter::unlimited) {
+            askingAt = info.meter.taken() + static_cast<std::uint64_t>(info.meter.room() - askLeft);
+        }
+    }
+    /// With no more steps left to the next checkpoint a search that begins now asks behind a failed attempt.
+    static std::int64_t firstAskLeft(const RE_Graph_Facts& facts, const RE_Search_Info& info) {
+        return facts.needed.empty() ? std::numeric_limits<std::int64_t>::min()
+                                    : info.meter.room() - static_cast<std::int64_t>(RE_Asking_Delay::steps);
+    }
 
     /// The first start from `p` on, or null.
     const char16_t* from(const char16_t* p) {
@@ -24,11 +37,11 @@ public:
             return p <= last ? p : nullptr;
         }
         const char16_t* const near = nearStart(p);
-        return near != nullptr ? near <= last ? near : nullptr : seekFrom(p);
+        return seekFrom(p, near);
     }
-    /// The same where none is near.
-    const char16_t* seekFrom(const char16_t* p) {
-        const char16_t* const found = root->seek(p, info);
+    /// The same where none is `near`.
+    const char16_t* seekFrom(const char16_t* p, const char16_t* near = nullptr) {
+        const char16_t* const found = near != nullptr ? near : root->seek(p, info);
         tellSeek(info, root, p, found);
         return found != nullptr && found <= last ? found : nullptr;
     }

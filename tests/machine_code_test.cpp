@@ -135,6 +135,45 @@ TEST(MachineCode, AgreesOnRandomPatterns) {
     }
 }
 
+/// All matches of the subjects in turn, on one state.
+std::vector<Outcome> walk(const RE_Tree& tree, const std::vector<std::u16string>& subjects) {
+    std::vector<Outcome> met;
+    RE_Match_Sequence sequence(tree, {});
+    for (const std::u16string& subject : subjects) {
+        sequence.use(subject);
+        for (size_t offset = 0; offset <= subject.size();) {
+            const RE_Results* const match = sequence.find(offset);
+            met.push_back(toOutcome(match));
+            if (match == nullptr) {
+                break;
+            }
+            offset = match->nextIndex();
+            if (met.size() % 5 == 0) {
+                const std::unique_ptr<RE_Results> released(sequence.releaseMatch());
+                met.push_back(toOutcome(released.get()));
+                break;
+            }
+        }
+    }
+    return met;
+}
+
+TEST(MachineCode, WalksFromMatchToMatchAndFromSubjectToSubject) {
+    PatternSource source(7);
+    for (const Case& each : kCases) {
+        const std::u16string alphabet(each.alphabet);
+        std::vector<std::u16string> subjects(40);
+        for (std::u16string& subject : subjects) {
+            for (size_t length = source.below(30) * source.below(8); subject.size() < length;) {
+                subject.append(1 + (source.below(9) == 0 ? source.below(90) : 0), alphabet[source.below(alphabet.size())]);
+            }
+        }
+        const Engine program(each.pattern, each.flags);
+        Engine machine(each.pattern, each.flags, {.machineCode = true});
+        EXPECT_EQ(walk(program.tree(), subjects), walk(machine.tree(), subjects)) << printable(each.pattern);
+    }
+}
+
 // A start, an end of a line or a run stands anywhere within the vectors, near the subject's end or far from it.
 TEST(MachineCode, ScansToTheUnit) {
     for (const Case& each : {Case{u"\\w\\d?", kPlain, u""}, Case{u"^x", kLines, u""}, Case{u"xyz", kPlain, u""},

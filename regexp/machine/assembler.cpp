@@ -7,6 +7,7 @@
 #include "regexp/nodes/dispatch.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -48,20 +49,24 @@ public:
         nextStart = nextStartLabel.getAddress();
         attempt = attemptLabel.getAddress();
         RE_Machine_Code::mostSteps = Start_Code::mostSteps;
+        gains = graphFacts.program.entry != nullptr || seeks();
     }
     Assembler(const Assembler&) = delete;
     Assembler& operator=(const Assembler&) = delete;
+
+    bool gains;  ///< there is anything that the code does by itself
 };
 
 }  // namespace
 
 std::unique_ptr<RE_Machine_Code> RE_Machine_Code::make(const RE_Graph_Facts& facts, const RE_Node* root) {
     const auto& instructions = facts.program.instructions;
-    if (facts.program.entry == nullptr || !std::ranges::all_of(instructions, isSmall)) {
+    if (instructions.empty() || !std::ranges::all_of(instructions, isSmall)) {
         return nullptr;
     }
     try {
-        return std::make_unique<Assembler>(facts, root);
+        auto code = std::make_unique<Assembler>(facts, root);
+        return code->gains ? std::move(code) : nullptr;
     } catch (const Xbyak::Error&) {
         return nullptr;  // the machine gives no memory that may be run
     }

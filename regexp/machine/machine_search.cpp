@@ -1,7 +1,6 @@
 #include "regexp/machine/machine_search.h"
 
 #include "regexp/graph_facts.h"
-#include "regexp/machine/machine_code.h"
 #include "regexp/nodes/closed_body.h"
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/tokens.h"
@@ -12,7 +11,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <limits>
 
 namespace {
 
@@ -135,34 +133,10 @@ private:
     RE_Search_Info& info;
 };
 
-/// The search from its beginning on, or behind a first return for the reason given.
-[[gnu::noinline]] bool search(const RE_Graph_Facts& facts, const RE_Node* root, const RE_Machine_Exit* first,
-                              RE_Search_Info& info, std::size_t& length) {
-    const RE_Start_Walk walk(root, facts, info.lastStart, info);
-    info.askLeft = walk.roomUpToAsking();
-    return Machine_Search(facts, walk, info)
-        .goOn(first != nullptr ? *first : facts.machineCode->run(info), length);
-}
-
 }  // namespace
 
-// Most searches are over when the code returns for the first time.
-bool findByMachineCode(const RE_Graph_Facts& facts, const RE_Node* root, const char16_t* p, const char16_t* last,
-                       RE_Search_Info& info, std::size_t& length) {
-    info.lastStart = last;
-    info.slots = info.tokens->slots.data();
-    info.opened = info.tokenStarts();
-    info.resume = facts.machineCode->nextStart;
-    info.cursor = p;
-    if (!facts.needed.empty()) {
-        return search(facts, root, nullptr, info, length);
-    }
-    info.askLeft = std::numeric_limits<std::int64_t>::min();
-    const RE_Machine_Exit reason = facts.machineCode->run(info);
-    if (reason == RE_Machine_Exit::matched) {
-        info.tokens->count = info.inEffect;
-        length = static_cast<std::size_t>(info.cursor - info.matchStart);
-        return true;
-    }
-    return reason != RE_Machine_Exit::noStart && search(facts, root, &reason, info, length);
+bool goOnByMachineCode(const RE_Graph_Facts& facts, const RE_Node* root, RE_Machine_Exit first, RE_Search_Info& info,
+                       std::size_t& length) {
+    const RE_Start_Walk walk(root, facts, info.lastStart, info, info.askLeft);
+    return Machine_Search(facts, walk, info).goOn(first, length);
 }

@@ -40,7 +40,7 @@ void Program_Code::findLoops() {
 
 // An instruction stands before the one that follows it where that has found no place yet.
 void Program_Code::emitProgram() {
-    pending.push_back(program.entry);
+    pending.push_back(program.instructions.data());
     while (!pending.empty()) {
         const RE_Instruction* const in = pending.back();
         pending.pop_back();

@@ -11,16 +11,33 @@
 
 namespace corvane_machine {
 
-// Most runs end within a vector: their ends are found without a branch for each unit.
+// Most runs end within a vector or a few: their ends are found without a branch for each unit. Runs that are long enough
+// to count for steps, or to be remembered, are measured elsewhere.
 void Program_Code::emitShortRun(const RE_Instruction& in, Label& ended, Label& stopped) {
+    constexpr std::uint32_t fewVectors = 3;
+    static_assert(fewVectors * vectorUnits < RE_Step_Meter::unitsAStep);
     const RE_Unit_Set& units = *in.units;
+    Label& again = fresh();
     Label& oneByOne = fresh();
+    L(again);
     emitMembersAt(p, units, oneByOne);
     not_(eax);
     bsf(ecx, eax);
     lea(p, ptr[p + rcx * 2]);
     cmp(ecx, vectorUnits);
-    je(in.most == vectorUnits ? ended : stopped, T_NEAR);
+    if (in.most == vectorUnits) {
+        je(ended, T_NEAR);
+    } else if (in.most < fewVectors * vectorUnits) {
+        je(stopped, T_NEAR);
+    } else {
+        Label& inside = fresh();
+        jne(inside, T_NEAR);
+        lea(rax, ptr[runBegin + static_cast<int>(fewVectors * vectorUnits * 2)]);
+        cmp(p, rax);
+        jb(again, T_NEAR);
+        jmp(stopped, T_NEAR);
+        L(inside);
+    }
     if (kindOf(units) != Kind::mixed) {
         jmp(ended, T_NEAR);
     } else {

@@ -19,6 +19,11 @@ constexpr int farthest = 960;
 constexpr int stepShift = std::countr_zero(RE_Step_Meter::unitsAStep);
 constexpr int tried = 4;  // one by one before vectors are
 
+const RE_Prefix_Scan* prefixesOf(const RE_Node* root) {
+    const auto* const seeker = dynamic_cast<const StringPrefixSeeker*>(root);
+    return seeker != nullptr ? seeker->finder.prefixScan() : nullptr;
+}
+
 }  // namespace
 
 Start_Code::Start_Code(const RE_Graph_Facts& graphFacts, const RE_Node* graphRoot, std::size_t mostBytes)
@@ -87,7 +92,10 @@ void Start_Code::emitSeek() {
         ja(exitFor(RE_Machine_Exit::noStart), T_NEAR);
     } else if (literal != nullptr && literal->string.rarestUnits() != nullptr && scansVectors) {
         emitSeekLiteral(*literal);
+    } else if (const RE_Prefix_Scan* const scan = prefixesOf(root); scan != nullptr && scansVectors) {
+        emitSeekPrefixes(*scan);
     } else {
+        leavesSeekToRoot = true;
         jmp(exitFor(RE_Machine_Exit::seek), T_NEAR);
     }
 }
@@ -254,19 +262,78 @@ void Start_Code::emitSeekLiteral(const StringStringSeeker& seeker) {
     and_(eax, ecx);
     jnz(hit, T_NEAR);
     jmp(next, T_NEAR);
-    L(tail);
-    lea(rax, ptr[runBegin + bytes]);
-    cmp(rax, end);
-    ja(nowhere, T_NEAR);
     Label& miss = fresh();
-    unlessText(runBegin, literal.text, literal.length, miss);
-    jmp(found, T_NEAR);
+    L(tail);
+    lea(stop, ptr[end - bytes]);
+    sub(runBegin, 2);
     L(miss);
     add(runBegin, 2);
-    jmp(tail, T_NEAR);
+    cmp(runBegin, stop);
+    ja(nowhere, T_NEAR);
+    unlessText(runBegin, literal.text, literal.length, miss);
+    jmp(found, T_NEAR);
     emitNowhere(nowhere);
     L(found);
     emitFound();
+}
+
+// Near the subject's end position after position, as `RE_Prefix_Scan::mayStandAt` has it.
+void Start_Code::emitSeekPrefixes(const RE_Prefix_Scan& scan) {
+    Label& again = fresh();
+    Label& tail = fresh();
+    Label& hit = fresh();
+    Label& miss = fresh();
+    Label& found = fresh();
+    Label& nowhere = fresh();
+    const int reach = static_cast<int>(scan.reach() * sizeof(char16_t));
+    mov(runBegin, p);
+    lea(stop, ptr[p + farthest * 2]);
+    L(again);
+    lea(rax, ptr[runBegin + static_cast<int>(vectorUnits * 2) + reach]);
+    cmp(rax, end);
+    ja(tail, T_NEAR);
+    emitPrefixes(runBegin, scan);
+    test(eax, eax);
+    jnz(hit, T_NEAR);
+    emitNextVector(again);
+    L(hit);
+    bsf(eax, eax);
+    lea(runBegin, ptr[runBegin + rax * 2]);
+    jmp(found, T_NEAR);
+    L(miss);
+    add(runBegin, 2);
+    L(tail);
+    lea(rax, ptr[runBegin + reach]);
+    cmp(rax, end);
+    jae(nowhere, T_NEAR);
+    emitPrefixTest(scan, miss);
+    jmp(found, T_NEAR);
+    emitNowhere(nowhere);
+    L(found);
+    emitFound();
+}
+
+/// Goes to `unfit` unless a prefix may stand at `runBegin`.
+void Start_Code::emitPrefixTest(const RE_Prefix_Scan& scan, Label& unfit) {
+    mov(stop.cvt32(), 0xFF);
+    for (std::size_t place = 0; place < scan.depth; ++place) {
+        movzx(eax, word[runBegin + static_cast<int>(scan.distance[place] * sizeof(char16_t))]);
+        if (scan.saturates) {
+            mov(ecx, 0xFF);
+            cmp(eax, ecx);
+            cmova(eax, ecx);
+        }
+        movzx(ebp, al);
+        and_(eax, 0x0F);
+        shr(ebp, 4);
+        lea(other, ptr[rip + prefixTable(scan.low[place])]);
+        movzx(eax, byte[other + rax]);
+        and_(stop.cvt32(), eax);
+        lea(other, ptr[rip + prefixTable(scan.high[place])]);
+        movzx(eax, byte[other + spare]);
+        and_(stop.cvt32(), eax);
+        jz(unfit, T_NEAR);
+    }
 }
 
 void Start_Code::emitAttempt() {

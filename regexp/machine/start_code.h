@@ -5,6 +5,7 @@
 #include "regexp/machine/program_code.h"
 
 class StringStringSeeker;
+struct RE_Prefix_Scan;
 
 namespace corvane_machine {
 
@@ -14,6 +15,9 @@ protected:
 
     /// Behind a failed attempt: on to the next start, and to the attempt there.
     void emitStarts();
+
+    /// Whether starts are found without the root.
+    bool seeks() const { return facts.start.rootSeeks && !leavesSeekToRoot; }
 
     Label nextStartLabel;
     Label attemptLabel;
@@ -27,6 +31,8 @@ private:
     void emitSeekUnits(const RE_Unit_Set& units);
     void emitSeekLineStart();
     void emitSeekLiteral(const StringStringSeeker& seeker);
+    void emitSeekPrefixes(const RE_Prefix_Scan& scan);
+    void emitPrefixTest(const RE_Prefix_Scan& scan, Label& unfit);
     void emitOneByOne(const RE_Unit_Set& units, int most, Label& found, Label& nowhere);
     void emitNextVector(Label& again);
     void emitNowhere(Label& nowhere);
@@ -34,6 +40,7 @@ private:
 
     const RE_Graph_Facts& facts;
     const RE_Node* root;
+    bool leavesSeekToRoot = false;
 };
 
 }  // namespace corvane_machine

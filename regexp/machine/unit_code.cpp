@@ -3,20 +3,31 @@
 #include "regexp/machine/unit_code.h"
 
 #include "regexp/program/instruction.h"
+#include "regexp/seek/kernels.h"
 #include "regexp/unit_set.h"
 
 #include <xbyak/xbyak_util.h>
 
+#include <algorithm>
+#include <iterator>
+
 namespace corvane_machine {
 
+// Asking the processor takes longer than all else, most of all under a hypervisor.
 bool Unit_Code::canScanVectors() {
-    const Xbyak::util::Cpu processor;
-    return processor.has(Xbyak::util::Cpu::tSSE41) && processor.has(Xbyak::util::Cpu::tSSSE3);
+    static const bool can = [] {
+        const Xbyak::util::Cpu processor;
+        return processor.has(Xbyak::util::Cpu::tSSE41) && processor.has(Xbyak::util::Cpu::tSSSE3);
+    }();
+    return can;
 }
 
 Unit_Code::Kind Unit_Code::kindOf(const RE_Unit_Set& units) {
     if (RE_Unit_Ranges(units).count == 1) {
         return Kind::range;
+    }
+    if (RE_Units_Outside(units).count <= RE_Units_Outside::most) {
+        return Kind::allBut;
     }
     if (units.holdsAllFrom(tableUnits)) {
         return Kind::allOthers;
@@ -103,6 +114,10 @@ void Unit_Code::emitMembers(const Reg64& from, const RE_Unit_Set& units) {
         emitRangeMembers(RE_Unit_Ranges(units).list[0]);
         return;
     }
+    if (kindOf(units) == Kind::allBut) {
+        emitAllBut(RE_Units_Outside(units));
+        return;
+    }
     // Units from 0x80 on become bytes from 0x80 on.
     movdqa(xmm3, ptr[rip + words(0x00FF)]);
     pminuw(xmm0, xmm3);
@@ -127,6 +142,62 @@ void Unit_Code::emitMembers(const Reg64& from, const RE_Unit_Set& units) {
     if (kindOf(units) == Kind::allOthers) {
         or_(eax, ecx);
     }
+}
+
+// The units left out are gathered in xmm2.
+void Unit_Code::emitAllBut(const RE_Units_Outside& outside) {
+    for (std::size_t i = 0; i < outside.count; ++i) {
+        movdqa(xmm3, ptr[rip + words(outside.list[i])]);
+        movdqa(xmm4, xmm3);
+        pcmpeqw(xmm3, xmm0);
+        pcmpeqw(xmm4, xmm1);
+        packsswb(xmm3, xmm4);
+        por(xmm2, xmm3);
+    }
+    pmovmskb(eax, xmm2);
+    xor_(eax, 0xFFFF);
+}
+
+void Unit_Code::emitPrefixes(const Reg64& from, const RE_Prefix_Scan& scan) {
+    for (std::size_t place = 0; place < scan.depth; ++place) {
+        const int distance = static_cast<int>(scan.distance[place] * sizeof(char16_t));
+        movdqu(xmm0, ptr[from + distance]);
+        movdqu(xmm1, ptr[from + distance + 16]);
+        movdqa(xmm3, ptr[rip + words(0x00FF)]);
+        if (scan.saturates) {
+            pminuw(xmm0, xmm3);
+            pminuw(xmm1, xmm3);
+        } else {
+            pand(xmm0, xmm3);
+            pand(xmm1, xmm3);
+        }
+        packuswb(xmm0, xmm1);
+        movdqa(xmm3, ptr[rip + words(0x0F0F)]);
+        movdqa(xmm1, xmm0);
+        psrlw(xmm1, 4);
+        pand(xmm1, xmm3);
+        pand(xmm0, xmm3);
+        movdqa(xmm4, ptr[rip + prefixTable(scan.low[place])]);
+        movdqa(xmm5, ptr[rip + prefixTable(scan.high[place])]);
+        pshufb(xmm4, xmm0);
+        pshufb(xmm5, xmm1);
+        pand(xmm4, xmm5);
+        if (place == 0) {
+            movdqa(xmm2, xmm4);
+        } else {
+            pand(xmm2, xmm4);
+        }
+    }
+    pxor(xmm0, xmm0);
+    pcmpeqb(xmm2, xmm0);
+    pmovmskb(eax, xmm2);
+    xor_(eax, 0xFFFF);
+}
+
+Label& Unit_Code::prefixTable(const std::uint8_t (&table)[16]) {
+    Bytes bytes;
+    std::copy(std::begin(table), std::end(table), bytes.begin());
+    return constant(bytes);
 }
 
 void Unit_Code::emitRangeMembers(RE_Unit_Ranges::Range range) {

@@ -5,6 +5,7 @@
 #include "regexp/machine/unit_ranges.h"
 
 struct RE_Instruction;
+struct RE_Prefix_Scan;
 
 namespace corvane_machine {
 
@@ -19,6 +20,7 @@ protected:
     /// How a set is told from a vector of units.
     enum class Kind {
         range,
+        allBut,  ///< all but a few
         noOthers,   ///< units of the table only
         allOthers,  ///< some of the table, and all behind it
         mixed       ///< of a vector only those of the table are told
@@ -40,6 +42,9 @@ protected:
     void emitMembers(const Reg64& from, const RE_Unit_Set& units);
     /// One bit for each of the units from `from` on that is this one.
     void emitEqualUnits(const Xbyak::RegExp& from, char16_t unit, const Xbyak::Xmm& result);
+    /// Puts into eax one bit for each of the positions from `from` on at which a prefix may stand.
+    void emitPrefixes(const Reg64& from, const RE_Prefix_Scan& scan);
+    Label& prefixTable(const std::uint8_t (&table)[16]);
     /// Goes to `target` unless the text stands at `from`, where as many units are readable.
     void unlessText(const Reg64& from, const char16_t* text, std::size_t length, Label& target);
 
@@ -48,6 +53,7 @@ private:
 
     static bool canScanVectors();
     void emitRangeMembers(RE_Unit_Ranges::Range range);
+    void emitAllBut(const RE_Units_Outside& outside);
     Label& words(char16_t unit);
     Label& rowsOf(const RE_Unit_Set& units);
     Label& rowBits();

@@ -31,3 +31,12 @@ RE_Unit_Ranges::RE_Unit_Ranges(const RE_Unit_Set& set) {
         low = nextUnit(set, behind, true);
     }
 }
+
+RE_Units_Outside::RE_Units_Outside(const RE_Unit_Set& set) {
+    for (std::size_t unit = nextUnit(set, 0, false); unit < RE_Unit_Set::unitCount && count <= most; ++count) {
+        if (count < most) {
+            list[count] = static_cast<char16_t>(unit);
+        }
+        unit = nextUnit(set, unit + 1, false);
+    }
+}

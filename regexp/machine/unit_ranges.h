@@ -17,3 +17,13 @@ struct RE_Unit_Ranges {
     Range list[most];
     std::size_t count = 0;  ///< more than `most` when there are more
 };
+
+/// The units that a set leaves out, as far as they are few.
+struct RE_Units_Outside {
+    static constexpr std::size_t most = 4;
+
+    explicit RE_Units_Outside(const RE_Unit_Set& set);
+
+    char16_t list[most];
+    std::size_t count = 0;  ///< more than `most` when there are more
+};

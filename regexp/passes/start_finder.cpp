@@ -185,7 +185,10 @@ private:
             return inFront(RE_Start_Finder::literalBehind,
                            context.make<StringBehindSeeker>(std::move(*before)));
         }
-        RE_Node* seeker = innerSeeker(std::min(best * worthGoingBack, commonestLiteral), first);
+        // The way back from a literal costs more than the few attempts that it spares. Where it is far, the search asks
+        // for it (`noteNeeded`).
+        RE_Node* seeker =
+            share > rareEnough ? innerSeeker(std::min(best * worthGoingBack, commonestLiteral), first) : nullptr;
         if (seeker == nullptr && best >= rareEnoughForPrefixes) {
             seeker = windowSeeker(best);
         }
@@ -208,6 +211,10 @@ private:
             required.erase(required.begin());
         }
         if (required.empty() || required.front().likelihood() >= likelihood) {
+            return nullptr;
+        }
+        // Punctuation is rare in prose, but it is what the lines are made of that such a pattern is meant for.
+        if (ofLines && required.front().literal.finder.isPunctuation()) {
             return nullptr;
         }
         auto* const seeker =

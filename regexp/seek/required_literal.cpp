@@ -1,5 +1,7 @@
 #include "regexp/seek/required_literal.h"
 
+#include <algorithm>
+
 RE_Text_Finder::RE_Text_Finder(std::u16string literalText, bool ignoreCase)
     : text(std::move(literalText)), folds(ignoreCase), search(literal()), likely(search.likelihood()) {}
 
@@ -19,6 +21,10 @@ const char16_t* RE_Text_Finder::find(const char16_t* p, RE_Search_Info& info) co
     return scanForward(p, info.subjectEnd - reach, info, [this](const char16_t* at, const char16_t* stop) {
         return findPrefix(at, stop, *prefixes);
     });
+}
+
+bool RE_Text_Finder::isPunctuation() const {
+    return !text.empty() && std::ranges::none_of(text, isWordUnit);
 }
 
 std::string RE_Text_Finder::label() const {

@@ -25,8 +25,12 @@ public:
 
     /// The first place from `p` on, or null.
     const char16_t* find(const char16_t* p, RE_Search_Info& info) const;
+    /// What it looks for, where that is a few prefixes; else null.
+    const RE_Prefix_Scan* prefixScan() const { return prefixes ? &*prefixes : nullptr; }
     /// The share of the positions of ordinary text at which it finds something.
     double likelihood() const { return likely; }
+    /// Whether it finds a text without letters and digits.
+    bool isPunctuation() const;
     /// Units of what it finds; 0 when there are several lengths.
     std::size_t length() const { return members ? 1 : text.size(); }
     std::string label() const;
