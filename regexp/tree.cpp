@@ -93,22 +93,28 @@ namespace {
 // A match of at most so many units is found or given up soon.
 constexpr std::uint64_t manyUnits = 256;
 
-/// Text in, root of the finished graph out. The nodes and what is known of them stay with the parser's
-/// context.
-RE_Node* compileGraph(RE_ParserContext& parserContext, const char16_t* pattern, std::size_t length,
-                      RE_Node* continuationNode, bool last, const RE_Stage_Observer& observer = {}) {
+/// The graph as the pattern is written. The syntax tree is gone before the passes take memory.
+RE_Node* readGraph(RE_ParserContext& parserContext, const char16_t* pattern, std::size_t length,
+                   RE_Node* continuationNode, bool last) {
     const RE_Flags flags = parserContext.flags;
-    // Who looks at the stages wants to see where the strings come from.
-    parserContext.joinsTexts = parserContext.options().optimizeLinearSubpatterns() && !observer;
-    parserContext.joinsRuns = parserContext.options().optimizeDotStar() && !observer;
-    parserContext.context->set_string(pattern, length);
     RE_Syntax_Tree syntax = RE_Grammar(parserContext, pattern, length, last).read();
     parserContext.flags = flags;
     measureSyntax(syntax, parserContext, pattern);
     parserContext.facts->tokenCount = syntax.groupCount;
     parserContext.facts->minimumLength = syntax[RE_Syntax_Tree::root].least;
     parserContext.hasLongMatches = syntax[RE_Syntax_Tree::root].most > manyUnits;
-    RE_Node* const parsed = RE_Graph_Builder(parserContext, syntax).build(continuationNode);
+    return RE_Graph_Builder(parserContext, syntax).build(continuationNode);
+}
+
+/// Text in, root of the finished graph out. The nodes and what is known of them stay with the parser's
+/// context.
+RE_Node* compileGraph(RE_ParserContext& parserContext, const char16_t* pattern, std::size_t length,
+                      RE_Node* continuationNode, bool last, const RE_Stage_Observer& observer = {}) {
+    // Who looks at the stages wants to see where the strings come from.
+    parserContext.joinsTexts = parserContext.options().optimizeLinearSubpatterns() && !observer;
+    parserContext.joinsRuns = parserContext.options().optimizeDotStar() && !observer;
+    parserContext.context->set_string(pattern, length);
+    RE_Node* const parsed = readGraph(parserContext, pattern, length, continuationNode, last);
     return runPasses(parserContext, parsed, observer);
 }
 

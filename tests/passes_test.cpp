@@ -4,21 +4,24 @@
 #include "tests/support/text.h"
 
 #include "regexp/nodes/collection.h"
+#include "regexp/passes/bottlenecks.h"
 #include "regexp/regexp.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <set>
 #include <sstream>
 
 namespace corvane_tests {
 namespace {
 
-std::string labels(const RE_Tree& tree) {
+auto nodesOf(const RE_Tree& tree) { return RE_Collection::reachable(const_cast<RE_Node*>(tree.getRoot())); }
+
+template <class Nodes>
+std::string labels(const Nodes& nodes) {
     std::string all;
-    for (const RE_Node* node : RE_Collection::reachable(const_cast<RE_Node*>(tree.getRoot()))) {
-        all += (all.empty() ? "" : "; ") + node->label();
-    }
+    for (const RE_Node* node : nodes) all += (all.empty() ? "" : "; ") + node->label();
     return all;
 }
 
@@ -78,7 +81,7 @@ const Case kCases[] = {
 TEST(Passes, MakeTheseGraphs) {
     for (const Case& c : kCases) {
         const Engine engine(c.pattern, c.flags, c.config);
-        EXPECT_EQ(c.labels, labels(engine.tree()));
+        EXPECT_EQ(c.labels, labels(nodesOf(engine.tree())));
     }
 }
 
@@ -109,6 +112,61 @@ TEST(Passes, MakeTheSameGraphWithAndWithoutAWitness) {
         const std::string watched =
             RE_Tree::graphAfter(RE_Stage::dot_star, pattern.data(), pattern.size(), 0x32, &context);
         ASSERT_EQ(sortedLines(watched), sortedLines(tree.graph())) << printable(pattern);
+    }
+}
+
+template <class Nodes>
+std::pmr::vector<RE_Node*> bottlenecks(const Nodes& nodes, RE_Node* root) {
+    RE_Context host;
+    RE_ParserContext context(&host, nullptr, 0);
+    std::pmr::vector<RE_Node*> kept(nodes.begin(), nodes.end());
+    keepBottlenecks(context, root, kept);
+    return kept;
+}
+
+TEST(Passes, KnowWhatEveryMatchPasses) {
+    const struct { const char16_t* pattern; const char* labels; } cases[] = {
+        {u"ab(?:cd|e\\d)fg", "Match 'ab'; Dispatch to 2 ways; Match 'fg'; End"},
+        {u"a(?:b(?:cd)?)*e", "Match 'a'; Dispatch to 2 ways; Match 'e'; End"},
+        {u"a(?:bc)+d", "Match 'a'; Match 'bc'; Dispatch to 2 ways; Match 'd'; End"},
+        {u"a(?=bc)d", "Match 'a'; Lookaround Ahead; Match 'd'; End"},
+        {u"a(?>bc|d)e", "Match 'a'; Atomic group; Match 'e'; End"},
+        {u"(a)b\\1c", "Token start #1; Match 'a'; Token end #1; Match 'b'; Match Token 1"},
+        {u"x(?(?=a)bc|de)f", "Match 'x'; Lookaround Ahead; Match 'f'; End"},
+    };
+    for (const auto& c : cases) {
+        const Engine engine(c.pattern, 0x12, kLinear);
+        const auto nodes = nodesOf(engine.tree());
+        EXPECT_EQ(c.labels, labels(bottlenecks(nodes, nodes.front()))) << printable(c.pattern);
+    }
+    // From within a body no way leads to an end of the pattern.
+    const Engine engine(u"(?>a|bc)d", 0x12, kLinear);
+    const auto nodes = nodesOf(engine.tree());
+    EXPECT_EQ(labels(nodes), labels(bottlenecks(nodes, nodeAs<RE_Atomic>(nodes.front())->body)));
+}
+
+bool endsWithout(RE_Node* root, const RE_Node* avoided) {
+    std::set<RE_Node*> seen;
+    std::vector<RE_Node*> pending{root};
+    while (!pending.empty()) {
+        RE_Node* const node = pending.back();
+        pending.pop_back();
+        if (node == nullptr || node == avoided || !seen.insert(node).second) continue;
+        if (!forEachStep(*node, [&](RE_Node* target) { pending.push_back(target); })) return true;
+    }
+    return false;
+}
+
+TEST(Passes, KnowWhatEveryMatchPassesInRandomPatterns) {
+    PatternSource source(7);
+    for (int count = 0; count < 300; ++count) {
+        const std::u16string pattern = widen(source.pattern({}));
+        const RE_Tree tree(pattern, false);
+        const auto nodes = nodesOf(tree);
+        std::vector<RE_Node*> expected;
+        std::ranges::copy_if(nodes, std::back_inserter(expected),
+                             [&](const RE_Node* node) { return !endsWithout(nodes.front(), node); });
+        ASSERT_EQ(labels(expected), labels(bottlenecks(nodes, nodes.front()))) << printable(pattern);
     }
 }
 

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <memory_resource>
 
 void RE_Branch_Start::addAll(const RE_Unit_Set& units) {
     for (std::size_t block = 0; block < tableUnits / 64; ++block) {
@@ -16,9 +17,8 @@ void RE_Branch_Start::addAll(const RE_Unit_Set& units) {
 }
 
 void RE_Branch_Start::addEverything() {
-    for (std::size_t column = 0; column < columns; ++column) {
-        addColumn(column);
-    }
+    bits.fill(~std::uint64_t{0});
+    bits.back() >>= 64 * bits.size() - columns;
 }
 
 std::size_t RE_Branch_Start::count() const {
@@ -36,6 +36,54 @@ void RE_Branch_Start::addChangesTo(RE_Branch_Start& changes) const {
     }
 }
 
+namespace {
+
+/// Lists of ways, one behind another, each once.
+class Way_Lists {
+public:
+    Way_Lists(std::uint32_t lastMark, std::pmr::memory_resource* memory)
+        : lastOfList(lastMark), entries(memory), known(memory) {
+        entries.reserve(usualEntries);
+        entries.push_back(0);
+        known.reserve(usualLists);
+    }
+
+    /// The place of the list of the branches that can begin with the column; 0 when there are none.
+    std::uint32_t placeOf(RE_Dispatch::Branches branches, std::size_t column) {
+        const std::size_t first = entries.size();
+        for (std::uint32_t way = 0; way < branches.size(); ++way) {
+            if (branches[way].start.holds(column)) {
+                entries.push_back(way * 2);
+            }
+        }
+        if (entries.size() == first) {
+            return 0;
+        }
+        entries.back() |= lastOfList;
+        // The mark is part of what is compared: lists of different lengths are never equal.
+        for (const std::uint32_t place : known) {
+            if (std::equal(entries.begin() + first, entries.end(), entries.begin() + place)) {
+                entries.resize(first);
+                return place;
+            }
+        }
+        known.push_back(static_cast<std::uint32_t>(first));
+        return known.back();
+    }
+
+    const std::pmr::vector<std::uint32_t>& all() const { return entries; }
+
+private:
+    static constexpr std::size_t usualEntries = 64;
+    static constexpr std::size_t usualLists = 16;
+
+    std::uint32_t lastOfList;
+    std::pmr::vector<std::uint32_t> entries;
+    std::pmr::vector<std::uint32_t> known;  ///< places
+};
+
+}  // namespace
+
 // Neighbouring columns mostly have the same list.
 RE_Dispatch::RE_Dispatch(RE_ParserContext& context, Branches branches) : RE_Node(context) {
     ways.reserve(branches.size());
@@ -44,8 +92,7 @@ RE_Dispatch::RE_Dispatch(RE_ParserContext& context, Branches branches) : RE_Node
         ways.push_back(branch.node);
         branch.start.addChangesTo(changes);
     }
-    std::pmr::vector<std::uint32_t> known(&context.scratch);
-    std::pmr::vector<std::uint32_t> list(branches.size(), &context.scratch);
+    Way_Lists lists(lastOfList, &context.scratch);
     std::uint32_t* filled = firstPlace.data();
     std::uint32_t place = nowhere;
     changes.forEachColumn([&](std::size_t column) {
@@ -53,34 +100,10 @@ RE_Dispatch::RE_Dispatch(RE_ParserContext& context, Branches branches) : RE_Node
             return;
         }
         filled = std::fill_n(filled, firstPlace.data() + column - filled, place);
-        std::uint32_t* end = list.data();
-        for (std::size_t way = 0; way < branches.size(); ++way) {
-            *end = static_cast<std::uint32_t>(way * 2);
-            end += branches[way].start.holds(column) ? 1 : 0;
-        }
-        place = nowhere;
-        if (end != list.data()) {
-            end[-1] |= lastOfList;
-            place = placeOf({list.data(), end}, known);
-        }
+        place = lists.placeOf(branches, column);
     });
     std::fill(filled, firstPlace.data() + firstPlace.size(), place);
-}
-
-// The mark of the last entry is part of what is compared: lists of different lengths are never equal.
-std::uint32_t RE_Dispatch::placeOf(std::span<const std::uint32_t> list,
-                                   std::pmr::vector<std::uint32_t>& known) {
-    const auto standsAt = [&](std::uint32_t place) {
-        return places.size() - place >= list.size() &&
-               std::equal(list.begin(), list.end(), places.begin() + place);
-    };
-    const auto same = std::ranges::find_if(known, standsAt);
-    if (same != known.end()) {
-        return *same;
-    }
-    known.push_back(static_cast<std::uint32_t>(places.size()));
-    places.insert(places.end(), list.begin(), list.end());
-    return known.back();
+    places.assign(lists.all().begin(), lists.all().end());
 }
 
 bool RE_Dispatch::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {

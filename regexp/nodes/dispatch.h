@@ -9,7 +9,6 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <memory_resource>
 #include <span>
 #include <string>
 #include <vector>
@@ -96,9 +95,6 @@ public:
 private:
     static constexpr std::uint32_t nowhere = 0;
 
-    /// The place of this list, which is added unless it stands there already.
-    std::uint32_t placeOf(std::span<const std::uint32_t> list, std::pmr::vector<std::uint32_t>& known);
-
     RE_Node* take(std::uint32_t place, const char16_t* p, RE_Search_Info& info) const {
         const std::uint32_t entry = places[place];
         if ((entry & lastOfList) != 0) {
@@ -112,7 +108,7 @@ private:
     static constexpr std::uint32_t lastOfList = 1;
     /// Lists of ways, one behind another; equal lists stand here once. An entry is twice the index of the
     /// way, and one more when the list ends with it. The first entry is none.
-    std::vector<std::uint32_t, RE_Allocator<std::uint32_t>> places{0};
+    std::vector<std::uint32_t, RE_Allocator<std::uint32_t>> places;
     std::array<std::uint32_t, RE_Branch_Start::columns> firstPlace{};
 };
 template <>

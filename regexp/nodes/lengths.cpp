@@ -52,41 +52,54 @@ void measure(RE_Node& node) {
         following.maxBounded ? addSaturated(width, following.maxLength) : RE_Node::unboundedLength;
 }
 
-void begin(RE_Node& node) {
-    node.visited = true;
-    node.maxBounded = false;
-    node.minLength = 0;
-    node.maxLength = RE_Node::unboundedLength;
-}
+/// The nodes that are being measured, and those that were begun.
+struct Measuring {
+    explicit Measuring(std::pmr::memory_resource* memory) : pending(memory), begun(memory) {
+        pending.reserve(usualNodes);
+        begun.reserve(usualNodes);
+    }
+
+    /// Begins with the node, and with those behind it as long as one way leads on, as it does from a run.
+    void begin(RE_Node* node) {
+        while (!node->visited) {
+            node->visited = true;
+            node->maxBounded = false;
+            node->minLength = 0;
+            node->maxLength = RE_Node::unboundedLength;
+            begun.push_back(node);
+            pending.push_back({node, true});
+            if (node->kind != RE_Node_Kind::run && !hasOneWay(*node)) {
+                forEachLink(*node, [this](RE_Node* target, RE_Link way) {
+                    if (target != nullptr && isOnward(way)) {
+                        pending.push_back({target, false});
+                    }
+                });
+                return;
+            }
+            node = node->nextNode;
+        }
+    }
+
+    std::pmr::vector<Entry> pending;
+    std::pmr::vector<RE_Node*> begun;
+};
 
 }  // namespace
 
 void RE_Node::computeLengths() {
     RE_Scratch_Memory scratch;
-    std::pmr::vector<Entry> stack({{this, false}}, &scratch);
-    std::pmr::vector<RE_Node*> measured(&scratch);
-    stack.reserve(usualNodes);
-    measured.reserve(usualNodes);
-    while (!stack.empty()) {
-        const Entry entry = stack.back();
-        stack.pop_back();
+    Measuring measuring(&scratch);
+    measuring.begin(this);
+    while (!measuring.pending.empty()) {
+        const Entry entry = measuring.pending.back();
+        measuring.pending.pop_back();
         if (entry.waysMeasured) {
             measure(*entry.node);
-            continue;
+        } else {
+            measuring.begin(entry.node);
         }
-        if (entry.node->visited) {
-            continue;
-        }
-        begin(*entry.node);
-        measured.push_back(entry.node);
-        stack.push_back({entry.node, true});
-        forEachLink(*entry.node, [&stack](RE_Node* target, RE_Link way) {
-            if (target != nullptr && isOnward(way)) {
-                stack.push_back({target, false});
-            }
-        });
     }
-    for (RE_Node* node : measured) {
+    for (RE_Node* node : measuring.begun) {
         node->visited = false;
     }
 }

@@ -97,12 +97,15 @@ void RE_Grammar::readUnit() {
 // Under free spacing what follows may not count.
 void RE_Grammar::readLiterals() {
     addLiteral(text[at], at);
-    const std::size_t second = ++at;
-    while (at < length && isPlain(text[at]) && !has(RE_FLAG_FREE_SPACING)) {
-        ++at;
+    const char16_t* const second = text + ++at;
+    const char16_t* const last = has(RE_FLAG_FREE_SPACING) ? second : text + length;
+    const char16_t* end = second;
+    while (end < last && isPlain(*end)) {
+        ++end;
     }
-    if (at > second) {
-        tree.extendText(frame().branch, text + second, at - second, flags());
+    if (end != second) {
+        tree.extendText(frame().branch, second, static_cast<std::size_t>(end - second), flags());
+        at += static_cast<std::size_t>(end - second);
     }
 }
 

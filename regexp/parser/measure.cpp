@@ -68,10 +68,19 @@ public:
     /// An item that holds no others.
     void leaf(std::uint32_t index) {
         RE_Syntax& it = tree[index];
-        if (it.kind == RE_Syntax_Kind::literal || it.kind == RE_Syntax_Kind::text) {
-            it.least = it.most = it.nodes = it.kind == RE_Syntax_Kind::text ? it.number : 1;
-        } else {
-            item(index);
+        switch (it.kind) {
+            case RE_Syntax_Kind::text:
+                it.least = it.most = it.nodes = it.number;
+                break;
+            case RE_Syntax_Kind::literal:
+            case RE_Syntax_Kind::range:
+            case RE_Syntax_Kind::escaped:
+            case RE_Syntax_Kind::set:
+            case RE_Syntax_Kind::dot:
+                it.least = it.most = it.nodes = 1;
+                break;
+            default:
+                item(index);
         }
     }
 
@@ -79,23 +88,42 @@ private:
     // Children of a sequence add up; of anything else they are alternatives.
     void gather(std::uint32_t index) {
         RE_Syntax& it = tree[index];
+        if (it.firstChild == RE_Syntax::none) {
+            return;
+        }
+        takeOver(it, tree[it.firstChild]);
         const bool inSequence = it.kind == RE_Syntax_Kind::sequence;
-        bool first = true;
-        for (std::uint32_t child = it.firstChild; child != RE_Syntax::none; child = tree[child].nextSibling) {
+        it.nodes = addSaturated(it.nodes, inSequence ? 0 : 2);
+        for (std::uint32_t child = tree[it.firstChild].nextSibling; child != RE_Syntax::none;) {
             const RE_Syntax& part = tree[child];
-            it.least = inSequence ? addSaturated(it.least, part.least)
-                                  : (first ? part.least : std::min(it.least, part.least));
-            it.most = inSequence ? addSaturated(it.most, part.most) : std::max(it.most, part.most);
-            it.nodes = addSaturated(it.nodes, addSaturated(part.nodes, inSequence ? 0 : 2));
+            if (inSequence) {
+                it.least = addSaturated(it.least, part.least);
+                it.most = addSaturated(it.most, part.most);
+                it.nodes = addSaturated(it.nodes, part.nodes);
+                it.emptyPasses = std::min(it.emptyPasses + part.emptyPasses - 1, emptyPassCeiling);
+            } else {
+                it.least = std::min(it.least, part.least);
+                it.most = std::max(it.most, part.most);
+                it.nodes = addSaturated(it.nodes, addSaturated(part.nodes, 2));
+                it.emptyPasses = std::max(it.emptyPasses, part.emptyPasses);
+            }
             it.guards = std::max(it.guards, part.guards);
             it.closed = std::max(it.closed, part.closed);
-            it.captures = it.captures || part.captures;
-            it.evaluates = it.evaluates || part.evaluates;
-            const std::uint32_t passes = inSequence && !first ? it.emptyPasses + part.emptyPasses - 1
-                                                              : std::max(it.emptyPasses, part.emptyPasses);
-            it.emptyPasses = std::min(passes, emptyPassCeiling);
-            first = false;
+            it.captures |= part.captures;
+            it.evaluates |= part.evaluates;
+            child = part.nextSibling;
         }
+    }
+
+    static void takeOver(RE_Syntax& it, const RE_Syntax& part) {
+        it.least = part.least;
+        it.most = part.most;
+        it.nodes = part.nodes;
+        it.emptyPasses = part.emptyPasses;
+        it.guards = part.guards;
+        it.closed = part.closed;
+        it.captures = part.captures;
+        it.evaluates = part.evaluates;
     }
 
     void closedBody(RE_Syntax& it) {

@@ -3,6 +3,27 @@
 #include "regexp/nodes/seeker.h"
 
 #include <algorithm>
+#include <span>
+
+namespace {
+
+// Mostly the numbers lie close together: then each has a place of its own.
+void sortByNumber(std::span<RE_Node*> nodes, std::uint64_t lastNumber, std::pmr::memory_resource* memory) {
+    static constexpr std::size_t mostPlacesANode = 16;
+    const std::uint64_t first = (*std::ranges::min_element(nodes, {}, &RE_Node::nodeId))->nodeId;
+    const std::uint64_t count = lastNumber - first + 1;
+    if (count / mostPlacesANode > nodes.size()) {
+        std::ranges::sort(nodes, {}, &RE_Node::nodeId);
+        return;
+    }
+    std::pmr::vector<RE_Node*> places(count, nullptr, memory);
+    for (RE_Node* node : nodes) {
+        places[node->nodeId - first] = node;
+    }
+    std::ranges::copy_if(places, nodes.begin(), [](const RE_Node* node) { return node != nullptr; });
+}
+
+}  // namespace
 
 RE_ParserContext::RE_ParserContext(RE_Context* host, RE_Node* outerNode, RE_Flags patternFlags)
     : context(host), outer(outerNode), flags(patternFlags), facts(new RE_Graph_Facts) {}
@@ -51,7 +72,7 @@ std::size_t RE_ParserContext::handOver(RE_Node* root) {
     made.clear();
     facts->store.keepChunksOf(facts->nodes);
     if (renumbers) {
-        std::ranges::sort(facts->nodes, {}, &RE_Node::nodeId);
+        sortByNumber(facts->nodes, nodeCount, &scratch);
     }
     return facts->nodes.size();
 }

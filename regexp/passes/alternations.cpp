@@ -33,22 +33,20 @@ RE_Split* innerSplit(RE_Node* node) {
 
 /// The splits that no other split leads to alone, the last ones first, so that a choice within a branch is
 /// rewritten before the choice of the branch.
-std::pmr::vector<RE_Split*> firstSplits(const RE_Collection::Nodes& nodes,
-                                        std::pmr::memory_resource* memory) {
-    std::pmr::vector<RE_Split*> inner(memory);
-    std::pmr::vector<RE_Split*> first(memory);
+std::pmr::vector<RE_Split*> firstSplits(RE_ParserContext& context, const RE_Collection::Nodes& nodes) {
+    const std::uint32_t walk = context.nextWalk();
+    std::pmr::vector<RE_Split*> first(&context.scratch);
     for (RE_Node* node : nodes) {
         if (RE_Split* const split = plainSplit(node)) {
             for (RE_Node* way : {split->nextNode, split->alternative}) {
-                if (RE_Split* const other = innerSplit(way)) {
-                    inner.push_back(other);
+                if (RE_Split* const inner = innerSplit(way)) {
+                    inner->walk = walk;
                 }
             }
             first.push_back(split);
         }
     }
-    std::ranges::sort(inner);
-    std::erase_if(first, [&](RE_Split* split) { return std::ranges::binary_search(inner, split); });
+    std::erase_if(first, [walk](const RE_Split* split) { return split->walk == walk; });
     std::ranges::reverse(first);
     return first;
 }
@@ -61,8 +59,8 @@ const RE_Unit_Set* knownUnits(const RE_Node* node) {
     if (const auto* loop = nodeAs<RE_Consume>(node)) {
         return loop->minimum > 0 ? loop->units.get() : nullptr;
     }
-    const auto* const members = nodeAs<RE_Unit_Class>(node);
-    return members != nullptr && !members->hasFailNode() ? members->set.get() : nullptr;
+    const auto* const unit = nodeAs<RE_Unit_Test>(node);
+    return unit != nullptr && !unit->hasFailNode() ? unit->table() : nullptr;
 }
 
 /// The unit that a literal begins with, where no other will do.
@@ -91,8 +89,7 @@ RE_Branch_Start startOf(RE_ParserContext& context, RE_Node* branch) {
         return start;
     }
     RE_First_Units first(context);
-    if (first.gather(branch, mostNodesOfBranch) && !first.mayBeEmpty && !first.endsBody) {
-        start.addAll(*first.units);
+    if (first.gatherStart(start, branch, mostNodesOfBranch) && !first.mayBeEmpty && !first.endsBody) {
         if (first.mayBeAtEnd) {
             start.addEnd();
         }
@@ -212,7 +209,7 @@ RE_Node* joinAlternations(RE_ParserContext& context, RE_Node* root) {
         return root;
     }
     {
-        const std::pmr::vector<RE_Split*> splits = firstSplits(context.nodes(root), &context.scratch);
+        const std::pmr::vector<RE_Split*> splits = firstSplits(context, context.nodes(root));
         if (splits.empty()) {
             return root;
         }

@@ -12,12 +12,46 @@
 #include "regexp/nodes/trivial.h"
 #include "regexp/nodes/units.h"
 
+#include <array>
+
+namespace {
+
+using Meetings = std::array<std::array<bool, RE_Unit_Classes::count>, RE_Unit_Classes::count>;
+
+Meetings meetingsOfClasses() {
+    const auto classes = RE_Unit_Classes::get().all();
+    Meetings meetings{};
+    for (std::size_t i = 0; i < classes.size(); ++i) {
+        for (std::size_t j = 0; j < classes.size(); ++j) {
+            meetings[i][j] = classes[i]->meets(*classes[j]);
+        }
+    }
+    return meetings;
+}
+
+bool meet(const RE_Unit_Set& one, const RE_Unit_Set& other) {
+    const std::size_t number = RE_Unit_Classes::numberOf(one);
+    const std::size_t otherNumber = RE_Unit_Classes::numberOf(other);
+    if (number == RE_Unit_Classes::count || otherNumber == RE_Unit_Classes::count) {
+        return one.meets(other);
+    }
+    static const Meetings meetings = meetingsOfClasses();
+    return meetings[number][otherNumber];
+}
+
+}  // namespace
+
 bool RE_First_Units::gather(RE_Node* from, std::size_t mostNodes) {
     const bool isKnown = run(from, mostNodes);
     if (isKnown) {
         units = gathered.take();
     }
     return isKnown;
+}
+
+bool RE_First_Units::gatherStart(RE_Branch_Start& into, RE_Node* from, std::size_t mostNodes) {
+    start = &into;
+    return run(from, mostNodes);
 }
 
 bool RE_First_Units::avoids(const RE_Unit_Set& set, RE_Node* from, std::size_t mostNodes) {
@@ -113,7 +147,9 @@ bool RE_First_Units::visitTest(RE_Node* node) {
 }
 
 void RE_First_Units::addUnit(char16_t unit) {
-    if (avoided == nullptr) {
+    if (start != nullptr) {
+        start->add(unit);
+    } else if (avoided == nullptr) {
         gathered.add(unit);
     } else {
         known = known && !avoided->contains(unit);
@@ -121,17 +157,19 @@ void RE_First_Units::addUnit(char16_t unit) {
 }
 
 void RE_First_Units::addSet(const RE_Unit_Set& set) {
-    if (avoided == nullptr) {
+    if (start != nullptr) {
+        start->addAll(set);
+    } else if (avoided == nullptr) {
         gathered.addAll(set);
     } else {
-        known = known && !avoided->meets(set);
+        known = known && !meet(*avoided, set);
     }
 }
 
 void RE_First_Units::addConsumable(const RE_Consumable& unit) {
     if (const RE_Unit_Set* const table = unit.table()) {
         addSet(*table);
-    } else if (avoided == nullptr) {
+    } else if (avoided == nullptr && start == nullptr) {
         gathered.addConsumable(unit);
     } else if (unit.kind == RE_Node_Kind::literal) {
         addUnit(static_cast<char16_t>(static_cast<const RE_Natural&>(unit).ch));

@@ -13,6 +13,7 @@
 #include <vector>
 
 class RE_String;
+struct RE_Branch_Start;
 
 /// Looks at the units that the nodes reachable without consuming can consume first. Used once.
 class RE_First_Units {
@@ -26,6 +27,8 @@ public:
 
     /// Gathers them. False when nothing can be said, also when more than `mostNodes` would have to be looked at.
     bool gather(RE_Node* from, std::size_t mostNodes = anyNumber);
+    /// Gathers no more of them than a choice between branches asks for. What may be there besides is left to the caller.
+    bool gatherStart(RE_Branch_Start& into, RE_Node* from, std::size_t mostNodes);
     /// Whether none of them is in the set. Gathers nothing, and is over as soon as one is found.
     bool avoids(const RE_Unit_Set& set, RE_Node* from, std::size_t mostNodes);
 
@@ -54,5 +57,6 @@ private:
     std::uint32_t walk;
     std::size_t seen = 0;
     const RE_Unit_Set* avoided = nullptr;  ///< null while units are gathered
+    RE_Branch_Start* start = nullptr;      ///< in place of the units themselves
     bool known = true;
 };

@@ -112,42 +112,45 @@ struct Share {
     double beyond = 0;
 };
 
-/// Sums of the likelihoods of many units. The same classes come at place after place.
+/// What is known of sets of ASCII units. The same ones come at place after place.
 class Ascii_Shares {
 public:
-    double of(std::uint64_t low, std::uint64_t high) {
+    struct Known {
+        std::uint64_t low = 0;
+        std::uint64_t high = 0;
+        double share = 0;  ///< sum of the likelihoods
+        int count = 0;
+    };
+
+    const Known& of(std::uint64_t low, std::uint64_t high) {
         for (const Known& entry : known) {
             if (entry.low == low && entry.high == high) {
-                return entry.share;
+                return entry;
             }
         }
-        const double share = asciiLikelihood(low, high);
-        known[next++ % known.size()] = {low, high, share};
-        return share;
+        Known& entry = known[next++ % known.size()];
+        entry = {low, high, asciiLikelihood(low, high), std::popcount(low) + std::popcount(high)};
+        return entry;
     }
 
 private:
-    struct Known {
-        std::uint64_t low;
-        std::uint64_t high;
-        double share;
-    };
-    std::array<Known, 8> known{};
+    std::array<Known, 8> known;
     std::size_t next = 0;
 };
 
-Share shareOf(const Bytes& bytes, bool saturates, Ascii_Shares& shares) {
+Share shareOf(const RE_Byte_Sets& sets, bool saturates, Ascii_Shares& shares) {
     static constexpr double usualLetters = 40;  // of a script that is not Latin
+    const Bytes& bytes = saturates ? sets.latin : sets.lowBytes;
+    const Ascii_Shares::Known& ascii = shares.of(bytes[0], bytes[1]);
     Share share;
-    share.ascii = shares.of(bytes[0], bytes[1]);
+    share.ascii = ascii.share;
     if (saturates) {
-        const bool anyBeyond = (bytes[3] >> 63) != 0;
-        share.beyond = anyBeyond ? 1 : 0;
+        share.beyond = sets.beyondLatin || (bytes[3] >> 63) != 0 ? 1 : 0;
         return share;
     }
-    int foreign = 0;
-    for (const std::uint64_t bits : bytes) {
-        foreign += std::popcount(bits);
+    int foreign = ascii.count;
+    if ((bytes[2] | bytes[3]) != 0) {
+        foreign += std::popcount(bytes[2]) + std::popcount(bytes[3]);
     }
     share.beyond = std::min(foreign / usualLetters, 1.0);
     return share;
@@ -164,12 +167,11 @@ public:
           shares(units.get_allocator()),
           soFar(units.size(), {1, beyondLatinLikelihood}, units.get_allocator()) {
         shares.reserve(prefixes.size() * places);
-        for (const RE_Prefix_Units& prefix : prefixes) {
-            for (std::size_t place = 0; place < places; ++place) {
+        for (std::size_t place = 0; place < places; ++place) {
+            for (const RE_Prefix_Units& prefix : prefixes) {
                 const bool repeats = place != 0 && prefix.places[place] == prefix.places[place - 1];
-                shares.push_back(
-                    repeats ? shares.back()
-                            : shareOf(throughLens(prefix.places[place], saturates), saturates, ascii));
+                shares.push_back(repeats ? shares[shares.size() - prefixes.size()]
+                                         : shareOf(prefix.places[place], saturates, ascii));
             }
         }
     }
@@ -208,40 +210,46 @@ private:
     std::pair<std::size_t, double> bestFurtherPlace() {
         std::pair<std::size_t, double> best{0, 2};
         for (std::size_t place = 0; place < places; ++place) {
-            const auto last = choice.begin() + static_cast<std::ptrdiff_t>(chosen);
-            if (std::find(choice.begin(), last, place) != last) {
-                continue;
+            const double with = (taken >> place & 1) == 0 ? likelihoodWith(place) : best.second;
+            if (with < best.second) {
+                best = {place, with};
             }
-            const double with = likelihoodWith(place);
-            best = with < best.second ? std::pair{place, with} : best;
         }
         return best;
     }
 
     void take(std::size_t place) {
         choice[chosen++] = place;
-        for (std::size_t i = 0; i < prefixes.size(); ++i) {
-            soFar[i].ascii *= shares[i * places + place].ascii;
-            soFar[i].beyond *= shares[i * places + place].beyond;
+        taken |= std::uint32_t{1} << place;
+        const Share* share = sharesAt(place);
+        for (Share& known : soFar) {
+            known.ascii *= share->ascii;
+            known.beyond *= share->beyond;
+            ++share;
         }
     }
 
     double likelihoodWith(std::size_t place) const {
         double sum = 0;
-        for (std::size_t i = 0; i < prefixes.size(); ++i) {
-            const Share& share = shares[i * places + place];
-            sum += soFar[i].ascii * share.ascii + soFar[i].beyond * share.beyond;
+        const Share* share = sharesAt(place);
+        for (const Share& known : soFar) {
+            sum += known.ascii * share->ascii + known.beyond * share->beyond;
+            ++share;
         }
         return sum;
     }
 
+    /// One for each prefix.
+    const Share* sharesAt(std::size_t place) const { return shares.data() + place * prefixes.size(); }
+
     const std::pmr::vector<RE_Prefix_Units>& prefixes;
     std::size_t places;
     bool saturates;
-    std::pmr::vector<Share> shares;  ///< by prefix, then by place
+    std::pmr::vector<Share> shares;  ///< by place, then by prefix
     std::pmr::vector<Share> soFar;   ///< of each prefix, at the chosen places together
     std::array<std::size_t, RE_Prefix_Scan::mostUnits> choice{};
     std::size_t chosen = 0;
+    std::uint32_t taken = 0;  ///< those that were chosen, one bit each
 };
 
 }  // namespace

@@ -29,6 +29,13 @@ void RE_Byte_Sets::add(char16_t unit) {
     }
 }
 
+void RE_Byte_Sets::addAscii(const RE_Ascii_Units& units) {
+    for (std::size_t j = 0; j < units.size(); ++j) {
+        latin[j] |= units[j];
+        lowBytes[j] |= units[j];
+    }
+}
+
 void RE_Byte_Sets::addAll(const RE_Unit_Set& units) {
     // One group of those that are alike stands for all.
     const std::size_t blocks = std::min((units.variedBlocks() / 4 + 2) * 4, RE_Unit_Set::unitCount / 64);
@@ -168,16 +175,43 @@ void RE_Prefix_Units::visitString(const RE_String& string, std::size_t place) {
 }
 
 void RE_Prefix_Units::visitLiterals(const RE_Literal_Set& set, std::size_t place) {
+    std::uint32_t ends = 0;  // one bit each
+    std::array<RE_Ascii_Units, mostPlaces> ascii{};
     for (std::size_t i = 0; i < set.literals.count(); ++i) {
         const std::u16string_view text = set.literals.text(i);
-        addText(text, set.literals.ignoresCase(), place);
-        reach(set.nextNode, place + text.size());
+        ends |= std::uint32_t{1} << std::min(place + text.size(), mostPlaces);
+        if (set.literals.ignoresCase()) {
+            addText(text, true, place);
+            continue;
+        }
+        for (std::size_t at = place; at < std::min(place + text.size(), mostPlaces); ++at) {
+            if (const char16_t unit = text[at - place]; unit < 128) {
+                ascii[at][unit / 64] |= std::uint64_t{1} << (unit % 64);
+            } else {
+                places[at].add(unit);
+            }
+        }
+    }
+    for (std::size_t at = place; at < mostPlaces; ++at) {
+        places[at].addAscii(ascii[at]);
+    }
+    for (std::size_t end = place; end < mostPlaces; ++end) {
+        if ((ends >> end & 1) != 0) {
+            reach(set.nextNode, end);
+        }
     }
 }
 
 void RE_Prefix_Units::addText(std::u16string_view text, bool ignoreCase, std::size_t place) {
-    for (std::size_t i = 0; i < text.size() && place + i < mostPlaces; ++i) {
-        addLiteral(text[i], ignoreCase, place + i);
+    const std::size_t end = std::min(text.size(), mostPlaces - place);
+    if (ignoreCase) {
+        for (std::size_t i = 0; i < end; ++i) {
+            addFolded(text[i], place + i);
+        }
+        return;
+    }
+    for (std::size_t i = 0; i < end; ++i) {
+        places[place + i].add(text[i]);
     }
 }
 
@@ -195,10 +229,6 @@ void RE_Prefix_Units::visitLoop(const RE_Consume& loop, std::size_t place) {
     }
 }
 
-void RE_Prefix_Units::addLiteral(char16_t unit, bool ignoreCase, std::size_t place) {
-    if (!ignoreCase) {
-        places[place].add(unit);
-        return;
-    }
+void RE_Prefix_Units::addFolded(char16_t unit, std::size_t place) {
     RE_Case_Table::get().forEachForm(unit, [this, place](char16_t form) { places[place].add(form); });
 }

@@ -18,6 +18,9 @@ class RE_Consume;
 class RE_Literal_Set;
 class RE_String;
 
+/// Units below 0x80, one bit each.
+using RE_Ascii_Units = std::array<std::uint64_t, 2>;
+
 /// A set of units seen through two lenses of one byte each: their low bytes, and themselves, where all units
 /// from 0x100 on are one.
 struct RE_Byte_Sets {
@@ -26,6 +29,7 @@ struct RE_Byte_Sets {
     bool beyondLatin = false;
 
     void add(char16_t unit);
+    void addAscii(const RE_Ascii_Units& units);
     void addAll(const RE_Unit_Set& units);
     void addAll(const RE_Byte_Sets& other);
     bool operator==(const RE_Byte_Sets& other) const = default;
@@ -80,7 +84,7 @@ private:
     void addText(std::u16string_view text, bool ignoreCase, std::size_t place);
     void visitLoop(const RE_Consume& loop, std::size_t place);
     void endAt(std::size_t place) { known = place < known ? place : known; }
-    void addLiteral(char16_t unit, bool ignoreCase, std::size_t place);
+    void addFolded(char16_t unit, std::size_t place);
 
     std::pmr::vector<Reached> pending;
     std::uint32_t walk;

@@ -1,15 +1,53 @@
 #include "regexp/passes/unit_union.h"
 
+#include "regexp/nodes/units.h"
+
 #include <algorithm>
+#include <bit>
 #include <utility>
 
-void RE_Unit_Union::addAll(const RE_Unit_Set& set) {
-    if (std::ranges::find(known, &set) != known.end()) {
-        return;
+namespace {
+
+// Digits, spaces and words are the first of the named classes.
+constexpr std::size_t plainClasses = 3;
+
+/// What these classes hold together, as a set of the process.
+const RE_Unit_Set& unionOfClasses(std::size_t classes) {
+    const auto named = RE_Unit_Classes::get().all();
+    if (std::has_single_bit(classes)) {
+        return *named[static_cast<std::size_t>(std::countr_zero(classes))];
     }
-    known[added++ % known.size()] = &set;
-    if (gathered == nullptr && sole == nullptr) {
-        sole = &set;
+    static const auto unions = [&named] {
+        std::array<RE_Unit_Set, std::size_t{1} << plainClasses> all;
+        for (std::size_t i = 0; i < all.size(); ++i) {
+            for (std::size_t number = 0; number < plainClasses; ++number) {
+                if ((i >> number & 1) != 0) {
+                    all[i].addAll(*named[number]);
+                }
+            }
+        }
+        return all;
+    }();
+    return unions[classes];
+}
+
+/// Those that hold nearly all units first: little is left to be added to them.
+bool holdsMore(const RE_Unit_Set* one, const RE_Unit_Set* other) {
+    const bool oneIsOpen = one->contains(0xFFFF);
+    return oneIsOpen != other->contains(0xFFFF) ? oneIsOpen : one->variedBlocks() < other->variedBlocks();
+}
+
+}  // namespace
+
+void RE_Unit_Union::addAll(const RE_Unit_Set& set) {
+    const std::size_t number = RE_Unit_Classes::numberOf(set);
+    const auto last = parts.begin() + static_cast<std::ptrdiff_t>(partCount);
+    if (number < plainClasses) {
+        classes |= std::size_t{1} << number;
+    } else if (std::find(parts.begin(), last, &set) != last) {
+        return;
+    } else if (partCount < mostParts) {
+        parts[partCount++] = &set;
     } else {
         table().addAll(set);
     }
@@ -18,33 +56,58 @@ void RE_Unit_Union::addAll(const RE_Unit_Set& set) {
 void RE_Unit_Union::addConsumable(const RE_Consumable& unit) {
     if (const RE_Unit_Set* const units = unit.table()) {
         addAll(*units);
+    } else if (unit.kind == RE_Node_Kind::literal) {
+        add(static_cast<char16_t>(static_cast<const RE_Natural&>(unit).ch));
     } else {
         unit.addUnitsTo(table());
     }
 }
 
 void RE_Unit_Union::addText(std::u16string_view text, bool ignoreCase) {
-    RE_Unit_Set& set = table();
     for (const char16_t unit : text) {
         if (ignoreCase) {
-            RE_Case_Table::get().addFolding(set, unit, unit, false);
+            RE_Case_Table::get().forEachForm(unit, [this](char16_t form) { add(form); });
         } else {
-            set.add(unit);
+            add(unit);
         }
     }
 }
 
 std::shared_ptr<const RE_Unit_Set> RE_Unit_Union::take() {
-    if (gathered == nullptr && sole != nullptr) {
-        return {std::shared_ptr<const void>(), sole};
+    if (classes != 0) {
+        parts[partCount++] = &unionOfClasses(classes);
     }
-    table();
+    if (gathered == nullptr && partCount == 1 && holdsLow(*parts[0])) {
+        return {std::shared_ptr<const void>(), parts[0]};
+    }
+    addParts();
+    for (std::size_t block = 0; block < low.size(); ++block) {
+        for (std::uint64_t left = low[block]; left != 0; left &= left - 1) {
+            const std::size_t unit = 64 * block + static_cast<std::size_t>(std::countr_zero(left));
+            gathered->add(static_cast<char16_t>(unit));
+        }
+    }
     return std::move(gathered);
+}
+
+void RE_Unit_Union::addParts() {
+    const auto last = parts.begin() + static_cast<std::ptrdiff_t>(partCount);
+    std::sort(parts.begin(), last, holdsMore);
+    auto part = parts.begin();
+    if (gathered == nullptr && part != last) {
+        gathered = pool.copyOf(**part++);
+    }
+    RE_Unit_Set& all = table();
+    std::for_each(part, last, [&all](const RE_Unit_Set* set) { all.addAll(*set); });
+}
+
+bool RE_Unit_Union::holdsLow(const RE_Unit_Set& set) const {
+    return (low[0] & ~set.bits(0)) == 0 && (low[1] & ~set.bits(1)) == 0;
 }
 
 RE_Unit_Set& RE_Unit_Union::table() {
     if (gathered == nullptr) {
-        gathered = sole != nullptr ? pool.copyOf(*sole) : pool.blank();
+        gathered = pool.blank();
     }
     return *gathered;
 }

@@ -7,15 +7,22 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string_view>
 
-/// Gathers units, of which no table is made as long as they are those of one set.
+/// Gathers units. Until they are taken they lie in their sets: most often no other one has to be made.
 class RE_Unit_Union {
 public:
     explicit RE_Unit_Union(RE_Set_Pool& setPool) : pool(setPool) {}
 
-    void add(char16_t unit) { table().add(unit); }
+    void add(char16_t unit) {
+        if (unit < lowUnits) {
+            low[unit / 64] |= std::uint64_t{1} << (unit % 64);
+        } else {
+            table().add(unit);
+        }
+    }
     /// The set outlives what is made of it here: it belongs to a node, or to the process.
     void addAll(const RE_Unit_Set& set);
     void addConsumable(const RE_Consumable& unit);
@@ -24,12 +31,17 @@ public:
     std::shared_ptr<const RE_Unit_Set> take();
 
 private:
+    static constexpr std::size_t lowUnits = 128;
+    static constexpr std::size_t mostParts = 8;
+
     RE_Unit_Set& table();
+    bool holdsLow(const RE_Unit_Set& set) const;
+    void addParts();
 
     RE_Set_Pool& pool;
-    std::shared_ptr<RE_Unit_Set> gathered;
-    const RE_Unit_Set* sole = nullptr;  ///< the first set that was added, as long as it is all there is
-    /// Some that were added: many nodes share their sets.
-    std::array<const RE_Unit_Set*, 8> known{};
-    std::size_t added = 0;
+    std::shared_ptr<RE_Unit_Set> gathered;  ///< what is neither in a part nor low
+    std::array<const RE_Unit_Set*, mostParts + 1> parts{};
+    std::size_t partCount = 0;
+    std::size_t classes = 0;  ///< digits, spaces and words, one bit each
+    std::array<std::uint64_t, lowUnits / 64> low{};
 };

@@ -9,6 +9,7 @@
 #include "regexp/nodes/units.h"
 #include "regexp/parser/parser_context.h"
 
+#include <algorithm>
 #include <memory_resource>
 #include <span>
 #include <vector>
@@ -18,40 +19,44 @@ namespace {
 // Behind so many nodes an attempt has taken long enough for the way into the match loop not to count.
 constexpr std::size_t mostInstructions = 512;
 
-/// The nodes that a node leads to.
+/// The nodes that a node leads to, besides the ways of a choice.
 struct Exits {
-    Exits() = default;
-    Exits(RE_Node* following, RE_Node* failing = nullptr) : next(following), otherwise(failing) {}
-    explicit Exits(std::span<RE_Node* const> all) : ways(all) {}
-
     RE_Node* next = nullptr;
     RE_Node* otherwise = nullptr;
-    std::span<RE_Node* const> ways;
 };
+
+std::span<RE_Node* const> waysOf(const RE_Instruction& in) {
+    if (in.operation != RE_Operation::choose) {
+        return {};
+    }
+    return static_cast<const RE_Dispatch*>(in.node)->ways;
+}
 
 class Lowering {
 public:
     Lowering(RE_ParserContext& context, RE_Program& target)
-        : program(target), walk(context.nextWalk()), found(&context.scratch) {}
+        : program(target), walk(context.nextWalk()), found(&context.scratch) {
+        found.reserve(std::min(context.facts->nodes.size(), mostInstructions));
+    }
 
     void run(RE_Node* entry) {
         add(entry);
         // Grows while it is walked through.
         for (std::size_t i = 0; i < found.size(); ++i) {
-            const Exits exits = describe(*found[i].node, found[i].instruction);
+            RE_Instruction& in = found[i].instruction;
+            const Exits exits = describe(*in.node, in);
             found[i].exits = exits;
+            const std::span<RE_Node* const> ways = waysOf(in);
+            wayCount += ways.size();
             add(exits.next);
             add(exits.otherwise);
-            for (RE_Node* way : exits.ways) {
-                add(way);
-            }
+            std::ranges::for_each(ways, [this](RE_Node* way) { add(way); });
         }
         link();
     }
 
 private:
     struct Found {
-        RE_Node* node;
         RE_Instruction instruction;
         Exits exits;
     };
@@ -60,13 +65,13 @@ private:
         if (node != nullptr && node->walk != walk) {
             node->walk = walk;
             node->walkNote = static_cast<std::uint32_t>(found.size());
-            found.push_back({node, {}, {}});
-            found.back().instruction.node = node;
+            found.emplace_back().instruction.node = node;
         }
     }
 
-    Exits describe(RE_Node& node, RE_Instruction& in) const;
-    Exits describeRun(const RE_Consume& loop, RE_Operation operation, RE_Node* next, RE_Instruction& in) const;
+    Exits describe(const RE_Node& node, RE_Instruction& in) const;
+    Exits describeRun(const RE_Consume& loop, RE_Operation operation, RE_Node* next,
+                      RE_Instruction& in) const;
     Exits describeToken(const RE_Token& token, RE_Operation operation, RE_Instruction& in) const;
     Exits describeGlance(const RE_Lookaround_Assertion& test, RE_Instruction& in) const;
     Exits describeFolded(const RE_Natural_I& node, RE_Instruction& in) const;
@@ -75,7 +80,7 @@ private:
 
     const RE_Instruction* placeOf(const RE_Node* node) const {
         const std::size_t place = node != nullptr ? node->walkNote : found.size();
-        return &program.instructions[place];
+        return program.instructions.data() + place;
     }
 
     /// Moves what was found to where it stays.
@@ -84,29 +89,25 @@ private:
     RE_Program& program;
     std::uint32_t walk;
     std::pmr::vector<Found> found;
+    std::size_t wayCount = 0;
 };
 
+// Behind them all stands the one that fails.
 void Lowering::link() {
     program.instructions.reserve(found.size() + 1);
-    std::size_t wayCount = 0;
-    for (const Found& each : found) {
-        program.instructions.push_back(each.instruction);
-        wayCount += each.exits.ways.size();
-    }
-    program.instructions.emplace_back().operation = RE_Operation::failed;
     program.ways.reserve(wayCount);
-    for (std::size_t i = 0; i < found.size(); ++i) {
-        RE_Instruction& in = program.instructions[i];
-        const Exits& exits = found[i].exits;
-        in.next = placeOf(exits.next);
-        in.otherwise = placeOf(exits.otherwise);
+    for (const Found& each : found) {
+        RE_Instruction& in = program.instructions.emplace_back(each.instruction);
+        in.next = placeOf(each.exits.next);
+        in.otherwise = placeOf(each.exits.otherwise);
         if (in.operation == RE_Operation::choose) {
             in.ways = program.ways.data() + program.ways.size();
-        }
-        for (const RE_Node* way : exits.ways) {
-            program.ways.push_back(placeOf(way));
+            for (const RE_Node* way : waysOf(in)) {
+                program.ways.push_back(placeOf(way));
+            }
         }
     }
+    program.instructions.emplace_back().operation = RE_Operation::failed;
     if (program.instructions.front().operation != RE_Operation::leave) {
         program.entry = program.instructions.data();
     }
@@ -202,7 +203,7 @@ Exits unitTest(RE_Operation operation, const Unit& node, RE_Instruction& in) {
 }
 
 // What is left as it is gets no exits: nothing of the program stands behind it.
-Exits Lowering::describe(RE_Node& node, RE_Instruction& in) const {
+Exits Lowering::describe(const RE_Node& node, RE_Instruction& in) const {
     if (found.size() > mostInstructions) {
         return {};
     }
@@ -242,7 +243,7 @@ Exits Lowering::describe(RE_Node& node, RE_Instruction& in) const {
             return describeRun(static_cast<const RE_Consume&>(node), RE_Operation::run, node.nextNode, in);
         case RE_Node_Kind::dispatch: {
             in.operation = RE_Operation::choose;
-            return Exits(static_cast<const RE_Dispatch&>(node).ways);
+            return {};
         }
         case RE_Node_Kind::startToken: {
             const auto& start = static_cast<const RE_Start_Token&>(node);

@@ -1,5 +1,6 @@
 #include "regexp/seek/likelihood.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstddef>
@@ -30,8 +31,38 @@ constexpr std::array<double, 0x80> asciiLikelihoods() {
 }
 
 constexpr std::array<double, 0x80> ascii = asciiLikelihoods();
+/// Sums by four neighbouring units and by which of these there are.
+using Fours = std::array<std::array<double, 16>, ascii.size() / 4>;
+
+constexpr Fours fours = [] {
+    Fours sums{};
+    for (std::size_t four = 0; four < sums.size(); ++four) {
+        for (std::size_t held = 0; held < 16; ++held) {
+            for (std::size_t i = 0; i < 4; ++i) {
+                sums[four][held] += (held >> i & 1) != 0 ? ascii[4 * four + i] : 0;
+            }
+        }
+    }
+    return sums;
+}();
+
+double sumOfFours(std::uint64_t bits, const std::array<double, 16>* sums) {
+    double sum = 0;
+    while (bits != 0) {
+        const auto four = static_cast<std::size_t>(std::countr_zero(bits)) / 4;
+        sum += sums[four][bits >> (4 * four) & 0xF];
+        bits &= ~(std::uint64_t{0xF} << (4 * four));
+    }
+    return sum;
+}
+
 constexpr double foreignLetter = 0.005;
 constexpr double commonForeignLetter = 0.01;
+
+double summedLikelihood(const RE_Unit_Set& set) {
+    return asciiLikelihood(set.bits(0), set.bits(1)) +
+           (set.holdsAnyFrom(ascii.size()) ? beyondLatinLikelihood : 0);
+}
 
 }  // namespace
 
@@ -46,17 +77,19 @@ double unitLikelihood(char16_t unit) {
 }
 
 double asciiLikelihood(std::uint64_t low, std::uint64_t high) {
-    double sum = 0;
-    for (; low != 0; low &= low - 1) {
-        sum += ascii[static_cast<std::size_t>(std::countr_zero(low))];
-    }
-    for (; high != 0; high &= high - 1) {
-        sum += ascii[64 + static_cast<std::size_t>(std::countr_zero(high))];
-    }
-    return sum;
+    return sumOfFours(low, fours.data()) + sumOfFours(high, fours.data() + fours.size() / 2);
 }
 
 double setLikelihood(const RE_Unit_Set& set) {
-    return asciiLikelihood(set.bits(0), set.bits(1)) +
-           (set.holdsAnyFrom(ascii.size()) ? beyondLatinLikelihood : 0);
+    const std::size_t number = RE_Unit_Classes::numberOf(set);
+    if (number == RE_Unit_Classes::count) {
+        return summedLikelihood(set);
+    }
+    static const auto ofClasses = [] {
+        std::array<double, RE_Unit_Classes::count> all{};
+        std::ranges::transform(RE_Unit_Classes::get().all(), all.begin(),
+                               [](const RE_Unit_Set* units) { return summedLikelihood(*units); });
+        return all;
+    }();
+    return ofClasses[number];
 }
