@@ -5,6 +5,22 @@
 
 #include <new>
 
+namespace {
+
+/// Hands a request to stop back that came before the search, however that ends.
+class Interrupt_Aside {
+public:
+    explicit Interrupt_Aside(RE_Search_Info& search) : info(search) { info.putInterruptAside(); }
+    ~Interrupt_Aside() { info.handInterruptBack(); }
+    Interrupt_Aside(const Interrupt_Aside&) = delete;
+    Interrupt_Aside& operator=(const Interrupt_Aside&) = delete;
+
+private:
+    RE_Search_Info& info;
+};
+
+}  // namespace
+
 // The state is told of interrupts only while a search runs: a request that comes between two searches is for
 // the caller to see.
 RE_Match_Sequence::RE_Match_Sequence(const RE_Tree& pattern, std::u16string_view subject,
@@ -27,7 +43,17 @@ RE_Search_Info RE_Match_Sequence::freshState(std::u16string_view subject) {
                           &table, false);
 }
 
+// What the searches before hold is given back to the account that it was taken from.
 void RE_Match_Sequence::use(std::u16string_view subject) {
+    if (!watchesMemory) {
+        turnTo(subject);
+        return;
+    }
+    const RE_Memory_Account::Scope scope(account);
+    turnTo(subject);
+}
+
+void RE_Match_Sequence::turnTo(std::u16string_view subject) {
     const char16_t* const begin = subject.data() != nullptr ? subject.data() : u"";
     if (view) {
         view->subjectBegin = begin;
@@ -54,7 +80,6 @@ RE_Results* RE_Match_Sequence::find(std::size_t offset) {
         memoryFull = account.isOver();
         return memoryFull ? nullptr : search(offset);
     } catch (const RE_Ceiling_Reached&) {
-        info.handInterruptBack();
         memoryFull = true;
         return nullptr;
     }
@@ -85,10 +110,9 @@ RE_Results* RE_Match_Sequence::search(std::size_t offset) {
         return nullptr;
     }
     goOn();
-    info.putInterruptAside();
+    const Interrupt_Aside aside(info);
     std::size_t length = 0;
     found = tree.findMatch(info, offset, length) && !info.pollInterrupt();
-    info.handInterruptBack();
     return found ? see(length) : nullptr;
 }
 

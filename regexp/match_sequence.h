@@ -41,6 +41,7 @@ public:
 private:
     RE_Search_Info freshState(std::u16string_view subject);
     RE_Search_Outcome outcome() const;
+    void turnTo(std::u16string_view subject);
     RE_Results* search(std::size_t offset);
     RE_Results* searchByCode(std::size_t offset);
     /// Makes ready for a search behind those that were before.

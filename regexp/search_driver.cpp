@@ -203,7 +203,10 @@ bool RE_Tree::attemptWatched(RE_Search_Info& info, std::size_t& length) const {
 
 bool RE_Tree::makeMachineCode() {
     if (facts != nullptr && facts->machineCode == nullptr) {
+        RE_Memory_Account account;
+        const RE_Memory_Account::Scope scope(account);
         facts->machineCode = RE_Machine_Code::make(*facts, root);
+        facts->bytes += account.held();
     }
     return facts != nullptr && facts->machineCode != nullptr;
 }

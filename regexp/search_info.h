@@ -392,6 +392,7 @@ inline void RE_Search_Info::moveStart(const char16_t* p) {
 inline void RE_Search_Info::clearBacktrack() {
     trail.clear();
     bodies.clear();
+    requiredEnd = nullptr;
     scopes = 0;
     backtrack.top = -1;
     backtrack.base = 0;

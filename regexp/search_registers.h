@@ -27,12 +27,13 @@ struct RE_Search_Registers {
     /// it. 0 while there is one.
     std::uint64_t memoCountdown = 0;
     RE_Measured_Run leadingRun;  ///< the one that the leading loop of the pattern measured last
-    std::uint64_t rejectEmpty = 0;  ///< the end of the pattern refuses a match that consumed nothing since `matchStart`
+    std::uint64_t rejectEmpty =
+        0;  ///< the end of the pattern refuses a match that consumed nothing since `matchStart`
 
     // --- of machine code alone ---
 
-    const void* resume = nullptr;        ///< where it goes on
-    const char16_t* cursor = nullptr;        ///< at what unit
+    const void* resume = nullptr;         ///< where it goes on
+    const char16_t* cursor = nullptr;     ///< at what unit
     const char16_t* lastStart = nullptr;  ///< no match begins behind it
     const char16_t* runBegin = nullptr;   ///< of the run that the code is in
     RE_TokenInfo* slots = nullptr;

@@ -92,6 +92,19 @@ TEST(Limits, CountTheStepsOfATokenAroundARun) {
     }
 }
 
+// What a search took for one subject is given back before the next: the ceiling is not for their sum.
+TEST(Limits, HoldForEachSubjectOfASequenceAnew) {
+    const RE_Tree tree(u"(?:a|ab|b)*c", false);
+    const RE_Search_Limits limits{.bytes = 400'000};
+    const std::u16string text = repeated(u"ab", 3000);
+    RE_Match_Sequence sequence(tree, text, &limits);
+    for (int round = 0; round < 60; ++round) {
+        EXPECT_EQ(nullptr, sequence.find(0));
+        ASSERT_EQ(Outcomes::noMatch, sequence.report().outcome) << round;
+        sequence.use(text);
+    }
+}
+
 TEST(Limits, AttemptsThatFailLeaveNothingBehind) {
     const std::u16string text(20'000, u'a');
     for (const char16_t* pattern : {u"(?=(a))\\1[^a]", u"(?>(a))\\1[^a]"}) {

@@ -97,6 +97,8 @@ const Case kCases[] = {
     {u"([ab]+)(c)?.\\1", kPlain, u"abc"},
     {u"(a|[bc]+)+d", kPlain, u"abcd"},
     {u".{3}x", 0x10, u"ax\n"},
+    {u"x[ab]{0,16777217}c", kPlain, u"xabc"},
+    {u"x?a{16777216,}|ab", kPlain, u"xab"},
 };
 
 TEST(MachineCode, FindsWhatTheGraphFindsInAsManySteps) {

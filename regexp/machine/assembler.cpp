@@ -14,30 +14,18 @@ namespace {
 constexpr std::size_t bytesAnInstruction = 512;
 constexpr std::size_t bytesOfTheRest = 4096;
 constexpr std::size_t bytesOfATable = RE_Branch_Start::columns * sizeof(void*);
+constexpr std::size_t mostUnitsOfText = 256;
 constexpr std::size_t bytesOfAUnit = 96;  // it may stand in the code three times
-
-bool isText(const RE_Instruction& in) {
-    return in.operation == RE_Operation::text || in.operation == RE_Operation::foldedText;
-}
 
 std::size_t roomFor(const RE_Program& program) {
     std::size_t room = bytesOfTheRest + program.instructions.size() * bytesAnInstruction;
     for (const RE_Instruction& in : program.instructions) {
+        const bool isText = in.operation == RE_Operation::text || in.operation == RE_Operation::foldedText;
         room += in.operation == RE_Operation::choose ? bytesOfATable : 0;
-        room += isText(in) ? in.least * bytesOfAUnit : 0;
+        room += isText ? std::min<std::size_t>(in.least, mostUnitsOfText) * bytesOfAUnit : 0;
     }
     return room;
 }
-
-/// Whether its numbers fit into the instructions of the processor, and its text into a few of them.
-bool isSmall(const RE_Instruction& in) {
-    constexpr std::uint32_t mostUnits = 1U << 24;
-    constexpr std::uint32_t longestText = 256;
-    const bool isEndless = in.most == RE_Instruction::noMaximum;
-    return in.least < mostUnits && (isEndless || in.most < mostUnits) &&
-           (!isText(in) || in.least <= longestText);
-}
-
 
 class Assembler : public RE_Machine_Code, private corvane_machine::Start_Code {
 public:
@@ -53,6 +41,7 @@ public:
         nextStart = nextStartLabel.getAddress();
         attempt = attemptLabel.getAddress();
         RE_Machine_Code::mostSteps = Start_Code::mostSteps;
+        forgetPlaces();
         gains = graphFacts.program.entry != nullptr || seeks();
     }
     Assembler(const Assembler&) = delete;
@@ -65,7 +54,7 @@ public:
 
 std::unique_ptr<RE_Machine_Code> RE_Machine_Code::make(const RE_Graph_Facts& facts, const RE_Node* root) {
     const auto& instructions = facts.program.instructions;
-    if (instructions.empty() || !std::ranges::all_of(instructions, isSmall)) {
+    if (instructions.empty()) {
         return nullptr;
     }
     try {

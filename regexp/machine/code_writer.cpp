@@ -72,6 +72,13 @@ Label& Code_Writer::constant(const Bytes& bytes) {
     return *constants.back().label;
 }
 
+void Code_Writer::forgetLabels() {
+    std::vector<std::unique_ptr<Label>>().swap(labels);
+    std::vector<std::unique_ptr<Exit>>().swap(exits);
+    std::vector<Constant>().swap(constants);
+    reset();
+}
+
 }  // namespace corvane_machine
 
 #endif

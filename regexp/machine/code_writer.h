@@ -41,7 +41,8 @@ protected:
 
     Label& fresh();
     /// Where to return from, for the reason given. Resumed at `resume`.
-    Label& exitFor(RE_Machine_Exit reason, const RE_Instruction* instruction = nullptr, Label* resume = nullptr);
+    Label& exitFor(RE_Machine_Exit reason, const RE_Instruction* instruction = nullptr,
+                   Label* resume = nullptr);
     void emitEntry();
     void emitExits();
 
@@ -49,6 +50,8 @@ protected:
     /// Where these bytes stand, behind the code.
     Label& constant(const Bytes& bytes);
     void emitConstants();
+    /// What only served writing goes once the code is complete.
+    void forgetLabels();
 
 private:
     struct Exit {

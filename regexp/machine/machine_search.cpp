@@ -135,8 +135,8 @@ private:
 
 }  // namespace
 
-bool goOnByMachineCode(const RE_Graph_Facts& facts, const RE_Node* root, RE_Machine_Exit first, RE_Search_Info& info,
-                       std::size_t& length) {
+bool goOnByMachineCode(const RE_Graph_Facts& facts, const RE_Node* root, RE_Machine_Exit first,
+                       RE_Search_Info& info, std::size_t& length) {
     const RE_Start_Walk walk(root, facts, info.lastStart, info, info.askLeft);
     return Machine_Search(facts, walk, info).goOn(first, length);
 }

@@ -9,8 +9,8 @@
 #include <cstddef>
 
 /// Goes on where the code has returned for the first time, for the reason given.
-bool goOnByMachineCode(const RE_Graph_Facts& facts, const RE_Node* root, RE_Machine_Exit first, RE_Search_Info& info,
-                       std::size_t& length);
+bool goOnByMachineCode(const RE_Graph_Facts& facts, const RE_Node* root, RE_Machine_Exit first,
+                       RE_Search_Info& info, std::size_t& length);
 
 /// Tries start after start from `p` to `last`. The graph must have machine code. Puts the match into the state and
 /// its length, in units, into `length`. Most searches are over when the code returns for the first time.

@@ -9,6 +9,21 @@
 
 namespace corvane_machine {
 
+namespace {
+
+bool isText(const RE_Instruction& in) {
+    return in.operation == RE_Operation::text || in.operation == RE_Operation::foldedText;
+}
+
+/// Whether its numbers fit into the instructions of the processor, and its text into a few of them.
+bool isSmall(const RE_Instruction& in, std::size_t longestText) {
+    constexpr std::uint32_t mostUnits = 1U << 24;
+    const bool isEndless = in.most == RE_Instruction::noMaximum;
+    return in.least < mostUnits && (isEndless || in.most < mostUnits) && (!isText(in) || in.least <= longestText);
+}
+
+}  // namespace
+
 Program_Code::Program_Code(const RE_Program& source, std::size_t mostBytes)
     : Unit_Code(mostBytes),
       mostSteps(static_cast<std::int64_t>(source.instructions.size()) * RE_Instruction::mostSteps + 1),
@@ -57,6 +72,10 @@ void Program_Code::emitChain(const RE_Instruction* in) {
         if (loops[indexOf(in)]) {
             cmp(left, static_cast<std::uint32_t>(mostSteps));
             jl(exitFor(RE_Machine_Exit::leave, in), T_NEAR);
+        }
+        if (!isSmall(*in, longestText)) {
+            jmp(exitFor(RE_Machine_Exit::leave, in), T_NEAR);
+            return;
         }
         emitBody(*in);
         const bool hasNext = in->operation != RE_Operation::leave && in->operation != RE_Operation::failed &&
@@ -253,6 +272,14 @@ void Program_Code::emitSparedWays(const RE_Instruction& in, std::vector<Label*>&
             pending.push_back(in.ways[way]);
         }
     }
+}
+
+void Program_Code::forgetPlaces() {
+    std::vector<Label>().swap(places);
+    std::vector<bool>().swap(emitted);
+    std::vector<bool>().swap(loops);
+    std::vector<const RE_Instruction*>().swap(pending);
+    forgetLabels();
 }
 
 }  // namespace corvane_machine

@@ -13,6 +13,8 @@ protected:
     /// An attempt, from `p` on. Goes to `failedLabel` where it fails.
     void emitProgram();
 
+    void forgetPlaces();
+
     Label failedLabel;
     std::int64_t mostSteps;  ///< from one check to the next
 

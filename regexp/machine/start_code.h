@@ -23,6 +23,9 @@ protected:
     Label attemptLabel;
 
 private:
+    /// Farther starts are looked for by the root: wider vectors, a memory for what was found, questions to the host.
+    static constexpr int farthest = 256;
+
     void emitFailed();
     void emitHopeless(Label& more);
     void emitNextStart();
@@ -32,11 +35,12 @@ private:
     void emitSeekLineStart();
     bool canSeek(const RE_String& string) const;
     void emitSeekLiteral(const RE_Literal& literal, const RE_Literal_Probe& probe);
-    void emitNarrowLiteral(const RE_Literal& literal, const RE_Literal_Probe& probe, Label& found, Label& tail);
+    void emitNarrowLiteral(const RE_Literal& literal, const RE_Literal_Probe& probe, Label& found,
+                           Label& tail);
     void emitWideLiteral(const RE_Literal& literal, const RE_Literal_Probe& probe, Label& found);
     void emitPair(RE_Unit_Pair pair, const Xbyak::Ymm& one, const Xbyak::Ymm& second);
-    void emitEqualPair(const Xbyak::RegExp& units, RE_Unit_Pair pair, const Xbyak::Ymm& one, const Xbyak::Ymm& second,
-                       const Xbyak::Ymm& result);
+    void emitEqualPair(const Xbyak::RegExp& units, RE_Unit_Pair pair, const Xbyak::Ymm& one,
+                       const Xbyak::Ymm& second, const Xbyak::Ymm& result);
     void emitSeekPrefixes(const RE_Prefix_Scan& scan);
     void emitPrefixTest(const RE_Prefix_Scan& scan, Label& unfit);
     void emitOneByOne(const RE_Unit_Set& units, int most, Label& found, Label& nowhere);

@@ -16,7 +16,8 @@ namespace corvane_machine {
 // Asking the processor takes longer than all else, most of all under a hypervisor.
 bool Unit_Code::canScan(bool wide) {
     static const Xbyak::util::Cpu processor;
-    static const bool narrow = processor.has(Xbyak::util::Cpu::tSSE41) && processor.has(Xbyak::util::Cpu::tSSSE3);
+    static const bool narrow =
+        processor.has(Xbyak::util::Cpu::tSSE41) && processor.has(Xbyak::util::Cpu::tSSSE3);
     return narrow && (!wide || processor.has(Xbyak::util::Cpu::tAVX2));
 }
 
@@ -239,7 +240,9 @@ bool Unit_Code::hasFewForms(const RE_Literal& literal) {
 
 // An immediate operand of sixteen bits is extended as a signed one.
 void Unit_Code::unlessText(const Reg64& from, const RE_Literal& literal, Label& target) {
-    const auto immediate = [](char16_t unit) { return static_cast<std::uint32_t>(static_cast<std::int16_t>(unit)); };
+    const auto immediate = [](char16_t unit) {
+        return static_cast<std::uint32_t>(static_cast<std::int16_t>(unit));
+    };
     const auto place = [&](std::size_t i) { return from + static_cast<int>(i * sizeof(char16_t)); };
     for (std::size_t i = 0; i < literal.length; ++i) {
         const Forms forms = literal.ignoreCase ? formsOf(literal.text[i]) : Forms{{literal.text[i]}, 1};

@@ -23,7 +23,7 @@ protected:
     /// How a set is told from a vector of units.
     enum class Kind {
         range,
-        allBut,  ///< all but a few
+        allBut,     ///< all but a few
         noOthers,   ///< units of the table only
         allOthers,  ///< some of the table, and all behind it
         mixed       ///< of a vector only those of the table are told

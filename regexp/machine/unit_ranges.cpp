@@ -33,7 +33,8 @@ RE_Unit_Ranges::RE_Unit_Ranges(const RE_Unit_Set& set) {
 }
 
 RE_Units_Outside::RE_Units_Outside(const RE_Unit_Set& set) {
-    for (std::size_t unit = nextUnit(set, 0, false); unit < RE_Unit_Set::unitCount && count <= most; ++count) {
+    for (std::size_t unit = nextUnit(set, 0, false); unit < RE_Unit_Set::unitCount && count <= most;
+         ++count) {
         if (count < most) {
             list[count] = static_cast<char16_t>(unit);
         }

@@ -48,7 +48,7 @@ struct RE_Instruction {
     static constexpr std::int64_t mostSteps = 3;
 
     RE_Operation operation = RE_Operation::leave;
-    bool flag = false;    ///< run: begins each match; glance: looks behind
+    bool flag = false;  ///< run: begins each match; glance: looks behind
     char16_t unit = 0;
     std::uint32_t least = 0;  ///< run: units. range: the first unit. text: units. token: its number
     std::uint32_t most = 0;   ///< run: units, or `noMaximum`. range: the last unit. eitherUnit: the other one

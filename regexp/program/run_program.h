@@ -75,8 +75,8 @@ inline const char16_t* RE_Program_Run::runEnd(const RE_Instruction& in, const RE
     }
     if (end == stop && most > RE_Consume::shortRun) {
         info.meter.setRoom(left);
-        end = in.most == RE_Instruction::noMaximum ? loop.longRunEnd(p, info)
-                                                   : loop.scanOn(p, p + most, info);
+        end =
+            in.most == RE_Instruction::noMaximum ? loop.longRunEnd(p, info) : loop.scanOn(p, p + most, info);
         left = info.meter.room();
     }
     if (in.flag && end - p < in.most) {
@@ -135,7 +135,7 @@ inline RE_Program_Exit RE_Program_Run::run(const RE_Instruction* in) {
                 return leave(How::failed, p);
             case RE_Operation::matched:
                 return leave(static_cast<const RE_End_Of_Tree*>(in->node)->completes(p, info) ? How::matched
-                                                                                             : How::failed,
+                                                                                              : How::failed,
                              p);
             case RE_Operation::pass:
                 in = in->next;
@@ -164,7 +164,8 @@ inline RE_Program_Exit RE_Program_Run::run(const RE_Instruction* in) {
                 }
                 break;
             case RE_Operation::foldedText:
-                if (static_cast<std::size_t>(end - p) >= in->least && RE_Literal{in->text, in->least, true}.matchesAt(p)) {
+                if (static_cast<std::size_t>(end - p) >= in->least &&
+                    RE_Literal{in->text, in->least, true}.matchesAt(p)) {
                     p += in->least;
                     in = in->next;
                 } else {
