@@ -69,6 +69,7 @@ std::unique_ptr<RE_Results> RE_Tree::match_at(std::u16string_view text, std::siz
         throw std::bad_alloc();
     }
     info.prepare(*facts);
+    info.beginInquiry();
     info.rejectEmpty = allowEmptyMatch ? 0 : 1;
     std::size_t length = 0;
     if (!attempt(info, info.subjectBegin + position, length)) {

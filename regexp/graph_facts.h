@@ -1,6 +1,7 @@
 // Facts about a whole compiled graph that a search needs before it visits the first node.
 #pragma once
 
+#include "regexp/dfa/dfa.h"
 #include "regexp/inspect/profile.h"
 #include "regexp/machine/machine_code.h"
 #include "regexp/memo.h"
@@ -47,7 +48,9 @@ struct CORVANE_REGEXP_EXPORT RE_Graph_Facts : public RE_Memory {
     bool hasDynamicNodes = false;     ///< matching may call the host
     RE_Start_Finder startFinder = RE_Start_Finder::none;
     RE_Attempt_Start start;
-    std::unique_ptr<RE_Machine_Code> machineCode;  ///< of the program; null unless the tree was told to make it
+    std::unique_ptr<RE_Machine_Code>
+        machineCode;                    ///< of the program; null unless the tree was told to make it
+    std::unique_ptr<const RE_Dfa> dfa;  ///< null unless the tree was told to make it
     RE_Program program;  ///< of the graph from `start.entry` on, for searches that nobody watches
     /// The loop over one unit with which every match begins, or null: `RE_Consume::lastHopelessStart`.
     const RE_Consume* leadingLoop = nullptr;

@@ -91,6 +91,9 @@ void RE_Match_Sequence::goOn() {
     } else if (!prepared) {
         info.prepare(*tree.facts);
         prepared = tree.facts->profiler == nullptr;  // each search counts for itself
+        if (!watchesMemory) {
+            info.beginInquiry();
+        }
         code = !watchesMemory && !info.checkInterrupts && prepared ? tree.facts->machineCode.get() : nullptr;
     }
 }

@@ -35,6 +35,10 @@ RE_Backtrack_Record* RE_Search_Info::popChoice() {
         if (pollInterrupt()) {
             return nullptr;
         }
+        if (inquiry.isDue() && !inquiry.goesOn(*this)) {
+            resetForStart(matchStart);
+            return nullptr;
+        }
         countTowardsMemo();
         RE_Backtrack_Record* record = &backtrack.records[slot];
         undoTo(backtrack.marks[slot].trailHeight);

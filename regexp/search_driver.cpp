@@ -89,6 +89,9 @@ RE_Results* RE_Tree::searchFrom(const char16_t* subject, std::size_t length, std
     info.prepare(*facts);
     info.rejectEmpty = allowEmptyMatch ? 0 : 1;
     info.observer = observer;
+    if (observer == nullptr) {
+        info.beginInquiry();
+    }
     std::size_t matchLength = 0;
     if (!findMatch(info, offset, matchLength) || info.pollInterrupt()) {
         return nullptr;
@@ -209,4 +212,14 @@ bool RE_Tree::makeMachineCode() {
         facts->bytes += account.held();
     }
     return facts != nullptr && facts->machineCode != nullptr;
+}
+
+bool RE_Tree::makeDfa() {
+    if (facts != nullptr && root != nullptr && facts->dfa == nullptr) {
+        RE_Memory_Account account;
+        const RE_Memory_Account::Scope scope(account);
+        facts->dfa = RE_Dfa::make(*facts, !allowEmptyMatch);
+        facts->bytes += account.held();
+    }
+    return facts != nullptr && facts->dfa != nullptr;
 }

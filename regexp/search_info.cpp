@@ -78,10 +78,17 @@ void RE_Search_Info::prepare(const RE_Graph_Facts& graphFacts) {
     forgetSubject();
     idleMemo.reset();
     leadingRun = {};
+    inquiry.stop();
     memoCountdown = subjectLength() * RE_Memo_Delay::perUnit + RE_Memo_Delay::choices + 1;
     const std::size_t needed = graphFacts.tokenCount + graphFacts.passRegisters;
     if (registers.size() < needed) {
         registers.resize(needed, noPass);
+    }
+}
+
+void RE_Search_Info::beginInquiry() {
+    if (profile == nullptr) {
+        inquiry.begin(*facts);
     }
 }
 

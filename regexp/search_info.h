@@ -7,6 +7,7 @@
 
 #include "host/interrupt.h"
 #include "regexp/backtrack_stack.h"
+#include "regexp/dfa/inquiry.h"
 #include "regexp/graph_facts.h"
 #include "regexp/included_texts.h"
 #include "regexp/inspect/profile.h"
@@ -81,6 +82,9 @@ public:
 
     /// Makes room for what the graph about to run needs. Called before every run; cheap when nothing changes.
     void prepare(const RE_Graph_Facts& graphFacts);
+    /// Has attempts ask the automaton of the graph, where it has one. For searches that nobody watches or limits: their
+    /// steps are those of the match loop.
+    void beginInquiry();
     void useSubject(const char16_t* subject, std::size_t length, std::size_t tokenCount) {
         if (tokens == nullptr) {
             makeTokens(tokenCount);
@@ -92,6 +96,7 @@ public:
         steps = 1;
         leadingRun = {};
         memoCountdown = length * RE_Memo_Delay::perUnit + RE_Memo_Delay::choices + 1;
+        inquiry.forgetSubject();
         if (knowsSubject) {
             forgetSubject();
         }
@@ -291,6 +296,7 @@ public:
     const RE_Node* redirection = nullptr;
     boost::container::small_vector<RE_Body_Frame, 2, RE_Allocator<RE_Body_Frame>> bodies;
     RE_Included_Texts included;
+    RE_Inquiry inquiry;  ///< begun by searches that are neither watched nor limited
 
     RE_Observer* observer = nullptr;            ///< told of every step; not owned
     std::unique_ptr<RE_Profile_Sheet> profile;  ///< the counts of a pattern that was compiled for profiling

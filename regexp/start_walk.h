@@ -47,7 +47,7 @@ public:
     }
     /// The last start that need not be tried where the one at `p` has failed; null when the search is over.
     const char16_t* lastInVain(const char16_t* p) {
-        if (info.wasInterrupted() || info.pollInterrupt()) {
+        if (info.wasInterrupted() || info.pollInterrupt() || info.inquiry.isHopeless(p + 1)) {
             return nullptr;
         }
         if (facts.leadingLoop != nullptr) {

@@ -18,7 +18,8 @@ inline const RE_Node* orRedirected(const RE_Node* way, RE_Search_Info& info) {
 /// Takes up the most recent choice of the innermost body, or ends that body. No node when the run has failed.
 RE_Step goBack(const char16_t* p, std::size_t floor, RE_Search_Info& info);
 
-/// `runMatchLoop` without an observer, from `position` on, which is put behind a match.
+/// `runMatchLoop` without an observer, from `position` on, which is put behind a match. The automaton may have
+/// found it.
 [[gnu::always_inline]] inline bool runUnwatchedLoop(RE_Search_Info& info, const RE_Node* node,
                                                     const char16_t*& position) {
     const std::size_t floor = info.bodies.size();
@@ -40,7 +41,7 @@ RE_Step goBack(const char16_t* p, std::size_t floor, RE_Search_Info& info);
     while (info.bodies.size() > floor) {
         info.closeBody(false);
     }
-    return false;
+    return info.inquiry.takeEnd(position);
 }
 
 /// An attempt from its beginning on. A seeker is a step too, also where it is passed by.

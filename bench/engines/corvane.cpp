@@ -34,6 +34,7 @@ public:
         : m_tree(request.pattern.data(), request.pattern.size(), toFlags(request.flags), &m_context) {
         if (request.task != Task::compile) {
             m_tree.makeMachineCode();
+            m_tree.makeDfa();
         }
         if (request.task == Task::replace) {
             m_replacement.emplace(request.replacement.data(), request.replacement.size());

@@ -5,7 +5,7 @@
 // and some that it cannot: counts and the conditions of anchors and assertions are ignored.
 #pragma once
 
-#include "regexp/inspect/alphabet.h"
+#include "regexp/dfa/alphabet.h"
 
 #include <cstddef>
 #include <cstdint>

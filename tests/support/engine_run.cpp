@@ -46,7 +46,7 @@ Outcome toOutcome(const RE_Results* results) {
 std::ostream& operator<<(std::ostream& out, const EngineConfig& config) {
     return out << "linear=" << config.linearSubpatterns << " dotStar=" << config.dotStar
                << " nullNodes=" << config.nullNodes << " inline=" << config.inlineThreshold
-               << " profile=" << config.profile << " machineCode=" << config.machineCode;
+               << " profile=" << config.profile << " machineCode=" << config.machineCode << " dfa=" << config.dfa;
 }
 
 const std::vector<EngineConfig>& allConfigs() {
@@ -58,6 +58,8 @@ const std::vector<EngineConfig>& allConfigs() {
             if ((bits & 18U) == 0) {
                 result.push_back(result.back());
                 result.back().machineCode = true;
+                result.push_back(result.back());
+                result.back().dfa = true;
             }
         }
         return result;
@@ -77,6 +79,10 @@ Engine::Engine(std::u16string_view pattern, RE_Flags flags, const EngineConfig& 
     : m_context(configured(m_options, config)), m_tree(pattern.data(), pattern.size(), flags, &m_context) {
     if (config.machineCode) {
         m_tree.makeMachineCode();
+    }
+    if (config.dfa) {
+        RE_Inquiry_Delay::choices = 1;
+        m_tree.makeDfa();
     }
 }
 

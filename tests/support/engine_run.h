@@ -28,12 +28,13 @@ struct EngineConfig {
     size_t inlineThreshold = 1024;
     bool profile = false;
     bool machineCode = false;
+    bool dfa = false;  ///< asked by all attempts that turn back
 };
 
 std::ostream& operator<<(std::ostream& out, const EngineConfig& config);
 
 /// All on/off combinations of the optimisations, inline thresholds 0 and 1024, profiling off and on; and machine code
-/// with all that leave something to it.
+/// with all that leave something to it, and an automaton besides.
 const std::vector<EngineConfig>& allConfigs();
 
 /// Stores the setting in the options.

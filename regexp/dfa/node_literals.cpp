@@ -1,4 +1,4 @@
-#include "regexp/inspect/node_literals.h"
+#include "regexp/dfa/node_literals.h"
 
 #include "regexp/nodes/literal_set.h"
 #include "regexp/nodes/string.h"

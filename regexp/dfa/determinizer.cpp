@@ -1,0 +1,166 @@
+#include "regexp/dfa/determinizer.h"
+
+#include "regexp/graph_facts.h"
+
+#include <algorithm>
+#include <utility>
+
+std::unique_ptr<const RE_Dfa> RE_Dfa::make(const RE_Graph_Facts& facts, bool refusesEmpty) {
+    return RE_Determinizer(facts, refusesEmpty).run();
+}
+
+RE_Determinizer::RE_Determinizer(const RE_Graph_Facts& facts, bool refusesEmpty) : dfa(new RE_Dfa) {
+    alphabet.learn(facts);
+    if (alphabet.isComplete()) {
+        sides = std::make_unique<RE_Unit_Sides>(facts, alphabet);
+        ways = std::make_unique<RE_Ways>(facts, alphabet, *sides, refusesEmpty);
+    }
+}
+
+std::unique_ptr<const RE_Dfa> RE_Determinizer::run() {
+    if (ways == nullptr || !alphabet.isComplete()) {
+        return nullptr;
+    }
+    dfa->rowLength = alphabet.size() + 1;
+    numberOf(State{});
+    if (!add(Begins::attempt, dfa->attemptRows)) {
+        return nullptr;
+    }
+    const std::size_t attempts = states.size();
+    if (!add(Begins::anyAttempt, dfa->searchRows)) {
+        dfa->searchRows.clear();
+        dfa->table.resize(attempts * dfa->rowLength);
+    }
+    writeLetters();
+    writeShuffles();
+    writeStays();
+    return std::move(dfa);
+}
+
+/// Adds the states that a search comes to from its start on. False when there are too many.
+bool RE_Determinizer::add(Begins begins, RE_Dfa::Rows& starts) {
+    for (std::size_t side = 0; side < sides->count(); ++side) {
+        starts.push_back(static_cast<RE_Dfa::Entry>(numberOf({begins, side}) * dfa->rowLength));
+    }
+    for (std::size_t state = dfa->stateCount(); state < states.size() && fits(); ++state) {
+        addRow(state);
+    }
+    return fits();
+}
+
+bool RE_Determinizer::fits() const {
+    return ways->isPossible() && ways->effort() <= mostEffort &&
+           states.size() * dfa->rowLength <= mostEntries;
+}
+
+void RE_Determinizer::addRow(std::size_t state) {
+    const State from = *states[state];
+    for (std::size_t letter = 0; letter < dfa->rowLength; ++letter) {
+        dfa->table.push_back(entry(from, letter));
+    }
+}
+
+// Behind the first match that any attempt finds there is nothing more to know.
+RE_Dfa::Entry RE_Determinizer::entry(const State& from, std::size_t letter) {
+    std::vector<RE_Thread> behind;
+    ways->begin(from.side, letter, behind);
+    bool matches = std::ranges::any_of(
+        from.threads, [this](std::uint32_t number) { return ways->follow(threads[number]); });
+    matches = matches || (from.begins != Begins::nothing && ways->followStart());
+    const RE_Dfa::Entry accepts = matches ? RE_Dfa::accepts : 0;
+    const bool goesOn = from.begins == Begins::anyAttempt;
+    if (letter == ways->atEnd() || (matches && goesOn)) {
+        return accepts | RE_Dfa::dead;
+    }
+    State next{goesOn ? Begins::anyAttempt : Begins::nothing, sides->of(letter)};
+    for (const RE_Thread& thread : behind) {
+        next.threads.push_back(numberOf(thread));
+    }
+    return accepts | static_cast<RE_Dfa::Entry>(numberOf(std::move(next)) * dfa->rowLength);
+}
+
+// All that no thread is left in are one.
+std::uint32_t RE_Determinizer::numberOf(State state) {
+    if (state.begins == Begins::nothing && state.threads.empty()) {
+        state.side = 0;
+    }
+    const auto [known, isNew] =
+        stateNumbers.try_emplace(std::move(state), static_cast<std::uint32_t>(states.size()));
+    if (isNew) {
+        states.push_back(&known->first);
+    }
+    return known->second;
+}
+
+std::uint32_t RE_Determinizer::numberOf(const RE_Thread& thread) {
+    const auto [known, isNew] = threadNumbers.try_emplace(thread, static_cast<std::uint32_t>(threads.size()));
+    if (isNew) {
+        threads.push_back(thread);
+    }
+    return known->second;
+}
+
+void RE_Determinizer::writeLetters() {
+    using Page = std::array<std::uint8_t, RE_Dfa::pageUnits>;
+    std::map<Page, std::size_t> pages;
+    for (std::size_t page = 0; page < dfa->pageStart.size(); ++page) {
+        Page letters;
+        for (std::size_t i = 0; i < letters.size(); ++i) {
+            const auto unit = static_cast<char16_t>(page * RE_Dfa::pageUnits + i);
+            letters[i] = static_cast<std::uint8_t>(alphabet.letterOf(unit));
+        }
+        const auto [known, isNew] = pages.try_emplace(letters, dfa->letters.size());
+        if (isNew) {
+            dfa->letters.insert(dfa->letters.end(), letters.begin(), letters.end());
+        }
+        dfa->pageStart[page] = static_cast<std::uint16_t>(known->second);
+    }
+    for (std::size_t letter = 0; letter < alphabet.size(); ++letter) {
+        dfa->sides.push_back(static_cast<std::uint8_t>(sides->of(letter)));
+    }
+}
+
+void RE_Determinizer::writeShuffles() {
+    using Table = RE_Shuffle_Table;
+    const std::size_t count = dfa->stateCount();
+    if (count > Table::mostStates) {
+        return;
+    }
+    Table& table = dfa->shuffles;
+    table.rows.resize(alphabet.size());
+    for (std::size_t letter = 0; letter < alphabet.size(); ++letter) {
+        for (std::size_t state = 0; state < count; ++state) {
+            const RE_Dfa::Entry to = dfa->table[state * dfa->rowLength + letter];
+            const std::size_t next = (to & ~RE_Dfa::accepts) / dfa->rowLength;
+            table.rows[letter][state] =
+                static_cast<std::uint8_t>(next | ((to & RE_Dfa::accepts) != 0 ? Table::accepts : 0));
+        }
+    }
+    for (std::size_t unit = 0; unit < table.rowOf.size(); ++unit) {
+        table.rowOf[unit] =
+            static_cast<std::uint16_t>(alphabet.letterOf(static_cast<char16_t>(unit)) * sizeof(Table::Row));
+    }
+}
+
+// A set takes some kilobytes: of many states only the first ones have theirs.
+void RE_Determinizer::writeStays() {
+    constexpr std::size_t most = 16;
+    dfa->stays.resize(dfa->stateCount());
+    for (std::size_t state = 1; state < std::min(dfa->stays.size(), most); ++state) {
+        writeStay(state);
+    }
+}
+
+void RE_Determinizer::writeStay(std::size_t state) {
+    const std::size_t row = state * dfa->rowLength;
+    RE_Letters staying;
+    RE_Letters matching;
+    for (std::size_t letter = 0; letter < alphabet.size(); ++letter) {
+        const RE_Dfa::Entry to = dfa->table[row + letter];
+        staying[letter] = (to & ~RE_Dfa::accepts) == row;
+        matching[letter] = to == (row | RE_Dfa::accepts);
+    }
+    if (staying.any() && (matching.none() || matching == staying)) {
+        dfa->stays[state].reset(new RE_Dfa::Stay(alphabet.unitsOf(staying), matching.any()));
+    }
+}

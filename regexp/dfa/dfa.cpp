@@ -1,0 +1,86 @@
+#include "regexp/dfa/dfa.h"
+
+#include "regexp/dfa/sides.h"
+#include "regexp/search_info.h"
+#include "regexp/seek/scan.h"
+
+#include <algorithm>
+#include <utility>
+
+RE_Dfa::Entry RE_Dfa::startAt(const Rows& rows, const char16_t* p, const RE_Search_Info& info) const {
+    return rows[info.atBegin(p) ? RE_Unit_Sides::begin : sides[letterOf(p[-1])]];
+}
+
+RE_Dfa::Answer RE_Dfa::matchEnd(const char16_t* p, RE_Search_Info& info) const {
+    return run(startAt(attemptRows, p, info), p, false, info);
+}
+
+RE_Dfa::Answer RE_Dfa::firstEnd(const char16_t* p, RE_Search_Info& info) const {
+    return run(startAt(searchRows, p, info), p, true, info);
+}
+
+// A search that is broken off finds nothing.
+RE_Dfa::Answer RE_Dfa::run(Entry row, const char16_t* start, bool first, RE_Search_Info& info) const {
+    Place place{start, row, nullptr};
+    while (place.p < info.subjectEnd && place.row != dead) {
+        const char16_t* const from = place.p;
+        const auto left = static_cast<std::size_t>(info.subjectEnd - from);
+        const char16_t* const stop = from + std::min(left, RE_SCAN_POLL_UNITS);
+        while (place.p < stop && place.row != dead) {
+            const Entry before = place.row;
+            goSome(place, stop, first);
+            if (place.row == before && place.p < stop) {
+                stay(place, stop);
+            }
+        }
+        info.noteScan(static_cast<std::size_t>(place.p - from));
+        if (place.p == stop && info.pollScan()) {
+            return {nullptr, 0};
+        }
+    }
+    const bool endsThere = place.row != dead && (table[place.row + rowLength - 1] & accepts) != 0;
+    return {endsThere ? info.subjectEnd : place.end, static_cast<std::size_t>(place.p - start)};
+}
+
+void RE_Dfa::goSome(Place& place, const char16_t* stop, bool first) const {
+    constexpr std::ptrdiff_t some = 64;
+    constexpr std::ptrdiff_t few = RE_Shuffle_Table::blockUnits;
+    if (shuffles.rows.empty() || !shuffle(place, place.p + std::min(stop - place.p, some))) {
+        go(place, place.p + std::min(stop - place.p, few), first);
+    }
+}
+
+bool RE_Dfa::shuffle(Place& place, const char16_t* stop) const {
+    auto state = static_cast<std::uint8_t>(place.row / rowLength);
+    const char16_t* const p = shuffleOver(shuffles, place.p, stop, state);
+    place.row = static_cast<Entry>(state * rowLength);
+    return p != std::exchange(place.p, p);
+}
+
+void RE_Dfa::go(Place& place, const char16_t* stop, bool first) const {
+    const Entry* const rows = table.data();
+    const char16_t* p = place.p;
+    Entry row = place.row;
+    for (; p < stop && row != dead; ++p) {
+        row = rows[row + letterOf(*p)];
+        if ((row & accepts) != 0) {
+            place.end = p;
+            row = first ? dead : row & ~accepts;
+        }
+    }
+    place.p = p;
+    place.row = row;
+}
+
+/// Goes over all units that change nothing.
+void RE_Dfa::stay(Place& place, const char16_t* stop) const {
+    const Stay* const known = stays[place.row / rowLength].get();
+    if (known == nullptr) {
+        return;
+    }
+    const char16_t* const p = findClass(place.p, stop, known->leaves);
+    if (known->matches && p > place.p) {
+        place.end = p - 1;
+    }
+    place.p = p;
+}

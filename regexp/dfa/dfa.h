@@ -1,0 +1,88 @@
+// A pattern as a deterministic finite automaton: where a match that begins at some place ends, and whether any match
+// begins behind one, each told by one look at every unit.
+//
+// It is made of the graph, where the units to both sides decide what each node does, and says exactly what the match loop
+// would come to. It knows nothing of tokens.
+#pragma once
+
+#include "regexp/dfa/shuffle.h"
+#include "regexp/memory.h"
+#include "regexp/seek/kernels.h"
+#include "regexp/unit_set.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+class RE_Search_Info;
+struct RE_Graph_Facts;
+
+/// Read-only once it is made: many threads ask it.
+class RE_Dfa : public RE_Memory {
+public:
+    /// Null where the pattern has a node that it cannot say, or would need too many states.
+    static std::unique_ptr<const RE_Dfa> make(const RE_Graph_Facts& facts, bool refusesEmpty);
+
+    struct Answer {
+        const char16_t* end;    ///< null when there is none, and when the search was broken off
+        std::size_t unitsRead;  ///< until that was known
+    };
+    /// The end of the match that an attempt at `p` finds.
+    Answer matchEnd(const char16_t* p, RE_Search_Info& info) const;
+    /// The first place at which a match ends that begins at `p` or behind it.
+    Answer firstEnd(const char16_t* p, RE_Search_Info& info) const;
+    /// Whether `firstEnd` may be asked.
+    bool knowsAllStarts() const { return !searchRows.empty(); }
+    std::size_t stateCount() const { return table.size() / rowLength; }
+
+private:
+    friend class RE_Determinizer;
+
+    /// An entry is where the row of the next state begins. The row of the state that nothing leads out of is the first.
+    /// An entry may say besides that a match ends before the unit.
+    using Entry = std::uint32_t;
+    static constexpr Entry dead = 0;
+    static constexpr Entry accepts = Entry{1} << 31;
+
+    /// The units over which a state leads to itself.
+    struct Stay {
+        RE_Unit_Set units;
+        RE_Class_Scan leaves;
+        bool matches;  ///< before each of them a match may end
+
+        Stay(const RE_Unit_Set& set, bool matching) : units(set), leaves(units, false), matches(matching) {}
+    };
+    using Stays = std::vector<std::unique_ptr<const Stay>, RE_Allocator<std::unique_ptr<const Stay>>>;
+    using Rows = std::vector<Entry, RE_Allocator<Entry>>;
+
+    struct Place {
+        const char16_t* p;
+        Entry row;
+        const char16_t* end;  ///< of the match found last, or null
+    };
+
+    RE_Dfa() = default;
+    std::size_t letterOf(char16_t unit) const { return letters[pageStart[unit >> 8] + (unit & 0xFFU)]; }
+    Entry startAt(const Rows& rows, const char16_t* p, const RE_Search_Info& info) const;
+    Answer run(Entry row, const char16_t* start, bool first, RE_Search_Info& info) const;
+    void goSome(Place& place, const char16_t* stop, bool first) const;
+    void go(Place& place, const char16_t* stop, bool first) const;
+    bool shuffle(Place& place, const char16_t* stop) const;
+    void stay(Place& place, const char16_t* stop) const;
+
+    static constexpr std::size_t pageUnits = 256;
+    std::array<std::uint16_t, RE_Unit_Set::unitCount / pageUnits> pageStart{};
+    std::vector<std::uint8_t, RE_Allocator<std::uint8_t>>
+        letters;  ///< pages that differ, one behind the other
+    std::vector<std::uint8_t, RE_Allocator<std::uint8_t>>
+        sides;                  ///< of each letter, as the unit before a start
+    std::size_t rowLength = 1;  ///< one entry a letter, and the last one for the subject's end
+    Rows table;
+    Stays stays;  ///< of each state; null where it does not lead to itself
+    // Where an attempt begins, and a search for one that matches: by the side of the unit before.
+    Rows attemptRows;
+    Rows searchRows;
+    RE_Shuffle_Table shuffles;  ///< the same of an automaton of a few states; else no rows
+};

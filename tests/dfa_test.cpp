@@ -1,0 +1,175 @@
+// The automaton of a pattern says of every start what the match loop does, and searches that ask it find the same.
+#include "tests/support/differential.h"
+#include "tests/support/pattern_random.h"
+
+#include "regexp/dfa/dfa.h"
+#include "regexp/find_all.h"
+
+#include <gtest/gtest.h>
+
+namespace corvane_tests {
+namespace {
+
+constexpr RE_Flags kLines = 0x06;
+constexpr EngineConfig kPlainGraph{false, false, false, 1024, false};
+
+/// A pattern by its automaton and as a plain graph.
+class Automaton {
+public:
+    Automaton(const std::u16string& text, RE_Flags patternFlags, const EngineConfig& config)
+        : pattern(text), flags(patternFlags), engine(text, patternFlags, withDfa(config)), plain(text, patternFlags, kPlainGraph) {}
+
+    const RE_Dfa* dfa() const { return engine.tree().getFacts().dfa.get(); }
+    size_t states() const { return dfa() != nullptr ? dfa()->stateCount() : 0; }
+
+    /// What is wrong, or nothing.
+    std::string compare(const std::u16string& subject) const {
+        RE_Search_Info info(subject.data(), subject.size(), 0, nullptr, false);
+        for (size_t start = 0; start <= subject.size(); ++start) {
+            const std::unique_ptr<RE_Results> expected = plain.tree().match_at(subject, start);
+            const char16_t* const end = dfa()->matchEnd(subject.data() + start, info).end;
+            const bool same = expected != nullptr ? end == subject.data() + start + expected->matchLength : end == nullptr;
+            const bool any = plain.search(subject, start).matched;
+            const bool anyFound = !dfa()->knowsAllStarts() || dfa()->firstEnd(subject.data() + start, info).end != nullptr;
+            const Outcome searched = engine.search(subject, start);
+            if (!same || (any != anyFound && dfa()->knowsAllStarts()) || searched != plain.search(subject, start)) {
+                return printable(pattern) + " flags " + std::to_string(flags) + " on '" + printable(subject) + "' at " + std::to_string(start) +
+                       ": a match to " + std::to_string(end != nullptr ? end - subject.data() : -1) + (anyFound ? ", later ones" : "") +
+                       ", searched " + describe(searched) + ", expected " + describe(plain.search(subject, start));
+            }
+        }
+        return "";
+    }
+
+private:
+    static EngineConfig withDfa(EngineConfig config) {
+        config.dfa = true;
+        return config;
+    }
+
+    std::u16string pattern;
+    RE_Flags flags;
+    Engine engine;
+    Engine plain;
+};
+
+struct Case {
+    const char16_t* pattern;
+    RE_Flags flags;
+    const char16_t* alphabet;  ///< of the subjects
+};
+
+// Every node that it can say, in the orders that decide.
+const Case kCases[] = {
+    {u"(?:a+)+[bc]", kPlain, u"abcd"},
+    {u"(?:a|aa)+$", kPlain, u"aab"},
+    {u"(?:a?){3}a{3}", kPlain, u"a"},
+    {u"(?:a?b?\?){2,5}c|abba", kEmptyToo, u"abc"},
+    {u"(?:ab?){2,}?b", kPlain, u"ab"},
+    {u"(?:(?:a|b){2}){1,3}?(?:c|$)", kPlain, u"abc"},
+    {u"(?:(?:a*)*b?)*", kEmptyToo, u"abc"},
+    {u"(?:|a)+?b*", kEmptyToo, u"ab"},
+    {u"(?:a?\?){40}b", kEmptyToo, u"ab"},
+    {u"a*?b|a+c", kPlain, u"abc"},
+    {u"(\\w+\\s?)+\\d", kPlain, u"a 1!"},
+    {u"^(?:\\w+\\s?)*$", kLines, u"ab \n!"},
+    {u"\\<a.*?b\\>|b+\\>", 0x10, u"ab \n"},
+    {u"(?<=a)b|a(?=c)|(?<!b)c(?!a)", kPlain, u"abc"},
+    {u"(?<![a-c])b+(?![^b])", kPlain, u"abz"},
+    {u"cat|catalog|cat(?:alogue|s)?|dog", kPlain, u"catlogueds"},
+    {u"Straße|k+", 0x13, u"sStTrRaA\u00DFeEkK\u212A"},
+    {u"[^\\x00-\\x{7F}]+\\x{436}|.\\x{FFFF}", 0x10, u"a\u0436\u0437\uFFFF\n"},
+    {u"a{2,4}?a{0,2}b++b?", kPlain, u"ab"},
+    {u"(?:one|two|three|four|five|six)+(?:seven|t)", kPlain, u"onetwhrfuivsx"},
+};
+
+TEST(Dfa, SaysWhatTheMatchLoopDoes) {
+    PatternSource source(42);
+    for (const Case& each : kCases) {
+        const std::u16string alphabet(each.alphabet);
+        for (const EngineConfig& config : {EngineConfig(), kPlainGraph, EngineConfig{true, true, true, 0, false}}) {
+            const Automaton automaton(each.pattern, each.flags, config);
+            if (automaton.dfa() == nullptr && !config.dotStar) {
+                continue;  // lookarounds are taken at a glance by a pass only
+            }
+            ASSERT_NE(nullptr, automaton.dfa()) << printable(each.pattern);
+            EXPECT_TRUE(automaton.dfa()->knowsAllStarts()) << printable(each.pattern);
+            for (size_t length = 0; length < 24; ++length) {
+                std::u16string subject;
+                while (subject.size() < length) {
+                    subject += alphabet[source.below(alphabet.size())];
+                }
+                ASSERT_EQ("", automaton.compare(subject));
+            }
+        }
+    }
+}
+
+TEST(Dfa, AgreesOnRandomPatterns) {
+    PatternSource source(environmentNumber("CORVANE_TEST_SEED", 4712));
+    const unsigned long rounds = environmentNumber("CORVANE_TEST_ROUNDS", sanitized() ? 200 : 3000);
+    PatternTraits traits;
+    traits.references = traits.conditions = false;
+    size_t made = 0;
+    for (unsigned long round = 0; round < rounds; ++round) {
+        traits.lookarounds = traits.atomics = source.below(8) == 0;
+        const RE_Flags flags = (source.below(2) == 0 ? kPlain : kEmptyToo) | (source.below(3) == 0 ? 0x04U : 0U);
+        const Automaton automaton(widen(source.pattern(traits)), flags, allConfigs()[source.below(16)]);
+        made += automaton.states() > 0 ? 1 : 0;
+        for (int subject = 0; subject < 3 && automaton.dfa() != nullptr; ++subject) {
+            ASSERT_EQ("", automaton.compare(source.below(2) == 0 ? source.subject(10) : source.runs(4, 12)));
+        }
+    }
+    EXPECT_GT(made, rounds / 3) << "or nothing is compared";
+}
+
+// Runs that one state goes over at once end, and match, at any place within the blocks that are looked at.
+TEST(Dfa, GoesOverRunsToTheUnit) {
+    for (const char16_t* pattern : {u"(?:a+)+[bc]", u"(?:a|aa)+", u"(?:a|aa)+$", u"[^x]*?xx", u"(?:-*a)+"}) {
+        const Automaton automaton(pattern, kEmptyToo, {});
+        ASSERT_NE(nullptr, automaton.dfa());
+        for (const size_t run : {0, 1, 31, 32, 33, 47, 63, 64, 65, 100, 129, 300}) {
+            for (const char16_t* end : {u"", u"b", u"x", u"xx", u"-a"}) {
+                const std::u16string subject = std::u16string(run, u'a') + end;
+                RE_Search_Info info(subject.data(), subject.size(), 0, nullptr, false);
+                const Engine plain(pattern, kEmptyToo, kPlainGraph);
+                const std::unique_ptr<RE_Results> expected = plain.tree().match_at(subject, 0);
+                const char16_t* const found = automaton.dfa()->matchEnd(subject.data(), info).end;
+                EXPECT_EQ(expected != nullptr ? subject.data() + expected->matchLength : nullptr, found)
+                    << printable(pattern) << " over " << run << " and '" << printable(end) << "'";
+                EXPECT_EQ(plain.search(subject).matched, automaton.dfa()->firstEnd(subject.data(), info).end != nullptr);
+            }
+        }
+    }
+}
+
+TEST(Dfa, IsNotMadeOfWhatItCannotSay) {
+    for (const char16_t* pattern : {u"(a)\\1", u"(a)?(?(1)b|c)", u"(?>a|ab)c", u"(?=ab)a", u"(?<=ab)a", u"(?:a|b)*a(?:a|b){16}",
+                                    u"(?:[ab]{0,300}c){1,300}"}) {
+        Engine engine(pattern, kPlain, {.dfa = true});
+        EXPECT_EQ(nullptr, engine.tree().getFacts().dfa) << printable(pattern);
+    }
+}
+
+// Neither an endless row of attempts nor one of matches makes a search forget what it knows.
+TEST(Dfa, IsAskedFromMatchToMatchAndFromSubjectToSubject) {
+    const std::u16string bad(400, u'a');
+    for (const Case& each : {Case{u"(?:a|aa)+b", kPlain, u""}, Case{u"(?:a|aa)+[bc]", kPlain, u""}, Case{u"((?:a|aa)+)[bc]", kPlain, u""}}) {
+        const Engine plain(each.pattern, each.flags);
+        const Engine engine(each.pattern, each.flags, {.machineCode = true, .dfa = true});
+        RE_Match_Sequence expected(plain.tree(), {});
+        RE_Match_Sequence sequence(engine.tree(), {});
+        for (const std::u16string& subject : {bad, bad + u"b" + bad + u"cab" + bad, bad + u"-aab", std::u16string(), u"b" + bad}) {
+            expected.use(subject);
+            sequence.use(subject);
+            for (size_t offset = 0; offset <= subject.size();) {
+                const RE_Results* const match = expected.find(offset);
+                ASSERT_EQ(toOutcome(match), toOutcome(sequence.find(offset))) << printable(each.pattern);
+                offset = match != nullptr ? match->nextIndex() : subject.size() + 1;
+            }
+        }
+    }
+}
+
+}  // namespace
+}  // namespace corvane_tests
