@@ -29,14 +29,21 @@ void RE_Search_Info::noteFailed(const RE_Node* node, const char16_t* first, cons
     }
 }
 
+bool RE_Search_Info::inquire() {
+    const bool goesOn = inquiry.goesOn(*this);
+    if (!goesOn) {
+        resetForStart(matchStart);
+    }
+    return goesOn;
+}
+
 RE_Backtrack_Record* RE_Search_Info::popChoice() {
     while (backtrack.top >= backtrack.base) {
         const std::size_t slot = static_cast<std::size_t>(backtrack.top--);
         if (pollInterrupt()) {
             return nullptr;
         }
-        if (inquiry.isDue() && !inquiry.goesOn(*this)) {
-            resetForStart(matchStart);
+        if (!countChoice()) {
             return nullptr;
         }
         countTowardsMemo();

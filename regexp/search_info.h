@@ -146,6 +146,9 @@ public:
 
     // --- choices ---
 
+    /// Counts a choice, of a branch or of one taken up again. False when the attempt is over, as the automaton of the
+    /// pattern knows how it ends: no choice is left then, and the match loop tells of the match there may be.
+    bool countChoice() { return !inquiry.isDue() || inquire(); }
     /// Leaves a choice. False when the same state was tried before and cannot succeed now.
     bool pushChoice(const RE_Node* node, const char16_t* position, bool newRecord);
     /// The most recent choice, with tokens and counts put back to that moment, or null when none is left or
@@ -324,6 +327,7 @@ private:
         return fits ? token : nullptr;
     }
     bool passCheckpoint();
+    bool inquire();
     void beginMemo();
     void countTowardsMemo() {
         if (memo == nullptr && --memoCountdown == 0 && facts != nullptr) {

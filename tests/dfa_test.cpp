@@ -30,7 +30,7 @@ public:
             const char16_t* const end = dfa()->matchEnd(subject.data() + start, info).end;
             const bool same = expected != nullptr ? end == subject.data() + start + expected->matchLength : end == nullptr;
             const bool any = plain.search(subject, start).matched;
-            const bool anyFound = !dfa()->knowsAllStarts() || dfa()->firstEnd(subject.data() + start, info).end != nullptr;
+            const bool anyFound = !dfa()->knowsAllStarts() || dfa()->firstEnd(subject.data() + start, info.subjectEnd, info).end != nullptr;
             const Outcome searched = engine.search(subject, start);
             if (!same || (any != anyFound && dfa()->knowsAllStarts()) || searched != plain.search(subject, start)) {
                 return printable(pattern) + " flags " + std::to_string(flags) + " on '" + printable(subject) + "' at " + std::to_string(start) +
@@ -137,7 +137,7 @@ TEST(Dfa, GoesOverRunsToTheUnit) {
                 const char16_t* const found = automaton.dfa()->matchEnd(subject.data(), info).end;
                 EXPECT_EQ(expected != nullptr ? subject.data() + expected->matchLength : nullptr, found)
                     << printable(pattern) << " over " << run << " and '" << printable(end) << "'";
-                EXPECT_EQ(plain.search(subject).matched, automaton.dfa()->firstEnd(subject.data(), info).end != nullptr);
+                EXPECT_EQ(plain.search(subject).matched, automaton.dfa()->firstEnd(subject.data(), info.subjectEnd, info).end != nullptr);
             }
         }
     }

@@ -26,6 +26,7 @@ std::unique_ptr<const RE_Dfa> RE_Determinizer::run() {
     if (!add(Begins::attempt, dfa->attemptRows)) {
         return nullptr;
     }
+    dfa->ambiguous = ways->areAmbiguous();
     const std::size_t attempts = states.size();
     if (!add(Begins::anyAttempt, dfa->searchRows)) {
         dfa->searchRows.clear();

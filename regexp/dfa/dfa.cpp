@@ -12,19 +12,20 @@ RE_Dfa::Entry RE_Dfa::startAt(const Rows& rows, const char16_t* p, const RE_Sear
 }
 
 RE_Dfa::Answer RE_Dfa::matchEnd(const char16_t* p, RE_Search_Info& info) const {
-    return run(startAt(attemptRows, p, info), p, false, info);
+    return run(startAt(attemptRows, p, info), p, info.subjectEnd, false, info);
 }
 
-RE_Dfa::Answer RE_Dfa::firstEnd(const char16_t* p, RE_Search_Info& info) const {
-    return run(startAt(searchRows, p, info), p, true, info);
+RE_Dfa::Answer RE_Dfa::firstEnd(const char16_t* p, const char16_t* stop, RE_Search_Info& info) const {
+    return run(startAt(searchRows, p, info), p, stop, true, info);
 }
 
 // A search that is broken off finds nothing.
-RE_Dfa::Answer RE_Dfa::run(Entry row, const char16_t* start, bool first, RE_Search_Info& info) const {
+RE_Dfa::Answer RE_Dfa::run(Entry row, const char16_t* start, const char16_t* limit, bool first,
+                           RE_Search_Info& info) const {
     Place place{start, row, nullptr};
-    while (place.p < info.subjectEnd && place.row != dead) {
+    while (place.p < limit && place.row != dead) {
         const char16_t* const from = place.p;
-        const auto left = static_cast<std::size_t>(info.subjectEnd - from);
+        const auto left = static_cast<std::size_t>(limit - from);
         const char16_t* const stop = from + std::min(left, RE_SCAN_POLL_UNITS);
         while (place.p < stop && place.row != dead) {
             const Entry before = place.row;
@@ -38,15 +39,15 @@ RE_Dfa::Answer RE_Dfa::run(Entry row, const char16_t* start, bool first, RE_Sear
             return {nullptr, 0};
         }
     }
-    const bool endsThere = place.row != dead && (table[place.row + rowLength - 1] & accepts) != 0;
+    const bool endsThere =
+        place.row != dead && limit == info.subjectEnd && (table[place.row + rowLength - 1] & accepts) != 0;
     return {endsThere ? info.subjectEnd : place.end, static_cast<std::size_t>(place.p - start)};
 }
 
 void RE_Dfa::goSome(Place& place, const char16_t* stop, bool first) const {
-    constexpr std::ptrdiff_t some = 64;
-    constexpr std::ptrdiff_t few = RE_Shuffle_Table::blockUnits;
-    if (shuffles.rows.empty() || !shuffle(place, place.p + std::min(stop - place.p, some))) {
-        go(place, place.p + std::min(stop - place.p, few), first);
+    constexpr std::ptrdiff_t some = RE_Shuffle_Table::blockUnits;
+    if (shuffles.rows.empty() || !shuffle(place, stop)) {
+        go(place, place.p + std::min(stop - place.p, some), first);
     }
 }
 

@@ -31,10 +31,12 @@ public:
     };
     /// The end of the match that an attempt at `p` finds.
     Answer matchEnd(const char16_t* p, RE_Search_Info& info) const;
-    /// The first place at which a match ends that begins at `p` or behind it.
-    Answer firstEnd(const char16_t* p, RE_Search_Info& info) const;
+    /// The first place up to `stop` at which a match ends that begins at `p` or behind it.
+    Answer firstEnd(const char16_t* p, const char16_t* stop, RE_Search_Info& info) const;
     /// Whether `firstEnd` may be asked.
     bool knowsAllStarts() const { return !searchRows.empty(); }
+    /// Whether attempts can come to one place in more than one way, and so try it again.
+    bool isAmbiguous() const { return ambiguous; }
     std::size_t stateCount() const { return table.size() / rowLength; }
 
 private:
@@ -66,7 +68,8 @@ private:
     RE_Dfa() = default;
     std::size_t letterOf(char16_t unit) const { return letters[pageStart[unit >> 8] + (unit & 0xFFU)]; }
     Entry startAt(const Rows& rows, const char16_t* p, const RE_Search_Info& info) const;
-    Answer run(Entry row, const char16_t* start, bool first, RE_Search_Info& info) const;
+    Answer run(Entry row, const char16_t* start, const char16_t* limit, bool first,
+               RE_Search_Info& info) const;
     void goSome(Place& place, const char16_t* stop, bool first) const;
     void go(Place& place, const char16_t* stop, bool first) const;
     bool shuffle(Place& place, const char16_t* stop) const;
@@ -79,6 +82,7 @@ private:
     std::vector<std::uint8_t, RE_Allocator<std::uint8_t>>
         sides;                  ///< of each letter, as the unit before a start
     std::size_t rowLength = 1;  ///< one entry a letter, and the last one for the subject's end
+    bool ambiguous = false;
     Rows table;
     Stays stays;  ///< of each state; null where it does not lead to itself
     // Where an attempt begins, and a search for one that matches: by the side of the unit before.

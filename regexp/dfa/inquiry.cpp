@@ -4,6 +4,11 @@
 #include "regexp/graph_facts.h"
 #include "regexp/search_info.h"
 
+#include <algorithm>
+
+std::uint64_t RE_Inquiry_Delay::choices = 16;
+std::uint64_t RE_Inquiry_Delay::ambiguous = 2;
+
 namespace {
 
 // Attempts that read more than so many units for each of the subject are left to the memo, which knows what was tried
@@ -11,12 +16,16 @@ namespace {
 constexpr std::size_t mostReadings = 8;
 constexpr std::size_t readingsOfShort = 256;  // units
 
+constexpr std::size_t unitsAhead = 2;    // of the cost so far, to see whether anything follows
+constexpr std::size_t unitsAChoice = 8;  // read in the time that a choice takes
+
 }  // namespace
 
 void RE_Inquiry::begin(const RE_Graph_Facts& pattern) {
     dfa = pattern.dfa.get();
     wantsTokens = pattern.tokenCount > 0;
-    delay = RE_Inquiry_Delay::choices;
+    hasManyStarts = pattern.start.entry == nullptr || pattern.start.entry->kind != RE_Node_Kind::textStart;
+    delay = dfa != nullptr && dfa->isAmbiguous() ? RE_Inquiry_Delay::ambiguous : RE_Inquiry_Delay::choices;
     left = dfa != nullptr ? delay : never;
     forgetSubject();
 }
@@ -24,7 +33,7 @@ void RE_Inquiry::begin(const RE_Graph_Facts& pattern) {
 void RE_Inquiry::forgetSubject() {
     if (dfa != nullptr) {
         left = delay;
-        unitsRead = 0;
+        unitsRead = cost = costAtLast = 0;
     }
     found = hopeless = knownFrom = knownEnd = nullptr;
 }
@@ -36,6 +45,7 @@ bool RE_Inquiry::goesOn(RE_Search_Info& info) {
     }
     const RE_Dfa::Answer answer = dfa->matchEnd(info.matchStart, info);
     unitsRead += answer.unitsRead;
+    cost += answer.unitsRead + delay * unitsAChoice;
     // Where tokens are wanted such a question was in vain: the next one comes later.
     const bool inVain = answer.end != nullptr && wantsTokens;
     delay *= inVain ? 2 : 1;
@@ -53,13 +63,17 @@ bool RE_Inquiry::goesOn(RE_Search_Info& info) {
 void RE_Inquiry::askForLaterOnes(RE_Search_Info& info) {
     const char16_t* const from = info.matchStart + 1;
     const bool isKnown = knownFrom != nullptr && knownFrom <= from && from <= knownEnd;
-    if (isKnown || !dfa->knowsAllStarts() || from > info.subjectEnd) {
+    if (isKnown || !hasManyStarts || !dfa->knowsAllStarts() || from > info.subjectEnd ||
+        cost < 2 * costAtLast || cost < info.indexOf(from)) {
         return;
     }
-    const char16_t* const end = dfa->firstEnd(from, info).end;
-    if (end != nullptr) {
+    costAtLast = cost;
+    const std::size_t most = std::min(cost * unitsAhead, static_cast<std::size_t>(info.subjectEnd - from));
+    const char16_t* const stop = from + most;
+    const char16_t* const end = dfa->firstEnd(from, stop, info).end;
+    if (end != nullptr || stop != info.subjectEnd) {
         knownFrom = from;
-        knownEnd = end;
+        knownEnd = end != nullptr ? end : stop;
     } else if (!info.wasInterrupted()) {
         hopeless = from;
     }

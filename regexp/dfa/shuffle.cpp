@@ -30,26 +30,60 @@ HWY_INLINE bool haveRows(const char16_t* p) {
     return hn::AllTrue(Units(), hn::Eq(hn::ShiftRight<8>(all), hn::Zero(Units())));
 }
 
+using Entries = hn::Vec<States>;
+
+/// Without what entries say besides the next state. The shuffles of some processors look at no other bits anyway.
+HWY_INLINE Entries asIndexes(Entries entries) {
+#if HWY_ARCH_X86
+    return entries;
+#else
+    return hn::And(entries, hn::Set(States(), RE_Shuffle_Table::stateBits));
+#endif
+}
+
+/// What two rows come to together. Rows of several units are made while the state before them is not known yet, so that
+/// the steps from state to state are few.
+HWY_INLINE Entries behindEachOther(Entries first, Entries second) {
+    const auto accepted = hn::And(first, hn::Set(States(), RE_Shuffle_Table::accepts));
+    return hn::Or(hn::TableLookupBytes(second, asIndexes(first)), accepted);
+}
+
+HWY_INLINE std::uint8_t stateOf(Entries entries) {
+    return hn::GetLane(entries) & RE_Shuffle_Table::stateBits;
+}
+
 const char16_t* shuffleBlocks(const RE_Shuffle_Table& table, const char16_t* p, const char16_t* end,
                               std::uint8_t& state) {
     const auto* const rows = reinterpret_cast<const std::uint8_t*>(table.rows.data());
-    const auto stateBits = hn::Set(States(), RE_Shuffle_Table::stateBits);
+    std::size_t blocksAlike = 0;
     auto current = hn::Set(States(), state);
     for (; static_cast<std::size_t>(end - p) >= RE_Shuffle_Table::blockUnits && haveRows(p);
          p += RE_Shuffle_Table::blockUnits) {
         auto next = current;
         auto met = hn::Zero(States());
-        for (std::size_t i = 0; i < RE_Shuffle_Table::blockUnits; ++i) {
-            const auto entry = hn::TableLookupBytes(hn::LoadU(States(), rows + table.rowOf[p[i]]), next);
+        for (std::size_t i = 0; i < RE_Shuffle_Table::blockUnits; i += 4) {
+            const auto row = [&](std::size_t at) {
+                return hn::LoadU(States(), rows + table.rowOf[p[i + at]]);
+            };
+            const auto four =
+                behindEachOther(behindEachOther(row(0), row(1)), behindEachOther(row(2), row(3)));
+            const auto entry = hn::TableLookupBytes(four, next);
             met = hn::Or(met, entry);
-            next = hn::And(entry, stateBits);
+            next = asIndexes(entry);
         }
-        if ((hn::GetLane(met) & RE_Shuffle_Table::accepts) != 0 || hn::GetLane(next) == 0) {
+        const std::uint8_t before = stateOf(current);
+        const std::uint8_t after = stateOf(next);
+        if ((hn::GetLane(met) & RE_Shuffle_Table::accepts) != 0 || after == 0) {
             break;
         }
         current = next;
+        blocksAlike = after == before ? blocksAlike + 1 : 0;
+        if (blocksAlike == RE_Shuffle_Table::mostAlike) {
+            p += RE_Shuffle_Table::blockUnits;
+            break;
+        }
     }
-    state = hn::GetLane(current);
+    state = stateOf(current);
     return p;
 }
 

@@ -13,6 +13,8 @@
 struct RE_Shuffle_Table {
     static constexpr std::size_t mostStates = 16;
     static constexpr std::size_t blockUnits = 16;
+    /// Behind so many blocks that began in the same state the units may be such as change nothing.
+    static constexpr std::size_t mostAlike = 3;
     static constexpr std::size_t directUnits = 256;
     static constexpr std::uint8_t stateBits = 0x0F;
     /// In an entry: a match may end before the unit.
@@ -25,7 +27,7 @@ struct RE_Shuffle_Table {
 };
 
 /// Goes over blocks of units from `p` on, as far as they lie before `end`, up to a block with a unit that has no row, one
-/// over which a match may end, or one behind which the state is 0. Returns where that begins and puts the state there into
-/// `state`.
+/// over which a match may end, or one behind which the state is 0; and no further than some blocks that change nothing.
+/// Returns how far it came and puts the state there into `state`.
 const char16_t* shuffleOver(const RE_Shuffle_Table& table, const char16_t* p, const char16_t* end,
                             std::uint8_t& state);

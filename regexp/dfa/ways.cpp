@@ -77,6 +77,8 @@ bool RE_Ways::run(const RE_Thread& thread) {
         } else if (met.insert(way).second) {
             ++visits;
             visit(way);
+        } else {
+            ambiguous = true;
         }
     }
     return reached;
@@ -101,6 +103,8 @@ void RE_Ways::goOver(const RE_Node* node, RE_Thread thread, std::uint32_t within
     thread.within = within;
     if (known.insert(thread).second) {
         behind->push_back(thread);
+    } else {
+        ambiguous = true;
     }
 }
 

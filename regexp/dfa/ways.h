@@ -43,6 +43,8 @@ public:
 
     /// False when something was met that cannot be decided by the units to both sides.
     bool isPossible() const { return possible; }
+    /// Whether two ways came to one place over the same units: then a search tries it twice, or much more often.
+    bool areAmbiguous() const { return ambiguous; }
     /// How many nodes were visited so far.
     std::size_t effort() const { return visits; }
     /// Stands for the subject's end where the next unit is asked for.
@@ -85,6 +87,7 @@ private:
     const RE_Unit_Sides& sides;
     bool rejectEmpty;
     bool possible = true;
+    bool ambiguous = false;
     std::size_t visits = 0;
     std::map<const RE_Node*, std::size_t> counters;
 

@@ -128,10 +128,13 @@ bool RE_Consume::goOn(const char16_t* from, const char16_t* end, std::size_t& po
     if (taken == nullptr) {
         return false;
     }
-    pos = info.indexOf(taken);
     if (taken > from) {
+        if (!info.countChoice()) {
+            return false;
+        }
         info.pushRecord(this, taken, info.indexOf(from));
     }
+    pos = info.indexOf(taken);
     return true;
 }
 

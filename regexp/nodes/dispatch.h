@@ -99,8 +99,10 @@ private:
         const std::uint32_t entry = places[place];
         if ((entry & lastOfList) != 0) {
             info.spareChoice();
-        } else {
+        } else if (info.countChoice()) {
             info.pushRecord(this, p, place + 1);
+        } else {
+            return nullptr;
         }
         return ways[entry >> 1];
     }

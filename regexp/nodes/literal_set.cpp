@@ -11,14 +11,17 @@ constexpr std::size_t longestLabel = 60;
 
 }  // namespace
 
-void RE_Literal_Set::take(const RE_Literal_Trie::Found& found, const char16_t* p, std::size_t& pos,
+bool RE_Literal_Set::take(const RE_Literal_Trie::Found& found, const char16_t* p, std::size_t& pos,
                           RE_Search_Info& info) const {
-    if (found.hasLater) {
+    if (!found.hasLater) {
+        info.spareChoice();
+    } else if (info.countChoice()) {
         info.pushRecord(this, p, found.literal + 1);
     } else {
-        info.spareChoice();
+        return false;
     }
     pos = info.indexOf(p) + found.length;
+    return true;
 }
 
 bool RE_Literal_Set::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {
@@ -27,16 +30,14 @@ bool RE_Literal_Set::match(const char16_t* subject, std::size_t& pos, RE_Search_
     if (found.length == 0 || (memoised && !info.firstVisit(this, p))) {
         return false;
     }
-    take(found, p, pos, info);
-    return true;
+    return take(found, p, pos, info);
 }
 
 RE_Node* RE_Literal_Set::resume(const RE_Backtrack_Record& record, std::size_t& pos,
                                 RE_Search_Info& info) const {
     const char16_t* const p = record.position;
     const auto next = static_cast<std::uint32_t>(info.poppedWord());
-    take(literals.find(p, info.subjectEnd, next), p, pos, info);
-    return nextNode;
+    return take(literals.find(p, info.subjectEnd, next), p, pos, info) ? nextNode : nullptr;
 }
 
 const char16_t* RE_Literal_Set::scan(const char16_t* p, RE_Search_Info& info) const {

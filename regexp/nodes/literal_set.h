@@ -35,7 +35,7 @@ protected:
     const char16_t* scanBack(const char16_t* p, std::size_t count, RE_Search_Info& info) const override;
 
 private:
-    void take(const RE_Literal_Trie::Found& found, const char16_t* p, std::size_t& pos,
+    bool take(const RE_Literal_Trie::Found& found, const char16_t* p, std::size_t& pos,
               RE_Search_Info& info) const;
 
     RE_Class_Scan members;  // of `firstUnits`

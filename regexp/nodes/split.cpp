@@ -1,7 +1,7 @@
 #include "regexp/nodes/split.h"
 
 bool RE_Split::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {
-    return info.pushChoice(this, subject + pos, !reuseRecord);
+    return info.countChoice() && info.pushChoice(this, subject + pos, !reuseRecord);
 }
 
 void RE_Split::visitLinks(RE_Link_Visitor& visitor) {

@@ -81,7 +81,7 @@ Engine::Engine(std::u16string_view pattern, RE_Flags flags, const EngineConfig& 
         m_tree.makeMachineCode();
     }
     if (config.dfa) {
-        RE_Inquiry_Delay::choices = 1;
+        RE_Inquiry_Delay::choices = RE_Inquiry_Delay::ambiguous = 1;
         m_tree.makeDfa();
     }
 }
