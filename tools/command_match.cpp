@@ -85,7 +85,8 @@ int runMatch(const Arguments& words) {
     PatternRequest request = takePattern(arguments);
     const MatchSettings settings = readMatchSettings(arguments);
     catchInterrupts();
-    const CompiledPattern pattern(std::move(request), compile);
+    CompiledPattern pattern(std::move(request), compile);
+    pattern.prepareForSearches();
     printWarnings(pattern.text(), pattern.warnings());
     const int status = MatchRun(pattern, settings).searchAll();
     if (pattern.scripts()) pattern.scripts()->finish();

@@ -168,7 +168,8 @@ int runReplace(const Arguments& words) {
     std::u16string replacementText = takeReplacement(arguments);
     const ReplaceSettings settings = readSettings(arguments);
     catchInterrupts();
-    const CompiledPattern pattern(std::move(request), compile);
+    CompiledPattern pattern(std::move(request), compile);
+    pattern.prepareForSearches();
     printWarnings(pattern.text(), pattern.warnings(), "pattern");
     const CompiledReplacement replacement(std::move(replacementText), compile, pattern.scripts());
     printWarnings(replacement.text(), replacement.warnings(), "replacement");

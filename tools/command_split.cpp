@@ -42,7 +42,8 @@ int runSplit(const Arguments& words) {
     Corvane::regexp::CompileOptions compile;
     ParsedArguments arguments =
         parseArguments(words, "split [OPTION...] PATTERN [FILE...]", knownOptions(compile));
-    const CompiledPattern pattern(takePattern(arguments), compile);
+    CompiledPattern pattern(takePattern(arguments), compile);
+    pattern.prepareForSearches();
     if (arguments.positionals.empty()) arguments.positionals = {"-"};
     catchInterrupts();
     printWarnings(pattern.text(), pattern.warnings());

@@ -19,6 +19,12 @@ public:
     CompiledPattern(const CompiledPattern&) = delete;
     CompiledPattern& operator=(const CompiledPattern&) = delete;
 
+    /// For commands that search more than they compile.
+    void prepareForSearches() {
+        tree_.makeMachineCode();
+        tree_.makeDfa();
+    }
+
     const std::u16string& text() const { return text_; }
     const RE_Tree& tree() const { return tree_; }
     std::vector<PatternWarning> warnings() const { return context_->warnings(); }
