@@ -43,12 +43,13 @@ RE_Search_Info RE_Match_Sequence::freshState(std::u16string_view subject) {
                           &table, false);
 }
 
-// What the searches before hold is given back to the account that it was taken from.
+// What is done once, or with limits only, stands by itself: the rest is short then.
 void RE_Match_Sequence::use(std::u16string_view subject) {
-    if (!watchesMemory) {
-        turnTo(subject);
-        return;
-    }
+    watchesMemory ? turnWithin(subject) : turnTo(subject);
+}
+
+// What the searches before hold is given back to the account that it was taken from.
+[[gnu::noinline]] void RE_Match_Sequence::turnWithin(std::u16string_view subject) {
     const RE_Memory_Account::Scope scope(account);
     turnTo(subject);
 }
@@ -69,12 +70,13 @@ void RE_Match_Sequence::turnTo(std::u16string_view subject) {
 
 RE_Results* RE_Match_Sequence::find(std::size_t offset) {
     found = false;
-    if (code != nullptr) {
+    if (coded != nullptr && info.tokens != nullptr) {
         return searchByCode(offset);
     }
-    if (!watchesMemory) {
-        return search(offset);
-    }
+    return watchesMemory ? searchWithin(offset) : search(offset);
+}
+
+[[gnu::noinline]] RE_Results* RE_Match_Sequence::searchWithin(std::size_t offset) {
     const RE_Memory_Account::Scope scope(account);
     try {
         memoryFull = account.isOver();
@@ -89,23 +91,33 @@ void RE_Match_Sequence::goOn() {
     if (seen) {
         info.searchBehind(view->matchStart + view->matchLength);
     } else if (!prepared) {
-        info.prepare(*tree.facts);
-        prepared = tree.facts->profiler == nullptr;  // each search counts for itself
-        if (!watchesMemory) {
-            info.beginInquiry();
-        }
-        code = !watchesMemory && !info.checkInterrupts && prepared ? tree.facts->machineCode.get() : nullptr;
+        getReady();
     }
+}
+
+[[gnu::noinline]] void RE_Match_Sequence::getReady() {
+    info.prepare(*tree.facts);
+    prepared = tree.facts->profiler == nullptr;  // each search counts for itself
+    if (!watchesMemory) {
+        info.beginInquiry();
+    }
+    const bool byCode =
+        !watchesMemory && !info.checkInterrupts && prepared && tree.facts->machineCode != nullptr;
+    coded = byCode ? tree.facts : nullptr;
 }
 
 RE_Results* RE_Match_Sequence::see(std::size_t length) {
     found = seen = true;
     if (!view) {
-        return &view.emplace(&info, info.matchStart, length, false);
+        return makeView(length);
     }
     view->matchStart = info.indexOf(info.matchStart);
     view->matchLength = length;
     return &*view;
+}
+
+[[gnu::noinline]] RE_Results* RE_Match_Sequence::makeView(std::size_t length) {
+    return &view.emplace(&info, info.matchStart, length, false);
 }
 
 RE_Results* RE_Match_Sequence::search(std::size_t offset) {
@@ -120,10 +132,10 @@ RE_Results* RE_Match_Sequence::search(std::size_t offset) {
 }
 
 // Nobody can break it off.
-RE_Results* RE_Match_Sequence::searchByCode(std::size_t offset) {
-    const RE_Graph_Facts& facts = *tree.facts;
-    if (facts.minimumLength > info.subjectLength() - offset || info.tokens == nullptr) {
-        return info.tokens == nullptr ? search(offset) : nullptr;
+inline RE_Results* RE_Match_Sequence::searchByCode(std::size_t offset) {
+    const RE_Graph_Facts& facts = *coded;
+    if (facts.minimumLength > info.subjectLength() - offset) {
+        return nullptr;
     }
     goOn();
     std::size_t length = 0;

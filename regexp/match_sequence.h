@@ -42,11 +42,15 @@ private:
     RE_Search_Info freshState(std::u16string_view subject);
     RE_Search_Outcome outcome() const;
     void turnTo(std::u16string_view subject);
+    void turnWithin(std::u16string_view subject);
+    RE_Results* searchWithin(std::size_t offset);
     RE_Results* search(std::size_t offset);
     RE_Results* searchByCode(std::size_t offset);
     /// Makes ready for a search behind those that were before.
     void goOn();
     RE_Results* see(std::size_t length);
+    void getReady();
+    RE_Results* makeView(std::size_t length);
 
     const RE_Tree& tree;
     RE_Memory_Account account;
@@ -57,7 +61,7 @@ private:
     bool prepared = false;  ///< for the pattern
     bool found = false;     ///< the last search found a match, which was not released
     bool seen = false;      ///< a match in the subject; the last one is in the view
-    /// Of the pattern, where it is all that a search needs.
-    const RE_Machine_Code* code = nullptr;
+    /// Of the pattern, where its machine code is all that a search needs.
+    const RE_Graph_Facts* coded = nullptr;
     std::optional<RE_Results> view;
 };

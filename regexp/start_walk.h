@@ -26,9 +26,8 @@ public:
         }
     }
     /// With no more steps left to the next checkpoint a search that begins now asks behind a failed attempt.
-    static std::int64_t firstAskLeft(const RE_Graph_Facts& facts, const RE_Search_Info& info) {
-        return facts.needed.empty() ? std::numeric_limits<std::int64_t>::min()
-                                    : info.meter.room() - static_cast<std::int64_t>(RE_Asking_Delay::steps);
+    static std::int64_t firstAskLeft(const RE_Search_Info& info) {
+        return info.meter.room() - static_cast<std::int64_t>(RE_Asking_Delay::steps);
     }
 
     /// The first start from `p` on, or null.

@@ -12,6 +12,8 @@ namespace {
 constexpr size_t kLongest = 240;  // more than the widest vectors take at once
 constexpr RE_Unit_Pair kPair{u'Q', u'q'};
 constexpr RE_Literal_Probe kProbe{{u'Q', u'Q'}, {u'z', u'Z'}, 2, 5};
+constexpr RE_Literal_Probe kThree{
+    .first = {u'Q', u'q'}, .second = {u'z', u'Z'}, .firstAt = 2, .secondAt = 5, .hasThird = true, .third = {u'.', 0x3B2}, .thirdAt = 1};
 
 template <class Test>
 void compare(const std::u16string& text, size_t reach, Test holds, const auto& first, const auto& last) {
@@ -44,6 +46,12 @@ void compareAll(const std::u16string& text) {
         [](const char16_t* p) { return kProbe.first.holds(p[2]) && kProbe.second.holds(p[5]); },
         [](auto p, auto end) { return findProbe(p, end, kProbe); },
         [](auto p, auto end) { return findLastProbe(p, end, kProbe); });
+    const auto threeHold = [](const char16_t* p) {
+        return kThree.first.holds(p[2]) && kThree.second.holds(p[5]) && kThree.third.holds(p[1]);
+    };
+    compare(
+        text, kThree.secondAt, threeHold, [](auto p, auto end) { return findProbe(p, end, kThree); },
+        [](auto p, auto end) { return findLastProbe(p, end, kThree); });
     for (const bool saturates : {false, true}) {
         RE_Prefix_Scan scan;
         scan.depth = 3;

@@ -32,12 +32,16 @@ public:
     Assembler(const RE_Graph_Facts& graphFacts, const RE_Node* graphRoot)
         : Start_Code(graphFacts, graphRoot, roomFor(graphFacts.program)) {
         emitEntry();
+        Xbyak::Label beginLabel;
+        L(beginLabel);
+        emitBegin();
         emitStarts();
         emitProgram();
         emitExits();
         emitConstants();
         setProtectModeRE();
         entry = getCode<Entry>();
+        first = reinterpret_cast<decltype(first)>(reinterpret_cast<std::uintptr_t>(beginLabel.getAddress()));
         nextStart = nextStartLabel.getAddress();
         attempt = attemptLabel.getAddress();
         RE_Machine_Code::mostSteps = Start_Code::mostSteps;

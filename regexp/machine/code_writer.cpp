@@ -6,6 +6,14 @@
 
 namespace corvane_machine {
 
+namespace {
+
+bool isEnd(RE_Machine_Exit reason) {
+    return reason == RE_Machine_Exit::matched || reason == RE_Machine_Exit::noStart;
+}
+
+}  // namespace
+
 Label& Code_Writer::fresh() {
     labels.push_back(std::make_unique<Label>());
     return *labels.back();
@@ -28,10 +36,28 @@ void Code_Writer::emitEntry() {
     jmp(at(offsetof(RE_Search_Registers, resume)));
 }
 
-// All exits write back what the attempt has changed.
+void Code_Writer::emitBegin() {
+    push(rbx);
+    push(rbp);
+    mov(end, at(offsetof(RE_Search_Registers, subjectEnd)));
+    mov(begin, at(offsetof(RE_Search_Registers, subjectBegin)));
+    mov(left, at(offsetof(RE_Search_Registers, meter)));
+    xor_(start.cvt32(), start.cvt32());
+}
+
+// Exits write back what the attempt has changed, as far as anybody asks for it.
 void Code_Writer::emitExits() {
+    emitEnds(RE_Machine_Exit::matched);
+    mov(at(offsetof(RE_Search_Registers, cursor)), p);
+    mov(at(offsetof(RE_Search_Registers, matchStart)), start);
+    emitReturn(RE_Machine_Exit::matched);
+    emitEnds(RE_Machine_Exit::noStart);
+    emitReturn(RE_Machine_Exit::noStart);
     Label code;
     for (const auto& exit : exits) {
+        if (isEnd(exit->reason)) {
+            continue;
+        }
         L(exit->label);
         if (exit->instruction != nullptr) {
             mov(rax, reinterpret_cast<std::uint64_t>(exit->instruction));
@@ -46,9 +72,27 @@ void Code_Writer::emitExits() {
     }
     L(code);
     mov(at(offsetof(RE_Search_Registers, cursor)), p);
-    mov(at(offsetof(RE_Search_Registers, meter)), left);
     mov(at(offsetof(RE_Search_Registers, matchStart)), start);
     mov(at(offsetof(RE_Search_Registers, runBegin)), runBegin);
+    emitLeave();
+}
+
+/// Exits that end a search are one.
+void Code_Writer::emitEnds(RE_Machine_Exit reason) {
+    for (const auto& exit : exits) {
+        if (exit->reason == reason) {
+            L(exit->label);
+        }
+    }
+}
+
+void Code_Writer::emitReturn(RE_Machine_Exit reason) {
+    mov(eax, static_cast<std::uint32_t>(reason));
+    emitLeave();
+}
+
+void Code_Writer::emitLeave() {
+    mov(at(offsetof(RE_Search_Registers, meter)), left);
     pop(rbp);
     pop(rbx);
     ret();

@@ -44,6 +44,8 @@ protected:
     Label& exitFor(RE_Machine_Exit reason, const RE_Instruction* instruction = nullptr,
                    Label* resume = nullptr);
     void emitEntry();
+    /// An entry with the place to begin at in `p`.
+    void emitBegin();
     void emitExits();
 
     using Bytes = std::array<std::uint8_t, 16>;
@@ -54,6 +56,10 @@ protected:
     void forgetLabels();
 
 private:
+    void emitEnds(RE_Machine_Exit reason);
+    void emitReturn(RE_Machine_Exit reason);
+    void emitLeave();
+
     struct Exit {
         Label label;
         RE_Machine_Exit reason;

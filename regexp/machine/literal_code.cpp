@@ -7,13 +7,6 @@
 
 namespace corvane_machine {
 
-namespace {
-
-// No slower than the search of the root, so it goes farther than the other scans.
-constexpr int farthestLiteral = 4096;
-
-}  // namespace
-
 bool Start_Code::canSeek(const RE_String& string) const {
     if (string.rarestUnits() == nullptr || string.length > longestText) {
         return false;
@@ -27,6 +20,13 @@ void Start_Code::emitSeekLiteral(const RE_Literal& literal, const RE_Literal_Pro
     Label& miss = fresh();
     Label& found = fresh();
     Label& nowhere = fresh();
+    if (masksVectors) {
+        emitMaskedLiteral(literal, probe, found, nowhere);
+        emitNowhere(nowhere);
+        L(found);
+        emitFound();
+        return;
+    }
     const int bytes = static_cast<int>(literal.length * sizeof(char16_t));
     mov(runBegin, p);
     if (scansWideVectors) {

@@ -27,13 +27,27 @@ enum class RE_Machine_Exit : std::uint64_t {
     glance    ///< the assertion of the instruction is to be decided at `cursor`
 };
 
+/// What code looks at many units with, as far as the processor has it.
+enum class RE_Machine_Vectors {
+    none,
+    narrow,  ///< eight units
+    wide,    ///< sixteen
+    masked   ///< up to 32, of which those behind the subject's end are not read
+};
+
 /// Read-only once it is made: many threads run it, each with registers of its own.
 class RE_Machine_Code : public RE_Memory {
 public:
     /// Null where there is no program, and where this machine cannot be given code.
     static std::unique_ptr<RE_Machine_Code> make(const RE_Graph_Facts& facts, const RE_Node* root);
     virtual ~RE_Machine_Code() = default;
+    /// Code made from now on has none that are wider, so that they can be compared.
+    static void limitVectors(RE_Machine_Vectors widest);
 
+    /// Begins to look for a match that starts at `p` or behind it, where the subject leaves room for one.
+    RE_Machine_Exit begin(RE_Search_Registers& search, const char16_t* p) const {
+        return static_cast<RE_Machine_Exit>(first(&search, p));
+    }
     /// Goes on where the registers say.
     RE_Machine_Exit run(RE_Search_Registers& search) const {
         return static_cast<RE_Machine_Exit>(entry(&search));
@@ -48,4 +62,5 @@ public:
 protected:
     using Entry = std::uint64_t (*)(RE_Search_Registers*);
     Entry entry = nullptr;
+    std::uint64_t (*first)(RE_Search_Registers*, const char16_t*) = nullptr;
 };

@@ -31,7 +31,7 @@ public:
                     measureRun();
                     break;
                 case RE_Machine_Exit::seek:
-                    goOnAt(code.attempt, walk.seekFrom(info.cursor));
+                    goOnAt(code.attempt, walk.seekFrom(behindLookedAt()));
                     break;
                 default:
                     if (finishAttempt(reason, length)) {
@@ -59,6 +59,16 @@ private:
         info.resume = place;
         info.cursor = p;
         info.askLeft = walk.roomUpToAsking();
+    }
+
+    /// The code was on its way to a start when it came to `runBegin`. What it has looked at counts for steps, as far
+    /// as it makes whole ones, and is not looked at again.
+    const char16_t* behindLookedAt() const {
+        constexpr auto step = static_cast<std::ptrdiff_t>(RE_Step_Meter::unitsAStep);
+        const std::ptrdiff_t units = std::min(info.runBegin, info.lastStart) - info.cursor;
+        const std::ptrdiff_t looked = units - units % step;
+        info.noteScan(static_cast<std::size_t>(looked));
+        return info.cursor + looked;
     }
 
     /// How an attempt ends that the code has brought so far.

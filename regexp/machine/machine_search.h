@@ -12,17 +12,17 @@
 bool goOnByMachineCode(const RE_Graph_Facts& facts, const RE_Node* root, RE_Machine_Exit first,
                        RE_Search_Info& info, std::size_t& length);
 
-/// Tries start after start from `p` to `last`. The graph must have machine code. Puts the match into the state and
+/// Tries start after start from `p` to `last`, which is no less. The graph must have machine code. Puts the match into the state and
 /// its length, in units, into `length`. Most searches are over when the code returns for the first time.
 inline bool findByMachineCode(const RE_Graph_Facts& facts, const RE_Node* root, const char16_t* p,
                               const char16_t* last, RE_Search_Info& info, std::size_t& length) {
     info.lastStart = last;
     info.slots = info.tokens->slots.data();
     info.opened = info.tokenStarts();
-    info.resume = facts.machineCode->nextStart;
-    info.cursor = p;
-    info.askLeft = RE_Start_Walk::firstAskLeft(facts, info);
-    const RE_Machine_Exit reason = facts.machineCode->run(info);
+    if (!facts.needed.empty()) {
+        info.askLeft = RE_Start_Walk::firstAskLeft(info);
+    }
+    const RE_Machine_Exit reason = facts.machineCode->begin(info, p);
     if (reason == RE_Machine_Exit::matched) {
         info.tokens->count = info.inEffect;
         length = static_cast<std::size_t>(info.cursor - info.matchStart);

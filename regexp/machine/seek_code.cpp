@@ -12,6 +12,7 @@ namespace corvane_machine {
 namespace {
 
 constexpr int tried = 4;  // one by one before vectors are
+constexpr int triedBeforeMasks = 1;
 
 }  // namespace
 
@@ -47,6 +48,15 @@ void Start_Code::emitSeekUnits(const RE_Unit_Set& units) {
     Label& found = fresh();
     Label& nowhere = fresh();
     mov(runBegin, p);
+    if (masksVectors) {
+        emitOneByOne(units, triedBeforeMasks, found, nowhere);
+        emitMaskedSeekUnits(units, nowhere);
+        jmp(found, T_NEAR);
+        emitNowhere(nowhere);
+        L(found);
+        emitFound();
+        return;
+    }
     emitOneByOne(units, tried, found, nowhere);
     if (scansVectors) {
         Label& again = fresh();
@@ -90,6 +100,14 @@ void Start_Code::emitSeekLineStart() {
     jbe(found, T_NEAR);
     cmp(word[p - 2], std::uint32_t{u'\n'});
     je(found, T_NEAR);
+    if (masksVectors) {
+        emitMaskedSeekLineStart(nowhere);
+        jmp(found, T_NEAR);
+        emitNowhere(nowhere);
+        L(found);
+        emitFound();
+        return;
+    }
     lea(stop, ptr[p + farthest * 2]);
     L(again);
     lea(rax, ptr[runBegin + static_cast<int>(vectorUnits * 2)]);
@@ -125,6 +143,14 @@ void Start_Code::emitSeekPrefixes(const RE_Prefix_Scan& scan) {
     Label& nowhere = fresh();
     const int reach = static_cast<int>(scan.reach() * sizeof(char16_t));
     mov(runBegin, p);
+    if (masksVectors) {
+        emitMaskedSeekPrefixes(scan, nowhere);
+        jmp(found, T_NEAR);
+        emitNowhere(nowhere);
+        L(found);
+        emitFound();
+        return;
+    }
     lea(stop, ptr[p + farthest * 2]);
     L(again);
     lea(rax, ptr[runBegin + static_cast<int>(vectorUnits * 2) + reach]);

@@ -36,7 +36,9 @@ std::optional<char16_t> onlyUnit(const RE_Unit_Set* units) {
 Start_Code::Start_Code(const RE_Graph_Facts& graphFacts, const RE_Node* graphRoot, std::size_t mostBytes)
     : Program_Code(graphFacts.program, mostBytes), facts(graphFacts), root(graphRoot) {}
 
+// The code begins here, too: behind the question whether there is room for a start.
 void Start_Code::emitStarts() {
+    jmp(seekLabel, T_NEAR);
     emitFailed();
     emitNextStart();
     emitAttempt();
@@ -49,8 +51,10 @@ void Start_Code::emitFailed() {
     mov(rax, at(offsetof(RE_Search_Registers, steps)));
     test(eax, 2047);
     jz(more, T_NEAR);
-    cmp(left, at(offsetof(RE_Search_Registers, askLeft)));
-    jle(more, T_NEAR);
+    if (!facts.needed.empty()) {
+        cmp(left, at(offsetof(RE_Search_Registers, askLeft)));
+        jle(more, T_NEAR);
+    }
     mov(p, start);
     emitHopeless(more);
     inc(at(offsetof(RE_Search_Registers, steps)));
@@ -82,6 +86,7 @@ void Start_Code::emitNextStart() {
     L(nextStartLabel);
     cmp(p, at(offsetof(RE_Search_Registers, lastStart)));
     ja(exitFor(RE_Machine_Exit::noStart), T_NEAR);
+    L(seekLabel);
     if (facts.start.rootSeeks) {
         emitSeek();
     }
@@ -93,7 +98,7 @@ void Start_Code::emitSeek() {
     const std::optional<char16_t> alone = scansWideVectors ? onlyUnit(facts.start.units) : std::nullopt;
     if (alone) {
         const RE_Unit_Pair pair{*alone, *alone};
-        emitSeekLiteral({&*alone, 1, false}, {pair, pair, 0, 0});
+        emitSeekLiteral({&*alone, 1, false}, {.first = pair, .second = pair, .firstAt = 0, .secondAt = 0});
     } else if (facts.start.units != nullptr) {
         emitSeekUnits(*facts.start.units);
     } else if (root->kind == RE_Node_Kind::lineStart && scansVectors) {
@@ -107,6 +112,7 @@ void Start_Code::emitSeek() {
         emitSeekPrefixes(*scan);
     } else {
         leavesSeekToRoot = true;
+        mov(runBegin, p);
         jmp(exitFor(RE_Machine_Exit::seek), T_NEAR);
     }
 }

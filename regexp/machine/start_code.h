@@ -25,6 +25,20 @@ protected:
 private:
     /// Farther starts are looked for by the root: wider vectors, a memory for what was found, questions to the host.
     static constexpr int farthest = 256;
+    /// Literals are found no slower here.
+    static constexpr int farthestLiteral = 4096;
+
+    /// The units of a literal that are looked for.
+    struct Probe_Units {
+        struct Place {
+            RE_Unit_Pair units;
+            std::size_t at;
+        };
+        explicit Probe_Units(const RE_Literal_Probe& probe);
+
+        Place list[3];
+        int count = 0;
+    };
 
     void emitFailed();
     void emitHopeless(Label& more);
@@ -41,6 +55,18 @@ private:
     void emitPair(RE_Unit_Pair pair, const Xbyak::Ymm& one, const Xbyak::Ymm& second);
     void emitEqualPair(const Xbyak::RegExp& units, RE_Unit_Pair pair, const Xbyak::Ymm& one,
                        const Xbyak::Ymm& second, const Xbyak::Ymm& result);
+    void emitMaskAhead(std::size_t reach, int most, Label& nowhere);
+    template <class Ask>
+    void emitMaskedSeek(std::size_t reach, Label& nowhere, Ask ask);
+    void emitMaskedSeekUnits(const RE_Unit_Set& units, Label& nowhere);
+    void emitMaskedSeekLineStart(Label& nowhere);
+    void emitMaskedSeekPrefixes(const RE_Prefix_Scan& scan, Label& nowhere);
+    void emitMaskedLiteral(const RE_Literal& literal, const RE_Literal_Probe& probe, Label& found,
+                           Label& nowhere);
+    void emitCandidates(const RE_Literal& literal, Label& found);
+    void emitSought(const Probe_Units& sought);
+    void emitApart(const Xbyak::RegExp& from, const Probe_Units& sought, bool masked,
+                   const Xbyak::Zmm& result);
     void emitSeekPrefixes(const RE_Prefix_Scan& scan);
     void emitPrefixTest(const RE_Prefix_Scan& scan, Label& unfit);
     void emitOneByOne(const RE_Unit_Set& units, int most, Label& found, Label& nowhere);
@@ -50,6 +76,7 @@ private:
 
     const RE_Graph_Facts& facts;
     const RE_Node* root;
+    Label seekLabel;
     bool leavesSeekToRoot = false;
 };
 

@@ -15,10 +15,10 @@ protected:
     using Code_Writer::Code_Writer;
 
     static constexpr std::uint32_t vectorUnits = 16;
-    /// Whether the processor can look at so many units at once.
-    const bool scansVectors = canScan(false);
-    /// Whether it can look at two such vectors.
-    const bool scansWideVectors = canScan(true);
+    const RE_Machine_Vectors vectors = widestVectors();
+    const bool scansVectors = vectors >= RE_Machine_Vectors::narrow;
+    const bool scansWideVectors = vectors >= RE_Machine_Vectors::wide;
+    const bool masksVectors = vectors >= RE_Machine_Vectors::masked;
 
     /// How a set is told from a vector of units.
     enum class Kind {
@@ -45,6 +45,12 @@ protected:
     void emitMembers(const Reg64& from, const RE_Unit_Set& units);
     /// One bit for each of the units from `from` on that is this one.
     void emitEqualUnits(const Xbyak::RegExp& from, char16_t unit, const Xbyak::Xmm& result);
+    /// Puts into k1 and eax a bit for each of the units that rax holds the bytes of, up to so many.
+    void emitMask(std::uint32_t most);
+    /// As `emitMembers`, of the units in k1.
+    void emitMaskedMembers(const Reg64& from, const RE_Unit_Set& units);
+    void emitMaskedRange(const Reg64& from, RE_Unit_Ranges::Range range);
+    void emitMaskedPrefixes(const Reg64& from, const RE_Prefix_Scan& scan);
     /// Puts into eax one bit for each of the positions from `from` on at which a prefix may stand.
     void emitPrefixes(const Reg64& from, const RE_Prefix_Scan& scan);
     Label& prefixTable(const std::uint8_t (&table)[16]);
@@ -65,7 +71,7 @@ private:
     static Forms formsOf(char16_t lower);
     static constexpr std::size_t tableUnits = 128;
 
-    static bool canScan(bool wide);
+    static RE_Machine_Vectors widestVectors();
     void emitRangeMembers(RE_Unit_Ranges::Range range);
     void emitAllBut(const RE_Units_Outside& outside);
     Label& rowsOf(const RE_Unit_Set& units);

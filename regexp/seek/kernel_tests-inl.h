@@ -42,31 +42,41 @@ HWY_INLINE std::uint64_t bitsOf(Mask mask) {
     return bits;
 }
 
-/// With `alone` the two units of the pair are one.
+/// Zero where a unit is one of the pair; where they differ in more than a bit, perhaps elsewhere, too. With `alone` the
+/// two of the pair are one.
 template <bool alone>
-HWY_INLINE Mask equals(Vector units, RE_Unit_Pair pair) {
-    const Mask one = hn::Eq(units, hn::Set(Lanes(), static_cast<std::uint16_t>(pair.one)));
-    return alone ? one : hn::Or(one, hn::Eq(units, hn::Set(Lanes(), static_cast<std::uint16_t>(pair.other))));
+HWY_INLINE Vector apart(Vector units, RE_Unit_Pair pair) {
+    const auto all = static_cast<std::uint16_t>(pair.one | pair.other);
+    const auto differing = static_cast<std::uint16_t>(pair.one ^ pair.other);
+    return hn::Xor(alone ? units : hn::Or(units, hn::Set(Lanes(), differing)), hn::Set(Lanes(), all));
 }
 
 template <bool alone>
 struct Unit_Test {
     RE_Unit_Pair unit;
 
-    HWY_INLINE Mask operator()(const char16_t* p) const { return equals<alone>(load(p), unit); }
+    static constexpr std::size_t nearest = 0;
+    HWY_INLINE Vector apartAt(const char16_t* p) const { return apart<alone>(load(p), unit); }
+    HWY_INLINE Mask operator()(const char16_t* p) const { return hn::Eq(apartAt(p), hn::Zero(Lanes())); }
     bool holds(const char16_t* p) const { return unit.holds(*p); }
 };
 
-template <bool alone>
+template <bool alone, bool three>
 struct Probe_Test {
-    const RE_Literal_Probe& probe;
+    explicit Probe_Test(const RE_Literal_Probe& sought) : probe(sought) {}
 
-    HWY_INLINE Mask operator()(const char16_t* p) const {
-        return hn::And(equals<alone>(load(p + probe.firstAt), probe.first),
-                       equals<alone>(load(p + probe.secondAt), probe.second));
+    const RE_Literal_Probe& probe;
+    const std::size_t nearest = probe.firstAt;
+
+    HWY_INLINE Vector apartAt(const char16_t* p) const {
+        const Vector first = apart<alone>(load(p + probe.firstAt), probe.first);
+        const Vector both = hn::Or(first, apart<alone>(load(p + probe.secondAt), probe.second));
+        return three ? hn::Or(both, apart<alone>(load(p + probe.thirdAt), probe.third)) : both;
     }
+    HWY_INLINE Mask operator()(const char16_t* p) const { return hn::Eq(apartAt(p), hn::Zero(Lanes())); }
     bool holds(const char16_t* p) const {
-        return probe.first.holds(p[probe.firstAt]) && probe.second.holds(p[probe.secondAt]) && textAt(p);
+        return probe.first.holds(p[probe.firstAt]) && probe.second.holds(p[probe.secondAt]) &&
+               (!three || probe.third.holds(p[probe.thirdAt])) && textAt(p);
     }
     // Where the text does not stand most of the time its first units tell, sooner than a call would have begun.
     bool textAt(const char16_t* p) const {

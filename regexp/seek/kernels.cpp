@@ -30,16 +30,41 @@ HWY_INLINE const char16_t* firstOf(std::uint64_t hits, const char16_t* p, const 
     return nullptr;
 }
 
-/// Four vectors at a time, for as long as none of them has a hit. Returns how far it came.
+/// A test that gives vectors, too: the least of two of them is zero wherever one of them is.
+template <class Test>
+concept Gives_Vectors = requires(const Test& test, const char16_t* p) {
+    test.apartAt(p);
+};
+
+/// As many vectors at a time as pay, for as long as none of them has a hit. Returns how far it came.
 template <class Test>
 HWY_INLINE const char16_t* skipForward(const char16_t* p, const char16_t* end, const Test& test) {
     const std::size_t lanes = hn::Lanes(Lanes());
+    if constexpr (Gives_Vectors<Test>) {
+        for (; static_cast<std::size_t>(end - p) >= 2 * lanes; p += 2 * lanes) {
+            const Vector least = hn::Min(test.apartAt(p), test.apartAt(p + lanes));
+            if (!hn::AllFalse(Lanes(), hn::Eq(least, hn::Zero(Lanes())))) {
+                break;
+            }
+        }
+        return p;
+    }
     for (; static_cast<std::size_t>(end - p) >= 4 * lanes; p += 4 * lanes) {
         const Mask first = hn::Or(test(p), test(p + lanes));
         const Mask second = hn::Or(test(p + 2 * lanes), test(p + 3 * lanes));
         if (!hn::AllFalse(Lanes(), hn::Or(first, second))) {
             break;
         }
+    }
+    return p;
+}
+
+/// The last position up to `p` from which on vectors lie as memory is divided, for the unit that is nearest.
+template <class Test>
+HWY_INLINE const char16_t* aligned(const char16_t* p, const Test& test) {
+    if constexpr (Gives_Vectors<Test>) {
+        const std::size_t bytes = hn::Lanes(Lanes()) * sizeof(char16_t);
+        p -= reinterpret_cast<std::uintptr_t>(p + test.nearest) % bytes / sizeof(char16_t);
     }
     return p;
 }
@@ -53,6 +78,10 @@ const char16_t* findForward(const char16_t* p, const char16_t* end, const Test& 
         }
         return p;
     }
+    if (const char16_t* const found = firstOf(bitsOf(test(p)), p, test)) {
+        return found;
+    }
+    p = skipForward(aligned(p + lanes, test), end, test);
     while (static_cast<std::size_t>(end - p) >= lanes) {
         if (const char16_t* const found = firstOf(bitsOf(test(p)), p, test)) {
             return found;
@@ -88,7 +117,8 @@ const char16_t* findBackward(const char16_t* p, const char16_t* end, const Test&
 }
 
 HWY_INLINE bool isAlone(const RE_Literal_Probe& probe) {
-    return probe.first.one == probe.first.other && probe.second.one == probe.second.other;
+    return probe.first.one == probe.first.other && probe.second.one == probe.second.other &&
+           probe.third.one == probe.third.other;
 }
 
 const char16_t* unitForward(const char16_t* p, const char16_t* end, RE_Unit_Pair unit) {
@@ -105,9 +135,16 @@ const char16_t* classForward(const char16_t* p, const char16_t* end, const RE_Cl
 const char16_t* classBackward(const char16_t* p, const char16_t* end, const RE_Class_Scan& scan) {
     return findBackward(p, end, Class_Test{scan});
 }
+/// Calls `find` with the test for the probe.
+template <class Find>
+HWY_INLINE const char16_t* withTest(const RE_Literal_Probe& probe, Find find) {
+    if (probe.hasThird) {
+        return isAlone(probe) ? find(Probe_Test<true, true>(probe)) : find(Probe_Test<false, true>(probe));
+    }
+    return isAlone(probe) ? find(Probe_Test<true, false>(probe)) : find(Probe_Test<false, false>(probe));
+}
 const char16_t* probeForward(const char16_t* p, const char16_t* end, const RE_Literal_Probe& probe) {
-    return isAlone(probe) ? findForward(p, end, Probe_Test<true>{probe})
-                          : findForward(p, end, Probe_Test<false>{probe});
+    return withTest(probe, [=](const auto& test) HWY_ATTR { return findForward(p, end, test); });
 }
 const char16_t* prefixForward(const char16_t* p, const char16_t* end, const RE_Prefix_Scan& scan) {
     switch (scan.depth) {
@@ -122,8 +159,7 @@ const char16_t* prefixForward(const char16_t* p, const char16_t* end, const RE_P
     }
 }
 const char16_t* probeBackward(const char16_t* p, const char16_t* end, const RE_Literal_Probe& probe) {
-    return isAlone(probe) ? findBackward(p, end, Probe_Test<true>{probe})
-                          : findBackward(p, end, Probe_Test<false>{probe});
+    return withTest(probe, [=](const auto& test) HWY_ATTR { return findBackward(p, end, test); });
 }
 
 }  // namespace HWY_NAMESPACE

@@ -45,7 +45,7 @@ private:
     bool sought;
 };
 
-/// Two units of a literal at their distances from its start, chosen to be rare.
+/// Two units of a literal at their distances from its start, chosen to be rare; a third where they are not.
 struct RE_Literal_Probe {
     RE_Unit_Pair first;
     RE_Unit_Pair second;
@@ -53,6 +53,9 @@ struct RE_Literal_Probe {
     std::size_t secondAt;
     const char16_t* text = nullptr;  ///< the whole literal, where it is compared as it stands
     std::size_t length = 0;
+    bool hasThird = false;
+    RE_Unit_Pair third{};
+    std::size_t thirdAt = 0;
 };
 
 /// Up to eight prefixes, each known at up to four places, prepared for scanning for all of them at once. A
@@ -108,9 +111,8 @@ struct RE_Prefix_Scan {
 // The first position in [p, end) that counts, or `end`.
 const char16_t* findUnit(const char16_t* p, const char16_t* end, RE_Unit_Pair unit);
 const char16_t* findClass(const char16_t* p, const char16_t* end, const RE_Class_Scan& scan);
-/// Both units of the probe stand at their distances, and so does the text if there is one. Units up to `end`
-/// plus the
-/// larger distance, and the whole text from each position on, must be readable.
+/// The units of the probe stand at their distances, and so does the text if there is one. Units up to `end` plus
+/// the largest distance, and the whole text from each position on, must be readable.
 const char16_t* findProbe(const char16_t* p, const char16_t* end, const RE_Literal_Probe& probe);
 
 /// A prefix may stand there. Units up to `end` plus the reach must be readable.

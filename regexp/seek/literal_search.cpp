@@ -4,6 +4,8 @@
 #include "regexp/seek/likelihood.h"
 #include "regexp/seek/scan.h"
 
+#include <algorithm>
+#include <array>
 #include <string_view>
 
 namespace {
@@ -22,6 +24,28 @@ double pairLikelihood(const RE_Unit_Pair& units) {
                                     : unitLikelihood(units.one) + unitLikelihood(units.other);
 }
 
+/// Two units that stand together this often are looked for with a third.
+constexpr double frequent = 1.0 / 2000;
+
+struct Place {
+    RE_Unit_Pair units;
+    std::size_t at;
+    double likelihood;
+};
+
+/// Keeps the rarest ones, the rarest first.
+void note(const Place& place, std::array<Place, 3>& rarest, std::size_t& count) {
+    std::size_t rank = count;
+    while (rank > 0 && place.likelihood < rarest[rank - 1].likelihood) {
+        --rank;
+    }
+    if (rank < rarest.size()) {
+        count = std::min(count + 1, rarest.size());
+        std::copy_backward(rarest.begin() + rank, rarest.begin() + count - 1, rarest.begin() + count);
+        rarest[rank] = place;
+    }
+}
+
 }  // namespace
 
 bool RE_Literal::foldsTo(const char16_t* p) const {
@@ -34,30 +58,30 @@ bool RE_Literal::foldsTo(const char16_t* p) const {
     return true;
 }
 
-// The two rarest units, the earlier ones of equals. A literal of one unit is probed for it twice.
+// The rarest units, the earlier ones of equals. A literal of one unit is probed for it twice.
 RE_Literal_Search::RE_Literal_Search(const RE_Literal& literal) {
     static constexpr std::size_t longestLookedAt = 64;
-    double best = 0;
-    double second = 0;
+    std::array<Place, 3> rarest;
+    std::size_t count = 0;
     for (std::size_t i = 0; i < literal.length && i < longestLookedAt; ++i) {
         RE_Unit_Pair units{literal.text[i], literal.text[i]};
-        if (literal.ignoreCase && !findForms(units)) {
-            continue;
+        if (!literal.ignoreCase || findForms(units)) {
+            note({units, i, pairLikelihood(units)}, rarest, count);
         }
-        const double common = pairLikelihood(units);
-        if (!probes || common < best) {
-            probe.second = probes ? probe.first : units;
-            probe.secondAt = probes ? probe.firstAt : i;
-            second = probes ? best : common;
-            probe.first = units;
-            probe.firstAt = i;
-            best = common;
-            probes = true;
-        } else if (probe.secondAt == probe.firstAt || common < second) {
-            probe.second = units;
-            probe.secondAt = i;
-            second = common;
-        }
+    }
+    if (count == 0) {
+        return;
+    }
+    const Place& second = rarest[count > 1 ? 1 : 0];
+    probes = true;
+    probe.first = rarest[0].units;
+    probe.firstAt = rarest[0].at;
+    probe.second = second.units;
+    probe.secondAt = second.at;
+    probe.hasThird = count > 2 && rarest[0].likelihood * rarest[1].likelihood > frequent;
+    if (probe.hasThird) {
+        probe.third = rarest[2].units;
+        probe.thirdAt = rarest[2].at;
     }
 }
 
