@@ -43,4 +43,12 @@ struct RE_Search_Registers {
     std::int64_t askLeft = 0;
     const RE_Instruction* instruction = nullptr;  ///< the one that it returned for
     std::uint64_t holds = 0;                      ///< how the glance was decided that it returned for
+
+    // --- the one choice that it keeps by itself: an end of a run, and what was so when that was chosen ---
+
+    const char16_t* choiceEnd = nullptr;
+    const char16_t* choiceLimit = nullptr;  ///< behind which, or before which, there is none
+    std::int64_t choiceMeter = 0;
+    std::uint64_t choiceCountdown = 0;
+    std::size_t choiceInEffect = 0;
 };

@@ -98,8 +98,15 @@ const Case kCases[] = {
     {u"([ab]+)(c)?.\\1", kPlain, u"abc"},
     {u"(a|[bc]+)+d", kPlain, u"abcd"},
     {u".{3}x", 0x10, u"ax\n"},
-    {u"x[ab]{0,16777217}c", kPlain, u"xabc"},
-    {u"x?a{16777216,}|ab", kPlain, u"xab"},
+    // Runs of which other ends are tried where the rest has failed, and choices between texts.
+    {u"(b+).*?\\1(c)?d", 0x10, u"abcd\n"},
+    {u"a.*?$", kLines, u"ab\n"},
+    {u"a.*?K\u0436", kFolded, u"akK\u212A\u0416"},
+    {u"a[^c]*?(?:bx|cy|bbz)d", kPlain, u"abcdxyz"},
+    {u"[ab]*ab(?=c)|d.*?e(?!c)", kPlain, u"abcde"},
+    {u"(?:there|these|their|them|then)d?", kPlain, u"thersim"},
+    {u"x(?:ab|ba|abc|ca)*d", kPlain, u"abcdx"},
+    {u"[a-c]{2,5}[ad]{3}\\d\\d(x)", kPlain, u"abcd7x"},
 };
 
 /// With each kind of vectors that the processor has.
@@ -144,6 +151,30 @@ TEST_P(MachineCode, AgreesOnRandomPatterns) {
             const std::u16string text = source.below(2) == 0 ? source.subject(12) : source.runs(5, 40);
             ASSERT_EQ("", ways.compare(text, source.below(text.size() + 1)));
             ASSERT_EQ("", ways.compare(text, 0, source.below(100)));
+        }
+    }
+}
+
+// All kinds of runs before all kinds of rests; in every other round the memo begins soon.
+TEST(MachineCode, AgreesOnRunsThatAreTriedAgain) {
+    static constexpr const char16_t* kBefore[] = {u"a", u"([bc])", u"(b+)", u"(c)?a", u"(?:ab|c)", u"", u"d(?:b|ca)"};
+    static constexpr const char16_t* kRuns[] = {u"[^c]", u"[ab]", u".", u"\\w", u"b", u"[a-c]"};
+    static constexpr const char16_t* kCounts[] = {u"*?", u"+?", u"{1,3}?", u"{3,70}?", u"{2,45}?", u"*", u"+", u"{2,40}", u"{0,5}", u"{3,70}"};
+    static constexpr const char16_t* kRests[] = {u"bcb", u"b", u"[bc]d", u"(d)?c", u"(bc+)a", u"(b)(?:c(a)|a)d", u"\\1", u"\\1a", u"$", u"(?:ab|cd|d)b?", u"(?:b|(c)d)+e", u"d(?=b)", u"\\w+e", u"[^a]{2}"};
+    PatternSource source(environmentNumber("CORVANE_TEST_SEED", 99));
+    const auto pick = [&source](const auto& list) { return std::u16string(list[source.below(std::size(list))]); };
+    const unsigned long rounds = environmentNumber("CORVANE_TEST_ROUNDS", sanitized() ? 300 : 2000);
+    for (unsigned long round = 0; round < rounds; ++round) {
+        const Delays delays(round % 2 == 0 ? 2 : RE_Memo_Delay::choices, round % 2 == 0 ? 0 : RE_Memo_Delay::perUnit);
+        const std::u16string pattern = pick(kBefore) + pick(kRuns) + pick(kCounts) + pick(kRests);
+        const Ways ways(pattern, source.below(2) == 0 ? kLines : source.below(2) == 0 ? kPlain : kFolded);
+        for (int subject = 0; subject < 4; ++subject) {
+            std::u16string text;
+            for (size_t runs = source.below(40); runs > 0; --runs) {
+                text.append(1 + (source.below(12) == 0 ? source.below(70) : 0), u"aabbccde \nAB\u0436"[source.below(13)]);
+            }
+            ASSERT_EQ("", ways.compare(text, source.below(text.size() + 1)));
+            ASSERT_EQ("", ways.compare(text, 0, source.below(150)));
         }
     }
 }

@@ -14,14 +14,22 @@ namespace {
 constexpr std::size_t bytesAnInstruction = 512;
 constexpr std::size_t bytesOfTheRest = 4096;
 constexpr std::size_t bytesOfATable = RE_Branch_Start::columns * sizeof(void*);
+constexpr std::size_t bytesOfAChoice = 2048;
+constexpr std::size_t bytesOfTexts = 8192;
 constexpr std::size_t mostUnitsOfText = 256;
-constexpr std::size_t bytesOfAUnit = 96;  // it may stand in the code three times
+constexpr std::size_t bytesOfAUnit = 192;  // it may stand in the code six times
 
 std::size_t roomFor(const RE_Program& program) {
     std::size_t room = bytesOfTheRest + program.instructions.size() * bytesAnInstruction;
     for (const RE_Instruction& in : program.instructions) {
         const bool isText = in.operation == RE_Operation::text || in.operation == RE_Operation::foldedText;
         room += in.operation == RE_Operation::choose ? bytesOfATable : 0;
+        if (in.operation == RE_Operation::texts) {
+            room += bytesOfTexts;
+        }
+        if (in.operation == RE_Operation::lazyRun || in.operation == RE_Operation::givingRun) {
+            room += bytesOfAChoice;
+        }
         room += isText ? std::min<std::size_t>(in.least, mostUnitsOfText) * bytesOfAUnit : 0;
     }
     return room;

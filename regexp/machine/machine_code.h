@@ -22,6 +22,7 @@ enum class RE_Machine_Exit : std::uint64_t {
     seek,     ///< the next start from `cursor` on is not near
     failed,   ///< the attempt has failed, and there is more to do than to go on to the next one
     slow,     ///< an attempt at `cursor` may need a checkpoint on its way
+    choice,  ///< the attempt has just taken the choice of the instruction that `cursor` is; the match loop goes on
     leave,    ///< the attempt is at `cursor`; the match loop goes on at the node of the instruction
     longRun,  ///< the run of the instruction is longer than a few units
     glance    ///< the assertion of the instruction is to be decided at `cursor`

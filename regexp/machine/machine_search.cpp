@@ -82,6 +82,10 @@ private:
         } else if (reason == RE_Machine_Exit::leave) {
             info.enterLoop();
             matched = runUnwatchedLoop(info, info.instruction->node, p);
+        } else if (reason == RE_Machine_Exit::choice) {
+            info.enterLoop();
+            loop().leaveChoice(p, info.choiceLimit, info);
+            matched = runUnwatchedLoop(info, info.instruction->next->node, p);
         }
         length = static_cast<std::size_t>(p - info.matchStart);
         return matched && !info.wasInterrupted();

@@ -19,7 +19,8 @@ bool isText(const RE_Instruction& in) {
 bool isSmall(const RE_Instruction& in, std::size_t longestText) {
     constexpr std::uint32_t mostUnits = 1U << 24;
     const bool isEndless = in.most == RE_Instruction::noMaximum;
-    return in.least < mostUnits && (isEndless || in.most < mostUnits) && (!isText(in) || in.least <= longestText);
+    return in.least < mostUnits && (isEndless || in.most < mostUnits) &&
+           (!isText(in) || in.least <= longestText);
 }
 
 }  // namespace
@@ -32,6 +33,7 @@ Program_Code::Program_Code(const RE_Program& source, std::size_t mostBytes)
       emitted(source.instructions.size()),
       loops(source.instructions.size()) {
     findLoops();
+    findChoices();
 }
 
 // Every way around leads to an instruction that stands no later than the one that it comes from.
@@ -63,28 +65,36 @@ void Program_Code::emitProgram() {
             emitChain(in);
         }
     }
+    for (const auto& write : later) {
+        write();
+    }
 }
 
 void Program_Code::emitChain(const RE_Instruction* in) {
     for (;;) {
-        emitted[indexOf(in)] = true;
+        behind = choiceBehind[indexOf(in)];
         L(labelOf(in));
         if (loops[indexOf(in)]) {
             cmp(left, static_cast<std::uint32_t>(mostSteps));
-            jl(exitFor(RE_Machine_Exit::leave, in), T_NEAR);
+            jl(leaveAt(*in), T_NEAR);
         }
         if (!isSmall(*in, longestText)) {
-            jmp(exitFor(RE_Machine_Exit::leave, in), T_NEAR);
+            emitted[indexOf(in)] = true;
+            jmp(leaveAt(*in), T_NEAR);
             return;
         }
-        emitBody(*in);
-        const bool hasNext = in->operation != RE_Operation::leave && in->operation != RE_Operation::failed &&
-                             in->operation != RE_Operation::matched && in->operation != RE_Operation::choose;
-        if (!hasNext) {
+        const Row row = rowFrom(in);
+        emitted[indexOf(in)] = true;
+        const bool isRow = row.size() > 1;
+        if (isRow) {
+            emitRow(row);
+        }
+        const RE_Instruction* const next = isRow ? row.back()->next : emitBody(*in);
+        if (next == nullptr) {
             return;
         }
         pending.push_back(in->otherwise);
-        in = in->next;
+        in = next;
         if (emitted[indexOf(in)]) {
             jmp(labelOf(in), T_NEAR);
             return;
@@ -92,21 +102,27 @@ void Program_Code::emitChain(const RE_Instruction* in) {
     }
 }
 
-void Program_Code::emitBody(const RE_Instruction& in) {
+// Returns the instruction that follows, if there is one only.
+const RE_Instruction* Program_Code::emitBody(const RE_Instruction& in) {
+    if (in.operation == RE_Operation::lazyRun || in.operation == RE_Operation::givingRun) {
+        return emitChoiceRun(in);
+    }
     if (in.operation != RE_Operation::leave && in.operation != RE_Operation::failed) {
         dec(left);
     }
     Label& otherwise = labelOf(in.otherwise != nullptr ? in.otherwise : &in);
     switch (in.operation) {
         case RE_Operation::leave:
-            jmp(exitFor(RE_Machine_Exit::leave, &in), T_NEAR);
-            break;
+        case RE_Operation::lazyRun:
+        case RE_Operation::givingRun:
+            jmp(leaveAt(in), T_NEAR);
+            return nullptr;
         case RE_Operation::failed:
             jmp(failedLabel, T_NEAR);
-            break;
+            return nullptr;
         case RE_Operation::matched:
             emitMatched(in);
-            break;
+            return nullptr;
         case RE_Operation::pass:
             break;
         case RE_Operation::unit:
@@ -128,9 +144,12 @@ void Program_Code::emitBody(const RE_Instruction& in) {
         case RE_Operation::tokenRun:
             emitTokenRun(in);
             break;
+        case RE_Operation::texts:
+            emitTexts(in);
+            break;
         case RE_Operation::choose:
             emitChoice(in);
-            break;
+            return nullptr;
         case RE_Operation::startToken:
             emitStartToken(in);
             break;
@@ -155,13 +174,14 @@ void Program_Code::emitBody(const RE_Instruction& in) {
             emitGlance(in);
             break;
     }
+    return in.next;
 }
 
 void Program_Code::emitText(const RE_Instruction& in) {
     const RE_Literal literal{in.text, in.least, in.operation == RE_Operation::foldedText};
     if (literal.ignoreCase && !hasFewForms(literal)) {
         inc(left);
-        jmp(exitFor(RE_Machine_Exit::leave, &in), T_NEAR);
+        jmp(leaveAt(in), T_NEAR);
         return;
     }
     Label& otherwise = labelOf(in.otherwise);
@@ -221,7 +241,7 @@ void Program_Code::emitMatched(const RE_Instruction& in) {
     jne(accepted, T_NEAR);
     cmp(at(offsetof(RE_Search_Registers, rejectEmpty)), 0);
     je(accepted, T_NEAR);
-    jmp(failedLabel, T_NEAR);
+    jmp(failedTo(), T_NEAR);
 }
 
 void Program_Code::emitChoice(const RE_Instruction& in) {
@@ -243,7 +263,7 @@ void Program_Code::emitChoice(const RE_Instruction& in) {
     jmp(qword[other + rax * 8]);
     L(many);
     inc(left);
-    jmp(exitFor(RE_Machine_Exit::leave, &in), T_NEAR);
+    jmp(leaveAt(in), T_NEAR);
     std::vector<Label*> spared(choice.ways.size(), nullptr);
     const auto sparedTo = [&](std::size_t way) -> Label& {
         if (spared[way] == nullptr) {
@@ -279,6 +299,9 @@ void Program_Code::forgetPlaces() {
     std::vector<bool>().swap(emitted);
     std::vector<bool>().swap(loops);
     std::vector<const RE_Instruction*>().swap(pending);
+    std::vector<std::function<void()>>().swap(later);
+    std::vector<std::unique_ptr<Choice>>().swap(choices);
+    std::vector<Choice*>().swap(choiceBehind);
     forgetLabels();
 }
 

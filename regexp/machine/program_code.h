@@ -4,6 +4,12 @@
 #include "regexp/machine/unit_code.h"
 #include "regexp/program/instruction.h"
 
+#include <functional>
+#include <memory>
+#include <span>
+#include <string_view>
+#include <vector>
+
 namespace corvane_machine {
 
 class Program_Code : protected Unit_Code {
@@ -19,18 +25,43 @@ protected:
     std::int64_t mostSteps;  ///< from one check to the next
 
 private:
+    /// A run that is tried again from within the code, with the instructions that it is tried for.
+    struct Choice {
+        const RE_Instruction* run;
+        std::vector<const RE_Instruction*> rest;
+        const RE_Instruction* first =
+            nullptr;           ///< says where the rest can begin; null where that is not asked
+        bool records = false;  ///< the rest writes to tokens
+        bool spares = false;   ///< it has choices of one way
+        Label leave{};         ///< before anything is chosen
+        Label chosen{};        ///< `p` is the end of the run
+        Label again{};         ///< the rest has failed
+        Label handOver{};      ///< the match loop takes up the rest, and the choice
+    };
+
     std::size_t indexOf(const RE_Instruction* in) const {
         return static_cast<std::size_t>(in - program.instructions.data());
     }
-    Label& labelOf(const RE_Instruction* in) { return places[indexOf(in)]; }
+    /// Where to go on. What fails behind a choice that the code keeps goes back to that.
+    Label& labelOf(const RE_Instruction* to) {
+        return to->operation == RE_Operation::failed && behind != nullptr ? behind->again
+                                                                          : places[indexOf(to)];
+    }
+    Label& failedTo() { return behind != nullptr ? behind->again : failedLabel; }
+    Label& leaveAt(const RE_Instruction& in) {
+        return behind != nullptr ? behind->handOver : exitFor(RE_Machine_Exit::leave, &in);
+    }
 
     void findLoops();
+    void findChoices();
+    void noteChoice(const RE_Instruction& run);
     void emitChain(const RE_Instruction* in);
-    void emitBody(const RE_Instruction& in);
+    const RE_Instruction* emitBody(const RE_Instruction& in);
     void emitText(const RE_Instruction& in);
     void emitTokenRun(const RE_Instruction& in);
     void emitRunEnd(const RE_Instruction& in);
     void emitShortRun(const RE_Instruction& in, Label& ended, Label& stopped);
+    void emitFewUnits(const RE_Instruction& in, Label& measured);
     void emitLeadingRun(const RE_Instruction& in);
     void emitChoice(const RE_Instruction& in);
     void emitSparedWays(const RE_Instruction& in, std::vector<Label*>& spared, Label& many);
@@ -43,11 +74,43 @@ private:
     void emitGlance(const RE_Instruction& in);
     void emitMatched(const RE_Instruction& in);
 
+    // row_code.cpp
+    using Row = std::vector<const RE_Instruction*>;
+    Row rowFrom(const RE_Instruction* in) const;
+    void emitRow(const Row& row);
+
+    // texts_code.cpp
+    using Texts = std::vector<std::u16string_view>;
+    void emitTexts(const RE_Instruction& in);
+    void emitTextsBehind(std::span<const std::u16string_view> texts, std::size_t known, std::size_t readable,
+                         Label& none, Label& taken);
+
+    // choice_code.cpp
+    const RE_Instruction* emitChoiceRun(const RE_Instruction& in);
+    void emitChoiceEntry(Choice& each);
+    void emitLazyRun(Choice& each, Label& failed);
+    void emitLeast(const RE_Instruction& in, Label& failed);
+    void emitLonger(Choice& each, Label& dead, Label& undecided);
+    void emitGivingRun(Choice& each, Label& failed);
+    void emitNearRun(const RE_Instruction& in, Label& tooLong);
+    void emitAgain(Choice& each, Label& failed);
+    void emitLeave(Choice& each);
+    void emitHandOver(Choice& each);
+    const RE_Instruction* emitChosen(const Choice& each);
+    void unlessStart(const RE_Instruction& first, Label& target);
+    static bool canScanFor(const RE_Instruction& first);
+    void emitFirstUnits(const RE_Instruction& first);
+    void emitEitherUnit(char16_t one, char16_t another);
+
     const RE_Program& program;
     std::vector<Label> places;  // of the instructions
     std::vector<bool> emitted;
     std::vector<bool> loops;  // instructions that others behind them lead to
+    std::vector<std::unique_ptr<Choice>> choices;
+    std::vector<Choice*> choiceBehind;  // by instruction: the one that it is tried for
+    Choice* behind = nullptr;           // the one that code is being written behind
     std::vector<const RE_Instruction*> pending;
+    std::vector<std::function<void()>> later;  // writes what stands behind all else
 };
 
 }  // namespace corvane_machine

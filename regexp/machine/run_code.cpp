@@ -47,6 +47,29 @@ void Program_Code::emitShortRun(const RE_Instruction& in, Label& ended, Label& s
     L(oneByOne);
 }
 
+// Runs of a few units at most are measured by one look: where they end no jump depends on.
+void Program_Code::emitFewUnits(const RE_Instruction& in, Label& measured) {
+    const bool isNarrow = kindOf(*in.units) == Kind::range && in.most <= vectorUnits / 2;
+    const std::uint32_t bitsAUnit = isNarrow ? 2 : 1;
+    Label& oneByOne = fresh();
+    if (isNarrow) {
+        lea(rax, ptr[p + static_cast<int>(vectorUnits)]);
+        cmp(rax, end);
+        ja(oneByOne, T_NEAR);
+        emitRangeMembersOfHalf(p, *in.units);
+    } else {
+        emitMembersAt(p, *in.units, oneByOne);
+    }
+    not_(eax);
+    if (in.most * bitsAUnit < vectorUnits) {
+        or_(eax, 1U << (in.most * bitsAUnit));
+    }
+    bsf(ecx, eax);
+    lea(p, isNarrow ? ptr[p + rcx] : ptr[p + rcx * 2]);
+    jmp(measured, T_NEAR);
+    L(oneByOne);
+}
+
 // Leaves the end of the run in `p`, its beginning in `runBegin`. Longer runs are measured elsewhere.
 void Program_Code::emitRunEnd(const RE_Instruction& in) {
     constexpr auto few = static_cast<std::uint32_t>(RE_Consume::shortRun);
@@ -56,6 +79,8 @@ void Program_Code::emitRunEnd(const RE_Instruction& in) {
     mov(runBegin, p);
     if (scansVectors && in.most >= vectorUnits) {
         emitShortRun(in, ended, stopped);
+    } else if (scansVectors && kindOf(*in.units) != Kind::mixed && in.most > 1) {
+        emitFewUnits(in, ended);
     }
     lea(stop, ptr[runBegin + static_cast<int>(std::min(in.most, few) * 2)]);
     cmp(stop, end);
@@ -71,17 +96,15 @@ void Program_Code::emitRunEnd(const RE_Instruction& in) {
     L(stopped);
     if (in.most > few) {
         cmp(p, end);
-        jb(exitFor(RE_Machine_Exit::longRun, &in, &ended), T_NEAR);
+        jb(behind != nullptr ? behind->handOver : exitFor(RE_Machine_Exit::longRun, &in, &ended), T_NEAR);
     }
     L(ended);
     if (in.flag) {
         emitLeadingRun(in);
     }
     if (in.least > 0) {
-        mov(rax, p);
-        sub(rax, runBegin);
-        shr(rax, 1);
-        cmp(rax, in.least);
+        lea(rax, ptr[runBegin + static_cast<int>(in.least * sizeof(char16_t))]);
+        cmp(p, rax);
         jb(labelOf(in.otherwise), T_NEAR);
     }
 }
@@ -170,7 +193,7 @@ void Program_Code::emitTokenText(const RE_Instruction& in) {
     // The comparison of a long text counts for more than this step.
     inc(left);
     cmp(other, static_cast<std::uint32_t>(RE_Step_Meter::unitsAStep));
-    jae(exitFor(RE_Machine_Exit::leave, &in), T_NEAR);
+    jae(leaveAt(in), T_NEAR);
     dec(left);
     mov(rax, end);
     sub(rax, p);

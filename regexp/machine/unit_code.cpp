@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <bit>
 #include <iterator>
 
 namespace corvane_machine {
@@ -61,8 +62,35 @@ void Unit_Code::loadUnit(Label& target) {
     movzx(eax, word[p]);
 }
 
+namespace {
+
+constexpr std::uint32_t wordBits = 64;
+
+/// The members of a set whose units lie within one word's worth.
+struct Few_Units {
+    explicit Few_Units(const RE_Unit_Set& units) {
+        if (units.holdsAnyFrom(2 * wordBits)) {
+            return;
+        }
+        const std::uint64_t words[2] = {units.bits(0), units.bits(1)};
+        low = words[0] != 0 ? static_cast<std::uint32_t>(std::countr_zero(words[0]))
+                            : wordBits + static_cast<std::uint32_t>(std::countr_zero(words[1]));
+        const std::uint32_t shift = low % wordBits;
+        fit = low >= wordBits || words[1] >> shift == 0;
+        bits = low >= wordBits ? words[1] >> shift
+                               : words[0] >> shift | (shift == 0 ? 0 : words[1] << (wordBits - shift));
+    }
+
+    bool fit = false;
+    std::uint32_t low = 0;
+    std::uint64_t bits = 0;  // of the units from `low` on
+};
+
+}  // namespace
+
 void Unit_Code::loadTable(const RE_Unit_Set& units) {
-    mov(other, reinterpret_cast<std::uint64_t>(units.table()));
+    const Few_Units few(units);
+    mov(other, few.fit ? few.bits : reinterpret_cast<std::uint64_t>(units.table()));
 }
 
 void Unit_Code::unlessIn(const RE_Unit_Set& units, Label& target, bool wanted, bool tableIsLoaded) {
@@ -80,6 +108,39 @@ void Unit_Code::unlessIn(const RE_Unit_Set& units, Label& target, bool wanted, b
         wanted ? ja(target, T_NEAR) : jbe(target, T_NEAR);
         return;
     }
+    Label& holds = fresh();
+    Label& fails = fresh();
+    if (const RE_Units_Outside outside(units); outside.count <= 2) {
+        for (std::size_t i = 0; i < outside.count; ++i) {
+            cmp(eax, static_cast<std::uint32_t>(outside.list[i]));
+            je(wanted ? target : fails, T_NEAR);
+        }
+        if (!wanted) {
+            jmp(target, T_NEAR);
+        }
+        L(fails);
+        return;
+    }
+    if (const Few_Units few(units); few.fit) {
+        lea(ebp, ptr[rax - static_cast<int>(few.low)]);
+        cmp(ebp, wordBits);
+        jae(wanted ? target : fails, T_NEAR);
+        if (!tableIsLoaded) {
+            loadTable(units);
+        }
+        bt(other, spare);
+        wanted ? jnc(target, T_NEAR) : jc(target, T_NEAR);
+        L(fails);
+        return;
+    }
+    // Most units that such a set is asked about are near the first ones.
+    if (const RE_Unit_Ranges near(units, tableUnits); near.count == 1) {
+        lea(ebp, ptr[rax - static_cast<int>(near.list[0].low)]);
+        cmp(ebp, static_cast<std::uint32_t>(near.list[0].high - near.list[0].low));
+        jbe(wanted ? holds : target, T_NEAR);
+        cmp(eax, static_cast<std::uint32_t>(tableUnits));
+        jb(wanted ? target : holds, T_NEAR);
+    }
     if (!tableIsLoaded) {
         loadTable(units);
     }
@@ -88,6 +149,7 @@ void Unit_Code::unlessIn(const RE_Unit_Set& units, Label& target, bool wanted, b
     mov(spare, qword[other + spare * 8]);
     bt(spare, rax);
     wanted ? jnc(target, T_NEAR) : jc(target, T_NEAR);
+    L(holds);
 }
 
 void Unit_Code::unlessTaken(const RE_Instruction& in, Label& target) {
@@ -232,10 +294,33 @@ void Unit_Code::emitRangeMembers(RE_Unit_Ranges::Range range) {
     pmovmskb(eax, xmm0);
 }
 
+void Unit_Code::emitRangeMembersOfHalf(const Reg64& from, const RE_Unit_Set& range) {
+    const RE_Unit_Ranges::Range only = RE_Unit_Ranges(range).list[0];
+    movdqu(xmm0, ptr[from]);
+    pxor(xmm1, xmm1);
+    psubw(xmm0, ptr[rip + words(only.low)]);
+    psubusw(xmm0, ptr[rip + words(static_cast<char16_t>(only.high - only.low))]);
+    pcmpeqw(xmm0, xmm1);
+    pmovmskb(eax, xmm0);
+}
+
 void Unit_Code::emitEqualUnits(const Xbyak::RegExp& from, char16_t unit, const Xbyak::Xmm& result) {
+    movdqa(xmm4, ptr[rip + words(unit)]);
+    emitEqualTo(from, result);
+}
+
+void Unit_Code::emitEqualUnits(const Xbyak::RegExp& from, const Xbyak::Reg32& unit,
+                               const Xbyak::Xmm& result) {
+    movd(xmm4, unit);
+    pshuflw(xmm4, xmm4, 0);
+    pshufd(xmm4, xmm4, 0);
+    emitEqualTo(from, result);
+}
+
+// The units to compare with are in xmm4.
+void Unit_Code::emitEqualTo(const Xbyak::RegExp& from, const Xbyak::Xmm& result) {
     movdqu(result, ptr[from]);
     movdqu(xmm5, ptr[from + 16]);
-    movdqa(xmm4, ptr[rip + words(unit)]);
     pcmpeqw(result, xmm4);
     pcmpeqw(xmm5, xmm4);
     packsswb(result, xmm5);
@@ -260,11 +345,13 @@ bool Unit_Code::hasFewForms(const RE_Literal& literal) {
 }
 
 // An immediate operand of sixteen bits is extended as a signed one.
-void Unit_Code::unlessText(const Reg64& from, const RE_Literal& literal, Label& target) {
+void Unit_Code::unlessText(const Reg64& from, const RE_Literal& literal, Label& target, std::size_t offset) {
     const auto immediate = [](char16_t unit) {
         return static_cast<std::uint32_t>(static_cast<std::int16_t>(unit));
     };
-    const auto place = [&](std::size_t i) { return from + static_cast<int>(i * sizeof(char16_t)); };
+    const auto place = [&](std::size_t i) {
+        return from + static_cast<int>((offset + i) * sizeof(char16_t));
+    };
     for (std::size_t i = 0; i < literal.length; ++i) {
         const Forms forms = literal.ignoreCase ? formsOf(literal.text[i]) : Forms{{literal.text[i]}, 1};
         if (forms.count == 2) {

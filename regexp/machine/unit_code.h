@@ -43,6 +43,8 @@ protected:
     void emitMembersAt(const Reg64& from, const RE_Unit_Set& units, Label& tooNear);
     /// The same for units that are readable.
     void emitMembers(const Reg64& from, const RE_Unit_Set& units);
+    /// The same of half as many units and a set that is one range, by two bits a unit.
+    void emitRangeMembersOfHalf(const Reg64& from, const RE_Unit_Set& range);
     /// One bit for each of the units from `from` on that is this one.
     void emitEqualUnits(const Xbyak::RegExp& from, char16_t unit, const Xbyak::Xmm& result);
     /// Puts into k1 and eax a bit for each of the units that rax holds the bytes of, up to so many.
@@ -55,23 +57,29 @@ protected:
     void emitPrefixes(const Reg64& from, const RE_Prefix_Scan& scan);
     Label& prefixTable(const std::uint8_t (&table)[16]);
     /// Goes to `target` unless the text stands at `from`, where as many units are readable.
-    void unlessText(const Reg64& from, const RE_Literal& literal, Label& target);
+    /// `offset` units behind `from` it is to stand.
+    void unlessText(const Reg64& from, const RE_Literal& literal, Label& target, std::size_t offset = 0);
     static constexpr std::size_t longestText = 256;
     /// Whether each unit of a literal that ignores case is told by two comparisons at most.
     static bool hasFewForms(const RE_Literal& literal);
 
-    /// Where sixteen bytes of this unit stand.
-    Label& words(char16_t unit);
+    /// The same of the unit in a register.
+    void emitEqualUnits(const Xbyak::RegExp& from, const Xbyak::Reg32& unit, const Xbyak::Xmm& result);
 
-private:
     struct Forms {
         char16_t list[2];
         std::size_t count = 0;
     };
     static Forms formsOf(char16_t lower);
+
+    /// Where sixteen bytes of this unit stand.
+    Label& words(char16_t unit);
+
+private:
     static constexpr std::size_t tableUnits = 128;
 
     static RE_Machine_Vectors widestVectors();
+    void emitEqualTo(const Xbyak::RegExp& from, const Xbyak::Xmm& result);
     void emitRangeMembers(RE_Unit_Ranges::Range range);
     void emitAllBut(const RE_Units_Outside& outside);
     Label& rowsOf(const RE_Unit_Set& units);

@@ -1,34 +1,34 @@
 #include "regexp/machine/unit_ranges.h"
 
+#include <algorithm>
 #include <bit>
 
 namespace {
 
-constexpr std::size_t blocks = RE_Unit_Set::unitCount / 64;
-
-/// The first unit from `unit` on that is in the set, or, with `wanted` false, that is not; the number of units
-/// when there is none.
-std::size_t nextUnit(const RE_Unit_Set& set, std::size_t unit, bool wanted) {
-    while (unit < RE_Unit_Set::unitCount) {
+/// The first unit from `unit` on that is in the set, or, with `wanted` false, that is not; the `end` of the units that
+/// count when there is none.
+std::size_t nextUnit(const RE_Unit_Set& set, std::size_t unit, bool wanted,
+                     std::size_t end = RE_Unit_Set::unitCount) {
+    while (unit < end) {
         const std::uint64_t bits = wanted ? set.bits(unit / 64) : ~set.bits(unit / 64);
         const std::uint64_t behind = bits >> (unit % 64);
         if (behind != 0) {
-            return unit + static_cast<std::size_t>(std::countr_zero(behind));
+            return std::min(unit + static_cast<std::size_t>(std::countr_zero(behind)), end);
         }
-        unit = unit / 64 + 1 < blocks ? (unit / 64 + 1) * 64 : RE_Unit_Set::unitCount;
+        unit = (unit / 64 + 1) * 64;
     }
-    return unit;
+    return end;
 }
 
 }  // namespace
 
-RE_Unit_Ranges::RE_Unit_Ranges(const RE_Unit_Set& set) {
-    for (std::size_t low = nextUnit(set, 0, true); low < RE_Unit_Set::unitCount && count <= most; ++count) {
-        const std::size_t behind = nextUnit(set, low, false);
+RE_Unit_Ranges::RE_Unit_Ranges(const RE_Unit_Set& set, std::size_t end) {
+    for (std::size_t low = nextUnit(set, 0, true, end); low < end && count <= most; ++count) {
+        const std::size_t behind = nextUnit(set, low, false, end);
         if (count < most) {
             list[count] = {static_cast<char16_t>(low), static_cast<char16_t>(behind - 1)};
         }
-        low = nextUnit(set, behind, true);
+        low = nextUnit(set, behind, true, end);
     }
 }
 

@@ -12,7 +12,8 @@ struct RE_Unit_Ranges {
     };
     static constexpr std::size_t most = 1;
 
-    explicit RE_Unit_Ranges(const RE_Unit_Set& set);
+    /// Of the units before `end`.
+    explicit RE_Unit_Ranges(const RE_Unit_Set& set, std::size_t end = RE_Unit_Set::unitCount);
 
     Range list[most];
     std::size_t count = 0;  ///< more than `most` when there are more

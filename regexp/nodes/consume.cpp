@@ -138,16 +138,20 @@ bool RE_Consume::goOn(const char16_t* from, const char16_t* end, std::size_t& po
     return true;
 }
 
+void RE_Consume::leaveChoice(const char16_t* taken, const char16_t* limit, RE_Search_Info& info) const {
+    if (taken != limit) {
+        info.pushRecord(this, taken, info.indexOf(limit));
+    }
+}
+
 // A reference may stand for another text each time, so what it says is not remembered.
 bool RE_Consume::nextSeeks(const RE_Search_Info& info) const {
-    return nextNode->kind == RE_Node_Kind::matchToken
-               ? info.requiredEnd == nullptr && nextNode->failNode() == nullptr
-               : nextNode->canSeek(false);
+    return (nextNode->kind != RE_Node_Kind::matchToken || info.requiredEnd == nullptr) && restSeeks();
 }
 
 const char16_t* RE_Consume::nextStart(const char16_t* p, RE_Search_Info& info) const {
     return nextNode->kind == RE_Node_Kind::matchToken
-               ? static_cast<const RE_Match_Token*>(nextNode)->nextPlace(p, info)
+               ? static_cast<const RE_Match_Token*>(nextNode)->nextPlace(p, info.subjectEnd, info)
                : nextNode->seek(p, info);
 }
 

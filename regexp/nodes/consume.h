@@ -2,6 +2,7 @@
 #pragma once
 
 #include "regexp/nodes/node.h"
+#include "regexp/search_registers.h"
 #include "regexp/seek/kernels.h"
 
 #include <algorithm>
@@ -47,6 +48,14 @@ public:
     /// The end of the run of units from `p` on that the item matches, however long.
     const char16_t* wholeRunEnd(const char16_t* p, RE_Search_Info& info) const;
 
+    /// Whether ends are passed over at which the rest cannot begin.
+    bool restSeeks() const {
+        return nextNode->kind == RE_Node_Kind::matchToken ? nextNode->failNode() == nullptr
+                                                          : nextNode->canSeek(false);
+    }
+    /// Leaves a choice for one that stands at the end `taken` and may go on up to `limit`, or back to it.
+    void leaveChoice(const char16_t* taken, const char16_t* limit, RE_Search_Info& info) const;
+
     RE_Consumable* item;                       ///< the repeated unit test
     std::shared_ptr<const RE_Unit_Set> units;  ///< those that the item matches
     bool leads = false;       ///< each match begins with it: its runs are noted as the search's leading runs
@@ -58,6 +67,8 @@ public:
     bool isOpen = false;        ///< made by the parser, and without a number of its own so far
 
 private:
+    /// The end of a run is looked for up to here before more is.
+    static constexpr std::ptrdiff_t nearby = RE_Step_Meter::unitsAStep - 1;
     /// Runs from this length on are remembered.
     static constexpr std::ptrdiff_t longRun = 64;
 
@@ -70,7 +81,9 @@ private:
     const char16_t* runEnd(const char16_t* p, std::uint64_t most, RE_Search_Info& info) const;
 
     // lazy_consume.cpp
-    const char16_t* nextEnd(const char16_t* end, const char16_t* last, RE_Search_Info& info) const;
+    const char16_t* nearStart(const char16_t* from, const char16_t* last, RE_Search_Info& info) const;
+    const char16_t* nextEnd(const char16_t* reached, const char16_t* end, const char16_t* last,
+                            RE_Search_Info& info) const;
     bool reaches(const char16_t* from, const char16_t* to, RE_Search_Info& info) const;
     bool takeShortest(const char16_t* p, std::size_t& pos, RE_Search_Info& info) const;
     bool takeLonger(const char16_t* end, std::size_t limit, std::size_t& pos, RE_Search_Info& info) const;

@@ -1,21 +1,78 @@
 // Runs that are taken as short as possible: from one end to the next longer one at which the rest can begin.
 #include "regexp/nodes/consume.h"
+#include "regexp/nodes/string.h"
+#include "regexp/nodes/tokens.h"
 #include "regexp/search_info.h"
 #include "regexp/seek/scan.h"
 
 #include <algorithm>
 
-// The first end in [end, last] that is worth trying: one at which the rest can begin and has not failed before. Ends at
-// which it cannot begin are noted as failed when they are few: then all that failed are stepped over at once from the
-// starts that follow.
-const char16_t* RE_Consume::nextEnd(const char16_t* end, const char16_t* last, RE_Search_Info& info) const {
+namespace {
+
+/// The node that says where the rest can begin, for one of a few units; null for others.
+const RE_Node* fewUnitsOf(const RE_Node* rest) {
+    const bool bracket = rest->isStartToken() || rest->isEndToken();
+    const RE_Node* const first = bracket ? rest->nextNode : rest;
+    switch (first->kind) {
+        case RE_Node_Kind::literal:
+        case RE_Node_Kind::foldedLiteral:
+        case RE_Node_Kind::namedClass:
+        case RE_Node_Kind::unitClass:
+        case RE_Node_Kind::literalSet:
+        case RE_Node_Kind::matchToken:
+            return first;
+        case RE_Node_Kind::string:
+            return static_cast<const RE_String*>(first)->length < RE_Step_Meter::unitsAStep ? first : nullptr;
+        default:
+            return nullptr;
+    }
+}
+
+}  // namespace
+
+// The first place in [from, last], which is near, at which the rest can begin. To look there takes no steps of its own.
+const char16_t* RE_Consume::nearStart(const char16_t* from, const char16_t* last,
+                                      RE_Search_Info& info) const {
+    const RE_Node& first = *fewUnitsOf(nextNode);
+    const std::int64_t room = info.meter.room();
+    const char16_t* const subjectEnd = info.subjectEnd;
+    const auto behind = static_cast<std::uint64_t>(subjectEnd - last);
+    const std::uint64_t width = first.kind == RE_Node_Kind::string ? first.width() : 1;
+    const char16_t* const stop = last + std::min(behind, width);
+    const char16_t* found = nullptr;
+    if (first.kind == RE_Node_Kind::matchToken) {
+        found = static_cast<const RE_Match_Token&>(first).nextPlace(from, stop, info);
+    } else {
+        info.subjectEnd = stop;
+        found = first.seek(from, info);
+        info.subjectEnd = subjectEnd;
+    }
+    info.meter.setRoom(room);
+    return found;
+}
+
+// The first end in [end, last] that is worth trying: one at which the rest can begin and has not failed before; the run
+// is known to go on up to `reached`. Ends at which the rest cannot begin are noted as failed when they are few: then all
+// that failed are stepped over at once from the starts that follow. Where the run is seen to end, nothing is looked for
+// behind it.
+const char16_t* RE_Consume::nextEnd(const char16_t* reached, const char16_t* end, const char16_t* last,
+                                    RE_Search_Info& info) const {
     const bool seeks = info.requiredEnd == nullptr && nextSeeks(info);
+    bool isNear = false;
+    if (seeks && fewUnitsOf(nextNode) != nullptr) {
+        const char16_t* const stop = runEnd(reached, nearby, info);
+        isNear = stop >= last || stop - reached < nearby;
+        last = isNear ? std::min(stop, last) : last;
+        if (last < end) {
+            return nullptr;
+        }
+    }
     for (std::size_t refused = 0;; ++refused) {
         const char16_t* const untried = info.firstUntried(this, end, last);
         if (untried == nullptr || !seeks || (refused > 0 && untried == end)) {
             return untried;
         }
-        end = nextStart(untried, info);
+        end = isNear ? nearStart(untried, last, info) : nextStart(untried, info);
         if (end == nullptr || end > last || end == untried) {
             return end != nullptr && end <= last ? end : nullptr;
         }
@@ -68,7 +125,7 @@ bool RE_Consume::takeShortest(const char16_t* p, std::size_t& pos, RE_Search_Inf
     const std::size_t limit = info.indexOf(p + std::min(spare, maximum));
     // A possessive run has one end only; asking the memo could make it a longer one.
     const char16_t* const last = info.subjectBegin + limit;
-    if (!possessive && (nextEnd(end, last, info) != end || !info.firstVisit(this, end))) {
+    if (!possessive && (nextEnd(end, end, last, info) != end || !info.firstVisit(this, end))) {
         return takeLonger(end, limit, pos, info);
     }
     pos = info.indexOf(end);
@@ -83,7 +140,7 @@ bool RE_Consume::takeLonger(const char16_t* end, std::size_t limit, std::size_t&
     const char16_t* const last = info.subjectBegin + limit;
     while (end < last) {
         info.noteScan(RE_Step_Meter::unitsAStep);
-        const char16_t* const longer = nextEnd(end + 1, last, info);
+        const char16_t* const longer = nextEnd(end, end + 1, last, info);
         if (longer == nullptr || !reaches(end, longer, info)) {
             return false;
         }

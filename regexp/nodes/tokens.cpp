@@ -45,17 +45,17 @@ bool RE_Match_Token::foldsAlike(const char16_t* one, const char16_t* other, std:
                       [&cases](char16_t a, char16_t b) { return cases.lower(a) == cases.lower(b); });
 }
 
-const char16_t* RE_Match_Token::nextPlace(const char16_t* p, RE_Search_Info& info) const {
+const char16_t* RE_Match_Token::nextPlace(const char16_t* p, const char16_t* end,
+                                          RE_Search_Info& info) const {
     const RE_TokenInfo* const found = token(info);
     if (found == nullptr || saysNothing(*found)) {
         return found != nullptr ? p : nullptr;
     }
     const char16_t unit = info.subjectBegin[found->start];
-    const char16_t* const place =
-        scanForward(p, info.subjectEnd, info, [unit](const char16_t* at, const char16_t* stop) {
-            return findUnit(at, stop, {unit, unit});
-        });
-    info.noteScan(static_cast<std::size_t>((place != nullptr ? place : info.subjectEnd) - p));
+    const char16_t* const place = scanForward(p, end, info, [unit](const char16_t* at, const char16_t* stop) {
+        return findUnit(at, stop, {unit, unit});
+    });
+    info.noteScan(static_cast<std::size_t>((place != nullptr ? place : end) - p));
     return place;
 }
 

@@ -128,7 +128,7 @@ public:
     /// Where it can match depends on the search, so it cannot seek as other nodes do; but while the token
     /// stays as it is
     /// these hold: the first or last position at which its first unit stands, or null.
-    const char16_t* nextPlace(const char16_t* p, RE_Search_Info& info) const;
+    const char16_t* nextPlace(const char16_t* p, const char16_t* end, RE_Search_Info& info) const;
     const char16_t* lastPlace(const char16_t* first, const char16_t* last, RE_Search_Info& info) const;
     bool canSeek(bool) const override { return false; }
     void combineLengths() override;

@@ -26,9 +26,12 @@ enum class RE_Operation : std::uint8_t {
     notLineFeed,
     text,
     foldedText,
-    run,       ///< of units of a set, none of which is given back
-    tokenRun,  ///< a token that holds such a run
-    choose,    ///< goes the only way that can begin with the next unit
+    run,        ///< of units of a set, none of which is given back
+    lazyRun,    ///< one as short as the rest allows
+    givingRun,  ///< one as long as the rest allows
+    tokenRun,   ///< a token that holds such a run
+    texts,      ///< one of a few, none of which begins another
+    choose,     ///< goes the only way that can begin with the next unit
     startToken,
     endToken,
     tokenText,

@@ -3,6 +3,7 @@
 #include "regexp/nodes/closed_body.h"
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/dispatch.h"
+#include "regexp/nodes/literal_set.h"
 #include "regexp/nodes/string.h"
 #include "regexp/nodes/tokens.h"
 #include "regexp/nodes/trivial.h"
@@ -24,6 +25,11 @@ struct Exits {
     RE_Node* next = nullptr;
     RE_Node* otherwise = nullptr;
 };
+
+bool isForTheLoop(RE_Operation operation) {
+    return operation == RE_Operation::leave || operation == RE_Operation::lazyRun ||
+           operation == RE_Operation::givingRun;
+}
 
 std::span<RE_Node* const> waysOf(const RE_Instruction& in) {
     if (in.operation != RE_Operation::choose) {
@@ -76,6 +82,7 @@ private:
     Exits describeGlance(const RE_Lookaround_Assertion& test, RE_Instruction& in) const;
     Exits describeFolded(const RE_Natural_I& node, RE_Instruction& in) const;
     Exits describeString(const RE_String& string, RE_Instruction& in) const;
+    Exits describeTexts(const RE_Literal_Set& set, RE_Instruction& in) const;
     Exits describeReference(const RE_Match_Token& reference, RE_Instruction& in) const;
 
     const RE_Instruction* placeOf(const RE_Node* node) const {
@@ -108,7 +115,7 @@ void Lowering::link() {
         }
     }
     program.instructions.emplace_back().operation = RE_Operation::failed;
-    if (program.instructions.front().operation != RE_Operation::leave) {
+    if (!isForTheLoop(program.instructions.front().operation)) {
         program.entry = program.instructions.data();
     }
 }
@@ -120,7 +127,7 @@ bool fits(std::uint64_t count) {
 Exits Lowering::describeRun(const RE_Consume& loop, RE_Operation operation, RE_Node* next,
                             RE_Instruction& in) const {
     const bool isEndless = loop.maximum == RE_Consume::noMaximum;
-    if (!loop.possessive || loop.lazy || !fits(loop.minimum) || !(isEndless || fits(loop.maximum))) {
+    if ((loop.possessive && loop.lazy) || !fits(loop.minimum) || !(isEndless || fits(loop.maximum))) {
         return {};
     }
     in.operation = operation;
@@ -177,6 +184,15 @@ Exits Lowering::describeString(const RE_String& string, RE_Instruction& in) cons
     return {string.nextNode};
 }
 
+Exits Lowering::describeTexts(const RE_Literal_Set& set, RE_Instruction& in) const {
+    if (!set.literals.areFew()) {
+        return {};
+    }
+    in.operation = RE_Operation::texts;
+    in.units = set.firstUnits.get();
+    return {set.nextNode};
+}
+
 Exits Lowering::describeReference(const RE_Match_Token& reference, RE_Instruction& in) const {
     if (reference.name != nullptr || reference.ignoreCase || !fits(reference.number)) {
         return {};
@@ -200,6 +216,10 @@ template <class Unit>
 Exits unitTest(RE_Operation operation, const Unit& node, RE_Instruction& in) {
     in.operation = operation;
     return {node.nextNode, node.failTarget};
+}
+
+RE_Operation operationOf(const RE_Consume& loop) {
+    return loop.possessive ? RE_Operation::run : loop.lazy ? RE_Operation::lazyRun : RE_Operation::givingRun;
 }
 
 // What is left as it is gets no exits: nothing of the program stands behind it.
@@ -240,11 +260,14 @@ Exits Lowering::describe(const RE_Node& node, RE_Instruction& in) const {
         case RE_Node_Kind::string:
             return describeString(static_cast<const RE_String&>(node), in);
         case RE_Node_Kind::run:
-            return describeRun(static_cast<const RE_Consume&>(node), RE_Operation::run, node.nextNode, in);
+            return describeRun(static_cast<const RE_Consume&>(node),
+                               operationOf(static_cast<const RE_Consume&>(node)), node.nextNode, in);
         case RE_Node_Kind::dispatch: {
             in.operation = RE_Operation::choose;
             return {};
         }
+        case RE_Node_Kind::literalSet:
+            return describeTexts(static_cast<const RE_Literal_Set&>(node), in);
         case RE_Node_Kind::startToken: {
             const auto& start = static_cast<const RE_Start_Token&>(node);
             if (start.run != nullptr) {
@@ -273,7 +296,6 @@ Exits Lowering::describe(const RE_Node& node, RE_Instruction& in) const {
             return describeGlance(static_cast<const RE_Lookaround_Assertion&>(node), in);
         case RE_Node_Kind::other:
         case RE_Node_Kind::split:
-        case RE_Node_Kind::literalSet:
             break;
     }
     return {};

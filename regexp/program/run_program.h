@@ -6,6 +6,7 @@
 #include "regexp/nodes/closed_body.h"
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/dispatch.h"
+#include "regexp/nodes/literal_set.h"
 #include "regexp/nodes/tokens.h"
 #include "regexp/nodes/trivial.h"
 #include "regexp/program/instruction.h"
@@ -128,6 +129,8 @@ inline RE_Program_Exit RE_Program_Run::run(const RE_Instruction* in) {
         --left;
         switch (in->operation) {
             case RE_Operation::leave:
+            case RE_Operation::lazyRun:
+            case RE_Operation::givingRun:
                 ++left;
                 return leave(How::left, p, in->node);
             case RE_Operation::failed:
@@ -191,6 +194,21 @@ inline RE_Program_Exit RE_Program_Run::run(const RE_Instruction* in) {
                 record(token.number, token.name, static_cast<std::size_t>(p - begin),
                        static_cast<std::size_t>(stop - begin));
                 p = stop;
+                in = in->next;
+                break;
+            }
+            case RE_Operation::texts: {
+                const auto found = static_cast<const RE_Literal_Set*>(in->node)->literals.find(p, end, 0);
+                if (found.length == 0) {
+                    in = in->otherwise;
+                    break;
+                }
+                if (info.refusesStates()) {
+                    ++left;
+                    return leave(How::left, p, in->node);
+                }
+                info.spareChoice();
+                p += found.length;
                 in = in->next;
                 break;
             }

@@ -183,6 +183,14 @@ RE_Literal_Trie::Found RE_Literal_Trie::find(const char16_t* p, const char16_t* 
     return p == end ? Found() : cases == nullptr ? walk<false>(p, end, from) : walk<true>(p, end, from);
 }
 
+bool RE_Literal_Trie::areFew() const {
+    constexpr std::size_t few = 16;
+    constexpr std::size_t shortText = 32;
+    const auto beginsOthers = [](const Node& node) { return node.literal != none && node.children != 0; };
+    return count() <= few && longest() <= shortText && !ignoresCase() &&
+           std::ranges::none_of(nodes, beginsOthers);
+}
+
 void RE_Literal_Trie::addFirstUnits(RE_Unit_Set& set) const {
     const Node& root = nodes[0];
     for (std::uint32_t i = root.firstChild; i < root.firstChild + root.children; ++i) {

@@ -36,6 +36,8 @@ public:
     std::u16string_view text(std::size_t literal) const {
         return {units.data() + starts[literal], starts[literal + 1] - starts[literal]};
     }
+    /// Whether they are few and short, keep to their case, and none begins another.
+    bool areFew() const;
     std::size_t shortest() const { return least; }
     std::size_t longest() const { return greatest; }
     bool ignoresCase() const { return cases != nullptr; }

@@ -1,0 +1,69 @@
+// Code of a choice between a few texts, of which one at most can stand at a position.
+#ifdef CORVANE_MACHINE_CODE
+
+#include "regexp/machine/program_code.h"
+#include "regexp/nodes/literal_set.h"
+
+#include <algorithm>
+
+namespace corvane_machine {
+
+// Like a choice of one way: it counts towards the beginning of the memo.
+void Program_Code::emitTexts(const RE_Instruction& in) {
+    const RE_Literal_Trie& literals = static_cast<const RE_Literal_Set&>(*in.node).literals;
+    Texts texts;
+    for (std::size_t i = 0; i < literals.count(); ++i) {
+        texts.push_back(literals.text(i));
+    }
+    std::ranges::sort(texts);
+    Label& taken = fresh();
+    Label& many = fresh();
+    emitTextsBehind(texts, 0, 0, labelOf(in.otherwise), taken);
+    L(many);
+    inc(left);
+    jmp(leaveAt(in), T_NEAR);
+    L(taken);
+    cmp(at(offsetof(RE_Search_Registers, memoCountdown)), 1);
+    jbe(many, T_NEAR);
+    dec(at(offsetof(RE_Search_Registers, memoCountdown)));
+    add(p, rax);
+}
+
+// All texts have the first `known` units in common, which stand at `p`; `readable` units are not behind the end. Goes to
+// `taken` with the size of the one that stands there.
+void Program_Code::emitTextsBehind(std::span<const std::u16string_view> texts, std::size_t known,
+                                   std::size_t readable, Label& none, Label& taken) {
+    const std::u16string_view one = texts.front();
+    const auto differing = std::ranges::mismatch(one, texts.back()).in1;
+    const auto common = static_cast<std::size_t>(differing - one.begin());
+    const bool isLast = texts.size() == 1;
+    const std::size_t asked = isLast ? common : common + 1;
+    if (asked > readable) {
+        lea(rax, ptr[p + static_cast<int>(asked * sizeof(char16_t))]);
+        cmp(rax, end);
+        ja(none, T_NEAR);
+    }
+    if (common > known) {
+        unlessText(p, {one.data() + known, common - known, false}, none, known);
+    }
+    if (isLast) {
+        mov(eax, static_cast<std::uint32_t>(common * sizeof(char16_t)));
+        jmp(taken, T_NEAR);
+        return;
+    }
+    while (!texts.empty()) {
+        const char16_t unit = texts.front()[common];
+        const auto next =
+            std::ranges::find_if(texts, [&](std::u16string_view text) { return text[common] != unit; });
+        const auto count = static_cast<std::size_t>(next - texts.begin());
+        Label& others = fresh();
+        unlessText(p, {&unit, 1, false}, count < texts.size() ? others : none, common);
+        emitTextsBehind(texts.first(count), common + 1, std::max(asked, readable), none, taken);
+        L(others);
+        texts = texts.subspan(count);
+    }
+}
+
+}  // namespace corvane_machine
+
+#endif
