@@ -10,7 +10,6 @@
 #include "regexp/parser/parser_context.h"
 
 #include <algorithm>
-#include <memory_resource>
 #include <span>
 #include <vector>
 
@@ -88,7 +87,7 @@ private:
 
     RE_Program& program;
     std::uint32_t walk;
-    std::pmr::vector<Found> found;
+    RE_Scratch_List<Found> found;
     std::size_t wayCount = 0;
 };
 
