@@ -172,7 +172,6 @@ void RE_Tree::compile(const char16_t* pattern, std::size_t length, RE_Flags flag
     parserContext.facts->hasDynamicNodes = continuationNode != nullptr;
     allowEmptyMatch = (flags & RE_FLAG_ALLOW_EMPTY) != 0;
     RE_Node* const finished = compileGraph(parserContext, pattern, length, continuationNode, last);
-    finished->computeLengths();
 
     tokenCount = parserContext.facts->tokenCount;
     hasTokenNames = !parserContext.tokenNames.empty();

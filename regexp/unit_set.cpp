@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <atomic>
 #include <bit>
+#include <cstring>
 #include <iterator>
 
 void RE_Unit_Set::addRange(char16_t low, char16_t high) {
@@ -25,9 +26,42 @@ void RE_Unit_Set::addRange(char16_t low, char16_t high) {
     varied = high == unitCount - 1 ? first + 1 : std::max(varied, last + 1);
 }
 
+void RE_Unit_Set::add(const RE_Low_Units& units) {
+    for (std::size_t i = 0; i < units.words.size(); ++i) {
+        words[i] |= units.words[i];
+    }
+    varied = std::max(varied, units.words.size());
+}
+
+void RE_Unit_Set::remove(const RE_Low_Units& units) {
+    for (std::size_t i = 0; i < units.words.size(); ++i) {
+        words[i] &= ~units.words[i];
+    }
+    varied = std::max(varied, units.words.size());
+}
+
+void RE_Unit_Set::assign(const RE_Unit_Set& other, bool negated) {
+    const std::uint64_t turned = negated ? ~std::uint64_t{0} : 0;
+    const std::uint64_t others = other.rest() ^ turned;
+    const std::size_t unlike = std::min(other.varied, wordCount - 1);
+    for (std::size_t i = 0; i < unlike; ++i) {
+        words[i] = other.words[i] ^ turned;
+    }
+    std::fill(words + unlike, words + wordCount, others);
+    varied = other.varied;
+}
+
+void RE_Unit_Set::assign(const RE_Low_Units& units, bool negated) {
+    const std::uint64_t turned = negated ? ~std::uint64_t{0} : 0;
+    std::transform(units.words.begin(), units.words.end(), words,
+                   [turned](std::uint64_t word) { return word ^ turned; });
+    std::memset(words + units.words.size(), negated ? 0xFF : 0, sizeof(words) - sizeof(units.words));
+    varied = units.words.size();
+}
+
 void RE_Unit_Set::addAll(const RE_Unit_Set& other) {
     if (varied == 0 && rest() == 0) {
-        *this = other;
+        assign(other, false);
         return;
     }
     const bool fills = other.varied < wordCount && other.rest() != 0;
@@ -189,14 +223,37 @@ std::size_t RE_Unit_Classes::numberOf(const RE_Unit_Set& set) {
     if (classes == nullptr) {
         return count;
     }
-    const auto members = classes->all();
-    return static_cast<std::size_t>(std::ranges::find(members, &set) - members.begin());
+    // The members lie one behind the other, and no other set lies among them.
+    const std::uintptr_t place =
+        reinterpret_cast<std::uintptr_t>(&set) - reinterpret_cast<std::uintptr_t>(&classes->digits);
+    return std::min<std::size_t>(place / sizeof(RE_Unit_Set), count);
 }
 
 const RE_Unit_Classes& RE_Unit_Classes::get() {
     static const RE_Unit_Classes classes;
     return classes;
 }
+
+const RE_Unit_Set& RE_Unit_Classes::allUnits() {
+    static const RE_Unit_Set all = [] {
+        RE_Unit_Set units;
+        units.negate();
+        return units;
+    }();
+    return all;
+}
+
+const RE_Unit_Set& RE_Unit_Classes::allOfLine() {
+    static const RE_Unit_Set all = [] {
+        RE_Unit_Set units;
+        units.add(u'\n');
+        units.negate();
+        return units;
+    }();
+    return all;
+}
+
+static_assert(sizeof(RE_Unit_Classes) == RE_Unit_Classes::count * sizeof(RE_Unit_Set));
 
 RE_Unit_Classes::RE_Unit_Classes() {
     digits.addWhere([](char16_t unit) { return cvu_isdigit(unit); });

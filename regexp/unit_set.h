@@ -7,25 +7,55 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <vector>
+
+/// Those of the units below 0x80 that are in a set, one bit each.
+struct RE_Low_Units {
+    static constexpr std::size_t unitCount = 128;
+
+    void add(char16_t unit) { words[unit / 64] |= std::uint64_t{1} << (unit % 64); }
+    void addRange(char16_t low, char16_t high) {
+        for (std::size_t block = low / 64; block <= high / 64; ++block) {
+            const std::uint64_t from = block == low / 64 ? ~std::uint64_t{0} << (low % 64) : ~std::uint64_t{0};
+            const std::uint64_t to = block == high / 64 ? ~std::uint64_t{0} >> (63 - high % 64) : ~std::uint64_t{0};
+            words[block] |= from & to;
+        }
+    }
+
+    template <class Visit>
+    void forEach(Visit visit) const {
+        for (std::size_t block = 0; block < words.size(); ++block) {
+            for (std::uint64_t left = words[block]; left != 0; left &= left - 1) {
+                visit(static_cast<char16_t>(64 * block + static_cast<std::size_t>(std::countr_zero(left))));
+            }
+        }
+    }
+
+    std::array<std::uint64_t, unitCount / 64> words{};
+};
 
 /// A set of units: one bit for each of the 65,536. From some place on most sets hold all units or none: they
 /// know that place, so that building and comparing them looks at what stands before it only.
 class RE_Unit_Set : public RE_Memory {
 public:
     static constexpr std::size_t unitCount = 0x10000;
+    /// Of a set that is not in use before something is assigned to it.
+    struct Unset {};
+
+    RE_Unit_Set() : words{} {}
+    explicit RE_Unit_Set(Unset) {}
 
     /// An empty set to be shared, from the host's memory.
     static std::shared_ptr<RE_Unit_Set> make() {
         return std::allocate_shared<RE_Unit_Set>(RE_Allocator<RE_Unit_Set>());
     }
 
-    /// A copy to be shared.
-    static std::shared_ptr<RE_Unit_Set> make(const RE_Unit_Set& other) {
-        return std::allocate_shared<RE_Unit_Set>(RE_Allocator<RE_Unit_Set>(), other);
+    static std::shared_ptr<RE_Unit_Set> make(Unset unset) {
+        return std::allocate_shared<RE_Unit_Set>(RE_Allocator<RE_Unit_Set>(), unset);
     }
 
     bool contains(char16_t unit) const {
@@ -37,6 +67,11 @@ public:
         varied = varied > unit >> 6 ? varied : static_cast<std::size_t>(unit >> 6) + 1;
     }
     void addRange(char16_t low, char16_t high);
+    void add(const RE_Low_Units& units);
+    void remove(const RE_Low_Units& units);
+    /// The same units, or those that are not in the other one.
+    void assign(const RE_Unit_Set& other, bool negated);
+    void assign(const RE_Low_Units& units, bool negated);
     void addAll(const RE_Unit_Set& other);
     void negate();
     void clear();
@@ -77,7 +112,7 @@ private:
         return most < wordCount ? most + 1 : wordCount;
     }
 
-    std::uint64_t words[wordCount] = {};
+    std::uint64_t words[wordCount];
     /// Words that may differ from the last one, which is 0 or all ones unless this is all of them.
     std::size_t varied = 0;
 };
@@ -142,6 +177,10 @@ struct RE_Unit_Classes {
     /// Which member of the tables of this process the set is; `count` when it is none. What is known of these needs to be
     /// found out only once. Does not fill the tables.
     static std::size_t numberOf(const RE_Unit_Set& set);
+
+    /// What the dots match: everything, and all but line feeds.
+    static const RE_Unit_Set& allUnits();
+    static const RE_Unit_Set& allOfLine();
 
     RE_Unit_Set digits;
     RE_Unit_Set spaces;

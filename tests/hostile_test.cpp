@@ -103,6 +103,7 @@ constexpr Bound kBounds[] = {
     {"(?:(?:(?:a{0,65536}){0,65536}){0,65536}){0,65536}", 500, "[0,500]"},
     {"(?:(?:a?){1000}){1000}", 3, "[0,3]"},
     {"(?:a{2}{2}{2}{2}{2}{2}{2}{2}{2}){2}", 1024, "[0,1024]"},
+    {"(?:(?:(?:aa){2,}){300}){300}", 500, "null"},
     {"(?:){99999999999}a", 2, "[0,1]"},
     {"(?:(?=a)){65536}a", 2, "[0,1]"},
     {"(?:|a){1000}$", 700, "[0,700]"},
@@ -114,6 +115,7 @@ TEST(HugeBounds, AreNeitherUnrolledWithoutLimitNorMiscounted) {
             const Engine engine(widen(bound.pattern), kPlain, {true, true, true, threshold, false});
             EXPECT_EQ(bound.expected, describe(engine.search(std::u16string(bound.units, u'a'))))
                 << bound.pattern << " with threshold " << threshold;
+            EXPECT_GT(150000u, engine.tree().getNodeCount()) << bound.pattern << " with threshold " << threshold;
         }
     }
 }

@@ -66,7 +66,7 @@ TEST(LiteralTrie, FindsWhatStandsAtAPosition) {
             ASSERT_EQ(distinct[literal], trie.text(literal));
         }
         RE_Unit_Set first;
-        trie.addFirstUnits(first);
+        trie.forEachFirstUnit([&first](char16_t unit) { first.add(unit); });
         for (int subjects = 0; subjects < 10; ++subjects) {
             const std::u16string subject = below(2) == 0 ? word(0, 12, false) : texts[below(texts.size())] + word(0, 2, false);
             ASSERT_NO_FATAL_FAILURE(compare(trie, subject));

@@ -116,12 +116,12 @@ TEST(Passes, MakeTheSameGraphWithAndWithoutAWitness) {
 }
 
 template <class Nodes>
-std::pmr::vector<RE_Node*> bottlenecks(const Nodes& nodes, RE_Node* root) {
+std::vector<RE_Node*> bottlenecks(const Nodes& nodes, RE_Node* root) {
     RE_Context host;
     RE_ParserContext context(&host, nullptr, 0);
-    std::pmr::vector<RE_Node*> kept(nodes.begin(), nodes.end());
+    RE_Scratch_List<RE_Node*> kept(nodes.begin(), nodes.end(), &context.scratch);
     keepBottlenecks(context, root, kept);
-    return kept;
+    return {kept.begin(), kept.end()};
 }
 
 TEST(Passes, KnowWhatEveryMatchPasses) {
@@ -143,6 +143,23 @@ TEST(Passes, KnowWhatEveryMatchPasses) {
     const Engine engine(u"(?>a|bc)d", 0x12, kLinear);
     const auto nodes = nodesOf(engine.tree());
     EXPECT_EQ(labels(nodes), labels(bottlenecks(nodes, nodeAs<RE_Atomic>(nodes.front())->body)));
+}
+
+TEST(Nodes, MeasureWhatLiesBehindThem) {
+    constexpr std::uint64_t kUnbounded = RE_Node::unboundedLength;
+    const struct { const char16_t* pattern; std::uint64_t least, greatest; } cases[] = {
+        {u"ab(?:c|de)f", 4, 5}, {u"a{2,5}b", 3, 6},      {u"xa+?b?", 2, kUnbounded},
+        {u"(?>ab?)c", 2, 3},    {u"(?<=abc)(?!d)e", 1, 1}, {u"(a)x\\1", 2, kUnbounded},
+        {u"(?:ab|c)*d", 1, kUnbounded}, {u"(?:abc|de|fghi)[xy]", 3, 5},
+    };
+    for (const auto& c : cases) {
+        const Engine engine(c.pattern, 0x12, kLinear);
+        RE_Node* const root = nodesOf(engine.tree()).front();
+        root->computeLengths();
+        EXPECT_EQ(c.least, root->minLength) << printable(c.pattern);
+        EXPECT_EQ(c.greatest, root->maxLength) << printable(c.pattern);
+        EXPECT_EQ(c.greatest != kUnbounded, root->maxBounded) << printable(c.pattern);
+    }
 }
 
 bool endsWithout(RE_Node* root, const RE_Node* avoided) {

@@ -1,11 +1,15 @@
 // Sets of units against plain tables: what they hold after any operations, and what they say about each other.
 #include "regexp/unit_set.h"
 
+#include "regexp/parser/unit_union.h"
+
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <bitset>
 #include <memory>
 #include <random>
+#include <vector>
 
 namespace corvane_tests {
 namespace {
@@ -19,7 +23,12 @@ class SetSource {
 public:
     void change(Sets& sets, const Sets& other) {
         const auto low = place(), high = place();
-        switch (m_random() % 4) {
+        const bool negated = below(2) != 0;
+        RE_Low_Units few;
+        if (low <= high && high < RE_Low_Units::unitCount) few.addRange(low, high);
+        std::bitset<RE_Unit_Set::unitCount> plainFew;
+        few.forEach([&plainFew](char16_t unit) { plainFew.set(unit); });
+        switch (below(8)) {
             case 0:
                 sets.set.add(low);
                 sets.units.set(low);
@@ -32,11 +41,28 @@ public:
                 sets.set.addAll(other.set);
                 sets.units |= other.units;
                 break;
+            case 3:
+                sets.set.add(few);
+                sets.units |= plainFew;
+                break;
+            case 4:
+                sets.set.remove(few);
+                sets.units &= ~plainFew;
+                break;
+            case 5:
+                sets.set.assign(few, negated);
+                sets.units = negated ? ~plainFew : plainFew;
+                break;
+            case 6:
+                sets.set.assign(other.set, negated);
+                sets.units = negated ? ~other.units : other.units;
+                break;
             default:
                 sets.set.negate();
                 sets.units.flip();
         }
     }
+    size_t below(size_t limit) { return m_random() % limit; }
     // Near the bounds of words, and at both ends.
     char16_t place() {
         static constexpr int kPlaces[] = {0, 1, 63, 64, 127, 128, 129, 4095, 0xFFBF, 0xFFC0, 0xFFFE, 0xFFFF};
@@ -66,6 +92,43 @@ TEST(UnitSet, HoldsWhatAPlainTableHolds) {
         for (size_t unit = 0; unit < RE_Unit_Set::unitCount; ++unit) {
             ASSERT_EQ(a->units[unit], a->set.contains(static_cast<char16_t>(unit))) << round;
         }
+    }
+}
+
+TEST(UnitUnion, HoldsWhatWasAddedOrAllOthers) {
+    SetSource source;
+    RE_Scratch_Memory scratch;
+    RE_Set_Pool pool(&scratch);
+    const auto classes = RE_Unit_Classes::get().all();
+    for (int round = 0; round < 300; ++round) {
+        RE_Unit_Union all(pool);
+        RE_Unit_Set plain;
+        std::vector<std::unique_ptr<Sets>> parts;
+        for (size_t step = source.below(12); step > 0; --step) {
+            const auto low = source.place(), high = source.place();
+            const RE_Unit_Set* part = classes[source.below(classes.size())];
+            switch (source.below(4)) {
+                case 0:
+                    all.add(low);
+                    plain.add(low);
+                    break;
+                case 1:
+                    all.addRange(std::min(low, high), std::max(low, high));
+                    plain.addRange(low, high);
+                    plain.addRange(high, low);
+                    break;
+                case 2:
+                    source.change(*parts.emplace_back(std::make_unique<Sets>()), Sets());
+                    part = &parts.back()->set;
+                    [[fallthrough]];
+                default:
+                    all.addAll(*part);
+                    plain.addAll(*part);
+            }
+        }
+        const bool others = source.below(2) != 0;
+        if (others) plain.negate();
+        ASSERT_TRUE(plain == *(others ? all.takeOthers() : all.take())) << round;
     }
 }
 

@@ -33,7 +33,11 @@ public:
         dfa = nullptr;
         left = never;
     }
-    void forgetSubject();
+    void forgetSubject() {
+        if (knowsSubject) {
+            *this = forOtherSubject();
+        }
+    }
 
     /// Counts a choice.
     bool isDue() { return --left == 0; }
@@ -54,6 +58,7 @@ public:
 private:
     static constexpr std::uint64_t never = std::numeric_limits<std::uint64_t>::max();
 
+    RE_Inquiry forOtherSubject() const;
     void askForLaterOnes(RE_Search_Info& info);
 
     const RE_Dfa* dfa = nullptr;
@@ -61,6 +66,7 @@ private:
     bool wantsTokens = false;
     std::uint64_t left = never;  // choices until it is asked
     std::uint64_t delay = 0;
+    bool knowsSubject = false;
     std::size_t cost = 0;        // of attempts, as the automaton would read so many units in the time
     std::size_t unitsRead = 0;   // on behalf of attempts
     std::size_t costAtLast = 0;  // when the search asked for later ones last

@@ -5,16 +5,15 @@
 #include "regexp/scratch_memory.h"
 
 #include <cstdint>
-#include <memory_resource>
 #include <vector>
 
 /// Collects all nodes that can be reached from a first one, without recursion. A walk marks the nodes by its number, so
 /// none is made while the graph is searched.
 class RE_Collection {
 public:
-    using Nodes = std::pmr::vector<RE_Node*>;
+    using Nodes = RE_Scratch_List<RE_Node*>;
 
-    explicit RE_Collection(std::pmr::memory_resource* memory) : found(memory) {}
+    explicit RE_Collection(RE_Scratch_Memory* memory) : found(memory) {}
     RE_Collection(const RE_Collection&) = delete;
     RE_Collection& operator=(const RE_Collection&) = delete;
 

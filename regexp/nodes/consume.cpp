@@ -3,6 +3,7 @@
 #include "regexp/nodes/anchors.h"
 #include "regexp/nodes/tokens.h"
 #include "regexp/parser/parser_context.h"
+#include "regexp/parser/unit_union.h"
 #include "regexp/search_info.h"
 #include "regexp/seek/scan.h"
 
@@ -16,9 +17,9 @@ std::shared_ptr<const RE_Unit_Set> unitsOf(RE_ParserContext& context, const RE_C
     if (const RE_Unit_Set* const table = item.table()) {
         return {std::shared_ptr<const void>(), table};
     }
-    auto units = context.sets.blank();
-    item.addUnitsTo(*units);
-    return context.sets.share(std::move(units));
+    RE_Unit_Union units(context.sets);
+    units.addConsumable(item);
+    return context.sets.share(units.take());
 }
 
 }  // namespace
@@ -31,7 +32,7 @@ RE_Consume::RE_Consume(RE_ParserContext& context, RE_Consumable* repeated, std::
       minimum(least),
       maximum(most),
       lazy(order == Order::lazy),
-      stops(*units, false),
+      stops(context.sets.othersThan(*units)),
       reachRow(lazy ? context.nextMemoRow() : 0) {
     memoIndex = context.nextMemoRow();
     repeated->isItem = true;

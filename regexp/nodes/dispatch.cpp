@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <bit>
-#include <memory_resource>
 
 void RE_Branch_Start::addAll(const RE_Unit_Set& units) {
     for (std::size_t block = 0; block < tableUnits / 64; ++block) {
@@ -41,11 +40,30 @@ namespace {
 /// Lists of ways, one behind another, each once.
 class Way_Lists {
 public:
-    Way_Lists(std::uint32_t lastMark, std::pmr::memory_resource* memory)
+    Way_Lists(std::uint32_t lastMark, RE_Scratch_Memory* memory)
         : lastOfList(lastMark), entries(memory), known(memory) {
         entries.reserve(usualEntries);
         entries.push_back(0);
         known.reserve(usualLists);
+    }
+
+    /// The place of the list of the ways of these numbers, one bit each; 0 when there are none.
+    std::uint32_t placeOf(std::uint64_t ways) {
+        if (ways == 0) {
+            return 0;
+        }
+        for (const Known& list : known) {
+            if (list.ways == ways) {
+                return list.place;
+            }
+        }
+        const auto first = static_cast<std::uint32_t>(entries.size());
+        for (std::uint64_t left = ways; left != 0; left &= left - 1) {
+            entries.push_back(static_cast<std::uint32_t>(std::countr_zero(left)) * 2);
+        }
+        entries.back() |= lastOfList;
+        known.push_back({ways, first});
+        return first;
     }
 
     /// The place of the list of the branches that can begin with the column; 0 when there are none.
@@ -61,48 +79,88 @@ public:
         }
         entries.back() |= lastOfList;
         // The mark is part of what is compared: lists of different lengths are never equal.
-        for (const std::uint32_t place : known) {
-            if (std::equal(entries.begin() + first, entries.end(), entries.begin() + place)) {
+        for (const Known& list : known) {
+            if (std::equal(entries.begin() + first, entries.end(), entries.begin() + list.place)) {
                 entries.resize(first);
-                return place;
+                return list.place;
             }
         }
-        known.push_back(static_cast<std::uint32_t>(first));
-        return known.back();
+        known.push_back({0, static_cast<std::uint32_t>(first)});
+        return known.back().place;
     }
 
-    const std::pmr::vector<std::uint32_t>& all() const { return entries; }
+    const RE_Scratch_List<std::uint32_t>& all() const { return entries; }
 
 private:
     static constexpr std::size_t usualEntries = 64;
     static constexpr std::size_t usualLists = 16;
 
+    struct Known {
+        std::uint64_t ways;  ///< where they are told by bits
+        std::uint32_t place;
+    };
+
     std::uint32_t lastOfList;
-    std::pmr::vector<std::uint32_t> entries;
-    std::pmr::vector<std::uint32_t> known;  ///< places
+    RE_Scratch_List<std::uint32_t> entries;
+    RE_Scratch_List<Known> known;
 };
 
-}  // namespace
+using Places = std::array<std::uint32_t, RE_Branch_Start::columns>;
+
+// So many branches are told by the bits of a word, at each column.
+bool paysByBits(RE_Dispatch::Branches branches) {
+    return branches.size() > 8 && branches.size() <= 64;
+}
+
+void placeByBits(RE_Dispatch::Branches branches, Way_Lists& lists, Places& places) {
+    std::array<std::uint64_t, RE_Branch_Start::columns + 1> changed{};
+    for (std::size_t way = 0; way < branches.size(); ++way) {
+        RE_Branch_Start changes;
+        branches[way].start.addChangesTo(changes);
+        changes.forEachColumn([&](std::size_t column) { changed[column] ^= std::uint64_t{1} << way; });
+    }
+    std::uint64_t ways = 0;
+    std::uint32_t place = 0;
+    for (std::size_t column = 0; column < places.size(); ++column) {
+        if (changed[column] != 0) {
+            ways ^= changed[column];
+            place = lists.placeOf(ways);
+        }
+        places[column] = place;
+    }
+}
 
 // Neighbouring columns mostly have the same list.
-RE_Dispatch::RE_Dispatch(RE_ParserContext& context, Branches branches) : RE_Node(context) {
-    ways.reserve(branches.size());
+void placeByColumns(RE_Dispatch::Branches branches, Way_Lists& lists, Places& places) {
     RE_Branch_Start changes;
-    for (const Branch& branch : branches) {
-        ways.push_back(branch.node);
+    for (const RE_Dispatch::Branch& branch : branches) {
         branch.start.addChangesTo(changes);
     }
-    Way_Lists lists(lastOfList, &context.scratch);
-    std::uint32_t* filled = firstPlace.data();
-    std::uint32_t place = nowhere;
+    std::uint32_t* filled = places.data();
+    std::uint32_t place = 0;
     changes.forEachColumn([&](std::size_t column) {
         if (column == RE_Branch_Start::columns) {
             return;
         }
-        filled = std::fill_n(filled, firstPlace.data() + column - filled, place);
+        filled = std::fill_n(filled, places.data() + column - filled, place);
         place = lists.placeOf(branches, column);
     });
-    std::fill(filled, firstPlace.data() + firstPlace.size(), place);
+    std::fill(filled, places.data() + places.size(), place);
+}
+
+}  // namespace
+
+RE_Dispatch::RE_Dispatch(RE_ParserContext& context, Branches branches) : RE_Node(context) {
+    ways.reserve(branches.size());
+    for (const Branch& branch : branches) {
+        ways.push_back(branch.node);
+    }
+    Way_Lists lists(lastOfList, &context.scratch);
+    if (paysByBits(branches)) {
+        placeByBits(branches, lists, firstPlace);
+    } else {
+        placeByColumns(branches, lists, firstPlace);
+    }
     places.assign(lists.all().begin(), lists.all().end());
 }
 

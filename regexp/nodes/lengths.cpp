@@ -8,7 +8,6 @@
 #include "regexp/scratch_memory.h"
 
 #include <algorithm>
-#include <memory_resource>
 #include <vector>
 
 namespace {
@@ -54,7 +53,7 @@ void measure(RE_Node& node) {
 
 /// The nodes that are being measured, and those that were begun.
 struct Measuring {
-    explicit Measuring(std::pmr::memory_resource* memory) : pending(memory), begun(memory) {
+    explicit Measuring(RE_Scratch_Memory* memory) : pending(memory), begun(memory) {
         pending.reserve(usualNodes);
         begun.reserve(usualNodes);
     }
@@ -80,8 +79,8 @@ struct Measuring {
         }
     }
 
-    std::pmr::vector<Entry> pending;
-    std::pmr::vector<RE_Node*> begun;
+    RE_Scratch_List<Entry> pending;
+    RE_Scratch_List<RE_Node*> begun;
 };
 
 }  // namespace

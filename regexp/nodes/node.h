@@ -152,7 +152,7 @@ public:
     /// Number of units that a seek of this node has verified already.
     virtual std::size_t fixedLead() const { return 0; }
 
-    // --- lengths ---
+    // --- lengths: whoever asks for them has them computed first ---
 
     /// Number of units that a match of this node alone consumes.
     virtual std::uint64_t width() const { return 0; }

@@ -43,7 +43,7 @@ protected:
     const char16_t* scanBack(const char16_t* p, std::size_t count, RE_Search_Info& info) const override;
 
 private:
-    static constexpr std::uint64_t fewUnits = 8;
+    static constexpr std::uint64_t fewUnits = 16;
 
     std::uint64_t capacity = fewUnits;
     char16_t few[fewUnits];  ///< most texts are short

@@ -97,6 +97,16 @@ protected:
 };
 template <>
 inline constexpr RE_Node_Kind kindOfNode<RE_Range> = RE_Node_Kind::range;
+/// The units of a range where case counts, when all of them are low ones.
+inline std::optional<RE_Low_Units> lowUnitsOf(const RE_Consumable& unit) {
+    const auto* const range = unit.kind == RE_Node_Kind::range ? static_cast<const RE_Range*>(&unit) : nullptr;
+    if (range == nullptr || range->high >= RE_Low_Units::unitCount) {
+        return std::nullopt;
+    }
+    RE_Low_Units low;
+    low.addRange(static_cast<char16_t>(range->low), static_cast<char16_t>(range->high));
+    return low;
+}
 
 /// A range within one case, ignoring case: the bounds are lower-case forms.
 class CORVANE_REGEXP_EXPORT RE_Range_I : public RE_Range {

@@ -3,7 +3,7 @@
 #include "regexp/parser/modes.h"
 
 RE_Brackets::RE_Brackets(const char16_t* pattern, std::size_t units, RE_Flags flags,
-                         std::pmr::memory_resource* memory)
+                         RE_Scratch_Memory* memory)
     : text(pattern), length(units), closings(units, none, memory), open(memory) {
     pair(flags);
     open.clear();
@@ -13,7 +13,15 @@ RE_Brackets::RE_Brackets(const char16_t* pattern, std::size_t units, RE_Flags fl
 void RE_Brackets::pair(RE_Flags flags) {
     freeSpacing = (flags & RE_FLAG_FREE_SPACING) != 0;
     std::size_t at = 0;
-    while (at < length) {
+    for (;;) {
+        const char16_t comment = freeSpacing ? u'#' : u'(';  // which counts anyway
+        while (at < length && isPlainUnit(text[at]) && text[at] != comment) {
+            ++at;
+        }
+        if (at >= length) {
+            return;
+        }
+        ++specialUnits;
         switch (text[at]) {
             case u'\\':
                 at += 2;
@@ -28,7 +36,7 @@ void RE_Brackets::pair(RE_Flags flags) {
                 at = closeGroup(at);
                 break;
             case u'#':
-                at = freeSpacing ? skipComment(at) : at + 1;
+                at = skipComment(at);
                 break;
             default:
                 ++at;

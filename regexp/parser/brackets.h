@@ -3,11 +3,25 @@
 
 #include "regexp/flags.h"
 #include "regexp/memory.h"
+#include "regexp/scratch_memory.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
-#include <memory_resource>
-#include <vector>
+#include <string_view>
+
+/// By unit: whether it stands for itself wherever it is read as an item, unless spacing is free. Others do.
+inline constexpr auto plainLowUnits = [] {
+    constexpr std::u16string_view special = u"()[\\|.^$*+?{";
+    std::array<bool, 128> plain{};
+    for (std::size_t i = 0; i < plain.size(); ++i) {
+        plain[i] = special.find(static_cast<char16_t>(i)) == special.npos;
+    }
+    return plain;
+}();
+inline bool isPlainUnit(char16_t unit) {
+    return unit >= plainLowUnits.size() || plainLowUnits[unit];
+}
 
 /// Pairs the parentheses and the sets of a pattern. A backslash makes the next unit inert; inside a set only
 /// `\` and `]` count, inside a comment group only parentheses; under free spacing comments do not count.
@@ -16,12 +30,14 @@ class RE_Brackets {
 public:
     static constexpr std::uint32_t none = static_cast<std::uint32_t>(-1);
 
-    RE_Brackets(const char16_t* text, std::size_t length, RE_Flags flags, std::pmr::memory_resource* memory);
+    RE_Brackets(const char16_t* text, std::size_t length, RE_Flags flags, RE_Scratch_Memory* memory);
 
     /// Index of the unit that closes the `(` or `[` at `opening`, or `none`.
     std::uint32_t closing(std::size_t opening) const { return closings[opening]; }
     /// Index of the first unescaped `}` at or after `from`, or `none`. Cheap when asked in ascending order.
     std::uint32_t nextBrace(std::size_t from);
+    /// How many units are not plain, outside of sets.
+    std::size_t marks() const { return specialUnits; }
 
 private:
     struct Open {
@@ -39,8 +55,9 @@ private:
 
     const char16_t* text;
     std::size_t length;
-    std::pmr::vector<std::uint32_t> closings;
-    std::pmr::vector<Open> open;
+    RE_Scratch_List<std::uint32_t> closings;
+    RE_Scratch_List<Open> open;
+    std::size_t specialUnits = 0;
     bool freeSpacing = false;
     bool setsExhausted = false;  ///< no further `]` closes anything
     std::size_t braceFrom = 0;

@@ -3,23 +3,13 @@
 #include "regexp/parser/escapes.h"
 #include "regexp/parser/names.h"
 
-#include <array>
 #include <string_view>
 
 namespace {
 
-/// Stands for itself wherever it is read as an item, unless spacing is free.
-bool isPlain(char16_t unit) {
-    constexpr auto firstHalf = [] {
-        constexpr std::u16string_view special = u"()[\\|.^$*+?{";
-        std::array<bool, 128> plain{};
-        for (std::size_t i = 0; i < plain.size(); ++i) {
-            plain[i] = special.find(static_cast<char16_t>(i)) == special.npos;
-        }
-        return plain;
-    }();
-    return unit >= firstHalf.size() || firstHalf[unit];
-}
+constexpr std::size_t usualItems = 8;
+// A bar makes a branch and what it begins with; a quantifier takes a unit off a text and stands around it.
+constexpr std::size_t itemsAMark = 2;
 
 }  // namespace
 
@@ -30,10 +20,10 @@ RE_Grammar::RE_Grammar(RE_ParserContext& parserContext, const char16_t* pattern,
       length(units),
       makesTokens(tokens),
       brackets(pattern, units, parserContext.flags, &parserContext.scratch),
-      tree(&parserContext.scratch),
+      tree(usualItems + itemsAMark * brackets.marks(), &parserContext.scratch),
       frames(&parserContext.scratch),
-      knownSets{std::pmr::unordered_map<std::u16string_view, std::uint32_t>(&parserContext.scratch),
-                std::pmr::unordered_map<std::u16string_view, std::uint32_t>(&parserContext.scratch)} {}
+      knownSets{RE_Scratch_Map<std::u16string_view, std::uint32_t>(&parserContext.scratch),
+                RE_Scratch_Map<std::u16string_view, std::uint32_t>(&parserContext.scratch)} {}
 
 RE_Syntax_Tree RE_Grammar::read() {
     const std::uint32_t root = tree.add(RE_Syntax_Kind::group, 0, flags());
@@ -48,6 +38,9 @@ RE_Syntax_Tree RE_Grammar::read() {
         } else {
             readUnit();
         }
+    }
+    while (!frames.empty()) {  // an escape may have swallowed what closes a group
+        endFrame();
     }
     resolveReferences();
     return std::move(tree);
@@ -100,7 +93,7 @@ void RE_Grammar::readLiterals() {
     const char16_t* const second = text + ++at;
     const char16_t* const last = has(RE_FLAG_FREE_SPACING) ? second : text + length;
     const char16_t* end = second;
-    while (end < last && isPlain(*end)) {
+    while (end < last && isPlainUnit(*end)) {
         ++end;
     }
     if (end != second) {
@@ -112,6 +105,7 @@ void RE_Grammar::readLiterals() {
 // In a conditional the first bar divides the branches; further ones belong to the second branch.
 void RE_Grammar::readBranchBar() {
     Frame& current = frame();
+    tree.close(current.branch);
     if (tree[current.group].kind == RE_Syntax_Kind::conditional && !current.divided) {
         const std::uint32_t second = tree.add(RE_Syntax_Kind::group, static_cast<std::uint32_t>(at), flags());
         tree.append(current.group, second);
@@ -154,6 +148,8 @@ void RE_Grammar::addPair(char32_t character, std::size_t position) {
         tree[literal].low = unit;
         tree.append(branch, literal);
     }
+    tree.close(branch);
+    tree.close(group);
 }
 
 void RE_Grammar::addEscaped(char16_t letter) {

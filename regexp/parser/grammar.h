@@ -64,6 +64,7 @@ private:
     // groups.cpp
     void openFrame(std::uint32_t group, std::uint32_t close, std::size_t contentStart, bool closedBody);
     void closeFrame();
+    void endFrame();
     void readGroup();
     void readCapture(std::uint32_t close);
     void readMarkedGroup(std::uint32_t close);
@@ -116,9 +117,9 @@ private:
     bool makesTokens;
     RE_Brackets brackets;
     RE_Syntax_Tree tree;
-    std::pmr::vector<Frame> frames;
+    RE_Scratch_List<Frame> frames;
     /// Sets by their source, which are read alike: where case counts, and where it does not.
-    std::pmr::unordered_map<std::u16string_view, std::uint32_t> knownSets[2];
+    RE_Scratch_Map<std::u16string_view, std::uint32_t> knownSets[2];
     std::size_t at = 0;
     std::size_t closedDepth = 0;
     std::vector<Reference, RE_Allocator<Reference>> references;

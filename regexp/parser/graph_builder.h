@@ -97,7 +97,7 @@ private:
 
     RE_ParserContext& context;
     const RE_Syntax_Tree& tree;
-    std::pmr::vector<RE_Build_Step> work;
+    RE_Scratch_List<RE_Build_Step> work;
     RE_Node** tail = nullptr;
     RE_Node* appended = nullptr;           ///< the last node that was appended
     std::size_t bodyDepth = 0;             ///< closed bodies around the place that is being built

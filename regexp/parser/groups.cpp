@@ -14,9 +14,20 @@ void RE_Grammar::openFrame(std::uint32_t group, std::uint32_t close, std::size_t
     at = contentStart;
 }
 
+// Its items are complete. In a divided conditional the group is the second branch.
+void RE_Grammar::endFrame() {
+    const Frame& ended = frame();
+    tree.close(ended.branch);
+    tree.close(ended.group);
+    if (ended.divided) {
+        tree.close(tree[frames[frames.size() - 2].branch].lastChild);
+    }
+    frames.pop_back();
+}
+
 void RE_Grammar::closeFrame() {
     const Frame closed = frame();
-    frames.pop_back();
+    endFrame();
     closedDepth -= closed.closed ? 1 : 0;
     context.flags = closed.outerFlags;
     at = closed.close + 1;

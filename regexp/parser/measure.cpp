@@ -1,11 +1,10 @@
 #include "regexp/parser/measure.h"
 
 #include <algorithm>
-#include <vector>
 
 namespace {
 
-constexpr std::uint16_t maximumGuards = 250;
+constexpr std::uint8_t maximumGuards = 250;
 constexpr std::uint16_t maximumClosed = 1000;
 constexpr std::uint64_t maximumUnrolledNodes = 65'536;
 constexpr std::uint64_t maximumUnitCopies = 16;
@@ -19,12 +18,22 @@ std::uint64_t multiplySaturated(std::uint64_t a, std::uint64_t b) {
     return a != 0 && b > RE_Syntax::noMaximum / a ? RE_Syntax::noMaximum : a * b;
 }
 
-/// Measures one item from its children, which are measured already.
+std::uint32_t asCount(std::uint64_t nodes) {
+    return static_cast<std::uint32_t>(std::min<std::uint64_t>(nodes, static_cast<std::uint32_t>(-1)));
+}
+
+/// Of the body, when the loop is unrolled. The last one of an endless loop is a loop itself.
+std::uint64_t copiesOf(const RE_Repeat_Plan& plan) {
+    return plan.maximum != RE_Syntax::noMaximum ? plan.maximum : plan.minimum;
+}
+
+/// Measures an item from its children: leaves now, the others are measured already.
 class Measure {
 public:
     Measure(RE_Syntax_Tree& syntax, RE_ParserContext& parserContext, const char16_t* pattern)
         : tree(syntax), context(parserContext), text(pattern) {}
 
+    /// An item that may hold others.
     void item(std::uint32_t index) {
         gather(index);
         RE_Syntax& it = tree[index];
@@ -40,37 +49,20 @@ public:
                 conditional(it);
                 break;
             case RE_Syntax_Kind::capture:
-                it.nodes = addSaturated(it.nodes, 2);
+                it.nodes = asCount(it.nodes + std::uint64_t{2});
                 it.captures = true;
                 break;
-            case RE_Syntax_Kind::text:
-                it.least = it.most = it.nodes = it.number;
-                break;
-            case RE_Syntax_Kind::reference:
-                it.most = RE_Syntax::noMaximum;
-                it.nodes = 1;
-                break;
-            case RE_Syntax_Kind::evaluate:
-                it.most = tree.isDynamicText(index) ? RE_Syntax::noMaximum : 0;
-                it.nodes = 1;
-                it.evaluates = true;
-                break;
-            case RE_Syntax_Kind::sequence:
-            case RE_Syntax_Kind::group:
-            case RE_Syntax_Kind::dropped:
-                break;
             default:
-                it.least = it.most = tree.consumesOneUnit(index) ? 1 : 0;
-                it.nodes = 1;
+                break;
         }
     }
 
-    /// An item that holds no others.
-    void leaf(std::uint32_t index) {
-        RE_Syntax& it = tree[index];
+private:
+    void leaf(RE_Syntax& it) {
         switch (it.kind) {
             case RE_Syntax_Kind::text:
-                it.least = it.most = it.nodes = it.number;
+                it.least = it.most = it.number;
+                it.nodes = asCount(it.number);
                 break;
             case RE_Syntax_Kind::literal:
             case RE_Syntax_Kind::range:
@@ -79,40 +71,60 @@ public:
             case RE_Syntax_Kind::dot:
                 it.least = it.most = it.nodes = 1;
                 break;
+            case RE_Syntax_Kind::reference:
+                it.most = RE_Syntax::noMaximum;
+                it.nodes = 1;
+                break;
+            case RE_Syntax_Kind::evaluate:
+                it.most = tree.isDynamicText(it) ? RE_Syntax::noMaximum : 0;
+                it.nodes = 1;
+                it.evaluates = true;
+                break;
+            case RE_Syntax_Kind::start_anchor:
+            case RE_Syntax_Kind::end_anchor:
+            case RE_Syntax_Kind::start_word:
+            case RE_Syntax_Kind::end_word:
+                it.nodes = 1;
+                break;
             default:
-                item(index);
+                break;
         }
     }
 
-private:
     // Children of a sequence add up; of anything else they are alternatives.
     void gather(std::uint32_t index) {
         RE_Syntax& it = tree[index];
         if (it.firstChild == RE_Syntax::none) {
             return;
         }
+        leaf(tree[it.firstChild]);
         takeOver(it, tree[it.firstChild]);
         const bool inSequence = it.kind == RE_Syntax_Kind::sequence;
-        it.nodes = addSaturated(it.nodes, inSequence ? 0 : 2);
+        std::uint64_t nodes = it.nodes + std::uint64_t{inSequence ? 0U : 2U};
         for (std::uint32_t child = tree[it.firstChild].nextSibling; child != RE_Syntax::none;) {
-            const RE_Syntax& part = tree[child];
+            RE_Syntax& part = tree[child];
+            leaf(part);
+            nodes += part.nodes + std::uint64_t{inSequence ? 0U : 2U};
             if (inSequence) {
                 it.least = addSaturated(it.least, part.least);
                 it.most = addSaturated(it.most, part.most);
-                it.nodes = addSaturated(it.nodes, part.nodes);
                 it.emptyPasses = std::min(it.emptyPasses + part.emptyPasses - 1, emptyPassCeiling);
             } else {
                 it.least = std::min(it.least, part.least);
                 it.most = std::max(it.most, part.most);
-                it.nodes = addSaturated(it.nodes, addSaturated(part.nodes, 2));
                 it.emptyPasses = std::max(it.emptyPasses, part.emptyPasses);
             }
-            it.guards = std::max(it.guards, part.guards);
-            it.closed = std::max(it.closed, part.closed);
-            it.captures |= part.captures;
-            it.evaluates |= part.evaluates;
+            takeNesting(it, part);
             child = part.nextSibling;
         }
+        it.nodes = asCount(nodes);
+    }
+
+    static void takeNesting(RE_Syntax& it, const RE_Syntax& part) {
+        it.guards = std::max(it.guards, part.guards);
+        it.closed = std::max(it.closed, part.closed);
+        it.captures = it.captures || part.captures;
+        it.evaluates = it.evaluates || part.evaluates;
     }
 
     static void takeOver(RE_Syntax& it, const RE_Syntax& part) {
@@ -133,7 +145,7 @@ private:
             it.maximum = it.most;
             it.least = it.most = 0;
         }
-        it.nodes = addSaturated(it.nodes, 3);
+        it.nodes = asCount(it.nodes + std::uint64_t{3});
         ++it.closed;
     }
 
@@ -141,14 +153,12 @@ private:
         if (it.firstChild == it.lastChild) {  // without a second branch the first one may be passed over
             it.least = 0;
         }
-        it.nodes = addSaturated(it.nodes, 4);
+        it.nodes = asCount(it.nodes + std::uint64_t{4});
         if (it.condition != RE_Syntax::none) {
-            const RE_Syntax& condition = tree[it.condition];
-            it.nodes = addSaturated(it.nodes, condition.nodes);
-            it.guards = std::max(it.guards, condition.guards);
-            it.closed = std::max(it.closed, condition.closed);
-            it.captures = it.captures || condition.captures;
-            it.evaluates = it.evaluates || condition.evaluates;
+            RE_Syntax& condition = tree[it.condition];
+            leaf(condition);
+            it.nodes = asCount(it.nodes + std::uint64_t{condition.nodes});
+            takeNesting(it, condition);
         }
     }
 
@@ -156,7 +166,7 @@ private:
         RE_Syntax& it = tree[index];
         const RE_Repeat_Plan plan = planRepeat(tree, index, context.options().inlineThreshold());
         const bool guarded = plan.mayBeEmpty || plan.counted;
-        it.guards = static_cast<std::uint16_t>(it.guards + (guarded ? 1 : 0));
+        it.guards = static_cast<std::uint8_t>(it.guards + (guarded ? 1 : 0));
         it.closed =
             static_cast<std::uint16_t>(it.closed + (it.qualifier == RE_Qualifier::possessive ? 1 : 0));
         if (it.guards > maximumGuards || it.closed > maximumClosed) {
@@ -165,8 +175,7 @@ private:
         }
         it.least = multiplySaturated(it.least, plan.minimum);
         it.most = it.most == 0 ? 0 : multiplySaturated(it.most, plan.maximum);
-        const std::uint64_t copies = std::max<std::uint64_t>(plan.minimum, plan.unrolled ? plan.maximum : 1);
-        it.nodes = addSaturated(multiplySaturated(it.nodes, plan.unrolled ? copies : 1), 8);
+        it.nodes = asCount(addSaturated(multiplySaturated(it.nodes, plan.unrolled ? copiesOf(plan) : 1), 8));
         const std::uint64_t required = plan.minimum == 1 && plan.maximum != 1 ? 2 : plan.minimum;
         const std::uint64_t passes =
             plan.mayBeEmpty ? multiplySaturated(it.emptyPasses, std::max<std::uint64_t>(required, 1)) : 1;
@@ -187,39 +196,12 @@ private:
     const char16_t* text;
 };
 
-constexpr std::size_t usualDepth = 32;
-
-struct Visit {
-    std::uint32_t index;
-    bool childrenDone;
-};
-
 }  // namespace
 
 void measureSyntax(RE_Syntax_Tree& tree, RE_ParserContext& context, const char16_t* text) {
     Measure measure(tree, context, text);
-    std::pmr::vector<Visit> stack(&context.scratch);
-    stack.reserve(usualDepth);
-    stack.push_back({RE_Syntax_Tree::root, false});
-    while (!stack.empty()) {
-        const Visit visit = stack.back();
-        stack.pop_back();
-        if (visit.childrenDone) {
-            measure.item(visit.index);
-            continue;
-        }
-        stack.push_back({visit.index, true});
-        if (tree[visit.index].condition != RE_Syntax::none) {
-            stack.push_back({tree[visit.index].condition, false});
-        }
-        for (std::uint32_t child = tree[visit.index].firstChild; child != RE_Syntax::none;
-             child = tree[child].nextSibling) {
-            if (tree.isLeaf(child)) {
-                measure.leaf(child);
-            } else {
-                stack.push_back({child, false});
-            }
-        }
+    for (const std::uint32_t index : tree.closed()) {
+        measure.item(index);
     }
 }
 
@@ -235,14 +217,13 @@ RE_Repeat_Plan planRepeat(const RE_Syntax_Tree& tree, std::uint32_t index, std::
             body.captures || body.evaluates ? plan.minimum : std::min<std::uint64_t>(plan.minimum, 1);
         plan.maximum = std::min(plan.maximum, std::max<std::uint64_t>(plan.minimum, 1));
     }
-    const bool finite = plan.maximum != RE_Syntax::noMaximum;
-    const std::uint64_t copies = finite ? plan.maximum : plan.minimum;
+    const std::uint64_t copies = copiesOf(plan);
     plan.counted = copies > 1;
     if (plan.mayBeEmpty || !plan.counted) {
         return plan;
     }
     const std::uint64_t most = std::min<std::uint64_t>(inlineThreshold, maximumUnrolledNodes);
-    const bool fits = multiplySaturated(body.nodes + 1, copies) <= most;
+    const bool fits = multiplySaturated(body.nodes + std::uint64_t{1}, copies) <= most;
     const bool singleUnit = tree.consumesOneUnit(it.firstChild);
     plan.unrolled = fits && (!singleUnit || (plan.minimum == plan.maximum && copies <= maximumUnitCopies));
     plan.counted = !plan.unrolled;

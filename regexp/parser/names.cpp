@@ -3,10 +3,7 @@
 #include "regexp/parser/escapes.h"
 #include "regexp/unit_set.h"
 
-std::size_t skipSpacing(const char16_t* text, std::size_t length, std::size_t at, RE_Flags flags) {
-    if ((flags & RE_FLAG_FREE_SPACING) == 0) {
-        return at;
-    }
+std::size_t skipFreeSpacing(const char16_t* text, std::size_t length, std::size_t at) {
     const RE_Unit_Set& spaces = RE_Unit_Classes::get().spaces;
     while (at < length && (spaces.contains(text[at]) || text[at] == u'#')) {
         if (text[at] == u'#') {

@@ -16,7 +16,10 @@ struct RE_Name {
 RE_Name readName(const char16_t* text, std::size_t length, std::size_t at, RE_Flags flags);
 
 /// Index of the first significant unit at or after `at`: under free spacing blanks and comments are skipped.
-std::size_t skipSpacing(const char16_t* text, std::size_t length, std::size_t at, RE_Flags flags);
+std::size_t skipFreeSpacing(const char16_t* text, std::size_t length, std::size_t at);
+inline std::size_t skipSpacing(const char16_t* text, std::size_t length, std::size_t at, RE_Flags flags) {
+    return (flags & RE_FLAG_FREE_SPACING) != 0 ? skipFreeSpacing(text, length, at) : at;
+}
 
 /// Index behind the letters, digits and underscores from `at` on.
 std::size_t skipNameUnits(const char16_t* text, std::size_t length, std::size_t at);

@@ -8,7 +8,7 @@
 namespace {
 
 // Mostly the numbers lie close together: then each has a place of its own.
-void sortByNumber(std::span<RE_Node*> nodes, std::uint64_t lastNumber, std::pmr::memory_resource* memory) {
+void sortByNumber(std::span<RE_Node*> nodes, std::uint64_t lastNumber, RE_Scratch_Memory* memory) {
     static constexpr std::size_t mostPlacesANode = 16;
     const std::uint64_t first = (*std::ranges::min_element(nodes, {}, &RE_Node::nodeId))->nodeId;
     const std::uint64_t count = lastNumber - first + 1;
@@ -16,7 +16,7 @@ void sortByNumber(std::span<RE_Node*> nodes, std::uint64_t lastNumber, std::pmr:
         std::ranges::sort(nodes, {}, &RE_Node::nodeId);
         return;
     }
-    std::pmr::vector<RE_Node*> places(count, nullptr, memory);
+    RE_Scratch_List<RE_Node*> places(count, nullptr, memory);
     for (RE_Node* node : nodes) {
         places[node->nodeId - first] = node;
     }

@@ -15,7 +15,6 @@
 #include <cstdint>
 #include <map>
 #include <memory>
-#include <memory_resource>
 #include <string>
 #include <utility>
 #include <vector>
@@ -102,7 +101,7 @@ public:
     bool refersToSurroundings = false;  ///< to the text before, in or after the match
 
 private:
-    std::pmr::vector<RE_Node*> made{&scratch};  ///< in this order; null while one is made
+    RE_Scratch_List<RE_Node*> made{&scratch};  ///< in this order; null while one is made
     RE_Collection reached{&scratch};
     RE_Node* walkedFrom = nullptr;  ///< the root of what was reached, while that holds
 };

@@ -12,13 +12,15 @@ std::shared_ptr<RE_Unit_Set> RE_Set_Pool::blank() {
     return spare;
 }
 
-std::shared_ptr<RE_Unit_Set> RE_Set_Pool::copyOf(const RE_Unit_Set& units) {
-    if (isSpareFree()) {
-        *spare = units;
-    } else {
-        spare = RE_Unit_Set::make(units);
+const RE_Class_Scan& RE_Set_Pool::othersThan(const RE_Unit_Set& units) {
+    const auto made = std::ranges::find(scans, &units, &decltype(scans)::value_type::first);
+    if (made != scans.end()) {
+        return made->second;
     }
-    return spare;
+    if (scans.size() == mostScans) {
+        scans.clear();
+    }
+    return scans.emplace_back(&units, RE_Class_Scan(units, false)).second;
 }
 
 std::shared_ptr<const RE_Unit_Set> RE_Set_Pool::share(std::shared_ptr<const RE_Unit_Set> units) {

@@ -19,7 +19,7 @@ struct Member {
 class Set_Reader {
 public:
     Set_Reader(RE_ParserContext& parserContext, const char16_t* pattern, std::size_t closing)
-        : tests(parserContext.sets.blank()), context(parserContext), text(pattern), close(closing) {}
+        : tests(parserContext.sets), context(parserContext), text(pattern), close(closing) {}
 
     void readFrom(std::size_t at) {
         for (bool first = true; at < close; first = false) {

@@ -56,6 +56,10 @@ void RE_Syntax_Tree::wrap(std::uint32_t index, RE_Syntax_Kind kind, std::uint32_
     items.push_back(items[index]);
     const auto moved = static_cast<std::uint32_t>(items.size() - 1);
     items[moved].nextSibling = RE_Syntax::none;
+    if (!complete.empty() && complete.back() == index) {
+        complete.back() = moved;
+    }
+    complete.push_back(index);
     RE_Syntax outer{};
     outer.kind = kind;
     outer.position = position;
@@ -66,27 +70,14 @@ void RE_Syntax_Tree::wrap(std::uint32_t index, RE_Syntax_Kind kind, std::uint32_
     items[index] = outer;
 }
 
-bool RE_Syntax_Tree::consumesOneUnit(std::uint32_t index) const {
-    switch (items[index].kind) {
-        case RE_Syntax_Kind::literal:
-        case RE_Syntax_Kind::range:
-        case RE_Syntax_Kind::escaped:
-        case RE_Syntax_Kind::set:
-        case RE_Syntax_Kind::dot:
-            return true;
-        default:
-            return false;
-    }
-}
-
 std::uint32_t RE_Syntax_Tree::soleUnit(std::uint32_t branch) const {
     const std::uint32_t only = items[branch].firstChild;
     const bool sole = only != RE_Syntax::none && only == items[branch].lastChild && consumesOneUnit(only);
     return sole ? only : RE_Syntax::none;
 }
 
-bool RE_Syntax_Tree::isDynamicText(std::uint32_t index) const {
-    const RE_Syntax_Dynamic& dynamic = dynamics[items[index].payload];
+bool RE_Syntax_Tree::isDynamicText(const RE_Syntax& item) const {
+    const RE_Syntax_Dynamic& dynamic = dynamics[item.payload];
     return std::holds_alternative<std::shared_ptr<const RE_String_Evaluator>>(dynamic) ||
            std::holds_alternative<std::shared_ptr<const RE_Replace>>(dynamic);
 }

@@ -6,11 +6,11 @@
 
 #include "regexp/flags.h"
 #include "regexp/memory.h"
+#include "regexp/scratch_memory.h"
 #include "regexp/unit_set.h"
 
 #include <cstdint>
 #include <memory>
-#include <memory_resource>
 #include <string>
 #include <variant>
 #include <vector>
@@ -28,8 +28,8 @@ enum class RE_Syntax_Kind : std::uint8_t {
     look,         ///< an assertion; `behind`, `negative`
     conditional,  ///< children: the branches; `condition` or a token decides
     repeat,       ///< one child; `minimum`, `maximum`, `qualifier`
-    literal,      ///< unit `low`
     text,         ///< `number` literal units, at least two, from `payload` on in the units of the tree
+    literal,      ///< unit `low`; from here to the dot they consume one unit
     range,        ///< units `low` to `high`
     escaped,      ///< a class named by letter `low`
     set,          ///< the set `payload`
@@ -49,10 +49,16 @@ struct RE_Syntax {
     static constexpr std::uint32_t none = static_cast<std::uint32_t>(-1);
     static constexpr std::uint64_t noMaximum = static_cast<std::uint64_t>(-1);
 
+    /// Consumes one unit, which it decides alone.
+    bool isUnit() const { return kind >= RE_Syntax_Kind::literal && kind <= RE_Syntax_Kind::dot; }
+
     RE_Syntax_Kind kind;
     RE_Qualifier qualifier = RE_Qualifier::greedy;
-    bool behind = false;
-    bool negative = false;
+    bool behind : 1 = false;
+    bool negative : 1 = false;
+    bool captures : 1 = false;   ///< measured: records tokens
+    bool evaluates : 1 = false;  ///< measured: calls the host
+    std::uint8_t guards = 0;     ///< measured: nesting of loops with counts or pass guards
     char16_t low = 0;
     char16_t high = 0;
     RE_Flags flags = 0;          ///< modes in force at the item
@@ -62,19 +68,18 @@ struct RE_Syntax {
     std::uint32_t nextSibling = none;
     std::uint32_t condition = none;  ///< conditional: the assertion that decides, when it is not a token
     std::uint32_t payload = none;    ///< index of a set, a name or something for the host
-    std::uint64_t number = 0;        ///< token slot, from 0
-    std::uint64_t minimum = 0;
+    union {
+        std::uint64_t number = 0;  ///< token slot, from 0; units of a text
+        std::uint64_t minimum;     ///< of a repeat; measured of a look
+    };
     std::uint64_t maximum = 0;
 
     // Measured once the whole pattern has been read.
     std::uint64_t least = 0;        ///< units consumed at the least
     std::uint64_t most = 0;         ///< units consumed at the most, saturated
-    std::uint64_t nodes = 0;        ///< nodes it will compile to, saturated
+    std::uint32_t nodes = 0;        ///< nodes it will compile to, saturated
     std::uint32_t emptyPasses = 1;  ///< passes that matching the empty text takes, saturated
-    std::uint16_t guards = 0;       ///< nesting of loops with counts or pass guards
     std::uint16_t closed = 0;       ///< nesting of closed bodies
-    bool captures = false;          ///< records tokens
-    bool evaluates = false;         ///< calls the host
 };
 
 struct RE_Syntax_Set {
@@ -90,8 +95,11 @@ using RE_Syntax_Dynamic =
 
 class RE_Syntax_Tree {
 public:
-    explicit RE_Syntax_Tree(std::pmr::memory_resource* memory) : sets(memory), units(memory), items(memory) {
-        items.reserve(usualItems);
+    /// For about so many items.
+    RE_Syntax_Tree(std::size_t expectedItems, RE_Scratch_Memory* memory)
+        : sets(memory), units(memory), complete(memory), items(memory) {
+        items.reserve(expectedItems);
+        complete.reserve(usualItems);
         units.reserve(usualUnits);
     }
 
@@ -101,26 +109,30 @@ public:
     bool extendText(std::uint32_t parent, const char16_t* added, std::size_t count, RE_Flags flags);
     /// Makes the last unit of the text that `parent` ends with an item of its own.
     void detachLastUnit(std::uint32_t parent);
-    /// Puts a new item around `index`: the item moves to a place of its own and `index` becomes its parent.
+    /// Notes that all items within the item are read.
+    void close(std::uint32_t index) { complete.push_back(index); }
+    /// Puts a new item, which is complete, around `index`: the item moves to a place of its own and `index` becomes its parent.
     void wrap(std::uint32_t index, RE_Syntax_Kind kind, std::uint32_t position);
 
     RE_Syntax& operator[](std::uint32_t index) { return items[index]; }
     const RE_Syntax& operator[](std::uint32_t index) const { return items[index]; }
+    /// The items that hold others, each behind those that it holds.
+    const RE_Scratch_List<std::uint32_t>& closed() const { return complete; }
     /// Holds no other items.
     bool isLeaf(std::uint32_t index) const {
         return items[index].firstChild == RE_Syntax::none && items[index].condition == RE_Syntax::none;
     }
-    bool consumesOneUnit(std::uint32_t index) const;
+    bool consumesOneUnit(std::uint32_t index) const { return items[index].isUnit(); }
     /// The single item of a branch that consists of one single-unit item, or `none`.
     std::uint32_t soleUnit(std::uint32_t branch) const;
-    /// Whether the item matches a text that comes to be in the search.
-    bool isDynamicText(std::uint32_t index) const;
+    /// Whether an item that evaluates matches a text that comes to be in the search.
+    bool isDynamicText(const RE_Syntax& item) const;
 
     static constexpr std::uint32_t root = 0;
 
-    std::pmr::vector<RE_Syntax_Set> sets;
+    RE_Scratch_List<RE_Syntax_Set> sets;
     std::vector<std::u16string> names;
-    std::pmr::vector<char16_t> units;
+    RE_Scratch_List<char16_t> units;
     std::vector<RE_Syntax_Dynamic> dynamics;
     std::uint64_t groupCount = 0;
 
@@ -128,5 +140,6 @@ private:
     static constexpr std::size_t usualItems = 16;
     static constexpr std::size_t usualUnits = 32;
 
-    std::pmr::vector<RE_Syntax> items;
+    RE_Scratch_List<std::uint32_t> complete;
+    RE_Scratch_List<RE_Syntax> items;
 };

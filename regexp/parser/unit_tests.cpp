@@ -84,20 +84,13 @@ void RE_Unit_Test_Set::addRange(char16_t low, char16_t high, RE_Flags flags) {
     note({false, low, high});
     const RE_Range_Plan plan = planRange(low, high, flags);
     if (plan.test == RE_Range_Test::exact) {
-        units->addRange(plan.low, plan.high);
+        units.addRange(plan.low, plan.high);
         return;
     }
-    RE_Case_Table::get().addFolding(*units, plan.low, plan.high, plan.test == RE_Range_Test::both);
+    RE_Case_Table::get().addFolding(units.table(), plan.low, plan.high, plan.test == RE_Range_Test::both);
 }
 
 void RE_Unit_Test_Set::addClass(char16_t letter) {
     note({true, letter, letter});
-    units->addAll(*namedClass(letter).units);
-}
-
-std::shared_ptr<RE_Unit_Set> RE_Unit_Test_Set::finish(bool negated) {
-    if (negated) {
-        units->negate();
-    }
-    return std::move(units);
+    units.addAll(*namedClass(letter).units);
 }

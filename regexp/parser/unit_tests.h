@@ -2,6 +2,7 @@
 #pragma once
 
 #include "regexp/flags.h"
+#include "regexp/parser/unit_union.h"
 #include "regexp/unit_set.h"
 
 #include <cstddef>
@@ -42,8 +43,7 @@ public:
         char16_t high;
     };
 
-    /// `table` is empty.
-    explicit RE_Unit_Test_Set(std::shared_ptr<RE_Unit_Set> table) : units(std::move(table)) {}
+    explicit RE_Unit_Test_Set(RE_Set_Pool& pool) : units(pool) {}
 
     static bool namesClass(char16_t letter) { return namedClass(letter).test != nullptr; }
 
@@ -52,13 +52,15 @@ public:
 
     std::size_t members() const { return count; }
     Member firstMember() const { return first; }
-    /// The table; gives it up.
-    std::shared_ptr<RE_Unit_Set> finish(bool negated);
+    /// The table. Called once.
+    std::shared_ptr<const RE_Unit_Set> finish(bool negated) {
+        return negated ? units.takeOthers() : units.take();
+    }
 
 private:
     void note(const Member& member);
 
-    std::shared_ptr<RE_Unit_Set> units;
+    RE_Unit_Union units;
     std::size_t count = 0;
     Member first{};
 };

@@ -11,7 +11,6 @@
 #include "regexp/passes/null_nodes.h"
 
 #include <algorithm>
-#include <memory_resource>
 #include <optional>
 #include <vector>
 
@@ -33,9 +32,9 @@ RE_Split* innerSplit(RE_Node* node) {
 
 /// The splits that no other split leads to alone, the last ones first, so that a choice within a branch is
 /// rewritten before the choice of the branch.
-std::pmr::vector<RE_Split*> firstSplits(RE_ParserContext& context, const RE_Collection::Nodes& nodes) {
+RE_Scratch_List<RE_Split*> firstSplits(RE_ParserContext& context, const RE_Collection::Nodes& nodes) {
     const std::uint32_t walk = context.nextWalk();
-    std::pmr::vector<RE_Split*> first(&context.scratch);
+    RE_Scratch_List<RE_Split*> first(&context.scratch);
     for (RE_Node* node : nodes) {
         if (RE_Split* const split = plainSplit(node)) {
             for (RE_Node* way : {split->nextNode, split->alternative}) {
@@ -114,7 +113,7 @@ public:
     Alternation(RE_ParserContext& parserContext, RE_Split* first)
         : context(parserContext), splits(&parserContext.scratch), branches(&parserContext.scratch) {
         splits.push_back(first);
-        std::pmr::vector<RE_Node*> pending({first->alternative, first->nextNode}, &context.scratch);
+        RE_Scratch_List<RE_Node*> pending({first->alternative, first->nextNode}, &context.scratch);
         while (!pending.empty()) {
             RE_Node* const node = throughSkippable(pending.back());
             pending.pop_back();
@@ -140,7 +139,7 @@ public:
 
 private:
     void joinLiterals() {
-        std::pmr::vector<RE_Node*> joined(&context.scratch);
+        RE_Scratch_List<RE_Node*> joined(&context.scratch);
         RE_Branch_Literals literals(&context.scratch);
         const auto flush = [&] {
             if (literals.branches() > 0) {
@@ -164,7 +163,7 @@ private:
     }
 
     bool dispatch() {
-        std::pmr::vector<RE_Dispatch::Branch> starts(&context.scratch);
+        RE_Scratch_List<RE_Dispatch::Branch> starts(&context.scratch);
         starts.reserve(branches.size());
         for (RE_Node* branch : branches) {
             starts.push_back({branch, startOf(context, branch)});
@@ -198,8 +197,8 @@ private:
     }
 
     RE_ParserContext& context;
-    std::pmr::vector<RE_Split*> splits;
-    std::pmr::vector<RE_Node*> branches;
+    RE_Scratch_List<RE_Split*> splits;
+    RE_Scratch_List<RE_Node*> branches;
 };
 
 }  // namespace
@@ -209,7 +208,7 @@ RE_Node* joinAlternations(RE_ParserContext& context, RE_Node* root) {
         return root;
     }
     {
-        const std::pmr::vector<RE_Split*> splits = firstSplits(context, context.nodes(root));
+        const RE_Scratch_List<RE_Split*> splits = firstSplits(context, context.nodes(root));
         if (splits.empty()) {
             return root;
         }

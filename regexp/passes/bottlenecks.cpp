@@ -13,10 +13,15 @@ public:
     explicit Bottlenecks(RE_ParserContext& parserContext)
         : context(parserContext), reached(&parserContext.scratch), way(&parserContext.scratch) {}
 
-    void keep(std::pmr::vector<RE_Node*>& nodes, RE_Node* root) {
+    void keep(RE_Scratch_List<RE_Node*>& nodes, RE_Node* root) {
         if (!findWay(root)) {
             return;
         }
+        if (isOnlyWay()) {
+            std::erase_if(nodes, [this](const RE_Node* node) { return node->walk != number; });
+            return;
+        }
+        noteWay();
         const std::size_t count = narrow();
         const auto last = way.begin() + static_cast<std::ptrdiff_t>(count);
         std::erase_if(nodes, [&](RE_Node* node) { return std::find(way.begin(), last, node) == last; });
@@ -42,16 +47,25 @@ private:
         reach(root, 0);
         for (std::size_t i = 0; i < reached.size(); ++i) {
             if (!forEachStep(*reached[i].node, [&](RE_Node* target) { reach(target, i); })) {
-                noteWay(i);
+                wayEnd = i;
                 return true;
             }
         }
         return false;
     }
 
-    void noteWay(std::size_t at) {
+    /// Whether one node led to the next and none to any others.
+    bool isOnlyWay() const {
+        std::size_t node = 1;
+        while (node < reached.size() && reached[node].from + 1 == node) {
+            ++node;
+        }
+        return node == reached.size() && wayEnd + 1 == node;
+    }
+
+    void noteWay() {
         way.reserve(usualNodes);
-        for (; at != 0; at = reached[at].from) {
+        for (std::size_t at = wayEnd; at != 0; at = reached[at].from) {
             way.push_back(reached[at].node);
         }
         way.push_back(reached[0].node);
@@ -103,15 +117,16 @@ private:
     }
 
     RE_ParserContext& context;
-    std::pmr::vector<Reached> reached;
-    std::pmr::vector<RE_Node*> way;
+    RE_Scratch_List<Reached> reached;
+    RE_Scratch_List<RE_Node*> way;
     std::uint32_t number = 0;
+    std::size_t wayEnd = 0;  ///< where the way ends, in what was reached
     std::size_t furthest =
         0;  ///< on the way, that can be come to without what lies behind where the exploration is
 };
 
 }  // namespace
 
-void keepBottlenecks(RE_ParserContext& context, RE_Node* root, std::pmr::vector<RE_Node*>& nodes) {
+void keepBottlenecks(RE_ParserContext& context, RE_Node* root, RE_Scratch_List<RE_Node*>& nodes) {
     Bottlenecks(context).keep(nodes, root);
 }

@@ -10,7 +10,6 @@
 #include "regexp/nodes/trivial.h"
 #include "regexp/parser/parser_context.h"
 
-#include <memory_resource>
 #include <vector>
 
 /// Calls `visit` (RE_Node* target) with each node that matching may come to behind this one, outside of lookarounds. False
@@ -36,4 +35,4 @@ bool forEachStep(RE_Node& node, Visit visit) {
 
 /// Keeps those of the nodes that all ways lead through from the root to where `forEachStep` says false. Where no way leads
 /// that far all are kept.
-void keepBottlenecks(RE_ParserContext& context, RE_Node* root, std::pmr::vector<RE_Node*>& nodes);
+void keepBottlenecks(RE_ParserContext& context, RE_Node* root, RE_Scratch_List<RE_Node*>& nodes);

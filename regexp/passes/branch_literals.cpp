@@ -3,6 +3,7 @@
 #include "regexp/nodes/literal_set.h"
 #include "regexp/nodes/string.h"
 #include "regexp/nodes/units.h"
+#include "regexp/parser/unit_union.h"
 
 #include <algorithm>
 #include <bit>
@@ -21,7 +22,7 @@ bool foldsAlone(std::u16string_view text) {
 }  // namespace
 
 // A class of too many units adds none.
-void RE_Branch_Literals::addUnits(const RE_Unit_Set& set, std::pmr::vector<Text>& texts) {
+void RE_Branch_Literals::addUnits(const RE_Unit_Set& set, RE_Scratch_List<Text>& texts) {
     if (set.contains(0xFFFF) && set.variedBlocks() < RE_Unit_Set::unitCount / 64) {
         return;
     }
@@ -94,9 +95,9 @@ RE_Node* RE_Branch_Literals::join(RE_ParserContext& context) const {
         literals.push_back(text.view());
     }
     RE_Literal_Trie trie(literals, comparison == Case::ignored);
-    auto starts = context.sets.blank();
-    trie.addFirstUnits(*starts);
-    auto* const set = context.make<RE_Literal_Set>(std::move(trie), context.sets.share(std::move(starts)));
+    RE_Unit_Union starts(context.sets);
+    trie.forEachFirstUnit([&starts](char16_t unit) { starts.add(unit); });
+    auto* const set = context.make<RE_Literal_Set>(std::move(trie), context.sets.share(starts.take()));
     set->nextNode = first->nextNode;
     return set;
 }

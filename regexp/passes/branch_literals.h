@@ -4,7 +4,6 @@
 #include "regexp/parser/parser_context.h"
 
 #include <cstddef>
-#include <memory_resource>
 #include <string_view>
 #include <vector>
 
@@ -25,15 +24,15 @@ class RE_Branch_Literals {
 public:
     /// What one branch stands for. Without texts it is no literal.
     struct Literal {
-        explicit Literal(std::pmr::memory_resource* memory) : texts(memory) {}
+        explicit Literal(RE_Scratch_Memory* memory) : texts(memory) {}
 
-        std::pmr::vector<Text> texts;
+        RE_Scratch_List<Text> texts;
         Case comparison = Case::either;
 
         void read(const RE_Node* branch);
     };
 
-    explicit RE_Branch_Literals(std::pmr::memory_resource* memory) : texts(memory) {}
+    explicit RE_Branch_Literals(RE_Scratch_Memory* memory) : texts(memory) {}
 
     /// Adds the branch, unless it is no literal or none that can join those that were added.
     bool add(RE_Node* branch, const Literal& literal);
@@ -44,10 +43,10 @@ public:
     RE_Node* join(RE_ParserContext& context) const;
 
 private:
-    static void addUnits(const RE_Unit_Set& set, std::pmr::vector<Text>& texts);
+    static void addUnits(const RE_Unit_Set& set, RE_Scratch_List<Text>& texts);
     bool fits(const Literal& literal, const RE_Node* branch) const;
 
-    std::pmr::vector<Text> texts;
+    RE_Scratch_List<Text> texts;
     Case comparison = Case::either;
     RE_Node* first = nullptr;
     std::size_t count = 0;

@@ -7,7 +7,6 @@
 #include "regexp/nodes/trivial.h"
 #include "regexp/passes/null_nodes.h"
 
-#include <memory_resource>
 #include <optional>
 #include <vector>
 
@@ -65,8 +64,7 @@ public:
 private:
     /// Nodes that others take the place of, and what redirects links to these. A replaced node notes by which.
     struct Replacements {
-        Replacements(std::uint32_t walkNumber, std::pmr::memory_resource* memory)
-            : walk(walkNumber), all(memory) {}
+        Replacements(std::uint32_t walkNumber, RE_Scratch_Memory* memory) : walk(walkNumber), all(memory) {}
         void add(RE_Node* node, RE_Node* with) {
             node->walk = walk;
             node->walkNote = static_cast<std::uint32_t>(all.size());
@@ -82,7 +80,7 @@ private:
         }
 
         std::uint32_t walk;
-        std::pmr::vector<RE_Node*> all;
+        RE_Scratch_List<RE_Node*> all;
     };
 
     // S(X, T(X, Y)): once X has failed behind S it fails behind T, so S may as well be T.

@@ -13,6 +13,7 @@
 #include "regexp/nodes/units.h"
 
 #include <array>
+#include <optional>
 
 namespace {
 
@@ -173,6 +174,12 @@ void RE_First_Units::addConsumable(const RE_Consumable& unit) {
         gathered.addConsumable(unit);
     } else if (unit.kind == RE_Node_Kind::literal) {
         addUnit(static_cast<char16_t>(static_cast<const RE_Natural&>(unit).ch));
+    } else if (unit.kind == RE_Node_Kind::dotLine) {
+        addSet(RE_Unit_Classes::allOfLine());
+    } else if (unit.matchesAnyChar()) {
+        addSet(RE_Unit_Classes::allUnits());
+    } else if (const std::optional<RE_Low_Units> low = lowUnitsOf(unit)) {
+        low->forEach([this](char16_t member) { addUnit(member); });
     } else {
         RE_Unit_Set set;
         unit.addUnitsTo(set);

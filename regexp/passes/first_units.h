@@ -4,12 +4,11 @@
 #include "regexp/memory.h"
 #include "regexp/nodes/node.h"
 #include "regexp/parser/parser_context.h"
-#include "regexp/passes/unit_union.h"
+#include "regexp/parser/unit_union.h"
 #include "regexp/unit_set.h"
 
 #include <cstddef>
 #include <memory>
-#include <memory_resource>
 #include <vector>
 
 class RE_String;
@@ -52,7 +51,7 @@ private:
     void addConsumable(const RE_Consumable& unit);
     void addFirst(const RE_String& string);
 
-    std::pmr::vector<RE_Node*> pending;
+    RE_Scratch_List<RE_Node*> pending;
     RE_Unit_Union gathered;
     std::uint32_t walk;
     std::size_t seen = 0;

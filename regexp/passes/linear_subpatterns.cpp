@@ -2,6 +2,7 @@
 
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/units.h"
+#include "regexp/parser/unit_union.h"
 #include "regexp/passes/null_nodes.h"
 
 #include <memory>
@@ -38,18 +39,18 @@ std::string withoutVerb(const std::string& label) {
 
 // The chain from `head` on becomes one class node; its members are bypassed like empty nodes.
 void mergeChain(RE_ParserContext& context, RE_Consumable* head) {
-    auto units = context.sets.blank();
+    RE_Unit_Union units(context.sets);
     std::string text;
     RE_Consumable* last = head;
     for (RE_Consumable* unit = head; unit != nullptr; unit = mergeable(unit)) {
-        unit->addUnitsTo(*units);
+        units.addConsumable(*unit);
         if (text.size() < longestLabel) {
             text += (text.empty() ? "" : "|") + withoutVerb(unit->label());
         }
         last = unit;
         unit->skippable = true;
     }
-    auto* const whole = context.make<RE_Unit_Class>(context.sets.share(std::move(units)), text);
+    auto* const whole = context.make<RE_Unit_Class>(context.sets.share(units.take()), text);
     whole->nextNode = head->nextNode;
     whole->failTarget = last->failTarget;
     head->nextNode = whole;

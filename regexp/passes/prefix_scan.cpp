@@ -10,7 +10,6 @@
 #include <algorithm>
 #include <array>
 #include <bit>
-#include <memory_resource>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -37,9 +36,9 @@ struct Branch {
 /// Takes the alternatives from the root on apart.
 class Branches {
 public:
-    explicit Branches(std::pmr::memory_resource* memory) : pending(memory), found(memory) {}
+    explicit Branches(RE_Scratch_Memory* memory) : pending(memory), found(memory) {}
 
-    std::pmr::vector<Branch> from(RE_Node* root) {
+    RE_Scratch_List<Branch> from(RE_Node* root) {
         pending.push_back(root);
         while (!pending.empty()) {
             RE_Node* const node = leading(pending.back());
@@ -81,12 +80,12 @@ private:
         }
     }
 
-    std::pmr::vector<RE_Node*> pending;
-    std::pmr::vector<Branch> found;
+    RE_Scratch_List<RE_Node*> pending;
+    RE_Scratch_List<Branch> found;
 };
 
 /// The first branch that goes on at the same node behind as many units as this one.
-std::size_t firstAlike(const std::pmr::vector<Branch>& branches, std::size_t number) {
+std::size_t firstAlike(const RE_Scratch_List<Branch>& branches, std::size_t number) {
     const Branch& branch = branches[number];
     const auto isAlike = [&branch](const Branch& other) {
         return !branch.text.empty() && other.node == branch.node && other.text.size() == branch.text.size();
@@ -106,6 +105,21 @@ Bytes throughLens(const RE_Byte_Sets& sets, bool saturates) {
     return bytes;
 }
 
+/// Most often it is the one of a literal.
+void allow(RE_Prefix_Scan& scan, std::size_t prefix, std::size_t place, const Bytes& bytes) {
+    const auto first = static_cast<std::size_t>(
+        std::ranges::find_if(bytes, [](std::uint64_t word) { return word != 0; }) - bytes.begin());
+    const bool isOne = first < bytes.size() && std::has_single_bit(bytes[first]) &&
+                       std::all_of(bytes.begin() + static_cast<std::ptrdiff_t>(first) + 1, bytes.end(),
+                                   [](std::uint64_t word) { return word == 0; });
+    if (isOne) {
+        const std::size_t byte = 64 * first + static_cast<std::size_t>(std::countr_zero(bytes[first]));
+        scan.allow(prefix, place, static_cast<std::uint8_t>(byte));
+    } else {
+        scan.allowAll(prefix, place, bytes);
+    }
+}
+
 /// How likely the bytes of a place are: among units of ASCII, and among the others.
 struct Share {
     double ascii = 0;
@@ -123,19 +137,26 @@ public:
     };
 
     const Known& of(std::uint64_t low, std::uint64_t high) {
-        for (const Known& entry : known) {
-            if (entry.low == low && entry.high == high) {
-                return entry;
+        const auto isSame = [low, high](const Known& entry) {
+            return entry.low == low && entry.high == high;
+        };
+        if (!isSame(known[last])) {
+            const auto same = std::find_if(known.begin(), known.end(), isSame);
+            if (same != known.end()) {
+                last = static_cast<std::size_t>(same - known.begin());
+            } else {
+                last = next++ % known.size();
+                known[last] = {low, high, asciiLikelihood(low, high),
+                               std::popcount(low) + std::popcount(high)};
             }
         }
-        Known& entry = known[next++ % known.size()];
-        entry = {low, high, asciiLikelihood(low, high), std::popcount(low) + std::popcount(high)};
-        return entry;
+        return known[last];
     }
 
 private:
     std::array<Known, 8> known;
     std::size_t next = 0;
+    std::size_t last = 0;
 };
 
 Share shareOf(const RE_Byte_Sets& sets, bool saturates, Ascii_Shares& shares) {
@@ -156,25 +177,42 @@ Share shareOf(const RE_Byte_Sets& sets, bool saturates, Ascii_Shares& shares) {
     return share;
 }
 
-/// Prefixes seen through one lens, and the places at which they are to be looked at.
-class Lens {
-public:
-    Lens(const std::pmr::vector<RE_Prefix_Units>& units, std::size_t known, bool saturating,
-         Ascii_Shares& ascii)
-        : prefixes(units),
-          places(known),
-          saturates(saturating),
-          shares(units.get_allocator()),
-          soFar(units.size(), {1, beyondLatinLikelihood}, units.get_allocator()) {
-        shares.reserve(prefixes.size() * places);
-        for (std::size_t place = 0; place < places; ++place) {
+/// Those of all prefixes at the places that are known of all, through both lenses: by place, then by prefix.
+struct Shares {
+    Shares(const RE_Scratch_List<RE_Prefix_Units>& prefixes, std::size_t known)
+        : lowBytes(prefixes.get_allocator()), saturated(prefixes.get_allocator()) {
+        const std::size_t count = prefixes.size();
+        lowBytes.reserve(count * known);
+        saturated.reserve(count * known);
+        Ascii_Shares ascii;
+        for (std::size_t place = 0; place < known; ++place) {
             for (const RE_Prefix_Units& prefix : prefixes) {
-                const bool repeats = place != 0 && prefix.places[place] == prefix.places[place - 1];
-                shares.push_back(repeats ? shares[shares.size() - prefixes.size()]
-                                         : shareOf(prefix.places[place], saturates, ascii));
+                const RE_Byte_Sets& sets = prefix.places[place];
+                if (place != 0 && sets == prefix.places[place - 1]) {
+                    lowBytes.push_back(lowBytes[lowBytes.size() - count]);
+                    saturated.push_back(saturated[saturated.size() - count]);
+                } else {
+                    lowBytes.push_back(shareOf(sets, false, ascii));
+                    saturated.push_back(shareOf(sets, true, ascii));
+                }
             }
         }
     }
+
+    RE_Scratch_List<Share> lowBytes;
+    RE_Scratch_List<Share> saturated;
+};
+
+/// Prefixes seen through one lens, and the places at which they are to be looked at.
+class Lens {
+public:
+    Lens(const RE_Scratch_List<RE_Prefix_Units>& units, std::size_t known, bool saturating,
+         const RE_Scratch_List<Share>& sharesOfPlaces)
+        : prefixes(units),
+          places(known),
+          saturates(saturating),
+          shares(sharesOfPlaces),
+          soFar(units.size(), {1, beyondLatinLikelihood}, units.get_allocator()) {}
 
     // The places that rule out most, one after the other, as long as they pay for being looked at.
     double choose() {
@@ -200,7 +238,7 @@ public:
         for (std::size_t place = 0; place < chosen; ++place) {
             result.distance[place] = choice[place];
             for (std::size_t i = 0; i < prefixes.size(); ++i) {
-                result.allowAll(i, place, throughLens(prefixes[i].places[choice[place]], saturates));
+                allow(result, i, place, throughLens(prefixes[i].places[choice[place]], saturates));
             }
         }
         return result;
@@ -242,11 +280,11 @@ private:
     /// One for each prefix.
     const Share* sharesAt(std::size_t place) const { return shares.data() + place * prefixes.size(); }
 
-    const std::pmr::vector<RE_Prefix_Units>& prefixes;
+    const RE_Scratch_List<RE_Prefix_Units>& prefixes;
     std::size_t places;
     bool saturates;
-    std::pmr::vector<Share> shares;  ///< by place, then by prefix
-    std::pmr::vector<Share> soFar;   ///< of each prefix, at the chosen places together
+    const RE_Scratch_List<Share>& shares;
+    RE_Scratch_List<Share> soFar;  ///< of each prefix, at the chosen places together
     std::array<std::size_t, RE_Prefix_Scan::mostUnits> choice{};
     std::size_t chosen = 0;
     std::uint32_t taken = 0;  ///< those that were chosen, one bit each
@@ -255,9 +293,9 @@ private:
 }  // namespace
 
 std::optional<RE_Likely_Prefixes> prefixesFrom(RE_ParserContext& context, RE_Node* root, bool emptyCounts) {
-    const std::pmr::vector<Branch> branches = Branches(&context.scratch).from(root);
+    const RE_Scratch_List<Branch> branches = Branches(&context.scratch).from(root);
     const std::size_t count = std::min(branches.size(), RE_Prefix_Scan::mostPrefixes);
-    std::pmr::vector<RE_Prefix_Units> prefixes(&context.scratch);
+    RE_Scratch_List<RE_Prefix_Units> prefixes(&context.scratch);
     prefixes.reserve(count);
     RE_Byte_Looks looks(&context.scratch);
     std::size_t known = RE_Prefix_Units::mostPlaces;
@@ -277,9 +315,9 @@ std::optional<RE_Likely_Prefixes> prefixesFrom(RE_ParserContext& context, RE_Nod
             return std::nullopt;
         }
     }
-    Ascii_Shares ascii;
-    Lens byLowBytes(prefixes, known, false, ascii);
-    Lens saturating(prefixes, known, true, ascii);
+    const Shares shares(prefixes, known);
+    Lens byLowBytes(prefixes, known, false, shares.lowBytes);
+    Lens saturating(prefixes, known, true, shares.saturated);
     const double low = byLowBytes.choose();
     const double saturated = saturating.choose();
     return low <= saturated ? RE_Likely_Prefixes{byLowBytes.scan(), low}

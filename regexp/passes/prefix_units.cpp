@@ -164,6 +164,15 @@ void RE_Prefix_Units::visitUnit(const RE_Consumable& unit, std::size_t place) {
         places[place].add(static_cast<char16_t>(static_cast<const RE_Natural&>(unit).ch));
         return;
     }
+    if (unit.kind == RE_Node_Kind::dotLine || unit.matchesAnyChar()) {
+        places[place].addAll(looks->of(unit.kind == RE_Node_Kind::dotLine ? RE_Unit_Classes::allOfLine()
+                                                                          : RE_Unit_Classes::allUnits()));
+        return;
+    }
+    if (const std::optional<RE_Low_Units> low = lowUnitsOf(unit)) {
+        places[place].addAscii(low->words);
+        return;
+    }
     RE_Unit_Set units;
     unit.addUnitsTo(units);
     places[place].addAll(units);

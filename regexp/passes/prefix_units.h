@@ -9,7 +9,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <memory_resource>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -38,13 +37,13 @@ struct RE_Byte_Sets {
 /// What sets of units look like. The same ones come at place after place.
 class RE_Byte_Looks {
 public:
-    explicit RE_Byte_Looks(std::pmr::memory_resource* memory) : known(memory) {}
+    explicit RE_Byte_Looks(RE_Scratch_Memory* memory) : known(memory) {}
     const RE_Byte_Sets& of(const RE_Unit_Set& units);
 
 private:
     static const RE_Byte_Sets& ofClass(std::size_t number);
 
-    std::pmr::vector<std::pair<const RE_Unit_Set*, RE_Byte_Sets>> known;
+    RE_Scratch_List<std::pair<const RE_Unit_Set*, RE_Byte_Sets>> known;
 };
 
 /// Gathers, for what a way through the graph consumes first, the units that may stand at each of its first places. Every
@@ -86,7 +85,7 @@ private:
     void endAt(std::size_t place) { known = place < known ? place : known; }
     void addFolded(char16_t unit, std::size_t place);
 
-    std::pmr::vector<Reached> pending;
+    RE_Scratch_List<Reached> pending;
     std::uint32_t walk;
     std::size_t seen = 0;
     RE_Byte_Looks* looks;

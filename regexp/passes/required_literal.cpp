@@ -5,12 +5,11 @@
 #include "regexp/nodes/literal_set.h"
 #include "regexp/nodes/string.h"
 #include "regexp/nodes/units.h"
+#include "regexp/parser/unit_union.h"
 #include "regexp/passes/bottlenecks.h"
 #include "regexp/passes/prefix_scan.h"
-#include "regexp/passes/unit_union.h"
 
 #include <algorithm>
-#include <memory_resource>
 #include <utility>
 #include <vector>
 
@@ -99,14 +98,14 @@ private:
 
     const RE_Node* avoided;
     std::uint32_t number;
-    std::pmr::vector<RE_Node*> pending;
+    RE_Scratch_List<RE_Node*> pending;
 };
 
 /// The first literals on the ways from the root, outside of closed bodies.
-std::pmr::vector<RE_Node*> literalsFrom(RE_ParserContext& context, RE_Node* root) {
+RE_Scratch_List<RE_Node*> literalsFrom(RE_ParserContext& context, RE_Node* root) {
     const std::uint32_t walk = context.nextWalk();
-    std::pmr::vector<RE_Node*> nodes(&context.scratch);
-    std::pmr::vector<RE_Node*> found(&context.scratch);
+    RE_Scratch_List<RE_Node*> nodes(&context.scratch);
+    RE_Scratch_List<RE_Node*> found(&context.scratch);
     nodes.reserve(usualNodes);
     found.reserve(mostLiterals);
     const auto follow = [&](RE_Node* target, RE_Link kind) {
@@ -156,7 +155,7 @@ std::optional<RE_Text_Finder> literalOf(const RE_Node* node) {
 
 std::vector<RE_Found_Literal> requiredLiterals(RE_ParserContext& context, RE_Node* root) {
     std::vector<RE_Found_Literal> required;
-    std::pmr::vector<RE_Node*> literals = literalsFrom(context, root);
+    RE_Scratch_List<RE_Node*> literals = literalsFrom(context, root);
     if (!literals.empty()) {
         keepBottlenecks(context, root, literals);
     }

@@ -11,7 +11,6 @@
 #include "regexp/parser/parser_context.h"
 
 #include <algorithm>
-#include <memory_resource>
 #include <span>
 #include <vector>
 
@@ -95,7 +94,7 @@ private:
 
     RE_Program& program;
     std::uint32_t walk;
-    std::pmr::vector<Found> found;
+    RE_Scratch_List<Found> found;
     std::size_t wayCount = 0;
 };
 

@@ -60,6 +60,12 @@ RE_Literal_Trie::Order RE_Literal_Trie::copy(const Literals& literals) {
     }
     std::erase_if(sorted, [&](std::uint32_t literal) { return repeated[literal]; });
     Order numbers(literals.size());
+    std::size_t length = 0;
+    for (const std::u16string_view literal : literals) {
+        length += literal.size();
+    }
+    units.reserve(length);
+    starts.reserve(literals.size() + 1);
     starts.push_back(0);
     least = literals.front().size();
     for (std::size_t i = 0; i < literals.size(); ++i) {
@@ -78,9 +84,14 @@ RE_Literal_Trie::Order RE_Literal_Trie::copy(const Literals& literals) {
 
 // Breadth first, so that the children of a node are neighbours.
 void RE_Literal_Trie::grow(const Order& sorted) {
+    const std::size_t mostNodes = 2 * sorted.size() + 1;
+    std::vector<Branch> pending;
+    pending.reserve(mostNodes);
+    nodes.reserve(mostNodes);
+    leads.reserve(mostNodes);
     nodes.push_back({0, 0, none, 0, 0});
     leads.push_back(0);
-    std::vector<Branch> pending{{0, 0, sorted.size(), 0}};
+    pending.push_back({0, 0, sorted.size(), 0});
     for (std::size_t next = 0; next < pending.size(); ++next) {
         Branch rest = growNode(pending[next], sorted);
         while (rest.first < rest.last) {
@@ -97,6 +108,8 @@ void RE_Literal_Trie::grow(const Order& sorted) {
             rest.first = last;
         }
     }
+    nodes.shrink_to_fit();
+    leads.shrink_to_fit();
 }
 
 // All literals of the branch go through the node, which takes what they have in common. Returns the rest of
@@ -122,9 +135,19 @@ RE_Literal_Trie::Branch RE_Literal_Trie::growNode(Branch branch, const Order& so
 }
 
 void RE_Literal_Trie::fillTable() {
-    for (std::size_t unit = 0; unit < tableUnits; ++unit) {
-        const auto raw = static_cast<char16_t>(unit);
-        roots[unit] = child(nodes[0], cases != nullptr ? cases->lower(raw) : raw);
+    roots.fill(none);
+    const Node& root = nodes[0];
+    for (std::uint32_t i = root.firstChild; i < root.firstChild + root.children; ++i) {
+        const auto put = [this, i](char16_t unit) {
+            if (unit < tableUnits) {
+                roots[unit] = i;
+            }
+        };
+        if (cases != nullptr) {
+            cases->forEachForm(leads[i], put);
+        } else {
+            put(leads[i]);
+        }
     }
 }
 
@@ -189,15 +212,4 @@ bool RE_Literal_Trie::areFew() const {
     const auto beginsOthers = [](const Node& node) { return node.literal != none && node.children != 0; };
     return count() <= few && longest() <= shortText && !ignoresCase() &&
            std::ranges::none_of(nodes, beginsOthers);
-}
-
-void RE_Literal_Trie::addFirstUnits(RE_Unit_Set& set) const {
-    const Node& root = nodes[0];
-    for (std::uint32_t i = root.firstChild; i < root.firstChild + root.children; ++i) {
-        if (cases != nullptr) {
-            cases->addFolding(set, leads[i], leads[i], false);
-        } else {
-            set.add(leads[i]);
-        }
-    }
 }

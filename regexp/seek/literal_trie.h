@@ -41,8 +41,18 @@ public:
     std::size_t shortest() const { return least; }
     std::size_t longest() const { return greatest; }
     bool ignoresCase() const { return cases != nullptr; }
-    /// Adds the units with which a literal can begin.
-    void addFirstUnits(RE_Unit_Set& set) const;
+    /// Calls `visit` with each unit with which a literal can begin.
+    template <class Visit>
+    void forEachFirstUnit(Visit visit) const {
+        const Node& root = nodes[0];
+        for (std::uint32_t i = root.firstChild; i < root.firstChild + root.children; ++i) {
+            if (cases != nullptr) {
+                cases->forEachForm(leads[i], visit);
+            } else {
+                visit(leads[i]);
+            }
+        }
+    }
 
 private:
     static constexpr std::uint32_t none = static_cast<std::uint32_t>(-1);

@@ -17,24 +17,34 @@ public:
     explicit RE_Unit_Union(RE_Set_Pool& setPool) : pool(setPool) {}
 
     void add(char16_t unit) {
-        if (unit < lowUnits) {
-            low[unit / 64] |= std::uint64_t{1} << (unit % 64);
+        if (unit < RE_Low_Units::unitCount) {
+            low.add(unit);
         } else {
             table().add(unit);
         }
     }
+    void addRange(char16_t first, char16_t last) {
+        if (last < RE_Low_Units::unitCount) {
+            low.addRange(first, last);
+        } else {
+            table().addRange(first, last);
+        }
+    }
+    /// A set that is being gathered, to add others to.
+    RE_Unit_Set& table();
     /// The set outlives what is made of it here: it belongs to a node, or to the process.
     void addAll(const RE_Unit_Set& set);
     void addConsumable(const RE_Consumable& unit);
     void addText(std::u16string_view text, bool ignoreCase);
     /// All of them: a set of their own, or one that was added. Called once.
     std::shared_ptr<const RE_Unit_Set> take();
+    /// All others, in the same way.
+    std::shared_ptr<const RE_Unit_Set> takeOthers();
 
 private:
-    static constexpr std::size_t lowUnits = 128;
     static constexpr std::size_t mostParts = 8;
 
-    RE_Unit_Set& table();
+    void takeClasses();
     bool holdsLow(const RE_Unit_Set& set) const;
     void addParts();
 
@@ -43,5 +53,5 @@ private:
     std::array<const RE_Unit_Set*, mostParts + 1> parts{};
     std::size_t partCount = 0;
     std::size_t classes = 0;  ///< digits, spaces and words, one bit each
-    std::array<std::uint64_t, lowUnits / 64> low{};
+    RE_Low_Units low;
 };

@@ -1,4 +1,4 @@
-#include "regexp/passes/unit_union.h"
+#include "regexp/parser/unit_union.h"
 
 #include "regexp/nodes/units.h"
 
@@ -56,10 +56,26 @@ void RE_Unit_Union::addAll(const RE_Unit_Set& set) {
 void RE_Unit_Union::addConsumable(const RE_Consumable& unit) {
     if (const RE_Unit_Set* const units = unit.table()) {
         addAll(*units);
-    } else if (unit.kind == RE_Node_Kind::literal) {
-        add(static_cast<char16_t>(static_cast<const RE_Natural&>(unit).ch));
-    } else {
-        unit.addUnitsTo(table());
+        return;
+    }
+    switch (unit.kind) {
+        case RE_Node_Kind::literal:
+            add(static_cast<char16_t>(static_cast<const RE_Natural&>(unit).ch));
+            break;
+        case RE_Node_Kind::range: {
+            const auto& range = static_cast<const RE_Range&>(unit);
+            addRange(static_cast<char16_t>(range.low), static_cast<char16_t>(range.high));
+            break;
+        }
+        case RE_Node_Kind::dotLine:
+            addAll(RE_Unit_Classes::allOfLine());
+            break;
+        default:
+            if (unit.matchesAnyChar()) {
+                addAll(RE_Unit_Classes::allUnits());
+            } else {
+                unit.addUnitsTo(table());
+            }
     }
 }
 
@@ -73,23 +89,38 @@ void RE_Unit_Union::addText(std::u16string_view text, bool ignoreCase) {
     }
 }
 
-std::shared_ptr<const RE_Unit_Set> RE_Unit_Union::take() {
+void RE_Unit_Union::takeClasses() {
     if (classes != 0) {
         parts[partCount++] = &unionOfClasses(classes);
     }
+}
+
+std::shared_ptr<const RE_Unit_Set> RE_Unit_Union::take() {
+    takeClasses();
     if (gathered == nullptr && partCount == 1 && holdsLow(*parts[0])) {
         return {std::shared_ptr<const void>(), parts[0]};
     }
     addParts();
-    for (std::size_t block = 0; block < low.size(); ++block) {
-        for (std::uint64_t left = low[block]; left != 0; left &= left - 1) {
-            const std::size_t unit = 64 * block + static_cast<std::size_t>(std::countr_zero(left));
-            gathered->add(static_cast<char16_t>(unit));
-        }
-    }
+    gathered->add(low);
     return std::move(gathered);
 }
 
+std::shared_ptr<const RE_Unit_Set> RE_Unit_Union::takeOthers() {
+    takeClasses();
+    if (gathered == nullptr && partCount == 0) {
+        return pool.copyOf(low, true);
+    }
+    if (gathered == nullptr && partCount == 1) {
+        gathered = pool.copyOf(*parts[0], true);
+    } else {
+        addParts();
+        gathered->negate();
+    }
+    gathered->remove(low);
+    return std::move(gathered);
+}
+
+// Those of one set with more units are copied, the others added.
 void RE_Unit_Union::addParts() {
     const auto last = parts.begin() + static_cast<std::ptrdiff_t>(partCount);
     std::sort(parts.begin(), last, holdsMore);
@@ -102,7 +133,7 @@ void RE_Unit_Union::addParts() {
 }
 
 bool RE_Unit_Union::holdsLow(const RE_Unit_Set& set) const {
-    return (low[0] & ~set.bits(0)) == 0 && (low[1] & ~set.bits(1)) == 0;
+    return (low.words[0] & ~set.bits(0)) == 0 && (low.words[1] & ~set.bits(1)) == 0;
 }
 
 RE_Unit_Set& RE_Unit_Union::table() {
