@@ -22,23 +22,26 @@ constexpr std::size_t unitsAChoice = 8;  // read in the time that a choice takes
 }  // namespace
 
 void RE_Inquiry::begin(const RE_Graph_Facts& pattern) {
+    *this = {};
     dfa = pattern.dfa.get();
     wantsTokens = pattern.tokenCount > 0;
     hasManyStarts = pattern.start.entry == nullptr || pattern.start.entry->kind != RE_Node_Kind::textStart;
     delay = dfa != nullptr && dfa->isAmbiguous() ? RE_Inquiry_Delay::ambiguous : RE_Inquiry_Delay::choices;
     left = dfa != nullptr ? delay : never;
-    forgetSubject();
 }
 
-void RE_Inquiry::forgetSubject() {
-    if (dfa != nullptr) {
-        left = delay;
-        unitsRead = cost = costAtLast = 0;
-    }
-    found = hopeless = knownFrom = knownEnd = nullptr;
+RE_Inquiry RE_Inquiry::forOtherSubject() const {
+    RE_Inquiry other;
+    other.dfa = dfa;
+    other.wantsTokens = wantsTokens;
+    other.hasManyStarts = hasManyStarts;
+    other.delay = delay;
+    other.left = dfa != nullptr ? delay : never;
+    return other;
 }
 
 bool RE_Inquiry::goesOn(RE_Search_Info& info) {
+    knowsSubject = true;
     if (info.refusesStates() || unitsRead > mostReadings * info.subjectLength() + readingsOfShort) {
         left = never;
         return true;
