@@ -9,67 +9,27 @@ namespace corvane_machine {
 namespace {
 
 constexpr std::size_t unitBytes = sizeof(char16_t);
-constexpr int wideUnits = 32;
+constexpr std::uint32_t wideUnits = 32;
 
 }  // namespace
 
-/// Goes to `nowhere` unless a position behind which `reach` units can be read is left from `runBegin` on, and masks
+/// Goes to `nowhere` unless there is a position from `runBegin` on behind which `reach` units can be read, and masks
 /// those that are in a vector.
-void Start_Code::emitMaskAhead(std::size_t reach, int most, Label& nowhere) {
+void Start_Code::emitMaskAhead(std::size_t reach, std::uint32_t most, Label& nowhere) {
     lea(rax, ptr[end - static_cast<int>(reach * unitBytes)]);
     sub(rax, runBegin);
     jbe(nowhere, T_NEAR);
-    emitMask(static_cast<std::uint32_t>(most));
-}
-
-/// Goes on to the first position for which `ask` puts a bit into eax.
-template <class Ask>
-void Start_Code::emitMaskedSeek(std::size_t reach, Label& nowhere, Ask ask) {
-    Label& again = fresh();
-    Label& hit = fresh();
-    lea(stop, ptr[p + farthest * 2]);
-    L(again);
-    emitMaskAhead(reach, vectorUnits, nowhere);
-    ask();
-    test(eax, eax);
-    jnz(hit);
-    emitNextVector(again);
-    L(hit);
-    tzcnt(eax, eax);
-    lea(runBegin, ptr[runBegin + rax * 2]);
-}
-
-void Start_Code::emitMaskedSeekUnits(const RE_Unit_Set& units, Label& nowhere) {
-    const bool isMixed = kindOf(units) == Kind::mixed;
-    emitMaskedSeek(0, nowhere, [&] {
-        emitMaskedMembers(runBegin, units);
-        if (isMixed) {
-            or_(eax, ecx);
-        }
-    });
-    if (isMixed) {
-        movzx(eax, word[runBegin]);
-        unlessIn(units, exitFor(RE_Machine_Exit::seek));
-    }
-}
-
-void Start_Code::emitMaskedSeekLineStart(Label& nowhere) {
-    RE_Unit_Ranges::Range lineFeed{u'\n', u'\n'};
-    emitMaskedSeek(0, nowhere, [&] { emitMaskedRange(runBegin, lineFeed); });
-    add(runBegin, 2);
-}
-
-void Start_Code::emitMaskedSeekPrefixes(const RE_Prefix_Scan& scan, Label& nowhere) {
-    emitMaskedSeek(scan.reach(), nowhere, [&] { emitMaskedPrefixes(runBegin, scan); });
+    emitMask(most);
 }
 
 // The first vector is masked, and so is the last. Those between them are looked at two by two, and lie as memory is
 // divided.
 void Start_Code::emitMaskedLiteral(const RE_Literal& literal, const RE_Literal_Probe& probe, Label& found,
                                    Label& nowhere) {
-    constexpr int step = wideUnits * static_cast<int>(unitBytes);
+    constexpr int step = static_cast<int>(wideUnits * unitBytes);
     const int ahead = static_cast<int>(literal.length * unitBytes) + 2 * step;
     Label& masked = fresh();
+    Label& first = fresh();
     Label& again = fresh();
     Label& more = fresh();
     Label& hit = fresh();
@@ -78,8 +38,13 @@ void Start_Code::emitMaskedLiteral(const RE_Literal& literal, const RE_Literal_P
     emitSought(sought);
     mov(runBegin, p);
     lea(stop, ptr[p + farthestLiteral * 2]);
+    lea(rax, ptr[p + ahead - step]);
+    kxnord(k1, k1, k1);
+    cmp(rax, end);
+    jbe(first);
     L(masked);
     emitMaskAhead(literal.length - 1, wideUnits, nowhere);
+    L(first);
     emitApart(runBegin, sought, true, zmm24);
     vptestnmw(k2 | k1, zmm24, zmm24);
     kmovd(eax, k2);

@@ -12,7 +12,7 @@ namespace corvane_machine {
 namespace {
 
 constexpr int tried = 4;  // one by one before vectors are
-constexpr int triedBeforeMasks = 1;
+constexpr int triedBeforeMasks = 2;
 
 }  // namespace
 
@@ -48,16 +48,7 @@ void Start_Code::emitSeekUnits(const RE_Unit_Set& units) {
     Label& found = fresh();
     Label& nowhere = fresh();
     mov(runBegin, p);
-    if (masksVectors) {
-        emitOneByOne(units, triedBeforeMasks, found, nowhere);
-        emitMaskedSeekUnits(units, nowhere);
-        jmp(found, T_NEAR);
-        emitNowhere(nowhere);
-        L(found);
-        emitFound();
-        return;
-    }
-    emitOneByOne(units, tried, found, nowhere);
+    emitOneByOne(units, masksVectors ? triedBeforeMasks : tried, found, nowhere);
     if (scansVectors) {
         Label& again = fresh();
         Label& tail = fresh();
@@ -80,6 +71,14 @@ void Start_Code::emitSeekUnits(const RE_Unit_Set& units) {
         }
         jmp(found, T_NEAR);
         L(tail);
+        if (masksVectors) {
+            emitMaskedTail(0, nowhere, [&] {
+                emitMaskedMembers(runBegin, units);
+                if (kindOf(units) == Kind::mixed) {
+                    or_(eax, ecx);
+                }
+            });
+        }
         emitOneByOne(units, 0, found, nowhere);
     } else {
         jmp(exitFor(RE_Machine_Exit::seek), T_NEAR);
@@ -100,14 +99,6 @@ void Start_Code::emitSeekLineStart() {
     jbe(found, T_NEAR);
     cmp(word[p - 2], std::uint32_t{u'\n'});
     je(found, T_NEAR);
-    if (masksVectors) {
-        emitMaskedSeekLineStart(nowhere);
-        jmp(found, T_NEAR);
-        emitNowhere(nowhere);
-        L(found);
-        emitFound();
-        return;
-    }
     lea(stop, ptr[p + farthest * 2]);
     L(again);
     lea(rax, ptr[runBegin + static_cast<int>(vectorUnits * 2)]);
@@ -123,11 +114,16 @@ void Start_Code::emitSeekLineStart() {
     lea(runBegin, ptr[runBegin + rax * 2 + 2]);
     jmp(found, T_NEAR);
     L(tail);
+    if (masksVectors) {
+        emitMaskedTail(0, nowhere, [&] { emitMaskedRange(runBegin, {u'\n', u'\n'}); });
+    }
+    Label& each = fresh();
+    L(each);
     cmp(runBegin, end);
     jae(nowhere, T_NEAR);
     add(runBegin, 2);
     cmp(word[runBegin - 2], std::uint32_t{u'\n'});
-    jne(tail, T_NEAR);
+    jne(each, T_NEAR);
     emitNowhere(nowhere);
     L(found);
     emitFound();
@@ -143,14 +139,6 @@ void Start_Code::emitSeekPrefixes(const RE_Prefix_Scan& scan) {
     Label& nowhere = fresh();
     const int reach = static_cast<int>(scan.reach() * sizeof(char16_t));
     mov(runBegin, p);
-    if (masksVectors) {
-        emitMaskedSeekPrefixes(scan, nowhere);
-        jmp(found, T_NEAR);
-        emitNowhere(nowhere);
-        L(found);
-        emitFound();
-        return;
-    }
     lea(stop, ptr[p + farthest * 2]);
     L(again);
     lea(rax, ptr[runBegin + static_cast<int>(vectorUnits * 2) + reach]);
@@ -167,10 +155,14 @@ void Start_Code::emitSeekPrefixes(const RE_Prefix_Scan& scan) {
     L(miss);
     add(runBegin, 2);
     L(tail);
-    lea(rax, ptr[runBegin + reach]);
-    cmp(rax, end);
-    jae(nowhere, T_NEAR);
-    emitPrefixTest(scan, miss);
+    if (masksVectors) {
+        emitMaskedTail(scan.reach(), nowhere, [&] { emitMaskedPrefixes(runBegin, scan); });
+    } else {
+        lea(rax, ptr[runBegin + reach]);
+        cmp(rax, end);
+        jae(nowhere, T_NEAR);
+        emitPrefixTest(scan, miss);
+    }
     jmp(found, T_NEAR);
     emitNowhere(nowhere);
     L(found);

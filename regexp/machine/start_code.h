@@ -55,12 +55,17 @@ private:
     void emitPair(RE_Unit_Pair pair, const Xbyak::Ymm& one, const Xbyak::Ymm& second);
     void emitEqualPair(const Xbyak::RegExp& units, RE_Unit_Pair pair, const Xbyak::Ymm& one,
                        const Xbyak::Ymm& second, const Xbyak::Ymm& result);
-    void emitMaskAhead(std::size_t reach, int most, Label& nowhere);
+    void emitMaskAhead(std::size_t reach, std::uint32_t most, Label& nowhere);
+    /// Goes on to the first position for which `ask` puts a bit into eax, where less than a vector is left.
     template <class Ask>
-    void emitMaskedSeek(std::size_t reach, Label& nowhere, Ask ask);
-    void emitMaskedSeekUnits(const RE_Unit_Set& units, Label& nowhere);
-    void emitMaskedSeekLineStart(Label& nowhere);
-    void emitMaskedSeekPrefixes(const RE_Prefix_Scan& scan, Label& nowhere);
+    void emitMaskedTail(std::size_t reach, Label& nowhere, Ask ask) {
+        emitMaskAhead(reach, vectorUnits, nowhere);
+        ask();
+        test(eax, eax);
+        jz(nowhere, T_NEAR);
+        tzcnt(eax, eax);
+        lea(runBegin, ptr[runBegin + rax * 2]);
+    }
     void emitMaskedLiteral(const RE_Literal& literal, const RE_Literal_Probe& probe, Label& found,
                            Label& nowhere);
     void emitCandidates(const RE_Literal& literal, Label& found);

@@ -1,5 +1,3 @@
-#include "regexp/machine/machine_code.h"
-
 #ifdef CORVANE_MACHINE_CODE
 
 #include "regexp/machine/unit_code.h"
@@ -8,40 +6,11 @@
 #include "regexp/seek/kernels.h"
 #include "regexp/unit_set.h"
 
-#include <xbyak/xbyak_util.h>
-
 #include <algorithm>
-#include <atomic>
 #include <bit>
 #include <iterator>
 
 namespace corvane_machine {
-
-namespace {
-
-std::atomic<RE_Machine_Vectors> widestWanted = RE_Machine_Vectors::masked;
-
-RE_Machine_Vectors vectorsOfProcessor() {
-    using Xbyak::util::Cpu;
-    const Cpu processor;
-    if (!processor.has(Cpu::tSSE41) || !processor.has(Cpu::tSSSE3)) {
-        return RE_Machine_Vectors::none;
-    }
-    if (!processor.has(Cpu::tAVX2)) {
-        return RE_Machine_Vectors::narrow;
-    }
-    const bool masks = processor.has(Cpu::tAVX512BW) && processor.has(Cpu::tAVX512VL) &&
-                       processor.has(Cpu::tBMI1) && processor.has(Cpu::tBMI2);
-    return masks ? RE_Machine_Vectors::masked : RE_Machine_Vectors::wide;
-}
-
-}  // namespace
-
-// Asking the processor takes longer than all else, most of all under a hypervisor.
-RE_Machine_Vectors Unit_Code::widestVectors() {
-    static const RE_Machine_Vectors widest = vectorsOfProcessor();
-    return std::min(widest, widestWanted.load(std::memory_order_relaxed));
-}
 
 Unit_Code::Kind Unit_Code::kindOf(const RE_Unit_Set& units) {
     if (RE_Unit_Ranges(units).count == 1) {
@@ -401,13 +370,5 @@ Label& Unit_Code::rowBits() {
 }
 
 }  // namespace corvane_machine
-
-void RE_Machine_Code::limitVectors(RE_Machine_Vectors widest) {
-    corvane_machine::widestWanted.store(widest, std::memory_order_relaxed);
-}
-
-#else
-
-void RE_Machine_Code::limitVectors(RE_Machine_Vectors) {}
 
 #endif
