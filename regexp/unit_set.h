@@ -20,8 +20,10 @@ struct RE_Low_Units {
     void add(char16_t unit) { words[unit / 64] |= std::uint64_t{1} << (unit % 64); }
     void addRange(char16_t low, char16_t high) {
         for (std::size_t block = low / 64; block <= high / 64; ++block) {
-            const std::uint64_t from = block == low / 64 ? ~std::uint64_t{0} << (low % 64) : ~std::uint64_t{0};
-            const std::uint64_t to = block == high / 64 ? ~std::uint64_t{0} >> (63 - high % 64) : ~std::uint64_t{0};
+            const std::uint64_t from =
+                block == low / 64 ? ~std::uint64_t{0} << (low % 64) : ~std::uint64_t{0};
+            const std::uint64_t to =
+                block == high / 64 ? ~std::uint64_t{0} >> (63 - high % 64) : ~std::uint64_t{0};
             words[block] |= from & to;
         }
     }

@@ -153,8 +153,8 @@ TEST(Nodes, MeasureWhatLiesBehindThem) {
         {u"(?:ab|c)*d", 1, kUnbounded}, {u"(?:abc|de|fghi)[xy]", 3, 5},
     };
     for (const auto& c : cases) {
-        const Engine engine(c.pattern, 0x12, kLinear);
-        RE_Node* const root = nodesOf(engine.tree()).front();
+        const RE_Tree tree(c.pattern, false);
+        RE_Node* const root = nodesOf(tree).front();
         root->computeLengths();
         EXPECT_EQ(c.least, root->minLength) << printable(c.pattern);
         EXPECT_EQ(c.greatest, root->maxLength) << printable(c.pattern);

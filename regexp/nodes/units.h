@@ -99,7 +99,8 @@ template <>
 inline constexpr RE_Node_Kind kindOfNode<RE_Range> = RE_Node_Kind::range;
 /// The units of a range where case counts, when all of them are low ones.
 inline std::optional<RE_Low_Units> lowUnitsOf(const RE_Consumable& unit) {
-    const auto* const range = unit.kind == RE_Node_Kind::range ? static_cast<const RE_Range*>(&unit) : nullptr;
+    const auto* const range =
+        unit.kind == RE_Node_Kind::range ? static_cast<const RE_Range*>(&unit) : nullptr;
     if (range == nullptr || range->high >= RE_Low_Units::unitCount) {
         return std::nullopt;
     }

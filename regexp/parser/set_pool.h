@@ -37,7 +37,7 @@ private:
     static constexpr std::size_t mostScans = 8;
 
     RE_Scratch_List<std::pair<const RE_Unit_Set*, RE_Class_Scan>> scans;  ///< the last ones
-    RE_Scratch_List<Shared> few;                             ///< the first ones, compared one by one
+    RE_Scratch_List<Shared> few;                     ///< the first ones, compared one by one
     RE_Scratch_Multimap<std::size_t, Shared> known;  ///< all, once these are many
     std::shared_ptr<RE_Unit_Set> spare;
 };

@@ -111,7 +111,8 @@ public:
     void detachLastUnit(std::uint32_t parent);
     /// Notes that all items within the item are read.
     void close(std::uint32_t index) { complete.push_back(index); }
-    /// Puts a new item, which is complete, around `index`: the item moves to a place of its own and `index` becomes its parent.
+    /// Puts a new item, which is complete, around `index`: the item moves to a place of its own and `index` becomes its
+    /// parent.
     void wrap(std::uint32_t index, RE_Syntax_Kind kind, std::uint32_t position);
 
     RE_Syntax& operator[](std::uint32_t index) { return items[index]; }
