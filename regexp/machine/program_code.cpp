@@ -244,56 +244,6 @@ void Program_Code::emitMatched(const RE_Instruction& in) {
     jmp(failedTo(), T_NEAR);
 }
 
-void Program_Code::emitChoice(const RE_Instruction& in) {
-    const auto& choice = static_cast<const RE_Dispatch&>(*in.node);
-    Label& table = fresh();
-    Label& many = fresh();
-    Label& none = labelOf(in.otherwise);
-    Label& chosen = fresh();
-    pending.push_back(in.otherwise);
-    mov(eax, static_cast<std::uint32_t>(RE_Branch_Start::atEnd));
-    cmp(p, end);
-    jae(chosen, T_NEAR);
-    movzx(eax, word[p]);
-    cmp(eax, static_cast<std::uint32_t>(RE_Branch_Start::others));
-    jbe(chosen, T_NEAR);
-    mov(eax, static_cast<std::uint32_t>(RE_Branch_Start::others));
-    L(chosen);
-    lea(other, ptr[rip + table]);
-    jmp(qword[other + rax * 8]);
-    L(many);
-    inc(left);
-    jmp(leaveAt(in), T_NEAR);
-    std::vector<Label*> spared(choice.ways.size(), nullptr);
-    const auto sparedTo = [&](std::size_t way) -> Label& {
-        if (spared[way] == nullptr) {
-            spared[way] = &fresh();
-        }
-        return *spared[way];
-    };
-    align(8);
-    L(table);
-    for (std::size_t column = 0; column < RE_Branch_Start::columns; ++column) {
-        const std::size_t way = choice.onlyWayOf(column);
-        putL(way == RE_Dispatch::noWay ? none : way == RE_Dispatch::manyWays ? many : sparedTo(way));
-    }
-    emitSparedWays(in, spared, many);
-}
-
-// A choice that was spared counts towards the beginning of the memo. The one that begins it is not ours.
-void Program_Code::emitSparedWays(const RE_Instruction& in, std::vector<Label*>& spared, Label& many) {
-    for (std::size_t way = 0; way < spared.size(); ++way) {
-        if (spared[way] != nullptr) {
-            L(*spared[way]);
-            cmp(at(offsetof(RE_Search_Registers, memoCountdown)), 1);
-            jbe(many, T_NEAR);
-            dec(at(offsetof(RE_Search_Registers, memoCountdown)));
-            jmp(labelOf(in.ways[way]), T_NEAR);
-            pending.push_back(in.ways[way]);
-        }
-    }
-}
-
 void Program_Code::forgetPlaces() {
     std::vector<Label>().swap(places);
     std::vector<bool>().swap(emitted);

@@ -3,6 +3,7 @@
 
 #include "regexp/machine/unit_code.h"
 #include "regexp/program/instruction.h"
+#include "regexp/token_stack.h"
 
 #include <functional>
 #include <memory>
@@ -76,16 +77,26 @@ private:
 
     // row_code.cpp
     using Row = std::vector<const RE_Instruction*>;
+    static bool isUnitTest(const RE_Instruction& in);
+    void emitGlimpse(const RE_Instruction& next);
     Row rowFrom(const RE_Instruction* in) const;
     void emitRow(const Row& row);
 
-    // texts_code.cpp
+    // way_code.cpp
     using Texts = std::vector<std::u16string_view>;
     void emitTexts(const RE_Instruction& in);
     void emitTextsBehind(std::span<const std::u16string_view> texts, std::size_t known, std::size_t readable,
                          Label& none, Label& taken);
 
-    // choice_code.cpp
+    // choice_code.cpp, tried_run_code.cpp
+    /// Within so many units, and what a vector shows beyond them, scans take no steps of their own.
+    static constexpr std::uint32_t nearUnits = 48;
+    static RE_Literal literalOf(const RE_Instruction& text) {
+        return {text.text, text.least, text.operation == RE_Operation::foldedText};
+    }
+    static int startOfToken(const RE_Instruction& reference) {
+        return static_cast<int>(reference.least * sizeof(RE_TokenInfo));
+    }
     const RE_Instruction* emitChoiceRun(const RE_Instruction& in);
     void emitChoiceEntry(Choice& each);
     void emitLazyRun(Choice& each, Label& failed);

@@ -9,7 +9,9 @@ namespace {
 
 constexpr std::size_t longestRow = 16;
 
-bool isUnitTest(const RE_Instruction& in) {
+}  // namespace
+
+bool Program_Code::isUnitTest(const RE_Instruction& in) {
     switch (in.operation) {
         case RE_Operation::unit:
         case RE_Operation::eitherUnit:
@@ -21,8 +23,6 @@ bool isUnitTest(const RE_Instruction& in) {
             return false;
     }
 }
-
-}  // namespace
 
 /// The tests from `in` on that nothing else leads to.
 Program_Code::Row Program_Code::rowFrom(const RE_Instruction* in) const {

@@ -99,7 +99,7 @@ void Program_Code::emitRunEnd(const RE_Instruction& in) {
         jb(behind != nullptr ? behind->handOver : exitFor(RE_Machine_Exit::longRun, &in, &ended), T_NEAR);
     }
     L(ended);
-    if (in.flag) {
+    if (in.flag && (in.most == RE_Instruction::noMaximum || in.least > 1)) {
         emitLeadingRun(in);
     }
     if (in.least > 0) {
@@ -124,11 +124,28 @@ void Program_Code::emitLeadingRun(const RE_Instruction& in) {
     L(unsaid);
 }
 
+// An attempt that fails at the next unit needs no token.
+void Program_Code::emitGlimpse(const RE_Instruction& next) {
+    if (!isUnitTest(next) || next.otherwise->operation != RE_Operation::failed) {
+        return;
+    }
+    Label& failed = fresh();
+    loadUnit(failed);
+    unlessTaken(next, failed);
+    later.emplace_back([this, &failed, after = behind] {
+        behind = after;
+        L(failed);
+        dec(left);
+        jmp(failedTo(), T_NEAR);
+    });
+}
+
 void Program_Code::emitTokenRun(const RE_Instruction& in) {
     const auto& token = static_cast<const RE_Start_Token&>(*in.node);
     dec(left);
     emitRunEnd(in);
     dec(left);
+    emitGlimpse(*in.next);
     mov(stop, runBegin);
     sub(stop, begin);
     shr(stop, 1);

@@ -68,8 +68,9 @@ void Start_Code::emitHopeless(Label& more) {
         return;
     }
     const std::size_t run = offsetof(RE_Search_Registers, leadingRun);
+    Label& unmeasured = fresh();
     cmp(start, at(run + offsetof(RE_Measured_Run, begin)));
-    jne(more, T_NEAR);
+    jne(loop->isNotedUpTo() ? unmeasured : more, T_NEAR);
     if (loop->maximum == RE_Consume::noMaximum) {
         mov(p, at(run + offsetof(RE_Measured_Run, end)));
         return;
@@ -80,6 +81,7 @@ void Start_Code::emitHopeless(Label& more) {
     shr(rax, 1);
     cmp(rax, static_cast<std::uint32_t>(loop->minimum));
     cmovb(p, other);
+    L(unmeasured);
 }
 
 void Start_Code::emitNextStart() {

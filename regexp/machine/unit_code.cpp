@@ -12,12 +12,22 @@
 
 namespace corvane_machine {
 
+namespace {
+
+constexpr std::size_t fewOutside = 2;
+constexpr std::size_t fewInside = 2;
+
+}  // namespace
+
 Unit_Code::Kind Unit_Code::kindOf(const RE_Unit_Set& units) {
     if (RE_Unit_Ranges(units).count == 1) {
         return Kind::range;
     }
     if (RE_Units_Outside(units).count <= RE_Units_Outside::most) {
         return Kind::allBut;
+    }
+    if (RE_Units_Outside(units, false).count <= fewInside) {
+        return Kind::few;
     }
     if (units.holdsAllFrom(tableUnits)) {
         return Kind::allOthers;
@@ -58,6 +68,9 @@ struct Few_Units {
 }  // namespace
 
 void Unit_Code::loadTable(const RE_Unit_Set& units) {
+    if (RE_Unit_Ranges(units).count == 1 || RE_Units_Outside(units).count <= fewOutside) {
+        return;
+    }
     const Few_Units few(units);
     mov(other, few.fit ? few.bits : reinterpret_cast<std::uint64_t>(units.table()));
 }
@@ -79,7 +92,7 @@ void Unit_Code::unlessIn(const RE_Unit_Set& units, Label& target, bool wanted, b
     }
     Label& holds = fresh();
     Label& fails = fresh();
-    if (const RE_Units_Outside outside(units); outside.count <= 2) {
+    if (const RE_Units_Outside outside(units); outside.count <= fewOutside) {
         for (std::size_t i = 0; i < outside.count; ++i) {
             cmp(eax, static_cast<std::uint32_t>(outside.list[i]));
             je(wanted ? target : fails, T_NEAR);
@@ -166,7 +179,12 @@ void Unit_Code::emitMembers(const Reg64& from, const RE_Unit_Set& units) {
         return;
     }
     if (kindOf(units) == Kind::allBut) {
-        emitAllBut(RE_Units_Outside(units));
+        emitEqualToAny(RE_Units_Outside(units));
+        xor_(eax, 0xFFFF);
+        return;
+    }
+    if (kindOf(units) == Kind::few) {
+        emitEqualToAny(RE_Units_Outside(units, false));
         return;
     }
     // Units from 0x80 on become bytes from 0x80 on.
@@ -195,10 +213,10 @@ void Unit_Code::emitMembers(const Reg64& from, const RE_Unit_Set& units) {
     }
 }
 
-// The units left out are gathered in xmm2.
-void Unit_Code::emitAllBut(const RE_Units_Outside& outside) {
-    for (std::size_t i = 0; i < outside.count; ++i) {
-        movdqa(xmm3, ptr[rip + words(outside.list[i])]);
+// The units that are one of these are gathered in xmm2.
+void Unit_Code::emitEqualToAny(const RE_Units_Outside& sought) {
+    for (std::size_t i = 0; i < sought.count; ++i) {
+        movdqa(xmm3, ptr[rip + words(sought.list[i])]);
         movdqa(xmm4, xmm3);
         pcmpeqw(xmm3, xmm0);
         pcmpeqw(xmm4, xmm1);
@@ -206,49 +224,6 @@ void Unit_Code::emitAllBut(const RE_Units_Outside& outside) {
         por(xmm2, xmm3);
     }
     pmovmskb(eax, xmm2);
-    xor_(eax, 0xFFFF);
-}
-
-void Unit_Code::emitPrefixes(const Reg64& from, const RE_Prefix_Scan& scan) {
-    for (std::size_t place = 0; place < scan.depth; ++place) {
-        const int distance = static_cast<int>(scan.distance[place] * sizeof(char16_t));
-        movdqu(xmm0, ptr[from + distance]);
-        movdqu(xmm1, ptr[from + distance + 16]);
-        movdqa(xmm3, ptr[rip + words(0x00FF)]);
-        if (scan.saturates) {
-            pminuw(xmm0, xmm3);
-            pminuw(xmm1, xmm3);
-        } else {
-            pand(xmm0, xmm3);
-            pand(xmm1, xmm3);
-        }
-        packuswb(xmm0, xmm1);
-        movdqa(xmm3, ptr[rip + words(0x0F0F)]);
-        movdqa(xmm1, xmm0);
-        psrlw(xmm1, 4);
-        pand(xmm1, xmm3);
-        pand(xmm0, xmm3);
-        movdqa(xmm4, ptr[rip + prefixTable(scan.low[place])]);
-        movdqa(xmm5, ptr[rip + prefixTable(scan.high[place])]);
-        pshufb(xmm4, xmm0);
-        pshufb(xmm5, xmm1);
-        pand(xmm4, xmm5);
-        if (place == 0) {
-            movdqa(xmm2, xmm4);
-        } else {
-            pand(xmm2, xmm4);
-        }
-    }
-    pxor(xmm0, xmm0);
-    pcmpeqb(xmm2, xmm0);
-    pmovmskb(eax, xmm2);
-    xor_(eax, 0xFFFF);
-}
-
-Label& Unit_Code::prefixTable(const std::uint8_t (&table)[16]) {
-    Bytes bytes;
-    std::copy(std::begin(table), std::end(table), bytes.begin());
-    return constant(bytes);
 }
 
 void Unit_Code::emitRangeMembers(RE_Unit_Ranges::Range range) {
@@ -293,52 +268,6 @@ void Unit_Code::emitEqualTo(const Xbyak::RegExp& from, const Xbyak::Xmm& result)
     pcmpeqw(result, xmm4);
     pcmpeqw(xmm5, xmm4);
     packsswb(result, xmm5);
-}
-
-Unit_Code::Forms Unit_Code::formsOf(char16_t lower) {
-    Forms forms{};
-    RE_Case_Table::get().forEachForm(lower, [&](char16_t form) {
-        if (forms.count < std::size(forms.list)) {
-            forms.list[forms.count] = form;
-        }
-        ++forms.count;
-    });
-    return forms;
-}
-
-bool Unit_Code::hasFewForms(const RE_Literal& literal) {
-    return std::all_of(literal.text, literal.text + literal.length, [](char16_t unit) {
-        const std::size_t count = formsOf(unit).count;
-        return count > 0 && count <= std::size(Forms{}.list);
-    });
-}
-
-// An immediate operand of sixteen bits is extended as a signed one.
-void Unit_Code::unlessText(const Reg64& from, const RE_Literal& literal, Label& target, std::size_t offset) {
-    const auto immediate = [](char16_t unit) {
-        return static_cast<std::uint32_t>(static_cast<std::int16_t>(unit));
-    };
-    const auto place = [&](std::size_t i) {
-        return from + static_cast<int>((offset + i) * sizeof(char16_t));
-    };
-    for (std::size_t i = 0; i < literal.length; ++i) {
-        const Forms forms = literal.ignoreCase ? formsOf(literal.text[i]) : Forms{{literal.text[i]}, 1};
-        if (forms.count == 2) {
-            Label& holds = fresh();
-            cmp(word[place(i)], immediate(forms.list[0]));
-            je(holds, T_NEAR);
-            cmp(word[place(i)], immediate(forms.list[1]));
-            jne(target, T_NEAR);
-            L(holds);
-        } else if (!literal.ignoreCase && i + 1 < literal.length) {
-            cmp(dword[place(i)], literal.text[i] | static_cast<std::uint32_t>(literal.text[i + 1]) << 16);
-            jne(target, T_NEAR);
-            ++i;
-        } else {
-            cmp(word[place(i)], immediate(forms.list[0]));
-            jne(target, T_NEAR);
-        }
-    }
 }
 
 Label& Unit_Code::words(char16_t unit) {

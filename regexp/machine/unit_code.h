@@ -24,6 +24,7 @@ protected:
     enum class Kind {
         range,
         allBut,     ///< all but a few
+        few,        ///< a few
         noOthers,   ///< units of the table only
         allOthers,  ///< some of the table, and all behind it
         mixed       ///< of a vector only those of the table are told
@@ -55,6 +56,8 @@ protected:
     void emitMaskedPrefixes(const Reg64& from, const RE_Prefix_Scan& scan);
     /// Puts into eax one bit for each of the positions from `from` on at which a prefix may stand.
     void emitPrefixes(const Reg64& from, const RE_Prefix_Scan& scan);
+    void emitBytes(bool saturate);
+    void emitPrefixBytes(const RE_Prefix_Scan& scan, std::size_t place);
     Label& prefixTable(const std::uint8_t (&table)[16]);
     /// Goes to `target` unless the text stands at `from`, where as many units are readable.
     /// `offset` units behind `from` it is to stand.
@@ -81,7 +84,7 @@ private:
     static RE_Machine_Vectors widestVectors();
     void emitEqualTo(const Xbyak::RegExp& from, const Xbyak::Xmm& result);
     void emitRangeMembers(RE_Unit_Ranges::Range range);
-    void emitAllBut(const RE_Units_Outside& outside);
+    void emitEqualToAny(const RE_Units_Outside& sought);
     Label& rowsOf(const RE_Unit_Set& units);
     Label& rowBits();
 };

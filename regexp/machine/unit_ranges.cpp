@@ -32,12 +32,12 @@ RE_Unit_Ranges::RE_Unit_Ranges(const RE_Unit_Set& set, std::size_t end) {
     }
 }
 
-RE_Units_Outside::RE_Units_Outside(const RE_Unit_Set& set) {
-    for (std::size_t unit = nextUnit(set, 0, false); unit < RE_Unit_Set::unitCount && count <= most;
+RE_Units_Outside::RE_Units_Outside(const RE_Unit_Set& set, bool outside) {
+    for (std::size_t unit = nextUnit(set, 0, !outside); unit < RE_Unit_Set::unitCount && count <= most;
          ++count) {
         if (count < most) {
             list[count] = static_cast<char16_t>(unit);
         }
-        unit = nextUnit(set, unit + 1, false);
+        unit = nextUnit(set, unit + 1, !outside);
     }
 }

@@ -19,11 +19,11 @@ struct RE_Unit_Ranges {
     std::size_t count = 0;  ///< more than `most` when there are more
 };
 
-/// The units that a set leaves out, as far as they are few.
+/// The units that a set leaves out, as far as they are few; or, with `outside` false, those that it holds.
 struct RE_Units_Outside {
     static constexpr std::size_t most = 4;
 
-    explicit RE_Units_Outside(const RE_Unit_Set& set);
+    explicit RE_Units_Outside(const RE_Unit_Set& set, bool outside = true);
 
     char16_t list[most];
     std::size_t count = 0;  ///< more than `most` when there are more

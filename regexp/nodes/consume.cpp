@@ -94,6 +94,9 @@ const char16_t* RE_Consume::lastHopelessStart(const char16_t* p, RE_Search_Info&
         return p;
     }
     const RE_Measured_Run& measured = info.leadingRun;
+    if (isNotedUpTo() && measured.begin != p) {
+        return p;
+    }
     const char16_t* const end = measured.begin == p ? measured.end : wholeRunEnd(p, info);
     return maximum == noMaximum || static_cast<std::uint64_t>(end - p) < minimum ? end : p;
 }
@@ -108,6 +111,9 @@ bool RE_Consume::match(const char16_t* subject, std::size_t& pos, RE_Search_Info
         return false;
     }
     if (possessive) {
+        if (leads && static_cast<std::uint64_t>(end - p) < maximum) {
+            info.leadingRun = {p, end};
+        }
         pos = info.indexOf(end);
         return true;
     }

@@ -30,6 +30,8 @@ public:
     /// which attempts fail as well, as they were part of that one. Shorter runs from within an endless one
     /// were tried; a run that is too short has no longer ones in it.
     const char16_t* lastHopelessStart(const char16_t* p, RE_Search_Info& info) const;
+    /// Whether of the runs that lead an attempt all are noted but those that reached the limit.
+    bool isNotedUpTo() const { return possessive && !lazy && maximum != noMaximum; }
     /// The end of a run, if it ends within so few units that nothing but a plain loop pays; else null.
     const char16_t* shortRunEnd(const char16_t* p, const char16_t* limit) const {
         const RE_Unit_Set& members = *units;

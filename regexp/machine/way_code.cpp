@@ -1,12 +1,63 @@
-// Code of a choice between a few texts, of which one at most can stand at a position.
+// Code of choices of which one way at most is open: by the next unit, or by the text that stands at the position.
 #ifdef CORVANE_MACHINE_CODE
 
 #include "regexp/machine/program_code.h"
+#include "regexp/nodes/dispatch.h"
 #include "regexp/nodes/literal_set.h"
 
 #include <algorithm>
 
 namespace corvane_machine {
+
+void Program_Code::emitChoice(const RE_Instruction& in) {
+    const auto& choice = static_cast<const RE_Dispatch&>(*in.node);
+    Label& table = fresh();
+    Label& many = fresh();
+    Label& none = labelOf(in.otherwise);
+    Label& chosen = fresh();
+    pending.push_back(in.otherwise);
+    mov(eax, static_cast<std::uint32_t>(RE_Branch_Start::atEnd));
+    cmp(p, end);
+    jae(chosen, T_NEAR);
+    movzx(eax, word[p]);
+    cmp(eax, static_cast<std::uint32_t>(RE_Branch_Start::others));
+    jbe(chosen, T_NEAR);
+    mov(eax, static_cast<std::uint32_t>(RE_Branch_Start::others));
+    L(chosen);
+    lea(other, ptr[rip + table]);
+    jmp(qword[other + rax * 8]);
+    L(many);
+    inc(left);
+    jmp(leaveAt(in), T_NEAR);
+    std::vector<Label*> spared(choice.ways.size(), nullptr);
+    const auto sparedTo = [&](std::size_t way) -> Label& {
+        if (spared[way] == nullptr) {
+            spared[way] = &fresh();
+        }
+        return *spared[way];
+    };
+    align(8);
+    L(table);
+    for (std::size_t column = 0; column < RE_Branch_Start::columns; ++column) {
+        const std::size_t way = choice.onlyWayOf(column);
+        putL(way == RE_Dispatch::noWay ? none : way == RE_Dispatch::manyWays ? many : sparedTo(way));
+    }
+    emitSparedWays(in, spared, many);
+}
+
+// A choice that was spared counts towards the beginning of the memo. The one that begins it is not ours.
+void Program_Code::emitSparedWays(const RE_Instruction& in, std::vector<Label*>& spared, Label& many) {
+    for (std::size_t way = 0; way < spared.size(); ++way) {
+        if (spared[way] != nullptr) {
+            L(*spared[way]);
+            cmp(at(offsetof(RE_Search_Registers, memoCountdown)), 1);
+            jbe(many, T_NEAR);
+            dec(at(offsetof(RE_Search_Registers, memoCountdown)));
+            jmp(labelOf(in.ways[way]), T_NEAR);
+            pending.push_back(in.ways[way]);
+        }
+    }
+}
 
 // Like a choice of one way: it counts towards the beginning of the memo.
 void Program_Code::emitTexts(const RE_Instruction& in) {
