@@ -12,22 +12,12 @@
 
 namespace corvane_machine {
 
-namespace {
-
-constexpr std::size_t fewOutside = 2;
-constexpr std::size_t fewInside = 2;
-
-}  // namespace
-
 Unit_Code::Kind Unit_Code::kindOf(const RE_Unit_Set& units) {
     if (RE_Unit_Ranges(units).count == 1) {
         return Kind::range;
     }
     if (RE_Units_Outside(units).count <= RE_Units_Outside::most) {
         return Kind::allBut;
-    }
-    if (RE_Units_Outside(units, false).count <= fewInside) {
-        return Kind::few;
     }
     if (units.holdsAllFrom(tableUnits)) {
         return Kind::allOthers;
@@ -68,7 +58,7 @@ struct Few_Units {
 }  // namespace
 
 void Unit_Code::loadTable(const RE_Unit_Set& units) {
-    if (RE_Unit_Ranges(units).count == 1 || RE_Units_Outside(units).count <= fewOutside) {
+    if (RE_Unit_Ranges(units).count == 1 || RE_Units_Outside(units).count <= RE_Units_Outside::few) {
         return;
     }
     const Few_Units few(units);
@@ -92,7 +82,7 @@ void Unit_Code::unlessIn(const RE_Unit_Set& units, Label& target, bool wanted, b
     }
     Label& holds = fresh();
     Label& fails = fresh();
-    if (const RE_Units_Outside outside(units); outside.count <= fewOutside) {
+    if (const RE_Units_Outside outside(units); outside.count <= RE_Units_Outside::few) {
         for (std::size_t i = 0; i < outside.count; ++i) {
             cmp(eax, static_cast<std::uint32_t>(outside.list[i]));
             je(wanted ? target : fails, T_NEAR);
@@ -183,8 +173,9 @@ void Unit_Code::emitMembers(const Reg64& from, const RE_Unit_Set& units) {
         xor_(eax, 0xFFFF);
         return;
     }
-    if (kindOf(units) == Kind::few) {
-        emitEqualToAny(RE_Units_Outside(units, false));
+    if (const RE_Units_Outside members(units, false); members.count <= RE_Units_Outside::few) {
+        emitEqualToAny(members);
+        xor_(ecx, ecx);
         return;
     }
     // Units from 0x80 on become bytes from 0x80 on.

@@ -24,7 +24,6 @@ protected:
     enum class Kind {
         range,
         allBut,     ///< all but a few
-        few,        ///< a few
         noOthers,   ///< units of the table only
         allOthers,  ///< some of the table, and all behind it
         mixed       ///< of a vector only those of the table are told
@@ -40,7 +39,7 @@ protected:
     /// Goes to `target` unless the test of the instruction takes the unit in eax.
     void unlessTaken(const RE_Instruction& in, Label& target);
     /// Puts into eax one bit for each of the units from `from` on that is in the set; of mixed sets only those
-    /// of the table, and into ecx all behind the table. Goes to `tooNear` where the subject ends before.
+    /// of the table, and into ecx all behind the table, unless all are told. Goes to `tooNear` where the subject ends before.
     void emitMembersAt(const Reg64& from, const RE_Unit_Set& units, Label& tooNear);
     /// The same for units that are readable.
     void emitMembers(const Reg64& from, const RE_Unit_Set& units);

@@ -22,6 +22,7 @@ struct RE_Unit_Ranges {
 /// The units that a set leaves out, as far as they are few; or, with `outside` false, those that it holds.
 struct RE_Units_Outside {
     static constexpr std::size_t most = 4;
+    static constexpr std::size_t few = 2;  ///< are compared one after another
 
     explicit RE_Units_Outside(const RE_Unit_Set& set, bool outside = true);
 
