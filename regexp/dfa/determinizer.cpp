@@ -50,8 +50,7 @@ bool RE_Determinizer::add(Begins begins, RE_Dfa::Rows& starts) {
 }
 
 bool RE_Determinizer::fits() const {
-    return ways->isPossible() && ways->effort() <= mostEffort &&
-           states.size() * dfa->rowLength <= mostEntries;
+    return ways->isPossible() && states.size() * dfa->rowLength <= mostEntries;
 }
 
 void RE_Determinizer::addRow(std::size_t state) {

@@ -19,8 +19,6 @@ public:
     std::unique_ptr<const RE_Dfa> run();
 
 private:
-    // Bounds of the time that it takes, and of the table.
-    static constexpr std::size_t mostEffort = std::size_t{1} << 17;
     static constexpr std::size_t mostEntries = std::size_t{1} << 15;
 
     /// What begins at a place besides the threads that come to it: after them, as a search tries earlier starts first.

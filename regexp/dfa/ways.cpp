@@ -69,7 +69,7 @@ bool RE_Ways::followStart() {
 
 bool RE_Ways::run(const RE_Thread& thread) {
     pending.assign(1, Way{thread});
-    while (possible && !reached && !pending.empty()) {
+    while (isPossible() && !reached && !pending.empty()) {
         const Way way = pending.back();
         pending.pop_back();
         if (way.consumes) {

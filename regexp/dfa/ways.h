@@ -41,12 +41,13 @@ public:
     RE_Ways(const RE_Graph_Facts& graphFacts, const RE_Alphabet& letters, const RE_Unit_Sides& unitSides,
             bool refusesEmptyMatch);
 
-    /// False when something was met that cannot be decided by the units to both sides.
-    bool isPossible() const { return possible; }
+    /// The most nodes that are visited, all ways together.
+    static constexpr std::size_t mostVisits = std::size_t{1} << 16;
+
+    /// False when something was met that cannot be decided by the units to both sides, and behind too many nodes.
+    bool isPossible() const { return possible && visits <= mostVisits; }
     /// Whether two ways came to one place over the same units: then a search tries it twice, or much more often.
     bool areAmbiguous() const { return ambiguous; }
-    /// How many nodes were visited so far.
-    std::size_t effort() const { return visits; }
     /// Stands for the subject's end where the next unit is asked for.
     Letter atEnd() const;
     /// Begins the ways from a state on, over the next unit.
