@@ -65,7 +65,7 @@ class Threads : public testing::TestWithParam<const char*> {};
 
 TEST_P(Threads, SearchingOneTreeGetTheAnswersOfOneThread) {
     for (const bool profile : {false, true}) {
-        const Engine engine(widen(GetParam()), kEmptyToo, {true, true, true, 16, profile, !profile});
+        const Engine engine(widen(GetParam()), kEmptyToo, {true, true, true, 16, profile, !profile, !profile});
         const std::vector<std::u16string> texts = subjects();
         EXPECT_EQ(kNoneWrong, wrongAnswers(kRounds, [&](size_t own) { return answers(engine, texts, own); }));
     }
