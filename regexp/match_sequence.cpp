@@ -70,7 +70,10 @@ void RE_Match_Sequence::turnTo(std::u16string_view subject) {
 
 RE_Results* RE_Match_Sequence::find(std::size_t offset) {
     found = false;
-    if (coded != nullptr && info.tokens != nullptr) {
+    if (info.tokens == nullptr) {
+        return nullptr;  // they were released
+    }
+    if (coded != nullptr) {
         return searchByCode(offset);
     }
     return watchesMemory ? searchWithin(offset) : search(offset);

@@ -112,8 +112,8 @@ public:
     std::vector<std::u16string_view> split(Temporary&& text) const = delete;
 
     /// Makes machine code of what the pattern does without turning back, for searches that come after: call it
-    /// before the tree is shared with other threads. Results are the same. It takes some ten times as long
-    /// as compiling, and memory of the machine, not of the host. False where there is none to be had.
+    /// before the tree is shared with other threads. Results are the same. It takes some tens of
+    /// microseconds, and memory of the machine, not of the host. False where there is none to be had.
     bool makeMachineCode();
     /// Makes an automaton of the pattern, for searches that come after: call it before the tree is shared with other
     /// threads. Attempts that turn back often ask it how they end, so that even the worst patterns take a nanosecond or

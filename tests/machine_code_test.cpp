@@ -98,6 +98,10 @@ const Case kCases[] = {
     {u"([ab]+)(c)?.\\1", kPlain, u"abc"},
     {u"(a|[bc]+)+d", kPlain, u"abcd"},
     {u".{3}x", 0x10, u"ax\n"},
+    {u"x[ab]{0,16777217}c", kPlain, u"xabc"},
+    {u"x?a{16777216,}|ab", kPlain, u"xab"},
+    {u"x[^\\D\\w]|z{7}", kPlain, u"wxyzzzzz"},
+    {u"[ab]+b(?![xy])|a.*?c(?<![bc])", kPlain, u"abcx"},
     // Runs of which other ends are tried where the rest has failed, and choices between texts.
     {u"(b+).*?\\1(c)?d", 0x10, u"abcd\n"},
     {u"a.*?$", kLines, u"ab\n"},
@@ -160,7 +164,7 @@ TEST(MachineCode, AgreesOnRunsThatAreTriedAgain) {
     static constexpr const char16_t* kBefore[] = {u"a", u"([bc])", u"(b+)", u"(c)?a", u"(?:ab|c)", u"", u"d(?:b|ca)"};
     static constexpr const char16_t* kRuns[] = {u"[^c]", u"[ab]", u".", u"\\w", u"b", u"[a-c]"};
     static constexpr const char16_t* kCounts[] = {u"*?", u"+?", u"{1,3}?", u"{3,70}?", u"{2,45}?", u"*", u"+", u"{2,40}", u"{0,5}", u"{3,70}"};
-    static constexpr const char16_t* kRests[] = {u"bcb", u"b", u"[bc]d", u"(d)?c", u"(bc+)a", u"(b)(?:c(a)|a)d", u"\\1", u"\\1a", u"$", u"(?:ab|cd|d)b?", u"(?:b|(c)d)+e", u"d(?=b)", u"\\w+e", u"[^a]{2}"};
+    static constexpr const char16_t* kRests[] = {u"bcb", u"b", u"[bc]d", u"(d)?c", u"(bc+)a", u"(b)(?:c(a)|a)d", u"\\1", u"\\1a", u"$", u"(?:ab|cd|d)b?", u"(?:b|(c)d)+e", u"d(?=b)", u"\\w+e", u"[^a]{2}", u"(?![ab])", u"(?<![bc])", u"b(?![ac])", u"(?!d).(?<![ce])"};
     PatternSource source(environmentNumber("CORVANE_TEST_SEED", 99));
     const auto pick = [&source](const auto& list) { return std::u16string(list[source.below(std::size(list))]); };
     const unsigned long rounds = environmentNumber("CORVANE_TEST_ROUNDS", sanitized() ? 300 : 2000);
@@ -195,6 +199,7 @@ std::vector<Outcome> walk(const RE_Tree& tree, const std::vector<std::u16string>
             if (met.size() % 5 == 0) {
                 const std::unique_ptr<RE_Results> released(sequence.releaseMatch());
                 met.push_back(toOutcome(released.get()));
+                EXPECT_EQ(nullptr, sequence.find(offset)) << "the sequence is over";
                 break;
             }
         }

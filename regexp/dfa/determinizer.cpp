@@ -10,6 +10,9 @@ std::unique_ptr<const RE_Dfa> RE_Dfa::make(const RE_Graph_Facts& facts, bool ref
 }
 
 RE_Determinizer::RE_Determinizer(const RE_Graph_Facts& facts, bool refusesEmpty) : dfa(new RE_Dfa) {
+    if (facts.nodes.size() > mostNodes || facts.hasDynamicNodes) {
+        return;
+    }
     alphabet.learn(facts);
     if (alphabet.isComplete()) {
         sides = std::make_unique<RE_Unit_Sides>(facts, alphabet);

@@ -19,6 +19,7 @@ public:
     std::unique_ptr<const RE_Dfa> run();
 
 private:
+    static constexpr std::size_t mostNodes = 2000;
     static constexpr std::size_t mostEntries = std::size_t{1} << 15;
 
     /// What begins at a place besides the threads that come to it: after them, as a search tries earlier starts first.

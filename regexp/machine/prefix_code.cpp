@@ -14,10 +14,7 @@ namespace {
 /// The bytes that may stand at a place of each prefix, where they are the same for all and side by side.
 struct Byte_Range {
     Byte_Range(const RE_Prefix_Scan& scan, std::size_t place) {
-        std::uint32_t all = 0;
-        for (std::uint32_t byte = 0; byte <= 0xFF; ++byte) {
-            all |= prefixesWith(scan, 0, byte);
-        }
+        const std::uint32_t all = prefixesOf(scan);
         for (std::uint32_t byte = 0; byte <= 0xFF; ++byte) {
             const std::uint32_t prefixes = prefixesWith(scan, place, byte);
             if (prefixes != 0) {
@@ -37,6 +34,16 @@ struct Byte_Range {
     char16_t high = 0;
 
 private:
+    /// One that nothing may stand at a place of is among them.
+    static std::uint32_t prefixesOf(const RE_Prefix_Scan& scan) {
+        std::uint32_t all = 0;
+        for (std::size_t place = 0; place < scan.depth; ++place) {
+            for (std::uint32_t byte = 0; byte <= 0xFF; ++byte) {
+                all |= prefixesWith(scan, place, byte);
+            }
+        }
+        return all;
+    }
     static std::uint32_t prefixesWith(const RE_Prefix_Scan& scan, std::size_t place, std::uint32_t unit) {
         return scan.low[place][unit % 16] & std::uint32_t{scan.high[place][unit / 16]};
     }

@@ -95,28 +95,45 @@ void Program_Code::emitChain(const RE_Instruction* in) {
         }
         pending.push_back(in->otherwise);
         in = next;
-        if (emitted[indexOf(in)]) {
+        // What fails goes on where the choice at hand says, and that differs from place to place.
+        const bool failsIntoChoice = in->operation == RE_Operation::failed && behind != nullptr;
+        if (emitted[indexOf(in)] || failsIntoChoice) {
             jmp(labelOf(in), T_NEAR);
             return;
         }
     }
 }
 
+namespace {
+
+/// Runs that are tried again count theirs by themselves.
+bool takesStep(const RE_Instruction& in) {
+    switch (in.operation) {
+        case RE_Operation::leave:
+        case RE_Operation::failed:
+        case RE_Operation::lazyRun:
+        case RE_Operation::givingRun:
+            return false;
+        default:
+            return true;
+    }
+}
+
+}  // namespace
+
 // Returns the instruction that follows, if there is one only.
 const RE_Instruction* Program_Code::emitBody(const RE_Instruction& in) {
-    if (in.operation == RE_Operation::lazyRun || in.operation == RE_Operation::givingRun) {
-        return emitChoiceRun(in);
-    }
-    if (in.operation != RE_Operation::leave && in.operation != RE_Operation::failed) {
+    if (takesStep(in)) {
         dec(left);
     }
     Label& otherwise = labelOf(in.otherwise != nullptr ? in.otherwise : &in);
     switch (in.operation) {
         case RE_Operation::leave:
-        case RE_Operation::lazyRun:
-        case RE_Operation::givingRun:
             jmp(leaveAt(in), T_NEAR);
             return nullptr;
+        case RE_Operation::lazyRun:
+        case RE_Operation::givingRun:
+            return emitChoiceRun(in);
         case RE_Operation::failed:
             jmp(failedLabel, T_NEAR);
             return nullptr;
