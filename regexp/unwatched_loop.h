@@ -24,6 +24,9 @@ RE_Step goBack(const char16_t* p, std::size_t floor, RE_Search_Info& info);
                                                     const char16_t*& position) {
     const std::size_t floor = info.bodies.size();
     bool isOver = false;
+    if (!info.countChoice()) {  // to begin here counts as one
+        return info.inquiry.takeEnd(position);
+    }
     RE_Step step{node, position};
     while (step.node != nullptr && info.takeStep()) {
         step = visit(step.node, step.p, floor, info, isOver);

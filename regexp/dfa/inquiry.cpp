@@ -7,7 +7,7 @@
 #include <algorithm>
 
 std::uint64_t RE_Inquiry_Delay::choices = 16;
-std::uint64_t RE_Inquiry_Delay::ambiguous = 2;
+std::uint64_t RE_Inquiry_Delay::ambiguous = 1;
 
 namespace {
 

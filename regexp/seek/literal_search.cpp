@@ -24,7 +24,7 @@ double pairLikelihood(const RE_Unit_Pair& units) {
                                     : unitLikelihood(units.one) + unitLikelihood(units.other);
 }
 
-/// Two units that stand together this often are looked for with a third.
+/// Two units that stand together this often are looked for with a third. So are those of a text of three.
 constexpr double frequent = 1.0 / 2000;
 
 struct Place {
@@ -78,7 +78,8 @@ RE_Literal_Search::RE_Literal_Search(const RE_Literal& literal) {
     probe.firstAt = rarest[0].at;
     probe.second = second.units;
     probe.secondAt = second.at;
-    probe.hasThird = count > 2 && rarest[0].likelihood * rarest[1].likelihood > frequent;
+    const bool isFrequent = rarest[0].likelihood * rarest[1].likelihood > frequent;
+    probe.hasThird = count > 2 && (literal.length == rarest.size() || isFrequent);
     if (probe.hasThird) {
         probe.third = rarest[2].units;
         probe.thirdAt = rarest[2].at;
