@@ -30,8 +30,8 @@ public:
     /// subject's length; null when there is none, the host asked to stop or a limit was met: then the
     /// sequence is over. A view of the search state, good until the next call.
     RE_Results* find(std::size_t offset);
-    /// The match of the last `find`, as an object of its own; until `use` the sequence is over. Null when that
-    /// found none, or there is no memory.
+    /// The match of the last `find`, as an object of its own; until `use` the sequence is over. Null when
+    /// that found none, or there is no memory.
     RE_Results* releaseMatch();
     /// How the searches ended: `matched` when there was a match and nothing broke them off.
     RE_Search_Report report() const;

@@ -43,8 +43,8 @@ public:
 
     /// Makes room for what the graph about to run needs. Called before every run; cheap when nothing changes.
     void prepare(const RE_Graph_Facts& graphFacts);
-    /// Has attempts ask the automaton of the graph, where it has one. For searches that nobody watches or limits: their
-    /// steps are those of the match loop.
+    /// Has attempts ask the automaton of the graph, where it has one. For searches that nobody watches or
+    /// limits: their steps are those of the match loop.
     void beginInquiry();
     void useSubject(const char16_t* subject, std::size_t length, std::size_t tokenCount) {
         if (tokens == nullptr) {
@@ -107,8 +107,9 @@ public:
 
     // --- choices ---
 
-    /// Counts a choice, of a branch or of one taken up again. False when the attempt is over, as the automaton of the
-    /// pattern knows how it ends: no choice is left then, and the match loop tells of the match there may be.
+    /// Counts a choice, of a branch or of one taken up again. False when the attempt is over, as the
+    /// automaton of the pattern knows how it ends: no choice is left then, and the match loop tells of the
+    /// match there may be.
     bool countChoice() { return !inquiry.isDue() || inquire(); }
     /// Leaves a choice. False when the same state was tried before and cannot succeed now.
     bool pushChoice(const RE_Node* node, const char16_t* position, bool newRecord);

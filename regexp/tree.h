@@ -57,8 +57,8 @@ public:
     = delete;
     /// The pattern is text in the local code page.
     RE_Tree(const char* pattern, bool flag);
-    /// The context must outlive the tree. Without one (null) the pattern is compiled as by `RE_Context` itself:
-    /// no evaluation, no interrupts, no one to be warned.
+    /// The context must outlive the tree. Without one (null) the pattern is compiled as by `RE_Context`
+    /// itself: no evaluation, no interrupts, no one to be warned.
     RE_Tree(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context);
     /// The text that the context is told is gone when this returns.
     RE_Tree(const RE_Builder_Space::RE_Builder& builder, RE_Flags flags, RE_Context* context);
@@ -111,14 +111,15 @@ public:
     template <std::same_as<std::u16string> Temporary>
     std::vector<std::u16string_view> split(Temporary&& text) const = delete;
 
-    /// Makes machine code of what the pattern does without turning back, for searches that come after: call it
-    /// before the tree is shared with other threads. Results are the same. It takes some tens of
+    /// Makes machine code of what the pattern does without turning back, for searches that come after: call
+    /// it before the tree is shared with other threads. Results are the same. It takes some tens of
     /// microseconds, and memory of the machine, not of the host. False where there is none to be had.
     bool makeMachineCode();
-    /// Makes an automaton of the pattern, for searches that come after: call it before the tree is shared with other
-    /// threads. Attempts that turn back often ask it how they end, so that even the worst patterns take a nanosecond or
-    /// two a unit. Results are the same. False where an automaton cannot say what the pattern does (backreferences,
-    /// conditions, lookaround over more than a unit, atomic groups, dynamic expressions) or would be large.
+    /// Makes an automaton of the pattern, for searches that come after: call it before the tree is shared
+    /// with other threads. Attempts that turn back often ask it how they end, so that even the worst patterns
+    /// take a nanosecond or two a unit. Results are the same. False where an automaton cannot say what the
+    /// pattern does (backreferences, conditions, lookaround over more than a unit, atomic groups, dynamic
+    /// expressions) or would be large.
     bool makeDfa();
 
     /// Runs the pattern once at exactly `position`, with the caller's state. Refuses no empty match.

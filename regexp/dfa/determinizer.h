@@ -22,7 +22,8 @@ private:
     static constexpr std::size_t mostNodes = 2000;
     static constexpr std::size_t mostEntries = std::size_t{1} << 15;
 
-    /// What begins at a place besides the threads that come to it: after them, as a search tries earlier starts first.
+    /// What begins at a place besides the threads that come to it: after them, as a search tries earlier
+    /// starts first.
     enum class Begins : std::uint32_t { nothing, attempt, anyAttempt };
     using Threads = std::vector<std::uint32_t>;
     struct State {

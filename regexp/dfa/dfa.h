@@ -1,8 +1,8 @@
-// A pattern as a deterministic finite automaton: where a match that begins at some place ends, and whether any match
-// begins behind one, each told by one look at every unit.
+// A pattern as a deterministic finite automaton: where a match that begins at some place ends, and whether
+// any match begins behind one, each told by one look at every unit.
 //
-// It is made of the graph, where the units to both sides decide what each node does, and says exactly what the match loop
-// would come to. It knows nothing of tokens.
+// It is made of the graph, where the units to both sides decide what each node does, and says exactly what
+// the match loop would come to. It knows nothing of tokens.
 #pragma once
 
 #include "regexp/dfa/shuffle.h"
@@ -42,8 +42,8 @@ public:
 private:
     friend class RE_Determinizer;
 
-    /// An entry is where the row of the next state begins. The row of the state that nothing leads out of is the first.
-    /// An entry may say besides that a match ends before the unit.
+    /// An entry is where the row of the next state begins. The row of the state that nothing leads out of is
+    /// the first. An entry may say besides that a match ends before the unit.
     using Entry = std::uint32_t;
     static constexpr Entry dead = 0;
     static constexpr Entry accepts = Entry{1} << 31;

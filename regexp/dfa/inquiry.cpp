@@ -11,8 +11,8 @@ std::uint64_t RE_Inquiry_Delay::ambiguous = 1;
 
 namespace {
 
-// Attempts that read more than so many units for each of the subject are left to the memo, which knows what was tried
-// from other starts.
+// Attempts that read more than so many units for each of the subject are left to the memo, which knows what
+// was tried from other starts.
 constexpr std::size_t mostReadings = 8;
 constexpr std::size_t readingsOfShort = 256;  // units
 

@@ -1,11 +1,13 @@
 // When a search asks the automaton of its pattern.
 //
-// Most attempts are over after a few choices, sooner than an automaton would have read the units. A search that has left
-// or taken up so many choices that it may be about to try the same over and over asks how its attempt ends. A pattern with
-// tokens goes on by itself where there is a match: the automaton knows nothing of them.
+// Most attempts are over after a few choices, sooner than an automaton would have read the units. A search
+// that has left or taken up so many choices that it may be about to try the same over and over asks how its
+// attempt ends. A pattern with tokens goes on by itself where there is a match: the automaton knows nothing
+// of them.
 //
-// Where attempts fail and have cost more than the way that they brought the search on, it asks besides whether a later one
-// can match. Seeking is faster than the automaton, so it looks no further than in proportion to that cost.
+// Where attempts fail and have cost more than the way that they brought the search on, it asks besides
+// whether a later one can match. Seeking is faster than the automaton, so it looks no further than in
+// proportion to that cost.
 #pragma once
 
 #include "regexp/export.h"
@@ -18,8 +20,8 @@ class RE_Dfa;
 class RE_Search_Info;
 struct RE_Graph_Facts;
 
-/// A search asks after so many choices, and after fewer where each of them may lead to where others have led. Tests set
-/// both to 1 to have every attempt ask.
+/// A search asks after so many choices, and after fewer where each of them may lead to where others have led.
+/// Tests set both to 1 to have every attempt ask.
 struct CORVANE_REGEXP_EXPORT RE_Inquiry_Delay {
     static std::uint64_t choices;
     static std::uint64_t ambiguous;
@@ -72,7 +74,8 @@ private:
     std::size_t costAtLast = 0;  // when the search asked for later ones last
     const char16_t* found = nullptr;
     const char16_t* hopeless = nullptr;
-    // No match that begins at `knownFrom` or behind it ends before `knownEnd`, where one does or the search stopped looking.
+    // No match that begins at `knownFrom` or behind it ends before `knownEnd`, where one does or the search
+    // stopped looking.
     const char16_t* knownFrom = nullptr;
     const char16_t* knownEnd = nullptr;
 };

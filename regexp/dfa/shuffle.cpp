@@ -32,7 +32,8 @@ HWY_INLINE bool haveRows(const char16_t* p) {
 
 using Entries = hn::Vec<States>;
 
-/// Without what entries say besides the next state. The shuffles of some processors look at no other bits anyway.
+/// Without what entries say besides the next state. The shuffles of some processors look at no other bits
+/// anyway.
 HWY_INLINE Entries asIndexes(Entries entries) {
 #if HWY_ARCH_X86
     return entries;
@@ -41,8 +42,8 @@ HWY_INLINE Entries asIndexes(Entries entries) {
 #endif
 }
 
-/// What two rows come to together. Rows of several units are made while the state before them is not known yet, so that
-/// the steps from state to state are few.
+/// What two rows come to together. Rows of several units are made while the state before them is not known
+/// yet, so that the steps from state to state are few.
 HWY_INLINE Entries behindEachOther(Entries first, Entries second) {
     const auto accepted = hn::And(first, hn::Set(States(), RE_Shuffle_Table::accepts));
     return hn::Or(hn::TableLookupBytes(second, asIndexes(first)), accepted);

@@ -1,5 +1,5 @@
-// Goes through a small automaton by vector shuffles: the next state of every state stands in one vector for each letter,
-// and a step takes a cycle or two where a table in memory takes the time of a load.
+// Goes through a small automaton by vector shuffles: the next state of every state stands in one vector for
+// each letter, and a step takes a cycle or two where a table in memory takes the time of a load.
 #pragma once
 
 #include "regexp/memory.h"
@@ -26,8 +26,8 @@ struct RE_Shuffle_Table {
     std::vector<Row, RE_Allocator<Row>> rows;  ///< one a letter; state 0 leads to itself
 };
 
-/// Goes over blocks of units from `p` on, as far as they lie before `end`, up to a block with a unit that has no row, one
-/// over which a match may end, or one behind which the state is 0; and no further than some blocks that change nothing.
-/// Returns how far it came and puts the state there into `state`.
+/// Goes over blocks of units from `p` on, as far as they lie before `end`, up to a block with a unit that has
+/// no row, one over which a match may end, or one behind which the state is 0; and no further than some
+/// blocks that change nothing. Returns how far it came and puts the state there into `state`.
 const char16_t* shuffleOver(const RE_Shuffle_Table& table, const char16_t* p, const char16_t* end,
                             std::uint8_t& state);

@@ -14,7 +14,8 @@ struct RE_Graph_Facts;
 /// The test that a lookaround at a glance consists of, or null where there are several or none of units.
 const RE_Consumable* onlyTestOf(const RE_Lookaround_Assertion& glance);
 
-/// The classes of units that look alike from behind. No unit, at the subject's begin, is one of its own: number 0.
+/// The classes of units that look alike from behind. No unit, at the subject's begin, is one of its own:
+/// number 0.
 class RE_Unit_Sides {
 public:
     /// Has the alphabet tell the units apart, too.

@@ -244,7 +244,8 @@ std::uint32_t* RE_Ways::countOf(RE_Thread& thread, const RE_Node* counter) {
     return &thread.counts[counters.at(counter)];
 }
 
-// Behind the loop its count means nothing any more. That of the required passes is asked again behind each optional one.
+// Behind the loop its count means nothing any more. That of the required passes is asked again behind each
+// optional one.
 void RE_Ways::visitCounter(const Way& way, const RE_State_Counter& counter) {
     Way pass = way;
     const std::uint32_t count = (*countOf(pass.thread, &counter))++;

@@ -1,8 +1,9 @@
 // The ways of a graph from one unit to the next.
 //
-// A thread stands where a way through the graph has come to between two units. With the next unit known, and the one
-// before, all that a node can ask is decided: anchors, loops that give nothing back, tests of one unit to either side. So
-// a thread leads to threads behind that unit, in the order in which a search would try them.
+// A thread stands where a way through the graph has come to between two units. With the next unit known, and
+// the one before, all that a node can ask is decided: anchors, loops that give nothing back, tests of one
+// unit to either side. So a thread leads to threads behind that unit, in the order in which a search would
+// try them.
 #pragma once
 
 #include <array>
@@ -44,16 +45,18 @@ public:
     /// The most nodes that are visited, all ways together.
     static constexpr std::size_t mostVisits = std::size_t{1} << 16;
 
-    /// False when something was met that cannot be decided by the units to both sides, and behind too many nodes.
+    /// False when something was met that cannot be decided by the units to both sides, and behind too many
+    /// nodes.
     bool isPossible() const { return possible && visits <= mostVisits; }
-    /// Whether two ways came to one place over the same units: then a search tries it twice, or much more often.
+    /// Whether two ways came to one place over the same units: then a search tries it twice, or much more
+    /// often.
     bool areAmbiguous() const { return ambiguous; }
     /// Stands for the subject's end where the next unit is asked for.
     Letter atEnd() const;
     /// Begins the ways from a state on, over the next unit.
     void begin(std::size_t side, Letter next, std::vector<RE_Thread>& into);
-    /// Follows one thread of the state. Threads behind the unit are added to those known already. True when the end of
-    /// the pattern was reached before the unit: then no thread behind this one counts.
+    /// Follows one thread of the state. Threads behind the unit are added to those known already. True when
+    /// the end of the pattern was reached before the unit: then no thread behind this one counts.
     bool follow(const RE_Thread& thread);
     /// The same from the pattern's beginning.
     bool followStart();

@@ -1,7 +1,9 @@
-// Code of runs of which a shorter or a longer one is tried where the rest has failed, without leaving the code.
+// Code of runs of which a shorter or a longer one is tried where the rest has failed, without leaving the
+// code.
 //
-// Only one such choice is open at a time, and nothing but the rest itself stands behind it. What was so when it was
-// taken is kept: where anything comes up that is not for the code, the match loop takes up the rest from there.
+// Only one such choice is open at a time, and nothing but the rest itself stands behind it. What was so when
+// it was taken is kept: where anything comes up that is not for the code, the match loop takes up the rest
+// from there.
 #ifdef CORVANE_MACHINE_CODE
 
 #include "regexp/machine/program_code.h"
@@ -22,7 +24,8 @@ bool isChoiceRun(const RE_Instruction& in) {
     return in.operation == RE_Operation::lazyRun || in.operation == RE_Operation::givingRun;
 }
 
-/// Whether what begins with such an instruction is found by looking at the first unit, and at the text behind it.
+/// Whether what begins with such an instruction is found by looking at the first unit, and at the text behind
+/// it.
 bool saysWhere(const RE_Instruction& in) {
     switch (in.operation) {
         case RE_Operation::unit:

@@ -39,7 +39,8 @@ public:
                     }
                     goOnBehind(info.matchStart);
             }
-            // Behind a run many steps may have been taken at once: what follows it is for the match loop then.
+            // Behind a run many steps may have been taken at once: what follows it is for the match loop
+            // then.
             if (reason == RE_Machine_Exit::longRun && info.meter.room() < code.mostSteps) {
                 if (finishBehindRun(length)) {
                     return true;
@@ -61,8 +62,8 @@ private:
         info.askLeft = walk.roomUpToAsking();
     }
 
-    /// The code was on its way to a start when it came to `runBegin`. What it has looked at counts for steps, as far
-    /// as it makes whole ones, and is not looked at again.
+    /// The code was on its way to a start when it came to `runBegin`. What it has looked at counts for steps,
+    /// as far as it makes whole ones, and is not looked at again.
     const char16_t* behindLookedAt() const {
         constexpr auto step = static_cast<std::ptrdiff_t>(RE_Step_Meter::unitsAStep);
         const std::ptrdiff_t units = std::min(info.runBegin, info.lastStart) - info.cursor;

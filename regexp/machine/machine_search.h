@@ -12,8 +12,9 @@
 bool goOnByMachineCode(const RE_Graph_Facts& facts, const RE_Node* root, RE_Machine_Exit first,
                        RE_Search_Info& info, std::size_t& length);
 
-/// Tries start after start from `p` to `last`, which is no less. The graph must have machine code. Puts the match into the state and
-/// its length, in units, into `length`. Most searches are over when the code returns for the first time.
+/// Tries start after start from `p` to `last`, which is no less. The graph must have machine code. Puts the
+/// match into the state and its length, in units, into `length`. Most searches are over when the code returns
+/// for the first time.
 inline bool findByMachineCode(const RE_Graph_Facts& facts, const RE_Node* root, const char16_t* p,
                               const char16_t* last, RE_Search_Info& info, std::size_t& length) {
     info.lastStart = last;

@@ -1,5 +1,6 @@
-// Code for processors that mask vectors: what lies behind the subject's end is not read, so that a vector may reach
-// beyond it and no unit is left to be looked at by itself. It keeps to registers that leave no upper half to be cleared.
+// Code for processors that mask vectors: what lies behind the subject's end is not read, so that a vector may
+// reach beyond it and no unit is left to be looked at by itself. It keeps to registers that leave no upper
+// half to be cleared.
 #ifdef CORVANE_MACHINE_CODE
 
 #include "regexp/machine/unit_code.h"

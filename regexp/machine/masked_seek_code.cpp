@@ -13,8 +13,8 @@ constexpr std::uint32_t wideUnits = 32;
 
 }  // namespace
 
-/// Goes to `nowhere` unless there is a position from `runBegin` on behind which `reach` units can be read, and masks
-/// those that are in a vector.
+/// Goes to `nowhere` unless there is a position from `runBegin` on behind which `reach` units can be read,
+/// and masks those that are in a vector.
 void Start_Code::emitMaskAhead(std::size_t reach, std::uint32_t most, Label& nowhere) {
     lea(rax, ptr[end - static_cast<int>(reach * unitBytes)]);
     sub(rax, runBegin);
@@ -22,8 +22,8 @@ void Start_Code::emitMaskAhead(std::size_t reach, std::uint32_t most, Label& now
     emitMask(most);
 }
 
-// The first vector is masked, and so is the last. Those between them are looked at two by two, and lie as memory is
-// divided.
+// The first vector is masked, and so is the last. Those between them are looked at two by two, and lie as
+// memory is divided.
 void Start_Code::emitMaskedLiteral(const RE_Literal& literal, const RE_Literal_Probe& probe, Label& found,
                                    Label& nowhere) {
     constexpr int step = static_cast<int>(wideUnits * unitBytes);
@@ -111,8 +111,8 @@ Start_Code::Probe_Units::Probe_Units(const RE_Literal_Probe& probe) {
     }
 }
 
-/// Puts what each unit is compared with into zmm16 and the next, and the bits that do not count into zmm20 and the
-/// next.
+/// Puts what each unit is compared with into zmm16 and the next, and the bits that do not count into zmm20
+/// and the next.
 void Start_Code::emitSought(const Probe_Units& sought) {
     for (int i = 0; i < sought.count; ++i) {
         const RE_Unit_Pair pair = sought.list[i].units;
@@ -123,8 +123,8 @@ void Start_Code::emitSought(const Probe_Units& sought) {
     }
 }
 
-/// Puts zeros into `result` for the positions from `from` on at which all the units stand. Pairs that differ in more
-/// than a bit may stand for others, too.
+/// Puts zeros into `result` for the positions from `from` on at which all the units stand. Pairs that differ
+/// in more than a bit may stand for others, too.
 void Start_Code::emitApart(const Xbyak::RegExp& from, const Probe_Units& sought, bool masked,
                            const Xbyak::Zmm& result) {
     constexpr std::uint8_t orDiffers = 0xF6;

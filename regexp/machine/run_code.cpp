@@ -11,8 +11,8 @@
 
 namespace corvane_machine {
 
-// Most runs end within a vector or a few: their ends are found without a branch for each unit. Runs that are long enough
-// to count for steps, or to be remembered, are measured elsewhere.
+// Most runs end within a vector or a few: their ends are found without a branch for each unit. Runs that are
+// long enough to count for steps, or to be remembered, are measured elsewhere.
 void Program_Code::emitShortRun(const RE_Instruction& in, Label& ended, Label& stopped) {
     constexpr std::uint32_t fewVectors = 3;
     static_assert(fewVectors * vectorUnits < RE_Step_Meter::unitsAStep);

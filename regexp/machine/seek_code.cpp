@@ -24,7 +24,8 @@ void Start_Code::emitNextVector(Label& again) {
     jmp(exitFor(RE_Machine_Exit::seek), T_NEAR);
 }
 
-// Goes to `found` at the first unit from `runBegin` on that is in the set: the next few at most, or up to the end.
+// Goes to `found` at the first unit from `runBegin` on that is in the set: the next few at most, or up to the
+// end.
 void Start_Code::emitOneByOne(const RE_Unit_Set& units, int most, Label& found, Label& nowhere) {
     Label& again = fresh();
     loadTable(units);

@@ -23,7 +23,8 @@ protected:
     Label attemptLabel;
 
 private:
-    /// Farther starts are looked for by the root: wider vectors, a memory for what was found, questions to the host.
+    /// Farther starts are looked for by the root: wider vectors, a memory for what was found, questions to
+    /// the host.
     static constexpr int farthest = 256;
     /// Literals are found no slower here.
     static constexpr int farthestLiteral = 4096;

@@ -1,5 +1,5 @@
-// Code of the runs of which other ends are tried: to the shortest or longest one at which the rest can begin, and on from
-// there.
+// Code of the runs of which other ends are tried: to the shortest or longest one at which the rest can begin,
+// and on from there.
 #ifdef CORVANE_MACHINE_CODE
 
 #include "regexp/machine/program_code.h"
@@ -63,7 +63,8 @@ void Program_Code::emitLeast(const RE_Instruction& in, Label& failed) {
     jb(again);
 }
 
-// From the end at `p` to the next longer one at which the rest can begin. Goes to `dead` where the run ends before.
+// From the end at `p` to the next longer one at which the rest can begin. Goes to `dead` where the run ends
+// before.
 void Program_Code::emitLonger(Choice& each, Label& dead, Label& undecided) {
     const RE_Instruction& in = *each.run;
     if (each.first == nullptr) {

@@ -38,8 +38,9 @@ protected:
     void loadTable(const RE_Unit_Set& units);
     /// Goes to `target` unless the test of the instruction takes the unit in eax.
     void unlessTaken(const RE_Instruction& in, Label& target);
-    /// Puts into eax one bit for each of the units from `from` on that is in the set; of mixed sets only those
-    /// of the table, and into ecx all behind the table, unless all are told. Goes to `tooNear` where the subject ends before.
+    /// Puts into eax one bit for each of the units from `from` on that is in the set; of mixed sets only
+    /// those of the table, and into ecx all behind the table, unless all are told. Goes to `tooNear` where
+    /// the subject ends before.
     void emitMembersAt(const Reg64& from, const RE_Unit_Set& units, Label& tooNear);
     /// The same for units that are readable.
     void emitMembers(const Reg64& from, const RE_Unit_Set& units);

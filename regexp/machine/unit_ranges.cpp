@@ -5,8 +5,8 @@
 
 namespace {
 
-/// The first unit from `unit` on that is in the set, or, with `wanted` false, that is not; the `end` of the units that
-/// count when there is none.
+/// The first unit from `unit` on that is in the set, or, with `wanted` false, that is not; the `end` of the
+/// units that count when there is none.
 std::size_t nextUnit(const RE_Unit_Set& set, std::size_t unit, bool wanted,
                      std::size_t end = RE_Unit_Set::unitCount) {
     while (unit < end) {

@@ -1,4 +1,5 @@
-// Code of choices of which one way at most is open: by the next unit, or by the text that stands at the position.
+// Code of choices of which one way at most is open: by the next unit, or by the text that stands at the
+// position.
 #ifdef CORVANE_MACHINE_CODE
 
 #include "regexp/machine/program_code.h"
@@ -80,8 +81,8 @@ void Program_Code::emitTexts(const RE_Instruction& in) {
     add(p, rax);
 }
 
-// All texts have the first `known` units in common, which stand at `p`; `readable` units are not behind the end. Goes to
-// `taken` with the size of the one that stands there.
+// All texts have the first `known` units in common, which stand at `p`; `readable` units are not behind the
+// end. Goes to `taken` with the size of the one that stands there.
 void Program_Code::emitTextsBehind(std::span<const std::u16string_view> texts, std::size_t known,
                                    std::size_t readable, Label& none, Label& taken) {
     const std::u16string_view one = texts.front();

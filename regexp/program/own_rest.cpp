@@ -70,7 +70,8 @@ bool takesChoices(const RE_Instruction& in) {
            in.operation == RE_Operation::givingRun || in.operation == RE_Operation::glance;
 }
 
-/// Tokens that are written behind the run are behind all others: to take the writes back nothing has to be kept.
+/// Tokens that are written behind the run are behind all others: to take the writes back nothing has to be
+/// kept.
 bool writesLater(const Instructions& rest, const Instructions& others) {
     const auto writesBefore = [](const RE_Instruction* one, const RE_Instruction* other) {
         return records(*one) && records(*other) && tokenOf(*one) <= tokenOf(*other);
