@@ -107,9 +107,9 @@ public:
 
     // --- choices ---
 
-    /// Counts a choice, of a branch or of one taken up again. False when the attempt is over, as the
-    /// automaton of the pattern knows how it ends: no choice is left then, and the match loop tells of the
-    /// match there may be.
+    /// Counts a choice: one that a branch leaves, one taken up again, or that the match loop begins. False
+    /// when the attempt is over, as the automaton of the pattern knows how it ends: no choice is left then,
+    /// and the match loop tells of the match there may be.
     bool countChoice() { return !inquiry.isDue() || inquire(); }
     /// Leaves a choice. False when the same state was tried before and cannot succeed now.
     bool pushChoice(const RE_Node* node, const char16_t* position, bool newRecord);
