@@ -145,8 +145,8 @@ public:
     }
     /// How many units have this unit as their lower-case form.
     std::size_t formsWithin(char16_t lowerForm) const;
-    /// Adds the units whose lower-case form lies in the bounds; with `bothForms` also those whose upper-case
-    /// form does.
+    /// Adds the units whose lower-case form lies in the bounds; with `bothForms` also those whose upper-case form does,
+    /// and those that fold to the lower-case form of a unit within the bounds, as U+212A does to that of K.
     void addFolding(RE_Unit_Set& set, char16_t low, char16_t high, bool bothForms) const;
 
 private:
@@ -159,6 +159,7 @@ private:
 
     RE_Case_Table();
     static void addFormsWithin(const Forms& forms, RE_Unit_Set& set, char16_t low, char16_t high);
+    void addFormsOfUnitsWithin(RE_Unit_Set& set, char16_t low, char16_t high) const;
 
     char16_t lowerOf[RE_Unit_Set::unitCount];
     char16_t upperOf[RE_Unit_Set::unitCount];
