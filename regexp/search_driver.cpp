@@ -121,7 +121,7 @@ namespace {
         info.resetForStart(info.matchStart);
         return attemptUnwatched(facts.start, info, length);
     }
-    const RE_Program_Exit exit = RE_Program_Run(info, stepsBefore).run(facts.program.entry);
+    const RE_Program_Exit exit = RE_Program_Run(info, facts, stepsBefore).run(facts.program.entry);
     if (exit.how == RE_Program_Exit::How::failed) {
         return false;
     }

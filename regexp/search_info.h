@@ -171,8 +171,8 @@ public:
     void noteTokenStart(std::size_t index, std::size_t position);
     /// Where the tokens opened, one for each.
     std::size_t* tokenStarts() { return registers.data(); }
-    /// Closes a token opened by `noteTokenStart`: writes the slot, puts the token in effect, empties slots
-    /// skipped.
+    /// Closes a token opened by `noteTokenStart`: writes the slot and puts the token in effect, with all lower
+    /// ones.
     void recordToken(std::size_t index, const char16_t* name, std::size_t end);
     /// Both at once.
     void recordToken(std::size_t index, const char16_t* name, std::size_t start, std::size_t end);
@@ -278,6 +278,7 @@ private:
     };
 
     void makeTokens(std::size_t count);
+    void nameSlots();
     void takePendingInterrupt();
     void handBackInterrupt();
     void carryMemoOver(std::size_t end);
@@ -319,6 +320,8 @@ private:
     std::vector<RE_Measured_Run, RE_Allocator<RE_Measured_Run>> runs;
     std::vector<RE_Measured_Run, RE_Allocator<RE_Measured_Run>> barren;  ///< both ends included
     std::int32_t scopes = 0;
+    std::size_t keptInEffect = 0;  ///< all ones when closing a token leaves the higher ones in effect
+    bool slotsHaveNames = false;
     bool knowsSubject = false;        ///< runs or barren stretches of it, or states in a memo
     bool attemptsLeaveNotes = false;  ///< a memo, or what nodes that were made by hand note
     RE_Search_Outcome stopped = RE_Search_Outcome::noMatch;
@@ -434,11 +437,11 @@ inline void RE_Search_Info::recordToken(std::size_t index, const char16_t* name,
     if (tokens == nullptr || index >= tokens->slots.size()) {
         return;
     }
-    for (std::size_t skipped = tokens->count; skipped < index; ++skipped) {
-        setSlot(skipped, RE_TokenInfo{});
+    if (index >= tokens->written) {
+        tokens->begin(index);
     }
-    setSlot(index, RE_TokenInfo{start, end - start, name});
-    tokens->count = index + 1;
+    setSlot(index, RE_TokenInfo{start, end - start, name, true});
+    tokens->count = std::max(tokens->count & keptInEffect, index + 1);
 }
 
 inline void RE_Search_Info::setRegister(std::size_t index, std::size_t value) {

@@ -76,7 +76,7 @@ private:
     bool finishAttempt(RE_Machine_Exit reason, std::size_t& length) {
         const char16_t* p = info.cursor;
         bool matched = reason == RE_Machine_Exit::matched;
-        info.tokens->count = info.inEffect;
+        takeTokensOver();
         if (reason == RE_Machine_Exit::slow) {
             info.resetForStart(p);
             matched = beginUnwatched(facts.start, info, p);
@@ -90,6 +90,11 @@ private:
         }
         length = static_cast<std::size_t>(p - info.matchStart);
         return matched && !info.wasInterrupted();
+    }
+
+    void takeTokensOver() {
+        info.tokens->count = info.inEffect;
+        info.tokens->written = info.written;
     }
 
     void decide() {
@@ -125,7 +130,7 @@ private:
         if (run < in.least) {
             return false;
         }
-        info.tokens->count = info.inEffect;
+        takeTokensOver();
         info.enterLoop();
         if (in.operation == RE_Operation::tokenRun) {
             const auto& token = static_cast<const RE_Start_Token&>(*in.node);

@@ -36,7 +36,7 @@ void forEachLink(RE_Node& node, Visit visit) {
             RE_Node* item = static_cast<RE_Consume&>(node).item;
             visit(node.nextNode, RE_Link::next);
             visit(item, RE_Link::item);
-            static_cast<RE_Consume&>(node).item = static_cast<RE_Consumable*>(item);
+            static_cast<RE_Consume&>(node).setItem(item);
             return;
         }
         case RE_Node_Kind::dispatch:

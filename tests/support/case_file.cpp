@@ -20,7 +20,8 @@ std::vector<std::string> split(const std::string& text, char separator) {
 }
 
 std::uint32_t flagsOf(const std::string& modes) {
-    static const std::map<char, std::uint32_t> bits = {{'.', 0}, {'i', 0x01}, {'m', 0x04}, {'x', 0x08}, {'E', 0x20}, {'d', 0x02}};
+    static const std::map<char, std::uint32_t> bits = {{'.', 0}, {'i', 0x01}, {'m', 0x04}, {'x', 0x08}, {'E', 0x20}, {'d', 0x02},
+                                                             {'K', 0x40}};
     std::uint32_t flags = 0x12;
     for (const char letter : modes) {
         flags ^= bits.at(letter);
@@ -30,8 +31,12 @@ std::uint32_t flagsOf(const std::string& modes) {
 
 Token tokenOf(const std::string& text) {
     const std::vector<std::string> halves = split(text, '=');
+    const std::u16string name = halves.size() > 1 ? widen(halves[1]) : u"";
+    if (halves.at(0) == "~") {
+        return {0, 0, name, false};
+    }
     const std::vector<std::string> numbers = split(halves.at(0), ',');
-    return {std::stoul(numbers.at(0)), std::stoul(numbers.at(1)), halves.size() > 1 ? widen(halves[1]) : u""};
+    return {std::stoul(numbers.at(0)), std::stoul(numbers.at(1)), name};
 }
 
 void readExtent(const std::string& text, Outcome& outcome) {
