@@ -19,7 +19,7 @@ void RE_Token_Stack::set_end(std::size_t index, std::size_t end) {
 }
 
 const RE_TokenInfo* RE_Token_Stack::get(const char16_t* name) const {
-    for (std::size_t i = 0; i < count; ++i) {
+    for (std::size_t i = 0; name != nullptr && i < count; ++i) {
         if (slots[i].name != nullptr && utf16_strcmp(slots[i].name, name) == 0) {
             return &slots[i];
         }

@@ -4,6 +4,7 @@
 #include "regexp/memory.h"
 
 #include <boost/container/small_vector.hpp>
+#include <concepts>
 #include <cstddef>
 
 /// One capture token. Indexes and lengths count code units from the subject's first unit.
@@ -25,8 +26,10 @@ public:
 
     /// The slot, or null when the token is not in effect.
     const RE_TokenInfo* get(std::size_t index) const { return index < count ? &slots[index] : nullptr; }
-    const RE_TokenInfo* get(int index) const {
-        return index < 0 ? nullptr : get(static_cast<std::size_t>(index));
+    /// The same for every other integral type, the literal 0 included. No token has a negative number.
+    template <std::integral Index>
+    const RE_TokenInfo* get(Index index) const {
+        return get(static_cast<std::size_t>(index));
     }
     /// The lowest-numbered token in effect that has this name (compared exactly), or null.
     const RE_TokenInfo* get(const char16_t* name) const;
