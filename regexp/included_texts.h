@@ -18,7 +18,7 @@ class RE_Search_Info;
 class RE_Tree;
 
 /// Texts in the order in which they were included; those of later records stand behind those of earlier ones.
-class RE_Included_Texts : public RE_Memory {
+class CORVANE_REGEXP_EXPORT RE_Included_Texts : public RE_Memory {
 public:
     RE_Included_Texts();
     ~RE_Included_Texts();

@@ -3,6 +3,7 @@
 
 #include "host/code_page.h"
 #include "regexp/graph_facts.h"
+#include "regexp/guest_run.h"
 #include "regexp/inspect/observer.h"
 #include "regexp/machine/machine_search.h"
 #include "regexp/match_loop.h"
@@ -66,17 +67,14 @@ RE_Results* RE_Tree::trace(const char16_t* subject, std::size_t length, std::siz
 
 bool RE_Tree::match_bool(const char16_t* position, std::size_t* length, RE_Search_Info* info) const {
     *length = 0;
-    if (root == nullptr) {
+    if (root == nullptr || position < info->subjectBegin || position > info->subjectEnd) {
         return false;
     }
-    info->prepare(*facts);
-    RE_Search_Scope scope(*info);  // choices that the state holds from before are not this run's
+    RE_Guest_Run run(*info, *facts, position);
     const std::size_t start = info->indexOf(position);
     std::size_t pos = start;
-    // A scan that was broken off may have led to an end too early.
-    const bool completed = runMatchLoop(*info, root, pos) && !info->wasInterrupted();
+    const bool completed = run.run(root, pos);
     *length = completed ? pos - start : 0;
-    scope.leave();
     return completed;
 }
 

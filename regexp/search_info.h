@@ -23,6 +23,7 @@
 #include <boost/container/flat_map.hpp>
 #include <boost/container/flat_set.hpp>
 #include <boost/container/small_vector.hpp>
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -163,7 +164,10 @@ public:
     const RE_TokenInfo* getToken(std::size_t index) const {
         return tokens == nullptr ? nullptr : withinSubject(tokens->get(index));
     }
-    const RE_TokenInfo* getToken(int index) const { return getToken(static_cast<std::size_t>(index)); }
+    template <std::integral Index>
+    const RE_TokenInfo* getToken(Index index) const {
+        return getToken(static_cast<std::size_t>(index));
+    }
     const RE_TokenInfo* getToken(const char16_t* name) const;
 
     /// Notes where a token opened. The slot itself is written when the token closes, so that it always
@@ -268,6 +272,7 @@ public:
     std::uint64_t refusals = 0;  ///< times a state was turned away because it had been tried before
 
 private:
+    friend class RE_Guest_Run;
     friend class RE_Search_Scope;
     friend class RE_Search_Memo;
 

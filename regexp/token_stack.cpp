@@ -20,7 +20,7 @@ void RE_Token_Stack::set_end(std::size_t index, std::size_t end) {
 }
 
 const RE_TokenInfo* RE_Token_Stack::get(const char16_t* name) const {
-    return get(find(name));
+    return name != nullptr ? get(find(name)) : nullptr;
 }
 
 std::size_t RE_Token_Stack::find(std::u16string_view name) const {

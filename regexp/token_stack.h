@@ -8,7 +8,9 @@
 #include "regexp/memory.h"
 
 #include <boost/container/small_vector.hpp>
+#include <concepts>
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
 
 /// One capture token. Indexes and lengths count code units from the subject's first unit.
@@ -30,8 +32,11 @@ public:
 
     /// The slot, or null when the token is not in effect.
     const RE_TokenInfo* get(std::size_t index) const { return index < count ? &slots[index] : nullptr; }
-    const RE_TokenInfo* get(int index) const {
-        return index < 0 ? nullptr : get(static_cast<std::size_t>(index));
+    /// The same for every other integral type, the literal 0 included. No token has a negative number.
+    template <std::integral Index>
+    const RE_TokenInfo* get(Index index) const {
+        const bool fits = index >= Index{} && static_cast<std::uint64_t>(index) < count;
+        return fits ? &slots[static_cast<std::size_t>(index)] : nullptr;
     }
     /// The lowest-numbered token in effect that has this name (compared exactly) and whose group took part; where
     /// none of that name took part, the lowest-numbered one in effect. Null where there is none.

@@ -1,8 +1,8 @@
 // Compiling a pattern. The search is in search_driver.cpp.
 #include "regexp/tree.h"
 
+#include "host/allocation.h"
 #include "host/code_page.h"
-#include "host/memory.h"
 #include "host/utf16.h"
 #include "regexp/graph_export.h"
 #include "regexp/graph_facts.h"

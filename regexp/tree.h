@@ -126,7 +126,9 @@ public:
     /// expressions) or would be large.
     bool makeDfa();
 
-    /// Runs the pattern once at exactly `position`, with the caller's state. Refuses no empty match.
+    /// Runs the pattern once at exactly `position`, with the caller's state. Refuses no empty match. A state
+    /// that is in no attempt begins one at `position`; `RE_Results(info, position, *length, false)` is a view
+    /// of the match then. Within an attempt, as of the search that runs the caller, the run is a part of it.
     bool match_bool(const char16_t* position, std::size_t* length, RE_Search_Info* info) const;
 
     /// The distinct names of tokens, in token order. The array belongs to the caller (`utFree`), the names to
@@ -153,6 +155,13 @@ public:
     /// Bytes of the host's memory that the compiled pattern holds, of one graph that trees may share.
     std::uint64_t memoryUse() const;
     std::uint64_t getTokenCount() const { return tokenCount; }
+    /// Whether `treeNames` has any.
+    bool getHasTokenNames() const { return hasTokenNames; }
+    bool getAllowEmptyMatch() const { return allowEmptyMatch; }
+    /// Whether a match of this length counts as one.
+    bool isValidMatchLength(std::size_t length) const { return length != 0 || allowEmptyMatch; }
+    /// Whether searches ask the host to be broken off, as the context had it when the pattern was compiled.
+    bool isInterruptible() const { return interruptible; }
     std::uint64_t getNodeCount() const { return nodeCount; }
     const RE_Node* getRoot() const { return root; }
     const RE_Graph_Facts& getFacts() const { return *facts; }

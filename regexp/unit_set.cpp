@@ -1,6 +1,6 @@
 #include "regexp/unit_set.h"
 
-#include "host/ctype.h"
+#include "host/unit_class.h"
 
 #include <algorithm>
 #include <atomic>

@@ -42,7 +42,7 @@ struct RE_Low_Units {
 
 /// A set of units: one bit for each of the 65,536. From some place on most sets hold all units or none: they
 /// know that place, so that building and comparing them looks at what stands before it only.
-class RE_Unit_Set : public RE_Memory {
+class CORVANE_REGEXP_EXPORT RE_Unit_Set : public RE_Memory {
 public:
     static constexpr std::size_t unitCount = 0x10000;
     /// Of a set that is not in use before something is assigned to it.
@@ -120,7 +120,7 @@ private:
 };
 
 /// The host's simple case mapping, unit by unit.
-class RE_Case_Table {
+class CORVANE_REGEXP_EXPORT RE_Case_Table {
 public:
     static const RE_Case_Table& get();
 
@@ -169,7 +169,7 @@ private:
 };
 
 /// The classes that escapes name.
-struct RE_Unit_Classes {
+struct CORVANE_REGEXP_EXPORT RE_Unit_Classes {
     static const RE_Unit_Classes& get();
 
     static constexpr std::size_t count = 6;

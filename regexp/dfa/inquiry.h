@@ -27,7 +27,7 @@ struct CORVANE_REGEXP_EXPORT RE_Inquiry_Delay {
     static std::uint64_t ambiguous;
 };
 
-class RE_Inquiry {
+class CORVANE_REGEXP_EXPORT RE_Inquiry {
 public:
     /// From now on the automaton of the pattern is asked, where it has one.
     void begin(const RE_Graph_Facts& pattern);

@@ -29,10 +29,14 @@ struct Entry {
     bool waysMeasured;
 };
 
-/// What most nodes are: one way leads on, and nothing but their own width counts besides.
+/// What most nodes are: one way leads on, and nothing but their own width counts besides. A node made by hand may lead
+/// nowhere: it ends its branch.
 bool hasOneWay(RE_Node& node) {
+    if (node.nextNode == nullptr) {
+        return false;
+    }
     if (const auto* const unit = nodeAs<RE_Unit_Test>(&node)) {
-        return unit->failTarget == nullptr && node.nextNode != nullptr;
+        return unit->failTarget == nullptr;
     }
     return node.kind == RE_Node_Kind::string || node.kind == RE_Node_Kind::startToken ||
            node.kind == RE_Node_Kind::endToken;
@@ -67,7 +71,8 @@ struct Measuring {
             node->maxLength = RE_Node::unboundedLength;
             begun.push_back(node);
             pending.push_back({node, true});
-            if (node->kind != RE_Node_Kind::run && !hasOneWay(*node)) {
+            const bool isRun = node->kind == RE_Node_Kind::run && node->nextNode != nullptr;
+            if (!isRun && !hasOneWay(*node)) {
                 forEachLink(*node, [this](RE_Node* target, RE_Link way) {
                     if (target != nullptr && isOnward(way)) {
                         pending.push_back({target, false});

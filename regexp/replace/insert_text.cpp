@@ -1,6 +1,6 @@
 #include "regexp/replace/insert_text.h"
 
-#include "host/memory.h"
+#include "host/allocation.h"
 
 #include <cstring>
 
