@@ -133,6 +133,8 @@ bool RE_First_Units::visitTest(RE_Node* node) {
             return false;
         }
         follow(ahead->body);
+        // A condition has a way for where the body does not match, too, whatever unit comes next.
+        tested = tested || ahead->failTarget != nullptr;
         follow(ahead->failTarget);
         return true;
     }
