@@ -22,7 +22,8 @@ namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-using Lanes = hn::ScalableTag<std::uint16_t>;
+// As many as there are bits in a word: some machines could have more.
+using Lanes = hn::CappedTag<std::uint16_t, 64>;
 using Vector = hn::Vec<Lanes>;
 using Mask = hn::Mask<Lanes>;
 
