@@ -36,7 +36,7 @@ endif()
 target_include_directories(corvane_regexp_objects PUBLIC ${PROJECT_SOURCE_DIR})
 target_link_libraries(corvane_regexp_objects PUBLIC Boost::headers Boost::program_options hwy::hwy)
 
-if(CORVANE_MACHINE_CODE AND CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64")
+if(CORVANE_MACHINE_CODE AND CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64" AND CMAKE_SIZEOF_VOID_P EQUAL 8)
     find_package(xbyak REQUIRED)
     target_link_libraries(corvane_regexp_objects PRIVATE $<BUILD_INTERFACE:xbyak::xbyak>)
     target_compile_definitions(corvane_regexp_objects PRIVATE CORVANE_MACHINE_CODE=1)

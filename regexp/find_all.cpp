@@ -1,6 +1,7 @@
 #include "regexp/find_all.h"
 
 #include "regexp/search_info.h"
+#include "regexp/within_size.h"
 
 #include <new>
 
@@ -64,7 +65,7 @@ std::unique_ptr<RE_Results> RE_Tree::match_at(std::u16string_view text, std::siz
         return nullptr;
     }
     RE_Seek_Table table;
-    RE_Search_Info info(dataOf(text), text.size(), tokenCount, &table, interruptible);
+    RE_Search_Info info(dataOf(text), text.size(), withinSize(tokenCount), &table, interruptible);
     if (info.tokens == nullptr) {
         throw std::bad_alloc();
     }

@@ -74,7 +74,7 @@ private:
 /// Gives each distinct combination of words a number of its own, counted from a first number on.
 class CORVANE_REGEXP_EXPORT RE_Memo_Rows : public RE_Memory {
 public:
-    using Key = std::pmr::vector<std::size_t>;
+    using Key = std::pmr::vector<std::uint64_t>;
 
     RE_Memo_Rows(std::uint32_t firstRow, std::pmr::memory_resource* memory)
         : rows(memory), first(firstRow), next(firstRow) {}

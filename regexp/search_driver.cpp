@@ -12,6 +12,7 @@
 #include "regexp/search_info.h"
 #include "regexp/start_walk.h"
 #include "regexp/unwatched_loop.h"
+#include "regexp/within_size.h"
 
 #include <algorithm>
 #include <new>
@@ -83,7 +84,7 @@ RE_Results* RE_Tree::searchFrom(const char16_t* subject, std::size_t length, std
     if (subject == nullptr || offset > length || root == nullptr) {
         return nullptr;
     }
-    RE_Search_Info info(subject, length, tokenCount, table, interruptible);
+    RE_Search_Info info(subject, length, withinSize(tokenCount), table, interruptible);
     info.prepare(*facts);
     info.rejectEmpty = allowEmptyMatch ? 0 : 1;
     info.observer = observer;
@@ -159,7 +160,7 @@ bool RE_Tree::findMatch(RE_Search_Info& info, std::size_t offset, std::size_t& l
         return false;
     }
     const char16_t* const p = info.subjectBegin + offset;
-    const char16_t* const last = info.subjectEnd - needed;
+    const char16_t* const last = info.subjectEnd - withinSize(needed);
     const bool isWatched = info.observer != nullptr || info.tokens == nullptr;
     if (facts->machineCode != nullptr && !isWatched) {
         return findByMachineCode(*facts, root, p, last, info, length);

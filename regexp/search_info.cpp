@@ -219,7 +219,7 @@ std::size_t RE_Search_Info::passWord(std::size_t pass) const {
     return registers[facts->tokenCount + pass];
 }
 
-std::size_t& RE_Search_Info::topCount(const RE_Node* counter) {
+std::uint64_t& RE_Search_Info::topCount(const RE_Node* counter) {
     attemptsLeaveNotes = true;
     Counts& counts = counterStacks[counter];
     if (counts.empty()) {
@@ -229,13 +229,13 @@ std::size_t& RE_Search_Info::topCount(const RE_Node* counter) {
 }
 
 void RE_Search_Info::decrementCount(const RE_Node* counter) {
-    std::size_t& count = topCount(counter);
+    std::uint64_t& count = topCount(counter);
     if (count > 0) {
         --count;
     }
 }
 
-std::size_t RE_Search_Info::countAt(const RE_Node* counter, std::size_t depth) const {
+std::uint64_t RE_Search_Info::countAt(const RE_Node* counter, std::size_t depth) const {
     const auto counts = counterStacks.find(counter);
     if (counts == counterStacks.end() || depth >= counts->second.size()) {
         return 0;

@@ -197,7 +197,7 @@ public:
     void incrementCount(const RE_Node* counter) { ++topCount(counter); }
     void decrementCount(const RE_Node* counter);
     /// The count `depth` levels below the top of this counter's stack; 0 where there is none.
-    std::size_t countAt(const RE_Node* counter, std::size_t depth) const;
+    std::uint64_t countAt(const RE_Node* counter, std::size_t depth) const;
     void popCount(const RE_Node* counter);
 
     // --- closed bodies ---
@@ -240,7 +240,7 @@ public:
     RE_Token_Stack* tokens = nullptr;  ///< null without memory, and when an `RE_Results` has taken the store
     RE_Backtrack_Stack backtrack;
 
-    using Counts = std::vector<std::size_t, RE_Allocator<std::size_t>>;
+    using Counts = std::vector<std::uint64_t, RE_Allocator<std::uint64_t>>;
     boost::container::flat_map<const RE_Node*, Counts, std::less<const RE_Node*>,
                                RE_Allocator<std::pair<const RE_Node*, Counts>>>
         counterStacks;
@@ -306,7 +306,7 @@ private:
         ++refusals;
         return false;
     }
-    std::size_t& topCount(const RE_Node* counter);
+    std::uint64_t& topCount(const RE_Node* counter);
     bool writesAreTrailed() const { return backtrack.top >= 0 || scopes > 0; }
     void setRegister(std::size_t index, std::size_t value);
     void setSlot(std::size_t index, const RE_TokenInfo& value);

@@ -73,7 +73,8 @@ private:
 
     struct Place_Hash {
         std::size_t operator()(const Place& place) const {
-            return place.first * 0x9E3779B97F4A7C15u ^ place.second;
+            const std::uint64_t mixed = place.first * std::uint64_t{0x9E3779B97F4A7C15u} ^ place.second;
+            return static_cast<std::size_t>(mixed ^ mixed >> 32);
         }
     };
     template <class Key, class Hash>

@@ -16,6 +16,7 @@
 #include "regexp/passes/pass_runner.h"
 #include "regexp/program/lower.h"
 #include "regexp/sub_pattern_place.h"
+#include "regexp/within_size.h"
 
 #include <algorithm>
 #include <utility>
@@ -102,7 +103,7 @@ RE_Node* readGraph(RE_ParserContext& parserContext, const char16_t* pattern, std
     RE_Syntax_Tree syntax = RE_Grammar(parserContext, pattern, length, last).read();
     parserContext.flags = flags;
     measureSyntax(syntax, parserContext, pattern);
-    parserContext.facts->tokenCount = syntax.groupCount;
+    parserContext.facts->tokenCount = withinSize(syntax.groupCount);
     parserContext.facts->minimumLength = syntax[RE_Syntax_Tree::root].least;
     parserContext.hasLongMatches = syntax[RE_Syntax_Tree::root].most > manyUnits;
     return RE_Graph_Builder(parserContext, syntax).build(continuationNode);

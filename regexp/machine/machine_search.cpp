@@ -113,17 +113,18 @@ private:
     void measureRun() {
         const std::uint32_t most = info.instruction->most;
         const char16_t* const from = info.runBegin;
+        const auto room = static_cast<std::size_t>(info.subjectEnd - from);
         info.cursor =
             most == RE_Instruction::noMaximum
                 ? loop().longRunEnd(from, info)
-                : loop().scanOn(from, from + std::min<std::ptrdiff_t>(most, info.subjectEnd - from), info);
+                : loop().scanOn(from, from + std::min<std::size_t>(most, room), info);
     }
 
     /// Ends an attempt from the run on that was measured.
     bool finishBehindRun(std::size_t& length) {
         const RE_Instruction& in = *info.instruction;
         const char16_t* p = info.cursor;
-        const std::ptrdiff_t run = p - info.runBegin;
+        const auto run = static_cast<std::size_t>(p - info.runBegin);
         if (in.flag && run < in.most) {
             info.leadingRun = {info.runBegin, p};
         }

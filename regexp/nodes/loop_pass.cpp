@@ -4,8 +4,8 @@
 
 namespace {
 
-// Marks the word of a pass that ends the loop when it is empty; no subject is long enough to reach this bit.
-constexpr std::size_t endsLoop = std::size_t{1} << 62;
+// Marks the word of a pass that ends the loop when it is empty. Units have two bytes: no position has this bit.
+constexpr std::size_t endsLoop = ~(~std::size_t{0} >> 1);
 
 }  // namespace
 

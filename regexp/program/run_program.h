@@ -77,20 +77,21 @@ private:
 inline const char16_t* RE_Program_Run::runEnd(const RE_Instruction& in, const RE_Consume& loop,
                                               const char16_t* p) {
     const RE_Unit_Set& members = *in.units;
-    const std::ptrdiff_t room = info.subjectEnd - p;
-    const std::ptrdiff_t most = std::min<std::ptrdiff_t>(in.most, room);
-    const char16_t* const stop = p + std::min(most, RE_Consume::shortRun);
+    // `noMaximum` is a negative difference where pointers have 32 bits.
+    const auto room = static_cast<std::size_t>(info.subjectEnd - p);
+    const std::size_t most = std::min<std::size_t>(in.most, room);
+    const char16_t* const stop = p + std::min<std::size_t>(most, RE_Consume::shortRun);
     const char16_t* end = p;
     while (end < stop && members.contains(*end)) {
         ++end;
     }
-    if (end == stop && most > RE_Consume::shortRun) {
+    if (end == stop && most > std::size_t{RE_Consume::shortRun}) {
         info.meter.setRoom(left);
         end =
             in.most == RE_Instruction::noMaximum ? loop.longRunEnd(p, info) : loop.scanOn(p, p + most, info);
         left = info.meter.room();
     }
-    if (in.flag && end - p < in.most) {
+    if (in.flag && static_cast<std::size_t>(end - p) < in.most) {
         info.leadingRun = {p, end};
     }
     return end;
@@ -187,7 +188,7 @@ inline RE_Program_Exit RE_Program_Run::run(const RE_Instruction* in) {
                 break;
             case RE_Operation::run: {
                 const char16_t* const stop = runEnd(*in, static_cast<const RE_Consume&>(*in->node), p);
-                const bool suffices = stop - p >= in->least;
+                const bool suffices = static_cast<std::size_t>(stop - p) >= in->least;
                 p = stop;
                 goOn(suffices);
                 break;
@@ -196,7 +197,7 @@ inline RE_Program_Exit RE_Program_Run::run(const RE_Instruction* in) {
                 const auto& token = static_cast<const RE_Start_Token&>(*in->node);
                 --left;
                 const char16_t* const stop = runEnd(*in, static_cast<const RE_Consume&>(*token.run), p);
-                if (stop - p < in->least) {
+                if (static_cast<std::size_t>(stop - p) < in->least) {
                     in = in->otherwise;
                     break;
                 }

@@ -1,6 +1,8 @@
 // Reader of the match case tables.
 #include "tests/support/case_file.h"
 
+#include "regexp/within_size.h"
+
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -80,7 +82,7 @@ MatchCase readLine(const std::string& line) {
     result.pattern = expand(columns[0]);
     result.flags = flagsOf(columns[1]);
     result.subject = expand(columns[2]);
-    result.offset = std::stoul(columns[3]);
+    result.offset = withinSize(std::stoull(columns[3]));
     readExtent(columns[4], result.expected);
     readTokens(columns[5], result);
     readWarnings(columns[6], result);
