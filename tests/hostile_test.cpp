@@ -57,7 +57,7 @@ TEST(ShortPatterns, OfOneAndTwoUnitsAreHarmless) {
 }
 
 std::u16string mutated(std::u16string pattern, PatternSource& source) {
-    constexpr std::u16string_view units = u"()[]{}?*+|\\^$.:<>=!-,19aik";
+    constexpr std::u16string_view units = u"()[]{}?*+|\\^$.:<>=!-,19aikxo";
     for (size_t left = 1 + source.below(3); left > 0 && !pattern.empty(); --left) {
         const size_t place = source.below(pattern.size());
         const size_t way = source.below(3);
@@ -168,6 +168,8 @@ constexpr Nest kNests[] = {
     {"{", "", "}", nullptr},
     {"(?<n>", "", ")", nullptr},
     {"(?i)", "A", "", "[0,1]", true},
+    {"(?x:{#\n", "", ")", nullptr},
+    {"(?x){(?-x){", "", "", nullptr},
     {"\\x{(?x)", "", "", nullptr},
 };
 
