@@ -31,33 +31,30 @@ bool RE_Grammar::readQuantifier() {
     return true;
 }
 
-// Reads {n}, {n,} or {n,m}; leaves `at` behind it, or where it was when it is none.
+// Reads {n}, {n,} or {n,m}; leaves `at` behind it, or where it was when it is none. Where its brace closes is
+// seen by reading, past comments under free spacing; one that is none is looked at again for what is wrong.
 bool RE_Grammar::readBraces(std::uint64_t& minimum, std::uint64_t& maximum) {
-    const std::size_t start = at;
-    const std::uint32_t close = brackets.nextBrace(at);
-    if (close == RE_Brackets::none || close > frame().close) {
-        warnAt(start, RE_WARNING_UNCLOSED_QUANTIFIER);
-        return false;
-    }
-    std::size_t i = skipSpacing(text, close, at + 1, flags());
-    bool valid = i < close && isAsciiDigit(text[i]);
+    const std::size_t end = std::min<std::size_t>(length, frame().close);
+    std::size_t i = skipSpacing(text, end, at + 1, flags());
+    bool valid = i < end && isAsciiDigit(text[i]);
     minimum = valid ? readNumber(i) : 0;
     maximum = minimum;
-    i = skipSpacing(text, close, i, flags());
-    if (valid && i < close && text[i] == u',') {
-        i = skipSpacing(text, close, i + 1, flags());
+    i = skipSpacing(text, end, i, flags());
+    if (valid && i < end && text[i] == u',') {
+        i = skipSpacing(text, end, i + 1, flags());
         maximum = RE_Syntax::noMaximum;
-        if (i < close && isAsciiDigit(text[i])) {
+        if (i < end && isAsciiDigit(text[i])) {
             maximum = readNumber(i);
-            i = skipSpacing(text, close, i, flags());
+            i = skipSpacing(text, end, i, flags());
         }
     }
-    valid = valid && i == close && minimum <= maximum;
+    valid = valid && i < end && text[i] == u'}' && minimum <= maximum;
     if (!valid) {
-        warnAt(start, RE_WARNING_BAD_QUANTIFIER);
+        const bool closed = brackets.nextBrace(at, flags()) < end;
+        warnAt(at, closed ? RE_WARNING_BAD_QUANTIFIER : RE_WARNING_UNCLOSED_QUANTIFIER);
         return false;
     }
-    at = close + std::size_t{1};
+    at = i + 1;
     return true;
 }
 

@@ -61,8 +61,11 @@ private:
     NodePtr sequence() {
         NodePtr node = make(Kind::Sequence);
         for (skipSpacing(); !m_reader.done() && !m_reader.sees(u"|") && !m_reader.sees(u")"); skipSpacing()) {
-            NodePtr item = quantified(atom());
-            node->children.push_back(std::move(item));
+            NodePtr item = atom();
+            for (const char16_t unit : std::exchange(m_text, {})) {
+                node->children.push_back(std::exchange(item, units({{unit, unit}}, false)));
+            }
+            node->children.push_back(quantified(std::move(item)));
         }
         return node;
     }
@@ -96,15 +99,23 @@ private:
         if (!m_reader.takes(u"{")) {
             return false;
         }
-        repeat.min = repeat.max = m_reader.number();
+        repeat.min = repeat.max = numberInBraces();
         if (m_reader.takes(u",")) {
-            repeat.max = m_reader.sees(u"}") ? std::numeric_limits<size_t>::max() : m_reader.number();
+            m_reader.skipBlanks(m_flags.freeSpacing);
+            repeat.max = m_reader.sees(u"}") ? std::numeric_limits<size_t>::max() : numberInBraces();
         }
         m_reader.need(u"}");
         if (repeat.max < repeat.min) {
             throw Unreadable();
         }
         return true;
+    }
+
+    size_t numberInBraces() {
+        m_reader.skipBlanks(m_flags.freeSpacing);
+        const size_t value = m_reader.number();
+        m_reader.skipBlanks(m_flags.freeSpacing);
+        return value;
     }
 
     NodePtr atom() {
@@ -158,15 +169,29 @@ private:
         }
         if (unit == u'k' && m_reader.takes(u"<")) {
             NodePtr node = reference();
-            node->name = m_reader.name(u">");
+            node->name = m_reader.name(u">", m_flags.freeSpacing);
             m_namesUsed.push_back(node->name);
             return node;
         }
         if (isDigit(unit) && unit != u'0') {
             return numberedReference(static_cast<size_t>(unit - u'0'));
         }
-        const char16_t value = escapedUnit(unit);
-        return units({{value, value}}, false);
+        const std::optional<char16_t> value = escapedUnit(m_reader, unit);
+        if (!value && m_reader.sees(u"{")) {
+            textInBraces();
+        }
+        return units({{value.value_or(unit), value.value_or(unit)}}, false);
+    }
+
+    // A brace that belongs to a malformed number begins no quantifier, and neither does one within.
+    void textInBraces() {
+        while (!m_text.ends_with(u'}')) {
+            const std::optional<char16_t> unit = m_reader.takesPlain(m_flags.freeSpacing);
+            if (!unit) {
+                return;
+            }
+            m_text += *unit;
+        }
     }
 
     NodePtr reference() const {
@@ -200,7 +225,7 @@ private:
             return wrap(Kind::Atomic, closed(alternation()));
         }
         if (m_reader.takes(u"<")) {
-            std::u16string label = m_reader.name(u">");
+            std::u16string label = m_reader.name(u">", m_flags.freeSpacing);
             m_names.push_back(label);
             return capture(std::move(label));
         }
@@ -247,7 +272,7 @@ private:
             node->number = ordinal - 1;
             m_reader.need(u")");
         } else {
-            node->name = m_reader.name(u")");
+            node->name = m_reader.name(u")", false);
             m_namesUsed.push_back(node->name);
         }
         const Flags saved = m_flags;
@@ -270,6 +295,7 @@ private:
             }
             if (unit == u')') {
                 m_flags = changed;
+                refuseQuantifier();
                 return make(Kind::Sequence);
             }
             if (unit == u':') {
@@ -286,6 +312,14 @@ private:
         NodePtr body = closed(alternation());
         m_flags = saved;
         return body;
+    }
+
+    // Modes are nothing that could be repeated.
+    void refuseQuantifier() {
+        skipSpacing();
+        if (m_reader.sees(u"*") || m_reader.sees(u"+") || m_reader.sees(u"?") || m_reader.sees(u"{")) {
+            throw Unreadable();
+        }
     }
 
     static void setMode(Flags& flags, char16_t letter, bool value) {
@@ -310,6 +344,7 @@ private:
     Reader m_reader;
     Flags m_flags;
     size_t m_tokens = 0;
+    std::u16string m_text;  // units that follow the atom just read
     std::vector<std::u16string> m_names;
     std::vector<std::u16string> m_namesUsed;
 };

@@ -40,13 +40,24 @@ void Reader::skipSpacing(bool freeSpacing) {
                 open += unit == u'(' ? 1U : 0U;
                 open -= unit == u')' ? 1U : 0U;
             }
-        } else if (freeSpacing && ((m_text[m_at] >= 28 && m_text[m_at] <= 32) || (m_text[m_at] >= 9 && m_text[m_at] <= 13))) {
-            ++m_at;
-        } else if (freeSpacing && m_text[m_at] == u'#') {
+        } else {
+            const size_t before = m_at;
+            skipBlanks(freeSpacing);
+            more = m_at != before;
+        }
+    }
+}
+
+void Reader::skipBlanks(bool freeSpacing) {
+    while (freeSpacing && !done()) {
+        const char16_t unit = m_text[m_at];
+        if (unit == u'#') {
             while (!done() && take() != u'\n') {
             }
+        } else if ((unit >= 28 && unit <= 32) || (unit >= 9 && unit <= 13)) {
+            ++m_at;
         } else {
-            more = false;
+            return;
         }
     }
 }
@@ -74,19 +85,45 @@ size_t Reader::moreDigits(size_t value, size_t largest) {
     return value;
 }
 
-std::u16string Reader::name(std::u16string_view close) {
+std::u16string Reader::name(std::u16string_view close, bool freeSpacing) {
     std::u16string result;
-    while (!takes(close)) {
+    skipBlanks(freeSpacing);
+    for (bool ended = false; !ended && !takes(close);) {
         const char16_t unit = take();
         if (!isLetter(unit) && (result.empty() || (!isDigit(unit) && unit != u'_'))) {
             throw Unreadable();
         }
         result += unit;
+        const size_t end = m_at;
+        skipBlanks(freeSpacing);
+        ended = m_at != end;
+        if (ended) {
+            need(close);
+        }
     }
     if (result.empty()) {
         throw Unreadable();
     }
     return result;
+}
+
+std::optional<std::u16string> Reader::braced() {
+    const size_t close = sees(u"{") ? m_text.find(u'}', m_at) : m_text.npos;
+    if (close == m_text.npos) {
+        return std::nullopt;
+    }
+    const std::u16string inside(m_text.substr(m_at + 1, close - m_at - 1));
+    m_at = close + 1;
+    return inside;
+}
+
+std::optional<char16_t> Reader::takesPlain(bool freeSpacing) {
+    skipBlanks(freeSpacing);
+    constexpr std::u16string_view meaningful = u"()[\\|.^$*+?";
+    if (done() || meaningful.find(m_text[m_at]) != meaningful.npos) {
+        return std::nullopt;
+    }
+    return take();
 }
 
 }  // namespace corvane_tests::reference

@@ -3,6 +3,7 @@
 
 #include "tests/support/reference_tree.h"
 
+#include <optional>
 #include <string_view>
 
 namespace corvane_tests::reference {
@@ -28,12 +29,18 @@ public:
 
     /// Comments always, blanks and # comments under free spacing.
     void skipSpacing(bool freeSpacing);
+    /// Blanks and # comments alone, which may stand inside a quantifier and around a name.
+    void skipBlanks(bool freeSpacing);
     size_t number();
     /// The digits of a reference of which `value` is the first: further ones while the number stays a known
     /// group.
     size_t moreDigits(size_t value, size_t largest);
     /// A name up to `close`, which is consumed.
-    std::u16string name(std::u16string_view close);
+    std::u16string name(std::u16string_view close, bool freeSpacing);
+    /// What stands between `{` and the next `}`, which are consumed, or nothing.
+    std::optional<std::u16string> braced();
+    /// A unit that has no meaning where an atom may stand, if there is one here.
+    std::optional<char16_t> takesPlain(bool freeSpacing);
 
 private:
     std::u16string_view m_text;
