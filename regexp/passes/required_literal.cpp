@@ -108,22 +108,20 @@ RE_Scratch_List<RE_Node*> literalsFrom(RE_ParserContext& context, RE_Node* root)
     RE_Scratch_List<RE_Node*> found(&context.scratch);
     nodes.reserve(usualNodes);
     found.reserve(mostLiterals);
-    const auto follow = [&](RE_Node* target, RE_Link kind) {
-        const bool onTheWay = kind == RE_Link::next || kind == RE_Link::done ||
-                              kind == RE_Link::alternative || kind == RE_Link::fail;
-        if (onTheWay && target != nullptr && target->walk != walk) {
+    const auto follow = [&](RE_Node* target) {
+        if (target->walk != walk) {
             target->walk = walk;
             nodes.push_back(target);
         }
     };
-    follow(root, RE_Link::next);
+    follow(root);
     for (std::size_t i = 0; i < nodes.size() && i < mostNodes && found.size() < mostLiterals; ++i) {
         RE_Node* const node = nodes[i];
         if (nodeAs<RE_String>(node) != nullptr || nodeAs<RE_Natural>(node) != nullptr ||
             nodeAs<RE_Literal_Set>(node) != nullptr) {
             found.push_back(node);
         }
-        forEachLink(*node, follow);
+        forEachWay(*node, follow);
     }
     return found;
 }
