@@ -133,7 +133,7 @@ bool RE_First_Units::visitTest(RE_Node* node) {
             return false;
         }
         follow(ahead->body);
-        // A condition has a way for where the body does not match, too, whatever unit comes next.
+        // Where the body of a condition does not match its fail target is taken, whatever unit comes next.
         tested = tested || ahead->failTarget != nullptr;
         follow(ahead->failTarget);
         return true;
