@@ -25,7 +25,7 @@ public:
 
     Made expression(RE_Flags flags, bool evaluates) {
         m_groups = m_latest[0] = m_latest[1] = 0;
-        m_named = false;
+        m_named = m_dependent = false;
         m_flags = flags;
         m_evaluates = evaluates;
         return make(4);
@@ -63,10 +63,12 @@ private:
         return way < std::size(leaves) ? leaves[way] : reference();
     }
     Made foreignCondition() {
+        m_dependent = true;
         m_groups += m_evaluates ? 2 : 0;
         return {RE_Builder(u"(?(?@f)(a)|(b))"), m_evaluates ? u"(?(?=)(a)|(b))" : u"(?:)"};
     }
     Made foreignComment() {
+        m_dependent = true;
         const bool isComment = (m_flags & RE_FLAG_FREE_SPACING) != 0;
         m_groups += isComment ? 1 : 2;
         return {RE_Builder(u"(a) #(1)"), isComment ? u"(?:(a))" : u"(?:(a) #(1))"};
@@ -83,8 +85,13 @@ private:
             return {backreference(u"n"), u"\\k<n>"};
         }
         const size_t handle = below(2);
-        return {backreference(m_handles[handle]),
-                m_latest[handle] == 0 ? u"(?!)" : u"(?:\\" + number(m_latest[handle]) + u")"};
+        const RE_Token& token = m_handles[handle];
+        const std::u16string group = number(m_latest[handle]);
+        // By number a token that took no part may be empty, by name absent: only one that has text is read then.
+        if (m_dependent) {
+            return {if_token(token, backreference(token)), m_latest[handle] == 0 ? u"(?:)" : u"(?(" + group + u")\\" + group + u")"};
+        }
+        return {backreference(token), m_latest[handle] == 0 ? u"(?!)" : u"(?:\\" + group + u")"};
     }
     Made capture(int depth) {
         const size_t way = below(4);
@@ -119,6 +126,7 @@ private:
     Made conditionOnExpression(int depth) {
         const size_t groups = m_groups, latest[] = {m_latest[0], m_latest[1]};
         const bool named = m_named, truth = below(2) == 0;
+        m_dependent = true;
         const Made yes = make(depth), no = make(depth);
         if (!m_evaluates) {
             m_groups = groups;
@@ -129,6 +137,17 @@ private:
         }
         return {if_expression(RE_Template(truth ? u"true" : u"false"), yes.builder, no.builder),
                 m_evaluates ? (truth ? u"(?(?=)(?:" : u"(?(?!)(?:") + yes.text + u")|(?:" + no.text + u"))" : u"(?:)"};
+    }
+    // Whose groups are there or not, a token, and something that may refer to it.
+    Made tokenBehindSomeGroups(int depth) {
+        const size_t way = below(3);
+        const Made groups = way == 0 ? foreignCondition() : way == 1 ? foreignComment() : conditionOnExpression(depth);
+        const Made before{RE_Builder_Space::optional(groups.builder), u"(?:" + groups.text + u")?"};
+        const Made token = capture(depth), last = below(2) == 0 ? reference() : conditional(depth);
+        return joined(before, joined(token, last));
+    }
+    static Made joined(const Made& one, const Made& two) {
+        return {one.builder + two.builder, u"(?:" + one.text + two.text + u")"};
     }
     Made repeat(int depth) {
         const Made body = make(depth);
@@ -143,7 +162,8 @@ private:
                 u"(?:" + body.text + u")" + signs[sign] + (way == 0 ? u"" : way == 1 ? u"?" : u"+")};
     }
     Made composite(int depth) {
-        const size_t way = below(23);
+        const size_t way = below(24);
+        if (way == 23) return tokenBehindSomeGroups(depth);
         if (way == 21) return conditionOnLookaround(depth);
         if (way == 22) return conditionOnExpression(depth);
         if (way < 4) return repeat(depth);
@@ -161,7 +181,7 @@ private:
         if (way == 15) return {without_mode(RE_MODE_IGNORE_CASE, one.builder), u"(?-i:" + one.text + u")"};
         const Made two = make(depth);
         return way < 18 ? Made{either(one.builder, two.builder), u"(?:" + one.text + u"|" + two.text + u")"}
-                        : Made{one.builder + two.builder, u"(?:" + one.text + two.text + u")"};
+                        : joined(one, two);
     }
     static std::u16string number(size_t value) { return widen(std::to_string(value)); }
     std::mt19937_64 m_random;
@@ -169,6 +189,7 @@ private:
     size_t m_latest[2] = {};
     size_t m_groups = 0;
     bool m_named = false;
+    bool m_dependent = false;  // flags or host have decided about some group
     RE_Flags m_flags = 0;
     bool m_evaluates = false;
 };
