@@ -91,15 +91,18 @@ void RE_Grammar::repeatLast(std::size_t start, std::uint64_t minimum, std::uint6
     tree[item].qualifier = how;
 }
 
-// X** and the like repeat what is repeated already: any of ? * + on top of X* is X*, and X? under * or + is
-// X*. Kept from nesting, long chains of quantifiers cost nothing.
+// X** and the like repeat what is repeated already: any of ? * + on top of X* is X*, and X? under ? or * is X? or X*.
+// Kept from nesting, long chains of quantifiers cost nothing. X? under + is X* only when X consumes something: the pass
+// that is required counts also where X matches the empty text, and X* would refuse it.
 bool RE_Grammar::foldsIntoInner(RE_Syntax& inner, std::uint64_t minimum, std::uint64_t maximum,
                                 RE_Qualifier how) const {
     const bool outerSimple = minimum <= 1 && (maximum == RE_Syntax::noMaximum || maximum == 1);
     const bool innerSimple = inner.kind == RE_Syntax_Kind::repeat && inner.minimum == 0 &&
                              (inner.maximum == RE_Syntax::noMaximum || inner.maximum == 1);
     const bool bothGreedy = how == RE_Qualifier::greedy && inner.qualifier == RE_Qualifier::greedy;
-    if (!outerSimple || !innerSimple || !bothGreedy) {
+    const bool keepsEmptyPass =
+        minimum == 1 && maximum != 1 && inner.isPlainChoice() && !tree.consumesOneUnit(inner.firstChild);
+    if (!outerSimple || !innerSimple || !bothGreedy || keepsEmptyPass) {
         return false;
     }
     inner.maximum = std::max(inner.maximum, maximum);

@@ -13,6 +13,22 @@ namespace {
 
 struct GaveUp {};
 
+/// Counts the parts that are being matched inside each other, as many as the native stack has room for.
+class Depth {
+public:
+    explicit Depth(size_t& depth) : m_depth(depth) {
+        if (++m_depth > 3000) {
+            throw GaveUp();
+        }
+    }
+    ~Depth() { --m_depth; }
+    Depth(const Depth&) = delete;
+    Depth& operator=(const Depth&) = delete;
+
+private:
+    size_t& m_depth;
+};
+
 using Tokens = std::vector<Token>;
 using Next = FunctionRef<bool(size_t, const Tokens&)>;
 
@@ -65,6 +81,7 @@ public:
         if (m_stepsLeft-- == 0) {
             throw GaveUp();
         }
+        const Depth depth(m_depth);
         switch (node.kind) {
             case Kind::Sequence:
                 return sequence(node, 0, at, tokens, next);
@@ -73,7 +90,8 @@ public:
             case Kind::Unit:
                 return at < m_subject.size() && acceptsUnit(node, m_subject[at]) && next(at + 1, tokens);
             case Kind::Repeat:
-                return repeat(node, 0, at, tokens, next);
+                return node.min == 0 && node.max == 1 ? choice(node, at, tokens, next)
+                                                      : repeat(node, 0, at, tokens, next);
             case Kind::Capture:
                 return capture(node, at, tokens, next);
             case Kind::Atomic:
@@ -103,6 +121,14 @@ private:
     bool alternation(const Node& node, size_t at, const Tokens& tokens, Next next) {
         return std::any_of(node.children.begin(), node.children.end(),
                            [&](const NodePtr& branch) { return run(*branch, at, tokens, next); });
+    }
+
+    /// A plain `?`: to take the body, whatever it consumes, or to go past it.
+    bool choice(const Node& node, size_t at, const Tokens& tokens, Next next) {
+        if (node.lazy && next(at, tokens)) {
+            return true;
+        }
+        return run(*node.children[0], at, tokens, next) || (!node.lazy && next(at, tokens));
     }
 
     /// The first `min` passes are required and may be empty; a further pass must consume something.
@@ -217,6 +243,7 @@ private:
 
     std::u16string_view m_subject;
     size_t m_stepsLeft;
+    size_t m_depth = 0;
 };
 
 Outcome searchFrom(const Pattern& pattern, bool emptyAccepted, std::u16string_view subject, size_t offset,
