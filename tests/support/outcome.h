@@ -12,6 +12,7 @@ struct Token {
     size_t start = 0;
     size_t length = 0;
     std::u16string name;
+    bool tookPart = true;
 
     bool operator==(const Token&) const = default;
 };
@@ -34,7 +35,7 @@ inline std::string describe(const Outcome& outcome) {
     for (size_t index = 0; index < outcome.tokens.size(); ++index) {
         const Token& token = outcome.tokens[index];
         text += " t" + std::to_string(index) + "=(" + std::to_string(token.start) + "," +
-                std::to_string(token.length) + ")";
+                std::to_string(token.length) + ")" + (token.tookPart ? "" : "~");
         if (!token.name.empty()) {
             text += printable(token.name);
         }

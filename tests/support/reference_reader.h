@@ -21,10 +21,12 @@ public:
     bool sees(std::u16string_view text) const { return m_text.substr(m_at, text.size()) == text; }
     bool seesDigit() const { return !done() && isDigit(m_text[m_at]); }
     bool seesLetter() const { return !done() && isLetter(m_text[m_at]); }
+    std::u16string_view rest() const { return m_text.substr(m_at); }
 
     bool takes(std::u16string_view text);
     void need(std::u16string_view text);
     char16_t take();
+    std::u16string_view take(size_t units);
 
     /// Comments always, blanks and # comments under free spacing.
     void skipSpacing(bool freeSpacing);
@@ -32,8 +34,10 @@ public:
     /// The digits of a reference of which `value` is the first: further ones while the number stays a known
     /// group.
     size_t moreDigits(size_t value, size_t largest);
-    /// A name up to `close`, which is consumed.
-    std::u16string name(std::u16string_view close);
+    /// The value of up to `most` digits of this base, at least one.
+    char32_t digits(int base, size_t most);
+    /// A name up to `close`, which is consumed. Free spacing allows blanks around it.
+    std::u16string name(std::u16string_view close, bool freeSpacing = false);
 
 private:
     std::u16string_view m_text;
