@@ -1,6 +1,8 @@
 // The automaton of a pattern says of every start what the match loop does, and searches that ask it find the same.
 #include "tests/support/differential.h"
 #include "tests/support/pattern_random.h"
+#include "tests/support/reference_parser.h"
+#include "tests/support/subject_random.h"
 
 #include "regexp/dfa/dfa.h"
 #include "regexp/find_all.h"
@@ -11,8 +13,6 @@ namespace corvane_tests {
 namespace {
 
 constexpr RE_Flags kLines = 0x06;
-constexpr EngineConfig kPlainGraph{false, false, false, 1024, false};
-
 /// A pattern by its automaton and as a plain graph.
 class Automaton {
 public:
@@ -108,19 +108,56 @@ TEST(Dfa, SaysWhatTheMatchLoopDoes) {
 TEST(Dfa, AgreesOnRandomPatterns) {
     PatternSource source(environmentNumber("CORVANE_TEST_SEED", 4712));
     const unsigned long rounds = environmentNumber("CORVANE_TEST_ROUNDS", sanitized() ? 200 : 3000);
-    PatternTraits traits;
-    traits.references = traits.conditions = false;
+    constexpr unsigned readers = kReferences | kConditions | kDynamics;
     size_t made = 0;
     for (unsigned long round = 0; round < rounds; ++round) {
-        traits.lookarounds = traits.atomics = source.below(8) == 0;
+        const unsigned without = source.below(8) == 0 ? readers : readers | kLookarounds | kAtomics | kPossessives;
         const RE_Flags flags = (source.below(2) == 0 ? kPlain : kEmptyToo) | (source.below(3) == 0 ? 0x04U : 0U);
-        const Automaton automaton(widen(source.pattern(traits)), flags, allConfigs()[source.below(16)]);
+        const Automaton automaton(source.pattern(without), flags, allConfigs()[source.below(16)]);
         made += automaton.states() > 0 ? 1 : 0;
         for (int subject = 0; subject < 3 && automaton.dfa() != nullptr; ++subject) {
             ASSERT_EQ("", automaton.compare(source.below(2) == 0 ? source.subject(10) : source.runs(4, 12)));
         }
     }
     EXPECT_GT(made, rounds / 3) << "or nothing is compared";
+}
+
+/// By itself, and of the patterns at the top of this page one after the other.
+DrawnPattern drawnOrKnown(PatternSource& source, unsigned long round) {
+    const Case& known = kCases[round / 3 % std::size(kCases)];
+    constexpr unsigned readers = kReferences | kConditions | kDynamics | kLookarounds | kAtomics | kPossessives;
+    return round % 3 == 0   ? DrawnPattern{known.pattern, known.flags}
+           : round % 3 == 1 ? source.draw(readers)
+                            : source.drawDense(readers);
+}
+
+// Attempts that turn back more than sixteen times ask, those with tokens less and less often, and searches look ahead
+// for a later match: all that needs subjects longer than those of other tests, where each attempt asks at once.
+TEST(Dfa, AgreesAtItsUsualDelays) {
+    PatternSource source(environmentNumber("CORVANE_TEST_SEED", 4713));
+    const unsigned long rounds = environmentNumber("CORVANE_TEST_ROUNDS", sanitized() ? 150 : 1500);
+    size_t made = 0;
+    size_t found = 0;
+    for (unsigned long round = 0; round < rounds; ++round) {
+        const DrawnPattern drawn = drawnOrKnown(source, round);
+        TestedPattern asking(drawn.text, drawn.flags, {.machineCode = source.oneIn(2), .dfa = true, .eagerDfa = false});
+        if (asking.tree().getFacts().dfa == nullptr) {
+            continue;
+        }
+        ++made;
+        TestedPattern plain(drawn.text, drawn.flags, kPlainGraph);
+        const auto parsed = reference::parse(drawn.text, drawn.flags);
+        for (int count = 0; count < 3; ++count) {
+            const std::u16string subject = drawLongSubject(source, parsed ? &*parsed : nullptr, 400);
+            const Walk walk = kWalks[source.below(std::size(kWalks))];
+            const auto expected = plain.walk(subject, 0, walk);
+            ASSERT_EQ(describe(expected->matches), describe(asking.walk(subject, 0, walk)->matches))
+                << printable(drawn.text) << " flags " << drawn.flags << " on " << printable(subject) << ' ' << walk;
+            found += expected->matches.empty() ? 0 : 1;
+        }
+    }
+    EXPECT_GT(made, rounds / 2) << "or nothing is compared";
+    EXPECT_GT(found, made) << "or nothing is found";
 }
 
 // Runs that one state goes over at once end, and match, at any place within the blocks that are looked at.

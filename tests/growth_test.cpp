@@ -84,7 +84,7 @@ TEST_F(Growth, IsNotCalledLinearWhereItIsNot) {
     size_t linear = 0;
     size_t others = 0;
     for (std::uint64_t round = 0; round < rounds; ++round) {
-        const std::u16string pattern = widen(source.pattern({}));
+        const std::u16string pattern = source.pattern();
         const Engine engine(pattern, kPlain, {round % 3 != 0, round % 3 == 1, true, 1024, false});
         if (judgeGrowth(engine.tree()).kind != Kind::linear) {
             ++others;

@@ -37,9 +37,12 @@ void expectHarmless(std::u16string_view pattern, RE_Flags flags) {
     }
 }
 
-/// Where the reference can read it too, both read the same.
+/// Where the reference can read it too, and nothing is malformed, both read the same.
 void expectAsRead(std::u16string_view pattern, RE_Flags flags) {
     const Engine engine(pattern, flags);
+    if (!engine.warnings().empty()) {
+        return;
+    }
     for (const std::u16string& subject : fewSubjects()) {
         if (const auto expected = reference::search(pattern, flags, subject, 0, {20000})) {
             EXPECT_EQ(describe(*expected), describe(engine.search(subject))) << printable(pattern) << " on " << printable(subject);
@@ -82,14 +85,14 @@ TEST(BrokenPatterns, AreHarmless) {
             const auto punctuation = [&] { return units[source.below(units.size())]; };
             expectHarmless(ofUnits(source, 14, punctuation), count == 0 ? 0x3DU : kPlain);
         }
-        const std::u16string broken = mutated(widen(source.pattern({})), source);
+        const std::u16string broken = mutated(source.pattern(), source);
         expectHarmless(broken, kEmptyToo);
         expectAsRead(broken, kEmptyToo);
         if (round % 2 == 0) {
             const auto any = [&] { return static_cast<char16_t>(source.below(source.below(3) == 0 ? 128 : 0x10000)); };
             expectHarmless(ofUnits(source, 10, any), 0x33);
         }
-        const std::u16string whole = round % 64 == 0 ? widen(source.pattern({})) : u"";
+        const std::u16string whole = round % 64 == 0 ? source.pattern() : u"";
         for (size_t length = 0; length < whole.size(); ++length) {
             expectHarmless(std::u16string_view(whole).substr(0, length), kPlain);
         }

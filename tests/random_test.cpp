@@ -1,36 +1,21 @@
-// Random patterns of the whole dialect against the reference matcher. A failure prints its seed:
-// CORVANE_TEST_SEED repeats it, CORVANE_TEST_ROUNDS sets the number of patterns.
+// Random patterns of the whole dialect: the plain graph against the reference matcher, and all settings against the
+// plain graph. A failure prints its seed: CORVANE_TEST_SEED repeats it, CORVANE_TEST_ROUNDS sets the number of
+// patterns.
 #include "tests/support/differential.h"
 #include "tests/support/pattern_random.h"
+#include "tests/support/subject_random.h"
 
 #include <gtest/gtest.h>
+
+#include <sstream>
 
 namespace corvane_tests {
 namespace {
 
-RE_Flags randomFlags(PatternSource& source) {
-    RE_Flags flags = source.below(2) == 0 ? kPlain : kEmptyToo;
-    flags |= source.below(8) == 0 ? 0x01U : 0U;
-    flags |= source.below(6) == 0 ? 0x04U : 0U;
-    flags &= source.below(6) == 0 ? ~RE_Flags{0x02U} : ~RE_Flags{0};
-    return flags;
-}
+constexpr unsigned kTokenReaders = kReferences | kConditions | kDynamics;
 
-void compareRandomPatterns(const PatternTraits& traits, std::uint64_t seed, unsigned long rounds) {
-    Comparison comparison;
-    PatternSource source(seed);
-    for (unsigned long round = 0; round < rounds; ++round) {
-        const std::u16string pattern = widen(source.pattern(traits));
-        const RE_Flags flags = randomFlags(source);
-        const EngineConfig& config = allConfigs()[source.below(allConfigs().size())];
-        std::vector<std::u16string> subjects;
-        for (int count = 0; count < 4; ++count) {
-            subjects.push_back(source.subject(9));
-        }
-        comparison.run(pattern, flags, config, subjects, source.below(4) == 0);
-    }
-    EXPECT_GT(comparison.compared(), rounds);
-    EXPECT_EQ("", comparison.report()) << "CORVANE_TEST_SEED=" << seed << " repeats this run";
+const EngineConfig& someConfig(PatternSource& source) {
+    return allConfigs()[source.below(allConfigs().size())];
 }
 
 std::uint64_t seedFor(std::uint64_t fallback) {
@@ -41,47 +26,105 @@ unsigned long rounds(unsigned long plain) {
     return environmentNumber("CORVANE_TEST_ROUNDS", sanitized() ? plain / 12 : plain);
 }
 
-/// The memo begins with the first choice taken up again, and needed literals are asked for behind each start, which
+/// What a run of comparisons has to show for itself.
+void expectAgreement(const Comparison& comparison, std::uint64_t seed) {
+    EXPECT_EQ("", comparison.report()) << "CORVANE_TEST_SEED=" << seed << " repeats this run";
+    EXPECT_GT(comparison.judged() * 5, comparison.compared()) << "the reference gives up too often";
+    EXPECT_GT(comparison.matched() * 3, comparison.judged()) << "too little is found to compare";
+}
+
+/// Constructs in contexts, under settings that are drawn: each comes up hundreds of times.
+void compareSweep(unsigned without, std::uint64_t seed, unsigned long patterns) {
+    Comparison comparison;
+    PatternSource source(seed);
+    for (unsigned long round = 0; round < patterns; ++round) {
+        const DrawnPattern pattern = source.draw(without);
+        comparison.referee(source, pattern, {someConfig(source), someConfig(source)});
+    }
+    expectAgreement(comparison, seed);
+}
+
+void compareDense(unsigned without, std::uint64_t seed, unsigned long patterns) {
+    Comparison comparison;
+    PatternSource source(seed);
+    for (unsigned long round = 0; round < patterns; ++round) {
+        const DrawnPattern pattern = source.drawDense(without);
+        comparison.refereeDense(source, pattern, {EngineConfig(), someConfig(source)});
+    }
+    expectAgreement(comparison, seed);
+}
+
+TEST(RandomPatterns, BringEveryConstructIntoEveryContext) {
+    PatternSource source(1);
+    for (size_t left = PatternSource::sweep(); left > 0; --left) {
+        source.draw();
+    }
+    const Coverage& coverage = source.coverage();
+    const size_t leaves = leafConstructs().size();
+    std::ostringstream missing;
+    std::set<std::string> impossible;
+    for (size_t context = 0; context < coverage.contexts(); ++context) {
+        for (size_t construct = 0; construct < coverage.constructs(); ++construct) {
+            const std::string cell = printable(Coverage::construct(construct).text) + "  in  " +
+                                     printable(Coverage::construct(leaves + context).text) + "\n";
+            const bool drawn = coverage.count(construct, context) > 0;
+            if (Coverage::isPossible(construct, context)) {
+                missing << (drawn ? "" : cell);
+            } else {
+                EXPECT_FALSE(drawn) << cell;
+                impossible.insert(contextConstructs()[context].barReason);
+            }
+        }
+    }
+    EXPECT_EQ("", missing.str());
+    EXPECT_EQ(std::set<std::string>{"it has no longest match"}, impossible);
+}
+
+TEST(RandomPatterns, OfEveryConstructInEveryContextAgree) {
+    compareSweep(0, seedFor(20240611), rounds(16000));
+}
+
+TEST(RandomPatterns, OfTwoConstructsAloneAgree) {
+    compareDense(0, seedFor(11), rounds(22000));
+}
+
+// What failed is remembered from start to start where nothing reads tokens.
+TEST(RandomPatterns, WithoutTokenReadersAgree) {
+    compareSweep(kTokenReaders, seedFor(77), rounds(6000));
+}
+
+TEST(RandomPatterns, OfWhatChanceBringsAgree) {
+    Comparison comparison;
+    const std::uint64_t seed = seedFor(4711);
+    PatternSource source(seed);
+    for (unsigned long round = rounds(8000); round > 0; --round) {
+        const unsigned without = round % 2 == 0 ? 0 : kTokenReaders | kLookarounds | kModes;
+        const RE_Flags flags = round % 3 == 0 ? kPlain : kEmptyToo;
+        comparison.referee(source, {source.pattern(without), flags}, {EngineConfig(), someConfig(source)});
+    }
+    expectAgreement(comparison, seed);
+}
+
+/// The memo begins with the first choice taken up again, and needed literals are looked for after each start, which
 /// searches this small would not reach.
 TEST(EagerMemo, LosesNoMatchAndNoToken) {
     const Delays delays(0, 0, 0);
-    compareRandomPatterns({}, seedFor(1968), rounds(30000));
-    PatternTraits loops;
-    loops.references = loops.conditions = loops.lookarounds = loops.words = loops.modes = false;
-    compareRandomPatterns(loops, seedFor(1969), rounds(20000));
-}
-
-TEST(RandomPatterns, OfTheWholeDialectAgreeWithTheReference) {
-    compareRandomPatterns({}, seedFor(20240611), rounds(30000));
-}
-
-TEST(RandomPatterns, WithoutTokenReadersAgreeWithTheReference) {
-    PatternTraits traits;
-    traits.references = false;
-    traits.conditions = false;
-    compareRandomPatterns(traits, seedFor(77), rounds(20000));
+    compareSweep(0, seedFor(1968), rounds(7000));
+    compareDense(kTokenReaders, seedFor(1969), rounds(6000));
 }
 
 // What is remembered of long runs and stretches only comes into play there; the plain graph remembers none of it.
 TEST(RandomPatterns, FindTheSameInLongRunsAsThePlainGraph) {
     PatternSource source(seedFor(5150));
-    PatternTraits traits;
     for (unsigned long round = rounds(3000); round > 0; --round) {
-        traits.references = round % 2 == 0;
-        const std::u16string pattern = widen(source.pattern(traits));
-        const RE_Flags flags = randomFlags(source);
-        const Engine fast(pattern, flags), plain(pattern, flags, {false, false, false, 0, false});
+        const DrawnPattern drawn = source.draw(round % 2 == 0 ? kDynamics : kTokenReaders);
+        const Engine fast(drawn.text, drawn.flags), plain(drawn.text, drawn.flags, kPlainGraph);
         const std::u16string subject = source.runs(7, 150);
         const auto expected = plain.searchWithin(subject, 0, {.steps = 20000});
         const auto got = fast.searchWithin(subject, 0, {.steps = 20000});
-        ASSERT_TRUE(!expected || !got || *expected == *got) << printable(pattern) << " on " << printable(subject);
+        ASSERT_TRUE(!expected || !got || *expected == *got)
+            << printable(drawn.text) << " on " << printable(subject);
     }
-}
-
-TEST(RandomPatterns, OfLoopsAndGroupsAloneAgreeWithTheReference) {
-    PatternTraits traits;
-    traits.references = traits.conditions = traits.lookarounds = traits.words = traits.modes = false;
-    compareRandomPatterns(traits, seedFor(4711), rounds(20000));
 }
 
 }  // namespace

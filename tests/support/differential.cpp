@@ -1,11 +1,13 @@
-// The reference is asked first: what it cannot read or finish in its step limit is not compared.
+// The reference is asked first: what it cannot read or finish in its step limit it does not judge.
 #include "tests/support/differential.h"
 
 #include "tests/support/reference_matcher.h"
 #include "tests/support/reference_parser.h"
+#include "tests/support/subject_random.h"
 
 #include <algorithm>
 #include <cstdlib>
+#include <iterator>
 #include <sstream>
 
 namespace corvane_tests {
@@ -13,9 +15,23 @@ namespace {
 
 constexpr size_t kShown = 12;
 constexpr size_t kKept = 2000;
+constexpr size_t kLongest = 12;  // units of a subject, for the sake of the reference
+constexpr reference::Limits kLimits = {20000};
 
 size_t weight(const Difference& difference) {
     return difference.pattern.size() * 16 + difference.subject.size();
+}
+
+std::string describe(const EngineConfig& config) {
+    std::ostringstream text;
+    text << config;
+    return text.str();
+}
+
+std::string nameOf(Walk walk) {
+    std::ostringstream text;
+    text << walk;
+    return text.str();
 }
 
 }  // namespace
@@ -27,6 +43,14 @@ unsigned long environmentNumber(const char* name, unsigned long fallback) {
     return text && end != text && *end == '\0' ? value : fallback;
 }
 
+void Comparison::note(const Question& question, const std::string& where, const std::string& expected,
+                      const std::string& got) {
+    if (++m_differing <= kKept) {
+        m_differences.push_back({question.pattern.text, question.pattern.flags, question.subject,
+                                 question.offset, where + " walk=" + nameOf(question.walk), expected, got});
+    }
+}
+
 void Comparison::run(const std::u16string& pattern, RE_Flags flags, const EngineConfig& config,
                      const std::vector<std::u16string>& subjects, bool everyOffset) {
     const std::optional<reference::Pattern> parsed = reference::parse(pattern, flags);
@@ -34,20 +58,99 @@ void Comparison::run(const std::u16string& pattern, RE_Flags flags, const Engine
         return;
     }
     const Engine engine(pattern, flags, config);
+    const InquiryDelays delays(config);
     for (const std::u16string& subject : subjects) {
         RE_Seek_Table table;
         for (size_t offset = 0; offset <= (everyOffset ? subject.size() : 0); ++offset) {
-            const std::optional<Outcome> expected =
-                reference::search(*parsed, flags, subject, offset, {20000});
-            if (!expected) {
+            const auto matches = reference::searchAll(*parsed, flags, subject, offset, kLimits);
+            if (!matches) {
                 break;
             }
-            ++m_compared;
-            const Outcome got = engine.search(subject, offset, table);
-            if (got != *expected && ++m_differing <= kKept) {
-                m_differences.push_back({pattern, flags, subject, offset, config, *expected, got});
+            const Walk walk = kWalks[m_compared++ % std::size(kWalks)];
+            const std::vector<Outcome> expected = seenBy(walk, *matches);
+            const std::vector<Outcome> got = walkThrough(engine.tree(), subject, offset, walk, table);
+            if (got != expected) {
+                note({{pattern, flags}, subject, offset, walk}, describe(config), describe(expected),
+                     describe(got));
             }
         }
+    }
+}
+
+/// All that answer for one pattern.
+struct Comparison::Parties {
+    DrawnPattern pattern;
+    std::optional<reference::Pattern> parsed;  ///< where the reference can read it
+    TestedPattern plain;
+    std::vector<std::unique_ptr<TestedPattern>> others;
+
+    Parties(const DrawnPattern& drawn, const std::vector<EngineConfig>& configs)
+        : pattern(drawn),
+          parsed(reference::parse(drawn.text, drawn.flags, true)),
+          plain(drawn.text, drawn.flags, kPlainGraph) {
+        for (const EngineConfig& config : configs) {
+            others.push_back(std::make_unique<TestedPattern>(drawn.text, drawn.flags, config));
+        }
+    }
+};
+
+void Comparison::referee(PatternSource& source, const DrawnPattern& pattern,
+                         const std::vector<EngineConfig>& configs) {
+    Parties parties(pattern, configs);
+    for (int count = 0; count < 3; ++count) {
+        refereeOn(drawSubject(source, parties.parsed ? &*parties.parsed : nullptr, kLongest), source,
+                  parties);
+    }
+}
+
+void Comparison::refereeDense(PatternSource& source, const DrawnPattern& pattern,
+                              const std::vector<EngineConfig>& configs) {
+    Parties parties(pattern, configs);
+    forEachSubject(u"ab", 3, [&](const std::u16string& subject) { refereeOn(subject, source, parties); });
+    refereeOn(drawSubject(source, parties.parsed ? &*parties.parsed : nullptr, kLongest), source, parties);
+}
+
+void Comparison::refereeOn(const std::u16string& subject, PatternSource& source, Parties& parties) {
+    const size_t offset = source.oneIn(3) ? source.below(subject.size() + 1) : 0;
+    const Question question{parties.pattern, subject, offset, kWalks[source.below(std::size(kWalks))]};
+    const auto found = parties.plain.walk(subject, offset, question.walk);
+    if (!found) {
+        return;
+    }
+    if (parties.parsed) {
+        judgeByReference(question, *parties.parsed, found->matches);
+    }
+    for (const auto& other : parties.others) {
+        const auto got = other->walk(subject, offset, question.walk);
+        if (got) {
+            judgeBySetting(question, other->config(), *found, *got);
+        }
+    }
+}
+
+void Comparison::judgeBySetting(const Question& question, const EngineConfig& config,
+                                const TestedPattern::Found& expected, const TestedPattern::Found& got) {
+    ++m_compared;
+    if (got.matches != expected.matches) {
+        note(question, describe(config), describe(expected.matches), describe(got.matches));
+    } else if (got.calls != expected.calls) {
+        note(question, describe(config), expected.calls, got.calls);
+    }
+}
+
+void Comparison::judgeByReference(const Question& question, const reference::Pattern& parsed,
+                                  const std::vector<Outcome>& got) {
+    const auto matches =
+        reference::searchAll(parsed, question.pattern.flags, question.subject, question.offset, kLimits);
+    if (!matches) {
+        return;
+    }
+    ++m_compared;
+    ++m_judged;
+    m_matched += matches->empty() ? 0 : 1;
+    const std::vector<Outcome> expected = seenBy(question.walk, *matches);
+    if (got != expected) {
+        note(question, "plain graph, by the reference", describe(expected), describe(got));
     }
 }
 
@@ -60,12 +163,12 @@ std::string Comparison::report() const {
         return weight(left) < weight(right);
     });
     std::ostringstream text;
-    text << m_differing << " differences in " << m_compared << " searches; the shortest:\n";
+    text << m_differing << " differences in " << m_compared << " walks; the shortest:\n";
     for (size_t index = 0; index < std::min(kShown, sorted.size()); ++index) {
         const Difference& found = sorted[index];
         text << printable(found.pattern) << "  flags 0x" << std::hex << found.flags << std::dec << "  on '"
-             << printable(found.subject) << "' from " << found.offset << "  (" << found.config
-             << ")  expected " << describe(found.expected) << "  got " << describe(found.got) << "\n";
+             << printable(found.subject) << "' from " << found.offset << "  (" << found.where
+             << ")  expected " << found.expected << "  got " << found.got << "\n";
     }
     return text.str();
 }

@@ -46,7 +46,8 @@ Outcome toOutcome(const RE_Results* results) {
 std::ostream& operator<<(std::ostream& out, const EngineConfig& config) {
     return out << "linear=" << config.linearSubpatterns << " dotStar=" << config.dotStar
                << " nullNodes=" << config.nullNodes << " inline=" << config.inlineThreshold
-               << " profile=" << config.profile << " machineCode=" << config.machineCode << " dfa=" << config.dfa;
+               << " profile=" << config.profile << " machineCode=" << config.machineCode << " dfa=" << config.dfa
+               << (config.dfa && !config.eagerDfa ? " at its usual delay" : "");
 }
 
 const std::vector<EngineConfig>& allConfigs() {
@@ -67,6 +68,27 @@ const std::vector<EngineConfig>& allConfigs() {
     return configs;
 }
 
+void speedUp(RE_Tree& tree, const EngineConfig& config) {
+    if (config.machineCode) {
+        tree.makeMachineCode();
+    }
+    if (config.dfa) {
+        tree.makeDfa();
+    }
+}
+
+InquiryDelays::InquiryDelays(const EngineConfig& config)
+    : m_choices(RE_Inquiry_Delay::choices), m_ambiguous(RE_Inquiry_Delay::ambiguous) {
+    if (config.dfa && config.eagerDfa) {
+        RE_Inquiry_Delay::choices = RE_Inquiry_Delay::ambiguous = 1;
+    }
+}
+
+InquiryDelays::~InquiryDelays() {
+    RE_Inquiry_Delay::choices = m_choices;
+    RE_Inquiry_Delay::ambiguous = m_ambiguous;
+}
+
 void RecordingContext::warn(const char16_t* where, RE_Warning warning) {
     m_warnings.push_back({static_cast<unsigned>(warning), static_cast<size_t>(where - m_text)});
 }
@@ -76,22 +98,18 @@ void RecordingContext::set_string(const char16_t* text, size_t) {
 }
 
 Engine::Engine(std::u16string_view pattern, RE_Flags flags, const EngineConfig& config)
-    : m_context(configured(m_options, config)), m_tree(pattern.data(), pattern.size(), flags, &m_context) {
-    if (config.machineCode) {
-        m_tree.makeMachineCode();
-    }
-    if (config.dfa) {
-        RE_Inquiry_Delay::choices = RE_Inquiry_Delay::ambiguous = 1;
-        m_tree.makeDfa();
-    }
+    : m_config(config), m_context(configured(m_options, config)), m_tree(pattern.data(), pattern.size(), flags, &m_context) {
+    speedUp(m_tree, config);
 }
 
 Outcome Engine::search(std::u16string_view subject, size_t offset) const {
+    const InquiryDelays delays(m_config);
     const std::unique_ptr<RE_Results> results(m_tree.match(subject.data(), subject.size(), offset));
     return toOutcome(results.get());
 }
 
 Outcome Engine::search(std::u16string_view subject, size_t offset, RE_Seek_Table& table) const {
+    const InquiryDelays delays(m_config);
     const std::unique_ptr<RE_Results> results(
         m_tree.match(subject.data(), subject.size(), offset, &table));
     return toOutcome(results.get());
@@ -99,6 +117,7 @@ Outcome Engine::search(std::u16string_view subject, size_t offset, RE_Seek_Table
 
 std::optional<Outcome> Engine::searchWithin(std::u16string_view subject, size_t offset,
                                             const RE_Search_Limits& limits) const {
+    const InquiryDelays delays(m_config);
     RE_Search_Report report;
     const std::unique_ptr<RE_Results> results(
         m_tree.match(subject.data(), subject.size(), offset, limits, report));

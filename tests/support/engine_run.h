@@ -2,6 +2,7 @@
 // Outcome.
 #pragma once
 
+#include "regexp/dfa/inquiry.h"
 #include "regexp/regexp.h"
 #include "regexp/search_memo.h"
 #include "regexp/seek/required_literal.h"
@@ -28,8 +29,12 @@ struct EngineConfig {
     size_t inlineThreshold = 1024;
     bool profile = false;
     bool machineCode = false;
-    bool dfa = false;  ///< asked by all attempts that turn back
+    bool dfa = false;
+    bool eagerDfa = true;  ///< it is asked by all attempts that turn back
 };
+
+/// The graph as it is written, which all other settings are measured by.
+inline constexpr EngineConfig kPlainGraph{false, false, false, 0, false};
 
 std::ostream& operator<<(std::ostream& out, const EngineConfig& config);
 
@@ -46,6 +51,21 @@ struct Warning {
     size_t position = 0;
 
     bool operator==(const Warning&) const = default;
+};
+
+/// Gives the tree what the setting adds to the graph.
+void speedUp(RE_Tree& tree, const EngineConfig& config);
+
+/// When searches ask the automaton; put back at the end.
+class InquiryDelays {
+public:
+    explicit InquiryDelays(const EngineConfig& config);
+    ~InquiryDelays();
+    InquiryDelays(const InquiryDelays&) = delete;
+    InquiryDelays& operator=(const InquiryDelays&) = delete;
+
+private:
+    std::uint64_t m_choices, m_ambiguous;
 };
 
 /// A context with options of its own that notes the warnings; evaluation stays forbidden as in the base.
@@ -110,6 +130,7 @@ public:
 
 private:
     Corvane::regexp::CompileOptions m_options;
+    EngineConfig m_config;
     RecordingContext m_context;
     RE_Tree m_tree;
 };

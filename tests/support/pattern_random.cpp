@@ -1,29 +1,101 @@
-// The generator mirrors the grammar: one member a construct, with a depth budget.
+// Two contexts inside each other and two leaves within: over a sweep each context stands in each, and each leaf
+// in each, whatever chance adds.
 #include "tests/support/pattern_random.h"
 
+#include <algorithm>
 #include <iterator>
 
 namespace corvane_tests {
 namespace {
 
-struct Quantifier {
-    const char* text;
-    bool allowsNone;
-};
+bool fits(size_t construct, unsigned without) {
+    return (Coverage::construct(construct).traits & without) == 0;
+}
 
-constexpr Quantifier kQuantifiers[] = {
-    {"*", true},     {"*", true},     {"+", false},      {"+", false},     {"?", true},      {"?", true},
-    {"*?", true},    {"+?", false},   {"??", true},      {"{2}", false},   {"{3}", false},   {"{1,2}", false},
-    {"{0,2}", true}, {"{2,}", false}, {"{1,3}?", false}, {"{0,2}?", true}, {"{1,}?", false}, {"*+", true},
-    {"++", false},   {"?+", true},    {"{1,2}+", false}, {"{0}", true},    {"{2,3}", false}};
+/// What is more than a test of a unit.
+const std::vector<size_t>& denseRows() {
+    static const std::vector<size_t> rows = [] {
+        std::vector<size_t> result = {0, 3, 5, 6};
+        const size_t leaves = leafConstructs().size();
+        for (size_t number = 0; number < leaves + contextConstructs().size(); ++number) {
+            if (number >= leaves || Coverage::construct(number).empty != Empty::never) {
+                result.push_back(number);
+            }
+        }
+        return result;
+    }();
+    return rows;
+}
+
+/// The first from `number` on, around the table, that may be written.
+size_t nextFitting(size_t number, size_t first, size_t count, unsigned without) {
+    for (size_t tried = 0; tried < count; ++tried, ++number) {
+        if (fits(first + number % count, without)) {
+            break;
+        }
+    }
+    return first + number % count;
+}
 
 }  // namespace
 
-std::string PatternSource::pattern(const PatternTraits& traits) {
-    m_traits = traits;
-    m_groups = 0;
-    m_named = false;
-    return alternation(3).text;
+std::u16string PatternSource::pattern(unsigned without) {
+    return PatternWriter(m_random, m_coverage, RE_DEFAULT_FLAGS, without).pattern();
+}
+
+RE_Flags PatternSource::flags() {
+    const auto oneOf = [this](size_t chances) { return m_random() % chances == 0; };
+    RE_Flags result = RE_DEFAULT_FLAGS;
+    result |= oneOf(2) ? RE_FLAG_ALLOW_EMPTY : 0U;
+    result |= oneOf(4) ? 0x40U : 0U;  // tokens are kept
+    result ^= oneOf(8) ? RE_FLAG_IGNORE_CASE : 0U;
+    result ^= oneOf(6) ? RE_FLAG_DOT_ALL : 0U;
+    result ^= oneOf(6) ? RE_FLAG_LINE_ANCHORS : 0U;
+    result ^= oneOf(16) ? RE_FLAG_FREE_SPACING : 0U;
+    result ^= oneOf(32) ? RE_FLAG_EVALUATE : 0U;
+    return result;
+}
+
+size_t PatternSource::sweep() {
+    const size_t contexts = contextConstructs().size();
+    return contexts * std::max(contexts, leafConstructs().size());
+}
+
+DrawnPattern PatternSource::draw(unsigned without) {
+    constexpr size_t kStride = 7919;  // a prime, so that a part of a sweep is one of everything
+    const size_t leaves = leafConstructs().size(), contexts = contextConstructs().size();
+    const size_t place = m_drawn++ * kStride % sweep();
+    const size_t inner = nextFitting(place % contexts, leaves, contexts, without);
+    const size_t outer = nextFitting(place / contexts, leaves, contexts, without);
+    const unsigned within = without | Coverage::construct(inner).bars | Coverage::construct(outer).bars;
+    const size_t one = nextFitting(place / contexts, 0, leaves, within);
+    const size_t other = nextFitting(place / contexts + leaves / 2, 0, leaves, within);
+    const bool asks =
+        ((Coverage::construct(inner).traits | Coverage::construct(outer).traits) & kDynamics) != 0;
+    const RE_Flags modes = flags() | (asks ? RE_FLAG_EVALUATE : 0U);
+    const bool possible = Coverage::isPossible(inner, outer - leaves);
+    PatternWriter writer(m_random, m_coverage, modes, without);
+    using Wanted = std::vector<std::vector<size_t>>;
+    return {writer.pattern(possible ? Wanted{{outer}, {inner}, {one, other}} : Wanted{{inner}, {one, other}}),
+            modes};
+}
+
+size_t PatternSource::denseSweep() {
+    return denseRows().size() * denseRows().size();
+}
+
+DrawnPattern PatternSource::drawDense(unsigned without) {
+    constexpr size_t kStride = 7919;
+    const std::vector<size_t>& rows = denseRows();
+    const size_t place = m_drawnDense++ * kStride % denseSweep();
+    size_t one = rows[place % rows.size()], other = rows[place / rows.size()];
+    one = fits(one, without) ? one : 0;
+    other = fits(other, without) ? other : 0;
+    const bool nested = one >= leafConstructs().size() && m_random() % 3 == 0 &&
+                        Coverage::isPossible(other, one - leafConstructs().size());
+    const RE_Flags modes = flags();
+    PatternWriter writer(m_random, m_coverage, modes, without, true);
+    return {nested ? writer.pattern({{one}, {other}}) : writer.row({one, other}), modes};
 }
 
 std::u16string PatternSource::subject(size_t longest) {
@@ -42,143 +114,6 @@ std::u16string PatternSource::runs(size_t most, size_t longestRun) {
         text.append(oneIn(2) ? 1 + below(longestRun) : 1, unit);
     }
     return text;
-}
-
-PatternSource::Piece PatternSource::alternation(int depth) {
-    if (oneIn(6)) {
-        return wideAlternation(depth);
-    }
-    Piece result = sequence(depth);
-    for (size_t more = oneIn(3) ? 1 + below(2) : 0; more > 0; --more) {
-        const Piece branch = sequence(depth);
-        result.text += "|" + branch.text;
-        result.nullable = result.nullable || branch.nullable;
-    }
-    return result;
-}
-
-// Literals that begin alike, some of them equal, and branches of other kinds among them.
-PatternSource::Piece PatternSource::wideAlternation(int depth) {
-    static constexpr const char* words[] = {"a", "ab", "abc", "abca", "aab", "b", "ba", "bab", "bc", "c", "A", "aB"};
-    Piece result{"", false};
-    for (size_t left = 3 + below(4); left > 0; --left) {
-        const Piece branch = oneIn(4) ? sequence(depth) : Piece{words[below(std::size(words))], false};
-        result.text += branch.text + (left > 1 ? "|" : "");
-        result.nullable = result.nullable || branch.nullable;
-    }
-    return result;
-}
-
-PatternSource::Piece PatternSource::sequence(int depth) {
-    Piece result{"", true};
-    if (m_traits.modes && oneIn(40)) {
-        static constexpr const char* modes[] = {"(?i)", "(?-i)",  "(?s)", "(?-s)",
-                                                "(?m)", "(?i-m)", "(?x)", "(?#note)"};
-        result.text += modes[below(std::size(modes))];
-    }
-    const size_t count = oneIn(12) && m_traits.nullableLoops ? 0 : 1 + below(3);
-    for (size_t index = 0; index < count; ++index) {
-        const Piece next = item(depth);
-        result.text += next.text;
-        result.nullable = result.nullable && next.nullable;
-    }
-    return result;
-}
-
-PatternSource::Piece PatternSource::item(int depth) {
-    Piece piece = atom(depth);
-    if (oneIn(2)) {
-        bool nullable = false;
-        piece.text += quantifier(piece.nullable, nullable);
-        piece.nullable = piece.nullable || nullable;
-    }
-    return piece;
-}
-
-std::string PatternSource::quantifier(bool bodyNullable, bool& nullable) {
-    if (bodyNullable && !m_traits.nullableLoops) {
-        return "";
-    }
-    const Quantifier& chosen = kQuantifiers[below(std::size(kQuantifiers))];
-    if (!m_traits.atomics && chosen.text[1] == '+') {
-        return "";
-    }
-    nullable = chosen.allowsNone;
-    return chosen.text;
-}
-
-PatternSource::Piece PatternSource::atom(int depth) {
-    return depth > 0 && oneIn(2) ? group(depth - 1) : simpleAtom();
-}
-
-PatternSource::Piece PatternSource::simpleAtom() {
-    static constexpr const char* units[] = {"a",    "a",     "a",   "b",   "b",   "c",   ".", "[ab]",
-                                            "[^a]", "[a-c]", "\\w", "\\W", "\\d", "\\s", "A", "ab"};
-    if (oneIn(9)) {
-        static constexpr const char* anchors[] = {"^", "$", "\\<", "\\>"};
-        return {anchors[below(m_traits.words ? 4 : 2)], true};
-    }
-    if (m_traits.references && m_groups > 0 && oneIn(5)) {
-        return reference();
-    }
-    const std::string unit = units[below(std::size(units))];
-    return {unit, false};
-}
-
-PatternSource::Piece PatternSource::reference() {
-    if (m_named && oneIn(3)) {
-        return {"\\k<n>", true};
-    }
-    return {"\\" + std::to_string(1 + below(m_groups)), true};
-}
-
-PatternSource::Piece PatternSource::group(int depth) {
-    const size_t choice = below(12);
-    if (choice == 0 && m_traits.atomics) {
-        const Piece body = alternation(depth);
-        return {"(?>" + body.text + ")", body.nullable};
-    }
-    if (choice <= 2 && m_traits.lookarounds) {
-        return lookaround(depth);
-    }
-    if (choice == 3 && m_traits.conditions) {
-        return conditional(depth);
-    }
-    if (choice == 4 && m_traits.modes) {
-        const Piece body = alternation(depth);
-        return {(oneIn(2) ? "(?i:" : "(?-s:") + body.text + ")", body.nullable};
-    }
-    if (choice <= 8 && m_traits.captures) {
-        return capture(depth);
-    }
-    const Piece body = alternation(depth);
-    return {"(?:" + body.text + ")", body.nullable};
-}
-
-PatternSource::Piece PatternSource::capture(int depth) {
-    ++m_groups;
-    const bool named = oneIn(6) && m_traits.references;
-    const Piece body = alternation(depth);
-    m_named = m_named || named;
-    return {(named ? "(?<n>" : "(") + body.text + ")", body.nullable};
-}
-
-PatternSource::Piece PatternSource::lookaround(int depth) {
-    static constexpr const char* openings[] = {"(?=", "(?!", "(?<=", "(?<!"};
-    const Piece body = alternation(depth > 0 ? depth - 1 : 0);
-    return {openings[below(std::size(openings))] + body.text + ")", true};
-}
-
-PatternSource::Piece PatternSource::conditional(int depth) {
-    std::string condition;
-    if (m_traits.references && m_groups > 0 && oneIn(2)) {
-        condition = m_named && oneIn(3) ? "(n)" : "(" + std::to_string(1 + below(m_groups)) + ")";
-    } else {
-        condition = lookaround(0).text;
-    }
-    const Piece yes = sequence(depth);
-    const Piece no = oneIn(3) ? Piece{"", true} : alternation(depth);
-    return {"(?" + condition + yes.text + (no.text.empty() ? "" : "|" + no.text) + ")", true};
 }
 
 }  // namespace corvane_tests

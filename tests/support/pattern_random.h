@@ -1,60 +1,52 @@
-// Seeded random patterns and subjects. The patterns are well formed and use the whole dialect in small
-// pieces; subjects are drawn from an alphabet small enough for matches to be common.
+// Seeded random patterns, drawn so that everything comes up, and subjects of a small alphabet.
 #pragma once
+
+#include "regexp/flags.h"
+#include "tests/support/pattern_writer.h"
 
 #include <random>
 #include <string>
 
 namespace corvane_tests {
 
-/// What a generated pattern may contain beyond literals, sets, groups, alternation and quantifiers.
-struct PatternTraits {
-    bool captures = true;
-    bool references = true;  // back-references, named groups and conditions on tokens
-    bool conditions = true;
-    bool lookarounds = true;
-    bool atomics = true;
-    bool words = true;  // \< and \>, which other engines lack
-    bool modes = true;
-    bool nullableLoops = true;  // loops whose body can match empty
+/// A pattern with the flags under which it was written.
+struct DrawnPattern {
+    std::u16string text;
+    RE_Flags flags;
 };
 
 class PatternSource {
 public:
-    explicit PatternSource(std::uint64_t seed) : m_random(seed) {}
+    explicit PatternSource(std::uint64_t seed) : m_random(seed), m_subjects(seed + 1) {}
 
-    std::string pattern(const PatternTraits& traits);
+    /// A pattern of what chance brings, for the plain modes. Unless told otherwise it asks no host.
+    std::u16string pattern(unsigned without = kDynamics);
+    /// The next of a row of patterns and flags that lets no construct out of any context. Patterns do not depend
+    /// on what is asked of the source besides.
+    DrawnPattern draw(unsigned without = 0);
+    /// After so many, everything has been drawn.
+    static size_t sweep();
+    /// The next of a row of patterns over two letters that bring every construct beside every other and into it,
+    /// with nothing else around. After a few times `denseSweep` few are missing.
+    DrawnPattern drawDense(unsigned without = 0);
+    static size_t denseSweep();
+    const Coverage& coverage() const { return m_coverage; }
+
     std::u16string subject(size_t longest);
     /// A subject of so many runs, each of one unit or of up to `longestRun`.
     std::u16string runs(size_t most, size_t longestRun);
     /// A number below `limit`.
-    size_t below(size_t limit) { return std::uniform_int_distribution<size_t>(0, limit - 1)(m_random); }
+    size_t below(size_t limit) { return std::uniform_int_distribution<size_t>(0, limit - 1)(m_subjects); }
+    bool oneIn(size_t chances) { return below(chances) == 0; }
 
 private:
-    /// A piece of pattern and whether it can match the empty string (true when unsure).
-    struct Piece {
-        std::string text;
-        bool nullable;
-    };
+    RE_Flags flags();
 
-    bool oneIn(size_t chances) { return below(chances) == 0; }
-    Piece alternation(int depth);
-    Piece wideAlternation(int depth);
-    Piece sequence(int depth);
-    Piece item(int depth);
-    Piece atom(int depth);
-    Piece simpleAtom();
-    Piece group(int depth);
-    Piece capture(int depth);
-    Piece lookaround(int depth);
-    Piece conditional(int depth);
-    Piece reference();
-    std::string quantifier(bool bodyNullable, bool& nullable);
-
-    PatternTraits m_traits;
-    std::mt19937_64 m_random;
-    size_t m_groups = 0;
-    bool m_named = false;
+    std::mt19937_64 m_random;    // of patterns
+    std::mt19937_64 m_subjects;  // of all else
+    Coverage m_coverage;
+    size_t m_drawn = 0;
+    size_t m_drawnDense = 0;
 };
 
 }  // namespace corvane_tests

@@ -3,17 +3,19 @@
 #define PCRE2_CODE_UNIT_WIDTH 16
 #include "tests/support/pcre2_peer.h"
 
+#include <algorithm>
 #include <pcre2.h>
 
 namespace corvane_tests {
 namespace {
 
-/// Our `$` never matches before a final line feed, and our `^` with line anchors does match after one. The
-/// peer's own shortcuts are off: in version 10.42 automatic possessive loops and start optimisations lose
-/// rare matches.
+constexpr std::uint32_t kMostSteps = 50000;
+
+/// Our `$` never matches before a final line feed. The peer's own shortcuts are off: in version 10.42 automatic
+/// possessive loops and start optimisations lose rare matches.
 std::uint32_t compileOptions(std::uint32_t flags) {
     std::uint32_t options =
-        PCRE2_DOLLAR_ENDONLY | PCRE2_ALT_CIRCUMFLEX | PCRE2_NO_AUTO_POSSESS | PCRE2_NO_START_OPTIMIZE;
+        PCRE2_DOLLAR_ENDONLY | PCRE2_NO_AUTO_POSSESS | PCRE2_NO_START_OPTIMIZE;
     options |= (flags & 0x01U) != 0 ? PCRE2_CASELESS : 0U;
     options |= (flags & 0x02U) != 0 ? PCRE2_DOTALL : 0U;
     options |= (flags & 0x04U) != 0 ? PCRE2_MULTILINE : 0U;
@@ -64,8 +66,11 @@ bool Pcre2Pattern::valid() const {
 
 std::optional<Outcome> Pcre2Pattern::search(std::u16string_view subject, size_t offset) const {
     pcre2_match_data_16* data = pcre2_match_data_create_from_pattern_16(m_code->code, nullptr);
+    pcre2_match_context_16* context = pcre2_match_context_create_16(nullptr);
+    pcre2_set_match_limit_16(context, kMostSteps);
     const int result =
-        pcre2_match_16(m_code->code, units(subject), subject.size(), offset, m_matchOptions, data, nullptr);
+        pcre2_match_16(m_code->code, units(subject), subject.size(), offset, m_matchOptions, data, context);
+    pcre2_match_context_free_16(context);
     std::optional<Outcome> outcome;
     if (result > 0) {
         outcome = toOutcome(data);
@@ -74,6 +79,22 @@ std::optional<Outcome> Pcre2Pattern::search(std::u16string_view subject, size_t 
     }
     pcre2_match_data_free_16(data);
     return outcome;
+}
+
+std::optional<std::vector<Outcome>> Pcre2Pattern::searchAll(std::u16string_view subject, size_t offset) const {
+    std::vector<Outcome> found;
+    while (offset <= subject.size()) {
+        const std::optional<Outcome> match = search(subject, offset);
+        if (!match) {
+            return std::nullopt;
+        }
+        if (!match->matched) {
+            break;
+        }
+        found.push_back(*match);
+        offset = match->start + std::max<size_t>(match->length, 1);
+    }
+    return found;
 }
 
 }  // namespace corvane_tests

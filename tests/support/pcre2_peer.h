@@ -1,4 +1,4 @@
-// PCRE2 (16-bit) as a peer: an independent engine whose semantics agree with ours on a common subset.
+// PCRE2 (16-bit) as a peer: an independent engine whose semantics are known by their differences from ours.
 #pragma once
 
 #include "tests/support/outcome.h"
@@ -21,6 +21,8 @@ public:
     bool valid() const;
     /// Every group is a token; unset groups are tokens of length 0 at 0. Nothing when a match limit was hit.
     std::optional<Outcome> search(std::u16string_view subject, size_t offset) const;
+    /// All matches from `offset` on, as `reference::searchAll`.
+    std::optional<std::vector<Outcome>> searchAll(std::u16string_view subject, size_t offset) const;
 
 private:
     struct Code;

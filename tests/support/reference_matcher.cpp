@@ -4,84 +4,121 @@
 #include "tests/support/reference_matcher.h"
 
 #include "tests/support/function_ref.h"
+#include "tests/support/reference_expansion.h"
 #include "tests/support/reference_parser.h"
+#include "tests/support/reference_tokens.h"
+#include "tests/support/reference_units.h"
 
 #include <algorithm>
+#include <map>
 
 namespace corvane_tests::reference {
 namespace {
 
 struct GaveUp {};
 
-/// Counts the parts that are being matched inside each other, as many as the native stack has room for.
-class Depth {
-public:
-    explicit Depth(size_t& depth) : m_depth(depth) {
-        if (++m_depth > 3000) {
-            throw GaveUp();
-        }
-    }
-    ~Depth() { --m_depth; }
-    Depth(const Depth&) = delete;
-    Depth& operator=(const Depth&) = delete;
+// Nodes on a path, each of which takes some hundred bytes of the stack.
+constexpr size_t kDeepest = 2000;
 
-private:
-    size_t& m_depth;
-};
-
-using Tokens = std::vector<Token>;
 using Next = FunctionRef<bool(size_t, const Tokens&)>;
 
-char16_t lower(char16_t unit) {
-    return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + 32) : unit;
-}
-
-char16_t upper(char16_t unit) {
-    return unit >= u'a' && unit <= u'z' ? static_cast<char16_t>(unit - 32) : unit;
-}
-
-bool isWord(char16_t unit) {
-    return (unit >= u'0' && unit <= u'9') || (lower(unit) >= u'a' && lower(unit) <= u'z') || unit == u'_';
-}
-
-bool inRanges(const Node& node, char16_t unit) {
-    return std::any_of(node.ranges.begin(), node.ranges.end(),
-                       [&](const Range& range) { return range.low <= unit && unit <= range.high; });
-}
-
+/// A unit is in a set when anything in the set is the same unit, as case counts or is ignored.
 bool acceptsUnit(const Node& node, char16_t unit) {
-    const bool in = inRanges(node, unit) ||
-                    (node.ignoreCase && (inRanges(node, lower(unit)) || inRanges(node, upper(unit))));
+    const std::u16string cases = node.ignoreCase ? casesOf(unit) : std::u16string(1, unit);
+    const bool in = std::any_of(node.ranges.begin(), node.ranges.end(), [&](const Range& range) {
+        return std::any_of(cases.begin(), cases.end(),
+                           [&](char16_t each) { return range.low <= each && each <= range.high; });
+    });
     return in != node.negated;
 }
 
-/// Closing a token forgets every higher one; slots it passes over become present, empty and nameless.
-Tokens withToken(const Tokens& tokens, size_t number, Token token) {
-    Tokens result(tokens.begin(),
-                  tokens.begin() + static_cast<std::ptrdiff_t>(std::min(tokens.size(), number)));
-    result.resize(number);
-    result.push_back(std::move(token));
-    return result;
+const Slot* findToken(const Node& node, const Tokens& tokens) {
+    return node.name.empty() ? tokens.numbered(node.number) : tokens.named(node.name);
 }
 
-const Token* findToken(const Node& node, const Tokens& tokens) {
-    if (node.name.empty()) {
-        return node.number < tokens.size() ? &tokens[node.number] : nullptr;
+/// What an expression sees of the search.
+struct Here : Place {
+    std::u16string_view subject;
+    size_t start;
+    size_t at;
+    const Tokens& tokens;
+
+    Here(std::u16string_view text, size_t from, size_t to, const Tokens& those)
+        : subject(text), start(from), at(to), tokens(those) {}
+
+    std::optional<std::u16string> text(const Slot* slot) const {
+        return slot == nullptr ? std::nullopt
+                               : std::optional<std::u16string>(subject.substr(slot->start, slot->length));
     }
-    const auto found = std::find_if(tokens.begin(), tokens.end(),
-                                    [&](const Token& token) { return token.name == node.name; });
-    return found == tokens.end() ? nullptr : &*found;
+    std::optional<std::u16string> numbered(size_t slot) const override { return text(tokens.numbered(slot)); }
+    std::optional<std::u16string> named(std::u16string_view name) const override {
+        return text(tokens.named(name));
+    }
+    std::u16string special(char16_t sign) const override {
+        if (at < start) {
+            throw GaveUp();  // in a look-behind: there is no match up to here
+        }
+        return std::u16string(sign == u'`'    ? subject.substr(0, start)
+                              : sign == u'\'' ? subject.substr(at)
+                                              : subject.substr(start, at - start));
+    }
+};
+
+/// How many units the node consumes, where that is always the same.
+std::optional<size_t> fixedLength(const Node& node) {
+    const auto ofAll = [&](bool added) -> std::optional<size_t> {
+        std::optional<size_t> total;
+        for (const NodePtr& child : node.children) {
+            const std::optional<size_t> length = fixedLength(*child);
+            if (!length || (!added && total && *total != *length)) {
+                return std::nullopt;
+            }
+            total = added ? total.value_or(0) + *length : *length;
+        }
+        return total.value_or(0);
+    };
+    switch (node.kind) {
+        case Kind::Sequence:
+        case Kind::Capture:
+        case Kind::Atomic:
+            return ofAll(true);
+        case Kind::Alternation:
+        case Kind::Conditional:
+            return ofAll(false);
+        case Kind::Unit:
+            return 1;
+        case Kind::Repeat:
+            if (const auto length = fixedLength(*node.children[0]); length && node.min == node.max) {
+                return *length * node.min;
+            }
+            return std::nullopt;
+        case Kind::Look:
+        case Kind::Anchor:
+            return 0;
+        case Kind::Reference:
+        case Kind::Dynamic:
+            break;
+    }
+    return std::nullopt;
 }
 
 class Matcher {
 public:
-    Matcher(std::u16string_view subject, size_t steps) : m_subject(subject), m_stepsLeft(steps) {}
+    Matcher(std::u16string_view subject, size_t start, size_t& steps, Rules rules)
+        : m_subject(subject), m_start(start), m_stepsLeft(steps), m_rules(rules) {}
 
     bool run(const Node& node, size_t at, const Tokens& tokens, Next next) {
-        if (m_stepsLeft-- == 0) {
+        if (m_stepsLeft-- == 0 || m_depth >= kDeepest) {
             throw GaveUp();
         }
-        const Depth depth(m_depth);
+        ++m_depth;
+        const bool matched = runKind(node, at, tokens, next);
+        --m_depth;
+        return matched;
+    }
+
+private:
+    bool runKind(const Node& node, size_t at, const Tokens& tokens, Next next) {
         switch (node.kind) {
             case Kind::Sequence:
                 return sequence(node, 0, at, tokens, next);
@@ -90,8 +127,7 @@ public:
             case Kind::Unit:
                 return at < m_subject.size() && acceptsUnit(node, m_subject[at]) && next(at + 1, tokens);
             case Kind::Repeat:
-                return node.min == 0 && node.max == 1 ? choice(node, at, tokens, next)
-                                                      : repeat(node, 0, at, tokens, next);
+                return repeat(node, 0, at, tokens, next);
             case Kind::Capture:
                 return capture(node, at, tokens, next);
             case Kind::Atomic:
@@ -104,11 +140,12 @@ public:
                 return conditional(node, at, tokens, next);
             case Kind::Anchor:
                 return anchorHolds(node.letter, at) && next(at, tokens);
+            case Kind::Dynamic:
+                return dynamic(node, at, tokens, next);
         }
         return false;
     }
 
-private:
     bool sequence(const Node& node, size_t index, size_t at, const Tokens& tokens, Next next) {
         if (index == node.children.size()) {
             return next(at, tokens);
@@ -123,30 +160,34 @@ private:
                            [&](const NodePtr& branch) { return run(*branch, at, tokens, next); });
     }
 
-    /// A plain `?`: to take the body, whatever it consumes, or to go past it.
-    bool choice(const Node& node, size_t at, const Tokens& tokens, Next next) {
-        if (node.lazy && next(at, tokens)) {
-            return true;
-        }
-        return run(*node.children[0], at, tokens, next) || (!node.lazy && next(at, tokens));
-    }
-
-    /// The first `min` passes are required and may be empty; a further pass must consume something.
+    /// The first `min` passes are required and may be empty; a further pass must consume something. Where one
+    /// pass is all there can be, it is a plain choice, and may be empty too.
     bool repeat(const Node& node, size_t passes, size_t at, const Tokens& tokens, Next next) {
         const bool required = passes < node.min;
+        const bool mayBeEmpty = required || node.max == 1 || !isOwn();
         if (!required && node.lazy && next(at, tokens)) {
             return true;
         }
         const bool again =
             passes < node.max && run(*node.children[0], at, tokens, [&](size_t end, const Tokens& after) {
-                return (required || end != at) && repeat(node, passes + 1, end, after, next);
+                if (end == at && leavesWhenEmpty(node, passes)) {
+                    return next(end, after);
+                }
+                return (mayBeEmpty || end != at) && repeat(node, passes + 1, end, after, next);
             });
         return again || (!required && !node.lazy && next(at, tokens));
     }
 
+    /// In PCRE2 an empty pass ends a loop without a maximum, of which the last required pass is the first.
+    bool leavesWhenEmpty(const Node& node, size_t passes) const {
+        return !isOwn() && node.max == std::numeric_limits<size_t>::max() && passes + 1 >= node.min;
+    }
+
     bool capture(const Node& node, size_t at, const Tokens& tokens, Next next) {
         return run(*node.children[0], at, tokens, [&](size_t end, const Tokens& after) {
-            return next(end, withToken(after, node.number, {at, end - at, node.name}));
+            Tokens closed = after;
+            closed.close(node.number, at, end);
+            return next(end, closed);
         });
     }
 
@@ -165,7 +206,7 @@ private:
 
     bool atomic(const Node& node, size_t at, const Tokens& tokens, Next next) {
         size_t end = at;
-        Tokens after;
+        Tokens after = tokens;
         return closed(
                    *node.children[0], at, tokens, [](size_t) { return true; }, end, after) &&
                next(end, after);
@@ -178,6 +219,9 @@ private:
             return closed(
                 body, at, tokens, [](size_t) { return true; }, end, after);
         }
+        if (!isOwn()) {
+            return holdsBranchByBranch(body, at, tokens, after);
+        }
         for (size_t start = at + 1; start-- > 0;) {
             if (closed(
                     body, start, tokens, [&](size_t position) { return position == at; }, end, after)) {
@@ -187,21 +231,37 @@ private:
         return false;
     }
 
+    /// Each branch of a look-behind has its one length there.
+    bool holdsBranchByBranch(const Node& body, size_t at, const Tokens& tokens, Tokens& after) {
+        if (body.kind == Kind::Alternation) {
+            return std::any_of(body.children.begin(), body.children.end(), [&](const NodePtr& branch) {
+                return holdsBranchByBranch(*branch, at, tokens, after);
+            });
+        }
+        const std::optional<size_t> length = fixedLength(body);
+        if (!length) {
+            throw GaveUp();
+        }
+        size_t end = at;
+        return *length <= at && closed(
+                                    body, at - *length, tokens, [](size_t) { return true; }, end, after);
+    }
+
     bool look(const Node& node, size_t at, const Tokens& tokens, Next next) {
-        Tokens after;
+        Tokens after = tokens;
         const bool held = holds(node, at, tokens, after);
         return held != node.negated && next(at, held ? after : tokens);
     }
 
     bool reference(const Node& node, size_t at, const Tokens& tokens, Next next) {
-        const Token* token = findToken(node, tokens);
-        if (token == nullptr || token->length > m_subject.size() - at) {
+        const Slot* token = findToken(node, tokens);
+        if (token == nullptr || (!isOwn() && !token->closed) || token->length > m_subject.size() - at) {
             return false;
         }
         for (size_t index = 0; index < token->length; ++index) {
             const char16_t wanted = m_subject[token->start + index];
             const char16_t unit = m_subject[at + index];
-            if (wanted != unit && !(node.ignoreCase && lower(wanted) == lower(unit))) {
+            if (wanted != unit && !(node.ignoreCase && sameIgnoringCase(wanted, unit))) {
                 return false;
             }
         }
@@ -214,10 +274,12 @@ private:
         if (node.condition) {
             const bool held = holds(*node.condition, at, tokens, after);
             first = held != node.condition->negated;
-            after = first && held ? after : tokens;  // a negated assertion leaves no trace
+            after = held && (first || !isOwn()) ? after : tokens;  // one that is negated leaves no trace
+        } else if (!node.expansion.empty()) {
+            first = evaluate(node.expansion[0].text, Here(m_subject, m_start, at, tokens)).has_value();
         } else {
-            const Token* token = findToken(node, tokens);
-            first = token != nullptr && token->length != 0;
+            const Slot* token = findToken(node, tokens);
+            first = token != nullptr && (isOwn() ? token->length != 0 : token->closed);
         }
         return run(*node.children[first ? 0 : 1], at, after, next);
     }
@@ -231,7 +293,7 @@ private:
             case '$':
                 return atEnd;
             case '(':
-                return atStart || m_subject[at - 1] == u'\n';
+                return atStart || (m_subject[at - 1] == u'\n' && (isOwn() || !atEnd));
             case ')':
                 return atEnd || m_subject[at] == u'\n';
             case '<':
@@ -241,21 +303,47 @@ private:
         }
     }
 
+    /// The text matches as if it stood here. It makes no tokens, and sees those of the pattern.
+    bool dynamic(const Node& node, size_t at, const Tokens& tokens, Next next) {
+        const std::optional<std::u16string> text =
+            expand(node.expansion, Here(m_subject, m_start, at, tokens));
+        if (!text) {
+            return false;
+        }
+        std::optional<Pattern>& included = m_included[{&node, *text}];
+        if (!included) {
+            included = parseIncluded(*text, node.modes);
+        }
+        if (!included) {
+            throw GaveUp();
+        }
+        return run(*included->root, at, tokens, next);
+    }
+
+    bool isOwn() const { return m_rules == Rules::own; }
+
     std::u16string_view m_subject;
-    size_t m_stepsLeft;
+    size_t m_start;
+    size_t& m_stepsLeft;
+    Rules m_rules;
     size_t m_depth = 0;
+    std::map<std::pair<const Node*, std::u16string>, std::optional<Pattern>> m_included;
 };
 
-Outcome searchFrom(const Pattern& pattern, bool emptyAccepted, std::u16string_view subject, size_t offset,
-                   size_t steps) {
-    Matcher matcher(subject, steps);
+/// The same count of steps for all that one question takes.
+Outcome searchFrom(const Pattern& pattern, unsigned flagBits, std::u16string_view subject, size_t offset,
+                   size_t& steps, Rules rules) {
+    const bool emptyAccepted = (flagBits & 0x20U) != 0;
+    const bool keepsTokens = (flagBits & 0x40U) != 0 || rules != Rules::own;
     Outcome outcome;
     for (size_t start = offset; start <= subject.size() && !outcome.matched; ++start) {
-        outcome.matched = matcher.run(*pattern.root, start, {}, [&](size_t end, const Tokens& tokens) {
+        Matcher matcher(subject, start, steps, rules);
+        const Tokens none(pattern.tokenNames, keepsTokens);
+        outcome.matched = matcher.run(*pattern.root, start, none, [&](size_t end, const Tokens& tokens) {
             if (end == start && !emptyAccepted) {
                 return false;
             }
-            outcome = {false, start, end - start, tokens};
+            outcome = {false, start, end - start, tokens.inEffect()};
             return true;
         });
     }
@@ -267,7 +355,7 @@ Outcome searchFrom(const Pattern& pattern, bool emptyAccepted, std::u16string_vi
 std::optional<Outcome> search(const Pattern& pattern, unsigned flagBits, std::u16string_view subject,
                               size_t offset, Limits limits) {
     try {
-        return searchFrom(pattern, (flagBits & 0x20U) != 0, subject, offset, limits.steps);
+        return searchFrom(pattern, flagBits, subject, offset, limits.steps, Rules::own);
     } catch (const GaveUp&) {
         return std::nullopt;
     }
@@ -277,6 +365,25 @@ std::optional<Outcome> search(std::u16string_view pattern, unsigned flagBits, st
                               size_t offset, Limits limits) {
     const std::optional<Pattern> parsed = parse(pattern, flagBits);
     return parsed ? search(*parsed, flagBits, subject, offset, limits) : std::nullopt;
+}
+
+std::optional<std::vector<Outcome>> searchAll(const Pattern& pattern, unsigned flagBits,
+                                              std::u16string_view subject, size_t offset, Limits limits,
+                                              Rules rules) {
+    std::vector<Outcome> found;
+    try {
+        while (offset <= subject.size()) {
+            const Outcome match = searchFrom(pattern, flagBits, subject, offset, limits.steps, rules);
+            if (!match.matched) {
+                break;
+            }
+            found.push_back(match);
+            offset = match.start + std::max<size_t>(match.length, 1);
+        }
+    } catch (const GaveUp&) {
+        return std::nullopt;
+    }
+    return found;
 }
 
 }  // namespace corvane_tests::reference

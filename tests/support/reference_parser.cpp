@@ -1,9 +1,9 @@
 // Recursive descent over the well-formed dialect; the first thing it cannot read makes the whole parse fail.
 #include "tests/support/reference_parser.h"
 
+#include "tests/support/reference_brackets.h"
+#include "tests/support/reference_expansion.h"
 #include "tests/support/reference_units.h"
-
-#include <algorithm>
 
 namespace corvane_tests::reference {
 namespace {
@@ -22,7 +22,8 @@ NodePtr wrap(Kind kind, NodePtr child) {
 
 class Parser {
 public:
-    Parser(std::u16string_view text, Flags flags) : m_reader(text), m_flags(flags) {}
+    Parser(std::u16string_view text, Flags flags, bool hostEvaluates, bool makesTokens)
+        : m_reader(text), m_flags(flags), m_hostEvaluates(hostEvaluates), m_makesTokens(makesTokens) {}
 
     Pattern run() {
         Pattern pattern;
@@ -30,12 +31,7 @@ public:
         if (!m_reader.done()) {
             throw Unreadable();
         }
-        pattern.tokenCount = m_tokens;
-        for (const std::u16string& name : m_namesUsed) {
-            if (std::find(m_names.begin(), m_names.end(), name) == m_names.end()) {
-                throw Unreadable();
-            }
-        }
+        pattern.tokenNames = std::move(m_tokenNames);
         return pattern;
     }
 
@@ -61,15 +57,14 @@ private:
     NodePtr sequence() {
         NodePtr node = make(Kind::Sequence);
         for (skipSpacing(); !m_reader.done() && !m_reader.sees(u"|") && !m_reader.sees(u")"); skipSpacing()) {
-            NodePtr item = atom();
-            for (const char16_t unit : std::exchange(m_text, {})) {
-                node->children.push_back(std::exchange(item, units({{unit, unit}}, false)));
+            if (NodePtr item = quantified(atom())) {
+                node->children.push_back(std::move(item));
             }
-            node->children.push_back(quantified(std::move(item)));
         }
         return node;
     }
 
+    /// What was dropped (null) takes its quantifiers along.
     NodePtr quantified(NodePtr item) {
         for (;;) {
             skipSpacing();
@@ -77,9 +72,12 @@ private:
             if (!quantifier(*repeat)) {
                 return item;
             }
-            repeat->children.push_back(std::move(item));
             repeat->lazy = m_reader.takes(u"?");
             const bool possessive = !repeat->lazy && m_reader.takes(u"+");
+            if (!item) {
+                continue;
+            }
+            repeat->children.push_back(std::move(item));
             item = possessive ? wrap(Kind::Atomic, std::move(repeat)) : std::move(repeat);
         }
     }
@@ -99,23 +97,19 @@ private:
         if (!m_reader.takes(u"{")) {
             return false;
         }
-        repeat.min = repeat.max = numberInBraces();
+        skipSpacing();
+        repeat.min = repeat.max = m_reader.number();
+        skipSpacing();
         if (m_reader.takes(u",")) {
-            m_reader.skipBlanks(m_flags.freeSpacing);
-            repeat.max = m_reader.sees(u"}") ? std::numeric_limits<size_t>::max() : numberInBraces();
+            skipSpacing();
+            repeat.max = m_reader.sees(u"}") ? std::numeric_limits<size_t>::max() : m_reader.number();
+            skipSpacing();
         }
         m_reader.need(u"}");
         if (repeat.max < repeat.min) {
             throw Unreadable();
         }
         return true;
-    }
-
-    size_t numberInBraces() {
-        m_reader.skipBlanks(m_flags.freeSpacing);
-        const size_t value = m_reader.number();
-        m_reader.skipBlanks(m_flags.freeSpacing);
-        return value;
     }
 
     NodePtr atom() {
@@ -137,8 +131,6 @@ private:
             case u'+':
             case u'?':
             case u'{':
-            case u']':
-            case u'}':
                 throw Unreadable();
             default:
                 return units({{unit, unit}}, false);
@@ -170,28 +162,24 @@ private:
         if (unit == u'k' && m_reader.takes(u"<")) {
             NodePtr node = reference();
             node->name = m_reader.name(u">", m_flags.freeSpacing);
-            m_namesUsed.push_back(node->name);
             return node;
         }
         if (isDigit(unit) && unit != u'0') {
             return numberedReference(static_cast<size_t>(unit - u'0'));
         }
-        const std::optional<char16_t> value = escapedUnit(m_reader, unit);
-        if (!value && m_reader.sees(u"{")) {
-            textInBraces();
-        }
-        return units({{value.value_or(unit), value.value_or(unit)}}, false);
+        return character(escapedCharacter(unit, m_reader));
     }
 
-    // A brace that belongs to a malformed number begins no quantifier, and neither does one within.
-    void textInBraces() {
-        while (!m_text.ends_with(u'}')) {
-            const std::optional<char16_t> unit = m_reader.takesPlain(m_flags.freeSpacing);
-            if (!unit) {
-                return;
-            }
-            m_text += *unit;
+    /// A character beyond the units is a pair of them, as one item.
+    NodePtr character(char32_t value) const {
+        if (value <= 0xFFFF) {
+            const auto unit = static_cast<char16_t>(value);
+            return units({{unit, unit}}, false);
         }
+        NodePtr pair = make(Kind::Sequence);
+        pair->children.push_back(character(0xD800 + ((value - 0x10000) >> 10)));
+        pair->children.push_back(character(0xDC00 + ((value - 0x10000) & 0x3FF)));
+        return pair;
     }
 
     NodePtr reference() const {
@@ -202,7 +190,7 @@ private:
 
     NodePtr numberedReference(size_t value) {
         NodePtr node = reference();
-        node->number = m_reader.moreDigits(value, m_tokens) - 1;
+        node->number = m_reader.moreDigits(value, m_tokenNames.size()) - 1;
         return node;
     }
 
@@ -225,9 +213,10 @@ private:
             return wrap(Kind::Atomic, closed(alternation()));
         }
         if (m_reader.takes(u"<")) {
-            std::u16string label = m_reader.name(u">", m_flags.freeSpacing);
-            m_names.push_back(label);
-            return capture(std::move(label));
+            return capture(m_reader.name(u">", m_flags.freeSpacing));
+        }
+        if (m_reader.sees(u"?") || m_reader.sees(u"@")) {
+            return dynamic();
         }
         return m_reader.takes(u"(") ? conditional() : modes();
     }
@@ -237,10 +226,13 @@ private:
         return body;
     }
 
-    NodePtr capture(std::u16string label) {
+    NodePtr capture(std::u16string name) {
+        if (!m_makesTokens) {
+            return closed(alternation());
+        }
         NodePtr node = make(Kind::Capture);
-        node->number = m_tokens++;
-        node->name = std::move(label);
+        node->number = m_tokenNames.size();
+        m_tokenNames.push_back(std::move(name));
         node->children.push_back(closed(alternation()));
         return node;
     }
@@ -257,11 +249,60 @@ private:
         return node;
     }
 
+    /// The text of a group up to its end, both of which are consumed.
+    std::u16string_view rawText() {
+        const std::u16string_view text = m_reader.take(groupEnd(m_reader.rest(), m_flags.freeSpacing));
+        m_reader.need(u")");
+        return text;
+    }
+
+    /// Null where expressions may not be evaluated.
+    NodePtr dynamic() {
+        const bool isText = m_reader.take() == u'?';
+        const bool isExpression = isText && m_reader.takes(u"@");
+        const std::u16string_view text = rawText();
+        if (!m_flags.evaluate) {
+            return nullptr;
+        }
+        if (!isText) {
+            return make(Kind::Sequence);  // called for its effects, of which a match shows none
+        }
+        NodePtr node = make(Kind::Dynamic);
+        node->expansion = isExpression ? expressionAlone(text) : readExpansion(text, m_flags.evaluate);
+        node->modes = m_flags;
+        return node;
+    }
+
+    static std::vector<TextPart> expressionAlone(std::u16string_view text) {
+        return {{TextPart::Kind::Expression, std::u16string(text)}};
+    }
+
     NodePtr conditional() {
         NodePtr node = make(Kind::Conditional);
+        const size_t tokensBefore = m_tokenNames.size();
+        bool dropped = false;
+        if (m_reader.takes(u"?@")) {
+            dropped = !m_flags.evaluate;
+            node->expansion = expressionAlone(rawText());
+        } else {
+            readCondition(*node);
+        }
+        const Flags saved = m_flags;
+        node->children.push_back(sequence());
+        node->children.push_back(m_reader.takes(u"|") ? alternation() : make(Kind::Sequence));
+        m_flags = saved;
+        node = closed(std::move(node));
+        if (dropped) {
+            m_tokenNames.resize(tokensBefore);
+            return nullptr;
+        }
+        return node;
+    }
+
+    void readCondition(Node& node) {
         if (m_reader.takes(u"?")) {
-            node->condition = lookaround();
-            if (!node->condition) {
+            node.condition = lookaround();
+            if (!node.condition) {
                 throw Unreadable();
             }
         } else if (m_reader.seesDigit()) {
@@ -269,17 +310,11 @@ private:
             if (ordinal == 0) {
                 throw Unreadable();
             }
-            node->number = ordinal - 1;
+            node.number = ordinal - 1;
             m_reader.need(u")");
         } else {
-            node->name = m_reader.name(u")", false);
-            m_namesUsed.push_back(node->name);
+            node.name = m_reader.name(u")");
         }
-        const Flags saved = m_flags;
-        node->children.push_back(sequence());
-        node->children.push_back(m_reader.takes(u"|") ? alternation() : make(Kind::Sequence));
-        m_flags = saved;
-        return closed(std::move(node));
     }
 
     NodePtr modes() {
@@ -322,7 +357,7 @@ private:
         }
     }
 
-    static void setMode(Flags& flags, char16_t letter, bool value) {
+    void setMode(Flags& flags, char16_t letter, bool value) const {
         switch (letter) {
             case u'i':
                 flags.ignoreCase = value;
@@ -336,6 +371,9 @@ private:
             case u'x':
                 flags.freeSpacing = value;
                 break;
+            case u'e':
+                flags.evaluate = value && m_hostEvaluates;
+                break;
             default:
                 throw Unreadable();
         }
@@ -343,20 +381,27 @@ private:
 
     Reader m_reader;
     Flags m_flags;
-    size_t m_tokens = 0;
-    std::u16string m_text;  // units that follow the atom just read
-    std::vector<std::u16string> m_names;
-    std::vector<std::u16string> m_namesUsed;
+    bool m_hostEvaluates;
+    bool m_makesTokens;
+    std::vector<std::u16string> m_tokenNames;
 };
 
-}  // namespace
-
-std::optional<Pattern> parse(std::u16string_view pattern, unsigned flagBits) {
+std::optional<Pattern> read(std::u16string_view text, Flags flags, bool hostEvaluates, bool makesTokens) {
     try {
-        return Parser(pattern, Flags::from(flagBits)).run();
+        return Parser(text, flags, hostEvaluates, makesTokens).run();
     } catch (const Unreadable&) {
         return std::nullopt;
     }
+}
+
+}  // namespace
+
+std::optional<Pattern> parse(std::u16string_view pattern, unsigned flagBits, bool hostEvaluates) {
+    return read(pattern, Flags::from(flagBits, hostEvaluates), hostEvaluates, true);
+}
+
+std::optional<Pattern> parseIncluded(std::u16string_view text, Flags modes) {
+    return read(text, modes, true, false);
 }
 
 }  // namespace corvane_tests::reference

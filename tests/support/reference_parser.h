@@ -9,7 +9,11 @@
 
 namespace corvane_tests::reference {
 
-/// Nothing when the pattern is malformed or uses something the reference does not know.
-std::optional<Pattern> parse(std::u16string_view pattern, unsigned flagBits);
+/// Nothing when the pattern is malformed or uses something the reference does not know. Expressions are read
+/// for a host that evaluates them; for others they vanish.
+std::optional<Pattern> parse(std::u16string_view pattern, unsigned flagBits, bool hostEvaluates = false);
+
+/// A text that a pattern includes while it runs: it makes no tokens.
+std::optional<Pattern> parseIncluded(std::u16string_view text, Flags modes);
 
 }  // namespace corvane_tests::reference

@@ -2,6 +2,20 @@
 #include "tests/support/reference_reader.h"
 
 namespace corvane_tests::reference {
+namespace {
+
+int digitValue(char16_t unit) {
+    if (isDigit(unit)) {
+        return unit - u'0';
+    }
+    return isLetter(unit) ? (unit | 0x20) - u'a' + 10 : 99;
+}
+
+bool isBlank(char16_t unit) {
+    return (unit >= 28 && unit <= 32) || (unit >= 9 && unit <= 13);
+}
+
+}  // namespace
 
 bool isDigit(char16_t unit) {
     return unit >= u'0' && unit <= u'9';
@@ -32,6 +46,14 @@ char16_t Reader::take() {
     return m_text[m_at++];
 }
 
+std::u16string_view Reader::take(size_t units) {
+    if (units > m_text.size() - m_at) {
+        throw Unreadable();
+    }
+    m_at += units;
+    return m_text.substr(m_at - units, units);
+}
+
 void Reader::skipSpacing(bool freeSpacing) {
     for (bool more = true; more && !done();) {
         if (takes(u"(?#")) {
@@ -40,24 +62,13 @@ void Reader::skipSpacing(bool freeSpacing) {
                 open += unit == u'(' ? 1U : 0U;
                 open -= unit == u')' ? 1U : 0U;
             }
-        } else {
-            const size_t before = m_at;
-            skipBlanks(freeSpacing);
-            more = m_at != before;
-        }
-    }
-}
-
-void Reader::skipBlanks(bool freeSpacing) {
-    while (freeSpacing && !done()) {
-        const char16_t unit = m_text[m_at];
-        if (unit == u'#') {
+        } else if (freeSpacing && isBlank(m_text[m_at])) {
+            ++m_at;
+        } else if (freeSpacing && m_text[m_at] == u'#') {
             while (!done() && take() != u'\n') {
             }
-        } else if ((unit >= 28 && unit <= 32) || (unit >= 9 && unit <= 13)) {
-            ++m_at;
         } else {
-            return;
+            more = false;
         }
     }
 }
@@ -85,45 +96,34 @@ size_t Reader::moreDigits(size_t value, size_t largest) {
     return value;
 }
 
-std::u16string Reader::name(std::u16string_view close, bool freeSpacing) {
-    std::u16string result;
-    skipBlanks(freeSpacing);
-    for (bool ended = false; !ended && !takes(close);) {
-        const char16_t unit = take();
-        if (!isLetter(unit) && (result.empty() || (!isDigit(unit) && unit != u'_'))) {
-            throw Unreadable();
+char32_t Reader::digits(int base, size_t most) {
+    char32_t value = 0;
+    size_t count = 0;
+    for (; !done() && count < most; ++count) {
+        const int digit = digitValue(m_text[m_at]);
+        if (digit >= base) {
+            break;
         }
-        result += unit;
-        const size_t end = m_at;
-        skipBlanks(freeSpacing);
-        ended = m_at != end;
-        if (ended) {
-            need(close);
-        }
+        value = value * static_cast<char32_t>(base) + static_cast<char32_t>(digit);
+        ++m_at;
     }
-    if (result.empty()) {
+    if (count == 0 || value > 0x10FFFF) {
+        throw Unreadable();
+    }
+    return value;
+}
+
+std::u16string Reader::name(std::u16string_view close, bool freeSpacing) {
+    skipSpacing(freeSpacing);
+    std::u16string result;
+    while (seesLetter() || (!result.empty() && (seesDigit() || sees(u"_")))) {
+        result += take();
+    }
+    skipSpacing(freeSpacing);
+    if (result.empty() || !takes(close)) {
         throw Unreadable();
     }
     return result;
-}
-
-std::optional<std::u16string> Reader::braced() {
-    const size_t close = sees(u"{") ? m_text.find(u'}', m_at) : m_text.npos;
-    if (close == m_text.npos) {
-        return std::nullopt;
-    }
-    const std::u16string inside(m_text.substr(m_at + 1, close - m_at - 1));
-    m_at = close + 1;
-    return inside;
-}
-
-std::optional<char16_t> Reader::takesPlain(bool freeSpacing) {
-    skipBlanks(freeSpacing);
-    constexpr std::u16string_view meaningful = u"()[\\|.^$*+?";
-    if (done() || meaningful.find(m_text[m_at]) != meaningful.npos) {
-        return std::nullopt;
-    }
-    return take();
 }
 
 }  // namespace corvane_tests::reference

@@ -3,7 +3,6 @@
 
 #include "tests/support/reference_tree.h"
 
-#include <optional>
 #include <string_view>
 
 namespace corvane_tests::reference {
@@ -22,25 +21,23 @@ public:
     bool sees(std::u16string_view text) const { return m_text.substr(m_at, text.size()) == text; }
     bool seesDigit() const { return !done() && isDigit(m_text[m_at]); }
     bool seesLetter() const { return !done() && isLetter(m_text[m_at]); }
+    std::u16string_view rest() const { return m_text.substr(m_at); }
 
     bool takes(std::u16string_view text);
     void need(std::u16string_view text);
     char16_t take();
+    std::u16string_view take(size_t units);
 
     /// Comments always, blanks and # comments under free spacing.
     void skipSpacing(bool freeSpacing);
-    /// Blanks and # comments alone, which may stand inside a quantifier and around a name.
-    void skipBlanks(bool freeSpacing);
     size_t number();
     /// The digits of a reference of which `value` is the first: further ones while the number stays a known
     /// group.
     size_t moreDigits(size_t value, size_t largest);
-    /// A name up to `close`, which is consumed.
-    std::u16string name(std::u16string_view close, bool freeSpacing);
-    /// What stands between `{` and the next `}`, which are consumed, or nothing.
-    std::optional<std::u16string> braced();
-    /// A unit that has no meaning where an atom may stand, if there is one here.
-    std::optional<char16_t> takesPlain(bool freeSpacing);
+    /// The value of up to `most` digits of this base, at least one.
+    char32_t digits(int base, size_t most);
+    /// A name up to `close`, which is consumed. Free spacing allows blanks around it.
+    std::u16string name(std::u16string_view close, bool freeSpacing = false);
 
 private:
     std::u16string_view m_text;

@@ -21,12 +21,37 @@ enum class Kind {
     Look,         // child 0 as an assertion
     Reference,    // text of a token, by name when it has one
     Conditional,  // child 0 when the condition holds, child 1 otherwise
-    Anchor        // `letter`: ^ $ (subject), ( ) (line), < > (word)
+    Anchor,       // `letter`: ^ $ (subject), ( ) (line), < > (word)
+    Dynamic       // `expansion`, read as a pattern in `modes`
 };
 
 struct Range {
     char16_t low;
     char16_t high;
+};
+
+/// The modes in force at one place of a pattern.
+struct Flags {
+    bool ignoreCase;
+    bool dotAll;
+    bool lineAnchors;
+    bool freeSpacing;
+    bool evaluate;  ///< expressions may be evaluated
+
+    /// From flag bits as the engine's callers pass them, for a host that evaluates or one that does not.
+    static Flags from(unsigned bits, bool hostEvaluates) {
+        return {(bits & 1U) != 0, (bits & 2U) != 0, (bits & 4U) != 0, (bits & 8U) != 0,
+                (bits & 16U) != 0 && hostEvaluates};
+    }
+};
+
+/// A piece of a text that is put together while a search runs.
+struct TextPart {
+    enum class Kind { Literal, Number, Name, Special, Expression } kind;
+    /// What stands for itself; the digits, the name or the sign of a reference; an expression as written.
+    std::u16string text;
+
+    bool operator==(const TextPart&) const = default;
 };
 
 struct Node {
@@ -41,27 +66,17 @@ struct Node {
     size_t number = 0;
     std::u16string name;
     bool behind = false;
-    std::unique_ptr<Node> condition;  // lookaround condition; null for a token condition
+    std::unique_ptr<Node> condition;  // lookaround condition; null for a token condition or an expression
     char letter = 0;
+    std::vector<TextPart> expansion;  // of a dynamic text, or the one expression of a condition
+    Flags modes{};                    // in force at a dynamic text
 };
 
 using NodePtr = std::unique_ptr<Node>;
 
 struct Pattern {
     NodePtr root;
-    size_t tokenCount = 0;
-};
-
-/// Flag bits as the engine's callers pass them.
-struct Flags {
-    bool ignoreCase;
-    bool dotAll;
-    bool lineAnchors;
-    bool freeSpacing;
-
-    static Flags from(unsigned bits) {
-        return {(bits & 1U) != 0, (bits & 2U) != 0, (bits & 4U) != 0, (bits & 8U) != 0};
-    }
+    std::vector<std::u16string> tokenNames;  ///< by slot; empty for a group without a name
 };
 
 }  // namespace corvane_tests::reference

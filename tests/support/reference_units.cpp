@@ -1,4 +1,4 @@
-// Classes, escapes and sets of the reference parser.
+// Units, classes, escapes and sets of the reference parser.
 #include "tests/support/reference_units.h"
 
 #include <algorithm>
@@ -6,130 +6,181 @@
 namespace corvane_tests::reference {
 namespace {
 
-size_t digitValue(char16_t unit) {
-    const std::u16string_view digits = u"0123456789abcdefABCDEF";
-    const size_t place = digits.find(unit);
-    return place < 16 || place == digits.npos ? place : place - 6;
+using Ranges = std::vector<Range>;
+
+const Ranges kDigits = {{u'0', u'9'}, {0x0660, 0x0669}};
+const Ranges kBlanks = {{9, 13}, {28, 32}, {0x2003, 0x2003}};
+const Ranges kLetters = {{u'A', u'Z'},    {u'a', u'z'},     {0xC0, 0xD6},    {0xD8, 0xF6},
+                         {0xF8, 0xFF},    {0x0130, 0x0130}, {0x0400, 0x045F}, {0x212A, 0x212A}};
+
+bool contains(const Ranges& ranges, char16_t unit) {
+    return std::any_of(ranges.begin(), ranges.end(),
+                       [=](const Range& range) { return range.low <= unit && unit <= range.high; });
 }
 
-std::u16string digits(Reader& reader, size_t base, size_t most) {
-    std::u16string taken;
-    for (Reader ahead = reader; taken.size() < most && !ahead.done(); reader = ahead) {
-        const char16_t unit = ahead.take();
-        if (digitValue(unit) >= base) {
-            break;
+Ranges wordRanges() {
+    Ranges result = kLetters;
+    result.insert(result.end(), kDigits.begin(), kDigits.end());
+    result.push_back({u'_', u'_'});
+    return result;
+}
+
+Ranges complement(Ranges ranges) {
+    std::sort(ranges.begin(), ranges.end(), [](const Range& a, const Range& b) { return a.low < b.low; });
+    Ranges result;
+    unsigned next = 0;
+    for (const Range& range : ranges) {
+        if (range.low > next) {
+            result.push_back({static_cast<char16_t>(next), static_cast<char16_t>(range.low - 1)});
         }
-        taken += unit;
+        next = range.high + 1U;
     }
-    return taken;
+    result.push_back({static_cast<char16_t>(next), 0xFFFF});
+    return result;
 }
 
-// Nothing unless these are digits of a character.
-std::optional<char16_t> number(std::u16string_view digits, size_t base) {
-    size_t value = 0;
-    for (const char16_t digit : digits) {
-        if (digitValue(digit) >= base) {
-            return std::nullopt;
-        }
-        value = std::min<size_t>(value * base + digitValue(digit), 0x110000);
+/// A member of a set: a class, a unit, or nothing for a character of two units.
+struct Member {
+    Ranges ranges;
+    bool isClass = false;
+    bool isBareHyphen = false;
+};
+
+Member readMember(Reader& reader) {
+    const char16_t unit = reader.take();
+    if (unit != u'\\') {
+        return {{{unit, unit}}, false, unit == u'-'};
     }
-    if (value > 0x7F && value < 0x110000) {
-        throw Unreadable();
+    const char16_t letter = reader.take();
+    if (Ranges ranges = classRanges(letter); !ranges.empty()) {
+        return {std::move(ranges), true, false};
     }
-    return digits.empty() || value > 0x7F ? std::nullopt : std::optional(static_cast<char16_t>(value));
+    const char32_t value = escapedCharacter(letter, reader);
+    const auto single = static_cast<char16_t>(value);
+    return value > 0xFFFF ? Member{} : Member{{{single, single}}, false, false};
 }
 
-std::optional<char16_t> numberEscape(Reader& reader, size_t base) {
-    Reader ahead = reader;
-    if (reader.sees(u"{")) {
-        const std::optional<char16_t> value = number(ahead.braced().value_or(u""), base);
-        reader = value ? ahead : reader;
-        return value;
-    }
-    return base == 16 ? number(digits(reader, 16, 2), 16) : std::nullopt;
+void add(Ranges& all, const Ranges& more) {
+    all.insert(all.end(), more.begin(), more.end());
 }
 
-void readSetItem(Reader& reader, std::vector<Range>& ranges) {
-    char16_t low = reader.take();
-    if (low == u'\\') {
-        const char16_t letter = reader.take();
-        const std::vector<Range> extra = classRanges(letter);
-        if (!extra.empty()) {
-            ranges.insert(ranges.end(), extra.begin(), extra.end());
+/// A hyphen that would join what is complete to what follows stands for itself.
+void takeLooseHyphen(Reader& reader, Ranges& ranges) {
+    if (!reader.sees(u"-]") && reader.takes(u"-")) {
+        ranges.push_back({u'-', u'-'});
+    }
+}
+
+void readMembers(Reader& reader, Ranges& ranges, bool first) {
+    const Member low = readMember(reader);
+    const bool mayJoin = !low.isClass && !low.ranges.empty() && !(first && low.isBareHyphen);
+    if (mayJoin && reader.sees(u"-") && !reader.sees(u"-]")) {
+        Reader ahead = reader;
+        ahead.need(u"-");
+        const Member high = readMember(ahead);
+        if (!high.isClass && !high.ranges.empty()) {
+            const char16_t from = low.ranges[0].low, to = high.ranges[0].low;
+            ranges.push_back({std::min(from, to), std::max(from, to)});
+            reader = ahead;
+            takeLooseHyphen(reader, ranges);
             return;
         }
-        low = escapedUnit(reader, letter).value_or(letter);
     }
-    char16_t high = low;
-    if (reader.takes(u"-")) {
-        high = reader.take();
-        if (high == u']' || high == u'\\') {
-            throw Unreadable();
-        }
+    add(ranges, low.ranges);
+    if (low.isClass) {
+        takeLooseHyphen(reader, ranges);
     }
-    ranges.push_back({std::min(low, high), std::max(low, high)});
+}
+
+char32_t braced(Reader& reader, int base) {
+    const char32_t value = reader.digits(base, 8);
+    reader.need(u"}");
+    return value;
 }
 
 }  // namespace
 
+char16_t lower(char16_t unit) {
+    switch (unit) {
+        case 0x0130:
+            return u'i';
+        case 0x212A:
+            return u'k';
+        default:
+            break;
+    }
+    const bool near = contains({{u'A', u'Z'}, {0xC0, 0xD6}, {0xD8, 0xDE}, {0x0410, 0x042F}}, unit);
+    const bool far = contains({{0x0400, 0x040F}}, unit);
+    return static_cast<char16_t>(unit + (near ? 32 : far ? 80 : 0));
+}
+
+bool sameIgnoringCase(char16_t left, char16_t right) {
+    return lower(left) == lower(right);
+}
+
+std::u16string casesOf(char16_t unit) {
+    std::u16string result(1, unit);
+    const char16_t base = lower(unit);
+    for (const char16_t other : {base, static_cast<char16_t>(base - 32), static_cast<char16_t>(base - 80),
+                                 char16_t{0x0130}, char16_t{0x212A}}) {
+        if (lower(other) == base && result.find(other) == result.npos) {
+            result += other;
+        }
+    }
+    return result;
+}
+
+bool isWord(char16_t unit) {
+    return contains(kLetters, unit) || contains(kDigits, unit) || unit == u'_';
+}
+
 std::vector<Range> classRanges(char16_t letter) {
     switch (letter) {
         case u'd':
-            return {{u'0', u'9'}};
+            return kDigits;
         case u's':
-            return {{9, 13}, {28, 32}};
+            return kBlanks;
         case u'w':
-            return {{u'0', u'9'}, {u'A', u'Z'}, {u'_', u'_'}, {u'a', u'z'}};
+            return wordRanges();
         case u'D':
-            return {{0, u'0' - 1}, {u'9' + 1, 0xFFFF}};
+            return complement(kDigits);
         case u'S':
-            return {{0, 8}, {14, 27}, {33, 0xFFFF}};
+            return complement(kBlanks);
         case u'W':
-            return {
-                {0, u'0' - 1}, {u'9' + 1, u'A' - 1}, {u'Z' + 1, u'_' - 1}, {u'`', u'`'}, {u'z' + 1, 0xFFFF}};
+            return complement(wordRanges());
         default:
             return {};
     }
 }
 
-std::optional<char16_t> escapedUnit(Reader& reader, char16_t unit) {
-    switch (unit) {
+char32_t escapedCharacter(char16_t letter, Reader& reader) {
+    static constexpr std::u16string_view named = u"abtnvfr";  // the units 7 to 13
+    if (const size_t place = named.find(letter); place != named.npos) {
+        return static_cast<char32_t>(7 + place);
+    }
+    switch (letter) {
         case u'0':
-            return number(u"0" + digits(reader, 8, 2), 8);
-        case u'x':
+            return reader.seesDigit() && !reader.sees(u"8") && !reader.sees(u"9") ? reader.digits(8, 2) : 0;
         case u'o':
-            return numberEscape(reader, unit == u'x' ? 16 : 8);
-        case u'a':
-            return 7;
-        case u'b':
-            return 8;
-        case u'f':
-            return 12;
-        case u'n':
-            return 10;
-        case u'r':
-            return 13;
-        case u't':
-            return 9;
-        case u'v':
-            return 11;
+            reader.need(u"{");
+            return braced(reader, 8);
+        case u'x':
+            return reader.takes(u"{") ? braced(reader, 16) : reader.digits(16, 2);
         default:
             break;
     }
-    if (isLetter(unit) || isDigit(unit)) {
+    if (isLetter(letter) || isDigit(letter)) {
         throw Unreadable();
     }
-    return unit;
+    return letter;
 }
 
 SetText readSet(Reader& reader) {
     SetText set;
     set.negated = reader.takes(u"^");
-    if (reader.sees(u"]") || reader.sees(u"-")) {
-        throw Unreadable();
-    }
+    readMembers(reader, set.ranges, true);  // whatever comes first, a bracket too
     while (!reader.takes(u"]")) {
-        readSetItem(reader, set.ranges);
+        readMembers(reader, set.ranges, false);
     }
     return set;
 }

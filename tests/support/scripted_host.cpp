@@ -1,5 +1,7 @@
 #include "tests/support/scripted_host.h"
 
+#include "tests/support/expression_script.h"
+
 namespace corvane_tests {
 namespace {
 
@@ -37,7 +39,10 @@ std::optional<std::u16string> ScriptedHost::answer(const char* how, RE_Evaluatio
         texts.push_back(textOf(*inputs->get_input(i)));
     }
     const auto known = m_journal.answers.find(m_text);
-    return known == m_journal.answers.end() ? std::nullopt : known->second(texts);
+    if (known != m_journal.answers.end()) {
+        return known->second(texts);
+    }
+    return m_journal.knowsScript ? scriptedAnswer(m_text, texts) : std::nullopt;
 }
 
 void ScriptedHost::evaluate_script(RE_Evaluation_IO* script, RE_Evaluation_Inputs* variables,
@@ -92,7 +97,9 @@ ScriptedRun::ScriptedRun(std::u16string_view pattern, HostJournal& journal, RE_F
                          const EngineConfig& config)
     : m_journal(journal),
       m_host(configured(m_options, config), journal),
-      m_tree(pattern.data(), pattern.size(), flags, &m_host) {}
+      m_tree(pattern.data(), pattern.size(), flags, &m_host) {
+    speedUp(m_tree, config);
+}
 
 Outcome ScriptedRun::outcome(std::u16string_view subject) const {
     const std::unique_ptr<RE_Results> results(m_tree.match(subject.data(), subject.size(), 0));

@@ -21,6 +21,7 @@ struct HostJournal {
 
     std::vector<std::string> calls;
     std::map<std::u16string, Answer> answers;  ///< by the expression as it is written
+    bool knowsScript = false;                  ///< other expressions are answered as expression_script.h says
     long throwAt = -1;                         ///< the call (from 0) that throws `HostFailure`
     bool interruptible = false;
 
@@ -59,7 +60,7 @@ private:
     std::u16string m_text;
 };
 
-/// A tree, what the host was asked while it was compiled, and searches that tell what it was asked then.
+/// A tree with what the setting adds to it, what the host was asked while it was compiled, and searches that tell what it was asked then.
 class ScriptedRun {
 public:
     ScriptedRun(std::u16string_view pattern, HostJournal& journal, RE_Flags flags = kPlain,
