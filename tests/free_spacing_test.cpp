@@ -104,7 +104,7 @@ TEST(FreeSpacing, BetweenThePartsOfAPatternChangesNothing) {
     PatternSource source(seed);
     size_t read = 0;
     for (unsigned long left = environmentNumber("CORVANE_TEST_ROUNDS", sanitized() ? 1000 : 10000); left > 0; --left) {
-        const std::u16string pattern = widen(source.pattern({}));
+        const std::u16string pattern = source.pattern();
         const std::u16string spaced = Spacer(pattern, source).spaced();
         const Engine tight(pattern, kEmptyToo), loose(spaced, kEmptyToo | RE_FLAG_FREE_SPACING);
         ASSERT_EQ(numbersOf(tight.warnings()), numbersOf(loose.warnings()))
