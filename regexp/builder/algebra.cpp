@@ -75,11 +75,6 @@ namespace {
 
 using Binding = RE_Composer::Binding;
 
-std::u16string decimal(std::size_t number) {
-    const std::string digits = std::to_string(number);
-    return {digits.begin(), digits.end()};
-}
-
 std::u16string_view modeLetter(RE_MODE mode) {
     switch (mode) {
         case RE_MODE_IGNORE_CASE:

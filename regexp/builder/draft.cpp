@@ -12,11 +12,6 @@
 namespace RE_Builder_Space {
 namespace {
 
-std::u16string decimal(std::uint64_t number) {
-    const std::string digits = std::to_string(number);
-    return {digits.begin(), digits.end()};
-}
-
 /// Answers for the context that the pattern will be compiled with, and asks that about nothing else.
 class Asked_Context : public RE_Context {
 public:

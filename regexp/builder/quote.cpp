@@ -54,4 +54,9 @@ void appendHexadecimal(std::u16string& pattern, char16_t unit) {
     pattern += u'}';
 }
 
+std::u16string decimal(std::uint64_t number) {
+    const std::string digits = std::to_string(number);
+    return {digits.begin(), digits.end()};
+}
+
 }  // namespace RE_Builder_Space

@@ -1,6 +1,7 @@
 // Writing a unit so that a pattern takes it for itself.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 namespace RE_Builder_Space {
@@ -11,5 +12,8 @@ void appendQuoted(std::u16string& pattern, char16_t unit);
 
 /// Appends the escape that gives the unit's value in hexadecimal digits and braces.
 void appendHexadecimal(std::u16string& pattern, char16_t unit);
+
+/// The number in decimal digits.
+std::u16string decimal(std::uint64_t number);
 
 }  // namespace RE_Builder_Space

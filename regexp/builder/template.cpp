@@ -7,13 +7,13 @@ namespace {
 
 // What would pair with a parenthesis around the text, begin a reference or a comment, or, as the first unit,
 // tell an expression from a text. A backslash before each is taken away again when the text is read.
-constexpr std::u16string_view special = u"\\$()[#@";
+constexpr std::u16string_view withMeaning = u"\\$()[#@";
 
 }  // namespace
 
 RE_Template::RE_Template(std::u16string_view text) {
     for (const char16_t unit : text) {
-        written.text += special.find(unit) != special.npos ? u"\\" : u"";
+        written.text += withMeaning.find(unit) != withMeaning.npos ? u"\\" : u"";
         written.text += unit;
     }
 }

@@ -11,7 +11,7 @@
 
 namespace {
 
-using namespace RE_Builder_Space;
+namespace builder = RE_Builder_Space;
 
 constexpr std::u16string_view metacharacters = u"$^.\\+[](){}|-*?";
 
@@ -52,9 +52,9 @@ std::u16string RE_Translate::escape(std::u16string_view text) {
 
 // The order matters: the dots that stand for * and ? must not be escaped.
 std::u16string RE_Translate::translateWildcard(std::u16string_view text) {
-    static const RE_Tree metacharacter(one_of(RE_SetItem(u"$^.\\+[](){}|-")), false);
-    static const RE_Tree star(literal(u"*"), false);
-    static const RE_Tree question(literal(u"?"), false);
+    static const RE_Tree metacharacter(builder::one_of(builder::RE_SetItem(u"$^.\\+[](){}|-")), false);
+    static const RE_Tree star(builder::literal(u"*"), false);
+    static const RE_Tree question(builder::literal(u"?"), false);
     static const RE_Replace anyText(u".*");
     static const RE_Replace anyUnit(u".");
     const std::u16string escaped = replaceAll(text, metacharacter, backslashBefore());
@@ -62,7 +62,9 @@ std::u16string RE_Translate::translateWildcard(std::u16string_view text) {
 }
 
 std::u16string RE_Translate::makeWhitespaceSpaces(std::u16string_view text) {
-    static const RE_Tree whitespace(one_of(RE_Set(RE_SET_SPACE) + RE_Set(RE_SET_NULL)), false);
+    static const RE_Tree whitespace(
+        builder::one_of(builder::RE_Set(builder::RE_SET_SPACE) + builder::RE_Set(builder::RE_SET_NULL)),
+        false);
     static const RE_Replace space(u" ");
     return replaceAll(text, whitespace, space);
 }

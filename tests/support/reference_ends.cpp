@@ -56,6 +56,7 @@ public:
             case Kind::Anchor:
                 return holds(node.letter, from.at) ? Ends{from} : Ends{};
             case Kind::Conditional:
+            case Kind::Dynamic:
                 break;
         }
         throw GaveUp();
@@ -198,7 +199,7 @@ Outcome searchFrom(const Pattern& pattern, bool emptyAccepted, std::u16string_vi
 std::optional<Outcome> searchByEnds(std::u16string_view pattern, unsigned flagBits, std::u16string_view subject,
                                     size_t offset) {
     const std::optional<Pattern> parsed = parse(pattern, flagBits);
-    if (!parsed || parsed->tokenCount > 1) {
+    if (!parsed || parsed->tokenNames.size() > 1) {
         return std::nullopt;
     }
     try {
