@@ -31,15 +31,17 @@ public:
 
     const Slot* numbered(size_t number) const { return number < m_count ? &m_slots[number] : nullptr; }
 
-    /// The first below the count with this name. The name belongs to the pattern, so the group need not have
-    /// taken part.
+    /// The first below the count with this name that took part. The name belongs to the pattern: where none took
+    /// part it is the first of them.
     const Slot* named(std::u16string_view name) const {
-        for (size_t number = 0; number < m_count; ++number) {
-            if ((*m_names)[number] == name) {
-                return &m_slots[number];
+        const Slot* found = nullptr;
+        for (size_t number = m_count; number-- > 0;) {
+            const bool isNamed = (*m_names)[number] == name;
+            if (isNamed && (m_slots[number].closed || found == nullptr || !found->closed)) {
+                found = &m_slots[number];
             }
         }
-        return nullptr;
+        return found;
     }
 
     std::vector<Token> inEffect() const {
