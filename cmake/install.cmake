@@ -21,9 +21,8 @@ if(TARGET cvregexp)
 endif()
 set_target_properties(${corvane_installed} PROPERTIES INSTALL_RPATH "$ORIGIN")
 
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/regexp ${PROJECT_SOURCE_DIR}/host
-    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/corvane
-    FILES_MATCHING PATTERN "*.h")
+install(CODE "set(source_dir \"${PROJECT_SOURCE_DIR}\")\nset(header_folder \"${CMAKE_INSTALL_INCLUDEDIR}/corvane\")")
+install(SCRIPT cmake/install_headers.cmake)
 
 install(EXPORT corvane_regexp-targets NAMESPACE corvane:: DESTINATION ${corvane_package_dir})
 configure_package_config_file(cmake/corvane_regexp-config.cmake.in corvane_regexp-config.cmake

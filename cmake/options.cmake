@@ -9,6 +9,7 @@ option(CORVANE_BUILD_BENCH "Build the benchmarks" OFF)
 option(CORVANE_BUILD_FUZZ "Build the fuzz targets" OFF)
 option(CORVANE_CHECK_GRAPH "Check the node graph around every compile pass" ${CORVANE_DEVELOPER_MODE})
 option(CORVANE_PRECOMPILE_HEADERS "Read the headers of other libraries once per target" ${CORVANE_DEVELOPER_MODE})
+option(CORVANE_UNITY_BUILD "Compile the sources of the engine a dozen at a time" ${CORVANE_DEVELOPER_MODE})
 option(CORVANE_INSTALL "Generate the install rules" ${PROJECT_IS_TOP_LEVEL})
 
 if(PROJECT_IS_TOP_LEVEL)

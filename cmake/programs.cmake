@@ -18,7 +18,8 @@ if(CORVANE_BUILD_TOOLS AND tool_sources)
     endif()
     add_executable(cvregexp ${tool_sources})
     corvane_compile_rules(cvregexp)
-    corvane_precompile(cvregexp <iostream>)
+    corvane_precompile(cvregexp <iostream> <boost/program_options.hpp> <nlohmann/json.hpp>
+        ${PROJECT_SOURCE_DIR}/regexp/regexp.h)
     target_include_directories(cvregexp PRIVATE ${PROJECT_SOURCE_DIR})
     target_compile_definitions(cvregexp PRIVATE CORVANE_VERSION="${PROJECT_VERSION}")
     target_link_libraries(cvregexp PRIVATE

@@ -72,6 +72,24 @@ void foreign() {
     const RE_Builder typed(u"cat|dog");  // pattern text from somewhere else
     print(typed.pattern());
     print((word_start() + typed + word_end()).pattern());
+
+    const RE_Token digit;
+    const RE_Builder choice(u"(?(?@even)(0)|(1))");  // two groups, or without evaluation none
+    const RE_Builder twice = choice + capture(digit, one_of(RE_Set(RE_SET_DIGIT))) + backreference(digit);
+    print(twice.pattern());
+    printMatches(twice, u"12, 33");
+}
+
+void expressions() {
+    const RE_Token word;
+    const RE_Builder letters = one_or_more(one_of(RE_Set(RE_SET_WORD)));
+    const RE_Builder reversed =
+        capture(word, letters) + literal(u"-") +
+        dynamic_expression(RE_Template(u"reverse(") + word + RE_Template(u", \":)\")"));
+    print(reversed.pattern());
+    const RE_Builder sameSign = capture(word, one_of(RE_SetItem(u"+-"))) + literal(u"1") +
+                                dynamic_text(RE_Template(u"[") + word + RE_Template(u"]2"));
+    print(sameSign.pattern());
 }
 
 void splitting() {
@@ -91,5 +109,6 @@ int main() {
     tokens();
     conditions();
     foreign();
+    expressions();
     splitting();
 }

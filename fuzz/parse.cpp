@@ -1,7 +1,7 @@
 // Any text is a pattern: it compiles, warns inside itself, and can be drawn, measured and searched.
 #include "fuzz/targets.h"
 
-#include "host/memory.h"
+#include "host/allocation.h"
 
 namespace corvane_fuzz {
 

@@ -11,7 +11,7 @@
 #include <new>
 #include <stdexcept>
 
-#include "host/memory.h"
+#include "host/allocation.h"
 #include "host/utf16.h"
 
 namespace {

@@ -5,7 +5,7 @@
 
 #include <cstddef>
 
-#include "host/memory.h"
+#include "host/allocation.h"
 
 struct cxArray {
     explicit cxArray(size_t value) : number(value), logical(false) {}

@@ -4,8 +4,8 @@
 
 #include <memory>
 
+#include "host/allocation.h"
 #include "host/code_page.h"
-#include "host/memory.h"
 
 namespace {
 

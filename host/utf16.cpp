@@ -4,7 +4,7 @@
 
 #include <string_view>
 
-#include "host/ctype.h"
+#include "host/unit_class.h"
 
 namespace {
 

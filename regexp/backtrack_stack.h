@@ -24,7 +24,7 @@ struct RE_Backtrack_Mark {
 
 /// Stack of choices. `top` is the index of the most recent record, -1 when empty; pops never go below `base`.
 /// Records and marks grow together, by doubling; the first 8 need no allocation.
-struct RE_Backtrack_Stack {
+struct CORVANE_REGEXP_EXPORT RE_Backtrack_Stack {
     RE_Backtrack_Stack() : records(1), marks(1) {}
 
     void grow();

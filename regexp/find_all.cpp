@@ -1,6 +1,7 @@
 #include "regexp/find_all.h"
 
 #include "regexp/search_info.h"
+#include "regexp/within_size.h"
 
 #include <new>
 
@@ -64,7 +65,7 @@ std::unique_ptr<RE_Results> RE_Tree::match_at(std::u16string_view text, std::siz
         return nullptr;
     }
     RE_Seek_Table table;
-    RE_Search_Info info(dataOf(text), text.size(), tokenCount, &table, interruptible);
+    RE_Search_Info info(dataOf(text), text.size(), withinSize(tokenCount), &table, interruptible);
     if (info.tokens == nullptr) {
         throw std::bad_alloc();
     }
@@ -98,17 +99,13 @@ std::u16string_view reMatchText(const RE_Results& match) {
 }
 
 std::u16string_view reTokenText(const RE_Results& match, std::size_t index) {
-    const RE_TokenInfo* const token = match.tokens != nullptr ? match.tokens->get(index) : nullptr;
-    return token != nullptr ? part(match, token->start, token->length) : std::u16string_view();
+    if (!match.tookPart(index)) {
+        return {};
+    }
+    const RE_TokenInfo& token = match.tokens->slots[index];
+    return part(match, token.start, token.length);
 }
 
 std::u16string_view reTokenText(const RE_Results& match, std::u16string_view name) {
-    const std::size_t count = match.tokens != nullptr ? match.tokens->count : 0;
-    for (std::size_t index = 0; index < count; ++index) {
-        const RE_TokenInfo* const token = match.tokens->get(index);
-        if (token != nullptr && token->name != nullptr && name == token->name) {
-            return reTokenText(match, index);
-        }
-    }
-    return {};
+    return match.tokens != nullptr ? reTokenText(match, match.tokens->find(name)) : std::u16string_view();
 }

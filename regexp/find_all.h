@@ -84,8 +84,8 @@ private:
 /// none.
 CORVANE_REGEXP_EXPORT std::u16string_view reMatchText(const RE_Results& match);
 
-/// The text of the token. Without data (null) when it is not in effect; a token that matched the empty text
-/// has data.
+/// The text of the token. Without data (null) when it is not in effect or its group took no part; a token that matched
+/// the empty text has data.
 CORVANE_REGEXP_EXPORT std::u16string_view reTokenText(const RE_Results& match, std::size_t index);
-/// The same by name, of the first token in effect that has it.
+/// The same by name, of the first token that has it and took part.
 CORVANE_REGEXP_EXPORT std::u16string_view reTokenText(const RE_Results& match, std::u16string_view name);

@@ -13,6 +13,9 @@ inline constexpr RE_Flags RE_FLAG_FREE_SPACING =
     0x08;                                           ///< inline letter x: blanks and `#` comments are skipped
 inline constexpr RE_Flags RE_FLAG_EVALUATE = 0x10;  ///< inline letter e: dynamic expressions may be compiled
 inline constexpr RE_Flags RE_FLAG_ALLOW_EMPTY = 0x20;  ///< a zero-length match counts as a match
+/// Closing a token leaves the higher ones in effect, as in other engines. Otherwise they are out of effect until a token
+/// with a higher number than theirs closes. There is no inline letter for it.
+inline constexpr RE_Flags RE_FLAG_KEEP_TOKENS = 0x40;
 
 /// Modes of the constructors that take no flags: dot matches all, evaluation left to the context.
 inline constexpr RE_Flags RE_DEFAULT_FLAGS = RE_FLAG_DOT_ALL | RE_FLAG_EVALUATE;

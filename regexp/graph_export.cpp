@@ -3,6 +3,7 @@
 #include "regexp/nodes/label_text.h"
 #include "regexp/nodes/tokens.h"
 #include "regexp/nodes/trivial.h"
+#include "regexp/within_size.h"
 
 #include <algorithm>
 #include <unordered_map>
@@ -137,7 +138,7 @@ void RE_Graph_Output::addNode(const RE_Node* node) {
     std::string more = node->isEnd() && node->nextNode == nullptr ? ", peripheries=2" : "";
     const std::string given = attributes ? attributes(node->nodeId) : std::string();
     more += given.empty() ? "" : ", " + given;
-    appendGraphNode(nodes, node->nodeId, node->label(), more);
+    appendGraphNode(nodes, withinSize(node->nodeId), node->label(), more);
 }
 
 void RE_Graph_Output::addLink(const RE_Node* from, const RE_Node* to, RE_Link kind) {

@@ -10,7 +10,7 @@
 
 /// Where nodes write themselves to. Nodes and links are kept apart: a link that is named inside a cluster
 /// would draw both its ends into it.
-struct RE_Graph_Output {
+struct CORVANE_REGEXP_EXPORT RE_Graph_Output {
     std::string nodes;
     std::string links;
     const RE_Graph_Attributes& attributes;

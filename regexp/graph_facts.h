@@ -14,6 +14,7 @@
 #include <cstdint>
 #include <list>
 #include <memory>
+#include <string>
 #include <vector>
 
 class RE_Consume;
@@ -39,6 +40,10 @@ struct CORVANE_REGEXP_EXPORT RE_Graph_Facts : public RE_Memory {
     RE_Node_Store store;                                  ///< memory of the nodes
     std::vector<RE_Node*, RE_Allocator<RE_Node*>> nodes;  ///< each once, in the order in which they were made
     std::size_t tokenCount = 0;
+    bool keepsTokens = false;  ///< closing a token leaves the higher ones in effect
+    std::basic_string<char16_t, std::char_traits<char16_t>, RE_Allocator<char16_t>> nameText;
+    /// The names of the slots, null for unnamed ones; empty when no token is named. In `nameText`, or of another graph.
+    std::vector<const char16_t*, RE_Allocator<const char16_t*>> tokenNames;
     std::size_t passRegisters = 0;  ///< one a loop whose body can match without consuming
     std::uint32_t memoRows =
         0;  ///< nodes that take part in the memo; their indexes are the first row numbers

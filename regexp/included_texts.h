@@ -6,6 +6,7 @@
 #pragma once
 
 #include "regexp/memory.h"
+#include "regexp/sub_pattern_place.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -16,16 +17,8 @@ class RE_Node;
 class RE_Search_Info;
 class RE_Tree;
 
-/// Where the numbers of a sub-pattern's nodes begin, so that they differ from those of the patterns around
-/// it.
-struct RE_Sub_Pattern_Place {
-    std::uint32_t memoRow = 0;
-    std::size_t passRegister = 0;
-    std::uint64_t nodeId = 0;  ///< the last one that is taken
-};
-
 /// Texts in the order in which they were included; those of later records stand behind those of earlier ones.
-class RE_Included_Texts : public RE_Memory {
+class CORVANE_REGEXP_EXPORT RE_Included_Texts : public RE_Memory {
 public:
     RE_Included_Texts();
     ~RE_Included_Texts();

@@ -2,6 +2,7 @@
 
 #include "regexp/machine/machine_search.h"
 #include "regexp/tree.h"
+#include "regexp/within_size.h"
 
 #include <new>
 
@@ -39,8 +40,8 @@ RE_Match_Sequence::RE_Match_Sequence(const RE_Tree& pattern, std::u16string_view
 
 RE_Search_Info RE_Match_Sequence::freshState(std::u16string_view subject) {
     const RE_Memory_Account::Scope scope(account);
-    return RE_Search_Info(subject.data() != nullptr ? subject.data() : u"", subject.size(), tree.tokenCount,
-                          &table, false);
+    return RE_Search_Info(subject.data() != nullptr ? subject.data() : u"", subject.size(),
+                          withinSize(tree.tokenCount), &table, false);
 }
 
 // What is done once, or with limits only, stands by itself: the rest is short then.
@@ -62,7 +63,7 @@ void RE_Match_Sequence::turnTo(std::u16string_view subject) {
     }
     seen = found = memoryFull = false;
     table.clear();
-    info.useSubject(begin, subject.size(), tree.tokenCount);
+    info.useSubject(begin, subject.size(), withinSize(tree.tokenCount));
     if (info.tokens == nullptr) {
         throw std::bad_alloc();
     }

@@ -171,7 +171,7 @@ void RE_Memo_Rows::clear() {
 
 std::size_t RE_Memo_Rows::Hash::operator()(const Key& key) const {
     std::uint64_t hash = key.size();
-    for (const std::size_t word : key) {
+    for (const std::uint64_t word : key) {
         hash = mix(hash + 0x9E3779B97F4A7C15u + word);
     }
     return static_cast<std::size_t>(hash);

@@ -33,7 +33,7 @@ struct RE_Memo_Scope {
 };
 
 /// Set of (row, position) pairs that can be emptied at once.
-class RE_Memo_Table : public RE_Memory {
+class CORVANE_REGEXP_EXPORT RE_Memo_Table : public RE_Memory {
 public:
     /// Adds the pair; false when it was there already.
     bool insert(std::uint32_t row, std::size_t position);
@@ -72,9 +72,9 @@ private:
 };
 
 /// Gives each distinct combination of words a number of its own, counted from a first number on.
-class RE_Memo_Rows : public RE_Memory {
+class CORVANE_REGEXP_EXPORT RE_Memo_Rows : public RE_Memory {
 public:
-    using Key = std::pmr::vector<std::size_t>;
+    using Key = std::pmr::vector<std::uint64_t>;
 
     RE_Memo_Rows(std::uint32_t firstRow, std::pmr::memory_resource* memory)
         : rows(memory), first(firstRow), next(firstRow) {}

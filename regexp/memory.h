@@ -2,7 +2,7 @@
 // (Names and scratch of the parser and the passes are standard library objects of their own.)
 #pragma once
 
-#include "host/memory.h"
+#include "host/allocation.h"
 #include "regexp/export.h"
 #include "regexp/memory_account.h"
 

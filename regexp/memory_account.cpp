@@ -1,7 +1,7 @@
 // The accounts that are open on the thread, and the allocations that are told to them.
 #include "regexp/memory_account.h"
 
-#include "host/memory.h"
+#include "host/allocation.h"
 
 #include <algorithm>
 #include <utility>

@@ -13,7 +13,7 @@
 
 /// Blocks of up to `largest` bytes come from chunks that are given back together with the pool. Larger ones
 /// go straight to the host and back.
-class RE_Memory_Pool final : public std::pmr::memory_resource {
+class CORVANE_REGEXP_EXPORT RE_Memory_Pool final : public std::pmr::memory_resource {
 public:
     static constexpr std::size_t largest = 512;
 

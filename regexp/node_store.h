@@ -9,7 +9,7 @@
 class RE_Node;
 
 /// Lays nodes one behind the other in a few chunks from the host. Does not destroy them.
-class RE_Node_Store {
+class CORVANE_REGEXP_EXPORT RE_Node_Store {
 public:
     RE_Node_Store() = default;
     ~RE_Node_Store();

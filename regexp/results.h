@@ -22,6 +22,10 @@ public:
     /// Where a search for the next match starts: after this match, or one unit on when it is empty.
     std::size_t nextIndex() const { return matchStart + std::max<std::size_t>(matchLength, 1); }
 
+    /// Whether the group of the token (from 0) closed on the way of the match and its token is in effect, if only with
+    /// the empty text.
+    bool tookPart(std::size_t index) const { return tokens != nullptr && tokens->tookPart(index); }
+
     bool ownsTokens;
     const char16_t* subjectBegin;
     const char16_t* subjectEnd;

@@ -13,7 +13,7 @@
 
 /// Lays blocks one behind the other, first within itself, then within chunks from the host that are given back with it.
 /// A block that is given back before others are taken makes room again. Large blocks go straight to the host and back.
-class RE_Scratch_Memory final : public std::pmr::memory_resource {
+class CORVANE_REGEXP_EXPORT RE_Scratch_Memory final : public std::pmr::memory_resource {
 public:
     RE_Scratch_Memory() = default;
     ~RE_Scratch_Memory() override;

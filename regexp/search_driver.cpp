@@ -3,6 +3,7 @@
 
 #include "host/code_page.h"
 #include "regexp/graph_facts.h"
+#include "regexp/guest_run.h"
 #include "regexp/inspect/observer.h"
 #include "regexp/machine/machine_search.h"
 #include "regexp/match_loop.h"
@@ -11,6 +12,7 @@
 #include "regexp/search_info.h"
 #include "regexp/start_walk.h"
 #include "regexp/unwatched_loop.h"
+#include "regexp/within_size.h"
 
 #include <algorithm>
 #include <new>
@@ -66,17 +68,14 @@ RE_Results* RE_Tree::trace(const char16_t* subject, std::size_t length, std::siz
 
 bool RE_Tree::match_bool(const char16_t* position, std::size_t* length, RE_Search_Info* info) const {
     *length = 0;
-    if (root == nullptr) {
+    if (root == nullptr || position < info->subjectBegin || position > info->subjectEnd) {
         return false;
     }
-    info->prepare(*facts);
-    RE_Search_Scope scope(*info);  // choices that the state holds from before are not this run's
+    RE_Guest_Run run(*info, *facts, position);
     const std::size_t start = info->indexOf(position);
     std::size_t pos = start;
-    // A scan that was broken off may have led to an end too early.
-    const bool completed = runMatchLoop(*info, root, pos) && !info->wasInterrupted();
+    const bool completed = run.run(root, pos);
     *length = completed ? pos - start : 0;
-    scope.leave();
     return completed;
 }
 
@@ -85,7 +84,7 @@ RE_Results* RE_Tree::searchFrom(const char16_t* subject, std::size_t length, std
     if (subject == nullptr || offset > length || root == nullptr) {
         return nullptr;
     }
-    RE_Search_Info info(subject, length, tokenCount, table, interruptible);
+    RE_Search_Info info(subject, length, withinSize(tokenCount), table, interruptible);
     info.prepare(*facts);
     info.rejectEmpty = allowEmptyMatch ? 0 : 1;
     info.observer = observer;
@@ -121,7 +120,7 @@ namespace {
         info.resetForStart(info.matchStart);
         return attemptUnwatched(facts.start, info, length);
     }
-    const RE_Program_Exit exit = RE_Program_Run(info, stepsBefore).run(facts.program.entry);
+    const RE_Program_Exit exit = RE_Program_Run(info, facts, stepsBefore).run(facts.program.entry);
     if (exit.how == RE_Program_Exit::How::failed) {
         return false;
     }
@@ -161,7 +160,7 @@ bool RE_Tree::findMatch(RE_Search_Info& info, std::size_t offset, std::size_t& l
         return false;
     }
     const char16_t* const p = info.subjectBegin + offset;
-    const char16_t* const last = info.subjectEnd - needed;
+    const char16_t* const last = info.subjectEnd - withinSize(needed);
     const bool isWatched = info.observer != nullptr || info.tokens == nullptr;
     if (facts->machineCode != nullptr && !isWatched) {
         return findByMachineCode(*facts, root, p, last, info, length);

@@ -28,9 +28,23 @@ void RE_Search_Info::makeTokens(std::size_t count) {
     try {
         ownTokens.slots.resize(count);
         tokens = &ownTokens;
+        ownTokens.reset();
+        nameSlots();
     } catch (const std::bad_alloc&) {
         tokens = nullptr;
     }
+}
+
+// Names belong to the pattern: slots have them whether or not their groups take part.
+void RE_Search_Info::nameSlots() {
+    if (facts == nullptr || tokens == nullptr || (facts->tokenNames.empty() && !slotsHaveNames)) {
+        return;
+    }
+    const auto& names = facts->tokenNames;
+    for (std::size_t i = 0; i < tokens->slots.size(); ++i) {
+        tokens->slots[i].name = i < names.size() ? names[i] : nullptr;
+    }
+    slotsHaveNames = !names.empty();
 }
 
 void RE_Search_Info::takePendingInterrupt() {
@@ -80,6 +94,8 @@ void RE_Search_Info::prepare(const RE_Graph_Facts& graphFacts) {
     leadingRun = {};
     inquiry.stop();
     memoCountdown = subjectLength() * RE_Memo_Delay::perUnit + RE_Memo_Delay::choices + 1;
+    keptInEffect = graphFacts.keepsTokens ? ~std::size_t{0} : 0;
+    nameSlots();
     const std::size_t needed = graphFacts.tokenCount + graphFacts.passRegisters;
     if (registers.size() < needed) {
         registers.resize(needed, noPass);
@@ -203,7 +219,7 @@ std::size_t RE_Search_Info::passWord(std::size_t pass) const {
     return registers[facts->tokenCount + pass];
 }
 
-std::size_t& RE_Search_Info::topCount(const RE_Node* counter) {
+std::uint64_t& RE_Search_Info::topCount(const RE_Node* counter) {
     attemptsLeaveNotes = true;
     Counts& counts = counterStacks[counter];
     if (counts.empty()) {
@@ -213,13 +229,13 @@ std::size_t& RE_Search_Info::topCount(const RE_Node* counter) {
 }
 
 void RE_Search_Info::decrementCount(const RE_Node* counter) {
-    std::size_t& count = topCount(counter);
+    std::uint64_t& count = topCount(counter);
     if (count > 0) {
         --count;
     }
 }
 
-std::size_t RE_Search_Info::countAt(const RE_Node* counter, std::size_t depth) const {
+std::uint64_t RE_Search_Info::countAt(const RE_Node* counter, std::size_t depth) const {
     const auto counts = counterStacks.find(counter);
     if (counts == counterStacks.end() || depth >= counts->second.size()) {
         return 0;

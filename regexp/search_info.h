@@ -23,6 +23,7 @@
 #include <boost/container/flat_map.hpp>
 #include <boost/container/flat_set.hpp>
 #include <boost/container/small_vector.hpp>
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -163,7 +164,10 @@ public:
     const RE_TokenInfo* getToken(std::size_t index) const {
         return tokens == nullptr ? nullptr : withinSubject(tokens->get(index));
     }
-    const RE_TokenInfo* getToken(int index) const { return getToken(static_cast<std::size_t>(index)); }
+    template <std::integral Index>
+    const RE_TokenInfo* getToken(Index index) const {
+        return getToken(static_cast<std::size_t>(index));
+    }
     const RE_TokenInfo* getToken(const char16_t* name) const;
 
     /// Notes where a token opened. The slot itself is written when the token closes, so that it always
@@ -171,8 +175,8 @@ public:
     void noteTokenStart(std::size_t index, std::size_t position);
     /// Where the tokens opened, one for each.
     std::size_t* tokenStarts() { return registers.data(); }
-    /// Closes a token opened by `noteTokenStart`: writes the slot, puts the token in effect, empties slots
-    /// skipped.
+    /// Closes a token opened by `noteTokenStart`: writes the slot and puts the token in effect, with all lower
+    /// ones.
     void recordToken(std::size_t index, const char16_t* name, std::size_t end);
     /// Both at once.
     void recordToken(std::size_t index, const char16_t* name, std::size_t start, std::size_t end);
@@ -193,7 +197,7 @@ public:
     void incrementCount(const RE_Node* counter) { ++topCount(counter); }
     void decrementCount(const RE_Node* counter);
     /// The count `depth` levels below the top of this counter's stack; 0 where there is none.
-    std::size_t countAt(const RE_Node* counter, std::size_t depth) const;
+    std::uint64_t countAt(const RE_Node* counter, std::size_t depth) const;
     void popCount(const RE_Node* counter);
 
     // --- closed bodies ---
@@ -236,7 +240,7 @@ public:
     RE_Token_Stack* tokens = nullptr;  ///< null without memory, and when an `RE_Results` has taken the store
     RE_Backtrack_Stack backtrack;
 
-    using Counts = std::vector<std::size_t, RE_Allocator<std::size_t>>;
+    using Counts = std::vector<std::uint64_t, RE_Allocator<std::uint64_t>>;
     boost::container::flat_map<const RE_Node*, Counts, std::less<const RE_Node*>,
                                RE_Allocator<std::pair<const RE_Node*, Counts>>>
         counterStacks;
@@ -268,6 +272,7 @@ public:
     std::uint64_t refusals = 0;  ///< times a state was turned away because it had been tried before
 
 private:
+    friend class RE_Guest_Run;
     friend class RE_Search_Scope;
     friend class RE_Search_Memo;
 
@@ -278,6 +283,7 @@ private:
     };
 
     void makeTokens(std::size_t count);
+    void nameSlots();
     void takePendingInterrupt();
     void handBackInterrupt();
     void carryMemoOver(std::size_t end);
@@ -300,7 +306,7 @@ private:
         ++refusals;
         return false;
     }
-    std::size_t& topCount(const RE_Node* counter);
+    std::uint64_t& topCount(const RE_Node* counter);
     bool writesAreTrailed() const { return backtrack.top >= 0 || scopes > 0; }
     void setRegister(std::size_t index, std::size_t value);
     void setSlot(std::size_t index, const RE_TokenInfo& value);
@@ -319,6 +325,8 @@ private:
     std::vector<RE_Measured_Run, RE_Allocator<RE_Measured_Run>> runs;
     std::vector<RE_Measured_Run, RE_Allocator<RE_Measured_Run>> barren;  ///< both ends included
     std::int32_t scopes = 0;
+    std::size_t keptInEffect = 0;  ///< all ones when closing a token leaves the higher ones in effect
+    bool slotsHaveNames = false;
     bool knowsSubject = false;        ///< runs or barren stretches of it, or states in a memo
     bool attemptsLeaveNotes = false;  ///< a memo, or what nodes that were made by hand note
     RE_Search_Outcome stopped = RE_Search_Outcome::noMatch;
@@ -434,11 +442,11 @@ inline void RE_Search_Info::recordToken(std::size_t index, const char16_t* name,
     if (tokens == nullptr || index >= tokens->slots.size()) {
         return;
     }
-    for (std::size_t skipped = tokens->count; skipped < index; ++skipped) {
-        setSlot(skipped, RE_TokenInfo{});
+    if (index >= tokens->written) {
+        tokens->begin(index);
     }
-    setSlot(index, RE_TokenInfo{start, end - start, name});
-    tokens->count = index + 1;
+    setSlot(index, RE_TokenInfo{start, end - start, name, true});
+    tokens->count = std::max(tokens->count & keptInEffect, index + 1);
 }
 
 inline void RE_Search_Info::setRegister(std::size_t index, std::size_t value) {

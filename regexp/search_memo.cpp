@@ -3,6 +3,8 @@
 #include "regexp/nodes/loop_pass.h"
 #include "regexp/search_info.h"
 
+#include <algorithm>
+
 namespace {
 
 // All positions of a search share the row of a node, but for those at which a pass began that has consumed
@@ -142,14 +144,19 @@ std::uint32_t RE_Search_Memo::row(const RE_Search_Info& info, const RE_Node* nod
     return rows.row(key);
 }
 
-// A slot that was skipped has lost its name, which a reference by name can tell from an empty token.
+// A slot counts also while it is out of effect, as the close of a higher token may bring it back. A reference by name
+// tells a group that never closed from one that captured the empty text.
 std::size_t RE_Search_Memo::tokenState(const RE_Search_Info& info, std::size_t token) {
-    const RE_TokenInfo* slot = info.getToken(token);
-    if (slot == nullptr) {
+    const RE_Token_Stack* const tokens = info.tokens;
+    if (tokens == nullptr || token >= tokens->slots.size()) {
         return 0;
     }
-    const std::size_t named = slot->name != nullptr ? 1 : 0;
-    return textNumber(info, {slot->start, slot->length}) * 2 + named;
+    const std::size_t inEffect = token < tokens->count ? 1 : 0;
+    const RE_TokenInfo* const slot = token < std::max(tokens->written, tokens->count)
+                                         ? info.withinSubject(&tokens->slots[token])
+                                         : nullptr;
+    const bool tookPart = slot != nullptr && slot->tookPart;
+    return (tookPart ? textNumber(info, {slot->start, slot->length}) : 0) * 2 + inEffect;
 }
 
 // Equal texts get equal numbers, wherever they stand in the subject; 0 stands for no text. A text is read

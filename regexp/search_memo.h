@@ -29,7 +29,7 @@ struct RE_TokenInfo;
 /// When the memo of a search begins: after this many choices were taken up again, plus so many for each unit
 /// of the subject. Most searches end before. Tests set both to 0, before any search, to see the memo at work
 /// at once.
-struct RE_Memo_Delay {
+struct CORVANE_REGEXP_EXPORT RE_Memo_Delay {
     static inline std::uint64_t choices = 512;
     static inline std::uint64_t perUnit = 4;
 };
@@ -42,7 +42,7 @@ struct RE_Body_Outcome {
     std::size_t end = 0;  ///< where a completed body led to
 };
 
-class RE_Search_Memo : public RE_Memory {
+class CORVANE_REGEXP_EXPORT RE_Search_Memo : public RE_Memory {
 public:
     /// Combinations of a node and more get rows from this one on.
     explicit RE_Search_Memo(std::uint32_t firstCombined) : rows(firstCombined, &pool) {}
@@ -73,7 +73,8 @@ private:
 
     struct Place_Hash {
         std::size_t operator()(const Place& place) const {
-            return place.first * 0x9E3779B97F4A7C15u ^ place.second;
+            const std::uint64_t mixed = place.first * std::uint64_t{0x9E3779B97F4A7C15u} ^ place.second;
+            return static_cast<std::size_t>(mixed ^ mixed >> 32);
         }
     };
     template <class Key, class Hash>

@@ -39,6 +39,7 @@ struct RE_Search_Registers {
     RE_TokenInfo* slots = nullptr;
     std::size_t* opened = nullptr;  ///< where tokens opened, in units from the subject's begin
     std::size_t inEffect = 0;       ///< tokens
+    std::size_t written = 0;        ///< slots begun: `RE_Token_Stack::written`
     /// With no more steps left a failed attempt is not the code's to go on from.
     std::int64_t askLeft = 0;
     const RE_Instruction* instruction = nullptr;  ///< the one that it returned for
@@ -51,4 +52,5 @@ struct RE_Search_Registers {
     std::int64_t choiceMeter = 0;
     std::uint64_t choiceCountdown = 0;
     std::size_t choiceInEffect = 0;
+    std::size_t choiceWritten = 0;
 };

@@ -1,12 +1,11 @@
 // Compiling a pattern. The search is in search_driver.cpp.
 #include "regexp/tree.h"
 
+#include "host/allocation.h"
 #include "host/code_page.h"
-#include "host/memory.h"
 #include "host/utf16.h"
 #include "regexp/graph_export.h"
 #include "regexp/graph_facts.h"
-#include "regexp/included_texts.h"
 #include "regexp/nodes/collection.h"
 #include "regexp/nodes/seeker.h"
 #include "regexp/nodes/tokens.h"
@@ -16,6 +15,8 @@
 #include "regexp/parser/parser_context.h"
 #include "regexp/passes/pass_runner.h"
 #include "regexp/program/lower.h"
+#include "regexp/sub_pattern_place.h"
+#include "regexp/within_size.h"
 
 #include <algorithm>
 #include <utility>
@@ -35,7 +36,7 @@ RE_Tree::RE_Tree(const RE_Builder_Space::RE_Builder& builder, bool flag) : RE_Tr
 RE_Tree::RE_Tree(const RE_Builder_Space::RE_Builder& builder, RE_Flags flags, RE_Context* context)
     : interruptible(context != nullptr && context->allow_interrupt()) {
     const std::u16string pattern = builder.pattern();
-    parse(pattern.data(), pattern.size(), flags, context, nullptr, nullptr, true, {});
+    parse(pattern.data(), pattern.size(), flags, context, nullptr, nullptr, true, nullptr);
 }
 
 RE_Tree::RE_Tree(const char* pattern, bool flag) {
@@ -47,12 +48,14 @@ RE_Tree::RE_Tree(const char16_t* pattern, std::size_t length, RE_Flags flags, RE
 
 RE_Tree::RE_Tree(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
                  RE_Node* continuationNode, RE_Node* outerNode, bool last)
-    : RE_Tree(pattern, length, flags, context, continuationNode, outerNode, last, {}) {}
+    : interruptible(context != nullptr && context->allow_interrupt()) {
+    parse(pattern, length, flags, context, continuationNode, outerNode, last, nullptr);
+}
 
 RE_Tree::RE_Tree(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
                  RE_Node* continuationNode, RE_Node* outerNode, bool last, const RE_Sub_Pattern_Place& place)
     : interruptible(context != nullptr && context->allow_interrupt()) {
-    parse(pattern, length, flags, context, continuationNode, outerNode, last, place);
+    parse(pattern, length, flags, context, continuationNode, outerNode, last, &place);
 }
 
 RE_Tree::RE_Tree(RE_Tree&& other) noexcept
@@ -79,7 +82,7 @@ RE_Tree::~RE_Tree() {
 void RE_Tree::parse(const char16_t* pattern, std::size_t length, bool flag) {
     RE_Context context;
     const RE_Flags flags = RE_DEFAULT_FLAGS | (flag ? RE_FLAG_IGNORE_CASE : 0);
-    parse(pattern, length, flags, &context, nullptr, nullptr, true, {});
+    parse(pattern, length, flags, &context, nullptr, nullptr, true, nullptr);
 }
 
 void RE_Tree::parse(const char* pattern, bool flag) {
@@ -100,7 +103,7 @@ RE_Node* readGraph(RE_ParserContext& parserContext, const char16_t* pattern, std
     RE_Syntax_Tree syntax = RE_Grammar(parserContext, pattern, length, last).read();
     parserContext.flags = flags;
     measureSyntax(syntax, parserContext, pattern);
-    parserContext.facts->tokenCount = syntax.groupCount;
+    parserContext.facts->tokenCount = withinSize(syntax.groupCount);
     parserContext.facts->minimumLength = syntax[RE_Syntax_Tree::root].least;
     parserContext.hasLongMatches = syntax[RE_Syntax_Tree::root].most > manyUnits;
     return RE_Graph_Builder(parserContext, syntax).build(continuationNode);
@@ -130,6 +133,45 @@ RE_Attempt_Start startOf(const RE_Node* root, bool isProfiled) {
     return start;
 }
 
+void takePlace(RE_Graph_Facts& facts, const RE_Sub_Pattern_Place& place) {
+    facts.memoRows = place.memoRow;
+    facts.passRegisters = place.passRegister;
+    facts.lastNodeId = place.nodeId;
+}
+
+// The names outlive the parser, also those of groups that were repeated no times and have no node.
+void nameTokens(RE_ParserContext& parserContext) {
+    if (parserContext.tokenNames.empty()) {
+        return;
+    }
+    RE_Graph_Facts& facts = *parserContext.facts;
+    for (const auto& [name, token] : parserContext.tokenNames) {
+        facts.nameText.append(name).push_back(u'\0');
+    }
+    facts.tokenNames.resize(facts.tokenCount);
+    const char16_t* at = facts.nameText.data();
+    for (const auto& [name, token] : parserContext.tokenNames) {
+        facts.tokenNames[token] = at;
+        at += name.size() + 1;
+    }
+}
+
+// A pattern and the graph that it continues in number their tokens alike: what has the same number shares a slot.
+// References in that graph may read any of them.
+void shareTokens(RE_Graph_Facts& facts, const RE_Continued_Graph& continued) {
+    const std::size_t own = facts.tokenCount;
+    facts.tokenCount = std::max(own, continued.tokenCount);
+    for (std::size_t token = own; token < facts.tokenCount; ++token) {
+        facts.referencedTokens.push_back(token);
+    }
+    if (!facts.tokenNames.empty() || !continued.tokenNames.empty()) {
+        facts.tokenNames.resize(facts.tokenCount);
+    }
+    for (std::size_t token = own; token < continued.tokenNames.size(); ++token) {
+        facts.tokenNames[token] = continued.tokenNames[token];
+    }
+}
+
 // Patterns that call the host are run by the graph, as are those whose nodes count what they do.
 void prepareAttempts(RE_ParserContext& parserContext, RE_Node* root) {
     RE_Graph_Facts& facts = *parserContext.facts;
@@ -143,7 +185,7 @@ void prepareAttempts(RE_ParserContext& parserContext, RE_Node* root) {
 
 void RE_Tree::parse(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
                     RE_Node* continuationNode, RE_Node* outerNode, bool last,
-                    const RE_Sub_Pattern_Place& place) {
+                    const RE_Sub_Pattern_Place* place) {
     if (context == nullptr) {
         RE_Context fallback;  // allows no evaluation, so no node keeps it
         parse(pattern, length, flags, &fallback, continuationNode, outerNode, last, place);
@@ -163,21 +205,25 @@ std::uint64_t RE_Tree::memoryUse() const {
 
 void RE_Tree::compile(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
                       RE_Node* continuationNode, RE_Node* outerNode, bool last,
-                      const RE_Sub_Pattern_Place& place) {
+                      const RE_Sub_Pattern_Place* placeOfText) {
+    const RE_Continued_Graph continued =
+        RE_Continued_Graph::from(placeOfText == nullptr ? continuationNode : nullptr);
     RE_ParserContext parserContext(context, outerNode, flags);
-    parserContext.facts->memoRows = place.memoRow;
-    parserContext.facts->passRegisters = place.passRegister;
-    parserContext.nodeCount = place.nodeId;
+    takePlace(*parserContext.facts, placeOfText != nullptr ? *placeOfText : continued.place);
+    parserContext.nodeCount = parserContext.facts->lastNodeId;
     // What follows a sub-pattern may call the host, for all that is known here.
     parserContext.facts->hasDynamicNodes = continuationNode != nullptr;
+    parserContext.facts->keepsTokens = (flags & RE_FLAG_KEEP_TOKENS) != 0;
     allowEmptyMatch = (flags & RE_FLAG_ALLOW_EMPTY) != 0;
     RE_Node* const finished = compileGraph(parserContext, pattern, length, continuationNode, last);
 
-    tokenCount = parserContext.facts->tokenCount;
     hasTokenNames = !parserContext.tokenNames.empty();
+    nameTokens(parserContext);
+    shareTokens(*parserContext.facts, continued);
+    tokenCount = parserContext.facts->tokenCount;
     nodeCount = parserContext.handOver(finished);
     parserContext.facts->lastNodeId = parserContext.nodeCount;
-    if (parserContext.options().profile() && place.nodeId == 0) {
+    if (parserContext.options().profile() && placeOfText == nullptr) {
         parserContext.facts->profiler =
             std::allocate_shared<RE_Profiler>(RE_Allocator<RE_Profiler>(), parserContext.nodeCount);
     }

@@ -62,7 +62,11 @@ public:
     RE_Tree(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context);
     /// The text that the context is told is gone when this returns.
     RE_Tree(const RE_Builder_Space::RE_Builder& builder, RE_Flags flags, RE_Context* context);
-    /// A sub-pattern: its end hands control to `continuationNode`, and unless `last` it makes no tokens.
+    /// A sub-pattern: its end hands control to `continuationNode`, and unless `last` it makes no tokens. The node may
+    /// stand anywhere in another tree's graph, whose tree must outlive this one and is only read. Its memo rows,
+    /// registers and counts come first and those of this pattern after them; tokens of the same number share a slot, and
+    /// `getTokenCount` counts those of both. A node within a closed body or a counted loop is entered as if from
+    /// outside: the end of the body ends the match, and the loop's count starts at 0.
     RE_Tree(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
             RE_Node* continuationNode, RE_Node* outerNode, bool last);
     /// The tree that was moved from has no graph and matches nothing.
@@ -122,7 +126,9 @@ public:
     /// expressions) or would be large.
     bool makeDfa();
 
-    /// Runs the pattern once at exactly `position`, with the caller's state. Refuses no empty match.
+    /// Runs the pattern once at exactly `position`, with the caller's state. Refuses no empty match. A state
+    /// that is in no attempt begins one at `position`; `RE_Results(info, position, *length, false)` is a view
+    /// of the match then. Within an attempt, as of the search that runs the caller, the run is a part of it.
     bool match_bool(const char16_t* position, std::size_t* length, RE_Search_Info* info) const;
 
     /// The distinct names of tokens, in token order. The array belongs to the caller (`utFree`), the names to
@@ -149,6 +155,13 @@ public:
     /// Bytes of the host's memory that the compiled pattern holds, of one graph that trees may share.
     std::uint64_t memoryUse() const;
     std::uint64_t getTokenCount() const { return tokenCount; }
+    /// Whether `treeNames` has any.
+    bool getHasTokenNames() const { return hasTokenNames; }
+    bool getAllowEmptyMatch() const { return allowEmptyMatch; }
+    /// Whether a match of this length counts as one.
+    bool isValidMatchLength(std::size_t length) const { return length != 0 || allowEmptyMatch; }
+    /// Whether searches ask the host to be broken off, as the context had it when the pattern was compiled.
+    bool isInterruptible() const { return interruptible; }
     std::uint64_t getNodeCount() const { return nodeCount; }
     const RE_Node* getRoot() const { return root; }
     const RE_Graph_Facts& getFacts() const { return *facts; }
@@ -165,9 +178,12 @@ private:
     void parse(const char16_t* pattern, std::size_t length, bool flag);
     void parse(const char* pattern, bool flag);
     void parse(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
-               RE_Node* continuationNode, RE_Node* outerNode, bool last, const RE_Sub_Pattern_Place& place);
+               RE_Node* continuationNode, RE_Node* outerNode, bool last,
+               const RE_Sub_Pattern_Place* placeOfText);
+    /// `placeOfText` is that of a dynamic text within a search; null for all others.
     void compile(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
-                 RE_Node* continuationNode, RE_Node* outerNode, bool last, const RE_Sub_Pattern_Place& place);
+                 RE_Node* continuationNode, RE_Node* outerNode, bool last,
+                 const RE_Sub_Pattern_Place* placeOfText);
 
     RE_Results* searchFrom(const char16_t* subject, std::size_t length, std::size_t offset,
                            RE_Seek_Table* table, RE_Observer* observer = nullptr) const;

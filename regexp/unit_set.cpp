@@ -1,6 +1,6 @@
 #include "regexp/unit_set.h"
 
-#include "host/ctype.h"
+#include "host/unit_class.h"
 
 #include <algorithm>
 #include <atomic>
@@ -209,6 +209,24 @@ void RE_Case_Table::addFolding(RE_Unit_Set& set, char16_t low, char16_t high, bo
     addFormsWithin(lowerForms, set, low, high);
     if (bothForms) {
         addFormsWithin(upperForms, set, low, high);
+        addFormsOfUnitsWithin(set, low, high);
+    }
+}
+
+// The forms of a short range are looked up one by one, those of a long one in a walk over all there are.
+void RE_Case_Table::addFormsOfUnitsWithin(RE_Unit_Set& set, char16_t low, char16_t high) const {
+    constexpr int shortRange = 64;
+    const auto add = [&set](char16_t unit) { set.add(unit); };
+    if (high - low < shortRange) {
+        for (std::size_t unit = low; unit <= high; ++unit) {
+            forEachForm(lower(static_cast<char16_t>(unit)), add);
+        }
+        return;
+    }
+    for (const Form& each : lowerForms) {
+        if (low <= each.unit && each.unit <= high) {
+            forEachForm(each.form, add);
+        }
     }
 }
 

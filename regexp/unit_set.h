@@ -42,7 +42,7 @@ struct RE_Low_Units {
 
 /// A set of units: one bit for each of the 65,536. From some place on most sets hold all units or none: they
 /// know that place, so that building and comparing them looks at what stands before it only.
-class RE_Unit_Set : public RE_Memory {
+class CORVANE_REGEXP_EXPORT RE_Unit_Set : public RE_Memory {
 public:
     static constexpr std::size_t unitCount = 0x10000;
     /// Of a set that is not in use before something is assigned to it.
@@ -120,7 +120,7 @@ private:
 };
 
 /// The host's simple case mapping, unit by unit.
-class RE_Case_Table {
+class CORVANE_REGEXP_EXPORT RE_Case_Table {
 public:
     static const RE_Case_Table& get();
 
@@ -145,8 +145,8 @@ public:
     }
     /// How many units have this unit as their lower-case form.
     std::size_t formsWithin(char16_t lowerForm) const;
-    /// Adds the units whose lower-case form lies in the bounds; with `bothForms` also those whose upper-case
-    /// form does.
+    /// Adds the units whose lower-case form lies in the bounds; with `bothForms` also those whose upper-case form does,
+    /// and those that fold to the lower-case form of a unit within the bounds, as U+212A does to that of K.
     void addFolding(RE_Unit_Set& set, char16_t low, char16_t high, bool bothForms) const;
 
 private:
@@ -159,6 +159,7 @@ private:
 
     RE_Case_Table();
     static void addFormsWithin(const Forms& forms, RE_Unit_Set& set, char16_t low, char16_t high);
+    void addFormsOfUnitsWithin(RE_Unit_Set& set, char16_t low, char16_t high) const;
 
     char16_t lowerOf[RE_Unit_Set::unitCount];
     char16_t upperOf[RE_Unit_Set::unitCount];
@@ -168,7 +169,7 @@ private:
 };
 
 /// The classes that escapes name.
-struct RE_Unit_Classes {
+struct CORVANE_REGEXP_EXPORT RE_Unit_Classes {
     static const RE_Unit_Classes& get();
 
     static constexpr std::size_t count = 6;

@@ -1,7 +1,7 @@
 // A host without memory: whichever of its allocations fails, compiling, searching and replacing end in std::bad_alloc
 // or in no result, and nothing is lost.
 #include "host/allocation_counter.h"
-#include "host/memory.h"
+#include "host/allocation.h"
 #include "tests/support/differential.h"
 
 #include <gtest/gtest.h>

@@ -2,6 +2,7 @@
 // neighbours, and that misuse does not compile. builder_random_test.cpp compares what they match.
 #include "regexp/regexp.h"
 #include "tests/support/engine_run.h"
+#include "tests/support/plain_host.h"
 
 #include <atomic>
 #include <functional>
@@ -38,13 +39,18 @@ static_assert(isBound<int> && isBound<size_t> && !isBound<bool> && !isBound<char
 static_assert(!isBound<double> && !isBound<RE_GREED> && !std::is_constructible_v<RE_Bounds, RE_GREED>);
 static_assert(!std::is_constructible_v<RE_Tree, RE_Builder, RE_Flags> && !std::is_constructible_v<RE_Tree, RE_Builder, RE_MODE>);
 static_assert(std::is_constructible_v<RE_Tree, RE_Builder, bool> && std::is_constructible_v<RE_Tree, RE_Builder, RE_Flags, RE_Context*>);
+template <class Argument>
+concept Evaluated = requires(const Argument& argument) { evaluate(argument); dynamic_text(argument); };
+static_assert(Evaluated<RE_Template> && Evaluated<RE_Token> && !Evaluated<RE_Builder> && !Evaluated<std::u16string> && !Evaluated<const char16_t*>);
+static_assert(Sequence<RE_Template, RE_Token> && !Sequence<RE_Template, RE_Builder> && !Sequence<RE_Token, RE_Token>);
 static_assert(RE_Token_Name::isValid(u"a1_") && !RE_Token_Name::isValid(u"1a") && !RE_Token_Name::isValid(u"") &&
               !RE_Token_Name::isValid(u"a\u00E9") && !RE_Token_Name::from(u"a-b"));
 
 TEST(Builder, GroupsWhereAnOperatorWouldTakeAPatternApart) {
     const RE_Token t, other;
     const RE_Builder a = literal(u"a"), ab = literal(u"ab"), a_b = either(a, literal(u"b")), raw(u"(?i)x|(y)");
-    const RE_Builder nine = quantify(capture(RE_Builder()), {1, 9});
+    const RE_Builder nine = quantify(capture(RE_Builder()), {1, 9}), depends(u"(?(?@f)(a)|(b))"), comment(u"a#(b)");
+    const RE_Template script = RE_Template(u"f(\")\", '$[#\\') ") + t + RE_Template(u"1") + RE_Template::named(u"n") + RE_Template::matched();
     RE_Builder twice = capture(t, a);
     twice += twice;
     const std::pair<RE_Builder, const char16_t*> table[] = {
@@ -68,6 +74,20 @@ TEST(Builder, GroupsWhereAnOperatorWouldTakeAPatternApart) {
         {capture(a) + raw + capture(t, a) + backreference(t) + literal(u"1"), u"(a)(?:(?i)x|(y))(a)\\3(?:)1"},
         {twice + backreference(t) + capture(other, if_token(t, a, a_b)), u"(a)(a)\\2((?(2)a|(?:a|b)))"},
         {backreference(t) + if_token(other, a, a_b) + capture(t, a), u"(?!)(?(?!)a|(?:a|b))(a)"},
+        // They are by name where their number is not the same under all flags and contexts.
+        {depends + capture(t, a) + backreference(t), u"(?:(?(?@f)(a)|(b)))(?<token_1>a)\\k<token_1>"},
+        {capture(t, a) + depends + backreference(t) + capture(other, a), u"(a)(?:(?(?@f)(a)|(b)))\\1(a)"},
+        {comment + capture(t, a) + if_token(t, a), u"(?:a#(b)(?x)\n)(?<token_1>a)(?(token_1)a)"},
+        {RE_Builder(u"a#b") + capture(t, a) + backreference(t), u"(?:a#b(?x)\n)(a)\\1"},
+        {RE_Builder(u"(?<token_1>)") + depends + capture(t, a) + backreference(t),
+         u"(?:(?<token_1>))(?:(?(?@f)(a)|(b)))(?<token__1>a)\\k<token__1>"},
+        {if_expression(RE_Template(u"f"), capture(t, a), a_b) + capture(other, a) + backreference(t) + backreference(other),
+         u"(?(?@f)(?<token_1>a)|(?:a|b))(?<token_2>a)\\k<token_1>\\k<token_2>"},
+        // In expressions all is quoted that would end them or refer to tokens; a number there is of one digit.
+        {capture(t, a) + evaluate(script), u"(?<token_1>a)(?@f\\(\"\\)\", '\\$\\[\\#\\\\'\\) $<token_1>1$<n>$&)"},
+        {capture(t, a) + dynamic_text(RE_Template(u"@") + t + t), u"(a)(?\?\\@$1$1)"},
+        {evaluate(t) + dynamic_expression(RE_Template::before() + RE_Template::after()), u"(?@$<token_0>)(?\?@$`$')"},
+        {RE_Builder(u"()()()()()()()()()") + capture(t, a) + evaluate(t), u"(?:()()()()()()()()())(?<token_1>a)(?@$<token_1>)"},
     };
     for (const auto& [builder, pattern] : table) {
         EXPECT_EQ(printable(pattern), printable(builder.pattern()));
@@ -75,6 +95,93 @@ TEST(Builder, GroupsWhereAnOperatorWouldTakeAPatternApart) {
     EXPECT_EQ(1u, twice.tokenIndex(t));
     EXPECT_EQ(std::nullopt, twice.tokenIndex(other));
     EXPECT_EQ(2u, (raw + nine + capture(t, a)).tokenIndex(t));
+}
+
+/// Foreign texts whose groups are there or not, by the flags and by what the host allows. Each may match the empty text.
+const char16_t* const foreignTexts[] = {u"",
+                                        u"(a)?",
+                                        u"a|(b)|",
+                                        u"(?(?@f)(a)?|(b))",
+                                        u"(?(?@false)(a)|(b)?)",
+                                        u"(?-e)(?(?@f)(a)?|(b)?)()",
+                                        u"(?e:(?(?@f)()|(b)))(?(?@f)()(?(?@f)()))",
+                                        u"()|#(b)",
+                                        u"(?x)()#(b)",
+                                        u"(?x:#(b)\n)()",
+                                        u"(?@f((a)))",
+                                        u"(?\?(a)?)",
+                                        u"(?\?@(a)?)()",
+                                        u"[(#]|()",
+                                        u"\\(?#|()",
+                                        u"(?<n>)(?(?@f)(?<n>)|)",
+                                        u"(?#())|()",
+                                        u"(?(?=(a))a|(b)|)"};
+
+// Behind such a text, and behind groups that are not there without evaluation, all that refers to a token finds it.
+TEST(BuilderTokens, AreFoundUnderAllFlagsAndContexts) {
+    const RE_Token t, other;
+    const RE_Builder digit = one_of(RE_SetItem(u'0', u'9')), sign = literal(u"!");
+    for (const char16_t* const foreign : foreignTexts) {
+        const RE_Builder raw{std::u16string(foreign)};
+        const RE_Builder two = raw + capture(other, sign) + if_expression(RE_Template(u"f"), capture(digit) + raw) + raw;
+        for (const RE_Builder& before :
+             {raw, RE_Builder_Space::optional(raw), either(raw, sign), capture(raw), pos_behind(raw), two,
+              with_mode(RE_MODE_FREE_SPACING, raw), without_mode(RE_MODE_EVALUATE, raw + with_mode(RE_MODE_EVALUATE, two))}) {
+            const RE_Builder whole = before + capture(t, digit) + dynamic_text(t) + backreference(t) +
+                                     if_token(t, backreference(t) + literal(u"0"), sign);
+            for (RE_Flags way = 0; way < 128; ++way) {
+                const RE_Flags flags = way / 2;
+                PlainHost host(way % 2 != 0);
+                const std::u16string subject = u"!7770!577770!57770";
+                const std::string place = printable(whole.pattern()) + " flags and context " + std::to_string(way);
+                const std::unique_ptr<RE_Results> match(RE_Tree(whole, flags, &host).match(subject, 0));
+                ASSERT_TRUE(match != nullptr) << place;
+                const std::optional<size_t> index = whole.tokenIndex(t, flags, &host);
+                ASSERT_TRUE(index && *index < match->tokens->count) << place;
+                const std::u16string found = subject.substr(match->tokens->get(*index)->start);
+                const bool evaluated = way % 2 != 0 && (flags & RE_FLAG_EVALUATE) != 0;
+                ASSERT_TRUE(found.starts_with(evaluated ? u"77770" : u"7770")) << place;
+                ASSERT_EQ(found.substr(0, 1), reTokenText(*match, *index)) << place;
+            }
+        }
+    }
+}
+
+TEST(BuilderTokens, HaveTheIndexThatTheArgumentsOfTheTreeGiveThem) {
+    const RE_Token t;
+    const RE_Builder depends(u"(?(?@f)(?<n>a)|(b))()(?<m>)#(?<x>)"), a = literal(u"a");
+    const RE_Builder whole = depends + capture(t, a) + capture(u"n", a) + backreference(u"n");
+    PlainHost allowing(true), forbidding(false);
+    EXPECT_EQ(3u, whole.tokenIndex(t));
+    EXPECT_EQ(4u, whole.tokenIndex(u"n"));
+    EXPECT_EQ(1u, whole.tokenIndex(u"m"));
+    EXPECT_EQ(2u, whole.tokenIndex(u"x"));
+    EXPECT_EQ(std::nullopt, whole.tokenIndex(u"y"));
+    EXPECT_EQ(5u, whole.tokenIndex(t, RE_DEFAULT_FLAGS, &allowing));
+    EXPECT_EQ(0u, whole.tokenIndex(u"n", RE_DEFAULT_FLAGS, &allowing));
+    EXPECT_EQ(4u, whole.tokenIndex(u"n", RE_DEFAULT_FLAGS, &forbidding));
+    EXPECT_EQ(3u, whole.tokenIndex(u"n", RE_FLAG_FREE_SPACING, &allowing));
+    EXPECT_EQ(2u, whole.tokenIndex(t, RE_FLAG_FREE_SPACING, nullptr));
+    EXPECT_EQ(std::nullopt, whole.tokenIndex(u"x", RE_FLAG_FREE_SPACING, nullptr));
+    // A group that is not there is no group of its token.
+    const RE_Builder twice = capture(t, a) + if_expression(RE_Template(u"f"), capture(t, a));
+    EXPECT_EQ(1u, twice.tokenIndex(t, RE_DEFAULT_FLAGS, &allowing));
+    EXPECT_EQ(0u, twice.tokenIndex(t));
+    EXPECT_TRUE(allowing.warnings().empty() && allowing.runs().empty());
+}
+
+TEST(BuilderTemplate, GivesTheHostItsTextAndTheTokens) {
+    const RE_Token t, u;
+    const std::u16string odd = u"f(\")\", '$[#\\') }{ $1 $& @\n\u00E9";
+    const RE_Builder whole = subject_start() + capture(t, literal(u"a")) + capture(u"n", literal(u"b")) +
+                             evaluate(RE_Template(odd) + t + RE_Template(u"0 ") + RE_Template::named(u"n") + u + RE_Template::matched());
+    for (const RE_Flags flags : {RE_Flags{0x10}, RE_Flags{0x18}}) {
+        PlainHost host(true);
+        EXPECT_TRUE(RE_Tree(whole, flags, &host).match_at(u"ab", 0) != nullptr);
+        ASSERT_EQ(1u, host.runs().size());
+        EXPECT_EQ(printable(odd + u"$<token_1>0 $<n>$<token_0>$&(ab$<token_0>ab)"), printable(host.runs()[0]));
+        EXPECT_TRUE(host.warnings().empty());
+    }
 }
 
 size_t below(std::mt19937_64& random, size_t limit) { return random() % limit; }

@@ -14,11 +14,11 @@
 
 #include "host/allocation_counter.h"
 #include "host/code_page.h"
-#include "host/ctype.h"
+#include "host/unit_class.h"
 #include "host/cx_array.h"
 #include "host/i18n.h"
 #include "host/interrupt.h"
-#include "host/memory.h"
+#include "host/allocation.h"
 #include "host/object_store.h"
 #include "host/option_context.h"
 #include "host/utf16.h"

@@ -2,6 +2,7 @@
 // under every setting, and end.
 #include "tests/support/differential.h"
 #include "tests/support/pattern_random.h"
+#include "tests/support/reference_matcher.h"
 #include "tests/support/small_stack.h"
 
 #include <gtest/gtest.h>
@@ -36,6 +37,19 @@ void expectHarmless(std::u16string_view pattern, RE_Flags flags) {
     }
 }
 
+/// Where the reference can read it too, and nothing is malformed, both read the same.
+void expectAsRead(std::u16string_view pattern, RE_Flags flags) {
+    const Engine engine(pattern, flags);
+    if (!engine.warnings().empty()) {
+        return;
+    }
+    for (const std::u16string& subject : fewSubjects()) {
+        if (const auto expected = reference::search(pattern, flags, subject, 0, {20000})) {
+            EXPECT_EQ(describe(*expected), describe(engine.search(subject))) << printable(pattern) << " on " << printable(subject);
+        }
+    }
+}
+
 TEST(ShortPatterns, OfOneAndTwoUnitsAreHarmless) {
     for (char16_t first = 0; first < 128; ++first) {
         expectHarmless(std::u16string(1, first), kEmptyToo);
@@ -46,7 +60,7 @@ TEST(ShortPatterns, OfOneAndTwoUnitsAreHarmless) {
 }
 
 std::u16string mutated(std::u16string pattern, PatternSource& source) {
-    constexpr std::u16string_view units = u"()[]{}?*+|\\^$.:<>=!-,19aik";
+    constexpr std::u16string_view units = u"()[]{}?*+|\\^$.:<>=!-,19aikxo";
     for (size_t left = 1 + source.below(3); left > 0 && !pattern.empty(); --left) {
         const size_t place = source.below(pattern.size());
         const size_t way = source.below(3);
@@ -71,7 +85,9 @@ TEST(BrokenPatterns, AreHarmless) {
             const auto punctuation = [&] { return units[source.below(units.size())]; };
             expectHarmless(ofUnits(source, 14, punctuation), count == 0 ? 0x3DU : kPlain);
         }
-        expectHarmless(mutated(source.pattern(), source), kEmptyToo);
+        const std::u16string broken = mutated(source.pattern(), source);
+        expectHarmless(broken, kEmptyToo);
+        expectAsRead(broken, kEmptyToo);
         if (round % 2 == 0) {
             const auto any = [&] { return static_cast<char16_t>(source.below(source.below(3) == 0 ? 128 : 0x10000)); };
             expectHarmless(ofUnits(source, 10, any), 0x33);
@@ -155,6 +171,9 @@ constexpr Nest kNests[] = {
     {"{", "", "}", nullptr},
     {"(?<n>", "", ")", nullptr},
     {"(?i)", "A", "", "[0,1]", true},
+    {"(?x:{#\n", "", ")", nullptr},
+    {"(?x){(?-x){", "", "", nullptr},
+    {"\\x{(?x)", "", "", nullptr},
 };
 
 std::ostream& operator<<(std::ostream& out, const Nest& nest) {

@@ -111,7 +111,7 @@ TEST_P(MatchTable, AgreesWithTheReferenceMatcherWhereItReads) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Cases, MatchTable,
-                         testing::Values("tokens", "repetition", "closed_bodies", "anchors", "units",
+                         testing::Values("tokens", "repetition", "closed_bodies", "conditions", "anchors", "units",
                                          "searching", "malformed", "differences"),
                          [](const auto& table) { return std::string(table.param); });
 

@@ -86,7 +86,7 @@ TEST(CompileOptions, ParsesTextIntoTheNamedOptionOnly) {
     const ParseCase cases[] = {
         {{}, 1024, "1110"},
         {{"--InlineThreshold=0"}, 0, "1110"},
-        {{"--InlineThreshold", "18446744073709551615"}, SIZE_MAX, "1110"},
+        {{"--InlineThreshold", std::to_string(SIZE_MAX)}, SIZE_MAX, "1110"},
         {{"--OptimizeLinearSubpatterns=false"}, 1024, "0110"},
         {{"--OptimizeDotStar=0"}, 1024, "1010"},
         {{"--OptimizeNullNodes=off"}, 1024, "1100"},

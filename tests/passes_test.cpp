@@ -85,6 +85,27 @@ TEST(Passes, MakeTheseGraphs) {
     }
 }
 
+bool givesBackOnes(const std::u16string& pattern) {
+    const RE_Tree tree(pattern, false);
+    return std::ranges::any_of(nodesOf(tree), [](const RE_Node* node) {
+        const auto* const run = nodeAs<RE_Consume>(node);
+        return run != nullptr && run->item->label() == "Match '1'" && !run->possessive;
+    });
+}
+
+// At a shorter end of the run a condition may lead past its branches, and the pattern may be over there.
+TEST(Passes, HaveARunGiveBackWhatAConditionMayLeadPast) {
+    for (const char16_t* condition : {u"(1)", u"(n)", u"(?=a)", u"(?=ab)", u"(?=\\<a)", u"(?=a+b)", u"(?=(a))", u"(?!a)",
+                                      u"(?!a+b)", u"(?<=a)", u"(?<=a+)", u"(?<!a)", u"(?<!(a)b)"}) {
+        const std::u16string group = u"(?<n>a)?1*(?" + std::u16string(condition);
+        EXPECT_TRUE(givesBackOnes(group + u"b)")) << printable(condition);
+        EXPECT_TRUE(givesBackOnes(group + u"b|)")) << printable(condition);
+        EXPECT_TRUE(givesBackOnes(group + u"b|[1c])")) << printable(condition);
+        EXPECT_FALSE(givesBackOnes(group + u"b|c)")) << printable(condition);
+        EXPECT_FALSE(givesBackOnes(group + u"b)c")) << printable(condition);
+    }
+}
+
 /// The lines of a graph without the numbers of the nodes, which follow the order in which they were made.
 std::vector<std::string> sortedLines(const std::string& text) {
     static const RE_Tree number(u"\\<n\\d+\\>", false);
@@ -133,6 +154,9 @@ TEST(Passes, KnowWhatEveryMatchPasses) {
         {u"a(?>bc|d)e", "Match 'a'; Atomic group; Match 'e'; End"},
         {u"(a)b\\1c", "Token start #1; Match 'a'; Token end #1; Match 'b'; Match Token 1"},
         {u"x(?(?=a)bc|de)f", "Match 'x'; Lookaround Ahead; Match 'f'; End"},
+        {u"x(?(?!a)bc)f", "Match 'x'; Lookaround Ahead; Match 'f'; End"},
+        {u"x(?(?<=a)|bc)f", "Match 'x'; Lookaround Behind; Match 'f'; End"},
+        {u"(a)?(?(1)bc)f", "Dispatch to 2 ways; Assert Token 1; Match 'f'; End"},
     };
     for (const auto& c : cases) {
         const Engine engine(c.pattern, 0x12, kLinear);
@@ -151,6 +175,7 @@ TEST(Nodes, MeasureWhatLiesBehindThem) {
         {u"ab(?:c|de)f", 4, 5}, {u"a{2,5}b", 3, 6},      {u"xa+?b?", 2, kUnbounded},
         {u"(?>ab?)c", 2, 3},    {u"(?<=abc)(?!d)e", 1, 1}, {u"(a)x\\1", 2, kUnbounded},
         {u"(?:ab|c)*d", 1, kUnbounded}, {u"(?:abc|de|fghi)[xy]", 3, 5},
+        {u"(?(?=a)abc)d", 1, 4}, {u"(?(?!a)bc|d)e", 2, 3}, {u"(?(?<=a)|bc)d", 1, 3}, {u"(a)?(?(1)bc)d", 1, 4},
     };
     for (const auto& c : cases) {
         const RE_Tree tree(c.pattern, false);

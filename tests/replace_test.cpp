@@ -39,6 +39,7 @@ const ReplaceCase replaceCases[] = {
     {u"(a)", kPlain, u"$18446744073709551616", u"a", false, 0, u"a8446744073709551616"},
     {u"(?<y>\\d)(?<m>x)?", kPlain, u"$<y>$<m>$<none>$< y>", u"7", false, 0, u"7$<m>$<none>$< y>"},
     {u"a", kPlain, u"\\$0\\\\\\x41\\x{1F600}\\$", u"a", false, 0, u"$0\\A\U0001F600$"},
+    {u"(a)", kPlain, u"\\o{9}|\\x{4-1}|\\x{41|\\x{$1}|\\o8|\\x{110000}", u"a", false, 0, u"o{9}|x{4-1}|x{41|x{a}|o8|x{110000}"},
     {u"x*", kEmptyToo, u"-", u"axb", false, 0, u"-a-b-"},
     {u"", kEmptyToo, u"-", u"", false, 0, u"-"},
     {u"x*", kPlain, u"-", u"axb", false, 0, u"a-b"},

@@ -7,7 +7,10 @@
 #include "regexp/parser/parser_context.h"
 #include "regexp/regexp.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <gtest/gtest.h>
+#include <limits>
 #include <memory>
 #include <vector>
 
@@ -104,6 +107,34 @@ TEST_F(SearchState, IgnoresTokensThatDoNotExistOrReachPastTheSubject) {
     EXPECT_EQ(nullptr, info.getToken(size_t{0}));
 }
 
+template <class Index>
+void expectIndexed(const RE_Token_Stack& tokens, const RE_Search_Info& info) {
+    EXPECT_EQ(&tokens.slots[0], tokens.get(Index{0}));
+    EXPECT_EQ(&tokens.slots[1], info.getToken(Index{1}));
+    EXPECT_EQ(nullptr, tokens.get(static_cast<Index>(-1)));
+    EXPECT_EQ(nullptr, info.getToken(std::numeric_limits<Index>::max()));
+}
+
+TEST_F(SearchState, FindsTokensByIntegersOfEveryType) {
+    for (const size_t index : {0u, 1u}) {
+        info.startToken(index, u"name", kText);
+        info.endToken(index, kText + 1, false);
+    }
+    const RE_Token_Stack& tokens = *info.tokens;
+    expectIndexed<signed char>(tokens, info);
+    expectIndexed<unsigned short>(tokens, info);
+    expectIndexed<int>(tokens, info);
+    expectIndexed<unsigned>(tokens, info);
+    expectIndexed<long>(tokens, info);
+    expectIndexed<std::int64_t>(tokens, info);
+    expectIndexed<unsigned long>(tokens, info);
+    expectIndexed<unsigned long long>(tokens, info);
+    EXPECT_EQ(&tokens.slots[0], tokens.get(0)) << "and no name that is null";
+    EXPECT_EQ(&tokens.slots[0], info.getToken(0));
+    EXPECT_EQ(&tokens.slots[0], info.getToken(u"name"));
+    EXPECT_EQ(nullptr, tokens.get(nullptr));
+}
+
 TEST(TokenStack, ForgetsHigherTokensAndFindsTheLowestOfAName) {
     RE_Token_Stack tokens(10);
     for (size_t i = 0; i < 10; ++i) {
@@ -142,6 +173,25 @@ TEST(SeekTable, AnswersBetweenWhereItAskedAndWhatItFound) {
     table.put(RE_Seek_Key(nullptr), RE_Seek_Value(s, s));
     EXPECT_EQ(2u, table.size());
     EXPECT_FALSE(RE_Seek_Key(nullptr));
+    const bool isKey = RE_Seek_Key(node, U'a');
+    EXPECT_TRUE(isKey);
+}
+
+TEST(SeekTable, OrdersKeysByNodeAndWords) {
+    RE_Context host;
+    RE_ParserContext parser(&host, nullptr, 0);
+    const RE_Node* nodes[] = {parser.make<RE_Null>(), parser.make<RE_Null>()};
+    std::ranges::sort(nodes, std::less<>());
+    const RE_Seek_Key ascending[] = {RE_Seek_Key(nullptr),        RE_Seek_Key(nodes[0], 0, 1),
+                                     RE_Seek_Key(nodes[0], 1, 0), RE_Seek_Key(nodes[0], 1, 2),
+                                     RE_Seek_Key(nodes[0], U'a'), RE_Seek_Key(nodes[0]),
+                                     RE_Seek_Key(nodes[1], 0, 0)};
+    for (size_t i = 0; i < std::size(ascending); ++i) {
+        for (size_t k = 0; k < std::size(ascending); ++k) {
+            EXPECT_EQ(i <=> k, ascending[i] <=> ascending[k]) << i << ' ' << k;
+            EXPECT_EQ(i == k, ascending[i] == ascending[k]);
+        }
+    }
 }
 
 // --- interrupts ---

@@ -46,6 +46,12 @@ const Case kCases[] = {
     {u"ab.*?xyz", 0x10, "literal"},
     {u"ab\\w*=.*(?:q-|1\n)", 0x12, "literal"},
     {u"^.*b[^q]*1", 0x10, "anchored"},
+    {u"(?(?=a)ab)c", 0x12, "first units"},
+    {u"(?(?<!a)bc)d", 0x12, "first units"},
+    {u"(?(?=a)ab|cd)xyz", 0x12, "prefixes"},
+    {u"(?(?!a)|bc)xyz", 0x12, "required literal"},
+    {u"(a)?(?(1)bc)xyz", 0x12, "required literal"},
+    {u"\\w*(?(?=-)--q)=", 0x12, "required literal"},
     {u"[^x]", 0x12, "none"},
     {u"a*", 0x32, "none"},
 };

@@ -12,7 +12,7 @@
 // Control characters in the output are compared as \xHH. What is not mentioned is expected to be empty, and the
 // status to be 0.
 //
-// The pages in docs are transcripts too: of their indented lines, one that begins with "$ " is a command, run at the
+// README.md and the pages in docs are transcripts too: of their indented lines, one that begins with "$ " is a command, run at the
 // top of the source tree, and those below are what it says on both channels.
 #include <gtest/gtest.h>
 #include <stdlib.h>
@@ -204,7 +204,9 @@ std::vector<fs::path> filesIn(const std::string& folder, const std::string& exte
 
 TEST(CommandLineTool, SaysWhatThePagesOfTheDocumentationSay) {
     size_t count = 0;
-    for (const fs::path& page : filesIn("docs", ".md")) {
+    std::vector<fs::path> pages = filesIn("docs", ".md");
+    pages.push_back(sourceTree / "README.md");
+    for (const fs::path& page : pages) {
         for (const Case& example : readExamples(page)) {
             SCOPED_TRACE(page.filename().string() + "\n" + example.command);
             runCase(example);

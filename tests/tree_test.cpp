@@ -1,6 +1,6 @@
 // The compiled pattern as hosts use it: constructors, names, ownership, and a graph that searches leave alone.
+#include "host/allocation.h"
 #include "host/allocation_counter.h"
-#include "host/memory.h"
 #include "regexp/graph_facts.h"
 #include "regexp/nodes/node.h"
 #include "regexp/regexp.h"

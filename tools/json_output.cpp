@@ -25,7 +25,8 @@ Json tokenObject(const RE_Results& found, std::size_t index) {
             {"name", token.name == nullptr ? Json() : Json(toUtf8(token.name))},
             {"start", token.start},
             {"length", token.length},
-            {"text", toUtf8(tokenText(found, token))}};
+            {"text", toUtf8(tokenText(found, token))},
+            {"tookPart", token.tookPart}};
 }
 
 class JsonReporter : public Reporter {

@@ -33,6 +33,7 @@ RE_Flags chosenFlags(const ParsedArguments& arguments) {
     if (arguments.has("line-anchors")) flags |= RE_FLAG_LINE_ANCHORS;
     if (arguments.has("free-spacing")) flags |= RE_FLAG_FREE_SPACING;
     if (arguments.has("allow-empty")) flags |= RE_FLAG_ALLOW_EMPTY;
+    if (arguments.has("keep-tokens")) flags |= RE_FLAG_KEEP_TOKENS;
     return flags;
 }
 
@@ -49,6 +50,7 @@ po::options_description patternOptions() {
     add("free-spacing,x", "skip blanks and #-comments in the pattern");
     add("dot-line", "the dot does not match a line feed");
     add("allow-empty", "an empty match counts as a match");
+    add("keep-tokens", "closing a token leaves the tokens inside it in effect");
     options.add(scriptOptions());
     return options;
 }

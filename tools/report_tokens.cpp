@@ -47,6 +47,10 @@ private:
             return;
         }
         if (token->name != nullptr) out += " <" + toUtf8(token->name) + ">";
+        if (!token->tookPart) {
+            out += " took no part\n";
+            return;
+        }
         appendExtent(out, token->start, token->length, tokenText(found, *token));
     }
 

@@ -24,9 +24,9 @@ struct RE_Composer {
         body.encloseIn(open, close);
         return body;
     }
-    static RE_Builder captured(std::u16string_view open, RE_Builder body, std::uint64_t token) {
-        body.encloseIn(open, u")");
-        body.marks.insert(body.marks.begin(), {Kind::opens, 0, token});
+    static RE_Builder captured(RE_Builder body, const RE_Token& token) {
+        body.encloseIn(u"(", u")");
+        body.marks.insert(body.marks.begin(), {Kind::opens, 0, token.identity});
         return body;
     }
     static RE_Builder alternatives(std::span<const RE_Builder> all) {
@@ -47,9 +47,9 @@ struct RE_Composer {
         body.binding = Binding::sequence;
         return body;
     }
-    static RE_Builder reference(std::u16string_view text, std::uint64_t token, Kind kind) {
+    static RE_Builder reference(std::u16string_view text, const RE_Token& token, Kind kind) {
         RE_Builder made = item(text);
-        made.marks.push_back({kind, text.size(), token});
+        made.marks.push_back({kind, text.size(), token.identity});
         return made;
     }
     /// `condition` is everything up to the first branch but for its closing parenthesis.
@@ -65,7 +65,10 @@ struct RE_Composer {
         condition.text += u')';
         return condition;
     }
-    static std::uint64_t identity(const RE_Token& token) { return token.identity; }
+    static RE_Builder evaluated(std::u16string_view open, const RE_Template& what,
+                                std::u16string_view close) {
+        return enclosed(open, what.written, close);
+    }
 };
 
 namespace {
@@ -85,6 +88,10 @@ std::u16string_view modeLetter(RE_MODE mode) {
             return u"s";
         case RE_MODE_LINE_ANCHORS:
             return u"m";
+        case RE_MODE_FREE_SPACING:
+            return u"x";
+        case RE_MODE_EVALUATE:
+            return u"e";
     }
     return {};
 }
@@ -199,19 +206,19 @@ RE_Builder without_mode(RE_MODE mode, const RE_Builder& body) {
 }
 
 RE_Builder capture(const RE_Builder& body) {
-    return RE_Composer::captured(u"(", body, 0);
+    return RE_Composer::enclosed(u"(", body);
 }
 
 RE_Builder capture(const RE_Token& token, const RE_Builder& body) {
-    return RE_Composer::captured(u"(", body, RE_Composer::identity(token));
+    return RE_Composer::captured(body, token);
 }
 
 RE_Builder capture(RE_Token_Name name, const RE_Builder& body) {
-    return RE_Composer::captured(u"(?<" + std::u16string(name.text()) + u">", body, 0);
+    return RE_Composer::enclosed(u"(?<" + std::u16string(name.text()) + u">", body);
 }
 
 RE_Builder backreference(const RE_Token& token) {
-    return RE_Composer::reference(u"", RE_Composer::identity(token), RE_Composer::Kind::refers);
+    return RE_Composer::reference(u"", token, RE_Composer::Kind::refers);
 }
 
 RE_Builder backreference(RE_Token_Name name) {
@@ -219,12 +226,43 @@ RE_Builder backreference(RE_Token_Name name) {
 }
 
 RE_Builder if_token(const RE_Token& token, const RE_Builder& yes, const RE_Builder& no) {
-    return RE_Composer::conditional(
-        RE_Composer::reference(u"(?(", RE_Composer::identity(token), RE_Composer::Kind::asks), yes, no);
+    return RE_Composer::conditional(RE_Composer::reference(u"(?(", token, RE_Composer::Kind::asks), yes, no);
 }
 
 RE_Builder if_token(RE_Token_Name name, const RE_Builder& yes, const RE_Builder& no) {
     return RE_Composer::conditional(RE_Composer::item(u"(?(" + std::u16string(name.text())), yes, no);
+}
+
+RE_Builder if_pos_ahead(const RE_Builder& body, const RE_Builder& yes, const RE_Builder& no) {
+    return RE_Composer::conditional(RE_Composer::enclosed(u"(?(?=", body, u""), yes, no);
+}
+
+RE_Builder if_neg_ahead(const RE_Builder& body, const RE_Builder& yes, const RE_Builder& no) {
+    return RE_Composer::conditional(RE_Composer::enclosed(u"(?(?!", body, u""), yes, no);
+}
+
+RE_Builder if_pos_behind(const RE_Builder& body, const RE_Builder& yes, const RE_Builder& no) {
+    return RE_Composer::conditional(RE_Composer::enclosed(u"(?(?<=", body, u""), yes, no);
+}
+
+RE_Builder if_neg_behind(const RE_Builder& body, const RE_Builder& yes, const RE_Builder& no) {
+    return RE_Composer::conditional(RE_Composer::enclosed(u"(?(?<!", body, u""), yes, no);
+}
+
+RE_Builder evaluate(const RE_Template& script) {
+    return RE_Composer::evaluated(u"(?@", script, u")");
+}
+
+RE_Builder dynamic_expression(const RE_Template& expression) {
+    return RE_Composer::evaluated(u"(?\?@", expression, u")");
+}
+
+RE_Builder dynamic_text(const RE_Template& text) {
+    return RE_Composer::evaluated(u"(?\?", text, u")");
+}
+
+RE_Builder if_expression(const RE_Template& expression, const RE_Builder& yes, const RE_Builder& no) {
+    return RE_Composer::conditional(RE_Composer::evaluated(u"(?(?@", expression, u""), yes, no);
 }
 
 }  // namespace RE_Builder_Space

@@ -10,13 +10,14 @@
 // A text is not a pattern: one that is to be found goes through `literal`, which quotes whatever has a
 // meaning in patterns; one that is a pattern already goes through the constructor of `RE_Builder`. Pieces
 // mean the same wherever they are put and with whatever flags they are compiled, free spacing included; only
-// whether case counts is left to the flags. `optional` and `atomic` are names of the standard library too: a
-// source that opens both namespaces writes them in full.
+// whether case counts and whether expressions are evaluated is left to the flags. `optional` and `atomic` are
+// names of the standard library too: a source that opens both namespaces writes them in full.
 #pragma once
 
 #include "regexp/builder/builder.h"
 #include "regexp/builder/repetition.h"
 #include "regexp/builder/sets.h"
+#include "regexp/builder/template.h"
 #include "regexp/builder/tokens.h"
 #include "regexp/flags.h"
 
@@ -29,8 +30,10 @@ namespace RE_Builder_Space {
 
 enum RE_MODE : RE_Flags {
     RE_MODE_IGNORE_CASE = RE_FLAG_IGNORE_CASE,
-    RE_MODE_DOT_ALL = RE_FLAG_DOT_ALL,           ///< matters to foreign pattern text only
-    RE_MODE_LINE_ANCHORS = RE_FLAG_LINE_ANCHORS  ///< likewise
+    RE_MODE_DOT_ALL = RE_FLAG_DOT_ALL,            ///< matters to foreign pattern text only
+    RE_MODE_LINE_ANCHORS = RE_FLAG_LINE_ANCHORS,  ///< likewise
+    RE_MODE_FREE_SPACING = RE_FLAG_FREE_SPACING,  ///< likewise
+    RE_MODE_EVALUATE = RE_FLAG_EVALUATE           ///< expressions are evaluated, if the context allows it
 };
 
 // --- texts and units ---
@@ -103,5 +106,31 @@ CORVANE_REGEXP_EXPORT RE_Builder if_token(const RE_Token& token, const RE_Builde
                                           const RE_Builder& no = RE_Builder());
 CORVANE_REGEXP_EXPORT RE_Builder if_token(RE_Token_Name name, const RE_Builder& yes,
                                           const RE_Builder& no = RE_Builder());
+
+// --- conditions on what stands here ---
+
+/// `yes` where `pos_ahead(body)` holds, otherwise `no`; and so on.
+CORVANE_REGEXP_EXPORT RE_Builder if_pos_ahead(const RE_Builder& body, const RE_Builder& yes,
+                                              const RE_Builder& no = RE_Builder());
+CORVANE_REGEXP_EXPORT RE_Builder if_neg_ahead(const RE_Builder& body, const RE_Builder& yes,
+                                              const RE_Builder& no = RE_Builder());
+CORVANE_REGEXP_EXPORT RE_Builder if_pos_behind(const RE_Builder& body, const RE_Builder& yes,
+                                               const RE_Builder& no = RE_Builder());
+CORVANE_REGEXP_EXPORT RE_Builder if_neg_behind(const RE_Builder& body, const RE_Builder& yes,
+                                               const RE_Builder& no = RE_Builder());
+
+// --- expressions of the host ---
+//
+// Compiled where they may not be evaluated they raise warning 17 and are not there.
+
+/// Evaluates a script for its effects; matches the empty text.
+CORVANE_REGEXP_EXPORT RE_Builder evaluate(const RE_Template& script);
+/// The text that the expression yields, read as a pattern.
+CORVANE_REGEXP_EXPORT RE_Builder dynamic_expression(const RE_Template& expression);
+/// This text, read as a pattern once the tokens have their places in it.
+CORVANE_REGEXP_EXPORT RE_Builder dynamic_text(const RE_Template& text);
+/// `yes` where the expression is true, otherwise `no`. Neither is there when it may not be evaluated.
+CORVANE_REGEXP_EXPORT RE_Builder if_expression(const RE_Template& expression, const RE_Builder& yes,
+                                               const RE_Builder& no = RE_Builder());
 
 }  // namespace RE_Builder_Space

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "regexp/export.h"
+#include "regexp/flags.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -14,31 +15,40 @@
 #include <utility>
 #include <vector>
 
+class RE_Context;
+
 namespace RE_Builder_Space {
 
 class RE_Token;
+class RE_Token_Name;
 
 /// A pattern. A value type; the functions of algebra.h never change one, they make new ones.
 ///
 /// A builder keeps its meaning wherever it is placed: it is grouped where an operator would take it apart,
-/// and its references to tokens follow their groups when these are renumbered. Which case counts is the one
-/// thing that the surroundings decide, unless a mode says it.
+/// and its references to tokens follow their groups when these are renumbered. What the surroundings decide,
+/// unless a mode says it, is whether case counts and whether expressions are evaluated.
 class CORVANE_REGEXP_EXPORT RE_Builder {
 public:
     /// Matches the empty text.
     RE_Builder() = default;
     /// `pattern` is pattern text of the application's own, taken as it stands; `literal()` is for text to be
-    /// found. Inside another builder it must be well formed (without warnings) and not rely on free spacing.
-    /// References by number in it count the groups of the finished pattern; references by name do not mind
-    /// where they stand.
+    /// found. Inside another builder it must be well formed: without warnings, unless for an expression that
+    /// may not be evaluated. References by number in it count the groups of the finished pattern; references
+    /// by name do not mind where they stand.
     explicit RE_Builder(std::u16string pattern);
     explicit RE_Builder(std::nullptr_t) = delete;
 
+    /// Means the same under all flags and contexts. A token gets a name of its own where they decide its
+    /// number.
     std::u16string pattern() const;
 
     /// Where `RE_Token_Stack::get` finds the token once this pattern has matched; nothing when no group has
-    /// it.
+    /// it. Of several groups of a token it is the last, of several with a name the first. The arguments are
+    /// those with which the pattern is compiled: flags and context, or none of them.
     std::optional<std::size_t> tokenIndex(const RE_Token& token) const;
+    std::optional<std::size_t> tokenIndex(const RE_Token& token, RE_Flags flags, RE_Context* context) const;
+    std::optional<std::size_t> tokenIndex(RE_Token_Name name) const;
+    std::optional<std::size_t> tokenIndex(RE_Token_Name name, RE_Flags flags, RE_Context* context) const;
 
     /// One after the other.
     RE_Builder& operator+=(RE_Builder next);
@@ -49,7 +59,8 @@ public:
 
 private:
     friend struct RE_Composer;
-    class Numbering;
+    friend class RE_Template;
+    class Draft;
 
     /// What an operator beside the text would take hold of.
     enum class Binding : std::uint8_t {
@@ -59,16 +70,16 @@ private:
         item       ///< a quantifier takes all of it
     };
 
-    /// A place in the text at which something depends on the groups before it.
+    /// A place in the text at which something about a token is to be put in.
     struct Mark {
         enum class Kind : std::uint8_t {
-            opens,   ///< a group opens here
-            refers,  ///< here the reference to a token is to be put in
-            asks,    ///< here the condition on a token is to be put in
-            foreign  ///< the next `word` units are the application's own text, whose groups nobody counted
+            opens,   ///< the parenthesis of its group
+            refers,  ///< a reference to it
+            asks,    ///< a condition on it
+            inserts  ///< its text, in an expression or a dynamic text
         } kind;
         std::size_t at;
-        std::uint64_t word;  ///< the identity of the token (0: a group without one), or a number of units
+        std::uint64_t token;  ///< its identity
     };
 
     /// Groups whatever holds together less tightly than `needed`.
@@ -76,7 +87,7 @@ private:
     void encloseIn(std::u16string_view open, std::u16string_view close);
     void append(RE_Builder next);
 
-    std::u16string text;      ///< the pattern without its references by number
+    std::u16string text;      ///< the pattern without its references to tokens that have no name
     std::vector<Mark> marks;  ///< ascending
     Binding binding = Binding::sequence;
 };

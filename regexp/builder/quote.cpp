@@ -1,6 +1,6 @@
 #include "regexp/builder/quote.h"
 
-#include "host/ctype.h"
+#include "host/unit_class.h"
 
 #include <string_view>
 

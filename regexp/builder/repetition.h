@@ -34,8 +34,8 @@ public:
     template <RE_Number_Of_Passes Lower, RE_Number_Of_Passes Upper>
     consteval RE_Bounds(Lower lower, Upper upper)
         : least(static_cast<std::size_t>(lower)), most(static_cast<std::size_t>(upper)) {
-        if (std::cmp_less(lower, 0) || std::cmp_less(upper, lower)) {
-            throw "bounds of a repetition ascend from 0";  // ends the compilation
+        if (std::cmp_less(lower, 0) || std::cmp_less(upper, lower) || !std::in_range<std::size_t>(upper)) {
+            throw "bounds of a repetition ascend from 0, and are sizes";  // ends the compilation
         }
     }
     static constexpr RE_Bounds exactly(std::size_t count) { return {count, count, 0}; }

@@ -20,6 +20,7 @@ public:
 
 private:
     friend class RE_Builder;
+    friend class RE_Template;
     friend struct RE_Composer;
 
     std::uint64_t identity;

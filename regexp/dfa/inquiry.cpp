@@ -3,6 +3,7 @@
 #include "regexp/dfa/dfa.h"
 #include "regexp/graph_facts.h"
 #include "regexp/search_info.h"
+#include "regexp/within_size.h"
 
 #include <algorithm>
 
@@ -13,11 +14,11 @@ namespace {
 
 // Attempts that read more than so many units for each of the subject are left to the memo, which knows what
 // was tried from other starts.
-constexpr std::size_t mostReadings = 8;
+constexpr std::uint64_t mostReadings = 8;
 constexpr std::size_t readingsOfShort = 256;  // units
 
-constexpr std::size_t unitsAhead = 2;    // of the cost so far, to see whether anything follows
-constexpr std::size_t unitsAChoice = 8;  // read in the time that a choice takes
+constexpr std::uint64_t unitsAhead = 2;    // of the cost so far, to see whether anything follows
+constexpr std::uint64_t unitsAChoice = 8;  // read in the time that a choice takes
 
 }  // namespace
 
@@ -71,7 +72,7 @@ void RE_Inquiry::askForLaterOnes(RE_Search_Info& info) {
         return;
     }
     costAtLast = cost;
-    const std::size_t most = std::min(cost * unitsAhead, static_cast<std::size_t>(info.subjectEnd - from));
+    const std::size_t most = std::min(withinSize(cost * unitsAhead), static_cast<std::size_t>(info.subjectEnd - from));
     const char16_t* const stop = from + most;
     const char16_t* const end = dfa->firstEnd(from, stop, info).end;
     if (end != nullptr || stop != info.subjectEnd) {

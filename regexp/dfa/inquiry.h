@@ -27,7 +27,7 @@ struct CORVANE_REGEXP_EXPORT RE_Inquiry_Delay {
     static std::uint64_t ambiguous;
 };
 
-class RE_Inquiry {
+class CORVANE_REGEXP_EXPORT RE_Inquiry {
 public:
     /// From now on the automaton of the pattern is asked, where it has one.
     void begin(const RE_Graph_Facts& pattern);
@@ -69,9 +69,9 @@ private:
     std::uint64_t left = never;  // choices until it is asked
     std::uint64_t delay = 0;
     bool knowsSubject = false;
-    std::size_t cost = 0;        // of attempts, as the automaton would read so many units in the time
-    std::size_t unitsRead = 0;   // on behalf of attempts
-    std::size_t costAtLast = 0;  // when the search asked for later ones last
+    std::uint64_t cost = 0;        // of attempts, as the automaton would read so many units in the time
+    std::uint64_t unitsRead = 0;   // on behalf of attempts
+    std::uint64_t costAtLast = 0;  // when the search asked for later ones last
     const char16_t* found = nullptr;
     const char16_t* hopeless = nullptr;
     // No match that begins at `knownFrom` or behind it ends before `knownEnd`, where one does or the search

@@ -35,7 +35,7 @@ using Entries = hn::Vec<States>;
 /// Without what entries say besides the next state. The shuffles of some processors look at no other bits
 /// anyway.
 HWY_INLINE Entries asIndexes(Entries entries) {
-#if HWY_ARCH_X86
+#if HWY_ARCH_X86 && HWY_TARGET != HWY_EMU128
     return entries;
 #else
     return hn::And(entries, hn::Set(States(), RE_Shuffle_Table::stateBits));

@@ -22,10 +22,6 @@ namespace {
 
 constexpr std::size_t longestText = 256;  // units of all literals of one node
 
-// How a pass was begun since the last unit; 0 where it was not, or an empty one counts.
-constexpr std::uint8_t refusesEmpty = 1;
-constexpr std::uint8_t endsWhenEmpty = 2;
-
 }  // namespace
 
 RE_Ways::RE_Ways(const RE_Graph_Facts& graphFacts, const RE_Alphabet& letters, const RE_Unit_Sides& unitSides,
@@ -228,9 +224,9 @@ bool RE_Ways::visitRepetition(const Way& way) {
     } else if (const auto* counter = nodeAs<RE_State_Counter>(node)) {
         visitCounter(way, *counter);
     } else if (const auto* begin = dynamic_cast<const RE_Start_Pass*>(node)) {
-        const bool counts = begin->passKind == RE_Pass::required;
-        const std::uint8_t judged = begin->passKind == RE_Pass::optional ? refusesEmpty : endsWhenEmpty;
-        on.passes[begin->pass] = counts ? 0 : judged;
+        // Whether a pass may be the last one depends on how far the end is.
+        possible = possible && begin->passKind != RE_Pass::lastWhenEmpty;
+        on.passes[begin->pass] = begin->passKind == RE_Pass::optional;
         go(on, begin->nextNode);
     } else if (const auto* end = dynamic_cast<const RE_End_Pass*>(node)) {
         visitEndPass(way, *end);
@@ -269,9 +265,8 @@ void RE_Ways::visitCounter(const Way& way, const RE_State_Counter& counter) {
 }
 
 void RE_Ways::visitEndPass(const Way& way, const RE_End_Pass& end) {
-    const std::uint8_t state = way.passes[end.pass];
-    if (state != refusesEmpty) {
-        go(way, state == endsWhenEmpty ? end.failTarget : end.nextNode);
+    if (!way.passes[end.pass]) {
+        go(way, end.nextNode);
     }
 }
 

@@ -62,10 +62,10 @@ public:
     bool followStart();
 
 private:
-    using Passes = std::array<std::uint8_t, mostPasses>;
+    using Passes = std::array<bool, mostPasses>;
     struct Way {
         RE_Thread thread;
-        Passes passes{};        ///< how each pass was begun since the last unit
+        Passes passes{};        ///< those that began since the last unit and have to consume
         bool consumes = false;  ///< is one to go over the unit, later than those found before
         auto operator<=>(const Way&) const = default;
     };

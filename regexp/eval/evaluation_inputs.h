@@ -4,6 +4,7 @@
 #include "regexp/eval/evaluation_io.h"
 #include "regexp/memory.h"
 
+#include <concepts>
 #include <cstddef>
 
 class RE_Replaceable;
@@ -15,6 +16,9 @@ public:
     RE_Evaluation_Inputs() = default;
     /// `n` null items.
     explicit RE_Evaluation_Inputs(std::size_t n);
+    /// The same for the literal 0, which could be a null list, and for other integers.
+    template <std::integral Number>
+    explicit RE_Evaluation_Inputs(Number n) : RE_Evaluation_Inputs(static_cast<std::size_t>(n)) {}
     /// A deep copy.
     explicit RE_Evaluation_Inputs(const RE_Evaluation_Inputs* other);
     ~RE_Evaluation_Inputs();

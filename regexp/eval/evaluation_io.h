@@ -22,7 +22,8 @@ public:
     RE_Evaluation_IO(const RE_Evaluation_IO&) = delete;
     RE_Evaluation_IO& operator=(const RE_Evaluation_IO&) = delete;
 
-    const char16_t* get_string() const { return text; }
+    /// The units themselves, which may be written to. Not terminated unless a constructor or `to_string` did.
+    char16_t* get_string() const { return text; }
     std::size_t get_length() const { return length; }
 
     void append(char unit);

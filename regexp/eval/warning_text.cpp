@@ -90,8 +90,9 @@ RE_Warning_Span escapeSpan(RE_Warning warning, View text, std::size_t where) {
     const std::size_t letter = start + (text[start] == u'\\' ? 1 : 0);
     const bool braced = letter + 1 < text.size() && text[letter + 1] == u'{';
     const bool isNumber = letter < text.size() && (text[letter] == u'x' || text[letter] == u'o');
-    const std::size_t end =
-        isNumber && braced ? letter + lengthThrough(text, letter, u'}') : std::min(letter + 1, text.size());
+    const std::size_t brace = isNumber && braced ? text.find_first_of(u"}()[\\|", letter) : View::npos;
+    const bool closed = brace != View::npos && text[brace] == u'}';
+    const std::size_t end = closed ? brace + 1 : std::min(letter + 1, text.size());
     RE_Warning_Span span{start, end - start, {}};
     const bool isLetter = letter < text.size() && (text[letter] < u'0' || text[letter] > u'9');
     if (warning == RE_WARNING_UNKNOWN_ESCAPE && isLetter && !isNumber) {

@@ -52,7 +52,7 @@ RE_Node_Counts* RE_Node_Counting::countsOf(std::uint64_t id) const {
         return nullptr;
     }
     RE_Count_Table& counts = search.profile->counts;
-    return &counts[id < counts.size() ? id : 0];
+    return &counts[id < counts.size() ? withinSize(id) : 0];
 }
 
 // A node may leave records of its helpers too; each is counted as theirs.
@@ -89,7 +89,7 @@ RE_Profile RE_Tree::profile() const {
         const RE_Count_Table counts = facts->profiler->read(found.searches);
         found.texts = counts.front();
         for (const RE_Node* node : facts->nodes) {
-            found.nodes.push_back({node->nodeId, node->label(), counts[node->nodeId]});
+            found.nodes.push_back({node->nodeId, node->label(), counts[withinSize(node->nodeId)]});
         }
     }
     return found;

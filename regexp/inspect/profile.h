@@ -5,6 +5,7 @@
 #pragma once
 
 #include "regexp/memory.h"
+#include "regexp/within_size.h"
 
 #include <cstdint>
 #include <memory>
@@ -45,7 +46,7 @@ struct CORVANE_REGEXP_EXPORT RE_Profile {
 /// there are the counts of dynamic texts, the nodes of which have numbers beyond those of the pattern.
 class CORVANE_REGEXP_EXPORT RE_Profiler : public RE_Memory {
 public:
-    explicit RE_Profiler(std::uint64_t greatestNodeId) : totals(greatestNodeId + 1) {}
+    explicit RE_Profiler(std::uint64_t greatestNodeId) : totals(withinSize(greatestNodeId) + 1) {}
 
     void add(const RE_Count_Table& counts);
     void clear();

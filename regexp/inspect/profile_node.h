@@ -10,7 +10,7 @@ struct RE_Backtrack_Record;
 struct RE_Node_Counts;
 
 /// Notes what one visit to a node, or one choice of it that is taken up again, does to the search.
-class RE_Node_Counting {
+class CORVANE_REGEXP_EXPORT RE_Node_Counting {
 public:
     RE_Node_Counting(const RE_Node* node, RE_Search_Info& info);
 

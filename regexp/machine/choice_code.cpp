@@ -120,7 +120,21 @@ void Program_Code::emitChoiceEntry(Choice& each) {
     if (each.records) {
         mov(rax, at(offsetof(RE_Search_Registers, inEffect)));
         mov(at(offsetof(RE_Search_Registers, choiceInEffect)), rax);
+        mov(rax, at(offsetof(RE_Search_Registers, written)));
+        mov(at(offsetof(RE_Search_Registers, choiceWritten)), rax);
     }
+}
+
+// The rest writes to none but tokens behind those that were begun when the end was chosen: to take its writes
+// back is to call their slots stale again.
+void Program_Code::emitTokensBack(const Choice& each) {
+    if (!each.records) {
+        return;
+    }
+    mov(rax, at(offsetof(RE_Search_Registers, choiceInEffect)));
+    mov(at(offsetof(RE_Search_Registers, inEffect)), rax);
+    mov(rax, at(offsetof(RE_Search_Registers, choiceWritten)));
+    mov(at(offsetof(RE_Search_Registers, written)), rax);
 }
 
 // The rest has failed. A choice is taken up as from the stack.
@@ -136,10 +150,7 @@ void Program_Code::emitAgain(Choice& each, Label& failed) {
     jbe(each.handOver, T_NEAR);
     cmp(left, static_cast<std::uint32_t>(mostSteps));
     jl(each.handOver, T_NEAR);
-    if (each.records) {
-        mov(rax, at(offsetof(RE_Search_Registers, choiceInEffect)));
-        mov(at(offsetof(RE_Search_Registers, inEffect)), rax);
-    }
+    emitTokensBack(each);
     inc(at(offsetof(RE_Search_Registers, steps)));
     dec(at(offsetof(RE_Search_Registers, memoCountdown)));
 }
@@ -156,10 +167,7 @@ void Program_Code::emitHandOver(Choice& each) {
     L(each.handOver);
     mov(left, at(offsetof(RE_Search_Registers, choiceMeter)));
     mov(p, at(offsetof(RE_Search_Registers, choiceEnd)));
-    if (each.records) {
-        mov(rax, at(offsetof(RE_Search_Registers, choiceInEffect)));
-        mov(at(offsetof(RE_Search_Registers, inEffect)), rax);
-    }
+    emitTokensBack(each);
     if (each.spares) {
         mov(rax, at(offsetof(RE_Search_Registers, choiceCountdown)));
         mov(at(offsetof(RE_Search_Registers, memoCountdown)), rax);

@@ -76,7 +76,7 @@ private:
     bool finishAttempt(RE_Machine_Exit reason, std::size_t& length) {
         const char16_t* p = info.cursor;
         bool matched = reason == RE_Machine_Exit::matched;
-        info.tokens->count = info.inEffect;
+        takeTokensOver();
         if (reason == RE_Machine_Exit::slow) {
             info.resetForStart(p);
             matched = beginUnwatched(facts.start, info, p);
@@ -90,6 +90,11 @@ private:
         }
         length = static_cast<std::size_t>(p - info.matchStart);
         return matched && !info.wasInterrupted();
+    }
+
+    void takeTokensOver() {
+        info.tokens->count = info.inEffect;
+        info.tokens->written = info.written;
     }
 
     void decide() {
@@ -108,24 +113,25 @@ private:
     void measureRun() {
         const std::uint32_t most = info.instruction->most;
         const char16_t* const from = info.runBegin;
+        const auto room = static_cast<std::size_t>(info.subjectEnd - from);
         info.cursor =
             most == RE_Instruction::noMaximum
                 ? loop().longRunEnd(from, info)
-                : loop().scanOn(from, from + std::min<std::ptrdiff_t>(most, info.subjectEnd - from), info);
+                : loop().scanOn(from, from + std::min<std::size_t>(most, room), info);
     }
 
     /// Ends an attempt from the run on that was measured.
     bool finishBehindRun(std::size_t& length) {
         const RE_Instruction& in = *info.instruction;
         const char16_t* p = info.cursor;
-        const std::ptrdiff_t run = p - info.runBegin;
+        const auto run = static_cast<std::size_t>(p - info.runBegin);
         if (in.flag && run < in.most) {
             info.leadingRun = {info.runBegin, p};
         }
         if (run < in.least) {
             return false;
         }
-        info.tokens->count = info.inEffect;
+        takeTokensOver();
         info.enterLoop();
         if (in.operation == RE_Operation::tokenRun) {
             const auto& token = static_cast<const RE_Start_Token&>(*in.node);

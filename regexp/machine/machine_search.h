@@ -25,7 +25,7 @@ inline bool findByMachineCode(const RE_Graph_Facts& facts, const RE_Node* root, 
     }
     const RE_Machine_Exit reason = facts.machineCode->begin(info, p);
     if (reason == RE_Machine_Exit::matched) {
-        info.tokens->count = info.inEffect;
+        info.tokens->count = info.inEffect;  // the other slots are nobody's any more
         length = static_cast<std::size_t>(info.cursor - info.matchStart);
         return true;
     }

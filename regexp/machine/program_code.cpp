@@ -25,10 +25,11 @@ bool isSmall(const RE_Instruction& in, std::size_t longestText) {
 
 }  // namespace
 
-Program_Code::Program_Code(const RE_Program& source, std::size_t mostBytes)
+Program_Code::Program_Code(const RE_Program& source, bool keeps, std::size_t mostBytes)
     : Unit_Code(mostBytes),
       mostSteps(static_cast<std::int64_t>(source.instructions.size()) * RE_Instruction::mostSteps + 1),
       program(source),
+      keepsTokens(keeps),
       places(source.instructions.size()),
       emitted(source.instructions.size()),
       loops(source.instructions.size()) {

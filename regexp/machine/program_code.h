@@ -15,7 +15,7 @@ namespace corvane_machine {
 
 class Program_Code : protected Unit_Code {
 protected:
-    Program_Code(const RE_Program& source, std::size_t mostBytes);
+    Program_Code(const RE_Program& source, bool keeps, std::size_t mostBytes);
 
     /// An attempt, from `p` on. Goes to `failedLabel` where it fails.
     void emitProgram();
@@ -68,7 +68,8 @@ private:
     void emitSparedWays(const RE_Instruction& in, std::vector<Label*>& spared, Label& many);
     void emitStartToken(const RE_Instruction& in);
     void emitEndToken(const RE_Instruction& in);
-    void emitRecord(std::size_t number, const char16_t* name);
+    void emitRecord(std::size_t number);
+    void emitBeginSlots(std::size_t number);
     void emitTokenText(const RE_Instruction& in);
     void emitEdge(const RE_Instruction& in);
     void emitGlanceSet(const RE_Instruction& in);
@@ -105,6 +106,7 @@ private:
     void emitGivingRun(Choice& each, Label& failed);
     void emitNearRun(const RE_Instruction& in, Label& tooLong);
     void emitAgain(Choice& each, Label& failed);
+    void emitTokensBack(const Choice& each);
     void emitLeave(Choice& each);
     void emitHandOver(Choice& each);
     const RE_Instruction* emitChosen(const Choice& each);
@@ -114,6 +116,7 @@ private:
     void emitEitherUnit(char16_t one, char16_t another);
 
     const RE_Program& program;
+    const bool keepsTokens;     // closing a token leaves the higher ones in effect
     std::vector<Label> places;  // of the instructions
     std::vector<bool> emitted;
     std::vector<bool> loops;  // instructions that others behind them lead to

@@ -149,7 +149,7 @@ void Program_Code::emitTokenRun(const RE_Instruction& in) {
     mov(stop, runBegin);
     sub(stop, begin);
     shr(stop, 1);
-    emitRecord(token.number, token.name);
+    emitRecord(token.number);
 }
 
 void Program_Code::emitStartToken(const RE_Instruction& in) {
@@ -163,41 +163,58 @@ void Program_Code::emitStartToken(const RE_Instruction& in) {
 void Program_Code::emitEndToken(const RE_Instruction& in) {
     mov(other, at(offsetof(RE_Search_Registers, opened)));
     mov(stop, qword[other + static_cast<int>(in.least * sizeof(std::size_t))]);
-    emitRecord(in.least, in.text);
+    emitRecord(in.least);
 }
 
-// The token from index `stop` to `p`.
-void Program_Code::emitRecord(std::size_t number, const char16_t* name) {
+// The token from index `stop` to `p`. Names stand in the slots already.
+void Program_Code::emitRecord(std::size_t number) {
     const auto slotAt = [](std::size_t index) { return static_cast<int>(index * sizeof(RE_TokenInfo)); };
-    const auto nameAt = static_cast<int>(offsetof(RE_TokenInfo, name));
     const auto lengthAt = static_cast<int>(offsetof(RE_TokenInfo, length));
+    const auto tookPartAt = static_cast<int>(offsetof(RE_TokenInfo, tookPart));
     const int slot = slotAt(number);
+    const auto closed = static_cast<std::uint32_t>(number + 1);
     mov(spare, at(offsetof(RE_Search_Registers, slots)));
-    if (number > 0) {
-        Label& none = fresh();
-        Label& again = fresh();
-        mov(other, at(offsetof(RE_Search_Registers, inEffect)));
-        L(again);
-        cmp(other, static_cast<std::uint32_t>(number));
-        jae(none, T_NEAR);
-        lea(rax, ptr[other + other * 2]);
-        lea(rax, ptr[spare + rax * 8]);
-        mov(qword[rax], 0);
-        mov(qword[rax + lengthAt], 0);
-        mov(qword[rax + nameAt], 0);
-        inc(other);
-        jmp(again, T_NEAR);
-        L(none);
-    }
+    emitBeginSlots(number);
     mov(qword[spare + slot], stop);
     mov(rax, p);
     sub(rax, begin);
     shr(rax, 1);
     sub(rax, stop);
     mov(qword[spare + slot + lengthAt], rax);
-    mov(rax, reinterpret_cast<std::uint64_t>(name));
-    mov(qword[spare + slot + nameAt], rax);
-    mov(at(offsetof(RE_Search_Registers, inEffect)), static_cast<std::uint32_t>(number + 1));
+    mov(byte[spare + slot + tookPartAt], 1);
+    if (!keepsTokens) {
+        mov(at(offsetof(RE_Search_Registers, inEffect)), closed);
+    }
+}
+
+// Slots below the token that this attempt has not written are emptied; `spare` is the first.
+void Program_Code::emitBeginSlots(std::size_t number) {
+    const auto lengthAt = static_cast<int>(offsetof(RE_TokenInfo, length));
+    const auto tookPartAt = static_cast<int>(offsetof(RE_TokenInfo, tookPart));
+    static_assert(sizeof(RE_TokenInfo) == 32, "the shift below");
+    const auto closed = static_cast<std::uint32_t>(number + 1);
+    Label& known = fresh();
+    Label& again = fresh();
+    Label& none = fresh();
+    mov(other, at(offsetof(RE_Search_Registers, written)));
+    cmp(other, static_cast<std::uint32_t>(number));
+    ja(known, T_NEAR);
+    L(again);
+    je(none, T_NEAR);
+    mov(rax, other);
+    shl(rax, 5);
+    mov(qword[spare + rax], 0);
+    mov(qword[spare + rax + lengthAt], 0);
+    mov(byte[spare + rax + tookPartAt], 0);
+    inc(other);
+    cmp(other, static_cast<std::uint32_t>(number));
+    jmp(again, T_NEAR);
+    L(none);
+    mov(at(offsetof(RE_Search_Registers, written)), closed);
+    if (keepsTokens) {
+        mov(at(offsetof(RE_Search_Registers, inEffect)), closed);
+    }
+    L(known);
 }
 
 void Program_Code::emitTokenText(const RE_Instruction& in) {

@@ -34,7 +34,9 @@ std::optional<char16_t> onlyUnit(const RE_Unit_Set* units) {
 }  // namespace
 
 Start_Code::Start_Code(const RE_Graph_Facts& graphFacts, const RE_Node* graphRoot, std::size_t mostBytes)
-    : Program_Code(graphFacts.program, mostBytes), facts(graphFacts), root(graphRoot) {}
+    : Program_Code(graphFacts.program, graphFacts.keepsTokens, mostBytes),
+      facts(graphFacts),
+      root(graphRoot) {}
 
 // The code begins here, too: behind the question whether there is room for a start.
 void Start_Code::emitStarts() {
@@ -149,6 +151,7 @@ void Start_Code::emitAttempt() {
     jl(exitFor(RE_Machine_Exit::slow), T_NEAR);
     mov(start, p);
     mov(at(offsetof(RE_Search_Registers, inEffect)), 0);
+    mov(at(offsetof(RE_Search_Registers, written)), 0);
     if (facts.start.skipsSeeker) {
         dec(left);
     }

@@ -1,5 +1,7 @@
 #include "regexp/nodes/closed_body.h"
 
+#include "regexp/within_size.h"
+
 #include <algorithm>
 
 bool RE_Atomic::match(const char16_t*, std::size_t& pos, RE_Search_Info& info) const {
@@ -42,7 +44,7 @@ bool RE_Lookaround_Assertion::glanceAtRow(std::size_t pos, RE_Search_Info& info)
     if (behind && glanceWidth > pos) {
         return false;
     }
-    std::size_t at = behind ? pos - glanceWidth : pos;
+    std::size_t at = behind ? pos - withinSize(glanceWidth) : pos;
     for (const RE_Node* test = body; test != glanceEnd; test = test->nextNode) {
         if (!test->match(info.subjectBegin, at, info)) {
             return false;
@@ -77,10 +79,10 @@ bool RE_Lookaround_Assertion::openBehind(std::size_t& pos, RE_Search_Info& info)
     if (bodyMinimum > pos) {
         return false;
     }
-    const std::size_t lowest = bodyMaximum < pos ? pos - bodyMaximum : 0;
+    const std::size_t lowest = bodyMaximum < pos ? pos - withinSize(bodyMaximum) : 0;
     RE_Body_Frame& frame = info.openBody(this, pos);
     frame.lowest = lowest;
-    frame.candidate = pos - bodyMinimum;
+    frame.candidate = pos - withinSize(bodyMinimum);
     info.requiredEnd = info.subjectBegin + pos;
     if (!findStart(frame, pos, info)) {
         info.closeBody(false);

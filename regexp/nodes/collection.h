@@ -9,7 +9,7 @@
 
 /// Collects all nodes that can be reached from a first one, without recursion. A walk marks the nodes by its number, so
 /// none is made while the graph is searched.
-class RE_Collection {
+class CORVANE_REGEXP_EXPORT RE_Collection {
 public:
     using Nodes = RE_Scratch_List<RE_Node*>;
 

@@ -208,7 +208,7 @@ void RE_Consume::visitLinks(RE_Link_Visitor& visitor) {
     RE_Node::visitLinks(visitor);
     RE_Node* link = item;
     visitor.link(link, RE_Link::item);
-    item = static_cast<RE_Consumable*>(link);
+    setItem(link);
 }
 
 void RE_Consume::combineLengths() {

@@ -23,6 +23,12 @@ public:
     bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
     RE_Node* resume(const RE_Backtrack_Record& record, std::size_t& pos, RE_Search_Info& info) const override;
     void visitLinks(RE_Link_Visitor& visitor) override;
+    /// Redirects the link to the item. Writes nothing where it stays: a finished graph may be walked while it is searched.
+    void setItem(RE_Node* node) {
+        if (node != item) {
+            item = static_cast<RE_Consumable*>(node);
+        }
+    }
     void combineLengths() override;
     std::string label() const override;
 

@@ -21,7 +21,30 @@ bool RE_Greedy_Counter::beginPass(const char16_t* p, RE_Search_Info& info) const
 // The record only undoes the count: a required pass has no other way on. The done node is where a failing
 // `match` leads, at the same position.
 bool RE_Fixed_Counter::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {
-    return info.countAt(this, 0) <= limit && beginPass(subject + pos, info);
+    const std::uint64_t count = info.countAt(this, 0);
+    if (count > limit) {
+        return false;
+    }
+    if (passesAtEnd == 0) {
+        return beginPass(subject + pos, info);
+    }
+    const std::uint64_t idle = idlePasses(limit - count + 1, info.subjectLength() - pos);
+    info.incrementCount(this);
+    info.counterStacks[this].back() += idle;
+    info.pushRecord(this, subject + pos, idle);
+    return true;
+}
+
+void RE_Fixed_Counter::onBacktrack(RE_Search_Info& info) const {
+    info.decrementCount(this);
+    if (passesAtEnd != 0) {
+        info.counterStacks[this].back() -= info.poppedWord();
+    }
+}
+
+std::uint64_t RE_Fixed_Counter::idlePasses(std::uint64_t left, std::size_t unitsLeft) const {
+    const std::uint64_t most = left > passesAtEnd ? left - passesAtEnd : 0;
+    return passesPerUnit != 0 && unitsLeft > most / passesPerUnit ? 0 : most - passesPerUnit * unitsLeft;
 }
 
 void RE_Fixed_Counter::visitLinks(RE_Link_Visitor& visitor) {

@@ -41,6 +41,7 @@ class CORVANE_REGEXP_EXPORT RE_Fixed_Counter : public RE_Greedy_Counter {
 public:
     using RE_Greedy_Counter::RE_Greedy_Counter;
     bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
+    void onBacktrack(RE_Search_Info& info) const override;
     RE_Node* failNode() const override { return doneNode; }
     bool isSkippable() const override { return doneNode == nullptr && skippable; }
     bool refusesRepeatAt(std::size_t) const override { return false; }
@@ -48,6 +49,13 @@ public:
     std::string label() const override;
 
     RE_Node* doneNode = nullptr;
+    /// With more passes left than so many for each unit up to the subject's end, and so many besides, the others would
+    /// be empty and change nothing: they are counted without being made. 0 and 0: none is.
+    std::uint64_t passesPerUnit = 0;
+    std::uint64_t passesAtEnd = 0;
+
+private:
+    std::uint64_t idlePasses(std::uint64_t left, std::size_t unitsLeft) const;
 };
 
 /// `nextNode` is the body, `alternative` the exit.

@@ -8,7 +8,7 @@
 #include <string_view>
 
 /// UTF-8 of the units; those that have no glyph, or that no file format allows, are written as \x{...}.
-std::string labelText(const char16_t* text, std::size_t length);
+CORVANE_REGEXP_EXPORT std::string labelText(const char16_t* text, std::size_t length);
 inline std::string labelText(char16_t unit) {
     return labelText(&unit, 1);
 }

@@ -16,12 +16,6 @@ std::uint64_t addSaturated(std::uint64_t a, std::uint64_t b) {
     return a > RE_Node::unboundedLength - b ? RE_Node::unboundedLength : a + b;
 }
 
-/// Whether a match goes on along the link; bodies and items are measured apart.
-bool isOnward(RE_Link kind) {
-    return kind == RE_Link::next || kind == RE_Link::fail || kind == RE_Link::alternative ||
-           kind == RE_Link::done;
-}
-
 constexpr std::size_t usualNodes = 32;
 
 struct Entry {
@@ -29,10 +23,14 @@ struct Entry {
     bool waysMeasured;
 };
 
-/// What most nodes are: one way leads on, and nothing but their own width counts besides.
+/// What most nodes are: one way leads on, and nothing but their own width counts besides. A node made by hand may lead
+/// nowhere: it ends its branch.
 bool hasOneWay(RE_Node& node) {
+    if (node.nextNode == nullptr) {
+        return false;
+    }
     if (const auto* const unit = nodeAs<RE_Unit_Test>(&node)) {
-        return unit->failTarget == nullptr && node.nextNode != nullptr;
+        return unit->failTarget == nullptr;
     }
     return node.kind == RE_Node_Kind::string || node.kind == RE_Node_Kind::startToken ||
            node.kind == RE_Node_Kind::endToken;
@@ -67,12 +65,9 @@ struct Measuring {
             node->maxLength = RE_Node::unboundedLength;
             begun.push_back(node);
             pending.push_back({node, true});
-            if (node->kind != RE_Node_Kind::run && !hasOneWay(*node)) {
-                forEachLink(*node, [this](RE_Node* target, RE_Link way) {
-                    if (target != nullptr && isOnward(way)) {
-                        pending.push_back({target, false});
-                    }
-                });
+            const bool isRun = node->kind == RE_Node_Kind::run && node->nextNode != nullptr;
+            if (!isRun && !hasOneWay(*node)) {
+                forEachWay(*node, [this](RE_Node* target) { pending.push_back({target, false}); });
                 return;
             }
             node = node->nextNode;
@@ -108,13 +103,11 @@ void RE_Node::combineLengths() {
     std::uint64_t greatest = 0;
     bool bounded = true;
     bool any = false;
-    forEachLink(*this, [&](const RE_Node* target, RE_Link way) {
-        if (target != nullptr && isOnward(way)) {
-            least = any ? std::min(least, target->minLength) : target->minLength;
-            greatest = std::max(greatest, target->maxLength);
-            bounded = bounded && target->maxBounded;
-            any = true;
-        }
+    forEachWay(*this, [&](const RE_Node* target) {
+        least = any ? std::min(least, target->minLength) : target->minLength;
+        greatest = std::max(greatest, target->maxLength);
+        bounded = bounded && target->maxBounded;
+        any = true;
     });
     minLength = addSaturated(width(), least);
     maxBounded = bounded;

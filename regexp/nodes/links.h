@@ -36,7 +36,7 @@ void forEachLink(RE_Node& node, Visit visit) {
             RE_Node* item = static_cast<RE_Consume&>(node).item;
             visit(node.nextNode, RE_Link::next);
             visit(item, RE_Link::item);
-            static_cast<RE_Consume&>(node).item = static_cast<RE_Consumable*>(item);
+            static_cast<RE_Consume&>(node).setItem(item);
             return;
         }
         case RE_Node_Kind::dispatch:
@@ -57,11 +57,18 @@ void forEachLink(RE_Node& node, Visit visit) {
     node.visitLinks(caller);
 }
 
-/// Calls `visit` (RE_Node* target) with each link that matching may go on along from here without going into a body.
+/// Whether a match goes on along the link. Bodies, items and helpers are entered and left by the node itself.
+inline bool isOnward(RE_Link kind) {
+    return kind == RE_Link::next || kind == RE_Link::fail || kind == RE_Link::alternative ||
+           kind == RE_Link::done;
+}
+
+/// Calls `visit` (RE_Node* target) with each node that matching may go on at from here without going into a body, whether
+/// this one has matched or failed: whoever asks what can follow a node asks here, so that no way is forgotten.
 template <class Visit>
 void forEachWay(RE_Node& node, Visit visit) {
     forEachLink(node, [&visit](RE_Node* target, RE_Link kind) {
-        if (kind != RE_Link::body && kind != RE_Link::helper) {
+        if (target != nullptr && isOnward(kind)) {
             visit(target);
         }
     });

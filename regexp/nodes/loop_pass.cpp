@@ -4,8 +4,8 @@
 
 namespace {
 
-// Marks the word of a pass that ends the loop when it is empty; no subject is long enough to reach this bit.
-constexpr std::size_t endsLoop = std::size_t{1} << 62;
+// Marks the word of a pass that ends the loop when it is empty. Units have two bytes: no position has this bit.
+constexpr std::size_t endsLoop = ~(~std::size_t{0} >> 1);
 
 }  // namespace
 
@@ -29,7 +29,7 @@ bool RE_Start_Pass::match(const char16_t*, std::size_t& pos, RE_Search_Info& inf
             info.notePass(pass, RE_Search_Info::noPass);
             break;
         case RE_Pass::lastWhenEmpty:
-            info.notePass(pass, pos | endsLoop);
+            info.notePass(pass, info.subjectLength() - pos < exactUnits ? RE_Search_Info::noPass : pos | endsLoop);
             break;
     }
     return true;

@@ -20,7 +20,7 @@ RE_String::~RE_String() {
 
 void RE_String::append(const char16_t* units, std::size_t count) {
     if (capacity - length < count) {
-        const std::uint64_t larger = std::max(capacity * 2, length + count);
+        const std::size_t larger = std::max(capacity * 2, length + count);
         auto* const moved = static_cast<char16_t*>(reAllocate(larger * sizeof(char16_t)));
         std::copy_n(text, length, moved);
         if (text != few) {

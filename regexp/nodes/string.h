@@ -17,7 +17,7 @@ public:
     void append(const char16_t* units, std::size_t count);
     bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override {
         const char16_t* const p = subject + pos;
-        if (static_cast<std::uint64_t>(info.subjectEnd - p) < length || !matchesAt(p)) {
+        if (static_cast<std::size_t>(info.subjectEnd - p) < length || !matchesAt(p)) {
             return false;
         }
         pos += length;
@@ -35,7 +35,7 @@ public:
 
     bool ignoreCase;
     char16_t* text = few;
-    std::uint64_t length = 0;
+    std::size_t length = 0;
 
     const char16_t* scan(const char16_t* p, RE_Search_Info& info) const override;
 
@@ -43,9 +43,9 @@ protected:
     const char16_t* scanBack(const char16_t* p, std::size_t count, RE_Search_Info& info) const override;
 
 private:
-    static constexpr std::uint64_t fewUnits = 16;
+    static constexpr std::size_t fewUnits = 16;
 
-    std::uint64_t capacity = fewUnits;
+    std::size_t capacity = fewUnits;
     char16_t few[fewUnits];  ///< most texts are short
     RE_Literal_Search search{{u"", 0, false}};
     bool isOpen = false;

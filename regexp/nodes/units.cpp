@@ -97,7 +97,11 @@ std::string RE_Range_I::label() const {
 
 bool RE_Range_I2::matchesUnit(char16_t unit) const {
     const RE_Case_Table& cases = RE_Case_Table::get();
-    return holds(cases.lower(unit)) || holds(cases.upper(unit));
+    bool isForm = holds(cases.lower(unit)) || holds(cases.upper(unit));
+    if (!isForm && cases.isCased(unit)) {
+        cases.forEachForm(cases.lower(unit), [&](char16_t other) { isForm = isForm || holds(other); });
+    }
+    return isForm;
 }
 
 std::string RE_Range_I2::label() const {

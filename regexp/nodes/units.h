@@ -118,7 +118,8 @@ public:
     std::string label() const override;
 };
 
-/// A range that mixes cases or cased and caseless units, ignoring case: a unit is tested in both its forms.
+/// A range that mixes cases or cased and caseless units, ignoring case: a unit is tested in both its forms, and in all
+/// that fold as it does.
 class CORVANE_REGEXP_EXPORT RE_Range_I2 : public RE_Range {
 public:
     using RE_Range::RE_Range;

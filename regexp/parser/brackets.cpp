@@ -45,11 +45,20 @@ void RE_Brackets::pair(RE_Flags flags) {
     }
 }
 
-// Modes are followed only as far as free spacing goes, since it alone decides what counts.
+// Modes are followed only as far as free spacing goes, since it alone decides what counts. What looks like
+// modes in an expression, or as a condition, is none.
 std::size_t RE_Brackets::openGroup(std::size_t at) {
-    open.push_back({static_cast<std::uint32_t>(at), freeSpacing, inComment()});
-    if (inComment() || at + 2 >= length || text[at + 1] != u'?') {
+    const bool isCondition = !open.empty() && open.back().position + 2 == at && text[at - 1] == u'?';
+    open.push_back({static_cast<std::uint32_t>(at), freeSpacing, inComment(), inExpression()});
+    if (inComment() || inExpression() || at + 2 >= length || text[at + 1] != u'?') {
         return at + 1;
+    }
+    if (text[at + 2] == u'@' || (text[at + 2] == u'?' && !isCondition)) {
+        open.back().expression = true;
+        return at + 3;
+    }
+    if (isCondition) {
+        return at + 2;
     }
     const RE_Modes modes = readModes(text, length, at + 2, freeSpacing ? RE_FLAG_FREE_SPACING : 0);
     if (text[at + 2] == u'#') {
@@ -104,16 +113,16 @@ std::size_t RE_Brackets::skipComment(std::size_t at) const {
     return at + 1;
 }
 
-std::uint32_t RE_Brackets::nextBrace(std::size_t from) {
-    const bool known = braceKnown && from >= braceFrom && (brace == none || from <= brace);
-    if (!known) {
-        std::size_t i = from;
-        while (i < length && text[i] != u'}') {
-            i += text[i] == u'\\' ? 2 : 1;
-        }
-        brace = i < length ? static_cast<std::uint32_t>(i) : none;
-        braceKnown = true;
+std::uint32_t RE_Brackets::nextBrace(std::size_t from, RE_Flags flags) {
+    const bool hasComments = (flags & RE_FLAG_FREE_SPACING) != 0;
+    Brace& brace = braces[hasComments ? 1 : 0];
+    if (from >= brace.from && from <= brace.at) {  // `none` is behind every position
+        return brace.at;
     }
-    braceFrom = known ? braceFrom : from;
-    return brace;
+    std::size_t i = from;
+    while (i < length && text[i] != u'}') {
+        i = hasComments && text[i] == u'#' ? skipComment(i) : i + (text[i] == u'\\' ? 2 : 1);
+    }
+    brace = {from, i < length ? static_cast<std::uint32_t>(i) : none};
+    return brace.at;
 }

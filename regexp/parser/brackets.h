@@ -24,7 +24,8 @@ inline bool isPlainUnit(char16_t unit) {
 }
 
 /// Pairs the parentheses and the sets of a pattern. A backslash makes the next unit inert; inside a set only
-/// `\` and `]` count, inside a comment group only parentheses; under free spacing comments do not count.
+/// `\` and `]` count, inside a comment group only parentheses; under free spacing comments do not count, which
+/// in an expression is decided where it begins.
 /// Unpaired openings have no closing index.
 class RE_Brackets {
 public:
@@ -34,8 +35,9 @@ public:
 
     /// Index of the unit that closes the `(` or `[` at `opening`, or `none`.
     std::uint32_t closing(std::size_t opening) const { return closings[opening]; }
-    /// Index of the first unescaped `}` at or after `from`, or `none`. Cheap when asked in ascending order.
-    std::uint32_t nextBrace(std::size_t from);
+    /// Index of the first `}` at or after `from` that is neither escaped nor, with these modes, in a comment; or
+    /// `none`. Cheap when asked in ascending order.
+    std::uint32_t nextBrace(std::size_t from, RE_Flags flags);
     /// How many units are not plain, outside of sets.
     std::size_t marks() const { return specialUnits; }
 
@@ -44,10 +46,17 @@ private:
         std::uint32_t position;
         bool freeSpacingAfter;  ///< whether free spacing is on once this group has closed
         bool comment;           ///< of a comment, or within one
+        bool expression;        ///< of an expression or a dynamic text, or within one
+    };
+
+    struct Brace {
+        std::size_t from = none;  ///< none stands between here and there
+        std::uint32_t at = 0;
     };
 
     void pair(RE_Flags flags);
     bool inComment() const { return !open.empty() && open.back().comment; }
+    bool inExpression() const { return !open.empty() && open.back().expression; }
     std::size_t openGroup(std::size_t at);
     std::size_t closeGroup(std::size_t at);
     std::size_t skipSet(std::size_t at);
@@ -59,8 +68,6 @@ private:
     RE_Scratch_List<Open> open;
     std::size_t specialUnits = 0;
     bool freeSpacing = false;
-    bool setsExhausted = false;  ///< no further `]` closes anything
-    std::size_t braceFrom = 0;
-    std::uint32_t brace = none;
-    bool braceKnown = false;
+    bool setsExhausted = false;   ///< no further `]` closes anything
+    std::array<Brace, 2> braces;  ///< the last answers: without comments and with them
 };

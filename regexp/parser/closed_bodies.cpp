@@ -2,6 +2,7 @@
 #include "regexp/nodes/anchors.h"
 #include "regexp/nodes/dynamic.h"
 #include "regexp/parser/graph_builder.h"
+#include "regexp/within_size.h"
 
 // A closed body is a graph of its own: nothing outside changes while it runs, so its memo scopes begin
 // afresh.
@@ -60,7 +61,7 @@ void RE_Graph_Builder::emitLook(std::uint32_t index) {
 void RE_Graph_Builder::emitConditional(std::uint32_t index) {
     const RE_Syntax& item = tree[index];
     if (item.condition == RE_Syntax::none) {
-        auto* const token = context.make<RE_Token_Assertion>(item.number, nameOf(item));
+        auto* const token = context.make<RE_Token_Assertion>(withinSize(item.number), nameOf(item));
         *tail = token;
         emitConditionalBranches(index, token, false);
         return;

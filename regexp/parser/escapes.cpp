@@ -33,9 +33,8 @@ Digits readDigits(const char16_t* text, std::size_t length, std::size_t at, int 
     return digits;
 }
 
-// A number in braces after the letter at `letter`. A malformed one leaves the letter itself; when its braces
-// close around nothing but letters and digits they are dropped with it, so that they are not taken for a
-// quantifier.
+// A number in braces after the letter at `letter`. A malformed one leaves the letter itself, and its braces as
+// text.
 RE_Escape readBraced(const char16_t* text, std::size_t length, std::size_t letter, int base,
                      RE_Warning problem) {
     const Digits digits = readDigits(text, length, letter + 2, base, length);
@@ -43,12 +42,7 @@ RE_Escape readBraced(const char16_t* text, std::size_t length, std::size_t lette
     if (closed && digits.count > 0 && digits.value <= lastCharacter) {
         return {digits.value, digits.end + 1};
     }
-    std::size_t end = letter + 2;
-    while (end < length && (isAsciiDigit(text[end]) || isAsciiLetter(text[end]))) {
-        ++end;
-    }
-    const bool dropped = end < length && text[end] == u'}';
-    return {text[letter], dropped ? end + 1 : letter + 1, problem, letter};
+    return {text[letter], letter + 1, problem, letter};
 }
 
 bool opensBrace(const char16_t* text, std::size_t length, std::size_t at) {

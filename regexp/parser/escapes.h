@@ -12,7 +12,8 @@ struct RE_Escape {
     std::size_t where = 0;  ///< index of the unit the problem is about
 };
 
-/// Reads the escape whose backslash stands at `at` (< `length`).
+/// Reads the escape whose backslash stands at `at` (< `length`). One that has a problem is the escaped unit
+/// itself, and what follows that is not read: the braces of a malformed number are text.
 RE_Escape readEscape(const char16_t* text, std::size_t length, std::size_t at);
 
 inline bool isAsciiDigit(char16_t unit) {

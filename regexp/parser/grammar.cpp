@@ -203,4 +203,21 @@ void RE_Grammar::readCharacter() {
         addLiteral(static_cast<char16_t>(escape.value), at);
     }
     at = escape.end;
+    const bool isMalformedNumber =
+        escape.problem == RE_WARNING_BAD_OCTAL || escape.problem == RE_WARNING_BAD_HEX;
+    if (isMalformedNumber && at < length && text[at] == u'{') {
+        readBracesAsText();
+    }
+}
+
+// The braces of an escape that failed have been warned of: they are no quantifier, and neither is a brace in
+// them. They end at the first that closes, or before a unit that means something else.
+void RE_Grammar::readBracesAsText() {
+    do {
+        addLiteral(text[at], at);
+        if (text[at++] == u'}') {
+            return;
+        }
+        at = skipSpacing(text, length, at, flags());
+    } while (at < length && (text[at] == u'{' || isPlainUnit(text[at])));
 }

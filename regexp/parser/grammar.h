@@ -55,6 +55,7 @@ private:
     void readBranchBar();
     void readEscapeAtom();
     void readCharacter();
+    void readBracesAsText();
     void addItem(RE_Syntax_Kind kind, std::size_t position);
     void addLiteral(char16_t unit, std::size_t position);
     void addPair(char32_t character, std::size_t position);

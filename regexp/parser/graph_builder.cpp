@@ -4,6 +4,7 @@
 #include "regexp/nodes/dynamic.h"
 #include "regexp/nodes/string.h"
 #include "regexp/parser/unit_nodes.h"
+#include "regexp/within_size.h"
 
 #include <algorithm>
 
@@ -162,7 +163,7 @@ void RE_Graph_Builder::emitUnitRun(std::uint32_t branch, RE_Node* join) {
 void RE_Graph_Builder::emitText(const RE_Syntax& item) {
     const char16_t* const units = tree.units.data() + item.payload;
     const bool exact = (item.flags & RE_FLAG_IGNORE_CASE) == 0;
-    const std::size_t joined = context.joinsTexts && exact ? emitJoined(units, item.number) : 0;
+    const std::size_t joined = context.joinsTexts && exact ? emitJoined(units, withinSize(item.number)) : 0;
     for (std::size_t i = joined; i < item.number; ++i) {
         append(makeLiteral(context, units[i], item.flags));
     }
@@ -189,16 +190,16 @@ std::size_t RE_Graph_Builder::emitJoined(const char16_t* units, std::size_t coun
 
 void RE_Graph_Builder::emitCapture(std::uint32_t index) {
     const RE_Syntax& item = tree[index];
-    auto* const start = context.make<RE_Start_Token>(item.number, nameOf(item));
+    auto* const start = context.make<RE_Start_Token>(withinSize(item.number), nameOf(item));
     const bool isReferenced = start->resolveTokens(*context.facts);
     append(start);
     const RE_Memo_Scope* const outer = scope;
     if (isReferenced) {
-        scope = innerScope(RE_Memo_Scope::Kind::token, nullptr, item.number);
+        scope = innerScope(RE_Memo_Scope::Kind::token, nullptr, withinSize(item.number));
     }
     then([this, index, outer] {
         scope = outer;
-        auto* const end = context.make<RE_End_Token>(tree[index].number, nameOf(tree[index]));
+        auto* const end = context.make<RE_End_Token>(withinSize(tree[index].number), nameOf(tree[index]));
         end->resolveTokens(*context.facts);
         append(end);
     });
@@ -212,7 +213,7 @@ const std::u16string& RE_Graph_Builder::nameOf(const RE_Syntax& item) const {
 
 void RE_Graph_Builder::emitReference(const RE_Syntax& item) {
     const bool ignoreCase = (item.flags & RE_FLAG_IGNORE_CASE) != 0;
-    append(context.make<RE_Match_Token>(item.number, nameOf(item), ignoreCase));
+    append(context.make<RE_Match_Token>(withinSize(item.number), nameOf(item), ignoreCase));
 }
 
 RE_Node* RE_Graph_Builder::makeDynamicNode(const RE_Syntax& item) {

@@ -12,6 +12,7 @@
 #include "regexp/nodes/tokens.h"
 #include "regexp/nodes/trivial.h"
 #include "regexp/parser/build_step.h"
+#include "regexp/parser/empty_passes.h"
 #include "regexp/parser/measure.h"
 #include "regexp/parser/parser_context.h"
 #include "regexp/parser/syntax.h"
@@ -31,9 +32,9 @@ private:
     struct Loop {
         std::uint32_t body;
         bool lazy;
-        bool guarded;        ///< its body can be empty
-        bool endsWhenEmpty;  ///< an empty required pass ends the loop
-        std::size_t pass;    ///< register of the current pass
+        bool guarded;           ///< its body can be empty
+        RE_Empty_Passes empty;  ///< what is done about required passes that are
+        std::size_t pass;       ///< register of the current pass
         const RE_Memo_Scope* outerScope;
         RE_Node* exit;  ///< where the loop leads, when more than one way leads there
     };

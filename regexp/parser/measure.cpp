@@ -1,5 +1,7 @@
 #include "regexp/parser/measure.h"
 
+#include "regexp/parser/empty_passes.h"
+
 #include <algorithm>
 
 namespace {
@@ -8,7 +10,7 @@ constexpr std::uint8_t maximumGuards = 250;
 constexpr std::uint16_t maximumClosed = 1000;
 constexpr std::uint64_t maximumUnrolledNodes = 65'536;
 constexpr std::uint64_t maximumUnitCopies = 16;
-constexpr std::uint32_t emptyPassCeiling = 1'000'000;
+constexpr std::uint32_t emptyPassCeiling = 1U << 24;
 
 std::uint64_t addSaturated(std::uint64_t a, std::uint64_t b) {
     return a > RE_Syntax::noMaximum - b ? RE_Syntax::noMaximum : a + b;
@@ -16,6 +18,10 @@ std::uint64_t addSaturated(std::uint64_t a, std::uint64_t b) {
 
 std::uint64_t multiplySaturated(std::uint64_t a, std::uint64_t b) {
     return a != 0 && b > RE_Syntax::noMaximum / a ? RE_Syntax::noMaximum : a * b;
+}
+
+std::uint16_t addTokens(unsigned a, unsigned b) {
+    return static_cast<std::uint16_t>(std::min(a + b, 0xFFFFu));
 }
 
 std::uint32_t asCount(std::uint64_t nodes) {
@@ -51,6 +57,7 @@ public:
             case RE_Syntax_Kind::capture:
                 it.nodes = asCount(it.nodes + std::uint64_t{2});
                 it.captures = true;
+                it.written = addTokens(it.written, context.facts->referencedTokens.empty() ? 0 : 1);
                 break;
             default:
                 break;
@@ -74,6 +81,7 @@ private:
             case RE_Syntax_Kind::reference:
                 it.most = RE_Syntax::noMaximum;
                 it.nodes = 1;
+                it.reads = true;
                 break;
             case RE_Syntax_Kind::evaluate:
                 it.most = tree.isDynamicText(it) ? RE_Syntax::noMaximum : 0;
@@ -109,10 +117,12 @@ private:
                 it.least = addSaturated(it.least, part.least);
                 it.most = addSaturated(it.most, part.most);
                 it.emptyPasses = std::min(it.emptyPasses + part.emptyPasses - 1, emptyPassCeiling);
+                it.allPasses = std::min(it.allPasses + part.allPasses - 1, emptyPassCeiling);
             } else {
                 it.least = std::min(it.least, part.least);
                 it.most = std::max(it.most, part.most);
                 it.emptyPasses = std::max(it.emptyPasses, part.emptyPasses);
+                it.allPasses = std::max(it.allPasses, part.allPasses);
             }
             takeNesting(it, part);
             child = part.nextSibling;
@@ -125,6 +135,8 @@ private:
         it.closed = std::max(it.closed, part.closed);
         it.captures = it.captures || part.captures;
         it.evaluates = it.evaluates || part.evaluates;
+        it.reads = it.reads || part.reads;
+        it.written = addTokens(it.written, part.written);
     }
 
     static void takeOver(RE_Syntax& it, const RE_Syntax& part) {
@@ -132,10 +144,13 @@ private:
         it.most = part.most;
         it.nodes = part.nodes;
         it.emptyPasses = part.emptyPasses;
+        it.allPasses = part.allPasses;
         it.guards = part.guards;
         it.closed = part.closed;
         it.captures = part.captures;
         it.evaluates = part.evaluates;
+        it.reads = part.reads;
+        it.written = part.written;
     }
 
     void closedBody(RE_Syntax& it) {
@@ -159,13 +174,15 @@ private:
             leaf(condition);
             it.nodes = asCount(it.nodes + std::uint64_t{condition.nodes});
             takeNesting(it, condition);
+        } else {
+            it.reads = true;
         }
     }
 
     void repeat(std::uint32_t index) {
         RE_Syntax& it = tree[index];
         const RE_Repeat_Plan plan = planRepeat(tree, index, context.options().inlineThreshold());
-        const bool guarded = plan.mayBeEmpty || plan.counted;
+        const bool guarded = plan.guarded || plan.counted;
         it.guards = static_cast<std::uint8_t>(it.guards + (guarded ? 1 : 0));
         it.closed =
             static_cast<std::uint16_t>(it.closed + (it.qualifier == RE_Qualifier::possessive ? 1 : 0));
@@ -176,10 +193,9 @@ private:
         it.least = multiplySaturated(it.least, plan.minimum);
         it.most = it.most == 0 ? 0 : multiplySaturated(it.most, plan.maximum);
         it.nodes = asCount(addSaturated(multiplySaturated(it.nodes, plan.unrolled ? copiesOf(plan) : 1), 8));
-        const std::uint64_t required = plan.minimum == 1 && plan.maximum != 1 ? 2 : plan.minimum;
-        const std::uint64_t passes =
-            plan.mayBeEmpty ? multiplySaturated(it.emptyPasses, std::max<std::uint64_t>(required, 1)) : 1;
-        it.emptyPasses = static_cast<std::uint32_t>(std::min<std::uint64_t>(passes, emptyPassCeiling));
+        const RE_Empty_Passes empty = planEmptyPasses(tree, index, plan, context.facts->hasDynamicNodes);
+        it.emptyPasses = empty.taken;
+        it.allPasses = std::min(empty.all, emptyPassCeiling);
     }
 
     void drop(RE_Syntax& it) {
@@ -211,7 +227,7 @@ void measureSyntax(RE_Syntax_Tree& tree, RE_ParserContext& context, const char16
 RE_Repeat_Plan planRepeat(const RE_Syntax_Tree& tree, std::uint32_t index, std::size_t inlineThreshold) {
     const RE_Syntax& it = tree[index];
     const RE_Syntax& body = tree[it.firstChild];
-    RE_Repeat_Plan plan{it.minimum, it.maximum, body.least == 0, false, false};
+    RE_Repeat_Plan plan{it.minimum, it.maximum, body.least == 0 && !it.isPlainChoice(), false, false};
     if (body.most == 0) {
         plan.minimum =
             body.captures || body.evaluates ? plan.minimum : std::min<std::uint64_t>(plan.minimum, 1);
@@ -219,7 +235,7 @@ RE_Repeat_Plan planRepeat(const RE_Syntax_Tree& tree, std::uint32_t index, std::
     }
     const std::uint64_t copies = copiesOf(plan);
     plan.counted = copies > 1;
-    if (plan.mayBeEmpty || !plan.counted) {
+    if (plan.guarded || !plan.counted) {
         return plan;
     }
     const std::uint64_t most = std::min<std::uint64_t>(inlineThreshold, maximumUnrolledNodes);

@@ -13,8 +13,8 @@ void measureSyntax(RE_Syntax_Tree& tree, RE_ParserContext& context, const char16
 struct RE_Repeat_Plan {
     std::uint64_t minimum;
     std::uint64_t maximum;
-    bool mayBeEmpty;  ///< the body can match the empty text, so passes are guarded
-    bool unrolled;    ///< copies of the body in place of a loop
-    bool counted;     ///< a loop that needs a count
+    bool guarded;   ///< a pass may consume nothing, and it is judged whether it does
+    bool unrolled;  ///< copies of the body in place of a loop
+    bool counted;   ///< a loop that needs a count
 };
 RE_Repeat_Plan planRepeat(const RE_Syntax_Tree& tree, std::uint32_t index, std::size_t inlineThreshold);

@@ -1,6 +1,7 @@
 #include "regexp/parser/parser_context.h"
 
 #include "regexp/nodes/seeker.h"
+#include "regexp/within_size.h"
 
 #include <algorithm>
 #include <span>
@@ -16,9 +17,9 @@ void sortByNumber(std::span<RE_Node*> nodes, std::uint64_t lastNumber, RE_Scratc
         std::ranges::sort(nodes, {}, &RE_Node::nodeId);
         return;
     }
-    RE_Scratch_List<RE_Node*> places(count, nullptr, memory);
+    RE_Scratch_List<RE_Node*> places(withinSize(count), nullptr, memory);
     for (RE_Node* node : nodes) {
-        places[node->nodeId - first] = node;
+        places[withinSize(node->nodeId - first)] = node;
     }
     std::ranges::copy_if(places, nodes.begin(), [](const RE_Node* node) { return node != nullptr; });
 }

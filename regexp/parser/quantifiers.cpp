@@ -31,33 +31,30 @@ bool RE_Grammar::readQuantifier() {
     return true;
 }
 
-// Reads {n}, {n,} or {n,m}; leaves `at` behind it, or where it was when it is none.
+// Reads {n}, {n,} or {n,m}; leaves `at` behind it, or where it was when it is none. Where its brace closes is
+// seen by reading, past comments under free spacing; one that is none is looked at again for what is wrong.
 bool RE_Grammar::readBraces(std::uint64_t& minimum, std::uint64_t& maximum) {
-    const std::size_t start = at;
-    const std::uint32_t close = brackets.nextBrace(at);
-    if (close == RE_Brackets::none || close > frame().close) {
-        warnAt(start, RE_WARNING_UNCLOSED_QUANTIFIER);
-        return false;
-    }
-    std::size_t i = skipSpacing(text, close, at + 1, flags());
-    bool valid = i < close && isAsciiDigit(text[i]);
+    const std::size_t end = std::min<std::size_t>(length, frame().close);
+    std::size_t i = skipSpacing(text, end, at + 1, flags());
+    bool valid = i < end && isAsciiDigit(text[i]);
     minimum = valid ? readNumber(i) : 0;
     maximum = minimum;
-    i = skipSpacing(text, close, i, flags());
-    if (valid && i < close && text[i] == u',') {
-        i = skipSpacing(text, close, i + 1, flags());
+    i = skipSpacing(text, end, i, flags());
+    if (valid && i < end && text[i] == u',') {
+        i = skipSpacing(text, end, i + 1, flags());
         maximum = RE_Syntax::noMaximum;
-        if (i < close && isAsciiDigit(text[i])) {
+        if (i < end && isAsciiDigit(text[i])) {
             maximum = readNumber(i);
-            i = skipSpacing(text, close, i, flags());
+            i = skipSpacing(text, end, i, flags());
         }
     }
-    valid = valid && i == close && minimum <= maximum;
+    valid = valid && i < end && text[i] == u'}' && minimum <= maximum;
     if (!valid) {
-        warnAt(start, RE_WARNING_BAD_QUANTIFIER);
+        const bool closed = brackets.nextBrace(at, flags()) < end;
+        warnAt(at, closed ? RE_WARNING_BAD_QUANTIFIER : RE_WARNING_UNCLOSED_QUANTIFIER);
         return false;
     }
-    at = close + std::size_t{1};
+    at = i + 1;
     return true;
 }
 
@@ -94,15 +91,18 @@ void RE_Grammar::repeatLast(std::size_t start, std::uint64_t minimum, std::uint6
     tree[item].qualifier = how;
 }
 
-// X** and the like repeat what is repeated already: any of ? * + on top of X* is X*, and X? under * or + is
-// X*. Kept from nesting, long chains of quantifiers cost nothing.
+// X** and the like repeat what is repeated already: any of ? * + on top of X* is X*, and X? under ? or * is X? or X*.
+// Kept from nesting, long chains of quantifiers cost nothing. X? under + is X* only when X consumes something: the pass
+// that is required counts also where X matches the empty text, and X* would refuse it.
 bool RE_Grammar::foldsIntoInner(RE_Syntax& inner, std::uint64_t minimum, std::uint64_t maximum,
                                 RE_Qualifier how) const {
     const bool outerSimple = minimum <= 1 && (maximum == RE_Syntax::noMaximum || maximum == 1);
     const bool innerSimple = inner.kind == RE_Syntax_Kind::repeat && inner.minimum == 0 &&
                              (inner.maximum == RE_Syntax::noMaximum || inner.maximum == 1);
     const bool bothGreedy = how == RE_Qualifier::greedy && inner.qualifier == RE_Qualifier::greedy;
-    if (!outerSimple || !innerSimple || !bothGreedy) {
+    const bool keepsEmptyPass =
+        minimum == 1 && maximum != 1 && inner.isPlainChoice() && !tree.consumesOneUnit(inner.firstChild);
+    if (!outerSimple || !innerSimple || !bothGreedy || keepsEmptyPass) {
         return false;
     }
     inner.maximum = std::max(inner.maximum, maximum);

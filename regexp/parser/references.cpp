@@ -2,6 +2,7 @@
 #include "regexp/parser/escapes.h"
 #include "regexp/parser/grammar.h"
 #include "regexp/parser/names.h"
+#include "regexp/within_size.h"
 
 #include <algorithm>
 
@@ -51,7 +52,7 @@ void RE_Grammar::resolveReferences() {
     for (const Reference& reference : references) {
         if (reference.name == RE_Syntax::none) {
             if (reference.number < tree.groupCount) {
-                referenced.push_back(reference.number);
+                referenced.push_back(withinSize(reference.number));
             }
             continue;
         }

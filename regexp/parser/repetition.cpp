@@ -7,10 +7,6 @@
 
 namespace {
 
-// Loops nested in loops, all over the empty text: beyond this many passes an empty required pass is the last of them,
-// which keeps the number of passes from growing exponentially with the nesting.
-constexpr std::uint32_t maximumEmptyPasses = 256;
-
 /// The links of a choice that lead into the loop and out of it.
 RE_Node*& intoLoop(RE_Split& choice, bool lazy) {
     return lazy ? choice.alternative : choice.nextNode;
@@ -108,11 +104,9 @@ RE_Graph_Builder::Loop RE_Graph_Builder::openLoop(std::uint32_t index, const RE_
     Loop loop{};
     loop.body = item.firstChild;
     loop.lazy = item.qualifier == RE_Qualifier::lazy;
-    loop.guarded = plan.mayBeEmpty;
-    // Behind one required pass the optional ones follow anyway.
-    loop.endsWhenEmpty =
-        plan.mayBeEmpty && (plan.counted ? item : tree[loop.body]).emptyPasses > maximumEmptyPasses;
-    loop.pass = plan.mayBeEmpty ? context.facts->passRegisters++ : 0;
+    loop.guarded = plan.guarded;
+    loop.empty = planEmptyPasses(tree, index, plan, context.facts->hasDynamicNodes);
+    loop.pass = plan.guarded ? context.facts->passRegisters++ : 0;
     loop.outerScope = scope;
     return loop;
 }
@@ -120,8 +114,8 @@ RE_Graph_Builder::Loop RE_Graph_Builder::openLoop(std::uint32_t index, const RE_
 void RE_Graph_Builder::enterPass(const Loop& loop, bool required) {
     if (loop.guarded) {
         const RE_Pass kind =
-            !required ? RE_Pass::optional : (loop.endsWhenEmpty ? RE_Pass::lastWhenEmpty : RE_Pass::required);
-        append(context.make<RE_Start_Pass>(loop.pass, kind));
+            !required ? RE_Pass::optional : (loop.empty.endLoop ? RE_Pass::lastWhenEmpty : RE_Pass::required);
+        append(context.make<RE_Start_Pass>(loop.pass, kind, loop.empty.exactUnits));
     }
 }
 
@@ -129,7 +123,7 @@ void RE_Graph_Builder::leavePass(const Loop& loop) {
     scope = loop.outerScope;
     if (loop.guarded) {
         auto* const end = context.make<RE_End_Pass>(loop.pass);
-        end->failTarget = loop.endsWhenEmpty ? loop.exit : nullptr;
+        end->failTarget = loop.empty.endLoop ? loop.exit : nullptr;
         append(end);
     }
 }
@@ -193,8 +187,7 @@ void RE_Graph_Builder::emitPlus(Loop loop) {
 // The required passes are counted by a fixed counter, the optional ones by one of their own (or, without an
 // upper bound, chosen by a split). Both lead into one body, which leads back to the fixed counter; once that
 // is exhausted it hands on to the other at every arrival. Where an empty required pass is the last of them, it leads to
-// the optional ones by a level of the fixed counter that opens exhausted, unless the body alone takes so many passes that
-// going through it twice, at each level of a nest, would be too much.
+// the optional ones by a level of the fixed counter that opens exhausted.
 void RE_Graph_Builder::emitCounted(Loop loop, const RE_Repeat_Plan& plan) {
     loop.exit = context.make<RE_Null>();
     const bool endless = plan.maximum == RE_Syntax::noMaximum;
@@ -209,6 +202,8 @@ void RE_Graph_Builder::emitCounted(Loop loop, const RE_Repeat_Plan& plan) {
     RE_Node* const head = fixed != nullptr ? static_cast<RE_Node*>(fixed) : optional;
     joinAt(head);
     if (fixed != nullptr) {
+        fixed->passesPerUnit = loop.empty.perUnit;
+        fixed->passesAtEnd = loop.empty.atEnd;
         fixed->doneNode = optional != nullptr ? static_cast<RE_Node*>(optional) : loop.exit;
         tail = &fixed->nextNode;
         enterPass(loop, true);
@@ -223,8 +218,7 @@ void RE_Graph_Builder::emitCounted(Loop loop, const RE_Repeat_Plan& plan) {
         scope = endless ? scope : innerScope(RE_Memo_Scope::Kind::counter, optional, 0);
     }
     RE_Node* const exit = loop.exit;
-    const bool goesOn = loop.endsWhenEmpty && tree[loop.body].emptyPasses <= maximumEmptyPasses;
-    if (goesOn && fixed != nullptr && optional != nullptr) {
+    if (loop.empty.optionalFollow && fixed != nullptr && optional != nullptr) {
         RE_Start_Counter* const exhausted = makeStartCounter(context, fixed, loop.outerScope);
         exhausted->count = fixed->limit + 1;
         exhausted->nextNode = optional;

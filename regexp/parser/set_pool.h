@@ -9,7 +9,7 @@
 #include <memory>
 #include <utility>
 
-class RE_Set_Pool {
+class CORVANE_REGEXP_EXPORT RE_Set_Pool {
 public:
     explicit RE_Set_Pool(RE_Scratch_Memory* memory) : scans(memory), few(memory), known(memory) {}
 

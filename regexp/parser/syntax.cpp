@@ -1,5 +1,7 @@
 #include "regexp/parser/syntax.h"
 
+#include "regexp/within_size.h"
+
 std::uint32_t RE_Syntax_Tree::add(RE_Syntax_Kind kind, std::uint32_t position, RE_Flags flags) {
     RE_Syntax& item = items.emplace_back();
     item.kind = kind;
@@ -40,7 +42,8 @@ bool RE_Syntax_Tree::extendText(std::uint32_t parent, const char16_t* added, std
 
 void RE_Syntax_Tree::detachLastUnit(std::uint32_t parent) {
     RE_Syntax& item = items[items[parent].lastChild];
-    const char16_t unit = units[item.payload + --item.number];
+    --item.number;
+    const char16_t unit = units[item.payload + withinSize(item.number)];
     if (item.number == 1) {
         item.kind = RE_Syntax_Kind::literal;
         item.low = units[item.payload];

@@ -52,12 +52,17 @@ struct RE_Syntax {
     /// Consumes one unit, which it decides alone.
     bool isUnit() const { return kind >= RE_Syntax_Kind::literal && kind <= RE_Syntax_Kind::dot; }
 
+    /// Of a repeat: `x?`, `x{0,1}` and their lazy and possessive forms choose between their body and nothing. That is no
+    /// loop, so a body that consumes nothing is a way like any other, while the optional passes of loops have to consume.
+    bool isPlainChoice() const { return minimum == 0 && maximum == 1; }
+
     RE_Syntax_Kind kind;
     RE_Qualifier qualifier = RE_Qualifier::greedy;
     bool behind : 1 = false;
     bool negative : 1 = false;
     bool captures : 1 = false;   ///< measured: records tokens
     bool evaluates : 1 = false;  ///< measured: calls the host
+    bool reads : 1 = false;      ///< measured: depends on tokens
     std::uint8_t guards = 0;     ///< measured: nesting of loops with counts or pass guards
     char16_t low = 0;
     char16_t high = 0;
@@ -78,8 +83,10 @@ struct RE_Syntax {
     std::uint64_t least = 0;        ///< units consumed at the least
     std::uint64_t most = 0;         ///< units consumed at the most, saturated
     std::uint32_t nodes = 0;        ///< nodes it will compile to, saturated
-    std::uint32_t emptyPasses = 1;  ///< passes that matching the empty text takes, saturated
+    std::uint32_t emptyPasses = 1;  ///< passes that matching the empty text takes, but for those left out far from the end
+    std::uint32_t allPasses = 1;    ///< with these, saturated
     std::uint16_t closed = 0;       ///< nesting of closed bodies
+    std::uint16_t written = 0;      ///< tokens that it records, saturated; 0 where nothing in the pattern reads tokens
 };
 
 struct RE_Syntax_Set {

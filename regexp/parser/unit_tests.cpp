@@ -1,6 +1,6 @@
 #include "regexp/parser/unit_tests.h"
 
-#include "host/ctype.h"
+#include "host/unit_class.h"
 
 #include <algorithm>
 

@@ -133,6 +133,8 @@ bool RE_First_Units::visitTest(RE_Node* node) {
             return false;
         }
         follow(ahead->body);
+        // Where the body of a condition does not match its fail target is taken, whatever unit comes next.
+        tested = tested || ahead->failTarget != nullptr;
         follow(ahead->failTarget);
         return true;
     }

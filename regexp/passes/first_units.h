@@ -35,7 +35,7 @@ public:
     bool mayBeEmpty = false;                   ///< the end of the pattern can be reached
     bool endsBody = false;                     ///< so can the end of a closed body
     bool mayBeAtEnd = false;                   ///< a test on the way holds at the end of the subject
-    bool tested = false;                       ///< on the way lies a node that may fail without consuming
+    bool tested = false;                       ///< some way depends on a test that consumes nothing
 
 private:
     static constexpr std::size_t usualNodes = 16;

@@ -16,11 +16,11 @@
 namespace {
 
 constexpr std::size_t mostNodes = 500;
-constexpr std::size_t mostVisits = 2000;
+constexpr std::size_t mostVisitsToLiterals = 2000;
 constexpr std::uint64_t mostCounted = 1'000'000;
 constexpr std::uint64_t mostDistance = static_cast<std::uint32_t>(-1);
 constexpr std::size_t mostLiterals = 8;
-constexpr std::size_t usualNodes = 32;
+constexpr std::size_t usualNodesBefore = 32;
 
 /// Walks all ways from the root that do not lead through one literal, which is a bottleneck.
 class Around {
@@ -33,10 +33,10 @@ public:
 
     /// False when there are too many.
     bool walk(RE_Node* root) {
-        pending.reserve(usualNodes);
+        pending.reserve(usualNodesBefore);
         reach(root, 0);
         for (std::size_t i = 0; i < pending.size(); ++i) {
-            if (i == mostVisits) {
+            if (i == mostVisitsToLiterals) {
                 return false;
             }
             visit(pending[i], pending[i]->walkNote);
@@ -106,24 +106,22 @@ RE_Scratch_List<RE_Node*> literalsFrom(RE_ParserContext& context, RE_Node* root)
     const std::uint32_t walk = context.nextWalk();
     RE_Scratch_List<RE_Node*> nodes(&context.scratch);
     RE_Scratch_List<RE_Node*> found(&context.scratch);
-    nodes.reserve(usualNodes);
+    nodes.reserve(usualNodesBefore);
     found.reserve(mostLiterals);
-    const auto follow = [&](RE_Node* target, RE_Link kind) {
-        const bool onTheWay = kind == RE_Link::next || kind == RE_Link::done ||
-                              kind == RE_Link::alternative || kind == RE_Link::fail;
-        if (onTheWay && target != nullptr && target->walk != walk) {
+    const auto follow = [&](RE_Node* target) {
+        if (target->walk != walk) {
             target->walk = walk;
             nodes.push_back(target);
         }
     };
-    follow(root, RE_Link::next);
+    follow(root);
     for (std::size_t i = 0; i < nodes.size() && i < mostNodes && found.size() < mostLiterals; ++i) {
         RE_Node* const node = nodes[i];
         if (nodeAs<RE_String>(node) != nullptr || nodeAs<RE_Natural>(node) != nullptr ||
             nodeAs<RE_Literal_Set>(node) != nullptr) {
             found.push_back(node);
         }
-        forEachLink(*node, follow);
+        forEachWay(*node, follow);
     }
     return found;
 }

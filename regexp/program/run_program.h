@@ -30,8 +30,9 @@ struct RE_Program_Exit {
 class RE_Program_Run {
 public:
     /// So many steps of the attempt were taken before.
-    RE_Program_Run(RE_Search_Info& search, std::int64_t stepsBefore)
+    RE_Program_Run(RE_Search_Info& search, const RE_Graph_Facts& facts, std::int64_t stepsBefore)
         : info(search),
+          keepsTokens(facts.keepsTokens),
           slots(search.tokens->slots.data()),
           starts(search.tokenStarts()),
           left(search.meter.room() - stepsBefore) {}
@@ -42,15 +43,21 @@ public:
 private:
     RE_Program_Exit leave(RE_Program_Exit::How how, const char16_t* p, const RE_Node* node = nullptr) {
         info.tokens->count = count;
+        info.tokens->written = written;
         info.meter.setRoom(left);
         return {how, p, node};
     }
-    void record(std::size_t number, const char16_t* name, std::size_t start, std::size_t end) {
-        for (; count < number; ++count) {
-            slots[count] = {};
+    /// Names stand in the slots already.
+    void record(std::size_t number, std::size_t start, std::size_t end) {
+        for (; written < number; ++written) {
+            slots[written].start = slots[written].length = 0;
+            slots[written].tookPart = false;
         }
-        slots[number] = {start, end - start, name};
-        count = number + 1;
+        slots[number].start = start;
+        slots[number].length = end - start;
+        slots[number].tookPart = true;
+        written = std::max(written, number + 1);
+        count = keepsTokens ? written : number + 1;
     }
     const char16_t* runEnd(const RE_Instruction& in, const RE_Consume& loop, const char16_t* p);
     bool repeatsToken(std::size_t number, const char16_t*& p);
@@ -58,29 +65,33 @@ private:
     const RE_Instruction* choose(const RE_Instruction& in, const char16_t* p);
 
     RE_Search_Info& info;
+    const bool keepsTokens;
     RE_TokenInfo* const slots;
     std::size_t* const starts;
     std::size_t count = 0;
+    std::size_t written =
+        0;  ///< as in the token store; without backtracking that is the highest closed token
     std::int64_t left;
 };
 
 inline const char16_t* RE_Program_Run::runEnd(const RE_Instruction& in, const RE_Consume& loop,
                                               const char16_t* p) {
     const RE_Unit_Set& members = *in.units;
-    const std::ptrdiff_t room = info.subjectEnd - p;
-    const std::ptrdiff_t most = std::min<std::ptrdiff_t>(in.most, room);
-    const char16_t* const stop = p + std::min(most, RE_Consume::shortRun);
+    // `noMaximum` is a negative difference where pointers have 32 bits.
+    const auto room = static_cast<std::size_t>(info.subjectEnd - p);
+    const std::size_t most = std::min<std::size_t>(in.most, room);
+    const char16_t* const stop = p + std::min<std::size_t>(most, RE_Consume::shortRun);
     const char16_t* end = p;
     while (end < stop && members.contains(*end)) {
         ++end;
     }
-    if (end == stop && most > RE_Consume::shortRun) {
+    if (end == stop && most > std::size_t{RE_Consume::shortRun}) {
         info.meter.setRoom(left);
         end =
             in.most == RE_Instruction::noMaximum ? loop.longRunEnd(p, info) : loop.scanOn(p, p + most, info);
         left = info.meter.room();
     }
-    if (in.flag && end - p < in.most) {
+    if (in.flag && static_cast<std::size_t>(end - p) < in.most) {
         info.leadingRun = {p, end};
     }
     return end;
@@ -177,7 +188,7 @@ inline RE_Program_Exit RE_Program_Run::run(const RE_Instruction* in) {
                 break;
             case RE_Operation::run: {
                 const char16_t* const stop = runEnd(*in, static_cast<const RE_Consume&>(*in->node), p);
-                const bool suffices = stop - p >= in->least;
+                const bool suffices = static_cast<std::size_t>(stop - p) >= in->least;
                 p = stop;
                 goOn(suffices);
                 break;
@@ -186,12 +197,12 @@ inline RE_Program_Exit RE_Program_Run::run(const RE_Instruction* in) {
                 const auto& token = static_cast<const RE_Start_Token&>(*in->node);
                 --left;
                 const char16_t* const stop = runEnd(*in, static_cast<const RE_Consume&>(*token.run), p);
-                if (stop - p < in->least) {
+                if (static_cast<std::size_t>(stop - p) < in->least) {
                     in = in->otherwise;
                     break;
                 }
                 --left;
-                record(token.number, token.name, static_cast<std::size_t>(p - begin),
+                record(token.number, static_cast<std::size_t>(p - begin),
                        static_cast<std::size_t>(stop - begin));
                 p = stop;
                 in = in->next;
@@ -226,7 +237,7 @@ inline RE_Program_Exit RE_Program_Run::run(const RE_Instruction* in) {
                 in = in->next;
                 break;
             case RE_Operation::endToken:
-                record(in->least, in->text, starts[in->least], static_cast<std::size_t>(p - begin));
+                record(in->least, starts[in->least], static_cast<std::size_t>(p - begin));
                 in = in->next;
                 break;
             case RE_Operation::tokenText:

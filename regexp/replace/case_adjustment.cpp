@@ -1,6 +1,6 @@
 #include "regexp/replace/case_adjustment.h"
 
-#include "host/ctype.h"
+#include "host/unit_class.h"
 
 namespace {
 

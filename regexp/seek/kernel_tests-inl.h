@@ -13,6 +13,7 @@
 
 #include <hwy/highway.h>
 #include <algorithm>
+#include <bit>
 #include <type_traits>
 
 HWY_BEFORE_NAMESPACE();
@@ -21,7 +22,8 @@ namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-using Lanes = hn::ScalableTag<std::uint16_t>;
+// As many as there are bits in a word: some machines could have more.
+using Lanes = hn::CappedTag<std::uint16_t, 64>;
 using Vector = hn::Vec<Lanes>;
 using Mask = hn::Mask<Lanes>;
 
@@ -35,9 +37,11 @@ using Bits =
                        std::conditional_t<lanes <= 16, std::uint16_t,
                                           std::conditional_t<lanes <= 32, std::uint32_t, std::uint64_t>>>;
 
-// What is read back is as wide as what was stored: the processor hands it over without waiting.
+// What is read back is as wide as what was stored: the processor hands it over without waiting. The first lanes stand in
+// the first byte.
 HWY_INLINE std::uint64_t bitsOf(Mask mask) {
     Bits<hn::MaxLanes(Lanes())> bits = 0;
+    static_assert(sizeof bits == 1 || std::endian::native == std::endian::little);
     hn::StoreMaskBits(Lanes(), mask, reinterpret_cast<std::uint8_t*>(&bits));
     return bits;
 }

@@ -23,7 +23,7 @@ struct RE_Unit_Pair {
 
 /// A set of units prepared for scanning: exact for units below 0x80 by two table look-ups, the others are
 /// looked up in the set one by one.
-class RE_Class_Scan {
+class CORVANE_REGEXP_EXPORT RE_Class_Scan {
 public:
     /// `set` must outlive the scan. With `wanted` false it looks for units outside of the set.
     RE_Class_Scan(const RE_Unit_Set& set, bool wanted)

@@ -22,7 +22,7 @@ inline bool equalUnits(const char16_t* one, const char16_t* other, std::size_t l
 }
 
 /// The text of a literal with its way of comparing. Does not own the text.
-struct RE_Literal {
+struct CORVANE_REGEXP_EXPORT RE_Literal {
     const char16_t* text;  ///< in lower case when case is ignored
     std::size_t length;    ///< at least 1
     bool ignoreCase;
@@ -34,7 +34,7 @@ private:
 };
 
 /// How to look for a literal. Holds no text, so it may be made before the literal has found its place.
-class RE_Literal_Search {
+class CORVANE_REGEXP_EXPORT RE_Literal_Search {
 public:
     explicit RE_Literal_Search(const RE_Literal& literal);
 

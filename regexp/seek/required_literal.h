@@ -14,7 +14,7 @@
 #include <utility>
 
 /// Finds a text, the prefixes of several, or the units of a set.
-class RE_Text_Finder {
+class CORVANE_REGEXP_EXPORT RE_Text_Finder {
 public:
     /// `literal` is in lower case when case is ignored.
     RE_Text_Finder(std::u16string literal, bool ignoreCase);
@@ -56,13 +56,13 @@ struct RE_Required_Literal {
 
 /// After so many steps of attempts that failed a search asks whether the literals that a match needs still follow. Tests
 /// set it to 0, before any search, to have it ask each time.
-struct RE_Asking_Delay {
+struct CORVANE_REGEXP_EXPORT RE_Asking_Delay {
     static inline std::uint64_t steps = 64;
 };
 
 /// Where a match may start, as far as one literal tells that every match holds: from there it is reached over units that
 /// may stand before it.
-class RE_Literal_Stretches : public RE_Memory {
+class CORVANE_REGEXP_EXPORT RE_Literal_Stretches : public RE_Memory {
 public:
     struct Stretch {
         const char16_t* begin;

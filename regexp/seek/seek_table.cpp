@@ -1,14 +1,5 @@
 #include "regexp/seek/seek_table.h"
 
-#include <tuple>
-
-bool RE_Seek_Key::operator<(const RE_Seek_Key& other) const {
-    if (node != other.node) {
-        return std::less<const RE_Node*>()(node, other.node);
-    }
-    return std::tie(first, second) < std::tie(other.first, other.second);
-}
-
 bool RE_Seek_Table::get(const char16_t* p, RE_Seek_Key key, const char16_t*& out) const {
     if (!key) {
         return false;

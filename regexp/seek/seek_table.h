@@ -19,9 +19,14 @@ struct RE_Seek_Key {
     RE_Seek_Key(const RE_Node* seekingNode, char32_t c)
         : RE_Seek_Key(seekingNode, static_cast<std::size_t>(c), 0) {}
 
-    explicit operator bool() const { return node != nullptr; }
+    operator bool() const { return node != nullptr; }
     bool operator==(const RE_Seek_Key& other) const = default;
-    bool operator<(const RE_Seek_Key& other) const;
+    /// By the node's address, then by the words.
+    std::strong_ordering operator<=>(const RE_Seek_Key& other) const {
+        const std::strong_ordering byNode = std::compare_three_way()(node, other.node);
+        const std::strong_ordering byFirst = byNode != 0 ? byNode : first <=> other.first;
+        return byFirst != 0 ? byFirst : second <=> other.second;
+    }
 
     const RE_Node* node;
     std::size_t first;

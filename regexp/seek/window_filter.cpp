@@ -81,9 +81,7 @@ const char16_t* RE_Window_Filter::find(const char16_t* p, const char16_t* end, c
     const char16_t* const wholeEnd =
         std::max(p, std::min(end, limit - std::min<std::ptrdiff_t>(limit - p, widest - 1)));
     for (; p < wholeEnd; ++p) {
-        std::uint64_t window = 0;
-        std::memcpy(&window, p, sizeof window);
-        if (holds((window & mask) | fold)) {
+        if (holds(wholeWindowAt(p))) {
             return p;
         }
     }

@@ -34,11 +34,22 @@ private:
     RE_Window_Filter(std::size_t windowUnits, bool foldsCase, std::size_t literalCount);
 
     void admit(std::u16string_view window);
-    std::uint64_t windowAt(const char16_t* p, const char16_t* limit) const {
+    /// `count` units, the first of them in the lowest bits on every machine.
+    static std::uint64_t unitsAt(const char16_t* p, std::size_t count) {
         std::uint64_t window = 0;
+        if constexpr (std::endian::native == std::endian::little) {
+            std::memcpy(&window, p, count * sizeof(char16_t));
+        } else {
+            for (std::size_t i = 0; i < count; ++i) {
+                window |= std::uint64_t{p[i]} << (16 * i);
+            }
+        }
+        return window;
+    }
+    std::uint64_t wholeWindowAt(const char16_t* p) const { return (unitsAt(p, widest) & mask) | fold; }
+    std::uint64_t windowAt(const char16_t* p, const char16_t* limit) const {
         const bool whole = static_cast<std::size_t>(limit - p) >= widest;
-        std::memcpy(&window, p, whole ? sizeof window : units * sizeof(char16_t));
-        return (window & mask) | fold;
+        return whole ? wholeWindowAt(p) : (unitsAt(p, units) & mask) | fold;
     }
     std::size_t placeOf(std::uint64_t window) const {
         return static_cast<std::size_t>((window * 0x9E3779B97F4A7C15u) >> shift);

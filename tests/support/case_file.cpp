@@ -1,6 +1,8 @@
 // Reader of the match case tables.
 #include "tests/support/case_file.h"
 
+#include "regexp/within_size.h"
+
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -20,7 +22,8 @@ std::vector<std::string> split(const std::string& text, char separator) {
 }
 
 std::uint32_t flagsOf(const std::string& modes) {
-    static const std::map<char, std::uint32_t> bits = {{'.', 0}, {'i', 0x01}, {'m', 0x04}, {'x', 0x08}, {'E', 0x20}, {'d', 0x02}};
+    static const std::map<char, std::uint32_t> bits = {{'.', 0}, {'i', 0x01}, {'m', 0x04}, {'x', 0x08}, {'E', 0x20}, {'d', 0x02},
+                                                             {'K', 0x40}};
     std::uint32_t flags = 0x12;
     for (const char letter : modes) {
         flags ^= bits.at(letter);
@@ -30,8 +33,12 @@ std::uint32_t flagsOf(const std::string& modes) {
 
 Token tokenOf(const std::string& text) {
     const std::vector<std::string> halves = split(text, '=');
+    const std::u16string name = halves.size() > 1 ? widen(halves[1]) : u"";
+    if (halves.at(0) == "~") {
+        return {0, 0, name, false};
+    }
     const std::vector<std::string> numbers = split(halves.at(0), ',');
-    return {std::stoul(numbers.at(0)), std::stoul(numbers.at(1)), halves.size() > 1 ? widen(halves[1]) : u""};
+    return {std::stoul(numbers.at(0)), std::stoul(numbers.at(1)), name};
 }
 
 void readExtent(const std::string& text, Outcome& outcome) {
@@ -75,7 +82,7 @@ MatchCase readLine(const std::string& line) {
     result.pattern = expand(columns[0]);
     result.flags = flagsOf(columns[1]);
     result.subject = expand(columns[2]);
-    result.offset = std::stoul(columns[3]);
+    result.offset = withinSize(std::stoull(columns[3]));
     readExtent(columns[4], result.expected);
     readTokens(columns[5], result);
     readWarnings(columns[6], result);

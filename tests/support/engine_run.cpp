@@ -38,7 +38,7 @@ Outcome toOutcome(const RE_Results* results) {
     }
     Outcome outcome{true, results->matchStart, results->matchLength, {}};
     for (size_t index = 0; const RE_TokenInfo* token = results->tokens->get(index); ++index) {
-        outcome.tokens.push_back({token->start, token->length, token->name ? token->name : u""});
+        outcome.tokens.push_back({token->start, token->length, token->name ? token->name : u"", token->tookPart});
     }
     return outcome;
 }

@@ -330,6 +330,7 @@ private:
             }
             if (unit == u')') {
                 m_flags = changed;
+                refuseQuantifier();
                 return make(Kind::Sequence);
             }
             if (unit == u':') {
@@ -346,6 +347,14 @@ private:
         NodePtr body = closed(alternation());
         m_flags = saved;
         return body;
+    }
+
+    // Modes are nothing that could be repeated.
+    void refuseQuantifier() {
+        skipSpacing();
+        if (m_reader.sees(u"*") || m_reader.sees(u"+") || m_reader.sees(u"?") || m_reader.sees(u"{")) {
+            throw Unreadable();
+        }
     }
 
     void setMode(Flags& flags, char16_t letter, bool value) const {

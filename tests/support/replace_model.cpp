@@ -1,6 +1,6 @@
 #include "tests/support/replace_model.h"
 
-#include "host/ctype.h"
+#include "host/unit_class.h"
 
 #include <algorithm>
 #include <memory>

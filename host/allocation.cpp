@@ -1,6 +1,6 @@
 // Default allocator: the C library's heap behind an optional hook.
 
-#include "host/memory.h"
+#include "host/allocation.h"
 
 #include <atomic>
 #include <cstdlib>

@@ -1,6 +1,6 @@
 // Character properties from ICU's common library.
 
-#include "host/ctype.h"
+#include "host/unit_class.h"
 
 #include <unicode/uchar.h>
 

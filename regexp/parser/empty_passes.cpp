@@ -1,0 +1,83 @@
+#include "regexp/parser/empty_passes.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr std::uint64_t fewPasses = 512;
+
+// A pattern that calls the host does so as the graph without a memo would, which tries what follows again for every
+// choice of the passes that consume. So fewer are made, and how many depends on the pattern alone.
+constexpr std::uint64_t fewPassesOfHost = 256;
+
+// Positions, counts and tokens in which a nest of loops may be near the subject's end.
+constexpr std::uint64_t mostStates = std::uint64_t{1} << 20;
+constexpr std::uint64_t tooMany = mostStates + 1;
+
+std::uint64_t times(std::uint64_t a, std::uint64_t b) {
+    return a != 0 && b > tooMany / a ? tooMany : std::min(a * b, tooMany);
+}
+
+// How many empty passes at one place may differ in what they leave behind. All that take one way through the body leave
+// the same tokens behind, however many they are. Of several ways the last pass along each counts, and there are no more
+// of them to tell apart than tokens. 0 is for passes that read tokens and record some: they may take turns without end. It
+// does not help that they are different tokens, as closing one puts those below it in effect and forgets those above.
+std::uint64_t differingPasses(const RE_Syntax& body, bool callsHost) {
+    if (callsHost || (body.reads && body.written > 0)) {
+        return 0;
+    }
+    return body.written > 0 ? body.written + std::uint64_t{2} : 1;
+}
+
+/// Of a nest of loops that many units before the subject's end. `all`: the passes without any that are left out.
+std::uint64_t statesOf(std::uint64_t units, std::uint64_t all, std::uint64_t perPlace, unsigned nested) {
+    const std::uint64_t places = units + 1;
+    if (perPlace == 0) {
+        return times(times(places, all), times(places, places));  // a token is two places
+    }
+    std::uint64_t states = 1;
+    for (unsigned loop = 0; loop < nested && states < all; ++loop) {
+        states = times(states, times(perPlace, places));
+    }
+    return times(places, std::min(states, all));
+}
+
+std::uint64_t exactUnitsOf(std::uint64_t all, std::uint64_t perPlace, unsigned nested) {
+    std::uint64_t least = 0;
+    for (std::uint64_t most = mostStates; least < most;) {
+        const std::uint64_t middle = least + (most - least) / 2;
+        if (statesOf(middle, all, perPlace, nested) <= mostStates) {
+            least = middle + 1;
+        } else {
+            most = middle;
+        }
+    }
+    return least;
+}
+
+}  // namespace
+
+RE_Empty_Passes planEmptyPasses(const RE_Syntax_Tree& tree, std::uint32_t index, const RE_Repeat_Plan& plan,
+                                bool callsHost) {
+    const RE_Syntax& it = tree[index];
+    const RE_Syntax& body = tree[it.firstChild];
+    if (!plan.guarded) {
+        const bool isEmpty = body.least == 0;
+        return {isEmpty ? body.emptyPasses : 1, isEmpty ? body.allPasses : 1, false, false, 0, 0, 0};
+    }
+    const std::uint64_t required = std::max<std::uint64_t>(plan.minimum, 1);
+    // Behind the one required pass of `x+` an optional one is tried, which may take as many.
+    const std::uint64_t tried = plan.minimum == 1 && plan.maximum != 1 ? 2 : required;
+    const std::uint64_t few = callsHost ? fewPassesOfHost : fewPasses;
+    const std::uint64_t perPlace = differingPasses(body, callsHost);
+    RE_Empty_Passes passes{};
+    passes.all = static_cast<std::uint32_t>(times(body.allPasses, tried));
+    passes.endLoop = times(body.emptyPasses, required) > few;
+    passes.optionalFollow = passes.endLoop && body.emptyPasses <= few;
+    const std::uint64_t made = !passes.endLoop ? tried : passes.optionalFollow ? 2 : 1;
+    passes.taken = static_cast<std::uint32_t>(times(body.emptyPasses, made));
+    passes.exactUnits = passes.endLoop && !callsHost ? exactUnitsOf(passes.all, perPlace, it.guards) : 0;
+    passes.perUnit = body.most > 0 ? perPlace : 0;
+    passes.atEnd = perPlace;
+    return passes;
+}

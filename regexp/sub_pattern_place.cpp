@@ -1,0 +1,73 @@
+#include "regexp/sub_pattern_place.h"
+
+#include "regexp/nodes/links.h"
+#include "regexp/nodes/loop_pass.h"
+#include "regexp/nodes/tokens.h"
+
+#include <algorithm>
+#include <unordered_set>
+
+namespace {
+
+class Survey {
+public:
+    void add(RE_Node* node) {
+        if (node != nullptr && known.insert(node).second) {
+            pending.push_back(node);
+        }
+    }
+
+    RE_Continued_Graph run() {
+        while (!pending.empty()) {
+            RE_Node& node = *pending.back();
+            pending.pop_back();
+            note(node);
+            forEachLink(node, [this](RE_Node* target, RE_Link) { add(target); });
+            add(node.next());  // the end of a sub-pattern leads into a graph of its own
+        }
+        return std::move(graph);
+    }
+
+private:
+    void note(const RE_Node& node) {
+        RE_Sub_Pattern_Place& place = graph.place;
+        place.nodeId = std::max(place.nodeId, node.nodeId);
+        place.memoRow = std::max(place.memoRow, node.memoIndex + 1);
+        for (const RE_Memo_Scope* scope = node.memoScope; scope != nullptr; scope = scope->parent) {
+            if (scope->kind == RE_Memo_Scope::Kind::pass) {
+                notePass(scope->index);
+            }
+        }
+        if (const auto* const start = dynamic_cast<const RE_Start_Pass*>(&node)) {
+            notePass(start->pass);
+        } else if (const auto* const end = dynamic_cast<const RE_End_Pass*>(&node)) {
+            notePass(end->pass);
+        } else if (const auto* const token = dynamic_cast<const RE_Token*>(&node)) {
+            noteToken(token->number, token->name);
+        } else if (const auto* const reader = dynamic_cast<const RE_Token_Fail*>(&node)) {
+            noteToken(reader->name == nullptr ? reader->number : 0, nullptr);
+        }
+    }
+    void notePass(std::size_t pass) {
+        graph.place.passRegister = std::max(graph.place.passRegister, pass + 1);
+    }
+    void noteToken(std::size_t number, const char16_t* name) {
+        graph.tokenCount = std::max(graph.tokenCount, number + 1);
+        if (name != nullptr) {
+            graph.tokenNames.resize(std::max(graph.tokenNames.size(), number + 1));
+            graph.tokenNames[number] = name;
+        }
+    }
+
+    RE_Continued_Graph graph;
+    std::unordered_set<const RE_Node*> known;
+    std::vector<RE_Node*> pending;
+};
+
+}  // namespace
+
+RE_Continued_Graph RE_Continued_Graph::from(RE_Node* entry) {
+    Survey survey;
+    survey.add(entry);
+    return survey.run();
+}

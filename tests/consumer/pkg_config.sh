@@ -1,0 +1,11 @@
+#!/bin/sh
+# Builds an example as pkg-config says, against the library installed at PREFIX: pkg_config.sh SOURCES PREFIX OUTPUT.
+# The compiler and its flags are in CXX and CXXFLAGS.
+set -eu
+pc=$(find "$2" -name corvane_regexp.pc)
+PKG_CONFIG_PATH=$(dirname "$pc")
+export PKG_CONFIG_PATH
+# shellcheck disable=SC2046,SC2086 # lists of words
+$CXX -std=c++20 $CXXFLAGS $(pkg-config --cflags corvane_regexp) "$1/examples/find_all.cpp" \
+    $(pkg-config --libs corvane_regexp) "-Wl,-rpath,$(pkg-config --variable=libdir corvane_regexp)" -o "$3"
+"$3" | grep -q '^xx<bb>, <b> and ac$'

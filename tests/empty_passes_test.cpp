@@ -1,0 +1,93 @@
+// Groups that may match the empty text, repeated: a plain `?` takes the empty way like any other, required passes count
+// however many they are, and optional passes of loops consume.
+#include "regexp/search_limits.h"
+#include "tests/support/differential.h"
+#include "tests/support/nullable_patterns.h"
+#include "tests/support/reference_ends.h"
+
+#include <gtest/gtest.h>
+
+namespace corvane_tests {
+namespace {
+
+constexpr const char* kFewPasses[] = {"?",    "??",    "?+",   "{0,1}", "{0,1}?", "{0,1}+", "*",   "*?",
+                                      "+",    "+?",    "*+",   "{2}",   "{3,4}?", "{5}",    "{4,}", "{6,}?",
+                                      "{0,2}", "{1,2}", "{2}?", "{1,3}?"};
+constexpr const char* kManyPasses[] = {"?",     "*",      "+?",     "{2,}",      "{20}",       "{20,}",
+                                       "{20,}?", "{300}",  "{300,}", "{300,}?",   "{300,400}",  "{300,302}?",
+                                       "{513}", "{600,}", "{700}+", "{1500,}?", "{1500,1501}", "{40}"};
+constexpr const char* kTests[] = {"\\<", "\\>", "^", "$"};
+
+void compareWithEnds(std::span<const char* const> quantifiers, std::uint64_t fallbackSeed, unsigned long rounds) {
+    const std::uint64_t seed = environmentNumber("CORVANE_TEST_SEED", fallbackSeed);
+    rounds = environmentNumber("CORVANE_TEST_ROUNDS", sanitized() ? rounds / 12 : rounds);
+    NullablePatterns source(seed, quantifiers, 1, kTests);
+    size_t differing = 0;
+    for (unsigned long round = 0; round < rounds && differing < 10; ++round) {
+        const std::u16string pattern = widen(source.pattern());
+        const RE_Flags flags = source.below(4) == 0 ? kPlain : kEmptyToo;
+        const EngineConfig& config = allConfigs()[source.below(allConfigs().size())];
+        const Engine engine(pattern, flags, config);
+        for (int count = 0; count < 3; ++count) {
+            const std::u16string subject = source.subject(5);
+            const auto expected = reference::searchByEnds(pattern, flags, subject, 0);
+            ASSERT_TRUE(expected) << printable(pattern);
+            const Outcome got = engine.search(subject);
+            differing += got == *expected ? 0U : 1U;
+            EXPECT_EQ(describe(*expected), describe(got))
+                << printable(pattern) << "  on '" << printable(subject) << "'  flags " << flags << "  (" << config
+                << ")  CORVANE_TEST_SEED=" << seed;
+        }
+    }
+}
+
+TEST(EmptyPasses, OfFewPassesAgreeWithAListOfAllEnds) {
+    compareWithEnds(kFewPasses, 260, 12000);
+}
+
+TEST(EmptyPasses, OfManyPassesAgreeWithAListOfAllEnds) {
+    compareWithEnds(kManyPasses, 300, 4000);
+}
+
+TEST(EmptyPasses, AgreeWithAListOfAllEndsUnderAnEagerMemo) {
+    const Delays delays(0, 0, 0);
+    compareWithEnds(kFewPasses, 261, 6000);
+    compareWithEnds(kManyPasses, 301, 2000);
+}
+
+std::u16string nest(size_t depth, std::u16string pattern, std::u16string_view quantifier) {
+    for (; depth > 0; --depth) {
+        pattern = u"(?:" + pattern + u")" + std::u16string(quantifier);
+    }
+    return pattern;
+}
+
+struct Nest {
+    size_t depth;
+    const char* innermost;
+    const char* quantifier;
+    const char* behind;
+};
+
+constexpr Nest kNests[] = {
+    {1, "|a", "{100000000}", "c"}, {2, "|a", "{1000,}", "c"},   {3, "|a", "{100}", "c"},   {3, "a?", "{100}", "c"},
+    {5, "|a", "{100,}?", "c"},     {8, "|a", "{9}", "c"},       {12, "|a", "+?", "c"},     {40, "|a", "{300,}", "c"},
+    {200, "|a", "{2}", "c"},       {200, "a*", "{3,4}", "c"},   {200, "|a", "+", "c"},     {1, "\\<|a|aa", "{1000}", "c"},
+    {2, "|(a)|(b)", "{40}", "c"},  {3, "|(a)|\\1b", "{40}", "c"}, {2, "(a|)\\1", "{500}", "c"}};
+
+/// Nests in which the passes over nothing would multiply end after a number of steps that the length bounds.
+TEST(EmptyPasses, OfNestsStayBoundedWithoutAndWithThePasses) {
+    for (const Nest& each : kNests) {
+        const std::u16string pattern = nest(each.depth, widen(each.innermost), widen(each.quantifier)) + widen(each.behind);
+        for (const EngineConfig& config : {EngineConfig{}, EngineConfig{false, false, false, 0, false}}) {
+            const Engine engine(pattern, kEmptyToo, config);
+            for (const size_t length : {0, 3, 20, 60}) {
+                EXPECT_EQ(Outcome(), engine.searchWithin(std::u16string(length, u'a'), 0, {.steps = 1 << 28}))
+                    << printable(pattern).substr(0, 60) << " of depth " << each.depth << " on " << length << " units";
+            }
+        }
+    }
+}
+
+}  // namespace
+}  // namespace corvane_tests
