@@ -55,10 +55,12 @@ void addTokenReaders(Rows& rows) {
 void addWhatIsSkipped(Rows& rows) {
     add(rows, {u"()", u"(|a)", u"(a)?", u"((a)|b)*"}, may, kCaptures | kUnbounded);
     add(rows, {u"(?:)", u"(?:|a)", u"(?:a|)"}, may, 0);
-    add(rows, {u"(?#note)"}, may, 0, false);
-    add(rows, {u"(?#one (two) three)"}, may, kOwn, false);
-    add(rows, {u"a(?#note)?"}, may, 0, false);
-    add(rows, {u"(?x: a #) note\n b ? )", u"(?x:a {2} [ #] )"}, never, kModes);
+    add(rows, {u"(?#note)"}, may, kComments, false);
+    add(rows, {u"(?#one (two) three)"}, may, kComments | kOwn, false);
+    add(rows, {u"a(?#note)?"}, may, kComments, false);
+    add(rows, {u"(?x: a # note\n b ? )"}, never, kModes | kComments);
+    add(rows, {u"(?x: a #) note\n b ? )"}, never, kModes | kComments | kHiding);
+    add(rows, {u"(?x:a {2} [ #] )"}, never, kModes);
     add(rows, {u"(?x:a { 1 , 2 } b +)"}, never, kModes | kOwn | kUnbounded);
     add(rows, {u"(?i)", u"(?-i)", u"(?s)", u"(?-s)", u"(?m)", u"(?-m)", u"(?x)", u"(?-x)", u"(?im-sx)"}, may, kModes,
         false);
@@ -170,7 +172,9 @@ void addModes(Rows& rows) {
 }
 
 void addDynamicTexts(Rows& rows) {
-    add(rows, {u"(??{text})", u"(??@={included})"}, may, kDynamics | kOwn | kUnbounded);
+    for (const char16_t* text : {u"(??{text})", u"(??@={included})"}) {
+        rows.push_back({text, may, kDynamics | kOwn | kUnbounded, kHiding, "its bracket would be paired with another"});
+    }
 }
 
 }  // namespace

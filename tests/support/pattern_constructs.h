@@ -22,7 +22,9 @@ enum Trait : unsigned {
     kOwn = 1U << 9U,          ///< other engines read it otherwise, or not at all
     kWide = 1U << 10U,        ///< units beyond ASCII
     kWords = 1U << 11U,       ///< the word anchors
-    kPossessives = 1U << 12U
+    kPossessives = 1U << 12U,
+    kComments = 1U << 13U,  ///< has a comment, which free spacing hides from what pairs the brackets of an expression
+    kHiding = 1U << 14U     ///< has a bracket in a comment that nothing but the modes inside tells
 };
 
 /// Where a construct may match the empty text; `asBody`: where what stands in it does.

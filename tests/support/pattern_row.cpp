@@ -262,10 +262,13 @@ private:
         const bool madeTokens = std::exchange(m_writer.m_makesTokens, false);
         const bool wasRead = m_writer.m_isRead;
         m_writer.m_isRead = wasRead && m_writer.hasMode(RE_FLAG_EVALUATE);
+        const unsigned without = m_writer.m_without;
+        m_writer.m_without |= m_writer.hasMode(RE_FLAG_FREE_SPACING) ? kComments : 0U;
         const std::u16string text = m_writer.body(m_context, m_depth).text;
         m_writer.m_modes = modes;
         m_writer.m_makesTokens = madeTokens;
         m_writer.m_isRead = wasRead;
+        m_writer.m_without = without;
         return rewritten ? asDynamicText(text) : text;
     }
 

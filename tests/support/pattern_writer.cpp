@@ -108,7 +108,8 @@ Piece PatternWriter::wantedBody() {
         if (left == 1) {
             m_wanted = std::move(later);
         }
-        Piece next = write(constructs[constructs.size() - left], 1);
+        const size_t wanted = constructs[constructs.size() - left];
+        Piece next = write(allows(Coverage::construct(wanted)) ? wanted : 0, 1);
         if (oneIn(3) && !m_dense) {
             append(next, item(0));
         }
@@ -131,7 +132,7 @@ std::u16string PatternWriter::spacing() {
         return u"";
     }
     static constexpr const char16_t* blanks[] = {u" ", u"\n", u"\t ", u"# ) [a\n"};
-    return blanks[below(std::size(blanks))];
+    return blanks[below(std::size(blanks) - ((m_without & kHiding) != 0 ? 1 : 0))];
 }
 
 Piece PatternWriter::alternation(int depth) {
