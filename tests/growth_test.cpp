@@ -90,6 +90,9 @@ TEST_F(Growth, IsNotCalledLinearWhereItIsNot) {
             ++others;
             continue;
         }
+        if (engine.tree().getFacts().minimumLength > 20) {
+            continue;  // texts that are too short for any match take no steps, which says nothing of the longer ones
+        }
         ++linear;
         for (int text = 0; text < 12; ++text) {
             const std::u16string before = source.subject(3);
