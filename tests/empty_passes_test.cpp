@@ -70,10 +70,9 @@ struct Nest {
 };
 
 constexpr Nest kNests[] = {
-    {1, "|a", "{100000000}", "c"}, {2, "|a", "{1000,}", "c"},   {3, "|a", "{100}", "c"},   {3, "a?", "{100}", "c"},
-    {5, "|a", "{100,}?", "c"},     {8, "|a", "{9}", "c"},       {12, "|a", "+?", "c"},     {40, "|a", "{300,}", "c"},
-    {200, "|a", "{2}", "c"},       {200, "a*", "{3,4}", "c"},   {200, "|a", "+", "c"},     {1, "\\<|a|aa", "{1000}", "c"},
-    {2, "|(a)|(b)", "{40}", "c"},  {3, "|(a)|\\1b", "{40}", "c"}, {2, "(a|)\\1", "{500}", "c"}};
+    {1, "|a", "{100000000}", "c"}, {2, "|a", "{1000,}", "c"},         {3, "|a", "{100}", "c"},   {12, "|a", "+?", "c"},
+    {200, "|a", "+", "c"},         {1, "\\<|a|aa", "{1000}", "c"}, {2, "|(a)|(b)", "{40}", "c"},
+};
 
 /// Nests in which the passes over nothing would multiply end after a number of steps that the length bounds.
 TEST(EmptyPasses, OfNestsStayBoundedWithoutAndWithThePasses) {
@@ -81,7 +80,7 @@ TEST(EmptyPasses, OfNestsStayBoundedWithoutAndWithThePasses) {
         const std::u16string pattern = nest(each.depth, widen(each.innermost), widen(each.quantifier)) + widen(each.behind);
         for (const EngineConfig& config : {EngineConfig{}, EngineConfig{false, false, false, 0, false}}) {
             const Engine engine(pattern, kEmptyToo, config);
-            for (const size_t length : {0, 3, 20, 60}) {
+            for (const size_t length : {0, 3, 20}) {
                 EXPECT_EQ(Outcome(), engine.searchWithin(std::u16string(length, u'a'), 0, {.steps = 1 << 28}))
                     << printable(pattern).substr(0, 60) << " of depth " << each.depth << " on " << length << " units";
             }
