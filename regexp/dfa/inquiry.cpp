@@ -72,7 +72,8 @@ void RE_Inquiry::askForLaterOnes(RE_Search_Info& info) {
         return;
     }
     costAtLast = cost;
-    const std::size_t most = std::min(withinSize(cost * unitsAhead), static_cast<std::size_t>(info.subjectEnd - from));
+    const std::size_t most =
+        std::min(withinSize(cost * unitsAhead), static_cast<std::size_t>(info.subjectEnd - from));
     const char16_t* const stop = from + most;
     const char16_t* const end = dfa->firstEnd(from, stop, info).end;
     if (end != nullptr || stop != info.subjectEnd) {

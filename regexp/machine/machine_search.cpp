@@ -114,10 +114,9 @@ private:
         const std::uint32_t most = info.instruction->most;
         const char16_t* const from = info.runBegin;
         const auto room = static_cast<std::size_t>(info.subjectEnd - from);
-        info.cursor =
-            most == RE_Instruction::noMaximum
-                ? loop().longRunEnd(from, info)
-                : loop().scanOn(from, from + std::min<std::size_t>(most, room), info);
+        info.cursor = most == RE_Instruction::noMaximum
+                          ? loop().longRunEnd(from, info)
+                          : loop().scanOn(from, from + std::min<std::size_t>(most, room), info);
     }
 
     /// Ends an attempt from the run on that was measured.

@@ -12,7 +12,8 @@ enum class RE_Pass { optional, required, lastWhenEmpty };
 
 class CORVANE_REGEXP_EXPORT RE_Start_Pass : public RE_Node {
 public:
-    RE_Start_Pass(RE_ParserContext& context, std::size_t passRegister, RE_Pass kindOfPass, std::size_t units = 0)
+    RE_Start_Pass(RE_ParserContext& context, std::size_t passRegister, RE_Pass kindOfPass,
+                  std::size_t units = 0)
         : RE_Node(context), pass(passRegister), passKind(kindOfPass), exactUnits(units) {}
     bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
     std::string label() const override;

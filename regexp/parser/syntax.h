@@ -80,13 +80,15 @@ struct RE_Syntax {
     std::uint64_t maximum = 0;
 
     // Measured once the whole pattern has been read.
-    std::uint64_t least = 0;        ///< units consumed at the least
-    std::uint64_t most = 0;         ///< units consumed at the most, saturated
-    std::uint32_t nodes = 0;        ///< nodes it will compile to, saturated
-    std::uint32_t emptyPasses = 1;  ///< passes that matching the empty text takes, but for those left out far from the end
-    std::uint32_t allPasses = 1;    ///< with these, saturated
-    std::uint16_t closed = 0;       ///< nesting of closed bodies
-    std::uint16_t written = 0;      ///< tokens that it records, saturated; 0 where nothing in the pattern reads tokens
+    std::uint64_t least = 0;  ///< units consumed at the least
+    std::uint64_t most = 0;   ///< units consumed at the most, saturated
+    std::uint32_t nodes = 0;  ///< nodes it will compile to, saturated
+    std::uint32_t emptyPasses =
+        1;  ///< passes that matching the empty text takes, but for those left out far from the end
+    std::uint32_t allPasses = 1;  ///< with these, saturated
+    std::uint16_t closed = 0;     ///< nesting of closed bodies
+    std::uint16_t written =
+        0;  ///< tokens that it records, saturated; 0 where nothing in the pattern reads tokens
 };
 
 struct RE_Syntax_Set {
