@@ -1,6 +1,5 @@
 // Groups that may match the empty text, repeated: a plain `?` takes the empty way like any other, required passes count
 // however many they are, and optional passes of loops consume.
-#include "regexp/search_limits.h"
 #include "tests/support/differential.h"
 #include "tests/support/nullable_patterns.h"
 #include "tests/support/reference_ends.h"
@@ -53,39 +52,6 @@ TEST(EmptyPasses, AgreeWithAListOfAllEndsUnderAnEagerMemo) {
     const Delays delays(0, 0, 0);
     compareWithEnds(kFewPasses, 261, 6000);
     compareWithEnds(kManyPasses, 301, 2000);
-}
-
-std::u16string nest(size_t depth, std::u16string pattern, std::u16string_view quantifier) {
-    for (; depth > 0; --depth) {
-        pattern = u"(?:" + pattern + u")" + std::u16string(quantifier);
-    }
-    return pattern;
-}
-
-struct Nest {
-    size_t depth;
-    const char* innermost;
-    const char* quantifier;
-    const char* behind;
-};
-
-constexpr Nest kNests[] = {
-    {1, "|a", "{100000000}", "c"}, {2, "|a", "{1000,}", "c"},         {3, "|a", "{100}", "c"},   {12, "|a", "+?", "c"},
-    {200, "|a", "+", "c"},         {1, "\\<|a|aa", "{1000}", "c"}, {2, "|(a)|(b)", "{40}", "c"},
-};
-
-/// Nests in which the passes over nothing would multiply end after a number of steps that the length bounds.
-TEST(EmptyPasses, OfNestsStayBoundedWithoutAndWithThePasses) {
-    for (const Nest& each : kNests) {
-        const std::u16string pattern = nest(each.depth, widen(each.innermost), widen(each.quantifier)) + widen(each.behind);
-        for (const EngineConfig& config : {EngineConfig{}, EngineConfig{false, false, false, 0, false}}) {
-            const Engine engine(pattern, kEmptyToo, config);
-            for (const size_t length : {0, 3, 20}) {
-                EXPECT_EQ(Outcome(), engine.searchWithin(std::u16string(length, u'a'), 0, {.steps = 1 << 28}))
-                    << printable(pattern).substr(0, 60) << " of depth " << each.depth << " on " << length << " units";
-            }
-        }
-    }
 }
 
 }  // namespace
