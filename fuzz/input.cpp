@@ -1,6 +1,6 @@
 #include "fuzz/input.h"
 
-#include "regexp/seek/required_literal.h"
+#include "regexp/nodes/literal_stretches.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -1,5 +1,6 @@
 #include "regexp/find_all.h"
 
+#include "regexp/search/search.h"
 #include "regexp/search_info.h"
 #include "regexp/within_size.h"
 
@@ -73,7 +74,7 @@ std::unique_ptr<RE_Results> RE_Tree::match_at(std::u16string_view text, std::siz
     info.beginInquiry();
     info.rejectEmpty = allowEmptyMatch ? 0 : 1;
     std::size_t length = 0;
-    if (!attempt(info, info.subjectBegin + position, length)) {
+    if (!attemptAt(root, *facts, info, info.subjectBegin + position, length)) {
         return nullptr;
     }
     return std::make_unique<RE_Results>(&info, info.matchStart, length, true);

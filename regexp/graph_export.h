@@ -3,7 +3,7 @@
 
 #include "regexp/memory.h"
 #include "regexp/nodes/node.h"
-#include "regexp/tree.h"
+#include "regexp/stage.h"
 
 #include <string>
 #include <vector>

@@ -1,7 +1,7 @@
 #include "regexp/graph_facts.h"
 
 #include "regexp/nodes/node.h"
-#include "regexp/seek/required_literal.h"
+#include "regexp/nodes/literal_stretches.h"
 
 RE_Graph_Facts::RE_Graph_Facts() = default;
 

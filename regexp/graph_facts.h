@@ -1,13 +1,10 @@
 // Facts about a whole compiled graph that a search needs before it visits the first node.
 #pragma once
 
-#include "regexp/dfa/dfa.h"
-#include "regexp/inspect/profile.h"
-#include "regexp/machine/machine_code.h"
-#include "regexp/memo.h"
 #include "regexp/memory.h"
+#include "regexp/memo_scope.h"
 #include "regexp/node_store.h"
-#include "regexp/program/instruction.h"
+#include "regexp/opaque.h"
 #include "regexp/seek/start_finder_kind.h"
 
 #include <cstddef>
@@ -18,8 +15,13 @@
 #include <vector>
 
 class RE_Consume;
+class RE_Dfa;
 class RE_Literal_Stretches;
+class RE_Machine_Code;
+class RE_Node;
+class RE_Profiler;
 class RE_Unit_Set;
+struct RE_Program;
 
 /// How a search comes to the places where an attempt begins.
 struct RE_Attempt_Start {
@@ -53,10 +55,10 @@ struct CORVANE_REGEXP_EXPORT RE_Graph_Facts : public RE_Memory {
     bool hasDynamicNodes = false;     ///< matching may call the host
     RE_Start_Finder startFinder = RE_Start_Finder::none;
     RE_Attempt_Start start;
-    std::unique_ptr<RE_Machine_Code>
-        machineCode;                    ///< of the program; null unless the tree was told to make it
-    std::unique_ptr<const RE_Dfa> dfa;  ///< null unless the tree was told to make it
-    RE_Program program;  ///< of the graph from `start.entry` on, for searches that nobody watches
+    /// Of the graph from `start.entry` on, for searches that nobody watches; null when none was made.
+    RE_Opaque<const RE_Program> program;
+    RE_Opaque<const RE_Machine_Code> machineCode;  ///< of the program; null unless the tree was asked to make it
+    RE_Opaque<const RE_Dfa> dfa;                   ///< null unless the tree was asked to make it
     /// The loop over one unit with which every match begins, or null: `RE_Consume::lastHopelessStart`.
     const RE_Consume* leadingLoop = nullptr;
     using Needed = std::unique_ptr<const RE_Literal_Stretches>;

@@ -2,7 +2,6 @@
 
 #include "regexp/graph_facts.h"
 #include "regexp/search_info.h"
-#include "regexp/tree.h"
 
 #include <algorithm>
 #include <utility>
@@ -23,16 +22,16 @@ RE_Sub_Pattern_Place RE_Included_Texts::nextPlace(const RE_Sub_Pattern_Place& fi
     if (texts.empty()) {
         return first;
     }
-    const RE_Graph_Facts& last = *texts.back().tree->facts;
+    const RE_Graph_Facts& last = *texts.back().pattern.facts;
     return {last.memoRows, last.passRegisters, last.lastNodeId};
 }
 
-void RE_Included_Texts::add(std::unique_ptr<RE_Tree> text, std::int32_t slot, bool outermost) {
+void RE_Included_Texts::add(RE_Included_Text text, std::int32_t slot, bool outermost) {
     texts.push_back({std::move(text), slot, outermost});
 }
 
 const RE_Node* RE_Included_Texts::root() const {
-    return texts.back().tree->root;
+    return texts.back().pattern.root;
 }
 
 // Whichever text's end this is: the texts behind it were left before, so each of them is either spent or has
@@ -75,7 +74,7 @@ void RE_Included_Texts::refuse(RE_Search_Info& info) {
 // Addresses recur: a later text must not meet the counts of this one.
 void RE_Included_Texts::dropLast(RE_Search_Info& info) {
     if (!info.counterStacks.empty()) {
-        for (const RE_Node* node : texts.back().tree->facts->nodes) {
+        for (const RE_Node* node : texts.back().pattern.facts->nodes) {
             info.counterStacks.erase(node);
         }
     }

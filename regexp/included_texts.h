@@ -6,6 +6,7 @@
 #pragma once
 
 #include "regexp/memory.h"
+#include "regexp/opaque.h"
 #include "regexp/sub_pattern_place.h"
 
 #include <cstddef>
@@ -16,6 +17,14 @@
 class RE_Node;
 class RE_Search_Info;
 class RE_Tree;
+struct RE_Graph_Facts;
+
+/// A dynamic text as a search holds it: the pattern that it was compiled to, and where that begins.
+struct RE_Included_Text {
+    RE_Opaque<RE_Tree> tree;
+    const RE_Graph_Facts* facts;  ///< of the tree
+    const RE_Node* root;          ///< of the tree
+};
 
 /// Texts in the order in which they were included; those of later records stand behind those of earlier ones.
 class CORVANE_REGEXP_EXPORT RE_Included_Texts : public RE_Memory {
@@ -29,7 +38,7 @@ public:
     RE_Sub_Pattern_Place nextPlace(const RE_Sub_Pattern_Place& first) const;
     /// Keeps a text for as long as the record at index `slot` stands. `outermost`: its node stands in no
     /// text.
-    void add(std::unique_ptr<RE_Tree> text, std::int32_t slot, bool outermost);
+    void add(RE_Included_Text text, std::int32_t slot, bool outermost);
     /// The first node of the text that was added last.
     const RE_Node* root() const;
 
@@ -54,7 +63,7 @@ public:
 
 private:
     struct Text {
-        std::unique_ptr<RE_Tree> tree;
+        RE_Included_Text pattern;
         std::int32_t slot;
         bool outermost;
         bool spent = false;          ///< left for good; its record is gone

@@ -1,6 +1,7 @@
 #include "regexp/match_sequence.h"
 
 #include "regexp/machine/machine_search.h"
+#include "regexp/search/search.h"
 #include "regexp/tree.h"
 #include "regexp/within_size.h"
 
@@ -131,7 +132,7 @@ RE_Results* RE_Match_Sequence::search(std::size_t offset) {
     goOn();
     const Interrupt_Aside aside(info);
     std::size_t length = 0;
-    found = tree.findMatch(info, offset, length) && !info.pollInterrupt();
+    found = findMatch(tree.root, *tree.facts, info, offset, length) && !info.pollInterrupt();
     return found ? see(length) : nullptr;
 }
 

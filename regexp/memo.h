@@ -21,17 +21,6 @@
 
 class RE_Node;
 
-/// What the future at a node depends on besides the position, one link for each enclosing construct, inner
-/// ones first. Built with the pattern and owned by it.
-struct RE_Memo_Scope {
-    enum class Kind { counter, pass, token };
-
-    const RE_Memo_Scope* parent;
-    Kind kind;
-    const RE_Node* counter;  ///< the counter node (kind counter)
-    std::size_t index;       ///< the pass register or token number (kinds pass and token)
-};
-
 /// Set of (row, position) pairs that can be emptied at once.
 class CORVANE_REGEXP_EXPORT RE_Memo_Table : public RE_Memory {
 public:

@@ -19,7 +19,7 @@
 #include "regexp/flags.h"
 #include "regexp/inspect/growth.h"
 #include "regexp/inspect/observer.h"
-#include "regexp/inspect/profile.h"
+#include "regexp/profile.h"
 #include "regexp/options/compile_options.h"
 #include "regexp/replace/replace.h"
 #include "regexp/replace/replace_nodes.h"

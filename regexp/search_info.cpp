@@ -2,7 +2,6 @@
 #include "regexp/search_info.h"
 
 #include "host/interrupt.h"
-#include "regexp/tree.h"
 
 #include <algorithm>
 #include <utility>
@@ -296,7 +295,7 @@ RE_Sub_Pattern_Place RE_Search_Info::placeOfText() {
     return included.nextPlace(first);
 }
 
-void RE_Search_Info::include(std::unique_ptr<RE_Tree> text, const RE_Node* node, std::size_t pos,
+void RE_Search_Info::include(RE_Included_Text text, const RE_Node* node, std::size_t pos,
                              bool outermost) {
     const std::uint32_t firstRow = placeOfText().memoRow;
     pushRecord(node, subjectBegin + pos, 0);

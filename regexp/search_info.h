@@ -7,16 +7,18 @@
 
 #include "host/interrupt.h"
 #include "regexp/backtrack_stack.h"
-#include "regexp/dfa/inquiry.h"
+#include "regexp/inquiry.h"
 #include "regexp/graph_facts.h"
 #include "regexp/included_texts.h"
-#include "regexp/inspect/profile.h"
+#include "regexp/profile.h"
 #include "regexp/memory.h"
 #include "regexp/nodes/node.h"
+#include "regexp/pass_word.h"
 #include "regexp/search_limits.h"
 #include "regexp/search_memo.h"
 #include "regexp/search_registers.h"
 #include "regexp/search_scopes.h"
+#include "regexp/seek/scan.h"
 #include "regexp/token_stack.h"
 
 #include <algorithm>
@@ -34,7 +36,9 @@ class RE_Observer;
 class RE_Seek_Table;
 class RE_Search_Info;
 
-class CORVANE_REGEXP_EXPORT RE_Search_Info : public RE_Memory, public RE_Search_Registers {
+class CORVANE_REGEXP_EXPORT RE_Search_Info final : public RE_Memory,
+                                                   public RE_Search_Registers,
+                                                   public RE_Scan_Monitor {
 public:
     RE_Search_Info(const char16_t* subject, std::size_t length, std::size_t tokenCount, RE_Seek_Table* table,
                    bool pollInterrupts);
@@ -94,7 +98,7 @@ public:
     /// Counts one step; true when the host asks to stop. The host is consulted on every 2048th step only.
     bool pollInterrupt();
     /// For scans of many units between two steps: consults the host at once.
-    bool pollScan();
+    bool pollScan() final;
     /// Whether the search is being broken off, by the host or by a limit.
     bool wasInterrupted() const { return stopped != RE_Search_Outcome::noMatch; }
     /// Why it is; `noMatch` while it is not.
@@ -186,7 +190,7 @@ public:
     /// Remembers how the current pass of a loop began: `RE_Start_Pass` gives the meaning of the word.
     void notePass(std::size_t pass, std::size_t word);
     std::size_t passWord(std::size_t pass) const;
-    static constexpr std::size_t noPass = static_cast<std::size_t>(-1);
+    static constexpr std::size_t noPass = noPassWord;
 
     // --- counts ---
 
@@ -218,7 +222,7 @@ public:
     RE_Sub_Pattern_Place placeOfText();
     /// Enters a text compiled for that place on behalf of `node`, which stands at index `pos`, and in no text
     /// when the text is an `outermost` one.
-    void include(std::unique_ptr<RE_Tree> text, const RE_Node* node, std::size_t pos, bool outermost);
+    void include(RE_Included_Text text, const RE_Node* node, std::size_t pos, bool outermost);
 
     // --- the host ---
 

@@ -1,6 +1,6 @@
 #include "regexp/search_memo.h"
 
-#include "regexp/nodes/loop_pass.h"
+#include "regexp/pass_word.h"
 #include "regexp/search_info.h"
 
 #include <algorithm>

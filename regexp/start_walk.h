@@ -5,7 +5,7 @@
 #include "regexp/inspect/observer.h"
 #include "regexp/nodes/consume.h"
 #include "regexp/search_info.h"
-#include "regexp/seek/required_literal.h"
+#include "regexp/nodes/literal_stretches.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -15,7 +15,7 @@
 #include "regexp/parser/parser_context.h"
 #include "regexp/passes/pass_runner.h"
 #include "regexp/program/lower.h"
-#include "regexp/sub_pattern_place.h"
+#include "regexp/nodes/continued_graph.h"
 #include "regexp/within_size.h"
 
 #include <algorithm>
@@ -177,7 +177,7 @@ void prepareAttempts(RE_ParserContext& parserContext, RE_Node* root) {
     RE_Graph_Facts& facts = *parserContext.facts;
     facts.start = startOf(root, facts.profiler != nullptr);
     if (parserContext.options().optimizeDotStar() && facts.profiler == nullptr && !facts.hasDynamicNodes) {
-        lowerGraph(parserContext, facts.start.skipsSeeker ? root->nextNode : root, facts.program);
+        facts.program = makeOpaque(lowerGraph(parserContext, facts.start.skipsSeeker ? root->nextNode : root));
     }
 }
 
@@ -270,4 +270,31 @@ std::string RE_Tree::graphAfter(RE_Stage stage, const char16_t* pattern, std::si
         }
     });
     return text;
+}
+
+RE_Profile RE_Tree::profile() const {
+    RE_Profile found;
+    if (facts->profiler != nullptr) {
+        const RE_Count_Table counts = facts->profiler->read(found.searches);
+        found.texts = counts.front();
+        for (const RE_Node* node : facts->nodes) {
+            found.nodes.push_back({node->nodeId, node->label(), counts[withinSize(node->nodeId)]});
+        }
+    }
+    return found;
+}
+
+void RE_Tree::clearProfile() const {
+    if (facts->profiler != nullptr) {
+        facts->profiler->clear();
+    }
+}
+
+RE_Included_Text RE_Text_Compiler::compile(const RE_Evaluation_IO& text, RE_Flags flags, RE_Context* context,
+                                           RE_Node* next, RE_Node* outer, const RE_Sub_Pattern_Place& place) {
+    std::unique_ptr<RE_Tree> tree(
+        new RE_Tree(text.get_string(), text.get_length(), flags, context, next, outer, false, place));
+    const RE_Graph_Facts* const facts = tree->facts;
+    const RE_Node* const root = tree->root;
+    return {makeOpaque(std::move(tree)), facts, root};
 }

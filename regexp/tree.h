@@ -1,14 +1,14 @@
 // The compiled pattern and its search.
 #pragma once
 
-#include "regexp/builder/builder.h"
 #include "regexp/eval/context.h"
 #include "regexp/flags.h"
-#include "regexp/inspect/profile.h"
+#include "regexp/profile.h"
 #include "regexp/memory.h"
 #include "regexp/results.h"
 #include "regexp/search_limits.h"
 #include "regexp/seek/seek_table.h"
+#include "regexp/stage.h"
 
 #include <concepts>
 #include <cstddef>
@@ -19,6 +19,9 @@
 #include <string_view>
 #include <vector>
 
+namespace RE_Builder_Space {
+class RE_Builder;
+}
 class RE_Match_Sequence;
 class RE_Match_Range;
 class RE_Node;
@@ -26,13 +29,6 @@ class RE_Observer;
 class RE_Search_Info;
 struct RE_Graph_Facts;
 struct RE_Sub_Pattern_Place;
-
-/// What a graph becomes while a pattern is compiled, in this order: as it was parsed, without nodes that do
-/// nothing, with units joined, and with loops over one unit taken together and a start finder.
-enum class RE_Stage { parsed, null_nodes, linear, dot_star };
-
-/// Further attributes of a node, by its number, as they stand in the graph language: `color=red`, or nothing.
-using RE_Graph_Attributes = std::function<std::string(std::uint64_t nodeId)>;
 
 /// A compiled pattern. Compiling never fails on syntax: problems are reported through `RE_Context::warn` and
 /// degrade to literal text or to nothing.
@@ -167,9 +163,11 @@ public:
     const RE_Graph_Facts& getFacts() const { return *facts; }
 
 private:
-    friend class RE_Match_Sequence;
-    friend class RE_Dynamic;
-    friend class RE_Included_Texts;
+    friend namespace RE_Builder_Space {
+class RE_Builder;
+}
+class RE_Match_Sequence;
+    friend struct RE_Text_Compiler;
 
     /// A sub-pattern that is compiled while its search runs.
     RE_Tree(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
@@ -187,13 +185,6 @@ private:
 
     RE_Results* searchFrom(const char16_t* subject, std::size_t length, std::size_t offset,
                            RE_Seek_Table* table, RE_Observer* observer = nullptr) const;
-    bool findMatch(RE_Search_Info& info, std::size_t offset, std::size_t& length) const;
-    bool findByProgram(RE_Search_Info& info, const char16_t* p, const char16_t* last,
-                       std::size_t& length) const;
-    bool findByGraph(RE_Search_Info& info, const char16_t* p, const char16_t* last,
-                     std::size_t& length) const;
-    bool attempt(RE_Search_Info& info, const char16_t* p, std::size_t& length) const;
-    bool attemptWatched(RE_Search_Info& info, std::size_t& length) const;
 
     RE_Node* root = nullptr;
     std::uint64_t tokenCount = 0;

@@ -1,7 +1,7 @@
 // What the host is asked: which operation, in which order, with which texts, how often.
 #include "host/allocation_counter.h"
 #include "host/interrupt.h"
-#include "regexp/eval/evaluators.h"
+#include "regexp/eval/expressions/evaluators.h"
 #include "tests/support/pattern_random.h"
 #include "tests/support/differential.h"
 #include "tests/support/scripted_host.h"

@@ -1,7 +1,7 @@
 // Sets of units against plain tables: what they hold after any operations, and what they say about each other.
 #include "regexp/unit_set.h"
 
-#include "regexp/parser/unit_union.h"
+#include "regexp/nodes/unit_union.h"
 
 #include <gtest/gtest.h>
 

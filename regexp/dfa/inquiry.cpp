@@ -1,4 +1,4 @@
-#include "regexp/dfa/inquiry.h"
+#include "regexp/inquiry.h"
 
 #include "regexp/dfa/dfa.h"
 #include "regexp/graph_facts.h"

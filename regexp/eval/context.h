@@ -1,13 +1,15 @@
 // The one object through which the engine talks to its host while it compiles and matches.
 #pragma once
 
-#include "regexp/builder/builder.h"
 #include "regexp/eval/warning.h"
 #include "regexp/memory.h"
 #include "regexp/options/compile_options.h"
 
 #include <cstddef>
 
+namespace RE_Builder_Space {
+class RE_Builder;
+}
 class RE_Evaluation_IO;
 class RE_Evaluation_Inputs;
 

@@ -1,12 +1,10 @@
 #include "regexp/eval/evaluation_io.h"
 
 #include "host/code_page.h"
-#include "regexp/replace/insert_text.h"
-#include "regexp/replace/replaceable.h"
+#include "regexp/insert_text.h"
 
 #include <algorithm>
 #include <functional>
-#include <utility>
 
 namespace {
 
@@ -55,16 +53,6 @@ void RE_Evaluation_IO::append(const char16_t* source, std::size_t units) {
     }
     text = insertText(text, length, length, 0, source, units, &capacity);
     length += units;
-}
-
-// The buffer changes hands: it is back only when nothing was thrown.
-void RE_Evaluation_IO::construct(const RE_Replaceable* source, RE_Results* results) {
-    std::size_t room = std::exchange(capacity, 0);
-    std::size_t used = 0;
-    length = 0;
-    text = source->build_replace(std::exchange(text, nullptr), &used, &room, results);
-    length = used;
-    capacity = room;
 }
 
 bool RE_Evaluation_IO::is_equal(const RE_Evaluation_IO* other) const {

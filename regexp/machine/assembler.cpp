@@ -38,7 +38,7 @@ std::size_t roomFor(const RE_Program& program) {
 class Assembler : public RE_Machine_Code, private corvane_machine::Start_Code {
 public:
     Assembler(const RE_Graph_Facts& graphFacts, const RE_Node* graphRoot)
-        : Start_Code(graphFacts, graphRoot, roomFor(graphFacts.program)) {
+        : Start_Code(graphFacts, graphRoot, roomFor(*graphFacts.program)) {
         emitEntry();
         Xbyak::Label beginLabel;
         L(beginLabel);
@@ -54,7 +54,7 @@ public:
         attempt = attemptLabel.getAddress();
         RE_Machine_Code::mostSteps = Start_Code::mostSteps;
         forgetPlaces();
-        gains = graphFacts.program.entry != nullptr || seeks();
+        gains = graphFacts.program->entry != nullptr || seeks();
     }
     Assembler(const Assembler&) = delete;
     Assembler& operator=(const Assembler&) = delete;
@@ -65,8 +65,7 @@ public:
 }  // namespace
 
 std::unique_ptr<RE_Machine_Code> RE_Machine_Code::make(const RE_Graph_Facts& facts, const RE_Node* root) {
-    const auto& instructions = facts.program.instructions;
-    if (instructions.empty()) {
+    if (facts.program == nullptr) {
         return nullptr;
     }
     try {

@@ -4,7 +4,7 @@
 
 #include "regexp/nodes/node.h"
 #include "regexp/search_info.h"
-#include "regexp/seek/can_seek.h"
+#include "regexp/nodes/can_seek.h"
 #include "regexp/unit_set.h"
 
 class CORVANE_REGEXP_EXPORT RE_Anchor : public RE_Can_Seek<RE_Node> {
@@ -27,7 +27,7 @@ public:
     }
 
 protected:
-    RE_Edge_Anchor(RE_ParserContext& context, Edge thisEdge) : RE_Anchor(context), edge(thisEdge) {}
+    RE_Edge_Anchor(RE_Graph_Context& context, Edge thisEdge) : RE_Anchor(context), edge(thisEdge) {}
     const char16_t* scan(const char16_t* p, RE_Search_Info& info) const override;
     const char16_t* scanBack(const char16_t* p, std::size_t count, RE_Search_Info& info) const override;
 
@@ -49,7 +49,7 @@ protected:
 
 class CORVANE_REGEXP_EXPORT RE_Start_Line : public RE_Line_Anchor {
 public:
-    explicit RE_Start_Line(RE_ParserContext& context) : RE_Line_Anchor(context, Edge::start) {}
+    explicit RE_Start_Line(RE_Graph_Context& context) : RE_Line_Anchor(context, Edge::start) {}
     std::string label() const override { return "Match start of line"; }
     bool holdsAt(const char16_t* p, const RE_Search_Info& info) const override {
         return info.atBegin(p) || p[-1] == u'\n';
@@ -60,7 +60,7 @@ inline constexpr RE_Node_Kind kindOfNode<RE_Start_Line> = RE_Node_Kind::lineStar
 
 class CORVANE_REGEXP_EXPORT RE_End_Line : public RE_Line_Anchor {
 public:
-    explicit RE_End_Line(RE_ParserContext& context) : RE_Line_Anchor(context, Edge::end) {}
+    explicit RE_End_Line(RE_Graph_Context& context) : RE_Line_Anchor(context, Edge::end) {}
     std::string label() const override { return "Match end of line"; }
     bool holdsAt(const char16_t* p, const RE_Search_Info& info) const override {
         return info.atEnd(p) || *p == u'\n';
@@ -113,7 +113,7 @@ protected:
 
 class CORVANE_REGEXP_EXPORT RE_Start_Word : public RE_Word_Anchor {
 public:
-    explicit RE_Start_Word(RE_ParserContext& context) : RE_Word_Anchor(context, Edge::start) {}
+    explicit RE_Start_Word(RE_Graph_Context& context) : RE_Word_Anchor(context, Edge::start) {}
     std::string label() const override { return "Match start of word"; }
     bool holdsAt(const char16_t* p, const RE_Search_Info& info) const override {
         return info.atBegin(p) || !isWordUnit(p[-1]);
@@ -124,7 +124,7 @@ inline constexpr RE_Node_Kind kindOfNode<RE_Start_Word> = RE_Node_Kind::wordStar
 
 class CORVANE_REGEXP_EXPORT RE_End_Word : public RE_Word_Anchor {
 public:
-    explicit RE_End_Word(RE_ParserContext& context) : RE_Word_Anchor(context, Edge::end) {}
+    explicit RE_End_Word(RE_Graph_Context& context) : RE_Word_Anchor(context, Edge::end) {}
     std::string label() const override { return "Match end of word"; }
     bool holdsAt(const char16_t* p, const RE_Search_Info& info) const override {
         return info.atEnd(p) || !isWordUnit(*p);

@@ -5,7 +5,7 @@
 // survives that, and no native stack is used however deeply bodies nest.
 #pragma once
 
-#include "regexp/seek/can_seek.h"
+#include "regexp/nodes/can_seek.h"
 #include "regexp/unit_set.h"
 
 /// Keeps what its body matched first.
@@ -30,7 +30,7 @@ public:
 /// target; a negative assertion has no next node unless it is a condition. Consumes nothing.
 class CORVANE_REGEXP_EXPORT RE_Lookaround_Assertion : public RE_Branch_Seek<RE_Can_Seek<RE_Consumable>> {
 public:
-    RE_Lookaround_Assertion(RE_ParserContext& context, bool looksBehind, bool isNegative)
+    RE_Lookaround_Assertion(RE_Graph_Context& context, bool looksBehind, bool isNegative)
         : RE_Branch_Seek<RE_Can_Seek<RE_Consumable>>(context), behind(looksBehind), negative(isNegative) {}
 
     bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;

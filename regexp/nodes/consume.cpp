@@ -2,8 +2,8 @@
 
 #include "regexp/nodes/anchors.h"
 #include "regexp/nodes/tokens.h"
-#include "regexp/parser/parser_context.h"
-#include "regexp/parser/unit_union.h"
+#include "regexp/nodes/graph_context.h"
+#include "regexp/nodes/unit_union.h"
 #include "regexp/search_info.h"
 #include "regexp/seek/scan.h"
 
@@ -13,7 +13,7 @@
 namespace {
 
 // The table of the item lives as long as the graph does.
-std::shared_ptr<const RE_Unit_Set> unitsOf(RE_ParserContext& context, const RE_Consumable& item) {
+std::shared_ptr<const RE_Unit_Set> unitsOf(RE_Graph_Context& context, const RE_Consumable& item) {
     if (const RE_Unit_Set* const table = item.table()) {
         return {std::shared_ptr<const void>(), table};
     }
@@ -24,7 +24,7 @@ std::shared_ptr<const RE_Unit_Set> unitsOf(RE_ParserContext& context, const RE_C
 
 }  // namespace
 
-RE_Consume::RE_Consume(RE_ParserContext& context, RE_Consumable* repeated, std::uint64_t least,
+RE_Consume::RE_Consume(RE_Graph_Context& context, RE_Consumable* repeated, std::uint64_t least,
                        std::uint64_t most, Order order)
     : RE_Node(context),
       item(repeated),

@@ -17,7 +17,7 @@ public:
     /// Most runs in ordinary text are words: they end before a vector scan would pay.
     static constexpr std::ptrdiff_t shortRun = 12;
 
-    RE_Consume(RE_ParserContext& context, RE_Consumable* repeated, std::uint64_t least, std::uint64_t most,
+    RE_Consume(RE_Graph_Context& context, RE_Consumable* repeated, std::uint64_t least, std::uint64_t most,
                Order order);
 
     bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;

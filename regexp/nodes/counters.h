@@ -12,14 +12,14 @@
 
 class CORVANE_REGEXP_EXPORT RE_Counter : public RE_Split {
 public:
-    explicit RE_Counter(RE_ParserContext& context) : RE_Split(context) { isCounter = true; }
+    explicit RE_Counter(RE_Graph_Context& context) : RE_Split(context) { isCounter = true; }
 };
 
 /// Base of the counters that hold a count. `limit` is the highest count at which a pass may still begin, for
 /// the fixed counter, and the greatest number of passes for the others.
 class CORVANE_REGEXP_EXPORT RE_State_Counter : public RE_Counter {
 public:
-    RE_State_Counter(RE_ParserContext& context, std::uint64_t highest)
+    RE_State_Counter(RE_Graph_Context& context, std::uint64_t highest)
         : RE_Counter(context), limit(highest) {}
     bool isStateCounter() const override { return true; }
     bool refusesRepeatAt(std::size_t depth) const override { return depth == 0; }
@@ -85,7 +85,7 @@ public:
 /// Its record drops a count level when backtracking passes back over the entry of the loop.
 class CORVANE_REGEXP_EXPORT RE_Counter_Popper : public RE_Counter {
 public:
-    RE_Counter_Popper(RE_ParserContext& context, const RE_Node* loopCounter)
+    RE_Counter_Popper(RE_Graph_Context& context, const RE_Node* loopCounter)
         : RE_Counter(context), counter(loopCounter) {}
     void onBacktrack(RE_Search_Info& info) const override;
     bool pairsWith(const RE_Node* node) const override { return node == counter; }
@@ -97,7 +97,7 @@ public:
 /// Its record takes back the count of a lazy pass.
 class CORVANE_REGEXP_EXPORT RE_Lazy_Decrementer : public RE_Counter {
 public:
-    RE_Lazy_Decrementer(RE_ParserContext& context, const RE_Node* loopCounter)
+    RE_Lazy_Decrementer(RE_Graph_Context& context, const RE_Node* loopCounter)
         : RE_Counter(context), counter(loopCounter) {}
     void onBacktrack(RE_Search_Info& info) const override;
     std::string label() const override { return "Lazy decrementer"; }

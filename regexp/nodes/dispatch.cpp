@@ -1,6 +1,6 @@
 #include "regexp/nodes/dispatch.h"
 
-#include "regexp/parser/parser_context.h"
+#include "regexp/nodes/graph_context.h"
 #include "regexp/unit_set.h"
 
 #include <algorithm>
@@ -150,7 +150,7 @@ void placeByColumns(RE_Dispatch::Branches branches, Way_Lists& lists, Places& pl
 
 }  // namespace
 
-RE_Dispatch::RE_Dispatch(RE_ParserContext& context, Branches branches) : RE_Node(context) {
+RE_Dispatch::RE_Dispatch(RE_Graph_Context& context, Branches branches) : RE_Node(context) {
     ways.reserve(branches.size());
     for (const Branch& branch : branches) {
         ways.push_back(branch.node);

@@ -57,7 +57,7 @@ public:
     };
     using Branches = std::span<const Branch>;
 
-    RE_Dispatch(RE_ParserContext& context, Branches branches);
+    RE_Dispatch(RE_Graph_Context& context, Branches branches);
 
     /// The first branch that can begin at `p`, or null. Leaves a choice when there are more.
     const RE_Node* choose(const char16_t* p, RE_Search_Info& info) const {

@@ -1,8 +1,9 @@
 #include "regexp/nodes/dynamic.h"
 
-#include "regexp/parser/parser_context.h"
+#include "regexp/nodes/graph_context.h"
+#include "regexp/eval/evaluation_io.h"
+#include "regexp/results.h"
 #include "regexp/search_info.h"
-#include "regexp/tree.h"
 
 namespace {
 
@@ -19,19 +20,19 @@ std::uint32_t depthIn(RE_Node* outer) {
 
 bool RE_Evaluate::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {
     RE_Results results = view(subject, pos, info);
-    evaluator->evaluate(&results);
+    evaluate(*evaluator, &results);
     info.hostWasCalled();
     return true;
 }
 
 bool RE_Evaluate_Assertion::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {
     RE_Results results = view(subject, pos, info);
-    const bool holds = evaluator->evaluate(&results);
+    const bool holds = evaluate(*evaluator, &results);
     info.hostWasCalled();
     return holds;
 }
 
-RE_Dynamic::RE_Dynamic(RE_ParserContext& parser, RE_Flags textFlags)
+RE_Dynamic::RE_Dynamic(RE_Graph_Context& parser, RE_Flags textFlags)
     : RE_Node(parser), flags(textFlags), outer(this), context(parser.context), depth(depthIn(parser.outer)) {}
 
 const RE_Node* RE_Dynamic::includedText(const RE_Search_Info& info) const {
@@ -55,23 +56,22 @@ bool RE_Dynamic::include(const RE_Evaluation_IO& text, std::size_t pos, RE_Searc
         info.included.refuse(info);
         return false;
     }
-    std::unique_ptr<RE_Tree> tree(new RE_Tree(text.get_string(), text.get_length(), flags, context, nextNode,
-                                              outer, false, info.placeOfText()));
-    info.include(std::move(tree), this, pos, depth == 0);
+    info.include(RE_Text_Compiler::compile(text, flags, context, nextNode, outer, info.placeOfText()), this, pos,
+                 depth == 0);
     return true;
 }
 
 bool RE_Parse_Dynamic::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {
     RE_Results results = view(subject, pos, info);
     RE_Evaluation_IO expanded;
-    const bool complete = text->expand(&expanded, &results);
+    const bool complete = expand(*text, &expanded, &results);
     info.hostWasCalled();
     return complete && include(expanded, pos, info);
 }
 
 bool RE_Evaluate_Dynamic::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {
     RE_Results results = view(subject, pos, info);
-    const std::unique_ptr<RE_Evaluation_IO> value = evaluator->evaluate(&results);
+    const std::unique_ptr<RE_Evaluation_IO> value = evaluate(*evaluator, &results);
     info.hostWasCalled();
     return value != nullptr && include(*value, pos, info);
 }

@@ -4,8 +4,9 @@
 // lies between the start of the attempt and the current position. None of them keeps anything of a search.
 #pragma once
 
-#include "regexp/eval/evaluators.h"
+#include "regexp/eval/host_expressions.h"
 #include "regexp/flags.h"
+#include "regexp/included_texts.h"
 #include "regexp/nodes/node.h"
 
 #include <cstddef>
@@ -17,7 +18,7 @@
 /// `(?@expr)`: evaluates for the effects, and matches the empty text.
 class CORVANE_REGEXP_EXPORT RE_Evaluate : public RE_Node {
 public:
-    RE_Evaluate(RE_ParserContext& parser, std::shared_ptr<const RE_Script_Evaluator> script)
+    RE_Evaluate(RE_Graph_Context& parser, std::shared_ptr<const RE_Script_Evaluator> script)
         : RE_Node(parser), evaluator(std::move(script)) {}
     bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
     std::string label() const override { return "Evaluate and discard"; }
@@ -29,13 +30,19 @@ private:
 /// `(?(?@expr)...)`: the answer of the host decides between the next node and the fail target.
 class CORVANE_REGEXP_EXPORT RE_Evaluate_Assertion : public RE_Fail {
 public:
-    RE_Evaluate_Assertion(RE_ParserContext& parser, std::shared_ptr<const RE_Bool_Evaluator> condition)
+    RE_Evaluate_Assertion(RE_Graph_Context& parser, std::shared_ptr<const RE_Bool_Evaluator> condition)
         : RE_Fail(parser), evaluator(std::move(condition)) {}
     bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
     std::string label() const override { return "Parse, evaluate and assert"; }
 
 private:
     std::shared_ptr<const RE_Bool_Evaluator> evaluator;
+};
+
+/// Compiles a dynamic text as a pattern that continues at `next`. Defined beside `RE_Tree`, which nodes do not know.
+struct RE_Text_Compiler {
+    static RE_Included_Text compile(const RE_Evaluation_IO& text, RE_Flags flags, RE_Context* context, RE_Node* next,
+                                    RE_Node* outer, const RE_Sub_Pattern_Place& place);
 };
 
 /// Base of the nodes that match a text which comes to be while they match.
@@ -48,7 +55,7 @@ public:
     /// Texts within texts: how deeply they may nest.
     static constexpr std::uint32_t maximumDepth = 200;
 
-    RE_Dynamic(RE_ParserContext& parser, RE_Flags textFlags);
+    RE_Dynamic(RE_Graph_Context& parser, RE_Flags textFlags);
     /// Where matching goes on is `includedText`.
     bool isEnd() const override { return true; }
     const RE_Node* includedText(const RE_Search_Info& info) const override;
@@ -70,7 +77,7 @@ private:
 /// `(??text)`: the text with its references replaced.
 class CORVANE_REGEXP_EXPORT RE_Parse_Dynamic : public RE_Dynamic {
 public:
-    RE_Parse_Dynamic(RE_ParserContext& parser, RE_Flags textFlags, std::shared_ptr<const RE_Replace> source)
+    RE_Parse_Dynamic(RE_Graph_Context& parser, RE_Flags textFlags, std::shared_ptr<const RE_Replace> source)
         : RE_Dynamic(parser, textFlags), text(std::move(source)) {}
     bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
     std::string label() const override { return "Parse and match"; }
@@ -82,7 +89,7 @@ private:
 /// `(??@expr)`: the text that the host makes of the expression.
 class CORVANE_REGEXP_EXPORT RE_Evaluate_Dynamic : public RE_Dynamic {
 public:
-    RE_Evaluate_Dynamic(RE_ParserContext& parser, RE_Flags textFlags,
+    RE_Evaluate_Dynamic(RE_Graph_Context& parser, RE_Flags textFlags,
                         std::shared_ptr<const RE_String_Evaluator> expression)
         : RE_Dynamic(parser, textFlags), evaluator(std::move(expression)) {}
     bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;

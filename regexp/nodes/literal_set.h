@@ -1,7 +1,7 @@
 // A choice between literals that lead on to the same node, all looked for in one walk.
 #pragma once
 
-#include "regexp/seek/can_seek.h"
+#include "regexp/nodes/can_seek.h"
 #include "regexp/seek/kernels.h"
 #include "regexp/seek/literal_trie.h"
 
@@ -15,7 +15,7 @@
 class CORVANE_REGEXP_EXPORT RE_Literal_Set : public RE_Can_Seek<RE_Node> {
 public:
     /// `starts`: the units that the literals begin with.
-    RE_Literal_Set(RE_ParserContext& context, RE_Literal_Trie trie, std::shared_ptr<const RE_Unit_Set> starts)
+    RE_Literal_Set(RE_Graph_Context& context, RE_Literal_Trie trie, std::shared_ptr<const RE_Unit_Set> starts)
         : RE_Can_Seek<RE_Node>(context),
           literals(std::move(trie)),
           firstUnits(std::move(starts)),

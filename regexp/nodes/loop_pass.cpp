@@ -1,24 +1,7 @@
 #include "regexp/nodes/loop_pass.h"
 
+#include "regexp/pass_word.h"
 #include "regexp/search_info.h"
-
-namespace {
-
-// Marks the word of a pass that ends the loop when it is empty. Units have two bytes: no position has this bit.
-constexpr std::size_t endsLoop = ~(~std::size_t{0} >> 1);
-
-}  // namespace
-
-std::size_t passStart(std::size_t word) {
-    return word == RE_Search_Info::noPass ? word : word & ~endsLoop;
-}
-
-std::size_t passState(std::size_t word, std::size_t position) {
-    if (word == position) {
-        return 1;
-    }
-    return word == (position | endsLoop) ? 2 : 0;
-}
 
 bool RE_Start_Pass::match(const char16_t*, std::size_t& pos, RE_Search_Info& info) const {
     switch (passKind) {
@@ -30,7 +13,7 @@ bool RE_Start_Pass::match(const char16_t*, std::size_t& pos, RE_Search_Info& inf
             break;
         case RE_Pass::lastWhenEmpty:
             info.notePass(pass,
-                          info.subjectLength() - pos < exactUnits ? RE_Search_Info::noPass : pos | endsLoop);
+                          info.subjectLength() - pos < exactUnits ? RE_Search_Info::noPass : pos | passEndsLoop);
             break;
     }
     return true;

@@ -12,7 +12,7 @@ enum class RE_Pass { optional, required, lastWhenEmpty };
 
 class CORVANE_REGEXP_EXPORT RE_Start_Pass : public RE_Node {
 public:
-    RE_Start_Pass(RE_ParserContext& context, std::size_t passRegister, RE_Pass kindOfPass,
+    RE_Start_Pass(RE_Graph_Context& context, std::size_t passRegister, RE_Pass kindOfPass,
                   std::size_t units = 0)
         : RE_Node(context), pass(passRegister), passKind(kindOfPass), exactUnits(units) {}
     bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
@@ -26,16 +26,9 @@ public:
 /// The fail target is the exit of the loop, where an empty pass that ends the loop goes on.
 class CORVANE_REGEXP_EXPORT RE_End_Pass : public RE_Fail {
 public:
-    RE_End_Pass(RE_ParserContext& context, std::size_t passRegister) : RE_Fail(context), pass(passRegister) {}
+    RE_End_Pass(RE_Graph_Context& context, std::size_t passRegister) : RE_Fail(context), pass(passRegister) {}
     bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
     std::string label() const override { return "End pass"; }
 
     std::size_t pass;
 };
-
-/// The position at which the pass of this word began; past every subject when it was not noted.
-std::size_t passStart(std::size_t word);
-
-/// What a pass word means at a position, as far as the end of the pass will care: 0 nothing, 1 refused when
-/// it ends here, 2 ends the loop when it ends here.
-std::size_t passState(std::size_t word, std::size_t position);

@@ -1,19 +1,19 @@
 #include "regexp/nodes/node.h"
 
-#include "regexp/parser/parser_context.h"
+#include "regexp/nodes/graph_context.h"
 #include "regexp/search_info.h"
 #include "regexp/unit_set.h"
 
-RE_Node::RE_Node(RE_ParserContext& context) : nodeId(context.nextNodeId()) {}
+RE_Node::RE_Node(RE_Graph_Context& context) : nodeId(context.nextNodeId()) {}
 
-RE_Node::RE_Node(RE_ParserContext& context, const RE_Node& other)
+RE_Node::RE_Node(RE_Graph_Context& context, const RE_Node& other)
     : nodeId(context.nextNodeId()),
       nextNode(other.nextNode),
       maxBounded(other.maxBounded),
       minLength(other.minLength),
       maxLength(other.maxLength) {}
 
-RE_Node::RE_Node(RE_ParserContext& context, RE_Node& predecessor, RE_Node* successor)
+RE_Node::RE_Node(RE_Graph_Context& context, RE_Node& predecessor, RE_Node* successor)
     : nodeId(context.nextNodeId()), nextNode(successor) {
     predecessor.nextNode = this;
 }

@@ -6,7 +6,6 @@
 // graph export all build on it.
 #pragma once
 
-#include "regexp/memo.h"
 #include "regexp/memory.h"
 #include "regexp/nodes/node_class.h"
 #include "regexp/seek/seek_table.h"
@@ -19,9 +18,10 @@ struct RE_Graph_Output;
 class RE_Token_Names;
 struct RE_Graph_Facts;
 class RE_Unit_Set;
-class RE_ParserContext;
+class RE_Graph_Context;
 class RE_Search_Info;
 struct RE_Backtrack_Record;
+struct RE_Memo_Scope;
 
 /// The nodes that most steps of a search visit. The match loop knows them by heart and runs them without
 /// virtual calls.
@@ -72,11 +72,11 @@ class CORVANE_REGEXP_EXPORT RE_Node : public RE_Memory {
 public:
     static constexpr std::uint64_t unboundedLength = static_cast<std::uint64_t>(-1);
 
-    explicit RE_Node(RE_ParserContext& context);
+    explicit RE_Node(RE_Graph_Context& context);
     /// Copies links and lengths; the number is drawn afresh.
-    RE_Node(RE_ParserContext& context, const RE_Node& other);
+    RE_Node(RE_Graph_Context& context, const RE_Node& other);
     /// Puts the new node between `predecessor` and `successor`.
-    RE_Node(RE_ParserContext& context, RE_Node& predecessor, RE_Node* successor);
+    RE_Node(RE_Graph_Context& context, RE_Node& predecessor, RE_Node* successor);
     virtual ~RE_Node() = default;
     RE_Node(const RE_Node&) = delete;
     RE_Node& operator=(const RE_Node&) = delete;
@@ -137,7 +137,7 @@ public:
     // --- strings ---
 
     virtual bool canJoinString(bool /*first*/, bool /*ignoreCase*/) const { return false; }
-    virtual RE_Node* joinString(RE_ParserContext&) { return nullptr; }
+    virtual RE_Node* joinString(RE_Graph_Context&) { return nullptr; }
 
     // --- seeking ---
 
@@ -172,7 +172,7 @@ public:
     std::uint64_t maxLength = 0;  ///< greatest such number; `unboundedLength` when there is none
 
     std::uint32_t walk =
-        0;  ///< the last walk of a pass that came here, and what it noted: `RE_ParserContext::nextWalk`
+        0;  ///< the last walk of a pass that came here, and what it noted: `RE_Graph_Context::nextWalk`
     std::uint32_t walkNote = 0;
     RE_Node_Kind kind = RE_Node_Kind::other;
     bool isCounter = false;    ///< popping a record of this node undoes something

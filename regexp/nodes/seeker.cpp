@@ -1,6 +1,6 @@
 #include "regexp/nodes/seeker.h"
 
-#include "regexp/parser/parser_context.h"
+#include "regexp/nodes/graph_context.h"
 #include "regexp/seek/scan.h"
 
 #include <algorithm>
@@ -35,11 +35,11 @@ const char16_t* StringWindowSeeker::scan(const char16_t* p, RE_Search_Info& info
 const char16_t* StringBehindSeeker::scan(const char16_t* p, RE_Search_Info& info) const {
     const std::size_t length = finder.length();
     const char16_t* const from = info.indexOf(p) > length ? p - length : info.subjectBegin;
-    const char16_t* const found = finder.find(from, info);
+    const char16_t* const found = finder.find(from, info.subjectEnd, info);
     return found != nullptr ? found + length : nullptr;
 }
 
-StringInnerSeeker::StringInnerSeeker(RE_ParserContext& context, RE_Required_Literal literal,
+StringInnerSeeker::StringInnerSeeker(RE_Graph_Context& context, RE_Required_Literal literal,
                                      std::shared_ptr<const RE_Unit_Set> firstUnits)
     : RE_Seeker(context),
       stretches(std::move(literal), context.nextMemoRow()),

@@ -5,9 +5,9 @@
 #pragma once
 
 #include "regexp/nodes/string.h"
-#include "regexp/seek/can_seek.h"
+#include "regexp/nodes/can_seek.h"
 #include "regexp/seek/kernels.h"
-#include "regexp/seek/required_literal.h"
+#include "regexp/nodes/literal_stretches.h"
 #include "regexp/seek/window_filter.h"
 #include "regexp/unit_set.h"
 
@@ -25,7 +25,7 @@ public:
 /// Finds positions at which a unit of a set stands: the units that a match can start with.
 class CORVANE_REGEXP_EXPORT StringCharSeeker : public RE_Seeker {
 public:
-    StringCharSeeker(RE_ParserContext& context, std::shared_ptr<const RE_Unit_Set> units)
+    StringCharSeeker(RE_Graph_Context& context, std::shared_ptr<const RE_Unit_Set> units)
         : RE_Seeker(context), set(std::move(units)), members(*set, true) {}
     std::string label() const override { return "Seek one of " + std::to_string(set->size()) + " units"; }
     const char16_t* seek(const char16_t* p, RE_Search_Info& info) const override {
@@ -44,7 +44,7 @@ inline constexpr RE_Node_Kind kindOfNode<StringCharSeeker> = RE_Node_Kind::passa
 /// Finds positions at which a literal stands with which every match starts.
 class CORVANE_REGEXP_EXPORT StringStringSeeker : public RE_Seeker {
 public:
-    StringStringSeeker(RE_ParserContext& context, const RE_String& literal)
+    StringStringSeeker(RE_Graph_Context& context, const RE_String& literal)
         : RE_Seeker(context), string(literal) {}
     std::string label() const override;
 
@@ -61,7 +61,7 @@ inline constexpr RE_Node_Kind kindOfNode<StringStringSeeker> = RE_Node_Kind::pas
 /// Finds positions at which the first units of a match may stand, several places looked at together.
 class CORVANE_REGEXP_EXPORT StringPrefixSeeker : public RE_Seeker {
 public:
-    StringPrefixSeeker(RE_ParserContext& context, RE_Text_Finder prefixes)
+    StringPrefixSeeker(RE_Graph_Context& context, RE_Text_Finder prefixes)
         : RE_Seeker(context), finder(std::move(prefixes)) {}
     std::string label() const override { return "Seek " + finder.label(); }
 
@@ -69,7 +69,7 @@ public:
 
 protected:
     const char16_t* scan(const char16_t* p, RE_Search_Info& info) const override {
-        return finder.find(p, info);
+        return finder.find(p, info.subjectEnd, info);
     }
 };
 template <>
@@ -78,7 +78,7 @@ inline constexpr RE_Node_Kind kindOfNode<StringPrefixSeeker> = RE_Node_Kind::pas
 /// Finds positions at which one of many literals may stand.
 class CORVANE_REGEXP_EXPORT StringWindowSeeker : public RE_Seeker {
 public:
-    StringWindowSeeker(RE_ParserContext& context, RE_Window_Filter windows)
+    StringWindowSeeker(RE_Graph_Context& context, RE_Window_Filter windows)
         : RE_Seeker(context), filter(std::move(windows)) {}
     std::string label() const override {
         return "Seek windows of " + std::to_string(filter.width()) + " units";
@@ -95,7 +95,7 @@ inline constexpr RE_Node_Kind kindOfNode<StringWindowSeeker> = RE_Node_Kind::pas
 /// Finds positions behind a literal that has to stand before every match.
 class CORVANE_REGEXP_EXPORT StringBehindSeeker : public RE_Seeker {
 public:
-    StringBehindSeeker(RE_ParserContext& context, RE_Text_Finder literal)
+    StringBehindSeeker(RE_Graph_Context& context, RE_Text_Finder literal)
         : RE_Seeker(context), finder(std::move(literal)) {}
     std::string label() const override { return "Seek behind " + finder.label(); }
 
@@ -111,7 +111,7 @@ inline constexpr RE_Node_Kind kindOfNode<StringBehindSeeker> = RE_Node_Kind::pas
 class CORVANE_REGEXP_EXPORT StringInnerSeeker : public RE_Seeker {
 public:
     /// Every match starts with a unit of `firstUnits`.
-    StringInnerSeeker(RE_ParserContext& context, RE_Required_Literal literal,
+    StringInnerSeeker(RE_Graph_Context& context, RE_Required_Literal literal,
                       std::shared_ptr<const RE_Unit_Set> firstUnits);
     std::string label() const override { return "Seek within " + stretches.required.finder.label(); }
 

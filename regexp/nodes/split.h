@@ -1,7 +1,7 @@
 // The node that offers two ways on: first `nextNode`, later, when that way has failed, `alternative`.
 #pragma once
 
-#include "regexp/seek/can_seek.h"
+#include "regexp/nodes/can_seek.h"
 
 class CORVANE_REGEXP_EXPORT RE_Split : public RE_Branch_Seek<RE_Can_Seek<RE_Node>> {
 public:

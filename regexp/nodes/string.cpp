@@ -2,14 +2,14 @@
 
 #include "regexp/nodes/label_text.h"
 #include "regexp/nodes/units.h"
-#include "regexp/parser/parser_context.h"
+#include "regexp/nodes/graph_context.h"
 
 #include <algorithm>
 
-RE_String::RE_String(RE_ParserContext& context, const RE_Node& first, bool foldCase)
+RE_String::RE_String(RE_Graph_Context& context, const RE_Node& first, bool foldCase)
     : RE_Can_Seek<RE_Node>(context, first), ignoreCase(foldCase) {}
 
-RE_String::RE_String(RE_ParserContext& context)
+RE_String::RE_String(RE_Graph_Context& context)
     : RE_Can_Seek<RE_Node>(context), ignoreCase(false), isOpen(true) {}
 
 RE_String::~RE_String() {
@@ -38,11 +38,11 @@ void RE_String::initSeek() {
 }
 
 const char16_t* RE_String::scan(const char16_t* p, RE_Search_Info& info) const {
-    return search.find(literal(), p, info);
+    return search.find(literal(), p, info.subjectEnd, info);
 }
 
 const char16_t* RE_String::scanBack(const char16_t* p, std::size_t count, RE_Search_Info& info) const {
-    return search.findLast(literal(), p, count, info);
+    return search.findLast(literal(), p, count, info.subjectEnd, info);
 }
 
 std::string RE_String::label() const {
@@ -73,7 +73,7 @@ bool canFollow(RE_Node* node, bool ignoreCase) {
     return node != nullptr && node->canJoinString(false, ignoreCase);
 }
 
-void takeFollowing(RE_String& string, RE_ParserContext& context) {
+void takeFollowing(RE_String& string, RE_Graph_Context& context) {
     while (canFollow(string.nextNode, string.ignoreCase)) {
         auto* joined = static_cast<RE_Natural*>(string.nextNode);
         string.append(static_cast<char16_t>(joined->ch));
@@ -83,7 +83,7 @@ void takeFollowing(RE_String& string, RE_ParserContext& context) {
     }
 }
 
-RE_Node* joinRun(RE_Natural& first, bool ignoreCase, RE_ParserContext& context) {
+RE_Node* joinRun(RE_Natural& first, bool ignoreCase, RE_Graph_Context& context) {
     if (!first.canJoinString(true, ignoreCase) || !canFollow(first.nextNode, ignoreCase)) {
         return nullptr;
     }
@@ -97,16 +97,16 @@ RE_Node* joinRun(RE_Natural& first, bool ignoreCase, RE_ParserContext& context) 
 
 }  // namespace
 
-RE_Node* RE_Natural::joinString(RE_ParserContext& context) {
+RE_Node* RE_Natural::joinString(RE_Graph_Context& context) {
     return joinRun(*this, false, context);
 }
 
-RE_Node* RE_Natural_I::joinString(RE_ParserContext& context) {
+RE_Node* RE_Natural_I::joinString(RE_Graph_Context& context) {
     return joinRun(*this, true, context);
 }
 
 // The number is that of a string made here.
-RE_Node* RE_String::joinString(RE_ParserContext& context) {
+RE_Node* RE_String::joinString(RE_Graph_Context& context) {
     if (!isOpen) {
         return nullptr;
     }

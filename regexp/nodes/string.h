@@ -1,16 +1,16 @@
 // A run of literal units, compared as a whole.
 #pragma once
 
-#include "regexp/seek/can_seek.h"
+#include "regexp/nodes/can_seek.h"
 #include "regexp/seek/literal_search.h"
 
 /// Owns its text. When case is ignored the text holds lower-case forms.
 class CORVANE_REGEXP_EXPORT RE_String : public RE_Can_Seek<RE_Node> {
 public:
     /// Takes the place of `first` in the graph: copies its links and lengths.
-    RE_String(RE_ParserContext& context, const RE_Node& first, bool foldCase);
+    RE_String(RE_Graph_Context& context, const RE_Node& first, bool foldCase);
     /// Made by the parser, case counts. Is complete, and has its number, once it was told to join what follows.
-    explicit RE_String(RE_ParserContext& context);
+    explicit RE_String(RE_Graph_Context& context);
     ~RE_String() override;
 
     void append(char16_t unit) { append(&unit, 1); }
@@ -31,7 +31,7 @@ public:
     const RE_Literal_Probe* rarestUnits() const { return search.rarest(); }
     RE_Literal literal() const { return {text, length, ignoreCase}; }
     void initSeek() override;
-    RE_Node* joinString(RE_ParserContext& context) override;
+    RE_Node* joinString(RE_Graph_Context& context) override;
 
     bool ignoreCase;
     char16_t* text = few;

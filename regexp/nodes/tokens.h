@@ -30,7 +30,7 @@ private:
 class CORVANE_REGEXP_EXPORT RE_Token : public RE_Node {
 public:
     /// `tokenName` (empty: none) is copied.
-    RE_Token(RE_ParserContext& context, std::size_t tokenNumber, const std::u16string& tokenName)
+    RE_Token(RE_Graph_Context& context, std::size_t tokenNumber, const std::u16string& tokenName)
         : RE_Node(context),
           number(tokenNumber),
           nameText(tokenName),
@@ -84,7 +84,7 @@ inline constexpr RE_Node_Kind kindOfNode<RE_End_Token> = RE_Node_Kind::endToken;
 /// Base of the nodes that read a token: by name when there is one, else by number.
 class CORVANE_REGEXP_EXPORT RE_Token_Fail : public RE_Fail {
 public:
-    RE_Token_Fail(RE_ParserContext& context, std::size_t tokenNumber, const std::u16string& tokenName)
+    RE_Token_Fail(RE_Graph_Context& context, std::size_t tokenNumber, const std::u16string& tokenName)
         : RE_Fail(context),
           number(tokenNumber),
           nameText(tokenName),
@@ -108,7 +108,7 @@ public:
 /// Matches the text of a token again. Fails when the token is not in effect.
 class CORVANE_REGEXP_EXPORT RE_Match_Token : public RE_Token_Fail {
 public:
-    RE_Match_Token(RE_ParserContext& context, std::size_t tokenNumber, const std::u16string& tokenName,
+    RE_Match_Token(RE_Graph_Context& context, std::size_t tokenNumber, const std::u16string& tokenName,
                    bool foldCase)
         : RE_Token_Fail(context, tokenNumber, tokenName), ignoreCase(foldCase) {}
     bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override {

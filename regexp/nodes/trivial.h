@@ -18,7 +18,7 @@ inline constexpr RE_Node_Kind kindOfNode<RE_Null> = RE_Node_Kind::passage;
 /// goes on there.
 class CORVANE_REGEXP_EXPORT RE_End_Of_Tree : public RE_Node {
 public:
-    explicit RE_End_Of_Tree(RE_ParserContext& context, RE_Node* continuationNode = nullptr,
+    explicit RE_End_Of_Tree(RE_Graph_Context& context, RE_Node* continuationNode = nullptr,
                             bool bodyEnd = false)
         : RE_Node(context), continuation(continuationNode), endsBody(bodyEnd) {}
 

@@ -36,11 +36,11 @@ const char16_t* RE_Natural::scanBack(const char16_t* p, std::size_t count, RE_Se
 }
 
 const char16_t* RE_Natural_I::scan(const char16_t* p, RE_Search_Info& info) const {
-    return search.find(literal(), p, info);
+    return search.find(literal(), p, info.subjectEnd, info);
 }
 
 const char16_t* RE_Natural_I::scanBack(const char16_t* p, std::size_t count, RE_Search_Info& info) const {
-    return search.findLast(literal(), p, count, info);
+    return search.findLast(literal(), p, count, info.subjectEnd, info);
 }
 
 void RE_Class_Seek::initSeek() {

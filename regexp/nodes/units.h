@@ -4,7 +4,7 @@
 // leaving a choice behind.
 #pragma once
 
-#include "regexp/seek/can_seek.h"
+#include "regexp/nodes/can_seek.h"
 #include "regexp/seek/kernels.h"
 #include "regexp/seek/literal_search.h"
 #include "regexp/unit_set.h"
@@ -28,12 +28,12 @@ using RE_Unit_Seek = RE_Branch_Seek<RE_Can_Seek<RE_Unit_Test>>;
 /// One literal unit.
 class CORVANE_REGEXP_EXPORT RE_Natural : public RE_Unit_Seek {
 public:
-    RE_Natural(RE_ParserContext& context, std::uint32_t unit) : RE_Unit_Seek(context), ch(unit) {}
+    RE_Natural(RE_Graph_Context& context, std::uint32_t unit) : RE_Unit_Seek(context), ch(unit) {}
 
     bool matchesUnit(char16_t unit) const override { return unit == ch; }
     void addUnitsTo(RE_Unit_Set& set) const override { set.add(static_cast<char16_t>(ch)); }
     bool canJoinString(bool first, bool ignoreCase) const override;
-    RE_Node* joinString(RE_ParserContext& context) override;
+    RE_Node* joinString(RE_Graph_Context& context) override;
     std::string label() const override;
 
     std::uint32_t ch;
@@ -50,7 +50,7 @@ inline constexpr RE_Node_Kind kindOfNode<RE_Natural> = RE_Node_Kind::literal;
 /// One literal unit, ignoring case: `ch` is its lower-case form.
 class CORVANE_REGEXP_EXPORT RE_Natural_I : public RE_Natural {
 public:
-    RE_Natural_I(RE_ParserContext& context, char16_t unit)
+    RE_Natural_I(RE_Graph_Context& context, char16_t unit)
         : RE_Natural(context, RE_Case_Table::get().lower(unit)),
           upper(RE_Case_Table::get().upper(unit)),
           folded(static_cast<char16_t>(ch)),
@@ -59,7 +59,7 @@ public:
     bool matchesUnit(char16_t unit) const override { return cases->lower(unit) == ch; }
     void addUnitsTo(RE_Unit_Set& set) const override;
     bool canJoinString(bool first, bool ignoreCase) const override;
-    RE_Node* joinString(RE_ParserContext& context) override;
+    RE_Node* joinString(RE_Graph_Context& context) override;
     std::string label() const override;
 
     std::uint32_t upper;
@@ -81,7 +81,7 @@ inline constexpr RE_Node_Kind kindOfNode<RE_Natural_I> = RE_Node_Kind::foldedLit
 /// Units within inclusive bounds.
 class CORVANE_REGEXP_EXPORT RE_Range : public RE_Unit_Test {
 public:
-    RE_Range(RE_ParserContext& context, char16_t first, char16_t last)
+    RE_Range(RE_Graph_Context& context, char16_t first, char16_t last)
         : RE_Unit_Test(context), low(first), high(last) {}
 
     bool matchesUnit(char16_t unit) const override { return holds(unit); }
@@ -148,7 +148,7 @@ class CORVANE_REGEXP_EXPORT RE_Escaped_Set : public RE_Class_Seek {
 public:
     using Test = bool (*)(char16_t);
 
-    RE_Escaped_Set(RE_ParserContext& context, char16_t letter, Test predicate, const RE_Unit_Set& members)
+    RE_Escaped_Set(RE_Graph_Context& context, char16_t letter, Test predicate, const RE_Unit_Set& members)
         : RE_Class_Seek(context), escape(letter), test(predicate), units(&members) {}
 
     bool matchesUnit(char16_t unit) const override { return units->contains(unit); }
@@ -166,7 +166,7 @@ inline constexpr RE_Node_Kind kindOfNode<RE_Escaped_Set> = RE_Node_Kind::namedCl
 /// Any set of units, as a table: a bracket expression, or alternatives of single units taken together.
 class CORVANE_REGEXP_EXPORT RE_Unit_Class : public RE_Class_Seek {
 public:
-    RE_Unit_Class(RE_ParserContext& context, std::shared_ptr<const RE_Unit_Set> units, std::string source)
+    RE_Unit_Class(RE_Graph_Context& context, std::shared_ptr<const RE_Unit_Set> units, std::string source)
         : RE_Class_Seek(context), set(std::move(units)), text(std::move(source)) {}
 
     bool matchesUnit(char16_t unit) const override { return set->contains(unit); }

@@ -1,5 +1,5 @@
 // What is handed to the host: (?@expr), (?(?@expr)...), (??text) and (??@expr).
-#include "regexp/eval/evaluators.h"
+#include "regexp/eval/host_expressions.h"
 #include "regexp/parser/grammar.h"
 
 bool RE_Grammar::mayEvaluate() {
@@ -21,14 +21,11 @@ void RE_Grammar::readDynamicGroup(std::uint32_t close) {
     const std::size_t start = at + (isExpression ? 4 : 3);
     const std::size_t units = close - start;
     if (isScript) {
-        using Shared = std::shared_ptr<const RE_Script_Evaluator>;
-        addDynamic(Shared(new RE_Script_Evaluator(context, text + start, units)));
+        addDynamic(compileScript(context, text + start, units));
     } else if (isExpression) {
-        using Shared = std::shared_ptr<const RE_String_Evaluator>;
-        addDynamic(Shared(new RE_String_Evaluator(context, text + start, units)));
+        addDynamic(compileExpression(context, text + start, units));
     } else {
-        using Shared = std::shared_ptr<const RE_Replace>;
-        addDynamic(Shared(new RE_Replace(&context, text + start, units)));
+        addDynamic(compileDynamicText(context, text + start, units));
     }
     at = close + std::size_t{1};
 }
@@ -42,10 +39,9 @@ void RE_Grammar::addDynamic(RE_Syntax_Dynamic dynamic) {
 
 // The item that stands for the expression between `start` and `end`; it belongs to no branch.
 std::uint32_t RE_Grammar::readDynamicCondition(std::size_t start, std::size_t end) {
-    using Shared = std::shared_ptr<const RE_Bool_Evaluator>;
     const std::uint32_t item = tree.add(RE_Syntax_Kind::evaluate, static_cast<std::uint32_t>(start), flags());
     tree[item].payload = static_cast<std::uint32_t>(tree.dynamics.size());
-    tree.dynamics.push_back(Shared(new RE_Bool_Evaluator(context, text + start, end - start)));
+    tree.dynamics.push_back(compileCondition(context, text + start, end - start));
     context.facts->hasDynamicNodes = true;
     return item;
 }

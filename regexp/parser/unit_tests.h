@@ -2,7 +2,7 @@
 #pragma once
 
 #include "regexp/flags.h"
-#include "regexp/parser/unit_union.h"
+#include "regexp/nodes/unit_union.h"
 #include "regexp/unit_set.h"
 
 #include <cstddef>

@@ -32,7 +32,7 @@ RE_Split* innerSplit(RE_Node* node) {
 
 /// The splits that no other split leads to alone, the last ones first, so that a choice within a branch is
 /// rewritten before the choice of the branch.
-RE_Scratch_List<RE_Split*> firstSplits(RE_ParserContext& context, const RE_Collection::Nodes& nodes) {
+RE_Scratch_List<RE_Split*> firstSplits(RE_Graph_Context& context, const RE_Collection::Nodes& nodes) {
     const std::uint32_t walk = context.nextWalk();
     RE_Scratch_List<RE_Split*> first(&context.scratch);
     for (RE_Node* node : nodes) {
@@ -73,7 +73,7 @@ std::optional<char16_t> soleFirstUnit(const RE_Node* node) {
 }
 
 // Most branches begin with a node that says it all.
-RE_Branch_Start startOf(RE_ParserContext& context, RE_Node* branch) {
+RE_Branch_Start startOf(RE_Graph_Context& context, RE_Node* branch) {
     RE_Branch_Start start;
     RE_Node* leading = branch;
     while (leading->isStartToken()) {
@@ -110,7 +110,7 @@ bool rulesOutEnough(RE_Dispatch::Branches branches) {
 /// One choice, with all splits that it is made of.
 class Alternation {
 public:
-    Alternation(RE_ParserContext& parserContext, RE_Split* first)
+    Alternation(RE_Graph_Context& parserContext, RE_Split* first)
         : context(parserContext), splits(&parserContext.scratch), branches(&parserContext.scratch) {
         splits.push_back(first);
         RE_Scratch_List<RE_Node*> pending({first->alternative, first->nextNode}, &context.scratch);
@@ -196,14 +196,14 @@ private:
         }
     }
 
-    RE_ParserContext& context;
+    RE_Graph_Context& context;
     RE_Scratch_List<RE_Split*> splits;
     RE_Scratch_List<RE_Node*> branches;
 };
 
 }  // namespace
 
-RE_Node* joinAlternations(RE_ParserContext& context, RE_Node* root) {
+RE_Node* joinAlternations(RE_Graph_Context& context, RE_Node* root) {
     if (context.facts->hasDynamicNodes || !context.hasMade<RE_Split>()) {
         return root;
     }

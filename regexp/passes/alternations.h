@@ -11,8 +11,8 @@
 // the way to a failure are part of what they do.
 #pragma once
 
-#include "regexp/parser/parser_context.h"
+#include "regexp/nodes/graph_context.h"
 
 class RE_Node;
 
-RE_Node* joinAlternations(RE_ParserContext& context, RE_Node* root);
+RE_Node* joinAlternations(RE_Graph_Context& context, RE_Node* root);

@@ -10,7 +10,7 @@ constexpr std::size_t usualNodes = 32;
 
 class Bottlenecks {
 public:
-    explicit Bottlenecks(RE_ParserContext& parserContext)
+    explicit Bottlenecks(RE_Graph_Context& parserContext)
         : context(parserContext), reached(&parserContext.scratch), way(&parserContext.scratch) {}
 
     void keep(RE_Scratch_List<RE_Node*>& nodes, RE_Node* root) {
@@ -116,7 +116,7 @@ private:
         }
     }
 
-    RE_ParserContext& context;
+    RE_Graph_Context& context;
     RE_Scratch_List<Reached> reached;
     RE_Scratch_List<RE_Node*> way;
     std::uint32_t number = 0;
@@ -127,6 +127,6 @@ private:
 
 }  // namespace
 
-void keepBottlenecks(RE_ParserContext& context, RE_Node* root, RE_Scratch_List<RE_Node*>& nodes) {
+void keepBottlenecks(RE_Graph_Context& context, RE_Node* root, RE_Scratch_List<RE_Node*>& nodes) {
     Bottlenecks(context).keep(nodes, root);
 }

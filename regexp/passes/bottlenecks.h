@@ -8,7 +8,7 @@
 #include "regexp/nodes/string.h"
 #include "regexp/nodes/tokens.h"
 #include "regexp/nodes/trivial.h"
-#include "regexp/parser/parser_context.h"
+#include "regexp/nodes/graph_context.h"
 
 #include <vector>
 
@@ -35,4 +35,4 @@ bool forEachStep(RE_Node& node, Visit visit) {
 
 /// Keeps those of the nodes that all ways lead through from the root to where `forEachStep` says false. Where no way leads
 /// that far all are kept.
-void keepBottlenecks(RE_ParserContext& context, RE_Node* root, RE_Scratch_List<RE_Node*>& nodes);
+void keepBottlenecks(RE_Graph_Context& context, RE_Node* root, RE_Scratch_List<RE_Node*>& nodes);

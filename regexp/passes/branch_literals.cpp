@@ -3,7 +3,7 @@
 #include "regexp/nodes/literal_set.h"
 #include "regexp/nodes/string.h"
 #include "regexp/nodes/units.h"
-#include "regexp/parser/unit_union.h"
+#include "regexp/nodes/unit_union.h"
 
 #include <algorithm>
 #include <bit>
@@ -88,7 +88,7 @@ void RE_Branch_Literals::clear() {
     count = 0;
 }
 
-RE_Node* RE_Branch_Literals::join(RE_ParserContext& context) const {
+RE_Node* RE_Branch_Literals::join(RE_Graph_Context& context) const {
     RE_Literal_Trie::Literals literals;
     literals.reserve(texts.size());
     for (const Text& text : texts) {

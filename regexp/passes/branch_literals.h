@@ -1,7 +1,7 @@
 // Neighbouring branches of an alternation that are literals and lead on to the same node.
 #pragma once
 
-#include "regexp/parser/parser_context.h"
+#include "regexp/nodes/graph_context.h"
 
 #include <cstddef>
 #include <string_view>
@@ -40,7 +40,7 @@ public:
     RE_Node* firstBranch() const { return first; }
     void clear();
     /// Makes the node that stands for all of them.
-    RE_Node* join(RE_ParserContext& context) const;
+    RE_Node* join(RE_Graph_Context& context) const;
 
 private:
     static void addUnits(const RE_Unit_Set& set, RE_Scratch_List<Text>& texts);

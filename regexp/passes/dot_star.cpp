@@ -44,7 +44,7 @@ std::optional<bool> laziness(RE_Split& choice, RE_Consumable* item) {
 
 class Rewriter {
 public:
-    Rewriter(RE_ParserContext& parserContext, RE_Node* graphRoot) : context(parserContext), root(graphRoot) {}
+    Rewriter(RE_Graph_Context& parserContext, RE_Node* graphRoot) : context(parserContext), root(graphRoot) {}
 
     RE_Node* run() {
         // Tried again, X may call the host again.
@@ -266,12 +266,12 @@ private:
         return consume;
     }
 
-    RE_ParserContext& context;
+    RE_Graph_Context& context;
     RE_Node* root;
 };
 
 }  // namespace
 
-RE_Node* rewriteDotStar(RE_ParserContext& context, RE_Node* root) {
+RE_Node* rewriteDotStar(RE_Graph_Context& context, RE_Node* root) {
     return Rewriter(context, root).run();
 }

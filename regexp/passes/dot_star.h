@@ -8,8 +8,8 @@
 // Cost: a few walks.
 #pragma once
 
-#include "regexp/parser/parser_context.h"
+#include "regexp/nodes/graph_context.h"
 
 class RE_Node;
 
-RE_Node* rewriteDotStar(RE_ParserContext& context, RE_Node* root);
+RE_Node* rewriteDotStar(RE_Graph_Context& context, RE_Node* root);

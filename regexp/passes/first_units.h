@@ -3,8 +3,8 @@
 
 #include "regexp/memory.h"
 #include "regexp/nodes/node.h"
-#include "regexp/parser/parser_context.h"
-#include "regexp/parser/unit_union.h"
+#include "regexp/nodes/graph_context.h"
+#include "regexp/nodes/unit_union.h"
 #include "regexp/unit_set.h"
 
 #include <cstddef>
@@ -19,7 +19,7 @@ class RE_First_Units {
 public:
     static constexpr std::size_t anyNumber = static_cast<std::size_t>(-1);
 
-    explicit RE_First_Units(RE_ParserContext& parserContext)
+    explicit RE_First_Units(RE_Graph_Context& parserContext)
         : pending(&parserContext.scratch), gathered(parserContext.sets), walk(parserContext.nextWalk()) {
         pending.reserve(usualNodes);
     }

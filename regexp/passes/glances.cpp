@@ -58,7 +58,7 @@ void findGlance(RE_Lookaround_Assertion& assertion) {
 }  // namespace
 
 // Profiles count the nodes of a body one by one, as the match loop visits them.
-RE_Node* findGlances(RE_ParserContext& context, RE_Node* root) {
+RE_Node* findGlances(RE_Graph_Context& context, RE_Node* root) {
     if (context.options().profile() || !context.hasMade<RE_Lookaround_Assertion>()) {
         return root;
     }

@@ -6,8 +6,8 @@
 // walk.
 #pragma once
 
-#include "regexp/parser/parser_context.h"
+#include "regexp/nodes/graph_context.h"
 
 class RE_Node;
 
-RE_Node* findGlances(RE_ParserContext& context, RE_Node* root);
+RE_Node* findGlances(RE_Graph_Context& context, RE_Node* root);

@@ -2,7 +2,7 @@
 
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/units.h"
-#include "regexp/parser/unit_union.h"
+#include "regexp/nodes/unit_union.h"
 #include "regexp/passes/null_nodes.h"
 
 #include <memory>
@@ -38,7 +38,7 @@ std::string withoutVerb(const std::string& label) {
 }
 
 // The chain from `head` on becomes one class node; its members are bypassed like empty nodes.
-void mergeChain(RE_ParserContext& context, RE_Consumable* head) {
+void mergeChain(RE_Graph_Context& context, RE_Consumable* head) {
     RE_Unit_Union units(context.sets);
     std::string text;
     RE_Consumable* last = head;
@@ -59,7 +59,7 @@ void mergeChain(RE_ParserContext& context, RE_Consumable* head) {
 
 }  // namespace
 
-RE_Node* joinLinearSubpatterns(RE_ParserContext& context, RE_Node* root) {
+RE_Node* joinLinearSubpatterns(RE_Graph_Context& context, RE_Node* root) {
     if (context.hasUnitRuns) {
         const RE_Collection::Nodes& nodes = context.nodes(root);
         markBehindOptional(nodes);

@@ -5,8 +5,8 @@
 // for each class. Nodes that other paths reach as well stay as they are.
 #pragma once
 
-#include "regexp/parser/parser_context.h"
+#include "regexp/nodes/graph_context.h"
 
 class RE_Node;
 
-RE_Node* joinLinearSubpatterns(RE_ParserContext& context, RE_Node* root);
+RE_Node* joinLinearSubpatterns(RE_Graph_Context& context, RE_Node* root);

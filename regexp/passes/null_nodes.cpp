@@ -1,6 +1,6 @@
 #include "regexp/passes/null_nodes.h"
 
-RE_Node* removeNullNodes(RE_ParserContext& context, RE_Node* root) {
+RE_Node* removeNullNodes(RE_Graph_Context& context, RE_Node* root) {
     if (!context.hasSkippable) {
         return root;
     }

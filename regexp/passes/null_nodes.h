@@ -5,8 +5,8 @@
 // and none when nothing has become skippable since the last one.
 #pragma once
 
-#include "regexp/parser/parser_context.h"
+#include "regexp/nodes/graph_context.h"
 
 class RE_Node;
 
-RE_Node* removeNullNodes(RE_ParserContext& context, RE_Node* root);
+RE_Node* removeNullNodes(RE_Graph_Context& context, RE_Node* root);

@@ -16,7 +16,7 @@ using Corvane::regexp::CompileOptions;
 struct Pass {
     RE_Stage stage;
     bool (CompileOptions::*enabled)() const;
-    RE_Node* (*run)(RE_ParserContext& context, RE_Node* root);
+    RE_Node* (*run)(RE_Graph_Context& context, RE_Node* root);
 };
 
 constexpr Pass passes[] = {
@@ -31,7 +31,7 @@ constexpr Pass passes[] = {
 
 }  // namespace
 
-RE_Node* runPasses(RE_ParserContext& context, RE_Node* root, const RE_Stage_Observer& observer) {
+RE_Node* runPasses(RE_Graph_Context& context, RE_Node* root, const RE_Stage_Observer& observer) {
     checkGraph(root);
     if (observer) {
         observer(RE_Stage::parsed, root);

@@ -1,8 +1,8 @@
 // The passes that a parsed graph goes through, in their order.
 #pragma once
 
-#include "regexp/parser/parser_context.h"
-#include "regexp/tree.h"
+#include "regexp/nodes/graph_context.h"
+#include "regexp/stage.h"
 
 #include <functional>
 
@@ -13,4 +13,4 @@ using RE_Stage_Observer = std::function<void(RE_Stage, RE_Node* root)>;
 
 /// Runs every pass that its option switches on and returns the new root. In the developer build the graph's
 /// invariants are checked before the first pass and after each.
-RE_Node* runPasses(RE_ParserContext& context, RE_Node* root, const RE_Stage_Observer& observer = {});
+RE_Node* runPasses(RE_Graph_Context& context, RE_Node* root, const RE_Stage_Observer& observer = {});

@@ -13,7 +13,7 @@ constexpr std::size_t mostNodesBehindLoop = 64;
 // At a shorter end the next unit is one of the run. What follows fails there if it has to consume a unit, none of which
 // is in the run; and if it can do without, it succeeds at the longest end already, unless something on the way looks at
 // the position. A lazy run that may end the pattern at once is none of this.
-bool neverGivesBack(RE_ParserContext& context, const RE_Consume& loop) {
+bool neverGivesBack(RE_Graph_Context& context, const RE_Consume& loop) {
     RE_First_Units behind(context);
     if (!behind.avoids(*loop.units, loop.nextNode, mostNodesBehindLoop)) {
         return false;
@@ -36,7 +36,7 @@ void tellToken(RE_Node* node) {
 
 }  // namespace
 
-RE_Node* makeLoopsPossessive(RE_ParserContext& context, RE_Node* root) {
+RE_Node* makeLoopsPossessive(RE_Graph_Context& context, RE_Node* root) {
     if (context.facts->hasDynamicNodes || !context.hasMade<RE_Consume>()) {
         return root;
     }

@@ -9,8 +9,8 @@
 // do.
 #pragma once
 
-#include "regexp/parser/parser_context.h"
+#include "regexp/nodes/graph_context.h"
 
 class RE_Node;
 
-RE_Node* makeLoopsPossessive(RE_ParserContext& context, RE_Node* root);
+RE_Node* makeLoopsPossessive(RE_Graph_Context& context, RE_Node* root);

@@ -292,7 +292,7 @@ private:
 
 }  // namespace
 
-std::optional<RE_Likely_Prefixes> prefixesFrom(RE_ParserContext& context, RE_Node* root, bool emptyCounts) {
+std::optional<RE_Likely_Prefixes> prefixesFrom(RE_Graph_Context& context, RE_Node* root, bool emptyCounts) {
     const RE_Scratch_List<Branch> branches = Branches(&context.scratch).from(root);
     const std::size_t count = std::min(branches.size(), RE_Prefix_Scan::mostPrefixes);
     RE_Scratch_List<RE_Prefix_Units> prefixes(&context.scratch);

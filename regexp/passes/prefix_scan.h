@@ -2,7 +2,7 @@
 #pragma once
 
 #include "regexp/nodes/node.h"
-#include "regexp/parser/parser_context.h"
+#include "regexp/nodes/graph_context.h"
 #include "regexp/seek/kernels.h"
 
 #include <optional>
@@ -14,4 +14,4 @@ struct RE_Likely_Prefixes {
 
 /// The prefixes with which matches begin on the ways from `root`, or nothing when the first place is not known. With
 /// `emptyCounts` a match may consume nothing.
-std::optional<RE_Likely_Prefixes> prefixesFrom(RE_ParserContext& context, RE_Node* root, bool emptyCounts);
+std::optional<RE_Likely_Prefixes> prefixesFrom(RE_Graph_Context& context, RE_Node* root, bool emptyCounts);

@@ -3,7 +3,7 @@
 
 #include "regexp/memory.h"
 #include "regexp/nodes/node.h"
-#include "regexp/parser/parser_context.h"
+#include "regexp/nodes/graph_context.h"
 #include "regexp/unit_set.h"
 
 #include <array>
@@ -53,7 +53,7 @@ class RE_Prefix_Units {
 public:
     static constexpr std::size_t mostPlaces = 8;
 
-    RE_Prefix_Units(RE_ParserContext& context, RE_Byte_Looks& setLooks)
+    RE_Prefix_Units(RE_Graph_Context& context, RE_Byte_Looks& setLooks)
         : pending(&context.scratch), walk(context.nextWalk()), looks(&setLooks) {}
 
     /// With `emptyCounts` an end that is reached at once ends the prefix there; else such a match is refused anyway.

@@ -5,7 +5,7 @@
 #include "regexp/nodes/literal_set.h"
 #include "regexp/nodes/string.h"
 #include "regexp/nodes/units.h"
-#include "regexp/parser/unit_union.h"
+#include "regexp/nodes/unit_union.h"
 #include "regexp/passes/bottlenecks.h"
 #include "regexp/passes/prefix_scan.h"
 
@@ -25,7 +25,7 @@ constexpr std::size_t usualNodesBefore = 32;
 /// Walks all ways from the root that do not lead through one literal, which is a bottleneck.
 class Around {
 public:
-    Around(RE_ParserContext& parserContext, const RE_Node* literal)
+    Around(RE_Graph_Context& parserContext, const RE_Node* literal)
         : gathered(parserContext.sets),
           avoided(literal),
           number(parserContext.nextWalk()),
@@ -102,7 +102,7 @@ private:
 };
 
 /// The first literals on the ways from the root, outside of closed bodies.
-RE_Scratch_List<RE_Node*> literalsFrom(RE_ParserContext& context, RE_Node* root) {
+RE_Scratch_List<RE_Node*> literalsFrom(RE_Graph_Context& context, RE_Node* root) {
     const std::uint32_t walk = context.nextWalk();
     RE_Scratch_List<RE_Node*> nodes(&context.scratch);
     RE_Scratch_List<RE_Node*> found(&context.scratch);
@@ -126,7 +126,7 @@ RE_Scratch_List<RE_Node*> literalsFrom(RE_ParserContext& context, RE_Node* root)
     return found;
 }
 
-std::optional<RE_Text_Finder> finderOf(RE_ParserContext& context, RE_Node* node) {
+std::optional<RE_Text_Finder> finderOf(RE_Graph_Context& context, RE_Node* node) {
     if (nodeAs<RE_Literal_Set>(node) == nullptr) {
         return literalOf(node);
     }
@@ -151,7 +151,7 @@ std::optional<RE_Text_Finder> literalOf(const RE_Node* node) {
                           nodeAs<RE_Natural_I>(node) != nullptr);
 }
 
-std::vector<RE_Found_Literal> requiredLiterals(RE_ParserContext& context, RE_Node* root) {
+std::vector<RE_Found_Literal> requiredLiterals(RE_Graph_Context& context, RE_Node* root) {
     std::vector<RE_Found_Literal> required;
     RE_Scratch_List<RE_Node*> literals = literalsFrom(context, root);
     if (!literals.empty()) {
@@ -172,7 +172,7 @@ std::vector<RE_Found_Literal> requiredLiterals(RE_ParserContext& context, RE_Nod
     return required;
 }
 
-bool surround(RE_ParserContext& context, RE_Node* root, RE_Found_Literal& found) {
+bool surround(RE_Graph_Context& context, RE_Node* root, RE_Found_Literal& found) {
     Around around(context, found.node);
     if (!around.walk(root)) {
         return false;

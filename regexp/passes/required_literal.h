@@ -1,8 +1,8 @@
 // Finds literals that no match can do without.
 #pragma once
 
-#include "regexp/parser/parser_context.h"
-#include "regexp/seek/required_literal.h"
+#include "regexp/nodes/graph_context.h"
+#include "regexp/nodes/literal_stretches.h"
 
 #include <optional>
 #include <vector>
@@ -19,6 +19,6 @@ struct RE_Found_Literal {
 
 /// The literals, and choices between literals, that no match can do without, as far as that is easily seen. The rarest
 /// comes first. What stands before them is not known yet.
-std::vector<RE_Found_Literal> requiredLiterals(RE_ParserContext& context, RE_Node* root);
+std::vector<RE_Found_Literal> requiredLiterals(RE_Graph_Context& context, RE_Node* root);
 /// Finds out what may stand before one of them. False when the graph is too large for that.
-bool surround(RE_ParserContext& context, RE_Node* root, RE_Found_Literal& found);
+bool surround(RE_Graph_Context& context, RE_Node* root, RE_Found_Literal& found);

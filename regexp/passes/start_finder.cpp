@@ -99,7 +99,7 @@ std::optional<RE_Text_Finder> literalBehind(const RE_Node* leading) {
 /// Goes through the finders that come to mind in the order of `RE_Start_Finder`.
 class Chooser {
 public:
-    Chooser(RE_ParserContext& parserContext, RE_Node* graphRoot) : context(parserContext), root(graphRoot) {}
+    Chooser(RE_Graph_Context& parserContext, RE_Node* graphRoot) : context(parserContext), root(graphRoot) {}
 
     RE_Node* choose() {
         RE_Node* const leading = leadingNode(root);
@@ -251,7 +251,7 @@ private:
         return seeker;
     }
 
-    RE_ParserContext& context;
+    RE_Graph_Context& context;
     RE_Node* root;
     std::vector<RE_Found_Literal> required;  ///< that the finder does not look for
     bool soughtRequired = false;
@@ -259,7 +259,7 @@ private:
 
 }  // namespace
 
-RE_Node* chooseStartFinder(RE_ParserContext& context, RE_Node* root) {
+RE_Node* chooseStartFinder(RE_Graph_Context& context, RE_Node* root) {
     Chooser chooser(context, root);
     RE_Node* const finder = chooser.choose();
     chooser.noteNeeded();

@@ -7,8 +7,8 @@
 // Patterns that call the host get none: the calls are part of what such a pattern does.
 #pragma once
 
-#include "regexp/parser/parser_context.h"
+#include "regexp/nodes/graph_context.h"
 
 class RE_Node;
 
-RE_Node* chooseStartFinder(RE_ParserContext& context, RE_Node* root);
+RE_Node* chooseStartFinder(RE_Graph_Context& context, RE_Node* root);

@@ -8,7 +8,7 @@
 #include "regexp/nodes/tokens.h"
 #include "regexp/nodes/trivial.h"
 #include "regexp/nodes/units.h"
-#include "regexp/parser/parser_context.h"
+#include "regexp/nodes/graph_context.h"
 
 #include <algorithm>
 #include <span>
@@ -39,7 +39,7 @@ std::span<RE_Node* const> waysOf(const RE_Instruction& in) {
 
 class Lowering {
 public:
-    Lowering(RE_ParserContext& context, RE_Program& target)
+    Lowering(RE_Graph_Context& context, RE_Program& target)
         : program(target), walk(context.nextWalk()), found(&context.scratch) {
         found.reserve(std::min(context.facts->nodes.size(), mostInstructions));
     }
@@ -302,6 +302,8 @@ Exits Lowering::describe(const RE_Node& node, RE_Instruction& in) const {
 
 }  // namespace
 
-void lowerGraph(RE_ParserContext& context, RE_Node* entry, RE_Program& program) {
-    Lowering(context, program).run(entry);
+std::unique_ptr<const RE_Program> lowerGraph(RE_Graph_Context& context, RE_Node* entry) {
+    auto program = std::make_unique<RE_Program>();
+    Lowering(context, *program).run(entry);
+    return program;
 }

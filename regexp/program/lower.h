@@ -3,7 +3,9 @@
 
 #include "regexp/program/instruction.h"
 
-class RE_ParserContext;
+#include <memory>
 
-/// The program of the graph behind `entry`. Its nodes must outlive it and change no more.
-void lowerGraph(RE_ParserContext& context, RE_Node* entry, RE_Program& program);
+class RE_Graph_Context;
+
+/// The program of the graph from `entry` on. Its nodes must outlive it and change no more.
+std::unique_ptr<const RE_Program> lowerGraph(RE_Graph_Context& context, RE_Node* entry);

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "regexp/memory.h"
-#include "regexp/replace/insert_text.h"
+#include "regexp/insert_text.h"
 
 #include <cstddef>
 #include <string_view>

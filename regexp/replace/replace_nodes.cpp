@@ -2,7 +2,8 @@
 #include "regexp/replace/replace_nodes.h"
 
 #include "host/interrupt.h"
-#include "regexp/eval/evaluators.h"
+#include "regexp/eval/evaluation_io.h"
+#include "regexp/eval/host_expressions.h"
 #include "regexp/nodes/label_text.h"
 #include "regexp/replace/piece_writer.h"
 
@@ -73,7 +74,7 @@ void RE_Replace_String::graph(std::string& out, std::size_t number) const {
 
 RE_Replace_Evaluator::RE_Replace_Evaluator(RE_Replace_Node* previous, RE_ParserContext* parserContext,
                                            const char16_t* expression, std::size_t length)
-    : text(expression, length), evaluator(new RE_String_Evaluator(*parserContext, expression, length)) {
+    : text(expression, length), evaluator(compileExpression(*parserContext, expression, length)) {
     attach(previous);
 }
 
@@ -93,7 +94,7 @@ char16_t* RE_Replace_Evaluator::build_piece(char16_t* buffer, std::size_t* lengt
 char16_t* RE_Replace_Evaluator::build_value(char16_t* buffer, std::size_t* length, std::size_t* capacity,
                                             RE_Results* results, bool* found) const {
     RE_Piece_Writer writer(buffer, length, capacity);
-    const std::unique_ptr<RE_Evaluation_IO> value = evaluator->evaluate(results);
+    const std::unique_ptr<RE_Evaluation_IO> value = evaluate(*evaluator, results);
     *found = value != nullptr;
     if (*found) {
         writer.append({value->get_string(), value->get_length()});

@@ -154,5 +154,5 @@ public:
 
 private:
     std::u16string text;  // as written, for the graph
-    std::unique_ptr<const RE_String_Evaluator> evaluator;
+    std::shared_ptr<const RE_String_Evaluator> evaluator;
 };

@@ -1,6 +1,5 @@
 #include "regexp/seek/literal_search.h"
 
-#include "regexp/search_info.h"
 #include "regexp/seek/likelihood.h"
 #include "regexp/seek/scan.h"
 
@@ -104,14 +103,14 @@ RE_Literal_Probe RE_Literal_Search::probeFor(const RE_Literal& literal) const {
     return whole;
 }
 
-const char16_t* RE_Literal_Search::find(const RE_Literal& literal, const char16_t* p,
-                                        RE_Search_Info& info) const {
-    if (static_cast<std::size_t>(info.subjectEnd - p) < literal.length) {
+const char16_t* RE_Literal_Search::find(const RE_Literal& literal, const char16_t* p, const char16_t* end,
+                                        RE_Scan_Monitor& monitor) const {
+    if (static_cast<std::size_t>(end - p) < literal.length) {
         return nullptr;
     }
-    const char16_t* const end = info.subjectEnd - literal.length + 1;
+    const char16_t* const startsEnd = end - literal.length + 1;
     const RE_Literal_Probe whole = probeFor(literal);
-    return scanForward(p, end, info, [&](const char16_t* at, const char16_t* stop) {
+    return scanForward(p, startsEnd, monitor, [&](const char16_t* at, const char16_t* stop) {
         for (;; ++at) {
             at = probes ? findProbe(at, stop, whole) : at;
             if (at == stop || whole.text != nullptr || literal.matchesAt(at)) {
@@ -122,13 +121,13 @@ const char16_t* RE_Literal_Search::find(const RE_Literal& literal, const char16_
 }
 
 const char16_t* RE_Literal_Search::findLast(const RE_Literal& literal, const char16_t* p, std::size_t count,
-                                            RE_Search_Info& info) const {
-    if (static_cast<std::size_t>(info.subjectEnd - p) < literal.length) {
+                                            const char16_t* end, RE_Scan_Monitor& monitor) const {
+    if (static_cast<std::size_t>(end - p) < literal.length) {
         return nullptr;
     }
-    const std::size_t places = static_cast<std::size_t>(info.subjectEnd - p) - literal.length + 1;
-    const char16_t* const end = p + std::min(places, count + 1);
-    return scanBackward(p, end, info, [&](const char16_t* from, const char16_t* at) -> const char16_t* {
+    const std::size_t places = static_cast<std::size_t>(end - p) - literal.length + 1;
+    const char16_t* const startsEnd = p + std::min(places, count + 1);
+    return scanBackward(p, startsEnd, monitor, [&](const char16_t* from, const char16_t* at) -> const char16_t* {
         while (from < at) {
             at = probes ? findLastProbe(from, at, probe) : at - 1;
             if (at == nullptr || literal.matchesAt(at)) {

@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <cstring>
 
-class RE_Search_Info;
+class RE_Scan_Monitor;
 
 /// Compares two texts of one length. Most texts of patterns are short, or differ at once.
 inline bool equalUnits(const char16_t* one, const char16_t* other, std::size_t length) {
@@ -38,11 +38,12 @@ class CORVANE_REGEXP_EXPORT RE_Literal_Search {
 public:
     explicit RE_Literal_Search(const RE_Literal& literal);
 
-    /// First position from `p` on at which the literal stands before the subject's end, or null.
-    const char16_t* find(const RE_Literal& literal, const char16_t* p, RE_Search_Info& info) const;
-    /// Last such position in [p, p + count], or null.
-    const char16_t* findLast(const RE_Literal& literal, const char16_t* p, std::size_t count,
-                             RE_Search_Info& info) const;
+    /// First occurrence of the literal in [p, end), or null.
+    const char16_t* find(const RE_Literal& literal, const char16_t* p, const char16_t* end,
+                         RE_Scan_Monitor& monitor) const;
+    /// Last occurrence that starts in [p, p + count] and ends by `end`, or null.
+    const char16_t* findLast(const RE_Literal& literal, const char16_t* p, std::size_t count, const char16_t* end,
+                             RE_Scan_Monitor& monitor) const;
 
     /// The units to look for; null when every position is compared.
     const RE_Literal_Probe* rarest() const { return probes ? &probe : nullptr; }

@@ -1,14 +1,22 @@
-// Scans of many units, in both directions. They ask the host now and then whether to stop; a scan that was
-// stopped finds nothing.
+// Scans of many units, in both directions. Now and then they query their monitor, so that the host can break off
+// a search within one scan of a long subject; a scan that was stopped finds nothing.
 #pragma once
-
-#include "regexp/search_info.h"
 
 #include <algorithm>
 #include <cstddef>
 
 /// How many units are looked at between two questions to the host.
 inline constexpr std::size_t RE_SCAN_POLL_UNITS = 0x10000;
+
+/// Decides whether a long scan may continue. A search is the monitor of its own scans.
+class RE_Scan_Monitor {
+public:
+    /// Consults the host at once; true when the scan is to stop.
+    virtual bool pollScan() = 0;
+
+protected:
+    ~RE_Scan_Monitor() = default;
+};
 
 template <class Test>
 const char16_t* firstWhere(const char16_t* p, const char16_t* end, Test holds) {
@@ -31,7 +39,7 @@ const char16_t* lastWhere(const char16_t* p, const char16_t* end, Test holds) {
 /// Runs `find` (p, end) -> first position that counts, or end, over [p, end) block by block. Null when there
 /// is none.
 template <class Find>
-const char16_t* scanForward(const char16_t* p, const char16_t* end, RE_Search_Info& info, Find find) {
+const char16_t* scanForward(const char16_t* p, const char16_t* end, RE_Scan_Monitor& monitor, Find find) {
     while (p < end) {
         const char16_t* const stop =
             p + std::min<std::size_t>(static_cast<std::size_t>(end - p), RE_SCAN_POLL_UNITS);
@@ -40,7 +48,7 @@ const char16_t* scanForward(const char16_t* p, const char16_t* end, RE_Search_In
             return found;
         }
         p = stop;
-        if (info.pollScan()) {
+        if (monitor.pollScan()) {
             return nullptr;
         }
     }
@@ -50,7 +58,7 @@ const char16_t* scanForward(const char16_t* p, const char16_t* end, RE_Search_In
 /// Runs `find` (p, end) -> last position that counts, or null, over [first, end) from its end on, block by
 /// block.
 template <class Find>
-const char16_t* scanBackward(const char16_t* first, const char16_t* end, RE_Search_Info& info, Find find) {
+const char16_t* scanBackward(const char16_t* first, const char16_t* end, RE_Scan_Monitor& monitor, Find find) {
     while (first < end) {
         const char16_t* const from =
             end - std::min<std::size_t>(static_cast<std::size_t>(end - first), RE_SCAN_POLL_UNITS);
@@ -58,7 +66,7 @@ const char16_t* scanBackward(const char16_t* first, const char16_t* end, RE_Sear
             return found;
         }
         end = from;
-        if (info.pollScan()) {
+        if (monitor.pollScan()) {
             return nullptr;
         }
     }

@@ -2,10 +2,10 @@
 // Outcome.
 #pragma once
 
-#include "regexp/dfa/inquiry.h"
+#include "regexp/inquiry.h"
 #include "regexp/regexp.h"
 #include "regexp/search_memo.h"
-#include "regexp/seek/required_literal.h"
+#include "regexp/nodes/literal_stretches.h"
 #include "tests/support/outcome.h"
 
 #include <memory>

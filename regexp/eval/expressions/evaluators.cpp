@@ -1,5 +1,6 @@
-#include "regexp/eval/evaluators.h"
+#include "regexp/eval/expressions/evaluators.h"
 
+#include "regexp/eval/host_expressions.h"
 #include "regexp/parser/parser_context.h"
 
 namespace {
@@ -20,7 +21,7 @@ private:
     bool before;
 };
 
-RE_Replace compileExpression(RE_ParserContext& parser, const char16_t* text, std::size_t length) {
+RE_Replace readExpression(RE_ParserContext& parser, const char16_t* text, std::size_t length) {
     const Suppress_Evaluation suppressed(parser);
     return RE_Replace(&parser, text, length);
 }
@@ -28,7 +29,7 @@ RE_Replace compileExpression(RE_ParserContext& parser, const char16_t* text, std
 }  // namespace
 
 RE_Evaluator::RE_Evaluator(RE_ParserContext& parser, const char16_t* text, std::size_t length)
-    : expression(compileExpression(parser, text, length)) {
+    : expression(readExpression(parser, text, length)) {
     context.reset(parser.context->clone());
     if (context == nullptr) {
         context.reset(new RE_Context(parser.context->getCompileOptions()));
@@ -67,4 +68,40 @@ RE_Script_Evaluator::RE_Script_Evaluator(RE_ParserContext& parser, const char16_
 void RE_Script_Evaluator::evaluate(RE_Results* results) const {
     const std::unique_ptr<RE_Evaluation_Inputs> inputs = tokens->create_inputs(results);
     context->evaluate_script(script.get(), variables.get(), inputs.get());
+}
+
+std::shared_ptr<const RE_Script_Evaluator> compileScript(RE_ParserContext& parser, const char16_t* text,
+                                                         std::size_t length) {
+    return std::shared_ptr<const RE_Script_Evaluator>(new RE_Script_Evaluator(parser, text, length));
+}
+
+std::shared_ptr<const RE_String_Evaluator> compileExpression(RE_ParserContext& parser, const char16_t* text,
+                                                             std::size_t length) {
+    return std::shared_ptr<const RE_String_Evaluator>(new RE_String_Evaluator(parser, text, length));
+}
+
+std::shared_ptr<const RE_Bool_Evaluator> compileCondition(RE_ParserContext& parser, const char16_t* text,
+                                                          std::size_t length) {
+    return std::shared_ptr<const RE_Bool_Evaluator>(new RE_Bool_Evaluator(parser, text, length));
+}
+
+std::shared_ptr<const RE_Replace> compileDynamicText(RE_ParserContext& parser, const char16_t* text,
+                                                     std::size_t length) {
+    return std::shared_ptr<const RE_Replace>(new RE_Replace(&parser, text, length));
+}
+
+void evaluate(const RE_Script_Evaluator& script, RE_Results* match) {
+    script.evaluate(match);
+}
+
+std::unique_ptr<RE_Evaluation_IO> evaluate(const RE_String_Evaluator& expression, RE_Results* match) {
+    return expression.evaluate(match);
+}
+
+bool evaluate(const RE_Bool_Evaluator& condition, RE_Results* match) {
+    return condition.evaluate(match);
+}
+
+bool expand(const RE_Replace& text, RE_Evaluation_IO* out, RE_Results* match) {
+    return text.expand(out, match);
 }

@@ -1,4 +1,4 @@
-#include "regexp/replace/insert_text.h"
+#include "regexp/insert_text.h"
 
 #include "host/allocation.h"
 

@@ -3,6 +3,8 @@
 #include "regexp/eval/context.h"
 #include "regexp/replace/replace_nodes.h"
 
+#include <utility>
+
 RE_Evaluation_Tokens::RE_Evaluation_Tokens(std::size_t most)
     : items(static_cast<RE_Replace_Evalable**>(utCallocWithCheck(most, sizeof(RE_Replace_Evalable*)))) {}
 
@@ -47,4 +49,14 @@ std::unique_ptr<RE_Evaluation_Inputs> RE_Evaluation_Tokens::create_inputs(RE_Res
         inputs->construct_input(i, items[i], results);
     }
     return inputs;
+}
+
+// The buffer changes hands: it is back only when nothing was thrown.
+void RE_Evaluation_IO::construct(const RE_Replaceable* source, RE_Results* results) {
+    std::size_t room = std::exchange(capacity, 0);
+    std::size_t used = 0;
+    length = 0;
+    text = source->build_replace(std::exchange(text, nullptr), &used, &room, results);
+    length = used;
+    capacity = room;
 }

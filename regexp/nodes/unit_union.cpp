@@ -1,4 +1,4 @@
-#include "regexp/parser/unit_union.h"
+#include "regexp/nodes/unit_union.h"
 
 #include "regexp/nodes/units.h"
 

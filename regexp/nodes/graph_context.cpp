@@ -1,4 +1,4 @@
-#include "regexp/parser/parser_context.h"
+#include "regexp/nodes/graph_context.h"
 
 #include "regexp/nodes/seeker.h"
 #include "regexp/within_size.h"
@@ -26,10 +26,10 @@ void sortByNumber(std::span<RE_Node*> nodes, std::uint64_t lastNumber, RE_Scratc
 
 }  // namespace
 
-RE_ParserContext::RE_ParserContext(RE_Context* host, RE_Node* outerNode, RE_Flags patternFlags)
+RE_Graph_Context::RE_Graph_Context(RE_Context* host, RE_Node* outerNode, RE_Flags patternFlags)
     : context(host), outer(outerNode), flags(patternFlags), facts(new RE_Graph_Facts) {}
 
-RE_ParserContext::~RE_ParserContext() {
+RE_Graph_Context::~RE_Graph_Context() {
     for (RE_Node* node : made) {
         if (node != nullptr) {
             node->~RE_Node();
@@ -37,7 +37,7 @@ RE_ParserContext::~RE_ParserContext() {
     }
 }
 
-const RE_Collection::Nodes& RE_ParserContext::nodes(RE_Node* root) {
+const RE_Collection::Nodes& RE_Graph_Context::nodes(RE_Node* root) {
     if (walkedFrom == nullptr || (walkedFrom != root && nodeAs<RE_Seeker>(root) == nullptr)) {
         reached.reserve(made.size());
         reached.walk(root, nextWalk());
@@ -48,14 +48,14 @@ const RE_Collection::Nodes& RE_ParserContext::nodes(RE_Node* root) {
     return reached.nodes();
 }
 
-RE_Node* RE_ParserContext::leadPastSkippable(RE_Node* root) {
+RE_Node* RE_Graph_Context::leadPastSkippable(RE_Node* root) {
     walkedFrom = throughSkippable(root);
     reached.reserve(made.size());
     reached.walkPastSkippable(walkedFrom, nextWalk());
     return walkedFrom;
 }
 
-std::size_t RE_ParserContext::handOver(RE_Node* root) {
+std::size_t RE_Graph_Context::handOver(RE_Node* root) {
     const RE_Collection::Nodes& kept = nodes(root);
     facts->nodes.reserve(kept.size());
     for (RE_Node* node : kept) {

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "regexp/nodes/node.h"
-#include "regexp/parser/set_pool.h"
+#include "regexp/seek/set_pool.h"
 #include "regexp/unit_set.h"
 
 #include <array>

@@ -1,4 +1,4 @@
-#include "regexp/sub_pattern_place.h"
+#include "regexp/nodes/continued_graph.h"
 
 #include "regexp/nodes/links.h"
 #include "regexp/nodes/loop_pass.h"

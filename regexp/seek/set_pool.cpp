@@ -1,4 +1,4 @@
-#include "regexp/parser/set_pool.h"
+#include "regexp/seek/set_pool.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,0 +1,22 @@
+// What a pattern has to know of the finished graph that it continues in.
+#pragma once
+
+#include "regexp/memory.h"
+#include "regexp/sub_pattern_place.h"
+
+#include <cstddef>
+#include <vector>
+
+class RE_Node;
+
+/// A finished graph that a pattern is to continue in.
+struct RE_Continued_Graph {
+    RE_Sub_Pattern_Place place;  ///< after all that the graph uses
+    std::size_t tokenCount = 0;  ///< slots that it writes or reads
+    /// The names of its slots, owned by its nodes; shorter than `tokenCount` where the last are unnamed.
+    std::vector<const char16_t*, RE_Allocator<const char16_t*>> tokenNames;
+
+    /// Everything that can be reached from `entry` (null: nothing), through continuations too. Only reads: the graph may
+    /// be searched by other threads meanwhile. Linear in its nodes.
+    static RE_Continued_Graph from(RE_Node* entry);
+};

@@ -1,0 +1,94 @@
+// What everyone who makes or rewrites nodes shares while one pattern is compiled: the nodes made so far, their numbers
+// and memory, the sets of units, the modes and options in force.
+//
+// Used by one thread. The parser's context adds what only the reading of text needs.
+#pragma once
+
+#include "regexp/eval/context.h"
+#include "regexp/flags.h"
+#include "regexp/graph_facts.h"
+#include "regexp/memory.h"
+#include "regexp/nodes/collection.h"
+#include "regexp/nodes/counting_node.h"
+#include "regexp/nodes/node.h"
+#include "regexp/scratch_memory.h"
+#include "regexp/seek/set_pool.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <utility>
+#include <vector>
+
+/// Owns every node it made until the finished graph is handed over, so that a host that
+/// throws out of a callback leaks nothing.
+class CORVANE_REGEXP_EXPORT RE_Graph_Context : public RE_Memory {
+public:
+    RE_Graph_Context(RE_Context* host, RE_Node* outerNode, RE_Flags patternFlags);
+    ~RE_Graph_Context();
+    RE_Graph_Context(const RE_Graph_Context&) = delete;
+    RE_Graph_Context& operator=(const RE_Graph_Context&) = delete;
+
+    /// Makes a node, in its counting form when the matching is to be profiled. This is the only place that
+    /// does.
+    template <class Node, class... Arguments>
+    Node* make(Arguments&&... arguments) {
+        made.push_back(nullptr);
+        Node* node = nullptr;
+        if (options().profile()) {
+            using Counting = RE_Profile_Node<Node>;
+            node = new (facts->store.take(sizeof(Counting)))
+                Counting(*this, std::forward<Arguments>(arguments)...);
+        } else {
+            node = new (facts->store.take(sizeof(Node))) Node(*this, std::forward<Arguments>(arguments)...);
+            static_cast<RE_Node*>(node)->kind = kindOfNode<Node>;
+        }
+        static_cast<RE_Node*>(node)->classes = RE_Asked_Classes::bitsOf<Node>();
+        madeClasses |= RE_Asked_Classes::bitsOf<Node>();
+        made.back() = node;
+        return node;
+    }
+    /// Whether a node of one of these classes was ever made: without any, a pass that is about them has nothing to do.
+    template <class... Classes>
+    bool hasMade() const {
+        return (madeClasses & (RE_Asked_Classes::bit<Classes>() | ...)) != 0;
+    }
+    std::uint64_t nextNodeId() { return ++nodeCount; }
+    /// A number for a walk that marks where it has been by `RE_Node::walk`. Of two such walks one ends before the other.
+    std::uint32_t nextWalk() { return ++walks; }
+    /// A memo row for a node that makes choices.
+    std::uint32_t nextMemoRow() { return facts->memoRows++; }
+
+    const Corvane::regexp::CompileOptions& options() const { return context->getCompileOptions(); }
+
+    /// The nodes that can be reached from the root, in the order in which a walk meets them first, and marked by it. They
+    /// stay as they are until they are asked for again, which takes a walk only when links have changed.
+    const RE_Collection::Nodes& nodes(RE_Node* root);
+    /// For passes that redirect links and leave nothing skippable behind, which would have the graph walked anyway.
+    void linksChanged() { walkedFrom = nullptr; }
+    /// Makes all links lead past nodes that do nothing. Returns the new root.
+    RE_Node* leadPastSkippable(RE_Node* root);
+    /// Hands the nodes that are reached from the root to the facts and destroys the others. Returns how many are left.
+    std::size_t handOver(RE_Node* root);
+
+    RE_Scratch_Memory scratch;  ///< what compiling takes for itself
+    RE_Context* context;
+    std::uint64_t nodeCount = 0;
+    std::uint32_t walks = 0;
+    RE_Class_Bits madeClasses = 0;
+    bool joinsTexts = false;      ///< runs of literals are strings from the beginning
+    bool joinsRuns = false;       ///< loops over one unit are runs from the beginning
+    bool renumbers = false;       ///< some nodes are not in the order of their numbers
+    bool hasUnitRuns = false;     ///< some nodes are chains of single units by their fail targets
+    bool hasLongMatches = false;  ///< a match may have very many units
+    bool hasSkippable = true;     ///< some link may lead to a node that does nothing
+    RE_Node* outer;
+    RE_Flags flags;
+    std::unique_ptr<RE_Graph_Facts> facts;
+    RE_Set_Pool sets{&scratch};
+
+private:
+    RE_Scratch_List<RE_Node*> made{&scratch};  ///< in this order; null while one is made
+    RE_Collection reached{&scratch};
+    RE_Node* walkedFrom = nullptr;  ///< the root of what was reached, while that holds
+};

@@ -1,0 +1,18 @@
+// One search of a finished graph: from start position to start position, each attempt run by the fastest means that
+// the search allows.
+#pragma once
+
+#include <cstddef>
+
+class RE_Node;
+class RE_Search_Info;
+struct RE_Graph_Facts;
+
+/// Finds the leftmost match that starts at or after index `offset`. True: `info.matchStart` is where it starts, `length`
+/// its length in code units. The state must have been prepared for the graph.
+bool findMatch(const RE_Node* root, const RE_Graph_Facts& facts, RE_Search_Info& info, std::size_t offset,
+               std::size_t& length);
+
+/// The same of a single attempt, at `p`.
+bool attemptAt(const RE_Node* root, const RE_Graph_Facts& facts, RE_Search_Info& info, const char16_t* p,
+               std::size_t& length);
