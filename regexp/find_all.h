@@ -9,7 +9,7 @@
 #pragma once
 
 #include "regexp/match_sequence.h"
-#include "regexp/results.h"
+#include "regexp/state/results.h"
 #include "regexp/tree.h"
 
 #include <cstddef>

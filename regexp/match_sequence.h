@@ -1,10 +1,10 @@
 // Many searches of one subject with one pattern, on one search state and one seek table.
 #pragma once
 
-#include "regexp/memory_account.h"
-#include "regexp/results.h"
-#include "regexp/search_info.h"
-#include "regexp/search_limits.h"
+#include "regexp/base/memory_account.h"
+#include "regexp/state/results.h"
+#include "regexp/state/search_info.h"
+#include "regexp/base/search_limits.h"
 #include "regexp/seek/seek_table.h"
 
 #include <cstddef>

@@ -1,7 +1,7 @@
 // Does this pattern match anywhere in this text? For narrow strings, without objects.
 #pragma once
 
-#include "regexp/export.h"
+#include "regexp/base/export.h"
 
 /// Text and pattern in the local code page; the subject comes first. A pattern that matches only the empty
 /// text does not match.

@@ -4,8 +4,8 @@
 #include "host/allocation.h"
 #include "host/code_page.h"
 #include "host/utf16.h"
-#include "regexp/graph_export.h"
-#include "regexp/graph_facts.h"
+#include "regexp/nodes/graph_export.h"
+#include "regexp/graph/graph_facts.h"
 #include "regexp/nodes/collection.h"
 #include "regexp/nodes/seeker.h"
 #include "regexp/nodes/tokens.h"
@@ -16,7 +16,10 @@
 #include "regexp/passes/pass_runner.h"
 #include "regexp/program/lower.h"
 #include "regexp/nodes/continued_graph.h"
-#include "regexp/within_size.h"
+#include "regexp/nodes/dynamic.h"
+#include "regexp/eval/evaluation_io.h"
+#include "regexp/builder/builder.h"
+#include "regexp/base/within_size.h"
 
 #include <algorithm>
 #include <utility>

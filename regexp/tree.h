@@ -2,13 +2,13 @@
 #pragma once
 
 #include "regexp/eval/context.h"
-#include "regexp/flags.h"
-#include "regexp/profile.h"
-#include "regexp/memory.h"
-#include "regexp/results.h"
-#include "regexp/search_limits.h"
+#include "regexp/base/flags.h"
+#include "regexp/state/profile.h"
+#include "regexp/base/memory.h"
+#include "regexp/state/results.h"
+#include "regexp/base/search_limits.h"
 #include "regexp/seek/seek_table.h"
-#include "regexp/stage.h"
+#include "regexp/graph/stage.h"
 
 #include <concepts>
 #include <cstddef>
@@ -163,10 +163,7 @@ public:
     const RE_Graph_Facts& getFacts() const { return *facts; }
 
 private:
-    friend namespace RE_Builder_Space {
-class RE_Builder;
-}
-class RE_Match_Sequence;
+    friend class RE_Match_Sequence;
     friend struct RE_Text_Compiler;
 
     /// A sub-pattern that is compiled while its search runs.

@@ -1,7 +1,7 @@
 // The judgement of growth, against the growth that is measured. The memory of failed states, which the judgement leaves
 // out of account, is kept from beginning.
 #include "regexp/inspect/growth.h"
-#include "regexp/inspect/observer.h"
+#include "regexp/search/observer.h"
 #include "tests/support/differential.h"
 #include "tests/support/pattern_random.h"
 

@@ -1,6 +1,6 @@
 // Looking inside: graphs, profiles and traces. They must tell of one search what its result tells.
-#include "regexp/inspect/observer.h"
-#include "regexp/nodes/node.h"
+#include "regexp/search/observer.h"
+#include "regexp/graph/node.h"
 #include "regexp/regexp.h"
 #include "tests/support/case_file.h"
 #include "tests/support/engine_run.h"

@@ -2,7 +2,7 @@
 // not; and how soon each kind of node sees one.
 #include "host/interrupt.h"
 #include "host/memory_hook.h"
-#include "regexp/nodes/node.h"
+#include "regexp/graph/node.h"
 #include "tests/support/differential.h"
 
 #include <gtest/gtest.h>

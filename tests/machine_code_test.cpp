@@ -2,6 +2,8 @@
 #include "tests/support/differential.h"
 #include "tests/support/pattern_random.h"
 
+#include "regexp/machine/machine_code.h"
+
 #include <gtest/gtest.h>
 #include <sys/mman.h>
 

@@ -1,5 +1,5 @@
 // The table of the memo against a plain set, operation by operation.
-#include "regexp/memo.h"
+#include "regexp/state/memo.h"
 #include "tests/support/differential.h"
 
 #include <gtest/gtest.h>

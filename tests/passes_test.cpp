@@ -4,7 +4,8 @@
 #include "tests/support/text.h"
 
 #include "regexp/nodes/collection.h"
-#include "regexp/passes/bottlenecks.h"
+#include "regexp/parser/parser_context.h"
+#include "regexp/analysis/bottlenecks.h"
 #include "regexp/regexp.h"
 
 #include <gtest/gtest.h>

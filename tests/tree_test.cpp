@@ -1,8 +1,8 @@
 // The compiled pattern as hosts use it: constructors, names, ownership, and a graph that searches leave alone.
 #include "host/allocation.h"
 #include "host/allocation_counter.h"
-#include "regexp/graph_facts.h"
-#include "regexp/nodes/node.h"
+#include "regexp/graph/graph_facts.h"
+#include "regexp/graph/node.h"
 #include "regexp/regexp.h"
 
 #include <algorithm>

@@ -1,5 +1,5 @@
 // Sets of units against plain tables: what they hold after any operations, and what they say about each other.
-#include "regexp/unit_set.h"
+#include "regexp/units/unit_set.h"
 
 #include "regexp/nodes/unit_union.h"
 

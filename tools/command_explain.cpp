@@ -7,7 +7,7 @@
 #include "tools/utf8.h"
 #include "tools/warning_report.h"
 
-#include "regexp/graph_facts.h"
+#include "regexp/graph/graph_facts.h"
 #include "regexp/inspect/outline.h"
 #include "regexp/nodes/closed_body.h"
 #include "regexp/nodes/consume.h"

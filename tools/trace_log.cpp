@@ -1,7 +1,7 @@
 #include "tools/trace_log.h"
 
 #include "regexp/nodes/label_text.h"
-#include "regexp/nodes/node.h"
+#include "regexp/graph/node.h"
 
 namespace tool {
 namespace {

@@ -1,7 +1,7 @@
 // What happened in one search, event by event, as it is printed and replayed.
 #pragma once
 
-#include "regexp/inspect/observer.h"
+#include "regexp/search/observer.h"
 #include "regexp/regexp.h"
 
 #include <cstddef>

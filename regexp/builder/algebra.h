@@ -19,7 +19,7 @@
 #include "regexp/builder/sets.h"
 #include "regexp/builder/template.h"
 #include "regexp/builder/tokens.h"
-#include "regexp/flags.h"
+#include "regexp/base/flags.h"
 
 #include <concepts>
 #include <cstddef>

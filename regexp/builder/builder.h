@@ -4,8 +4,8 @@
 // here.
 #pragma once
 
-#include "regexp/export.h"
-#include "regexp/flags.h"
+#include "regexp/base/export.h"
+#include "regexp/base/flags.h"
 
 #include <cstddef>
 #include <cstdint>

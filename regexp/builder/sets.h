@@ -1,7 +1,7 @@
 // Sets of units for patterns made by a program.
 #pragma once
 
-#include "regexp/export.h"
+#include "regexp/base/export.h"
 
 #include <concepts>
 #include <cstddef>

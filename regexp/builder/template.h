@@ -3,7 +3,7 @@
 
 #include "regexp/builder/builder.h"
 #include "regexp/builder/tokens.h"
-#include "regexp/export.h"
+#include "regexp/base/export.h"
 
 #include <cstddef>
 #include <string_view>

@@ -1,7 +1,7 @@
 // How patterns made by a program name their tokens.
 #pragma once
 
-#include "regexp/export.h"
+#include "regexp/base/export.h"
 
 #include <algorithm>
 #include <cstddef>

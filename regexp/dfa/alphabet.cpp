@@ -1,8 +1,8 @@
 #include "regexp/dfa/alphabet.h"
 
 #include "regexp/dfa/node_literals.h"
-#include "regexp/graph_facts.h"
-#include "regexp/nodes/node.h"
+#include "regexp/graph/graph_facts.h"
+#include "regexp/graph/node.h"
 
 #include <algorithm>
 #include <set>

@@ -1,7 +1,7 @@
 // The letters of a pattern: classes of units that it does not tell apart.
 #pragma once
 
-#include "regexp/unit_set.h"
+#include "regexp/units/unit_set.h"
 
 #include <array>
 #include <bitset>

@@ -1,6 +1,6 @@
 #include "regexp/dfa/determinizer.h"
 
-#include "regexp/graph_facts.h"
+#include "regexp/graph/graph_facts.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,7 +1,7 @@
 #include "regexp/dfa/dfa.h"
 
 #include "regexp/dfa/sides.h"
-#include "regexp/search_info.h"
+#include "regexp/state/search_info.h"
 #include "regexp/seek/scan.h"
 
 #include <algorithm>

@@ -6,9 +6,9 @@
 #pragma once
 
 #include "regexp/dfa/shuffle.h"
-#include "regexp/memory.h"
+#include "regexp/base/memory.h"
 #include "regexp/seek/kernels.h"
-#include "regexp/unit_set.h"
+#include "regexp/units/unit_set.h"
 
 #include <array>
 #include <cstddef>

@@ -1,9 +1,9 @@
-#include "regexp/inquiry.h"
+#include "regexp/state/inquiry.h"
 
 #include "regexp/dfa/dfa.h"
-#include "regexp/graph_facts.h"
-#include "regexp/search_info.h"
-#include "regexp/within_size.h"
+#include "regexp/graph/graph_facts.h"
+#include "regexp/state/search_info.h"
+#include "regexp/base/within_size.h"
 
 #include <algorithm>
 

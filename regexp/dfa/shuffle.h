@@ -2,7 +2,7 @@
 // each letter, and a step takes a cycle or two where a table in memory takes the time of a load.
 #pragma once
 
-#include "regexp/memory.h"
+#include "regexp/base/memory.h"
 
 #include <array>
 #include <cstddef>

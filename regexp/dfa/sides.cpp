@@ -1,9 +1,9 @@
 #include "regexp/dfa/sides.h"
 
 #include "regexp/dfa/alphabet.h"
-#include "regexp/graph_facts.h"
+#include "regexp/graph/graph_facts.h"
 #include "regexp/nodes/closed_body.h"
-#include "regexp/nodes/node.h"
+#include "regexp/graph/node.h"
 
 #include <map>
 

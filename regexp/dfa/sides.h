@@ -1,7 +1,7 @@
 // What a pattern asks about the unit before a place: anchors, and tests of one unit behind.
 #pragma once
 
-#include "regexp/unit_set.h"
+#include "regexp/units/unit_set.h"
 
 #include <cstddef>
 #include <vector>

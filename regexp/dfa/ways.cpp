@@ -3,7 +3,7 @@
 #include "regexp/dfa/alphabet.h"
 #include "regexp/dfa/node_literals.h"
 #include "regexp/dfa/sides.h"
-#include "regexp/graph_facts.h"
+#include "regexp/graph/graph_facts.h"
 #include "regexp/nodes/anchors.h"
 #include "regexp/nodes/closed_body.h"
 #include "regexp/nodes/consume.h"

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "regexp/eval/warning.h"
-#include "regexp/memory.h"
+#include "regexp/base/memory.h"
 #include "regexp/options/compile_options.h"
 
 #include <cstddef>

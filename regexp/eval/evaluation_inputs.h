@@ -2,7 +2,7 @@
 #pragma once
 
 #include "regexp/eval/evaluation_io.h"
-#include "regexp/memory.h"
+#include "regexp/base/memory.h"
 
 #include <concepts>
 #include <cstddef>

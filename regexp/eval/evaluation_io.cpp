@@ -1,7 +1,7 @@
 #include "regexp/eval/evaluation_io.h"
 
 #include "host/code_page.h"
-#include "regexp/insert_text.h"
+#include "regexp/base/insert_text.h"
 
 #include <algorithm>
 #include <functional>

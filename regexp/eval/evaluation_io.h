@@ -1,7 +1,7 @@
 // Growable UTF-16 text exchanged with the host's interpreter.
 #pragma once
 
-#include "regexp/memory.h"
+#include "regexp/base/memory.h"
 
 #include <cstddef>
 

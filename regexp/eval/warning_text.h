@@ -2,7 +2,7 @@
 #pragma once
 
 #include "regexp/eval/warning.h"
-#include "regexp/export.h"
+#include "regexp/base/export.h"
 
 #include <cstddef>
 #include <optional>

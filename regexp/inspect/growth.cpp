@@ -7,10 +7,10 @@
 // second loop, and the way to it, must do without them.
 #include "regexp/inspect/growth.h"
 
-#include "regexp/graph_facts.h"
+#include "regexp/graph/graph_facts.h"
 #include "regexp/inspect/automaton.h"
 #include "regexp/inspect/components.h"
-#include "regexp/inspect/observer.h"
+#include "regexp/search/observer.h"
 #include "regexp/regexp.h"
 
 #include <algorithm>

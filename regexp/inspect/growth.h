@@ -6,7 +6,7 @@
 // is not sure it does not say "linear".
 #pragma once
 
-#include "regexp/export.h"
+#include "regexp/base/export.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,7 +1,7 @@
 // A pattern in English, one line a part, inner parts indented.
 #pragma once
 
-#include "regexp/flags.h"
+#include "regexp/base/flags.h"
 #include "regexp/regexp.h"
 
 #include <cstddef>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "regexp/machine/machine_code.h"
-#include "regexp/search_registers.h"
+#include "regexp/state/search_registers.h"
 
 #include <xbyak/xbyak.h>
 

@@ -5,7 +5,7 @@
 // match loop would take, in the same order, so that budgets, interrupts and results are those of the graph.
 #pragma once
 
-#include "regexp/memory.h"
+#include "regexp/base/memory.h"
 
 #include <cstddef>
 #include <cstdint>

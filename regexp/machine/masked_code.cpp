@@ -5,7 +5,7 @@
 
 #include "regexp/machine/unit_code.h"
 #include "regexp/seek/kernels.h"
-#include "regexp/unit_set.h"
+#include "regexp/units/unit_set.h"
 
 namespace corvane_machine {
 

@@ -3,7 +3,7 @@
 #include "regexp/machine/program_code.h"
 
 #include "regexp/nodes/dispatch.h"
-#include "regexp/unit_set.h"
+#include "regexp/units/unit_set.h"
 
 #include <algorithm>
 

@@ -3,7 +3,7 @@
 
 #include "regexp/machine/unit_code.h"
 #include "regexp/program/instruction.h"
-#include "regexp/token_stack.h"
+#include "regexp/state/token_stack.h"
 
 #include <functional>
 #include <memory>

@@ -4,8 +4,8 @@
 #include "regexp/machine/program_code.h"
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/tokens.h"
-#include "regexp/token_stack.h"
-#include "regexp/unit_set.h"
+#include "regexp/state/token_stack.h"
+#include "regexp/units/unit_set.h"
 
 #include <algorithm>
 

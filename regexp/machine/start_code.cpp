@@ -4,8 +4,8 @@
 
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/seeker.h"
-#include "regexp/step_meter.h"
-#include "regexp/unit_set.h"
+#include "regexp/state/step_meter.h"
+#include "regexp/units/unit_set.h"
 
 #include <algorithm>
 #include <bit>

@@ -1,7 +1,7 @@
 // Code of the way from start to start.
 #pragma once
 
-#include "regexp/graph_facts.h"
+#include "regexp/graph/graph_facts.h"
 #include "regexp/machine/program_code.h"
 #include "regexp/seek/literal_search.h"
 

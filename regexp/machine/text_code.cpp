@@ -2,7 +2,7 @@
 #ifdef CORVANE_MACHINE_CODE
 
 #include "regexp/machine/unit_code.h"
-#include "regexp/unit_set.h"
+#include "regexp/units/unit_set.h"
 
 #include <algorithm>
 #include <iterator>

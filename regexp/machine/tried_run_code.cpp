@@ -3,8 +3,8 @@
 #ifdef CORVANE_MACHINE_CODE
 
 #include "regexp/machine/program_code.h"
-#include "regexp/token_stack.h"
-#include "regexp/unit_set.h"
+#include "regexp/state/token_stack.h"
+#include "regexp/units/unit_set.h"
 
 #include <algorithm>
 

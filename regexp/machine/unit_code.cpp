@@ -4,7 +4,7 @@
 
 #include "regexp/program/instruction.h"
 #include "regexp/seek/kernels.h"
-#include "regexp/unit_set.h"
+#include "regexp/units/unit_set.h"
 
 #include <algorithm>
 #include <bit>

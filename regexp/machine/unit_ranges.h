@@ -1,7 +1,7 @@
 // The ranges that a set of units consists of, as far as a few comparisons can tell them apart.
 #pragma once
 
-#include "regexp/unit_set.h"
+#include "regexp/units/unit_set.h"
 
 #include <cstddef>
 

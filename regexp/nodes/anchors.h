@@ -2,10 +2,10 @@
 // bounds first, so that no unit outside the subject is read.
 #pragma once
 
-#include "regexp/nodes/node.h"
-#include "regexp/search_info.h"
+#include "regexp/graph/node.h"
+#include "regexp/state/search_info.h"
 #include "regexp/nodes/can_seek.h"
-#include "regexp/unit_set.h"
+#include "regexp/units/unit_set.h"
 
 class CORVANE_REGEXP_EXPORT RE_Anchor : public RE_Can_Seek<RE_Node> {
 public:

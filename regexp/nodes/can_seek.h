@@ -1,7 +1,7 @@
 // Mix-ins of nodes that can look ahead for the next position at which they may match.
 #pragma once
 
-#include "regexp/search_info.h"
+#include "regexp/state/search_info.h"
 #include "regexp/seek/seek_table.h"
 
 /// Answers `seek` from the search's seek table where it can, and from the node's own scan where it must.

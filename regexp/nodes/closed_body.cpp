@@ -1,6 +1,6 @@
 #include "regexp/nodes/closed_body.h"
 
-#include "regexp/within_size.h"
+#include "regexp/base/within_size.h"
 
 #include <algorithm>
 

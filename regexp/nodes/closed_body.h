@@ -6,7 +6,7 @@
 #pragma once
 
 #include "regexp/nodes/can_seek.h"
-#include "regexp/unit_set.h"
+#include "regexp/units/unit_set.h"
 
 /// Keeps what its body matched first.
 class CORVANE_REGEXP_EXPORT RE_Atomic : public RE_Node {

@@ -4,7 +4,7 @@
 #include "regexp/nodes/tokens.h"
 #include "regexp/nodes/graph_context.h"
 #include "regexp/nodes/unit_union.h"
-#include "regexp/search_info.h"
+#include "regexp/state/search_info.h"
 #include "regexp/seek/scan.h"
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 // A repetition of one single-unit item: the run is measured at once and leaves one choice for all its ends.
 #pragma once
 
-#include "regexp/nodes/node.h"
-#include "regexp/search_registers.h"
+#include "regexp/graph/node.h"
+#include "regexp/state/search_registers.h"
 #include "regexp/seek/kernels.h"
 
 #include <algorithm>

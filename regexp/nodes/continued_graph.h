@@ -1,8 +1,8 @@
 // What a pattern has to know of the finished graph that it continues in.
 #pragma once
 
-#include "regexp/memory.h"
-#include "regexp/sub_pattern_place.h"
+#include "regexp/base/memory.h"
+#include "regexp/state/sub_pattern_place.h"
 
 #include <cstddef>
 #include <vector>

@@ -1,6 +1,6 @@
 #include "regexp/nodes/counters.h"
 
-#include "regexp/search_info.h"
+#include "regexp/state/search_info.h"
 
 #include <algorithm>
 

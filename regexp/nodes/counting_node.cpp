@@ -1,7 +1,7 @@
 #include "regexp/nodes/counting_node.h"
 
-#include "regexp/nodes/node.h"
-#include "regexp/search_info.h"
+#include "regexp/graph/node.h"
+#include "regexp/state/search_info.h"
 
 RE_Node_Counting::RE_Node_Counting(const RE_Node* node, RE_Search_Info& info)
     : nodeId(node->nodeId), search(info), top(info.backtrack.top), refusals(info.refusals) {}

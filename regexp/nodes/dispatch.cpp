@@ -1,7 +1,7 @@
 #include "regexp/nodes/dispatch.h"
 
 #include "regexp/nodes/graph_context.h"
-#include "regexp/unit_set.h"
+#include "regexp/units/unit_set.h"
 
 #include <algorithm>
 #include <bit>

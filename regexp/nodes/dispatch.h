@@ -2,7 +2,7 @@
 // tried.
 #pragma once
 
-#include "regexp/search_info.h"
+#include "regexp/state/search_info.h"
 
 #include <algorithm>
 #include <array>

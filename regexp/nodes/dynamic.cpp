@@ -2,8 +2,8 @@
 
 #include "regexp/nodes/graph_context.h"
 #include "regexp/eval/evaluation_io.h"
-#include "regexp/results.h"
-#include "regexp/search_info.h"
+#include "regexp/state/results.h"
+#include "regexp/state/search_info.h"
 
 namespace {
 

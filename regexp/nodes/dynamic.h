@@ -5,15 +5,17 @@
 #pragma once
 
 #include "regexp/eval/host_expressions.h"
-#include "regexp/flags.h"
-#include "regexp/included_texts.h"
-#include "regexp/nodes/node.h"
+#include "regexp/base/flags.h"
+#include "regexp/state/included_texts.h"
+#include "regexp/graph/node.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <utility>
+
+class RE_Context;
 
 /// `(?@expr)`: evaluates for the effects, and matches the empty text.
 class CORVANE_REGEXP_EXPORT RE_Evaluate : public RE_Node {

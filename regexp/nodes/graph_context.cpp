@@ -1,7 +1,7 @@
 #include "regexp/nodes/graph_context.h"
 
 #include "regexp/nodes/seeker.h"
-#include "regexp/within_size.h"
+#include "regexp/base/within_size.h"
 
 #include <algorithm>
 #include <span>

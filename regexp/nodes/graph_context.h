@@ -5,13 +5,13 @@
 #pragma once
 
 #include "regexp/eval/context.h"
-#include "regexp/flags.h"
-#include "regexp/graph_facts.h"
-#include "regexp/memory.h"
+#include "regexp/base/flags.h"
+#include "regexp/graph/graph_facts.h"
+#include "regexp/base/memory.h"
 #include "regexp/nodes/collection.h"
 #include "regexp/nodes/counting_node.h"
-#include "regexp/nodes/node.h"
-#include "regexp/scratch_memory.h"
+#include "regexp/graph/node.h"
+#include "regexp/base/scratch_memory.h"
 #include "regexp/seek/set_pool.h"
 
 #include <cstddef>
@@ -29,24 +29,10 @@ public:
     RE_Graph_Context(const RE_Graph_Context&) = delete;
     RE_Graph_Context& operator=(const RE_Graph_Context&) = delete;
 
-    /// Makes a node, in its counting form when the matching is to be profiled. This is the only place that
-    /// does.
+    /// Makes a node, in its counting form when the matching is to be profiled.
     template <class Node, class... Arguments>
     Node* make(Arguments&&... arguments) {
-        made.push_back(nullptr);
-        Node* node = nullptr;
-        if (options().profile()) {
-            using Counting = RE_Profile_Node<Node>;
-            node = new (facts->store.take(sizeof(Counting)))
-                Counting(*this, std::forward<Arguments>(arguments)...);
-        } else {
-            node = new (facts->store.take(sizeof(Node))) Node(*this, std::forward<Arguments>(arguments)...);
-            static_cast<RE_Node*>(node)->kind = kindOfNode<Node>;
-        }
-        static_cast<RE_Node*>(node)->classes = RE_Asked_Classes::bitsOf<Node>();
-        madeClasses |= RE_Asked_Classes::bitsOf<Node>();
-        made.back() = node;
-        return node;
+        return makeIn<Node>(*this, std::forward<Arguments>(arguments)...);
     }
     /// Whether a node of one of these classes was ever made: without any, a pass that is about them has nothing to do.
     template <class... Classes>
@@ -86,6 +72,26 @@ public:
     RE_Flags flags;
     std::unique_ptr<RE_Graph_Facts> facts;
     RE_Set_Pool sets{&scratch};
+
+protected:
+    /// The only place that makes nodes. `maker` is `*this` as the class that the node's constructor takes.
+    template <class Node, class Context, class... Arguments>
+    Node* makeIn(Context& maker, Arguments&&... arguments) {
+        made.push_back(nullptr);  // a node whose constructor throws leaves no trace
+        Node* node = nullptr;
+        if (options().profile()) {
+            using Counting = RE_Profile_Node<Node>;
+            node = new (facts->store.take(sizeof(Counting)))
+                Counting(maker, std::forward<Arguments>(arguments)...);
+        } else {
+            node = new (facts->store.take(sizeof(Node))) Node(maker, std::forward<Arguments>(arguments)...);
+            static_cast<RE_Node*>(node)->kind = kindOfNode<Node>;
+        }
+        static_cast<RE_Node*>(node)->classes = RE_Asked_Classes::bitsOf<Node>();
+        madeClasses |= RE_Asked_Classes::bitsOf<Node>();
+        made.back() = node;
+        return node;
+    }
 
 private:
     RE_Scratch_List<RE_Node*> made{&scratch};  ///< in this order; null while one is made

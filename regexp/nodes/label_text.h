@@ -1,7 +1,7 @@
 // Units as they appear in the labels of nodes.
 #pragma once
 
-#include "regexp/export.h"
+#include "regexp/base/export.h"
 
 #include <cstddef>
 #include <string>

@@ -2,7 +2,7 @@
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/string.h"
 #include "regexp/nodes/tokens.h"
-#include "regexp/search_info.h"
+#include "regexp/state/search_info.h"
 #include "regexp/seek/scan.h"
 
 #include <algorithm>

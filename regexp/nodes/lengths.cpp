@@ -5,7 +5,7 @@
 #include "regexp/nodes/links.h"
 #include "regexp/nodes/trivial.h"
 #include "regexp/nodes/units.h"
-#include "regexp/scratch_memory.h"
+#include "regexp/base/scratch_memory.h"
 
 #include <algorithm>
 #include <vector>

@@ -1,11 +1,11 @@
 // A literal, or one of a few, that every match holds somewhere, and what may precede it.
 #pragma once
 
-#include "regexp/memory.h"
-#include "regexp/search_info.h"
+#include "regexp/base/memory.h"
+#include "regexp/state/search_info.h"
 #include "regexp/seek/scan.h"
 #include "regexp/seek/text_finder.h"
-#include "regexp/unit_set.h"
+#include "regexp/units/unit_set.h"
 
 #include <cstdint>
 #include <memory>

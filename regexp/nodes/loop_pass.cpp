@@ -1,7 +1,7 @@
 #include "regexp/nodes/loop_pass.h"
 
-#include "regexp/pass_word.h"
-#include "regexp/search_info.h"
+#include "regexp/state/pass_word.h"
+#include "regexp/state/search_info.h"
 
 bool RE_Start_Pass::match(const char16_t*, std::size_t& pos, RE_Search_Info& info) const {
     switch (passKind) {

@@ -6,7 +6,7 @@
 // (`parser/empty_passes.h` says when).
 #pragma once
 
-#include "regexp/nodes/node.h"
+#include "regexp/graph/node.h"
 
 enum class RE_Pass { optional, required, lastWhenEmpty };
 

@@ -1,8 +1,8 @@
-#include "regexp/nodes/node.h"
+#include "regexp/graph/node.h"
 
 #include "regexp/nodes/graph_context.h"
-#include "regexp/search_info.h"
-#include "regexp/unit_set.h"
+#include "regexp/state/search_info.h"
+#include "regexp/units/unit_set.h"
 
 RE_Node::RE_Node(RE_Graph_Context& context) : nodeId(context.nextNodeId()) {}
 

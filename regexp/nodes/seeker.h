@@ -9,7 +9,7 @@
 #include "regexp/seek/kernels.h"
 #include "regexp/nodes/literal_stretches.h"
 #include "regexp/seek/window_filter.h"
-#include "regexp/unit_set.h"
+#include "regexp/units/unit_set.h"
 
 #include <memory>
 #include <string>

@@ -1,9 +1,9 @@
 #include "regexp/nodes/tokens.h"
 
 #include "regexp/nodes/label_text.h"
-#include "regexp/search_info.h"
+#include "regexp/state/search_info.h"
 #include "regexp/seek/scan.h"
-#include "regexp/unit_set.h"
+#include "regexp/units/unit_set.h"
 
 #include <algorithm>
 #include <string_view>

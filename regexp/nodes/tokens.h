@@ -1,8 +1,8 @@
 // Capture groups, backreferences and conditions on tokens.
 #pragma once
 
-#include "regexp/nodes/node.h"
-#include "regexp/search_info.h"
+#include "regexp/graph/node.h"
+#include "regexp/state/search_info.h"
 #include "regexp/seek/literal_search.h"
 
 #include <string>

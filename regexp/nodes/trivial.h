@@ -1,8 +1,8 @@
 // The two nodes that test nothing: the empty node and the end.
 #pragma once
 
-#include "regexp/nodes/node.h"
-#include "regexp/search_info.h"
+#include "regexp/graph/node.h"
+#include "regexp/state/search_info.h"
 
 /// What an empty group or branch leaves behind, and where branches meet again.
 class CORVANE_REGEXP_EXPORT RE_Null : public RE_Node {

@@ -1,9 +1,9 @@
 // Puts the units together that may stand at some place.
 #pragma once
 
-#include "regexp/nodes/node.h"
+#include "regexp/graph/node.h"
 #include "regexp/seek/set_pool.h"
-#include "regexp/unit_set.h"
+#include "regexp/units/unit_set.h"
 
 #include <array>
 #include <cstddef>

@@ -7,7 +7,7 @@
 #include <iosfwd>
 #include <vector>
 
-#include "regexp/export.h"
+#include "regexp/base/export.h"
 #include "regexp/options/option.h"
 
 namespace Corvane::regexp {

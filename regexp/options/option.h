@@ -8,7 +8,7 @@
 #include <cstddef>
 #include <string>
 
-#include "regexp/export.h"
+#include "regexp/base/export.h"
 #include "regexp/options/option_context.h"
 
 namespace Corvane::regexp::Option {

@@ -5,7 +5,7 @@
 
 #include <cstddef>
 
-#include "regexp/export.h"
+#include "regexp/base/export.h"
 
 struct cxArray;
 

@@ -1,9 +1,9 @@
 // Which bracket closes which, found in one pass over the pattern.
 #pragma once
 
-#include "regexp/flags.h"
-#include "regexp/memory.h"
-#include "regexp/scratch_memory.h"
+#include "regexp/base/flags.h"
+#include "regexp/base/memory.h"
+#include "regexp/base/scratch_memory.h"
 
 #include <array>
 #include <cstddef>

@@ -2,7 +2,7 @@
 #include "regexp/nodes/anchors.h"
 #include "regexp/nodes/dynamic.h"
 #include "regexp/parser/graph_builder.h"
-#include "regexp/within_size.h"
+#include "regexp/base/within_size.h"
 
 // A closed body is a graph of its own: nothing outside changes while it runs, so its memo scopes begin
 // afresh.

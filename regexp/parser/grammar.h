@@ -4,7 +4,7 @@
 // reported as a numbered warning and degrades to literal text or to nothing; reading never fails.
 #pragma once
 
-#include "regexp/memory.h"
+#include "regexp/base/memory.h"
 #include "regexp/parser/brackets.h"
 #include "regexp/parser/parser_context.h"
 #include "regexp/parser/syntax.h"

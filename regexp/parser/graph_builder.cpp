@@ -4,7 +4,7 @@
 #include "regexp/nodes/dynamic.h"
 #include "regexp/nodes/string.h"
 #include "regexp/parser/unit_nodes.h"
-#include "regexp/within_size.h"
+#include "regexp/base/within_size.h"
 
 #include <algorithm>
 

@@ -5,7 +5,7 @@
 // small functions, the next one on top, so that building takes no recursion, however deeply a pattern nests.
 #pragma once
 
-#include "regexp/memory.h"
+#include "regexp/base/memory.h"
 #include "regexp/nodes/closed_body.h"
 #include "regexp/nodes/counters.h"
 #include "regexp/nodes/loop_pass.h"

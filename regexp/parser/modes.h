@@ -2,7 +2,7 @@
 #pragma once
 
 #include "regexp/eval/warning.h"
-#include "regexp/flags.h"
+#include "regexp/base/flags.h"
 
 #include <cstddef>
 

@@ -1,7 +1,7 @@
 #include "regexp/parser/names.h"
 
 #include "regexp/parser/escapes.h"
-#include "regexp/unit_set.h"
+#include "regexp/units/unit_set.h"
 
 std::size_t skipFreeSpacing(const char16_t* text, std::size_t length, std::size_t at) {
     const RE_Unit_Set& spaces = RE_Unit_Classes::get().spaces;

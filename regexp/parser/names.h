@@ -1,7 +1,7 @@
 // Names of groups, as they stand between angle brackets.
 #pragma once
 
-#include "regexp/flags.h"
+#include "regexp/base/flags.h"
 
 #include <cstddef>
 #include <string>

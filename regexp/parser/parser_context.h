@@ -12,6 +12,12 @@ class CORVANE_REGEXP_EXPORT RE_ParserContext : public RE_Graph_Context {
 public:
     using RE_Graph_Context::RE_Graph_Context;
 
+    /// As that of the base, for nodes whose constructors take the parser's context, too.
+    template <class Node, class... Arguments>
+    Node* make(Arguments&&... arguments) {
+        return makeIn<Node>(*this, std::forward<Arguments>(arguments)...);
+    }
+
     void warn(const char16_t* where, RE_Warning warning) { context->warn(where, warning); }
     /// Asks the host each time, as the answer may change.
     bool mayEvaluate() const {

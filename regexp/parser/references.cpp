@@ -2,7 +2,7 @@
 #include "regexp/parser/escapes.h"
 #include "regexp/parser/grammar.h"
 #include "regexp/parser/names.h"
-#include "regexp/within_size.h"
+#include "regexp/base/within_size.h"
 
 #include <algorithm>
 

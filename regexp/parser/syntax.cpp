@@ -1,6 +1,6 @@
 #include "regexp/parser/syntax.h"
 
-#include "regexp/within_size.h"
+#include "regexp/base/within_size.h"
 
 std::uint32_t RE_Syntax_Tree::add(RE_Syntax_Kind kind, std::uint32_t position, RE_Flags flags) {
     RE_Syntax& item = items.emplace_back();

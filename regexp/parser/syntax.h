@@ -4,10 +4,10 @@
 // no recursion, however deeply a pattern nests.
 #pragma once
 
-#include "regexp/flags.h"
-#include "regexp/memory.h"
-#include "regexp/scratch_memory.h"
-#include "regexp/unit_set.h"
+#include "regexp/base/flags.h"
+#include "regexp/base/memory.h"
+#include "regexp/base/scratch_memory.h"
+#include "regexp/units/unit_set.h"
 
 #include <cstdint>
 #include <memory>

@@ -1,9 +1,9 @@
 // Which units an atom of one unit stands for: the rules of case that nodes and sets share.
 #pragma once
 
-#include "regexp/flags.h"
+#include "regexp/base/flags.h"
 #include "regexp/nodes/unit_union.h"
-#include "regexp/unit_set.h"
+#include "regexp/units/unit_set.h"
 
 #include <cstddef>
 #include <memory>

@@ -6,8 +6,8 @@
 #include "regexp/nodes/split.h"
 #include "regexp/nodes/string.h"
 #include "regexp/nodes/units.h"
-#include "regexp/passes/branch_literals.h"
-#include "regexp/passes/first_units.h"
+#include "regexp/analysis/branch_literals.h"
+#include "regexp/analysis/first_units.h"
 #include "regexp/passes/null_nodes.h"
 
 #include <algorithm>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "regexp/nodes/graph_context.h"
-#include "regexp/stage.h"
+#include "regexp/graph/stage.h"
 
 #include <functional>
 

@@ -2,7 +2,7 @@
 
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/tokens.h"
-#include "regexp/passes/first_units.h"
+#include "regexp/analysis/first_units.h"
 
 #include <algorithm>
 

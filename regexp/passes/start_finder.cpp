@@ -6,10 +6,10 @@
 #include "regexp/nodes/literal_set.h"
 #include "regexp/nodes/seeker.h"
 #include "regexp/nodes/string.h"
-#include "regexp/passes/first_units.h"
-#include "regexp/passes/prefix_scan.h"
-#include "regexp/passes/required_literal.h"
-#include "regexp/seek/likelihood.h"
+#include "regexp/analysis/first_units.h"
+#include "regexp/analysis/prefix_scan.h"
+#include "regexp/analysis/required_literal.h"
+#include "regexp/units/likelihood.h"
 
 #include <algorithm>
 #include <memory>

@@ -5,7 +5,7 @@
 // say, the match loop goes on at the node. Results and steps are those of the graph.
 #pragma once
 
-#include "regexp/memory.h"
+#include "regexp/base/memory.h"
 
 #include <cstddef>
 #include <cstdint>

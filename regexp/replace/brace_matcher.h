@@ -1,8 +1,8 @@
 // Where the braces of expressions in a replacement close.
 #pragma once
 
-#include "regexp/flags.h"
-#include "regexp/memory.h"
+#include "regexp/base/flags.h"
+#include "regexp/base/memory.h"
 
 #include <array>
 #include <cstddef>

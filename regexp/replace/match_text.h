@@ -1,7 +1,7 @@
 // The texts of one match that a replacement can refer to.
 #pragma once
 
-#include "regexp/results.h"
+#include "regexp/state/results.h"
 
 #include <cstddef>
 #include <string_view>

@@ -1,7 +1,7 @@
 #include "regexp/replace/name_reader.h"
 
 #include "regexp/parser/escapes.h"
-#include "regexp/unit_set.h"
+#include "regexp/units/unit_set.h"
 
 #include <string>
 

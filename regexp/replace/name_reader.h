@@ -1,8 +1,8 @@
 // Names between angle brackets in a replacement.
 #pragma once
 
-#include "regexp/flags.h"
-#include "regexp/memory.h"
+#include "regexp/base/flags.h"
+#include "regexp/base/memory.h"
 #include "regexp/parser/names.h"
 
 #include <cstddef>

@@ -1,8 +1,8 @@
 // A buffer while a piece of replaced text is inserted into it.
 #pragma once
 
-#include "regexp/memory.h"
-#include "regexp/insert_text.h"
+#include "regexp/base/memory.h"
+#include "regexp/base/insert_text.h"
 
 #include <cstddef>
 #include <string_view>

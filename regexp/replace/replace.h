@@ -6,7 +6,7 @@
 #pragma once
 
 #include "regexp/eval/context.h"
-#include "regexp/flags.h"
+#include "regexp/base/flags.h"
 #include "regexp/replace/replaceable.h"
 #include "regexp/tree.h"
 

@@ -1,7 +1,7 @@
 // The overloads of `replace`: one does the work, the others convert its texts.
 #include "host/code_page.h"
 #include "host/interrupt.h"
-#include "regexp/insert_text.h"
+#include "regexp/base/insert_text.h"
 #include "regexp/replace/replace.h"
 #include "regexp/replace/replacement_run.h"
 

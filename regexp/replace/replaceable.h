@@ -1,8 +1,8 @@
 // What can write the text that replaces a match.
 #pragma once
 
-#include "regexp/memory.h"
-#include "regexp/results.h"
+#include "regexp/base/memory.h"
+#include "regexp/state/results.h"
 
 #include <cstddef>
 

@@ -1,14 +1,14 @@
 #include "regexp/search/search.h"
 
-#include "regexp/graph_facts.h"
-#include "regexp/inspect/observer.h"
-#include "regexp/machine/machine_search.h"
-#include "regexp/match_loop.h"
+#include "regexp/graph/graph_facts.h"
+#include "regexp/search/observer.h"
+#include "regexp/search/machine_search.h"
+#include "regexp/search/match_loop.h"
 #include "regexp/program/run_program.h"
-#include "regexp/search_info.h"
-#include "regexp/start_walk.h"
-#include "regexp/unwatched_loop.h"
-#include "regexp/within_size.h"
+#include "regexp/state/search_info.h"
+#include "regexp/search/start_walk.h"
+#include "regexp/search/unwatched_loop.h"
+#include "regexp/base/within_size.h"
 
 #include <algorithm>
 

@@ -4,7 +4,7 @@
 // span. The scalar twins that tests compare them with are plain loops over the same tests.
 #pragma once
 
-#include "regexp/unit_set.h"
+#include "regexp/units/unit_set.h"
 
 #include <algorithm>
 #include <array>

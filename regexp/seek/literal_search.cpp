@@ -1,6 +1,6 @@
 #include "regexp/seek/literal_search.h"
 
-#include "regexp/seek/likelihood.h"
+#include "regexp/units/likelihood.h"
 #include "regexp/seek/scan.h"
 
 #include <algorithm>

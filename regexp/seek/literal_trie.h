@@ -6,8 +6,8 @@
 // first units.
 #pragma once
 
-#include "regexp/memory.h"
-#include "regexp/unit_set.h"
+#include "regexp/base/memory.h"
+#include "regexp/units/unit_set.h"
 
 #include <array>
 #include <cstddef>

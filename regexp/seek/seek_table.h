@@ -1,7 +1,7 @@
 // Memo of the answers to: where, from here on, can this node match next?
 #pragma once
 
-#include "regexp/memory.h"
+#include "regexp/base/memory.h"
 
 #include <boost/container/flat_map.hpp>
 #include <boost/container/small_vector.hpp>

@@ -1,9 +1,9 @@
 // Sets of units that a pattern names more than once are held once: each takes 8 KiB.
 #pragma once
 
-#include "regexp/scratch_memory.h"
+#include "regexp/base/scratch_memory.h"
 #include "regexp/seek/kernels.h"
-#include "regexp/unit_set.h"
+#include "regexp/units/unit_set.h"
 
 #include <cstddef>
 #include <memory>

@@ -3,7 +3,7 @@
 
 #include "regexp/seek/kernels.h"
 #include "regexp/seek/literal_search.h"
-#include "regexp/unit_set.h"
+#include "regexp/units/unit_set.h"
 
 #include <memory>
 #include <optional>

@@ -1,7 +1,7 @@
 // Where one of many literals may begin: their first units, taken together, are looked up in a table of bits.
 #pragma once
 
-#include "regexp/memory.h"
+#include "regexp/base/memory.h"
 #include "regexp/seek/literal_trie.h"
 
 #include <bit>

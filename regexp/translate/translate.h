@@ -1,7 +1,7 @@
 // Ordinary text turned into pattern text, and white space made plain.
 #pragma once
 
-#include "regexp/export.h"
+#include "regexp/base/export.h"
 
 #include <string>
 #include <string_view>

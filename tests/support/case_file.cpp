@@ -1,7 +1,7 @@
 // Reader of the match case tables.
 #include "tests/support/case_file.h"
 
-#include "regexp/within_size.h"
+#include "regexp/base/within_size.h"
 
 #include <filesystem>
 #include <fstream>

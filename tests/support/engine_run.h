@@ -2,9 +2,9 @@
 // Outcome.
 #pragma once
 
-#include "regexp/inquiry.h"
+#include "regexp/state/inquiry.h"
 #include "regexp/regexp.h"
-#include "regexp/search_memo.h"
+#include "regexp/state/search_memo.h"
 #include "regexp/nodes/literal_stretches.h"
 #include "tests/support/outcome.h"
 

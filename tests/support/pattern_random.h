@@ -1,7 +1,7 @@
 // Seeded random patterns, drawn so that everything comes up, and subjects of a small alphabet.
 #pragma once
 
-#include "regexp/flags.h"
+#include "regexp/base/flags.h"
 #include "tests/support/pattern_writer.h"
 
 #include <random>

@@ -1,6 +1,6 @@
 // Rows are read like patterns, as far as groups and modes go: so the writer always knows how many groups there are
 // and which modes are in force, and writes blanks, expressions and references accordingly.
-#include "regexp/flags.h"
+#include "regexp/base/flags.h"
 #include "tests/support/pattern_writer.h"
 
 #include <iterator>

@@ -2,7 +2,7 @@
 // row.
 #include "tests/support/pattern_writer.h"
 
-#include "regexp/flags.h"
+#include "regexp/base/flags.h"
 #include "tests/support/text.h"
 
 #include <algorithm>

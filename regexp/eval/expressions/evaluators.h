@@ -12,7 +12,7 @@
 #include "regexp/eval/context.h"
 #include "regexp/eval/evaluation_inputs.h"
 #include "regexp/eval/evaluation_tokens.h"
-#include "regexp/memory.h"
+#include "regexp/base/memory.h"
 #include "regexp/replace/replace.h"
 
 #include <cstddef>

@@ -1,0 +1,243 @@
+#include "regexp/analysis/prefix_units.h"
+
+#include "regexp/nodes/closed_body.h"
+#include "regexp/nodes/consume.h"
+#include "regexp/nodes/dynamic.h"
+#include "regexp/nodes/links.h"
+#include "regexp/nodes/literal_set.h"
+#include "regexp/nodes/string.h"
+#include "regexp/nodes/tokens.h"
+#include "regexp/nodes/trivial.h"
+#include "regexp/nodes/units.h"
+
+#include <algorithm>
+
+namespace {
+
+// Graphs that need more visits than this are not worth a prefix.
+constexpr std::size_t mostVisits = 400;
+
+}  // namespace
+
+void RE_Byte_Sets::add(char16_t unit) {
+    const std::size_t low = unit & 0xFF;
+    lowBytes[low / 64] |= std::uint64_t{1} << (low % 64);
+    if (unit <= 0xFF) {
+        latin[low / 64] |= std::uint64_t{1} << (low % 64);
+    } else {
+        beyondLatin = true;
+    }
+}
+
+void RE_Byte_Sets::addAscii(const RE_Ascii_Units& units) {
+    for (std::size_t j = 0; j < units.size(); ++j) {
+        latin[j] |= units[j];
+        lowBytes[j] |= units[j];
+    }
+}
+
+void RE_Byte_Sets::addAll(const RE_Unit_Set& units) {
+    // One group of those that are alike stands for all.
+    const std::size_t blocks = std::min((units.variedBlocks() / 4 + 2) * 4, RE_Unit_Set::unitCount / 64);
+    std::array<std::uint64_t, 4> beyond{};
+    for (std::size_t i = 4; i < blocks; i += 4) {
+        for (std::size_t j = 0; j < 4; ++j) {
+            beyond[j] |= units.bits(i + j);
+        }
+    }
+    for (std::size_t j = 0; j < 4; ++j) {
+        latin[j] |= units.bits(j);
+        lowBytes[j] |= units.bits(j) | beyond[j];
+        beyondLatin = beyondLatin || beyond[j] != 0;
+    }
+}
+
+void RE_Byte_Sets::addAll(const RE_Byte_Sets& other) {
+    for (std::size_t j = 0; j < 4; ++j) {
+        latin[j] |= other.latin[j];
+        lowBytes[j] |= other.lowBytes[j];
+    }
+    beyondLatin = beyondLatin || other.beyondLatin;
+}
+
+const RE_Byte_Sets& RE_Byte_Looks::ofClass(std::size_t number) {
+    static const auto looks = [] {
+        std::array<RE_Byte_Sets, RE_Unit_Classes::count> all;
+        const auto classes = RE_Unit_Classes::get().all();
+        for (std::size_t i = 0; i < all.size(); ++i) {
+            all[i].addAll(*classes[i]);
+        }
+        return all;
+    }();
+    return looks[number];
+}
+
+const RE_Byte_Sets& RE_Byte_Looks::of(const RE_Unit_Set& units) {
+    if (const std::size_t number = RE_Unit_Classes::numberOf(units); number != RE_Unit_Classes::count) {
+        return ofClass(number);
+    }
+    for (const auto& [set, look] : known) {
+        if (set == &units) {
+            return look;
+        }
+    }
+    known.emplace_back(&units, RE_Byte_Sets()).second.addAll(units);
+    return known.back().second;
+}
+
+void RE_Prefix_Units::gather(RE_Node* from, bool emptyCounts) {
+    countsEmpty = emptyCounts;
+    reach(from, 0);
+    visitPending();
+}
+
+void RE_Prefix_Units::gather(std::u16string_view text, bool ignoreCase, RE_Node* next) {
+    addText(text, ignoreCase, 0);
+    reach(next, text.size());
+    visitPending();
+}
+
+void RE_Prefix_Units::gatherLike(const RE_Prefix_Units& other, std::u16string_view text, bool ignoreCase) {
+    addText(text, ignoreCase, 0);
+    for (std::size_t place = text.size(); place < mostPlaces; ++place) {
+        places[place] = other.places[place];
+    }
+    known = other.known;
+}
+
+void RE_Prefix_Units::visitPending() {
+    while (known != 0 && !pending.empty()) {
+        const auto [node, place] = pending.back();
+        pending.pop_back();
+        visit(node, place);
+        if (seen > mostVisits) {
+            known = 0;
+        }
+    }
+}
+
+// Nodes note the places at which they were reached, one bit each.
+void RE_Prefix_Units::reach(RE_Node* node, std::size_t place) {
+    if (node == nullptr || place >= known) {
+        return;
+    }
+    const std::uint32_t bit = std::uint32_t{1} << place;
+    const std::uint32_t before = node->walk == walk ? node->walkNote : 0;
+    node->walk = walk;
+    node->walkNote = before | bit;
+    if ((before & bit) == 0) {
+        ++seen;
+        pending.push_back({node, place});
+    }
+}
+
+void RE_Prefix_Units::visit(RE_Node* node, std::size_t place) {
+    if (auto* unit = nodeAs<RE_Unit_Test>(node)) {
+        visitUnit(*unit, place);
+        reach(unit->nextNode, place + 1);
+        reach(unit->failTarget, place);
+    } else if (auto* string = nodeAs<RE_String>(node)) {
+        visitString(*string, place);
+    } else if (auto* literals = nodeAs<RE_Literal_Set>(node)) {
+        visitLiterals(*literals, place);
+    } else if (auto* loop = nodeAs<RE_Consume>(node)) {
+        visitLoop(*loop, place);
+    } else if (auto* atomic = nodeAs<RE_Atomic>(node)) {
+        reach(atomic->body, place);
+    } else if (auto* end = nodeAs<RE_End_Of_Tree>(node)) {
+        if (place != 0 || countsEmpty || end->endsBody || end->continuation != nullptr) {
+            endAt(place);
+        }
+    } else if (nodeAs<RE_Match_Token>(node) != nullptr || node->isEnd()) {
+        endAt(place);
+    } else {
+        forEachWay(*node, [this, place](RE_Node* target) { reach(target, place); });
+    }
+}
+
+void RE_Prefix_Units::visitUnit(const RE_Consumable& unit, std::size_t place) {
+    if (const RE_Unit_Set* const table = unit.table()) {
+        places[place].addAll(looks->of(*table));
+        return;
+    }
+    if (unit.kind == RE_Node_Kind::literal) {
+        places[place].add(static_cast<char16_t>(static_cast<const RE_Natural&>(unit).ch));
+        return;
+    }
+    if (unit.kind == RE_Node_Kind::dotLine || unit.matchesAnyChar()) {
+        places[place].addAll(looks->of(unit.kind == RE_Node_Kind::dotLine ? RE_Unit_Classes::allOfLine()
+                                                                          : RE_Unit_Classes::allUnits()));
+        return;
+    }
+    if (const std::optional<RE_Low_Units> low = lowUnitsOf(unit)) {
+        places[place].addAscii(low->words);
+        return;
+    }
+    RE_Unit_Set units;
+    unit.addUnitsTo(units);
+    places[place].addAll(units);
+}
+
+void RE_Prefix_Units::visitString(const RE_String& string, std::size_t place) {
+    addText({string.text, string.length}, string.ignoreCase, place);
+    reach(string.nextNode, place + string.length);
+}
+
+void RE_Prefix_Units::visitLiterals(const RE_Literal_Set& set, std::size_t place) {
+    std::uint32_t ends = 0;  // one bit each
+    std::array<RE_Ascii_Units, mostPlaces> ascii{};
+    for (std::size_t i = 0; i < set.literals.count(); ++i) {
+        const std::u16string_view text = set.literals.text(i);
+        ends |= std::uint32_t{1} << std::min(place + text.size(), mostPlaces);
+        if (set.literals.ignoresCase()) {
+            addText(text, true, place);
+            continue;
+        }
+        for (std::size_t at = place; at < std::min(place + text.size(), mostPlaces); ++at) {
+            if (const char16_t unit = text[at - place]; unit < 128) {
+                ascii[at][unit / 64] |= std::uint64_t{1} << (unit % 64);
+            } else {
+                places[at].add(unit);
+            }
+        }
+    }
+    for (std::size_t at = place; at < mostPlaces; ++at) {
+        places[at].addAscii(ascii[at]);
+    }
+    for (std::size_t end = place; end < mostPlaces; ++end) {
+        if ((ends >> end & 1) != 0) {
+            reach(set.nextNode, end);
+        }
+    }
+}
+
+void RE_Prefix_Units::addText(std::u16string_view text, bool ignoreCase, std::size_t place) {
+    const std::size_t end = std::min(text.size(), mostPlaces - place);
+    if (ignoreCase) {
+        for (std::size_t i = 0; i < end; ++i) {
+            addFolded(text[i], place + i);
+        }
+        return;
+    }
+    for (std::size_t i = 0; i < end; ++i) {
+        places[place + i].add(text[i]);
+    }
+}
+
+void RE_Prefix_Units::visitLoop(const RE_Consume& loop, std::size_t place) {
+    const RE_Byte_Sets& look = looks->of(*loop.units);
+    for (std::uint64_t turns = 0; place < known; ++turns, ++place) {
+        seen += turns != 0 ? 1 : 0;
+        if (turns >= loop.minimum) {
+            reach(loop.nextNode, place);
+        }
+        if (turns == loop.maximum) {
+            return;
+        }
+        places[place].addAll(look);
+    }
+}
+
+void RE_Prefix_Units::addFolded(char16_t unit, std::size_t place) {
+    RE_Case_Table::get().forEachForm(unit, [this, place](char16_t form) { places[place].add(form); });
+}

@@ -1,0 +1,183 @@
+#include "regexp/analysis/required_literal.h"
+
+#include "regexp/nodes/consume.h"
+#include "regexp/nodes/links.h"
+#include "regexp/nodes/literal_set.h"
+#include "regexp/nodes/string.h"
+#include "regexp/nodes/units.h"
+#include "regexp/nodes/unit_union.h"
+#include "regexp/analysis/bottlenecks.h"
+#include "regexp/analysis/prefix_scan.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+namespace {
+
+constexpr std::size_t mostNodes = 500;
+constexpr std::size_t mostVisitsToLiterals = 2000;
+constexpr std::uint64_t mostCounted = 1'000'000;
+constexpr std::uint64_t mostDistance = static_cast<std::uint32_t>(-1);
+constexpr std::size_t mostLiterals = 8;
+constexpr std::size_t usualNodesBefore = 32;
+
+/// Walks all ways from the root that do not lead through one literal, which is a bottleneck.
+class Around {
+public:
+    Around(RE_Graph_Context& parserContext, const RE_Node* literal)
+        : gathered(parserContext.sets),
+          avoided(literal),
+          number(parserContext.nextWalk()),
+          pending(&parserContext.scratch) {}
+
+    /// False when there are too many.
+    bool walk(RE_Node* root) {
+        pending.reserve(usualNodesBefore);
+        reach(root, 0);
+        for (std::size_t i = 0; i < pending.size(); ++i) {
+            if (i == mostVisitsToLiterals) {
+                return false;
+            }
+            visit(pending[i], pending[i]->walkNote);
+        }
+        return true;
+    }
+
+    RE_Unit_Union gathered;
+    std::uint64_t least = RE_Node::unboundedLength;  ///< units consumed on the shortest way to the literal
+
+private:
+    // A node is visited again when a shorter way to it turns up. Distances are noted in the nodes, up to a limit: what is
+    // asked for is a lower bound.
+    void reach(RE_Node* node, std::uint64_t distance) {
+        if (node == nullptr) {
+            return;
+        }
+        if (node == avoided) {
+            least = std::min(least, distance);
+            return;
+        }
+        const auto noted = static_cast<std::uint32_t>(std::min(distance, mostDistance));
+        if (node->walk != number || noted < node->walkNote) {
+            node->walk = number;
+            node->walkNote = noted;
+            pending.push_back(node);
+        }
+    }
+
+    void visit(RE_Node* node, std::uint64_t distance) {
+        if (auto* unit = nodeAs<RE_Unit_Test>(node)) {
+            gathered.addConsumable(*unit);
+            reach(unit->nextNode, distance + 1);
+            reach(unit->failTarget, distance);
+            return;
+        }
+        forEachStep(*node,
+                    [&, behind = distance + consumedBy(node)](RE_Node* target) { reach(target, behind); });
+    }
+
+    /// Units that the node consumes at the least. Adds those that they may be.
+    std::uint64_t consumedBy(const RE_Node* node) {
+        if (auto* loop = nodeAs<RE_Consume>(node)) {
+            gathered.addAll(*loop->units);
+            return std::min(loop->minimum, mostCounted);
+        }
+        if (auto* string = nodeAs<RE_String>(node)) {
+            gathered.addText({string->text, string->length}, string->ignoreCase);
+            return string->length;
+        }
+        if (auto* set = nodeAs<RE_Literal_Set>(node)) {
+            for (std::size_t i = 0; i < set->literals.count(); ++i) {
+                gathered.addText(set->literals.text(i), set->literals.ignoresCase());
+            }
+            return set->literals.shortest();
+        }
+        return 0;
+    }
+
+    const RE_Node* avoided;
+    std::uint32_t number;
+    RE_Scratch_List<RE_Node*> pending;
+};
+
+/// The first literals on the ways from the root, outside of closed bodies.
+RE_Scratch_List<RE_Node*> literalsFrom(RE_Graph_Context& context, RE_Node* root) {
+    const std::uint32_t walk = context.nextWalk();
+    RE_Scratch_List<RE_Node*> nodes(&context.scratch);
+    RE_Scratch_List<RE_Node*> found(&context.scratch);
+    nodes.reserve(usualNodesBefore);
+    found.reserve(mostLiterals);
+    const auto follow = [&](RE_Node* target) {
+        if (target->walk != walk) {
+            target->walk = walk;
+            nodes.push_back(target);
+        }
+    };
+    follow(root);
+    for (std::size_t i = 0; i < nodes.size() && i < mostNodes && found.size() < mostLiterals; ++i) {
+        RE_Node* const node = nodes[i];
+        if (nodeAs<RE_String>(node) != nullptr || nodeAs<RE_Natural>(node) != nullptr ||
+            nodeAs<RE_Literal_Set>(node) != nullptr) {
+            found.push_back(node);
+        }
+        forEachWay(*node, follow);
+    }
+    return found;
+}
+
+std::optional<RE_Text_Finder> finderOf(RE_Graph_Context& context, RE_Node* node) {
+    if (nodeAs<RE_Literal_Set>(node) == nullptr) {
+        return literalOf(node);
+    }
+    const std::optional<RE_Likely_Prefixes> prefixes = prefixesFrom(context, node, true);
+    if (!prefixes) {
+        return std::nullopt;
+    }
+    return RE_Text_Finder(prefixes->scan, prefixes->likelihood);
+}
+
+}  // namespace
+
+std::optional<RE_Text_Finder> literalOf(const RE_Node* node) {
+    if (const auto* string = nodeAs<RE_String>(node)) {
+        return RE_Text_Finder({string->text, string->length}, string->ignoreCase);
+    }
+    const auto* const unit = nodeAs<RE_Natural>(node);
+    if (unit == nullptr || unit->failTarget != nullptr || unit->ch > 0xFFFF) {
+        return std::nullopt;
+    }
+    return RE_Text_Finder(std::u16string(1, static_cast<char16_t>(unit->ch)),
+                          nodeAs<RE_Natural_I>(node) != nullptr);
+}
+
+std::vector<RE_Found_Literal> requiredLiterals(RE_Graph_Context& context, RE_Node* root) {
+    std::vector<RE_Found_Literal> required;
+    RE_Scratch_List<RE_Node*> literals = literalsFrom(context, root);
+    if (!literals.empty()) {
+        keepBottlenecks(context, root, literals);
+    }
+    required.reserve(literals.size());
+    for (RE_Node* node : literals) {
+        std::optional<RE_Text_Finder> finder = finderOf(context, node);
+        if (finder && finder->likelihood() < 1) {
+            const auto rarerThan = [](double share, const RE_Found_Literal& other) {
+                return share < other.likelihood();
+            };
+            const auto place =
+                std::upper_bound(required.begin(), required.end(), finder->likelihood(), rarerThan);
+            required.insert(place, {node, {std::move(*finder), nullptr, 0}});
+        }
+    }
+    return required;
+}
+
+bool surround(RE_Graph_Context& context, RE_Node* root, RE_Found_Literal& found) {
+    Around around(context, found.node);
+    if (!around.walk(root)) {
+        return false;
+    }
+    found.literal.before = around.gathered.take();
+    found.literal.leastBefore = around.least;
+    return true;
+}

@@ -1,0 +1,22 @@
+#include "regexp/base/scratch_memory.h"
+
+#include <new>
+
+RE_Scratch_Memory::~RE_Scratch_Memory() {
+    while (newest != nullptr) {
+        Chunk* const chunk = newest;
+        newest = chunk->before;
+        reRelease(chunk, chunkBytes);
+    }
+}
+
+// What is left of the chunk before is lost.
+void* RE_Scratch_Memory::takeAnew(std::size_t bytes) {
+    if (bytes > largest) {
+        return reAllocate(bytes);
+    }
+    newest = ::new (reAllocate(chunkBytes)) Chunk{newest};
+    next = reinterpret_cast<std::byte*>(newest + 1);
+    end = reinterpret_cast<std::byte*>(newest) + chunkBytes;
+    return std::exchange(next, next + inGrains(bytes));
+}

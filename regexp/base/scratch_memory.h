@@ -1,0 +1,99 @@
+// Memory of what lives no longer than one piece of work: the lists of a compilation.
+#pragma once
+
+#include "regexp/base/memory.h"
+
+#include <cstddef>
+#include <functional>
+#include <memory_resource>
+#include <new>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+/// Lays blocks one behind the other, first within itself, then within chunks from the host that are given back with it.
+/// A block that is given back before others are taken makes room again. Large blocks go straight to the host and back.
+class CORVANE_REGEXP_EXPORT RE_Scratch_Memory final : public std::pmr::memory_resource {
+public:
+    RE_Scratch_Memory() = default;
+    ~RE_Scratch_Memory() override;
+    RE_Scratch_Memory(const RE_Scratch_Memory&) = delete;
+    RE_Scratch_Memory& operator=(const RE_Scratch_Memory&) = delete;
+
+    void* take(std::size_t bytes) {
+        const std::size_t taken = inGrains(bytes);
+        if (bytes > largest || static_cast<std::size_t>(end - next) < taken) {
+            return takeAnew(bytes);
+        }
+        return std::exchange(next, next + taken);
+    }
+    void giveBack(void* block, std::size_t bytes) noexcept {
+        if (bytes > largest) {
+            reRelease(block, bytes);
+        } else if (static_cast<std::byte*>(block) + inGrains(bytes) == next) {
+            next = static_cast<std::byte*>(block);
+        }
+    }
+
+private:
+    static constexpr std::size_t grain = alignof(std::max_align_t);
+    static constexpr std::size_t ownBytes = 8192;
+    static constexpr std::size_t chunkBytes = 16384;
+    static constexpr std::size_t largest = 4096;
+
+    struct alignas(std::max_align_t) Chunk {
+        Chunk* before;
+    };
+
+    static std::size_t inGrains(std::size_t bytes) { return (bytes + grain - 1) / grain * grain; }
+    void* takeAnew(std::size_t bytes);
+    void* do_allocate(std::size_t bytes, std::size_t) override { return take(bytes); }
+    void do_deallocate(void* block, std::size_t bytes, std::size_t) override { giveBack(block, bytes); }
+    bool do_is_equal(const std::pmr::memory_resource& other) const noexcept override {
+        return this == &other;
+    }
+
+    std::byte* next = own;
+    std::byte* end = own + ownBytes;
+    Chunk* newest = nullptr;
+    alignas(std::max_align_t) std::byte own[ownBytes];
+};
+
+/// Standard allocator over scratch memory, without virtual calls.
+template <class T>
+class RE_Scratch_Allocator {
+public:
+    using value_type = T;
+
+    RE_Scratch_Allocator(RE_Scratch_Memory* scratch) noexcept : memory(scratch) {}
+    template <class U>
+    RE_Scratch_Allocator(const RE_Scratch_Allocator<U>& other) noexcept : memory(other.memory) {}
+
+    T* allocate(std::size_t count) {
+        if (count > static_cast<std::size_t>(-1) / sizeof(T)) {
+            throw std::bad_array_new_length();
+        }
+        return static_cast<T*>(memory->take(count * sizeof(T)));
+    }
+    void deallocate(T* block, std::size_t count) noexcept { memory->giveBack(block, count * sizeof(T)); }
+
+    template <class U>
+    bool operator==(const RE_Scratch_Allocator<U>& other) const noexcept {
+        return memory == other.memory;
+    }
+
+private:
+    template <class U>
+    friend class RE_Scratch_Allocator;
+
+    RE_Scratch_Memory* memory;
+};
+
+template <class T>
+using RE_Scratch_List = std::vector<T, RE_Scratch_Allocator<T>>;
+template <class Key, class Value>
+using RE_Scratch_Map = std::unordered_map<Key, Value, std::hash<Key>, std::equal_to<Key>,
+                                          RE_Scratch_Allocator<std::pair<const Key, Value>>>;
+template <class Key, class Value>
+using RE_Scratch_Multimap = std::unordered_multimap<Key, Value, std::hash<Key>, std::equal_to<Key>,
+                                                    RE_Scratch_Allocator<std::pair<const Key, Value>>>;

@@ -1,0 +1,36 @@
+// The choices that a search has left behind, in the order in which it takes them up again.
+#pragma once
+
+#include "regexp/base/memory.h"
+
+#include <boost/container/small_vector.hpp>
+#include <cstddef>
+#include <cstdint>
+
+class RE_Node;
+
+/// A choice left by a node.
+struct RE_Backtrack_Record {
+    const RE_Node* node = nullptr;
+    const char16_t* position = nullptr;  ///< subject position at which the choice was made
+    std::size_t savedTokens = 0;         ///< count of recorded tokens at that moment
+};
+
+/// What is kept beside a record: how far to undo token writes, and a word of the node's own.
+struct RE_Backtrack_Mark {
+    std::size_t trailHeight = 0;
+    std::size_t word = 0;
+};
+
+/// Stack of choices. `top` is the index of the most recent record, -1 when empty; pops never go below `base`.
+/// Records and marks grow together, by doubling; the first 8 need no allocation.
+struct CORVANE_REGEXP_EXPORT RE_Backtrack_Stack {
+    RE_Backtrack_Stack() : records(1), marks(1) {}
+
+    void grow();
+
+    boost::container::small_vector<RE_Backtrack_Record, 8, RE_Allocator<RE_Backtrack_Record>> records;
+    boost::container::small_vector<RE_Backtrack_Mark, 8, RE_Allocator<RE_Backtrack_Mark>> marks;
+    std::int32_t top = -1;
+    std::int32_t base = 0;
+};

@@ -1,0 +1,192 @@
+#include "regexp/state/search_memo.h"
+
+#include "regexp/state/pass_word.h"
+#include "regexp/state/search_info.h"
+
+#include <algorithm>
+
+namespace {
+
+// All positions of a search share the row of a node, but for those at which a pass began that has consumed
+// nothing yet: there the future differs. The last of them up to `last`, or `nowhere`.
+std::size_t lastPassStart(const RE_Search_Info& info, const RE_Node* node, std::size_t last) {
+    std::size_t found = RE_Memo_Table::nowhere;
+    for (const RE_Memo_Scope* scope = node->memoScope; scope != nullptr; scope = scope->parent) {
+        if (scope->kind == RE_Memo_Scope::Kind::pass) {
+            const std::size_t start = passStart(info.passWord(scope->index));
+            const bool later = found == RE_Memo_Table::nowhere || start > found;
+            found = start <= last && later ? start : found;
+        }
+    }
+    return found;
+}
+
+}  // namespace
+
+RE_Memo_Table& RE_Search_Memo::table(const RE_Search_Info& info) {
+    const std::size_t level = info.bodies.size();
+    if (tables.size() <= level) {
+        tables.resize(level + 1);
+    }
+    return tables[level];
+}
+
+bool RE_Search_Memo::insert(const RE_Search_Info& info, const RE_Node* node, std::size_t position) {
+    RE_Memo_Table& states = isSetApart(info, position) ? apart : table(info);
+    return states.insert(row(info, node, position), position);
+}
+
+bool RE_Search_Memo::isSetApart(const RE_Search_Info& info, std::size_t position) const {
+    return position == setApart && info.bodies.empty();
+}
+
+// No search looks behind the position that is set apart: it is the first of a range, if it is in it at all.
+std::size_t RE_Search_Memo::lastAbsent(const RE_Search_Info& info, std::uint32_t row, std::size_t first,
+                                       std::size_t last) {
+    if (!isSetApart(info, first)) {
+        return table(info).lastAbsent(row, first, last);
+    }
+    const std::size_t found =
+        first < last ? table(info).lastAbsent(row, first + 1, last) : RE_Memo_Table::nowhere;
+    return found == RE_Memo_Table::nowhere ? apart.lastAbsent(row, first, first) : found;
+}
+
+std::size_t RE_Search_Memo::firstAbsent(const RE_Search_Info& info, std::uint32_t row, std::size_t first,
+                                        std::size_t last) {
+    if (!isSetApart(info, first)) {
+        return table(info).firstAbsent(row, first, last);
+    }
+    if (!apart.contains(row, first)) {
+        return first;
+    }
+    return first < last ? table(info).firstAbsent(row, first + 1, last) : RE_Memo_Table::nowhere;
+}
+
+std::size_t RE_Search_Memo::lastUntried(const RE_Search_Info& info, const RE_Node* node, std::size_t first,
+                                        std::size_t last) {
+    const std::size_t special = lastPassStart(info, node, last);
+    if (special == last) {
+        return last;
+    }
+    const bool within = special != RE_Memo_Table::nowhere && special >= first;
+    const std::size_t found = lastAbsent(info, row(info, node, last), within ? special + 1 : first, last);
+    return found == RE_Memo_Table::nowhere && within ? special : found;
+}
+
+std::size_t RE_Search_Memo::firstUntried(const RE_Search_Info& info, const RE_Node* node, std::size_t first,
+                                         std::size_t last) {
+    const std::size_t special = lastPassStart(info, node, last);
+    if (special != RE_Memo_Table::nowhere && special >= first) {
+        return first;
+    }
+    return firstAbsent(info, row(info, node, last), first, last);
+}
+
+void RE_Search_Memo::insertAll(const RE_Search_Info& info, const RE_Node* node, std::size_t first,
+                               std::size_t last) {
+    const std::size_t special = lastPassStart(info, node, last);
+    if (special != RE_Memo_Table::nowhere && special >= first) {
+        return;
+    }
+    const std::uint32_t states = row(info, node, last);
+    if (isSetApart(info, first)) {
+        apart.insert(states, first++);
+    }
+    if (first <= last) {
+        table(info).insertAll(states, first, last);
+    }
+}
+
+void RE_Search_Memo::clear(std::size_t level) {
+    if (level < tables.size()) {
+        tables[level].clear();
+    }
+}
+
+void RE_Search_Memo::searchFrom(std::size_t position) {
+    apart.clear();
+    setApart = position;
+}
+
+void RE_Search_Memo::forgetStates() {
+    searchFrom(RE_Memo_Table::nowhere);
+    for (RE_Memo_Table& states : tables) {
+        states.clear();
+    }
+    rows.clear();
+    placeNumbers.clear();
+    textNumbers.clear();
+}
+
+// Most nodes stand in no counted loop and no loop with empty passes, and nothing refers to a token: their own
+// number is the row.
+std::uint32_t RE_Search_Memo::row(const RE_Search_Info& info, const RE_Node* node, std::size_t position) {
+    if (node->memoScope == nullptr && info.facts->referencedTokens.empty()) {
+        return node->memoIndex;
+    }
+    key.assign(1, node->memoIndex);
+    for (const RE_Memo_Scope* scope = node->memoScope; scope != nullptr; scope = scope->parent) {
+        switch (scope->kind) {
+            case RE_Memo_Scope::Kind::counter:
+                key.push_back(info.countAt(scope->counter, 0));
+                break;
+            case RE_Memo_Scope::Kind::pass:
+                key.push_back(passState(info.passWord(scope->index), position));
+                break;
+            case RE_Memo_Scope::Kind::token:
+                key.push_back(info.registers[scope->index]);
+                break;
+        }
+    }
+    for (const std::size_t token : info.facts->referencedTokens) {
+        key.push_back(tokenState(info, token));
+    }
+    return rows.row(key);
+}
+
+// A slot counts also while it is out of effect, as the close of a higher token may bring it back. A reference by name
+// tells a group that never closed from one that captured the empty text.
+std::size_t RE_Search_Memo::tokenState(const RE_Search_Info& info, std::size_t token) {
+    const RE_Token_Stack* const tokens = info.tokens;
+    if (tokens == nullptr || token >= tokens->slots.size()) {
+        return 0;
+    }
+    const std::size_t inEffect = token < tokens->count ? 1 : 0;
+    const RE_TokenInfo* const slot = token < std::max(tokens->written, tokens->count)
+                                         ? info.withinSubject(&tokens->slots[token])
+                                         : nullptr;
+    const bool tookPart = slot != nullptr && slot->tookPart;
+    return (tookPart ? textNumber(info, {slot->start, slot->length}) : 0) * 2 + inEffect;
+}
+
+// Equal texts get equal numbers, wherever they stand in the subject; 0 stands for no text. A text is read
+// once for each place it stands in, as the same token is asked for at every choice.
+std::size_t RE_Search_Memo::textNumber(const RE_Search_Info& info, Place place) {
+    const auto [known, isNew] = placeNumbers.try_emplace(place, 0);
+    if (isNew) {
+        info.noteScan(place.second);
+        const std::u16string_view text(info.subjectBegin + place.first, place.second);
+        known->second = textNumbers.try_emplace(text, textNumbers.size() + 1).first->second;
+    }
+    return known->second;
+}
+
+RE_Body_Outcome RE_Search_Memo::outcome(const RE_Node* node, std::size_t start) const {
+    using Kind = RE_Body_Outcome::Kind;
+    if (outcomes.contains(node->memoIndex * 2, start)) {
+        return {Kind::failed, start};
+    }
+    if (!outcomes.contains(node->memoIndex * 2 + 1, start)) {
+        return {};
+    }
+    const auto end = outcomeEnds.find({node->memoIndex, start});
+    return {Kind::completed, end == outcomeEnds.end() ? start : end->second};
+}
+
+void RE_Search_Memo::noteOutcome(const RE_Node* node, std::size_t start, RE_Body_Outcome outcome) {
+    const bool completed = outcome.kind == RE_Body_Outcome::Kind::completed;
+    outcomes.insert(node->memoIndex * 2 + (completed ? 1 : 0), start);
+    if (completed && outcome.end != start) {
+        outcomeEnds.try_emplace({node->memoIndex, start}, outcome.end);
+    }
+}

@@ -1,0 +1,202 @@
+// Exact sets of UTF-16 units, and the host's case mapping and classes held as tables.
+//
+// The tables are filled from the host's functions once per process, so the match loop never calls the host.
+#pragma once
+
+#include "regexp/base/memory.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+/// Those of the units below 0x80 that are in a set, one bit each.
+struct RE_Low_Units {
+    static constexpr std::size_t unitCount = 128;
+
+    void add(char16_t unit) { words[unit / 64] |= std::uint64_t{1} << (unit % 64); }
+    void addRange(char16_t low, char16_t high) {
+        for (std::size_t block = low / 64; block <= high / 64; ++block) {
+            const std::uint64_t from =
+                block == low / 64 ? ~std::uint64_t{0} << (low % 64) : ~std::uint64_t{0};
+            const std::uint64_t to =
+                block == high / 64 ? ~std::uint64_t{0} >> (63 - high % 64) : ~std::uint64_t{0};
+            words[block] |= from & to;
+        }
+    }
+
+    template <class Visit>
+    void forEach(Visit visit) const {
+        for (std::size_t block = 0; block < words.size(); ++block) {
+            for (std::uint64_t left = words[block]; left != 0; left &= left - 1) {
+                visit(static_cast<char16_t>(64 * block + static_cast<std::size_t>(std::countr_zero(left))));
+            }
+        }
+    }
+
+    std::array<std::uint64_t, unitCount / 64> words{};
+};
+
+/// A set of units: one bit for each of the 65,536. From some place on most sets hold all units or none: they
+/// know that place, so that building and comparing them looks at what stands before it only.
+class CORVANE_REGEXP_EXPORT RE_Unit_Set : public RE_Memory {
+public:
+    static constexpr std::size_t unitCount = 0x10000;
+    /// Of a set that is not in use before something is assigned to it.
+    struct Unset {};
+
+    RE_Unit_Set() : words{} {}
+    explicit RE_Unit_Set(Unset) {}
+
+    /// An empty set to be shared, from the host's memory.
+    static std::shared_ptr<RE_Unit_Set> make() {
+        return std::allocate_shared<RE_Unit_Set>(RE_Allocator<RE_Unit_Set>());
+    }
+
+    static std::shared_ptr<RE_Unit_Set> make(Unset unset) {
+        return std::allocate_shared<RE_Unit_Set>(RE_Allocator<RE_Unit_Set>(), unset);
+    }
+
+    bool contains(char16_t unit) const {
+        const std::uint32_t wide = unit;  // narrow arithmetic costs an instruction more
+        return (words[wide >> 6] >> (wide & 63) & 1) != 0;
+    }
+    void add(char16_t unit) {
+        words[unit >> 6] |= std::uint64_t{1} << (unit & 63);
+        varied = varied > unit >> 6 ? varied : static_cast<std::size_t>(unit >> 6) + 1;
+    }
+    void addRange(char16_t low, char16_t high);
+    void add(const RE_Low_Units& units);
+    void remove(const RE_Low_Units& units);
+    /// The same units, or those that are not in the other one.
+    void assign(const RE_Unit_Set& other, bool negated);
+    void assign(const RE_Low_Units& units, bool negated);
+    void addAll(const RE_Unit_Set& other);
+    void negate();
+    void clear();
+    /// Whether some unit is in both.
+    bool meets(const RE_Unit_Set& other) const;
+    std::size_t size() const { return sizeFrom(0); }
+    /// How many units from `first`, a multiple of 64, on are in the set.
+    std::size_t sizeFrom(std::size_t first) const;
+    /// Whether there are any.
+    bool holdsAnyFrom(std::size_t first) const;
+    bool holdsAllFrom(std::size_t first) const;
+    std::size_t hash() const;
+    /// Of the 64 units from 64 * `block` on, one bit each.
+    std::uint64_t bits(std::size_t block) const { return words[block]; }
+    /// All of them, one behind the other.
+    const std::uint64_t* table() const { return words; }
+    /// From this block on all have the bits of the last one: none, or all.
+    std::size_t variedBlocks() const { return varied; }
+    bool operator==(const RE_Unit_Set& other) const;
+
+    template <class Predicate>
+    void addWhere(Predicate predicate) {
+        for (std::size_t unit = 0; unit < unitCount; ++unit) {
+            if (predicate(static_cast<char16_t>(unit))) {
+                add(static_cast<char16_t>(unit));
+            }
+        }
+    }
+
+private:
+    static constexpr std::size_t wordCount = unitCount / 64;
+
+    std::uint64_t rest() const { return words[wordCount - 1]; }
+    std::size_t leastVaried() const;
+    /// So many words say all about both: what stands behind them is like the last of them.
+    std::size_t comparedWith(const RE_Unit_Set& other) const {
+        const std::size_t most = varied > other.varied ? varied : other.varied;
+        return most < wordCount ? most + 1 : wordCount;
+    }
+
+    std::uint64_t words[wordCount];
+    /// Words that may differ from the last one, which is 0 or all ones unless this is all of them.
+    std::size_t varied = 0;
+};
+
+/// The host's simple case mapping, unit by unit.
+class CORVANE_REGEXP_EXPORT RE_Case_Table {
+public:
+    static const RE_Case_Table& get();
+
+    char16_t lower(char16_t unit) const { return lowerOf[unit]; }
+    char16_t upper(char16_t unit) const { return upperOf[unit]; }
+    bool hasCase(char16_t unit) const { return lowerOf[unit] != upperOf[unit]; }
+    /// Either mapping gives another unit.
+    bool isCased(char16_t unit) const { return lowerOf[unit] != unit || upperOf[unit] != unit; }
+    /// This unit and no other has this unit as its lower-case form.
+    bool foldsAlone(char16_t unit) const { return lowerOf[unit] == unit && !foldTargets.contains(unit); }
+
+    /// Calls `visit` with each unit that has this unit as its lower-case form.
+    template <class Visit>
+    void forEachForm(char16_t lowerForm, Visit visit) const {
+        if (!isCased(lowerForm)) {
+            visit(lowerForm);
+        }
+        const auto first = std::lower_bound(lowerForms.begin(), lowerForms.end(), Form{lowerForm, 0});
+        for (auto it = first; it != lowerForms.end() && it->form == lowerForm; ++it) {
+            visit(it->unit);
+        }
+    }
+    /// How many units have this unit as their lower-case form.
+    std::size_t formsWithin(char16_t lowerForm) const;
+    /// Adds the units whose lower-case form lies in the bounds; with `bothForms` also those whose upper-case form does,
+    /// and those that fold to the lower-case form of a unit within the bounds, as U+212A does to that of K.
+    void addFolding(RE_Unit_Set& set, char16_t low, char16_t high, bool bothForms) const;
+
+private:
+    struct Form {
+        char16_t form;
+        char16_t unit;
+        bool operator<(const Form& other) const { return form < other.form; }
+    };
+    using Forms = std::vector<Form>;
+
+    RE_Case_Table();
+    static void addFormsWithin(const Forms& forms, RE_Unit_Set& set, char16_t low, char16_t high);
+    void addFormsOfUnitsWithin(RE_Unit_Set& set, char16_t low, char16_t high) const;
+
+    char16_t lowerOf[RE_Unit_Set::unitCount];
+    char16_t upperOf[RE_Unit_Set::unitCount];
+    RE_Unit_Set foldTargets;
+    Forms lowerForms;  ///< of the units with case, by their form
+    Forms upperForms;
+};
+
+/// The classes that escapes name.
+struct CORVANE_REGEXP_EXPORT RE_Unit_Classes {
+    static const RE_Unit_Classes& get();
+
+    static constexpr std::size_t count = 6;
+    /// The members in their order.
+    std::array<const RE_Unit_Set*, count> all() const {
+        return {&digits, &spaces, &words, &noDigits, &noSpaces, &noWords};
+    }
+    /// Which member of the tables of this process the set is; `count` when it is none. What is known of these needs to be
+    /// found out only once. Does not fill the tables.
+    static std::size_t numberOf(const RE_Unit_Set& set);
+
+    /// What the dots match: everything, and all but line feeds.
+    static const RE_Unit_Set& allUnits();
+    static const RE_Unit_Set& allOfLine();
+
+    RE_Unit_Set digits;
+    RE_Unit_Set spaces;
+    RE_Unit_Set words;  ///< letters, digits and the underscore
+    RE_Unit_Set noDigits;
+    RE_Unit_Set noSpaces;
+    RE_Unit_Set noWords;
+
+private:
+    RE_Unit_Classes();
+};
+
+/// Whether a unit counts as part of a word: the class that the word anchors and `\w` share.
+inline bool isWordUnit(char16_t unit) {
+    return RE_Unit_Classes::get().words.contains(unit);
+}
