@@ -9,7 +9,7 @@ set(corvane_includes
 
 if(CORVANE_DEFAULT_HOST)
     find_package(ICU REQUIRED COMPONENTS uc)
-    file(GLOB host_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/host/*.cpp)
+    file(GLOB_RECURSE host_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/host/*.cpp)
     add_library(corvane_host SHARED ${host_sources})
     add_library(corvane::host ALIAS corvane_host)
     corvane_compile_rules(corvane_host)

@@ -18,7 +18,6 @@
 #include "regexp/nodes/continued_graph.h"
 #include "regexp/nodes/dynamic.h"
 #include "regexp/eval/evaluation_io.h"
-#include "regexp/builder/builder.h"
 #include "regexp/base/within_size.h"
 
 #include <algorithm>
@@ -32,14 +31,6 @@ RE_Tree::RE_Tree(const char16_t* pattern, std::size_t length, bool flag) {
 
 RE_Tree::RE_Tree(const std::u16string& pattern, bool flag) {
     parse(pattern.data(), pattern.size(), flag);
-}
-
-RE_Tree::RE_Tree(const RE_Builder_Space::RE_Builder& builder, bool flag) : RE_Tree(builder.pattern(), flag) {}
-
-RE_Tree::RE_Tree(const RE_Builder_Space::RE_Builder& builder, RE_Flags flags, RE_Context* context)
-    : interruptible(context != nullptr && context->allow_interrupt()) {
-    const std::u16string pattern = builder.pattern();
-    parse(pattern.data(), pattern.size(), flags, context, nullptr, nullptr, true, nullptr);
 }
 
 RE_Tree::RE_Tree(const char* pattern, bool flag) {

@@ -20,7 +20,7 @@
 #include "host/interrupt.h"
 #include "host/allocation.h"
 #include "host/object_store.h"
-#include "host/option_context.h"
+#include "host/adapters/option_context.h"
 #include "host/utf16.h"
 
 namespace {

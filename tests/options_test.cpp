@@ -14,7 +14,7 @@
 
 #include "host/cx_array.h"
 #include "host/object_store.h"
-#include "host/option_context.h"
+#include "host/adapters/option_context.h"
 #include "regexp/options/compile_options.h"
 
 namespace {

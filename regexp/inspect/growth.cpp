@@ -11,7 +11,7 @@
 #include "regexp/inspect/automaton.h"
 #include "regexp/inspect/components.h"
 #include "regexp/search/observer.h"
-#include "regexp/regexp.h"
+#include "regexp/tree.h"
 
 #include <algorithm>
 #include <array>

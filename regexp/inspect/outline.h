@@ -2,11 +2,13 @@
 #pragma once
 
 #include "regexp/base/flags.h"
-#include "regexp/regexp.h"
+#include "regexp/base/export.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <string>
+
+class RE_Context;
 
 struct RE_Outline {
     static constexpr std::uint64_t unbounded = static_cast<std::uint64_t>(-1);

@@ -1,6 +1,6 @@
 // Option values as the default host's arrays.
 
-#include "host/option_context.h"
+#include "host/adapters/option_context.h"
 
 #include "host/cx_array.h"
 
