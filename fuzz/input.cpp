@@ -1,6 +1,8 @@
 #include "fuzz/input.h"
 
-#include "regexp/nodes/literal_stretches.h"
+#include "regexp/base/tuning.h"
+
+#include <optional>
 
 #include <algorithm>
 #include <cstdio>
@@ -40,11 +42,11 @@ std::u16string_view Input::text(std::size_t index, std::size_t most) const {
 }
 
 void beginMemo(bool atOnce) {
-    static const std::uint64_t choices = RE_Memo_Delay::choices, perUnit = RE_Memo_Delay::perUnit,
-                               steps = RE_Asking_Delay::steps;
-    RE_Memo_Delay::choices = atOnce ? 0 : choices;
-    RE_Memo_Delay::perUnit = atOnce ? 0 : perUnit;
-    RE_Asking_Delay::steps = atOnce ? 0 : steps;
+    static std::optional<RE_Tuning::Scope> scope;
+    scope.reset();
+    if (atOnce) {
+        scope.emplace(RE_Tuning{.memoChoices = 0, .memoChoicesPerUnit = 0, .neededLiteralSteps = 0});
+    }
 }
 
 void require(bool holds, std::string_view what, std::u16string_view pattern, std::u16string_view subject) {

@@ -7,6 +7,7 @@
 #include "regexp/base/memory.h"
 #include "regexp/state/results.h"
 #include "regexp/base/search_limits.h"
+#include "regexp/base/tuning.h"
 #include "regexp/seek/seek_table.h"
 #include "regexp/graph/stage.h"
 
@@ -110,6 +111,10 @@ public:
     std::unique_ptr<RE_Results> match_at(Temporary&& text, std::size_t position) const = delete;
     template <std::same_as<std::u16string> Temporary>
     std::vector<std::u16string_view> split(Temporary&& text) const = delete;
+
+    /// Sets when searches of this tree begin to use what only pays in long ones. Before it is shared with other threads.
+    void tune(const RE_Tuning& settings);
+    const RE_Tuning& getTuning() const;
 
     /// Makes machine code of what the pattern does without turning back, for searches that come after: call
     /// it before the tree is shared with other threads. Results are the same. It takes some tens of

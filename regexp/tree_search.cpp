@@ -94,6 +94,16 @@ RE_Results* RE_Tree::searchFrom(const char16_t* subject, std::size_t length, std
     return new (std::nothrow) RE_Results(&info, info.matchStart, matchLength, true);
 }
 
+void RE_Tree::tune(const RE_Tuning& settings) {
+    if (facts != nullptr) {
+        facts->tuning = settings;
+    }
+}
+
+const RE_Tuning& RE_Tree::getTuning() const {
+    return facts != nullptr ? facts->tuning : RE_Tuning::ofNewTrees();
+}
+
 bool RE_Tree::makeMachineCode() {
     if (facts != nullptr && facts->machineCode == nullptr) {
         RE_Memory_Account account;

@@ -14,7 +14,7 @@ namespace {
 using Kind = RE_Growth::Kind;
 
 class Growth : public testing::Test {
-    const Delays delays{std::numeric_limits<std::uint64_t>::max() / 2, RE_Memo_Delay::perUnit};
+    const Delays delays{std::numeric_limits<std::uint64_t>::max() / 2, RE_Tuning().memoChoicesPerUnit};
 };
 
 std::uint64_t stepsOf(const RE_Tree& tree, const std::u16string& subject) {

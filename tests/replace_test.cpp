@@ -145,13 +145,14 @@ TEST(Replace, AgreesWithTheModelOnRandomCases) {
                                   u"(?:ab|a|B)*?", u"(?:(?:a|b)* |)(?:a|ab)+", u"(?>a*)(?:b|ba)*_?", u"(?:(a|b)\\1|_){2,3}"};
     for (int round = 0; round < 20000; ++round) {
         RE_Context host;
+        const RE_Tuning usual;
+        const Delays delays(round % 2 == 0 ? 0 : usual.memoChoices, round % 2 == 0 ? 0 : usual.memoChoicesPerUnit);
         const std::u16string pattern = patterns[pick(std::size(patterns))];
         const RE_Tree tree(pattern.data(), pattern.size(), static_cast<RE_Flags>((pick(2) << 5) | 2 | pick(2)), &host);
         const std::u16string subject = text(u"abAB_ '\u00E9\u00C9\xD83D\xDE00", 12);
         const std::u16string replacement = text(u"$$$123<a>`'&aB _\\{}\xD83D", 8);
         const bool adjust = pick(2) == 0;
         const size_t which = pick(3);
-        const Delays delays(round % 2 == 0 ? 0 : RE_Memo_Delay::choices, round % 2 == 0 ? 0 : RE_Memo_Delay::perUnit);
         ASSERT_EQ(printable(modelReplace(subject, tree, replacement, adjust, which)),
                   printable(RE_Replace(replacement).replace(subject, tree, adjust, which)))
             << printable(pattern + u" / " + replacement + u" / " + subject) << adjust << which;

@@ -7,9 +7,6 @@
 
 #include <algorithm>
 
-std::uint64_t RE_Inquiry_Delay::choices = 16;
-std::uint64_t RE_Inquiry_Delay::ambiguous = 1;
-
 namespace {
 
 // Attempts that read more than so many units for each of the subject are left to the memo, which knows what
@@ -27,7 +24,8 @@ void RE_Inquiry::begin(const RE_Graph_Facts& pattern) {
     dfa = pattern.dfa.get();
     wantsTokens = pattern.tokenCount > 0;
     hasManyStarts = pattern.start.entry == nullptr || pattern.start.entry->kind != RE_Node_Kind::textStart;
-    delay = dfa != nullptr && dfa->isAmbiguous() ? RE_Inquiry_Delay::ambiguous : RE_Inquiry_Delay::choices;
+    delay = dfa != nullptr && dfa->isAmbiguous() ? pattern.tuning.ambiguousInquiryChoices
+                                                : pattern.tuning.inquiryChoices;
     left = dfa != nullptr ? delay : never;
 }
 

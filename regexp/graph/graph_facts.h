@@ -5,6 +5,7 @@
 #include "regexp/graph/memo_scope.h"
 #include "regexp/graph/node_store.h"
 #include "regexp/base/opaque.h"
+#include "regexp/base/tuning.h"
 #include "regexp/graph/start_finder_kind.h"
 
 #include <cstddef>
@@ -41,6 +42,7 @@ struct CORVANE_REGEXP_EXPORT RE_Graph_Facts : public RE_Memory {
 
     RE_Node_Store store;                                  ///< memory of the nodes
     std::vector<RE_Node*, RE_Allocator<RE_Node*>> nodes;  ///< each once, in the order in which they were made
+    RE_Tuning tuning = RE_Tuning::ofNewTrees();
     std::size_t tokenCount = 0;
     bool keepsTokens = false;  ///< closing a token leaves the higher ones in effect
     std::basic_string<char16_t, std::char_traits<char16_t>, RE_Allocator<char16_t>> nameText;

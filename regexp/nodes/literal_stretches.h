@@ -18,12 +18,6 @@ struct RE_Required_Literal {
     std::uint64_t leastBefore;  ///< how many there are at least
 };
 
-/// After so many steps of attempts that failed a search asks whether the literals that a match needs still follow. Tests
-/// set it to 0, before any search, to have it ask each time.
-struct CORVANE_REGEXP_EXPORT RE_Asking_Delay {
-    static inline std::uint64_t steps = 64;
-};
-
 /// Where a match may start, as far as one literal tells that every match holds: from there it is reached over units that
 /// may stand before it.
 class CORVANE_REGEXP_EXPORT RE_Literal_Stretches : public RE_Memory {

@@ -21,7 +21,7 @@ inline bool findByMachineCode(const RE_Graph_Facts& facts, const RE_Node* root, 
     info.slots = info.tokens->slots.data();
     info.opened = info.tokenStarts();
     if (!facts.needed.empty()) {
-        info.askLeft = RE_Start_Walk::firstAskLeft(info);
+        info.askLeft = RE_Start_Walk::firstAskLeft(facts, info);
     }
     const RE_Machine_Exit reason = facts.machineCode->begin(info, p);
     if (reason == RE_Machine_Exit::matched) {

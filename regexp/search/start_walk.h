@@ -26,8 +26,8 @@ public:
         }
     }
     /// With no more steps left to the next checkpoint a search that begins now asks behind a failed attempt.
-    static std::int64_t firstAskLeft(const RE_Search_Info& info) {
-        return info.meter.room() - static_cast<std::int64_t>(RE_Asking_Delay::steps);
+    static std::int64_t firstAskLeft(const RE_Graph_Facts& facts, const RE_Search_Info& info) {
+        return info.meter.room() - static_cast<std::int64_t>(facts.tuning.neededLiteralSteps);
     }
 
     /// The first start from `p` on, or null.
@@ -79,7 +79,7 @@ private:
         return p != stop ? p : nullptr;
     }
     std::uint64_t nextAskingAt() const {
-        return facts.needed.empty() ? RE_Step_Meter::unlimited : info.meter.taken() + RE_Asking_Delay::steps;
+        return facts.needed.empty() ? RE_Step_Meter::unlimited : info.meter.taken() + facts.tuning.neededLiteralSteps;
     }
     /// Without the next of the literals that every match needs there is none.
     const char16_t* lastWithoutNeeded(const char16_t* p) {

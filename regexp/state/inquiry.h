@@ -20,13 +20,6 @@ class RE_Dfa;
 class RE_Search_Info;
 struct RE_Graph_Facts;
 
-/// A search asks after so many choices, and after fewer where each of them may lead to where others have led.
-/// Tests set both to 1 to have every attempt ask.
-struct CORVANE_REGEXP_EXPORT RE_Inquiry_Delay {
-    static std::uint64_t choices;
-    static std::uint64_t ambiguous;
-};
-
 class CORVANE_REGEXP_EXPORT RE_Inquiry {
 public:
     /// From now on the automaton of the pattern is asked, where it has one.

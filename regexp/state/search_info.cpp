@@ -11,7 +11,7 @@ RE_Search_Info::RE_Search_Info(const char16_t* subject, std::size_t length, std:
     : checkInterrupts(pollInterrupts), seekTable(table) {
     subjectBegin = subject;
     subjectEnd = subject + length;
-    memoCountdown = length * RE_Memo_Delay::perUnit + RE_Memo_Delay::choices + 1;
+    memoCountdown = memoDelay();
     // Everything that can throw comes before the interrupt flag is touched.
     registers.resize(tokenCount, noPass);
     makeTokens(tokenCount);
@@ -69,7 +69,7 @@ void RE_Search_Info::carryMemoOver(std::size_t end) {
     } else {
         memo->forgetStates();
         idleMemo = std::move(memo);
-        memoCountdown = subjectLength() * RE_Memo_Delay::perUnit + RE_Memo_Delay::choices + 1;
+        memoCountdown = memoDelay();
     }
 }
 
@@ -92,7 +92,7 @@ void RE_Search_Info::prepare(const RE_Graph_Facts& graphFacts) {
     idleMemo.reset();
     leadingRun = {};
     inquiry.stop();
-    memoCountdown = subjectLength() * RE_Memo_Delay::perUnit + RE_Memo_Delay::choices + 1;
+    memoCountdown = memoDelay();
     keptInEffect = graphFacts.keepsTokens ? ~std::size_t{0} : 0;
     nameSlots();
     const std::size_t needed = graphFacts.tokenCount + graphFacts.passRegisters;

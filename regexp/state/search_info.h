@@ -61,7 +61,7 @@ public:
         stopped = RE_Search_Outcome::noMatch;
         steps = 1;
         leadingRun = {};
-        memoCountdown = length * RE_Memo_Delay::perUnit + RE_Memo_Delay::choices + 1;
+        memoCountdown = memoDelay();
         inquiry.forgetSubject();
         if (knowsSubject) {
             forgetSubject();
@@ -286,6 +286,12 @@ private:
         RE_TokenInfo old;
     };
 
+    /// Choices before the memo begins.
+    std::uint64_t memoDelay() const {
+        static constexpr RE_Tuning usual;
+        const RE_Tuning& tuning = facts != nullptr ? facts->tuning : usual;
+        return subjectLength() * tuning.memoChoicesPerUnit + tuning.memoChoices + 1;
+    }
     void makeTokens(std::size_t count);
     void nameSlots();
     void takePendingInterrupt();

@@ -26,14 +26,6 @@ class RE_Node;
 class RE_Search_Info;
 struct RE_TokenInfo;
 
-/// When the memo of a search begins: after this many choices were taken up again, plus so many for each unit
-/// of the subject. Most searches end before. Tests set both to 0, before any search, to see the memo at work
-/// at once.
-struct CORVANE_REGEXP_EXPORT RE_Memo_Delay {
-    static inline std::uint64_t choices = 512;
-    static inline std::uint64_t perUnit = 4;
-};
-
 /// How a closed body ended when it was entered at some position before.
 struct RE_Body_Outcome {
     enum class Kind { unknown, failed, completed };

@@ -58,7 +58,6 @@ void Comparison::run(const std::u16string& pattern, RE_Flags flags, const Engine
         return;
     }
     const Engine engine(pattern, flags, config);
-    const InquiryDelays delays(config);
     for (const std::u16string& subject : subjects) {
         RE_Seek_Table table;
         for (size_t offset = 0; offset <= (everyOffset ? subject.size() : 0); ++offset) {

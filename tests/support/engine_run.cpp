@@ -75,18 +75,11 @@ void speedUp(RE_Tree& tree, const EngineConfig& config) {
     if (config.dfa) {
         tree.makeDfa();
     }
-}
-
-InquiryDelays::InquiryDelays(const EngineConfig& config)
-    : m_choices(RE_Inquiry_Delay::choices), m_ambiguous(RE_Inquiry_Delay::ambiguous) {
     if (config.dfa && config.eagerDfa) {
-        RE_Inquiry_Delay::choices = RE_Inquiry_Delay::ambiguous = 1;
+        RE_Tuning tuning = tree.getTuning();
+        tuning.inquiryChoices = tuning.ambiguousInquiryChoices = 1;
+        tree.tune(tuning);
     }
-}
-
-InquiryDelays::~InquiryDelays() {
-    RE_Inquiry_Delay::choices = m_choices;
-    RE_Inquiry_Delay::ambiguous = m_ambiguous;
 }
 
 void RecordingContext::warn(const char16_t* where, RE_Warning warning) {
@@ -103,13 +96,11 @@ Engine::Engine(std::u16string_view pattern, RE_Flags flags, const EngineConfig& 
 }
 
 Outcome Engine::search(std::u16string_view subject, size_t offset) const {
-    const InquiryDelays delays(m_config);
     const std::unique_ptr<RE_Results> results(m_tree.match(subject.data(), subject.size(), offset));
     return toOutcome(results.get());
 }
 
 Outcome Engine::search(std::u16string_view subject, size_t offset, RE_Seek_Table& table) const {
-    const InquiryDelays delays(m_config);
     const std::unique_ptr<RE_Results> results(
         m_tree.match(subject.data(), subject.size(), offset, &table));
     return toOutcome(results.get());
@@ -117,7 +108,6 @@ Outcome Engine::search(std::u16string_view subject, size_t offset, RE_Seek_Table
 
 std::optional<Outcome> Engine::searchWithin(std::u16string_view subject, size_t offset,
                                             const RE_Search_Limits& limits) const {
-    const InquiryDelays delays(m_config);
     RE_Search_Report report;
     const std::unique_ptr<RE_Results> results(
         m_tree.match(subject.data(), subject.size(), offset, limits, report));

@@ -5,7 +5,6 @@
 #include "regexp/state/inquiry.h"
 #include "regexp/regexp.h"
 #include "regexp/state/search_memo.h"
-#include "regexp/nodes/literal_stretches.h"
 #include "tests/support/outcome.h"
 
 #include <memory>
@@ -56,17 +55,6 @@ struct Warning {
 /// Gives the tree what the setting adds to the graph.
 void speedUp(RE_Tree& tree, const EngineConfig& config);
 
-/// When searches ask the automaton; put back at the end.
-class InquiryDelays {
-public:
-    explicit InquiryDelays(const EngineConfig& config);
-    ~InquiryDelays();
-    InquiryDelays(const InquiryDelays&) = delete;
-    InquiryDelays& operator=(const InquiryDelays&) = delete;
-
-private:
-    std::uint64_t m_choices, m_ambiguous;
-};
 
 /// A context with options of its own that notes the warnings; evaluation stays forbidden as in the base.
 class RecordingContext : public RE_Context {
@@ -94,23 +82,14 @@ private:
     bool m_allows;
 };
 
-/// When the memo begins, and when a search asks for the literals that it needs; put back at the end.
+/// Trees made while it lives begin their memo after so many choices, and look for what they need after so many steps.
 class Delays {
 public:
-    explicit Delays(std::uint64_t choices, std::uint64_t perUnit = 0, std::uint64_t steps = RE_Asking_Delay::steps) {
-        exchange(choices, perUnit, steps);
-    }
-    ~Delays() { exchange(m_choices, m_perUnit, m_steps); }
-    Delays(const Delays&) = delete;
-    Delays& operator=(const Delays&) = delete;
+    explicit Delays(std::uint64_t choices, std::uint64_t perUnit = 0, std::uint64_t steps = RE_Tuning().neededLiteralSteps)
+        : m_scope({.memoChoices = choices, .memoChoicesPerUnit = perUnit, .neededLiteralSteps = steps}) {}
 
 private:
-    void exchange(std::uint64_t choices, std::uint64_t perUnit, std::uint64_t steps) {
-        m_choices = std::exchange(RE_Memo_Delay::choices, choices);
-        m_perUnit = std::exchange(RE_Memo_Delay::perUnit, perUnit);
-        m_steps = std::exchange(RE_Asking_Delay::steps, steps);
-    }
-    std::uint64_t m_choices, m_perUnit, m_steps;
+    RE_Tuning::Scope m_scope;
 };
 
 /// Null is no match.

@@ -91,7 +91,6 @@ std::optional<TestedPattern::Found> TestedPattern::walk(const std::u16string& su
         m_subject = subject;
         m_table.emplace();
     }
-    const InquiryDelays delays(m_config);
     m_host.calls.clear();
     m_host.throwAt = kMostCalls;
     try {
