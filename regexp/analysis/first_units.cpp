@@ -1,19 +1,17 @@
 #include "regexp/analysis/first_units.h"
 
-#include "regexp/nodes/anchors.h"
+#include "regexp/graph/meaning.h"
 #include "regexp/nodes/closed_body.h"
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/dispatch.h"
-#include "regexp/nodes/links.h"
 #include "regexp/nodes/literal_set.h"
-#include "regexp/nodes/split.h"
 #include "regexp/nodes/string.h"
-#include "regexp/nodes/tokens.h"
-#include "regexp/nodes/trivial.h"
 #include "regexp/nodes/units.h"
 
 #include <array>
 #include <optional>
+
+using namespace RE_Meanings;
 
 namespace {
 
@@ -60,12 +58,80 @@ bool RE_First_Units::avoids(const RE_Unit_Set& set, RE_Node* from, std::size_t m
     return run(from, mostNodes);
 }
 
+void RE_First_Units::followTested(RE_Node* next, RE_Node* otherwise) {
+    tested = true;
+    follow(next);
+    follow(otherwise);
+}
+
+struct RE_First_Units::Reader {
+    RE_First_Units& first;
+
+    void operator()(const Unknown&) const { first.known = false; }
+    void operator()(const Nothing& node) const { first.follow(node.next); }
+    void operator()(const Unit& node) const {
+        first.addConsumable(*node.test);
+        first.follow(node.otherwise);
+    }
+    void operator()(const Text& node) const { first.addFirst(*node.string); }
+    void operator()(const Texts& node) const { first.addSet(*node.set->firstUnits); }
+    void operator()(const Run& node) const {
+        first.addSet(*node.loop->units);
+        if (node.loop->minimum == 0) {
+            first.follow(node.next);
+        }
+    }
+    // A test that names the next unit is as good as the consumption of it.
+    void operator()(const Edge& node) const {
+        if (node.after.isAny() || node.next == nullptr) {
+            first.followTested(node.next, node.otherwise);
+            return;
+        }
+        node.after.visitAccepted([this](const auto& accepted) { first.addAccepted(accepted); });
+        first.mayBeAtEnd = first.mayBeAtEnd || node.after.holdsAtLimit();
+        first.tested = first.tested || node.otherwise != nullptr;
+        first.follow(node.otherwise);
+    }
+    void operator()(const Mark& node) const { first.follow(node.next); }
+    void operator()(const Choice& node) const {
+        node.forEach([this](RE_Node* way) { first.follow(way); });
+    }
+    void operator()(const Count_Start& node) const { first.followTested(node.next); }
+    void operator()(const Count& node) const { first.followTested(node.body, node.exit); }
+    void operator()(const Pass& node) const { first.followTested(node.next, node.exit); }
+    // Units that a lookahead consumes come next, whatever it is followed by.
+    void operator()(const Body& node) const {
+        if (node.atomic != nullptr) {
+            first.follow(node.body);
+            first.follow(node.atomic->bodyMinimum == 0 ? node.next : nullptr);
+            return;
+        }
+        const RE_Lookaround_Assertion& look = *node.look;
+        const bool consumesAhead = !look.behind && !look.negative && look.glanceEnd != nullptr && look.glanceWidth != 0;
+        if (!consumesAhead) {
+            first.followTested(node.next, node.otherwise);
+            return;
+        }
+        first.follow(node.body);
+        first.tested = first.tested || node.otherwise != nullptr;
+        first.follow(node.otherwise);
+    }
+    void operator()(const Reference&) const { first.known = false; }
+    void operator()(const Condition& node) const { first.followTested(node.next, node.otherwise); }
+    void operator()(const Host_Call& node) const { first.followTested(node.next); }
+    void operator()(const Host_Text&) const { first.known = false; }
+    void operator()(const End& node) const {
+        (node.ofBody ? first.endsBody : first.mayBeEmpty) = true;
+        first.known = first.known && node.continuation == nullptr;
+    }
+};
+
 bool RE_First_Units::run(RE_Node* from, std::size_t mostNodes) {
     follow(from);
     while (known && !pending.empty()) {
         RE_Node* const node = pending.back();
         pending.pop_back();
-        visit(node);
+        visitMeaning(*node, Reader{*this});
         known = known && seen <= mostNodes;
     }
     return known;
@@ -77,76 +143,6 @@ void RE_First_Units::follow(RE_Node* node) {
         ++seen;
         pending.push_back(node);
     }
-}
-
-void RE_First_Units::visit(RE_Node* node) {
-    if (!visitConsuming(node)) {
-        visitOther(node);
-    }
-}
-
-bool RE_First_Units::visitConsuming(RE_Node* node) {
-    if (auto* unit = nodeAs<RE_Unit_Test>(node)) {
-        addConsumable(*unit);
-        follow(unit->failTarget);
-    } else if (auto* string = nodeAs<RE_String>(node)) {
-        addFirst(*string);
-    } else if (auto* set = nodeAs<RE_Literal_Set>(node)) {
-        addSet(*set->firstUnits);
-    } else if (auto* consume = nodeAs<RE_Consume>(node)) {
-        addSet(*consume->units);
-        if (consume->minimum == 0) {
-            follow(consume->nextNode);
-        }
-    } else {
-        return false;
-    }
-    return true;
-}
-
-void RE_First_Units::visitOther(RE_Node* node) {
-    if (auto* atomic = nodeAs<RE_Atomic>(node)) {
-        follow(atomic->body);
-        if (atomic->bodyMinimum == 0) {
-            follow(atomic->nextNode);
-        }
-    } else if (auto* end = nodeAs<RE_End_Of_Tree>(node)) {
-        mayBeEmpty = mayBeEmpty || !end->endsBody;
-        endsBody = endsBody || end->endsBody;
-        known = known && end->continuation == nullptr;
-    } else if (nodeAs<RE_Match_Token>(node) != nullptr) {
-        known = false;
-    } else if (!visitTest(node)) {
-        const auto* const split = nodeAs<RE_Split>(node);
-        const bool never = node->isStartToken() || node->isEndToken() || node->isSkippable() ||
-                           nodeAs<RE_Null>(node) != nullptr || (split != nullptr && !split->isCounter) ||
-                           nodeAs<RE_Dispatch>(node) != nullptr;
-        tested = tested || !never;
-        forEachWay(*node, [this](RE_Node* target) { follow(target); });
-    }
-}
-
-// Tests that say which unit comes next, if any does: what follows them is as good as consumed.
-bool RE_First_Units::visitTest(RE_Node* node) {
-    if (auto* ahead = nodeAs<RE_Lookaround_Assertion>(node)) {
-        if (ahead->behind || ahead->negative || ahead->glanceEnd == nullptr || ahead->glanceWidth == 0) {
-            return false;
-        }
-        follow(ahead->body);
-        // Where the body of a condition does not match its fail target is taken, whatever unit comes next.
-        tested = tested || ahead->failTarget != nullptr;
-        follow(ahead->failTarget);
-        return true;
-    }
-    if (nodeAs<RE_End_Line>(node) != nullptr) {
-        addUnit(u'\n');
-    } else if (nodeAs<RE_End_Word>(node) != nullptr) {
-        addSet(RE_Unit_Classes::get().noWords);
-    } else if (nodeAs<RE_End_String>(node) == nullptr) {
-        return false;
-    }
-    mayBeAtEnd = true;
-    return true;
 }
 
 void RE_First_Units::addUnit(char16_t unit) {

@@ -42,10 +42,12 @@ private:
 
     bool run(RE_Node* from, std::size_t mostNodes);
     void follow(RE_Node* node);
-    void visit(RE_Node* node);
-    bool visitTest(RE_Node* node);
-    bool visitConsuming(RE_Node* node);
-    void visitOther(RE_Node* node);
+    struct Reader;  ///< of what the nodes mean
+    /// Goes on past a node that consumes nothing and may fail.
+    void followTested(RE_Node* next, RE_Node* otherwise = nullptr);
+    void addAccepted(char16_t unit) { addUnit(unit); }
+    void addAccepted(const RE_Unit_Set& set) { addSet(set); }
+    void addAccepted(const RE_Consumable& test) { addConsumable(test); }
     void addUnit(char16_t unit);
     void addSet(const RE_Unit_Set& set);
     void addConsumable(const RE_Consumable& unit);

@@ -1,16 +1,14 @@
 #include "regexp/analysis/prefix_units.h"
 
-#include "regexp/nodes/closed_body.h"
+#include "regexp/graph/meaning.h"
 #include "regexp/nodes/consume.h"
-#include "regexp/nodes/dynamic.h"
-#include "regexp/nodes/links.h"
 #include "regexp/nodes/literal_set.h"
 #include "regexp/nodes/string.h"
-#include "regexp/nodes/tokens.h"
-#include "regexp/nodes/trivial.h"
 #include "regexp/nodes/units.h"
 
 #include <algorithm>
+
+using namespace RE_Meanings;
 
 namespace {
 
@@ -105,11 +103,54 @@ void RE_Prefix_Units::gatherLike(const RE_Prefix_Units& other, std::u16string_vi
     known = other.known;
 }
 
+struct RE_Prefix_Units::Reader {
+    RE_Prefix_Units& prefix;
+    std::size_t place;
+
+    void reach(RE_Node* node) const { prefix.reach(node, place); }
+    void reach(RE_Node* next, RE_Node* otherwise) const {
+        reach(next);
+        reach(otherwise);
+    }
+
+    void operator()(const Unknown&) const { prefix.endAt(place); }
+    void operator()(const Nothing& node) const { reach(node.next); }
+    void operator()(const Unit& node) const {
+        prefix.visitUnit(*node.test, place);
+        prefix.reach(node.next, place + 1);
+        reach(node.otherwise);
+    }
+    void operator()(const Text& node) const { prefix.visitString(*node.string, place); }
+    void operator()(const Texts& node) const { prefix.visitLiterals(*node.set, place); }
+    void operator()(const Run& node) const { prefix.visitLoop(*node.loop, place); }
+    void operator()(const Edge& node) const { reach(node.next, node.otherwise); }
+    void operator()(const Mark& node) const { reach(node.next); }
+    void operator()(const Choice& node) const {
+        node.forEach([this](RE_Node* way) { reach(way); });
+    }
+    void operator()(const Count_Start& node) const { reach(node.next); }
+    void operator()(const Count& node) const { reach(node.body, node.exit); }
+    void operator()(const Pass& node) const { reach(node.next, node.exit); }
+    // Where the body of a group ends no prefix is known to continue; a lookaround consumes nothing.
+    void operator()(const Body& node) const {
+        node.atomic != nullptr ? reach(node.body) : reach(node.next, node.otherwise);
+    }
+    void operator()(const Reference&) const { prefix.endAt(place); }
+    void operator()(const Condition& node) const { reach(node.next, node.otherwise); }
+    void operator()(const Host_Call& node) const { reach(node.next); }
+    void operator()(const Host_Text&) const { prefix.endAt(place); }
+    void operator()(const End& node) const {
+        if (place != 0 || prefix.countsEmpty || node.ofBody || node.continuation != nullptr) {
+            prefix.endAt(place);
+        }
+    }
+};
+
 void RE_Prefix_Units::visitPending() {
     while (known != 0 && !pending.empty()) {
         const auto [node, place] = pending.back();
         pending.pop_back();
-        visit(node, place);
+        visitMeaning(*node, Reader{*this, place});
         if (seen > mostVisits) {
             known = 0;
         }
@@ -128,30 +169,6 @@ void RE_Prefix_Units::reach(RE_Node* node, std::size_t place) {
     if ((before & bit) == 0) {
         ++seen;
         pending.push_back({node, place});
-    }
-}
-
-void RE_Prefix_Units::visit(RE_Node* node, std::size_t place) {
-    if (auto* unit = nodeAs<RE_Unit_Test>(node)) {
-        visitUnit(*unit, place);
-        reach(unit->nextNode, place + 1);
-        reach(unit->failTarget, place);
-    } else if (auto* string = nodeAs<RE_String>(node)) {
-        visitString(*string, place);
-    } else if (auto* literals = nodeAs<RE_Literal_Set>(node)) {
-        visitLiterals(*literals, place);
-    } else if (auto* loop = nodeAs<RE_Consume>(node)) {
-        visitLoop(*loop, place);
-    } else if (auto* atomic = nodeAs<RE_Atomic>(node)) {
-        reach(atomic->body, place);
-    } else if (auto* end = nodeAs<RE_End_Of_Tree>(node)) {
-        if (place != 0 || countsEmpty || end->endsBody || end->continuation != nullptr) {
-            endAt(place);
-        }
-    } else if (nodeAs<RE_Match_Token>(node) != nullptr || node->isEnd()) {
-        endAt(place);
-    } else {
-        forEachWay(*node, [this, place](RE_Node* target) { reach(target, place); });
     }
 }
 

@@ -75,7 +75,7 @@ private:
     };
 
     void reach(RE_Node* node, std::size_t place);
-    void visit(RE_Node* node, std::size_t place);
+    struct Reader;  ///< of what the nodes mean
     void visitUnit(const RE_Consumable& unit, std::size_t place);
     void visitString(const RE_String& string, std::size_t place);
     void visitLiterals(const RE_Literal_Set& set, std::size_t place);

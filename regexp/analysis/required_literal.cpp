@@ -66,35 +66,42 @@ private:
         }
     }
 
-    void visit(RE_Node* node, std::uint64_t distance) {
-        if (auto* unit = nodeAs<RE_Unit_Test>(node)) {
-            gathered.addConsumable(*unit);
-            reach(unit->nextNode, distance + 1);
-            reach(unit->failTarget, distance);
-            return;
-        }
-        forEachStep(*node,
-                    [&, behind = distance + consumedBy(node)](RE_Node* target) { reach(target, behind); });
-    }
+    /// Adds the units that a node may consume, and passes on how many it consumes at the least.
+    struct Reader {
+        Around& around;
+        std::uint64_t distance;
 
-    /// Units that the node consumes at the least. Adds those that they may be.
-    std::uint64_t consumedBy(const RE_Node* node) {
-        if (auto* loop = nodeAs<RE_Consume>(node)) {
-            gathered.addAll(*loop->units);
-            return std::min(loop->minimum, mostCounted);
+        void reach(RE_Node* node, std::uint64_t consumed = 0) const { around.reach(node, distance + consumed); }
+
+        void operator()(const RE_Meanings::Unit& node) const {
+            around.gathered.addConsumable(*node.test);
+            reach(node.next, 1);
+            reach(node.otherwise);
         }
-        if (auto* string = nodeAs<RE_String>(node)) {
-            gathered.addText({string->text, string->length}, string->ignoreCase);
-            return string->length;
+        void operator()(const RE_Meanings::Run& node) const {
+            around.gathered.addAll(*node.loop->units);
+            reach(node.next, std::min(node.loop->minimum, mostCounted));
         }
-        if (auto* set = nodeAs<RE_Literal_Set>(node)) {
-            for (std::size_t i = 0; i < set->literals.count(); ++i) {
-                gathered.addText(set->literals.text(i), set->literals.ignoresCase());
+        void operator()(const RE_Meanings::Text& node) const {
+            const RE_String& string = *node.string;
+            around.gathered.addText({string.text, string.length}, string.ignoreCase);
+            reach(node.next, string.length);
+        }
+        void operator()(const RE_Meanings::Texts& node) const {
+            const RE_Literal_Trie& literals = node.set->literals;
+            for (std::size_t i = 0; i < literals.count(); ++i) {
+                around.gathered.addText(literals.text(i), literals.ignoresCase());
             }
-            return set->literals.shortest();
+            reach(node.next, literals.shortest());
         }
-        return 0;
-    }
+        /// All others consume nothing that `forEachStep` does not stop at.
+        void operator()(const auto& node) const {
+            const auto follow = [this](RE_Node* target) { reach(target); };
+            RE_Step_Reader<decltype(follow)>{follow}(node);
+        }
+    };
+
+    void visit(RE_Node* node, std::uint64_t distance) { visitMeaning(*node, Reader{*this, distance}); }
 
     const RE_Node* avoided;
     std::uint32_t number;

@@ -2,7 +2,7 @@
 
 #include "regexp/dfa/node_literals.h"
 #include "regexp/graph/graph_facts.h"
-#include "regexp/graph/node.h"
+#include "regexp/graph/meaning.h"
 
 #include <algorithm>
 #include <set>
@@ -47,10 +47,11 @@ void RE_Alphabet::learn(const RE_Graph_Facts& facts) {
     std::set<std::pair<char16_t, bool>> seen;
     std::set<const RE_Unit_Set*> seenTables{nullptr};
     for (const RE_Node* node : facts.nodes) {
-        const auto* const unit = nodeAs<RE_Consumable>(node);
-        if (unit != nullptr && unit->isSingleUnit() &&
-            (unit->table() == nullptr || seenTables.insert(unit->table()).second)) {
-            split(consumedBy(*unit));
+        const RE_Meaning meaning = node->meaning();
+        const auto* const unit = std::get_if<RE_Meanings::Unit>(&meaning);
+        const RE_Unit_Set* const table = unit != nullptr ? unit->test->table() : nullptr;
+        if (unit != nullptr && (table == nullptr || seenTables.insert(table).second)) {
+            split(consumedBy(*unit->test));
         }
         const RE_Node_Literals literals = literalsOf(node);
         for (const std::u16string_view text : literals.texts) {

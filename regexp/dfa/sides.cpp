@@ -2,25 +2,27 @@
 
 #include "regexp/dfa/alphabet.h"
 #include "regexp/graph/graph_facts.h"
-#include "regexp/nodes/closed_body.h"
-#include "regexp/graph/node.h"
+#include "regexp/graph/meaning.h"
 
+#include <algorithm>
 #include <map>
+#include <utility>
 
 namespace {
 
-RE_Unit_Set oneUnit(char16_t unit) {
+RE_Unit_Set acceptedBy(const RE_Meanings::Side& side) {
+    struct Gather {
+        RE_Unit_Set& set;
+        void operator()(char16_t unit) const { set.add(unit); }
+        void operator()(const RE_Unit_Set& units) const { set.addAll(units); }
+        void operator()(const RE_Consumable& test) const { test.addUnitsTo(set); }
+    };
     RE_Unit_Set set;
-    set.add(unit);
+    side.visitAccepted(Gather{set});
     return set;
 }
 
 }  // namespace
-
-const RE_Consumable* onlyTestOf(const RE_Lookaround_Assertion& glance) {
-    const auto* const test = nodeAs<RE_Consumable>(glance.body);
-    return test != nullptr && test->nextNode == glance.glanceEnd ? test : nullptr;
-}
 
 RE_Unit_Sides::RE_Unit_Sides(const RE_Graph_Facts& facts, RE_Alphabet& alphabet) {
     gather(facts);
@@ -47,30 +49,20 @@ RE_Unit_Sides::RE_Unit_Sides(const RE_Graph_Facts& facts, RE_Alphabet& alphabet)
     }
 }
 
-// What stands before a unit and what behind is told apart by the same letters.
+// What precedes a position and what follows it is told apart by the same letters.
 void RE_Unit_Sides::gather(const RE_Graph_Facts& facts) {
-    bool asksForLines = false;
-    bool asksForWords = false;
     for (const RE_Node* node : facts.nodes) {
-        const RE_Node_Kind kind = node->kind;
-        asksForBegin = asksForBegin || kind == RE_Node_Kind::textStart;
-        asksForLines = asksForLines || kind == RE_Node_Kind::lineStart || kind == RE_Node_Kind::lineEnd;
-        asksForWords = asksForWords || kind == RE_Node_Kind::wordStart || kind == RE_Node_Kind::wordEnd;
-        if (kind == RE_Node_Kind::glance) {
-            gatherGlance(static_cast<const RE_Lookaround_Assertion&>(*node));
+        const RE_Meaning meaning = node->meaning();
+        if (const auto* const edge = std::get_if<RE_Meanings::Edge>(&meaning)) {
+            asksForBegin = asksForBegin || !edge->before.isAny();
+            add(acceptedBy(edge->before));
+            add(acceptedBy(edge->after));
         }
-    }
-    if (asksForLines) {
-        asked.push_back(oneUnit(u'\n'));
-    }
-    if (asksForWords) {
-        asked.push_back(RE_Unit_Classes::get().words);
     }
 }
 
-// A longer row of tests is nothing that a state knows the answer to.
-void RE_Unit_Sides::gatherGlance(const RE_Lookaround_Assertion& test) {
-    if (const RE_Consumable* const unit = onlyTestOf(test)) {
-        unit->addUnitsTo(asked.emplace_back());
+void RE_Unit_Sides::add(RE_Unit_Set units) {
+    if (units != RE_Unit_Set() && std::ranges::find(asked, units) == asked.end()) {
+        asked.push_back(std::move(units));
     }
 }

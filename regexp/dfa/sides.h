@@ -7,12 +7,7 @@
 #include <vector>
 
 class RE_Alphabet;
-class RE_Consumable;
-class RE_Lookaround_Assertion;
 struct RE_Graph_Facts;
-
-/// The test that a lookaround at a glance consists of, or null where there are several or none of units.
-const RE_Consumable* onlyTestOf(const RE_Lookaround_Assertion& glance);
 
 /// The classes of units that look alike from behind. No unit, at the subject's begin, is one of its own:
 /// number 0.
@@ -29,7 +24,7 @@ public:
 
 private:
     void gather(const RE_Graph_Facts& facts);
-    void gatherGlance(const RE_Lookaround_Assertion& test);
+    void add(RE_Unit_Set units);
 
     std::vector<RE_Unit_Set> asked;
     bool asksForBegin = false;

@@ -4,17 +4,9 @@
 #include "regexp/dfa/node_literals.h"
 #include "regexp/dfa/sides.h"
 #include "regexp/graph/graph_facts.h"
-#include "regexp/nodes/anchors.h"
-#include "regexp/nodes/closed_body.h"
+#include "regexp/graph/meaning.h"
 #include "regexp/nodes/consume.h"
-#include "regexp/nodes/counters.h"
-#include "regexp/nodes/dispatch.h"
-#include "regexp/nodes/literal_set.h"
 #include "regexp/nodes/loop_pass.h"
-#include "regexp/nodes/string.h"
-#include "regexp/nodes/tokens.h"
-#include "regexp/nodes/trivial.h"
-#include "regexp/nodes/units.h"
 
 #include <algorithm>
 
@@ -28,7 +20,7 @@ RE_Ways::RE_Ways(const RE_Graph_Facts& graphFacts, const RE_Alphabet& letters, c
                  bool refusesEmptyMatch)
     : facts(graphFacts), alphabet(letters), sides(unitSides), rejectEmpty(refusesEmptyMatch) {
     for (const RE_Node* node : facts.nodes) {
-        if (nodeAs<RE_State_Counter>(node) != nullptr) {
+        if (std::holds_alternative<RE_Meanings::Count>(node->meaning())) {
             counters.try_emplace(node, counters.size());
         }
     }
@@ -63,6 +55,89 @@ bool RE_Ways::followStart() {
     return run({facts.start.entry});
 }
 
+// What cannot be decided by the units on both sides makes the whole impossible.
+struct RE_Ways::Reader {
+    RE_Ways& ways;
+    const Way& way;
+
+    void go(const RE_Node* next) const { ways.go(way, next); }
+    void giveUp() const { ways.possible = false; }
+    bool holds(const RE_Meanings::Edge& edge) const {
+        const bool atBegin = ways.side == RE_Unit_Sides::begin;
+        const bool before = atBegin ? edge.before.holdsAtLimit()
+                                    : edge.before.isAny() || edge.before.holds(ways.sides.unitOf(ways.side));
+        return before && (ways.hasNext() ? edge.after.holds(ways.nextUnit()) : edge.after.holdsAtLimit());
+    }
+
+    void operator()(const RE_Meanings::Unknown&) const { giveUp(); }
+    void operator()(const RE_Meanings::Nothing& node) const { go(node.next); }
+    void operator()(const RE_Meanings::Unit& node) const {
+        if (ways.hasNext() && node.test->matchesUnit(ways.nextUnit())) {
+            ways.goOver(node.next, way.thread, 0);
+        } else {
+            go(node.otherwise);
+        }
+    }
+    void operator()(const RE_Meanings::Text&) const { ways.visitText(way); }
+    void operator()(const RE_Meanings::Texts&) const { ways.visitText(way); }
+    void operator()(const RE_Meanings::Run& node) const { ways.visitRun(way, *node.loop); }
+    void operator()(const RE_Meanings::Edge& node) const { go(holds(node) ? node.next : node.otherwise); }
+    void operator()(const RE_Meanings::Mark& node) const { go(node.next); }
+    // What is put there last is followed first.
+    void operator()(const RE_Meanings::Choice& node) const {
+        std::vector<const RE_Node*> inOrder;
+        node.forEach([&inOrder](const RE_Node* branch) { inOrder.push_back(branch); });
+        std::for_each(inOrder.rbegin(), inOrder.rend(), [this](const RE_Node* branch) { go(branch); });
+    }
+    void operator()(const RE_Meanings::Count_Start& node) const {
+        Way counting = way;
+        *ways.countOf(counting.thread, node.counter) = static_cast<std::uint32_t>(node.from);
+        ways.possible = ways.possible && node.from <= 0xFFFF;
+        ways.go(counting, node.next);
+    }
+    // After the loop its count means nothing any more. That of the required passes is consulted again after each
+    // optional one.
+    void operator()(const RE_Meanings::Count& node) const {
+        using Kind = RE_Meanings::Count::Kind;
+        Way pass = way;
+        const std::uint32_t count = (*ways.countOf(pass.thread, way.thread.node))++;
+        if (node.kind == Kind::fixed) {
+            const bool isRequired = count <= node.limit;
+            ways.go(isRequired ? pass : way, isRequired ? node.body : node.exit);
+            return;
+        }
+        Way exit = way;
+        *ways.countOf(exit.thread, way.thread.node) = 0;
+        if (count >= node.limit) {
+            ways.go(exit, node.exit);
+            return;
+        }
+        const bool isLazy = node.kind == Kind::lazy;
+        ways.go(isLazy ? pass : exit, isLazy ? node.body : node.exit);
+        ways.go(isLazy ? exit : pass, isLazy ? node.exit : node.body);
+    }
+    // Whether a pass may be the last one depends on how far the end is.
+    void operator()(const RE_Meanings::Pass& node) const {
+        if (!node.begins) {
+            go(way.passes[node.pass] ? nullptr : node.next);
+            return;
+        }
+        ways.possible = ways.possible && node.kind != RE_Pass::lastWhenEmpty;
+        Way on = way;
+        on.passes[node.pass] = node.kind == RE_Pass::optional;
+        ways.go(on, node.next);
+    }
+    void operator()(const RE_Meanings::Body&) const { giveUp(); }
+    void operator()(const RE_Meanings::Reference&) const { giveUp(); }
+    void operator()(const RE_Meanings::Condition&) const { giveUp(); }
+    void operator()(const RE_Meanings::Host_Call&) const { giveUp(); }
+    void operator()(const RE_Meanings::Host_Text&) const { giveUp(); }
+    void operator()(const RE_Meanings::End& node) const {
+        ways.possible = ways.possible && !node.ofBody && node.continuation == nullptr;
+        ways.reached = !ways.fresh || !ways.rejectEmpty;
+    }
+};
+
 bool RE_Ways::run(const RE_Thread& thread) {
     pending.assign(1, Way{thread});
     while (isPossible() && !reached && !pending.empty()) {
@@ -72,7 +147,7 @@ bool RE_Ways::run(const RE_Thread& thread) {
             goOver(way.thread.node, way.thread, way.thread.within);
         } else if (met.insert(way).second) {
             ++visits;
-            visit(way);
+            visitMeaning(*way.thread.node, Reader{*this, way});
         } else {
             ambiguous = true;
         }
@@ -102,30 +177,6 @@ void RE_Ways::goOver(const RE_Node* node, RE_Thread thread, std::uint32_t within
     } else {
         ambiguous = true;
     }
-}
-
-void RE_Ways::visit(const Way& way) {
-    if (!visitConsuming(way) && !visitAnchor(way) && !visitRepetition(way)) {
-        visitOther(way);
-    }
-}
-
-bool RE_Ways::visitConsuming(const Way& way) {
-    const RE_Node* const node = way.thread.node;
-    if (const auto* unit = nodeAs<RE_Unit_Test>(node)) {
-        if (hasNext() && unit->matchesUnit(nextUnit())) {
-            goOver(unit->nextNode, way.thread, 0);
-        } else {
-            go(way, unit->failTarget);
-        }
-    } else if (const auto* loop = nodeAs<RE_Consume>(node)) {
-        visitRun(way, *loop);
-    } else if (nodeAs<RE_String>(node) != nullptr || nodeAs<RE_Literal_Set>(node) != nullptr) {
-        visitText(way);
-    } else {
-        return false;
-    }
-    return true;
 }
 
 // Of several literals `within` counts on through the texts, so that it tells them apart.
@@ -175,116 +226,6 @@ void RE_Ways::visitRun(const Way& way, const RE_Consume& loop) {
     go(way, mayEnd && !(takes && loop.possessive) ? loop.nextNode : nullptr);
 }
 
-bool RE_Ways::visitAnchor(const Way& way) {
-    const RE_Node* const node = way.thread.node;
-    const bool atBegin = side == RE_Unit_Sides::begin;
-    bool holds = false;
-    switch (node->kind) {
-        case RE_Node_Kind::textStart:
-            holds = atBegin;
-            break;
-        case RE_Node_Kind::textEnd:
-            holds = !hasNext();
-            break;
-        case RE_Node_Kind::lineStart:
-            holds = atBegin || sides.unitOf(side) == u'\n';
-            break;
-        case RE_Node_Kind::lineEnd:
-            holds = !hasNext() || nextUnit() == u'\n';
-            break;
-        case RE_Node_Kind::wordStart:
-            holds = atBegin || !isWordUnit(sides.unitOf(side));
-            break;
-        case RE_Node_Kind::wordEnd:
-            holds = !hasNext() || !isWordUnit(nextUnit());
-            break;
-        case RE_Node_Kind::glance: {
-            const auto& glance = static_cast<const RE_Lookaround_Assertion&>(*node);
-            const RE_Consumable* const test = onlyTestOf(glance);
-            const bool hasUnit = glance.behind ? !atBegin : hasNext();
-            possible = possible && test != nullptr;
-            holds = possible && hasUnit && test->matchesUnit(glance.behind ? sides.unitOf(side) : nextUnit());
-            go(way, holds ? glance.nextNode : glance.failTarget);
-            return true;
-        }
-        default:
-            return false;
-    }
-    go(way, holds ? node->nextNode : nullptr);
-    return true;
-}
-
-bool RE_Ways::visitRepetition(const Way& way) {
-    const RE_Node* const node = way.thread.node;
-    Way on = way;
-    if (const auto* start = nodeAs<RE_Start_Counter>(node)) {
-        *countOf(on.thread, start->counter) = static_cast<std::uint32_t>(start->count);
-        possible = possible && start->count <= 0xFFFF;
-        go(on, start->nextNode);
-    } else if (const auto* counter = nodeAs<RE_State_Counter>(node)) {
-        visitCounter(way, *counter);
-    } else if (const auto* begin = dynamic_cast<const RE_Start_Pass*>(node)) {
-        // Whether a pass may be the last one depends on how far the end is.
-        possible = possible && begin->passKind != RE_Pass::lastWhenEmpty;
-        on.passes[begin->pass] = begin->passKind == RE_Pass::optional;
-        go(on, begin->nextNode);
-    } else if (const auto* end = dynamic_cast<const RE_End_Pass*>(node)) {
-        visitEndPass(way, *end);
-    } else {
-        return false;
-    }
-    return true;
-}
-
 std::uint32_t* RE_Ways::countOf(RE_Thread& thread, const RE_Node* counter) {
     return &thread.counts[counters.at(counter)];
-}
-
-// Behind the loop its count means nothing any more. That of the required passes is asked again behind each
-// optional one.
-void RE_Ways::visitCounter(const Way& way, const RE_State_Counter& counter) {
-    Way pass = way;
-    const std::uint32_t count = (*countOf(pass.thread, &counter))++;
-    if (const auto* fixed = nodeAs<RE_Fixed_Counter>(&counter)) {
-        const bool isRequired = count <= fixed->limit;
-        go(isRequired ? pass : way, isRequired ? fixed->nextNode : fixed->doneNode);
-        return;
-    }
-    Way exit = way;
-    *countOf(exit.thread, &counter) = 0;
-    const bool isLazy = nodeAs<RE_Lazy_Counter>(&counter) != nullptr;
-    const RE_Node* const body = isLazy ? counter.alternative : counter.nextNode;
-    const RE_Node* const exitNode = isLazy ? counter.nextNode : counter.alternative;
-    if (count >= counter.limit) {
-        go(exit, exitNode);
-        return;
-    }
-    // What is put there last is followed first.
-    go(isLazy ? pass : exit, isLazy ? body : exitNode);
-    go(isLazy ? exit : pass, isLazy ? exitNode : body);
-}
-
-void RE_Ways::visitEndPass(const Way& way, const RE_End_Pass& end) {
-    if (!way.passes[end.pass]) {
-        go(way, end.nextNode);
-    }
-}
-
-void RE_Ways::visitOther(const Way& way) {
-    const RE_Node* const node = way.thread.node;
-    if (const auto* end = nodeAs<RE_End_Of_Tree>(node)) {
-        possible = possible && !end->endsBody && end->continuation == nullptr;
-        reached = !fresh || !rejectEmpty;
-    } else if (const auto* split = nodeAs<RE_Split>(node); split != nullptr && !split->isCounter) {
-        go(way, split->alternative);
-        go(way, split->nextNode);
-    } else if (const auto* dispatch = nodeAs<RE_Dispatch>(node)) {
-        for (auto branch = dispatch->ways.rbegin(); branch != dispatch->ways.rend(); ++branch) {
-            go(way, *branch);
-        }
-    } else if (node->isStartToken() || node->isEndToken() || node->kind == RE_Node_Kind::passage) {
-        go(way, node->nextNode);
-    } else {
-        possible = false;
-    }
 }

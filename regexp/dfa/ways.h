@@ -16,9 +16,7 @@
 
 class RE_Alphabet;
 class RE_Consume;
-class RE_End_Pass;
 class RE_Node;
-class RE_State_Counter;
 class RE_Unit_Sides;
 struct RE_Graph_Facts;
 
@@ -73,15 +71,9 @@ private:
     bool run(const RE_Thread& thread);
     void go(const Way& way, const RE_Node* node);
     void goOver(const RE_Node* node, RE_Thread thread, std::uint32_t within);
-    void visit(const Way& way);
-    bool visitConsuming(const Way& way);
-    bool visitAnchor(const Way& way);
-    bool visitRepetition(const Way& way);
-    void visitOther(const Way& way);
+    struct Reader;  ///< of what the nodes mean
     void visitText(const Way& way);
     void visitRun(const Way& way, const RE_Consume& loop);
-    void visitCounter(const Way& way, const RE_State_Counter& counter);
-    void visitEndPass(const Way& way, const RE_End_Pass& end);
     std::uint32_t* countOf(RE_Thread& thread, const RE_Node* counter);
     bool hasNext() const { return nextLetter != atEnd(); }
     char16_t nextUnit() const;

@@ -17,6 +17,7 @@
 struct RE_Graph_Output;
 class RE_Token_Names;
 struct RE_Graph_Facts;
+struct RE_Meaning;
 class RE_Unit_Set;
 class RE_Graph_Context;
 class RE_Search_Info;
@@ -102,6 +103,10 @@ public:
     /// A closed body of this node completed (at `pos`) or failed. Closes its frame, or opens it for another
     /// try, and returns the node to go on at with `pos` set, or null for a dead end.
     virtual RE_Node* bodyEnded(bool completed, std::size_t& pos, RE_Search_Info& info) const;
+
+    /// What `match` does, for whoever reasons about graphs: regexp/graph/meaning.h. A class that does not say it is
+    /// `Unknown`: searches are right, and nothing is concluded from its nodes.
+    virtual RE_Meaning meaning() const;
 
     // --- the graph ---
 

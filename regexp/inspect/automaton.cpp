@@ -2,10 +2,9 @@
 
 #include "regexp/dfa/node_literals.h"
 #include "regexp/graph/graph_facts.h"
-#include "regexp/nodes/anchors.h"
+#include "regexp/graph/meaning.h"
 #include "regexp/nodes/closed_body.h"
 #include "regexp/nodes/consume.h"
-#include "regexp/nodes/counters.h"
 #include "regexp/nodes/loop_pass.h"
 #include "regexp/nodes/tokens.h"
 #include "regexp/nodes/trivial.h"
@@ -39,23 +38,24 @@ std::vector<RE_Node*> waysOf(RE_Node& node) {
 }
 
 const RE_Node* throughPass(const RE_Node* node) {
-    const auto* pass = dynamic_cast<const RE_Start_Pass*>(node);
-    return pass != nullptr ? pass->nextNode : node;
+    const RE_Meaning meaning = node->meaning();
+    const auto* const pass = std::get_if<RE_Meanings::Pass>(&meaning);
+    return pass != nullptr && pass->begins ? pass->next : node;
 }
 
-/// Whether the optional passes of a counted loop, behind its required ones, run the same body. Then one loop
+/// Whether the optional passes of a counted loop, after its required ones, run the same body. Then one loop
 /// over that body is all there is to say.
-bool sharesBody(const RE_Fixed_Counter& fixed) {
-    const RE_Node* const body = throughPass(fixed.nextNode);
-    return fixed.doneNode->isBranching() &&
-           std::ranges::any_of(waysOf(*fixed.doneNode),
-                               [body](const RE_Node* way) { return throughPass(way) == body; });
+bool sharesBody(const RE_Meanings::Count& fixed) {
+    const RE_Node* const body = throughPass(fixed.body);
+    return fixed.exit->isBranching() &&
+           std::ranges::any_of(waysOf(*fixed.exit), [body](const RE_Node* way) { return throughPass(way) == body; });
 }
 
-bool isTest(const RE_Node* node) {
-    return dynamic_cast<const RE_Anchor*>(node) != nullptr ||
-           dynamic_cast<const RE_Token_Assertion*>(node) != nullptr ||
-           dynamic_cast<const RE_Lookaround_Assertion*>(node) != nullptr;
+/// No unit is accepted there, only the limit of the subject.
+bool isNobody(const RE_Meanings::Side& side) {
+    bool accepts = side.isAny();
+    side.visitAccepted([&accepts](const auto&) { accepts = true; });
+    return !accepts;
 }
 
 }  // namespace
@@ -103,7 +103,7 @@ RE_Automaton::RE_Automaton(const RE_Tree& tree) {
 
 void RE_Automaton::noteBodyEnds(const RE_Tree& tree) {
     for (RE_Node* node : tree.getFacts().nodes) {
-        const auto* const atomic = dynamic_cast<RE_Atomic*>(node);
+        const auto* const atomic = nodeAs<RE_Atomic>(node);
         if (atomic == nullptr) {
             continue;
         }
@@ -113,11 +113,11 @@ void RE_Automaton::noteBodyEnds(const RE_Tree& tree) {
             RE_Node* const at = open.back();
             open.pop_back();
             const std::vector<RE_Node*> ways = waysOf(*at);
-            if (const auto* end = dynamic_cast<RE_End_Of_Tree*>(at); end != nullptr && end->endsBody) {
+            if (const auto* end = nodeAs<RE_End_Of_Tree>(at); end != nullptr && end->endsBody) {
                 behindBody[at] = atomic->nextNode;
             }
-            const auto* const inner = dynamic_cast<RE_Atomic*>(at);
-            const auto* const look = dynamic_cast<RE_Lookaround_Assertion*>(at);
+            const auto* const inner = nodeAs<RE_Atomic>(at);
+            const auto* const look = nodeAs<RE_Lookaround_Assertion>(at);
             for (RE_Node* target : ways) {
                 const bool isBody =
                     (inner != nullptr && target == inner->body) || (look != nullptr && target == look->body);
@@ -152,6 +152,97 @@ void RE_Automaton::addEdge(std::size_t from, std::size_t target, const RE_Letter
     }
 }
 
+/// Takes every way that a search may take. What a test decides is left open: its way may fail.
+struct RE_Automaton::Reader {
+    RE_Automaton& automaton;
+    std::size_t from;
+    const Way& way;
+
+    void follow(RE_Node* target) const { automaton.follow(way, target); }
+    void followTest(RE_Node* next, RE_Node* otherwise = nullptr) const {
+        Way on = way;
+        on.conditional = true;
+        automaton.follow(on, next);
+        automaton.follow(on, otherwise);
+    }
+
+    void operator()(const RE_Meanings::Unknown&) const { automaton.complete = false; }
+    void operator()(const RE_Meanings::Nothing& node) const { follow(node.next); }
+    void operator()(const RE_Meanings::Unit& node) const {
+        const RE_Letters own = automaton.alphabet.lettersOf(*node.test);
+        automaton.addEdge(from, automaton.statesOf(way.node, 1)[0], own & way.allowed);
+        automaton.follow({nullptr, way.allowed & ~own, way.passes, true}, node.otherwise);
+    }
+    void operator()(const RE_Meanings::Text&) const { automaton.addTexts(from, way); }
+    void operator()(const RE_Meanings::Texts&) const { automaton.addTexts(from, way); }
+    void operator()(const RE_Meanings::Run& node) const {
+        const RE_Consume& loop = *node.loop;
+        const RE_Letters own = automaton.alphabet.lettersOf(*loop.item);
+        if (loop.maximum > 0) {
+            const std::uint64_t states = loop.maximum <= longestChain ? loop.maximum : 1;
+            automaton.addEdge(from, automaton.statesOf(way.node, states)[0], own & way.allowed);
+        }
+        if (loop.minimum == 0) {
+            Way after = way;
+            after.allowed &= loop.possessive && !loop.lazy ? ~own : automaton.any;
+            automaton.follow(after, node.next);
+        }
+    }
+    void operator()(const RE_Meanings::Edge& node) const {
+        const bool onlyAtBegin = node.before.holdsAtLimit() && isNobody(node.before);
+        followTest(onlyAtBegin && from != begin ? nullptr : node.next, node.otherwise);
+    }
+    void operator()(const RE_Meanings::Mark& node) const { follow(node.next); }
+    void operator()(const RE_Meanings::Choice& node) const {
+        node.forEach([this](RE_Node* branch) { follow(branch); });
+    }
+    // Where passes are required the first one comes before anything else.
+    void operator()(const RE_Meanings::Count_Start& node) const {
+        const RE_Meaning next = node.next->meaning();
+        const auto* const count = std::get_if<RE_Meanings::Count>(&next);
+        const bool isRequired = count != nullptr && count->kind == RE_Meanings::Count::Kind::fixed;
+        follow(isRequired ? count->body : node.next);
+    }
+    void operator()(const RE_Meanings::Count& node) const {
+        if (node.kind != RE_Meanings::Count::Kind::fixed) {
+            follow(node.body);
+            follow(node.exit);
+            return;
+        }
+        followTest(sharesBody(node) ? nullptr : node.body, node.exit);
+    }
+    void operator()(const RE_Meanings::Pass& node) const {
+        const std::uint64_t bit = std::uint64_t{1} << node.pass;
+        if (!node.begins) {
+            follow((way.passes & bit) != 0 ? nullptr : node.next);
+            return;
+        }
+        Way on = way;
+        on.passes = node.kind == RE_Pass::optional ? on.passes | bit : on.passes & ~bit;
+        automaton.follow(on, node.next);
+    }
+    void operator()(const RE_Meanings::Body& node) const {
+        if (node.atomic != nullptr) {
+            follow(node.body);
+            return;
+        }
+        automaton.complete = automaton.complete && (!node.look->behind || node.look->bodyMaximum != RE_Node::unboundedLength);
+        followTest(node.body, node.next);
+        followTest(node.otherwise);
+    }
+    void operator()(const RE_Meanings::Reference&) const { automaton.addUnknown(from, way); }
+    void operator()(const RE_Meanings::Condition& node) const { followTest(node.next, node.otherwise); }
+    void operator()(const RE_Meanings::Host_Call&) const { automaton.complete = false; }
+    void operator()(const RE_Meanings::Host_Text&) const { automaton.complete = false; }
+    void operator()(const RE_Meanings::End& node) const {
+        RE_Automaton_State& state = automaton.all[from];
+        const auto after = automaton.behindBody.find(way.node);
+        automaton.complete = automaton.complete && node.continuation == nullptr;
+        state.accepting = state.accepting || (!node.ofBody && !way.conditional);
+        follow(after != automaton.behindBody.end() ? after->second : nullptr);
+    }
+};
+
 void RE_Automaton::addWays(std::size_t from, Way first) {
     pending.clear();
     met.clear();
@@ -159,7 +250,7 @@ void RE_Automaton::addWays(std::size_t from, Way first) {
     while (complete && !pending.empty()) {
         const Way way = pending.back();
         pending.pop_back();
-        visit(from, way);
+        visitMeaning(*way.node, Reader{*this, from, way});
     }
 }
 
@@ -175,84 +266,15 @@ void RE_Automaton::follow(Way way, RE_Node* target) {
     complete = complete && ++followed < mostWays;
 }
 
-void RE_Automaton::visit(std::size_t from, const Way& way) {
-    if (!visitConsuming(from, way)) {
-        visitOther(from, way);
-    }
-}
-
-bool RE_Automaton::visitConsuming(std::size_t from, const Way& way) {
-    if (auto* unit = dynamic_cast<RE_Consumable*>(way.node); unit != nullptr && unit->isSingleUnit()) {
-        const RE_Letters own = alphabet.lettersOf(*unit);
-        addEdge(from, statesOf(unit, 1)[0], own & way.allowed);
-        follow({nullptr, way.allowed & ~own, way.passes, true}, unit->failTarget);
-        return true;
-    }
-    if (const RE_Node_Literals literals = literalsOf(way.node); !literals.texts.empty()) {
-        const std::vector<std::size_t>& own = statesOf(way.node, literals.units());
-        std::size_t first = 0;
-        for (const std::u16string_view text : literals.texts) {
-            if (complete) {
-                addEdge(from, own[first], alphabet.lettersOf(text[0], literals.ignoreCase) & way.allowed);
-            }
-            first += text.size();
+void RE_Automaton::addTexts(std::size_t from, const Way& way) {
+    const RE_Node_Literals literals = literalsOf(way.node);
+    const std::vector<std::size_t>& own = statesOf(way.node, literals.units());
+    std::size_t first = 0;
+    for (const std::u16string_view text : literals.texts) {
+        if (complete) {
+            addEdge(from, own[first], alphabet.lettersOf(text[0], literals.ignoreCase) & way.allowed);
         }
-        return true;
-    }
-    if (auto* consume = dynamic_cast<RE_Consume*>(way.node)) {
-        const bool isChain = consume->maximum <= longestChain;
-        const RE_Letters own = alphabet.lettersOf(*consume->item);
-        if (consume->maximum > 0) {
-            addEdge(from, statesOf(consume, isChain ? consume->maximum : 1)[0], own & way.allowed);
-        }
-        if (consume->minimum == 0) {
-            Way behind = way;
-            behind.allowed &= consume->possessive && !consume->lazy ? ~own : any;
-            follow(behind, consume->nextNode);
-        }
-        return true;
-    }
-    return false;
-}
-
-void RE_Automaton::visitOther(std::size_t from, const Way& way) {
-    Way on = way;
-    RE_Node* const node = way.node;
-    if (dynamic_cast<RE_Start_String*>(node) != nullptr) {
-        on.conditional = true;
-        follow(on, from == begin ? node->nextNode : nullptr);
-    } else if (const auto* end = dynamic_cast<RE_End_Of_Tree*>(node)) {
-        const auto found = behindBody.find(node);
-        complete = complete && end->continuation == nullptr;
-        all[from].accepting = all[from].accepting || (!end->endsBody && !way.conditional);
-        follow(on, found != behindBody.end() ? found->second : nullptr);
-    } else if (const auto* atomic = dynamic_cast<RE_Atomic*>(node)) {
-        follow(on, atomic->body);
-    } else if (const auto* pass = dynamic_cast<RE_Start_Pass*>(node)) {
-        const std::uint64_t bit = std::uint64_t{1} << pass->pass;
-        on.passes = pass->passKind == RE_Pass::optional ? on.passes | bit : on.passes & ~bit;
-        follow(on, pass->nextNode);
-    } else if (const auto* endPass = dynamic_cast<RE_End_Pass*>(node)) {
-        const bool isEmpty = (on.passes >> endPass->pass & 1) != 0;
-        follow(on, isEmpty ? nullptr : endPass->nextNode);
-    } else if (dynamic_cast<RE_Match_Token*>(node) != nullptr) {
-        addUnknown(from, way);
-    } else if (dynamic_cast<RE_Start_Counter*>(node) != nullptr) {
-        // Where passes are required the first one comes before anything else.
-        const auto* const required = dynamic_cast<RE_Fixed_Counter*>(node->nextNode);
-        follow(on, required != nullptr ? required->nextNode : node->nextNode);
-    } else if (const auto* fixed = dynamic_cast<RE_Fixed_Counter*>(node)) {
-        on.conditional = true;
-        follow(on, sharesBody(*fixed) ? nullptr : fixed->nextNode);
-        follow(on, fixed->doneNode);
-    } else {
-        const auto* const look = dynamic_cast<RE_Lookaround_Assertion*>(node);
-        complete =
-            complete && (look == nullptr || !look->behind || look->bodyMaximum != RE_Node::unboundedLength);
-        on.conditional = on.conditional || isTest(node);
-        for (RE_Node* target : waysOf(*node)) {
-            follow(on, target);
-        }
+        first += text.size();
     }
 }
 
@@ -279,7 +301,7 @@ void RE_Automaton::continueBehind(RE_Node* node, const std::vector<std::size_t>&
         }
         within -= text.size();
     }
-    if (auto* consume = dynamic_cast<RE_Consume*>(node)) {
+    if (const auto* const consume = nodeAs<RE_Consume>(node)) {
         const bool isChain = consume->maximum <= longestChain;
         const bool goesOn = !isChain || index + 1 < own.size();
         const RE_Letters letters = alphabet.lettersOf(*consume->item);
@@ -291,7 +313,7 @@ void RE_Automaton::continueBehind(RE_Node* node, const std::vector<std::size_t>&
         }
         behind.allowed = goesOn && consume->possessive && !consume->lazy ? any & ~letters : any;
         behind.conditional = !isChain && consume->minimum > 1;
-    } else if (dynamic_cast<RE_Match_Token*>(node) != nullptr) {
+    } else if (nodeAs<RE_Match_Token>(node) != nullptr) {
         addEdge(from, from, any);
         behind.conditional = true;
     }

@@ -60,9 +60,8 @@ private:
     const std::vector<std::size_t>& statesOf(RE_Node* node, std::uint64_t count);
     void addWays(std::size_t from, Way first);
     void follow(Way way, RE_Node* target);
-    void visit(std::size_t from, const Way& way);
-    bool visitConsuming(std::size_t from, const Way& way);
-    void visitOther(std::size_t from, const Way& way);
+    struct Reader;  ///< of what the nodes mean
+    void addTexts(std::size_t from, const Way& way);
     void continueBehind(RE_Node* node, const std::vector<std::size_t>& own, std::size_t index);
     void addUnknown(std::size_t from, const Way& way);
     void addEdge(std::size_t from, std::size_t target, const RE_Letters& letters);

@@ -1,5 +1,6 @@
 #include "regexp/nodes/anchors.h"
 
+#include "regexp/graph/meaning.h"
 #include "regexp/state/search_info.h"
 #include "regexp/seek/kernels.h"
 #include "regexp/seek/scan.h"
@@ -83,4 +84,35 @@ const char16_t* RE_End_Match::seek(const char16_t* p, RE_Search_Info& info) cons
 const char16_t* RE_End_Match::rSeek(const char16_t* p, std::size_t count, RE_Search_Info& info) const {
     const char16_t* const end = seek(p, info);
     return end != nullptr && end <= p + count ? end : nullptr;
+}
+
+RE_Meaning RE_Start_Line::meaning() const {
+    return RE_Meanings::Edge{RE_Meanings::Side::unit(u'\n', true), RE_Meanings::Side::any(), nextNode};
+}
+
+RE_Meaning RE_End_Line::meaning() const {
+    return RE_Meanings::Edge{RE_Meanings::Side::any(), RE_Meanings::Side::unit(u'\n', true), nextNode};
+}
+
+RE_Meaning RE_Start_String::meaning() const {
+    return RE_Meanings::Edge{RE_Meanings::Side::limit(), RE_Meanings::Side::any(), nextNode};
+}
+
+RE_Meaning RE_End_String::meaning() const {
+    return RE_Meanings::Edge{RE_Meanings::Side::any(), RE_Meanings::Side::limit(), nextNode};
+}
+
+RE_Meaning RE_Start_Word::meaning() const {
+    return RE_Meanings::Edge{RE_Meanings::Side::oneOf(RE_Unit_Classes::get().noWords, true), RE_Meanings::Side::any(),
+                             nextNode};
+}
+
+RE_Meaning RE_End_Word::meaning() const {
+    return RE_Meanings::Edge{RE_Meanings::Side::any(), RE_Meanings::Side::oneOf(RE_Unit_Classes::get().noWords, true),
+                             nextNode};
+}
+
+// Where a body has to end is the search's affair.
+RE_Meaning RE_End_Match::meaning() const {
+    return RE_Meanings::Condition{nextNode, nullptr};
 }

@@ -50,6 +50,7 @@ protected:
 class CORVANE_REGEXP_EXPORT RE_Start_Line : public RE_Line_Anchor {
 public:
     explicit RE_Start_Line(RE_Graph_Context& context) : RE_Line_Anchor(context, Edge::start) {}
+    RE_Meaning meaning() const override;
     std::string label() const override { return "Match start of line"; }
     bool holdsAt(const char16_t* p, const RE_Search_Info& info) const override {
         return info.atBegin(p) || p[-1] == u'\n';
@@ -61,6 +62,7 @@ inline constexpr RE_Node_Kind kindOfNode<RE_Start_Line> = RE_Node_Kind::lineStar
 class CORVANE_REGEXP_EXPORT RE_End_Line : public RE_Line_Anchor {
 public:
     explicit RE_End_Line(RE_Graph_Context& context) : RE_Line_Anchor(context, Edge::end) {}
+    RE_Meaning meaning() const override;
     std::string label() const override { return "Match end of line"; }
     bool holdsAt(const char16_t* p, const RE_Search_Info& info) const override {
         return info.atEnd(p) || *p == u'\n';
@@ -75,6 +77,7 @@ public:
     const char16_t* seek(const char16_t* p, RE_Search_Info& info) const override;
     const char16_t* rSeek(const char16_t* p, std::size_t count, RE_Search_Info& info) const override;
     std::string label() const override { return "Match start of string"; }
+    RE_Meaning meaning() const override;
     bool holdsAt(const char16_t* p, const RE_Search_Info& info) const override { return info.atBegin(p); }
 };
 template <>
@@ -86,6 +89,7 @@ public:
     const char16_t* seek(const char16_t* p, RE_Search_Info& info) const override;
     const char16_t* rSeek(const char16_t* p, std::size_t count, RE_Search_Info& info) const override;
     std::string label() const override { return "Match end of string"; }
+    RE_Meaning meaning() const override;
     bool holdsAt(const char16_t* p, const RE_Search_Info& info) const override { return info.atEnd(p); }
 };
 template <>
@@ -98,6 +102,7 @@ public:
     const char16_t* seek(const char16_t* p, RE_Search_Info& info) const override;
     const char16_t* rSeek(const char16_t* p, std::size_t count, RE_Search_Info& info) const override;
     std::string label() const override { return "Match end of match"; }
+    RE_Meaning meaning() const override;
 
 protected:
     bool holdsAt(const char16_t* p, const RE_Search_Info& info) const override;
@@ -114,6 +119,7 @@ protected:
 class CORVANE_REGEXP_EXPORT RE_Start_Word : public RE_Word_Anchor {
 public:
     explicit RE_Start_Word(RE_Graph_Context& context) : RE_Word_Anchor(context, Edge::start) {}
+    RE_Meaning meaning() const override;
     std::string label() const override { return "Match start of word"; }
     bool holdsAt(const char16_t* p, const RE_Search_Info& info) const override {
         return info.atBegin(p) || !isWordUnit(p[-1]);
@@ -125,6 +131,7 @@ inline constexpr RE_Node_Kind kindOfNode<RE_Start_Word> = RE_Node_Kind::wordStar
 class CORVANE_REGEXP_EXPORT RE_End_Word : public RE_Word_Anchor {
 public:
     explicit RE_End_Word(RE_Graph_Context& context) : RE_Word_Anchor(context, Edge::end) {}
+    RE_Meaning meaning() const override;
     std::string label() const override { return "Match end of word"; }
     bool holdsAt(const char16_t* p, const RE_Search_Info& info) const override {
         return info.atEnd(p) || !isWordUnit(*p);

@@ -1,5 +1,6 @@
 #include "regexp/nodes/closed_body.h"
 
+#include "regexp/graph/meaning.h"
 #include "regexp/base/within_size.h"
 
 #include <algorithm>
@@ -141,4 +142,24 @@ RE_Node* RE_Lookaround_Assertion::bodyEnded(bool completed, std::size_t& pos, RE
 void RE_Lookaround_Assertion::visitLinks(RE_Link_Visitor& visitor) {
     RE_Fail::visitLinks(visitor);
     visitor.link(body, RE_Link::body);
+}
+
+const RE_Consumable* RE_Lookaround_Assertion::onlyTest() const {
+    const auto* const test = glanceEnd != nullptr ? nodeAs<RE_Consumable>(body) : nullptr;
+    return test != nullptr && test->isSingleUnit() && test->nextNode == glanceEnd ? test : nullptr;
+}
+
+RE_Meaning RE_Atomic::meaning() const {
+    return RE_Meanings::Body{this, nullptr, body, nextNode, nullptr};
+}
+
+RE_Meaning RE_Lookaround_Assertion::meaning() const {
+    using RE_Meanings::Side;
+    const RE_Consumable* const test = onlyTest();
+    if (test == nullptr) {
+        return RE_Meanings::Body{nullptr, this, body, nextNode, failTarget};
+    }
+    const RE_Unit_Set* const table = test->table();
+    const Side tested = table != nullptr ? Side::oneOf(*table, false) : Side::acceptedBy(*test, false);
+    return RE_Meanings::Edge{behind ? tested : Side::any(), behind ? Side::any() : tested, nextNode, failTarget};
 }

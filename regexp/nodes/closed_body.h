@@ -17,6 +17,7 @@ public:
     RE_Node* bodyEnded(bool completed, std::size_t& pos, RE_Search_Info& info) const override;
     void visitLinks(RE_Link_Visitor& visitor) override;
     void combineLengths() override;
+    RE_Meaning meaning() const override;
     std::string label() const override { return "Atomic group"; }
 
     RE_Node* body = nullptr;
@@ -37,6 +38,7 @@ public:
     RE_Node* next() const override { return body; }
     RE_Node* bodyEnded(bool completed, std::size_t& pos, RE_Search_Info& info) const override;
     void visitLinks(RE_Link_Visitor& visitor) override;
+    RE_Meaning meaning() const override;
     std::string label() const override { return behind ? "Lookaround Behind" : "Lookaround Ahead"; }
 
     bool behind;
@@ -65,6 +67,9 @@ public:
         const char16_t unit = behind ? p[-1] : *p;
         return glanceUnits != nullptr ? glanceUnits->contains(unit) : unit == glanceUnit;
     }
+
+    /// The test that decides it, when the row of tests is a single test of a unit; else null.
+    const RE_Consumable* onlyTest() const;
 
 private:
     bool glanceAtRow(std::size_t pos, RE_Search_Info& info) const;

@@ -1,5 +1,6 @@
 #include "regexp/nodes/consume.h"
 
+#include "regexp/graph/meaning.h"
 #include "regexp/nodes/anchors.h"
 #include "regexp/nodes/tokens.h"
 #include "regexp/nodes/graph_context.h"
@@ -231,4 +232,8 @@ std::string RE_Consume::label() const {
     }
     return text + "{" + std::to_string(minimum) + "," +
            (maximum == noMaximum ? "" : std::to_string(maximum)) + "}";
+}
+
+RE_Meaning RE_Consume::meaning() const {
+    return RE_Meanings::Run{this, nextNode};
 }

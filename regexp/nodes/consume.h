@@ -30,6 +30,7 @@ public:
         }
     }
     void combineLengths() override;
+    RE_Meaning meaning() const override;
     std::string label() const override;
 
     /// For a loop at the front of a pattern, where an attempt from `p` has failed: the last position from

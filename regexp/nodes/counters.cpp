@@ -1,5 +1,6 @@
 #include "regexp/nodes/counters.h"
 
+#include "regexp/graph/meaning.h"
 #include "regexp/state/search_info.h"
 
 #include <algorithm>
@@ -111,4 +112,25 @@ bool RE_Start_Counter::match(const char16_t* subject, std::size_t& pos, RE_Searc
 void RE_Start_Counter::visitLinks(RE_Link_Visitor& visitor) {
     RE_Node::visitLinks(visitor);
     visitor.link(popper, RE_Link::helper);
+}
+
+// The helpers of a loop lie on the stack of choices only; no way through a graph leads to them.
+RE_Meaning RE_Counter::meaning() const {
+    return RE_Meanings::Unknown{};
+}
+
+RE_Meaning RE_Fixed_Counter::meaning() const {
+    return RE_Meanings::Count{RE_Meanings::Count::Kind::fixed, limit, nextNode, doneNode};
+}
+
+RE_Meaning RE_Limit_Counter::meaning() const {
+    return RE_Meanings::Count{RE_Meanings::Count::Kind::greedy, limit, nextNode, alternative};
+}
+
+RE_Meaning RE_Lazy_Counter::meaning() const {
+    return RE_Meanings::Count{RE_Meanings::Count::Kind::lazy, limit, alternative, nextNode};
+}
+
+RE_Meaning RE_Start_Counter::meaning() const {
+    return RE_Meanings::Count_Start{counter, count, nextNode};
 }

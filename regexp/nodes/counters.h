@@ -13,6 +13,7 @@
 class CORVANE_REGEXP_EXPORT RE_Counter : public RE_Split {
 public:
     explicit RE_Counter(RE_Graph_Context& context) : RE_Split(context) { isCounter = true; }
+    RE_Meaning meaning() const override;
 };
 
 /// Base of the counters that hold a count. `limit` is the highest count at which a pass may still begin, for
@@ -45,6 +46,7 @@ public:
     RE_Node* failNode() const override { return doneNode; }
     bool isSkippable() const override { return doneNode == nullptr && skippable; }
     bool refusesRepeatAt(std::size_t) const override { return false; }
+    RE_Meaning meaning() const override;
     void visitLinks(RE_Link_Visitor& visitor) override;
     std::string label() const override;
 
@@ -64,6 +66,7 @@ public:
     using RE_Greedy_Counter::RE_Greedy_Counter;
     bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
     RE_Node* failNode() const override { return alternative; }
+    RE_Meaning meaning() const override;
     std::string label() const override;
 };
 
@@ -75,6 +78,7 @@ public:
     using RE_State_Counter::RE_State_Counter;
     bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
     RE_Node* failNode() const override { return nextNode; }
+    RE_Meaning meaning() const override;
     void onBacktrack(RE_Search_Info& info) const override;
     void visitLinks(RE_Link_Visitor& visitor) override;
     std::string label() const override;
@@ -112,6 +116,7 @@ public:
     bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
     bool isSkippable() const override { return false; }
     bool isStartCounter() const override { return true; }
+    RE_Meaning meaning() const override;
     void visitLinks(RE_Link_Visitor& visitor) override;
     std::string label() const override { return "Start Counter"; }
 

@@ -1,5 +1,6 @@
 #include "regexp/nodes/dispatch.h"
 
+#include "regexp/graph/meaning.h"
 #include "regexp/nodes/graph_context.h"
 #include "regexp/units/unit_set.h"
 
@@ -185,4 +186,8 @@ void RE_Dispatch::visitLinks(RE_Link_Visitor& visitor) {
 
 std::string RE_Dispatch::label() const {
     return "Dispatch to " + std::to_string(ways.size()) + " ways";
+}
+
+RE_Meaning RE_Dispatch::meaning() const {
+    return RE_Meanings::Choice{{}, ways};
 }

@@ -87,6 +87,7 @@ public:
     bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
     RE_Node* resume(const RE_Backtrack_Record& record, std::size_t& pos, RE_Search_Info& info) const override;
     bool isBranching() const override { return true; }
+    RE_Meaning meaning() const override;
     void visitLinks(RE_Link_Visitor& visitor) override;
     std::string label() const override;
 

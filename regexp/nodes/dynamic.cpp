@@ -1,5 +1,6 @@
 #include "regexp/nodes/dynamic.h"
 
+#include "regexp/graph/meaning.h"
 #include "regexp/nodes/graph_context.h"
 #include "regexp/eval/evaluation_io.h"
 #include "regexp/state/results.h"
@@ -74,4 +75,16 @@ bool RE_Evaluate_Dynamic::match(const char16_t* subject, std::size_t& pos, RE_Se
     const std::unique_ptr<RE_Evaluation_IO> value = evaluate(*evaluator, &results);
     info.hostWasCalled();
     return value != nullptr && include(*value, pos, info);
+}
+
+RE_Meaning RE_Evaluate::meaning() const {
+    return RE_Meanings::Host_Call{nextNode};
+}
+
+RE_Meaning RE_Evaluate_Assertion::meaning() const {
+    return RE_Meanings::Condition{nextNode, failTarget};
+}
+
+RE_Meaning RE_Dynamic::meaning() const {
+    return RE_Meanings::Host_Text{nextNode};
 }

@@ -23,6 +23,7 @@ public:
     RE_Evaluate(RE_Graph_Context& parser, std::shared_ptr<const RE_Script_Evaluator> script)
         : RE_Node(parser), evaluator(std::move(script)) {}
     bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
+    RE_Meaning meaning() const override;
     std::string label() const override { return "Evaluate and discard"; }
 
 private:
@@ -35,6 +36,7 @@ public:
     RE_Evaluate_Assertion(RE_Graph_Context& parser, std::shared_ptr<const RE_Bool_Evaluator> condition)
         : RE_Fail(parser), evaluator(std::move(condition)) {}
     bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
+    RE_Meaning meaning() const override;
     std::string label() const override { return "Parse, evaluate and assert"; }
 
 private:
@@ -63,6 +65,7 @@ public:
     const RE_Node* includedText(const RE_Search_Info& info) const override;
     RE_Node* resume(const RE_Backtrack_Record& record, std::size_t& pos, RE_Search_Info& info) const override;
     void combineLengths() override;
+    RE_Meaning meaning() const override;
     std::uint32_t getDepth() const { return depth; }
 
 protected:

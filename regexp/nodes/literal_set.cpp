@@ -1,5 +1,6 @@
 #include "regexp/nodes/literal_set.h"
 
+#include "regexp/graph/meaning.h"
 #include "regexp/nodes/label_text.h"
 #include "regexp/seek/scan.h"
 
@@ -74,4 +75,8 @@ std::string RE_Literal_Set::label() const {
         text += " and " + std::to_string(literals.count() - shown) + " more";
     }
     return text + (literals.ignoresCase() ? " ignoring case" : "");
+}
+
+RE_Meaning RE_Literal_Set::meaning() const {
+    return RE_Meanings::Texts{this, nextNode};
 }

@@ -24,6 +24,7 @@ public:
     bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
     RE_Node* resume(const RE_Backtrack_Record& record, std::size_t& pos, RE_Search_Info& info) const override;
     bool canSeek(bool) const override { return true; }
+    RE_Meaning meaning() const override;
     void combineLengths() override;
     std::string label() const override;
 

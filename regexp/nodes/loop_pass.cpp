@@ -1,5 +1,6 @@
 #include "regexp/nodes/loop_pass.h"
 
+#include "regexp/graph/meaning.h"
 #include "regexp/state/pass_word.h"
 #include "regexp/state/search_info.h"
 
@@ -29,4 +30,12 @@ bool RE_End_Pass::match(const char16_t*, std::size_t& pos, RE_Search_Info& info)
         info.deadEnd();
     }
     return state == 0;
+}
+
+RE_Meaning RE_Start_Pass::meaning() const {
+    return RE_Meanings::Pass{pass, true, passKind, nextNode, nullptr};
+}
+
+RE_Meaning RE_End_Pass::meaning() const {
+    return RE_Meanings::Pass{pass, false, RE_Pass::optional, nextNode, failTarget};
 }

@@ -16,6 +16,7 @@ public:
                   std::size_t units = 0)
         : RE_Node(context), pass(passRegister), passKind(kindOfPass), exactUnits(units) {}
     bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
+    RE_Meaning meaning() const override;
     std::string label() const override;
 
     std::size_t pass;
@@ -28,6 +29,7 @@ class CORVANE_REGEXP_EXPORT RE_End_Pass : public RE_Fail {
 public:
     RE_End_Pass(RE_Graph_Context& context, std::size_t passRegister) : RE_Fail(context), pass(passRegister) {}
     bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
+    RE_Meaning meaning() const override;
     std::string label() const override { return "End pass"; }
 
     std::size_t pass;

@@ -1,5 +1,6 @@
 #include "regexp/nodes/seeker.h"
 
+#include "regexp/graph/meaning.h"
 #include "regexp/nodes/graph_context.h"
 #include "regexp/seek/scan.h"
 
@@ -66,4 +67,8 @@ const char16_t* StringInnerSeeker::startWithin(const RE_Literal_Stretches::Stret
 const char16_t* StringInnerSeeker::scan(const char16_t* p, RE_Search_Info& info) const {
     return stretches.nextStart(
         p, info, [&](const RE_Literal_Stretches::Stretch& stretch) { return startWithin(stretch, info); });
+}
+
+RE_Meaning RE_Seeker::meaning() const {
+    return RE_Meanings::Nothing{nextNode};
 }

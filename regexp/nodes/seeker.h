@@ -20,6 +20,7 @@ class CORVANE_REGEXP_EXPORT RE_Seeker : public RE_Can_Seek<RE_Node> {
 public:
     using RE_Can_Seek<RE_Node>::RE_Can_Seek;
     bool canSeek(bool) const override { return true; }
+    RE_Meaning meaning() const override;
 };
 
 /// Finds positions at which a unit of a set stands: the units that a match can start with.

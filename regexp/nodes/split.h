@@ -11,6 +11,7 @@ public:
     RE_Node* alternativeNode() const override { return alternative; }
     bool isBranching() const override { return true; }
     void visitLinks(RE_Link_Visitor& visitor) override;
+    RE_Meaning meaning() const override;
     std::string label() const override { return "Split"; }
 
     RE_Node* alternative = nullptr;

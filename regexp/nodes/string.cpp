@@ -1,5 +1,6 @@
 #include "regexp/nodes/string.h"
 
+#include "regexp/graph/meaning.h"
 #include "regexp/nodes/label_text.h"
 #include "regexp/nodes/units.h"
 #include "regexp/nodes/graph_context.h"
@@ -115,4 +116,8 @@ RE_Node* RE_String::joinString(RE_Graph_Context& context) {
     context.renumbers = true;
     takeFollowing(*this, context);
     return this;
+}
+
+RE_Meaning RE_String::meaning() const {
+    return RE_Meanings::Text{this, nextNode};
 }

@@ -24,6 +24,7 @@ public:
         return true;
     }
     std::uint64_t width() const override { return length; }
+    RE_Meaning meaning() const override;
     bool canSeek(bool) const override { return true; }
     std::string label() const override;
     bool matchesAt(const char16_t* p) const { return literal().matchesAt(p); }

@@ -1,5 +1,6 @@
 #include "regexp/nodes/tokens.h"
 
+#include "regexp/graph/meaning.h"
 #include "regexp/nodes/label_text.h"
 #include "regexp/state/search_info.h"
 #include "regexp/seek/scan.h"
@@ -87,4 +88,20 @@ std::string RE_Match_Token::label() const {
 bool RE_Token_Assertion::match(const char16_t*, std::size_t&, RE_Search_Info& info) const {
     const RE_TokenInfo* const found = token(info);
     return found != nullptr && found->length != 0;
+}
+
+RE_Meaning RE_Start_Token::meaning() const {
+    return RE_Meanings::Mark{number, true, nextNode};
+}
+
+RE_Meaning RE_End_Token::meaning() const {
+    return RE_Meanings::Mark{number, false, nextNode};
+}
+
+RE_Meaning RE_Match_Token::meaning() const {
+    return RE_Meanings::Reference{nextNode, failTarget};
+}
+
+RE_Meaning RE_Token_Assertion::meaning() const {
+    return RE_Meanings::Condition{nextNode, failTarget};
 }

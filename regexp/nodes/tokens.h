@@ -59,6 +59,7 @@ public:
         return true;
     }
     bool isStartToken() const override { return true; }
+    RE_Meaning meaning() const override;
 
     /// All that the token holds, when that is a loop over one unit that gives nothing back; else null.
     const RE_Node* run = nullptr;
@@ -76,6 +77,7 @@ public:
         return true;
     }
     bool isEndToken() const override { return true; }
+    RE_Meaning meaning() const override;
     std::string label() const override { return "Token end #" + std::to_string(number + 1); }
 };
 template <>
@@ -130,6 +132,7 @@ public:
     /// these hold: the first or last position at which its first unit stands, or null.
     const char16_t* nextPlace(const char16_t* p, const char16_t* end, RE_Search_Info& info) const;
     const char16_t* lastPlace(const char16_t* first, const char16_t* last, RE_Search_Info& info) const;
+    RE_Meaning meaning() const override;
     bool canSeek(bool) const override { return false; }
     void combineLengths() override;
     std::string label() const override;
@@ -149,5 +152,6 @@ class CORVANE_REGEXP_EXPORT RE_Token_Assertion : public RE_Token_Fail {
 public:
     using RE_Token_Fail::RE_Token_Fail;
     bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
+    RE_Meaning meaning() const override;
     std::string label() const override { return "Assert Token " + which(); }
 };

@@ -9,6 +9,7 @@ class CORVANE_REGEXP_EXPORT RE_Null : public RE_Node {
 public:
     using RE_Node::RE_Node;
     bool isSkippable() const override { return nextNode != nullptr; }
+    RE_Meaning meaning() const override;
     std::string label() const override { return "Null"; }
 };
 template <>
@@ -31,6 +32,7 @@ public:
     }
     RE_Node* next() const override { return continuation; }
     bool isEnd() const override { return continuation == nullptr; }
+    RE_Meaning meaning() const override;
     std::string label() const override { return endsBody ? "End of body" : "End"; }
     void graph(RE_Graph_Output& out) override;
 

@@ -12,7 +12,7 @@
 #include <string_view>
 
 /// Gathers units. Until they are taken they lie in their sets: most often no other one has to be made.
-class RE_Unit_Union {
+class CORVANE_REGEXP_EXPORT RE_Unit_Union {
 public:
     explicit RE_Unit_Union(RE_Set_Pool& setPool) : pool(setPool) {}
 

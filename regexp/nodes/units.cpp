@@ -1,5 +1,6 @@
 #include "regexp/nodes/units.h"
 
+#include "regexp/graph/meaning.h"
 #include "regexp/nodes/label_text.h"
 #include "regexp/seek/kernels.h"
 #include "regexp/seek/scan.h"
@@ -132,4 +133,8 @@ void RE_Dot_Line::addUnitsTo(RE_Unit_Set& set) const {
 
 std::size_t RE_Dot_All::skipDistance(const char16_t* p, const char16_t* limit) const {
     return static_cast<std::size_t>(limit - p);
+}
+
+RE_Meaning RE_Unit_Test::meaning() const {
+    return RE_Meanings::Unit{this, nextNode, failTarget};
 }

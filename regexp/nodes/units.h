@@ -19,6 +19,7 @@ public:
 
     bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
     bool isSingleUnit() const override { return true; }
+    RE_Meaning meaning() const override;
     std::uint64_t width() const override { return 1; }
     bool leadsTo(RE_Node* target) override;
 };

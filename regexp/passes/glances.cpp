@@ -1,5 +1,6 @@
 #include "regexp/passes/glances.h"
 
+#include "regexp/graph/meaning.h"
 #include "regexp/nodes/anchors.h"
 #include "regexp/nodes/closed_body.h"
 #include "regexp/nodes/string.h"
@@ -12,11 +13,14 @@ constexpr std::size_t longestRow = 4;
 
 /// Matches in one way only and looks at nothing but units near its position.
 bool isPlainTest(const RE_Node* node) {
-    if (const auto* unit = nodeAs<RE_Consumable>(node)) {
-        return unit->isSingleUnit() && !unit->hasFailNode();
+    if (nodeAs<RE_Lookaround_Assertion>(node) != nullptr) {
+        return false;
     }
-    const bool anchor = nodeAs<RE_Anchor>(node) != nullptr && nodeAs<RE_End_Match>(node) == nullptr;
-    return anchor || nodeAs<RE_String>(node) != nullptr;
+    const RE_Meaning meaning = node->meaning();
+    if (const auto* const unit = std::get_if<RE_Meanings::Unit>(&meaning)) {
+        return unit->otherwise == nullptr;
+    }
+    return std::holds_alternative<RE_Meanings::Edge>(meaning) || std::holds_alternative<RE_Meanings::Text>(meaning);
 }
 
 // A look-behind requires its body to end at the assertion, which a body of fixed width does by itself.
