@@ -1,5 +1,6 @@
 // Builds loops out of splits, counters and pass guards, or copies of a body where those are few.
 #include "regexp/nodes/consume.h"
+include "regexp/within_size.h"
 #include "regexp/parser/graph_builder.h"
 #include "regexp/parser/unit_nodes.h"
 
@@ -115,7 +116,7 @@ void RE_Graph_Builder::enterPass(const Loop& loop, bool required) {
     if (loop.guarded) {
         const RE_Pass kind =
             !required ? RE_Pass::optional : (loop.empty.endLoop ? RE_Pass::lastWhenEmpty : RE_Pass::required);
-        append(context.make<RE_Start_Pass>(loop.pass, kind, loop.empty.exactUnits));
+        append(context.make<RE_Start_Pass>(loop.pass, kind, withinSize(loop.empty.exactUnits)));
     }
 }
 
