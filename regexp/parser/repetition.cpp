@@ -1,8 +1,8 @@
 // Builds loops out of splits, counters and pass guards, or copies of a body where those are few.
 #include "regexp/nodes/consume.h"
-include "regexp/within_size.h"
 #include "regexp/parser/graph_builder.h"
 #include "regexp/parser/unit_nodes.h"
+#include "regexp/within_size.h"
 
 #include <algorithm>
 
