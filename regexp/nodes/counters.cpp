@@ -1,6 +1,7 @@
 #include "regexp/nodes/counters.h"
 
 #include "regexp/search_info.h"
+#include "regexp/within_size.h"
 
 #include <algorithm>
 
@@ -28,7 +29,8 @@ bool RE_Fixed_Counter::match(const char16_t* subject, std::size_t& pos, RE_Searc
     if (passesAtEnd == 0) {
         return beginPass(subject + pos, info);
     }
-    const std::uint64_t idle = idlePasses(limit - count + 1, info.subjectLength() - pos);
+    // More than sizes can say are left to the next pass.
+    const std::size_t idle = withinSize(idlePasses(limit - count + 1, info.subjectLength() - pos));
     info.incrementCount(this);
     info.counterStacks[this].back() += idle;
     info.pushRecord(this, subject + pos, idle);
