@@ -1,5 +1,6 @@
 #include "regexp/nodes/counters.h"
 
+#include "regexp/base/within_size.h"
 #include "regexp/graph/meaning.h"
 #include "regexp/state/search_info.h"
 
@@ -29,7 +30,8 @@ bool RE_Fixed_Counter::match(const char16_t* subject, std::size_t& pos, RE_Searc
     if (passesAtEnd == 0) {
         return beginPass(subject + pos, info);
     }
-    const std::uint64_t idle = idlePasses(limit - count + 1, info.subjectLength() - pos);
+    // More than sizes can say are left to the next pass.
+    const std::size_t idle = withinSize(idlePasses(limit - count + 1, info.subjectLength() - pos));
     info.incrementCount(this);
     info.counterStacks[this].back() += idle;
     info.pushRecord(this, subject + pos, idle);

@@ -2,6 +2,7 @@
 #include "regexp/nodes/consume.h"
 #include "regexp/parser/graph_builder.h"
 #include "regexp/parser/unit_nodes.h"
+#include "regexp/base/within_size.h"
 
 #include <algorithm>
 
@@ -115,7 +116,7 @@ void RE_Graph_Builder::enterPass(const Loop& loop, bool required) {
     if (loop.guarded) {
         const RE_Pass kind =
             !required ? RE_Pass::optional : (loop.empty.endLoop ? RE_Pass::lastWhenEmpty : RE_Pass::required);
-        append(context.make<RE_Start_Pass>(loop.pass, kind, loop.empty.exactUnits));
+        append(context.make<RE_Start_Pass>(loop.pass, kind, withinSize(loop.empty.exactUnits)));
     }
 }
 
