@@ -1,3 +1,7 @@
+// Adds the counts of searches up, and the parts of RE_Profile_Node that do not depend on the node's class.
+//
+// What a visit pushed is not reported by the node but read off the stack: every record above the height that
+// the stack had before. Nodes need no code for profiles, and cannot forget to count.
 #include "regexp/inspect/profile.h"
 
 #include "regexp/graph_facts.h"
@@ -24,6 +28,7 @@ RE_Node_Counts RE_Profile::total() const {
     return all;
 }
 
+// The sheet has as many rows as the totals: both are made for the same greatest number.
 void RE_Profiler::add(const RE_Count_Table& counts) {
     const std::lock_guard lock(guard);
     for (std::size_t i = 0; i < totals.size(); ++i) {
@@ -44,9 +49,12 @@ RE_Count_Table RE_Profiler::read(std::uint64_t& searchCount) const {
     return totals;
 }
 
+// Notes the height of the stack and the refusals so far, to tell afterwards what the visit added.
 RE_Node_Counting::RE_Node_Counting(const RE_Node* node, RE_Search_Info& info)
     : nodeId(node->nodeId), search(info), top(info.backtrack.top), refusals(info.refusals) {}
 
+// Null when the search has no sheet. Nodes of dynamic texts have numbers beyond the table; all of them share
+// row 0.
 RE_Node_Counts* RE_Node_Counting::countsOf(std::uint64_t id) const {
     if (search.profile == nullptr) {
         return nullptr;
@@ -83,6 +91,7 @@ void RE_Node_Counting::popped() const {
     }
 }
 
+// Empty for a tree that was compiled without the option: then there is no profiler.
 RE_Profile RE_Tree::profile() const {
     RE_Profile found;
     if (facts->profiler != nullptr) {
