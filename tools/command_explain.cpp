@@ -1,4 +1,7 @@
 // `cvregexp explain`: what a pattern matches, in English, and what its searches cost.
+//
+// The description is of the pattern as written (regexp/inspect/outline.h). Start, possessive loops and growth
+// are read off the compiled graph, so they depend on the compile options.
 #include "tools/command.h"
 #include "tools/compiled_pattern.h"
 #include "tools/exit_status.h"
@@ -22,6 +25,7 @@ namespace po = boost::program_options;
 namespace tool {
 namespace {
 
+// Units of a label; a literal set of a thousand words would fill the screen.
 constexpr std::size_t longestLabel = 60;
 
 std::string nodeText(const RE_Node* node) {
@@ -36,6 +40,7 @@ std::string lengthText(const RE_Outline& outline) {
                                                           : " to " + std::to_string(outline.most) + " units");
 }
 
+// How a search finds start positions: by a start finder, by the root itself, or one position after the other.
 std::string startText(const RE_Tree& tree) {
     const RE_Node* const root = tree.getRoot();
     const RE_Start_Finder finder = tree.getFacts().startFinder;
@@ -43,6 +48,8 @@ std::string startText(const RE_Tree& tree) {
     return root->canSeek(false) ? nodeText(root) : "every position is tried";
 }
 
+// Every place at which the engine does not backtrack, and why that is so: because the pattern asks for it, or
+// because backtracking there could not help (`couldNotHelp`).
 void printPossessiveLoops(const RE_Tree& tree) {
     for (const RE_Node* node : tree.getFacts().nodes) {
         if (dynamic_cast<const RE_Atomic*>(node) != nullptr) {
@@ -72,8 +79,10 @@ std::string growthText(const RE_Growth& growth) {
            " without the memory of failed states: " + loop + " is ambiguous with " + rival;
 }
 
+// The judgement and a text to try it with. Control characters are escaped.
 void printGrowth(const RE_Growth& growth) {
     std::cout << "Growth: " << growthText(growth) << '\n';
+    // Linear or unknown: there is no witness.
     if (growth.loop == nullptr && growth.rival == nullptr) return;
     const auto quoted = [](const std::u16string& text) { return "'" + toPrintableUtf8(text) + "'"; };
     std::cout << "Witness:";
@@ -96,6 +105,7 @@ int runExplain(const Arguments& words) {
     const CompiledPattern pattern(request, compile);
     printWarnings(pattern.text(), pattern.warnings());
 
+    // A context of its own: the outline reads the pattern again and would raise every warning a second time.
     const auto context = makeContext(compile, pattern.scripts(), true);
     const RE_Outline outline =
         outlinePattern(request.text.data(), request.text.size(), request.flags, context.get());

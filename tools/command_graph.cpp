@@ -25,6 +25,7 @@ po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
     return withPatternOptions(options, compile);
 }
 
+// The names are those of the passes, as the compile options that switch them have them.
 RE_Stage stageNamed(std::string_view name) {
     static constexpr std::pair<std::string_view, RE_Stage> stages[] = {{"parsed", RE_Stage::parsed},
                                                                        {"null-nodes", RE_Stage::null_nodes},
@@ -47,6 +48,7 @@ int runGraph(const Arguments& words) {
     const CompiledPattern pattern(request, compile);
     printWarnings(pattern.text(), pattern.warnings());
 
+    // An earlier stage is not kept in a tree; it is compiled again up to there.
     std::string text = pattern.tree().graph();
     if (arguments.has("stage")) {
         const auto context = makeContext(compile, pattern.scripts(), true);

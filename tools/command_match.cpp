@@ -1,5 +1,8 @@
 // `cvregexp match`: every match of a pattern in whole files, which the pattern sees as one text, not as
 // lines.
+//
+// Matches are printed as they are found. An interrupt ends the search, and what was found before it stays
+// printed.
 #include "tools/command.h"
 #include "tools/compiled_pattern.h"
 #include "tools/exit_status.h"
@@ -17,11 +20,14 @@
 namespace tool {
 namespace {
 
+// One run over all files, with the state that outlives a file: whether anything was found or unreadable.
 class MatchRun {
 public:
     MatchRun(const CompiledPattern& pattern, const MatchSettings& settings)
         : pattern_(pattern), settings_(settings), reporter_(makeReporter(settings.style, std::cout)) {}
 
+    // A file that cannot be read outweighs a match: a script must not take an incomplete answer for a
+    // complete one. The exception is --quiet, whose answer is complete with the first match.
     int searchAll() {
         for (const std::string& fileName : settings_.fileNames) {
             searchFile(fileName);
@@ -33,7 +39,8 @@ public:
     }
 
 private:
-    // A file that cannot be read does not keep the others from being searched.
+    // A file that cannot be read does not keep the others from being searched. The message comes after the
+    // output so far, also when both streams are one terminal.
     void searchFile(const std::string& fileName) {
         try {
             searchText(readInput(fileName));
@@ -82,8 +89,10 @@ int runMatch(const Arguments& words) {
     Corvane::regexp::CompileOptions compile;
     ParsedArguments arguments = parseArguments(words, "match [OPTION...] PATTERN [FILE...]",
                                                withPatternOptions(matchOptions(), compile));
+    // First the pattern, then the files: takePattern removes the pattern from the positional words.
     PatternRequest request = takePattern(arguments);
     const MatchSettings settings = readMatchSettings(arguments);
+    // Before compiling, so that no signal from here on leaves a half-written answer.
     catchInterrupts();
     CompiledPattern pattern(std::move(request), compile);
     pattern.prepareForSearches();

@@ -1,4 +1,7 @@
 // `cvregexp profile`: finds every match in a file and shows what each node of the pattern did for it.
+//
+// A profile is of the graph as it is searched without programs and machine code; the counts say where the
+// work is, not how long it takes.
 #include "tools/command.h"
 #include "tools/compiled_pattern.h"
 #include "tools/exit_status.h"
@@ -29,6 +32,7 @@ po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
     return withPatternOptions(options, compile);
 }
 
+// One row of the table; the widths are those of printTable's heading. Labels come last, as they may be long.
 void printRow(const std::string& node, const RE_Node_Counts& counts, const std::string& label) {
     char numbers[160];
     const auto number = [](std::uint64_t value) { return static_cast<unsigned long long>(value); };
@@ -49,7 +53,8 @@ void printTable(const RE_Profile& profile) {
     printRow("all", profile.total(), "the whole text");
 }
 
-// From white for no visit to red for the most; every colour is a factor, not a difference.
+// From white for no visit to red for the most, by the logarithm: the visits of a loop and of what surrounds
+// it differ by powers of ten. The number itself stands beside the node.
 std::string heat(std::uint64_t visits, std::uint64_t most) {
     const double part =
         most == 0 ? 0.0 : std::log1p(static_cast<double>(visits)) / std::log1p(static_cast<double>(most));
@@ -68,11 +73,13 @@ std::string heatGraph(const RE_Tree& tree, const RE_Profile& profile) {
     });
 }
 
+// The file's ending, which drawGraph accepts or refuses.
 std::string formatOf(const std::string& fileName) {
     const std::size_t dot = fileName.rfind('.');
     return dot == std::string::npos ? "" : fileName.substr(dot + 1);
 }
 
+// Goes to the last match. A search that was broken off has counted too, but its profile would mislead.
 bool searchAll(const RE_Tree& tree, std::u16string_view text) {
     bool found = false;
     for ([[maybe_unused]] const RE_Results& match : tree.find_all(text)) found = true;
@@ -84,6 +91,7 @@ bool searchAll(const RE_Tree& tree, std::u16string_view text) {
 
 int runProfile(const Arguments& words) {
     Corvane::regexp::CompileOptions compile;
+    // Counting is a compile option like any other; this command is the one that switches it on.
     Arguments all{"--Profile=true"};
     all.insert(all.end(), words.begin(), words.end());
     ParsedArguments arguments =

@@ -1,4 +1,7 @@
 // `cvregexp replace`: whole files with their matches replaced, on standard output or in place.
+//
+// In place, a file is either replaced as a whole or left as it was: see file_rewrite.h. On standard output
+// every file is printed, also one without a match.
 #include "tools/command.h"
 #include "tools/compiled_pattern.h"
 #include "tools/compiled_replacement.h"
@@ -40,6 +43,7 @@ struct ReplaceSettings {
     Arguments fileNames;
 };
 
+// The pattern and the replacement must have been taken from the positional words; the rest are files.
 ReplaceSettings readSettings(const ParsedArguments& arguments) {
     ReplaceSettings settings{arguments.has("adjust-case"), arguments.has("in-place"),
                              arguments.number("which"), arguments.positionals};
@@ -49,6 +53,7 @@ ReplaceSettings readSettings(const ParsedArguments& arguments) {
     return settings;
 }
 
+// The first of the positional words that are left after the pattern.
 std::u16string takeReplacement(ParsedArguments& arguments) {
     if (arguments.positionals.empty()) throw UsageError("a replacement is missing");
     std::u16string text = toUtf16(arguments.positionals.front());
@@ -56,7 +61,8 @@ std::u16string takeReplacement(ParsedArguments& arguments) {
     return text;
 }
 
-// A file as it was read.
+// A file as it was read: its bytes, and its text without the byte order mark. Both are kept, to tell
+// afterwards whether anything changed and whether the conversion lost anything.
 class FileText {
 public:
     explicit FileText(const std::string& fileName)
@@ -68,7 +74,7 @@ public:
     std::u16string_view text() const { return text_.view(); }
     bool isUtf8() const { return isConversionOf(text(), std::string_view(bytes_).substr(markSize_)); }
 
-    // As bytes, behind the byte order mark if the file has one.
+    // As bytes, after the byte order mark if the file has one.
     std::string withMark(std::u16string_view changed) const {
         std::string result = bytes_.substr(0, markSize_);
         appendUtf8(result, changed);
@@ -81,6 +87,7 @@ private:
     Utf16Text text_;
 };
 
+// One run over all files.
 class ReplaceRun {
 public:
     ReplaceRun(const CompiledPattern& pattern, const CompiledReplacement& replacement,
@@ -109,7 +116,7 @@ private:
         }
     }
 
-    // What has no UTF-8 form is printed as U+FFFD, but not without a word.
+    // What has no UTF-8 form is printed as U+FFFD, and a message says so.
     void printFile(const std::string& fileName) {
         const FileText file(fileName);
         const std::u16string result = replacedText(file.text());
@@ -119,7 +126,8 @@ private:
         if (hasLoneSurrogate(result)) say(label + ": halves of surrogate pairs became U+FFFD");
     }
 
-    // In a file nothing is lost: what has no UTF-8 form, before or afterwards, leaves it as it is.
+    // In a file nothing is lost: if it has no UTF-8 form, before or afterwards, it is left as it is. The
+    // rewrite looks at the file before it is read, so that a change in between is noticed.
     void changeFile(const std::string& fileName) {
         const FileRewrite rewrite(fileName);
         const FileText file(fileName);
@@ -131,7 +139,8 @@ private:
         if (changed != file.bytes()) rewrite.write(changed);
     }
 
-    // What an interrupt leaves half done goes nowhere.
+    // Throws when interrupted: a text that is replaced in part must go nowhere. With --which the N-th match
+    // has to be there for anything to be replaced.
     std::u16string replacedText(std::u16string_view subject) {
         std::size_t matches = 0;
         std::u16string result =
@@ -171,6 +180,7 @@ int runReplace(const Arguments& words) {
     CompiledPattern pattern(std::move(request), compile);
     pattern.prepareForSearches();
     printWarnings(pattern.text(), pattern.warnings(), "pattern");
+    // After the pattern: both share the interpreter that runs their expressions.
     const CompiledReplacement replacement(std::move(replacementText), compile, pattern.scripts());
     printWarnings(replacement.text(), replacement.warnings(), "replacement");
     const int status = ReplaceRun(pattern, replacement, settings).runAll();

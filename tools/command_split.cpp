@@ -1,4 +1,7 @@
 // `cvregexp split`: the parts of whole files that lie between the matches of a pattern.
+//
+// Unlike `match`, this prints nothing before a text is searched to its end; the parts are views into the text
+// and cost no copy.
 #include "tools/command.h"
 #include "tools/compiled_pattern.h"
 #include "tools/exit_status.h"
@@ -27,6 +30,8 @@ po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
 
 // True when there is more than one part. A line feed that ends the whole text belongs to no part.
 bool splitText(const RE_Tree& tree, std::u16string_view text, char terminator) {
+    // Else a text file, which ends with a line feed, would have an empty part at its end under a pattern like
+    // \n.
     if (text.ends_with(u'\n')) text.remove_suffix(1);
     std::vector<std::u16string_view> parts = tree.split(text);
     const bool interrupted = interruptPending();

@@ -1,4 +1,5 @@
-// The table of commands, in the order in which the help text lists them.
+// The table of commands, in the order in which the help text lists them: those that search, those that look
+// into a pattern, those that translate texts.
 #include "tools/command.h"
 
 namespace tool {

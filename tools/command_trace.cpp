@@ -1,4 +1,6 @@
-// `cvregexp trace`: one search, step by step.
+// `cvregexp trace`: one search, step by step, as lines or as a page that replays it.
+//
+// The log is written as it happens and printed afterwards, so a trace that is interrupted prints nothing.
 #include "tools/command.h"
 #include "tools/compiled_pattern.h"
 #include "tools/exit_status.h"
@@ -27,6 +29,7 @@ po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
     return withPatternOptions(options, compile);
 }
 
+// A search without an event is one that was over before it began: the subject is shorter than any match.
 void printLog(const TraceLog& log) {
     for (std::size_t index = 0; index != log.events().size(); ++index)
         std::cout << describeEvent(log, index) << '\n';
@@ -48,6 +51,7 @@ int runTrace(const Arguments& words) {
     catchInterrupts();
     printWarnings(pattern.text(), pattern.warnings());
 
+    // The limit bounds memory, not the search, which goes on unrecorded.
     TraceLog log(arguments.options["limit"].as<std::size_t>());
     const std::unique_ptr<RE_Results> found(pattern.tree().trace(
         subject.data(), subject.size(), arguments.options["offset"].as<std::size_t>(), log));

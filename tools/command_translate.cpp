@@ -1,4 +1,5 @@
-// `cvregexp escape`, `cvregexp wildcard` and `cvregexp spaces`: one text in, one text out.
+// `cvregexp escape`, `cvregexp wildcard` and `cvregexp spaces`: one text in, one text out. No pattern is
+// compiled, so these commands have no pattern options and raise no warnings.
 #include "tools/arguments.h"
 #include "tools/command.h"
 #include "tools/exit_status.h"

@@ -1,4 +1,7 @@
 // A pattern compiled for one run of the program, kept together with everything that has to outlive it.
+//
+// Trap: the order of the members is the order of construction, and the reverse of destruction. The context
+// keeps a view of the text and calls the interpreter, and the tree calls the context.
 #pragma once
 
 #include "tools/pattern_options.h"
@@ -13,13 +16,14 @@ public:
           scripts_(startScripts(request.scripts)),
           context_(makeContext(options, scripts_, true)),
           tree_(text_.data(), text_.size(), request.flags, context_.get()) {
+        // From here on whatever compiles under this context is a dynamic text in a search.
         context_->compiled();
     }
 
     CompiledPattern(const CompiledPattern&) = delete;
     CompiledPattern& operator=(const CompiledPattern&) = delete;
 
-    /// For commands that search more than they compile.
+    // For commands that search more than they compile. Changes the tree, so it comes before the first search.
     void prepareForSearches() {
         tree_.makeMachineCode();
         tree_.makeDfa();
@@ -27,6 +31,7 @@ public:
 
     const std::u16string& text() const { return text_; }
     const RE_Tree& tree() const { return tree_; }
+    // Those of the pattern itself, by position.
     std::vector<PatternWarning> warnings() const { return context_->warnings(); }
 
     // Null when expressions are not allowed.

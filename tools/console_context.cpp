@@ -1,4 +1,5 @@
-// The engine's view of the program.
+// The engine's view of the program. Positions are computed at once, while the text that a warning points into
+// is there.
 #include "tools/console_context.h"
 
 #include <algorithm>

@@ -1,5 +1,5 @@
 // The text goes to `dot` through a temporary file and the picture comes back through a pipe, so that neither
-// side can wait for the other.
+// side can wait for the other: with two pipes both could be full.
 #include "tools/graphviz.h"
 
 #include "tools/usage_error.h"
@@ -13,6 +13,7 @@
 namespace tool {
 namespace {
 
+// Closed before `dot` reads it, removed when the picture is there.
 class TemporaryFile {
 public:
     explicit TemporaryFile(const std::string& content) {
@@ -31,6 +32,7 @@ public:
     const char* name() const { return name_; }
 
 private:
+    // mkstemp replaces the X's.
     char name_[32] = "/tmp/cvregexp-graph-XXXXXX";
 };
 

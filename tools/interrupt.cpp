@@ -1,5 +1,5 @@
 // The handler sets the host's interrupt flag, which running searches poll. The flag is a lock-free atomic,
-// which makes setting it safe in a signal handler.
+// which makes setting it safe in a signal handler. The handler does nothing else.
 #include "tools/interrupt.h"
 
 #include "host/interrupt.h"

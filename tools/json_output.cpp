@@ -1,4 +1,5 @@
-// Machine-readable output, one JSON object a line. Keys keep their order, so that the lines also read well.
+// Machine-readable output, one JSON object for each line. Keys keep their order, so that the lines also read
+// well, and no key is ever left out: what is missing is null or empty.
 #include "tools/json_output.h"
 
 #include "tools/line_index.h"
@@ -19,6 +20,7 @@ void writeLine(std::ostream& out, const Json& object) {
     out << object.dump(-1, ' ', false, Json::error_handler_t::replace) << '\n';
 }
 
+// A token that took no part has an empty text too, which only `tookPart` tells from an empty match.
 Json tokenObject(const RE_Results& found, std::size_t index) {
     const RE_TokenInfo& token = *found.tokens->get(index);
     return {{"number", index + 1},

@@ -1,5 +1,5 @@
 // The program `cvregexp`: picks a command from the table and turns exceptions into messages and exit
-// statuses.
+// statuses. It knows no command by name.
 #include "tools/arguments.h"
 #include "tools/command.h"
 #include "tools/exit_status.h"
@@ -35,6 +35,8 @@ int dispatch(const tool::Arguments& words) {
     return tool::exitTrouble;
 }
 
+// Output that could not be written is trouble, whatever the command found: a full disk must not look like
+// success.
 int run(const tool::Arguments& words) {
     int status = tool::exitPositive;
     try {
@@ -49,6 +51,8 @@ int run(const tool::Arguments& words) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    // All output goes through streams; only the progress line and programs of others use stdio, on other
+    // files.
     std::ios::sync_with_stdio(false);
     try {
         return run({argv + 1, argv + argc});

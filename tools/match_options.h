@@ -6,6 +6,7 @@
 
 namespace tool {
 
+// Declares the options, with the help that --help prints.
 boost::program_options::options_description matchOptions();
 
 struct MatchSettings {

@@ -1,3 +1,5 @@
+// Files that commands write beside their output. They are made new, so a plain stream does; file_rewrite.h is
+// for files whose content matters.
 #include "tools/output_file.h"
 
 #include <cerrno>

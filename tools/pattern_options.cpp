@@ -1,4 +1,7 @@
 // The options that say which pattern is meant and in which modes.
+//
+// RE_FLAG_EVALUATE is always set: whether expressions run is decided by the context (--lua). RE_FLAG_DOT_ALL
+// is set unless --dot-line is given, as files are searched as one text.
 #include "tools/pattern_options.h"
 
 #include "tools/input.h"
@@ -10,6 +13,7 @@ namespace po = boost::program_options;
 namespace tool {
 namespace {
 
+// The pattern as UTF-8. Given by an option, it leaves the positional words alone.
 std::string takePatternText(ParsedArguments& arguments) {
     if (arguments.has("regexp") && arguments.has("pattern-file"))
         throw UsageError("give one pattern, with -e or with -f");

@@ -1,4 +1,4 @@
-// What all forms of output share.
+// What all forms of output share: the choice of a form, the prefix of a line, and the texts of results.
 #include "tools/report.h"
 
 namespace tool {

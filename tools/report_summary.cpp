@@ -1,4 +1,5 @@
-// Output that only counts (--count), only names files (--files-with-matches) or is none at all (--quiet).
+// Output that only counts (--count), only names files (--files-with-matches) or is none at all (--quiet). The
+// last two need one match of a text, and then end its search.
 #include "tools/report.h"
 
 namespace tool {
@@ -6,6 +7,7 @@ namespace {
 
 class SummaryReporter : public Reporter {
 public:
+    // A count belongs to no line, so --line-number is without effect.
     SummaryReporter(const ReportStyle& style, std::ostream& out) : style_(style), out_(out) {
         style_.lineNumbers = false;
     }

@@ -1,4 +1,5 @@
-// The options about expressions; who runs the expressions is in another file.
+// The options about expressions, and the context for a text with or without an interpreter. The interpreter
+// itself is in lua_context.cpp; a build without it has script_host_none.cpp instead.
 #include "tools/script_host.h"
 
 namespace po = boost::program_options;
@@ -15,6 +16,7 @@ po::options_description scriptOptions() {
     return options;
 }
 
+// Definitions and final code make sense only if expressions run, so each of them implies --lua.
 ScriptRequest readScriptRequest(const ParsedArguments& arguments) {
     ScriptRequest request;
     if (arguments.has("lua-file")) request.files = arguments.options["lua-file"].as<Arguments>();

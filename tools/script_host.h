@@ -11,8 +11,10 @@
 
 namespace tool {
 
+// Offered by every build, so that a script gets a clear message from one without an interpreter.
 boost::program_options::options_description scriptOptions();
 
+// What the words say about expressions.
 struct ScriptRequest {
     bool allowed = false;
     Arguments files;    // with definitions, run in this order before anything else
@@ -29,6 +31,7 @@ public:
     // For a pattern or a replacement whose expressions may be evaluated. The host must outlive the context.
     virtual std::unique_ptr<ConsoleContext> makeContext(const Corvane::regexp::CompileOptions& options,
                                                         bool forPattern) = 0;
+    // Runs the code of --lua-after. Called when the command has done its work; not when it failed.
     virtual void finish() = 0;
 };
 

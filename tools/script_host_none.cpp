@@ -1,4 +1,4 @@
-// Builds without an interpreter.
+// Builds without an interpreter. The options are there, and their use is an error with a message.
 #include "tools/script_host.h"
 #include "tools/usage_error.h"
 

@@ -1,4 +1,5 @@
-// What happened in one search, event by event, as it is printed and replayed.
+// What happened in one search, event by event, as it is printed and replayed. A log is data: nothing in it
+// refers to the search, the tree or the subject.
 #pragma once
 
 #include "regexp/inspect/observer.h"

@@ -1,4 +1,7 @@
 // The page gets the events as data and replays them itself; trace_page_source.cpp holds its text.
+//
+// Text of the user's (pattern, subject, labels) reaches the page only as JSON inside a script: asScriptText
+// keeps it from ending the script.
 #include "tools/trace_page.h"
 
 #include "tools/trace_page_source.h"
@@ -16,8 +19,10 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 constexpr std::size_t longestLabel = 60;
+// In the order of RE_Trace_Kind; the script compares with these words.
 constexpr std::string_view kindNames[] = {"seek", "start", "step", "push", "refuse", "pop", "body", "finish"};
 
+// The node's links with the names that the graph export uses, so that the page draws the same arrows.
 Json linksOf(RE_Node* node) {
     struct Links : RE_Link_Visitor {
         void link(RE_Node*& target, RE_Link kind) override {
@@ -50,6 +55,7 @@ Json traceObject(const CompiledPattern& pattern, std::u16string_view subject, co
                {"events", Json::array()},
                {"tokens", log.tokenStates()},
                {"dropped", log.dropped()}};
+    // As numbers: the subject may hold halves of surrogate pairs, which JSON text cannot.
     for (const char16_t unit : subject) trace["subject"].push_back(static_cast<unsigned>(unit));
     for (RE_Node* node : pattern.tree().getFacts().nodes) {
         trace["nodes"].push_back({{"id", node->nodeId},
@@ -61,7 +67,7 @@ Json traceObject(const CompiledPattern& pattern, std::u16string_view subject, co
     return trace;
 }
 
-// Inside a script nothing may look like markup: "<" stands in strings only, where it can be escaped.
+// Inside a script nothing may look like markup. "<" occurs in strings only, where it can be escaped.
 std::string asScriptText(const Json& data) {
     const std::string text = data.dump(-1, ' ', false, Json::error_handler_t::replace);
     std::string safe;

@@ -1,3 +1,6 @@
+// The text of the page around the data: style and elements first, then a script in plain JavaScript without
+// libraries.
+//
 // The state that the page shows follows from the events alone: each one that is applied moves the position,
 // the stack of choices and the tokens. Going back applies the earlier events again from the first.
 //

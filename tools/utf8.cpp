@@ -1,4 +1,5 @@
-// Conversion between UTF-8 and UTF-16; the decoding of single characters is ICU's.
+// Conversion between UTF-8 and UTF-16; the decoding of single characters is ICU's. Decoding runs over whole
+// files, so it writes into a buffer of sufficient size without checks and has a fast path for ASCII.
 #include "tools/utf8.h"
 
 #include <unicode/utf16.h>
@@ -12,7 +13,9 @@
 namespace tool {
 namespace {
 
-// Most text is mostly ASCII: blocks of eight bytes without a high bit are widened without decoding.
+// Most text is mostly ASCII: blocks of eight bytes without a high bit are widened without decoding. Returns
+// how many bytes were; the rest, fewer than a block or with a high bit in the next one, is left to the
+// decoder.
 std::size_t widenAscii(const char* bytes, std::size_t count, char16_t* units) {
     constexpr std::size_t block = 8;
     std::size_t done = 0;
@@ -60,6 +63,7 @@ void appendCharacter(std::string& out, UChar32 character) {
     out.append(reinterpret_cast<const char*>(bytes.data()), length);
 }
 
+// Moves `at` past the character. Half of a pair without its other half has no UTF-8 form.
 UChar32 nextCharacter(std::u16string_view text, std::size_t& at) {
     const std::size_t size = text.size();
     UChar32 character;
@@ -67,6 +71,7 @@ UChar32 nextCharacter(std::u16string_view text, std::size_t& at) {
     return U_IS_SURROGATE(character) ? 0xFFFD : character;
 }
 
+// The escapes that patterns know too; empty for other characters.
 std::string_view shortEscape(UChar32 character) {
     switch (character) {
         case '\n':
@@ -82,6 +87,7 @@ std::string_view shortEscape(UChar32 character) {
     }
 }
 
+// The C0 controls, DEL and the C1 controls are escaped by number: a terminal would act on them.
 void appendPrintable(std::string& out, UChar32 character) {
     const std::string_view escape = shortEscape(character);
     if (!escape.empty()) {
@@ -101,7 +107,8 @@ Utf16Text::Utf16Text(std::string_view utf8)
     : units_(std::make_unique_for_overwrite<char16_t[]>(utf8.size() + 1)),
       length_(decode(utf8, units_.get())) {}
 
-// Only a U+FFFD can stand for something else.
+// Every other unit has one source only: where there is no U+FFFD nothing was replaced, and the comparison,
+// which costs a conversion, is spared.
 bool isConversionOf(std::u16string_view text, std::string_view utf8) {
     return text.find(u'\uFFFD') == std::u16string_view::npos || toUtf8(text) == utf8;
 }

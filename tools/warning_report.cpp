@@ -1,5 +1,5 @@
 // Warnings as people read them. The caret has to stand under the right glyph, so columns of the terminal are
-// counted here, not code units.
+// counted here, not code units: a combining character takes none, an East Asian wide one two.
 #include "tools/warning_report.h"
 
 #include "tools/utf8.h"
@@ -16,6 +16,7 @@ namespace tool {
 namespace {
 
 constexpr std::string_view margin = "    ";
+// Of a text's warnings: a text that is no pattern at all may have one for each of its units.
 constexpr std::size_t mostShown = 20;
 
 bool isCombining(UChar32 character) {
@@ -81,6 +82,7 @@ std::string placeText(std::u16string_view pattern, const PatternPlace& place) {
 
 }  // namespace
 
+// The line of the position, found by the line feeds around it. Linear in the pattern.
 PatternPlace locate(std::u16string_view pattern, std::size_t position) {
     const std::u16string_view before = pattern.substr(0, position);
     const std::size_t lineFeed = before.rfind(u'\n');
@@ -122,6 +124,7 @@ std::string describeWarning(std::u16string_view pattern, const PatternWarning& w
     const std::size_t begin = place.column - 1;
     text += underline(shown, begin, span.length);
     text += '\n';
+    // A part that reaches over a line feed is not shown corrected: the line alone would mislead.
     if (span.correction && begin + span.length <= shown.size()) {
         std::u16string corrected = shown;
         corrected.replace(begin, span.length, *span.correction);

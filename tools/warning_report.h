@@ -1,4 +1,6 @@
 // Warnings as people read them: number, place, sentence, and a caret under the place.
+//
+// Positions that the engine reports are indexes in code units; a place is what an editor shows for one.
 #pragma once
 
 #include "tools/console_context.h"
