@@ -1,5 +1,8 @@
 // A host without memory: whichever of its allocations fails, compiling, searching and replacing end in std::bad_alloc
 // or in no result, and nothing is lost.
+//
+// There is no oracle but the count of live blocks: the n-th request fails, for n = 1, 2, ... until a run gets by with
+// fewer requests. A leak on any of the exception paths shows as a block that is left.
 #include "host/allocation_counter.h"
 #include "host/allocation.h"
 #include "tests/support/differential.h"
@@ -10,6 +13,7 @@
 namespace corvane_tests {
 namespace {
 
+// The patterns differ in which parts of a search they make grow: tokens, bodies, counts, the memo, the undo trail.
 struct Memory_Case {
     const char16_t* pattern;
     const char16_t* subject;
@@ -47,6 +51,7 @@ void useAll(const Memory_Case& it) {
 }
 
 TEST(FailingAllocations, LoseNothingWhileCompilingSearchingAndReplacing) {
+    // The memo begins at once, so that its allocations are among those that fail.
     const Delays delays(0);
     utAllocationCounter counter;
     for (const Memory_Case& it : kCases) {

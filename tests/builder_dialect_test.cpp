@@ -1,4 +1,7 @@
-// Whatever docs/dialect.md tells of, a program can put together: each row of its tables of constructs has an entry here.
+// Whatever docs/dialect.md describes, a program can put together: each row of its tables of constructs has an entry
+// here. The page is read at run time, so a new row without an entry fails, and so does an entry without a row.
+//
+// What an entry's builder means is compared with a pattern written by hand, of the kind that the row shows.
 #include "tests/support/plain_host.h"
 #include "tests/support/text.h"
 
@@ -123,8 +126,8 @@ std::vector<std::string> cellsOf(const std::string& line) {
     return cells;
 }
 
-/// What the tables of constructs call them. Those of warnings and of differences are about something else, and flags
-/// without a letter are no part of a pattern.
+/// What the tables of constructs call them. Tables of warnings and of differences have another subject, and flags
+/// without a letter are no part of a pattern. A table with an unknown heading fails: nobody has decided about it.
 std::vector<std::string> constructsOf(const std::string& page) {
     std::vector<std::string> constructs;
     std::istringstream lines(page);
@@ -171,6 +174,7 @@ TEST(BuilderOfTheDialect, MeansWhatThePageTellsOf) {
         const std::unique_ptr<RE_Results> found(expected.match(subject.data(), subject.size(), 0));
         const std::unique_ptr<RE_Results> got(built.match(subject.data(), subject.size(), 0));
         EXPECT_EQ(describe(toOutcome(found.get())), describe(toOutcome(got.get()))) << entry.row;
+        // Two patterns that both find nothing would agree about anything.
         EXPECT_TRUE(found != nullptr) << entry.row;
         EXPECT_TRUE(host.warnings().empty()) << entry.row;
     }

@@ -1,5 +1,9 @@
 // Random builder expressions against the reference matcher, which is given the same expression written by hand: with
 // every part in a group, and numbers counted along. CORVANE_TEST_SEED and CORVANE_TEST_ROUNDS as in random_test.cpp.
+//
+// The hard part of the builder is grouping and numbering: where an operand needs a group, and which number a token has
+// when foreign text brings groups of its own, perhaps depending on flags and host. Each Made is both answers at once,
+// and no code computes one from the other.
 #include "tests/support/differential.h"
 #include "tests/support/plain_host.h"
 #include "tests/support/reference_matcher.h"
@@ -14,11 +18,13 @@ namespace {
 
 using namespace RE_Builder_Space;
 
+/// An expression twice: built, and as text for the reference.
 struct Made {
     RE_Builder builder;
     std::u16string text;  // read without free spacing
 };
 
+/// Draws expressions and counts their groups as a reader would.
 class ExpressionSource {
 public:
     explicit ExpressionSource(std::uint64_t seed) : m_random(seed) {}
@@ -62,6 +68,7 @@ private:
         if (way == std::size(leaves) + 3) return evaluation();
         return way < std::size(leaves) ? leaves[way] : reference();
     }
+    // Texts whose groups depend on the host or on a flag: `m_dependent` from then on.
     Made foreignCondition() {
         m_dependent = true;
         m_groups += m_evaluates ? 2 : 0;
@@ -186,6 +193,7 @@ private:
     static std::u16string number(size_t value) { return widen(std::to_string(value)); }
     std::mt19937_64 m_random;
     const RE_Token m_handles[2];
+    // The number of the latest group of each handle; 0 without one.
     size_t m_latest[2] = {};
     size_t m_groups = 0;
     bool m_named = false;
@@ -232,6 +240,7 @@ TEST(BuilderExpressions, MatchWhatTheyMeanAndCompileWithoutWarnings) {
             }
         }
     }
+    // Of the four subjects a round, the reference may give up on some, not on most.
     EXPECT_GT(compared, rounds * 3);
     EXPECT_GT(matched, rounds / 2);
 }

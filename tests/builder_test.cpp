@@ -1,5 +1,8 @@
 // Patterns put together by a program: what they are as text, that literals and sets are quoted right among all
 // neighbours, and that misuse does not compile. builder_random_test.cpp compares what they match.
+//
+// The oracle is the expected text of a pattern, or the engine itself: a literal has to match exactly its text. What
+// must not compile is a line of static_assert over a concept, since a test that compiles cannot show it otherwise.
 #include "regexp/regexp.h"
 #include "tests/support/engine_run.h"
 #include "tests/support/plain_host.h"
@@ -46,6 +49,8 @@ static_assert(Sequence<RE_Template, RE_Token> && !Sequence<RE_Template, RE_Build
 static_assert(RE_Token_Name::isValid(u"a1_") && !RE_Token_Name::isValid(u"1a") && !RE_Token_Name::isValid(u"") &&
               !RE_Token_Name::isValid(u"a\u00E9") && !RE_Token_Name::from(u"a-b"));
 
+// Two columns: the expression, and the text it has to be. A missing group would change the meaning, a needless one
+// would make patterns unreadable.
 TEST(Builder, GroupsWhereAnOperatorWouldTakeAPatternApart) {
     const RE_Token t, other;
     const RE_Builder a = literal(u"a"), ab = literal(u"ab"), a_b = either(a, literal(u"b")), raw(u"(?i)x|(y)");
@@ -117,7 +122,8 @@ const char16_t* const foreignTexts[] = {u"",
                                         u"(?#())|()",
                                         u"(?(?=(a))a|(b)|)"};
 
-// Behind such a text, and behind groups that are not there without evaluation, all that refers to a token finds it.
+// After such a text, and after groups that are not there without evaluation, everything that refers to a token finds
+// it. A number where a name is needed would point at another group under one of the 128 flags and contexts.
 TEST(BuilderTokens, AreFoundUnderAllFlagsAndContexts) {
     const RE_Token t, other;
     const RE_Builder digit = one_of(RE_SetItem(u'0', u'9')), sign = literal(u"!");
@@ -147,6 +153,7 @@ TEST(BuilderTokens, AreFoundUnderAllFlagsAndContexts) {
     }
 }
 
+// The same builder has the token at different indexes, depending on what decides about the groups in front of it.
 TEST(BuilderTokens, HaveTheIndexThatTheArgumentsOfTheTreeGiveThem) {
     const RE_Token t;
     const RE_Builder depends(u"(?(?@f)(?<n>a)|(b))()(?<m>)#(?<x>)"), a = literal(u"a");
@@ -170,6 +177,7 @@ TEST(BuilderTokens, HaveTheIndexThatTheArgumentsOfTheTreeGiveThem) {
     EXPECT_TRUE(allowing.warnings().empty() && allowing.runs().empty());
 }
 
+// Whatever the text of a template holds, the host receives it unchanged and nothing in it counts as a reference.
 TEST(BuilderTemplate, GivesTheHostItsTextAndTheTokens) {
     const RE_Token t, u;
     const std::u16string odd = u"f(\")\", '$[#\\') }{ $1 $& @\n\u00E9";
@@ -205,6 +213,7 @@ TEST(BuilderLiteral, IsExactlyItsTextUnderEveryFlag) {
         const Engine engine((whole + subject_end()).pattern(), flags);
         ASSERT_TRUE(engine.warnings().empty()) << printable(text);
         ASSERT_EQ(text.size() + 1, engine.search(text + u"0").length) << printable(text) << " flags " << flags;
+        // A pattern that matched too much would still match the text with one bit changed.
         text[below(random, text.size())] ^= 1;
         ASSERT_FALSE(engine.search(text + u"0").matched) << printable(text) << " flags " << flags;
     }

@@ -1,4 +1,7 @@
 // Patterns that continue in another tree's graph match what the two say one after the other.
+//
+// The oracle is one tree of both patterns, each in a group of its own. What two graphs have twice (rows of the memo,
+// registers, counts) must not collide although each tree numbers them from the beginning.
 #include "tests/support/differential.h"
 #include "tests/support/pattern_random.h"
 
@@ -41,6 +44,7 @@ private:
     std::vector<std::unique_ptr<RE_Tree>> m_trees;
 };
 
+// One line for all matches, so that a failure shows how far the two agree.
 std::string describeAll(const std::vector<Outcome>& outcomes) {
     std::string text;
     for (const Outcome& outcome : outcomes) {

@@ -1,4 +1,8 @@
-// The automaton of a pattern says of every start what the match loop does, and searches that ask it find the same.
+// The automaton of a pattern decides about every start what the match loop decides, and searches that consult it find
+// the same.
+//
+// The oracle is the plain graph under match_at. Three questions are compared at each position: does a match begin here
+// and where does it end, does any begin later, and what does a search find that may use the automaton or not.
 #include "tests/support/differential.h"
 #include "tests/support/pattern_random.h"
 #include "tests/support/reference_parser.h"
@@ -59,7 +63,8 @@ struct Case {
     const char16_t* alphabet;  ///< of the subjects
 };
 
-// Every node that it can say, in the orders that decide.
+// Every node that the automaton can express, in the orders that decide: which of two ends comes first is where a
+// determinizer goes wrong.
 const Case kCases[] = {
     {u"(?:a+)+[bc]", kPlain, u"abcd"},
     {u"(?:a|aa)+$", kPlain, u"aab"},
@@ -122,7 +127,7 @@ TEST(Dfa, AgreesOnRandomPatterns) {
     EXPECT_GT(made, rounds / 3) << "or nothing is compared";
 }
 
-/// By itself, and of the patterns at the top of this page one after the other.
+/// In turn: a row of kCases, a drawn pattern, a dense one.
 DrawnPattern drawnOrKnown(PatternSource& source, unsigned long round) {
     const Case& known = kCases[round / 3 % std::size(kCases)];
     constexpr unsigned readers = kReferences | kConditions | kDynamics | kLookarounds | kAtomics | kPossessives;
@@ -131,8 +136,8 @@ DrawnPattern drawnOrKnown(PatternSource& source, unsigned long round) {
                             : source.drawDense(readers);
 }
 
-// Attempts that turn back more than sixteen times ask, those with tokens less and less often, and searches look ahead
-// for a later match: all that needs subjects longer than those of other tests, where each attempt asks at once.
+// Elsewhere each attempt consults the automaton at once. By default an attempt does so after sixteen choices, one with
+// tokens less and less often, and a search looks ahead for a later match: that needs longer subjects.
 TEST(Dfa, AgreesAtItsUsualDelays) {
     PatternSource source(environmentNumber("CORVANE_TEST_SEED", 4713));
     const unsigned long rounds = environmentNumber("CORVANE_TEST_ROUNDS", sanitized() ? 150 : 1500);
@@ -160,7 +165,7 @@ TEST(Dfa, AgreesAtItsUsualDelays) {
     EXPECT_GT(found, made) << "or nothing is found";
 }
 
-// Runs that one state goes over at once end, and match, at any place within the blocks that are looked at.
+// A state that leads to itself is scanned by blocks. The run may end, and match, at any unit of a block.
 TEST(Dfa, GoesOverRunsToTheUnit) {
     for (const char16_t* pattern : {u"(?:a+)+[bc]", u"(?:a|aa)+", u"(?:a|aa)+$", u"[^x]*?xx", u"(?:-*a)+"}) {
         const Automaton automaton(pattern, kEmptyToo, {});

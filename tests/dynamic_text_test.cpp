@@ -1,4 +1,7 @@
-// Texts that come to be while a search runs: they match as if they stood in the pattern.
+// Texts that are made while a search runs: they match as if they were written in the pattern.
+//
+// The oracle is that pattern, with the text spliced in as a group, or an expected result where a text depends on the
+// search. Texts that include themselves have no such pattern; they pin where the engine gives up.
 #include "tests/support/differential.h"
 #include "tests/support/pattern_random.h"
 #include "tests/support/scripted_host.h"
@@ -58,6 +61,7 @@ TEST(DynamicText, MatchesAsIfItStoodInThePattern) {
     }
 }
 
+// A language that no single pattern of the dialect describes, so the oracle is the definition.
 TEST(DynamicText, FindsPalindromesByIncludingItself) {
     HostJournal host;
     host.answers[u"p"] = always(u"(?:a(??@p)a|b(??@p)b|[ab]?)");
@@ -78,6 +82,7 @@ TEST(DynamicText, ReadsTokensOfThePatternAroundItAndMakesNone) {
     EXPECT_EQ(3, std::count(host.calls.begin(), host.calls.end(), "warning 12 at <")) << host.text();
 }
 
+// 200 texts within each other are matched, 201 are a failure, and 5000 need no more stack.
 TEST(DynamicText, NestsToALimit) {
     for (const int depth : {1, 200, 201, 5000}) {
         HostJournal host;
@@ -101,7 +106,8 @@ TEST(DynamicText, ThatIncludesItselfWithoutEndEndsInAFailedMatch) {
     EXPECT_EQ("[0,5]", describe(ScriptedRun(u"(??@sum)$", host).outcome(u"1+2+3"))) << "left recursion";
 }
 
-// What never matches is given up at last, and what stands beside it is tried like beside any failure.
+// What never matches is given up at last, and what is beside it is tried as after any failure. A text that was given up
+// and left tokens, records or an open body would change the extents below.
 TEST(DynamicText, ThatIsGivenUpIsAFailedNode) {
     const struct {
         const char16_t* text;
@@ -124,6 +130,7 @@ TEST(DynamicText, ThatIsGivenUpIsAFailedNode) {
     }
 }
 
+// The limit of refusals is counted for each outermost text anew: 18 passes reach it, and the loop still succeeds.
 TEST(DynamicText, ComesToTheLimitOftenInALoop) {
     HostJournal host;
     std::u16string text = u"(?:";
@@ -134,6 +141,7 @@ TEST(DynamicText, ComesToTheLimitOftenInALoop) {
     EXPECT_EQ("[0,18]", describe(ScriptedRun(u"(?:(??@p))*", host).outcome(std::u16string(18, u'a'))));
 }
 
+// Texts side by side are not nested: neither stack nor limit grows with their number.
 TEST(DynamicText, FollowsItselfWithoutLimitOnASmallStack) {
     const std::u16string subject(sanitized() ? 2'000 : 30'000, u'a');
     runOnSmallStack([&] {

@@ -1,4 +1,8 @@
 // What the host is asked: which operation, in which order, with which texts, how often.
+//
+// The oracle is a journal that a scripted host keeps. For fixed patterns it is compared with a written one, for random
+// ones with the journal of the plain graph without a memo, which defines the calls (docs/execution-model.md,
+// "Expressions and dynamic texts").
 #include "host/allocation_counter.h"
 #include "host/interrupt.h"
 #include "regexp/eval/evaluators.h"
@@ -29,6 +33,7 @@ HostJournal journal() {
 
 const Corvane::regexp::CompileOptions defaults;
 
+/// A pattern, what is called while it is compiled, a subject, and after the result what is called while it is searched.
 struct Contract {
     const char16_t* pattern;
     const char* compiled;
@@ -109,6 +114,7 @@ TEST(Evaluation, AsksTheHostWhatIsNeededInTheOrderOfTheText) {
     }
 }
 
+/// The journal of one search, up to a thousand calls: some patterns call without end.
 std::string callsOf(const std::u16string& pattern, const std::u16string& subject, RE_Flags flags,
                     const EngineConfig& config, bool memo) {
     const Delays delays(memo ? 0 : 5000);  // with the first choice taken up again, or once most of these are over
@@ -142,7 +148,7 @@ TEST(Evaluation, IsNeverPrunedByMemoOrPasses) {
     }
 }
 
-// The memo forgets at a call only: what follows the last call is as quick as ever.
+// Calls empty the memo. After the last one it has to work as ever: without it this search would not end.
 TEST(Evaluation, LeavesTheMemoToWhatCallsNobody) {
     HostJournal host = journal();
     const std::u16string text(200, u'a');
@@ -169,6 +175,7 @@ int throwEverywhere(const Work& work) {
     }
 }
 
+// Every construct that calls the host, once.
 const char16_t everything[] =
     u"(?<n>a|b)\\1?(?@f $1 $<n>)(?(?@even($1))x|(?>(??@double($1))))(??$1${double($1)}\\q)c\\z";
 const char16_t itsSubject[] = u"xaaaaaaqcz";
@@ -238,6 +245,7 @@ TEST(Evaluation, ThatFailsEndsAReplacement) {
     utInterruptState::SetInterruptPending(false);
 }
 
+// A search within a search, of the same tree on the same thread: nothing of a search may be in the tree.
 TEST(Evaluation, MaySearchWithTheSamePattern) {
     HostJournal host = journal();
     const ScriptedRun* again = nullptr;
@@ -249,6 +257,7 @@ TEST(Evaluation, MaySearchWithTheSamePattern) {
     EXPECT_EQ("[0,2] t0=(0,1)", describe(run.outcome(u"ab")));
 }
 
+// Equal texts are one input, and null is none.
 TEST(EvaluationInputs, KeepEachTextOnce) {
     RE_Evaluation_Inputs inputs;
     for (const char* text : {"b", "a", "b", "", "a", "c", "d", "e", "f", "g", "h", "i"}) {
@@ -262,6 +271,7 @@ TEST(EvaluationInputs, KeepEachTextOnce) {
     EXPECT_EQ(11U, inputs.get_length());
 }
 
+// The source lies in the buffer that grows.
 TEST(EvaluationIO, MayBeAppendedToItself) {
     std::u16string expected = u"ab";
     RE_Evaluation_IO text(expected.data(), expected.size());

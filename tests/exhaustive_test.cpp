@@ -1,4 +1,7 @@
 // All small patterns over {a,b} on all small subjects, against the reference matcher.
+//
+// Random tests find what is frequent; this finds what is small. A fault of one operator, or of one within another,
+// shows on a pattern of three or four parts and a subject of four units, and nothing of that size is left out.
 #include "tests/support/differential.h"
 
 #include <gtest/gtest.h>
@@ -19,6 +22,7 @@ std::string closedText(const Piece& piece) {
 constexpr const char* kQuantifiers[] = {"*", "*?", "+", "+?", "?", "??", "{2}", "{0,2}", "{1,2}?", "*+"};
 constexpr const char* kGroups[] = {"(", "(?>", "(?=", "(?!", "(?<="};
 
+/// Every pattern that one operator makes of a piece.
 void addUnary(const Piece& piece, std::vector<Piece>& result) {
     for (const char* quantifier : kQuantifiers) {
         result.push_back({closedText(piece) + quantifier, false});
@@ -30,6 +34,7 @@ void addUnary(const Piece& piece, std::vector<Piece>& result) {
     result.push_back({"(?:" + piece.text + "|)", true});
 }
 
+/// A sequence and an alternation. The latter is grouped, as all that follows treats a piece as one item.
 void addBinary(const Piece& left, const Piece& right, std::vector<Piece>& result) {
     result.push_back({left.text + right.text, false});
     result.push_back({"(?:" + left.text + "|" + right.text + ")", true});

@@ -1,4 +1,7 @@
 // All matches of a text, the text between them, and matches at one place.
+//
+// The oracle is a written list of matches and parts, and for sequences a search of the same subject by itself: what a
+// sequence keeps from match to match and from subject to subject must show in no answer.
 #include "host/allocation_counter.h"
 #include "tests/support/differential.h"
 #include "tests/support/pattern_random.h"
@@ -11,6 +14,7 @@
 namespace corvane_tests {
 namespace {
 
+// A range refers to the tree and the text. It must not be made of temporaries, which would be gone.
 static_assert(std::ranges::input_range<RE_Match_Range>);
 template <class Tree, class Text>
 concept Searchable = requires(Tree&& tree, Text&& text) { std::forward<Tree>(tree).find_all(std::forward<Text>(text)); };
@@ -18,6 +22,7 @@ static_assert(Searchable<RE_Tree&, std::u16string&> && Searchable<const RE_Tree&
 static_assert(!Searchable<RE_Tree, std::u16string&> && !Searchable<RE_Tree&, std::u16string>);
 static_assert(!std::is_constructible_v<RE_Match_Range, const RE_Tree&, std::u16string_view, size_t>);
 
+/// Each match as its start and, in angle brackets, its text.
 std::u16string marked(const RE_Tree& tree, std::u16string_view text, size_t offset = 0) {
     std::u16string result;
     for (auto& match : tree.find_all(text, offset)) {
@@ -79,6 +84,7 @@ TEST(FindAll, GivesTextsOfTokensThatOutliveTheMatch) {
     EXPECT_EQ(nullptr, reTokenText(*narrow, 0).data());
 }
 
+// Two matches take as many allocations as two thousand: what the walk needs it takes once.
 TEST(FindAll, AllocatesNothingForAFurtherMatch) {
     const RE_Tree tree(u"(?<n>a|ab)(?=c)", false);
     const auto allocations = [&](size_t repeats) {

@@ -1,5 +1,7 @@
 // Blanks and comments that free spacing allows between the parts of a pattern change nothing, whatever brackets the
 // comments hold. CORVANE_TEST_SEED and CORVANE_TEST_ROUNDS as in random_test.cpp.
+//
+// The oracle is the same pattern without them, by the engine, and by the reference where that can read it.
 #include "tests/support/differential.h"
 #include "tests/support/pattern_random.h"
 #include "tests/support/reference_matcher.h"
@@ -10,7 +12,8 @@
 namespace corvane_tests {
 namespace {
 
-/// Takes a pattern of `PatternSource` apart and puts spacing wherever some may stand.
+/// Takes a pattern of `PatternSource` apart and puts spacing wherever some is allowed. It knows the parts of the
+/// dialect just well enough not to put any inside one of them.
 class Spacer {
 public:
     Spacer(std::u16string_view pattern, PatternSource& source) : m_pattern(pattern), m_source(source) {}
@@ -25,6 +28,8 @@ public:
     }
 
 private:
+    /// Blanks, line ends and comments of random units, brackets above all: a reader that pairs brackets without knowing
+    /// of comments loses count here.
     void space() {
         static constexpr std::u16string_view units = u"()[]{}<>?*+|\\#^$:=!1a, ";
         for (size_t way = m_source.below(8); way < 3; way = m_source.below(6)) {

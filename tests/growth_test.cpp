@@ -1,5 +1,8 @@
-// The judgement of growth, against the growth that is measured. The memory of failed states, which the judgement leaves
-// out of account, is kept from beginning.
+// The judgement of growth, against the growth that is measured. The memo, which the judgement leaves out of account, is
+// kept from beginning.
+//
+// A judgement may be wrong in one direction only: a pattern that grows must never be called linear. So known patterns
+// pin the judgement, witnesses have to show the growth, and random patterns that are called linear are measured.
 #include "regexp/inspect/growth.h"
 #include "regexp/inspect/observer.h"
 #include "tests/support/differential.h"
@@ -13,6 +16,7 @@ namespace {
 
 using Kind = RE_Growth::Kind;
 
+/// Puts off the memo for the lifetime of a test.
 class Growth : public testing::Test {
     const Delays delays{std::numeric_limits<std::uint64_t>::max() / 2, RE_Memo_Delay::perUnit};
 };
@@ -33,6 +37,7 @@ struct Judged {
     Kind kind;
 };
 
+// Anchored patterns isolate the loops from the search for a start, which is a loop of its own.
 const Judged kJudged[] = {
     {"abc", Kind::linear},          {"\\w+", Kind::linear},         {"\"[^\"]*\"", Kind::linear},
     {"^a*b", Kind::linear},         {"a*b", Kind::polynomial},      {"foo.*bar", Kind::polynomial},

@@ -1,4 +1,7 @@
 // The default host: allocation, UTF-16 strings, character classes, code page, interrupt flag and object store.
+//
+// The expected values are written out: Unicode's properties for units, and what C's functions of like name do for
+// strings. What the functions promise beyond that is in their headers.
 
 #include <gtest/gtest.h>
 
@@ -91,6 +94,7 @@ TEST(HostMemory, CounterFollowsBlocksAndFailsTheChosenRequest) {
     EXPECT_EQ(outer.requests(), 1U) << "an inner counter replaces the outer one and gives way to it again";
 }
 
+// `exact` is the sign of the comparison by units, `folded` that with case ignored.
 struct CompareCase {
     const char16_t* left;
     const char16_t* right;
@@ -130,6 +134,7 @@ TEST(HostUtf16, ComparesUpToTheCountOrTheTerminator) {
 
 constexpr std::ptrdiff_t nowhere = -1;
 
+// `first` and `last` are where the part begins, from the left and from the right.
 struct SearchCase {
     std::u16string_view text;
     std::u16string_view part;
@@ -387,6 +392,7 @@ TEST(HostObjectStoreThreads, OnlyOneOfManyOffersIsTaken) {
         }
         for (std::thread& thread : threads) thread.join();
     }
+    // One object was taken and destroyed once. The other seven stayed with their threads.
     EXPECT_EQ(journal, "o");
     for (void* object : taken) EXPECT_EQ(object, taken[0]);
 }

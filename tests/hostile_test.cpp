@@ -1,5 +1,8 @@
-// Patterns no author would write: they must compile to something, warn within the text, give the same answer
-// under every setting, and end.
+// Patterns no author would write: they must compile to something, warn within the text, give the same answer under
+// every setting, and end.
+//
+// What a broken pattern means is nobody's promise, so the oracle is the plain graph: optimised and plain must agree, in
+// warnings too. Where the text happens to be well-formed, the reference judges as well.
 #include "tests/support/differential.h"
 #include "tests/support/pattern_random.h"
 #include "tests/support/reference_matcher.h"
@@ -11,6 +14,7 @@
 namespace corvane_tests {
 namespace {
 
+/// Few, as each is searched for every pattern; together they have what patterns of punctuation are about.
 const std::vector<std::u16string>& fewSubjects() {
     static const std::vector<std::u16string> subjects = {u"", u"a", u"ab(a)", u"b\n[a]{1}*\\",
                                                          std::u16string(1, u'\0')};
@@ -59,6 +63,7 @@ TEST(ShortPatterns, OfOneAndTwoUnitsAreHarmless) {
     }
 }
 
+/// Deletes, replaces or inserts up to three times: nearly well-formed is where readers go wrong.
 std::u16string mutated(std::u16string pattern, PatternSource& source) {
     constexpr std::u16string_view units = u"()[]{}?*+|\\^$.:<>=!-,19aikxo";
     for (size_t left = 1 + source.below(3); left > 0 && !pattern.empty(); --left) {
@@ -99,6 +104,7 @@ TEST(BrokenPatterns, AreHarmless) {
     }
 }
 
+/// On a subject of so many a's the pattern finds this, whether loops are counted, copied or both.
 struct Bound {
     const char* pattern;
     size_t units;  // a's in the subject
@@ -131,11 +137,13 @@ TEST(HugeBounds, AreNeitherUnrolledWithoutLimitNorMiscounted) {
             const Engine engine(widen(bound.pattern), kPlain, {true, true, true, threshold, false});
             EXPECT_EQ(bound.expected, describe(engine.search(std::u16string(bound.units, u'a'))))
                 << bound.pattern << " with threshold " << threshold;
+            // A threshold of a billion is a user's mistake that must not become a pattern of a billion nodes.
             EXPECT_GT(150000u, engine.tree().getNodeCount()) << bound.pattern << " with threshold " << threshold;
         }
     }
 }
 
+/// A pattern of `open` a hundred thousand times, `middle`, and `close` as often.
 struct Nest {
     const char* open;
     const char* middle;
@@ -212,6 +220,7 @@ TEST(DeepCaptures, OfOneLetterReportTheOutermostTokenAlone) {
     EXPECT_EQ("[2,1] t0=(2,1)", answer);
 }
 
+// The depth at which they are refused is above what any author or generator writes.
 TEST(ClosedBodies, NestToADepthOfHundreds) {
     const size_t depth = 900;
     for (const char16_t* open : {u"(?=", u"(?>", u"(?<=", u"(?:"}) {
@@ -252,6 +261,7 @@ std::string answerOnSmallStack(const char16_t* pattern, const std::u16string& su
     return answer;
 }
 
+// Ten million units on a stack of 128 KiB: a frame for each unit would need a thousand times as much.
 TEST(LongSubjects, NeedNoStackOfTheirLength) {
     const size_t units = environmentNumber("CORVANE_TEST_UNITS", sanitized() ? 200000 : 10000000);
     const std::u16string subject = repeated(u"ab", units / 2) + u"c";

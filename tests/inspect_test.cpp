@@ -1,4 +1,7 @@
-// Looking inside: graphs, profiles and traces. They must tell of one search what its result tells.
+// Looking inside: graphs, profiles and traces. They must report of one search what its result says.
+//
+// The oracles are each other: a trace that is added up gives the profile, and both give the result of a search that
+// nobody watches. The grammar of graphs is judged by Graphviz, where it is installed.
 #include "regexp/inspect/observer.h"
 #include "regexp/nodes/node.h"
 #include "regexp/regexp.h"
@@ -17,6 +20,7 @@
 namespace corvane_tests {
 namespace {
 
+// Every pattern of the tables once, malformed ones too: labels have to be readable for all.
 std::vector<std::u16string> tablePatterns() {
     std::vector<std::u16string> patterns;
     for (const char* table : {"tokens", "repetition", "closed_bodies", "anchors", "units", "searching", "malformed",
@@ -65,6 +69,7 @@ TEST(Graph, IsDrawnByGraphvizWithoutAComplaint) {
     EXPECT_EQ(0, std::system(("rm " + name + ".dot " + name + ".svg " + name + ".err").c_str()));
 }
 
+// Numbers of nodes depend on nothing but the pattern, and drawing recurses over nothing.
 TEST(Graph, IsTheSameEachTimeAndOfDeepGroups) {
     EXPECT_EQ(RE_Tree(u"((a)|b)*?c", true).graph(), RE_Tree(u"((a)|b)*?c", true).graph());
     const std::string deep = RE_Tree(std::u16string(50000, u'(') + u"a" + std::u16string(50000, u')'), false).graph();
@@ -159,6 +164,7 @@ TEST(Trace, TellsOfSeeksAndRefusals) {
     EXPECT_EQ(0, std::ranges::count(kinds.seen, 0u));
 }
 
+// Each search counts on a sheet of its own: 200 searches of four threads are 200 times one search, exactly.
 TEST(ThreadsOfOneProfile, AddUp) {
     const Engine engine(u"(a|ab)*c", kPlain, {true, true, true, 1024, true});
     const std::u16string subject = u"abaabababx abac";

@@ -1,5 +1,8 @@
-// Requests to stop: before, during and after a search, a walk and a replacement, of patterns that allow them and that do
-// not; and how soon each kind of node sees one.
+// Requests to stop: before, during and after a search, a walk and a replacement, of patterns that allow them and that
+// do not; and how soon each kind of node sees one.
+//
+// "During" is exact and independent of time: the flag goes up at the n-th allocation of the work. "Soon" is a number of
+// steps, not of seconds.
 #include "host/interrupt.h"
 #include "host/memory_hook.h"
 #include "regexp/nodes/node.h"
@@ -33,6 +36,7 @@ private:
 
 using Work = std::function<RE_Search_Report(const RE_Tree& tree, const RE_Replace& replace, const std::u16string& text)>;
 
+/// The ways of searching, each of which has a report of its own.
 const std::pair<const char*, Work> kWork[] = {
     {"match", [](const RE_Tree& tree, const RE_Replace&, const std::u16string& text) {
          RE_Search_Report report;
@@ -101,6 +105,7 @@ TEST(Interrupts, AreSeenSoonByEveryKindOfNode) {
     }
 }
 
+// A scan over 200,000 units looks for the flag on its way, and an interrupted one has found no start.
 TEST(Interrupts, EndTheSearchForAStartEarly) {
     const std::u16string text = std::u16string(200000, u'a') + u"bcd";
     for (const char16_t* pattern : {u"b", u"bcd", u"(?i)bcd", u"[bc]d", u"b+c", u"bc|bd", u"(b)c"}) {

@@ -1,4 +1,6 @@
-// Limits of a search, and what is told about its end: for one match, a walk over all matches and a replacement.
+// Limits of a search, and what is reported of its end: for one match, a walk over all matches and a replacement.
+//
+// The oracle is the same search without limits: a limit changes the answer to "given up" and to nothing else.
 #include "host/allocation_counter.h"
 #include "tests/support/differential.h"
 
@@ -45,9 +47,12 @@ TEST(Limits, CountTheSameStepsForeverAndEverywhere) {
     }
 }
 
+// Each leads through other parts of a search, at whose steps the budget may end.
 const char16_t* const kPatterns[] = {u"(?:a|b|ab)*c", u"(a+)+$", u"(?=(?:a|ab)+c)a", u"(?<=(?:b|a)*)c", u"a*?(b)\\1x",
                                      u"(?>a|ab)+c",   u"[ab]*c", u"(?:a{2,3}b?){2,}c"};
 
+// Every budget from nothing to one more than enough. One step less than a search takes must not be an answer, and the
+// steps of an answer must not depend on the budget.
 TEST(Limits, GiveTheAnswerExactlyWhenTheBudgetSuffices) {
     for (const char16_t* pattern : kPatterns) {
         for (const std::u16string& text : {std::u16string(40, u'a'), std::u16string(u"aabaabaabbxabc")}) {
@@ -105,6 +110,7 @@ TEST(Limits, HoldForEachSubjectOfASequenceAnew) {
     }
 }
 
+// Twenty thousand attempts each take a token; the memory for them has to come back, or the ceiling is met.
 TEST(Limits, AttemptsThatFailLeaveNothingBehind) {
     const std::u16string text(20'000, u'a');
     for (const char16_t* pattern : {u"(?=(a))\\1[^a]", u"(?>(a))\\1[^a]"}) {
@@ -113,6 +119,7 @@ TEST(Limits, AttemptsThatFailLeaveNothingBehind) {
     }
 }
 
+// Not for each match anew: the budget of one walk is what all of its searches take together.
 TEST(Limits, HoldForAWalkAndAReplacementAsAWhole) {
     const RE_Tree tree(u"(?:a|ab)+c", false);
     const std::u16string text = u"-ac-aabc-abac-" + std::u16string(300, u'a');

@@ -1,4 +1,7 @@
 // The trie of literals against comparing them one by one.
+//
+// Literals are drawn over few letters, so that many of them begin alike, and over letters whose case folds across
+// blocks of Unicode. The order of the literals decides, not their length: that is what a trie forgets most easily.
 #include "regexp/seek/literal_trie.h"
 
 #include <gtest/gtest.h>
@@ -21,6 +24,7 @@ bool stands(const RE_Literal_Trie& trie, size_t literal, std::u16string_view tex
            });
 }
 
+/// From each literal on: which is the first that stands at the start of the subject, and whether a later one does too.
 void compare(const RE_Literal_Trie& trie, std::u16string_view subject) {
     for (size_t from = 0; from < trie.count(); from += 1 + from / 8) {
         std::vector<size_t> found;
@@ -77,6 +81,7 @@ TEST(LiteralTrie, FindsWhatStandsAtAPosition) {
     }
 }
 
+// 800 literals, each the beginning of the one before, all on one path of the trie.
 TEST(LiteralTrie, TakesPrefixesOfPrefixes) {
     Texts texts;
     for (size_t length = 800; length > 0; --length) {

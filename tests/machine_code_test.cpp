@@ -1,4 +1,8 @@
 // Machine code finds what the graph finds, in as many steps, whatever the vectors that it looks at end in.
+//
+// Two oracles: the flat program, with which result, ending and step count have to be equal, and the plain graph for the
+// result. Every test runs with each kind of vectors that the processor has. On machines without a code writer the
+// comparisons hold trivially.
 #include "tests/support/differential.h"
 #include "tests/support/pattern_random.h"
 
@@ -57,6 +61,7 @@ private:
     Engine plain;
 };
 
+/// Subjects are drawn over the alphabet, in which units of the pattern are frequent.
 struct Case {
     const char16_t* pattern;
     RE_Flags flags;
@@ -66,7 +71,8 @@ struct Case {
 constexpr RE_Flags kLines = 0x06;
 constexpr RE_Flags kFolded = 0x13;
 
-// Every instruction, every kind of set, every way to the next start.
+// Every instruction, every kind of set, every way to the next start. Units beyond ASCII are in some alphabets because
+// sets compare low and high units by different code.
 const Case kCases[] = {
     {u"\\w+", kPlain, u"ab \u0436_"},
     {u"[a-c]+", kPlain, u"abd"},
@@ -138,6 +144,7 @@ TEST_P(MachineCode, FindsWhatTheGraphFindsInAsManySteps) {
                 left -= run;
             }
             EXPECT_EQ("", ways.compare(subject, source.below(length + 1)));
+            // A budget ends the search at any instruction: the code has to stop where the program stops.
             EXPECT_EQ("", ways.compare(subject, 0, source.below(200)));
         }
     }
@@ -159,7 +166,8 @@ TEST_P(MachineCode, AgreesOnRandomPatterns) {
     }
 }
 
-// All kinds of runs before all kinds of rests; in every other round the memo begins soon.
+// The code keeps one kind of choice by itself: the end of a run. All kinds of runs before all kinds of rests; in every
+// other round the memo begins soon, which takes such choices over in the middle of a run.
 TEST(MachineCode, AgreesOnRunsThatAreTriedAgain) {
     static constexpr const char16_t* kBefore[] = {u"a", u"([bc])", u"(b+)", u"(c)?a", u"(?:ab|c)", u"", u"d(?:b|ca)"};
     static constexpr const char16_t* kRuns[] = {u"[^c]", u"[ab]", u".", u"\\w", u"b", u"[a-c]"};
@@ -223,7 +231,7 @@ TEST_P(MachineCode, WalksFromMatchToMatchAndFromSubjectToSubject) {
     }
 }
 
-// A start, an end of a line or a run stands anywhere within the vectors, near the subject's end or far from it.
+// A start, a line end or the end of a run may be at any unit of a vector, near the subject's end or far from it.
 TEST_P(MachineCode, ScansToTheUnit) {
     for (const Case& each : {Case{u"\\w\\d?", kPlain, u""}, Case{u"^x", kLines, u""}, Case{u"xyz", kPlain, u""}, Case{u"XYZ", kFolded, u""},
                              Case{u"z", kPlain, u""}, Case{u"\\nxy|yz", kPlain, u""},
@@ -260,6 +268,8 @@ private:
     char* m_pages;
 };
 
+// Vectors are wider than what is left of the subject at its end. A read across either end is a fault of the process, in
+// every build and not only under a sanitizer, which does not see what generated code reads.
 TEST_P(MachineCode, ReadsNothingOutsideOfTheSubject) {
     Fenced pages;
     PatternSource source(9);
@@ -285,7 +295,7 @@ TEST_P(MachineCode, ReadsNothingOutsideOfTheSubject) {
     }
 }
 
-// Behind many steps a checkpoint is due, where the match loop has to take over.
+// After many steps a checkpoint is due, at which the match loop has to take over.
 TEST_P(MachineCode, StopsForCheckpoints) {
     for (const char16_t* pattern : {u"(a)b", u"(a+)b", u"\\w+(?=,)", u"(\\w+) \\1!", u"(?:(\\w+),)*;"}) {
         const Ways ways(pattern, kPlain);

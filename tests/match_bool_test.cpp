@@ -1,5 +1,9 @@
 // One run of a pattern at one position, in a search state of the caller's: fresh, used before, or of a search that is
-// going on.
+// in progress.
+//
+// The oracle is match_at, which is the same run with a state of its own. What another use leaves in a state (tokens,
+// counts, a memo of a graph that no longer exists) must change no answer, nor may the run change what the caller's
+// search knows.
 #include "host/interrupt.h"
 #include "regexp/nodes/tokens.h"
 #include "regexp/nodes/trivial.h"
@@ -20,6 +24,7 @@ namespace {
 
 using Match = std::unique_ptr<RE_Results>;
 
+/// A match with all tokens in effect.
 std::string shown(const RE_Results* match) {
     if (match == nullptr) {
         return "null";
@@ -31,6 +36,7 @@ std::string shown(const RE_Results* match) {
     return text;
 }
 
+/// Runs the tree once in the given state, and checks what has to hold of the state afterwards.
 std::string runAt(const RE_Tree& tree, std::size_t position, RE_Search_Info& info) {
     std::size_t length = 99;
     const char16_t* const p = info.subjectBegin + position;
@@ -97,6 +103,7 @@ TEST(MatchBool, GoesOnAfterAnInterruptAndAfterAnException) {
     EXPECT_EQ("[3,1] (3,1)", runAt(tree, 3, info));
 }
 
+// The subject is a part of the text, so a position that is off by one would still read valid memory.
 TEST(MatchBool, RefusesPositionsOutsideOfTheSubject) {
     const std::u16string text = u"aaa";
     const RE_Tree tree(u"a?", false);
@@ -154,7 +161,8 @@ private:
     const RE_Tree& another;
 };
 
-// As the atomic group is that holds the other pattern: what the search knows of its own graph it knows afterwards.
+// The oracle is the other pattern as an atomic group of the first: what the search knows of its own graph it has to
+// know afterwards.
 TEST(MatchBool, LeavesTheSearchThatItRunsInAsItWas) {
     const char16_t* const fronts[] = {u"(a)", u"((?:a|aa|b)*)", u"(?:(a)|b){1,3}?", u"(?:(a)|(b))*", u"(?:(a?)|b)*",
                                       u"((?:(?:a|aa)*b)*)", u"x?(?>(a)|b)"};
@@ -179,7 +187,7 @@ TEST(MatchBool, LeavesTheSearchThatItRunsInAsItWas) {
     }
 }
 
-// Where a group opened is known behind a run with groups of its own, and so are the tokens where that failed.
+// A group that opened before a run with groups of its own keeps its start, and a run that fails leaves all tokens.
 TEST(MatchBool, LeavesTheGroupsAroundItAsTheyAre) {
     RE_Context host;
     RE_ParserContext parser(&host, nullptr, kPlain);
@@ -199,7 +207,7 @@ TEST(MatchBool, LeavesTheGroupsAroundItAsTheyAre) {
     }
 }
 
-// Expressions see the attempt that they stand in, also behind texts that were included.
+// Expressions see the attempt that they are in, also after texts that were included: a text runs in the same state.
 TEST(MatchBool, IsNotWhatMovesTheStartOfAttemptsWithDynamicTexts) {
     HostJournal host;
     std::u16string seen;

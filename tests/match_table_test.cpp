@@ -1,5 +1,9 @@
-// Every case of tests/data under every setting of the compile options, with a fresh and with a shared seek
-// table. The optimisations and the seek memo may change the time a search takes, never its answer.
+// Every case of tests/data under every setting of the compile options, with a fresh and with a shared seek table. The
+// optimisations and the seek memo may change the time a search takes, never its answer.
+//
+// The oracle is the table, written by hand from docs/dialect.md; tests/support/case_file.h explains its columns. The
+// second test holds the reference matcher to the same tables, so that a fault which both readings share would have to
+// be in the tables as well.
 #include "tests/support/case_file.h"
 #include "tests/support/engine_run.h"
 #include "tests/support/reference_matcher.h"
@@ -16,12 +20,14 @@ std::vector<MatchCase> readTable(const std::string& name) {
 
 class MatchTable : public testing::TestWithParam<const char*> {};
 
+/// Cases with "?" in the column of tokens are about the extent alone.
 void dropUncheckedTokens(const MatchCase& match, Outcome& outcome) {
     if (!match.checksTokens) {
         outcome.tokens.clear();
     }
 }
 
+/// Numbers, and positions where the case pins them.
 std::string describeWarnings(const MatchCase& match, const std::vector<Warning>& seen) {
     std::string text;
     for (size_t index = 0; index < seen.size(); ++index) {

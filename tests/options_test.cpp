@@ -1,4 +1,7 @@
 // Compile options: their listing, conversions and parsing, and which instance is in force where.
+//
+// Names, descriptions and the printed form are part of the interface: hosts parse them and store settings by name. A
+// change here is one that users notice.
 
 #include <gtest/gtest.h>
 
@@ -66,6 +69,7 @@ TEST(CompileOptions, AreListedUnderTheirNames) {
               lines);
 }
 
+// The words of a command line, and what the options are afterwards.
 struct ParseCase {
     std::vector<std::string> words;
     size_t threshold;
@@ -149,6 +153,7 @@ TEST(SharedCompileOptions, BelongToTheirScope) {
     EXPECT_EQ(CompileOptions::readGlobalCompileOptions().inlineThreshold(), 3U);
 }
 
+// All threads make an instance when none is there; the store keeps one, and nobody may use another.
 TEST(SharedCompileOptionsThreads, ConcurrentFirstUsersGetOneInstance) {
     const utScope shared;
     std::vector<const CompileOptions*> seen(8);

@@ -1,4 +1,7 @@
 // What the passes make of a graph: the labels of its nodes, in the order in which the graph leads to them.
+//
+// Equal answers are tested elsewhere. Here is whether a rewrite happens at all: one that silently stopped happening
+// would cost time and fail no other test. A change to a pass is expected to change rows of this table.
 #include "tests/support/engine_run.h"
 #include "tests/support/pattern_random.h"
 #include "tests/support/text.h"
@@ -25,6 +28,7 @@ std::string labels(const Nodes& nodes) {
     return all;
 }
 
+/// The labels of the graph that this pattern has under these flags and passes, separated by semicolons.
 struct Case {
     const char16_t* pattern;
     RE_Flags flags;
@@ -32,6 +36,7 @@ struct Case {
     const char* labels;
 };
 
+// By the passes that run: none, null nodes alone, linear sub-patterns too, all.
 constexpr EngineConfig kNothing{false, false, false, 1024, false};
 constexpr EngineConfig kNulls{false, false, true, 1024, false};
 constexpr EngineConfig kLinear{true, false, true, 1024, false};
@@ -85,6 +90,7 @@ TEST(Passes, MakeTheseGraphs) {
     }
 }
 
+/// Whether the run of 1s in this pattern backtracks, instead of being possessive.
 bool givesBackOnes(const std::u16string& pattern) {
     const RE_Tree tree(pattern, false);
     return std::ranges::any_of(nodesOf(tree), [](const RE_Node* node) {
@@ -93,7 +99,8 @@ bool givesBackOnes(const std::u16string& pattern) {
     });
 }
 
-// At a shorter end of the run a condition may lead past its branches, and the pattern may be over there.
+// A run may be possessive only if no shorter end of it can help. At a shorter end a condition may lead past its
+// branches, and the pattern may be over there; with a unit required after the condition it cannot be.
 TEST(Passes, HaveARunGiveBackWhatAConditionMayLeadPast) {
     for (const char16_t* condition : {u"(1)", u"(n)", u"(?=a)", u"(?=ab)", u"(?=\\<a)", u"(?=a+b)", u"(?=(a))", u"(?!a)",
                                       u"(?!a+b)", u"(?<=a)", u"(?<=a+)", u"(?<!a)", u"(?<!(a)b)"}) {
@@ -120,7 +127,8 @@ std::vector<std::string> sortedLines(const std::string& text) {
     return lines;
 }
 
-// Literals are strings, and loops over one unit runs, from the beginning, unless somebody watches the stages.
+// The parser makes literals strings, and loops over one unit runs, from the beginning, unless the stages are watched.
+// Then passes do the same later, and both have to come to one graph.
 TEST(Passes, MakeTheSameGraphWithAndWithoutAWitness) {
     PatternSource source(5);
     std::vector<std::u16string> patterns{u"ab\\0cd(?:ef)g+hi(?i:-j)kl", u"(?:abc){3}d(?:e|fg)hi", u"a(?i:b-)--c", u"x(?=ab)cd",
@@ -136,6 +144,7 @@ TEST(Passes, MakeTheSameGraphWithAndWithoutAWitness) {
     }
 }
 
+/// The nodes that every match passes, as `keepBottlenecks` computes them.
 template <class Nodes>
 std::vector<RE_Node*> bottlenecks(const Nodes& nodes, RE_Node* root) {
     RE_Context host;
@@ -187,6 +196,7 @@ TEST(Nodes, MeasureWhatLiesBehindThem) {
     }
 }
 
+/// The definition of a bottleneck, by a walk that leaves out one node: slow, and without the algorithm's cleverness.
 bool endsWithout(RE_Node* root, const RE_Node* avoided) {
     std::set<RE_Node*> seen;
     std::vector<RE_Node*> pending{root};
@@ -212,6 +222,7 @@ TEST(Passes, KnowWhatEveryMatchPassesInRandomPatterns) {
     }
 }
 
+// Copies multiply where loops nest; counters have to take over before that becomes large.
 TEST(Passes, KeepNestedCountsSmall) {
     EXPECT_LT(RE_Tree(u"((a{100}){100}){100}", false).getNodeCount(), 10000u);
     EXPECT_LT(RE_Tree(u"((((((((a{1,2}){1,2}){1,2}){1,2}){1,2}){1,2}){1,2}){1,2}){1,2}", false).getNodeCount(), 10000u);

@@ -138,6 +138,7 @@ TEST(Pcre2Peer, AgreesWithTheEngineOnTheCommonSubset) {
                     });
 }
 
+/// A reason from docs/dialect.md, and what each engine finds. "invalid": the peer refuses the pattern.
 struct KnownDifference {
     const char* reason;
     const char* pattern;

@@ -1,6 +1,10 @@
 // Random patterns of the whole dialect: the plain graph against the reference matcher, and all settings against the
 // plain graph. A failure prints its seed: CORVANE_TEST_SEED repeats it, CORVANE_TEST_ROUNDS sets the number of
 // patterns.
+//
+// Two comparisons in place of one, because the reference gives up on long searches: it judges the plain graph where it
+// can, and the plain graph, which is simple and slow, judges every setting everywhere. Calls of the host are compared
+// too.
 #include "tests/support/differential.h"
 #include "tests/support/pattern_random.h"
 #include "tests/support/subject_random.h"
@@ -44,6 +48,8 @@ void compareSweep(unsigned without, std::uint64_t seed, unsigned long patterns) 
     expectAgreement(comparison, seed);
 }
 
+/// Constructs side by side and in each other with little else around, over two letters: faults of a pair of constructs
+/// that other parts of a pattern would hide.
 void compareDense(unsigned without, std::uint64_t seed, unsigned long patterns) {
     Comparison comparison;
     PatternSource source(seed);
@@ -54,6 +60,8 @@ void compareDense(unsigned without, std::uint64_t seed, unsigned long patterns) 
     expectAgreement(comparison, seed);
 }
 
+// A test of the tests: a construct that no draw brings into a context is not tested there. A pair that cannot be drawn
+// has a reason in the tables, and only the known reasons count.
 TEST(RandomPatterns, BringEveryConstructIntoEveryContext) {
     PatternSource source(1);
     for (size_t left = PatternSource::sweep(); left > 0; --left) {

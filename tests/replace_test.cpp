@@ -1,4 +1,7 @@
 // Replacement strings, and the texts they produce.
+//
+// The oracles are a table of written results and, for drawn replacements, the model of tests/support/replace_model.h.
+// Buffers change hands here, so capacities and live blocks are checked as strictly as texts.
 #include "host/allocation_counter.h"
 #include "host/interrupt.h"
 #include "regexp/parser/parser_context.h"
@@ -19,7 +22,7 @@
 namespace corvane_tests {
 namespace {
 
-// Pattern with flags, replacement, subject, options, result.
+// Pattern with flags, replacement, subject, whether the case is adjusted, which match is replaced (0: all), result.
 struct ReplaceCase {
     const char16_t* pattern;
     RE_Flags flags;
@@ -88,6 +91,7 @@ TEST(Replace, WritesWhatTheTableSaysThroughEveryOverload) {
     }
 }
 
+// The overload that takes pattern and replacement as narrow text. A null replacement is an empty one.
 TEST(Replace, CompilesBothTextsForOneCall) {
     for (const char* replacement : {"<$0>", static_cast<const char*>(nullptr)}) {
         for (const bool ignoreCase : {false, true}) {
@@ -121,6 +125,7 @@ TEST(Replace, ReadsEveryShortTextAsTheModelDoes) {
     });
 }
 
+// A text without $ and backslash is itself; any other pair becomes two units at most.
 TEST(Replace, TakesEveryPairOfUnitsForItselfOrForLess) {
     const RE_Tree tree(u"m", false);
     for (unsigned pair = 0; pair < 128 * 128; ++pair) {
@@ -158,6 +163,7 @@ TEST(Replace, AgreesWithTheModelOnRandomCases) {
     }
 }
 
+// All short matches over upper and lower case, both word separators, a unit between words and one without case.
 TEST(Replace, GivesThePieceTheCaseOfTheMatch) {
     forEachSubject(u"aB_'\u4E00", 7, [](const std::u16string& matched) {
         std::u16string piece = u"_one 'tWO 3x_\u00E9T\u00C9";
@@ -236,6 +242,7 @@ TEST(Replace, DrawsItsChain) {
               "  n3 [label=\"''\"];\n  n2 -> n3;\n}\n", RE_Replace(u"a\"$1").graph());
 }
 
+// Twenty times the matches take as many allocations, whatever the pattern keeps from match to match.
 TEST(Replace, AllocatesNoMoreForMoreMatches) {
     RE_Context host;
     const char16_t* patterns[] = {u"a",       u"(a)(b)", u"(?<n>a+?)b", u"(?:a|ab)(?>b*)", u"(?<=(a))b", u"(a|b)\\1",
@@ -344,6 +351,7 @@ TEST(Replace, GivesUpItsChainWhenMovedAndNeedsNoContext) {
     EXPECT_EQ(live, counter.live());
 }
 
+// Openings without an end, each of which a careless reader would search to the end of the text for its closing mark.
 TEST(Replace, HandlesLongAndHostileTextsInLinearTime) {
     runOnSmallStack([] {
         Interruptible host;

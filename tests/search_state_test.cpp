@@ -1,4 +1,7 @@
 // The search state, the token store and the seek table, called directly.
+//
+// Applications that write nodes of their own use these operations, in orders that the engine never uses. The contract
+// is in the headers; there is no oracle but the expected values.
 #include "host/interrupt.h"
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/counters.h"
@@ -88,6 +91,7 @@ TEST_F(SearchState, KeepsCountsPerCounterAndLevel) {
     EXPECT_EQ(0u, info.countAt(counter, 0));
 }
 
+// Two loops in one search, neither made by the parser: what one measured must not be taken for the run of the other.
 TEST_F(SearchState, LoopsMadeByHandRememberForThemselves) {
     const std::u16string text = std::u16string(100, u'a') + std::u16string(100, u'b');
     RE_Search_Info search(text.data(), text.size(), 0, nullptr, false);
@@ -206,6 +210,7 @@ TEST(Interrupts, ArrivingDuringASearchEndItOnlyWhereTheHostAllows) {
         while (steps < 5000 && !info.pollInterrupt()) {
             ++steps;
         }
+        // Every 2048th poll asks the host; see "Interrupts" in docs/execution-model.md.
         EXPECT_EQ(allowed ? 2047 : 5000, steps);
         utInterruptState::SetInterruptPending(false);
     }

@@ -1,4 +1,7 @@
 // The vector scans against plain loops: every start and end around a vector's width, every place of a hit.
+//
+// What goes wrong in a vector scan is its edges: the first and the last partial vector, and a hit that is in both of
+// two overlapping loads. CMake runs these tests once for each width of vectors that a processor may have.
 #include "regexp/seek/kernels.h"
 
 #include <gtest/gtest.h>
@@ -15,6 +18,8 @@ constexpr RE_Literal_Probe kProbe{{u'Q', u'Q'}, {u'z', u'Z'}, 2, 5};
 constexpr RE_Literal_Probe kThree{
     .first = {u'Q', u'q'}, .second = {u'z', u'Z'}, .firstAt = 2, .secondAt = 5, .hasThird = true, .third = {u'.', 0x3B2}, .thirdAt = 1};
 
+/// Compares a scan forward and one backward with a loop over `holds`. A scan may read up to `reach` units past the last
+/// position that it considers, and not one more.
 template <class Test>
 void compare(const std::u16string& text, size_t reach, Test holds, const auto& first, const auto& last) {
     for (size_t begin = 0; begin + reach <= text.size(); begin += text.size() > 40 ? 7 : 1) {
@@ -36,6 +41,7 @@ void compare(const std::u16string& text, size_t reach, Test holds, const auto& f
     }
 }
 
+/// Every kernel on one text: one unit, two and three of a literal, prefixes, classes.
 void compareAll(const std::u16string& text) {
     compare(
         text, 0, [](const char16_t* p) { return kPair.holds(*p); },

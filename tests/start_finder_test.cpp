@@ -1,4 +1,7 @@
-// Which start finder a pattern gets, and that it passes no match over.
+// Which start finder a pattern gets, and that it skips no match.
+//
+// The oracle is the plain graph, which tries every position. Texts are drawn from the units of the pattern, so that
+// what nearly matches is frequent: a finder that skips too far passes over the match right after a near miss.
 #include "tests/support/engine_run.h"
 #include "tests/support/text.h"
 
@@ -11,6 +14,7 @@
 namespace corvane_tests {
 namespace {
 
+/// `finder` is the word for people, as `nameOf` has it.
 struct Case {
     const char16_t* pattern;
     RE_Flags flags;

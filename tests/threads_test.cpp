@@ -1,4 +1,7 @@
 // One compiled pattern searched by several threads at once: searches share nothing but the read-only graph.
+//
+// The oracle is what each thread finds alone. That catches shared state which changes answers; shared state that does
+// not is caught by TSan, under which these tests run longer (`./dev sanitize`).
 #include "tests/support/scripted_host.h"
 
 #include <gtest/gtest.h>
@@ -24,6 +27,7 @@ std::vector<std::u16string> subjects() {
     return result;
 }
 
+/// All texts, from the `first` on, so that threads are at different texts.
 std::vector<std::string> answers(const Engine& engine, const std::vector<std::u16string>& texts,
                                  size_t first) {
     std::vector<std::string> result(texts.size());

@@ -37,6 +37,7 @@ namespace fs = std::filesystem;
 
 constexpr const char* standardInput = "standard-input";
 
+/// A command with all that it is given and all that is expected of it.
 struct Case {
     std::string title;
     std::map<std::string, std::string> files{{standardInput, ""}};
@@ -67,6 +68,7 @@ std::string decodeEscapes(const std::string& text) {
     return decoded;
 }
 
+// Output is compared in a form that a transcript can hold.
 std::string showControls(const std::string& text) {
     static const char digits[] = "0123456789ABCDEF";
     std::string shown;
@@ -167,6 +169,8 @@ constexpr bool hasLua = true;
 constexpr bool hasLua = false;
 #endif
 
+// Each case has an empty directory of its own. The shell's variables that change output (locale, terminal, colours) are
+// set, so a transcript means the same everywhere.
 void runCase(const Case& expected) {
     if (!hasLua && expected.command.find("--lua") != std::string::npos) return;
     const Directory work;

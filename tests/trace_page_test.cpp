@@ -1,5 +1,8 @@
-// The page that replays a search, opened from a file in a browser without a window. Its address tells it what to do, and
-// the document that the browser hands back shows where it got to.
+// The page that replays a search, opened from a file in a browser without a window. Its address tells it what to do,
+// and the document that the browser prints shows where it ended.
+//
+// The oracle is a search of the engine: the page computes position and tokens from the events alone, and has to arrive
+// at the same result. Skipped where no browser is installed.
 #include "tests/support/engine_run.h"
 
 #include <cstdio>
@@ -20,6 +23,7 @@ std::string outputOf(const std::string& command) {
     return text;
 }
 
+/// The page writes its state into attributes of the body.
 std::string bodyTag(const std::string& document) {
     const size_t begin = document.find("<body");
     return begin == std::string::npos ? "no page" : document.substr(begin, document.find('>', begin) - begin + 1);

@@ -1,4 +1,7 @@
 // The compiled pattern as hosts use it: constructors, names, ownership, and a graph that searches leave alone.
+//
+// Everything here is public interface, and expected values are written out. Lost memory shows as live blocks of the
+// allocation counter, writes to the graph as changed bytes of its nodes.
 #include "host/allocation.h"
 #include "host/allocation_counter.h"
 #include "regexp/graph_facts.h"
@@ -88,6 +91,8 @@ TEST(Tree, ListsEachNameOnceInTokenOrder) {
 
 TEST(Tree, SharesItsGraphOnAssignmentAndGivesItUpWhenMoved) {
     RE_Tree tree(u"ab", false);
+    // Applications copy trees into raw memory and let one of the two free the graph. The bytes of the alias are
+    // overwritten first: assignment must not read what was there.
     alignas(RE_Tree) unsigned char place[sizeof(RE_Tree)];
     RE_Tree* const alias = new (place) RE_Tree(RE_Tree(u"", false));
     alias->~RE_Tree();
@@ -196,6 +201,7 @@ TEST(Context, MayThrowFromEveryCallAndNothingLeaks) {
         } catch (const std::runtime_error&) {
         }
     }
+    // The number of calls that the pattern makes; fewer would mean that some path was not tried.
     EXPECT_EQ(10, calls);
 }
 
