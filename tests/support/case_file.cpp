@@ -1,4 +1,5 @@
-// Reader of the match case tables.
+// Reader of the match case tables. A line that cannot be understood is an exception with file and line, never a case
+// that is skipped: a table in which a typing error disables a case would go on passing.
 #include "tests/support/case_file.h"
 
 #include "regexp/within_size.h"
@@ -21,6 +22,7 @@ std::vector<std::string> split(const std::string& text, char separator) {
     return parts;
 }
 
+// Letters toggle bits of the plain modes, so "d" takes a bit away.
 std::uint32_t flagsOf(const std::string& modes) {
     static const std::map<char, std::uint32_t> bits = {{'.', 0}, {'i', 0x01}, {'m', 0x04}, {'x', 0x08}, {'E', 0x20}, {'d', 0x02},
                                                              {'K', 0x40}};
@@ -31,6 +33,7 @@ std::uint32_t flagsOf(const std::string& modes) {
     return flags;
 }
 
+// "start,length", "start,length=name" or "~" with an optional name. Extents are read as tokens too.
 Token tokenOf(const std::string& text) {
     const std::vector<std::string> halves = split(text, '=');
     const std::u16string name = halves.size() > 1 ? widen(halves[1]) : u"";

@@ -1,4 +1,5 @@
-// The reference is asked first: what it cannot read or finish in its step limit it does not judge.
+// The reference is consulted first: what it cannot read or finish in its step limit it does not judge. Differences are
+// collected up to a bound and sorted by size, since the shortest of a thousand usually shows the fault at once.
 #include "tests/support/differential.h"
 
 #include "tests/support/reference_matcher.h"
@@ -14,10 +15,13 @@ namespace corvane_tests {
 namespace {
 
 constexpr size_t kShown = 12;
+// Differences that are kept to be sorted; the others are counted.
 constexpr size_t kKept = 2000;
 constexpr size_t kLongest = 12;  // units of a subject, for the sake of the reference
+// Of one walk. Beyond it the reference takes seconds; the tests check that it judges enough of what is drawn.
 constexpr reference::Limits kLimits = {20000};
 
+/// A short pattern counts for more than a short subject.
 size_t weight(const Difference& difference) {
     return difference.pattern.size() * 16 + difference.subject.size();
 }
@@ -66,6 +70,7 @@ void Comparison::run(const std::u16string& pattern, RE_Flags flags, const Engine
             if (!matches) {
                 break;
             }
+            // In turn rather than drawn: exhaustive tests have no source of random numbers.
             const Walk walk = kWalks[m_compared++ % std::size(kWalks)];
             const std::vector<Outcome> expected = seenBy(walk, *matches);
             const std::vector<Outcome> got = walkThrough(engine.tree(), subject, offset, walk, table);

@@ -1,5 +1,8 @@
-// Comparing the engine with the reference matcher and with its own plain graph, and collecting the differences
-// so that the shortest are shown.
+// Comparing the engine with the reference matcher and with its own plain graph, and collecting the differences so that
+// the shortest are shown.
+//
+// Equal means: all matches of a walk, all tokens with their names, and the calls of the host. Counters of what was
+// compared are there so that a test can fail when it compares next to nothing.
 #pragma once
 
 #include "tests/support/match_walk.h"
@@ -25,6 +28,7 @@ constexpr bool sanitized() {
 #endif
 }
 
+/// Enough to repeat the comparison by hand.
 struct Difference {
     std::u16string pattern;
     RE_Flags flags = kPlain;
@@ -35,6 +39,7 @@ struct Difference {
     std::string got;
 };
 
+/// One for each test. Runs compare and collect; `report` tells.
 class Comparison {
 public:
     /// Walks through every subject from its start, or from every offset, with the reference, and compares.

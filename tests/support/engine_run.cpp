@@ -1,4 +1,5 @@
-// Compiling and searching through the public interface only.
+// Compiling and searching through the public interface only, so that the tests see what an application sees. The
+// exceptions are the delays, which the library has for tests.
 #include "tests/support/engine_run.h"
 
 #include <boost/any.hpp>
@@ -11,6 +12,7 @@ namespace {
 
 using Corvane::regexp::CompileOptions;
 
+// As an application would set it: by name, through the parser of the option.
 void setOption(CompileOptions& options, std::string_view name, const boost::any& value) {
     for (auto* option : options.getOptions()) {
         if (option->getName() == name) {
@@ -56,6 +58,7 @@ const std::vector<EngineConfig>& allConfigs() {
         for (unsigned bits = 0; bits < 32; ++bits) {
             result.push_back({(bits & 1U) == 0, (bits & 2U) == 0, (bits & 4U) == 0,
                               (bits & 8U) == 0 ? size_t{1024} : size_t{0}, (bits & 16U) != 0});
+            // Machine code needs the dot-star passes and no profile (bits 1 and 4).
             if ((bits & 18U) == 0) {
                 result.push_back(result.back());
                 result.back().machineCode = true;

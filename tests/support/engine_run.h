@@ -1,5 +1,7 @@
-// The engine under test behind one small class: compile a pattern under given options, search, get an
-// Outcome.
+// The engine under test behind one small class: compile a pattern under given options, search, get an Outcome.
+//
+// Some optimisations begin only when a search has lasted, which searches of tests rarely do. The delays here make them
+// begin at once. They are variables of the process: no two threads of a test may change them.
 #pragma once
 
 #include "regexp/dfa/inquiry.h"
@@ -33,7 +35,7 @@ struct EngineConfig {
     bool eagerDfa = true;  ///< it is asked by all attempts that turn back
 };
 
-/// The graph as it is written, which all other settings are measured by.
+/// The graph as it is written, by which all other settings are judged.
 inline constexpr EngineConfig kPlainGraph{false, false, false, 0, false};
 
 std::ostream& operator<<(std::ostream& out, const EngineConfig& config);
@@ -56,7 +58,7 @@ struct Warning {
 /// Gives the tree what the setting adds to the graph.
 void speedUp(RE_Tree& tree, const EngineConfig& config);
 
-/// When searches ask the automaton; put back at the end.
+/// When searches consult the automaton: at once under an eager setting. The usual delays are restored at the end.
 class InquiryDelays {
 public:
     explicit InquiryDelays(const EngineConfig& config);
@@ -94,7 +96,8 @@ private:
     bool m_allows;
 };
 
-/// When the memo begins, and when a search asks for the literals that it needs; put back at the end.
+/// When the memo begins, and when a search looks for the literals that it needs; restored at the end. With 0 choices
+/// the memo begins with the first choice that is resumed.
 class Delays {
 public:
     explicit Delays(std::uint64_t choices, std::uint64_t perUnit = 0, std::uint64_t steps = RE_Asking_Delay::steps) {
@@ -113,9 +116,10 @@ private:
     std::uint64_t m_choices, m_perUnit, m_steps;
 };
 
-/// Null is no match.
+/// Null is no match. The tokens are those in effect, up to the first number that is not.
 Outcome toOutcome(const RE_Results* results);
 
+/// A pattern compiled under one setting. Every search is by itself; what searches share is up to the caller's table.
 class Engine {
 public:
     explicit Engine(std::u16string_view pattern, RE_Flags flags = kPlain, const EngineConfig& config = {});
@@ -123,7 +127,7 @@ public:
     Outcome search(std::u16string_view subject, size_t offset = 0) const;
     Outcome search(std::u16string_view subject, size_t offset, RE_Seek_Table& table) const;
 
-    /// Nothing when a limit was met.
+    /// Nothing when a limit was met: that is no answer, and must not be compared as one.
     std::optional<Outcome> searchWithin(std::u16string_view subject, size_t offset, const RE_Search_Limits& limits) const;
     const std::vector<Warning>& warnings() const { return m_context.warnings(); }
     const RE_Tree& tree() const { return m_tree; }

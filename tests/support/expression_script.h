@@ -1,4 +1,5 @@
-// What the expressions of random patterns mean: one script for the host of the engine and for the reference.
+// What the expressions of random patterns mean: one script for the host of the engine and for the reference. Sharing it
+// is safe, as it is about what hosts answer and not about the engine.
 #pragma once
 
 #include <optional>

@@ -1,5 +1,7 @@
-// A non-owning reference to a callable: the continuations of the reference matcher live on the stack and are
-// passed down by the thousand, which is too many for std::function.
+// A non-owning reference to a callable: the continuations of the reference matcher live on the stack and are passed
+// down by the thousand, which is too many for std::function.
+//
+// Trap: the callable must outlive the reference. Passing a lambda as an argument is safe, storing the reference is not.
 #pragma once
 
 #include <memory>

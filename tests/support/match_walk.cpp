@@ -1,3 +1,5 @@
+// All ways of walking, written as a caller would write them. They have to find the same matches, but for the one that
+// `seenBy` leaves out.
 #include "tests/support/match_walk.h"
 
 #include "regexp/find_all.h"
@@ -7,6 +9,7 @@
 namespace corvane_tests {
 namespace {
 
+// Of the host in one walk. Patterns that call the host are not pruned and may call without end.
 constexpr long kMostCalls = 2000;
 
 /// `search` answers what is found from an offset on.
@@ -18,6 +21,7 @@ std::vector<Outcome> matchAfterMatch(size_t length, size_t offset, const Search&
         if (!match.matched) {
             break;
         }
+        // An empty match is passed by a unit; whether a search finds it again at its end is up to the search.
         offset = match.start + std::max<size_t>(match.length, 1);
         found.push_back(std::move(match));
     }

@@ -1,4 +1,5 @@
-// The tables. A new construct is a row; its traits say in which comparisons it can take part.
+// The tables. A new construct is a row; its traits say in which comparisons it can take part. The order matters only at
+// the beginning of each table: the first rows are drawn most often (pattern_writer.cpp).
 #include "tests/support/pattern_constructs.h"
 
 namespace corvane_tests {
@@ -45,6 +46,7 @@ void addAnchors(Rows& rows) {
     add(rows, {u"\\<", u"\\>"}, may, kWords | kOwn);
 }
 
+// References to groups that exist, by number and by name; what they match may have any length.
 void addTokenReaders(Rows& rows) {
     add(rows, {u"\\{n}", u"\\k<{name}>", u"(?i:\\{n})", u"(?i:\\k<{name}>)"}, may,
         kReferences | kUnbounded | kCaptures);
@@ -52,6 +54,7 @@ void addTokenReaders(Rows& rows) {
     add(rows, {u"\\{n}0"}, never, kReferences | kUnbounded | kOwn);
 }
 
+// Empty groups, comments and modes: what is in a pattern and consumes nothing, in front of quantifiers too.
 void addWhatIsSkipped(Rows& rows) {
     add(rows, {u"()", u"(|a)", u"(a)?", u"((a)|b)*"}, may, kCaptures | kUnbounded);
     add(rows, {u"(?:)", u"(?:|a)", u"(?:a|)"}, may, 0);
@@ -101,6 +104,7 @@ void addLoops(Rows& rows) {
         {u"{1,}", false, endless},   {u"{2,}", false, endless},    {u"{0,1}", true, 0},       {u"{0,2}", true, several},
         {u"{1,2}", false, several},  {u"{2,4}", false, several},
         {u"{70}", false, 0},         {u"{0,300}", true, several},  {u"{300,}", false, endless}};
+    // A quantifier on a quantifier. The dialect gives each a meaning of its own.
     static constexpr const char16_t* stacked[] = {u"*{2}", u"?{1,2}", u"+?{0,1}", u"{2}*",    u"??*+", u"?{1,}",
                                                   u"{2}{2}", u"*?+",   u"*+?",     u"{0,2}?{2}", u"+*",   u"?*?"};
     const auto addLoop = [&](const std::u16string& quantifier, bool none, unsigned traits) {
@@ -156,6 +160,7 @@ void addConditions(Rows& rows) {
     }
 }
 
+// A run in front of the body: whether it may be possessive, and where it backtracks, depends on what follows it.
 void addRuns(Rows& rows) {
     add(rows, {u"a++{one}", u"[^b]*+{one}", u"(?>[ab]+){one}"}, asBody,
         kPossessives | kUnbounded, false);

@@ -1,5 +1,5 @@
-// Two contexts inside each other and two leaves within: over a sweep each context stands in each, and each leaf
-// in each, whatever chance adds.
+// Two contexts inside each other and two leaves within: over a sweep each context is in each, and each leaf in each,
+// whatever chance adds. The place in a sweep decides the constructs, the random numbers everything around.
 #include "tests/support/pattern_random.h"
 
 #include <algorithm>
@@ -12,7 +12,8 @@ bool fits(size_t construct, unsigned without) {
     return (Coverage::construct(construct).traits & without) == 0;
 }
 
-/// What is more than a test of a unit.
+/// What dense patterns combine: contexts, leaves that may be empty, and four plain units. Tests of a unit behave alike
+/// in all contexts, and pairs of them would take up most of a sweep.
 const std::vector<size_t>& denseRows() {
     static const std::vector<size_t> rows = [] {
         std::vector<size_t> result = {0, 3, 5, 6};
@@ -27,7 +28,8 @@ const std::vector<size_t>& denseRows() {
     return rows;
 }
 
-/// The first from `number` on, around the table, that may be written.
+/// The first row from `number` on, around the table, that may be written without the traits; a row that may not if
+/// there is none.
 size_t nextFitting(size_t number, size_t first, size_t count, unsigned without) {
     for (size_t tried = 0; tried < count; ++tried, ++number) {
         if (fits(first + number % count, without)) {
@@ -43,6 +45,7 @@ std::u16string PatternSource::pattern(unsigned without) {
     return PatternWriter(m_random, m_coverage, RE_DEFAULT_FLAGS, without).pattern();
 }
 
+// Rare modes are rare, since they change what much of a pattern means: under most of them less is compared.
 RE_Flags PatternSource::flags() {
     const auto oneOf = [this](size_t chances) { return m_random() % chances == 0; };
     RE_Flags result = RE_DEFAULT_FLAGS;

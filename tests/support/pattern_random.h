@@ -1,4 +1,6 @@
 // Seeded random patterns, drawn so that everything comes up, and subjects of a small alphabet.
+//
+// The standard library's distributions differ between implementations, so a seed repeats a run with one library only.
 #pragma once
 
 #include "regexp/flags.h"
@@ -15,6 +17,8 @@ struct DrawnPattern {
     RE_Flags flags;
 };
 
+/// Patterns and subjects come from two generators: drawing more subjects does not change the patterns that follow, and
+/// a failure can be narrowed down.
 class PatternSource {
 public:
     explicit PatternSource(std::uint64_t seed) : m_random(seed), m_subjects(seed + 1) {}

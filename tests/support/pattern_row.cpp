@@ -1,5 +1,6 @@
-// Rows are read like patterns, as far as groups and modes go: so the writer always knows how many groups there are
-// and which modes are in force, and writes blanks, expressions and references accordingly.
+// Rows are read like patterns, as far as groups and modes go: so the writer always knows how many groups there are and
+// which modes are in force, and writes blanks, expressions and references accordingly. It must not read them by the
+// engine's code, or a fault of the parser would draw the patterns that hide it.
 #include "regexp/flags.h"
 #include "tests/support/pattern_writer.h"
 
@@ -64,6 +65,7 @@ private:
         m_at += units;
     }
 
+    /// Copies or fills the next part of the row.
     void step() {
         switch (m_row.text[m_at]) {
             case u'\\':
@@ -169,7 +171,7 @@ private:
         m_writer.m_modes = modes;
     }
 
-    /// A group whose parentheses are none of the pattern's.
+    /// A group whose parentheses are none of the pattern's: a comment or an expression.
     void copyPaired(bool withGaps) {
         size_t depth = 0;
         do {
@@ -183,7 +185,7 @@ private:
         } while (depth > 0);
     }
 
-    // Braces that hold no known word are copied.
+    /// What a word in braces stands for. Braces that hold no known word, such as a quantifier's, are copied.
     void gap() {
         const size_t end = m_row.text.find(u'}', m_at);
         const std::u16string word = m_row.text.substr(m_at + 1, end - m_at - 1);
@@ -240,6 +242,7 @@ private:
         return piece.text;
     }
 
+    /// Made to consume something, so that a loop over it makes progress.
     Piece filled(const Piece& piece) {
         if (!piece.nullable) {
             return piece;
@@ -248,6 +251,7 @@ private:
         return {m_writer.oneIn(2) ? text + u"a" : u"b" + text, false};
     }
 
+    /// Made to match the empty text too, in a way that is drawn.
     Piece hollowed(const Piece& piece) {
         if (piece.nullable) {
             return piece;
@@ -257,6 +261,7 @@ private:
         return {m_writer.oneIn(4) ? u"|" + piece.text : inGroup(piece).text + end, true};
     }
 
+    /// The body of a dynamic text: its groups make no tokens, and where nothing is evaluated it is not read at all.
     std::u16string dynamicBody(bool rewritten) {
         const unsigned modes = m_writer.m_modes;
         const bool madeTokens = std::exchange(m_writer.m_makesTokens, false);

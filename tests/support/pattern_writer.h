@@ -1,4 +1,5 @@
-// Writes random patterns: draws rows of the tables, fills their gaps, and knows what is in force at each place.
+// Writes random patterns: draws rows of the tables, fills their gaps, and knows what is in force at each place. What it
+// writes is well-formed, except for what a row degrades to on purpose.
 #pragma once
 
 #include "tests/support/pattern_constructs.h"
@@ -62,6 +63,7 @@ private:
     bool hasMode(unsigned bit) const { return (m_modes & bit) != 0; }
     bool allows(const Construct& row) const { return (row.traits & m_without) == 0; }
 
+    // Draws of falling depth: contexts are written while there is some left, leaves at the end.
     Piece alternation(int depth);
     Piece wideAlternation(int depth);
     Piece sequence(int depth);

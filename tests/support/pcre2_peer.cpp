@@ -9,6 +9,7 @@
 namespace corvane_tests {
 namespace {
 
+// Of one match. A peer that gives up judges nothing.
 constexpr std::uint32_t kMostSteps = 50000;
 
 /// Our `$` never matches before a final line feed. The peer's own shortcuts are off: in version 10.42 automatic
@@ -23,6 +24,7 @@ std::uint32_t compileOptions(std::uint32_t flags) {
     return options;
 }
 
+/// A view of nothing may be null, which the peer takes for an error.
 PCRE2_SPTR16 units(std::u16string_view text) {
     static const char16_t empty = 0;
     return reinterpret_cast<PCRE2_SPTR16>(text.empty() ? &empty : text.data());

@@ -1,3 +1,8 @@
+// A list in place of a search: `endsOf` gives all ends of a part from one place, in order of preference. A pattern's
+// match is then the first of the list that is accepted, and nothing ever backtracks.
+//
+// Why an end may be listed once: whatever follows a part depends on where it ended and on what the group captured, both
+// of which are in End. If it failed from the first occurrence, it fails from later ones.
 #include "tests/support/reference_ends.h"
 
 #include "tests/support/reference_parser.h"
@@ -23,6 +28,7 @@ struct End {
 
 using Ends = std::vector<End>;
 
+/// Appends what is not there yet. Quadratic, on lists as long as the subject.
 void add(Ends& ends, const Ends& more) {
     for (const End& end : more) {
         if (std::find(ends.begin(), ends.end(), end) == ends.end()) {
@@ -31,6 +37,7 @@ void add(Ends& ends, const Ends& more) {
     }
 }
 
+/// All parts of one pattern on one subject.
 class Lister {
 public:
     explicit Lister(std::u16string_view subject) : m_subject(subject) {}
@@ -95,8 +102,8 @@ private:
                });
     }
 
-    /// With so many required passes left. They may be empty, the others not, unless there is one at the most and it is
-    /// none of a loop.
+    /// With so many required passes left. They may be empty, the optional ones not, unless there is one at the most and
+    /// the loop is a plain choice. Remembered by passes and place, which is what makes hundreds of passes cheap.
     const Ends& repeat(const Node& node, size_t required, const End& from) {
         const auto [place, isNew] = m_repeats.try_emplace({&node, required, from});
         if (isNew) {

@@ -1,4 +1,5 @@
-// The language of replacements, as far as random patterns use it.
+// The language of replacements, as far as random patterns use it. What would raise a warning is refused, as elsewhere
+// in the reference: what it degrades to is pinned by the tables.
 #include "tests/support/reference_expansion.h"
 
 #include "tests/support/expression_script.h"
@@ -19,6 +20,7 @@ void addLiteral(std::vector<Part>& parts, std::u16string_view text) {
     parts.back().text += text;
 }
 
+// Texts are put together unit by unit, so a character of two units is beyond the reference here.
 void addCharacter(std::vector<Part>& parts, char32_t value) {
     if (value > 0xFFFF) {
         throw Unreadable();
@@ -50,7 +52,7 @@ Part readReference(Reader& reader, bool mayEvaluate) {
     return {Part::Kind::Special, std::u16string(1, sign)};
 }
 
-// As many digits as name a token in effect; the others are text, and so is all of it without any.
+// As many digits as name a token in effect; the rest is text, and so is all of it without any.
 std::u16string expandNumber(std::u16string digits, const Place& place) {
     std::u16string rest;
     for (; !digits.empty() && digits.size() < 10; digits.pop_back()) {

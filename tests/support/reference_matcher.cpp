@@ -1,6 +1,9 @@
-// Continuation-passing backtracking: every construct is one short function that calls `next` for each way it
-// can match, in order of preference, until `next` says true. Tokens travel by value along the path, so a path
-// that fails leaves nothing behind.
+// Continuation-passing backtracking: every construct is one short function that calls `next` for each way it can match,
+// in order of preference, until `next` says true. Tokens travel by value along the path, so a path that fails leaves
+// nothing behind.
+//
+// Nothing may be made faster here by a rule that the engine also uses: two readings of the dialect that share a
+// shortcut share its faults. There is no memo, no undo, no bound on passes but the pattern's own.
 #include "tests/support/reference_matcher.h"
 
 #include "tests/support/function_ref.h"
@@ -15,11 +18,14 @@
 namespace corvane_tests::reference {
 namespace {
 
+// Thrown at the limits of steps and depth, and where another engine's rule is not known. No answer then.
 struct GaveUp {};
 
-// Nodes on a path, each of which takes some hundred bytes of the stack.
+// Nodes on a path, each of which takes some hundred bytes of the stack. Together with the steps this bounds the stack
+// of the thread that runs the tests.
 constexpr size_t kDeepest = 2000;
 
+// What follows a part: called with the position where the part ended and the tokens by then.
 using Next = FunctionRef<bool(size_t, const Tokens&)>;
 
 /// A unit is in a set when anything in the set is the same unit, as case counts or is ignored.
@@ -102,6 +108,7 @@ std::optional<size_t> fixedLength(const Node& node) {
     return std::nullopt;
 }
 
+/// One attempt from one start position.
 class Matcher {
 public:
     Matcher(std::u16string_view subject, size_t start, size_t& steps, Rules rules)
@@ -118,6 +125,7 @@ public:
     }
 
 private:
+    // One case for each kind of node. Those without a function of their own are a test and a call of `next`.
     bool runKind(const Node& node, size_t at, const Tokens& tokens, Next next) {
         switch (node.kind) {
             case Kind::Sequence:
@@ -247,6 +255,7 @@ private:
                                     body, at - *length, tokens, [](size_t) { return true; }, end, after);
     }
 
+    // A negated body leaves no tokens; a body that held leaves its own.
     bool look(const Node& node, size_t at, const Tokens& tokens, Next next) {
         Tokens after = tokens;
         const bool held = holds(node, at, tokens, after);
@@ -310,6 +319,7 @@ private:
         if (!text) {
             return false;
         }
+        // A text is parsed once for each place and content; loops would parse it for every pass.
         std::optional<Pattern>& included = m_included[{&node, *text}];
         if (!included) {
             included = parseIncluded(*text, node.modes);

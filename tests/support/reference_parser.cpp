@@ -1,4 +1,7 @@
 // Recursive descent over the well-formed dialect; the first thing it cannot read makes the whole parse fail.
+//
+// Names follow the grammar: a function reads what it is called after and leaves the reader past it. Modes are those at
+// the place of the reader; a group restores them at its end.
 #include "tests/support/reference_parser.h"
 
 #include "tests/support/reference_brackets.h"
@@ -20,6 +23,7 @@ NodePtr wrap(Kind kind, NodePtr child) {
     return node;
 }
 
+/// Reads one pattern. Null in place of a node is something that was dropped, with its quantifiers.
 class Parser {
 public:
     Parser(std::u16string_view text, Flags flags, bool hostEvaluates, bool makesTokens)
@@ -73,6 +77,7 @@ private:
                 return item;
             }
             repeat->lazy = m_reader.takes(u"?");
+            // A possessive loop is an atomic group around a loop, by definition.
             const bool possessive = !repeat->lazy && m_reader.takes(u"+");
             if (!item) {
                 continue;
@@ -199,6 +204,7 @@ private:
         return units(std::move(text.ranges), text.negated);
     }
 
+    /// After the opening parenthesis. The order of the tests matters: (?<= is no name, (?? is no mode.
     NodePtr group() {
         if (!m_reader.takes(u"?")) {
             return capture(u"");
@@ -226,6 +232,7 @@ private:
         return body;
     }
 
+    /// Tokens are numbered by their opening parentheses, so the number is taken before the body is read.
     NodePtr capture(std::u16string name) {
         if (!m_makesTokens) {
             return closed(alternation());
@@ -277,6 +284,8 @@ private:
         return {{TextPart::Kind::Expression, std::u16string(text)}};
     }
 
+    /// After "(?(". Alternatives past the second branch belong to it. Where expressions are not evaluated the whole
+    /// construct vanishes, and with it the tokens in it.
     NodePtr conditional() {
         NodePtr node = make(Kind::Conditional);
         const size_t tokensBefore = m_tokenNames.size();
@@ -317,6 +326,7 @@ private:
         }
     }
 
+    /// Modes alone hold to the end of the enclosing group; with a colon, for their own body.
     NodePtr modes() {
         Flags changed = m_flags;
         bool value = true;

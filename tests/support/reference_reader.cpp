@@ -1,4 +1,4 @@
-// Readings of the reference parser's cursor.
+// Readings of the reference parser's cursor. Each leaves the cursor past what it read, and throws rather than guess.
 #include "tests/support/reference_reader.h"
 
 namespace corvane_tests::reference {

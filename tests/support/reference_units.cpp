@@ -1,4 +1,5 @@
-// Units, classes, escapes and sets of the reference parser.
+// Units, classes, escapes and sets of the reference parser. The tables are written out rather than taken from a
+// library, as the engine takes its own from one.
 #include "tests/support/reference_units.h"
 
 #include <algorithm>
@@ -25,6 +26,7 @@ Ranges wordRanges() {
     return result;
 }
 
+// All units that are in none of the ranges, which must not overlap.
 Ranges complement(Ranges ranges) {
     std::sort(ranges.begin(), ranges.end(), [](const Range& a, const Range& b) { return a.low < b.low; });
     Ranges result;
@@ -71,6 +73,7 @@ void takeLooseHyphen(Reader& reader, Ranges& ranges) {
     }
 }
 
+/// One member, or a range of two. A hyphen is a range only between two single units.
 void readMembers(Reader& reader, Ranges& ranges, bool first) {
     const Member low = readMember(reader);
     const bool mayJoin = !low.isClass && !low.ranges.empty() && !(first && low.isBareHyphen);

@@ -1,3 +1,5 @@
+// The model. It reads a replacement anew for every match, unit by unit, and copies texts; the engine compiles it once
+// into a chain of nodes.
 #include "tests/support/replace_model.h"
 
 #include "host/unit_class.h"
@@ -31,6 +33,7 @@ std::u16string numbered(std::u16string digits, const RE_Results& match) {
     return u"$" + rest;
 }
 
+// The brace that closes an expression; escaped units are skipped.
 size_t closingBrace(std::u16string_view text, size_t at) {
     for (size_t depth = 1; at < text.size(); ++at) {
         if (text[at] == u'\\') {
@@ -44,6 +47,7 @@ size_t closingBrace(std::u16string_view text, size_t at) {
     return npos;
 }
 
+/// Reads one replacement and writes the text for one match.
 struct Reader {
     std::u16string_view text;
     const RE_Results& match;
@@ -57,6 +61,7 @@ struct Reader {
         }
     }
 
+    /// After a $. False when it is none: then the sign stands for itself.
     bool reference() {
         const std::u16string_view subject(match.subjectBegin, static_cast<size_t>(match.subjectEnd - match.subjectBegin));
         const char16_t c = text[at + 1];
@@ -179,6 +184,7 @@ std::u16string modelReplace(std::u16string_view subject, const RE_Tree& tree, st
         const std::u16string_view matched = subject.substr(match->matchStart, match->matchLength);
         const size_t end = match->matchStart + matched.size();
         at = matched.empty() ? end + 1 : end;
+        // An empty match that directly follows a match is none.
         if (end != lastEnd && (++count == which || which == 0)) {
             const std::u16string piece = modelPiece(replacement, *match, nullptr);
             out += subject.substr(copied, match->matchStart - copied);

@@ -1,3 +1,4 @@
+// Every virtual function notes its call first and may throw there, so "the n-th call throws" needs no code in a test.
 #include "tests/support/scripted_host.h"
 
 #include "tests/support/expression_script.h"

@@ -1,5 +1,5 @@
 // A walk through the pattern that takes one way at each choice and writes what the way consumes. Assertions are
-// not thought about, so the text need not match, which near misses are wanted for anyhow.
+// ignored, so the text need not match: near misses are wanted anyway.
 #include "tests/support/subject_random.h"
 
 #include "tests/support/reference_parser.h"
@@ -15,6 +15,7 @@ using reference::Node;
 
 constexpr std::u16string_view kUnits = u"aaabbcAB1_- \n\u00e9\u0416\u0436\u212a\U0001F600\u0130kK.]\tC";
 
+/// Writes one text that the pattern may match.
 class Sampler {
 public:
     Sampler(PatternSource& source, const reference::Pattern& pattern, size_t longest)
@@ -30,6 +31,7 @@ public:
 
 private:
     void write(const Node& node) {
+        // Loops in loops would write without end.
         if (m_text.size() > m_longest || ++m_nodes > 200) {
             return;
         }
@@ -108,7 +110,7 @@ private:
         m_tokens[node.number] = m_text.substr(start);
     }
 
-    // What a lookahead asks for stands there where the rest happens to write it as well, or now and then at once.
+    // What a lookahead asks for is there if the rest happens to write it as well; now and then it is written at once.
     void writeLook(const Node& node) {
         if (m_source.oneIn(node.behind ? 2 : 4)) {
             write(*node.children[0]);
