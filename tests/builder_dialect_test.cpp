@@ -165,7 +165,7 @@ TEST(BuilderOfTheDialect, HasAPieceForEveryRowOfThePage) {
     }
 }
 
-TEST(BuilderOfTheDialect, MeansWhatThePageTellsOf) {
+TEST(BuilderOfTheDialect, MeansWhatThePageSays) {
     for (const Entry& entry : entries()) {
         EXPECT_EQ(printable(entry.text), printable(entry.builder.pattern())) << entry.row;
         PlainHost host(true);

@@ -88,7 +88,7 @@ const Case kCases[] = {
     {u"(?:one|two|three|four|five|six)+(?:seven|t)", kPlain, u"onetwhrfuivsx"},
 };
 
-TEST(Dfa, SaysWhatTheMatchLoopDoes) {
+TEST(Dfa, FindsTheEndsOfTheMatchLoop) {
     PatternSource source(42);
     for (const Case& each : kCases) {
         const std::u16string alphabet(each.alphabet);
@@ -166,7 +166,7 @@ TEST(Dfa, AgreesAtItsUsualDelays) {
 }
 
 // A state that leads to itself is scanned by blocks. The run may end, and match, at any unit of a block.
-TEST(Dfa, GoesOverRunsToTheUnit) {
+TEST(Dfa, ScansRunsToTheExactUnit) {
     for (const char16_t* pattern : {u"(?:a+)+[bc]", u"(?:a|aa)+", u"(?:a|aa)+$", u"[^x]*?xx", u"(?:-*a)+"}) {
         const Automaton automaton(pattern, kEmptyToo, {});
         ASSERT_NE(nullptr, automaton.dfa());
@@ -185,7 +185,7 @@ TEST(Dfa, GoesOverRunsToTheUnit) {
     }
 }
 
-TEST(Dfa, IsNotMadeOfWhatItCannotSay) {
+TEST(Dfa, IsNotMadeForWhatItCannotExpress) {
     for (const char16_t* pattern : {u"(a)\\1", u"(a)?(?(1)b|c)", u"(?>a|ab)c", u"(?=ab)a", u"(?<=ab)a", u"(?:a|b)*a(?:a|b){16}",
                                     u"(?:[ab]{0,300}c){1,300}"}) {
         Engine engine(pattern, kPlain, {.dfa = true});
@@ -194,7 +194,7 @@ TEST(Dfa, IsNotMadeOfWhatItCannotSay) {
 }
 
 // Neither an endless row of attempts nor one of matches makes a search forget what it knows.
-TEST(Dfa, IsAskedFromMatchToMatchAndFromSubjectToSubject) {
+TEST(Dfa, IsConsultedFromMatchToMatchAndFromSubjectToSubject) {
     const std::u16string bad(400, u'a');
     for (const Case& each : {Case{u"(?:a|aa)+b", kPlain, u""}, Case{u"(?:a|aa)+[bc]", kPlain, u""}, Case{u"((?:a|aa)+)[bc]", kPlain, u""}}) {
         const Engine plain(each.pattern, each.flags);

@@ -21,7 +21,7 @@ HostJournal::Answer always(const std::u16string& text) {
     return [text](const Inputs&) { return Text(text); };
 }
 
-TEST(DynamicText, MatchesAsIfItStoodInThePattern) {
+TEST(DynamicText, MatchesAsIfItWereWrittenInThePattern) {
     PatternSource source(environmentNumber("CORVANE_TEST_SEED", 631));
     constexpr unsigned around = kDynamics | kModes;  // modes that are set would reach beyond the text
     constexpr unsigned inside = kDynamics | kCaptures | kReferences | kConditions;
@@ -83,7 +83,7 @@ TEST(DynamicText, ReadsTokensOfThePatternAroundItAndMakesNone) {
 }
 
 // 200 texts within each other are matched, 201 are a failure, and 5000 need no more stack.
-TEST(DynamicText, NestsToALimit) {
+TEST(DynamicText, NestsUpToALimit) {
     for (const int depth : {1, 200, 201, 5000}) {
         HostJournal host;
         int left = depth;
@@ -131,7 +131,7 @@ TEST(DynamicText, ThatIsGivenUpIsAFailedNode) {
 }
 
 // The limit of refusals is counted for each outermost text anew: 18 passes reach it, and the loop still succeeds.
-TEST(DynamicText, ComesToTheLimitOftenInALoop) {
+TEST(DynamicText, MayReachTheLimitOftenInALoop) {
     HostJournal host;
     std::u16string text = u"(?:";
     for (int i = 0; i < 60; ++i) {

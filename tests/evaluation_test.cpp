@@ -97,7 +97,7 @@ const Contract contracts[] = {
      u"axaa", "[0,4] t0=(0,1) | text of double($1)(a); may interrupt; set xaa"},
 };
 
-TEST(Evaluation, AsksTheHostWhatIsNeededInTheOrderOfTheText) {
+TEST(Evaluation, CallsTheHostForWhatIsNeededInTheOrderOfTheText) {
     for (const Contract& contract : contracts) {
         for (const EngineConfig& config : allConfigs()) {
             SCOPED_TRACE(testing::Message() << printable(contract.pattern) << ' ' << config);
@@ -149,7 +149,7 @@ TEST(Evaluation, IsNeverPrunedByMemoOrPasses) {
 }
 
 // Calls empty the memo. After the last one it has to work as ever: without it this search would not end.
-TEST(Evaluation, LeavesTheMemoToWhatCallsNobody) {
+TEST(Evaluation, KeepsTheMemoWhereNothingCallsTheHost) {
     HostJournal host = journal();
     const std::u16string text(200, u'a');
     EXPECT_EQ("null | run s() of s()", ScriptedRun(u"^(?@s)(?:a|aa)*(?:a+)+b", host).search(text));

@@ -39,7 +39,7 @@ std::u16string joined(const RE_Tree& tree, std::u16string_view text) {
     return result;
 }
 
-TEST(FindAll, AndSplitWalkThroughEveryMatchOnce) {
+TEST(FindAll, WalksThroughEveryMatchOnceAsSplitDoes) {
     const struct {
         const char16_t* pattern;
         RE_Flags flags;
@@ -96,7 +96,7 @@ TEST(FindAll, AllocatesNothingForAFurtherMatch) {
     EXPECT_EQ(allocations(2), allocations(2000));
 }
 
-TEST(MatchSequence, GoesOnWithAnotherSubjectAsOneMadeAnew) {
+TEST(MatchSequence, TakesAnotherSubjectLikeANewSequence) {
     PatternSource source(environmentNumber("CORVANE_TEST_SEED", 77));
     for (unsigned long round = environmentNumber("CORVANE_TEST_ROUNDS", sanitized() ? 200 : 2000); round > 0; --round) {
         const Engine engine(source.pattern(), kEmptyToo, allConfigs()[source.below(allConfigs().size())]);
@@ -128,7 +128,7 @@ TEST(MatchSequence, ForgetsTheBarrenStretchesOfASubject) {
     EXPECT_NE(nullptr, sequence.find(0));
 }
 
-TEST(MatchSequence, ReleasesTheMatchOfItsLastSearchAndGoesOn) {
+TEST(MatchSequence, ReleasesTheMatchOfItsLastSearchAndContinues) {
     const RE_Tree tree(u"(a)\\1", false);
     RE_Match_Sequence sequence(tree, u"aa x");
     ASSERT_NE(nullptr, sequence.find(0));
@@ -144,7 +144,7 @@ TEST(MatchSequence, ReleasesTheMatchOfItsLastSearchAndGoesOn) {
 }
 
 // A search that a host's exception ends in the midst of choices, tokens and bodies leaves nothing to the next subject.
-TEST(MatchSequence, GoesOnAfterAnException) {
+TEST(MatchSequence, ContinuesAfterAnException) {
     HostJournal host;
     const ScriptedRun run(u"(?:(a)|b)+?(?=(?:(a)|b)*(?@f $1))c", host);
     RE_Match_Sequence sequence(run.tree(), {});

@@ -49,7 +49,7 @@ const Judged kJudged[] = {
     {"\\d{1,3}(?:\\.\\d{1,3}){3}", Kind::linear}, {"^(?:(?:ab){1,900}\\s+)*c", Kind::linear},
 };
 
-TEST_F(Growth, IsJudgedSo) {
+TEST_F(Growth, IsJudgedAsTheTableSays) {
     for (const Judged& judged : kJudged) {
         const RE_Tree tree(widen(judged.pattern), false);
         EXPECT_EQ(judged.kind, judgeGrowth(tree).kind) << judged.pattern;

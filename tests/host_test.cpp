@@ -70,7 +70,7 @@ TEST(HostMemory, ThrowsWhenTheRequestCannotBeMet) {
     EXPECT_THROW(utReallocWithCheck(block.get(), huge), std::bad_alloc);
 }
 
-TEST(HostMemory, CounterFollowsBlocksAndFailsTheChosenRequest) {
+TEST(HostMemory, CountsBlocksAndFailsTheChosenRequest) {
     const std::vector<std::function<void*()>> requests = {
         [] { return utMallocWithCheck(1); },
         [] { return utCallocWithCheck(1, 1); },
@@ -229,7 +229,7 @@ TEST(HostCtype, JudgesEachUnitByUnicodeProperties) {
     }
 }
 
-TEST(HostCtype, MappingsAreStableForEveryUnit) {
+TEST(HostCtype, MapsEveryUnitToAStableOne) {
     for (unsigned value = 0; value <= 0xFFFF; ++value) {
         const auto unit = static_cast<char16_t>(value);
         ASSERT_EQ(cvu_tolower(cvu_tolower(unit)), cvu_tolower(unit)) << value;

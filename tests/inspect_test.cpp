@@ -70,7 +70,7 @@ TEST(Graph, IsDrawnByGraphvizWithoutAComplaint) {
 }
 
 // Numbers of nodes depend on nothing but the pattern, and drawing recurses over nothing.
-TEST(Graph, IsTheSameEachTimeAndOfDeepGroups) {
+TEST(Graph, IsTheSameEachTimeEvenForDeepGroups) {
     EXPECT_EQ(RE_Tree(u"((a)|b)*?c", true).graph(), RE_Tree(u"((a)|b)*?c", true).graph());
     const std::string deep = RE_Tree(std::u16string(50000, u'(') + u"a" + std::u16string(50000, u')'), false).graph();
     EXPECT_EQ(50000, std::ranges::count(deep, '}') - 1);
@@ -140,7 +140,7 @@ std::string disagreement(const std::u16string& pattern, const EngineConfig& conf
     return stepsAreKnown && !counted ? "other steps than the engine's own" : "";
 }
 
-TEST(Trace, AndProfileAgreeWithTheSearch) {
+TEST(Trace, AgreesWithTheProfileAndTheSearch) {
     PatternSource source(5);
     for (int round = 0; round < 3000; ++round) {
         const bool looks = round % 2 == 0;  // a look-behind counts steps without choices
@@ -152,7 +152,7 @@ TEST(Trace, AndProfileAgreeWithTheSearch) {
     }
 }
 
-TEST(Trace, TellsOfSeeksAndRefusals) {
+TEST(Trace, ReportsSeeksAndRefusals) {
     struct Kinds : RE_Observer {
         void observe(const RE_Trace_Event& event, const RE_Search_Info&) override {
             ++seen[static_cast<std::size_t>(event.kind)];

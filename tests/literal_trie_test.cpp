@@ -41,7 +41,7 @@ void compare(const RE_Literal_Trie& trie, std::u16string_view subject) {
     }
 }
 
-TEST(LiteralTrie, FindsWhatStandsAtAPosition) {
+TEST(LiteralTrie, FindsTheLiteralsAtAPosition) {
     constexpr std::u16string_view letters[] = {u"a", u"ab", u"abcdefghijklmnop", u"kK\u212A\u0430\u0410\u4E00b"};
     std::mt19937 random(5);
     const auto below = [&](size_t limit) { return random() % limit; };
@@ -82,7 +82,7 @@ TEST(LiteralTrie, FindsWhatStandsAtAPosition) {
 }
 
 // 800 literals, each the beginning of the one before, all on one path of the trie.
-TEST(LiteralTrie, TakesPrefixesOfPrefixes) {
+TEST(LiteralTrie, HoldsPrefixesOfPrefixes) {
     Texts texts;
     for (size_t length = 800; length > 0; --length) {
         texts.emplace_back(length, u'a');

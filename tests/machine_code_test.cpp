@@ -168,7 +168,7 @@ TEST_P(MachineCode, AgreesOnRandomPatterns) {
 
 // The code keeps one kind of choice by itself: the end of a run. All kinds of runs before all kinds of rests; in every
 // other round the memo begins soon, which takes such choices over in the middle of a run.
-TEST(MachineCode, AgreesOnRunsThatAreTriedAgain) {
+TEST(MachineCode, AgreesOnRunsThatBacktrack) {
     static constexpr const char16_t* kBefore[] = {u"a", u"([bc])", u"(b+)", u"(c)?a", u"(?:ab|c)", u"", u"d(?:b|ca)"};
     static constexpr const char16_t* kRuns[] = {u"[^c]", u"[ab]", u".", u"\\w", u"b", u"[a-c]"};
     static constexpr const char16_t* kCounts[] = {u"*?", u"+?", u"{1,3}?", u"{3,70}?", u"{2,45}?", u"*", u"+", u"{2,40}", u"{0,5}", u"{3,70}"};
@@ -232,7 +232,7 @@ TEST_P(MachineCode, WalksFromMatchToMatchAndFromSubjectToSubject) {
 }
 
 // A start, a line end or the end of a run may be at any unit of a vector, near the subject's end or far from it.
-TEST_P(MachineCode, ScansToTheUnit) {
+TEST_P(MachineCode, ScansToTheExactUnit) {
     for (const Case& each : {Case{u"\\w\\d?", kPlain, u""}, Case{u"^x", kLines, u""}, Case{u"xyz", kPlain, u""}, Case{u"XYZ", kFolded, u""},
                              Case{u"z", kPlain, u""}, Case{u"\\nxy|yz", kPlain, u""},
                              Case{u"-+x", kPlain, u""}, Case{u"([^x]+)x", kPlain, u""}}) {

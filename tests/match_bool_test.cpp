@@ -84,7 +84,7 @@ TEST(MatchBool, AnswersAsASearchAtThatPositionWhateverTheStateWasUsedFor) {
     }
 }
 
-TEST(MatchBool, GoesOnAfterAnInterruptAndAfterAnException) {
+TEST(MatchBool, ContinuesAfterAnInterruptAndAfterAnException) {
     const std::u16string text = std::u16string(5000, u'a') + u"b";
     const RE_Tree tree(u"(?:a|aa)*c|(a)", false);
     RE_Search_Info info(text.data(), text.size(), 1, nullptr, true);
@@ -208,7 +208,7 @@ TEST(MatchBool, LeavesTheGroupsAroundItAsTheyAre) {
 }
 
 // Expressions see the attempt that they are in, also after texts that were included: a text runs in the same state.
-TEST(MatchBool, IsNotWhatMovesTheStartOfAttemptsWithDynamicTexts) {
+TEST(MatchBool, LeavesTheStartOfAttemptsWithDynamicTexts) {
     HostJournal host;
     std::u16string seen;
     host.answers[u"t"] = [](const HostJournal::Inputs&) { return std::optional<std::u16string>(u"b+"); };

@@ -43,7 +43,7 @@ void parse(CompileOptions& options, const std::vector<std::string>& words) {
     po::notify(values);
 }
 
-TEST(CompileOptions, PrintsDefaultsInListOrder) {
+TEST(CompileOptions, PrintTheirDefaultsInListOrder) {
     EXPECT_EQ(printed(CompileOptions()),
               "RE_CompileOptions Settings\n"
               "--------------------------\n"
@@ -86,7 +86,7 @@ std::string switchesOf(const CompileOptions& options) {
     return text;
 }
 
-TEST(CompileOptions, ParsesTextIntoTheNamedOptionOnly) {
+TEST(CompileOptions, ParseTextIntoTheNamedOptionOnly) {
     const ParseCase cases[] = {
         {{}, 1024, "1110"},
         {{"--InlineThreshold=0"}, 0, "1110"},
@@ -105,7 +105,7 @@ TEST(CompileOptions, ParsesTextIntoTheNamedOptionOnly) {
     }
 }
 
-TEST(CompileOptions, RejectsTextThatIsNoValue) {
+TEST(CompileOptions, RejectTextThatIsNoValue) {
     for (const char* word : {"--InlineThreshold=many", "--Profile=2", "--Unheard=1"}) {
         CompileOptions options;
         EXPECT_THROW(parse(options, {word}), po::error) << word;
@@ -113,7 +113,7 @@ TEST(CompileOptions, RejectsTextThatIsNoValue) {
     }
 }
 
-TEST(CompileOptions, ExchangesValuesWithTheHost) {
+TEST(CompileOptions, ExchangeValuesWithTheHost) {
     const utOptionContext context;
     CompileOptions source;
     parse(source, {"--InlineThreshold=77", "--OptimizeDotStar=0", "--Profile=1"});
@@ -154,7 +154,7 @@ TEST(SharedCompileOptions, BelongToTheirScope) {
 }
 
 // All threads make an instance when none is there; the store keeps one, and nobody may use another.
-TEST(SharedCompileOptionsThreads, ConcurrentFirstUsersGetOneInstance) {
+TEST(SharedCompileOptionsThreads, ShareOneInstanceAmongConcurrentFirstUsers) {
     const utScope shared;
     std::vector<const CompileOptions*> seen(8);
     std::vector<std::thread> threads;

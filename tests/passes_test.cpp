@@ -83,7 +83,7 @@ const Case kCases[] = {
      "Start Counter; Lazy Counter{400}; Counter popper; End; Match 'a'; Lazy decrementer; Match 'b'"},
 };
 
-TEST(Passes, MakeTheseGraphs) {
+TEST(Passes, MakeTheGraphsOfTheTable) {
     for (const Case& c : kCases) {
         const Engine engine(c.pattern, c.flags, c.config);
         EXPECT_EQ(c.labels, labels(nodesOf(engine.tree())));
@@ -101,7 +101,7 @@ bool givesBackOnes(const std::u16string& pattern) {
 
 // A run may be possessive only if no shorter end of it can help. At a shorter end a condition may lead past its
 // branches, and the pattern may be over there; with a unit required after the condition it cannot be.
-TEST(Passes, HaveARunGiveBackWhatAConditionMayLeadPast) {
+TEST(Passes, LetARunBacktrackIntoWhatAConditionMayLeadPast) {
     for (const char16_t* condition : {u"(1)", u"(n)", u"(?=a)", u"(?=ab)", u"(?=\\<a)", u"(?=a+b)", u"(?=(a))", u"(?!a)",
                                       u"(?!a+b)", u"(?<=a)", u"(?<=a+)", u"(?<!a)", u"(?<!(a)b)"}) {
         const std::u16string group = u"(?<n>a)?1*(?" + std::u16string(condition);
@@ -129,7 +129,7 @@ std::vector<std::string> sortedLines(const std::string& text) {
 
 // The parser makes literals strings, and loops over one unit runs, from the beginning, unless the stages are watched.
 // Then passes do the same later, and both have to come to one graph.
-TEST(Passes, MakeTheSameGraphWithAndWithoutAWitness) {
+TEST(Passes, MakeTheSameGraphWhetherOrNotTheStagesAreWatched) {
     PatternSource source(5);
     std::vector<std::u16string> patterns{u"ab\\0cd(?:ef)g+hi(?i:-j)kl", u"(?:abc){3}d(?:e|fg)hi", u"a(?i:b-)--c", u"x(?=ab)cd",
                                          u"(?:a+)+b|(?:(?:[ab]+)+)*c", u"(?:b|x*?)b|(?:|\\d{0,5}?)y", u"a?(?:b|.|c)d",
@@ -178,7 +178,7 @@ TEST(Passes, KnowWhatEveryMatchPasses) {
     EXPECT_EQ(labels(nodes), labels(bottlenecks(nodes, nodeAs<RE_Atomic>(nodes.front())->body)));
 }
 
-TEST(Nodes, MeasureWhatLiesBehindThem) {
+TEST(Nodes, MeasureWhatFollowsThem) {
     constexpr std::uint64_t kUnbounded = RE_Node::unboundedLength;
     const struct { const char16_t* pattern; std::uint64_t least, greatest; } cases[] = {
         {u"ab(?:c|de)f", 4, 5}, {u"a{2,5}b", 3, 6},      {u"xa+?b?", 2, kUnbounded},

@@ -126,7 +126,7 @@ TEST(Replace, ReadsEveryShortTextAsTheModelDoes) {
 }
 
 // A text without $ and backslash is itself; any other pair becomes two units at most.
-TEST(Replace, TakesEveryPairOfUnitsForItselfOrForLess) {
+TEST(Replace, ReadsEveryPairOfUnitsAsItselfOrAsLess) {
     const RE_Tree tree(u"m", false);
     for (unsigned pair = 0; pair < 128 * 128; ++pair) {
         const std::u16string text{static_cast<char16_t>(pair / 128), static_cast<char16_t>(pair % 128)};
@@ -208,7 +208,7 @@ TEST(Replace, FreeSpacingCountsOnlyTheNameAndCommentsHideBraces) {
     }
 }
 
-TEST(Replace, TellsTheParserStateWhatItRefersTo) {
+TEST(Replace, ReportsItsReferencesToTheParser) {
     RE_Context host;
     RE_ParserContext parser(&host, nullptr, kPlain);
     const std::u16string text = u"$123 $<na>$&";
@@ -314,7 +314,7 @@ TEST(Replace, PutsAnEarlierInterruptAsideAndStopsAtALaterOne) {
     }
 }
 
-TEST(Replace, CopiesNothingBehindASearchThatWasBrokenOff) {
+TEST(Replace, CopiesNothingAfterASearchThatWasBrokenOff) {
     struct Stopping : Interruptible {
         RE_Context* clone() override { return new Stopping(*this); }
         bool allow_evaluation() override { return true; }

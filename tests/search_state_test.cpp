@@ -92,7 +92,7 @@ TEST_F(SearchState, KeepsCountsPerCounterAndLevel) {
 }
 
 // Two loops in one search, neither made by the parser: what one measured must not be taken for the run of the other.
-TEST_F(SearchState, LoopsMadeByHandRememberForThemselves) {
+TEST_F(SearchState, KeepsTheRunsOfLoopsMadeByHandApart) {
     const std::u16string text = std::u16string(100, u'a') + std::u16string(100, u'b');
     RE_Search_Info search(text.data(), text.size(), 0, nullptr, false);
     for (const size_t length : {200u, 100u}) {
@@ -154,7 +154,7 @@ TEST(TokenStack, ForgetsHigherTokensAndFindsTheLowestOfAName) {
     EXPECT_EQ(nullptr, tokens.get(size_t{0}));
 }
 
-TEST(SeekTable, AnswersBetweenWhereItAskedAndWhatItFound) {
+TEST(SeekTable, AnswersBetweenAQueryAndItsResult) {
     RE_Context host;
     RE_ParserContext parser(&host, nullptr, 0);
     const RE_Node* const node = parser.make<RE_Null>();
@@ -200,7 +200,7 @@ TEST(SeekTable, OrdersKeysByNodeAndWords) {
 
 // --- interrupts ---
 
-TEST(Interrupts, ArrivingDuringASearchEndItOnlyWhereTheHostAllows) {
+TEST(Interrupts, EndASearchOnlyWhereTheHostAllows) {
     // The flag is raised by a search state that outlives the beginning of the search.
     for (const bool allowed : {true, false}) {
         const std::u16string subject(5000, u'a');

@@ -100,7 +100,7 @@ TEST(SeekKernels, FindWhatPlainLoopsFind) {
     }
 }
 
-TEST(SeekKernels, ClassesAreExactForEveryUnit) {
+TEST(SeekKernels, AreExactForEveryUnitOfAClass) {
     const RE_Unit_Classes& classes = RE_Unit_Classes::get();
     for (const RE_Unit_Set* set : {&classes.words, &classes.noWords, &classes.digits, &classes.noSpaces}) {
         const RE_Class_Scan scan(*set, true);

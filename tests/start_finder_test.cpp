@@ -69,7 +69,7 @@ std::u16string textFor(std::mt19937& random, const std::u16string& units) {
     return text;
 }
 
-TEST(StartFinders, AreChosenInOrderAndPassNoMatchOver) {
+TEST(StartFinders, AreChosenInOrderAndSkipNoMatch) {
     std::mt19937 random(7);
     for (const Case& c : kCases) {
         const Engine fast(c.pattern, c.flags);
@@ -84,7 +84,7 @@ TEST(StartFinders, AreChosenInOrderAndPassNoMatchOver) {
     }
 }
 
-TEST(StartFinders, LookForManyLiteralsByWindows) {
+TEST(StartFinders, SearchForManyLiteralsByWindows) {
     std::mt19937 random(11);
     for (const RE_Flags flags : {RE_Flags{0x12}, RE_Flags{0x13}}) {
         std::u16string pattern;
@@ -108,7 +108,7 @@ TEST(StartFinders, LookForManyLiteralsByWindows) {
 }
 
 // A run of units that may stand before a literal is tried from each of its positions; the literal is found once.
-TEST(StartFinders, LookForARequiredLiteralOnce) {
+TEST(StartFinders, SearchForARequiredLiteralOnce) {
     const RE_Tree tree(u"\\w+?=\\d", false);
     const std::u16string text = std::u16string(20'000, u'a') + u"=b";
     RE_Search_Report report;

@@ -44,7 +44,7 @@ TEST(Tree, GivesTheSameAnswerThroughEveryConstructorAndMatch) {
     }
 }
 
-TEST(Tree, HasNoMatchWithoutASubjectOrBehindItsEnd) {
+TEST(Tree, HasNoMatchWithoutASubjectOrPastItsEnd) {
     const RE_Tree tree(u"a", false);
     EXPECT_EQ(nullptr, tree.match(static_cast<const char16_t*>(nullptr), 0, 0));
     EXPECT_EQ(nullptr, tree.match(static_cast<const char*>(nullptr)));
@@ -63,7 +63,7 @@ TEST(Tree, RunsOnceAtAPositionAndAcceptsTheEmptyMatchThere) {
     EXPECT_EQ(2u, length);
 }
 
-TEST(Tree, AnswersAlikeHoweverOftenOneStateIsUsed) {
+TEST(Tree, AnswersAlikeHoweverOftenAStateIsUsed) {
     const RE_Tree tree(u"(?:(?:a|aa|b)*e|)(?:a|aa|b)*d", false);
     const std::u16string subject = std::u16string(2000, u'a') + u"d";
     RE_Search_Info info(subject.data(), subject.size(), tree.getTokenCount(), nullptr, false);
@@ -162,7 +162,7 @@ TEST(Tree, IsUnchangedByASearch) {
     }
 }
 
-TEST(SimpleMatch, LooksForThePatternInTheSubject) {
+TEST(SimpleMatch, SearchesTheSubjectForThePattern) {
     EXPECT_TRUE(reMatch("abc", "b"));
     EXPECT_FALSE(reMatch("b", "abc"));
     EXPECT_FALSE(reMatch("ABC", "b"));
