@@ -96,7 +96,8 @@ private:
         const std::u16string group = number(m_latest[handle]);
         // By number a token that took no part may be empty, by name absent: only one that has text is read then.
         if (m_dependent) {
-            return {if_token(token, backreference(token)), m_latest[handle] == 0 ? u"(?:)" : u"(?(" + group + u")\\" + group + u")"};
+            return {if_token(token, backreference(token)),
+                    m_latest[handle] == 0 ? u"(?:)" : u"(?(" + group + u")\\" + group + u")"};
         }
         return {backreference(token), m_latest[handle] == 0 ? u"(?!)" : u"(?:\\" + group + u")"};
     }
@@ -122,8 +123,12 @@ private:
                 u"(?(" + condition + u")(?:" + yes.text + u")|(?:" + no.text + u"))"};
     }
     Made conditionOnLookaround(int depth) {
-        static constexpr std::pair<RE_Builder (*)(const RE_Builder&, const RE_Builder&, const RE_Builder&), const char16_t*> kinds[] = {
-            {if_pos_ahead, u"(?(?="}, {if_neg_ahead, u"(?(?!"}, {if_pos_behind, u"(?(?<="}, {if_neg_behind, u"(?(?<!"}};
+        static constexpr std::pair<RE_Builder (*)(const RE_Builder&, const RE_Builder&, const RE_Builder&),
+                                   const char16_t*>
+            kinds[] = {{if_pos_ahead, u"(?(?="},
+                       {if_neg_ahead, u"(?(?!"},
+                       {if_pos_behind, u"(?(?<="},
+                       {if_neg_behind, u"(?(?<!"}};
         const auto& [function, opening] = kinds[below(std::size(kinds))];
         const Made body = make(depth), yes = make(depth), no = make(depth);
         return {function(body.builder, yes.builder, no.builder),
@@ -225,7 +230,8 @@ TEST(BuilderExpressions, MatchWhatTheyMeanAndCompileWithoutWarnings) {
         Corvane::regexp::CompileOptions options;
         PlainHost host(allowed, configured(options, config));
         const RE_Tree tree(text.data(), text.size(), flags, &host);
-        ASSERT_TRUE(std::ranges::all_of(host.warnings(), [&](unsigned it) { return !evaluates && (it == 17 || it == 14 || it == 10); }))
+        ASSERT_TRUE(std::ranges::all_of(host.warnings(),
+                                        [&](unsigned it) { return !evaluates && (it == 17 || it == 14 || it == 10); }))
             << printable(text) << " seed " << seed;
         for (int count = 0; count < 4; ++count) {
             const std::u16string subject = source.subject();

@@ -28,23 +28,30 @@ concept Body = requires(const Argument& argument) { kleene(argument); capture(ar
 template <class Argument>
 concept Found = requires(const Argument& argument) { literal(argument); };
 
-static_assert(Body<RE_Builder> && !Body<std::u16string> && !Body<const char16_t*> && !Body<RE_Set> && !Body<RE_SetItem>);
+static_assert(Body<RE_Builder> && !Body<std::u16string> && !Body<const char16_t*> && !Body<RE_Set> &&
+              !Body<RE_SetItem>);
 static_assert(Found<std::u16string> && !Found<const char*> && !Found<std::nullptr_t> && !Found<RE_Builder>);
-static_assert(Sequence<RE_Builder, RE_Builder> && !Sequence<RE_Builder, std::u16string> && !Sequence<RE_Builder, RE_Set>);
-static_assert(Sequence<RE_Set, RE_SetItem> && !Sequence<RE_SetItem, std::u16string> && !Sequence<RE_SetItem, RE_SET_TYPE>);
+static_assert(Sequence<RE_Builder, RE_Builder> && !Sequence<RE_Builder, std::u16string> &&
+              !Sequence<RE_Builder, RE_Set>);
+static_assert(Sequence<RE_Set, RE_SetItem> && !Sequence<RE_SetItem, std::u16string> &&
+              !Sequence<RE_SetItem, RE_SET_TYPE>);
 static_assert(Chosen<RE_Builder, RE_Builder, RE_Builder> && !Chosen<RE_Builder> && !Chosen<RE_Set, RE_Set>);
 static_assert(!std::is_constructible_v<RE_Set, int> && !std::is_constructible_v<RE_SetItem, char32_t, char32_t>);
 static_assert(!std::is_constructible_v<RE_SetItem, const char*> && !std::is_convertible_v<std::u16string, RE_Builder>);
-static_assert(!std::is_constructible_v<RE_SetItem, std::nullptr_t> && !std::is_constructible_v<RE_Builder, std::nullptr_t>);
+static_assert(!std::is_constructible_v<RE_SetItem, std::nullptr_t> &&
+              !std::is_constructible_v<RE_Builder, std::nullptr_t>);
 template <class Bound>
 constexpr bool isBound = std::is_convertible_v<Bound, RE_Bounds> && std::is_constructible_v<RE_Bounds, Bound, Bound>;
 static_assert(isBound<int> && isBound<size_t> && !isBound<bool> && !isBound<char> && !isBound<char16_t>);
 static_assert(!isBound<double> && !isBound<RE_GREED> && !std::is_constructible_v<RE_Bounds, RE_GREED>);
-static_assert(!std::is_constructible_v<RE_Tree, RE_Builder, RE_Flags> && !std::is_constructible_v<RE_Tree, RE_Builder, RE_MODE>);
-static_assert(std::is_constructible_v<RE_Tree, RE_Builder, bool> && std::is_constructible_v<RE_Tree, RE_Builder, RE_Flags, RE_Context*>);
+static_assert(!std::is_constructible_v<RE_Tree, RE_Builder, RE_Flags> &&
+              !std::is_constructible_v<RE_Tree, RE_Builder, RE_MODE>);
+static_assert(std::is_constructible_v<RE_Tree, RE_Builder, bool> &&
+              std::is_constructible_v<RE_Tree, RE_Builder, RE_Flags, RE_Context*>);
 template <class Argument>
 concept Evaluated = requires(const Argument& argument) { evaluate(argument); dynamic_text(argument); };
-static_assert(Evaluated<RE_Template> && Evaluated<RE_Token> && !Evaluated<RE_Builder> && !Evaluated<std::u16string> && !Evaluated<const char16_t*>);
+static_assert(Evaluated<RE_Template> && Evaluated<RE_Token> && !Evaluated<RE_Builder> && !Evaluated<std::u16string> &&
+              !Evaluated<const char16_t*>);
 static_assert(Sequence<RE_Template, RE_Token> && !Sequence<RE_Template, RE_Builder> && !Sequence<RE_Token, RE_Token>);
 static_assert(RE_Token_Name::isValid(u"a1_") && !RE_Token_Name::isValid(u"1a") && !RE_Token_Name::isValid(u"") &&
               !RE_Token_Name::isValid(u"a\u00E9") && !RE_Token_Name::from(u"a-b"));
@@ -55,7 +62,8 @@ TEST(Builder, GroupsWhereAnOperatorWouldTakeAPatternApart) {
     const RE_Token t, other;
     const RE_Builder a = literal(u"a"), ab = literal(u"ab"), a_b = either(a, literal(u"b")), raw(u"(?i)x|(y)");
     const RE_Builder nine = quantify(capture(RE_Builder()), {1, 9}), depends(u"(?(?@f)(a)|(b))"), comment(u"a#(b)");
-    const RE_Template script = RE_Template(u"f(\")\", '$[#\\') ") + t + RE_Template(u"1") + RE_Template::named(u"n") + RE_Template::matched();
+    const RE_Template script =
+        RE_Template(u"f(\")\", '$[#\\') ") + t + RE_Template(u"1") + RE_Template::named(u"n") + RE_Template::matched();
     RE_Builder twice = capture(t, a);
     twice += twice;
     const std::pair<RE_Builder, const char16_t*> table[] = {
@@ -86,13 +94,15 @@ TEST(Builder, GroupsWhereAnOperatorWouldTakeAPatternApart) {
         {RE_Builder(u"a#b") + capture(t, a) + backreference(t), u"(?:a#b(?x)\n)(a)\\1"},
         {RE_Builder(u"(?<token_1>)") + depends + capture(t, a) + backreference(t),
          u"(?:(?<token_1>))(?:(?(?@f)(a)|(b)))(?<token__1>a)\\k<token__1>"},
-        {if_expression(RE_Template(u"f"), capture(t, a), a_b) + capture(other, a) + backreference(t) + backreference(other),
+        {if_expression(RE_Template(u"f"), capture(t, a), a_b) + capture(other, a) + backreference(t) +
+             backreference(other),
          u"(?(?@f)(?<token_1>a)|(?:a|b))(?<token_2>a)\\k<token_1>\\k<token_2>"},
         // In expressions all is quoted that would end them or refer to tokens; a number there is of one digit.
         {capture(t, a) + evaluate(script), u"(?<token_1>a)(?@f\\(\"\\)\", '\\$\\[\\#\\\\'\\) $<token_1>1$<n>$&)"},
         {capture(t, a) + dynamic_text(RE_Template(u"@") + t + t), u"(a)(?\?\\@$1$1)"},
         {evaluate(t) + dynamic_expression(RE_Template::before() + RE_Template::after()), u"(?@$<token_0>)(?\?@$`$')"},
-        {RE_Builder(u"()()()()()()()()()") + capture(t, a) + evaluate(t), u"(?:()()()()()()()()())(?<token_1>a)(?@$<token_1>)"},
+        {RE_Builder(u"()()()()()()()()()") + capture(t, a) + evaluate(t),
+         u"(?:()()()()()()()()())(?<token_1>a)(?@$<token_1>)"},
     };
     for (const auto& [builder, pattern] : table) {
         EXPECT_EQ(printable(pattern), printable(builder.pattern()));
@@ -102,7 +112,8 @@ TEST(Builder, GroupsWhereAnOperatorWouldTakeAPatternApart) {
     EXPECT_EQ(2u, (raw + nine + capture(t, a)).tokenIndex(t));
 }
 
-/// Foreign texts whose groups are there or not, by the flags and by what the host allows. Each may match the empty text.
+/// Foreign texts whose groups are there or not, depending on the flags and on what the host allows. Each may match the
+/// empty text.
 const char16_t* const foreignTexts[] = {u"",
                                         u"(a)?",
                                         u"a|(b)|",
@@ -129,10 +140,11 @@ TEST(BuilderTokens, AreFoundUnderAllFlagsAndContexts) {
     const RE_Builder digit = one_of(RE_SetItem(u'0', u'9')), sign = literal(u"!");
     for (const char16_t* const foreign : foreignTexts) {
         const RE_Builder raw{std::u16string(foreign)};
-        const RE_Builder two = raw + capture(other, sign) + if_expression(RE_Template(u"f"), capture(digit) + raw) + raw;
-        for (const RE_Builder& before :
-             {raw, RE_Builder_Space::optional(raw), either(raw, sign), capture(raw), pos_behind(raw), two,
-              with_mode(RE_MODE_FREE_SPACING, raw), without_mode(RE_MODE_EVALUATE, raw + with_mode(RE_MODE_EVALUATE, two))}) {
+        const RE_Builder two =
+            raw + capture(other, sign) + if_expression(RE_Template(u"f"), capture(digit) + raw) + raw;
+        for (const RE_Builder& before : {raw, RE_Builder_Space::optional(raw), either(raw, sign), capture(raw),
+                                         pos_behind(raw), two, with_mode(RE_MODE_FREE_SPACING, raw),
+                                         without_mode(RE_MODE_EVALUATE, raw + with_mode(RE_MODE_EVALUATE, two))}) {
             const RE_Builder whole = before + capture(t, digit) + dynamic_text(t) + backreference(t) +
                                      if_token(t, backreference(t) + literal(u"0"), sign);
             for (RE_Flags way = 0; way < 128; ++way) {
@@ -181,8 +193,9 @@ TEST(BuilderTokens, HaveTheIndexThatTheArgumentsOfTheTreeGiveThem) {
 TEST(BuilderTemplate, GivesTheHostItsTextAndTheTokens) {
     const RE_Token t, u;
     const std::u16string odd = u"f(\")\", '$[#\\') }{ $1 $& @\n\u00E9";
-    const RE_Builder whole = subject_start() + capture(t, literal(u"a")) + capture(u"n", literal(u"b")) +
-                             evaluate(RE_Template(odd) + t + RE_Template(u"0 ") + RE_Template::named(u"n") + u + RE_Template::matched());
+    const RE_Builder whole =
+        subject_start() + capture(t, literal(u"a")) + capture(u"n", literal(u"b")) +
+        evaluate(RE_Template(odd) + t + RE_Template(u"0 ") + RE_Template::named(u"n") + u + RE_Template::matched());
     for (const RE_Flags flags : {RE_Flags{0x10}, RE_Flags{0x18}}) {
         PlainHost host(true);
         EXPECT_TRUE(RE_Tree(whole, flags, &host).match_at(u"ab", 0) != nullptr);
@@ -231,7 +244,8 @@ TEST(BuilderSet, HoldsExactlyItsMembers) {
             const char16_t unit = i < 128 ? static_cast<char16_t>(i) : randomText(random, 1)[0];
             const bool ranged = unit >= std::min(low, high)[0] && unit <= std::max(low, high)[0];
             const bool member = unit == 0 || ranged || units.find(unit) != units.npos;
-            ASSERT_EQ(member != negated, engine.search({&unit, 1}).matched) << printable(item.text()) << ' ' << int{unit};
+            ASSERT_EQ(member != negated, engine.search({&unit, 1}).matched)
+                << printable(item.text()) << ' ' << int{unit};
         }
     }
 }

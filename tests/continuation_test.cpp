@@ -88,7 +88,8 @@ const Case cases[] = {
 
 TEST(Continuation, InAnotherGraphMatchesTheTwoInARow) {
     for (const Case& each : cases) {
-        for (const EngineConfig& config : {EngineConfig{}, EngineConfig{false, false, false, 0, false}, EngineConfig{.profile = true}}) {
+        for (const EngineConfig& config :
+             {EngineConfig{}, EngineConfig{false, false, false, 0, false}, EngineConfig{.profile = true}}) {
             const Chain chain(each.patterns, kEmptyToo, config), whole({joined(each.patterns)}, kEmptyToo, config);
             EXPECT_EQ(describeAll(whole.all(each.subject)), describeAll(chain.all(each.subject)))
                 << printable(joined(each.patterns)) << " " << config;
@@ -140,7 +141,8 @@ TEST(Continuation, HasTheTokensAndNamesOfBothGraphs) {
     EXPECT_EQ(2U, inner.getTokenCount());
     const std::unique_ptr<RE_Results> match(inner.match(u"abc", 0));
     ASSERT_NE(nullptr, match);
-    EXPECT_EQ("[0,3] t0=(1,1)x t1=(2,1)y", describe(toOutcome(match.get())));  // the slot that both share was written last by x
+    // The slot that both share was written last by x.
+    EXPECT_EQ("[0,3] t0=(1,1)x t1=(2,1)y", describe(toOutcome(match.get())));
 }
 
 }  // namespace

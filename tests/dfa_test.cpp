@@ -21,7 +21,10 @@ constexpr RE_Flags kLines = 0x06;
 class Automaton {
 public:
     Automaton(const std::u16string& text, RE_Flags patternFlags, const EngineConfig& config)
-        : pattern(text), flags(patternFlags), engine(text, patternFlags, withDfa(config)), plain(text, patternFlags, kPlainGraph) {}
+        : pattern(text),
+          flags(patternFlags),
+          engine(text, patternFlags, withDfa(config)),
+          plain(text, patternFlags, kPlainGraph) {}
 
     const RE_Dfa* dfa() const { return engine.tree().getFacts().dfa.get(); }
     size_t states() const { return dfa() != nullptr ? dfa()->stateCount() : 0; }
@@ -32,13 +35,16 @@ public:
         for (size_t start = 0; start <= subject.size(); ++start) {
             const std::unique_ptr<RE_Results> expected = plain.tree().match_at(subject, start);
             const char16_t* const end = dfa()->matchEnd(subject.data() + start, info).end;
-            const bool same = expected != nullptr ? end == subject.data() + start + expected->matchLength : end == nullptr;
+            const bool same =
+                expected != nullptr ? end == subject.data() + start + expected->matchLength : end == nullptr;
             const bool any = plain.search(subject, start).matched;
-            const bool anyFound = !dfa()->knowsAllStarts() || dfa()->firstEnd(subject.data() + start, info.subjectEnd, info).end != nullptr;
+            const bool anyFound = !dfa()->knowsAllStarts() ||
+                                  dfa()->firstEnd(subject.data() + start, info.subjectEnd, info).end != nullptr;
             const Outcome searched = engine.search(subject, start);
             if (!same || (any != anyFound && dfa()->knowsAllStarts()) || searched != plain.search(subject, start)) {
-                return printable(pattern) + " flags " + std::to_string(flags) + " on '" + printable(subject) + "' at " + std::to_string(start) +
-                       ": a match to " + std::to_string(end != nullptr ? end - subject.data() : -1) + (anyFound ? ", later ones" : "") +
+                return printable(pattern) + " flags " + std::to_string(flags) + " on '" + printable(subject) + "' at " +
+                       std::to_string(start) + ": a match to " +
+                       std::to_string(end != nullptr ? end - subject.data() : -1) + (anyFound ? ", later ones" : "") +
                        ", searched " + describe(searched) + ", expected " + describe(plain.search(subject, start));
             }
         }
@@ -179,15 +185,16 @@ TEST(Dfa, ScansRunsToTheExactUnit) {
                 const char16_t* const found = automaton.dfa()->matchEnd(subject.data(), info).end;
                 EXPECT_EQ(expected != nullptr ? subject.data() + expected->matchLength : nullptr, found)
                     << printable(pattern) << " over " << run << " and '" << printable(end) << "'";
-                EXPECT_EQ(plain.search(subject).matched, automaton.dfa()->firstEnd(subject.data(), info.subjectEnd, info).end != nullptr);
+                EXPECT_EQ(plain.search(subject).matched,
+                          automaton.dfa()->firstEnd(subject.data(), info.subjectEnd, info).end != nullptr);
             }
         }
     }
 }
 
 TEST(Dfa, IsNotMadeForWhatItCannotExpress) {
-    for (const char16_t* pattern : {u"(a)\\1", u"(a)?(?(1)b|c)", u"(?>a|ab)c", u"(?=ab)a", u"(?<=ab)a", u"(?:a|b)*a(?:a|b){16}",
-                                    u"(?:[ab]{0,300}c){1,300}"}) {
+    for (const char16_t* pattern : {u"(a)\\1", u"(a)?(?(1)b|c)", u"(?>a|ab)c", u"(?=ab)a", u"(?<=ab)a",
+                                    u"(?:a|b)*a(?:a|b){16}", u"(?:[ab]{0,300}c){1,300}"}) {
         Engine engine(pattern, kPlain, {.dfa = true});
         EXPECT_EQ(nullptr, engine.tree().getFacts().dfa) << printable(pattern);
     }
@@ -196,12 +203,14 @@ TEST(Dfa, IsNotMadeForWhatItCannotExpress) {
 // Neither an endless row of attempts nor one of matches makes a search forget what it knows.
 TEST(Dfa, IsConsultedFromMatchToMatchAndFromSubjectToSubject) {
     const std::u16string bad(400, u'a');
-    for (const Case& each : {Case{u"(?:a|aa)+b", kPlain, u""}, Case{u"(?:a|aa)+[bc]", kPlain, u""}, Case{u"((?:a|aa)+)[bc]", kPlain, u""}}) {
+    for (const Case& each : {Case{u"(?:a|aa)+b", kPlain, u""}, Case{u"(?:a|aa)+[bc]", kPlain, u""},
+                             Case{u"((?:a|aa)+)[bc]", kPlain, u""}}) {
         const Engine plain(each.pattern, each.flags);
         const Engine engine(each.pattern, each.flags, {.machineCode = true, .dfa = true});
         RE_Match_Sequence expected(plain.tree(), {});
         RE_Match_Sequence sequence(engine.tree(), {});
-        for (const std::u16string& subject : {bad, bad + u"b" + bad + u"cab" + bad, bad + u"-aab", std::u16string(), u"b" + bad}) {
+        for (const std::u16string& subject :
+             {bad, bad + u"b" + bad + u"cab" + bad, bad + u"-aab", std::u16string(), u"b" + bad}) {
             expected.use(subject);
             sequence.use(subject);
             for (size_t offset = 0; offset <= subject.size();) {

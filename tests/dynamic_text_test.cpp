@@ -94,8 +94,8 @@ TEST(DynamicText, NestsUpToALimit) {
 
 // Everything but the first fails at the limit at every level; some of them in exponentially many ways.
 TEST(DynamicText, ThatIncludesItselfWithoutEndEndsInAFailedMatch) {
-    for (const char16_t* text : {u"(??@p)", u"(??@p)x|(??@p)y|(??@p)", u"(?!(??@p)(??@p))(??@p)", u"(?:(??@p)|(??@p))*z",
-                                 u"(?>(??@p)?(??@p))", u"(?<=(??@p)|(??@p))x"}) {
+    for (const char16_t* text : {u"(??@p)", u"(??@p)x|(??@p)y|(??@p)", u"(?!(??@p)(??@p))(??@p)",
+                                 u"(?:(??@p)|(??@p))*z", u"(?>(??@p)?(??@p))", u"(?<=(??@p)|(??@p))x"}) {
         HostJournal host;
         host.throwAt = 200'000;
         host.answers[u"p"] = always(text);

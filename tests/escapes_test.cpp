@@ -20,8 +20,9 @@ std::optional<char16_t> numberIn(std::u16string_view braces, int base) {
     }
     const std::string digits(braces.begin() + 1, braces.end() - 1);
     const char* const known = base == 16 ? "09a" : "0";  // of the alphabet below
-    return digits.find_first_not_of(known) == digits.npos ? std::optional(static_cast<char16_t>(std::stoul(digits, nullptr, base)))
-                                                          : std::nullopt;
+    return digits.find_first_not_of(known) == digits.npos
+               ? std::optional(static_cast<char16_t>(std::stoul(digits, nullptr, base)))
+               : std::nullopt;
 }
 
 /// Compares all three readers on one escape. A warning points at the letter: unit 1 of the escape, unit 3 in the set.
@@ -48,7 +49,8 @@ void expectRead(char16_t letter, const std::u16string& braces) {
     ASSERT_EQ(printable(meant), printable(replacement.replace(u"-", RE_Tree(u"-", false), false, 0)));
 }
 
-// All braces that close at most once, at the end of the text: what follows the first that closes is no part of the escape.
+// All braces that close at most once, at the end of the text: what follows the first closing one is no part of the
+// escape.
 TEST(BracedEscapes, AreANumberOrTheirLetterAndTheirBracesAsText) {
     forEachSubject(u"{}09a,~", 4, [](const std::u16string& rest) {
         if (rest.find(u'}') >= rest.size() - 1) {

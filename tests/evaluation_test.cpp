@@ -61,14 +61,16 @@ const Contract contracts[] = {
     {u"(\\d+)(?(?@even($1))e|o)",
      "may interrupt; set (\\d+)(?(?@even($1))e|o); may evaluate; conditional; may interrupt; clone; set even($1); "
      "var token_1 for $1; function even(token_1)(token_1)",
-     u"12o 14e", "[4,3] t0=(4,2) | truth of even($1)(12); truth of even($1)(1); truth of even($1)(2); "
-                 "truth of even($1)(14)"},
+     u"12o 14e",
+     "[4,3] t0=(4,2) | truth of even($1)(12); truth of even($1)(1); truth of even($1)(2); "
+     "truth of even($1)(14)"},
     // A text is compiled at every place where it is tried; its context is the pattern's.
     {u"(a|b)(??@double($1))c",
      "may interrupt; set (a|b)(??@double($1))c; may evaluate; may interrupt; clone; set double($1); "
      "var token_1 for $1; function double(token_1)(token_1)",
-     u"abbbc", "[1,4] t0=(1,1) | text of double($1)(a); may interrupt; set aa; text of double($1)(b); may interrupt; "
-               "set bb"},
+     u"abbbc",
+     "[1,4] t0=(1,1) | text of double($1)(a); may interrupt; set aa; text of double($1)(b); may interrupt; "
+     "set bb"},
     {u"(a+)(??$1)b", "may interrupt; set (a+)(??$1)b; may evaluate; may interrupt", u"aaaab",
      "[0,5] t0=(0,2) | may interrupt; set aaaa; may interrupt; set aaa; may interrupt; set aa"},
     // A failed evaluation is a failed node.
@@ -76,16 +78,18 @@ const Contract contracts[] = {
      "may interrupt; set a(?:(??@nothing)|b); may evaluate; may interrupt; clone; set nothing; function nothing()",
      u"ab", "[0,2] | text of nothing()"},
     {u"a(?:(??x${nothing}${double($&)})|b)",
-     "may interrupt; set a(?:(??x${nothing}${double($&)})|b); may evaluate; may interrupt; may evaluate; may interrupt; "
+     "may interrupt; set a(?:(??x${nothing}${double($&)})|b); may evaluate; may interrupt; may evaluate; may "
+     "interrupt; "
      "clone; set nothing; function nothing(); may evaluate; may interrupt; clone; set double($&); var matched for $&; "
      "function double(matched)(matched)",
      u"ab", "[0,2] | text of nothing()"},
     // A host is asked once for a construct however often its loop is copied, and at each required pass.
     {u"(?:(?@f)a){2,3}", "may interrupt; set (?:(?@f)a){2,3}; may evaluate; may interrupt; clone; set f", u"aaa",
      "[0,3] | run f() of f(); run f() of f(); run f() of f()"},
-    {u"(?@f){3}a(?@g)*", "may interrupt; set (?@f){3}a(?@g)*; may evaluate; may interrupt; clone; set f; "
-     "may evaluate; may interrupt; clone; set g", u"a",
-     "[0,1] | run f() of f(); run f() of f(); run f() of f(); run g() of g()"},
+    {u"(?@f){3}a(?@g)*",
+     "may interrupt; set (?@f){3}a(?@g)*; may evaluate; may interrupt; clone; set f; "
+     "may evaluate; may interrupt; clone; set g",
+     u"a", "[0,1] | run f() of f(); run f() of f(); run f() of f(); run g() of g()"},
     // No expressions inside expressions; outside of them, in a dynamic text, they may stand.
     {u"(?@f ${$1})",
      "may interrupt; set (?@f ${$1}); may evaluate; may interrupt; warning 17 at {; warning 21 at $; clone; "
@@ -129,7 +133,8 @@ TEST(Evaluation, IsNeverPrunedByMemoOrPasses) {
     const EngineConfig plain{false, false, false, 0, false};
     PatternSource source(environmentNumber("CORVANE_TEST_SEED", 63));
     constexpr unsigned without = kLookarounds | kDynamics;
-    const std::u16string dynamics[] = {u"(?@s$1)", u"(??@q$1)", u"(?(?@c$1)a|b)", u"(?(?@c$1)a)", u"(?(?@c$1)|b)", u"(??a|$1)"};
+    const std::u16string dynamics[] = {u"(?@s$1)",     u"(??@q$1)",     u"(?(?@c$1)a|b)",
+                                       u"(?(?@c$1)a)", u"(?(?@c$1)|b)", u"(??a|$1)"};
     const unsigned long rounds = environmentNumber("CORVANE_TEST_ROUNDS", sanitized() ? 60 : 800);
     for (unsigned long round = 0; round < rounds; ++round) {
         const auto piece = [&] { return u"(?:" + source.pattern(without) + u")"; };
@@ -223,7 +228,8 @@ TEST(Evaluation, IsFollowedByAQuestionForInterrupts) {
         utInterruptState::SetInterruptPending(true);
         return ++runs, Text();
     };
-    for (const char16_t* pattern : {u"(?@stop)(?:a|b)x", u"(?:(??@stop)|a)x", u"(?:(??${stop})|a)x", u"(?(?@stop)b|a)x"}) {
+    for (const char16_t* pattern :
+         {u"(?@stop)(?:a|b)x", u"(?:(??@stop)|a)x", u"(?:(??${stop})|a)x", u"(?(?@stop)b|a)x"}) {
         runs = 0;
         EXPECT_FALSE(ScriptedRun(pattern, host).outcome(u"aaaaaaaa").matched);
         EXPECT_EQ(1, runs);

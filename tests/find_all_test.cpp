@@ -17,7 +17,9 @@ namespace {
 // A range refers to the tree and the text. It must not be made of temporaries, which would be gone.
 static_assert(std::ranges::input_range<RE_Match_Range>);
 template <class Tree, class Text>
-concept Searchable = requires(Tree&& tree, Text&& text) { std::forward<Tree>(tree).find_all(std::forward<Text>(text)); };
+concept Searchable = requires(Tree&& tree, Text&& text) {
+    std::forward<Tree>(tree).find_all(std::forward<Text>(text));
+};
 static_assert(Searchable<RE_Tree&, std::u16string&> && Searchable<const RE_Tree&, const char16_t (&)[2]>);
 static_assert(!Searchable<RE_Tree, std::u16string&> && !Searchable<RE_Tree&, std::u16string>);
 static_assert(!std::is_constructible_v<RE_Match_Range, const RE_Tree&, std::u16string_view, size_t>);

@@ -138,8 +138,8 @@ TEST(FreeSpacing, BetweenThePartsOfAPatternChangesNothing) {
         for (int count = 0; count < 4; ++count) {
             const std::u16string subject = source.subject(8);
             const std::string expected = describe(tight.search(subject));
-            ASSERT_EQ(expected, describe(loose.search(subject)))
-                << printable(pattern) << "  as  " << printable(spaced) << " on " << printable(subject) << " seed " << seed;
+            ASSERT_EQ(expected, describe(loose.search(subject))) << printable(pattern) << "  as  " << printable(spaced)
+                                                                 << " on " << printable(subject) << " seed " << seed;
             const auto reading = reference::search(spaced, kEmptyToo | RE_FLAG_FREE_SPACING, subject, 0, {20000});
             read += reading ? 1 : 0;
             ASSERT_EQ(expected, reading ? describe(*reading) : expected)

@@ -49,7 +49,8 @@ void expectAsRead(std::u16string_view pattern, RE_Flags flags) {
     }
     for (const std::u16string& subject : fewSubjects()) {
         if (const auto expected = reference::search(pattern, flags, subject, 0, {20000})) {
-            EXPECT_EQ(describe(*expected), describe(engine.search(subject))) << printable(pattern) << " on " << printable(subject);
+            EXPECT_EQ(describe(*expected), describe(engine.search(subject)))
+                << printable(pattern) << " on " << printable(subject);
         }
     }
 }

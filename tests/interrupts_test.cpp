@@ -34,7 +34,8 @@ private:
     utAllocationHook* previous;
 };
 
-using Work = std::function<RE_Search_Report(const RE_Tree& tree, const RE_Replace& replace, const std::u16string& text)>;
+using Work =
+    std::function<RE_Search_Report(const RE_Tree& tree, const RE_Replace& replace, const std::u16string& text)>;
 
 /// The ways of searching, each of which has a report of its own.
 const std::pair<const char*, Work> kWork[] = {

@@ -93,7 +93,8 @@ TEST(Limits, CountTheStepsOfATokenAroundARun) {
     const RE_Tree inToken(u"^(a+)[bc]", false);
     for (const size_t length : {size_t{100}, size_t{4'190'500}, size_t{4'194'304}}) {
         const std::u16string text(length, u'a');
-        EXPECT_EQ(searchWithin(bare, text, {}).report.steps + 2, searchWithin(inToken, text, {}).report.steps) << length;
+        EXPECT_EQ(searchWithin(bare, text, {}).report.steps + 2, searchWithin(inToken, text, {}).report.steps)
+            << length;
     }
 }
 

@@ -33,7 +33,8 @@ void compare(const RE_Literal_Trie& trie, std::u16string_view subject) {
                 found.push_back(literal);
             }
         }
-        const auto answer = trie.find(subject.data(), subject.data() + subject.size(), static_cast<std::uint32_t>(from));
+        const auto answer =
+            trie.find(subject.data(), subject.data() + subject.size(), static_cast<std::uint32_t>(from));
         ASSERT_EQ(!found.empty(), answer.length != 0);
         ASSERT_TRUE(found.empty() || found[0] == answer.literal);
         ASSERT_TRUE(found.empty() || trie.text(found[0]).size() == answer.length);
@@ -72,11 +73,13 @@ TEST(LiteralTrie, FindsTheLiteralsAtAPosition) {
         RE_Unit_Set first;
         trie.forEachFirstUnit([&first](char16_t unit) { first.add(unit); });
         for (int subjects = 0; subjects < 10; ++subjects) {
-            const std::u16string subject = below(2) == 0 ? word(0, 12, false) : texts[below(texts.size())] + word(0, 2, false);
+            const std::u16string subject =
+                below(2) == 0 ? word(0, 12, false) : texts[below(texts.size())] + word(0, 2, false);
             ASSERT_NO_FATAL_FAILURE(compare(trie, subject));
-            ASSERT_TRUE(subject.empty() || first.contains(subject[0]) == std::ranges::any_of(texts, [&](const auto& text) {
-                return text[0] == folded(subject[0], folds);
-            }));
+            ASSERT_TRUE(subject.empty() ||
+                        first.contains(subject[0]) == std::ranges::any_of(texts, [&](const auto& text) {
+                            return text[0] == folded(subject[0], folds);
+                        }));
         }
     }
 }

@@ -36,7 +36,10 @@ Searched searchWithin(const RE_Tree& tree, std::u16string_view subject, size_t o
 class Ways {
 public:
     Ways(const std::u16string& text, RE_Flags patternFlags)
-        : pattern(text), flags(patternFlags), machine(text, patternFlags, {.machineCode = true}), program(text, patternFlags),
+        : pattern(text),
+          flags(patternFlags),
+          machine(text, patternFlags, {.machineCode = true}),
+          program(text, patternFlags),
           plain(text, patternFlags, {false, false, false, 1024, false}) {}
 
     bool hasCode() const { return machine.tree().getFacts().machineCode != nullptr; }
@@ -47,10 +50,13 @@ public:
         const Searched expected = searchWithin(program.tree(), subject, offset, steps);
         const Searched found = searchWithin(machine.tree(), subject, offset, steps);
         const bool same = found == expected;
-        const bool right = expected.ending == RE_Search_Outcome::stepsSpent || plain.search(subject, offset) == expected.outcome;
-        return same && right ? "" : printable(pattern) + " flags " + std::to_string(flags) + " on '" + printable(std::u16string(subject)) + "' from " +
-                                        std::to_string(offset) + ": " + describe(found) + ", expected " +
-                                        describe(expected) + (right ? "" : ", not as the plain graph");
+        const bool right =
+            expected.ending == RE_Search_Outcome::stepsSpent || plain.search(subject, offset) == expected.outcome;
+        return same && right ? ""
+                             : printable(pattern) + " flags " + std::to_string(flags) + " on '" +
+                                   printable(std::u16string(subject)) + "' from " + std::to_string(offset) + ": " +
+                                   describe(found) + ", expected " + describe(expected) +
+                                   (right ? "" : ", not as the plain graph");
     }
 
 private:
@@ -171,8 +177,12 @@ TEST_P(MachineCode, AgreesOnRandomPatterns) {
 TEST(MachineCode, AgreesOnRunsThatBacktrack) {
     static constexpr const char16_t* kBefore[] = {u"a", u"([bc])", u"(b+)", u"(c)?a", u"(?:ab|c)", u"", u"d(?:b|ca)"};
     static constexpr const char16_t* kRuns[] = {u"[^c]", u"[ab]", u".", u"\\w", u"b", u"[a-c]"};
-    static constexpr const char16_t* kCounts[] = {u"*?", u"+?", u"{1,3}?", u"{3,70}?", u"{2,45}?", u"*", u"+", u"{2,40}", u"{0,5}", u"{3,70}"};
-    static constexpr const char16_t* kRests[] = {u"bcb", u"b", u"[bc]d", u"(d)?c", u"(bc+)a", u"(b)(?:c(a)|a)d", u"\\1", u"\\1a", u"$", u"(?:ab|cd|d)b?", u"(?:b|(c)d)+e", u"d(?=b)", u"\\w+e", u"[^a]{2}", u"(?![ab])", u"(?<![bc])", u"b(?![ac])", u"(?!d).(?<![ce])"};
+    static constexpr const char16_t* kCounts[] = {u"*?", u"+?", u"{1,3}?", u"{3,70}?", u"{2,45}?",
+                                                  u"*",  u"+",  u"{2,40}", u"{0,5}",   u"{3,70}"};
+    static constexpr const char16_t* kRests[] = {
+        u"bcb",   u"b",       u"[bc]d",    u"(d)?c",         u"(bc+)a",       u"(b)(?:c(a)|a)d",
+        u"\\1",   u"\\1a",    u"$",        u"(?:ab|cd|d)b?", u"(?:b|(c)d)+e", u"d(?=b)",
+        u"\\w+e", u"[^a]{2}", u"(?![ab])", u"(?<![bc])",     u"b(?![ac])",    u"(?!d).(?<![ce])"};
     PatternSource source(environmentNumber("CORVANE_TEST_SEED", 99));
     const auto pick = [&source](const auto& list) { return std::u16string(list[source.below(std::size(list))]); };
     const unsigned long rounds = environmentNumber("CORVANE_TEST_ROUNDS", sanitized() ? 300 : 2000);
@@ -183,7 +193,8 @@ TEST(MachineCode, AgreesOnRunsThatBacktrack) {
         for (int subject = 0; subject < 4; ++subject) {
             std::u16string text;
             for (size_t runs = source.below(40); runs > 0; --runs) {
-                text.append(1 + (source.below(12) == 0 ? source.below(70) : 0), u"aabbccde \nAB\u0436"[source.below(13)]);
+                text.append(1 + (source.below(12) == 0 ? source.below(70) : 0),
+                            u"aabbccde \nAB\u0436"[source.below(13)]);
             }
             ASSERT_EQ("", ways.compare(text, source.below(text.size() + 1)));
             ASSERT_EQ("", ways.compare(text, 0, source.below(150)));
@@ -222,7 +233,8 @@ TEST_P(MachineCode, WalksFromMatchToMatchAndFromSubjectToSubject) {
         std::vector<std::u16string> subjects(40);
         for (std::u16string& subject : subjects) {
             for (size_t length = source.below(30) * source.below(8); subject.size() < length;) {
-                subject.append(1 + (source.below(9) == 0 ? source.below(90) : 0), alphabet[source.below(alphabet.size())]);
+                subject.append(1 + (source.below(9) == 0 ? source.below(90) : 0),
+                               alphabet[source.below(alphabet.size())]);
             }
         }
         const Engine program(each.pattern, each.flags);
@@ -233,11 +245,13 @@ TEST_P(MachineCode, WalksFromMatchToMatchAndFromSubjectToSubject) {
 
 // A start, a line end or the end of a run may be at any unit of a vector, near the subject's end or far from it.
 TEST_P(MachineCode, ScansToTheExactUnit) {
-    for (const Case& each : {Case{u"\\w\\d?", kPlain, u""}, Case{u"^x", kLines, u""}, Case{u"xyz", kPlain, u""}, Case{u"XYZ", kFolded, u""},
-                             Case{u"z", kPlain, u""}, Case{u"\\nxy|yz", kPlain, u""},
+    for (const Case& each : {Case{u"\\w\\d?", kPlain, u""}, Case{u"^x", kLines, u""}, Case{u"xyz", kPlain, u""},
+                             Case{u"XYZ", kFolded, u""}, Case{u"z", kPlain, u""}, Case{u"\\nxy|yz", kPlain, u""},
                              Case{u"-+x", kPlain, u""}, Case{u"([^x]+)x", kPlain, u""}}) {
         const Ways ways(each.pattern, each.flags);
-        for (const size_t gap : {0, 1, 3, 4, 5, 15, 16, 17, 31, 32, 33, 63, 64, 65, 127, 128, 239, 240, 241, 255, 256, 257, 272, 273, 1023, 1024, 1025, 1300, 4095, 4096, 4097, 4170, 5000}) {
+        for (const size_t gap :
+             {0,   1,   3,   4,   5,   15,  16,  17,   31,   32,   33,   63,   64,   65,   127,  128, 239,
+              240, 241, 255, 256, 257, 272, 273, 1023, 1024, 1025, 1300, 4095, 4096, 4097, 4170, 5000}) {
             for (size_t behind = 0; behind < 40; ++behind) {
                 const std::u16string subject = std::u16string(gap, u'-') + u"\nxyz" + std::u16string(behind, u'-');
                 ASSERT_EQ("", ways.compare(subject));

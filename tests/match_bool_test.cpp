@@ -179,7 +179,8 @@ TEST(MatchBool, LeavesTheSearchThatItRunsInAsItWas) {
             const RE_Tree spliced(front + (u"(?>" + std::u16string(other)) + u")", false);
             for (const std::u16string& text : {std::u16string(u"xaabcabbbc"), std::u16string(u"bbaaab"), long_text}) {
                 for (const std::size_t offset : {0u, 2u}) {
-                    EXPECT_EQ(shown(Match(spliced.match(text, offset)).get()), shown(Match(tree.match(text, offset)).get()))
+                    EXPECT_EQ(shown(Match(spliced.match(text, offset)).get()),
+                              shown(Match(tree.match(text, offset)).get()))
                         << printable(front) << " with " << printable(other) << " on " << printable(text);
                 }
             }

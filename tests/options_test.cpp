@@ -63,9 +63,10 @@ TEST(CompileOptions, AreListedUnderTheirNames) {
         EXPECT_EQ(option->getDescription(), parser->description());
         lines.push_back(std::string(option->getName()) + ": " + std::string(option->getDescription()));
     }
-    EXPECT_EQ((std::vector<std::string>{"InlineThreshold: Threshold for unrolling loops", "OptimizeNullNodes: Remove Null Nodes",
-                                        "OptimizeLinearSubpatterns: Use LinearSubpatterns Optimization",
-                                        "OptimizeDotStar: Use DotStart Optimization", "Profile: Profile the matching process"}),
+    EXPECT_EQ((std::vector<std::string>{
+                  "InlineThreshold: Threshold for unrolling loops", "OptimizeNullNodes: Remove Null Nodes",
+                  "OptimizeLinearSubpatterns: Use LinearSubpatterns Optimization",
+                  "OptimizeDotStar: Use DotStart Optimization", "Profile: Profile the matching process"}),
               lines);
 }
 

@@ -249,8 +249,8 @@ TEST(Pages, ShowWhatTheEmbeddedHostSays) {
     for (const Block& block : blocksOf("docs/embedding.md")) {
         for (const std::string& line : block.lines) {
             if (block.lines.front().starts_with("pattern ")) {
-                EXPECT_TRUE(std::ranges::any_of(said, [&](const std::string& start) { return line.starts_with(start); }))
-                    << line;
+                const auto isStart = [&line](const std::string& start) { return line.starts_with(start); };
+                EXPECT_TRUE(std::ranges::any_of(said, isStart)) << line;
                 ++shown;
             }
         }

@@ -66,15 +66,17 @@ const Case kCases[] = {
     {u"foo|foobar|foo|bar", 0x12, kLinear, "Match 'foo'|'foobar'|'bar'; End"},
     {u"(?:a|bc|[de])f", 0x12, kLinear, "Match 'a'|'bc'|'d'|'e'; Match 'f'; End"},
     {u"ab|--|1", 0x13, kLinear, "Match 'ab'|'--'|'1' ignoring case; End"},
-    {u"ab|(?i:ab)|cd|-", 0x12, kLinear, "Dispatch to 3 ways; Match 'ab'; Match 'ab' ignoring case; Match 'cd'|'-'; End"},
+    {u"ab|(?i:ab)|cd|-", 0x12, kLinear,
+     "Dispatch to 3 ways; Match 'ab'; Match 'ab' ignoring case; Match 'cd'|'-'; End"},
     {u"(?:if|in|\\d+|x+y)*=", 0x12, kAll,
-     "Seek within text of 1 units; Dispatch to 4 ways; Match 'if'|'in'; Consume{1,}; Consume Possessive{1,}; Match '='; "
-     "Match \\d; Match 'y'; Match 'x'; End"},
+     "Seek within text of 1 units; Dispatch to 4 ways; Match 'if'|'in'; Consume{1,}; Consume Possessive{1,}; "
+     "Match '='; Match \\d; Match 'y'; Match 'x'; End"},
     {u"(?:(?:ab|cd)e|f)?(?:ab)*?", 0x12, kAll,
-     "Seek one of 3 units; Dispatch to 3 ways; Match 'ab'|'cd'; Match 'f'; Dispatch to 2 ways; Match 'e'; End; Match 'ab'"},
+     "Seek one of 3 units; Dispatch to 3 ways; Match 'ab'|'cd'; Match 'f'; Dispatch to 2 ways; Match 'e'; End; "
+     "Match 'ab'"},
     {u"(x)(?:ab|cd|\\1|\\1y|\\1z)", 0x12, kLinear,
-     "Token start #1; Match 'x'; Token end #1; Split; Match 'ab'|'cd'; Split; End; Match Token 1; Split; Match Token 1; "
-     "Match Token 1; Match 'y'; Match 'z'"},
+     "Token start #1; Match 'x'; Token end #1; Split; Match 'ab'|'cd'; Split; End; Match Token 1; Split; "
+     "Match Token 1; Match Token 1; Match 'y'; Match 'z'"},
     {u"^ab", 0x12, kAll, "Match start of string; Match 'ab'; End"},
     {u"(ab)c", 0x12, kAll, "Seek text of 2 units; Token start #1; Match 'ab'; Token end #1; Match 'c'; End"},
     {u"(?:ab){400}", 0x12, kNulls, "Start Counter; Fixed Counter{400}; Counter popper; Match 'a'; End; Match 'b'"},
@@ -102,8 +104,8 @@ bool givesBackOnes(const std::u16string& pattern) {
 // A run may be possessive only if no shorter end of it can help. At a shorter end a condition may lead past its
 // branches, and the pattern may be over there; with a unit required after the condition it cannot be.
 TEST(Passes, LetARunBacktrackIntoWhatAConditionMayLeadPast) {
-    for (const char16_t* condition : {u"(1)", u"(n)", u"(?=a)", u"(?=ab)", u"(?=\\<a)", u"(?=a+b)", u"(?=(a))", u"(?!a)",
-                                      u"(?!a+b)", u"(?<=a)", u"(?<=a+)", u"(?<!a)", u"(?<!(a)b)"}) {
+    for (const char16_t* condition : {u"(1)", u"(n)", u"(?=a)", u"(?=ab)", u"(?=\\<a)", u"(?=a+b)", u"(?=(a))",
+                                      u"(?!a)", u"(?!a+b)", u"(?<=a)", u"(?<=a+)", u"(?<!a)", u"(?<!(a)b)"}) {
         const std::u16string group = u"(?<n>a)?1*(?" + std::u16string(condition);
         EXPECT_TRUE(givesBackOnes(group + u"b)")) << printable(condition);
         EXPECT_TRUE(givesBackOnes(group + u"b|)")) << printable(condition);
@@ -131,8 +133,8 @@ std::vector<std::string> sortedLines(const std::string& text) {
 // Then passes do the same later, and both have to come to one graph.
 TEST(Passes, MakeTheSameGraphWhetherOrNotTheStagesAreWatched) {
     PatternSource source(5);
-    std::vector<std::u16string> patterns{u"ab\\0cd(?:ef)g+hi(?i:-j)kl", u"(?:abc){3}d(?:e|fg)hi", u"a(?i:b-)--c", u"x(?=ab)cd",
-                                         u"(?:a+)+b|(?:(?:[ab]+)+)*c", u"(?:b|x*?)b|(?:|\\d{0,5}?)y", u"a?(?:b|.|c)d",
+    std::vector<std::u16string> patterns{u"ab\\0cd(?:ef)g+hi(?i:-j)kl", u"(?:abc){3}d(?:e|fg)hi", u"a(?i:b-)--c",
+                                         u"x(?=ab)cd", u"(?:a+)+b|(?:(?:[ab]+)+)*c", u"(?:b|x*?)b|(?:|\\d{0,5}?)y", u"a?(?:b|.|c)d",
                                          u"x{2,}?y{0,3}z{4,40}+(?:a+?){2,}(?<=b{3,}?)[cd]?+"};
     for (int count = 0; count < 500; ++count) patterns.push_back(source.pattern());
     for (const std::u16string& pattern : patterns) {

@@ -85,7 +85,8 @@ TEST(RandomPatterns, BringEveryConstructIntoEveryContext) {
         }
     }
     EXPECT_EQ("", missing.str());
-    EXPECT_EQ((std::set<std::string>{"it has no longest match", "its bracket would be paired with another"}), impossible);
+    EXPECT_EQ((std::set<std::string>{"it has no longest match", "its bracket would be paired with another"}),
+              impossible);
 }
 
 TEST(RandomPatterns, OfEveryConstructInEveryContextAgree) {

@@ -42,7 +42,8 @@ const ReplaceCase replaceCases[] = {
     {u"(a)", kPlain, u"$18446744073709551616", u"a", false, 0, u"a8446744073709551616"},
     {u"(?<y>\\d)(?<m>x)?", kPlain, u"$<y>$<m>$<none>$< y>", u"7", false, 0, u"7$<m>$<none>$< y>"},
     {u"a", kPlain, u"\\$0\\\\\\x41\\x{1F600}\\$", u"a", false, 0, u"$0\\A\U0001F600$"},
-    {u"(a)", kPlain, u"\\o{9}|\\x{4-1}|\\x{41|\\x{$1}|\\o8|\\x{110000}", u"a", false, 0, u"o{9}|x{4-1}|x{41|x{a}|o8|x{110000}"},
+    {u"(a)", kPlain, u"\\o{9}|\\x{4-1}|\\x{41|\\x{$1}|\\o8|\\x{110000}", u"a", false, 0,
+     u"o{9}|x{4-1}|x{41|x{a}|o8|x{110000}"},
     {u"x*", kEmptyToo, u"-", u"axb", false, 0, u"-a-b-"},
     {u"", kEmptyToo, u"-", u"", false, 0, u"-"},
     {u"x*", kPlain, u"-", u"axb", false, 0, u"a-b"},
@@ -145,9 +146,21 @@ TEST(Replace, AgreesWithTheModelOnRandomCases) {
         std::ranges::generate(out, [&] { return alphabet[pick(alphabet.size())]; });
         return out;
     };
-    const char16_t* patterns[] = {u"(a|b)+",   u"(?<a>\\w+)(\\s)?", u"a*?",  u"(?=(\\w))\\w*", u"([ab])(\\1)?", u"",
-                                  u"(?<!a)b*", u"[a-z_ ]+",         u"\\<.", u"(a)|(B)",       u"\\D{2,5}",
-                                  u"(?:ab|a|B)*?", u"(?:(?:a|b)* |)(?:a|ab)+", u"(?>a*)(?:b|ba)*_?", u"(?:(a|b)\\1|_){2,3}"};
+    const char16_t* patterns[] = {u"(a|b)+",
+                                  u"(?<a>\\w+)(\\s)?",
+                                  u"a*?",
+                                  u"(?=(\\w))\\w*",
+                                  u"([ab])(\\1)?",
+                                  u"",
+                                  u"(?<!a)b*",
+                                  u"[a-z_ ]+",
+                                  u"\\<.",
+                                  u"(a)|(B)",
+                                  u"\\D{2,5}",
+                                  u"(?:ab|a|B)*?",
+                                  u"(?:(?:a|b)* |)(?:a|ab)+",
+                                  u"(?>a*)(?:b|ba)*_?",
+                                  u"(?:(a|b)\\1|_){2,3}"};
     for (int round = 0; round < 20000; ++round) {
         RE_Context host;
         const std::u16string pattern = patterns[pick(std::size(patterns))];
@@ -171,10 +184,15 @@ TEST(Replace, GivesThePieceTheCaseOfTheMatch) {
         applyCaseForm(piece.data(), piece.size(), caseForm(matched));
         ASSERT_EQ(printable(expected), printable(piece)) << printable(matched);
     });
-    const std::pair<const char16_t*, RE_Case_Form> forms[] = {
-        {u"A", RE_Case_Form::upper},          {u"A Dog", RE_Case_Form::every_word},  {u"Big dog", RE_Case_Form::first_word},
-        {u"O'Neil", RE_Case_Form::irregular}, {u"iPhone", RE_Case_Form::irregular}, {u"12 Big 3 dogs", RE_Case_Form::first_word},
-        {u"", RE_Case_Form::irregular},       {u"42", RE_Case_Form::irregular},     {u"BIG dog", RE_Case_Form::irregular}};
+    const std::pair<const char16_t*, RE_Case_Form> forms[] = {{u"A", RE_Case_Form::upper},
+                                                              {u"A Dog", RE_Case_Form::every_word},
+                                                              {u"Big dog", RE_Case_Form::first_word},
+                                                              {u"O'Neil", RE_Case_Form::irregular},
+                                                              {u"iPhone", RE_Case_Form::irregular},
+                                                              {u"12 Big 3 dogs", RE_Case_Form::first_word},
+                                                              {u"", RE_Case_Form::irregular},
+                                                              {u"42", RE_Case_Form::irregular},
+                                                              {u"BIG dog", RE_Case_Form::irregular}};
     for (const auto& [text, form] : forms) {
         EXPECT_EQ(form, caseForm(text)) << printable(text);
     }
@@ -214,7 +232,8 @@ TEST(Replace, ReportsItsReferencesToTheParser) {
     const std::u16string text = u"$123 $<na>$&";
     const RE_Replace replace(&parser, text.data(), text.size());
     EXPECT_EQ(3u, replace.getReferenceCount());
-    EXPECT_EQ((std::vector<size_t>{122, 11, 0}), std::vector<size_t>(parser.facts->referencedTokens.begin(), parser.facts->referencedTokens.end()));
+    EXPECT_EQ((std::vector<size_t>{122, 11, 0}),
+              std::vector<size_t>(parser.facts->referencedTokens.begin(), parser.facts->referencedTokens.end()));
     EXPECT_EQ((std::vector<std::u16string>{u"na"}), parser.referencedNames);
     EXPECT_TRUE(parser.refersToSurroundings);
 }
@@ -275,7 +294,8 @@ TEST(Replace, LeaksNothingWhicheverAllocationFails) {
         counter.failAt(n);
         try {
             const RE_Tree tree(pattern, false);
-            const RE_Replace replace(u"$10$<n>${x$`$'$&$`$'$& long enough to grow all of the buffers $`$'$&$`$'$&$`$'$&$`$'$&");
+            const RE_Replace replace(
+                u"$10$<n>${x$`$'$&$`$'$& long enough to grow all of the buffers $`$'$&$`$'$&$`$'$&$`$'$&");
             wide = replace.replace(wide, &length, &capacity, &tree, true, 0);
             narrow = replace.replace(narrow, &bytes, &tree, false, 0);
             narrow = RE_Replace::replace(narrow, &bytes, "a", "$<none>$`$0\\n", true, true);
@@ -356,7 +376,8 @@ TEST(Replace, HandlesLongAndHostileTextsInLinearTime) {
     runOnSmallStack([] {
         Interruptible host;
         const RE_Tree tree(u"(a)", false);
-        for (const std::u16string part : {u"$1", u"${", u"${(", u"$<", u"\\", u"$9", u"${#\n", u"${#", u"$<#", u"$<#$<a"}) {
+        for (const std::u16string part :
+             {u"$1", u"${", u"${(", u"$<", u"\\", u"$9", u"${#\n", u"${#", u"$<#", u"$<#$<a"}) {
             const std::u16string text = repeated(part, 200000);
             EXPECT_GE(RE_Replace(text.data(), text.size(), 0x18, &host).replace(u"a", tree, false, 0).size(), 100000u);
         }

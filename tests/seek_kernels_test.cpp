@@ -15,8 +15,13 @@ namespace {
 constexpr size_t kLongest = 240;  // more than the widest vectors take at once
 constexpr RE_Unit_Pair kPair{u'Q', u'q'};
 constexpr RE_Literal_Probe kProbe{{u'Q', u'Q'}, {u'z', u'Z'}, 2, 5};
-constexpr RE_Literal_Probe kThree{
-    .first = {u'Q', u'q'}, .second = {u'z', u'Z'}, .firstAt = 2, .secondAt = 5, .hasThird = true, .third = {u'.', 0x3B2}, .thirdAt = 1};
+constexpr RE_Literal_Probe kThree{.first = {u'Q', u'q'},
+                                  .second = {u'z', u'Z'},
+                                  .firstAt = 2,
+                                  .secondAt = 5,
+                                  .hasThird = true,
+                                  .third = {u'.', 0x3B2},
+                                  .thirdAt = 1};
 
 /// Compares a scan forward and one backward with a loop over `holds`. A scan may read up to `reach` units past the last
 /// position that it considers, and not one more.

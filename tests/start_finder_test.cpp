@@ -78,7 +78,8 @@ TEST(StartFinders, AreChosenInOrderAndSkipNoMatch) {
         for (int round = 0; round < 300; ++round) {
             const std::u16string text = textFor(random, c.pattern);
             const size_t offset = random() % (text.size() + 1);
-            const Delays delays(RE_Memo_Delay::choices, RE_Memo_Delay::perUnit, round % 2 == 0 ? 0 : RE_Asking_Delay::steps);
+            const Delays delays(RE_Memo_Delay::choices, RE_Memo_Delay::perUnit,
+                                round % 2 == 0 ? 0 : RE_Asking_Delay::steps);
             ASSERT_EQ(plain.search(text, offset), fast.search(text, offset)) << printable(c.pattern) << printable(text);
         }
     }

@@ -42,8 +42,8 @@ std::vector<std::string> answers(const Engine& engine, const std::vector<std::u1
 
 const std::vector<size_t> kNoneWrong(kThreads, 0);
 
-/// Repeats `work` of each thread, so many times and under TSan for so many seconds at least; returns how often it did not
-/// give what it gives alone, at first.
+/// Repeats the `work` of each thread, `rounds` times and under TSan for `seconds` at least. Returns for each thread how
+/// often the work did not give what it gave before the threads began.
 template <typename Work>
 std::vector<size_t> wrongAnswers(size_t rounds, const Work& work, [[maybe_unused]] int seconds = 0) {
     auto end = std::chrono::steady_clock::now();

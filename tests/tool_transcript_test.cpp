@@ -12,8 +12,8 @@
 // Control characters in the output are compared as \xHH. What is not mentioned is expected to be empty, and the
 // status to be 0.
 //
-// README.md and the pages in docs are transcripts too: of their indented lines, one that begins with "$ " is a command, run at the
-// top of the source tree, and those below are what it says on both channels.
+// README.md and the pages in docs are transcripts too: of their indented lines, one that begins with "$ " is a command,
+// run at the top of the source tree, and those below are what it says on both channels.
 #include <gtest/gtest.h>
 #include <stdlib.h>
 #include <sys/wait.h>

@@ -54,8 +54,8 @@ protected:
 
     void write(const std::string& pattern, const std::string& subject) const {
 #ifdef CORVANE_TOOL_PATH
-        static_cast<void>(
-            std::system((CORVANE_TOOL_PATH " trace --html " + file + " -e '" + pattern + "' '" + subject + "'").c_str()));
+        static_cast<void>(std::system(
+            (CORVANE_TOOL_PATH " trace --html " + file + " -e '" + pattern + "' '" + subject + "'").c_str()));
 #endif
     }
     std::string open(const std::string& address) const {
@@ -68,7 +68,8 @@ protected:
 };
 
 TEST_F(TracePage, ReplaysTheSearchToTheEnginesResult) {
-    for (const auto& [pattern, subject] : {std::pair{"(a|b)*?(c)\\1", "</script>abcb"}, {"(?<=(x+))(?>y|yy)z", "axxyz"}}) {
+    for (const auto& [pattern, subject] :
+         {std::pair{"(a|b)*?(c)\\1", "</script>abcb"}, {"(?<=(x+))(?>y|yy)z", "axxyz"}}) {
         const Outcome outcome = Engine(widen(pattern)).search(widen(subject));
         std::string tokens;
         for (const Token& token : outcome.tokens) {
@@ -78,7 +79,8 @@ TEST_F(TracePage, ReplaysTheSearchToTheEnginesResult) {
         const std::string document = open("end");
         const std::string extent =
             std::to_string(outcome.start) + "," + std::to_string(outcome.start + outcome.length);
-        EXPECT_NE(std::string::npos, bodyTag(document).find("data-extent=\"" + extent + "\" data-tokens=\"" + tokens + "\""))
+        EXPECT_NE(std::string::npos,
+                  bodyTag(document).find("data-extent=\"" + extent + "\" data-tokens=\"" + tokens + "\""))
             << bodyTag(document);
         EXPECT_EQ(outcome.length, occurrences(document, "class=\"unit hit"));
     }

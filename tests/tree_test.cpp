@@ -152,7 +152,8 @@ std::vector<unsigned char> bytesOf(const RE_Tree& tree) {
 }
 
 TEST(Tree, IsUnchangedByASearch) {
-    for (const char16_t* pattern : {u"(a|b)*c\\1", u"(?:(?:ab){2,3}?c)*d", u"(?<=a+)(?>b*)(?!c)x", u"(?:|a)*(?i:KELVIN)"}) {
+    for (const char16_t* pattern :
+         {u"(a|b)*c\\1", u"(?:(?:ab){2,3}?c)*d", u"(?<=a+)(?>b*)(?!c)x", u"(?:|a)*(?i:KELVIN)"}) {
         const RE_Tree tree(pattern, false);
         const auto before = bytesOf(tree);
         for (const char16_t* subject : {u"abababcc", u"ababcababababcd", u"aabbx", u"aaakelvin", u""}) {

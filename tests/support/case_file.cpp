@@ -24,8 +24,8 @@ std::vector<std::string> split(const std::string& text, char separator) {
 
 // Letters toggle bits of the plain modes, so "d" takes a bit away.
 std::uint32_t flagsOf(const std::string& modes) {
-    static const std::map<char, std::uint32_t> bits = {{'.', 0}, {'i', 0x01}, {'m', 0x04}, {'x', 0x08}, {'E', 0x20}, {'d', 0x02},
-                                                             {'K', 0x40}};
+    static const std::map<char, std::uint32_t> bits = {{'.', 0},    {'i', 0x01}, {'m', 0x04}, {'x', 0x08},
+                                                       {'E', 0x20}, {'d', 0x02}, {'K', 0x40}};
     std::uint32_t flags = 0x12;
     for (const char letter : modes) {
         flags ^= bits.at(letter);

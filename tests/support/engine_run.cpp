@@ -101,7 +101,9 @@ void RecordingContext::set_string(const char16_t* text, size_t) {
 }
 
 Engine::Engine(std::u16string_view pattern, RE_Flags flags, const EngineConfig& config)
-    : m_config(config), m_context(configured(m_options, config)), m_tree(pattern.data(), pattern.size(), flags, &m_context) {
+    : m_config(config),
+      m_context(configured(m_options, config)),
+      m_tree(pattern.data(), pattern.size(), flags, &m_context) {
     speedUp(m_tree, config);
 }
 

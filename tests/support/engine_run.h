@@ -128,7 +128,8 @@ public:
     Outcome search(std::u16string_view subject, size_t offset, RE_Seek_Table& table) const;
 
     /// Nothing when a limit was met: that is no answer, and must not be compared as one.
-    std::optional<Outcome> searchWithin(std::u16string_view subject, size_t offset, const RE_Search_Limits& limits) const;
+    std::optional<Outcome> searchWithin(std::u16string_view subject, size_t offset,
+                                        const RE_Search_Limits& limits) const;
     const std::vector<Warning>& warnings() const { return m_context.warnings(); }
     const RE_Tree& tree() const { return m_tree; }
 

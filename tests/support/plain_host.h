@@ -17,7 +17,8 @@ namespace corvane_tests {
 class PlainHost : public RE_Context {
 public:
     explicit PlainHost(bool allows) : m_allows(allows) {}
-    PlainHost(bool allows, const Corvane::regexp::CompileOptions& compileOptions) : RE_Context(compileOptions), m_allows(allows) {}
+    PlainHost(bool allows, const Corvane::regexp::CompileOptions& compileOptions)
+        : RE_Context(compileOptions), m_allows(allows) {}
 
     void evaluate_script(RE_Evaluation_IO* script, RE_Evaluation_Inputs*, RE_Evaluation_Inputs* inputs) override {
         m_runs->push_back(text(script) + u"(" + joined(inputs) + u")");

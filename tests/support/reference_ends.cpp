@@ -97,7 +97,8 @@ private:
 
     bool accepts(const Node& node, size_t at) const {
         refuseCases(node);
-        return at < m_subject.size() && node.negated != std::any_of(node.ranges.begin(), node.ranges.end(), [&](const Range& range) {
+        return at < m_subject.size() &&
+               node.negated != std::any_of(node.ranges.begin(), node.ranges.end(), [&](const Range& range) {
                    return range.low <= m_subject[at] && m_subject[at] <= range.high;
                });
     }

@@ -63,7 +63,8 @@ struct Reader {
 
     /// After a $. False when it is none: then the sign stands for itself.
     bool reference() {
-        const std::u16string_view subject(match.subjectBegin, static_cast<size_t>(match.subjectEnd - match.subjectBegin));
+        const std::u16string_view subject(match.subjectBegin,
+                                          static_cast<size_t>(match.subjectEnd - match.subjectBegin));
         const char16_t c = text[at + 1];
         const size_t end = match.matchStart + match.matchLength;
         if (digit(c) && c != u'0') {
