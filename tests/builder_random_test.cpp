@@ -49,15 +49,31 @@ private:
     Made make(int depth) { return depth == 0 || below(5) == 0 ? leaf() : composite(depth - 1); }
 
     Made leaf() {
-        static const Made leaves[] = {
-            {literal(u"a"), u"a"}, {literal(u"ab"), u"(?:ab)"}, {literal(u"1"), u"1"}, {literal(u"ba1"), u"(?:ba1)"},
-            {literal(u"#"), u"#"}, {literal(u" \n"), u"(?: \n)"}, {literal(u"B"), u"B"}, {RE_Builder(), u"(?:)"},
-            {any_unit(), u"(?s:.)"}, {any_but_line_feed(), u"[^\n]"}, {one_of(RE_Set(RE_SET_NOT_NULL)), u"(?s:.)"},
-            {one_of(RE_Set(RE_SET_DIGIT) + RE_SetItem(u"#")), u"[\\d#]"}, {none_of(RE_SetItem(u"a]^")), u"[^]a^]"},
-            {one_of(RE_SetItem(u'a', u'b')), u"[ab]"}, {one_of({}), u"(?!)"}, {none_of({}), u"(?s:.)"},
-            {subject_start(), u"(?-m:^)"}, {subject_end(), u"(?-m:$)"}, {line_start(), u"(?m:^)"},
-            {line_end(), u"(?m:$)"}, {word_start(), u"\\<"}, {word_end(), u"\\>"}, {RE_Builder(u"a|b"), u"(?:a|b)"},
-            {RE_Builder(u"(?i)a|b"), u"(?i:a|b)"}, {RE_Builder(u"^a|b$|."), u"(?:^a|b$|.)"}};
+        static const Made leaves[] = {{literal(u"a"), u"a"},
+                                      {literal(u"ab"), u"(?:ab)"},
+                                      {literal(u"1"), u"1"},
+                                      {literal(u"ba1"), u"(?:ba1)"},
+                                      {literal(u"#"), u"#"},
+                                      {literal(u" \n"), u"(?: \n)"},
+                                      {literal(u"B"), u"B"},
+                                      {RE_Builder(), u"(?:)"},
+                                      {any_unit(), u"(?s:.)"},
+                                      {any_but_line_feed(), u"[^\n]"},
+                                      {one_of(RE_Set(RE_SET_NOT_NULL)), u"(?s:.)"},
+                                      {one_of(RE_Set(RE_SET_DIGIT) + RE_SetItem(u"#")), u"[\\d#]"},
+                                      {none_of(RE_SetItem(u"a]^")), u"[^]a^]"},
+                                      {one_of(RE_SetItem(u'a', u'b')), u"[ab]"},
+                                      {one_of({}), u"(?!)"},
+                                      {none_of({}), u"(?s:.)"},
+                                      {subject_start(), u"(?-m:^)"},
+                                      {subject_end(), u"(?-m:$)"},
+                                      {line_start(), u"(?m:^)"},
+                                      {line_end(), u"(?m:$)"},
+                                      {word_start(), u"\\<"},
+                                      {word_end(), u"\\>"},
+                                      {RE_Builder(u"a|b"), u"(?:a|b)"},
+                                      {RE_Builder(u"(?i)a|b"), u"(?i:a|b)"},
+                                      {RE_Builder(u"^a|b$|."), u"(?:^a|b$|.)"}};
         const size_t way = below(std::size(leaves) + 9);
         if (way == std::size(leaves)) {
             m_groups += 2;
@@ -171,7 +187,10 @@ private:
                 : sign == 1 ? one_or_more(b, greed)
                 : sign == 2 ? RE_Builder_Space::optional(b, greed)
                             : quantify(b, RE_Bounds::between(most, least), greed),
-                u"(?:" + body.text + u")" + signs[sign] + (way == 0 ? u"" : way == 1 ? u"?" : u"+")};
+                u"(?:" + body.text + u")" + signs[sign] +
+                    (way == 0   ? u""
+                     : way == 1 ? u"?"
+                                : u"+")};
     }
     Made composite(int depth) {
         const size_t way = below(24);

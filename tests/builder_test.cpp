@@ -19,6 +19,7 @@ namespace {
 
 using namespace RE_Builder_Space;
 
+// clang-format off
 template <class... Arguments>
 concept Sequence = requires(const Arguments&... arguments) { (arguments + ...); };
 template <class... Arguments>
@@ -55,6 +56,7 @@ static_assert(Evaluated<RE_Template> && Evaluated<RE_Token> && !Evaluated<RE_Bui
 static_assert(Sequence<RE_Template, RE_Token> && !Sequence<RE_Template, RE_Builder> && !Sequence<RE_Token, RE_Token>);
 static_assert(RE_Token_Name::isValid(u"a1_") && !RE_Token_Name::isValid(u"1a") && !RE_Token_Name::isValid(u"") &&
               !RE_Token_Name::isValid(u"a\u00E9") && !RE_Token_Name::from(u"a-b"));
+// clang-format on
 
 // Two columns: the expression, and the text it has to be. A missing group would change the meaning, a needless one
 // would make patterns unreadable.
@@ -205,7 +207,9 @@ TEST(BuilderTemplate, GivesTheHostItsTextAndTheTokens) {
     }
 }
 
-size_t below(std::mt19937_64& random, size_t limit) { return random() % limit; }
+size_t below(std::mt19937_64& random, size_t limit) {
+    return random() % limit;
+}
 
 // Half of the units are ASCII, so that everything with a meaning in patterns has many neighbours.
 std::u16string randomText(std::mt19937_64& random, size_t longest) {

@@ -17,8 +17,8 @@ public:
         : m_context(configured(m_options, config)) {
         RE_Node* entry = nullptr;
         for (auto pattern = patterns.rbegin(); pattern != patterns.rend(); ++pattern) {
-            m_trees.push_back(std::make_unique<RE_Tree>(pattern->data(), pattern->size(), flags, &m_context, entry,
-                                                        nullptr, true));
+            m_trees.push_back(
+                std::make_unique<RE_Tree>(pattern->data(), pattern->size(), flags, &m_context, entry, nullptr, true));
             entry = const_cast<RE_Node*>(m_trees.back()->getRoot());
         }
     }

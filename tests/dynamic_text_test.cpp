@@ -30,13 +30,10 @@ TEST(DynamicText, MatchesAsIfItWereWrittenInThePattern) {
         const std::u16string text = source.pattern(inside);
         const std::u16string front = source.pattern(around);
         const std::u16string back = source.pattern(around);
-        const std::u16string shapes[] = {front + u"@" + back,
-                                         u"(?:" + front + u"@)*" + back,
-                                         u"(?:@|" + front + u"){0,3}?" + back,
-                                         u"(?>" + front + u"@)" + back,
-                                         u"(?!@" + back + u")" + front,
-                                         front + u"(?<=@)" + back,
-                                         u"((?:@){2})+\\1?" + back};
+        const std::u16string shapes[] = {
+            front + u"@" + back,           u"(?:" + front + u"@)*" + back, u"(?:@|" + front + u"){0,3}?" + back,
+            u"(?>" + front + u"@)" + back, u"(?!@" + back + u")" + front,  front + u"(?<=@)" + back,
+            u"((?:@){2})+\\1?" + back};
         const std::u16string shape = shapes[source.below(std::size(shapes))];
         const auto with = [&](const std::u16string& stand) {
             std::u16string pattern = shape;

@@ -13,13 +13,13 @@ namespace corvane_tests {
 namespace {
 
 // Quantifiers that a few passes exhaust, each in its three preferences.
-constexpr const char* kFewPasses[] = {"?",    "??",    "?+",   "{0,1}", "{0,1}?", "{0,1}+", "*",   "*?",
-                                      "+",    "+?",    "*+",   "{2}",   "{3,4}?", "{5}",    "{4,}", "{6,}?",
-                                      "{0,2}", "{1,2}", "{2}?", "{1,3}?"};
+constexpr const char* kFewPasses[] = {"?",    "??",    "?+",    "{0,1}", "{0,1}?", "{0,1}+", "*",
+                                      "*?",   "+",     "+?",    "*+",    "{2}",    "{3,4}?", "{5}",
+                                      "{4,}", "{6,}?", "{0,2}", "{1,2}", "{2}?",   "{1,3}?"};
 // Among them counts beyond those at which the engine stops making passes one by one: 256, 512, the subject's length.
-constexpr const char* kManyPasses[] = {"?",     "*",      "+?",     "{2,}",      "{20}",       "{20,}",
-                                       "{20,}?", "{300}",  "{300,}", "{300,}?",   "{300,400}",  "{300,302}?",
-                                       "{513}", "{600,}", "{700}+", "{1500,}?", "{1500,1501}", "{40}"};
+constexpr const char* kManyPasses[] = {"?",      "*",      "+?",     "{2,}",     "{20}",        "{20,}",
+                                       "{20,}?", "{300}",  "{300,}", "{300,}?",  "{300,400}",   "{300,302}?",
+                                       "{513}",  "{600,}", "{700}+", "{1500,}?", "{1500,1501}", "{40}"};
 constexpr const char* kTests[] = {"\\<", "\\>", "^", "$"};
 
 // Draws patterns until ten differ: one fault shows in many of them, and the first few tell most.

@@ -42,8 +42,7 @@ void addBinary(const Piece& left, const Piece& right, std::vector<Piece>& result
 
 /// `sizes[n]` holds every pattern made of n + 1 atoms and operators.
 std::vector<std::vector<Piece>> enumerate(size_t largest) {
-    std::vector<std::vector<Piece>> sizes = {
-        {{"a", true}, {"b", true}, {".", true}, {"$", true}, {"\\1", true}}};
+    std::vector<std::vector<Piece>> sizes = {{{"a", true}, {"b", true}, {".", true}, {"$", true}, {"\\1", true}}};
     for (size_t size = 1; size < largest; ++size) {
         std::vector<Piece> next;
         for (const Piece& piece : sizes[size - 1]) {
@@ -68,8 +67,7 @@ std::vector<std::u16string> subjectsUpTo(size_t length) {
 }
 
 /// Every pattern runs under one setting; the setting changes from pattern to pattern.
-void compareAll(const std::vector<Piece>& pieces, size_t subjectLength, size_t stride,
-                Comparison& comparison) {
+void compareAll(const std::vector<Piece>& pieces, size_t subjectLength, size_t stride, Comparison& comparison) {
     const std::vector<std::u16string> subjects = subjectsUpTo(subjectLength);
     for (size_t index = 0; index < pieces.size(); index += stride) {
         const std::u16string pattern = widen(pieces[index].text);

@@ -113,8 +113,7 @@ TEST(MatchSequence, TakesAnotherSubjectLikeANewSequence) {
             if (!alone || !sequence.report().isComplete()) {
                 break;
             }
-            ASSERT_EQ(*alone, found)
-                << engine.tree().graph() << " on " << printable(subject);
+            ASSERT_EQ(*alone, found) << engine.tree().graph() << " on " << printable(subject);
         }
     }
 }

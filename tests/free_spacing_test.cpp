@@ -82,8 +82,8 @@ private:
         takeQualifier();
     }
     void part() {
-        static constexpr std::u16string_view openings[] = {u"(?<=", u"(?<!", u"(?=", u"(?!", u"(?:", u"(?>", u"(?(?<=",
-                                                           u"(?(?<!", u"(?(?=", u"(?(?!"};
+        static constexpr std::u16string_view openings[] = {u"(?<=", u"(?<!",   u"(?=",    u"(?!",   u"(?:",
+                                                           u"(?>",  u"(?(?<=", u"(?(?<!", u"(?(?=", u"(?(?!"};
         const auto* const opening = std::ranges::find_if(openings, [this](std::u16string_view it) { return sees(it); });
         if (sees(u"\\k<") || (sees(u"(?<") && opening == std::end(openings))) {
             take(3);

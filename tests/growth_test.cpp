@@ -39,14 +39,29 @@ struct Judged {
 
 // Anchored patterns isolate the loops from the search for a start, which is a loop of its own.
 const Judged kJudged[] = {
-    {"abc", Kind::linear},          {"\\w+", Kind::linear},         {"\"[^\"]*\"", Kind::linear},
-    {"^a*b", Kind::linear},         {"a*b", Kind::polynomial},      {"foo.*bar", Kind::polynomial},
-    {"^a*a*b", Kind::polynomial},   {"^(a+)+b", Kind::exponential}, {"^(a|aa)+$", Kind::exponential},
-    {"^(?:a*)*b", Kind::exponential}, {"^(?:a|b?)*c", Kind::linear}, {"^(?:(?:ab){2,900})c", Kind::linear},
-    {"^(?:a*b?){400}c", Kind::exponential}, {"^(?:a++)*b", Kind::linear},     {"^(?>a*)*b", Kind::linear},
-    {"^(a)*\\1b", Kind::polynomial}, {"^(?:(?=a*b)a)*c", Kind::polynomial}, {"(?<=a+)b", Kind::unknown},
-    {"^(?:a(?:a*c)?)*", Kind::polynomial}, {"^(?:a|.)*b", Kind::linear}, {"(?:ab|b)*?c", Kind::polynomial},
-    {"\\d{1,3}(?:\\.\\d{1,3}){3}", Kind::linear}, {"^(?:(?:ab){1,900}\\s+)*c", Kind::linear},
+    {"abc", Kind::linear},
+    {"\\w+", Kind::linear},
+    {"\"[^\"]*\"", Kind::linear},
+    {"^a*b", Kind::linear},
+    {"a*b", Kind::polynomial},
+    {"foo.*bar", Kind::polynomial},
+    {"^a*a*b", Kind::polynomial},
+    {"^(a+)+b", Kind::exponential},
+    {"^(a|aa)+$", Kind::exponential},
+    {"^(?:a*)*b", Kind::exponential},
+    {"^(?:a|b?)*c", Kind::linear},
+    {"^(?:(?:ab){2,900})c", Kind::linear},
+    {"^(?:a*b?){400}c", Kind::exponential},
+    {"^(?:a++)*b", Kind::linear},
+    {"^(?>a*)*b", Kind::linear},
+    {"^(a)*\\1b", Kind::polynomial},
+    {"^(?:(?=a*b)a)*c", Kind::polynomial},
+    {"(?<=a+)b", Kind::unknown},
+    {"^(?:a(?:a*c)?)*", Kind::polynomial},
+    {"^(?:a|.)*b", Kind::linear},
+    {"(?:ab|b)*?c", Kind::polynomial},
+    {"\\d{1,3}(?:\\.\\d{1,3}){3}", Kind::linear},
+    {"^(?:(?:ab){1,900}\\s+)*c", Kind::linear},
 };
 
 TEST_F(Growth, IsJudgedAsTheTableSays) {
@@ -58,8 +73,8 @@ TEST_F(Growth, IsJudgedAsTheTableSays) {
 
 // Loops that take single steps show in the count when they measure one run again and again.
 TEST_F(Growth, ShowsOnTheWitness) {
-    for (const char* pattern : {"a*b", "foo.*bar", "^a*a*b", "(?:ab|b)*?c", "^(a+)+b", "^(a|aa)+$", "^(?:a*)*b",
-                                "^(?:.{1,70}x)*$"}) {
+    for (const char* pattern :
+         {"a*b", "foo.*bar", "^a*a*b", "(?:ab|b)*?c", "^(a+)+b", "^(a|aa)+$", "^(?:a*)*b", "^(?:.{1,70}x)*$"}) {
         const Engine engine(widen(pattern), kPlain, {true, false, true, 1024, false});
         const RE_Growth growth = judgeGrowth(engine.tree());
         const size_t times = (growth.kind == Kind::polynomial ? 80 : 10) / growth.pump.size();

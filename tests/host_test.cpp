@@ -39,8 +39,7 @@ int sign(int value) {
 }
 
 TEST(HostMemory, GivesABlockEvenForNoBytes) {
-    for (void* block :
-         {utMalloc(0), utMallocWithCheck(0), utCallocWithCheck(0, 8), utReallocWithCheck(nullptr, 0)}) {
+    for (void* block : {utMalloc(0), utMallocWithCheck(0), utCallocWithCheck(0, 8), utReallocWithCheck(nullptr, 0)}) {
         EXPECT_NE(block, nullptr);
         EXPECT_NE(block = utReallocWithCheck(block, 0), nullptr);
         utFree(block);
@@ -104,6 +103,7 @@ struct CompareCase {
 };
 
 TEST(HostUtf16, ComparesUpToTheCountOrTheTerminator) {
+    // clang-format off
     const CompareCase cases[] = {
         {u"", u"", 5, 0, 0},
         {u"abc", u"abd", 2, 0, 0},
@@ -119,6 +119,7 @@ TEST(HostUtf16, ComparesUpToTheCountOrTheTerminator) {
         {u"\uFFFF", u"\U00010000", 1, 1, 1},
         {u"x", u"y", 0, 0, 0},
     };
+    // clang-format on
     for (const CompareCase& c : cases) {
         SCOPED_TRACE(&c - cases);
         EXPECT_EQ(sign(utf16_strncmp(c.left, c.right, c.count)), c.exact);
@@ -193,6 +194,7 @@ struct UnitCase {
 };
 
 TEST(HostCtype, JudgesEachUnitByUnicodeProperties) {
+    // clang-format off
     const UnitCase cases[] = {
         {u'a', "anxl", u'a', u'A'},
         {u'F', "anxu", u'f', u'F'},
@@ -221,6 +223,7 @@ TEST(HostCtype, JudgesEachUnitByUnicodeProperties) {
         {0xFF21, "anxu", 0xFF41, 0xFF21},
         {0xFFFF, "", 0xFFFF, 0xFFFF},
     };
+    // clang-format on
     for (const UnitCase& c : cases) {
         SCOPED_TRACE(static_cast<unsigned>(c.unit));
         EXPECT_EQ(classesOf(c.unit), c.classes);
@@ -249,7 +252,9 @@ std::vector<CodePageCase> codePageCases() {
     std::string longNarrow;
     std::u16string longWide;
     for (int i = 0; i < 5000; ++i) {
-        longNarrow += "\xE4\xB8\xAD\xF0\x9F\x98\x80" "a";
+        longNarrow +=
+            "\xE4\xB8\xAD\xF0\x9F\x98\x80"
+            "a";
         longWide += u"\u4E2D\U0001F600a";
     }
     return {
@@ -259,7 +264,11 @@ std::vector<CodePageCase> codePageCases() {
         {"\xC3\xA4\xD0\x96", u"\u00E4\u0416", true},
         {"\xF0\x9F\x98\x80", u"\U0001F600", true},
         {longNarrow, longWide, true},
-        {"a\xFF" "b", u"a\uFFFD" u"b", false},
+        {"a\xFF"
+         "b",
+         u"a\uFFFD"
+         u"b",
+         false},
         {"a\xC3", u"a\uFFFD", false},
     };
 }
@@ -285,7 +294,9 @@ TEST(HostCodePage, ReplacesLoneSurrogatesAndTakesTerminatedText) {
     const char16_t lone[] = {u'a', 0xD800, u'b'};
     size_t bytes = 0;
     const HostBlock<char> narrow(utf16_to_lcp_n(lone, 3, &bytes));
-    EXPECT_EQ(std::string_view(narrow.get(), bytes), "a\xEF\xBF\xBD" "b");
+    EXPECT_EQ(std::string_view(narrow.get(), bytes),
+              "a\xEF\xBF\xBD"
+              "b");
 
     const HostBlock<char> terminated(utf16_to_lcp(u"ab\0c", nullptr));
     EXPECT_STREQ(terminated.get(), "ab");

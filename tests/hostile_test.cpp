@@ -70,8 +70,11 @@ std::u16string mutated(std::u16string pattern, PatternSource& source) {
     for (size_t left = 1 + source.below(3); left > 0 && !pattern.empty(); --left) {
         const size_t place = source.below(pattern.size());
         const size_t way = source.below(3);
-        pattern.replace(place, way == 0 ? 1 + source.below(3) : way == 1 ? 1 : 0, way == 0 ? 0 : 1,
-                        units[source.below(units.size())]);
+        pattern.replace(place,
+                        way == 0   ? 1 + source.below(3)
+                        : way == 1 ? 1
+                                   : 0,
+                        way == 0 ? 0 : 1, units[source.below(units.size())]);
     }
     return pattern;
 }
@@ -269,11 +272,9 @@ TEST(LongSubjects, NeedNoStackOfTheirLength) {
     const std::string whole = "[0," + std::to_string(units + 1) + "]";
     EXPECT_EQ(whole, answerOnSmallStack(u"(?:a*b)*c", subject));
     EXPECT_EQ("[0," + std::to_string(units) + "]", answerOnSmallStack(u"(?:a|b)*", subject));
-    runOnSmallStack([&] {
-        EXPECT_EQ(subject, RE_Replace(u"$&").replace(subject, RE_Tree(u"(?:a*b)*c", false), false, 0));
-    });
-    EXPECT_EQ(whole + " t0=(" + std::to_string(units - 1) + ",1)",
-              answerOnSmallStack(u"(a|b|ab)*?c", subject));
+    runOnSmallStack(
+        [&] { EXPECT_EQ(subject, RE_Replace(u"$&").replace(subject, RE_Tree(u"(?:a*b)*c", false), false, 0)); });
+    EXPECT_EQ(whole + " t0=(" + std::to_string(units - 1) + ",1)", answerOnSmallStack(u"(a|b|ab)*?c", subject));
 }
 
 }  // namespace

@@ -23,8 +23,8 @@ namespace {
 // Every pattern of the tables once, malformed ones too: labels have to be readable for all.
 std::vector<std::u16string> tablePatterns() {
     std::vector<std::u16string> patterns;
-    for (const char* table : {"tokens", "repetition", "closed_bodies", "anchors", "units", "searching", "malformed",
-                              "differences"}) {
+    for (const char* table :
+         {"tokens", "repetition", "closed_bodies", "anchors", "units", "searching", "malformed", "differences"}) {
         for (const MatchCase& match : readCaseFile(std::string(CORVANE_TEST_DATA_DIR "/") + table + ".txt")) {
             patterns.push_back(match.pattern);
         }
@@ -64,9 +64,10 @@ TEST(Graph, IsDrawnByGraphvizWithoutAComplaint) {
         file << RE_Tree(pattern, false).graph() << RE_Replace(pattern).graph();
     }
     file.close();
-    EXPECT_EQ(0, std::system(("dot -Tsvg " + name + ".dot >" + name + ".svg 2>" + name + ".err && test ! -s " + name +
-                              ".err").c_str()));
-    EXPECT_EQ(0, std::system(("rm " + name + ".dot " + name + ".svg " + name + ".err").c_str()));
+    const std::string graph = name + ".dot", picture = name + ".svg", complaints = name + ".err";
+    const std::string draw = "dot -Tsvg " + graph + " >" + picture + " 2>" + complaints + " && test ! -s " + complaints;
+    EXPECT_EQ(0, std::system(draw.c_str()));
+    EXPECT_EQ(0, std::system(("rm " + graph + " " + picture + " " + complaints).c_str()));
 }
 
 // Numbers of nodes depend on nothing but the pattern, and drawing recurses over nothing.

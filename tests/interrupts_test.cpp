@@ -39,18 +39,21 @@ using Work =
 
 /// The ways of searching, each of which has a report of its own.
 const std::pair<const char*, Work> kWork[] = {
-    {"match", [](const RE_Tree& tree, const RE_Replace&, const std::u16string& text) {
+    {"match",
+     [](const RE_Tree& tree, const RE_Replace&, const std::u16string& text) {
          RE_Search_Report report;
          delete tree.match(text.data(), text.size(), 0, {}, report);
          return report;
      }},
-    {"find_all", [](const RE_Tree& tree, const RE_Replace&, const std::u16string& text) {
+    {"find_all",
+     [](const RE_Tree& tree, const RE_Replace&, const std::u16string& text) {
          auto range = tree.find_all(text, 0, RE_Search_Limits{});
          for (auto it = range.begin(); it != range.end(); ++it) {
          }
          return range.report();
      }},
-    {"replace", [](const RE_Tree& tree, const RE_Replace& replace, const std::u16string& text) {
+    {"replace",
+     [](const RE_Tree& tree, const RE_Replace& replace, const std::u16string& text) {
          RE_Search_Report report;
          // Broken off, it returns what was built up to the last match, which is nothing here.
          const size_t length = replace.replace(text, tree, false, 0, {}, report).size();
@@ -86,11 +89,27 @@ TEST(Interrupts, StopWorkThatAllowsThemAndAreKeptForTheHost) {
 // A pending request is seen before the search has taken the steps and units of one interval, whatever it is busy with.
 TEST(Interrupts, AreSeenSoonByEveryKindOfNode) {
     const std::u16string text = std::u16string(1000000, u'a') + u"b";
-    const char16_t* const patterns[] = {
-        u"a*", u"a*?b", u"a*+", u"(?:a|b)*", u"(?:a|b)*?c", u"(?:a{2}){2,}", u"(?:a{1,3}?)*b", u"(?>(?:a|ab)*)",
-        u"(?=(?:a|ab)*b)", u"(?!(?:a|ab)*c)a", u"(?=a*)b|a*c", u"(a|b)*", u"(?:(a)\\1)*", u"(?i)(?:A|b)*", u"[^x]*x",
-        u"(?:a(?<=a))*", u"(?:(?:)|a)*$", u"(?:(a)?(?(1)a|b))*", u"(?:\\w\\>?)*", u"(?:a|b|ab)*c",
-        u"(?!(?:a|b)*c)x"};
+    const char16_t* const patterns[] = {u"a*",
+                                        u"a*?b",
+                                        u"a*+",
+                                        u"(?:a|b)*",
+                                        u"(?:a|b)*?c",
+                                        u"(?:a{2}){2,}",
+                                        u"(?:a{1,3}?)*b",
+                                        u"(?>(?:a|ab)*)",
+                                        u"(?=(?:a|ab)*b)",
+                                        u"(?!(?:a|ab)*c)a",
+                                        u"(?=a*)b|a*c",
+                                        u"(a|b)*",
+                                        u"(?:(a)\\1)*",
+                                        u"(?i)(?:A|b)*",
+                                        u"[^x]*x",
+                                        u"(?:a(?<=a))*",
+                                        u"(?:(?:)|a)*$",
+                                        u"(?:(a)?(?(1)a|b))*",
+                                        u"(?:\\w\\>?)*",
+                                        u"(?:a|b|ab)*c",
+                                        u"(?!(?:a|b)*c)x"};
     for (const char16_t* pattern : patterns) {
         for (const EngineConfig& config : {EngineConfig{}, EngineConfig{false, false, false, 0, false}}) {
             const Engine engine(pattern, kEmptyToo, config);

@@ -27,6 +27,7 @@ Searched searchWithin(const RE_Tree& tree, const std::u16string& text, const RE_
 // counted on the plain graph.
 TEST(Limits, CountTheSameStepsForeverAndEverywhere) {
     const std::u16string as(1000, u'a');
+    // clang-format off
     const std::tuple<const char16_t*, std::u16string, Outcomes, std::uint64_t> cases[] = {
         {u"abc", u"xxabc", Outcomes::matched, 10},  // twice two nodes, then six: those of the text and three empty ones
         {u"abc", u"xxabd", Outcomes::noMatch, 8},
@@ -35,6 +36,7 @@ TEST(Limits, CountTheSameStepsForeverAndEverywhere) {
         {u"(?:a|ab)*c", as, Outcomes::noMatch, 29974},
         {u"(a)\\1", u"xaa", Outcomes::matched, 10},
     };
+    // clang-format on
     for (const auto& [pattern, text, outcome, steps] : cases) {
         const Engine plain(pattern, kPlain, {false, false, false, 0, false});
         const RE_Tree& tree = plain.tree();
@@ -48,8 +50,8 @@ TEST(Limits, CountTheSameStepsForeverAndEverywhere) {
 }
 
 // Each leads through other parts of a search, at whose steps the budget may end.
-const char16_t* const kPatterns[] = {u"(?:a|b|ab)*c", u"(a+)+$", u"(?=(?:a|ab)+c)a", u"(?<=(?:b|a)*)c", u"a*?(b)\\1x",
-                                     u"(?>a|ab)+c",   u"[ab]*c", u"(?:a{2,3}b?){2,}c"};
+const char16_t* const kPatterns[] = {u"(?:a|b|ab)*c", u"(a+)+$",     u"(?=(?:a|ab)+c)a", u"(?<=(?:b|a)*)c",
+                                     u"a*?(b)\\1x",   u"(?>a|ab)+c", u"[ab]*c",          u"(?:a{2,3}b?){2,}c"};
 
 // Every budget from nothing to one more than enough. One step less than a search takes must not be an answer, and the
 // steps of an answer must not depend on the budget.

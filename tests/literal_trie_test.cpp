@@ -15,7 +15,9 @@ namespace {
 
 using Texts = std::vector<std::u16string>;
 
-char16_t folded(char16_t unit, bool folds) { return folds ? RE_Case_Table::get().lower(unit) : unit; }
+char16_t folded(char16_t unit, bool folds) {
+    return folds ? RE_Case_Table::get().lower(unit) : unit;
+}
 
 bool stands(const RE_Literal_Trie& trie, size_t literal, std::u16string_view text) {
     const std::u16string_view own = trie.text(literal);

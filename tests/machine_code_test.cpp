@@ -21,8 +21,8 @@ struct Searched {
 };
 
 std::string describe(const Searched& searched) {
-    return corvane_tests::describe(searched.outcome) + " ending " +
-           std::to_string(static_cast<int>(searched.ending)) + " steps " + std::to_string(searched.steps);
+    return corvane_tests::describe(searched.outcome) + " ending " + std::to_string(static_cast<int>(searched.ending)) +
+           " steps " + std::to_string(searched.steps);
 }
 
 Searched searchWithin(const RE_Tree& tree, std::u16string_view subject, size_t offset, std::uint64_t steps) {

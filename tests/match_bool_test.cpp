@@ -50,16 +50,15 @@ std::string runAt(const RE_Tree& tree, std::size_t position, RE_Search_Info& inf
     return shown(&view);
 }
 
-const char16_t* const kPatterns[] = {u"a(b+)c", u"(a)|(b)", u"(a)?(?(1)b|c)", u"(?:(a)|b)*\\1", u"((a)b)+", u"b*",
-                                     u"(?<=(a))b", u"(?:a|ab|(b))*c", u"(?:(x)|a)(?:\\1|b)", u"(?>(a|b)*)c",
-                                     u"(a)(??b)\\1?", u"(?=(a|b))(??$1)."};
+const char16_t* const kPatterns[] = {
+    u"a(b+)c",    u"(a)|(b)",        u"(a)?(?(1)b|c)",      u"(?:(a)|b)*\\1", u"((a)b)+",      u"b*",
+    u"(?<=(a))b", u"(?:a|ab|(b))*c", u"(?:(x)|a)(?:\\1|b)", u"(?>(a|b)*)c",   u"(a)(??b)\\1?", u"(?=(a|b))(??$1)."};
 
 // A search that begins there and nowhere else is the same thing with a state of its own.
 TEST(MatchBool, AnswersAsASearchAtThatPositionWhateverTheStateWasUsedFor) {
     const std::u16string text = u"xabcabbcaab";
     const std::function<void(RE_Search_Info&)> uses[] = {
-        [](RE_Search_Info&) {},
-        [](RE_Search_Info& info) { info.resetForStart(info.subjectBegin + 5); },
+        [](RE_Search_Info&) {}, [](RE_Search_Info& info) { info.resetForStart(info.subjectBegin + 5); },
         [&](RE_Search_Info& info) { runAt(RE_Tree(u"(.)(.)(.)", false), 2, info); },
         [&](RE_Search_Info& info) { runAt(RE_Tree(u"(?:(a)|(b)|(c)){3}$", false), 1, info); },
         [&](RE_Search_Info& info) {  // a memo of a graph that is gone
@@ -164,10 +163,10 @@ private:
 // The oracle is the other pattern as an atomic group of the first: what the search knows of its own graph it has to
 // know afterwards.
 TEST(MatchBool, LeavesTheSearchThatItRunsInAsItWas) {
-    const char16_t* const fronts[] = {u"(a)", u"((?:a|aa|b)*)", u"(?:(a)|b){1,3}?", u"(?:(a)|(b))*", u"(?:(a?)|b)*",
-                                      u"((?:(?:a|aa)*b)*)", u"x?(?>(a)|b)"};
-    const char16_t* const others[] = {u"b", u"(?:a|ab)*c", u"(?:a?b?)*?c", u"(?<=b)c", u"(?:a|b){2}c",
-                                      u"(?:b|(x)(y)(z))*c"};
+    const char16_t* const fronts[] = {u"(a)",         u"((?:a|aa|b)*)",     u"(?:(a)|b){1,3}?", u"(?:(a)|(b))*",
+                                      u"(?:(a?)|b)*", u"((?:(?:a|aa)*b)*)", u"x?(?>(a)|b)"};
+    const char16_t* const others[] = {u"b",       u"(?:a|ab)*c",  u"(?:a?b?)*?c",
+                                      u"(?<=b)c", u"(?:a|b){2}c", u"(?:b|(x)(y)(z))*c"};
     const std::u16string long_text = std::u16string(300, u'a') + u"bc";
     RE_Context host;
     for (const char16_t* front : fronts) {

@@ -32,8 +32,7 @@ std::string describeWarnings(const MatchCase& match, const std::vector<Warning>&
     std::string text;
     for (size_t index = 0; index < seen.size(); ++index) {
         const bool pinned = index < match.warnings.size() && match.warnings[index].position;
-        text += " " + std::to_string(seen[index].number) +
-                (pinned ? "@" + std::to_string(seen[index].position) : "");
+        text += " " + std::to_string(seen[index].number) + (pinned ? "@" + std::to_string(seen[index].position) : "");
     }
     return text;
 }
@@ -50,13 +49,12 @@ std::string expectedWarnings(const MatchCase& match) {
 /// Offsets before, at and after the one of the case, asked in an order that revisits earlier positions.
 std::string sharedTableProblem(const MatchCase& match, const Engine& engine) {
     RE_Seek_Table table;
-    for (const size_t offset :
-         {size_t{0}, match.offset, size_t{1}, match.subject.size(), size_t{2}, match.offset}) {
+    for (const size_t offset : {size_t{0}, match.offset, size_t{1}, match.subject.size(), size_t{2}, match.offset}) {
         const std::string fresh = describe(engine.search(match.subject, offset));
         const std::string shared = describe(engine.search(match.subject, offset, table));
         if (fresh != shared) {
-            return "with a shared seek table at offset " + std::to_string(offset) + " got " + shared +
-                   " instead of " + fresh;
+            return "with a shared seek table at offset " + std::to_string(offset) + " got " + shared + " instead of " +
+                   fresh;
         }
     }
     return "";
@@ -71,8 +69,7 @@ std::string problem(const MatchCase& match, const EngineConfig& config) {
         return "expected " + describe(match.expected) + ", got " + describe(outcome);
     }
     if (match.checksWarnings && describeWarnings(match, engine.warnings()) != expectedWarnings(match)) {
-        return "expected warnings" + expectedWarnings(match) + ", got" +
-               describeWarnings(match, engine.warnings());
+        return "expected warnings" + expectedWarnings(match) + ", got" + describeWarnings(match, engine.warnings());
     }
     return sharedTableProblem(match, engine);
 }
@@ -83,9 +80,9 @@ TEST_P(MatchTable, HoldsUnderEverySettingOfTheOptions) {
         for (const EngineConfig& config : allConfigs()) {
             const std::string found = problem(match, config);
             if (!found.empty()) {
-                ADD_FAILURE() << match.place << "  " << printable(match.pattern) << "  on '"
-                              << printable(match.subject) << "' from " << match.offset << "  flags 0x"
-                              << std::hex << match.flags << std::dec << "  (" << config << "): " << found;
+                ADD_FAILURE() << match.place << "  " << printable(match.pattern) << "  on '" << printable(match.subject)
+                              << "' from " << match.offset << "  flags 0x" << std::hex << match.flags << std::dec
+                              << "  (" << config << "): " << found;
                 break;
             }
         }
@@ -108,8 +105,7 @@ TEST_P(MatchTable, AgreesWithTheReferenceMatcherWhereItReads) {
             reference::search(match.pattern, match.flags, match.subject, match.offset, {20000});
         if (outcome) {
             dropUncheckedTokens(match, *outcome);
-            EXPECT_EQ(describe(match.expected), describe(*outcome))
-                << match.place << " " << printable(match.pattern);
+            EXPECT_EQ(describe(match.expected), describe(*outcome)) << match.place << " " << printable(match.pattern);
             ++compared;
         }
     }

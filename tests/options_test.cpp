@@ -80,8 +80,8 @@ struct ParseCase {
 
 std::string switchesOf(const CompileOptions& options) {
     std::string text;
-    for (const bool on : {options.optimizeLinearSubpatterns(), options.optimizeDotStar(),
-                          options.optimizeNullNodes(), options.profile()}) {
+    for (const bool on : {options.optimizeLinearSubpatterns(), options.optimizeDotStar(), options.optimizeNullNodes(),
+                          options.profile()}) {
         text += on ? '1' : '0';
     }
     return text;

@@ -108,10 +108,18 @@ std::optional<std::string> outputOf(const std::string& command) {
     return WIFEXITED(status) && WEXITSTATUS(status) == 0 ? std::optional(printed) : std::nullopt;
 }
 
-bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
-bool isLowerCase(char c) { return c >= 'a' && c <= 'z'; }
-bool isUpperCase(char c) { return c >= 'A' && c <= 'Z'; }
-bool isWordCharacter(char c) { return isLetter(c) || (c >= '0' && c <= '9') || c == '_'; }
+bool isLetter(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+}
+bool isLowerCase(char c) {
+    return c >= 'a' && c <= 'z';
+}
+bool isUpperCase(char c) {
+    return c >= 'A' && c <= 'Z';
+}
+bool isWordCharacter(char c) {
+    return isLetter(c) || (c >= '0' && c <= '9') || c == '_';
+}
 
 /// The longest beginning of the text whose characters pass the test.
 template <class Test>
@@ -171,8 +179,8 @@ bool isCode(std::string_view line) {
     const std::string_view variable = takeWhile(line, [](char c) { return isUpperCase(c) || c == '_'; });
     const bool setsVariable = !variable.empty() && line.substr(variable.size()).starts_with('=');
     const bool callsTool = line.starts_with("cvregexp ") && !line.starts_with("cvregexp --");
-    const bool isPath = line.starts_with("/") || line.starts_with("./") || line.starts_with("../") ||
-                        line.starts_with("build/");
+    const bool isPath =
+        line.starts_with("/") || line.starts_with("./") || line.starts_with("../") || line.starts_with("build/");
     return setsVariable || callsTool || isPath || line.starts_with("#include") || line.ends_with(';') ||
            line.ends_with('{');
 }

@@ -19,7 +19,9 @@
 namespace corvane_tests {
 namespace {
 
-auto nodesOf(const RE_Tree& tree) { return RE_Collection::reachable(const_cast<RE_Node*>(tree.getRoot())); }
+auto nodesOf(const RE_Tree& tree) {
+    return RE_Collection::reachable(const_cast<RE_Node*>(tree.getRoot()));
+}
 
 template <class Nodes>
 std::string labels(const Nodes& nodes) {
@@ -43,8 +45,7 @@ constexpr EngineConfig kLinear{true, false, true, 1024, false};
 constexpr EngineConfig kAll{true, true, true, 1024, false};
 
 const Case kCases[] = {
-    {u"a()b", 0x12, kNothing,
-     "Null; Match 'a'; Token start #1; Token end #1; Match 'b'; Null; End"},
+    {u"a()b", 0x12, kNothing, "Null; Match 'a'; Token start #1; Token end #1; Match 'b'; Null; End"},
     {u"a(?:)b", 0x12, kNulls, "Match 'a'; Match 'b'; End"},
     {u"abc", 0x12, kLinear, "Match 'abc'; End"},
     {u"abc", 0x13, kLinear, "Match 'abc' ignoring case; End"},
@@ -133,8 +134,13 @@ std::vector<std::string> sortedLines(const std::string& text) {
 // Then passes do the same later, and both have to come to one graph.
 TEST(Passes, MakeTheSameGraphWhetherOrNotTheStagesAreWatched) {
     PatternSource source(5);
-    std::vector<std::u16string> patterns{u"ab\\0cd(?:ef)g+hi(?i:-j)kl", u"(?:abc){3}d(?:e|fg)hi", u"a(?i:b-)--c",
-                                         u"x(?=ab)cd", u"(?:a+)+b|(?:(?:[ab]+)+)*c", u"(?:b|x*?)b|(?:|\\d{0,5}?)y", u"a?(?:b|.|c)d",
+    std::vector<std::u16string> patterns{u"ab\\0cd(?:ef)g+hi(?i:-j)kl",
+                                         u"(?:abc){3}d(?:e|fg)hi",
+                                         u"a(?i:b-)--c",
+                                         u"x(?=ab)cd",
+                                         u"(?:a+)+b|(?:(?:[ab]+)+)*c",
+                                         u"(?:b|x*?)b|(?:|\\d{0,5}?)y",
+                                         u"a?(?:b|.|c)d",
                                          u"x{2,}?y{0,3}z{4,40}+(?:a+?){2,}(?<=b{3,}?)[cd]?+"};
     for (int count = 0; count < 500; ++count) patterns.push_back(source.pattern());
     for (const std::u16string& pattern : patterns) {
@@ -157,7 +163,10 @@ std::vector<RE_Node*> bottlenecks(const Nodes& nodes, RE_Node* root) {
 }
 
 TEST(Passes, KnowWhatEveryMatchPasses) {
-    const struct { const char16_t* pattern; const char* labels; } cases[] = {
+    const struct {
+        const char16_t* pattern;
+        const char* labels;
+    } cases[] = {
         {u"ab(?:cd|e\\d)fg", "Match 'ab'; Dispatch to 2 ways; Match 'fg'; End"},
         {u"a(?:b(?:cd)?)*e", "Match 'a'; Dispatch to 2 ways; Match 'e'; End"},
         {u"a(?:bc)+d", "Match 'a'; Match 'bc'; Dispatch to 2 ways; Match 'd'; End"},
@@ -182,11 +191,16 @@ TEST(Passes, KnowWhatEveryMatchPasses) {
 
 TEST(Nodes, MeasureWhatFollowsThem) {
     constexpr std::uint64_t kUnbounded = RE_Node::unboundedLength;
-    const struct { const char16_t* pattern; std::uint64_t least, greatest; } cases[] = {
-        {u"ab(?:c|de)f", 4, 5}, {u"a{2,5}b", 3, 6},      {u"xa+?b?", 2, kUnbounded},
-        {u"(?>ab?)c", 2, 3},    {u"(?<=abc)(?!d)e", 1, 1}, {u"(a)x\\1", 2, kUnbounded},
+    const struct {
+        const char16_t* pattern;
+        std::uint64_t least, greatest;
+    } cases[] = {
+        {u"ab(?:c|de)f", 4, 5},         {u"a{2,5}b", 3, 6},
+        {u"xa+?b?", 2, kUnbounded},     {u"(?>ab?)c", 2, 3},
+        {u"(?<=abc)(?!d)e", 1, 1},      {u"(a)x\\1", 2, kUnbounded},
         {u"(?:ab|c)*d", 1, kUnbounded}, {u"(?:abc|de|fghi)[xy]", 3, 5},
-        {u"(?(?=a)abc)d", 1, 4}, {u"(?(?!a)bc|d)e", 2, 3}, {u"(?(?<=a)|bc)d", 1, 3}, {u"(a)?(?(1)bc)d", 1, 4},
+        {u"(?(?=a)abc)d", 1, 4},        {u"(?(?!a)bc|d)e", 2, 3},
+        {u"(?(?<=a)|bc)d", 1, 3},       {u"(a)?(?(1)bc)d", 1, 4},
     };
     for (const auto& c : cases) {
         const RE_Tree tree(c.pattern, false);

@@ -131,8 +131,7 @@ TEST(RandomPatterns, FindTheSameInLongRunsAsThePlainGraph) {
         const std::u16string subject = source.runs(7, 150);
         const auto expected = plain.searchWithin(subject, 0, {.steps = 20000});
         const auto got = fast.searchWithin(subject, 0, {.steps = 20000});
-        ASSERT_TRUE(!expected || !got || *expected == *got)
-            << printable(drawn.text) << " on " << printable(subject);
+        ASSERT_TRUE(!expected || !got || *expected == *got) << printable(drawn.text) << " on " << printable(subject);
     }
 }
 

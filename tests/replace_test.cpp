@@ -74,7 +74,8 @@ TEST(Replace, WritesWhatTheTableSaysThroughEveryOverload) {
             buffer = replace.replace(buffer, &length, &capacity, &tree, c.adjustCase, c.which);
             EXPECT_EQ(printable(expected), printable({buffer, length}));
             EXPECT_EQ(expected.size() > subject.size() + spare ? subject.size() + spare + expected.size()
-                                                               : subject.size() + spare, capacity);
+                                                               : subject.size() + spare,
+                      capacity);
             utFree(buffer);
         }
         if (expected.find(0xD83D) == expected.npos) {
@@ -100,8 +101,8 @@ TEST(Replace, CompilesBothTextsForOneCall) {
             auto* buffer = static_cast<char*>(utMallocWithCheck(length));
             std::memcpy(buffer, "aAxA", length);
             buffer = RE_Replace::replace(buffer, &length, "a", replacement, ignoreCase, false);
-            const std::string expected = replacement == nullptr ? (ignoreCase ? "x" : "AxA")
-                                                                : (ignoreCase ? "<a><A>x<A>" : "<a>AxA");
+            const std::string expected =
+                replacement == nullptr ? (ignoreCase ? "x" : "AxA") : (ignoreCase ? "<a><A>x<A>" : "<a>AxA");
             EXPECT_EQ(expected, std::string(buffer, length));
             utFree(buffer);
         }
@@ -206,9 +207,9 @@ TEST(Replace, FreeSpacingCountsOnlyTheNameAndCommentsHideBraces) {
     const RE_Tree tree(u"(?<a>x)", false);
     const std::pair<std::u16string, const char16_t*> names[] = {
         {u"$< a >|$<a>|$<a#\n>", u"x >|x|x\n>"},
-        {u"$<#$<a>$< a>\n", u"$<#xx>\n"},                     // brackets in a comment that hides no name
-        {u"$<#$<$< -\n #\nab", u"$<#$<$< -\n #\nab"},         // each leads to a name without an end
-        {u"$<#$<\n#\na #$<a>\n>|", u"x<\n#\na #x\n>|"},         // behind two comments there is one
+        {u"$<#$<a>$< a>\n", u"$<#xx>\n"},                // brackets in a comment that hides no name
+        {u"$<#$<$< -\n #\nab", u"$<#$<$< -\n #\nab"},    // each leads to a name without an end
+        {u"$<#$<\n#\na #$<a>\n>|", u"x<\n#\na #x\n>|"},  // behind two comments there is one
         {u"$< #", u"$< #"},
     };
     for (const auto& [text, result] : names) {
@@ -216,9 +217,9 @@ TEST(Replace, FreeSpacingCountsOnlyTheNameAndCommentsHideBraces) {
         EXPECT_EQ(printable(result), printable(replace.replace(u"x", tree, false, 0))) << printable(text);
     }
     const std::pair<const char16_t*, bool> expressions[] = {
-        {u"${a}", true},   {u"${}", true},       {u"${(})}", true}, {u"${(}", false},    {u"${\\}}", true},
-        {u"${\\}", false}, {u"${#}\n}", true},   {u"${#}", false},  {u"${[{()}]}", true}, {u"${)]}", true},
-        {u"${", false},    {u"${([{\\", false},  {u"${a[(]b}", false}, {u"${[[]}", false}, {u"${[\\(]}", true}};
+        {u"${a}", true},   {u"${}", true},      {u"${(})}", true},    {u"${(}", false},     {u"${\\}}", true},
+        {u"${\\}", false}, {u"${#}\n}", true},  {u"${#}", false},     {u"${[{()}]}", true}, {u"${)]}", true},
+        {u"${", false},    {u"${([{\\", false}, {u"${a[(]b}", false}, {u"${[[]}", false},   {u"${[\\(]}", true}};
     for (const auto& [text, isExpression] : expressions) {
         const RE_Replace replace(text, std::u16string_view(text).size(), 0x18, &allowing);
         EXPECT_EQ(isExpression, replace.graph().find("Evaluate") != std::string::npos) << printable(text);
@@ -257,15 +258,17 @@ TEST(Replace, PutsVariablesInPlaceOfDistinctReferences) {
 }
 
 TEST(Replace, DrawsItsChain) {
-    EXPECT_EQ("digraph regexprep {\n  n1 [label=\"'a\\\"'\"];\n  n2 [label=\"Token #1\"];\n  n1 -> n2;\n"
-              "  n3 [label=\"''\"];\n  n2 -> n3;\n}\n", RE_Replace(u"a\"$1").graph());
+    EXPECT_EQ(
+        "digraph regexprep {\n  n1 [label=\"'a\\\"'\"];\n  n2 [label=\"Token #1\"];\n  n1 -> n2;\n"
+        "  n3 [label=\"''\"];\n  n2 -> n3;\n}\n",
+        RE_Replace(u"a\"$1").graph());
 }
 
 // Twenty times the matches take as many allocations, whatever the pattern keeps from match to match.
 TEST(Replace, AllocatesNoMoreForMoreMatches) {
     RE_Context host;
-    const char16_t* patterns[] = {u"a",       u"(a)(b)", u"(?<n>a+?)b", u"(?:a|ab)(?>b*)", u"(?<=(a))b", u"(a|b)\\1",
-                                  u"\\w{2,3}", u"a*",     u"(?:(a)|b){2,4}?", u"(?:(?:ab){2}){1,2}"};
+    const char16_t* patterns[] = {u"a",        u"(a)(b)",   u"(?<n>a+?)b", u"(?:a|ab)(?>b*)",  u"(?<=(a))b",
+                                  u"(a|b)\\1", u"\\w{2,3}", u"a*",         u"(?:(a)|b){2,4}?", u"(?:(?:ab){2}){1,2}"};
     for (const std::u16string pattern : patterns) {
         size_t requests[2] = {};
         const RE_Tree tree(pattern.data(), pattern.size(), kEmptyToo, &host);

@@ -53,8 +53,7 @@ void compareAll(const std::u16string& text) {
         [](auto p, auto end) { return findUnit(p, end, kPair); },
         [](auto p, auto end) { return findLastUnit(p, end, kPair); });
     compare(
-        text, kProbe.secondAt,
-        [](const char16_t* p) { return kProbe.first.holds(p[2]) && kProbe.second.holds(p[5]); },
+        text, kProbe.secondAt, [](const char16_t* p) { return kProbe.first.holds(p[2]) && kProbe.second.holds(p[5]); },
         [](auto p, auto end) { return findProbe(p, end, kProbe); },
         [](auto p, auto end) { return findLastProbe(p, end, kProbe); });
     const auto threeHold = [](const char16_t* p) {
@@ -77,7 +76,8 @@ void compareAll(const std::u16string& text) {
             }
             return nullptr;
         };
-        compare(text, 2, holds, [&scan](auto p, auto end) { return findPrefix(p, end, scan); }, last);
+        compare(
+            text, 2, holds, [&scan](auto p, auto end) { return findPrefix(p, end, scan); }, last);
     }
     RE_Unit_Set letters;
     letters.addRange(u'A', u'Z');

@@ -50,7 +50,9 @@ protected:
         GTEST_SKIP() << "the command-line tool was not built";
 #endif
     }
-    void TearDown() override { std::remove(file.c_str()); }
+    void TearDown() override {
+        std::remove(file.c_str());
+    }
 
     void write(const std::string& pattern, const std::string& subject) const {
 #ifdef CORVANE_TOOL_PATH
@@ -77,8 +79,7 @@ TEST_F(TracePage, ReplaysTheSearchToTheEnginesResult) {
         }
         write(pattern, subject);
         const std::string document = open("end");
-        const std::string extent =
-            std::to_string(outcome.start) + "," + std::to_string(outcome.start + outcome.length);
+        const std::string extent = std::to_string(outcome.start) + "," + std::to_string(outcome.start + outcome.length);
         EXPECT_NE(std::string::npos,
                   bodyTag(document).find("data-extent=\"" + extent + "\" data-tokens=\"" + tokens + "\""))
             << bodyTag(document);

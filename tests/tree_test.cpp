@@ -23,9 +23,12 @@ using Results = std::unique_ptr<RE_Results>;
 TEST(Tree, GivesTheSameAnswerThroughEveryConstructorAndMatch) {
     const RE_Builder_Space::RE_Builder builder(u"A(b+)C");
     RE_Context host;
-    const RE_Tree trees[] = {RE_Tree(u"A(b+)C", true), RE_Tree(u"A(b+)Cxx", 6, true),
-                             RE_Tree(std::u16string(u"A(b+)C"), true), RE_Tree(builder, true),
-                             RE_Tree("A(b+)C", true), RE_Tree(builder, RE_DEFAULT_FLAGS | RE_FLAG_IGNORE_CASE, &host)};
+    const RE_Tree trees[] = {RE_Tree(u"A(b+)C", true),
+                             RE_Tree(u"A(b+)Cxx", 6, true),
+                             RE_Tree(std::u16string(u"A(b+)C"), true),
+                             RE_Tree(builder, true),
+                             RE_Tree("A(b+)C", true),
+                             RE_Tree(builder, RE_DEFAULT_FLAGS | RE_FLAG_IGNORE_CASE, &host)};
     for (const RE_Tree& tree : trees) {
         RE_Seek_Table table;
         const Results wide[] = {Results(tree.match(std::u16string(u"xxabbc"), 0)), Results(tree.match(u"xxabbc", 6, 1)),

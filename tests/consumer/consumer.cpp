@@ -61,9 +61,7 @@ public:
         CHECK(!text.pattern().empty());
         return new RE_Evaluation_IO(stem);
     }
-    void create_fcn(RE_Evaluation_IO* body, RE_Evaluation_Inputs*) override {
-        CHECK(body->get_length() != 0);
-    }
+    void create_fcn(RE_Evaluation_IO* body, RE_Evaluation_Inputs*) override { CHECK(body->get_length() != 0); }
     void warn(const char16_t*, RE_Warning warning) override { warnings.push_back(warning); }
     void set_string(const char16_t*, std::size_t) override {}
     RE_Context* clone() override { return new Host; }
@@ -375,10 +373,17 @@ void makeNodes() {
         auto* const atomic = parser.make<RE_Atomic>();
         auto* const around = parser.make<RE_Lookaround_Assertion>(true, false);
         auto* const counter = parser.make<RE_Fixed_Counter>(2u);
-        RE_Node* const made[] = {loop, split, text, atomic, around, counter,
-                                 parser.make<RE_Limit_Counter>(2u), parser.make<RE_Lazy_Counter>(2u),
+        RE_Node* const made[] = {loop,
+                                 split,
+                                 text,
+                                 atomic,
+                                 around,
+                                 counter,
+                                 parser.make<RE_Limit_Counter>(2u),
+                                 parser.make<RE_Lazy_Counter>(2u),
                                  parser.make<RE_Counter_Popper>(counter),
-                                 parser.make<RE_Lazy_Decrementer>(counter), parser.make<RE_Start_Counter>()};
+                                 parser.make<RE_Lazy_Decrementer>(counter),
+                                 parser.make<RE_Start_Counter>()};
         for (RE_Node* const node : made) {
             node->initSeek();
             CHECK(!node->label().empty() && node->seekKey(true));
@@ -456,8 +461,8 @@ void replaceEveryWay() {
     RE_Search_Report report;
     std::size_t matches = 0, length = 0, capacity = 8;
     const std::u16string expected = u"xx<bb>, <b> and ac";
-    const RE_Replace swaps[] = {RE_Replace(std::u16string(u"<$1>")), RE_Replace(u"<$1>", 4),
-                                RE_Replace("<$<run>>"), RE_Replace(u"<$1>", 4, RE_DEFAULT_FLAGS, &host)};
+    const RE_Replace swaps[] = {RE_Replace(std::u16string(u"<$1>")), RE_Replace(u"<$1>", 4), RE_Replace("<$<run>>"),
+                                RE_Replace(u"<$1>", 4, RE_DEFAULT_FLAGS, &host)};
     for (const RE_Replace& swap : swaps) {
         CHECK(swap.replace(kText, tree, false, 0) == expected && swap.getReferenceCount() == 1);
     }

@@ -106,8 +106,7 @@ std::vector<MatchCase> readCaseFile(const std::string& path) {
         if (line.empty() || line.rfind("# ", 0) == 0) {
             continue;
         }
-        const std::string place =
-            std::filesystem::path(path).filename().string() + ":" + std::to_string(number);
+        const std::string place = std::filesystem::path(path).filename().string() + ":" + std::to_string(number);
         try {
             cases.push_back(readLine(line));
         } catch (const std::exception& error) {

@@ -50,8 +50,8 @@ unsigned long environmentNumber(const char* name, unsigned long fallback) {
 void Comparison::note(const Question& question, const std::string& where, const std::string& expected,
                       const std::string& got) {
     if (++m_differing <= kKept) {
-        m_differences.push_back({question.pattern.text, question.pattern.flags, question.subject,
-                                 question.offset, where + " walk=" + nameOf(question.walk), expected, got});
+        m_differences.push_back({question.pattern.text, question.pattern.flags, question.subject, question.offset,
+                                 where + " walk=" + nameOf(question.walk), expected, got});
     }
 }
 
@@ -75,8 +75,7 @@ void Comparison::run(const std::u16string& pattern, RE_Flags flags, const Engine
             const std::vector<Outcome> expected = seenBy(walk, *matches);
             const std::vector<Outcome> got = walkThrough(engine.tree(), subject, offset, walk, table);
             if (got != expected) {
-                note({{pattern, flags}, subject, offset, walk}, describe(config), describe(expected),
-                     describe(got));
+                note({{pattern, flags}, subject, offset, walk}, describe(config), describe(expected), describe(got));
             }
         }
     }
@@ -99,12 +98,10 @@ struct Comparison::Parties {
     }
 };
 
-void Comparison::referee(PatternSource& source, const DrawnPattern& pattern,
-                         const std::vector<EngineConfig>& configs) {
+void Comparison::referee(PatternSource& source, const DrawnPattern& pattern, const std::vector<EngineConfig>& configs) {
     Parties parties(pattern, configs);
     for (int count = 0; count < 3; ++count) {
-        refereeOn(drawSubject(source, parties.parsed ? &*parties.parsed : nullptr, kLongest), source,
-                  parties);
+        refereeOn(drawSubject(source, parties.parsed ? &*parties.parsed : nullptr, kLongest), source, parties);
     }
 }
 
@@ -164,16 +161,15 @@ std::string Comparison::report() const {
         return "";
     }
     std::vector<Difference> sorted = m_differences;
-    std::stable_sort(sorted.begin(), sorted.end(), [](const Difference& left, const Difference& right) {
-        return weight(left) < weight(right);
-    });
+    std::stable_sort(sorted.begin(), sorted.end(),
+                     [](const Difference& left, const Difference& right) { return weight(left) < weight(right); });
     std::ostringstream text;
     text << m_differing << " differences in " << m_compared << " walks; the shortest:\n";
     for (size_t index = 0; index < std::min(kShown, sorted.size()); ++index) {
         const Difference& found = sorted[index];
         text << printable(found.pattern) << "  flags 0x" << std::hex << found.flags << std::dec << "  on '"
-             << printable(found.subject) << "' from " << found.offset << "  (" << found.where
-             << ")  expected " << found.expected << "  got " << found.got << "\n";
+             << printable(found.subject) << "' from " << found.offset << "  (" << found.where << ")  expected "
+             << found.expected << "  got " << found.got << "\n";
     }
     return text.str();
 }

@@ -48,11 +48,9 @@ public:
 
     /// The plain graph against the reference where that can answer, and each of the settings against the plain
     /// graph: matches, tokens and calls of the host, over subjects, offsets and walks that are drawn.
-    void referee(PatternSource& source, const DrawnPattern& pattern,
-                 const std::vector<EngineConfig>& configs);
+    void referee(PatternSource& source, const DrawnPattern& pattern, const std::vector<EngineConfig>& configs);
     /// The same over all short subjects of two letters.
-    void refereeDense(PatternSource& source, const DrawnPattern& pattern,
-                      const std::vector<EngineConfig>& configs);
+    void refereeDense(PatternSource& source, const DrawnPattern& pattern, const std::vector<EngineConfig>& configs);
 
     size_t compared() const { return m_compared; }
     /// How many walks the reference judged, and how many of these found something.
@@ -72,12 +70,10 @@ private:
         size_t offset;
         Walk walk;
     };
-    void note(const Question& question, const std::string& where, const std::string& expected,
-              const std::string& got);
-    void judgeBySetting(const Question& question, const EngineConfig& config,
-                        const TestedPattern::Found& expected, const TestedPattern::Found& got);
-    void judgeByReference(const Question& question, const reference::Pattern& parsed,
-                          const std::vector<Outcome>& got);
+    void note(const Question& question, const std::string& where, const std::string& expected, const std::string& got);
+    void judgeBySetting(const Question& question, const EngineConfig& config, const TestedPattern::Found& expected,
+                        const TestedPattern::Found& got);
+    void judgeByReference(const Question& question, const reference::Pattern& parsed, const std::vector<Outcome>& got);
 
     std::vector<Difference> m_differences;
     size_t m_compared = 0;

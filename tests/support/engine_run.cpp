@@ -115,8 +115,7 @@ Outcome Engine::search(std::u16string_view subject, size_t offset) const {
 
 Outcome Engine::search(std::u16string_view subject, size_t offset, RE_Seek_Table& table) const {
     const InquiryDelays delays(m_config);
-    const std::unique_ptr<RE_Results> results(
-        m_tree.match(subject.data(), subject.size(), offset, &table));
+    const std::unique_ptr<RE_Results> results(m_tree.match(subject.data(), subject.size(), offset, &table));
     return toOutcome(results.get());
 }
 
@@ -124,8 +123,7 @@ std::optional<Outcome> Engine::searchWithin(std::u16string_view subject, size_t 
                                             const RE_Search_Limits& limits) const {
     const InquiryDelays delays(m_config);
     RE_Search_Report report;
-    const std::unique_ptr<RE_Results> results(
-        m_tree.match(subject.data(), subject.size(), offset, limits, report));
+    const std::unique_ptr<RE_Results> results(m_tree.match(subject.data(), subject.size(), offset, limits, report));
     return report.isComplete() ? std::optional<Outcome>(toOutcome(results.get())) : std::nullopt;
 }
 

@@ -45,8 +45,7 @@ std::ostream& operator<<(std::ostream& out, const EngineConfig& config);
 const std::vector<EngineConfig>& allConfigs();
 
 /// Stores the setting in the options.
-const Corvane::regexp::CompileOptions& configured(Corvane::regexp::CompileOptions& options,
-                                                  const EngineConfig& config);
+const Corvane::regexp::CompileOptions& configured(Corvane::regexp::CompileOptions& options, const EngineConfig& config);
 
 struct Warning {
     unsigned number = 0;
@@ -73,8 +72,7 @@ private:
 /// A context with options of its own that notes the warnings; evaluation stays forbidden as in the base.
 class RecordingContext : public RE_Context {
 public:
-    explicit RecordingContext(const Corvane::regexp::CompileOptions& compileOptions)
-        : RE_Context(compileOptions) {}
+    explicit RecordingContext(const Corvane::regexp::CompileOptions& compileOptions) : RE_Context(compileOptions) {}
 
     void warn(const char16_t* where, RE_Warning warning) override;
     void set_string(const char16_t* text, size_t length) override;

@@ -18,8 +18,7 @@ std::u16string escaped(char16_t unit) {
 
 }  // namespace
 
-std::optional<std::u16string> scriptedAnswer(std::u16string_view expression,
-                                             const std::vector<std::u16string>& texts) {
+std::optional<std::u16string> scriptedAnswer(std::u16string_view expression, const std::vector<std::u16string>& texts) {
     const std::u16string first = texts.empty() ? u"" : texts.front();
     if (expression.starts_with(u"=")) {
         return std::u16string(expression.substr(1));

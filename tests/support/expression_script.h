@@ -18,7 +18,6 @@ namespace corvane_tests {
 ///     yes        yes
 ///
 /// Anything else has no answer.
-std::optional<std::u16string> scriptedAnswer(std::u16string_view expression,
-                                             const std::vector<std::u16string>& texts);
+std::optional<std::u16string> scriptedAnswer(std::u16string_view expression, const std::vector<std::u16string>& texts);
 
 }  // namespace corvane_tests

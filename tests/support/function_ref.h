@@ -17,14 +17,11 @@ class FunctionRef<Result(Arguments...)> {
 public:
     template <typename Callable>
     FunctionRef(const Callable& callable)
-        : m_object(std::addressof(callable)),
-          m_call([](const void* object, Arguments... arguments) -> Result {
+        : m_object(std::addressof(callable)), m_call([](const void* object, Arguments... arguments) -> Result {
               return (*static_cast<const Callable*>(object))(std::forward<Arguments>(arguments)...);
           }) {}
 
-    Result operator()(Arguments... arguments) const {
-        return m_call(m_object, std::forward<Arguments>(arguments)...);
-    }
+    Result operator()(Arguments... arguments) const { return m_call(m_object, std::forward<Arguments>(arguments)...); }
 
 private:
     const void* m_object;

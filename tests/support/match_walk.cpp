@@ -68,8 +68,7 @@ std::vector<Outcome> walkThrough(const RE_Tree& tree, std::u16string_view subjec
     }
     if (walk == Walk::sequence) {
         RE_Match_Sequence sequence(tree, subject);
-        return matchAfterMatch(subject.size(), offset,
-                               [&](size_t from) { return toOutcome(sequence.find(from)); });
+        return matchAfterMatch(subject.size(), offset, [&](size_t from) { return toOutcome(sequence.find(from)); });
     }
     RE_Seek_Table* const known = walk == Walk::table ? &table : nullptr;
     return matchAfterMatch(subject.size(), offset, [&](size_t from) {
@@ -89,8 +88,7 @@ std::string describe(const std::vector<Outcome>& matches) {
 TestedPattern::TestedPattern(std::u16string_view pattern, RE_Flags flags, const EngineConfig& config)
     : m_config(config), m_host(scripted()), m_run(pattern, m_host, flags, config) {}
 
-std::optional<TestedPattern::Found> TestedPattern::walk(const std::u16string& subject, size_t offset,
-                                                        Walk walk) {
+std::optional<TestedPattern::Found> TestedPattern::walk(const std::u16string& subject, size_t offset, Walk walk) {
     if (!m_table || subject != m_subject) {
         m_subject = subject;
         m_table.emplace();

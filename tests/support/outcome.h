@@ -37,8 +37,8 @@ inline std::string describe(const Outcome& outcome) {
     std::string text = "[" + std::to_string(outcome.start) + "," + std::to_string(outcome.length) + "]";
     for (size_t index = 0; index < outcome.tokens.size(); ++index) {
         const Token& token = outcome.tokens[index];
-        text += " t" + std::to_string(index) + "=(" + std::to_string(token.start) + "," +
-                std::to_string(token.length) + ")" + (token.tookPart ? "" : "~");
+        text += " t" + std::to_string(index) + "=(" + std::to_string(token.start) + "," + std::to_string(token.length) +
+                ")" + (token.tookPart ? "" : "~");
         if (!token.name.empty()) {
             text += printable(token.name);
         }

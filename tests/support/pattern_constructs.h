@@ -49,9 +49,9 @@ struct Construct {
     std::u16string text;
     Empty empty;
     unsigned traits = 0;
-    unsigned bars = 0;               ///< traits that nothing in its body may have
-    const char* barReason = nullptr; ///< why not
-    bool quantifiable = true;        ///< a quantifier after it takes hold of it
+    unsigned bars = 0;                ///< traits that nothing in its body may have
+    const char* barReason = nullptr;  ///< why not
+    bool quantifiable = true;         ///< a quantifier after it takes hold of it
 };
 
 /// Constructs without a body.

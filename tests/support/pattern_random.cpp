@@ -73,14 +73,12 @@ DrawnPattern PatternSource::draw(unsigned without) {
     const unsigned within = without | Coverage::construct(inner).bars | Coverage::construct(outer).bars;
     const size_t one = nextFitting(place / contexts, 0, leaves, within);
     const size_t other = nextFitting(place / contexts + leaves / 2, 0, leaves, within);
-    const bool asks =
-        ((Coverage::construct(inner).traits | Coverage::construct(outer).traits) & kDynamics) != 0;
+    const bool asks = ((Coverage::construct(inner).traits | Coverage::construct(outer).traits) & kDynamics) != 0;
     const RE_Flags modes = flags() | (asks ? RE_FLAG_EVALUATE : 0U);
     const bool possible = Coverage::isPossible(inner, outer - leaves);
     PatternWriter writer(m_random, m_coverage, modes, without);
     using Wanted = std::vector<std::vector<size_t>>;
-    return {writer.pattern(possible ? Wanted{{outer}, {inner}, {one, other}} : Wanted{{inner}, {one, other}}),
-            modes};
+    return {writer.pattern(possible ? Wanted{{outer}, {inner}, {one, other}} : Wanted{{inner}, {one, other}}), modes};
 }
 
 size_t PatternSource::denseSweep() {

@@ -302,8 +302,8 @@ std::u16string asDynamicText(std::u16string_view pattern) {
         } else if (pattern[at] == u'\\') {
             text += u"\\\\";
             const char16_t next = pattern[++at];
-            const bool isWord = (next >= u'0' && next <= u'9') || (next >= u'A' && next <= u'Z') ||
-                                (next >= u'a' && next <= u'z');
+            const bool isWord =
+                (next >= u'0' && next <= u'9') || (next >= u'A' && next <= u'Z') || (next >= u'a' && next <= u'z');
             text += isWord ? u"" : u"\\";
             text += next;
         } else {

@@ -29,8 +29,7 @@ bool Coverage::isPossible(size_t construct, size_t context) {
     return (Coverage::construct(construct).traits & contextConstructs()[context].bars) == 0;
 }
 
-PatternWriter::PatternWriter(std::mt19937_64& random, Coverage& coverage, unsigned modes, unsigned without,
-                             bool dense)
+PatternWriter::PatternWriter(std::mt19937_64& random, Coverage& coverage, unsigned modes, unsigned without, bool dense)
     : m_random(random), m_coverage(coverage), m_modes(modes), m_without(without), m_dense(dense) {}
 
 std::u16string PatternWriter::pattern() {
@@ -172,8 +171,7 @@ Piece PatternWriter::sequence(int depth) {
 }
 
 Piece PatternWriter::item(int depth) {
-    return depth > 0 && oneIn(2) ? write(leafConstructs().size() + someContext(), depth - 1)
-                                 : write(someLeaf(), 0);
+    return depth > 0 && oneIn(2) ? write(leafConstructs().size() + someContext(), depth - 1) : write(someLeaf(), 0);
 }
 
 // Mostly plain units: what surrounds the constructs should match often.

@@ -23,9 +23,7 @@ public:
     static bool isPossible(size_t construct, size_t context);
 
     void note(size_t construct, size_t context) { ++m_counts[context * m_constructs + construct]; }
-    size_t count(size_t construct, size_t context) const {
-        return m_counts[context * m_constructs + construct];
-    }
+    size_t count(size_t construct, size_t context) const { return m_counts[context * m_constructs + construct]; }
 
 private:
     size_t m_constructs;
@@ -44,8 +42,7 @@ class PatternWriter {
 public:
     /// Modes are flag bits. Nothing that has one of the traits `without` is written. A dense pattern has little
     /// but what is asked for, over two letters.
-    PatternWriter(std::mt19937_64& random, Coverage& coverage, unsigned modes, unsigned without,
-                  bool dense = false);
+    PatternWriter(std::mt19937_64& random, Coverage& coverage, unsigned modes, unsigned without, bool dense = false);
 
     /// A whole pattern of what chance brings.
     std::u16string pattern();

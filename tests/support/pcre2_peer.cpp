@@ -15,8 +15,7 @@ constexpr std::uint32_t kMostSteps = 50000;
 /// Our `$` never matches before a final line feed. The peer's own shortcuts are off: in version 10.42 automatic
 /// possessive loops and start optimisations lose rare matches.
 std::uint32_t compileOptions(std::uint32_t flags) {
-    std::uint32_t options =
-        PCRE2_DOLLAR_ENDONLY | PCRE2_NO_AUTO_POSSESS | PCRE2_NO_START_OPTIMIZE;
+    std::uint32_t options = PCRE2_DOLLAR_ENDONLY | PCRE2_NO_AUTO_POSSESS | PCRE2_NO_START_OPTIMIZE;
     options |= (flags & 0x01U) != 0 ? PCRE2_CASELESS : 0U;
     options |= (flags & 0x02U) != 0 ? PCRE2_DOTALL : 0U;
     options |= (flags & 0x04U) != 0 ? PCRE2_MULTILINE : 0U;
@@ -53,8 +52,7 @@ Pcre2Pattern::Pcre2Pattern(std::u16string_view pattern, std::uint32_t flags)
     pcre2_set_newline_16(context, PCRE2_NEWLINE_LF);
     int error = 0;
     PCRE2_SIZE place = 0;
-    m_code->code =
-        pcre2_compile_16(units(pattern), pattern.size(), compileOptions(flags), &error, &place, context);
+    m_code->code = pcre2_compile_16(units(pattern), pattern.size(), compileOptions(flags), &error, &place, context);
     pcre2_compile_context_free_16(context);
 }
 

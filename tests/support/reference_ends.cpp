@@ -164,8 +164,8 @@ private:
 
     Ends reference(const Node& node, const End& from) const {
         refuseCases(node);
-        const bool matches = from.captured && node.number == 0 && m_subject.substr(from.at, from.length) ==
-                                                  m_subject.substr(from.start, from.length);
+        const bool matches = from.captured && node.number == 0 &&
+                             m_subject.substr(from.at, from.length) == m_subject.substr(from.start, from.length);
         return matches ? Ends{{from.at + from.length, true, from.start, from.length}} : Ends{};
     }
 

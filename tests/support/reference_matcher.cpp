@@ -57,9 +57,7 @@ struct Here : Place {
                                : std::optional<std::u16string>(subject.substr(slot->start, slot->length));
     }
     std::optional<std::u16string> numbered(size_t slot) const override { return text(tokens.numbered(slot)); }
-    std::optional<std::u16string> named(std::u16string_view name) const override {
-        return text(tokens.named(name));
-    }
+    std::optional<std::u16string> named(std::u16string_view name) const override { return text(tokens.named(name)); }
     std::u16string special(char16_t sign) const override {
         if (at < start) {
             throw GaveUp();  // in a look-behind: there is no match up to here
@@ -158,9 +156,8 @@ private:
         if (index == node.children.size()) {
             return next(at, tokens);
         }
-        return run(*node.children[index], at, tokens, [&](size_t end, const Tokens& after) {
-            return sequence(node, index + 1, end, after, next);
-        });
+        return run(*node.children[index], at, tokens,
+                   [&](size_t end, const Tokens& after) { return sequence(node, index + 1, end, after, next); });
     }
 
     bool alternation(const Node& node, size_t at, const Tokens& tokens, Next next) {
@@ -200,8 +197,8 @@ private:
     }
 
     /// First way through `body` from `at` that ends where `accept` allows; no way back into it afterwards.
-    bool closed(const Node& body, size_t at, const Tokens& tokens, FunctionRef<bool(size_t)> accept,
-                size_t& end, Tokens& after) {
+    bool closed(const Node& body, size_t at, const Tokens& tokens, FunctionRef<bool(size_t)> accept, size_t& end,
+                Tokens& after) {
         return run(body, at, tokens, [&](size_t position, const Tokens& result) {
             if (!accept(position)) {
                 return false;
@@ -242,9 +239,8 @@ private:
     /// Each branch of a look-behind has its one length there.
     bool holdsBranchByBranch(const Node& body, size_t at, const Tokens& tokens, Tokens& after) {
         if (body.kind == Kind::Alternation) {
-            return std::any_of(body.children.begin(), body.children.end(), [&](const NodePtr& branch) {
-                return holdsBranchByBranch(*branch, at, tokens, after);
-            });
+            return std::any_of(body.children.begin(), body.children.end(),
+                               [&](const NodePtr& branch) { return holdsBranchByBranch(*branch, at, tokens, after); });
         }
         const std::optional<size_t> length = fixedLength(body);
         if (!length) {
@@ -314,8 +310,7 @@ private:
 
     /// The text matches as if it stood here. It makes no tokens, and sees those of the pattern.
     bool dynamic(const Node& node, size_t at, const Tokens& tokens, Next next) {
-        const std::optional<std::u16string> text =
-            expand(node.expansion, Here(m_subject, m_start, at, tokens));
+        const std::optional<std::u16string> text = expand(node.expansion, Here(m_subject, m_start, at, tokens));
         if (!text) {
             return false;
         }
@@ -341,8 +336,8 @@ private:
 };
 
 /// The same count of steps for all that one question takes.
-Outcome searchFrom(const Pattern& pattern, unsigned flagBits, std::u16string_view subject, size_t offset,
-                   size_t& steps, Rules rules) {
+Outcome searchFrom(const Pattern& pattern, unsigned flagBits, std::u16string_view subject, size_t offset, size_t& steps,
+                   Rules rules) {
     const bool emptyAccepted = (flagBits & 0x20U) != 0;
     const bool keepsTokens = (flagBits & 0x40U) != 0 || rules != Rules::own;
     Outcome outcome;
@@ -362,8 +357,8 @@ Outcome searchFrom(const Pattern& pattern, unsigned flagBits, std::u16string_vie
 
 }  // namespace
 
-std::optional<Outcome> search(const Pattern& pattern, unsigned flagBits, std::u16string_view subject,
-                              size_t offset, Limits limits) {
+std::optional<Outcome> search(const Pattern& pattern, unsigned flagBits, std::u16string_view subject, size_t offset,
+                              Limits limits) {
     try {
         return searchFrom(pattern, flagBits, subject, offset, limits.steps, Rules::own);
     } catch (const GaveUp&) {
@@ -377,9 +372,8 @@ std::optional<Outcome> search(std::u16string_view pattern, unsigned flagBits, st
     return parsed ? search(*parsed, flagBits, subject, offset, limits) : std::nullopt;
 }
 
-std::optional<std::vector<Outcome>> searchAll(const Pattern& pattern, unsigned flagBits,
-                                              std::u16string_view subject, size_t offset, Limits limits,
-                                              Rules rules) {
+std::optional<std::vector<Outcome>> searchAll(const Pattern& pattern, unsigned flagBits, std::u16string_view subject,
+                                              size_t offset, Limits limits, Rules rules) {
     std::vector<Outcome> found;
     try {
         while (offset <= subject.size()) {

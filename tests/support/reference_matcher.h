@@ -30,13 +30,12 @@ std::optional<Outcome> search(std::u16string_view pattern, unsigned flagBits, st
 struct Pattern;
 
 /// The same over a pattern parsed once, with expressions as the script answers them.
-std::optional<Outcome> search(const Pattern& pattern, unsigned flagBits, std::u16string_view subject,
-                              size_t offset, Limits limits = {});
+std::optional<Outcome> search(const Pattern& pattern, unsigned flagBits, std::u16string_view subject, size_t offset,
+                              Limits limits = {});
 
 /// All matches from `offset` on: each search begins where the match before it ends, or a unit after an empty
 /// one.
-std::optional<std::vector<Outcome>> searchAll(const Pattern& pattern, unsigned flagBits,
-                                              std::u16string_view subject, size_t offset, Limits limits = {},
-                                              Rules rules = Rules::own);
+std::optional<std::vector<Outcome>> searchAll(const Pattern& pattern, unsigned flagBits, std::u16string_view subject,
+                                              size_t offset, Limits limits = {}, Rules rules = Rules::own);
 
 }  // namespace corvane_tests::reference

@@ -248,8 +248,7 @@ private:
         NodePtr node = make(Kind::Look);
         node->behind = m_reader.sees(u"<=") || m_reader.sees(u"<!");
         node->negated = m_reader.sees(u"!") || m_reader.sees(u"<!");
-        if (!(m_reader.takes(u"<=") || m_reader.takes(u"<!") || m_reader.takes(u"=") ||
-              m_reader.takes(u"!"))) {
+        if (!(m_reader.takes(u"<=") || m_reader.takes(u"<!") || m_reader.takes(u"=") || m_reader.takes(u"!"))) {
             return nullptr;
         }
         node->children.push_back(closed(alternation()));

@@ -11,8 +11,8 @@ using Ranges = std::vector<Range>;
 
 const Ranges kDigits = {{u'0', u'9'}, {0x0660, 0x0669}};
 const Ranges kBlanks = {{9, 13}, {28, 32}, {0x2003, 0x2003}};
-const Ranges kLetters = {{u'A', u'Z'},    {u'a', u'z'},     {0xC0, 0xD6},    {0xD8, 0xF6},
-                         {0xF8, 0xFF},    {0x0130, 0x0130}, {0x0400, 0x045F}, {0x212A, 0x212A}};
+const Ranges kLetters = {{u'A', u'Z'}, {u'a', u'z'},     {0xC0, 0xD6},     {0xD8, 0xF6},
+                         {0xF8, 0xFF}, {0x0130, 0x0130}, {0x0400, 0x045F}, {0x212A, 0x212A}};
 
 bool contains(const Ranges& ranges, char16_t unit) {
     return std::any_of(ranges.begin(), ranges.end(),

@@ -12,7 +12,9 @@ namespace {
 
 constexpr auto npos = std::u16string_view::npos;
 
-bool digit(char16_t c) { return c >= u'0' && c <= u'9'; }
+bool digit(char16_t c) {
+    return c >= u'0' && c <= u'9';
+}
 
 std::u16string token(const RE_Results& match, const RE_TokenInfo& info) {
     return {match.subjectBegin + info.start, info.length};
@@ -94,8 +96,9 @@ struct Reader {
         if (c != u'`' && c != u'0' && c != u'&' && c != u'\'') {
             return false;
         }
-        out += c == u'`' ? subject.substr(0, match.matchStart)
-               : c == u'\'' ? subject.substr(end) : subject.substr(match.matchStart, match.matchLength);
+        out += c == u'`'    ? subject.substr(0, match.matchStart)
+               : c == u'\'' ? subject.substr(end)
+                            : subject.substr(match.matchStart, match.matchLength);
         at += 2;
         return true;
     }
@@ -154,8 +157,8 @@ std::u16string modelCase(std::u16string piece, std::u16string_view matched) {
     const bool allLower = std::ranges::all_of(words, lower);
     const bool allUpper = std::ranges::all_of(words, upper);
     const bool every = std::ranges::all_of(words, capital);
-    if (words.empty() || !(allLower || allUpper || every ||
-                           (capital(words[0]) && std::all_of(words.begin() + 1, words.end(), lower)))) {
+    if (words.empty() ||
+        !(allLower || allUpper || every || (capital(words[0]) && std::all_of(words.begin() + 1, words.end(), lower)))) {
         return piece;
     }
     const bool allWords = every && !allUpper;

@@ -94,8 +94,7 @@ bool ScriptedHost::allow_interrupt() const {
     return m_journal.interruptible;
 }
 
-ScriptedRun::ScriptedRun(std::u16string_view pattern, HostJournal& journal, RE_Flags flags,
-                         const EngineConfig& config)
+ScriptedRun::ScriptedRun(std::u16string_view pattern, HostJournal& journal, RE_Flags flags, const EngineConfig& config)
     : m_journal(journal),
       m_host(configured(m_options, config), journal),
       m_tree(pattern.data(), pattern.size(), flags, &m_host) {

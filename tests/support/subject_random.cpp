@@ -19,10 +19,7 @@ constexpr std::u16string_view kUnits = u"aaabbcAB1_- \n\u00e9\u0416\u0436\u212a\
 class Sampler {
 public:
     Sampler(PatternSource& source, const reference::Pattern& pattern, size_t longest)
-        : m_source(source),
-          m_longest(longest),
-          m_tokens(pattern.tokenNames.size()),
-          m_names(pattern.tokenNames) {}
+        : m_source(source), m_longest(longest), m_tokens(pattern.tokenNames.size()), m_names(pattern.tokenNames) {}
 
     std::u16string run(const Node& root) {
         write(root);
@@ -75,9 +72,9 @@ private:
     }
 
     bool accepts(const Node& node, char16_t unit) const {
-        const bool in = std::any_of(
-            node.ranges.begin(), node.ranges.end(),
-            [&](const reference::Range& range) { return range.low <= unit && unit <= range.high; });
+        const bool in = std::any_of(node.ranges.begin(), node.ranges.end(), [&](const reference::Range& range) {
+            return range.low <= unit && unit <= range.high;
+        });
         return in != node.negated;
     }
 
@@ -134,11 +131,8 @@ private:
     void writeIncluded(const Node& node) {
         std::u16string text;
         for (const reference::TextPart& part : node.expansion) {
-            const bool isGiven =
-                part.kind == reference::TextPart::Kind::Expression && part.text.starts_with(u"=");
-            text += part.kind == reference::TextPart::Kind::Literal ? part.text
-                    : isGiven                                       ? part.text.substr(1)
-                                                                    : u"";
+            const bool isGiven = part.kind == reference::TextPart::Kind::Expression && part.text.starts_with(u"=");
+            text += part.kind == reference::TextPart::Kind::Literal ? part.text : isGiven ? part.text.substr(1) : u"";
         }
         if (const auto included = reference::parseIncluded(text, node.modes)) {
             write(*included->root);
@@ -168,8 +162,7 @@ void mutate(PatternSource& source, std::u16string& text) {
     }
     const size_t place = source.below(text.size());
     const size_t way = source.below(3);
-    const char16_t unit =
-        source.oneIn(2) ? text[source.below(text.size())] : kUnits[source.below(kUnits.size())];
+    const char16_t unit = source.oneIn(2) ? text[source.below(text.size())] : kUnits[source.below(kUnits.size())];
     text.replace(place, way == 0 ? 0 : 1, way == 1 ? 0 : 1, unit);
 }
 
