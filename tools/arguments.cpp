@@ -33,6 +33,8 @@ ParsedArguments parseArguments(const Arguments& words, std::string_view usage,
     }
     // Only now are bound variables stored; before this line the compile options have their defaults.
     po::notify(parsed.options);
+    // Help wins over everything that may be missing or wrong besides, as it is asked for in order to learn
+    // that.
     if (parsed.has("help")) {
         std::cout << "Usage: cvregexp " << usage << "\n" << known;
         throw HelpPrinted();

@@ -28,10 +28,12 @@ namespace {
 // Units of a label; a literal set of a thousand words would fill the screen.
 constexpr std::size_t longestLabel = 60;
 
+// A node as the other commands show it: the number is that of `graph`, `trace` and `profile`.
 std::string nodeText(const RE_Node* node) {
     return "n" + std::to_string(node->nodeId) + " (" + shortened(node->label(), longestLabel) + ")";
 }
 
+// The length of a match in code units, as far as the pattern alone says.
 std::string lengthText(const RE_Outline& outline) {
     const std::string least = std::to_string(outline.least);
     const std::string units = outline.least == 1 ? " unit" : " units";
@@ -64,6 +66,7 @@ void printPossessiveLoops(const RE_Tree& tree) {
     }
 }
 
+// The judgement in words. It is about plain backtracking; what the engine saves besides is not judged.
 std::string growthText(const RE_Growth& growth) {
     using Kind = RE_Growth::Kind;
     if (growth.kind == Kind::linear) return "linear";

@@ -14,6 +14,7 @@ namespace po = boost::program_options;
 namespace tool {
 namespace {
 
+// The command's own options; those of patterns and compiling come along.
 po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
     po::options_description options("Output");
     auto add = options.add_options();
@@ -45,6 +46,7 @@ int runGraph(const Arguments& words) {
     const std::string format = arguments.options["format"].as<std::string>();
     const PatternRequest request = takePattern(arguments);
     if (!arguments.positionals.empty()) throw UsageError("graph takes one pattern and nothing else");
+    // Compiled as a whole even for an earlier stage: its warnings are to be seen in either case.
     const CompiledPattern pattern(request, compile);
     printWarnings(pattern.text(), pattern.warnings());
 

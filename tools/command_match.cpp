@@ -51,6 +51,7 @@ private:
         }
     }
 
+    // One text, whole. The reporter decides by its answers whether further matches are wanted.
     void searchText(const Input& input) {
         RE_Match_Range matches = pattern_.tree().find_all(input.text.view());
         Progress progress(input);
@@ -78,6 +79,7 @@ private:
     const CompiledPattern& pattern_;
     const MatchSettings& settings_;
     std::unique_ptr<Reporter> reporter_;
+    // The progress line is on standard error, so only a terminal that shows both gets them mixed up.
     const bool printsToTerminal_ = ::isatty(STDOUT_FILENO) != 0;
     bool found_ = false;
     bool unreadable_ = false;

@@ -42,6 +42,7 @@ void printRow(const std::string& node, const RE_Node_Counts& counts, const std::
     std::cout << numbers << label << '\n';
 }
 
+// Nodes in the order of their numbers, then the nodes of dynamic texts as one row, then the sum.
 void printTable(const RE_Profile& profile) {
     char head[160];
     std::snprintf(head, sizeof head, "%-6s %12s %12s %12s %12s %12s %12s  %s\n", "node", "visits", "matched",

@@ -94,6 +94,7 @@ public:
                const ReplaceSettings& settings)
         : tree_(pattern.tree()), replace_(replacement.replace()), settings_(settings) {}
 
+    // Every file is tried. The status tells trouble first, then whether anything was replaced in any of them.
     int runAll() {
         for (const std::string& fileName : settings_.fileNames) runFile(fileName);
         if (trouble_) return exitTrouble;

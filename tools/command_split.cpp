@@ -50,6 +50,7 @@ int runSplit(const Arguments& words) {
     CompiledPattern pattern(takePattern(arguments), compile);
     pattern.prepareForSearches();
     if (arguments.positionals.empty()) arguments.positionals = {"-"};
+    // One text after the other; a file that cannot be read does not keep the others from being split.
     catchInterrupts();
     printWarnings(pattern.text(), pattern.warnings());
     bool found = false;

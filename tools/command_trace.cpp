@@ -53,6 +53,7 @@ int runTrace(const Arguments& words) {
 
     // The limit bounds memory, not the search, which goes on unrecorded.
     TraceLog log(arguments.options["limit"].as<std::size_t>());
+    // The tree searches without machine code and automaton, whose steps nobody could follow.
     const std::unique_ptr<RE_Results> found(pattern.tree().trace(
         subject.data(), subject.size(), arguments.options["offset"].as<std::size_t>(), log));
     if (interruptPending()) throw Interrupted();

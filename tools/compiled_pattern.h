@@ -38,6 +38,7 @@ public:
     const std::shared_ptr<ScriptHost>& scripts() const { return scripts_; }
 
 private:
+    // In the order in which the later ones need the earlier ones.
     std::u16string text_;
     std::shared_ptr<ScriptHost> scripts_;
     std::unique_ptr<ConsoleContext> context_;

@@ -41,6 +41,7 @@ protected:
 private:
     bool compiled_ = false;
     std::u16string_view text_;
+    // In the order in which they were raised, which is not that of their positions.
     std::vector<PatternWarning> warnings_;
 };
 

@@ -18,6 +18,7 @@
 namespace tool {
 namespace {
 
+// Throws for the last error of the system, with the name of the file that it is about.
 [[noreturn]] void failOn(const std::string& name, int error = errno) {
     throw std::system_error(error, std::generic_category(), name);
 }
@@ -39,6 +40,8 @@ bool sameTime(const struct timespec& one, const struct timespec& other) {
 // A file beside the one to be replaced. Its destructor removes it unless it was renamed.
 class TemporaryFile {
 public:
+    // Hidden, and created readable by the owner alone: the content may be secret, and nobody may read it
+    // before it has the permissions of the old file.
     explicit TemporaryFile(const std::filesystem::path& directory)
         : name_((directory / ".cvregexp.XXXXXX").string()), descriptor_(::mkostemp(name_.data(), O_CLOEXEC)) {
         if (descriptor_ < 0) failOn(name_);
@@ -106,6 +109,7 @@ FileRewrite::FileRewrite(const std::string& fileName) : fileName_(fileName) {
     if (!S_ISREG(old_.st_mode)) throw FileRefused(fileName + ": not a regular file");
 }
 
+// Looks again at what the constructor saw.
 void FileRewrite::refuseIfChanged() const {
     struct stat now {};
     if (::stat(target_.c_str(), &now) != 0) failOn(fileName_);

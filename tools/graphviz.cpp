@@ -47,6 +47,7 @@ std::string drawGraph(const std::string& text, const std::string& format) {
     if (pipe == nullptr) throw std::system_error(errno, std::generic_category(), "dot");
     std::string picture;
     char part[4096];
+    // Read to the end before pclose, which waits for a program that may be writing.
     while (const std::size_t size = std::fread(part, 1, sizeof part, pipe)) picture.append(part, size);
     if (::pclose(pipe) != 0)
         throw std::runtime_error("Graphviz could not draw the graph; is its dot installed?");

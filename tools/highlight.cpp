@@ -13,6 +13,7 @@
 namespace tool {
 namespace {
 
+// Bold red, as search tools mark matches; the second sequence resets everything.
 constexpr std::string_view markOn = "\033[1;31m";
 constexpr std::string_view markOff = "\033[0m";
 

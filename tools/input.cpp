@@ -82,6 +82,7 @@ std::string readToEnd(const OpenFile& file) {
         if (content.size() - used < chunk) content.resize(used + chunk + used / 2);
         const ssize_t got = ::read(file.descriptor(), content.data() + used, content.size() - used);
         if (interruptPending()) throw Interrupted();
+        // A signal that is no request to stop, such as a change of the window's size.
         if (got < 0 && errno == EINTR) continue;
         if (got < 0) failOn(file.name());
         if (got == 0) {
@@ -99,6 +100,7 @@ std::string_view withoutByteOrderMark(std::string_view bytes) {
 
 }  // namespace
 
+// The conversion happens inside, so the caller never holds both the bytes and the text.
 Input readInput(const std::string& fileName) {
     const OpenFile file(fileName);
     const std::string label = fileName == "-" ? "(standard input)" : fileName;

@@ -13,6 +13,7 @@ extern "C" void requestInterrupt(int) {
     utInterruptState::SetInterruptPending(true);
 }
 
+// Leaves alone what the parent process made ignored: see the header.
 void catchSignal(int number) {
     struct sigaction current {};
     if (::sigaction(number, nullptr, &current) != 0 || current.sa_handler == SIG_IGN) return;

@@ -35,6 +35,7 @@ class JsonReporter : public Reporter {
 public:
     explicit JsonReporter(std::ostream& out) : out_(out) {}
 
+    // A new text begins at line 1, so the cursor begins anew.
     void beginText(const Input& input) override {
         input_ = &input;
         cursor_ = LineCursor(input.text.view());

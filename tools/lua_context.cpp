@@ -25,6 +25,7 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+// The text of an argument or a variable, as Lua gets it.
 std::string textOf(const RE_Evaluation_IO& io) {
     return toUtf8({io.get_string(), io.get_length()});
 }
@@ -56,6 +57,7 @@ private:
 
 }  // namespace
 
+// In this build expressions can run, if the user allowed them.
 std::shared_ptr<ScriptHost> startScripts(const ScriptRequest& request) {
     return request.allowed ? std::make_shared<LuaHost>(request) : nullptr;
 }

@@ -24,6 +24,7 @@ constexpr int instructionsPerPoll = 1000;
 void* allocate(void* user, void* block, std::size_t oldSize, std::size_t newSize) {
     std::size_t& used = *static_cast<std::size_t*>(user);
     const std::size_t before = block != nullptr ? oldSize : 0;
+    // Lua frees by resizing to nothing, and expects null.
     if (newSize == 0) {
         std::free(block);
         used -= before;
@@ -39,6 +40,7 @@ void* allocate(void* user, void* block, std::size_t oldSize, std::size_t newSize
 // no script continues.
 void endWhenInterrupted(lua_State* state, lua_Debug*) {
     if (!interruptPending()) return;
+    // From the next instruction on: the error below may be caught by the script.
     lua_sethook(state, endWhenInterrupted, LUA_MASKCOUNT, 1);
     luaL_error(state, "interrupted");
 }
@@ -207,6 +209,7 @@ void LuaState::fail() {
     std::size_t length = 0;
     const bool isText = lua_type(state_.get(), -1) == LUA_TSTRING;
     const char* const text = isText ? lua_tolstring(state_.get(), -1, &length) : nullptr;
+    // Copied before the stack is emptied, which lets Lua collect the text.
     std::string message = isText ? std::string(text, length) : std::string("an error that is no text");
     lua_settop(state_.get(), 0);
     throw LuaError(message);
@@ -246,10 +249,12 @@ int LuaState::compile(std::string_view parameters, std::string_view body) {
     return function;
 }
 
+// Unreferencing a number that is none (LUA_NOREF) is allowed.
 void LuaState::forget(int function) noexcept {
     luaL_unref(state_.get(), LUA_REGISTRYINDEX, function);
 }
 
+// Two results come back: the value, and its text or nil.
 LuaState::Value LuaState::call(int function, const std::vector<std::string>& arguments) {
     Call call{function, &arguments};
     lua_State* const state = state_.get();

@@ -16,6 +16,7 @@ void printHelp(std::ostream& out) {
     out << "\n`cvregexp COMMAND --help` explains one command; `cvregexp --version` prints the version.\n";
 }
 
+// The first word is the command; everything after it is the command's business.
 int dispatch(const tool::Arguments& words) {
     if (words.empty()) {
         printHelp(std::cerr);
@@ -43,6 +44,7 @@ int run(const tool::Arguments& words) {
         status = dispatch(words);
     } catch (const tool::HelpPrinted&) {
     }
+    // Only now is everything written that a command has printed.
     if (std::cout.flush()) return status;
     std::cerr << "cvregexp: cannot write to standard output\n";
     return tool::exitTrouble;

@@ -45,6 +45,7 @@ bool fileNamesWanted(const ParsedArguments& arguments, std::size_t fileCount) {
 
 }  // namespace
 
+// Single letters are those of the usual search tools where an option means the same.
 po::options_description matchOptions() {
     po::options_description options("Output");
     auto add = options.add_options();

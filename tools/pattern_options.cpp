@@ -30,6 +30,7 @@ std::string takePatternText(ParsedArguments& arguments) {
     return text;
 }
 
+// Each option switches one mode on, but for --dot-line, which switches one off.
 RE_Flags chosenFlags(const ParsedArguments& arguments) {
     RE_Flags flags = RE_FLAG_EVALUATE;
     if (!arguments.has("dot-line")) flags |= RE_FLAG_DOT_ALL;
@@ -66,6 +67,7 @@ po::options_description compileOptions(Corvane::regexp::CompileOptions& options)
     return descriptions;
 }
 
+// The own ones first, as they are what the user looks for in the help.
 po::options_description withPatternOptions(const po::options_description& own,
                                            Corvane::regexp::CompileOptions& compile) {
     po::options_description known;

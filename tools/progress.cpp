@@ -32,6 +32,7 @@ void Progress::at(std::size_t position) {
                  megabytes, part * 100);
     std::fflush(stderr);
     visible_ = true;
+    // Ten times a second at most: a million matches must not become a million lines.
     nextDraw_ = now + std::chrono::milliseconds(100);
 }
 

@@ -28,6 +28,7 @@ private:
     const Input& input_;
     bool wanted_;
     bool visible_ = false;
+    // Not before this moment; the beginning of time draws at once.
     Clock::time_point nextDraw_{};
 };
 

@@ -13,6 +13,7 @@ std::unique_ptr<Reporter> makeReporter(const ReportStyle& style, std::ostream& o
             return makeTokenReporter(style, out);
         case ReportForm::json:
             return makeJsonReporter(out);
+        // The three that print no match share a reporter.
         case ReportForm::count:
         case ReportForm::names:
         case ReportForm::silent:

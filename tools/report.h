@@ -38,6 +38,7 @@ public:
     virtual void endText() = 0;
 };
 
+// The reporter for the form that the style asks for. It writes to `out`, which has to outlive it.
 std::unique_ptr<Reporter> makeReporter(const ReportStyle& style, std::ostream& out);
 
 // The makers of the single forms, one file each.

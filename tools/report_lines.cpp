@@ -24,6 +24,7 @@ public:
         cursor_ = LineCursor(text_);
     }
 
+    // Adds the match to the block, after printing a block that it does not touch.
     bool match(const RE_Results& found) override {
         const Extent extent{found.matchStart, found.matchLength};
         cursor_.advanceTo(extent.start);
@@ -73,6 +74,7 @@ private:
     void appendLine(std::string& printed, Extent line, std::span<const Extent> matches) {
         if (line.length != 0 && text_[line.end() - 1] == u'\n') --line.length;
         if (style_.color) {
+            // Only the matches up to the line's end: the others would be looked at again for each line.
             const auto beyond =
                 std::ranges::find_if(matches, [=](const Extent& m) { return m.start >= line.end(); });
             appendHighlighted(printed, text_, line, {matches.begin(), beyond});

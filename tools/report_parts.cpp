@@ -16,6 +16,7 @@ public:
         cursor_ = LineCursor(input.text.view());
     }
 
+    // A prefix says where the match begins, even if it ends on a later line.
     bool match(const RE_Results& found) override {
         const Extent extent{found.matchStart, found.matchLength};
         printed_.clear();

@@ -17,6 +17,7 @@ public:
         count_ = 0;
     }
 
+    // Counting needs every match; for the others one decides.
     bool match(const RE_Results&) override {
         ++count_;
         return style_.form == ReportForm::count;

@@ -35,6 +35,7 @@ public:
     void endText() override {}
 
 private:
+    // Start and length in code units, and the text on one line.
     static void appendExtent(std::string& out, std::size_t start, std::size_t length,
                              std::u16string_view text) {
         out += " [" + std::to_string(start) + "," + std::to_string(length) + "]";

@@ -25,6 +25,7 @@ ScriptRequest readScriptRequest(const ParsedArguments& arguments) {
     return request;
 }
 
+// Without an interpreter it is a plain context, under which no expression is evaluated.
 std::unique_ptr<ConsoleContext> makeContext(const Corvane::regexp::CompileOptions& options,
                                             const std::shared_ptr<ScriptHost>& host, bool forPattern) {
     return host ? host->makeContext(options, forPattern) : std::make_unique<ConsoleContext>(options);

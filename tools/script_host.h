@@ -21,6 +21,7 @@ struct ScriptRequest {
     std::string after;  // run once the command has done its work
 };
 
+// Reads the options that scriptOptions declares.
 ScriptRequest readScriptRequest(const ParsedArguments& arguments);
 
 // One interpreter, with the definitions that all expressions of a run share.

@@ -34,6 +34,8 @@ std::string stepText(const RE_Trace_Event& event) {
     return event.to == event.from ? text + ": yes" : text + ": yes, to " + std::to_string(event.to);
 }
 
+// A line without its token states. Attempts are flush left, steps are indented, and what a step did to the
+// stack of choices more so.
 std::string eventText(const RE_Trace_Event& event) {
     switch (event.kind) {
         case RE_Trace_Kind::seek:
@@ -66,6 +68,7 @@ std::string eventText(const RE_Trace_Event& event) {
 // Token states are kept once as long as they do not change, and events refer to them by index: most steps
 // leave the tokens alone.
 void TraceLog::observe(const RE_Trace_Event& event, const RE_Search_Info& search) {
+    // Beyond the limit nothing is kept, but the count says how much is missing.
     if (events_.size() == limit_) {
         ++dropped_;
         return;

@@ -39,6 +39,7 @@ private:
     std::size_t limit_;
     std::size_t dropped_ = 0;
     std::vector<LoggedEvent> events_;
+    // Each differs from the one before; the first is the empty state in which a search begins.
     std::vector<TokenState> tokenStates_{{}};
 };
 

@@ -34,6 +34,7 @@ Json linksOf(RE_Node* node) {
     return links.all;
 }
 
+// One event as the script of the page reads it.
 Json eventObject(const TraceLog& log, std::size_t index) {
     const LoggedEvent& logged = log.events()[index];
     const RE_Trace_Event& event = logged.event;
@@ -47,6 +48,7 @@ Json eventObject(const TraceLog& log, std::size_t index) {
             {"text", describeEvent(log, index)}};
 }
 
+// All that the page knows: the graph's nodes and links, the subject, the events and the token states.
 Json traceObject(const CompiledPattern& pattern, std::u16string_view subject, const TraceLog& log) {
     Json trace{{"pattern", toUtf8(pattern.text())},
                {"subject", Json::array()},

@@ -29,6 +29,7 @@ std::size_t widenAscii(const char* bytes, std::size_t count, char16_t* units) {
     return done;
 }
 
+// One or two units, past which the returned pointer is.
 char16_t* appendUnits(char16_t* out, UChar32 character) {
     if (character <= 0xFFFF) {
         *out++ = static_cast<char16_t>(character);
@@ -56,6 +57,7 @@ std::size_t decode(std::string_view utf8, char16_t* units) {
     return static_cast<std::size_t>(out - units);
 }
 
+// `character` is no surrogate: nextCharacter has replaced those.
 void appendCharacter(std::string& out, UChar32 character) {
     std::array<std::uint8_t, U8_MAX_LENGTH> bytes;
     std::size_t length = 0;
@@ -129,6 +131,7 @@ std::u16string toUtf16(std::string_view utf8) {
 
 void appendUtf8(std::string& out, std::u16string_view text) {
     for (std::size_t at = 0; at != text.size();) {
+        // Most text is ASCII, of which a unit is a byte.
         if (text[at] < 0x80) {
             out += static_cast<char>(text[at++]);
         } else {

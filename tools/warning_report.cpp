@@ -19,10 +19,12 @@ constexpr std::string_view margin = "    ";
 // Of a text's warnings: a text that is no pattern at all may have one for each of its units.
 constexpr std::size_t mostShown = 20;
 
+// Marks and format characters, which take no column of their own.
 bool isCombining(UChar32 character) {
     return (U_GET_GC_MASK(character) & (U_GC_MN_MASK | U_GC_ME_MASK | U_GC_CF_MASK)) != 0;
 }
 
+// In columns. An ambiguous width counts as one, as in most terminals.
 std::size_t terminalWidth(UChar32 character) {
     if (isCombining(character)) return 0;
     const int width = u_getIntPropertyValue(character, UCHAR_EAST_ASIAN_WIDTH);
@@ -73,6 +75,7 @@ std::string underline(std::u16string_view line, std::size_t begin, std::size_t l
     return text;
 }
 
+// Lines are mentioned only where there are several.
 std::string placeText(std::u16string_view pattern, const PatternPlace& place) {
     std::string text = "column " + std::to_string(place.column);
     if (pattern.find(u'\n') != std::u16string_view::npos)
@@ -108,6 +111,7 @@ std::string quoteLine(std::u16string_view pattern, const PatternPlace& place, co
 
 }  // namespace
 
+// For messages that are no warnings, such as errors of scripts.
 std::string describePlace(std::u16string_view pattern, std::size_t position, const std::string& heading,
                           std::string_view sentence) {
     const PatternPlace place = locate(pattern, position);
