@@ -1,4 +1,8 @@
 // What the benchmarks ask of a regular-expression engine. One adapter per engine in bench/engines.
+//
+// An adapter uses its engine as a good application would: compiled once, scratch space kept, the fastest way
+// that the documentation names. It counts in the engine's own units; lengths of tokens are compared between
+// engines that search the same form of the text.
 #pragma once
 
 #include "bench/text.h"
@@ -48,7 +52,8 @@ struct Answer {
     bool operator==(const Answer&) const = default;
 };
 
-/// A compiled pattern together with the scratch space of its searches. Nothing: the engine gave up.
+/// A compiled pattern together with the scratch space of its searches. No answer: the engine gave up, at a
+/// limit of its own. Answers are computed inside what is timed, so that no engine can leave the work out.
 class Searcher {
 public:
     virtual ~Searcher() = default;
@@ -71,6 +76,7 @@ public:
     }
 };
 
+/// Makes searchers. One object serves all rows; it keeps nothing of a pattern.
 class Engine {
 public:
     virtual ~Engine() = default;

@@ -1,4 +1,5 @@
-// Tables of times and ratios.
+// Tables of times and ratios, as Markdown. Everything is computed from the rows; nothing is measured or
+// decided here but the number of digits.
 #include "bench/report.h"
 
 #include "bench/machine.h"
@@ -70,6 +71,7 @@ std::string heading(const std::vector<std::string>& cells) {
     return line(cells) + rule + "\n";
 }
 
+// Rows that share a table and a target.
 using Group = std::vector<const Row*>;
 
 std::vector<Group> groupsOf(const std::vector<Row>& rows) {
@@ -83,6 +85,7 @@ std::vector<Group> groupsOf(const std::vector<Row>& rows) {
     return groups;
 }
 
+// A row for each workload, a column for each engine, then ratios. Rows above the target are bold.
 std::string groupTable(const Group& group, const Engines& engines) {
     const Row& first = *group.front();
     std::vector<std::string> titles{std::string(measureOf(first))};
@@ -122,6 +125,7 @@ std::string verdict(double value, double most) {
     return value == 0 ? "" : value <= most ? ": met" : ": **missed**";
 }
 
+// The target in words and whether it was met; nothing for a group without one.
 std::string targetText(const Target& target, double median, double byFloor) {
     std::string text;
     if (target.ratio != 0) {
@@ -196,6 +200,7 @@ std::string summary(const std::vector<Row>& rows, const Engines& engines) {
     return text + "\n" + overall(rows, engines);
 }
 
+// What a reader should look at first: rows in which an engine without machine code is faster than ours.
 std::string behindInterpreters(const std::vector<Row>& rows, const Engines& engines) {
     std::string text;
     for (const Row& row : rows) {
@@ -209,6 +214,7 @@ std::string behindInterpreters(const std::vector<Row>& rows, const Engines& engi
     return "## Rows behind an interpreter\n\n" + (text.empty() ? "None.\n" : text) + "\n";
 }
 
+// Peers with another answer than the expected one. Not a fault of theirs: dialects differ.
 std::string differences(const std::vector<Row>& rows, const Engines& engines) {
     std::string text;
     for (const Row& row : rows) {

@@ -1,4 +1,7 @@
 // Checks answers and measures with Google Benchmark.
+//
+// The library measures functions that were registered by name; a row registers one for each engine, runs them
+// all, and clears the list. Its own output is suppressed by the collector, which keeps the times.
 #include "bench/runner.h"
 
 #include "bench/floor.h"
@@ -17,12 +20,14 @@ namespace {
 /// What takes longer has been measured well enough by the run that checked the answer.
 constexpr double LONG_RUN_SECONDS = 0.4;
 
+// What an engine is asked: peers may need the pattern in other words.
 Request requestFor(const Workload& workload, bool ours) {
     const bool other = !ours && !workload.details.peerPattern.empty();
     return {other ? workload.details.peerPattern : workload.pattern, workload.details.flags,
             workload.details.task, workload.details.replacement};
 }
 
+// One run with its time, which is all that a long one gets.
 Cell checkAnswer(const Workload& workload, const Engine& engine, bool ours) {
     Cell cell;
     const std::unique_ptr<Searcher> searcher = engine.compile(requestFor(workload, ours));
@@ -83,6 +88,7 @@ void enlistEngine(const std::string& name, const Workload& workload, const Engin
         enlist(name, settings, [&engine, request] { benchmark::DoNotOptimize(engine.compile(request)); });
         return;
     }
+    // Compiled once, outside of what is timed. Shared, as the library copies functions.
     const std::shared_ptr<Searcher> searcher = engine.compile(request);
     const Text& text = textNamed(workload.text);
     enlist(name, settings, [searcher, &text, task = workload.details.task] {

@@ -1,4 +1,5 @@
-// Forms of a text.
+// Forms of a text: units, bytes and lines of both. Made before anything is measured, so that no engine pays
+// for a conversion.
 #include "bench/text.h"
 
 #include <cstddef>
@@ -7,6 +8,7 @@
 namespace corvane_bench {
 namespace {
 
+// Lines of larger texts would take more memory than the texts, and no row uses them.
 constexpr std::size_t MOST_UNITS_WITH_LINES = 1'000'000;
 
 template <class Unit>
@@ -43,6 +45,7 @@ Text::Text(std::u16string text) : units(std::move(text)), bytes(toUtf8(units)) {
     if (units.size() > MOST_UNITS_WITH_LINES) {
         return;
     }
+    // A line feed is one unit and one byte, so both have the same lines.
     const auto unitLines = splitLines(std::u16string_view(units));
     const auto byteLines = splitLines(std::string_view(bytes));
     for (std::size_t i = 0; i < unitLines.size(); ++i) {

@@ -1,4 +1,7 @@
 // Text that was escaped matches itself and nothing else; wildcards match what they were made from.
+//
+// The oracle for "nothing else" is a plain search for the text. Free spacing is taken out of the flags, as
+// escaped text is for patterns without it.
 #include "fuzz/targets.h"
 
 namespace corvane_fuzz {

@@ -1,3 +1,5 @@
+// Reading of bytes. Every sequence of bytes is an input, none is refused, and the same bytes always mean the
+// same.
 #include "fuzz/input.h"
 
 #include "regexp/seek/required_literal.h"
@@ -21,6 +23,7 @@ char16_t unitOf(std::uint8_t byte) {
 
 }  // namespace
 
+// Missing head bytes are 0, which is a plain setting; the texts begin after them.
 Input::Input(const std::uint8_t* data, std::size_t size) : texts(1) {
     const std::size_t head = std::min(size, std::size(bytes));
     std::copy(data, data + head, bytes);
@@ -33,7 +36,7 @@ Input::Input(const std::uint8_t* data, std::size_t size) : texts(1) {
     }
 }
 
-// A text without units still has a place: a null one would be no subject.
+// A text without units still has an address: a null one would be no subject.
 std::u16string_view Input::text(std::size_t index, std::size_t most) const {
     const std::u16string_view whole = index < texts.size() ? texts[index] : std::u16string_view(u"");
     return whole.substr(0, most);

@@ -15,6 +15,7 @@
 
 namespace corvane_fuzz {
 
+/// The bytes of one run, as a target reads them.
 class Input {
 public:
     Input(const std::uint8_t* data, std::size_t size);
@@ -31,11 +32,12 @@ private:
     std::vector<std::u16string> texts;
 };
 
-/// Lets the memo begin with the first choice taken up again, which searches this small would not reach; or as
-/// always.
+/// Lets the memo begin with the first choice that is resumed, which searches this small would not reach; or
+/// as usual.
 void beginMemo(bool atOnce);
 
 /// Ends the program with this message when the condition does not hold, as the fuzzer expects of a finding.
+/// Pattern and subject are printed so that they can be pasted into a test.
 void require(bool holds, std::string_view what, std::u16string_view pattern,
              std::u16string_view subject = {});
 

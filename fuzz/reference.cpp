@@ -1,4 +1,7 @@
 // The engine finds what the slow reference matcher of the tests finds.
+//
+// The tests draw patterns that are well-formed by construction; the fuzzer comes by those that nobody thought
+// of drawing.
 #include "fuzz/targets.h"
 #include "tests/support/reference_matcher.h"
 
