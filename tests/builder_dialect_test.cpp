@@ -24,6 +24,7 @@ struct Entry {
     const char16_t* subject;
 };
 
+/// In the order of the page. `t` is the token of a handle, `n` one by name; `f` and `no` are expressions.
 std::vector<Entry> entries() {
     const RE_Token t;
     const RE_Builder a = literal(u"a"), b = literal(u"b"), c = literal(u"c"), n = capture(u"n", a);
@@ -153,6 +154,7 @@ std::vector<std::string> constructsOf(const std::string& page) {
             continue;
         }
         const std::vector<std::string> cells = cellsOf(line);
+        // The first line of a table has its columns' names: they tell which cells are constructs.
         if (header.empty()) {
             header = cells[0];
             EXPECT_TRUE(header == "flag" || header == "syntax" || header == "greedy" || header == "number" ||

@@ -103,6 +103,7 @@ private:
         const Made& made = evaluations[below(std::size(evaluations))];
         return m_evaluates ? made : Made{made.builder, u"(?:)"};
     }
+    // By name, or by a handle, whose nearest group in front of the reference counts.
     Made reference() {
         if (m_named && below(3) == 0) {
             return {backreference(u"n"), u"\\k<n>"};
@@ -117,6 +118,7 @@ private:
         }
         return {backreference(token), m_latest[handle] == 0 ? u"(?!)" : u"(?:\\" + group + u")"};
     }
+    // The number is taken before the body is made, as its parenthesis comes first.
     Made capture(int depth) {
         const size_t way = below(4);
         ++m_groups;
@@ -177,6 +179,7 @@ private:
     static Made joined(const Made& one, const Made& two) {
         return {one.builder + two.builder, u"(?:" + one.text + two.text + u")"};
     }
+    // The bounds are given in the wrong order: `between` has to sort them.
     Made repeat(int depth) {
         const Made body = make(depth);
         const size_t sign = below(4), way = below(3), least = below(3), most = least + below(3);

@@ -116,6 +116,7 @@ TEST(Dfa, FindsTheEndsOfTheMatchLoop) {
     }
 }
 
+// Mostly without the constructs for which no automaton is made, or little would be compared.
 TEST(Dfa, AgreesOnRandomPatterns) {
     PatternSource source(environmentNumber("CORVANE_TEST_SEED", 4712));
     const unsigned long rounds = environmentNumber("CORVANE_TEST_ROUNDS", sanitized() ? 200 : 3000);
@@ -192,6 +193,7 @@ TEST(Dfa, ScansRunsToTheExactUnit) {
     }
 }
 
+// References, conditions on tokens, bodies that are not decided by a few units, and what needs too many states.
 TEST(Dfa, IsNotMadeForWhatItCannotExpress) {
     for (const char16_t* pattern : {u"(a)\\1", u"(a)?(?(1)b|c)", u"(?>a|ab)c", u"(?=ab)a", u"(?<=ab)a",
                                     u"(?:a|b)*a(?:a|b){16}", u"(?:[ab]{0,300}c){1,300}"}) {

@@ -41,6 +41,8 @@ std::u16string joined(const RE_Tree& tree, std::u16string_view text) {
     return result;
 }
 
+// Pattern, flags, text, its matches, and the parts between them. Empty matches are where walks go wrong: at the ends,
+// one after the other, directly after a match.
 TEST(FindAll, WalksThroughEveryMatchOnceAsSplitDoes) {
     const struct {
         const char16_t* pattern;
@@ -69,6 +71,7 @@ TEST(FindAll, WalksThroughEveryMatchOnceAsSplitDoes) {
     EXPECT_EQ(u"/", joined(tree, {}));
 }
 
+// Texts are views of the subject. A token without text and one that is not in effect differ by their data.
 TEST(FindAll, GivesTextsOfTokensThatOutliveTheMatch) {
     const RE_Tree tree(u"(\\w*)=(?<value>\\w*)", false);
     std::vector<std::u16string_view> texts;
@@ -98,6 +101,7 @@ TEST(FindAll, AllocatesNothingForAFurtherMatch) {
     EXPECT_EQ(allocations(2), allocations(2000));
 }
 
+// Against a search of each subject alone: what memo, seeks and tokens kept of the subject before would show here.
 TEST(MatchSequence, TakesAnotherSubjectLikeANewSequence) {
     PatternSource source(environmentNumber("CORVANE_TEST_SEED", 77));
     for (unsigned long round = environmentNumber("CORVANE_TEST_ROUNDS", sanitized() ? 200 : 2000); round > 0; --round) {
@@ -129,6 +133,7 @@ TEST(MatchSequence, ForgetsTheBarrenStretchesOfASubject) {
     EXPECT_NE(nullptr, sequence.find(0));
 }
 
+// A released match takes the tokens along, and the next search needs new ones.
 TEST(MatchSequence, ReleasesTheMatchOfItsLastSearchAndContinues) {
     const RE_Tree tree(u"(a)\\1", false);
     RE_Match_Sequence sequence(tree, u"aa x");
@@ -158,6 +163,7 @@ TEST(MatchSequence, ContinuesAfterAnException) {
     }
 }
 
+// Look-behinds read what is in front of the position, although no match begins there.
 TEST(MatchAt, TriesOnePositionAndSeesTheTextBefore) {
     const RE_Tree tree(u"(?<=a)b|c*d", false);
     const std::u16string text = u"abcd";

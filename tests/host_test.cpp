@@ -38,6 +38,7 @@ int sign(int value) {
     return (value > 0) - (value < 0);
 }
 
+// Null is how failure is told, so a request for nothing must not be answered with it; nor may a resize to nothing free.
 TEST(HostMemory, GivesABlockEvenForNoBytes) {
     for (void* block : {utMalloc(0), utMallocWithCheck(0), utCallocWithCheck(0, 8), utReallocWithCheck(nullptr, 0)}) {
         EXPECT_NE(block, nullptr);
@@ -57,6 +58,7 @@ TEST(HostMemory, KeepsContentsWhenABlockGrowsAndZeroesCountedBlocks) {
     EXPECT_STREQ(grown.get(), "abcde");
 }
 
+// The product of count and size may wrap to a small number, for which a careless allocator finds memory.
 TEST(HostMemory, ThrowsWhenTheRequestCannotBeMet) {
     // Not constants, so that the compiler does not object to sizes that no heap can give.
     volatile size_t huge = SIZE_MAX / 2;
@@ -69,6 +71,7 @@ TEST(HostMemory, ThrowsWhenTheRequestCannotBeMet) {
     EXPECT_THROW(utReallocWithCheck(block.get(), huge), std::bad_alloc);
 }
 
+// Failed requests are counted and no blocks; a resized block is one block; counters nest.
 TEST(HostMemory, CountsBlocksAndFailsTheChosenRequest) {
     const std::vector<std::function<void*()>> requests = {
         [] { return utMallocWithCheck(1); },
@@ -102,6 +105,7 @@ struct CompareCase {
     int folded;
 };
 
+// Each case in both directions. The Kelvin sign folds to k, a sharp s to nothing else: folding is unit by unit.
 TEST(HostUtf16, ComparesUpToTheCountOrTheTerminator) {
     // clang-format off
     const CompareCase cases[] = {
@@ -147,6 +151,7 @@ std::ptrdiff_t indexIn(std::u16string_view text, const char16_t* found) {
     return found == nullptr ? nowhere : found - text.data();
 }
 
+// NUL is a unit like any other here, and what is past the length must not be found.
 TEST(HostUtf16, FindsFirstAndLastPlaceWithinTheGivenLength) {
     using namespace std::string_view_literals;
     const SearchCase cases[] = {
@@ -232,6 +237,7 @@ TEST(HostCtype, JudgesEachUnitByUnicodeProperties) {
     }
 }
 
+// A second mapping changes nothing, and the classes agree with each other, for all 65,536 units.
 TEST(HostCtype, MapsEveryUnitToAStableOne) {
     for (unsigned value = 0; value <= 0xFFFF; ++value) {
         const auto unit = static_cast<char16_t>(value);
@@ -242,6 +248,7 @@ TEST(HostCtype, MapsEveryUnitToAStableOne) {
     }
 }
 
+// `reversible`: converted there and back it is the same. Malformed bytes are not.
 struct CodePageCase {
     std::string narrow;
     std::u16string wide;
@@ -255,6 +262,7 @@ std::vector<CodePageCase> codePageCases() {
         longNarrow +=
             "\xE4\xB8\xAD\xF0\x9F\x98\x80"
             "a";
+        // Characters of three, four and one bytes, so that pieces of the conversion end within one.
         longWide += u"\u4E2D\U0001F600a";
     }
     return {
@@ -338,6 +346,7 @@ void writeDown(void* object) {
     *named->journal += named->name;
 }
 
+// The offer for a key that is taken stays the caller's: its name never shows in the journal.
 TEST(HostObjectStore, KeepsTheFirstObjectOfAKeyAndDestroysTheLatestFirst) {
     std::string journal;
     Named a{&journal, 'a'};
@@ -359,6 +368,7 @@ TEST(HostObjectStore, KeepsTheFirstObjectOfAKeyAndDestroysTheLatestFirst) {
     EXPECT_EQ(utScopedStore::find(idA), nullptr);
 }
 
+// A new thread is outside of every scope until it joins one.
 TEST(HostObjectStore, ScopesNestAndBelongToTheirThread) {
     std::string journal;
     Named a{&journal, 'a'};
@@ -387,6 +397,7 @@ TEST(HostObjectStore, ScopesNestAndBelongToTheirThread) {
     EXPECT_FALSE(utScopedStore::isRequiredContextActive());
 }
 
+// Eight threads offer an object for one key at the same time.
 TEST(HostObjectStoreThreads, OnlyOneOfManyOffersIsTaken) {
     std::string journal;
     std::vector<Named> offers(8, Named{&journal, 'o'});

@@ -55,6 +55,7 @@ void expectAsRead(std::u16string_view pattern, RE_Flags flags) {
     }
 }
 
+// All of ASCII, alone and in pairs: every opening without its end is among them.
 TEST(ShortPatterns, OfOneAndTwoUnitsAreHarmless) {
     for (char16_t first = 0; first < 128; ++first) {
         expectHarmless(std::u16string(1, first), kEmptyToo);
@@ -86,6 +87,7 @@ std::u16string ofUnits(PatternSource& source, size_t most, const MakeUnit& unit)
     return pattern;
 }
 
+// Random punctuation, well-formed patterns with a few units changed, random units, and every beginning of a pattern.
 TEST(BrokenPatterns, AreHarmless) {
     PatternSource source(environmentNumber("CORVANE_TEST_SEED", 99));
     constexpr std::u16string_view units = u"(((()))[[]]{}<>||**+?\\\\^$.,12a:#=!@-x i?k";
@@ -115,6 +117,8 @@ struct Bound {
     const char* expected;
 };
 
+// Numbers around the limits of 16, 32 and 64 bits, products of bounds that exceed all of them, and huge bounds over
+// what can be empty.
 constexpr Bound kBounds[] = {
     {"a{99999999999}", 500, "null"},
     {"a{18446744073709551615}", 500, "null"},
@@ -234,6 +238,7 @@ TEST(ClosedBodies, NestToADepthOfHundreds) {
     }
 }
 
+// One literal, with and without case, and a million loops in a row.
 TEST(LongPatterns, OfAMillionUnitsFindThemselves) {
     const size_t copies = sanitized() ? 20000 : 250000;
     runOnSmallStack([&] {
@@ -247,6 +252,7 @@ TEST(LongPatterns, OfAMillionUnitsFindThemselves) {
     });
 }
 
+// Branches of each kind that alternations treat in a way of their own; the last one matches.
 TEST(LongPatterns, OfAHundredThousandBranchesTryThemAll) {
     const size_t count = sanitized() ? 10000 : 100000;
     for (const char16_t* branch : {u"a|", u"ab|", u"a*b|", u"(a)|", u"\\d|"}) {

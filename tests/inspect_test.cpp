@@ -77,6 +77,7 @@ TEST(Graph, IsTheSameEachTimeEvenForDeepGroups) {
     EXPECT_EQ(50000, std::ranges::count(deep, '}') - 1);
 }
 
+// A graph that leads into another tree's shows where, and does not draw that tree.
 TEST(Graph, NamesTheContinuationOfASubPattern) {
     RE_Context context;
     const RE_Tree outer(u"a", false);
@@ -141,6 +142,7 @@ std::string disagreement(const std::u16string& pattern, const EngineConfig& conf
     return stepsAreKnown && !counted ? "other steps than the engine's own" : "";
 }
 
+// Half of the patterns are without lookarounds: of those the engine's own count of steps follows from the trace.
 TEST(Trace, AgreesWithTheProfileAndTheSearch) {
     PatternSource source(5);
     for (int round = 0; round < 3000; ++round) {
@@ -153,6 +155,7 @@ TEST(Trace, AgreesWithTheProfileAndTheSearch) {
     }
 }
 
+// A search in which every kind of event happens at least once.
 TEST(Trace, ReportsSeeksAndRefusals) {
     struct Kinds : RE_Observer {
         void observe(const RE_Trace_Event& event, const RE_Search_Info&) override {

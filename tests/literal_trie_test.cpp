@@ -19,6 +19,7 @@ char16_t folded(char16_t unit, bool folds) {
     return folds ? RE_Case_Table::get().lower(unit) : unit;
 }
 
+/// The definition: the literal's units, compared one by one with the text's.
 bool stands(const RE_Literal_Trie& trie, size_t literal, std::u16string_view text) {
     const std::u16string_view own = trie.text(literal);
     return own.size() <= text.size() && std::equal(own.begin(), own.end(), text.begin(), [&](char16_t a, char16_t b) {

@@ -159,6 +159,7 @@ TEST_P(MachineCode, FindsWhatTheGraphFindsInAsManySteps) {
 #endif
 }
 
+// Patterns that leave choices run in code and in the match loop by turns: the changes between them are what is tested.
 TEST_P(MachineCode, AgreesOnRandomPatterns) {
     PatternSource source(environmentNumber("CORVANE_TEST_SEED", 4711 + static_cast<unsigned long>(GetParam())));
     const unsigned long rounds = environmentNumber("CORVANE_TEST_ROUNDS", sanitized() ? 150 : 2000);
@@ -226,6 +227,7 @@ std::vector<Outcome> walk(const RE_Tree& tree, const std::vector<std::u16string>
     return met;
 }
 
+// The code keeps what it knows of a subject in the search state, and has to forget it with the subject.
 TEST_P(MachineCode, WalksFromMatchToMatchAndFromSubjectToSubject) {
     PatternSource source(7);
     for (const Case& each : kCases) {

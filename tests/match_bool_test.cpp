@@ -83,6 +83,7 @@ TEST(MatchBool, AnswersAsASearchAtThatPositionWhateverTheStateWasUsedFor) {
     }
 }
 
+// Either ends a run in the middle, with choices, bodies and counts open. The next run has to begin without them.
 TEST(MatchBool, ContinuesAfterAnInterruptAndAfterAnException) {
     const std::u16string text = std::u16string(5000, u'a') + u"b";
     const RE_Tree tree(u"(?:a|aa)*c|(a)", false);
@@ -114,6 +115,7 @@ TEST(MatchBool, RefusesPositionsOutsideOfTheSubject) {
     EXPECT_EQ(0u, length);
 }
 
+// Tokens that the caller set stay, and a run that fails takes its own back; a window's end is the end of the match.
 TEST(MatchBool, IsAPartOfTheAttemptThatTheCallerHasOpened) {
     const std::u16string text = u"xabc";
     const char16_t* const begin = text.data();

@@ -54,6 +54,7 @@ TEST(CompileOptions, PrintTheirDefaultsInListOrder) {
               "    Profile: 0\n");
 }
 
+// Names and descriptions to the letter, as hosts show and store them.
 TEST(CompileOptions, AreListedUnderTheirNames) {
     std::vector<std::string> lines;
     CompileOptions options;
@@ -129,6 +130,7 @@ TEST(CompileOptions, ExchangeValuesWithTheHost) {
     EXPECT_EQ(switchesOf(target), "1011");
 }
 
+// Reading outside of a scope gives the defaults, which nobody can change; writing makes an instance.
 TEST(SharedCompileOptions, FallBackToOneDefaultInstanceOutsideScopes) {
     const CompileOptions& fallback = CompileOptions::readGlobalCompileOptions();
     EXPECT_EQ(&CompileOptions::readGlobalCompileOptions(), &fallback);
@@ -141,6 +143,7 @@ TEST(SharedCompileOptions, FallBackToOneDefaultInstanceOutsideScopes) {
     EXPECT_EQ(printed(fallback), printed(CompileOptions()));
 }
 
+// A scope within another begins with the defaults, not with the outer scope's options.
 TEST(SharedCompileOptions, BelongToTheirScope) {
     const utScope outer;
     CompileOptions& ofOuter = CompileOptions::getGlobalCompileOptions();

@@ -162,6 +162,7 @@ std::vector<RE_Node*> bottlenecks(const Nodes& nodes, RE_Node* root) {
     return {kept.begin(), kept.end()};
 }
 
+// A row is a pattern and its bottlenecks: the nodes without which no way leads to the end.
 TEST(Passes, KnowWhatEveryMatchPasses) {
     const struct {
         const char16_t* pattern;
@@ -189,6 +190,7 @@ TEST(Passes, KnowWhatEveryMatchPasses) {
     EXPECT_EQ(labels(nodes), labels(bottlenecks(nodes, nodeAs<RE_Atomic>(nodes.front())->body)));
 }
 
+// The least and the greatest number of units that the whole pattern can consume, which lengths of nodes add up to.
 TEST(Nodes, MeasureWhatFollowsThem) {
     constexpr std::uint64_t kUnbounded = RE_Node::unboundedLength;
     const struct {

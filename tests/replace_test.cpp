@@ -57,6 +57,8 @@ const ReplaceCase replaceCases[] = {
     {u"(?<=a)b", kPlain, u"$`", u"abab", false, 0, u"aaaaba"},
 };
 
+// The same row through the string, the buffer with and without room to spare, and the narrow overloads. A buffer that
+// is large enough is kept; one that is not grows once, by a known rule.
 TEST(Replace, WritesWhatTheTableSaysThroughEveryOverload) {
     for (const ReplaceCase& c : replaceCases) {
         RE_Context host;
@@ -199,6 +201,8 @@ TEST(Replace, GivesThePieceTheCaseOfTheMatch) {
     }
 }
 
+// First column: a replacement under free spacing; second: what it writes. Then: whether a text in braces is an
+// expression.
 TEST(Replace, FreeSpacingCountsOnlyTheNameAndCommentsHideBraces) {
     RE_Context plain;
     struct Allowing : RE_Context {
@@ -227,6 +231,8 @@ TEST(Replace, FreeSpacingCountsOnlyTheNameAndCommentsHideBraces) {
     }
 }
 
+// A dynamic text is compiled with the pattern, which has to know which tokens it reads and that it reads the
+// surroundings.
 TEST(Replace, ReportsItsReferencesToTheParser) {
     RE_Context host;
     RE_ParserContext parser(&host, nullptr, kPlain);
@@ -239,6 +245,7 @@ TEST(Replace, ReportsItsReferencesToTheParser) {
     EXPECT_TRUE(parser.refersToSurroundings);
 }
 
+// Each distinct reference is one variable, named by the host; equal references share it.
 TEST(Replace, PutsVariablesInPlaceOfDistinctReferences) {
     struct Namer : RE_Context {
         RE_Evaluation_IO* create_unique_var(const char* stem, const RE_Builder_Space::RE_Builder& text) override {
@@ -284,6 +291,7 @@ TEST(Replace, AllocatesNoMoreForMoreMatches) {
     }
 }
 
+// The buffers are the caller's until the call succeeds. After a failure the caller still frees the ones it passed.
 TEST(Replace, LeaksNothingWhicheverAllocationFails) {
     const std::u16string pattern = u"(?<n>a+)(b|c)*?d";
     bool failed = true;
@@ -313,6 +321,8 @@ TEST(Replace, LeaksNothingWhicheverAllocationFails) {
     }
 }
 
+// A flag from before stops nothing and is up again afterwards; one that goes up at the second match ends the work
+// there, if interrupts are allowed.
 TEST(Replace, PutsAnEarlierInterruptAsideAndStopsAtALaterOne) {
     Interruptible host;
     const RE_Replace replace(u"-", 1, kPlain, &host);
@@ -337,6 +347,7 @@ TEST(Replace, PutsAnEarlierInterruptAsideAndStopsAtALaterOne) {
     }
 }
 
+// The text after the last match was not searched to its end, so nobody knows that it has no match.
 TEST(Replace, CopiesNothingAfterASearchThatWasBrokenOff) {
     struct Stopping : Interruptible {
         RE_Context* clone() override { return new Stopping(*this); }
@@ -357,6 +368,7 @@ TEST(Replace, CopiesNothingAfterASearchThatWasBrokenOff) {
     EXPECT_EQ(2u, matches);
 }
 
+// A moved-from replacement writes nothing, and can be assigned to again.
 TEST(Replace, GivesUpItsChainWhenMovedAndNeedsNoContext) {
     const RE_Tree tree(u"a", false);
     utAllocationCounter counter;
@@ -398,6 +410,7 @@ TEST(Replace, BuildsNothingFromResultsWithoutASubject) {
     utFree(buffer);
 }
 
+// Every sign that has a meaning in patterns, and texts that have to stay as they are.
 TEST(Translate, EscapesTranslatesAndMakesSpaces) {
     using Function = std::u16string (*)(std::u16string_view);
     struct {
@@ -422,6 +435,7 @@ TEST(Translate, EscapesTranslatesAndMakesSpaces) {
     }
 }
 
+// All units of the plane, 64 to a pattern in random order, so that each has many neighbours over time.
 TEST(Translate, EscapedTextMatchesExactlyItself) {
     std::u16string every(65536, u'\0');
     std::iota(every.begin(), every.end(), u'\0');

@@ -29,6 +29,7 @@ protected:
     RE_Search_Info info{kText, 10, 3, nullptr, false};
 };
 
+// A scope hides the choices from before it, and leaves them as they were.
 TEST_F(SearchState, PopsNothingWhenFreshAndNothingBelowAScope) {
     EXPECT_EQ(nullptr, info.popChoice());
     auto* const split = parser.make<RE_Split>();
@@ -40,6 +41,7 @@ TEST_F(SearchState, PopsNothingWhenFreshAndNothingBelowAScope) {
     EXPECT_EQ(nullptr, info.popChoice());
 }
 
+// Nodes made by hand have no place in the memo: their pushes are guarded by what is on the stack.
 TEST_F(SearchState, RefusesTheSameSplitAtTheSamePositionOnly) {
     auto* const split = parser.make<RE_Split>();
     auto* const other = parser.make<RE_Split>();
@@ -49,6 +51,7 @@ TEST_F(SearchState, RefusesTheSameSplitAtTheSamePositionOnly) {
     EXPECT_TRUE(info.pushChoice(split, kText + 2, true));
 }
 
+// The tokens in effect are a part of the state, so the same split at the same position is new with more of them.
 TEST_F(SearchState, RemembersMemoisedStatesPerTokenCount) {
     auto* const split = parser.make<RE_Split>();
     split->memoised = true;
@@ -74,6 +77,7 @@ TEST_F(SearchState, ReusesItsOwnRecordAndDiscardsThoseAbove) {
     EXPECT_EQ(nullptr, info.popChoice());
 }
 
+// Level 0 is the innermost entry of a loop. Counting without an entry, and below zero, has to be harmless.
 TEST_F(SearchState, KeepsCountsPerCounterAndLevel) {
     auto* const counter = parser.make<RE_Limit_Counter>(3);
     EXPECT_EQ(0u, info.countAt(counter, 0));
@@ -119,6 +123,7 @@ void expectIndexed(const RE_Token_Stack& tokens, const RE_Search_Info& info) {
     EXPECT_EQ(nullptr, info.getToken(std::numeric_limits<Index>::max()));
 }
 
+// The overloads for numbers and names must be unambiguous for each of them, the literal 0 included.
 TEST_F(SearchState, FindsTokensByIntegersOfEveryType) {
     for (const size_t index : {0u, 1u}) {
         info.startToken(index, u"name", kText);
@@ -181,6 +186,7 @@ TEST(SeekTable, AnswersBetweenAQueryAndItsResult) {
     EXPECT_TRUE(isKey);
 }
 
+// All pairs of a list that is in order.
 TEST(SeekTable, OrdersKeysByNodeAndWords) {
     RE_Context host;
     RE_ParserContext parser(&host, nullptr, 0);

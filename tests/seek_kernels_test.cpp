@@ -92,6 +92,8 @@ void compareAll(const std::u16string& text) {
     }
 }
 
+// A text of dots, in which three units are placed: a hit, a unit three further that belongs to it, and one that does
+// not.
 TEST(SeekKernels, FindWhatPlainLoopsFind) {
     for (size_t length = 0; length <= kLongest; length += length < 70 ? 1 : 17) {
         compareAll(std::u16string(length, u'.'));

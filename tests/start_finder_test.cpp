@@ -85,6 +85,7 @@ TEST(StartFinders, AreChosenInOrderAndSkipNoMatch) {
     }
 }
 
+// Four hundred words of frequent letters: the kind that other finders would stop at too often.
 TEST(StartFinders, SearchForManyLiteralsByWindows) {
     std::mt19937 random(11);
     for (const RE_Flags flags : {RE_Flags{0x12}, RE_Flags{0x13}}) {

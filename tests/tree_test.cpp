@@ -20,6 +20,7 @@ namespace {
 
 using Results = std::unique_ptr<RE_Results>;
 
+// Six ways to compile and five to search are one tree and one search.
 TEST(Tree, GivesTheSameAnswerThroughEveryConstructorAndMatch) {
     const RE_Builder_Space::RE_Builder builder(u"A(b+)C");
     RE_Context host;
@@ -66,6 +67,7 @@ TEST(Tree, RunsOnceAtAPositionAndAcceptsTheEmptyMatchThere) {
     EXPECT_EQ(2u, length);
 }
 
+// The second run finds a memo that has begun; it holds failures of the first, which must not count.
 TEST(Tree, AnswersAlikeHoweverOftenAStateIsUsed) {
     const RE_Tree tree(u"(?:(?:a|aa|b)*e|)(?:a|aa|b)*d", false);
     const std::u16string subject = std::u16string(2000, u'a') + u"d";
@@ -81,6 +83,7 @@ TEST(Tree, AnswersAlikeHoweverOftenAStateIsUsed) {
     }
 }
 
+// Loops that are copied and names that are used twice are listed once.
 TEST(Tree, ListsEachNameOnceInTokenOrder) {
     size_t count = 9;
     EXPECT_EQ(nullptr, RE_Tree(u"(a)(b)", false).treeNames(&count));
@@ -194,6 +197,7 @@ private:
     mutable int left;
 };
 
+// A constructor that throws hands out no tree: whatever the tree had taken by then has to go back.
 TEST(Context, MayThrowFromEveryCallAndNothingLeaks) {
     const std::u16string pattern = u"(a{3}|b)*\\1(?(1)c|d)(?(?=x)y)\\q(?@z)(?<n>e)\\k<n>[";
     int calls = 0;

@@ -99,6 +99,7 @@ TEST(UnitSet, HoldsWhatAPlainTableHolds) {
     }
 }
 
+// A union is built lazily and finished once, as the set or as its complement.
 TEST(UnitUnion, HoldsWhatWasAddedOrAllOthers) {
     SetSource source;
     RE_Scratch_Memory scratch;

@@ -13,6 +13,7 @@
 namespace corvane_tests {
 namespace {
 
+// Without an empty part at the end: missing last columns are filled in later.
 std::vector<std::string> split(const std::string& text, char separator) {
     std::vector<std::string> parts;
     std::istringstream stream(text);
@@ -75,6 +76,7 @@ void readWarnings(const std::string& text, MatchCase& result) {
     }
 }
 
+// Seven columns, of which the last two may be missing.
 MatchCase readLine(const std::string& line) {
     std::vector<std::string> columns = split(line, '\t');
     if (columns.size() < 5) {

@@ -112,6 +112,7 @@ void Comparison::refereeDense(PatternSource& source, const DrawnPattern& pattern
     refereeOn(drawSubject(source, parties.parsed ? &*parties.parsed : nullptr, kLongest), source, parties);
 }
 
+// The same question for all parties: subject, offset and walk are drawn once.
 void Comparison::refereeOn(const std::u16string& subject, PatternSource& source, Parties& parties) {
     const size_t offset = source.oneIn(3) ? source.below(subject.size() + 1) : 0;
     const Question question{parties.pattern, subject, offset, kWalks[source.below(std::size(kWalks))]};
@@ -130,6 +131,7 @@ void Comparison::refereeOn(const std::u16string& subject, PatternSource& source,
     }
 }
 
+// Matches first: where they differ, calls differ as well and say less.
 void Comparison::judgeBySetting(const Question& question, const EngineConfig& config,
                                 const TestedPattern::Found& expected, const TestedPattern::Found& got) {
     ++m_compared;

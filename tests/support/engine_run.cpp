@@ -80,6 +80,7 @@ void speedUp(RE_Tree& tree, const EngineConfig& config) {
     }
 }
 
+// Also for settings without an automaton, where nothing changes: callers need not know.
 InquiryDelays::InquiryDelays(const EngineConfig& config)
     : m_choices(RE_Inquiry_Delay::choices), m_ambiguous(RE_Inquiry_Delay::ambiguous) {
     if (config.dfa && config.eagerDfa) {

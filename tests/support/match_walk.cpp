@@ -41,6 +41,7 @@ std::ostream& operator<<(std::ostream& out, Walk walk) {
     return out << names[static_cast<size_t>(walk)];
 }
 
+// A range leaves out an empty match at the end of a match; the others report it.
 std::vector<Outcome> seenBy(Walk walk, std::vector<Outcome> matches) {
     if (walk != Walk::range) {
         return matches;
@@ -89,6 +90,7 @@ TestedPattern::TestedPattern(std::u16string_view pattern, RE_Flags flags, const 
     : m_config(config), m_host(scripted()), m_run(pattern, m_host, flags, config) {}
 
 std::optional<TestedPattern::Found> TestedPattern::walk(const std::u16string& subject, size_t offset, Walk walk) {
+    // The table knows one subject by its address, so the subject is kept here too.
     if (!m_table || subject != m_subject) {
         m_subject = subject;
         m_table.emplace();

@@ -70,6 +70,7 @@ void addWhatIsSkipped(Rows& rows) {
     add(rows, {u"(?e)", u"(?-e)"}, may, kModes | kOwn, false);
 }
 
+// What calls the host. Expressions are those of expression_script.h, so the reference knows the answers.
 void addDynamics(Rows& rows) {
     const unsigned asks = kDynamics | kOwn | kUnbounded;
     add(rows, {u"(?@run(${n}))", u"(?@run)"}, may, asks);
@@ -123,6 +124,7 @@ void addLoops(Rows& rows) {
     }
 }
 
+// A look-behind over what has no longest match is a row of its own, as other engines refuse it.
 void addLookarounds(Rows& rows) {
     static constexpr const char* reason = "it has no longest match";
     add(rows, {u"(?={body})", u"(?!{body})"}, may, kLookarounds);
@@ -177,6 +179,7 @@ void addModes(Rows& rows) {
     add(rows, {u"(?e:{body})", u"(?-e:{body})"}, asBody, kModes | kOwn);
 }
 
+// The body as a text that is compiled while the search runs, once quoted for the replacement language, once as it is.
 void addDynamicTexts(Rows& rows) {
     for (const char16_t* text : {u"(??{text})", u"(??@={included})"}) {
         rows.push_back({text, may, kDynamics | kOwn | kUnbounded, kHiding, "its bracket would be paired with another"});

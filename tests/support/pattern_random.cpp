@@ -64,6 +64,7 @@ size_t PatternSource::sweep() {
     return contexts * std::max(contexts, leafConstructs().size());
 }
 
+// The number of the draw decides the two contexts and the two leaves; flags and the rest are drawn.
 DrawnPattern PatternSource::draw(unsigned without) {
     constexpr size_t kStride = 7919;  // a prime, so that a part of a sweep is one of everything
     const size_t leaves = leafConstructs().size(), contexts = contextConstructs().size();
@@ -85,6 +86,7 @@ size_t PatternSource::denseSweep() {
     return denseRows().size() * denseRows().size();
 }
 
+// The same for pairs: side by side, or the second within the first.
 DrawnPattern PatternSource::drawDense(unsigned without) {
     constexpr size_t kStride = 7919;
     const std::vector<size_t>& rows = denseRows();

@@ -94,6 +94,7 @@ private:
         }
     }
 
+    /// A bracket that comes first is a member, and an escaped one too.
     void copySet() {
         const size_t first = m_at + (sees(u"[^") ? 2 : 1);
         size_t end = first;
@@ -130,6 +131,7 @@ private:
         }
     }
 
+    /// Copies an opening and notes what its closing parenthesis restores.
     void enter(size_t units) {
         m_outer.push_back({m_writer.m_modes, m_writer.m_makesTokens, m_writer.m_isRead});
         copy(units);
@@ -143,6 +145,7 @@ private:
         copy(1);
     }
 
+    /// A name in the text of a row is one letter; elsewhere it is a gap.
     void openNamed() {
         m_writer.m_groups += m_writer.m_makesTokens ? 1 : 0;
         enter(3);
@@ -283,6 +286,7 @@ private:
     size_t m_context;
     size_t m_at = 0;
     std::u16string m_out;
+    // What a row with `asBody` is: set by the last body.
     bool m_bodyNullable = true;
     std::vector<Outer> m_outer;
 };

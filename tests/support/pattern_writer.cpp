@@ -85,6 +85,7 @@ void PatternWriter::noteDrawn(size_t construct) {
     }
 }
 
+// What a construct bars is barred in its body, at any depth.
 Piece PatternWriter::body(size_t context, int depth) {
     const unsigned without = std::exchange(m_without, m_without | contextConstructs()[context].bars);
     m_inside.push_back(context);
@@ -159,6 +160,7 @@ Piece PatternWriter::wideAlternation(int depth) {
     return result;
 }
 
+// Now and then empty: a branch without anything is a construct of its own.
 Piece PatternWriter::sequence(int depth) {
     Piece result{u"", true, false, false};
     const size_t count = m_dense ? 1 + (oneIn(4) ? 1 : 0) : oneIn(12) ? 0 : 1 + below(3);

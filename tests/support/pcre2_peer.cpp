@@ -29,6 +29,7 @@ PCRE2_SPTR16 units(std::u16string_view text) {
     return reinterpret_cast<PCRE2_SPTR16>(text.empty() ? &empty : text.data());
 }
 
+// Group 0 is the match. A group that is unset is a token that is empty at 0.
 Outcome toOutcome(pcre2_match_data_16* data) {
     const PCRE2_SIZE* ovector = pcre2_get_ovector_pointer_16(data);
     Outcome outcome{true, ovector[0], ovector[1] - ovector[0], {}};
@@ -46,6 +47,7 @@ struct Pcre2Pattern::Code {
     pcre2_code_16* code = nullptr;
 };
 
+// Line ends are line feeds alone, as here; the library's default may be another.
 Pcre2Pattern::Pcre2Pattern(std::u16string_view pattern, std::uint32_t flags)
     : m_code(std::make_unique<Code>()), m_matchOptions((flags & 0x20U) != 0 ? 0 : PCRE2_NOTEMPTY) {
     pcre2_compile_context_16* context = pcre2_compile_context_create_16(nullptr);

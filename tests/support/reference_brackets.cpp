@@ -22,6 +22,7 @@ size_t afterSet(std::u16string_view text, size_t at) {
 
 }  // namespace
 
+// Only what can hide a parenthesis is read.
 size_t groupEnd(std::u16string_view text, bool freeSpacing) {
     for (size_t at = 0, open = 1; at < text.size();) {
         const char16_t unit = text[at];

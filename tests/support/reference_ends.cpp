@@ -75,6 +75,7 @@ private:
         return ends;
     }
 
+    /// From every end of one part the ends of the next, in order: preference of the first part counts for more.
     Ends sequence(const Node& node, const End& from) {
         Ends ends{from};
         for (const NodePtr& part : node.children) {
@@ -124,6 +125,7 @@ private:
         return place->second;
     }
 
+    /// Up to `left` passes more. Greedy: the ends after a pass come first, the end without one last.
     Ends optional(const Node& node, size_t left, const End& from) {
         const bool mayBeEmpty = node.min == 0 && node.max == 1;
         Ends ends;
@@ -189,6 +191,7 @@ private:
     std::map<std::tuple<const Node*, size_t, End>, Ends> m_repeats;
 };
 
+/// The first start with an acceptable end.
 Outcome searchFrom(const Pattern& pattern, bool emptyAccepted, std::u16string_view subject, size_t offset) {
     Lister lister(subject);
     for (size_t start = offset; start <= subject.size(); ++start) {

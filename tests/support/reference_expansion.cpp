@@ -29,6 +29,7 @@ void addCharacter(std::vector<Part>& parts, char32_t value) {
     addLiteral(parts, {&unit, 1});
 }
 
+// After the sign. What is not a reference would be a warning.
 Part readReference(Reader& reader, bool mayEvaluate) {
     if (reader.seesDigit() && !reader.sees(u"0")) {
         std::u16string digits;
@@ -68,6 +69,7 @@ std::u16string expandNumber(std::u16string digits, const Place& place) {
     return u"$" + digits + rest;
 }
 
+// A name that no token has is written as it is; an expression without an answer makes the whole text fail.
 std::optional<std::u16string> expandPart(const Part& part, const Place& place) {
     switch (part.kind) {
         case Part::Kind::Literal:

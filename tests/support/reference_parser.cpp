@@ -42,6 +42,7 @@ public:
 private:
     void skipSpacing() { m_reader.skipSpacing(m_flags.freeSpacing); }
 
+    /// Branches up to a closing parenthesis or the end. Modes that a branch sets hold in the branches after it too.
     NodePtr alternation() {
         const Flags saved = m_flags;
         std::vector<NodePtr> branches;
@@ -58,6 +59,7 @@ private:
         return node;
     }
 
+    /// Items up to a bar, a closing parenthesis or the end.
     NodePtr sequence() {
         NodePtr node = make(Kind::Sequence);
         for (skipSpacing(); !m_reader.done() && !m_reader.sees(u"|") && !m_reader.sees(u")"); skipSpacing()) {
@@ -87,6 +89,7 @@ private:
         }
     }
 
+    /// Reads the bounds. False when there is no quantifier; one that is malformed is beyond the reference.
     bool quantifier(Node& repeat) {
         if (m_reader.takes(u"*")) {
             return true;
@@ -156,6 +159,7 @@ private:
         return node;
     }
 
+    /// After the backslash: anchor, class, reference or character, in this order.
     NodePtr escape() {
         const char16_t unit = m_reader.take();
         if (unit == u'<' || unit == u'>') {
@@ -244,6 +248,7 @@ private:
         return node;
     }
 
+    /// Null, with nothing read, when there is none.
     NodePtr lookaround() {
         NodePtr node = make(Kind::Look);
         node->behind = m_reader.sees(u"<=") || m_reader.sees(u"<!");
@@ -307,6 +312,7 @@ private:
         return node;
     }
 
+    /// A lookaround, a number or a name.
     void readCondition(Node& node) {
         if (m_reader.takes(u"?")) {
             node.condition = lookaround();

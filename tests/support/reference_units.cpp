@@ -9,6 +9,7 @@ namespace {
 
 using Ranges = std::vector<Range>;
 
+// Written for the units that pattern_constructs.cpp and subject_random.cpp draw; other units are in no class here.
 const Ranges kDigits = {{u'0', u'9'}, {0x0660, 0x0669}};
 const Ranges kBlanks = {{9, 13}, {28, 32}, {0x2003, 0x2003}};
 const Ranges kLetters = {{u'A', u'Z'}, {u'a', u'z'},     {0xC0, 0xD6},     {0xD8, 0xF6},
@@ -48,6 +49,7 @@ struct Member {
     bool isBareHyphen = false;
 };
 
+// One unit, a class, or a character of two units, which a set leaves out.
 Member readMember(Reader& reader) {
     const char16_t unit = reader.take();
     if (unit != u'\\') {
@@ -103,6 +105,7 @@ char32_t braced(Reader& reader, int base) {
 
 }  // namespace
 
+// Two units fold to ASCII from far away; the others lie 32 or 80 below their lower case.
 char16_t lower(char16_t unit) {
     switch (unit) {
         case 0x0130:
@@ -121,6 +124,7 @@ bool sameIgnoringCase(char16_t left, char16_t right) {
     return lower(left) == lower(right);
 }
 
+// All units with the same lower case, found by trying the few distances that there are.
 std::u16string casesOf(char16_t unit) {
     std::u16string result(1, unit);
     const char16_t base = lower(unit);

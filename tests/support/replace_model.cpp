@@ -103,6 +103,7 @@ struct Reader {
         return true;
     }
 
+    /// After a backslash: octal digits after 0, two letters, or the unit itself.
     void escape() {
         const char16_t c = text[++at];
         if (c == u'0') {

@@ -33,6 +33,7 @@ std::string HostJournal::text(size_t from) const {
     return all;
 }
 
+// Notes the call with its texts, then answers from the table, or else from the script.
 std::optional<std::u16string> ScriptedHost::answer(const char* how, RE_Evaluation_Inputs* inputs) {
     m_journal.note(how + (" " + printable(m_text)) + listed(inputs));
     HostJournal::Inputs texts;
@@ -69,6 +70,7 @@ void ScriptedHost::create_fcn(RE_Evaluation_IO* body, RE_Evaluation_Inputs* vari
     m_journal.note("function " + printable(textOf(*body)) + listed(variables));
 }
 
+// With the unit that it points at, which is enough to tell warnings of one text apart.
 void ScriptedHost::warn(const char16_t* where, RE_Warning warning) {
     m_journal.note("warning " + std::to_string(unsigned{warning}) + " at " +
                    printable({where, static_cast<size_t>(m_text.empty() ? 0 : 1)}));
@@ -79,6 +81,7 @@ void ScriptedHost::set_string(const char16_t* text, size_t length) {
     m_journal.note("set " + printable(m_text));
 }
 
+// Clones write into the same journal.
 RE_Context* ScriptedHost::clone() {
     m_journal.note("clone");
     return new ScriptedHost(getCompileOptions(), m_journal);

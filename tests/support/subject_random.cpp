@@ -94,6 +94,7 @@ private:
         return unit;
     }
 
+    // As many as required and up to three more.
     void writePasses(const Node& node) {
         const size_t most = std::min(node.max, node.min + 3);
         for (size_t left = node.min + m_source.below(most - node.min + 1); left > 0; --left) {
@@ -128,6 +129,7 @@ private:
         }
     }
 
+    // A dynamic text as far as it is known before the search: its literal parts.
     void writeIncluded(const Node& node) {
         std::u16string text;
         for (const reference::TextPart& part : node.expansion) {
