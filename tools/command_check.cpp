@@ -33,6 +33,7 @@ int runCheck(const Arguments& words) {
     const CompiledPattern pattern(takePattern(arguments), compile);
     if (!arguments.positionals.empty()) throw UsageError("check takes one pattern and nothing else");
 
+    // By position, as people read a pattern; JSON has the same order.
     const std::vector<PatternWarning> warnings = pattern.warnings();
     for (const PatternWarning& warning : warnings) {
         if (arguments.has("json")) {

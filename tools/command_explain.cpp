@@ -100,6 +100,7 @@ void printGrowth(const RE_Growth& growth) {
 int runExplain(const Arguments& words) {
     Corvane::regexp::CompileOptions compile;
     po::options_description known;
+    // No options of its own but this one.
     known.add_options()("help", "print this help");
     known.add(patternOptions()).add(compileOptions(compile));
     ParsedArguments arguments = parseArguments(words, "explain [OPTION...] PATTERN", known);
@@ -112,6 +113,7 @@ int runExplain(const Arguments& words) {
     const auto context = makeContext(compile, pattern.scripts(), true);
     const RE_Outline outline =
         outlinePattern(request.text.data(), request.text.size(), request.flags, context.get());
+    // First what the author wrote, then what the engine makes of it.
     std::cout << outline.text << "Length: " << lengthText(outline) << "\nStart: " << startText(pattern.tree())
               << '\n';
     printPossessiveLoops(pattern.tree());

@@ -14,7 +14,8 @@ namespace po = boost::program_options;
 namespace tool {
 namespace {
 
-// The command's own options; those of patterns and compiling come along.
+// The command's own options; those of patterns and compiling come along. The default format is the one that
+// needs no other program.
 po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
     po::options_description options("Output");
     auto add = options.add_options();
@@ -34,6 +35,7 @@ RE_Stage stageNamed(std::string_view name) {
                                                                        {"dot-star", RE_Stage::dot_star}};
     for (const auto& [known, stage] : stages)
         if (known == name) return stage;
+    // The names of stages are few and fixed, so the message lists them.
     throw UsageError("no stage is named \"" + std::string(name) +
                      "\"; there are parsed, null-nodes, linear and dot-star");
 }
@@ -57,6 +59,7 @@ int runGraph(const Arguments& words) {
         text = RE_Tree::graphAfter(stageNamed(arguments.options["stage"].as<std::string>()),
                                    request.text.data(), request.text.size(), request.flags, context.get());
     }
+    // A picture goes to standard output too: the caller knows best where it belongs.
     std::cout << drawGraph(text, format);
     return exitPositive;
 }

@@ -34,6 +34,7 @@ po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
 
 // One row of the table; the widths are those of printTable's heading. Labels come last, as they may be long.
 void printRow(const std::string& node, const RE_Node_Counts& counts, const std::string& label) {
+    // Room for six numbers of twenty digits and the node.
     char numbers[160];
     const auto number = [](std::uint64_t value) { return static_cast<unsigned long long>(value); };
     std::snprintf(numbers, sizeof numbers, "%-6s %12llu %12llu %12llu %12llu %12llu %12llu  ", node.c_str(),
@@ -69,6 +70,7 @@ std::string heatGraph(const RE_Tree& tree, const RE_Profile& profile) {
     std::uint64_t most = 0;
     for (const RE_Node_Profile& node : profile.nodes) most = std::max(most, node.counts.visits);
     return tree.graph([&](std::uint64_t nodeId) {
+        // Every node of the graph is in the profile, visited or not.
         const auto found = std::ranges::find(profile.nodes, nodeId, &RE_Node_Profile::nodeId);
         return heat(found->counts.visits, most);
     });
@@ -99,6 +101,7 @@ int runProfile(const Arguments& words) {
         parseArguments(all, "profile [OPTION...] PATTERN [FILE]", knownOptions(compile));
     const CompiledPattern pattern(takePattern(arguments), compile);
     if (arguments.positionals.size() > 1) throw UsageError("profile takes one pattern and one file");
+    // One text: counts of several would add up to nothing that can be read.
     const Input input = readInput(arguments.positionals.empty() ? "-" : arguments.positionals.front());
     catchInterrupts();
     printWarnings(pattern.text(), pattern.warnings());
@@ -106,6 +109,7 @@ int runProfile(const Arguments& words) {
     const bool found = searchAll(pattern.tree(), input.text.view());
     const RE_Profile profile = pattern.tree().profile();
     printTable(profile);
+    // The table is printed in any case, so a picture that fails costs no result.
     if (arguments.has("graph")) {
         const std::string fileName = arguments.options["graph"].as<std::string>();
         writeFile(fileName, drawGraph(heatGraph(pattern.tree(), profile), formatOf(fileName)));

@@ -25,6 +25,7 @@ namespace po = boost::program_options;
 namespace tool {
 namespace {
 
+// --which counts from 1, and 0 is all of them, as in the library.
 po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
     po::options_description options("Replacement");
     auto add = options.add_options();
@@ -48,6 +49,7 @@ ReplaceSettings readSettings(const ParsedArguments& arguments) {
     ReplaceSettings settings{arguments.has("adjust-case"), arguments.has("in-place"),
                              arguments.number("which"), arguments.positionals};
     if (settings.fileNames.empty()) settings.fileNames = {"-"};
+    // Refused before anything is read or changed.
     if (settings.inPlace && std::ranges::find(settings.fileNames, "-") != settings.fileNames.end())
         throw UsageError("--in-place needs files, standard input is none");
     return settings;
@@ -72,6 +74,7 @@ public:
 
     const std::string& bytes() const { return bytes_; }
     std::u16string_view text() const { return text_.view(); }
+    // Whether writing the text back unchanged would give the same bytes.
     bool isUtf8() const { return isConversionOf(text(), std::string_view(bytes_).substr(markSize_)); }
 
     // As bytes, after the byte order mark if the file has one.
@@ -156,6 +159,7 @@ private:
         trouble_ = true;
     }
 
+    // On standard error, after the output so far.
     static void say(const std::string& message) {
         std::cout.flush();
         std::cerr << "cvregexp: " << message << '\n';

@@ -33,6 +33,7 @@ bool splitText(const RE_Tree& tree, std::u16string_view text, char terminator) {
     // Else a text file, which ends with a line feed, would have an empty part at its end under a pattern like
     // \n.
     if (text.ends_with(u'\n')) text.remove_suffix(1);
+    // At least one part, if only the whole text.
     std::vector<std::u16string_view> parts = tree.split(text);
     const bool interrupted = interruptPending();
     if (interrupted) parts.pop_back();  // the rest of the text, which was not searched
@@ -65,6 +66,7 @@ int runSplit(const Arguments& words) {
             unreadable = true;
         }
     }
+    // An incomplete answer is trouble, whatever was found.
     if (unreadable) return exitTrouble;
     return found ? exitPositive : exitNegative;
 }

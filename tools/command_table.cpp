@@ -5,6 +5,7 @@
 namespace tool {
 
 std::span<const Command> commandTable() {
+    // Name, what the help says, function.
     static constexpr Command commands[] = {
         {"match", "find every match of a pattern in files or standard input", runMatch},
         {"replace", "replace the matches of a pattern in files or standard input", runReplace},

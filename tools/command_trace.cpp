@@ -24,6 +24,7 @@ po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
     auto add = options.add_options();
     add("html", po::value<std::string>()->value_name("FILE"), "write a page that replays the search");
     add("offset", po::value<std::size_t>()->default_value(0)->value_name("N"), "search from unit N on");
+    // A hundred thousand events are some tens of megabytes; a search that blows up has no end of them.
     add("limit", po::value<std::size_t>()->default_value(100'000)->value_name("N"), "keep at most N events");
     add("help", "print this help");
     return withPatternOptions(options, compile);
@@ -57,6 +58,7 @@ int runTrace(const Arguments& words) {
     const std::unique_ptr<RE_Results> found(pattern.tree().trace(
         subject.data(), subject.size(), arguments.options["offset"].as<std::size_t>(), log));
     if (interruptPending()) throw Interrupted();
+    // The page in place of the lines: who wants to replay a search does not want to scroll past it.
     if (arguments.has("html")) {
         writeFile(arguments.options["html"].as<std::string>(), tracePage(pattern, subject, log));
     } else {

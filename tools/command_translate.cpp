@@ -16,6 +16,7 @@ namespace po = boost::program_options;
 namespace tool {
 namespace {
 
+// The functions of the library that these commands offer.
 using Translation = std::u16string (*)(std::u16string_view);
 
 // Without a text, standard input is translated as it stands and no line feed is added.
@@ -24,6 +25,7 @@ int translate(const Arguments& words, const std::string& command, Translation tr
     known.add_options()("help", "print this help");
     const ParsedArguments arguments = parseArguments(words, command + " [TEXT]", known);
     if (arguments.positionals.empty()) {
+        // Byte for byte what a pipe would pass on, but for the translation.
         std::cout << toUtf8(translation(readInput("-").text.view()));
     } else if (arguments.positionals.size() == 1) {
         std::cout << toUtf8(translation(toUtf16(arguments.positionals.front()))) << '\n';

@@ -28,6 +28,7 @@ public:
     std::vector<PatternWarning> warnings() const { return context_->warnings(); }
 
 private:
+    // The text first: the context keeps a view of it.
     std::u16string text_;
     std::unique_ptr<ConsoleContext> context_;
     RE_Replace replace_;

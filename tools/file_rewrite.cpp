@@ -47,6 +47,7 @@ public:
         if (descriptor_ < 0) failOn(name_);
     }
     ~TemporaryFile() {
+        // Errors no longer matter: the file is about to be removed.
         if (descriptor_ >= 0) ::close(descriptor_);
         if (!renamed_) ::unlink(name_.c_str());
     }

@@ -40,6 +40,7 @@ private:
 
 std::string drawGraph(const std::string& text, const std::string& format) {
     if (format == "dot") return text;
+    // The list is short on purpose: the word becomes part of a command for the shell.
     if (format != "svg" && format != "png") throw UsageError("the format must be dot, svg or png");
     const TemporaryFile file(text);
     // Format and name are words of our own that the shell leaves alone.

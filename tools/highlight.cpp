@@ -43,6 +43,7 @@ void appendHighlighted(std::string& out, std::u16string_view text, Extent line,
         // A match may begin on an earlier line or go on to a later one; only its part on this line counts.
         const std::size_t begin = std::clamp(match.start, at, line.end());
         const std::size_t end = std::clamp(match.end(), begin, line.end());
+        // Also an empty match, which has nothing to mark.
         if (begin == end) continue;
         appendUtf8(out, text.substr(at, begin - at));
         out += markOn;

@@ -39,6 +39,7 @@ public:
     const std::string& name() const { return name_; }
 
 private:
+    // The caller's, which outlives the file.
     const std::string& name_;
     int descriptor_;
 };

@@ -44,6 +44,7 @@ public:
     bool match(const RE_Results& found) override {
         cursor_.advanceTo(found.matchStart);
         Json tokens = Json::array();
+        // Tokens in effect; those after them have no text.
         for (std::size_t index = 0; index != found.tokens->count; ++index)
             tokens.push_back(tokenObject(found, index));
         writeLine(out_, {{"file", input_->label},
@@ -71,6 +72,7 @@ std::unique_ptr<Reporter> makeJsonReporter(std::ostream& out) {
 }
 
 void writeJsonWarning(std::ostream& out, std::u16string_view pattern, const PatternWarning& warning) {
+    // Two places: where the compiler raised the warning, and the part of the pattern that it is about.
     const RE_Warning_Span span = locateWarning(warning.number, pattern, warning.position);
     const PatternPlace place = locate(pattern, span.start);
     writeLine(out, {{"number", static_cast<unsigned>(warning.number)},

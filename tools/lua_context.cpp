@@ -34,6 +34,7 @@ std::string textOf(const RE_Evaluation_IO& io) {
 std::string readScript(const std::string& file) {
     std::string code = readBytes(file);
     if (code.starts_with("\xEF\xBB\xBF")) code.erase(0, 3);
+    // The line feed stays, so that line numbers in messages are right.
     if (code.starts_with('#')) code.erase(0, code.find('\n'));
     return code;
 }
@@ -48,6 +49,7 @@ public:
                                                 bool forPattern) override {
         return std::make_unique<LuaContext>(options, state_, forPattern);
     }
+    // The same interpreter, so the code sees what the expressions have left.
     void finish() override { state_.run(after_, "--lua-after"); }
 
 private:

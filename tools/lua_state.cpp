@@ -87,6 +87,7 @@ int setMetatable(lua_State* state) {
 
 // To the program's own stream, which keeps the order with the rest of the output.
 int print(lua_State* state) {
+    // As Lua's own print: tabs between, texts by __tostring.
     const int count = lua_gettop(state);
     for (int i = 1; i <= count; ++i) {
         std::size_t length = 0;
@@ -132,6 +133,7 @@ int openSafeLibraries(lua_State* state) {
         lua_pop(state, 1);
     }
     openClock(state);
+    // What the base library offers besides: running files and texts, and driving the collector.
     lua_pushglobaltable(state);
     removeFields(state, {"collectgarbage", "dofile", "load", "loadfile"});
     lua_getfield(state, -1, "setmetatable");
@@ -155,6 +157,7 @@ struct Call {
 int callProtected(lua_State* state) {
     const Call& call = *static_cast<const Call*>(lua_touserdata(state, 1));
     const int count = static_cast<int>(call.arguments->size());
+    // The arguments, and three places more: for the function, the value and its text.
     luaL_checkstack(state, count + 3, "too many arguments");
     lua_rawgeti(state, LUA_REGISTRYINDEX, call.function);
     for (int i = 0; i < count; ++i) {
@@ -231,6 +234,7 @@ void LuaState::run(std::string_view code, const std::string& name) {
 // Reads the body as an expression first and, failing that, as statements. If both fail, the error that was
 // met later in the text is the one shown: it belongs to the reading that was meant.
 int LuaState::compile(std::string_view parameters, std::string_view body) {
+    // The parameters become locals that are set from the arguments of the chunk.
     const std::string head = parameters.empty() ? "" : "local " + std::string(parameters) + " = ... ";
     // A line feed ends a comment at the end of the body.
     const std::string code = std::string(body) + (body.find("--") != std::string_view::npos ? "\n" : "");

@@ -71,6 +71,7 @@ MatchSettings readMatchSettings(const ParsedArguments& arguments) {
     settings.fileNames = arguments.positionals;
     if (settings.fileNames.empty()) settings.fileNames = {"-"};
     settings.style.form = chosenForm(arguments);
+    // Not what is a file name, but whether it is printed.
     settings.style.fileNames = fileNamesWanted(arguments, settings.fileNames.size());
     settings.style.lineNumbers = arguments.has("line-number");
     settings.style.nulAfterName = arguments.has("null");

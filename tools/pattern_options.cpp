@@ -24,6 +24,7 @@ std::string takePatternText(ParsedArguments& arguments) {
             text.pop_back();
         return text;
     }
+    // Without -e and -f the pattern is the first word.
     if (arguments.positionals.empty()) throw UsageError("a pattern is missing");
     std::string text = arguments.positionals.front();
     arguments.positionals.erase(arguments.positionals.begin());
@@ -60,6 +61,7 @@ po::options_description patternOptions() {
     return options;
 }
 
+// Each option of the library describes and parses itself, so a new one needs nothing here.
 po::options_description compileOptions(Corvane::regexp::CompileOptions& options) {
     po::options_description descriptions("Compilation");
     for (Corvane::regexp::Option::IOption* option : options.getOptions())
@@ -75,6 +77,7 @@ po::options_description withPatternOptions(const po::options_description& own,
     return known;
 }
 
+// Bytes that are not UTF-8 become U+FFFD: any command line is a pattern.
 PatternRequest takePattern(ParsedArguments& arguments) {
     std::u16string text = toUtf16(takePatternText(arguments));
     return {std::move(text), chosenFlags(arguments), readScriptRequest(arguments)};

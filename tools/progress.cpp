@@ -36,6 +36,7 @@ void Progress::at(std::size_t position) {
     nextDraw_ = now + std::chrono::milliseconds(100);
 }
 
+// Leaves the terminal as it would be without the line.
 void Progress::hide() {
     if (!visible_) return;
     std::fputs("\r\033[K", stderr);

@@ -3,6 +3,7 @@
 
 namespace tool {
 
+// A switch without a default, so that the compiler asks for a case when a form is added.
 std::unique_ptr<Reporter> makeReporter(const ReportStyle& style, std::ostream& out) {
     switch (style.form) {
         case ReportForm::lines:
@@ -22,6 +23,7 @@ std::unique_ptr<Reporter> makeReporter(const ReportStyle& style, std::ostream& o
     return makeSummaryReporter(style, out);
 }
 
+// The order is that of the usual search tools, which editors read: name, then line.
 void appendPrefix(std::string& out, const ReportStyle& style, const Input& input, std::size_t line) {
     if (style.fileNames) {
         out += input.label;

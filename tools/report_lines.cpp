@@ -27,6 +27,7 @@ public:
     // Adds the match to the block, after printing a block that it does not touch.
     bool match(const RE_Results& found) override {
         const Extent extent{found.matchStart, found.matchLength};
+        // Matches ascend, as the cursor needs it.
         cursor_.advanceTo(extent.start);
         if (!matches_.empty() && cursor_.lineBegin() >= blockEnd_) printBlock();
         if (matches_.empty()) {

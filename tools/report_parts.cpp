@@ -19,6 +19,7 @@ public:
     // A prefix says where the match begins, even if it ends on a later line.
     bool match(const RE_Results& found) override {
         const Extent extent{found.matchStart, found.matchLength};
+        // One write for each match.
         printed_.clear();
         cursor_.advanceTo(extent.start);
         appendPrefix(printed_, style_, *input_, cursor_.line());

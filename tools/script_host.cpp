@@ -10,6 +10,7 @@ po::options_description scriptOptions() {
     po::options_description options("Expressions");
     auto add = options.add_options();
     add("lua", "evaluate expressions as Lua");
+    // May be given several times; the files share their globals.
     add("lua-file", po::value<Arguments>()->value_name("FILE"),
         "run FILE first, for its definitions; implies --lua");
     add("lua-after", po::value<std::string>()->value_name("CODE"), "run CODE at the end; implies --lua");

@@ -4,6 +4,7 @@
 
 namespace tool {
 
+// Not silently without them: a pattern whose expressions do not run means something else.
 std::shared_ptr<ScriptHost> startScripts(const ScriptRequest& request) {
     if (request.allowed) throw UsageError("this cvregexp was built without Lua");
     return nullptr;

@@ -24,6 +24,7 @@ std::string nodeText(const RE_Node& node) {
     return "n" + std::to_string(node.nodeId) + " " + shortened(node.label(), longestLabel);
 }
 
+// Start and length, as results are printed everywhere.
 std::string extent(std::size_t from, std::size_t to) {
     return "[" + std::to_string(from) + "," + std::to_string(to - from) + "]";
 }

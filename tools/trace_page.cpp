@@ -18,6 +18,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+// A label of the picture is a line; the full text is in the graph of `cvregexp graph`.
 constexpr std::size_t longestLabel = 60;
 // In the order of RE_Trace_Kind; the script compares with these words.
 constexpr std::string_view kindNames[] = {"seek", "start", "step", "push", "refuse", "pop", "body", "finish"};
@@ -64,6 +65,7 @@ Json traceObject(const CompiledPattern& pattern, std::u16string_view subject, co
                                   {"label", shortened(node->label(), longestLabel)},
                                   {"links", linksOf(node)}});
     }
+    // By number, as the page goes to an event by its index.
     for (std::size_t index = 0; index != log.events().size(); ++index)
         trace["events"].push_back(eventObject(log, index));
     return trace;

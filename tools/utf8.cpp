@@ -45,6 +45,8 @@ std::size_t decode(std::string_view utf8, char16_t* units) {
     const auto* bytes = reinterpret_cast<const std::uint8_t*>(utf8.data());
     const std::size_t size = utf8.size();
     char16_t* out = units;
+    // A stretch of ASCII, then one character by ICU; text without ASCII pays one comparison for each
+    // character.
     for (std::size_t at = 0; at != size;) {
         const std::size_t widened = widenAscii(utf8.data() + at, size - at, out);
         at += widened;
@@ -115,6 +117,7 @@ bool isConversionOf(std::u16string_view text, std::string_view utf8) {
     return text.find(u'\uFFFD') == std::u16string_view::npos || toUtf8(text) == utf8;
 }
 
+// U16_NEXT joins proper pairs, so a surrogate that it returns has no partner.
 bool hasLoneSurrogate(std::u16string_view text) {
     for (std::size_t at = 0; at != text.size();) {
         const std::size_t size = text.size();

@@ -55,6 +55,7 @@ std::u16string withoutControls(std::u16string_view text) {
     return shown;
 }
 
+// Of a piece without tabs, whose width would depend on where it begins.
 std::size_t terminalWidth(std::u16string_view text) {
     std::size_t width = 0;
     for (std::size_t at = 0; at != text.size();) {
@@ -71,6 +72,7 @@ std::size_t terminalWidth(std::u16string_view text) {
 std::string underline(std::u16string_view line, std::size_t begin, std::size_t length) {
     std::string text = paddingFor(line.substr(0, begin)) + '^';
     const std::size_t width = terminalWidth(line.substr(begin, length));
+    // The caret takes the place of the first column.
     text.append(width > 1 ? width - 1 : 0, '~');
     return text;
 }
@@ -125,6 +127,7 @@ std::string describeWarning(std::u16string_view pattern, const PatternWarning& w
     const std::u16string shown = withoutControls(place.lineText);
     const std::string heading = "warning " + std::to_string(static_cast<unsigned>(warning.number));
     std::string text = quoteLine(pattern, place, heading, describe(warning.number).sentence);
+    // Within the line, in code units.
     const std::size_t begin = place.column - 1;
     text += underline(shown, begin, span.length);
     text += '\n';
