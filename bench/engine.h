@@ -37,6 +37,7 @@ enum class Task {
     compile,   ///< compile the pattern
 };
 
+/// What an engine is asked to compile. The views last as long as the workload.
 struct Request {
     std::u16string_view pattern;
     unsigned flags;
@@ -57,9 +58,13 @@ struct Answer {
 class Searcher {
 public:
     virtual ~Searcher() = default;
+    /// Matches that do not overlap, from left to right.
     virtual std::optional<Answer> countMatches(const Text& text) = 0;
+    /// The same, with every token of every match read.
     virtual std::optional<Answer> countTokens(const Text& text) = 0;
+    /// Lines that hold a match. Each is a subject of its own, so that the cost of beginning a search shows.
     virtual std::optional<Answer> countLines(const Text& text) = 0;
+    /// The length of the text with all matches replaced.
     virtual std::optional<Answer> replace(const Text& text) = 0;
 
     std::optional<Answer> run(Task task, const Text& text) {

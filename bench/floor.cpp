@@ -45,6 +45,7 @@ Bare_Scan::Bare_Scan(std::u16string_view wanted, bool ignoreCase, std::u16string
     m_second = places.size() > 1 ? places[1] : places.front();
 }
 
+// The units that the scan has compared are compared again: simple, and rare.
 bool Bare_Scan::standsAt(const char16_t* p) const {
     if (!m_ignoreCase) {
         return m_literal == std::u16string_view(p, m_literal.size());

@@ -41,6 +41,7 @@ std::u16string clock(Random& random) {
            twoDigits(random.below(60));
 }
 
+// Up to `most` digits, the first of which is no 0.
 std::u16string number(Random& random, std::size_t most) {
     return random.digits(1).replace(0, 1, 1, static_cast<char16_t>(u'1' + random.below(9))) +
            random.digits(random.below(most));
@@ -51,6 +52,7 @@ std::u16string address(Random& random) {
     return part() + u"." + part() + u"." + part() + u"." + part();
 }
 
+// In a domain that is reserved for examples.
 std::u16string mail(Random& random) {
     return random.word(3, 8) + u"." + random.word(3, 8) + u"@" + random.word(4, 9) + u".example";
 }
@@ -179,6 +181,7 @@ std::u16string makeSource() {
     return fill(6, function);
 }
 
+// Ten thousand lines in equal parts: words, decimal numbers, dates, mail addresses.
 std::u16string makeShort() {
     Random random(7);
     std::u16string text;

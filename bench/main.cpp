@@ -40,6 +40,7 @@ struct Choice {
     bool help = false;
 };
 
+// The options of a call, with what they imply for each other.
 Choice readCommandLine(int argc, char** argv) {
     Choice choice;
     po::options_description options("Options of the benchmarks");
@@ -77,6 +78,7 @@ Engines chosenEngines(const Choice& choice) {
     return engines;
 }
 
+// Rows of which "GROUP/NAME" has a match of the filter.
 std::vector<Workload> chosenWorkloads(const Choice& choice) {
     std::vector<Workload> workloads = allWorkloads();
     const std::regex wanted(choice.filter, std::regex::icase);
@@ -107,6 +109,7 @@ void write(const std::string& report) {
     std::cerr << "written to " << path << "\n";
 }
 
+// Row by row, each with all engines: a run that is broken off has complete rows.
 void measureAll(const std::vector<Workload>& workloads, const Engines& engines, const Choice& choice) {
     // Seconds of one repetition, and repetitions. A median of five keeps one noisy moment out.
     const Settings settings = choice.quick ? Settings{0.01, 3} : Settings{0.02, 5};

@@ -29,6 +29,7 @@ double ratioToFloor(const Row& row) {
     return ours.outcome == Outcome::timed && row.floorSeconds > 0 ? ours.seconds / row.floorSeconds : 0;
 }
 
+// Over the cells with a time. 0 is ourselves, which is no peer.
 std::size_t bestPeer(const Row& row) {
     std::size_t best = 0;
     for (std::size_t i = 1; i < row.cells.size(); ++i) {

@@ -42,6 +42,7 @@ std::string_view measureOf(const Row& row) {
     }
 }
 
+// A time, or the word for why there is none.
 std::string cellText(const Row& row, const Cell& cell) {
     switch (cell.outcome) {
         case Outcome::timed:
@@ -63,6 +64,7 @@ std::string line(const std::vector<std::string>& cells) {
     return text + "\n";
 }
 
+// The first column is of words, the others are of numbers and aligned on the right.
 std::string heading(const std::vector<std::string>& cells) {
     std::string rule = "|---|";
     for (std::size_t i = 1; i < cells.size(); ++i) {
@@ -121,6 +123,7 @@ std::vector<double> collect(const Group& group, Ratio of) {
     return ratios;
 }
 
+// Nothing when there is no ratio: no verdict without a measurement.
 std::string verdict(double value, double most) {
     return value == 0 ? "" : value <= most ? ": met" : ": **missed**";
 }
@@ -164,6 +167,7 @@ std::string timeTargets(const std::vector<Row>& rows) {
     return text;
 }
 
+// Over all rows, so that no choice of groups can hide a loss.
 std::string overall(const std::vector<Row>& rows, const Engines& engines) {
     std::string text = "Geometric means over all rows of our time by that of a peer, where both answer:\n\n" +
                        heading({"peer", "rows", "mean", "rows in which it is ahead of us"});
@@ -231,6 +235,7 @@ std::string answerText(const Answer& answer) {
            (answer.tokenUnits == 0 ? "" : ", " + std::to_string(answer.tokenUnits));
 }
 
+// Where and with what the times were taken; without that they mean nothing.
 std::string header(const Engines& engines) {
     std::string text = "# Times of " + today() + "\n\n" + processorName() + "; " + compilerName() + ".\n\n";
     for (const auto& engine : engines) {

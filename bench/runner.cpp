@@ -60,6 +60,7 @@ public:
         }
     }
 
+    // Of an even number the greater of the two in the middle; five or three are usual.
     double median(const std::string& name) {
         std::vector<double>& all = seconds[name];
         std::sort(all.begin(), all.end());
@@ -81,6 +82,7 @@ void enlist(const std::string& name, const Settings& settings, Body body) {
         ->Repetitions(settings.repetitions);
 }
 
+// Registers one engine's run of the row.
 void enlistEngine(const std::string& name, const Workload& workload, const Engine& engine, bool ours,
                   const Settings& settings) {
     const Request request = requestFor(workload, ours);
@@ -98,6 +100,7 @@ void enlistEngine(const std::string& name, const Workload& workload, const Engin
 
 }  // namespace
 
+// Peers with a wrong answer stay in the row, without a time.
 Row checkAnswers(const Workload& workload, const Engines& engines) {
     Row row;
     row.workload = &workload;
@@ -112,6 +115,7 @@ Row checkAnswers(const Workload& workload, const Engines& engines) {
     return row;
 }
 
+// Times of runs that are short enough to be repeated; a long one keeps the time of its check.
 void measure(Row& row, const Engines& engines, const Settings& settings) {
     const Workload& workload = *row.workload;
     const auto isShort = [](const Cell& cell) {

@@ -24,6 +24,7 @@ std::vector<std::basic_string_view<Unit>> splitLines(std::basic_string_view<Unit
 
 }  // namespace
 
+// Units up to 0x7FF take two bytes, all others three, as there are no surrogates in these texts.
 std::string toUtf8(std::u16string_view text) {
     const auto tail = [](unsigned bits) { return static_cast<char>(0x80U | (bits & 0x3FU)); };
     std::string bytes;

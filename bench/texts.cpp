@@ -58,6 +58,7 @@ std::u16string repeated(std::u16string_view piece, std::size_t count, std::u16st
     return text += end;
 }
 
+// Name and maker. The last ones are for patterns that blow up.
 const std::map<std::string_view, std::function<std::u16string()>>& makers() {
     static const std::map<std::string_view, std::function<std::u16string()>> table = {
         {"prose", readProse},

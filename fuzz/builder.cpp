@@ -110,6 +110,7 @@ private:
 
 }  // namespace
 
+// Anchored at both ends: the whole witness has to match, under whatever flags.
 void builder(const Input& input) {
     const Piece piece = Maker(input.text(0, 60)).make();
     const std::u16string pattern = (subject_start() + piece.builder + subject_end()).pattern();

@@ -7,6 +7,7 @@
 namespace corvane_fuzz {
 namespace {
 
+/// The pattern matches the whole subject, whatever flags and settings.
 void requireWhole(std::u16string_view pattern, std::u16string_view subject, const Input& input) {
     const RE_Flags flags = (input.flags() | RE_FLAG_DOT_ALL | RE_FLAG_ALLOW_EMPTY) & ~RE_FLAG_FREE_SPACING;
     const corvane_tests::Engine engine(pattern, flags, input.config());

@@ -101,6 +101,7 @@ private:
 
 }  // namespace
 
+// The same search twice, then the plain graph, then the replacement by both.
 void expressions(const Input& input) {
     const std::u16string_view pattern = input.text(0, 120), subject = input.text(1, 60);
     RE_Search_Report report, secondReport, plainReport;

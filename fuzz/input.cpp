@@ -11,6 +11,7 @@
 namespace corvane_fuzz {
 namespace {
 
+// A byte that no text of the dialect's signs has a use for.
 constexpr std::uint8_t kSeparator = 1;
 
 // Units with unusual case, line ends, halves of pairs, and the ends of the range.
@@ -42,6 +43,7 @@ std::u16string_view Input::text(std::size_t index, std::size_t most) const {
     return whole.substr(0, most);
 }
 
+// The usual delays are read once, before anything has changed them.
 void beginMemo(bool atOnce) {
     static const std::uint64_t choices = RE_Memo_Delay::choices, perUnit = RE_Memo_Delay::perUnit,
                                steps = RE_Asking_Delay::steps;

@@ -15,6 +15,7 @@ std::string contents(const std::filesystem::path& file) {
     return {std::istreambuf_iterator<char>(in), {}};
 }
 
+// The number of files that were run.
 std::size_t replay(const corvane_fuzz::Target& target, const std::filesystem::path& folder) {
     std::size_t count = 0;
     for (const auto& entry : std::filesystem::directory_iterator(folder)) {

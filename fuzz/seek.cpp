@@ -58,6 +58,7 @@ void compareSubjects(const Engine& engine, std::u16string_view pattern, std::u16
 
 }  // namespace
 
+// Text 0 is the pattern, 1 and 2 are subjects.
 void seek(const Input& input) {
     const std::u16string_view pattern = input.text(0, 120);
     const std::u16string_view subject = input.text(1, 100);

@@ -28,6 +28,7 @@ inline constexpr Target kTargets[] = {
     {"replace", replace}, {"builder", builder},     {"escape", escape},   {"expressions", expressions},
 };
 
+/// What fuzzer and replay call: the memo's delay is a part of the input.
 inline void run(const Target& target, const Input& input) {
     beginMemo(input.memoAtOnce());
     target.run(input);

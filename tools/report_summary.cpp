@@ -28,8 +28,8 @@ public:
             std::string printed;
             appendPrefix(printed, style_, *input_, 0);
             out_ << printed << count_ << '\n';
-        // Without a colon: the name is all that the line has. A NUL replaces the line feed, for programs.
         } else if (style_.form == ReportForm::names && count_ != 0) {
+            // Without a colon: the name is all that the line has. A NUL replaces the line feed, for programs.
             out_ << input_->label << (style_.nulAfterName ? '\0' : '\n');
         }
     }

@@ -22,6 +22,7 @@ RE_Flags toFlags(unsigned flags) {
            ifSet(flags, LINES, RE_FLAG_LINE_ANCHORS);
 }
 
+// Reading a token's length is what reading a token costs.
 std::size_t lengthOfTokens(const RE_Results& match) {
     std::size_t length = 0;
     for (std::size_t i = 0; i < match.tokens->count; ++i) {
@@ -88,6 +89,7 @@ public:
     std::string version() const override { return CORVANE_VERSION; }
     std::unique_ptr<Searcher> compile(const Request& request) const override {
         auto searcher = std::make_unique<Corvane_Searcher>(request);
+        // A pattern with a warning is one that our dialect cannot say.
         return searcher->understood() ? std::move(searcher) : nullptr;
     }
 };
