@@ -1,4 +1,4 @@
-// What the benchmarks ask of a regular-expression engine. One adapter per engine in bench/engines.
+// What the benchmarks need from a regular-expression engine. One adapter per engine in bench/engines.
 //
 // An adapter uses its engine as a good application would: compiled once, scratch space kept, the fastest way
 // that the documentation names. It counts in the engine's own units; lengths of tokens are compared between
@@ -37,7 +37,7 @@ enum class Task {
     compile,   ///< compile the pattern
 };
 
-/// What an engine is asked to compile. The views last as long as the workload.
+/// What an engine has to compile. The views last as long as the workload.
 struct Request {
     std::u16string_view pattern;
     unsigned flags;

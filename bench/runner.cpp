@@ -20,7 +20,7 @@ namespace {
 /// What takes longer has been measured well enough by the run that checked the answer.
 constexpr double LONG_RUN_SECONDS = 0.4;
 
-// What an engine is asked: peers may need the pattern in other words.
+// The request to an engine: peers may need the pattern in other words.
 Request requestFor(const Workload& workload, bool ours) {
     const bool other = !ours && !workload.details.peerPattern.empty();
     return {other ? workload.details.peerPattern : workload.pattern, workload.details.flags,

@@ -2,7 +2,8 @@
 // depends on its text and its inputs alone. Every search and every setting of the compile options gives the
 // same answer.
 //
-// Two searches of one tree must agree in their steps as well: whatever a call left behind would show there.
+// Two searches of one tree must agree in their steps as well: whatever a call leaves in the state would show
+// there.
 #include "fuzz/targets.h"
 
 #include <memory>

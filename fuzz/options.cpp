@@ -20,7 +20,7 @@ void options(const Input& input) {
         const corvane_tests::EngineConfig& config = configs[index];
         const corvane_tests::Engine engine(pattern, input.flags(), config);
         require(engine.warnings() == plain.warnings(), "other warnings", pattern);
-        // Searches under limits ask no automaton.
+        // Searches under limits do not consult the automaton.
         const auto found =
             config.dfa && expected ? engine.search(subject) : engine.searchWithin(subject, 0, kLimits);
         require(

@@ -86,7 +86,7 @@ void convertPiece(UConverter* converter, char** target, const char* targetLimit,
     ucnv_fromUnicode(converter, target, targetLimit, source, sourceLimit, nullptr, last, status);
 }
 
-// Converts what is left of the source up to `pieceEnd`, making room as often as the converter asks for it.
+// Converts what is left of the source up to `pieceEnd`, making room whenever the converter runs out of it.
 template <class To, class From>
 void appendPiece(UConverter* converter, const From*& source, const From* pieceEnd, bool last,
                  GrowingText<To>& result) {

@@ -83,14 +83,14 @@ const Contract contracts[] = {
      "clone; set nothing; function nothing(); may evaluate; may interrupt; clone; set double($&); var matched for $&; "
      "function double(matched)(matched)",
      u"ab", "[0,2] | text of nothing()"},
-    // A host is asked once for a construct however often its loop is copied, and at each required pass.
+    // A construct is compiled once however often its loop is copied, and evaluated at each required pass.
     {u"(?:(?@f)a){2,3}", "may interrupt; set (?:(?@f)a){2,3}; may evaluate; may interrupt; clone; set f", u"aaa",
      "[0,3] | run f() of f(); run f() of f(); run f() of f()"},
     {u"(?@f){3}a(?@g)*",
      "may interrupt; set (?@f){3}a(?@g)*; may evaluate; may interrupt; clone; set f; "
      "may evaluate; may interrupt; clone; set g",
      u"a", "[0,1] | run f() of f(); run f() of f(); run f() of f(); run g() of g()"},
-    // No expressions inside expressions; outside of them, in a dynamic text, they may stand.
+    // No expressions inside expressions; outside of them, in a dynamic text, they are allowed.
     {u"(?@f ${$1})",
      "may interrupt; set (?@f ${$1}); may evaluate; may interrupt; warning 17 at {; warning 21 at $; clone; "
      "set f ${$1}; var token_1 for $1",

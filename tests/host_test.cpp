@@ -38,7 +38,8 @@ int sign(int value) {
     return (value > 0) - (value < 0);
 }
 
-// Null is how failure is told, so a request for nothing must not be answered with it; nor may a resize to nothing free.
+// Null is how failure is reported, so a request for nothing must not be answered with it; nor may a resize to nothing
+// free.
 TEST(HostMemory, GivesABlockEvenForNoBytes) {
     for (void* block : {utMalloc(0), utMallocWithCheck(0), utCallocWithCheck(0, 8), utReallocWithCheck(nullptr, 0)}) {
         EXPECT_NE(block, nullptr);

@@ -137,7 +137,7 @@ std::string disagreement(const std::u16string& pattern, const EngineConfig& conf
             return "other counts at n" + std::to_string(node.nodeId) + " " + node.label;
         }
     }
-    // The engine counts choices that are taken up again, and attempts.
+    // The engine counts choices that are resumed, and attempts.
     const bool counted = counter.starts == 0 || counter.steps == counter.all.pops + counter.starts;
     return stepsAreKnown && !counted ? "other steps than the engine's own" : "";
 }

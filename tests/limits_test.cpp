@@ -100,7 +100,7 @@ TEST(Limits, CountTheStepsOfATokenAroundARun) {
     }
 }
 
-// What a search took for one subject is given back before the next: the ceiling is not for their sum.
+// What a search took for one subject is released before the next: the ceiling is not for their sum.
 TEST(Limits, HoldForEachSubjectOfASequenceAnew) {
     const RE_Tree tree(u"(?:a|ab|b)*c", false);
     const RE_Search_Limits limits{.bytes = 400'000};

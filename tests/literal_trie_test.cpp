@@ -27,7 +27,7 @@ bool stands(const RE_Literal_Trie& trie, size_t literal, std::u16string_view tex
            });
 }
 
-/// From each literal on: which is the first that stands at the start of the subject, and whether a later one does too.
+/// From each literal on: which is the first that the subject begins with, and whether a later one does too.
 void compare(const RE_Literal_Trie& trie, std::u16string_view subject) {
     for (size_t from = 0; from < trie.count(); from += 1 + from / 8) {
         std::vector<size_t> found;

@@ -46,7 +46,7 @@ std::string expectedWarnings(const MatchCase& match) {
     return text;
 }
 
-/// Offsets before, at and after the one of the case, asked in an order that revisits earlier positions.
+/// Offsets before, at and after the one of the case, searched in an order that revisits earlier positions.
 std::string sharedTableProblem(const MatchCase& match, const Engine& engine) {
     RE_Seek_Table table;
     for (const size_t offset : {size_t{0}, match.offset, size_t{1}, match.subject.size(), size_t{2}, match.offset}) {

@@ -131,7 +131,7 @@ std::vector<std::string> sortedLines(const std::string& text) {
 }
 
 // The parser makes literals strings, and loops over one unit runs, from the beginning, unless the stages are watched.
-// Then passes do the same later, and both have to come to one graph.
+// Then passes do the same later, and both have to make one graph.
 TEST(Passes, MakeTheSameGraphWhetherOrNotTheStagesAreWatched) {
     PatternSource source(5);
     std::vector<std::u16string> patterns{u"ab\\0cd(?:ef)g+hi(?i:-j)kl",

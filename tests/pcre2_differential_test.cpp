@@ -45,7 +45,7 @@ struct Counts {
     size_t differing = 0;
 };
 
-/// Draws patterns that PCRE2 can read and asks `difference` about them; it answers nothing when it cannot tell.
+/// Draws patterns that PCRE2 can read and passes them to `difference`, which returns nothing when it cannot judge.
 template <typename FindDifference>
 void compareWithPeer(std::uint64_t fallbackSeed, unsigned long patterns, unsigned without,
                      const FindDifference& difference) {

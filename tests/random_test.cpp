@@ -114,7 +114,7 @@ TEST(RandomPatterns, OfWhatChanceBringsAgree) {
     expectAgreement(comparison, seed);
 }
 
-/// The memo begins with the first choice taken up again, and needed literals are looked for after each start, which
+/// The memo begins with the first choice that is resumed, and needed literals are searched for after each start, which
 /// searches this small would not reach.
 TEST(EagerMemo, LosesNoMatchAndNoToken) {
     const Delays delays(0, 0, 0);

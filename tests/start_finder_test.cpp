@@ -109,7 +109,7 @@ TEST(StartFinders, SearchForManyLiteralsByWindows) {
     }
 }
 
-// A run of units that may stand before a literal is tried from each of its positions; the literal is found once.
+// A run of units that may precede a literal is tried from each of its positions; the literal is found once.
 TEST(StartFinders, SearchForARequiredLiteralOnce) {
     const RE_Tree tree(u"\\w+?=\\d", false);
     const std::u16string text = std::u16string(20'000, u'a') + u"=b";

@@ -1,6 +1,6 @@
 // Runs the command-line program on the transcripts in tests/tool and compares everything it says.
 //
-// A transcript is a sequence of cases. The first character of a line tells what the line is:
+// A transcript is a sequence of cases. The first character of a line says what the line is:
 //   =   begins a case; the rest is its title
 //   @   the lines that follow are the content of a file of this name (without one: of standard input)
 //   |   one line of that content, after one blank; "|%" instead: C escapes are decoded and no line feed is added

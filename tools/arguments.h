@@ -30,9 +30,9 @@ struct ParsedArguments {
 // std::exception, so that no handler of errors takes it for one.
 struct HelpPrinted {};
 
-// Reads the words of a command that is used like this, and prints the help when they ask for it. Long options are never
-// abbreviated, so that a new option cannot change the meaning of an old script. Values bound to variables (the compile
-// options) are stored before this returns.
+// Reads the words of a command that is used like this, and prints the help when they ask for it. Long options
+// are never abbreviated, so that a new option cannot change the meaning of an old script. Values bound to
+// variables (the compile options) are stored before this returns.
 ParsedArguments parseArguments(const Arguments& words, std::string_view usage,
                                const boost::program_options::options_description& known);
 

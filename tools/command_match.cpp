@@ -56,7 +56,7 @@ private:
         RE_Match_Range matches = pattern_.tree().find_all(input.text.view());
         Progress progress(input);
         reporter_->beginText(input);
-        // Short searches may end before they poll the flag, so it is asked between them too.
+        // Short searches may end before they poll the flag, so it is consulted between them too.
         std::size_t left = settings_.maxCount;
         for (auto match = matches.begin(); match != matches.end() && left != 0; ++match) {
             found_ = true;

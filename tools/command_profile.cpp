@@ -56,7 +56,7 @@ void printTable(const RE_Profile& profile) {
 }
 
 // From white for no visit to red for the most, by the logarithm: the visits of a loop and of what surrounds
-// it differ by powers of ten. The number itself stands beside the node.
+// it differ by powers of ten. The number itself is shown beside the node.
 std::string heat(std::uint64_t visits, std::uint64_t most) {
     const double part =
         most == 0 ? 0.0 : std::log1p(static_cast<double>(visits)) / std::log1p(static_cast<double>(most));

@@ -19,7 +19,7 @@ namespace {
 // The functions of the library that these commands offer.
 using Translation = std::u16string (*)(std::u16string_view);
 
-// Without a text, standard input is translated as it stands and no line feed is added.
+// Without a text, standard input is translated as it is and no line feed is added.
 int translate(const Arguments& words, const std::string& command, Translation translation) {
     po::options_description known;
     known.add_options()("help", "print this help");

@@ -40,7 +40,7 @@ void appendHighlighted(std::string& out, std::u16string_view text, Extent line,
     // The first unit that is not written yet.
     std::size_t at = line.start;
     for (const Extent& match : matches) {
-        // A match may begin on an earlier line or go on to a later one; only its part on this line counts.
+        // A match may begin on an earlier line or continue on a later one; only its part on this line counts.
         const std::size_t begin = std::clamp(match.start, at, line.end());
         const std::size_t end = std::clamp(match.end(), begin, line.end());
         // Also an empty match, which has nothing to mark.

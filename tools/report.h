@@ -17,7 +17,7 @@ namespace tool {
 // programs; count, names: a line for each file; silent: nothing.
 enum class ReportForm { lines, parts, tokens, json, count, names, silent };
 
-// What the options ask for. A form may override parts of it that make no sense for it.
+// What the options select. A form may override parts of it that make no sense for it.
 struct ReportStyle {
     ReportForm form = ReportForm::lines;
     bool fileNames = false;
@@ -38,7 +38,7 @@ public:
     virtual void endText() = 0;
 };
 
-// The reporter for the form that the style asks for. It writes to `out`, which has to outlive it.
+// The reporter for the form of the style. It writes to `out`, which has to outlive it.
 std::unique_ptr<Reporter> makeReporter(const ReportStyle& style, std::ostream& out);
 
 // The makers of the single forms, one file each.
@@ -48,7 +48,7 @@ std::unique_ptr<Reporter> makeTokenReporter(const ReportStyle& style, std::ostre
 std::unique_ptr<Reporter> makeJsonReporter(std::ostream& out);
 std::unique_ptr<Reporter> makeSummaryReporter(const ReportStyle& style, std::ostream& out);
 
-// "NAME:LINE:" as far as the style asks for them; a NUL replaces the colon after the name where asked.
+// "NAME:LINE:" as far as the style has them; a NUL replaces the colon after the name if the style says so.
 void appendPrefix(std::string& out, const ReportStyle& style, const Input& input, std::size_t line);
 
 // Views into the subject, which outlives the results. A token that took no part has an empty text.

@@ -1,4 +1,4 @@
-// Warnings as people read them. The caret has to stand under the right glyph, so columns of the terminal are
+// Warnings as people read them. The caret has to be under the right glyph, so columns of the terminal are
 // counted here, not code units: a combining character takes none, an East Asian wide one two.
 #include "tools/warning_report.h"
 
@@ -31,7 +31,7 @@ std::size_t terminalWidth(UChar32 character) {
     return width == U_EA_WIDE || width == U_EA_FULLWIDTH ? 2 : 1;
 }
 
-// Blanks as wide as `text`; a tab stays a tab, since its width depends on where it stands.
+// Blanks as wide as `text`; a tab stays a tab, since its width depends on its column.
 std::string paddingFor(std::u16string_view text) {
     std::string padding;
     for (std::size_t at = 0; at != text.size();) {
@@ -99,7 +99,7 @@ PatternPlace locate(std::u16string_view pattern, std::size_t position) {
 
 namespace {
 
-// What is wrong and where, the line it stands in, and the margin of the line below.
+// What is wrong and where, the line that it is in, and the margin of the line below.
 std::string quoteLine(std::u16string_view pattern, const PatternPlace& place, const std::string& heading,
                       std::string_view sentence) {
     std::string text = heading + " at " + placeText(pattern, place) + ": ";

@@ -60,7 +60,7 @@ Arguments parts(const std::string& call) {
     return found;
 }
 
-// --- what the engine asks ---
+// --- what the engine needs from its host ---
 
 // The texts of this application are ASCII.
 std::string narrow(const char16_t* text, std::size_t length) {

@@ -148,8 +148,8 @@ private:
             if (own == RE_Components::none || judged[own]) {
                 continue;
             }
-            // One state stands for its whole component: from each state on a loop the others can be reached,
-            // so if one has two ways back, all have.
+            // One state is judged for its whole component: from each state on a loop the others can be
+            // reached, so if one has two ways back, all have.
             judged[own] = true;
             if (const std::optional<Word> pump = twoWaysBack(state)) {
                 report(growth, RE_Growth::Kind::exponential, state, state, *pump);

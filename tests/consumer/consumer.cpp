@@ -23,7 +23,7 @@ namespace {
 
 int failures = 0;
 
-// Goes on after a failure, so that one run shows all of them.
+// Continues after a failure, so that one run shows all of them.
 void check(bool holds, const char* what, int line) {
     if (!holds) {
         std::printf("consumer.cpp:%d: %s\n", line, what);
@@ -273,7 +273,7 @@ void runOnce() {
     CHECK(spans(&taken, 2, 4) && info.tokens == nullptr && spans(taken.tokens->get(u"run"), 3, 2));
 }
 
-// Keys are ordered and convertible, values are asked, a table is copied: all that a caller with its own cache does.
+// Keys are ordered and convertible, values are queried, a table is copied: all that a caller with its own cache does.
 void rememberSeeks() {
     Host host;
     RE_ParserContext parser(&host, nullptr, 0);

@@ -39,7 +39,7 @@ struct Difference {
     std::string got;
 };
 
-/// One for each test. Runs compare and collect; `report` tells.
+/// One for each test. Runs compare and collect; `report` shows.
 class Comparison {
 public:
     /// Walks through every subject from its start, or from every offset, with the reference, and compares.

@@ -1,5 +1,5 @@
 // The script. It answers from the texts alone, without a state, so the number of calls cannot change an answer and the
-// engine and the reference may ask in any order.
+// engine and the reference may evaluate in any order.
 #include "tests/support/expression_script.h"
 
 #include "tests/support/text.h"

@@ -23,10 +23,10 @@ class PatternSource {
 public:
     explicit PatternSource(std::uint64_t seed) : m_random(seed), m_subjects(seed + 1) {}
 
-    /// A pattern of what chance brings, for the plain modes. Unless told otherwise it asks no host.
+    /// A pattern of what chance brings, for the plain modes. By default it calls no host.
     std::u16string pattern(unsigned without = kDynamics);
     /// The next of a row of patterns and flags that lets no construct out of any context. Patterns do not depend
-    /// on what is asked of the source besides.
+    /// on what else is drawn from the source.
     DrawnPattern draw(unsigned without = 0);
     /// After so many, everything has been drawn.
     static size_t sweep();

@@ -20,7 +20,7 @@ std::u16string token(const RE_Results& match, const RE_TokenInfo& info) {
     return {match.subjectBegin + info.start, info.length};
 }
 
-// The number's longest prefix that names a token, and the rest as it stands.
+// The number's longest prefix that names a token, and the rest as it is.
 std::u16string numbered(std::u16string digits, const RE_Results& match) {
     std::u16string rest;
     while (!digits.empty()) {

@@ -12,7 +12,7 @@
 namespace corvane_tests {
 
 /// The text for one match. Knows the escapes of the letters n and a, of octal digits and of punctuation; expressions
-/// are never allowed. Warnings are added where they are asked for.
+/// are never allowed. Warnings are added unless the list is null.
 std::u16string modelPiece(std::u16string_view replacement, const RE_Results& match, std::vector<Warning>* warnings);
 
 /// `piece` in the case of `matched`.
