@@ -1,9 +1,9 @@
 // The commands of the program. A new command is one file with a function of this shape and one row in
 // command_table.cpp; the main program knows none of them by name.
 //
-// All commands follow the same order: read the words, compile the pattern, print its warnings, catch
-// interrupts, work, return a status. What goes wrong on the way is an exception: UsageError for the words,
-// system_error for files, Interrupted for a signal.
+// Every command has the same parts: it reads the words, compiles the pattern, prints its warnings, does its work
+// and returns a status. What goes wrong on the way is an exception: UsageError for the words, system_error for
+// files, Interrupted for a signal.
 #pragma once
 
 #include <span>

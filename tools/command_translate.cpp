@@ -37,6 +37,7 @@ int translate(const Arguments& words, const std::string& command, Translation tr
 
 }  // namespace
 
+// What matches exactly the text; a wildcard as a pattern; white space as plain spaces.
 int runEscape(const Arguments& words) {
     return translate(words, "escape", RE_Translate::escape);
 }

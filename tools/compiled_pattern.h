@@ -11,6 +11,7 @@ namespace tool {
 
 class CompiledPattern {
 public:
+    // Throws nothing on account of the pattern, as every text is one; a script file may fail.
     CompiledPattern(PatternRequest request, const Corvane::regexp::CompileOptions& options)
         : text_(std::move(request.text)),
           scripts_(startScripts(request.scripts)),

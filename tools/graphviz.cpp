@@ -18,6 +18,7 @@ class TemporaryFile {
 public:
     explicit TemporaryFile(const std::string& content) {
         const int file = ::mkstemp(name_);
+        // The system's reason, with the name: usually there is no room or no permission.
         if (file < 0) throw std::system_error(errno, std::generic_category(), name_);
         const std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(::fdopen(file, "w"), std::fclose);
         const bool written = stream != nullptr &&

@@ -9,6 +9,7 @@
 
 namespace tool {
 
+// A whole text with what is said about it.
 struct Input {
     std::string label;  // what the output calls it: the file name as given, or "(standard input)"
     // Of the file, with a byte order mark if it has one; for the progress line.

@@ -17,6 +17,7 @@ void LineCursor::advanceTo(std::size_t position) {
     position_ = position;
 }
 
+// The last line of a text may lack its line feed.
 std::size_t lineEndAfter(std::u16string_view text, std::size_t position) {
     const std::size_t lineFeed = text.find(u'\n', position);
     return lineFeed == std::u16string_view::npos ? text.size() : lineFeed + 1;

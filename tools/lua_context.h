@@ -23,6 +23,7 @@ public:
         : ConsoleContext(compile), state_(state), nilAllowed_(nilAllowed) {}
 
     bool allow_evaluation() override { return true; }
+    // The context of the next expression, which shares the interpreter.
     RE_Context* clone() override;
     void warn(const char16_t* where, RE_Warning warning) override;
 
@@ -56,7 +57,9 @@ public:
                          RE_Evaluation_Inputs* inputs) override;
 
 private:
+    // Calls the function with the texts of the inputs.
     LuaState::Value call(RE_Evaluation_Inputs* inputs);
+    // Throws an error that shows where in the whole text the expression is.
     [[noreturn]] void fail(const std::string& message) const;
 
     LuaState& state_;

@@ -15,6 +15,7 @@
 
 namespace tool {
 
+// What Lua says about an error of a script, with the place in the script.
 class LuaError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
@@ -49,6 +50,7 @@ private:
         void operator()(lua_State* state) const { lua_close(state); }
     };
 
+    // Leaves a function on the stack.
     void load(const std::string& code, const char* name);
     [[noreturn]] void fail();
 

@@ -15,6 +15,7 @@ namespace {
 
 // The pattern as UTF-8. Given by an option, it leaves the positional words alone.
 std::string takePatternText(ParsedArguments& arguments) {
+    // Two patterns would have to be joined somehow; nobody could say how from the options alone.
     if (arguments.has("regexp") && arguments.has("pattern-file"))
         throw UsageError("give one pattern, with -e or with -f");
     if (arguments.has("regexp")) return arguments.options["regexp"].as<std::string>();

@@ -25,6 +25,7 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
+    // The text that is searched, which outlives the line.
     const Input& input_;
     bool wanted_;
     bool visible_ = false;

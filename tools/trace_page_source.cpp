@@ -10,6 +10,8 @@
 
 namespace tool {
 
+// Style and elements. The classes of nodes and units say what the current event does to them; those of arrows
+// are the words of linkName, so a kind of link that is new needs a line here to be drawn in a way of its own.
 const std::string_view tracePageHead = R"page(<!DOCTYPE html>
 <html lang="en">
 <head>

@@ -29,6 +29,7 @@ bool isConversionOf(std::u16string_view text, std::string_view utf8);
 // Whether there is half of a surrogate pair in the text, which has no UTF-8 form.
 bool hasLoneSurrogate(std::u16string_view text);
 
+// For short texts; a file is converted into a Utf16Text.
 std::u16string toUtf16(std::string_view utf8);
 
 // A lone surrogate, which has no UTF-8 form, becomes U+FFFD.
