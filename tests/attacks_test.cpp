@@ -72,6 +72,7 @@ TEST(Attacks, TakeNoMoreStepsThanTheirDegreeAllows) {
     }
 }
 
+// For people: the steps for growing texts, with a plus where the budget ended the search.
 TEST(Attacks, ArePrintedAsATableOnRequest) {
     if (environmentNumber("CORVANE_STEP_TABLE", 0) == 0) {
         GTEST_SKIP();

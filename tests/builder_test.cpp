@@ -220,6 +220,7 @@ std::u16string randomText(std::mt19937_64& random, size_t longest) {
     return units;
 }
 
+// The literal is between a reference and a digit, both of which a literal that is quoted badly would run into.
 TEST(BuilderLiteral, IsExactlyItsTextUnderEveryFlag) {
     std::mt19937_64 random{86};
     for (int round = 0; round < 20000; ++round) {
@@ -236,6 +237,7 @@ TEST(BuilderLiteral, IsExactlyItsTextUnderEveryFlag) {
     }
 }
 
+// Units, a range and a class together, each of which may be a sign of sets. All of ASCII is asked, and samples beyond.
 TEST(BuilderSet, HoldsExactlyItsMembers) {
     std::mt19937_64 random{86};
     for (int round = 0; round < 3000; ++round) {
@@ -254,6 +256,7 @@ TEST(BuilderSet, HoldsExactlyItsMembers) {
     }
 }
 
+// Four classes, then their negations, in the order of the type's values.
 TEST(BuilderSet, OfEveryTypeIsItsClassAndTheNegationTheRest) {
     const std::u16string samples = u"7\u0665a_\u00E9 \n\u2003-";
     const std::u16string members[] = {u"7\u0665", u"7\u0665a_\u00E9", u" \n\u2003", std::u16string(1, u'\0')};

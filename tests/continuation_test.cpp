@@ -97,6 +97,7 @@ TEST(Continuation, InAnotherGraphMatchesTheTwoInARow) {
     }
 }
 
+// With the memo from the first choice on, as its rows are what two graphs share most easily.
 TEST(Continuation, OfRandomPatternsMatchesThemInARow) {
     const Delays delays(0, 0, 0);
     const std::uint64_t seed = environmentNumber("CORVANE_TEST_SEED", 1415);
@@ -134,6 +135,7 @@ TEST(Continuation, AtAnyNodeOfAGraphEnds) {
     }
 }
 
+// Each graph numbers its tokens from 0; the store has room for the larger number.
 TEST(Continuation, HasTheTokensAndNamesOfBothGraphs) {
     const RE_Tree outer(u"(?<x>b)(?<y>c)", false);
     RE_Context context;

@@ -69,6 +69,8 @@ TEST(DynamicText, FindsPalindromesByIncludingItself) {
     });
 }
 
+// Groups in a text only group; references and conditions in it are about the pattern around it. A name for such a group
+// is a warning.
 TEST(DynamicText, ReadsTokensOfThePatternAroundItAndMakesNone) {
     HostJournal host;
     host.answers[u"t"] = always(u"(\\1|\\k<n>)(?<m>!)?(?(2)-|=)");

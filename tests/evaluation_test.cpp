@@ -101,6 +101,7 @@ const Contract contracts[] = {
      u"axaa", "[0,4] t0=(0,1) | text of double($1)(a); may interrupt; set xaa"},
 };
 
+// Under every setting: a call that a pass moves, drops or repeats is one that the host sees.
 TEST(Evaluation, CallsTheHostForWhatIsNeededInTheOrderOfTheText) {
     for (const Contract& contract : contracts) {
         for (const EngineConfig& config : allConfigs()) {
@@ -129,6 +130,8 @@ std::string callsOf(const std::u16string& pattern, const std::u16string& subject
     return ScriptedRun(pattern, host, flags, config).search(subject);
 }
 
+// The plain graph without a memo makes every call that plain backtracking makes. Whatever saves work elsewhere must not
+// save a call.
 TEST(Evaluation, IsNeverPrunedByMemoOrPasses) {
     const EngineConfig plain{false, false, false, 0, false};
     PatternSource source(environmentNumber("CORVANE_TEST_SEED", 63));
@@ -185,6 +188,7 @@ const char16_t everything[] =
     u"(?<n>a|b)\\1?(?@f $1 $<n>)(?(?@even($1))x|(?>(??@double($1))))(??$1${double($1)}\\q)c\\z";
 const char16_t itsSubject[] = u"xaaaaaaqcz";
 
+// While compiling, while searching and while replacing. The numbers at the end say that the throws did happen.
 TEST(Evaluation, MayThrowAtEveryCall) {
     const int tree = throwEverywhere([](HostJournal& host) {
         const ScriptedRun run(everything, host);
@@ -220,6 +224,7 @@ TEST(Evaluation, GivesBackAllMemoryWhenAnAllocationFails) {
     }
 }
 
+// A script may raise the flag. The search must not call the host a second time.
 TEST(Evaluation, IsFollowedByAQuestionForInterrupts) {
     HostJournal host = journal();
     host.interruptible = true;
@@ -238,6 +243,7 @@ TEST(Evaluation, IsFollowedByAQuestionForInterrupts) {
     }
 }
 
+// An expression without a value has no text to write. What was written up to there is the result, and the flag is up.
 TEST(Evaluation, ThatFailsEndsAReplacement) {
     HostJournal host = journal();
     host.interruptible = true;
@@ -290,6 +296,7 @@ TEST(EvaluationIO, MayBeAppendedToItself) {
     EXPECT_EQ(expected, std::u16string(text.get_string(), text.get_length()));
 }
 
+// A host may refuse a single expression: it is then without a value, and a condition on it does not hold.
 TEST(Evaluation, YieldsNothingWhereTheHostGivesNoContext) {
     struct Host : RE_Context {
         bool allow_evaluation() override { return true; }

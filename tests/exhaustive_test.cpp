@@ -88,6 +88,7 @@ TEST(SmallPatterns, AgreeWithTheReferenceOnEverySmallSubject) {
     EXPECT_EQ("", comparison.report());
 }
 
+// Smaller patterns, from every offset, under each setting in place of one in turn.
 TEST(SmallPatterns, AgreeUnderEverySettingOfTheOptions) {
     Comparison comparison;
     const std::vector<std::vector<Piece>> sizes = enumerate(3);
@@ -101,6 +102,7 @@ TEST(SmallPatterns, AgreeUnderEverySettingOfTheOptions) {
     EXPECT_EQ("", comparison.report());
 }
 
+// One operator more makes too many patterns to try them all; the stride is a prime, so no operator is left out.
 TEST(LargerPatterns, AgreeWithTheReferenceOnASample) {
     Comparison comparison;
     compareAll(enumerate(5)[4], 4, sanitized() ? 2003 : 101, comparison);

@@ -121,6 +121,7 @@ std::string numbersOf(const std::vector<Warning>& warnings) {
     return numbers;
 }
 
+// The same answer and the same warnings. Patterns with blanks or # of their own would mean something else when spaced.
 TEST(FreeSpacing, BetweenThePartsOfAPatternChangesNothing) {
     const std::uint64_t seed = environmentNumber("CORVANE_TEST_SEED", 35);
     PatternSource source(seed);

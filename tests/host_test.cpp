@@ -199,6 +199,8 @@ struct UnitCase {
     char16_t upper;
 };
 
+// Units at the edges of a property: title case, digits of other scripts, blanks that are no ASCII, halves of pairs, and
+// units whose other case is not in the same block or not one unit.
 TEST(HostCtype, JudgesEachUnitByUnicodeProperties) {
     // clang-format off
     const UnitCase cases[] = {
@@ -282,6 +284,7 @@ std::vector<CodePageCase> codePageCases() {
     };
 }
 
+// Under UTF-8, which main.cpp sets. Every result has a terminator that its length leaves out.
 TEST(HostCodePage, ConvertsBothWaysWithLengthsAndTerminators) {
     for (const CodePageCase& c : codePageCases()) {
         SCOPED_TRACE(c.narrow.substr(0, 20));

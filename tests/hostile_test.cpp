@@ -139,6 +139,7 @@ constexpr Bound kBounds[] = {
     {"(?:|a){1000}$", 700, "[0,700]"},
 };
 
+// Counted, copied up to the usual threshold, and copied without a threshold worth the name.
 TEST(HugeBounds, AreNeitherUnrolledWithoutLimitNorMiscounted) {
     for (const Bound& bound : kBounds) {
         for (const size_t threshold : {size_t{0}, size_t{1024}, size_t{1000000000}}) {
@@ -220,6 +221,7 @@ TEST_P(DeepNests, CompileSearchAndAreDestroyedOnASmallStack) {
 
 INSTANTIATE_TEST_SUITE_P(Openings, DeepNests, testing::ValuesIn(kNests));
 
+// Closing the outermost group takes all inner ones out of effect, a hundred thousand of them.
 TEST(DeepCaptures, OfOneLetterReportTheOutermostTokenAlone) {
     const size_t depth = sanitized() ? 10000 : 100000;
     const std::u16string pattern = repeated(u"(", depth) + u"b" + repeated(u")", depth);

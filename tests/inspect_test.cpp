@@ -49,6 +49,7 @@ std::vector<std::u16string> patternsOfAllUnits() {
     return patterns;
 }
 
+// All graphs in one file, as starting the program takes longer than drawing. Its complaints fail the test.
 TEST(Graph, IsDrawnByGraphvizWithoutAComplaint) {
     if (std::system("command -v dot >/dev/null") != 0) {
         GTEST_SKIP() << "Graphviz is not installed";

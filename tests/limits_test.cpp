@@ -73,6 +73,7 @@ TEST(Limits, GiveTheAnswerExactlyWhenTheBudgetSuffices) {
     }
 }
 
+// Ceilings from nothing to more than enough. What a search says that it took at most has to be enough for it.
 TEST(Limits, HoldTheMemoryOfASearchUnderItsCeiling) {
     for (const char16_t* pattern : kPatterns) {
         const RE_Tree tree(pattern, false);
@@ -152,6 +153,7 @@ TEST(Limits, HoldForAWalkAndAReplacementAsAWhole) {
     }
 }
 
+// In the right order of magnitude, sets included, and the same for the same pattern.
 TEST(Tree, KnowsTheMemoryItHolds) {
     utAllocationCounter counter;
     const RE_Tree small(u"ab", false), large(std::u16string(10000, u'a'), false), sets(u"[a-f][^x]|[g-z]\\w+", false);

@@ -74,6 +74,7 @@ std::string problem(const MatchCase& match, const EngineConfig& config) {
     return sharedTableProblem(match, engine);
 }
 
+// One failure for each case: the first setting that differs says enough.
 TEST_P(MatchTable, HoldsUnderEverySettingOfTheOptions) {
     const std::vector<MatchCase> cases = readTable(GetParam());
     for (const MatchCase& match : cases) {
@@ -95,6 +96,7 @@ bool isAscii(std::u16string_view text) {
     return std::all_of(text.begin(), text.end(), [](char16_t unit) { return unit < 0x80; });
 }
 
+// Long subjects are beyond it, and units beyond ASCII are in few of its classes.
 TEST_P(MatchTable, AgreesWithTheReferenceMatcherWhereItReads) {
     size_t compared = 0;
     for (const MatchCase& match : readTable(GetParam())) {

@@ -115,6 +115,7 @@ TEST(CompileOptions, RejectTextThatIsNoValue) {
     }
 }
 
+// Through the host's array type, which is all that the two share. Only the first option is a number.
 TEST(CompileOptions, ExchangeValuesWithTheHost) {
     const utOptionContext context;
     CompileOptions source;

@@ -219,6 +219,7 @@ void expectTried(const std::string& page, const Block& block) {
     }
 }
 
+// The counts at the end keep the test from passing because no block was found.
 TEST(Pages, ShowNothingThatIsNotTried) {
     std::map<std::string, int> kinds;
     for (const std::string& page : pages()) {
@@ -286,6 +287,7 @@ std::vector<std::string> labelsIn(std::string_view line) {
     }
 }
 
+// The figure at the top of README.md is drawn by hand; its nodes have to be those of the pattern that it shows.
 TEST(Pages, ShowTheLabelsOfTheGraph) {
     const std::string graph = RE_Tree(u"(\\w+) (?:Holmes|Watson)", false).graph();
     int labels = 0;
@@ -324,6 +326,7 @@ std::string_view fileNameAt(std::string_view text) {
     return {};
 }
 
+// Pages mention files in running text; one that was moved is found here. NAME is a placeholder.
 TEST(Pages, NameFilesThatAreThere) {
     size_t named = 0;
     for (const std::string& page : pages()) {

@@ -102,6 +102,7 @@ TEST(RandomPatterns, WithoutTokenReadersAgree) {
     compareSweep(kTokenReaders, seedFor(77), rounds(6000));
 }
 
+// Without a plan: patterns in which no construct was placed on purpose.
 TEST(RandomPatterns, OfWhatChanceBringsAgree) {
     Comparison comparison;
     const std::uint64_t seed = seedFor(4711);

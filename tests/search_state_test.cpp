@@ -67,6 +67,7 @@ TEST_F(SearchState, RemembersMemoisedStatesPerTokenCount) {
     EXPECT_TRUE(pushAndPop()) << "the states of counts above the token's index are forgotten";
 }
 
+// A node that pushes with "reuse" moves its own record; what was left after it belongs to the choice that is gone.
 TEST_F(SearchState, ReusesItsOwnRecordAndDiscardsThoseAbove) {
     auto* const split = parser.make<RE_Split>();
     auto* const above = parser.make<RE_Split>();
@@ -106,6 +107,7 @@ TEST_F(SearchState, KeepsTheRunsOfLoopsMadeByHandApart) {
     }
 }
 
+// A node made by hand may write any number and any place; reading must stay within the store and the subject.
 TEST_F(SearchState, IgnoresTokensThatDoNotExistOrReachPastTheSubject) {
     info.startToken(9, nullptr, kText);
     info.endToken(9, kText + 1, false);
@@ -159,6 +161,7 @@ TEST(TokenStack, ForgetsHigherTokensAndFindsTheLowestOfAName) {
     EXPECT_EQ(nullptr, tokens.get(size_t{0}));
 }
 
+// An answer "from 2, found at 7" holds for every start from 2 to 7, and for no other.
 TEST(SeekTable, AnswersBetweenAQueryAndItsResult) {
     RE_Context host;
     RE_ParserContext parser(&host, nullptr, 0);

@@ -107,6 +107,7 @@ TEST(SeekKernels, FindWhatPlainLoopsFind) {
     }
 }
 
+// Kernels compare parts of units against small tables; each of the 65,536 units has to come out right.
 TEST(SeekKernels, AreExactForEveryUnitOfAClass) {
     const RE_Unit_Classes& classes = RE_Unit_Classes::get();
     for (const RE_Unit_Set* set : {&classes.words, &classes.noWords, &classes.digits, &classes.noSpaces}) {

@@ -69,6 +69,8 @@ std::u16string textFor(std::mt19937& random, const std::u16string& units) {
     return text;
 }
 
+// Which finder, then 300 texts from random offsets against the plain graph. In every other round required literals are
+// searched for from the first failure on.
 TEST(StartFinders, AreChosenInOrderAndSkipNoMatch) {
     std::mt19937 random(7);
     for (const Case& c : kCases) {

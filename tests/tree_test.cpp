@@ -48,6 +48,7 @@ TEST(Tree, GivesTheSameAnswerThroughEveryConstructorAndMatch) {
     }
 }
 
+// An offset of the length is allowed, one more is not, and the greatest number must not wrap.
 TEST(Tree, HasNoMatchWithoutASubjectOrPastItsEnd) {
     const RE_Tree tree(u"a", false);
     EXPECT_EQ(nullptr, tree.match(static_cast<const char16_t*>(nullptr), 0, 0));
@@ -95,6 +96,8 @@ TEST(Tree, ListsEachNameOnceInTokenOrder) {
     utFree(names);
 }
 
+// Copy assignment makes an alias that does not own the graph, move assignment hands it over. What is left of a tree
+// without a graph answers every call, with nothing.
 TEST(Tree, SharesItsGraphOnAssignmentAndGivesItUpWhenMoved) {
     RE_Tree tree(u"ab", false);
     // Applications copy trees into raw memory and let one of the two free the graph. The bytes of the alias are
@@ -157,6 +160,7 @@ std::vector<unsigned char> bytesOf(const RE_Tree& tree) {
     return bytes;
 }
 
+// Any number of threads may search a tree, so a search must not write to it: compared byte by byte.
 TEST(Tree, IsUnchangedByASearch) {
     for (const char16_t* pattern :
          {u"(a|b)*c\\1", u"(?:(?:ab){2,3}?c)*d", u"(?<=a+)(?>b*)(?!c)x", u"(?:|a)*(?i:KELVIN)"}) {
