@@ -1,7 +1,7 @@
 // What a fuzz target is given, read from bytes so that mutations of the bytes are mutations of what it means.
 //
 //     byte 0   flags of the pattern (bits 0 to 5)
-//     byte 1   one of the first 32 settings of allConfigs (bits 0 to 4); whether the memo begins at once (bit 5)
+//     byte 1   one of the first 32 settings of allConfigs (bits 0 to 4); memo at once (bit 5)
 //     byte 2   a number for the target's own use
 //     rest     texts, separated by the byte 0x01; ASCII stands for itself, bytes from 0x80 on for rarer units
 #pragma once
