@@ -124,7 +124,7 @@ void utInterruptState::SetInterruptPending(bool value) noexcept {
 
 namespace {
 std::mutex guard;
-std::map<size_t, void*> objects;
+std::map<size_t, std::unique_ptr<void, utScopedStore::Destroy>> objects;
 std::atomic<size_t> lastId{0};
 }  // namespace
 bool utScopedStore::isRequiredContextActive() noexcept {
@@ -136,11 +136,15 @@ size_t utScopedStore::getNextID() noexcept {
 void* utScopedStore::find(size_t id) {
     const std::lock_guard lock(guard);
     const auto found = objects.find(id);
-    return found != objects.end() ? found->second : nullptr;
+    return found != objects.end() ? found->second.get() : nullptr;
 }
-void* utScopedStore::findOrInsert(size_t id, void* object, Destroy) {
+void* utScopedStore::findOrInsert(size_t id, void* object, Destroy destroy) {
     const std::lock_guard lock(guard);
-    return objects.try_emplace(id, object).first->second;
+    auto& stored = objects.try_emplace(id, nullptr, destroy).first->second;
+    if (stored == nullptr) {
+        stored.reset(object);
+    }
+    return stored.get();
 }
 
 // --- the program ---

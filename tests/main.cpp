@@ -10,6 +10,9 @@
 #include <gtest/gtest.h>
 #include <hwy/targets.h>
 
+#include <sys/resource.h>
+#include <unistd.h>
+
 #include <clocale>
 #include <cstdlib>
 #include <string_view>
@@ -53,9 +56,24 @@ bool limitVectors(std::string_view name) {
     return false;
 }
 
+// The slow reference matcher recurses, and a sanitizer multiplies what each of its calls takes. The limit of the stack
+// counts from the start of a process, so the program starts again with a larger one.
+void ensureLargeStack(char** argv) {
+    constexpr rlim_t needed = rlim_t{256} << 20;
+    rlimit limit{};
+    if (getrlimit(RLIMIT_STACK, &limit) != 0 || limit.rlim_cur >= needed || limit.rlim_max < needed) {
+        return;  // no limit is the greatest number
+    }
+    limit.rlim_cur = needed;
+    if (setrlimit(RLIMIT_STACK, &limit) == 0) {
+        execv("/proc/self/exe", argv);
+    }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+    ensureLargeStack(argv);
     std::setlocale(LC_ALL, "C.UTF-8");
     const char* const vectors = std::getenv("CORVANE_TEST_VECTORS");
     if (vectors != nullptr && !limitVectors(vectors)) {

@@ -5,13 +5,18 @@
 #include "regexp/unit_set.h"
 
 #include "regexp/parser/unit_union.h"
+#include "tests/support/engine_run.h"
+#include "tests/support/text.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <bitset>
+#include <cstdio>
+#include <cstring>
 #include <memory>
 #include <random>
+#include <set>
 #include <vector>
 
 namespace corvane_tests {
@@ -134,6 +139,49 @@ TEST(UnitUnion, HoldsWhatWasAddedOrAllOthers) {
         const bool others = source.below(2) != 0;
         if (others) plain.negate();
         ASSERT_TRUE(plain == *(others ? all.takeOthers() : all.take())) << round;
+    }
+}
+
+/// Units that a range ignoring case may hold or miss: those within and beside it, and all that share a form with one.
+std::set<char16_t> unitsAround(char16_t low, char16_t high) {
+    const RE_Case_Table& cases = RE_Case_Table::get();
+    std::set<char16_t> units;
+    for (size_t at = low - 1u; at <= high + 1u; ++at) {
+        const auto unit = static_cast<char16_t>(at);
+        units.insert({unit, cases.lower(unit), cases.upper(unit)});
+        cases.forEachForm(cases.lower(unit), [&units](char16_t form) { units.insert(form); });
+    }
+    return units;
+}
+
+// Every short range that holds a unit with case, or begins beside one: as a node, as a table, and negated.
+TEST(RangesIgnoringCase, HoldWhatTheirUnitsFoldTo) {
+    const RE_Case_Table& cases = RE_Case_Table::get();
+    const auto isPlain = [&cases](size_t unit) { return cases.foldsAlone(static_cast<char16_t>(unit)); };
+    for (size_t low = 1; low < 0xFFF0; ++low) {
+        for (const size_t width : {1u, 2u, 4u}) {
+            const size_t high = low + width;
+            if (isPlain(low) && isPlain(low + 1) && isPlain(high)) {
+                continue;
+            }
+            const auto range = [&](const char* before, const char* after) {
+                char text[64];
+                std::snprintf(text, sizeof text, "(?i)%s\\x{%zX}-\\x{%zX}%s", before, low, high, after);
+                return std::u16string(text, text + std::strlen(text));
+            };
+            const Engine node(range("[", "]"), kPlain, kPlainGraph);
+            const Engine table(range("(?:[", "]|!)+"));
+            const Engine negated(range("[^", "]"));
+            for (const char16_t unit : unitsAround(static_cast<char16_t>(low), static_cast<char16_t>(high))) {
+                bool isFold = false;
+                cases.forEachForm(cases.lower(unit), [&](char16_t form) { isFold = isFold || (low <= form && form <= high); });
+                const std::u16string subject(1, unit);
+                const bool found = node.search(subject).matched;
+                ASSERT_TRUE(found || !isFold) << printable(range("[", "]")) << printable(subject);
+                ASSERT_EQ(found, table.search(subject).matched) << printable(range("[", "]")) << printable(subject);
+                ASSERT_NE(found, negated.search(subject).matched) << printable(range("[", "]")) << printable(subject);
+            }
+        }
     }
 }
 

@@ -98,7 +98,7 @@ std::string RE_Range_I::label() const {
 bool RE_Range_I2::matchesUnit(char16_t unit) const {
     const RE_Case_Table& cases = RE_Case_Table::get();
     bool isForm = holds(cases.lower(unit)) || holds(cases.upper(unit));
-    if (!isForm && cases.isCased(unit)) {
+    if (!isForm) {
         cases.forEachForm(cases.lower(unit), [&](char16_t other) { isForm = isForm || holds(other); });
     }
     return isForm;

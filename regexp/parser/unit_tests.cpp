@@ -55,23 +55,23 @@ RE_Range_Plan planRange(char16_t low, char16_t high, RE_Flags flags) {
         return {low, high, RE_Range_Test::exact};
     }
     const RE_Case_Table& cases = RE_Case_Table::get();
+    // Every unit of the range counts: the ends of U+A7AA to U+A7AE lie as their lower-case forms do, those between do not.
+    const auto foldsAlone = [&cases](char16_t unit) { return cases.foldsAlone(unit); };
+    if (allOf(low, high, foldsAlone)) {
+        return {low, high, RE_Range_Test::exact};
+    }
     if (low == high) {
-        return cases.hasCase(low) ? RE_Range_Plan{cases.lower(low), cases.lower(low), RE_Range_Test::lower}
-                                  : RE_Range_Plan{low, high, RE_Range_Test::exact};
+        return {cases.lower(low), cases.lower(low), RE_Range_Test::lower};
     }
     if (cvu_isupper(low)) {
-        // Capitals whose lower-case forms do not lie as they do themselves are tested in both forms.
-        const bool alike = cases.lower(high) - cases.lower(low) == high - low;
-        return alike && allOf(low, high, cvu_isupper)
-                   ? RE_Range_Plan{cases.lower(low), cases.lower(high), RE_Range_Test::lower}
-                   : RE_Range_Plan{low, high, RE_Range_Test::both};
+        const int distance = cases.lower(low) - low;
+        const auto isAlike = [&cases, distance](char16_t unit) {
+            return cvu_isupper(unit) && cases.lower(unit) - unit == distance;
+        };
+        return allOf(low, high, isAlike) ? RE_Range_Plan{cases.lower(low), cases.lower(high), RE_Range_Test::lower}
+                                         : RE_Range_Plan{low, high, RE_Range_Test::both};
     }
-    if (cvu_islower(low)) {
-        return {low, high, allOf(low, high, cvu_islower) ? RE_Range_Test::lower : RE_Range_Test::both};
-    }
-    const bool caseless =
-        allOf(low, high, [](char16_t unit) { return !cvu_isupper(unit) && !cvu_islower(unit); });
-    return {low, high, caseless ? RE_Range_Test::exact : RE_Range_Test::both};
+    return {low, high, cvu_islower(low) && allOf(low, high, cvu_islower) ? RE_Range_Test::lower : RE_Range_Test::both};
 }
 
 void RE_Unit_Test_Set::note(const Member& member) {
