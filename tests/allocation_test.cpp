@@ -51,8 +51,8 @@ void useAll(const Memory_Case& it) {
     EXPECT_EQ(it.subject, RE_Replace(u"$&").replace(subject, tree, false, 0));
 }
 
-// `failAt` begins the count of requests anew. More than thirty rounds are expected of each pattern: fewer would mean that
-// its memory comes from somewhere else than the host.
+// `failAt` begins the count of requests anew. More than thirty rounds are expected of each pattern: fewer would mean
+// that its memory comes from somewhere else than the host.
 TEST(FailingAllocations, LoseNothingWhileCompilingSearchingAndReplacing) {
     // The memo begins at once, so that its allocations are among those that fail.
     const Delays delays(0);

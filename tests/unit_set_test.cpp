@@ -174,7 +174,8 @@ TEST(RangesIgnoringCase, HoldWhatTheirUnitsFoldTo) {
             const Engine negated(range("[^", "]"));
             for (const char16_t unit : unitsAround(static_cast<char16_t>(low), static_cast<char16_t>(high))) {
                 bool isFold = false;
-                cases.forEachForm(cases.lower(unit), [&](char16_t form) { isFold = isFold || (low <= form && form <= high); });
+                cases.forEachForm(cases.lower(unit),
+                                  [&](char16_t form) { isFold = isFold || (low <= form && form <= high); });
                 const std::u16string subject(1, unit);
                 const bool found = node.search(subject).matched;
                 ASSERT_TRUE(found || !isFold) << printable(range("[", "]")) << printable(subject);
