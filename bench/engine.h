@@ -1,4 +1,8 @@
-// What the benchmarks ask of a regular-expression engine. One adapter per engine in bench/engines.
+// What the benchmarks need from a regular-expression engine. One adapter per engine in bench/engines.
+//
+// An adapter uses its engine as a good application would: compiled once, scratch space kept, the fastest way
+// that the documentation names. It counts in the engine's own units; lengths of tokens are compared between
+// engines that search the same form of the text.
 #pragma once
 
 #include "bench/text.h"
@@ -33,6 +37,7 @@ enum class Task {
     compile,   ///< compile the pattern
 };
 
+/// What an engine has to compile. The views last as long as the workload.
 struct Request {
     std::u16string_view pattern;
     unsigned flags;
@@ -48,13 +53,18 @@ struct Answer {
     bool operator==(const Answer&) const = default;
 };
 
-/// A compiled pattern together with the scratch space of its searches. Nothing: the engine gave up.
+/// A compiled pattern together with the scratch space of its searches. No answer: the engine gave up, at a
+/// limit of its own. Answers are computed inside what is timed, so that no engine can leave the work out.
 class Searcher {
 public:
     virtual ~Searcher() = default;
+    /// Matches that do not overlap, from left to right.
     virtual std::optional<Answer> countMatches(const Text& text) = 0;
+    /// The same, with every token of every match read.
     virtual std::optional<Answer> countTokens(const Text& text) = 0;
+    /// Lines that hold a match. Each is a subject of its own, so that the cost of beginning a search shows.
     virtual std::optional<Answer> countLines(const Text& text) = 0;
+    /// The length of the text with all matches replaced.
     virtual std::optional<Answer> replace(const Text& text) = 0;
 
     std::optional<Answer> run(Task task, const Text& text) {
@@ -71,6 +81,7 @@ public:
     }
 };
 
+/// Makes searchers. One object serves all rows; it keeps nothing of a pattern.
 class Engine {
 public:
     virtual ~Engine() = default;

@@ -1,4 +1,5 @@
-// The bare scan uses the kernels that the engine is built from.
+// The bare scan uses the kernels that the engine is built from, so that the floor is about the engine around
+// them, not about another scan.
 #include "bench/floor.h"
 
 #include "regexp/seek/kernels.h"
@@ -21,6 +22,7 @@ char16_t otherCase(char16_t unit) {
     return unit;
 }
 
+// A unit and, if case is ignored, its other case: what a kernel compares with at once.
 RE_Unit_Pair pairOf(char16_t unit, bool ignoreCase) {
     return {unit, ignoreCase ? otherCase(unit) : unit};
 }
@@ -35,6 +37,7 @@ Bare_Scan::Bare_Scan(std::u16string_view wanted, bool ignoreCase, std::u16string
     }
     std::vector<std::size_t> places(wanted.size());
     std::iota(places.begin(), places.end(), 0U);
+    // The rarest two units of the literal, by what the very text has; the engine has to guess from a table.
     std::stable_sort(places.begin(), places.end(), [&](std::size_t one, std::size_t other) {
         return occurrences[wanted[one]] < occurrences[wanted[other]];
     });
@@ -42,6 +45,7 @@ Bare_Scan::Bare_Scan(std::u16string_view wanted, bool ignoreCase, std::u16string
     m_second = places.size() > 1 ? places[1] : places.front();
 }
 
+// The units that the scan has compared are compared again: simple, and rare.
 bool Bare_Scan::standsAt(const char16_t* p) const {
     if (!m_ignoreCase) {
         return m_literal == std::u16string_view(p, m_literal.size());
@@ -56,6 +60,7 @@ std::size_t Bare_Scan::count(std::u16string_view text) const {
     }
     const RE_Literal_Probe probe{pairOf(m_literal[m_first], m_ignoreCase),
                                  pairOf(m_literal[m_second], m_ignoreCase), m_first, m_second};
+    // Past the last place at which the literal fits: the kernels may read the units after it.
     const char16_t* const end = text.data() + (text.size() - m_literal.size() + 1);
     std::size_t count = 0;
     const char16_t* p = text.data();

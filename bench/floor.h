@@ -1,4 +1,5 @@
-// The least that any search for a literal can take: a bare vector scan, without an engine around it.
+// The least that any search for a literal can take: a bare vector scan, without an engine around it. Knows
+// the text beforehand, which no engine does, so the floor cannot be reached, only approached.
 #pragma once
 
 #include <cstddef>

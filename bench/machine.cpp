@@ -27,6 +27,7 @@ std::string compilerName() {
 #endif
 }
 
+// In UTC, as records of different machines are compared.
 std::string today() {
     const std::time_t now = std::time(nullptr);
     char text[11];

@@ -1,4 +1,8 @@
 // The benchmarks' command line.
+//
+// Answers are checked before times are taken, and a wrong answer gets no time: a fast wrong answer is no
+// result. With `--check-only` and `--answers` nothing is measured, and the exit status says whether our own
+// answers are right.
 #include "bench/engines/engines.h"
 #include "bench/machine.h"
 #include "bench/report.h"
@@ -36,6 +40,7 @@ struct Choice {
     bool help = false;
 };
 
+// The options of a call, with what they imply for each other.
 Choice readCommandLine(int argc, char** argv) {
     Choice choice;
     po::options_description options("Options of the benchmarks");
@@ -57,10 +62,12 @@ Choice readCommandLine(int argc, char** argv) {
     if (choice.engines.empty()) {
         choice.engines = choice.checkOnly ? "corvane" : choice.quick ? QUICK_ENGINES : ".*";
     }
+    // A full run is recorded without being told, a partial one is not.
     choice.record |= choice.filter.empty() && choice.engines == ".*" && !choice.quick && !choice.answers;
     return choice;
 }
 
+// Ours always, in front; the filter is about the peers.
 Engines chosenEngines(const Choice& choice) {
     Engines engines = allEngines();
     const std::regex wanted(choice.engines, std::regex::icase);
@@ -71,6 +78,7 @@ Engines chosenEngines(const Choice& choice) {
     return engines;
 }
 
+// Rows of which "GROUP/NAME" has a match of the filter.
 std::vector<Workload> chosenWorkloads(const Choice& choice) {
     std::vector<Workload> workloads = allWorkloads();
     const std::regex wanted(choice.filter, std::regex::icase);
@@ -93,6 +101,7 @@ bool check(const std::vector<Workload>& workloads, const Engines& engines, bool 
     return right;
 }
 
+// A page for each day; a second run of a day replaces the first.
 void write(const std::string& report) {
     std::filesystem::create_directories(CORVANE_BENCH_RECORD);
     const std::string path = CORVANE_BENCH_RECORD "/" + today() + ".md";
@@ -100,7 +109,9 @@ void write(const std::string& report) {
     std::cerr << "written to " << path << "\n";
 }
 
+// Row by row, each with all engines: a run that is broken off has complete rows.
 void measureAll(const std::vector<Workload>& workloads, const Engines& engines, const Choice& choice) {
+    // Seconds of one repetition, and repetitions. A median of five keeps one noisy moment out.
     const Settings settings = choice.quick ? Settings{0.01, 3} : Settings{0.02, 5};
     std::vector<Row> rows;
     for (const Workload& workload : workloads) {
@@ -133,6 +144,7 @@ int run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     char program[] = "corvane_bench";
+    // The library runs the repetitions of all engines in random order, so that a slow moment hits none alone.
     char interleaving[] = "--benchmark_enable_random_interleaving=true";
     char* forLibrary[] = {program, interleaving, nullptr};
     int count = 2;

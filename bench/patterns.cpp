@@ -1,4 +1,5 @@
-// Long patterns.
+// Patterns that are too long for a table: alternatives of many words, a lexer, counted groups. Each is the
+// same in every run and means the same in every dialect.
 #include "bench/patterns.h"
 
 #include "bench/generators.h"

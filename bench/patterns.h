@@ -6,7 +6,7 @@
 
 namespace corvane_bench {
 
-/// Alternatives of words, of which two dozen stand in English prose.
+/// Alternatives of words, two dozen of which occur in English prose.
 std::u16string wordAlternatives(std::size_t count);
 /// A lexer of sixty alternatives for a language with braces; with a token for each if wanted.
 std::u16string lexer(bool tokens);

@@ -1,4 +1,5 @@
-// Random choices that are the same with every standard library.
+// Random choices that are the same with every standard library: the generator is specified exactly, the
+// library's distributions are not, so none is used.
 #pragma once
 
 #include <array>
@@ -42,6 +43,7 @@ public:
         return text;
     }
 
+    /// Consonants and vowels in turn, which gives syllables that look like a language.
     std::u16string word(std::size_t least, std::size_t most) {
         static constexpr std::u16string_view consonants = u"bcdfghlmnprstvw";
         static constexpr std::u16string_view vowels = u"aeiou";

@@ -1,4 +1,5 @@
-// Ratios and their means.
+// Ratios and their means. A ratio that cannot be had is 0 and left out of every mean: a peer without an
+// answer neither helps nor harms.
 #include "bench/ratios.h"
 
 #include <algorithm>
@@ -28,6 +29,7 @@ double ratioToFloor(const Row& row) {
     return ours.outcome == Outcome::timed && row.floorSeconds > 0 ? ours.seconds / row.floorSeconds : 0;
 }
 
+// Over the cells with a time. 0 is ourselves, which is no peer.
 std::size_t bestPeer(const Row& row) {
     std::size_t best = 0;
     for (std::size_t i = 1; i < row.cells.size(); ++i) {
@@ -46,9 +48,11 @@ double medianOf(std::vector<double> ratios) {
     }
     std::sort(ratios.begin(), ratios.end());
     const std::size_t middle = ratios.size() / 2;
+    // Of two middle ratios the geometric mean: 1/2 and 2 have the median 1.
     return ratios.size() % 2 == 1 ? ratios[middle] : std::sqrt(ratios[middle - 1] * ratios[middle]);
 }
 
+// A mean of ratios has to be geometric, or twice as fast and half as fast would not even out.
 double geometricMeanOf(const std::vector<double>& ratios) {
     double logarithms = 0;
     std::size_t count = 0;

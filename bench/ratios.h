@@ -1,4 +1,4 @@
-// Ratios of our times to those of peers. Zero stands for a ratio that cannot be had.
+// Ratios of our times to those of peers. Zero means that there is no ratio.
 #pragma once
 
 #include "bench/runner.h"

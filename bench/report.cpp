@@ -1,4 +1,5 @@
-// Tables of times and ratios.
+// Tables of times and ratios, as Markdown. Everything is computed from the rows; nothing is measured or
+// decided here but the number of digits.
 #include "bench/report.h"
 
 #include "bench/machine.h"
@@ -41,6 +42,7 @@ std::string_view measureOf(const Row& row) {
     }
 }
 
+// A time, or the word for why there is none.
 std::string cellText(const Row& row, const Cell& cell) {
     switch (cell.outcome) {
         case Outcome::timed:
@@ -62,6 +64,7 @@ std::string line(const std::vector<std::string>& cells) {
     return text + "\n";
 }
 
+// The first column is of words, the others are of numbers and aligned on the right.
 std::string heading(const std::vector<std::string>& cells) {
     std::string rule = "|---|";
     for (std::size_t i = 1; i < cells.size(); ++i) {
@@ -70,6 +73,7 @@ std::string heading(const std::vector<std::string>& cells) {
     return line(cells) + rule + "\n";
 }
 
+// Rows that share a table and a target.
 using Group = std::vector<const Row*>;
 
 std::vector<Group> groupsOf(const std::vector<Row>& rows) {
@@ -83,6 +87,7 @@ std::vector<Group> groupsOf(const std::vector<Row>& rows) {
     return groups;
 }
 
+// A row for each workload, a column for each engine, then ratios. Rows above the target are bold.
 std::string groupTable(const Group& group, const Engines& engines) {
     const Row& first = *group.front();
     std::vector<std::string> titles{std::string(measureOf(first))};
@@ -118,10 +123,12 @@ std::vector<double> collect(const Group& group, Ratio of) {
     return ratios;
 }
 
+// Nothing when there is no ratio: no verdict without a measurement.
 std::string verdict(double value, double most) {
     return value == 0 ? "" : value <= most ? ": met" : ": **missed**";
 }
 
+// The target in words and whether it was met; nothing for a group without one.
 std::string targetText(const Target& target, double median, double byFloor) {
     std::string text;
     if (target.ratio != 0) {
@@ -160,6 +167,7 @@ std::string timeTargets(const std::vector<Row>& rows) {
     return text;
 }
 
+// Over all rows, so that no choice of groups can hide a loss.
 std::string overall(const std::vector<Row>& rows, const Engines& engines) {
     std::string text = "Geometric means over all rows of our time by that of a peer, where both answer:\n\n" +
                        heading({"peer", "rows", "mean", "rows in which it is ahead of us"});
@@ -196,6 +204,7 @@ std::string summary(const std::vector<Row>& rows, const Engines& engines) {
     return text + "\n" + overall(rows, engines);
 }
 
+// What a reader should look at first: rows in which an engine without machine code is faster than ours.
 std::string behindInterpreters(const std::vector<Row>& rows, const Engines& engines) {
     std::string text;
     for (const Row& row : rows) {
@@ -209,6 +218,7 @@ std::string behindInterpreters(const std::vector<Row>& rows, const Engines& engi
     return "## Rows behind an interpreter\n\n" + (text.empty() ? "None.\n" : text) + "\n";
 }
 
+// Peers with another answer than the expected one. Not a fault of theirs: dialects differ.
 std::string differences(const std::vector<Row>& rows, const Engines& engines) {
     std::string text;
     for (const Row& row : rows) {
@@ -225,6 +235,7 @@ std::string answerText(const Answer& answer) {
            (answer.tokenUnits == 0 ? "" : ", " + std::to_string(answer.tokenUnits));
 }
 
+// Where and with what the times were taken; without that they mean nothing.
 std::string header(const Engines& engines) {
     std::string text = "# Times of " + today() + "\n\n" + processorName() + "; " + compilerName() + ".\n\n";
     for (const auto& engine : engines) {

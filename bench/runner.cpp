@@ -1,4 +1,7 @@
 // Checks answers and measures with Google Benchmark.
+//
+// The library measures functions that were registered by name; a row registers one for each engine, runs them
+// all, and clears the list. Its own output is suppressed by the collector, which keeps the times.
 #include "bench/runner.h"
 
 #include "bench/floor.h"
@@ -17,12 +20,14 @@ namespace {
 /// What takes longer has been measured well enough by the run that checked the answer.
 constexpr double LONG_RUN_SECONDS = 0.4;
 
+// The request to an engine: peers may need the pattern in other words.
 Request requestFor(const Workload& workload, bool ours) {
     const bool other = !ours && !workload.details.peerPattern.empty();
     return {other ? workload.details.peerPattern : workload.pattern, workload.details.flags,
             workload.details.task, workload.details.replacement};
 }
 
+// One run with its time, which is all that a long one gets.
 Cell checkAnswer(const Workload& workload, const Engine& engine, bool ours) {
     Cell cell;
     const std::unique_ptr<Searcher> searcher = engine.compile(requestFor(workload, ours));
@@ -55,6 +60,7 @@ public:
         }
     }
 
+    // Of an even number the greater of the two in the middle; five or three are usual.
     double median(const std::string& name) {
         std::vector<double>& all = seconds[name];
         std::sort(all.begin(), all.end());
@@ -76,6 +82,7 @@ void enlist(const std::string& name, const Settings& settings, Body body) {
         ->Repetitions(settings.repetitions);
 }
 
+// Registers one engine's run of the row.
 void enlistEngine(const std::string& name, const Workload& workload, const Engine& engine, bool ours,
                   const Settings& settings) {
     const Request request = requestFor(workload, ours);
@@ -83,6 +90,7 @@ void enlistEngine(const std::string& name, const Workload& workload, const Engin
         enlist(name, settings, [&engine, request] { benchmark::DoNotOptimize(engine.compile(request)); });
         return;
     }
+    // Compiled once, outside of what is timed. Shared, as the library copies functions.
     const std::shared_ptr<Searcher> searcher = engine.compile(request);
     const Text& text = textNamed(workload.text);
     enlist(name, settings, [searcher, &text, task = workload.details.task] {
@@ -92,6 +100,7 @@ void enlistEngine(const std::string& name, const Workload& workload, const Engin
 
 }  // namespace
 
+// Peers with a wrong answer stay in the row, without a time.
 Row checkAnswers(const Workload& workload, const Engines& engines) {
     Row row;
     row.workload = &workload;
@@ -106,6 +115,7 @@ Row checkAnswers(const Workload& workload, const Engines& engines) {
     return row;
 }
 
+// Times of runs that are short enough to be repeated; a long one keeps the time of its check.
 void measure(Row& row, const Engines& engines, const Settings& settings) {
     const Workload& workload = *row.workload;
     const auto isShort = [](const Cell& cell) {

@@ -1,4 +1,5 @@
-// Forms of a text.
+// Forms of a text: units, bytes and lines of both. Made before anything is measured, so that no engine pays
+// for a conversion.
 #include "bench/text.h"
 
 #include <cstddef>
@@ -7,6 +8,7 @@
 namespace corvane_bench {
 namespace {
 
+// Lines of larger texts would take more memory than the texts, and no row uses them.
 constexpr std::size_t MOST_UNITS_WITH_LINES = 1'000'000;
 
 template <class Unit>
@@ -22,6 +24,7 @@ std::vector<std::basic_string_view<Unit>> splitLines(std::basic_string_view<Unit
 
 }  // namespace
 
+// Units up to 0x7FF take two bytes, all others three, as there are no surrogates in these texts.
 std::string toUtf8(std::u16string_view text) {
     const auto tail = [](unsigned bits) { return static_cast<char>(0x80U | (bits & 0x3FU)); };
     std::string bytes;
@@ -43,6 +46,7 @@ Text::Text(std::u16string text) : units(std::move(text)), bytes(toUtf8(units)) {
     if (units.size() > MOST_UNITS_WITH_LINES) {
         return;
     }
+    // A line feed is one unit and one byte, so both have the same lines.
     const auto unitLines = splitLines(std::u16string_view(units));
     const auto byteLines = splitLines(std::string_view(bytes));
     for (std::size_t i = 0; i < unitLines.size(); ++i) {

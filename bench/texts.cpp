@@ -1,4 +1,5 @@
-// The catalogue of texts.
+// The catalogue of texts. Each is made when it is first asked for and kept, so a run over a few rows makes
+// few texts.
 #include "bench/texts.h"
 
 #include "bench/generators.h"
@@ -38,6 +39,7 @@ std::u16string makeChapter() {
     return textNamed("prose").units.substr(0, CHAPTER_UNITS);
 }
 
+// The prose again and again, cut at a length that is easy to divide by.
 std::u16string makeHuge() {
     const std::u16string_view prose = textNamed("prose").units;
     std::u16string text;
@@ -56,6 +58,7 @@ std::u16string repeated(std::u16string_view piece, std::size_t count, std::u16st
     return text += end;
 }
 
+// Name and maker. The last ones are for patterns that blow up.
 const std::map<std::string_view, std::function<std::u16string()>>& makers() {
     static const std::map<std::string_view, std::function<std::u16string()>> table = {
         {"prose", readProse},
@@ -81,6 +84,7 @@ const std::map<std::string_view, std::function<std::u16string()>>& makers() {
 }  // namespace
 
 const Text& textNamed(std::string_view name) {
+    // Keyed by the name in the table, which outlives the caller's.
     static std::map<std::string_view, std::unique_ptr<Text>> made;
     const auto maker = makers().find(name);
     if (maker == makers().end()) {

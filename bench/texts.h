@@ -7,7 +7,7 @@
 
 namespace corvane_bench {
 
-/// Made when it is first asked for, and kept. Throws for a name that no text has.
+/// Made on first use, and kept. Throws for a name that no text has.
 const Text& textNamed(std::string_view name);
 
 }  // namespace corvane_bench

@@ -1,4 +1,5 @@
-// A row of the benchmarks.
+// A row of the benchmarks: a task, a pattern, a text, and the answer that every engine has to give before its
+// time counts.
 #pragma once
 
 #include "bench/engine.h"
@@ -19,6 +20,7 @@ struct Details {
     std::u16string floor{};  ///< the literal that has to be found at least; empty: there is no such floor
 };
 
+/// `group` names the table of the page and the target; `text` a text of bench/texts.cpp.
 struct Workload {
     std::string_view group;
     std::string_view name;

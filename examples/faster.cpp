@@ -1,4 +1,6 @@
-// The two ways in which a pattern becomes faster for the searches that come after.
+// The two ways in which a pattern becomes faster for the searches that come after: machine code and the
+// automaton. Both change the tree, so they come before it is searched or shared. docs/embedding.md quotes a
+// part of this.
 #include "regexp/regexp.h"
 
 #include <memory>

@@ -1,3 +1,5 @@
+// The example of README.md: all matches of a text with their tokens, and all of them replaced. The page
+// quotes the whole program below this comment, and shows its output.
 #include "regexp/regexp.h"
 
 #include <cstdio>

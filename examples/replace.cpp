@@ -1,3 +1,5 @@
+// The example of docs/replacement.md: two words swapped, with the number of replacements. The page quotes
+// parts of this, and shows the output.
 #include "regexp/regexp.h"
 
 #include <cstdio>

@@ -1,4 +1,7 @@
 // A pattern put together by the builder compiles without a warning and matches a text made along with it.
+//
+// The witness is the oracle: each operation says which text its result matches, given texts that its operands
+// match. No engine computes it.
 #include "fuzz/targets.h"
 #include "tests/support/reference_matcher.h"
 
@@ -9,7 +12,8 @@ namespace {
 
 using namespace RE_Builder_Space;
 
-/// A pattern and a text that it matches from end to end, as long as its pieces may give units back.
+/// A pattern and a text that it matches from end to end, as long as its pieces may backtrack: no atomic
+/// groups and no possessive loops are built, which might keep too much.
 struct Piece {
     RE_Builder builder;
     std::u16string witness;
@@ -42,6 +46,8 @@ private:
     }
     std::size_t argument(std::size_t below) { return place < units.size() ? units[place++] % below : 0; }
 
+    /// One operation of a stack machine. What it lacks (an operand, an argument) is empty or 0, so that every
+    /// input is a program.
     void add(char16_t operation) {
         switch (operation) {
             case u'*':
@@ -73,6 +79,7 @@ private:
                     {literal(std::u16string_view(&units[place - 1], 1)), std::u16string(1, operation)});
         }
     }
+    /// Loops double a witness; one that is too long begins anew.
     void push(Piece piece) {
         const bool small = piece.witness.size() < 60 && piece.builder.pattern().size() < 200;
         pieces.push_back(small ? std::move(piece) : Piece{});
@@ -103,6 +110,7 @@ private:
 
 }  // namespace
 
+// Anchored at both ends: the whole witness has to match, under whatever flags.
 void builder(const Input& input) {
     const Piece piece = Maker(input.text(0, 60)).make();
     const std::u16string pattern = (subject_start() + piece.builder + subject_end()).pattern();

@@ -1,4 +1,5 @@
-// The entry point that libFuzzer calls. The build names the target.
+// The entry point that libFuzzer calls, in a program for each target. The build names the target. A finding
+// is an abort or what a sanitizer reports; everything else is no concern of the fuzzer.
 #include "fuzz/targets.h"
 
 extern "C" __attribute__((visibility("default"))) int LLVMFuzzerTestOneInput(const std::uint8_t* data,

@@ -1,9 +1,13 @@
 // Text that was escaped matches itself and nothing else; wildcards match what they were made from.
+//
+// The oracle for "nothing else" is a plain search for the text. Free spacing is taken out of the flags, as
+// escaped text is for patterns without it.
 #include "fuzz/targets.h"
 
 namespace corvane_fuzz {
 namespace {
 
+/// The pattern matches the whole subject, whatever flags and settings.
 void requireWhole(std::u16string_view pattern, std::u16string_view subject, const Input& input) {
     const RE_Flags flags = (input.flags() | RE_FLAG_DOT_ALL | RE_FLAG_ALLOW_EMPTY) & ~RE_FLAG_FREE_SPACING;
     const corvane_tests::Engine engine(pattern, flags, input.config());

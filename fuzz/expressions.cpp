@@ -1,6 +1,9 @@
 // Patterns and replacements with expressions, under a host without a memory: what an expression is worth
-// depends on its
-// text and its inputs alone. Every search and every setting of the compile options gives the same answer.
+// depends on its text and its inputs alone. Every search and every setting of the compile options gives the
+// same answer.
+//
+// Two searches of one tree must agree in their steps as well: whatever a call leaves in the state would show
+// there.
 #include "fuzz/targets.h"
 
 #include <memory>
@@ -11,12 +14,11 @@ namespace {
 
 using corvane_tests::EngineConfig;
 
-/// A text is looked for, tried and compiled at every place: fewer steps take longer here.
+/// A dynamic text is compiled at every place at which it is tried: fewer steps take longer here.
 constexpr RE_Search_Limits kFewSteps{.steps = 2000, .bytes = kLimits.bytes};
 
 /// An expression without references is worth its own text, any other the texts of its references one after
-/// the other. An
-/// empty text is a failed evaluation; true is a text with an odd number of units.
+/// the other. An empty text is a failed evaluation; true is a text with an odd number of units.
 class Pure_Host : public RE_Context {
 public:
     using RE_Context::RE_Context;
@@ -41,6 +43,7 @@ public:
     bool evaluate_bool(RE_Evaluation_Inputs* inputs) override { return value(inputs)->get_length() % 2 != 0; }
 
 private:
+    // The inputs are as many as the variables, and survive being copied.
     static void requireInputs(const RE_Evaluation_Inputs* inputs, std::size_t count,
                               const RE_Evaluation_IO& body) {
         bool holds = inputs->get_length() == count;
@@ -99,6 +102,7 @@ private:
 
 }  // namespace
 
+// The same search twice, then the plain graph, then the replacement by both.
 void expressions(const Input& input) {
     const std::u16string_view pattern = input.text(0, 120), subject = input.text(1, 60);
     RE_Search_Report report, secondReport, plainReport;

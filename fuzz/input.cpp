@@ -1,3 +1,5 @@
+// Reading of bytes. Every sequence of bytes is an input, none is refused, and the same bytes always mean the
+// same.
 #include "fuzz/input.h"
 
 #include "regexp/base/tuning.h"
@@ -11,6 +13,7 @@
 namespace corvane_fuzz {
 namespace {
 
+// A byte that no text of the dialect's signs has a use for.
 constexpr std::uint8_t kSeparator = 1;
 
 // Units with unusual case, line ends, halves of pairs, and the ends of the range.
@@ -23,6 +26,7 @@ char16_t unitOf(std::uint8_t byte) {
 
 }  // namespace
 
+// Missing head bytes are 0, which is a plain setting; the texts begin after them.
 Input::Input(const std::uint8_t* data, std::size_t size) : texts(1) {
     const std::size_t head = std::min(size, std::size(bytes));
     std::copy(data, data + head, bytes);
@@ -35,12 +39,13 @@ Input::Input(const std::uint8_t* data, std::size_t size) : texts(1) {
     }
 }
 
-// A text without units still has a place: a null one would be no subject.
+// A text without units still has an address: a null one would be no subject.
 std::u16string_view Input::text(std::size_t index, std::size_t most) const {
     const std::u16string_view whole = index < texts.size() ? texts[index] : std::u16string_view(u"");
     return whole.substr(0, most);
 }
 
+// The usual delays are read once, before anything has changed them.
 void beginMemo(bool atOnce) {
     static std::optional<RE_Tuning::Scope> scope;
     scope.reset();

@@ -1,7 +1,7 @@
 // What a fuzz target is given, read from bytes so that mutations of the bytes are mutations of what it means.
 //
 //     byte 0   flags of the pattern (bits 0 to 5)
-//     byte 1   compile options (bits 0 to 4); whether the memo of a search begins at once (bit 5)
+//     byte 1   one of the first 32 settings of allConfigs (bits 0 to 4); memo at once (bit 5)
 //     byte 2   a number for the target's own use
 //     rest     texts, separated by the byte 0x01; ASCII stands for itself, bytes from 0x80 on for rarer units
 #pragma once
@@ -15,6 +15,7 @@
 
 namespace corvane_fuzz {
 
+/// The bytes of one run, as a target reads them.
 class Input {
 public:
     Input(const std::uint8_t* data, std::size_t size);
@@ -31,11 +32,12 @@ private:
     std::vector<std::u16string> texts;
 };
 
-/// Lets the memo begin with the first choice taken up again, which searches this small would not reach; or as
-/// always.
+/// Lets the memo begin with the first choice that is resumed, which searches this small would not reach; or
+/// as usual.
 void beginMemo(bool atOnce);
 
 /// Ends the program with this message when the condition does not hold, as the fuzzer expects of a finding.
+/// Pattern and subject are printed so that they can be pasted into a test.
 void require(bool holds, std::string_view what, std::u16string_view pattern,
              std::u16string_view subject = {});
 

@@ -1,4 +1,7 @@
 // Any text is a pattern: it compiles, warns inside itself, and can be drawn, measured and searched.
+//
+// No oracle: the target looks for what a sanitizer finds, and for promises about warnings and sizes that hold
+// for every text.
 #include "fuzz/targets.h"
 
 #include "host/allocation.h"

@@ -1,4 +1,7 @@
 // The engine finds what the slow reference matcher of the tests finds.
+//
+// The tests draw patterns that are well-formed by construction; the fuzzer comes by those that nobody thought
+// of drawing.
 #include "fuzz/targets.h"
 #include "tests/support/reference_matcher.h"
 
@@ -19,6 +22,7 @@ std::u16string ascii(std::u16string_view text) {
 void reference(const Input& input) {
     const std::u16string pattern = ascii(input.text(0, 60));
     const std::u16string subject = ascii(input.text(1, 100));
+    // Any place, the end included.
     const std::size_t offset = input.number() % (subject.size() + 1);
     // Recursive and without a memo: the limit also bounds its stack.
     const auto expected = corvane_tests::reference::search(pattern, input.flags(), subject, offset, {4000});

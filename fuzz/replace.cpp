@@ -31,6 +31,7 @@ void replace(const Input& input) {
     const RE_Replace replacement(text.data(), text.size());
     const std::u16string result =
         replacement.replace(subject, engine.tree(), adjustCase, which, kLimits, report);
+    // Given up: what was written by then is checked nowhere.
     if (!report.isComplete()) {
         return;
     }

@@ -1,5 +1,5 @@
 // Runs every file under DIRECTORY/TARGET through its target, without a fuzzer: what was once found stays
-// mended.
+// mended. Part of the ordinary tests, as it needs no special compiler.
 #include "fuzz/targets.h"
 
 #include <cstdio>
@@ -15,6 +15,7 @@ std::string contents(const std::filesystem::path& file) {
     return {std::istreambuf_iterator<char>(in), {}};
 }
 
+// The number of files that were run.
 std::size_t replay(const corvane_fuzz::Target& target, const std::filesystem::path& folder) {
     std::size_t count = 0;
     for (const auto& entry : std::filesystem::directory_iterator(folder)) {
@@ -29,6 +30,7 @@ std::size_t replay(const corvane_fuzz::Target& target, const std::filesystem::pa
 
 int replayAll(const std::filesystem::path& root) {
     for (const corvane_fuzz::Target& target : corvane_fuzz::kTargets) {
+        // A folder that is empty or gone would make the test pass by doing nothing.
         if (replay(target, root / target.name) == 0) {
             std::fprintf(stderr, "no files for %s\n", target.name.data());
             return 1;

@@ -1,4 +1,7 @@
 // A seek table that was used before, and the state that many searches share, change no answer.
+//
+// The oracle is each search by itself, with a fresh state. Where a search gives up, the comparison of this
+// input ends.
 #include "fuzz/targets.h"
 
 namespace corvane_fuzz {
@@ -6,6 +9,7 @@ namespace {
 
 using corvane_tests::Engine;
 
+/// One table over searches from every offset.
 void compareTables(const Engine& engine, std::u16string_view pattern, std::u16string_view subject) {
     RE_Seek_Table shared;
     for (std::size_t offset = 0; offset <= subject.size(); ++offset) {
@@ -17,6 +21,8 @@ void compareTables(const Engine& engine, std::u16string_view pattern, std::u16st
     }
 }
 
+/// find_all against single searches from match to match. It leaves out an empty match that directly follows a
+/// match.
 void compareWalk(const Engine& engine, std::u16string_view pattern, std::u16string_view subject) {
     auto matches = engine.tree().find_all(subject, 0, kLimits);
     std::size_t offset = 0, end = subject.size() + 1;
@@ -52,6 +58,7 @@ void compareSubjects(const Engine& engine, std::u16string_view pattern, std::u16
 
 }  // namespace
 
+// Text 0 is the pattern, 1 and 2 are subjects.
 void seek(const Input& input) {
     const std::u16string_view pattern = input.text(0, 120);
     const std::u16string_view subject = input.text(1, 100);

@@ -1,4 +1,5 @@
-// The fuzz targets by name.
+// The fuzz targets by name. Each is a promise of the engine that holds for every input; a target ends the
+// program when the promise is broken.
 #pragma once
 
 #include "fuzz/input.h"
@@ -21,11 +22,13 @@ struct Target {
     void (*run)(const Input& input);
 };
 
+// The names are those of files, of programs and of folders under fuzz/regressions.
 inline constexpr Target kTargets[] = {
     {"parse", parse},     {"reference", reference}, {"options", options}, {"seek", seek},
     {"replace", replace}, {"builder", builder},     {"escape", escape},   {"expressions", expressions},
 };
 
+/// What fuzzer and replay call: the memo's delay is a part of the input.
 inline void run(const Target& target, const Input& input) {
     beginMemo(input.memoAtOnce());
     target.run(input);

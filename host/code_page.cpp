@@ -34,14 +34,19 @@ public:
     Unit* limit() { return units_.get() + capacity_ - 1; }
     void advanceTo(const Unit* newEnd) { length_ = static_cast<size_t>(newEnd - units_.get()); }
 
+    // Doubling keeps the copying linear in the length of the result; the constant gets a short text that
+    // expands (one unit to four bytes) past its first buffer in one step.
     void grow() {
         const size_t wider = capacity_ * 2 + 16;
         void* moved = utReallocWithCheck(units_.get(), wider * sizeof(Unit));
+        // Had utReallocWithCheck failed, it would have thrown with the old block still owned here. Now the
+        // block has moved, and the old pointer must not be freed.
         static_cast<void>(units_.release());
         units_.reset(static_cast<Unit*>(moved));
         capacity_ = wider;
     }
 
+    // Writes the terminator and hands the block to the caller, who frees it with utFree.
     Unit* release(size_t* length) {
         *end() = 0;
         if (length != nullptr) *length = length_;
@@ -57,6 +62,7 @@ private:
     size_t capacity_;
 };
 
+// Ill-formed text is no failure: ICU substitutes it. What remains is lack of memory and a missing converter.
 void checkStatus(UErrorCode status) {
     if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
     if (U_FAILURE(status)) throw std::runtime_error("the local code page cannot be converted");
@@ -80,7 +86,7 @@ void convertPiece(UConverter* converter, char** target, const char* targetLimit,
     ucnv_fromUnicode(converter, target, targetLimit, source, sourceLimit, nullptr, last, status);
 }
 
-// Converts what is left of the source up to `pieceEnd`, making room as often as the converter asks for it.
+// Converts what is left of the source up to `pieceEnd`, making room whenever the converter runs out of it.
 template <class To, class From>
 void appendPiece(UConverter* converter, const From*& source, const From* pieceEnd, bool last,
                  GrowingText<To>& result) {

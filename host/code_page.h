@@ -2,8 +2,8 @@
 // as ICU sees it when the first conversion runs, so a program calls setlocale before that.
 //
 // Every result is a terminated block from the host's allocator that the caller frees with utFree. The length
-// that is reported leaves the terminator out; a null length pointer asks for none. What cannot be converted
-// becomes the code page's replacement character. A null text is an empty one.
+// that is reported leaves the terminator out; with a null length pointer none is reported. What cannot be
+// converted becomes the code page's replacement character. A null text is an empty one.
 
 #pragma once
 

@@ -1,4 +1,5 @@
-// Standard strings over the local code page conversion.
+// Standard strings over the local code page conversion. Each call makes one copy more than the functions of
+// host/code_page.h, into the string; callers with large texts use those.
 
 #include "host/i18n.h"
 
@@ -9,6 +10,7 @@
 
 namespace {
 
+// Converted text is a block of the host's allocator, which `delete` and `free` must not be given.
 struct Free {
     void operator()(void* block) const { utFree(block); }
 };

@@ -1,5 +1,7 @@
 // A view into the default allocator for tests and for hosts with a memory budget. Without a hook the
-// allocator pays one relaxed load per call.
+// allocator pays one atomic load per call.
+//
+// A hook must not allocate through host/allocation.h: it would be called again from within itself.
 
 #pragma once
 
@@ -11,9 +13,11 @@ class CORVANE_HOST_EXPORT utAllocationHook {
 public:
     virtual ~utAllocationHook();
 
-    // Asked before a block is made or resized; false makes the allocation fail.
+    // Called before a block is made or resized; false makes the allocation fail. `bytes` is the requested
+    // size, for a resized block its new one.
     virtual bool allow(size_t bytes) noexcept = 0;
-    // Told of each block that came to be and of each that went. A resized block is told of neither way.
+    // Called once for each block that was made and for each that was freed. A resized block is reported by
+    // neither.
     virtual void allocated() noexcept = 0;
     virtual void freed() noexcept = 0;
 };

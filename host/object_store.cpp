@@ -1,4 +1,7 @@
 // Scoped object store. A store holds a handful of objects, so it is a vector searched under a lock.
+//
+// Objects are looked up by many threads and destroyed by one: the last utScope that shares the store. That
+// thread has the store to itself, which is why the destructor takes no lock.
 
 #include "host/object_store.h"
 
@@ -16,6 +19,8 @@ public:
     Store(const Store&) = delete;
     Store& operator=(const Store&) = delete;
 
+    // Latest first, as the header promises. An entry leaves the list before its object is destroyed, so the
+    // list never holds an object that is gone.
     ~Store() {
         while (!entries_.empty()) {
             const Entry last = entries_.back();
@@ -31,6 +36,8 @@ public:
 
     void* findOrInsert(size_t id, void* object, Destroy destroy) {
         const std::lock_guard<std::mutex> lock(mutex_);
+        // Find and insert are one step under the lock. Two threads that both miss an object make one each,
+        // and the loser learns here that it has to discard its own.
         if (void* stored = findLocked(id)) return stored;
         entries_.push_back({id, object, destroy});
         return object;
@@ -55,8 +62,10 @@ private:
 
 namespace {
 
+// Null outside of every scope. Not owned: the utScope that set it holds the store.
 thread_local Store* activeStore = nullptr;
 
+// The process store is made on first use and is destroyed with the other statics at exit.
 Store& currentStore() {
     static Store processStore;
     return activeStore == nullptr ? processStore : *activeStore;

@@ -1,4 +1,6 @@
-// Character properties from ICU's common library.
+// Character properties from ICU's common library. The engine reads these functions into tables once per
+// process, so their speed does not matter to searches; only the case adjustment of replacements calls them
+// for each unit.
 
 #include "host/unit_class.h"
 
@@ -6,6 +8,7 @@
 
 namespace {
 
+// A mapping outside of the basic plane has no single unit; such a unit counts as having no mapping.
 char16_t asUnit(UChar32 mapped, char16_t original) {
     return mapped >= 0 && mapped <= 0xFFFF ? static_cast<char16_t>(mapped) : original;
 }

@@ -14,6 +14,9 @@ char16_t sameUnit(char16_t unit) {
     return unit;
 }
 
+// Units are unsigned, so the order is that of the units themselves, not that of code points: a surrogate
+// sorts before U+E000 to U+FFFF. The check for NUL comes after that for a difference, so a text that ends
+// first is the lesser one.
 template <char16_t (*Fold)(char16_t)>
 int compare(const char16_t* left, const char16_t* right, size_t count) {
     for (size_t i = 0; i < count; ++i) {
@@ -25,6 +28,7 @@ int compare(const char16_t* left, const char16_t* right, size_t count) {
     return 0;
 }
 
+// Turns the answer of a string view into the pointer that these functions return.
 const char16_t* placeOf(const char16_t* text, size_t index) {
     return index == View::npos ? nullptr : text + index;
 }
@@ -36,6 +40,7 @@ size_t utf16_strlen(const char16_t* text) {
 }
 
 int utf16_strcmp(const char16_t* left, const char16_t* right) {
+    // No count ends the comparison; the NUL that the caller promises does.
     return compare<sameUnit>(left, right, static_cast<size_t>(-1));
 }
 

@@ -1,5 +1,8 @@
 // A host without memory: whichever of its allocations fails, compiling, searching and replacing end in std::bad_alloc
 // or in no result, and nothing is lost.
+//
+// There is no oracle but the count of live blocks: the n-th request fails, for n = 1, 2, ... until a run gets by with
+// fewer requests. A leak on any of the exception paths shows as a block that is left.
 #include "host/allocation_counter.h"
 #include "host/allocation.h"
 #include "tests/support/differential.h"
@@ -10,6 +13,7 @@
 namespace corvane_tests {
 namespace {
 
+// The patterns differ in which parts of a search they make grow: tokens, bodies, counts, the memo, the undo trail.
 struct Memory_Case {
     const char16_t* pattern;
     const char16_t* subject;
@@ -25,7 +29,8 @@ constexpr Memory_Case kCases[] = {
     {u"((a{1,3}){1,3})\\2b", u"aaaaaab"},
     // More than compiling has at hand for its lists without asking for it.
     {u"(?:[ab]+c|d?e{2,9}|\\w-(?:f|gh)){3,90}(?:[a-f]{2,9}\\d|x{3}[^,]*)-?(?:(a)b*|(c)d*|e(?=[fg])|(?>h+i?|j)|k){2,9}l"
-     u"(?:m+n|o?p{2,9}|\\s-(?:q|rs)){3,90}(?:[m-p]{2,9}\\d|y{3}[^;]*)-?(?:(n)o*|(p)q*|r(?=[st])|(?>t+u?|v)|w){2,9}z", u"abcl"},
+     u"(?:m+n|o?p{2,9}|\\s-(?:q|rs)){3,90}(?:[m-p]{2,9}\\d|y{3}[^;]*)-?(?:(n)o*|(p)q*|r(?=[st])|(?>t+u?|v)|w){2,9}z",
+     u"abcl"},
 };
 
 /// Everything that takes memory; what comes out is taken by the caller or freed here.
@@ -46,7 +51,10 @@ void useAll(const Memory_Case& it) {
     EXPECT_EQ(it.subject, RE_Replace(u"$&").replace(subject, tree, false, 0));
 }
 
+// `failAt` begins the count of requests anew. More than thirty rounds are expected of each pattern: fewer would mean
+// that its memory comes from somewhere else than the host.
 TEST(FailingAllocations, LoseNothingWhileCompilingSearchingAndReplacing) {
+    // The memo begins at once, so that its allocations are among those that fail.
     const Delays delays(0);
     utAllocationCounter counter;
     for (const Memory_Case& it : kCases) {

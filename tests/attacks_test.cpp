@@ -1,5 +1,8 @@
 // How the steps of a search grow with a text made to attack its pattern. The cases are in tests/data/attacks.txt.
 // CORVANE_STEP_TABLE=1 prints the steps for texts of up to 100,000 units.
+//
+// The oracle is the search itself on half of the text: with degree d, twice the text may take 2^d times the steps.
+// Steps are counted, not seconds, so the verdict is the same on every machine.
 #include "tests/support/differential.h"
 
 #include <gtest/gtest.h>
@@ -11,6 +14,8 @@
 namespace corvane_tests {
 namespace {
 
+/// A row of the table: the text is the prefix, the pump as often as it fits, and the suffix; `degree` is the power of
+/// the length by which the steps may grow.
 struct Attack {
     std::u16string pattern, prefix, pump, suffix;
     unsigned degree;
@@ -50,6 +55,7 @@ TEST(Attacks, TakeNoMoreStepsThanTheirDegreeAllows) {
     EXPECT_LE(80u, attacks.size());
     for (const Attack& attack : attacks) {
         const RE_Tree tree(attack.pattern, false);
+        // A row may not excuse itself from the guarantee: only references are allowed a higher power.
         EXPECT_TRUE(attack.degree <= 2 || attack.refersToTokens()) << printable(attack.pattern);
         const size_t units = (attack.degree <= 1 ? 8000u : attack.degree == 2 ? 2000u : 160u) / (sanitized() ? 4u : 1u);
         const RE_Search_Report half = search(tree, attack.text(units / 2), 1 << 28);
@@ -58,6 +64,7 @@ TEST(Attacks, TakeNoMoreStepsThanTheirDegreeAllows) {
         // A quarter more, and a constant, for what does not grow evenly: the memo begins late.
         EXPECT_LE(whole.steps, (half.steps << attack.degree) * 5 / 4 + 1000)
             << printable(attack.pattern) << " on " << printable(attack.pump) << ", which took " << half.steps;
+        // The passes must not be what saves the day: the plain graph has to end too, with the same answer.
         const std::u16string text = attack.text(attack.degree <= 1 ? units / 4 : units);
         const Engine fast(attack.pattern), plain(attack.pattern, kPlain, {false, false, false, 0, false});
         const std::optional<Outcome> ended = plain.searchWithin(text, 0, {.steps = 1 << 26});
@@ -65,6 +72,7 @@ TEST(Attacks, TakeNoMoreStepsThanTheirDegreeAllows) {
     }
 }
 
+// For people: the steps for growing texts, with a plus where the budget ended the search.
 TEST(Attacks, ArePrintedAsATableOnRequest) {
     if (environmentNumber("CORVANE_STEP_TABLE", 0) == 0) {
         GTEST_SKIP();

@@ -1,5 +1,9 @@
 // Random builder expressions against the reference matcher, which is given the same expression written by hand: with
 // every part in a group, and numbers counted along. CORVANE_TEST_SEED and CORVANE_TEST_ROUNDS as in random_test.cpp.
+//
+// The hard part of the builder is grouping and numbering: where an operand needs a group, and which number a token has
+// when foreign text brings groups of its own, perhaps depending on flags and host. Each Made is both answers at once,
+// and no code computes one from the other.
 #include "tests/support/differential.h"
 #include "tests/support/plain_host.h"
 #include "tests/support/reference_matcher.h"
@@ -14,11 +18,13 @@ namespace {
 
 using namespace RE_Builder_Space;
 
+/// An expression twice: built, and as text for the reference.
 struct Made {
     RE_Builder builder;
     std::u16string text;  // read without free spacing
 };
 
+/// Draws expressions and counts their groups as a reader would.
 class ExpressionSource {
 public:
     explicit ExpressionSource(std::uint64_t seed) : m_random(seed) {}
@@ -43,15 +49,31 @@ private:
     Made make(int depth) { return depth == 0 || below(5) == 0 ? leaf() : composite(depth - 1); }
 
     Made leaf() {
-        static const Made leaves[] = {
-            {literal(u"a"), u"a"}, {literal(u"ab"), u"(?:ab)"}, {literal(u"1"), u"1"}, {literal(u"ba1"), u"(?:ba1)"},
-            {literal(u"#"), u"#"}, {literal(u" \n"), u"(?: \n)"}, {literal(u"B"), u"B"}, {RE_Builder(), u"(?:)"},
-            {any_unit(), u"(?s:.)"}, {any_but_line_feed(), u"[^\n]"}, {one_of(RE_Set(RE_SET_NOT_NULL)), u"(?s:.)"},
-            {one_of(RE_Set(RE_SET_DIGIT) + RE_SetItem(u"#")), u"[\\d#]"}, {none_of(RE_SetItem(u"a]^")), u"[^]a^]"},
-            {one_of(RE_SetItem(u'a', u'b')), u"[ab]"}, {one_of({}), u"(?!)"}, {none_of({}), u"(?s:.)"},
-            {subject_start(), u"(?-m:^)"}, {subject_end(), u"(?-m:$)"}, {line_start(), u"(?m:^)"},
-            {line_end(), u"(?m:$)"}, {word_start(), u"\\<"}, {word_end(), u"\\>"}, {RE_Builder(u"a|b"), u"(?:a|b)"},
-            {RE_Builder(u"(?i)a|b"), u"(?i:a|b)"}, {RE_Builder(u"^a|b$|."), u"(?:^a|b$|.)"}};
+        static const Made leaves[] = {{literal(u"a"), u"a"},
+                                      {literal(u"ab"), u"(?:ab)"},
+                                      {literal(u"1"), u"1"},
+                                      {literal(u"ba1"), u"(?:ba1)"},
+                                      {literal(u"#"), u"#"},
+                                      {literal(u" \n"), u"(?: \n)"},
+                                      {literal(u"B"), u"B"},
+                                      {RE_Builder(), u"(?:)"},
+                                      {any_unit(), u"(?s:.)"},
+                                      {any_but_line_feed(), u"[^\n]"},
+                                      {one_of(RE_Set(RE_SET_NOT_NULL)), u"(?s:.)"},
+                                      {one_of(RE_Set(RE_SET_DIGIT) + RE_SetItem(u"#")), u"[\\d#]"},
+                                      {none_of(RE_SetItem(u"a]^")), u"[^]a^]"},
+                                      {one_of(RE_SetItem(u'a', u'b')), u"[ab]"},
+                                      {one_of({}), u"(?!)"},
+                                      {none_of({}), u"(?s:.)"},
+                                      {subject_start(), u"(?-m:^)"},
+                                      {subject_end(), u"(?-m:$)"},
+                                      {line_start(), u"(?m:^)"},
+                                      {line_end(), u"(?m:$)"},
+                                      {word_start(), u"\\<"},
+                                      {word_end(), u"\\>"},
+                                      {RE_Builder(u"a|b"), u"(?:a|b)"},
+                                      {RE_Builder(u"(?i)a|b"), u"(?i:a|b)"},
+                                      {RE_Builder(u"^a|b$|."), u"(?:^a|b$|.)"}};
         const size_t way = below(std::size(leaves) + 9);
         if (way == std::size(leaves)) {
             m_groups += 2;
@@ -62,6 +84,7 @@ private:
         if (way == std::size(leaves) + 3) return evaluation();
         return way < std::size(leaves) ? leaves[way] : reference();
     }
+    // Texts whose groups depend on the host or on a flag: `m_dependent` from then on.
     Made foreignCondition() {
         m_dependent = true;
         m_groups += m_evaluates ? 2 : 0;
@@ -80,6 +103,7 @@ private:
         const Made& made = evaluations[below(std::size(evaluations))];
         return m_evaluates ? made : Made{made.builder, u"(?:)"};
     }
+    // By name, or by a handle, whose nearest group in front of the reference counts.
     Made reference() {
         if (m_named && below(3) == 0) {
             return {backreference(u"n"), u"\\k<n>"};
@@ -89,10 +113,12 @@ private:
         const std::u16string group = number(m_latest[handle]);
         // By number a token that took no part may be empty, by name absent: only one that has text is read then.
         if (m_dependent) {
-            return {if_token(token, backreference(token)), m_latest[handle] == 0 ? u"(?:)" : u"(?(" + group + u")\\" + group + u")"};
+            return {if_token(token, backreference(token)),
+                    m_latest[handle] == 0 ? u"(?:)" : u"(?(" + group + u")\\" + group + u")"};
         }
         return {backreference(token), m_latest[handle] == 0 ? u"(?!)" : u"(?:\\" + group + u")"};
     }
+    // The number is taken before the body is made, as its parenthesis comes first.
     Made capture(int depth) {
         const size_t way = below(4);
         ++m_groups;
@@ -115,8 +141,12 @@ private:
                 u"(?(" + condition + u")(?:" + yes.text + u")|(?:" + no.text + u"))"};
     }
     Made conditionOnLookaround(int depth) {
-        static constexpr std::pair<RE_Builder (*)(const RE_Builder&, const RE_Builder&, const RE_Builder&), const char16_t*> kinds[] = {
-            {if_pos_ahead, u"(?(?="}, {if_neg_ahead, u"(?(?!"}, {if_pos_behind, u"(?(?<="}, {if_neg_behind, u"(?(?<!"}};
+        static constexpr std::pair<RE_Builder (*)(const RE_Builder&, const RE_Builder&, const RE_Builder&),
+                                   const char16_t*>
+            kinds[] = {{if_pos_ahead, u"(?(?="},
+                       {if_neg_ahead, u"(?(?!"},
+                       {if_pos_behind, u"(?(?<="},
+                       {if_neg_behind, u"(?(?<!"}};
         const auto& [function, opening] = kinds[below(std::size(kinds))];
         const Made body = make(depth), yes = make(depth), no = make(depth);
         return {function(body.builder, yes.builder, no.builder),
@@ -149,6 +179,7 @@ private:
     static Made joined(const Made& one, const Made& two) {
         return {one.builder + two.builder, u"(?:" + one.text + two.text + u")"};
     }
+    // The bounds are given in the wrong order: `between` has to sort them.
     Made repeat(int depth) {
         const Made body = make(depth);
         const size_t sign = below(4), way = below(3), least = below(3), most = least + below(3);
@@ -159,7 +190,10 @@ private:
                 : sign == 1 ? one_or_more(b, greed)
                 : sign == 2 ? RE_Builder_Space::optional(b, greed)
                             : quantify(b, RE_Bounds::between(most, least), greed),
-                u"(?:" + body.text + u")" + signs[sign] + (way == 0 ? u"" : way == 1 ? u"?" : u"+")};
+                u"(?:" + body.text + u")" + signs[sign] +
+                    (way == 0   ? u""
+                     : way == 1 ? u"?"
+                                : u"+")};
     }
     Made composite(int depth) {
         const size_t way = below(24);
@@ -186,6 +220,7 @@ private:
     static std::u16string number(size_t value) { return widen(std::to_string(value)); }
     std::mt19937_64 m_random;
     const RE_Token m_handles[2];
+    // The number of the latest group of each handle; 0 without one.
     size_t m_latest[2] = {};
     size_t m_groups = 0;
     bool m_named = false;
@@ -217,7 +252,8 @@ TEST(BuilderExpressions, MatchWhatTheyMeanAndCompileWithoutWarnings) {
         Corvane::regexp::CompileOptions options;
         PlainHost host(allowed, configured(options, config));
         const RE_Tree tree(text.data(), text.size(), flags, &host);
-        ASSERT_TRUE(std::ranges::all_of(host.warnings(), [&](unsigned it) { return !evaluates && (it == 17 || it == 14 || it == 10); }))
+        ASSERT_TRUE(std::ranges::all_of(host.warnings(),
+                                        [&](unsigned it) { return !evaluates && (it == 17 || it == 14 || it == 10); }))
             << printable(text) << " seed " << seed;
         for (int count = 0; count < 4; ++count) {
             const std::u16string subject = source.subject();
@@ -232,6 +268,7 @@ TEST(BuilderExpressions, MatchWhatTheyMeanAndCompileWithoutWarnings) {
             }
         }
     }
+    // Of the four subjects a round, the reference may give up on some, not on most.
     EXPECT_GT(compared, rounds * 3);
     EXPECT_GT(matched, rounds / 2);
 }

@@ -1,5 +1,8 @@
 // Patterns put together by a program: what they are as text, that literals and sets are quoted right among all
 // neighbours, and that misuse does not compile. builder_random_test.cpp compares what they match.
+//
+// The oracle is the expected text of a pattern, or the engine itself: a literal has to match exactly its text. What
+// must not compile is a line of static_assert over a concept, since a test that compiles cannot show it otherwise.
 #include "regexp/regexp.h"
 #include "tests/support/engine_run.h"
 #include "tests/support/plain_host.h"
@@ -16,6 +19,7 @@ namespace {
 
 using namespace RE_Builder_Space;
 
+// clang-format off
 template <class... Arguments>
 concept Sequence = requires(const Arguments&... arguments) { (arguments + ...); };
 template <class... Arguments>
@@ -25,32 +29,43 @@ concept Body = requires(const Argument& argument) { kleene(argument); capture(ar
 template <class Argument>
 concept Found = requires(const Argument& argument) { literal(argument); };
 
-static_assert(Body<RE_Builder> && !Body<std::u16string> && !Body<const char16_t*> && !Body<RE_Set> && !Body<RE_SetItem>);
+static_assert(Body<RE_Builder> && !Body<std::u16string> && !Body<const char16_t*> && !Body<RE_Set> &&
+              !Body<RE_SetItem>);
 static_assert(Found<std::u16string> && !Found<const char*> && !Found<std::nullptr_t> && !Found<RE_Builder>);
-static_assert(Sequence<RE_Builder, RE_Builder> && !Sequence<RE_Builder, std::u16string> && !Sequence<RE_Builder, RE_Set>);
-static_assert(Sequence<RE_Set, RE_SetItem> && !Sequence<RE_SetItem, std::u16string> && !Sequence<RE_SetItem, RE_SET_TYPE>);
+static_assert(Sequence<RE_Builder, RE_Builder> && !Sequence<RE_Builder, std::u16string> &&
+              !Sequence<RE_Builder, RE_Set>);
+static_assert(Sequence<RE_Set, RE_SetItem> && !Sequence<RE_SetItem, std::u16string> &&
+              !Sequence<RE_SetItem, RE_SET_TYPE>);
 static_assert(Chosen<RE_Builder, RE_Builder, RE_Builder> && !Chosen<RE_Builder> && !Chosen<RE_Set, RE_Set>);
 static_assert(!std::is_constructible_v<RE_Set, int> && !std::is_constructible_v<RE_SetItem, char32_t, char32_t>);
 static_assert(!std::is_constructible_v<RE_SetItem, const char*> && !std::is_convertible_v<std::u16string, RE_Builder>);
-static_assert(!std::is_constructible_v<RE_SetItem, std::nullptr_t> && !std::is_constructible_v<RE_Builder, std::nullptr_t>);
+static_assert(!std::is_constructible_v<RE_SetItem, std::nullptr_t> &&
+              !std::is_constructible_v<RE_Builder, std::nullptr_t>);
 template <class Bound>
 constexpr bool isBound = std::is_convertible_v<Bound, RE_Bounds> && std::is_constructible_v<RE_Bounds, Bound, Bound>;
 static_assert(isBound<int> && isBound<size_t> && !isBound<bool> && !isBound<char> && !isBound<char16_t>);
 static_assert(!isBound<double> && !isBound<RE_GREED> && !std::is_constructible_v<RE_Bounds, RE_GREED>);
-static_assert(!std::is_constructible_v<RE_Tree, RE_Builder, RE_Flags> && !std::is_constructible_v<RE_Tree, RE_Builder, RE_MODE>);
-static_assert(std::is_constructible_v<RE_Tree, RE_Builder, bool> && std::is_constructible_v<RE_Tree, RE_Builder, RE_Flags, RE_Context*>);
+static_assert(!std::is_constructible_v<RE_Tree, RE_Builder, RE_Flags> &&
+              !std::is_constructible_v<RE_Tree, RE_Builder, RE_MODE>);
+static_assert(std::is_constructible_v<RE_Tree, RE_Builder, bool> &&
+              std::is_constructible_v<RE_Tree, RE_Builder, RE_Flags, RE_Context*>);
 template <class Argument>
 concept Evaluated = requires(const Argument& argument) { evaluate(argument); dynamic_text(argument); };
-static_assert(Evaluated<RE_Template> && Evaluated<RE_Token> && !Evaluated<RE_Builder> && !Evaluated<std::u16string> && !Evaluated<const char16_t*>);
+static_assert(Evaluated<RE_Template> && Evaluated<RE_Token> && !Evaluated<RE_Builder> && !Evaluated<std::u16string> &&
+              !Evaluated<const char16_t*>);
 static_assert(Sequence<RE_Template, RE_Token> && !Sequence<RE_Template, RE_Builder> && !Sequence<RE_Token, RE_Token>);
 static_assert(RE_Token_Name::isValid(u"a1_") && !RE_Token_Name::isValid(u"1a") && !RE_Token_Name::isValid(u"") &&
               !RE_Token_Name::isValid(u"a\u00E9") && !RE_Token_Name::from(u"a-b"));
+// clang-format on
 
+// Two columns: the expression, and the text it has to be. A missing group would change the meaning, a needless one
+// would make patterns unreadable.
 TEST(Builder, GroupsWhereAnOperatorWouldTakeAPatternApart) {
     const RE_Token t, other;
     const RE_Builder a = literal(u"a"), ab = literal(u"ab"), a_b = either(a, literal(u"b")), raw(u"(?i)x|(y)");
     const RE_Builder nine = quantify(capture(RE_Builder()), {1, 9}), depends(u"(?(?@f)(a)|(b))"), comment(u"a#(b)");
-    const RE_Template script = RE_Template(u"f(\")\", '$[#\\') ") + t + RE_Template(u"1") + RE_Template::named(u"n") + RE_Template::matched();
+    const RE_Template script =
+        RE_Template(u"f(\")\", '$[#\\') ") + t + RE_Template(u"1") + RE_Template::named(u"n") + RE_Template::matched();
     RE_Builder twice = capture(t, a);
     twice += twice;
     const std::pair<RE_Builder, const char16_t*> table[] = {
@@ -81,13 +96,15 @@ TEST(Builder, GroupsWhereAnOperatorWouldTakeAPatternApart) {
         {RE_Builder(u"a#b") + capture(t, a) + backreference(t), u"(?:a#b(?x)\n)(a)\\1"},
         {RE_Builder(u"(?<token_1>)") + depends + capture(t, a) + backreference(t),
          u"(?:(?<token_1>))(?:(?(?@f)(a)|(b)))(?<token__1>a)\\k<token__1>"},
-        {if_expression(RE_Template(u"f"), capture(t, a), a_b) + capture(other, a) + backreference(t) + backreference(other),
+        {if_expression(RE_Template(u"f"), capture(t, a), a_b) + capture(other, a) + backreference(t) +
+             backreference(other),
          u"(?(?@f)(?<token_1>a)|(?:a|b))(?<token_2>a)\\k<token_1>\\k<token_2>"},
         // In expressions all is quoted that would end them or refer to tokens; a number there is of one digit.
         {capture(t, a) + evaluate(script), u"(?<token_1>a)(?@f\\(\"\\)\", '\\$\\[\\#\\\\'\\) $<token_1>1$<n>$&)"},
         {capture(t, a) + dynamic_text(RE_Template(u"@") + t + t), u"(a)(?\?\\@$1$1)"},
         {evaluate(t) + dynamic_expression(RE_Template::before() + RE_Template::after()), u"(?@$<token_0>)(?\?@$`$')"},
-        {RE_Builder(u"()()()()()()()()()") + capture(t, a) + evaluate(t), u"(?:()()()()()()()()())(?<token_1>a)(?@$<token_1>)"},
+        {RE_Builder(u"()()()()()()()()()") + capture(t, a) + evaluate(t),
+         u"(?:()()()()()()()()())(?<token_1>a)(?@$<token_1>)"},
     };
     for (const auto& [builder, pattern] : table) {
         EXPECT_EQ(printable(pattern), printable(builder.pattern()));
@@ -97,7 +114,8 @@ TEST(Builder, GroupsWhereAnOperatorWouldTakeAPatternApart) {
     EXPECT_EQ(2u, (raw + nine + capture(t, a)).tokenIndex(t));
 }
 
-/// Foreign texts whose groups are there or not, by the flags and by what the host allows. Each may match the empty text.
+/// Foreign texts whose groups are there or not, depending on the flags and on what the host allows. Each may match the
+/// empty text.
 const char16_t* const foreignTexts[] = {u"",
                                         u"(a)?",
                                         u"a|(b)|",
@@ -117,16 +135,18 @@ const char16_t* const foreignTexts[] = {u"",
                                         u"(?#())|()",
                                         u"(?(?=(a))a|(b)|)"};
 
-// Behind such a text, and behind groups that are not there without evaluation, all that refers to a token finds it.
+// After such a text, and after groups that are not there without evaluation, everything that refers to a token finds
+// it. A number where a name is needed would point at another group under one of the 128 flags and contexts.
 TEST(BuilderTokens, AreFoundUnderAllFlagsAndContexts) {
     const RE_Token t, other;
     const RE_Builder digit = one_of(RE_SetItem(u'0', u'9')), sign = literal(u"!");
     for (const char16_t* const foreign : foreignTexts) {
         const RE_Builder raw{std::u16string(foreign)};
-        const RE_Builder two = raw + capture(other, sign) + if_expression(RE_Template(u"f"), capture(digit) + raw) + raw;
-        for (const RE_Builder& before :
-             {raw, RE_Builder_Space::optional(raw), either(raw, sign), capture(raw), pos_behind(raw), two,
-              with_mode(RE_MODE_FREE_SPACING, raw), without_mode(RE_MODE_EVALUATE, raw + with_mode(RE_MODE_EVALUATE, two))}) {
+        const RE_Builder two =
+            raw + capture(other, sign) + if_expression(RE_Template(u"f"), capture(digit) + raw) + raw;
+        for (const RE_Builder& before : {raw, RE_Builder_Space::optional(raw), either(raw, sign), capture(raw),
+                                         pos_behind(raw), two, with_mode(RE_MODE_FREE_SPACING, raw),
+                                         without_mode(RE_MODE_EVALUATE, raw + with_mode(RE_MODE_EVALUATE, two))}) {
             const RE_Builder whole = before + capture(t, digit) + dynamic_text(t) + backreference(t) +
                                      if_token(t, backreference(t) + literal(u"0"), sign);
             for (RE_Flags way = 0; way < 128; ++way) {
@@ -147,6 +167,7 @@ TEST(BuilderTokens, AreFoundUnderAllFlagsAndContexts) {
     }
 }
 
+// The same builder has the token at different indexes, depending on what decides about the groups in front of it.
 TEST(BuilderTokens, HaveTheIndexThatTheArgumentsOfTheTreeGiveThem) {
     const RE_Token t;
     const RE_Builder depends(u"(?(?@f)(?<n>a)|(b))()(?<m>)#(?<x>)"), a = literal(u"a");
@@ -170,11 +191,13 @@ TEST(BuilderTokens, HaveTheIndexThatTheArgumentsOfTheTreeGiveThem) {
     EXPECT_TRUE(allowing.warnings().empty() && allowing.runs().empty());
 }
 
+// Whatever the text of a template holds, the host receives it unchanged and nothing in it counts as a reference.
 TEST(BuilderTemplate, GivesTheHostItsTextAndTheTokens) {
     const RE_Token t, u;
     const std::u16string odd = u"f(\")\", '$[#\\') }{ $1 $& @\n\u00E9";
-    const RE_Builder whole = subject_start() + capture(t, literal(u"a")) + capture(u"n", literal(u"b")) +
-                             evaluate(RE_Template(odd) + t + RE_Template(u"0 ") + RE_Template::named(u"n") + u + RE_Template::matched());
+    const RE_Builder whole =
+        subject_start() + capture(t, literal(u"a")) + capture(u"n", literal(u"b")) +
+        evaluate(RE_Template(odd) + t + RE_Template(u"0 ") + RE_Template::named(u"n") + u + RE_Template::matched());
     for (const RE_Flags flags : {RE_Flags{0x10}, RE_Flags{0x18}}) {
         PlainHost host(true);
         EXPECT_TRUE(RE_Tree(whole, flags, &host).match_at(u"ab", 0) != nullptr);
@@ -184,7 +207,9 @@ TEST(BuilderTemplate, GivesTheHostItsTextAndTheTokens) {
     }
 }
 
-size_t below(std::mt19937_64& random, size_t limit) { return random() % limit; }
+size_t below(std::mt19937_64& random, size_t limit) {
+    return random() % limit;
+}
 
 // Half of the units are ASCII, so that everything with a meaning in patterns has many neighbours.
 std::u16string randomText(std::mt19937_64& random, size_t longest) {
@@ -195,6 +220,7 @@ std::u16string randomText(std::mt19937_64& random, size_t longest) {
     return units;
 }
 
+// The literal is between a reference and a digit, both of which a literal that is quoted badly would run into.
 TEST(BuilderLiteral, IsExactlyItsTextUnderEveryFlag) {
     std::mt19937_64 random{86};
     for (int round = 0; round < 20000; ++round) {
@@ -205,11 +231,13 @@ TEST(BuilderLiteral, IsExactlyItsTextUnderEveryFlag) {
         const Engine engine((whole + subject_end()).pattern(), flags);
         ASSERT_TRUE(engine.warnings().empty()) << printable(text);
         ASSERT_EQ(text.size() + 1, engine.search(text + u"0").length) << printable(text) << " flags " << flags;
+        // A pattern that matched too much would still match the text with one bit changed.
         text[below(random, text.size())] ^= 1;
         ASSERT_FALSE(engine.search(text + u"0").matched) << printable(text) << " flags " << flags;
     }
 }
 
+// Units, a range and a class together, each of which may be a sign of sets. All of ASCII is asked, and samples beyond.
 TEST(BuilderSet, HoldsExactlyItsMembers) {
     std::mt19937_64 random{86};
     for (int round = 0; round < 3000; ++round) {
@@ -222,11 +250,13 @@ TEST(BuilderSet, HoldsExactlyItsMembers) {
             const char16_t unit = i < 128 ? static_cast<char16_t>(i) : randomText(random, 1)[0];
             const bool ranged = unit >= std::min(low, high)[0] && unit <= std::max(low, high)[0];
             const bool member = unit == 0 || ranged || units.find(unit) != units.npos;
-            ASSERT_EQ(member != negated, engine.search({&unit, 1}).matched) << printable(item.text()) << ' ' << int{unit};
+            ASSERT_EQ(member != negated, engine.search({&unit, 1}).matched)
+                << printable(item.text()) << ' ' << int{unit};
         }
     }
 }
 
+// Four classes, then their negations, in the order of the type's values.
 TEST(BuilderSet, OfEveryTypeIsItsClassAndTheNegationTheRest) {
     const std::u16string samples = u"7\u0665a_\u00E9 \n\u2003-";
     const std::u16string members[] = {u"7\u0665", u"7\u0665a_\u00E9", u" \n\u2003", std::u16string(1, u'\0')};

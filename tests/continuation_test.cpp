@@ -1,4 +1,7 @@
 // Patterns that continue in another tree's graph match what the two say one after the other.
+//
+// The oracle is one tree of both patterns, each in a group of its own. What two graphs have twice (rows of the memo,
+// registers, counts) must not collide although each tree numbers them from the beginning.
 #include "tests/support/differential.h"
 #include "tests/support/pattern_random.h"
 
@@ -14,8 +17,8 @@ public:
         : m_context(configured(m_options, config)) {
         RE_Node* entry = nullptr;
         for (auto pattern = patterns.rbegin(); pattern != patterns.rend(); ++pattern) {
-            m_trees.push_back(std::make_unique<RE_Tree>(pattern->data(), pattern->size(), flags, &m_context, entry,
-                                                        nullptr, true));
+            m_trees.push_back(
+                std::make_unique<RE_Tree>(pattern->data(), pattern->size(), flags, &m_context, entry, nullptr, true));
             entry = const_cast<RE_Node*>(m_trees.back()->getRoot());
         }
     }
@@ -41,6 +44,7 @@ private:
     std::vector<std::unique_ptr<RE_Tree>> m_trees;
 };
 
+// One line for all matches, so that a failure shows how far the two agree.
 std::string describeAll(const std::vector<Outcome>& outcomes) {
     std::string text;
     for (const Outcome& outcome : outcomes) {
@@ -84,7 +88,8 @@ const Case cases[] = {
 
 TEST(Continuation, InAnotherGraphMatchesTheTwoInARow) {
     for (const Case& each : cases) {
-        for (const EngineConfig& config : {EngineConfig{}, EngineConfig{false, false, false, 0, false}, EngineConfig{.profile = true}}) {
+        for (const EngineConfig& config :
+             {EngineConfig{}, EngineConfig{false, false, false, 0, false}, EngineConfig{.profile = true}}) {
             const Chain chain(each.patterns, kEmptyToo, config), whole({joined(each.patterns)}, kEmptyToo, config);
             EXPECT_EQ(describeAll(whole.all(each.subject)), describeAll(chain.all(each.subject)))
                 << printable(joined(each.patterns)) << " " << config;
@@ -92,6 +97,7 @@ TEST(Continuation, InAnotherGraphMatchesTheTwoInARow) {
     }
 }
 
+// With the memo from the first choice on, as its rows are what two graphs share most easily.
 TEST(Continuation, OfRandomPatternsMatchesThemInARow) {
     const Delays delays(0, 0, 0);
     const std::uint64_t seed = environmentNumber("CORVANE_TEST_SEED", 1415);
@@ -129,6 +135,7 @@ TEST(Continuation, AtAnyNodeOfAGraphEnds) {
     }
 }
 
+// Each graph numbers its tokens from 0; the store has room for the larger number.
 TEST(Continuation, HasTheTokensAndNamesOfBothGraphs) {
     const RE_Tree outer(u"(?<x>b)(?<y>c)", false);
     RE_Context context;
@@ -136,7 +143,8 @@ TEST(Continuation, HasTheTokensAndNamesOfBothGraphs) {
     EXPECT_EQ(2U, inner.getTokenCount());
     const std::unique_ptr<RE_Results> match(inner.match(u"abc", 0));
     ASSERT_NE(nullptr, match);
-    EXPECT_EQ("[0,3] t0=(1,1)x t1=(2,1)y", describe(toOutcome(match.get())));  // the slot that both share was written last by x
+    // The slot that both share was written last by x.
+    EXPECT_EQ("[0,3] t0=(1,1)x t1=(2,1)y", describe(toOutcome(match.get())));
 }
 
 }  // namespace

@@ -1,4 +1,8 @@
-// The automaton of a pattern says of every start what the match loop does, and searches that ask it find the same.
+// The automaton of a pattern decides about every start what the match loop decides, and searches that consult it find
+// the same.
+//
+// The oracle is the plain graph under match_at. Three questions are compared at each position: does a match begin here
+// and where does it end, does any begin later, and what does a search find that may use the automaton or not.
 #include "tests/support/differential.h"
 #include "tests/support/pattern_random.h"
 #include "tests/support/reference_parser.h"
@@ -17,7 +21,10 @@ constexpr RE_Flags kLines = 0x06;
 class Automaton {
 public:
     Automaton(const std::u16string& text, RE_Flags patternFlags, const EngineConfig& config)
-        : pattern(text), flags(patternFlags), engine(text, patternFlags, withDfa(config)), plain(text, patternFlags, kPlainGraph) {}
+        : pattern(text),
+          flags(patternFlags),
+          engine(text, patternFlags, withDfa(config)),
+          plain(text, patternFlags, kPlainGraph) {}
 
     const RE_Dfa* dfa() const { return engine.tree().getFacts().dfa.get(); }
     size_t states() const { return dfa() != nullptr ? dfa()->stateCount() : 0; }
@@ -28,13 +35,16 @@ public:
         for (size_t start = 0; start <= subject.size(); ++start) {
             const std::unique_ptr<RE_Results> expected = plain.tree().match_at(subject, start);
             const char16_t* const end = dfa()->matchEnd(subject.data() + start, info).end;
-            const bool same = expected != nullptr ? end == subject.data() + start + expected->matchLength : end == nullptr;
+            const bool same =
+                expected != nullptr ? end == subject.data() + start + expected->matchLength : end == nullptr;
             const bool any = plain.search(subject, start).matched;
-            const bool anyFound = !dfa()->knowsAllStarts() || dfa()->firstEnd(subject.data() + start, info.subjectEnd, info).end != nullptr;
+            const bool anyFound = !dfa()->knowsAllStarts() ||
+                                  dfa()->firstEnd(subject.data() + start, info.subjectEnd, info).end != nullptr;
             const Outcome searched = engine.search(subject, start);
             if (!same || (any != anyFound && dfa()->knowsAllStarts()) || searched != plain.search(subject, start)) {
-                return printable(pattern) + " flags " + std::to_string(flags) + " on '" + printable(subject) + "' at " + std::to_string(start) +
-                       ": a match to " + std::to_string(end != nullptr ? end - subject.data() : -1) + (anyFound ? ", later ones" : "") +
+                return printable(pattern) + " flags " + std::to_string(flags) + " on '" + printable(subject) + "' at " +
+                       std::to_string(start) + ": a match to " +
+                       std::to_string(end != nullptr ? end - subject.data() : -1) + (anyFound ? ", later ones" : "") +
                        ", searched " + describe(searched) + ", expected " + describe(plain.search(subject, start));
             }
         }
@@ -59,7 +69,8 @@ struct Case {
     const char16_t* alphabet;  ///< of the subjects
 };
 
-// Every node that it can say, in the orders that decide.
+// Every node that the automaton can express, in the orders that decide: which of two ends comes first is where a
+// determinizer goes wrong.
 const Case kCases[] = {
     {u"(?:a+)+[bc]", kPlain, u"abcd"},
     {u"(?:a|aa)+$", kPlain, u"aab"},
@@ -83,7 +94,7 @@ const Case kCases[] = {
     {u"(?:one|two|three|four|five|six)+(?:seven|t)", kPlain, u"onetwhrfuivsx"},
 };
 
-TEST(Dfa, SaysWhatTheMatchLoopDoes) {
+TEST(Dfa, FindsTheEndsOfTheMatchLoop) {
     PatternSource source(42);
     for (const Case& each : kCases) {
         const std::u16string alphabet(each.alphabet);
@@ -105,6 +116,7 @@ TEST(Dfa, SaysWhatTheMatchLoopDoes) {
     }
 }
 
+// Mostly without the constructs for which no automaton is made, or little would be compared.
 TEST(Dfa, AgreesOnRandomPatterns) {
     PatternSource source(environmentNumber("CORVANE_TEST_SEED", 4712));
     const unsigned long rounds = environmentNumber("CORVANE_TEST_ROUNDS", sanitized() ? 200 : 3000);
@@ -122,7 +134,7 @@ TEST(Dfa, AgreesOnRandomPatterns) {
     EXPECT_GT(made, rounds / 3) << "or nothing is compared";
 }
 
-/// By itself, and of the patterns at the top of this page one after the other.
+/// In turn: a row of kCases, a drawn pattern, a dense one.
 DrawnPattern drawnOrKnown(PatternSource& source, unsigned long round) {
     const Case& known = kCases[round / 3 % std::size(kCases)];
     constexpr unsigned readers = kReferences | kConditions | kDynamics | kLookarounds | kAtomics | kPossessives;
@@ -131,8 +143,8 @@ DrawnPattern drawnOrKnown(PatternSource& source, unsigned long round) {
                             : source.drawDense(readers);
 }
 
-// Attempts that turn back more than sixteen times ask, those with tokens less and less often, and searches look ahead
-// for a later match: all that needs subjects longer than those of other tests, where each attempt asks at once.
+// Elsewhere each attempt consults the automaton at once. By default an attempt does so after sixteen choices, one with
+// tokens less and less often, and a search looks ahead for a later match: that needs longer subjects.
 TEST(Dfa, AgreesAtItsUsualDelays) {
     PatternSource source(environmentNumber("CORVANE_TEST_SEED", 4713));
     const unsigned long rounds = environmentNumber("CORVANE_TEST_ROUNDS", sanitized() ? 150 : 1500);
@@ -160,8 +172,8 @@ TEST(Dfa, AgreesAtItsUsualDelays) {
     EXPECT_GT(found, made) << "or nothing is found";
 }
 
-// Runs that one state goes over at once end, and match, at any place within the blocks that are looked at.
-TEST(Dfa, GoesOverRunsToTheUnit) {
+// A state that leads to itself is scanned by blocks. The run may end, and match, at any unit of a block.
+TEST(Dfa, ScansRunsToTheExactUnit) {
     for (const char16_t* pattern : {u"(?:a+)+[bc]", u"(?:a|aa)+", u"(?:a|aa)+$", u"[^x]*?xx", u"(?:-*a)+"}) {
         const Automaton automaton(pattern, kEmptyToo, {});
         ASSERT_NE(nullptr, automaton.dfa());
@@ -174,29 +186,33 @@ TEST(Dfa, GoesOverRunsToTheUnit) {
                 const char16_t* const found = automaton.dfa()->matchEnd(subject.data(), info).end;
                 EXPECT_EQ(expected != nullptr ? subject.data() + expected->matchLength : nullptr, found)
                     << printable(pattern) << " over " << run << " and '" << printable(end) << "'";
-                EXPECT_EQ(plain.search(subject).matched, automaton.dfa()->firstEnd(subject.data(), info.subjectEnd, info).end != nullptr);
+                EXPECT_EQ(plain.search(subject).matched,
+                          automaton.dfa()->firstEnd(subject.data(), info.subjectEnd, info).end != nullptr);
             }
         }
     }
 }
 
-TEST(Dfa, IsNotMadeOfWhatItCannotSay) {
-    for (const char16_t* pattern : {u"(a)\\1", u"(a)?(?(1)b|c)", u"(?>a|ab)c", u"(?=ab)a", u"(?<=ab)a", u"(?:a|b)*a(?:a|b){16}",
-                                    u"(?:[ab]{0,300}c){1,300}"}) {
+// References, conditions on tokens, bodies that are not decided by a few units, and what needs too many states.
+TEST(Dfa, IsNotMadeForWhatItCannotExpress) {
+    for (const char16_t* pattern : {u"(a)\\1", u"(a)?(?(1)b|c)", u"(?>a|ab)c", u"(?=ab)a", u"(?<=ab)a",
+                                    u"(?:a|b)*a(?:a|b){16}", u"(?:[ab]{0,300}c){1,300}"}) {
         Engine engine(pattern, kPlain, {.dfa = true});
         EXPECT_EQ(nullptr, engine.tree().getFacts().dfa) << printable(pattern);
     }
 }
 
 // Neither an endless row of attempts nor one of matches makes a search forget what it knows.
-TEST(Dfa, IsAskedFromMatchToMatchAndFromSubjectToSubject) {
+TEST(Dfa, IsConsultedFromMatchToMatchAndFromSubjectToSubject) {
     const std::u16string bad(400, u'a');
-    for (const Case& each : {Case{u"(?:a|aa)+b", kPlain, u""}, Case{u"(?:a|aa)+[bc]", kPlain, u""}, Case{u"((?:a|aa)+)[bc]", kPlain, u""}}) {
+    for (const Case& each : {Case{u"(?:a|aa)+b", kPlain, u""}, Case{u"(?:a|aa)+[bc]", kPlain, u""},
+                             Case{u"((?:a|aa)+)[bc]", kPlain, u""}}) {
         const Engine plain(each.pattern, each.flags);
         const Engine engine(each.pattern, each.flags, {.machineCode = true, .dfa = true});
         RE_Match_Sequence expected(plain.tree(), {});
         RE_Match_Sequence sequence(engine.tree(), {});
-        for (const std::u16string& subject : {bad, bad + u"b" + bad + u"cab" + bad, bad + u"-aab", std::u16string(), u"b" + bad}) {
+        for (const std::u16string& subject :
+             {bad, bad + u"b" + bad + u"cab" + bad, bad + u"-aab", std::u16string(), u"b" + bad}) {
             expected.use(subject);
             sequence.use(subject);
             for (size_t offset = 0; offset <= subject.size();) {

@@ -1,4 +1,7 @@
-// Texts that come to be while a search runs: they match as if they stood in the pattern.
+// Texts that are made while a search runs: they match as if they were written in the pattern.
+//
+// The oracle is that pattern, with the text spliced in as a group, or an expected result where a text depends on the
+// search. Texts that include themselves have no such pattern; they pin where the engine gives up.
 #include "tests/support/differential.h"
 #include "tests/support/pattern_random.h"
 #include "tests/support/scripted_host.h"
@@ -18,7 +21,7 @@ HostJournal::Answer always(const std::u16string& text) {
     return [text](const Inputs&) { return Text(text); };
 }
 
-TEST(DynamicText, MatchesAsIfItStoodInThePattern) {
+TEST(DynamicText, MatchesAsIfItWereWrittenInThePattern) {
     PatternSource source(environmentNumber("CORVANE_TEST_SEED", 631));
     constexpr unsigned around = kDynamics | kModes;  // modes that are set would reach beyond the text
     constexpr unsigned inside = kDynamics | kCaptures | kReferences | kConditions;
@@ -27,13 +30,10 @@ TEST(DynamicText, MatchesAsIfItStoodInThePattern) {
         const std::u16string text = source.pattern(inside);
         const std::u16string front = source.pattern(around);
         const std::u16string back = source.pattern(around);
-        const std::u16string shapes[] = {front + u"@" + back,
-                                         u"(?:" + front + u"@)*" + back,
-                                         u"(?:@|" + front + u"){0,3}?" + back,
-                                         u"(?>" + front + u"@)" + back,
-                                         u"(?!@" + back + u")" + front,
-                                         front + u"(?<=@)" + back,
-                                         u"((?:@){2})+\\1?" + back};
+        const std::u16string shapes[] = {
+            front + u"@" + back,           u"(?:" + front + u"@)*" + back, u"(?:@|" + front + u"){0,3}?" + back,
+            u"(?>" + front + u"@)" + back, u"(?!@" + back + u")" + front,  front + u"(?<=@)" + back,
+            u"((?:@){2})+\\1?" + back};
         const std::u16string shape = shapes[source.below(std::size(shapes))];
         const auto with = [&](const std::u16string& stand) {
             std::u16string pattern = shape;
@@ -58,6 +58,7 @@ TEST(DynamicText, MatchesAsIfItStoodInThePattern) {
     }
 }
 
+// A language that no single pattern of the dialect describes, so the oracle is the definition.
 TEST(DynamicText, FindsPalindromesByIncludingItself) {
     HostJournal host;
     host.answers[u"p"] = always(u"(?:a(??@p)a|b(??@p)b|[ab]?)");
@@ -68,6 +69,8 @@ TEST(DynamicText, FindsPalindromesByIncludingItself) {
     });
 }
 
+// Groups in a text only group; references and conditions in it are about the pattern around it. A name for such a group
+// is a warning.
 TEST(DynamicText, ReadsTokensOfThePatternAroundItAndMakesNone) {
     HostJournal host;
     host.answers[u"t"] = always(u"(\\1|\\k<n>)(?<m>!)?(?(2)-|=)");
@@ -78,7 +81,8 @@ TEST(DynamicText, ReadsTokensOfThePatternAroundItAndMakesNone) {
     EXPECT_EQ(3, std::count(host.calls.begin(), host.calls.end(), "warning 12 at <")) << host.text();
 }
 
-TEST(DynamicText, NestsToALimit) {
+// 200 texts within each other are matched, 201 are a failure, and 5000 need no more stack.
+TEST(DynamicText, NestsUpToALimit) {
     for (const int depth : {1, 200, 201, 5000}) {
         HostJournal host;
         int left = depth;
@@ -89,8 +93,8 @@ TEST(DynamicText, NestsToALimit) {
 
 // Everything but the first fails at the limit at every level; some of them in exponentially many ways.
 TEST(DynamicText, ThatIncludesItselfWithoutEndEndsInAFailedMatch) {
-    for (const char16_t* text : {u"(??@p)", u"(??@p)x|(??@p)y|(??@p)", u"(?!(??@p)(??@p))(??@p)", u"(?:(??@p)|(??@p))*z",
-                                 u"(?>(??@p)?(??@p))", u"(?<=(??@p)|(??@p))x"}) {
+    for (const char16_t* text : {u"(??@p)", u"(??@p)x|(??@p)y|(??@p)", u"(?!(??@p)(??@p))(??@p)",
+                                 u"(?:(??@p)|(??@p))*z", u"(?>(??@p)?(??@p))", u"(?<=(??@p)|(??@p))x"}) {
         HostJournal host;
         host.throwAt = 200'000;
         host.answers[u"p"] = always(text);
@@ -101,7 +105,8 @@ TEST(DynamicText, ThatIncludesItselfWithoutEndEndsInAFailedMatch) {
     EXPECT_EQ("[0,5]", describe(ScriptedRun(u"(??@sum)$", host).outcome(u"1+2+3"))) << "left recursion";
 }
 
-// What never matches is given up at last, and what stands beside it is tried like beside any failure.
+// What never matches is given up at last, and what is beside it is tried as after any failure. A text that was given up
+// and left tokens, records or an open body would change the extents below.
 TEST(DynamicText, ThatIsGivenUpIsAFailedNode) {
     const struct {
         const char16_t* text;
@@ -124,7 +129,8 @@ TEST(DynamicText, ThatIsGivenUpIsAFailedNode) {
     }
 }
 
-TEST(DynamicText, ComesToTheLimitOftenInALoop) {
+// The limit of refusals is counted for each outermost text anew: 18 passes reach it, and the loop still succeeds.
+TEST(DynamicText, MayReachTheLimitOftenInALoop) {
     HostJournal host;
     std::u16string text = u"(?:";
     for (int i = 0; i < 60; ++i) {
@@ -134,6 +140,7 @@ TEST(DynamicText, ComesToTheLimitOftenInALoop) {
     EXPECT_EQ("[0,18]", describe(ScriptedRun(u"(?:(??@p))*", host).outcome(std::u16string(18, u'a'))));
 }
 
+// Texts side by side are not nested: neither stack nor limit grows with their number.
 TEST(DynamicText, FollowsItselfWithoutLimitOnASmallStack) {
     const std::u16string subject(sanitized() ? 2'000 : 30'000, u'a');
     runOnSmallStack([&] {

@@ -1,5 +1,8 @@
 // Groups that may match the empty text, repeated: a plain `?` takes the empty way like any other, required passes count
 // however many they are, and optional passes of loops consume.
+//
+// The oracle is reference::searchByEnds, which lists all ends of every part in order of preference. The usual reference
+// would try the ways one by one, of which hundreds of passes have too many.
 #include "tests/support/differential.h"
 #include "tests/support/nullable_patterns.h"
 #include "tests/support/reference_ends.h"
@@ -9,14 +12,17 @@
 namespace corvane_tests {
 namespace {
 
-constexpr const char* kFewPasses[] = {"?",    "??",    "?+",   "{0,1}", "{0,1}?", "{0,1}+", "*",   "*?",
-                                      "+",    "+?",    "*+",   "{2}",   "{3,4}?", "{5}",    "{4,}", "{6,}?",
-                                      "{0,2}", "{1,2}", "{2}?", "{1,3}?"};
-constexpr const char* kManyPasses[] = {"?",     "*",      "+?",     "{2,}",      "{20}",       "{20,}",
-                                       "{20,}?", "{300}",  "{300,}", "{300,}?",   "{300,400}",  "{300,302}?",
-                                       "{513}", "{600,}", "{700}+", "{1500,}?", "{1500,1501}", "{40}"};
+// Quantifiers that a few passes exhaust, each in its three preferences.
+constexpr const char* kFewPasses[] = {"?",    "??",    "?+",    "{0,1}", "{0,1}?", "{0,1}+", "*",
+                                      "*?",   "+",     "+?",    "*+",    "{2}",    "{3,4}?", "{5}",
+                                      "{4,}", "{6,}?", "{0,2}", "{1,2}", "{2}?",   "{1,3}?"};
+// Among them counts beyond those at which the engine stops making passes one by one: 256, 512, the subject's length.
+constexpr const char* kManyPasses[] = {"?",      "*",      "+?",     "{2,}",     "{20}",        "{20,}",
+                                       "{20,}?", "{300}",  "{300,}", "{300,}?",  "{300,400}",   "{300,302}?",
+                                       "{513}",  "{600,}", "{700}+", "{1500,}?", "{1500,1501}", "{40}"};
 constexpr const char* kTests[] = {"\\<", "\\>", "^", "$"};
 
+// Draws patterns until ten differ: one fault shows in many of them, and the first few tell most.
 void compareWithEnds(std::span<const char* const> quantifiers, std::uint64_t fallbackSeed, unsigned long rounds) {
     const std::uint64_t seed = environmentNumber("CORVANE_TEST_SEED", fallbackSeed);
     rounds = environmentNumber("CORVANE_TEST_ROUNDS", sanitized() ? rounds / 12 : rounds);

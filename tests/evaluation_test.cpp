@@ -1,4 +1,8 @@
 // What the host is asked: which operation, in which order, with which texts, how often.
+//
+// The oracle is a journal that a scripted host keeps. For fixed patterns it is compared with a written one, for random
+// ones with the journal of the plain graph without a memo, which defines the calls (docs/execution-model.md,
+// "Expressions and dynamic texts").
 #include "host/allocation_counter.h"
 #include "host/interrupt.h"
 #include "regexp/eval/expressions/evaluators.h"
@@ -29,6 +33,7 @@ HostJournal journal() {
 
 const Corvane::regexp::CompileOptions defaults;
 
+/// A pattern, what is called while it is compiled, a subject, and after the result what is called while it is searched.
 struct Contract {
     const char16_t* pattern;
     const char* compiled;
@@ -56,14 +61,16 @@ const Contract contracts[] = {
     {u"(\\d+)(?(?@even($1))e|o)",
      "may interrupt; set (\\d+)(?(?@even($1))e|o); may evaluate; conditional; may interrupt; clone; set even($1); "
      "var token_1 for $1; function even(token_1)(token_1)",
-     u"12o 14e", "[4,3] t0=(4,2) | truth of even($1)(12); truth of even($1)(1); truth of even($1)(2); "
-                 "truth of even($1)(14)"},
+     u"12o 14e",
+     "[4,3] t0=(4,2) | truth of even($1)(12); truth of even($1)(1); truth of even($1)(2); "
+     "truth of even($1)(14)"},
     // A text is compiled at every place where it is tried; its context is the pattern's.
     {u"(a|b)(??@double($1))c",
      "may interrupt; set (a|b)(??@double($1))c; may evaluate; may interrupt; clone; set double($1); "
      "var token_1 for $1; function double(token_1)(token_1)",
-     u"abbbc", "[1,4] t0=(1,1) | text of double($1)(a); may interrupt; set aa; text of double($1)(b); may interrupt; "
-               "set bb"},
+     u"abbbc",
+     "[1,4] t0=(1,1) | text of double($1)(a); may interrupt; set aa; text of double($1)(b); may interrupt; "
+     "set bb"},
     {u"(a+)(??$1)b", "may interrupt; set (a+)(??$1)b; may evaluate; may interrupt", u"aaaab",
      "[0,5] t0=(0,2) | may interrupt; set aaaa; may interrupt; set aaa; may interrupt; set aa"},
     // A failed evaluation is a failed node.
@@ -71,17 +78,19 @@ const Contract contracts[] = {
      "may interrupt; set a(?:(??@nothing)|b); may evaluate; may interrupt; clone; set nothing; function nothing()",
      u"ab", "[0,2] | text of nothing()"},
     {u"a(?:(??x${nothing}${double($&)})|b)",
-     "may interrupt; set a(?:(??x${nothing}${double($&)})|b); may evaluate; may interrupt; may evaluate; may interrupt; "
+     "may interrupt; set a(?:(??x${nothing}${double($&)})|b); may evaluate; may interrupt; may evaluate; may "
+     "interrupt; "
      "clone; set nothing; function nothing(); may evaluate; may interrupt; clone; set double($&); var matched for $&; "
      "function double(matched)(matched)",
      u"ab", "[0,2] | text of nothing()"},
-    // A host is asked once for a construct however often its loop is copied, and at each required pass.
+    // A construct is compiled once however often its loop is copied, and evaluated at each required pass.
     {u"(?:(?@f)a){2,3}", "may interrupt; set (?:(?@f)a){2,3}; may evaluate; may interrupt; clone; set f", u"aaa",
      "[0,3] | run f() of f(); run f() of f(); run f() of f()"},
-    {u"(?@f){3}a(?@g)*", "may interrupt; set (?@f){3}a(?@g)*; may evaluate; may interrupt; clone; set f; "
-     "may evaluate; may interrupt; clone; set g", u"a",
-     "[0,1] | run f() of f(); run f() of f(); run f() of f(); run g() of g()"},
-    // No expressions inside expressions; outside of them, in a dynamic text, they may stand.
+    {u"(?@f){3}a(?@g)*",
+     "may interrupt; set (?@f){3}a(?@g)*; may evaluate; may interrupt; clone; set f; "
+     "may evaluate; may interrupt; clone; set g",
+     u"a", "[0,1] | run f() of f(); run f() of f(); run f() of f(); run g() of g()"},
+    // No expressions inside expressions; outside of them, in a dynamic text, they are allowed.
     {u"(?@f ${$1})",
      "may interrupt; set (?@f ${$1}); may evaluate; may interrupt; warning 17 at {; warning 21 at $; clone; "
      "set f ${$1}; var token_1 for $1",
@@ -92,7 +101,8 @@ const Contract contracts[] = {
      u"axaa", "[0,4] t0=(0,1) | text of double($1)(a); may interrupt; set xaa"},
 };
 
-TEST(Evaluation, AsksTheHostWhatIsNeededInTheOrderOfTheText) {
+// Under every setting: a call that a pass moves, drops or repeats is one that the host sees.
+TEST(Evaluation, CallsTheHostForWhatIsNeededInTheOrderOfTheText) {
     for (const Contract& contract : contracts) {
         for (const EngineConfig& config : allConfigs()) {
             SCOPED_TRACE(testing::Message() << printable(contract.pattern) << ' ' << config);
@@ -109,6 +119,7 @@ TEST(Evaluation, AsksTheHostWhatIsNeededInTheOrderOfTheText) {
     }
 }
 
+/// The journal of one search, up to a thousand calls: some patterns call without end.
 std::string callsOf(const std::u16string& pattern, const std::u16string& subject, RE_Flags flags,
                     const EngineConfig& config, bool memo) {
     const Delays delays(memo ? 0 : 5000);  // with the first choice taken up again, or once most of these are over
@@ -119,11 +130,14 @@ std::string callsOf(const std::u16string& pattern, const std::u16string& subject
     return ScriptedRun(pattern, host, flags, config).search(subject);
 }
 
+// The plain graph without a memo makes every call that plain backtracking makes. Whatever saves work elsewhere must not
+// save a call.
 TEST(Evaluation, IsNeverPrunedByMemoOrPasses) {
     const EngineConfig plain{false, false, false, 0, false};
     PatternSource source(environmentNumber("CORVANE_TEST_SEED", 63));
     constexpr unsigned without = kLookarounds | kDynamics;
-    const std::u16string dynamics[] = {u"(?@s$1)", u"(??@q$1)", u"(?(?@c$1)a|b)", u"(?(?@c$1)a)", u"(?(?@c$1)|b)", u"(??a|$1)"};
+    const std::u16string dynamics[] = {u"(?@s$1)",     u"(??@q$1)",     u"(?(?@c$1)a|b)",
+                                       u"(?(?@c$1)a)", u"(?(?@c$1)|b)", u"(??a|$1)"};
     const unsigned long rounds = environmentNumber("CORVANE_TEST_ROUNDS", sanitized() ? 60 : 800);
     for (unsigned long round = 0; round < rounds; ++round) {
         const auto piece = [&] { return u"(?:" + source.pattern(without) + u")"; };
@@ -142,8 +156,8 @@ TEST(Evaluation, IsNeverPrunedByMemoOrPasses) {
     }
 }
 
-// The memo forgets at a call only: what follows the last call is as quick as ever.
-TEST(Evaluation, LeavesTheMemoToWhatCallsNobody) {
+// Calls empty the memo. After the last one it has to work as ever: without it this search would not end.
+TEST(Evaluation, KeepsTheMemoWhereNothingCallsTheHost) {
     HostJournal host = journal();
     const std::u16string text(200, u'a');
     EXPECT_EQ("null | run s() of s()", ScriptedRun(u"^(?@s)(?:a|aa)*(?:a+)+b", host).search(text));
@@ -169,10 +183,12 @@ int throwEverywhere(const Work& work) {
     }
 }
 
+// Every construct that calls the host, once.
 const char16_t everything[] =
     u"(?<n>a|b)\\1?(?@f $1 $<n>)(?(?@even($1))x|(?>(??@double($1))))(??$1${double($1)}\\q)c\\z";
 const char16_t itsSubject[] = u"xaaaaaaqcz";
 
+// While compiling, while searching and while replacing. The numbers at the end say that the throws did happen.
 TEST(Evaluation, MayThrowAtEveryCall) {
     const int tree = throwEverywhere([](HostJournal& host) {
         const ScriptedRun run(everything, host);
@@ -208,6 +224,7 @@ TEST(Evaluation, GivesBackAllMemoryWhenAnAllocationFails) {
     }
 }
 
+// A script may raise the flag. The search must not call the host a second time.
 TEST(Evaluation, IsFollowedByAQuestionForInterrupts) {
     HostJournal host = journal();
     host.interruptible = true;
@@ -216,7 +233,8 @@ TEST(Evaluation, IsFollowedByAQuestionForInterrupts) {
         utInterruptState::SetInterruptPending(true);
         return ++runs, Text();
     };
-    for (const char16_t* pattern : {u"(?@stop)(?:a|b)x", u"(?:(??@stop)|a)x", u"(?:(??${stop})|a)x", u"(?(?@stop)b|a)x"}) {
+    for (const char16_t* pattern :
+         {u"(?@stop)(?:a|b)x", u"(?:(??@stop)|a)x", u"(?:(??${stop})|a)x", u"(?(?@stop)b|a)x"}) {
         runs = 0;
         EXPECT_FALSE(ScriptedRun(pattern, host).outcome(u"aaaaaaaa").matched);
         EXPECT_EQ(1, runs);
@@ -225,6 +243,7 @@ TEST(Evaluation, IsFollowedByAQuestionForInterrupts) {
     }
 }
 
+// An expression without a value has no text to write. What was written up to there is the result, and the flag is up.
 TEST(Evaluation, ThatFailsEndsAReplacement) {
     HostJournal host = journal();
     host.interruptible = true;
@@ -238,6 +257,7 @@ TEST(Evaluation, ThatFailsEndsAReplacement) {
     utInterruptState::SetInterruptPending(false);
 }
 
+// A search within a search, of the same tree on the same thread: nothing of a search may be in the tree.
 TEST(Evaluation, MaySearchWithTheSamePattern) {
     HostJournal host = journal();
     const ScriptedRun* again = nullptr;
@@ -249,6 +269,7 @@ TEST(Evaluation, MaySearchWithTheSamePattern) {
     EXPECT_EQ("[0,2] t0=(0,1)", describe(run.outcome(u"ab")));
 }
 
+// Equal texts are one input, and null is none.
 TEST(EvaluationInputs, KeepEachTextOnce) {
     RE_Evaluation_Inputs inputs;
     for (const char* text : {"b", "a", "b", "", "a", "c", "d", "e", "f", "g", "h", "i"}) {
@@ -262,6 +283,7 @@ TEST(EvaluationInputs, KeepEachTextOnce) {
     EXPECT_EQ(11U, inputs.get_length());
 }
 
+// The source lies in the buffer that grows.
 TEST(EvaluationIO, MayBeAppendedToItself) {
     std::u16string expected = u"ab";
     RE_Evaluation_IO text(expected.data(), expected.size());
@@ -274,6 +296,7 @@ TEST(EvaluationIO, MayBeAppendedToItself) {
     EXPECT_EQ(expected, std::u16string(text.get_string(), text.get_length()));
 }
 
+// A host may refuse a single expression: it is then without a value, and a condition on it does not hold.
 TEST(Evaluation, YieldsNothingWhereTheHostGivesNoContext) {
     struct Host : RE_Context {
         bool allow_evaluation() override { return true; }

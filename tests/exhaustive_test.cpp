@@ -1,4 +1,7 @@
 // All small patterns over {a,b} on all small subjects, against the reference matcher.
+//
+// Random tests find what is frequent; this finds what is small. A fault of one operator, or of one within another,
+// shows on a pattern of three or four parts and a subject of four units, and nothing of that size is left out.
 #include "tests/support/differential.h"
 
 #include <gtest/gtest.h>
@@ -19,6 +22,7 @@ std::string closedText(const Piece& piece) {
 constexpr const char* kQuantifiers[] = {"*", "*?", "+", "+?", "?", "??", "{2}", "{0,2}", "{1,2}?", "*+"};
 constexpr const char* kGroups[] = {"(", "(?>", "(?=", "(?!", "(?<="};
 
+/// Every pattern that one operator makes of a piece.
 void addUnary(const Piece& piece, std::vector<Piece>& result) {
     for (const char* quantifier : kQuantifiers) {
         result.push_back({closedText(piece) + quantifier, false});
@@ -30,6 +34,7 @@ void addUnary(const Piece& piece, std::vector<Piece>& result) {
     result.push_back({"(?:" + piece.text + "|)", true});
 }
 
+/// A sequence and an alternation. The latter is grouped, as all that follows treats a piece as one item.
 void addBinary(const Piece& left, const Piece& right, std::vector<Piece>& result) {
     result.push_back({left.text + right.text, false});
     result.push_back({"(?:" + left.text + "|" + right.text + ")", true});
@@ -37,8 +42,7 @@ void addBinary(const Piece& left, const Piece& right, std::vector<Piece>& result
 
 /// `sizes[n]` holds every pattern made of n + 1 atoms and operators.
 std::vector<std::vector<Piece>> enumerate(size_t largest) {
-    std::vector<std::vector<Piece>> sizes = {
-        {{"a", true}, {"b", true}, {".", true}, {"$", true}, {"\\1", true}}};
+    std::vector<std::vector<Piece>> sizes = {{{"a", true}, {"b", true}, {".", true}, {"$", true}, {"\\1", true}}};
     for (size_t size = 1; size < largest; ++size) {
         std::vector<Piece> next;
         for (const Piece& piece : sizes[size - 1]) {
@@ -63,8 +67,7 @@ std::vector<std::u16string> subjectsUpTo(size_t length) {
 }
 
 /// Every pattern runs under one setting; the setting changes from pattern to pattern.
-void compareAll(const std::vector<Piece>& pieces, size_t subjectLength, size_t stride,
-                Comparison& comparison) {
+void compareAll(const std::vector<Piece>& pieces, size_t subjectLength, size_t stride, Comparison& comparison) {
     const std::vector<std::u16string> subjects = subjectsUpTo(subjectLength);
     for (size_t index = 0; index < pieces.size(); index += stride) {
         const std::u16string pattern = widen(pieces[index].text);
@@ -85,6 +88,7 @@ TEST(SmallPatterns, AgreeWithTheReferenceOnEverySmallSubject) {
     EXPECT_EQ("", comparison.report());
 }
 
+// Smaller patterns, from every offset, under each setting in place of one in turn.
 TEST(SmallPatterns, AgreeUnderEverySettingOfTheOptions) {
     Comparison comparison;
     const std::vector<std::vector<Piece>> sizes = enumerate(3);
@@ -98,6 +102,7 @@ TEST(SmallPatterns, AgreeUnderEverySettingOfTheOptions) {
     EXPECT_EQ("", comparison.report());
 }
 
+// One operator more makes too many patterns to try them all; the stride is a prime, so no operator is left out.
 TEST(LargerPatterns, AgreeWithTheReferenceOnASample) {
     Comparison comparison;
     compareAll(enumerate(5)[4], 4, sanitized() ? 2003 : 101, comparison);

@@ -1,4 +1,7 @@
 // All matches of a text, the text between them, and matches at one place.
+//
+// The oracle is a written list of matches and parts, and for sequences a search of the same subject by itself: what a
+// sequence keeps from match to match and from subject to subject must show in no answer.
 #include "host/allocation_counter.h"
 #include "tests/support/differential.h"
 #include "tests/support/pattern_random.h"
@@ -11,13 +14,17 @@
 namespace corvane_tests {
 namespace {
 
+// A range refers to the tree and the text. It must not be made of temporaries, which would be gone.
 static_assert(std::ranges::input_range<RE_Match_Range>);
 template <class Tree, class Text>
-concept Searchable = requires(Tree&& tree, Text&& text) { std::forward<Tree>(tree).find_all(std::forward<Text>(text)); };
+concept Searchable = requires(Tree&& tree, Text&& text) {
+    std::forward<Tree>(tree).find_all(std::forward<Text>(text));
+};
 static_assert(Searchable<RE_Tree&, std::u16string&> && Searchable<const RE_Tree&, const char16_t (&)[2]>);
 static_assert(!Searchable<RE_Tree, std::u16string&> && !Searchable<RE_Tree&, std::u16string>);
 static_assert(!std::is_constructible_v<RE_Match_Range, const RE_Tree&, std::u16string_view, size_t>);
 
+/// Each match as its start and, in angle brackets, its text.
 std::u16string marked(const RE_Tree& tree, std::u16string_view text, size_t offset = 0) {
     std::u16string result;
     for (auto& match : tree.find_all(text, offset)) {
@@ -34,7 +41,9 @@ std::u16string joined(const RE_Tree& tree, std::u16string_view text) {
     return result;
 }
 
-TEST(FindAll, AndSplitWalkThroughEveryMatchOnce) {
+// Pattern, flags, text, its matches, and the parts between them. Empty matches are where walks go wrong: at the ends,
+// one after the other, directly after a match.
+TEST(FindAll, WalksThroughEveryMatchOnceAsSplitDoes) {
     const struct {
         const char16_t* pattern;
         RE_Flags flags;
@@ -62,6 +71,7 @@ TEST(FindAll, AndSplitWalkThroughEveryMatchOnce) {
     EXPECT_EQ(u"/", joined(tree, {}));
 }
 
+// Texts are views of the subject. A token without text and one that is not in effect differ by their data.
 TEST(FindAll, GivesTextsOfTokensThatOutliveTheMatch) {
     const RE_Tree tree(u"(\\w*)=(?<value>\\w*)", false);
     std::vector<std::u16string_view> texts;
@@ -79,6 +89,7 @@ TEST(FindAll, GivesTextsOfTokensThatOutliveTheMatch) {
     EXPECT_EQ(nullptr, reTokenText(*narrow, 0).data());
 }
 
+// Two matches take as many allocations as two thousand: what the walk needs it takes once.
 TEST(FindAll, AllocatesNothingForAFurtherMatch) {
     const RE_Tree tree(u"(?<n>a|ab)(?=c)", false);
     const auto allocations = [&](size_t repeats) {
@@ -90,7 +101,8 @@ TEST(FindAll, AllocatesNothingForAFurtherMatch) {
     EXPECT_EQ(allocations(2), allocations(2000));
 }
 
-TEST(MatchSequence, GoesOnWithAnotherSubjectAsOneMadeAnew) {
+// Against a search of each subject alone: what memo, seeks and tokens kept of the subject before would show here.
+TEST(MatchSequence, TakesAnotherSubjectLikeANewSequence) {
     PatternSource source(environmentNumber("CORVANE_TEST_SEED", 77));
     for (unsigned long round = environmentNumber("CORVANE_TEST_ROUNDS", sanitized() ? 200 : 2000); round > 0; --round) {
         const Engine engine(source.pattern(), kEmptyToo, allConfigs()[source.below(allConfigs().size())]);
@@ -105,8 +117,7 @@ TEST(MatchSequence, GoesOnWithAnotherSubjectAsOneMadeAnew) {
             if (!alone || !sequence.report().isComplete()) {
                 break;
             }
-            ASSERT_EQ(*alone, found)
-                << engine.tree().graph() << " on " << printable(subject);
+            ASSERT_EQ(*alone, found) << engine.tree().graph() << " on " << printable(subject);
         }
     }
 }
@@ -122,7 +133,8 @@ TEST(MatchSequence, ForgetsTheBarrenStretchesOfASubject) {
     EXPECT_NE(nullptr, sequence.find(0));
 }
 
-TEST(MatchSequence, ReleasesTheMatchOfItsLastSearchAndGoesOn) {
+// A released match takes the tokens along, and the next search needs new ones.
+TEST(MatchSequence, ReleasesTheMatchOfItsLastSearchAndContinues) {
     const RE_Tree tree(u"(a)\\1", false);
     RE_Match_Sequence sequence(tree, u"aa x");
     ASSERT_NE(nullptr, sequence.find(0));
@@ -138,7 +150,7 @@ TEST(MatchSequence, ReleasesTheMatchOfItsLastSearchAndGoesOn) {
 }
 
 // A search that a host's exception ends in the midst of choices, tokens and bodies leaves nothing to the next subject.
-TEST(MatchSequence, GoesOnAfterAnException) {
+TEST(MatchSequence, ContinuesAfterAnException) {
     HostJournal host;
     const ScriptedRun run(u"(?:(a)|b)+?(?=(?:(a)|b)*(?@f $1))c", host);
     RE_Match_Sequence sequence(run.tree(), {});
@@ -151,6 +163,7 @@ TEST(MatchSequence, GoesOnAfterAnException) {
     }
 }
 
+// Look-behinds read what is in front of the position, although no match begins there.
 TEST(MatchAt, TriesOnePositionAndSeesTheTextBefore) {
     const RE_Tree tree(u"(?<=a)b|c*d", false);
     const std::u16string text = u"abcd";

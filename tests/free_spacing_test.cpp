@@ -1,5 +1,7 @@
 // Blanks and comments that free spacing allows between the parts of a pattern change nothing, whatever brackets the
 // comments hold. CORVANE_TEST_SEED and CORVANE_TEST_ROUNDS as in random_test.cpp.
+//
+// The oracle is the same pattern without them, by the engine, and by the reference where that can read it.
 #include "tests/support/differential.h"
 #include "tests/support/pattern_random.h"
 #include "tests/support/reference_matcher.h"
@@ -10,7 +12,8 @@
 namespace corvane_tests {
 namespace {
 
-/// Takes a pattern of `PatternSource` apart and puts spacing wherever some may stand.
+/// Takes a pattern of `PatternSource` apart and puts spacing wherever some is allowed. It knows the parts of the
+/// dialect just well enough not to put any inside one of them.
 class Spacer {
 public:
     Spacer(std::u16string_view pattern, PatternSource& source) : m_pattern(pattern), m_source(source) {}
@@ -25,6 +28,8 @@ public:
     }
 
 private:
+    /// Blanks, line ends and comments of random units, brackets above all: a reader that pairs brackets without knowing
+    /// of comments loses count here.
     void space() {
         static constexpr std::u16string_view units = u"()[]{}<>?*+|\\#^$:=!1a, ";
         for (size_t way = m_source.below(8); way < 3; way = m_source.below(6)) {
@@ -77,8 +82,8 @@ private:
         takeQualifier();
     }
     void part() {
-        static constexpr std::u16string_view openings[] = {u"(?<=", u"(?<!", u"(?=", u"(?!", u"(?:", u"(?>", u"(?(?<=",
-                                                           u"(?(?<!", u"(?(?=", u"(?(?!"};
+        static constexpr std::u16string_view openings[] = {u"(?<=", u"(?<!",   u"(?=",    u"(?!",   u"(?:",
+                                                           u"(?>",  u"(?(?<=", u"(?(?<!", u"(?(?=", u"(?(?!"};
         const auto* const opening = std::ranges::find_if(openings, [this](std::u16string_view it) { return sees(it); });
         if (sees(u"\\k<") || (sees(u"(?<") && opening == std::end(openings))) {
             take(3);
@@ -116,6 +121,7 @@ std::string numbersOf(const std::vector<Warning>& warnings) {
     return numbers;
 }
 
+// The same answer and the same warnings. Patterns with blanks or # of their own would mean something else when spaced.
 TEST(FreeSpacing, BetweenThePartsOfAPatternChangesNothing) {
     const std::uint64_t seed = environmentNumber("CORVANE_TEST_SEED", 35);
     PatternSource source(seed);
@@ -133,8 +139,8 @@ TEST(FreeSpacing, BetweenThePartsOfAPatternChangesNothing) {
         for (int count = 0; count < 4; ++count) {
             const std::u16string subject = source.subject(8);
             const std::string expected = describe(tight.search(subject));
-            ASSERT_EQ(expected, describe(loose.search(subject)))
-                << printable(pattern) << "  as  " << printable(spaced) << " on " << printable(subject) << " seed " << seed;
+            ASSERT_EQ(expected, describe(loose.search(subject))) << printable(pattern) << "  as  " << printable(spaced)
+                                                                 << " on " << printable(subject) << " seed " << seed;
             const auto reading = reference::search(spaced, kEmptyToo | RE_FLAG_FREE_SPACING, subject, 0, {20000});
             read += reading ? 1 : 0;
             ASSERT_EQ(expected, reading ? describe(*reading) : expected)

@@ -1,5 +1,8 @@
-// The judgement of growth, against the growth that is measured. The memory of failed states, which the judgement leaves
-// out of account, is kept from beginning.
+// The judgement of growth, against the growth that is measured. The memo, which the judgement leaves out of account, is
+// kept from beginning.
+//
+// A judgement may be wrong in one direction only: a pattern that grows must never be called linear. So known patterns
+// pin the judgement, witnesses have to show the growth, and random patterns that are called linear are measured.
 #include "regexp/inspect/growth.h"
 #include "regexp/search/observer.h"
 #include "tests/support/differential.h"
@@ -13,6 +16,7 @@ namespace {
 
 using Kind = RE_Growth::Kind;
 
+/// Puts off the memo for the lifetime of a test.
 class Growth : public testing::Test {
     const Delays delays{std::numeric_limits<std::uint64_t>::max() / 2, RE_Tuning().memoChoicesPerUnit};
 };
@@ -33,18 +37,34 @@ struct Judged {
     Kind kind;
 };
 
+// Anchored patterns isolate the loops from the search for a start, which is a loop of its own.
 const Judged kJudged[] = {
-    {"abc", Kind::linear},          {"\\w+", Kind::linear},         {"\"[^\"]*\"", Kind::linear},
-    {"^a*b", Kind::linear},         {"a*b", Kind::polynomial},      {"foo.*bar", Kind::polynomial},
-    {"^a*a*b", Kind::polynomial},   {"^(a+)+b", Kind::exponential}, {"^(a|aa)+$", Kind::exponential},
-    {"^(?:a*)*b", Kind::exponential}, {"^(?:a|b?)*c", Kind::linear}, {"^(?:(?:ab){2,900})c", Kind::linear},
-    {"^(?:a*b?){400}c", Kind::exponential}, {"^(?:a++)*b", Kind::linear},     {"^(?>a*)*b", Kind::linear},
-    {"^(a)*\\1b", Kind::polynomial}, {"^(?:(?=a*b)a)*c", Kind::polynomial}, {"(?<=a+)b", Kind::unknown},
-    {"^(?:a(?:a*c)?)*", Kind::polynomial}, {"^(?:a|.)*b", Kind::linear}, {"(?:ab|b)*?c", Kind::polynomial},
-    {"\\d{1,3}(?:\\.\\d{1,3}){3}", Kind::linear}, {"^(?:(?:ab){1,900}\\s+)*c", Kind::linear},
+    {"abc", Kind::linear},
+    {"\\w+", Kind::linear},
+    {"\"[^\"]*\"", Kind::linear},
+    {"^a*b", Kind::linear},
+    {"a*b", Kind::polynomial},
+    {"foo.*bar", Kind::polynomial},
+    {"^a*a*b", Kind::polynomial},
+    {"^(a+)+b", Kind::exponential},
+    {"^(a|aa)+$", Kind::exponential},
+    {"^(?:a*)*b", Kind::exponential},
+    {"^(?:a|b?)*c", Kind::linear},
+    {"^(?:(?:ab){2,900})c", Kind::linear},
+    {"^(?:a*b?){400}c", Kind::exponential},
+    {"^(?:a++)*b", Kind::linear},
+    {"^(?>a*)*b", Kind::linear},
+    {"^(a)*\\1b", Kind::polynomial},
+    {"^(?:(?=a*b)a)*c", Kind::polynomial},
+    {"(?<=a+)b", Kind::unknown},
+    {"^(?:a(?:a*c)?)*", Kind::polynomial},
+    {"^(?:a|.)*b", Kind::linear},
+    {"(?:ab|b)*?c", Kind::polynomial},
+    {"\\d{1,3}(?:\\.\\d{1,3}){3}", Kind::linear},
+    {"^(?:(?:ab){1,900}\\s+)*c", Kind::linear},
 };
 
-TEST_F(Growth, IsJudgedSo) {
+TEST_F(Growth, IsJudgedAsTheTableSays) {
     for (const Judged& judged : kJudged) {
         const RE_Tree tree(widen(judged.pattern), false);
         EXPECT_EQ(judged.kind, judgeGrowth(tree).kind) << judged.pattern;
@@ -53,8 +73,8 @@ TEST_F(Growth, IsJudgedSo) {
 
 // Loops that take single steps show in the count when they measure one run again and again.
 TEST_F(Growth, ShowsOnTheWitness) {
-    for (const char* pattern : {"a*b", "foo.*bar", "^a*a*b", "(?:ab|b)*?c", "^(a+)+b", "^(a|aa)+$", "^(?:a*)*b",
-                                "^(?:.{1,70}x)*$"}) {
+    for (const char* pattern :
+         {"a*b", "foo.*bar", "^a*a*b", "(?:ab|b)*?c", "^(a+)+b", "^(a|aa)+$", "^(?:a*)*b", "^(?:.{1,70}x)*$"}) {
         const Engine engine(widen(pattern), kPlain, {true, false, true, 1024, false});
         const RE_Growth growth = judgeGrowth(engine.tree());
         const size_t times = (growth.kind == Kind::polynomial ? 80 : 10) / growth.pump.size();
@@ -77,6 +97,8 @@ bool growsFaster(const RE_Tree& tree, const std::u16string& before, const std::u
     return false;
 }
 
+// Measured on pumps that nobody chose: if the steps of a pattern that is called linear grow faster than the text, on
+// any of them, the judgement has missed an ambiguity.
 TEST_F(Growth, IsNotCalledLinearWhereItIsNot) {
     const std::uint64_t seed = environmentNumber("CORVANE_TEST_SEED", 11);
     const std::uint64_t rounds = environmentNumber("CORVANE_TEST_ROUNDS", sanitized() ? 300 : 1500);

@@ -1,4 +1,7 @@
 // The default host: allocation, UTF-16 strings, character classes, code page, interrupt flag and object store.
+//
+// The expected values are written out: Unicode's properties for units, and what C's functions of like name do for
+// strings. What the functions promise beyond that is in their headers.
 
 #include <gtest/gtest.h>
 
@@ -35,9 +38,10 @@ int sign(int value) {
     return (value > 0) - (value < 0);
 }
 
+// Null is how failure is reported, so a request for nothing must not be answered with it; nor may a resize to nothing
+// free.
 TEST(HostMemory, GivesABlockEvenForNoBytes) {
-    for (void* block :
-         {utMalloc(0), utMallocWithCheck(0), utCallocWithCheck(0, 8), utReallocWithCheck(nullptr, 0)}) {
+    for (void* block : {utMalloc(0), utMallocWithCheck(0), utCallocWithCheck(0, 8), utReallocWithCheck(nullptr, 0)}) {
         EXPECT_NE(block, nullptr);
         EXPECT_NE(block = utReallocWithCheck(block, 0), nullptr);
         utFree(block);
@@ -55,6 +59,7 @@ TEST(HostMemory, KeepsContentsWhenABlockGrowsAndZeroesCountedBlocks) {
     EXPECT_STREQ(grown.get(), "abcde");
 }
 
+// The product of count and size may wrap to a small number, for which a careless allocator finds memory.
 TEST(HostMemory, ThrowsWhenTheRequestCannotBeMet) {
     // Not constants, so that the compiler does not object to sizes that no heap can give.
     volatile size_t huge = SIZE_MAX / 2;
@@ -67,7 +72,8 @@ TEST(HostMemory, ThrowsWhenTheRequestCannotBeMet) {
     EXPECT_THROW(utReallocWithCheck(block.get(), huge), std::bad_alloc);
 }
 
-TEST(HostMemory, CounterFollowsBlocksAndFailsTheChosenRequest) {
+// Failed requests are counted and no blocks; a resized block is one block; counters nest.
+TEST(HostMemory, CountsBlocksAndFailsTheChosenRequest) {
     const std::vector<std::function<void*()>> requests = {
         [] { return utMallocWithCheck(1); },
         [] { return utCallocWithCheck(1, 1); },
@@ -91,6 +97,7 @@ TEST(HostMemory, CounterFollowsBlocksAndFailsTheChosenRequest) {
     EXPECT_EQ(outer.requests(), 1U) << "an inner counter replaces the outer one and gives way to it again";
 }
 
+// `exact` is the sign of the comparison by units, `folded` that with case ignored.
 struct CompareCase {
     const char16_t* left;
     const char16_t* right;
@@ -99,7 +106,9 @@ struct CompareCase {
     int folded;
 };
 
+// Each case in both directions. The Kelvin sign folds to k, a sharp s to nothing else: folding is unit by unit.
 TEST(HostUtf16, ComparesUpToTheCountOrTheTerminator) {
+    // clang-format off
     const CompareCase cases[] = {
         {u"", u"", 5, 0, 0},
         {u"abc", u"abd", 2, 0, 0},
@@ -115,6 +124,7 @@ TEST(HostUtf16, ComparesUpToTheCountOrTheTerminator) {
         {u"\uFFFF", u"\U00010000", 1, 1, 1},
         {u"x", u"y", 0, 0, 0},
     };
+    // clang-format on
     for (const CompareCase& c : cases) {
         SCOPED_TRACE(&c - cases);
         EXPECT_EQ(sign(utf16_strncmp(c.left, c.right, c.count)), c.exact);
@@ -130,6 +140,7 @@ TEST(HostUtf16, ComparesUpToTheCountOrTheTerminator) {
 
 constexpr std::ptrdiff_t nowhere = -1;
 
+// `first` and `last` are where the part begins, from the left and from the right.
 struct SearchCase {
     std::u16string_view text;
     std::u16string_view part;
@@ -141,6 +152,7 @@ std::ptrdiff_t indexIn(std::u16string_view text, const char16_t* found) {
     return found == nullptr ? nowhere : found - text.data();
 }
 
+// NUL is a unit like any other here, and what is past the length must not be found.
 TEST(HostUtf16, FindsFirstAndLastPlaceWithinTheGivenLength) {
     using namespace std::string_view_literals;
     const SearchCase cases[] = {
@@ -187,7 +199,10 @@ struct UnitCase {
     char16_t upper;
 };
 
+// Units at the edges of a property: title case, digits of other scripts, blanks that are no ASCII, halves of pairs, and
+// units whose other case is not in the same block or not one unit.
 TEST(HostCtype, JudgesEachUnitByUnicodeProperties) {
+    // clang-format off
     const UnitCase cases[] = {
         {u'a', "anxl", u'a', u'A'},
         {u'F', "anxu", u'f', u'F'},
@@ -216,6 +231,7 @@ TEST(HostCtype, JudgesEachUnitByUnicodeProperties) {
         {0xFF21, "anxu", 0xFF41, 0xFF21},
         {0xFFFF, "", 0xFFFF, 0xFFFF},
     };
+    // clang-format on
     for (const UnitCase& c : cases) {
         SCOPED_TRACE(static_cast<unsigned>(c.unit));
         EXPECT_EQ(classesOf(c.unit), c.classes);
@@ -224,7 +240,8 @@ TEST(HostCtype, JudgesEachUnitByUnicodeProperties) {
     }
 }
 
-TEST(HostCtype, MappingsAreStableForEveryUnit) {
+// A second mapping changes nothing, and the classes agree with each other, for all 65,536 units.
+TEST(HostCtype, MapsEveryUnitToAStableOne) {
     for (unsigned value = 0; value <= 0xFFFF; ++value) {
         const auto unit = static_cast<char16_t>(value);
         ASSERT_EQ(cvu_tolower(cvu_tolower(unit)), cvu_tolower(unit)) << value;
@@ -234,6 +251,7 @@ TEST(HostCtype, MappingsAreStableForEveryUnit) {
     }
 }
 
+// `reversible`: converted there and back it is the same. Malformed bytes are not.
 struct CodePageCase {
     std::string narrow;
     std::u16string wide;
@@ -244,7 +262,10 @@ std::vector<CodePageCase> codePageCases() {
     std::string longNarrow;
     std::u16string longWide;
     for (int i = 0; i < 5000; ++i) {
-        longNarrow += "\xE4\xB8\xAD\xF0\x9F\x98\x80" "a";
+        longNarrow +=
+            "\xE4\xB8\xAD\xF0\x9F\x98\x80"
+            "a";
+        // Characters of three, four and one bytes, so that pieces of the conversion end within one.
         longWide += u"\u4E2D\U0001F600a";
     }
     return {
@@ -254,11 +275,16 @@ std::vector<CodePageCase> codePageCases() {
         {"\xC3\xA4\xD0\x96", u"\u00E4\u0416", true},
         {"\xF0\x9F\x98\x80", u"\U0001F600", true},
         {longNarrow, longWide, true},
-        {"a\xFF" "b", u"a\uFFFD" u"b", false},
+        {"a\xFF"
+         "b",
+         u"a\uFFFD"
+         u"b",
+         false},
         {"a\xC3", u"a\uFFFD", false},
     };
 }
 
+// Under UTF-8, which main.cpp sets. Every result has a terminator that its length leaves out.
 TEST(HostCodePage, ConvertsBothWaysWithLengthsAndTerminators) {
     for (const CodePageCase& c : codePageCases()) {
         SCOPED_TRACE(c.narrow.substr(0, 20));
@@ -280,7 +306,9 @@ TEST(HostCodePage, ReplacesLoneSurrogatesAndTakesTerminatedText) {
     const char16_t lone[] = {u'a', 0xD800, u'b'};
     size_t bytes = 0;
     const HostBlock<char> narrow(utf16_to_lcp_n(lone, 3, &bytes));
-    EXPECT_EQ(std::string_view(narrow.get(), bytes), "a\xEF\xBF\xBD" "b");
+    EXPECT_EQ(std::string_view(narrow.get(), bytes),
+              "a\xEF\xBF\xBD"
+              "b");
 
     const HostBlock<char> terminated(utf16_to_lcp(u"ab\0c", nullptr));
     EXPECT_STREQ(terminated.get(), "ab");
@@ -322,6 +350,7 @@ void writeDown(void* object) {
     *named->journal += named->name;
 }
 
+// The offer for a key that is taken stays the caller's: its name never shows in the journal.
 TEST(HostObjectStore, KeepsTheFirstObjectOfAKeyAndDestroysTheLatestFirst) {
     std::string journal;
     Named a{&journal, 'a'};
@@ -343,6 +372,7 @@ TEST(HostObjectStore, KeepsTheFirstObjectOfAKeyAndDestroysTheLatestFirst) {
     EXPECT_EQ(utScopedStore::find(idA), nullptr);
 }
 
+// A new thread is outside of every scope until it joins one.
 TEST(HostObjectStore, ScopesNestAndBelongToTheirThread) {
     std::string journal;
     Named a{&journal, 'a'};
@@ -371,6 +401,7 @@ TEST(HostObjectStore, ScopesNestAndBelongToTheirThread) {
     EXPECT_FALSE(utScopedStore::isRequiredContextActive());
 }
 
+// Eight threads offer an object for one key at the same time.
 TEST(HostObjectStoreThreads, OnlyOneOfManyOffersIsTaken) {
     std::string journal;
     std::vector<Named> offers(8, Named{&journal, 'o'});
@@ -387,6 +418,7 @@ TEST(HostObjectStoreThreads, OnlyOneOfManyOffersIsTaken) {
         }
         for (std::thread& thread : threads) thread.join();
     }
+    // One object was taken and destroyed once. The other seven stayed with their threads.
     EXPECT_EQ(journal, "o");
     for (void* object : taken) EXPECT_EQ(object, taken[0]);
 }

@@ -1,5 +1,8 @@
-// Patterns no author would write: they must compile to something, warn within the text, give the same answer
-// under every setting, and end.
+// Patterns no author would write: they must compile to something, warn within the text, give the same answer under
+// every setting, and end.
+//
+// What a broken pattern means is nobody's promise, so the oracle is the plain graph: optimised and plain must agree, in
+// warnings too. Where the text happens to be well-formed, the reference judges as well.
 #include "tests/support/differential.h"
 #include "tests/support/pattern_random.h"
 #include "tests/support/reference_matcher.h"
@@ -11,6 +14,7 @@
 namespace corvane_tests {
 namespace {
 
+/// Few, as each is searched for every pattern; together they have what patterns of punctuation are about.
 const std::vector<std::u16string>& fewSubjects() {
     static const std::vector<std::u16string> subjects = {u"", u"a", u"ab(a)", u"b\n[a]{1}*\\",
                                                          std::u16string(1, u'\0')};
@@ -45,11 +49,13 @@ void expectAsRead(std::u16string_view pattern, RE_Flags flags) {
     }
     for (const std::u16string& subject : fewSubjects()) {
         if (const auto expected = reference::search(pattern, flags, subject, 0, {20000})) {
-            EXPECT_EQ(describe(*expected), describe(engine.search(subject))) << printable(pattern) << " on " << printable(subject);
+            EXPECT_EQ(describe(*expected), describe(engine.search(subject)))
+                << printable(pattern) << " on " << printable(subject);
         }
     }
 }
 
+// All of ASCII, alone and in pairs: every opening without its end is among them.
 TEST(ShortPatterns, OfOneAndTwoUnitsAreHarmless) {
     for (char16_t first = 0; first < 128; ++first) {
         expectHarmless(std::u16string(1, first), kEmptyToo);
@@ -59,13 +65,17 @@ TEST(ShortPatterns, OfOneAndTwoUnitsAreHarmless) {
     }
 }
 
+/// Deletes, replaces or inserts up to three times: nearly well-formed is where readers go wrong.
 std::u16string mutated(std::u16string pattern, PatternSource& source) {
     constexpr std::u16string_view units = u"()[]{}?*+|\\^$.:<>=!-,19aikxo";
     for (size_t left = 1 + source.below(3); left > 0 && !pattern.empty(); --left) {
         const size_t place = source.below(pattern.size());
         const size_t way = source.below(3);
-        pattern.replace(place, way == 0 ? 1 + source.below(3) : way == 1 ? 1 : 0, way == 0 ? 0 : 1,
-                        units[source.below(units.size())]);
+        pattern.replace(place,
+                        way == 0   ? 1 + source.below(3)
+                        : way == 1 ? 1
+                                   : 0,
+                        way == 0 ? 0 : 1, units[source.below(units.size())]);
     }
     return pattern;
 }
@@ -77,6 +87,7 @@ std::u16string ofUnits(PatternSource& source, size_t most, const MakeUnit& unit)
     return pattern;
 }
 
+// Random punctuation, well-formed patterns with a few units changed, random units, and every beginning of a pattern.
 TEST(BrokenPatterns, AreHarmless) {
     PatternSource source(environmentNumber("CORVANE_TEST_SEED", 99));
     constexpr std::u16string_view units = u"(((()))[[]]{}<>||**+?\\\\^$.,12a:#=!@-x i?k";
@@ -99,12 +110,15 @@ TEST(BrokenPatterns, AreHarmless) {
     }
 }
 
+/// On a subject of so many a's the pattern finds this, whether loops are counted, copied or both.
 struct Bound {
     const char* pattern;
     size_t units;  // a's in the subject
     const char* expected;
 };
 
+// Numbers around the limits of 16, 32 and 64 bits, products of bounds that exceed all of them, and huge bounds over
+// what can be empty.
 constexpr Bound kBounds[] = {
     {"a{99999999999}", 500, "null"},
     {"a{18446744073709551615}", 500, "null"},
@@ -125,17 +139,20 @@ constexpr Bound kBounds[] = {
     {"(?:|a){1000}$", 700, "[0,700]"},
 };
 
+// Counted, copied up to the usual threshold, and copied without a threshold worth the name.
 TEST(HugeBounds, AreNeitherUnrolledWithoutLimitNorMiscounted) {
     for (const Bound& bound : kBounds) {
         for (const size_t threshold : {size_t{0}, size_t{1024}, size_t{1000000000}}) {
             const Engine engine(widen(bound.pattern), kPlain, {true, true, true, threshold, false});
             EXPECT_EQ(bound.expected, describe(engine.search(std::u16string(bound.units, u'a'))))
                 << bound.pattern << " with threshold " << threshold;
+            // A threshold of a billion is a user's mistake that must not become a pattern of a billion nodes.
             EXPECT_GT(150000u, engine.tree().getNodeCount()) << bound.pattern << " with threshold " << threshold;
         }
     }
 }
 
+/// A pattern of `open` a hundred thousand times, `middle`, and `close` as often.
 struct Nest {
     const char* open;
     const char* middle;
@@ -204,6 +221,7 @@ TEST_P(DeepNests, CompileSearchAndAreDestroyedOnASmallStack) {
 
 INSTANTIATE_TEST_SUITE_P(Openings, DeepNests, testing::ValuesIn(kNests));
 
+// Closing the outermost group takes all inner ones out of effect, a hundred thousand of them.
 TEST(DeepCaptures, OfOneLetterReportTheOutermostTokenAlone) {
     const size_t depth = sanitized() ? 10000 : 100000;
     const std::u16string pattern = repeated(u"(", depth) + u"b" + repeated(u")", depth);
@@ -212,6 +230,7 @@ TEST(DeepCaptures, OfOneLetterReportTheOutermostTokenAlone) {
     EXPECT_EQ("[2,1] t0=(2,1)", answer);
 }
 
+// The depth at which they are refused is above what any author or generator writes.
 TEST(ClosedBodies, NestToADepthOfHundreds) {
     const size_t depth = 900;
     for (const char16_t* open : {u"(?=", u"(?>", u"(?<=", u"(?:"}) {
@@ -221,6 +240,7 @@ TEST(ClosedBodies, NestToADepthOfHundreds) {
     }
 }
 
+// One literal, with and without case, and a million loops in a row.
 TEST(LongPatterns, OfAMillionUnitsFindThemselves) {
     const size_t copies = sanitized() ? 20000 : 250000;
     runOnSmallStack([&] {
@@ -234,6 +254,7 @@ TEST(LongPatterns, OfAMillionUnitsFindThemselves) {
     });
 }
 
+// Branches of each kind that alternations treat in a way of their own; the last one matches.
 TEST(LongPatterns, OfAHundredThousandBranchesTryThemAll) {
     const size_t count = sanitized() ? 10000 : 100000;
     for (const char16_t* branch : {u"a|", u"ab|", u"a*b|", u"(a)|", u"\\d|"}) {
@@ -252,17 +273,16 @@ std::string answerOnSmallStack(const char16_t* pattern, const std::u16string& su
     return answer;
 }
 
+// Ten million units on a stack of 128 KiB: a frame for each unit would need a thousand times as much.
 TEST(LongSubjects, NeedNoStackOfTheirLength) {
     const size_t units = environmentNumber("CORVANE_TEST_UNITS", sanitized() ? 200000 : 10000000);
     const std::u16string subject = repeated(u"ab", units / 2) + u"c";
     const std::string whole = "[0," + std::to_string(units + 1) + "]";
     EXPECT_EQ(whole, answerOnSmallStack(u"(?:a*b)*c", subject));
     EXPECT_EQ("[0," + std::to_string(units) + "]", answerOnSmallStack(u"(?:a|b)*", subject));
-    runOnSmallStack([&] {
-        EXPECT_EQ(subject, RE_Replace(u"$&").replace(subject, RE_Tree(u"(?:a*b)*c", false), false, 0));
-    });
-    EXPECT_EQ(whole + " t0=(" + std::to_string(units - 1) + ",1)",
-              answerOnSmallStack(u"(a|b|ab)*?c", subject));
+    runOnSmallStack(
+        [&] { EXPECT_EQ(subject, RE_Replace(u"$&").replace(subject, RE_Tree(u"(?:a*b)*c", false), false, 0)); });
+    EXPECT_EQ(whole + " t0=(" + std::to_string(units - 1) + ",1)", answerOnSmallStack(u"(a|b|ab)*?c", subject));
 }
 
 }  // namespace

@@ -1,4 +1,7 @@
-// Looking inside: graphs, profiles and traces. They must tell of one search what its result tells.
+// Looking inside: graphs, profiles and traces. They must report of one search what its result says.
+//
+// The oracles are each other: a trace that is added up gives the profile, and both give the result of a search that
+// nobody watches. The grammar of graphs is judged by Graphviz, where it is installed.
 #include "regexp/search/observer.h"
 #include "regexp/graph/node.h"
 #include "regexp/regexp.h"
@@ -17,10 +20,11 @@
 namespace corvane_tests {
 namespace {
 
+// Every pattern of the tables once, malformed ones too: labels have to be readable for all.
 std::vector<std::u16string> tablePatterns() {
     std::vector<std::u16string> patterns;
-    for (const char* table : {"tokens", "repetition", "closed_bodies", "anchors", "units", "searching", "malformed",
-                              "differences"}) {
+    for (const char* table :
+         {"tokens", "repetition", "closed_bodies", "anchors", "units", "searching", "malformed", "differences"}) {
         for (const MatchCase& match : readCaseFile(std::string(CORVANE_TEST_DATA_DIR "/") + table + ".txt")) {
             patterns.push_back(match.pattern);
         }
@@ -45,6 +49,7 @@ std::vector<std::u16string> patternsOfAllUnits() {
     return patterns;
 }
 
+// All graphs in one file, as starting the program takes longer than drawing. Its complaints fail the test.
 TEST(Graph, IsDrawnByGraphvizWithoutAComplaint) {
     if (std::system("command -v dot >/dev/null") != 0) {
         GTEST_SKIP() << "Graphviz is not installed";
@@ -60,17 +65,20 @@ TEST(Graph, IsDrawnByGraphvizWithoutAComplaint) {
         file << RE_Tree(pattern, false).graph() << RE_Replace(pattern).graph();
     }
     file.close();
-    EXPECT_EQ(0, std::system(("dot -Tsvg " + name + ".dot >" + name + ".svg 2>" + name + ".err && test ! -s " + name +
-                              ".err").c_str()));
-    EXPECT_EQ(0, std::system(("rm " + name + ".dot " + name + ".svg " + name + ".err").c_str()));
+    const std::string graph = name + ".dot", picture = name + ".svg", complaints = name + ".err";
+    const std::string draw = "dot -Tsvg " + graph + " >" + picture + " 2>" + complaints + " && test ! -s " + complaints;
+    EXPECT_EQ(0, std::system(draw.c_str()));
+    EXPECT_EQ(0, std::system(("rm " + graph + " " + picture + " " + complaints).c_str()));
 }
 
-TEST(Graph, IsTheSameEachTimeAndOfDeepGroups) {
+// Numbers of nodes depend on nothing but the pattern, and drawing recurses over nothing.
+TEST(Graph, IsTheSameEachTimeEvenForDeepGroups) {
     EXPECT_EQ(RE_Tree(u"((a)|b)*?c", true).graph(), RE_Tree(u"((a)|b)*?c", true).graph());
     const std::string deep = RE_Tree(std::u16string(50000, u'(') + u"a" + std::u16string(50000, u')'), false).graph();
     EXPECT_EQ(50000, std::ranges::count(deep, '}') - 1);
 }
 
+// A graph that leads into another tree's shows where, and does not draw that tree.
 TEST(Graph, NamesTheContinuationOfASubPattern) {
     RE_Context context;
     const RE_Tree outer(u"a", false);
@@ -130,12 +138,13 @@ std::string disagreement(const std::u16string& pattern, const EngineConfig& conf
             return "other counts at n" + std::to_string(node.nodeId) + " " + node.label;
         }
     }
-    // The engine counts choices that are taken up again, and attempts.
+    // The engine counts choices that are resumed, and attempts.
     const bool counted = counter.starts == 0 || counter.steps == counter.all.pops + counter.starts;
     return stepsAreKnown && !counted ? "other steps than the engine's own" : "";
 }
 
-TEST(Trace, AndProfileAgreeWithTheSearch) {
+// Half of the patterns are without lookarounds: of those the engine's own count of steps follows from the trace.
+TEST(Trace, AgreesWithTheProfileAndTheSearch) {
     PatternSource source(5);
     for (int round = 0; round < 3000; ++round) {
         const bool looks = round % 2 == 0;  // a look-behind counts steps without choices
@@ -147,7 +156,8 @@ TEST(Trace, AndProfileAgreeWithTheSearch) {
     }
 }
 
-TEST(Trace, TellsOfSeeksAndRefusals) {
+// A search in which every kind of event happens at least once.
+TEST(Trace, ReportsSeeksAndRefusals) {
     struct Kinds : RE_Observer {
         void observe(const RE_Trace_Event& event, const RE_Search_Info&) override {
             ++seen[static_cast<std::size_t>(event.kind)];
@@ -159,6 +169,7 @@ TEST(Trace, TellsOfSeeksAndRefusals) {
     EXPECT_EQ(0, std::ranges::count(kinds.seen, 0u));
 }
 
+// Each search counts on a sheet of its own: 200 searches of four threads are 200 times one search, exactly.
 TEST(ThreadsOfOneProfile, AddUp) {
     const Engine engine(u"(a|ab)*c", kPlain, {true, true, true, 1024, true});
     const std::u16string subject = u"abaabababx abac";

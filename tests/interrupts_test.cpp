@@ -1,5 +1,8 @@
-// Requests to stop: before, during and after a search, a walk and a replacement, of patterns that allow them and that do
-// not; and how soon each kind of node sees one.
+// Requests to stop: before, during and after a search, a walk and a replacement, of patterns that allow them and that
+// do not; and how soon each kind of node sees one.
+//
+// "During" is exact and independent of time: the flag goes up at the n-th allocation of the work. "Soon" is a number of
+// steps, not of seconds.
 #include "host/interrupt.h"
 #include "host/memory_hook.h"
 #include "regexp/graph/node.h"
@@ -31,21 +34,26 @@ private:
     utAllocationHook* previous;
 };
 
-using Work = std::function<RE_Search_Report(const RE_Tree& tree, const RE_Replace& replace, const std::u16string& text)>;
+using Work =
+    std::function<RE_Search_Report(const RE_Tree& tree, const RE_Replace& replace, const std::u16string& text)>;
 
+/// The ways of searching, each of which has a report of its own.
 const std::pair<const char*, Work> kWork[] = {
-    {"match", [](const RE_Tree& tree, const RE_Replace&, const std::u16string& text) {
+    {"match",
+     [](const RE_Tree& tree, const RE_Replace&, const std::u16string& text) {
          RE_Search_Report report;
          delete tree.match(text.data(), text.size(), 0, {}, report);
          return report;
      }},
-    {"find_all", [](const RE_Tree& tree, const RE_Replace&, const std::u16string& text) {
+    {"find_all",
+     [](const RE_Tree& tree, const RE_Replace&, const std::u16string& text) {
          auto range = tree.find_all(text, 0, RE_Search_Limits{});
          for (auto it = range.begin(); it != range.end(); ++it) {
          }
          return range.report();
      }},
-    {"replace", [](const RE_Tree& tree, const RE_Replace& replace, const std::u16string& text) {
+    {"replace",
+     [](const RE_Tree& tree, const RE_Replace& replace, const std::u16string& text) {
          RE_Search_Report report;
          // Broken off, it returns what was built up to the last match, which is nothing here.
          const size_t length = replace.replace(text, tree, false, 0, {}, report).size();
@@ -81,11 +89,27 @@ TEST(Interrupts, StopWorkThatAllowsThemAndAreKeptForTheHost) {
 // A pending request is seen before the search has taken the steps and units of one interval, whatever it is busy with.
 TEST(Interrupts, AreSeenSoonByEveryKindOfNode) {
     const std::u16string text = std::u16string(1000000, u'a') + u"b";
-    const char16_t* const patterns[] = {
-        u"a*", u"a*?b", u"a*+", u"(?:a|b)*", u"(?:a|b)*?c", u"(?:a{2}){2,}", u"(?:a{1,3}?)*b", u"(?>(?:a|ab)*)",
-        u"(?=(?:a|ab)*b)", u"(?!(?:a|ab)*c)a", u"(?=a*)b|a*c", u"(a|b)*", u"(?:(a)\\1)*", u"(?i)(?:A|b)*", u"[^x]*x",
-        u"(?:a(?<=a))*", u"(?:(?:)|a)*$", u"(?:(a)?(?(1)a|b))*", u"(?:\\w\\>?)*", u"(?:a|b|ab)*c",
-        u"(?!(?:a|b)*c)x"};
+    const char16_t* const patterns[] = {u"a*",
+                                        u"a*?b",
+                                        u"a*+",
+                                        u"(?:a|b)*",
+                                        u"(?:a|b)*?c",
+                                        u"(?:a{2}){2,}",
+                                        u"(?:a{1,3}?)*b",
+                                        u"(?>(?:a|ab)*)",
+                                        u"(?=(?:a|ab)*b)",
+                                        u"(?!(?:a|ab)*c)a",
+                                        u"(?=a*)b|a*c",
+                                        u"(a|b)*",
+                                        u"(?:(a)\\1)*",
+                                        u"(?i)(?:A|b)*",
+                                        u"[^x]*x",
+                                        u"(?:a(?<=a))*",
+                                        u"(?:(?:)|a)*$",
+                                        u"(?:(a)?(?(1)a|b))*",
+                                        u"(?:\\w\\>?)*",
+                                        u"(?:a|b|ab)*c",
+                                        u"(?!(?:a|b)*c)x"};
     for (const char16_t* pattern : patterns) {
         for (const EngineConfig& config : {EngineConfig{}, EngineConfig{false, false, false, 0, false}}) {
             const Engine engine(pattern, kEmptyToo, config);
@@ -101,6 +125,7 @@ TEST(Interrupts, AreSeenSoonByEveryKindOfNode) {
     }
 }
 
+// A scan over 200,000 units looks for the flag on its way, and an interrupted one has found no start.
 TEST(Interrupts, EndTheSearchForAStartEarly) {
     const std::u16string text = std::u16string(200000, u'a') + u"bcd";
     for (const char16_t* pattern : {u"b", u"bcd", u"(?i)bcd", u"[bc]d", u"b+c", u"bc|bd", u"(b)c"}) {

@@ -1,4 +1,6 @@
-// Limits of a search, and what is told about its end: for one match, a walk over all matches and a replacement.
+// Limits of a search, and what is reported of its end: for one match, a walk over all matches and a replacement.
+//
+// The oracle is the same search without limits: a limit changes the answer to "given up" and to nothing else.
 #include "host/allocation_counter.h"
 #include "tests/support/differential.h"
 
@@ -25,6 +27,7 @@ Searched searchWithin(const RE_Tree& tree, const std::u16string& text, const RE_
 // counted on the plain graph.
 TEST(Limits, CountTheSameStepsForeverAndEverywhere) {
     const std::u16string as(1000, u'a');
+    // clang-format off
     const std::tuple<const char16_t*, std::u16string, Outcomes, std::uint64_t> cases[] = {
         {u"abc", u"xxabc", Outcomes::matched, 10},  // twice two nodes, then six: those of the text and three empty ones
         {u"abc", u"xxabd", Outcomes::noMatch, 8},
@@ -33,6 +36,7 @@ TEST(Limits, CountTheSameStepsForeverAndEverywhere) {
         {u"(?:a|ab)*c", as, Outcomes::noMatch, 29974},
         {u"(a)\\1", u"xaa", Outcomes::matched, 10},
     };
+    // clang-format on
     for (const auto& [pattern, text, outcome, steps] : cases) {
         const Engine plain(pattern, kPlain, {false, false, false, 0, false});
         const RE_Tree& tree = plain.tree();
@@ -45,9 +49,12 @@ TEST(Limits, CountTheSameStepsForeverAndEverywhere) {
     }
 }
 
-const char16_t* const kPatterns[] = {u"(?:a|b|ab)*c", u"(a+)+$", u"(?=(?:a|ab)+c)a", u"(?<=(?:b|a)*)c", u"a*?(b)\\1x",
-                                     u"(?>a|ab)+c",   u"[ab]*c", u"(?:a{2,3}b?){2,}c"};
+// Each leads through other parts of a search, at whose steps the budget may end.
+const char16_t* const kPatterns[] = {u"(?:a|b|ab)*c", u"(a+)+$",     u"(?=(?:a|ab)+c)a", u"(?<=(?:b|a)*)c",
+                                     u"a*?(b)\\1x",   u"(?>a|ab)+c", u"[ab]*c",          u"(?:a{2,3}b?){2,}c"};
 
+// Every budget from nothing to one more than enough. One step less than a search takes must not be an answer, and the
+// steps of an answer must not depend on the budget.
 TEST(Limits, GiveTheAnswerExactlyWhenTheBudgetSuffices) {
     for (const char16_t* pattern : kPatterns) {
         for (const std::u16string& text : {std::u16string(40, u'a'), std::u16string(u"aabaabaabbxabc")}) {
@@ -66,6 +73,7 @@ TEST(Limits, GiveTheAnswerExactlyWhenTheBudgetSuffices) {
     }
 }
 
+// Ceilings from nothing to more than enough. What a search says that it took at most has to be enough for it.
 TEST(Limits, HoldTheMemoryOfASearchUnderItsCeiling) {
     for (const char16_t* pattern : kPatterns) {
         const RE_Tree tree(pattern, false);
@@ -88,11 +96,12 @@ TEST(Limits, CountTheStepsOfATokenAroundARun) {
     const RE_Tree inToken(u"^(a+)[bc]", false);
     for (const size_t length : {size_t{100}, size_t{4'190'500}, size_t{4'194'304}}) {
         const std::u16string text(length, u'a');
-        EXPECT_EQ(searchWithin(bare, text, {}).report.steps + 2, searchWithin(inToken, text, {}).report.steps) << length;
+        EXPECT_EQ(searchWithin(bare, text, {}).report.steps + 2, searchWithin(inToken, text, {}).report.steps)
+            << length;
     }
 }
 
-// What a search took for one subject is given back before the next: the ceiling is not for their sum.
+// What a search took for one subject is released before the next: the ceiling is not for their sum.
 TEST(Limits, HoldForEachSubjectOfASequenceAnew) {
     const RE_Tree tree(u"(?:a|ab|b)*c", false);
     const RE_Search_Limits limits{.bytes = 400'000};
@@ -105,6 +114,7 @@ TEST(Limits, HoldForEachSubjectOfASequenceAnew) {
     }
 }
 
+// Twenty thousand attempts each take a token; the memory for them has to come back, or the ceiling is met.
 TEST(Limits, AttemptsThatFailLeaveNothingBehind) {
     const std::u16string text(20'000, u'a');
     for (const char16_t* pattern : {u"(?=(a))\\1[^a]", u"(?>(a))\\1[^a]"}) {
@@ -113,6 +123,7 @@ TEST(Limits, AttemptsThatFailLeaveNothingBehind) {
     }
 }
 
+// Not for each match anew: the budget of one walk is what all of its searches take together.
 TEST(Limits, HoldForAWalkAndAReplacementAsAWhole) {
     const RE_Tree tree(u"(?:a|ab)+c", false);
     const std::u16string text = u"-ac-aabc-abac-" + std::u16string(300, u'a');
@@ -142,6 +153,7 @@ TEST(Limits, HoldForAWalkAndAReplacementAsAWhole) {
     }
 }
 
+// In the right order of magnitude, sets included, and the same for the same pattern.
 TEST(Tree, KnowsTheMemoryItHolds) {
     utAllocationCounter counter;
     const RE_Tree small(u"ab", false), large(std::u16string(10000, u'a'), false), sets(u"[a-f][^x]|[g-z]\\w+", false);

@@ -1,4 +1,7 @@
 // The trie of literals against comparing them one by one.
+//
+// Literals are drawn over few letters, so that many of them begin alike, and over letters whose case folds across
+// blocks of Unicode. The order of the literals decides, not their length: that is what a trie forgets most easily.
 #include "regexp/seek/literal_trie.h"
 
 #include <gtest/gtest.h>
@@ -12,8 +15,11 @@ namespace {
 
 using Texts = std::vector<std::u16string>;
 
-char16_t folded(char16_t unit, bool folds) { return folds ? RE_Case_Table::get().lower(unit) : unit; }
+char16_t folded(char16_t unit, bool folds) {
+    return folds ? RE_Case_Table::get().lower(unit) : unit;
+}
 
+/// The definition: the literal's units, compared one by one with the text's.
 bool stands(const RE_Literal_Trie& trie, size_t literal, std::u16string_view text) {
     const std::u16string_view own = trie.text(literal);
     return own.size() <= text.size() && std::equal(own.begin(), own.end(), text.begin(), [&](char16_t a, char16_t b) {
@@ -21,6 +27,7 @@ bool stands(const RE_Literal_Trie& trie, size_t literal, std::u16string_view tex
            });
 }
 
+/// From each literal on: which is the first that the subject begins with, and whether a later one does too.
 void compare(const RE_Literal_Trie& trie, std::u16string_view subject) {
     for (size_t from = 0; from < trie.count(); from += 1 + from / 8) {
         std::vector<size_t> found;
@@ -29,7 +36,8 @@ void compare(const RE_Literal_Trie& trie, std::u16string_view subject) {
                 found.push_back(literal);
             }
         }
-        const auto answer = trie.find(subject.data(), subject.data() + subject.size(), static_cast<std::uint32_t>(from));
+        const auto answer =
+            trie.find(subject.data(), subject.data() + subject.size(), static_cast<std::uint32_t>(from));
         ASSERT_EQ(!found.empty(), answer.length != 0);
         ASSERT_TRUE(found.empty() || found[0] == answer.literal);
         ASSERT_TRUE(found.empty() || trie.text(found[0]).size() == answer.length);
@@ -37,7 +45,7 @@ void compare(const RE_Literal_Trie& trie, std::u16string_view subject) {
     }
 }
 
-TEST(LiteralTrie, FindsWhatStandsAtAPosition) {
+TEST(LiteralTrie, FindsTheLiteralsAtAPosition) {
     constexpr std::u16string_view letters[] = {u"a", u"ab", u"abcdefghijklmnop", u"kK\u212A\u0430\u0410\u4E00b"};
     std::mt19937 random(5);
     const auto below = [&](size_t limit) { return random() % limit; };
@@ -68,16 +76,19 @@ TEST(LiteralTrie, FindsWhatStandsAtAPosition) {
         RE_Unit_Set first;
         trie.forEachFirstUnit([&first](char16_t unit) { first.add(unit); });
         for (int subjects = 0; subjects < 10; ++subjects) {
-            const std::u16string subject = below(2) == 0 ? word(0, 12, false) : texts[below(texts.size())] + word(0, 2, false);
+            const std::u16string subject =
+                below(2) == 0 ? word(0, 12, false) : texts[below(texts.size())] + word(0, 2, false);
             ASSERT_NO_FATAL_FAILURE(compare(trie, subject));
-            ASSERT_TRUE(subject.empty() || first.contains(subject[0]) == std::ranges::any_of(texts, [&](const auto& text) {
-                return text[0] == folded(subject[0], folds);
-            }));
+            ASSERT_TRUE(subject.empty() ||
+                        first.contains(subject[0]) == std::ranges::any_of(texts, [&](const auto& text) {
+                            return text[0] == folded(subject[0], folds);
+                        }));
         }
     }
 }
 
-TEST(LiteralTrie, TakesPrefixesOfPrefixes) {
+// 800 literals, each the beginning of the one before, all on one path of the trie.
+TEST(LiteralTrie, HoldsPrefixesOfPrefixes) {
     Texts texts;
     for (size_t length = 800; length > 0; --length) {
         texts.emplace_back(length, u'a');

@@ -1,4 +1,8 @@
 // Machine code finds what the graph finds, in as many steps, whatever the vectors that it looks at end in.
+//
+// Two oracles: the flat program, with which result, ending and step count have to be equal, and the plain graph for the
+// result. Every test runs with each kind of vectors that the processor has. On machines without a code writer the
+// comparisons hold trivially.
 #include "tests/support/differential.h"
 #include "tests/support/pattern_random.h"
 
@@ -19,8 +23,8 @@ struct Searched {
 };
 
 std::string describe(const Searched& searched) {
-    return corvane_tests::describe(searched.outcome) + " ending " +
-           std::to_string(static_cast<int>(searched.ending)) + " steps " + std::to_string(searched.steps);
+    return corvane_tests::describe(searched.outcome) + " ending " + std::to_string(static_cast<int>(searched.ending)) +
+           " steps " + std::to_string(searched.steps);
 }
 
 Searched searchWithin(const RE_Tree& tree, std::u16string_view subject, size_t offset, std::uint64_t steps) {
@@ -34,7 +38,10 @@ Searched searchWithin(const RE_Tree& tree, std::u16string_view subject, size_t o
 class Ways {
 public:
     Ways(const std::u16string& text, RE_Flags patternFlags)
-        : pattern(text), flags(patternFlags), machine(text, patternFlags, {.machineCode = true}), program(text, patternFlags),
+        : pattern(text),
+          flags(patternFlags),
+          machine(text, patternFlags, {.machineCode = true}),
+          program(text, patternFlags),
           plain(text, patternFlags, {false, false, false, 1024, false}) {}
 
     bool hasCode() const { return machine.tree().getFacts().machineCode != nullptr; }
@@ -45,10 +52,13 @@ public:
         const Searched expected = searchWithin(program.tree(), subject, offset, steps);
         const Searched found = searchWithin(machine.tree(), subject, offset, steps);
         const bool same = found == expected;
-        const bool right = expected.ending == RE_Search_Outcome::stepsSpent || plain.search(subject, offset) == expected.outcome;
-        return same && right ? "" : printable(pattern) + " flags " + std::to_string(flags) + " on '" + printable(std::u16string(subject)) + "' from " +
-                                        std::to_string(offset) + ": " + describe(found) + ", expected " +
-                                        describe(expected) + (right ? "" : ", not as the plain graph");
+        const bool right =
+            expected.ending == RE_Search_Outcome::stepsSpent || plain.search(subject, offset) == expected.outcome;
+        return same && right ? ""
+                             : printable(pattern) + " flags " + std::to_string(flags) + " on '" +
+                                   printable(std::u16string(subject)) + "' from " + std::to_string(offset) + ": " +
+                                   describe(found) + ", expected " + describe(expected) +
+                                   (right ? "" : ", not as the plain graph");
     }
 
 private:
@@ -59,6 +69,7 @@ private:
     Engine plain;
 };
 
+/// Subjects are drawn over the alphabet, in which units of the pattern are frequent.
 struct Case {
     const char16_t* pattern;
     RE_Flags flags;
@@ -68,7 +79,8 @@ struct Case {
 constexpr RE_Flags kLines = 0x06;
 constexpr RE_Flags kFolded = 0x13;
 
-// Every instruction, every kind of set, every way to the next start.
+// Every instruction, every kind of set, every way to the next start. Units beyond ASCII are in some alphabets because
+// sets compare low and high units by different code.
 const Case kCases[] = {
     {u"\\w+", kPlain, u"ab \u0436_"},
     {u"[a-c]+", kPlain, u"abd"},
@@ -140,6 +152,7 @@ TEST_P(MachineCode, FindsWhatTheGraphFindsInAsManySteps) {
                 left -= run;
             }
             EXPECT_EQ("", ways.compare(subject, source.below(length + 1)));
+            // A budget ends the search at any instruction: the code has to stop where the program stops.
             EXPECT_EQ("", ways.compare(subject, 0, source.below(200)));
         }
     }
@@ -148,6 +161,7 @@ TEST_P(MachineCode, FindsWhatTheGraphFindsInAsManySteps) {
 #endif
 }
 
+// Patterns that leave choices run in code and in the match loop by turns: the changes between them are what is tested.
 TEST_P(MachineCode, AgreesOnRandomPatterns) {
     PatternSource source(environmentNumber("CORVANE_TEST_SEED", 4711 + static_cast<unsigned long>(GetParam())));
     const unsigned long rounds = environmentNumber("CORVANE_TEST_ROUNDS", sanitized() ? 150 : 2000);
@@ -161,12 +175,17 @@ TEST_P(MachineCode, AgreesOnRandomPatterns) {
     }
 }
 
-// All kinds of runs before all kinds of rests; in every other round the memo begins soon.
-TEST(MachineCode, AgreesOnRunsThatAreTriedAgain) {
+// The code keeps one kind of choice by itself: the end of a run. All kinds of runs before all kinds of rests; in every
+// other round the memo begins soon, which takes such choices over in the middle of a run.
+TEST(MachineCode, AgreesOnRunsThatBacktrack) {
     static constexpr const char16_t* kBefore[] = {u"a", u"([bc])", u"(b+)", u"(c)?a", u"(?:ab|c)", u"", u"d(?:b|ca)"};
     static constexpr const char16_t* kRuns[] = {u"[^c]", u"[ab]", u".", u"\\w", u"b", u"[a-c]"};
-    static constexpr const char16_t* kCounts[] = {u"*?", u"+?", u"{1,3}?", u"{3,70}?", u"{2,45}?", u"*", u"+", u"{2,40}", u"{0,5}", u"{3,70}"};
-    static constexpr const char16_t* kRests[] = {u"bcb", u"b", u"[bc]d", u"(d)?c", u"(bc+)a", u"(b)(?:c(a)|a)d", u"\\1", u"\\1a", u"$", u"(?:ab|cd|d)b?", u"(?:b|(c)d)+e", u"d(?=b)", u"\\w+e", u"[^a]{2}", u"(?![ab])", u"(?<![bc])", u"b(?![ac])", u"(?!d).(?<![ce])"};
+    static constexpr const char16_t* kCounts[] = {u"*?", u"+?", u"{1,3}?", u"{3,70}?", u"{2,45}?",
+                                                  u"*",  u"+",  u"{2,40}", u"{0,5}",   u"{3,70}"};
+    static constexpr const char16_t* kRests[] = {
+        u"bcb",   u"b",       u"[bc]d",    u"(d)?c",         u"(bc+)a",       u"(b)(?:c(a)|a)d",
+        u"\\1",   u"\\1a",    u"$",        u"(?:ab|cd|d)b?", u"(?:b|(c)d)+e", u"d(?=b)",
+        u"\\w+e", u"[^a]{2}", u"(?![ab])", u"(?<![bc])",     u"b(?![ac])",    u"(?!d).(?<![ce])"};
     PatternSource source(environmentNumber("CORVANE_TEST_SEED", 99));
     const auto pick = [&source](const auto& list) { return std::u16string(list[source.below(std::size(list))]); };
     const unsigned long rounds = environmentNumber("CORVANE_TEST_ROUNDS", sanitized() ? 300 : 2000);
@@ -177,7 +196,8 @@ TEST(MachineCode, AgreesOnRunsThatAreTriedAgain) {
         for (int subject = 0; subject < 4; ++subject) {
             std::u16string text;
             for (size_t runs = source.below(40); runs > 0; --runs) {
-                text.append(1 + (source.below(12) == 0 ? source.below(70) : 0), u"aabbccde \nAB\u0436"[source.below(13)]);
+                text.append(1 + (source.below(12) == 0 ? source.below(70) : 0),
+                            u"aabbccde \nAB\u0436"[source.below(13)]);
             }
             ASSERT_EQ("", ways.compare(text, source.below(text.size() + 1)));
             ASSERT_EQ("", ways.compare(text, 0, source.below(150)));
@@ -209,6 +229,7 @@ std::vector<Outcome> walk(const RE_Tree& tree, const std::vector<std::u16string>
     return met;
 }
 
+// The code keeps what it knows of a subject in the search state, and has to forget it with the subject.
 TEST_P(MachineCode, WalksFromMatchToMatchAndFromSubjectToSubject) {
     PatternSource source(7);
     for (const Case& each : kCases) {
@@ -216,7 +237,8 @@ TEST_P(MachineCode, WalksFromMatchToMatchAndFromSubjectToSubject) {
         std::vector<std::u16string> subjects(40);
         for (std::u16string& subject : subjects) {
             for (size_t length = source.below(30) * source.below(8); subject.size() < length;) {
-                subject.append(1 + (source.below(9) == 0 ? source.below(90) : 0), alphabet[source.below(alphabet.size())]);
+                subject.append(1 + (source.below(9) == 0 ? source.below(90) : 0),
+                               alphabet[source.below(alphabet.size())]);
             }
         }
         const Engine program(each.pattern, each.flags);
@@ -225,13 +247,15 @@ TEST_P(MachineCode, WalksFromMatchToMatchAndFromSubjectToSubject) {
     }
 }
 
-// A start, an end of a line or a run stands anywhere within the vectors, near the subject's end or far from it.
-TEST_P(MachineCode, ScansToTheUnit) {
-    for (const Case& each : {Case{u"\\w\\d?", kPlain, u""}, Case{u"^x", kLines, u""}, Case{u"xyz", kPlain, u""}, Case{u"XYZ", kFolded, u""},
-                             Case{u"z", kPlain, u""}, Case{u"\\nxy|yz", kPlain, u""},
+// A start, a line end or the end of a run may be at any unit of a vector, near the subject's end or far from it.
+TEST_P(MachineCode, ScansToTheExactUnit) {
+    for (const Case& each : {Case{u"\\w\\d?", kPlain, u""}, Case{u"^x", kLines, u""}, Case{u"xyz", kPlain, u""},
+                             Case{u"XYZ", kFolded, u""}, Case{u"z", kPlain, u""}, Case{u"\\nxy|yz", kPlain, u""},
                              Case{u"-+x", kPlain, u""}, Case{u"([^x]+)x", kPlain, u""}}) {
         const Ways ways(each.pattern, each.flags);
-        for (const size_t gap : {0, 1, 3, 4, 5, 15, 16, 17, 31, 32, 33, 63, 64, 65, 127, 128, 239, 240, 241, 255, 256, 257, 272, 273, 1023, 1024, 1025, 1300, 4095, 4096, 4097, 4170, 5000}) {
+        for (const size_t gap :
+             {0,   1,   3,   4,   5,   15,  16,  17,   31,   32,   33,   63,   64,   65,   127,  128, 239,
+              240, 241, 255, 256, 257, 272, 273, 1023, 1024, 1025, 1300, 4095, 4096, 4097, 4170, 5000}) {
             for (size_t behind = 0; behind < 40; ++behind) {
                 const std::u16string subject = std::u16string(gap, u'-') + u"\nxyz" + std::u16string(behind, u'-');
                 ASSERT_EQ("", ways.compare(subject));
@@ -262,6 +286,8 @@ private:
     char* m_pages;
 };
 
+// Vectors are wider than what is left of the subject at its end. A read across either end is a fault of the process, in
+// every build and not only under a sanitizer, which does not see what generated code reads.
 TEST_P(MachineCode, ReadsNothingOutsideOfTheSubject) {
     Fenced pages;
     PatternSource source(9);
@@ -287,7 +313,7 @@ TEST_P(MachineCode, ReadsNothingOutsideOfTheSubject) {
     }
 }
 
-// Behind many steps a checkpoint is due, where the match loop has to take over.
+// After many steps a checkpoint is due, at which the match loop has to take over.
 TEST_P(MachineCode, StopsForCheckpoints) {
     for (const char16_t* pattern : {u"(a)b", u"(a+)b", u"\\w+(?=,)", u"(\\w+) \\1!", u"(?:(\\w+),)*;"}) {
         const Ways ways(pattern, kPlain);

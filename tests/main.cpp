@@ -1,8 +1,9 @@
-// Entry point of the unit tests. Narrow text in the tests is UTF-8, so the locale is fixed before anything asks
-// for the local code page.
+// Entry point of the unit tests. Narrow text in the tests is UTF-8, so the locale is fixed before the first test
+// queries the local code page.
 //
 // CORVANE_TEST_VECTORS is the name of the widest vectors that scans and machine code may use, as Highway calls them
-// (SSSE3, SSE4, AVX2, AVX3), or "none". Where the processor has no such vectors the program ends with the status 77.
+// (SSSE3, SSE4, AVX2, AVX3), or "none". Where the processor has no such vectors the program ends with the status 77,
+// which CTest counts as skipped.
 
 #include "regexp/machine/machine_code.h"
 

@@ -1,5 +1,9 @@
 // One run of a pattern at one position, in a search state of the caller's: fresh, used before, or of a search that is
-// going on.
+// in progress.
+//
+// The oracle is match_at, which is the same run with a state of its own. What another use leaves in a state (tokens,
+// counts, a memo of a graph that no longer exists) must change no answer, nor may the run change what the caller's
+// search knows.
 #include "host/interrupt.h"
 #include "regexp/nodes/tokens.h"
 #include "regexp/nodes/trivial.h"
@@ -20,6 +24,7 @@ namespace {
 
 using Match = std::unique_ptr<RE_Results>;
 
+/// A match with all tokens in effect.
 std::string shown(const RE_Results* match) {
     if (match == nullptr) {
         return "null";
@@ -31,6 +36,7 @@ std::string shown(const RE_Results* match) {
     return text;
 }
 
+/// Runs the tree once in the given state, and checks what has to hold of the state afterwards.
 std::string runAt(const RE_Tree& tree, std::size_t position, RE_Search_Info& info) {
     std::size_t length = 99;
     const char16_t* const p = info.subjectBegin + position;
@@ -44,16 +50,15 @@ std::string runAt(const RE_Tree& tree, std::size_t position, RE_Search_Info& inf
     return shown(&view);
 }
 
-const char16_t* const kPatterns[] = {u"a(b+)c", u"(a)|(b)", u"(a)?(?(1)b|c)", u"(?:(a)|b)*\\1", u"((a)b)+", u"b*",
-                                     u"(?<=(a))b", u"(?:a|ab|(b))*c", u"(?:(x)|a)(?:\\1|b)", u"(?>(a|b)*)c",
-                                     u"(a)(??b)\\1?", u"(?=(a|b))(??$1)."};
+const char16_t* const kPatterns[] = {
+    u"a(b+)c",    u"(a)|(b)",        u"(a)?(?(1)b|c)",      u"(?:(a)|b)*\\1", u"((a)b)+",      u"b*",
+    u"(?<=(a))b", u"(?:a|ab|(b))*c", u"(?:(x)|a)(?:\\1|b)", u"(?>(a|b)*)c",   u"(a)(??b)\\1?", u"(?=(a|b))(??$1)."};
 
 // A search that begins there and nowhere else is the same thing with a state of its own.
 TEST(MatchBool, AnswersAsASearchAtThatPositionWhateverTheStateWasUsedFor) {
     const std::u16string text = u"xabcabbcaab";
     const std::function<void(RE_Search_Info&)> uses[] = {
-        [](RE_Search_Info&) {},
-        [](RE_Search_Info& info) { info.resetForStart(info.subjectBegin + 5); },
+        [](RE_Search_Info&) {}, [](RE_Search_Info& info) { info.resetForStart(info.subjectBegin + 5); },
         [&](RE_Search_Info& info) { runAt(RE_Tree(u"(.)(.)(.)", false), 2, info); },
         [&](RE_Search_Info& info) { runAt(RE_Tree(u"(?:(a)|(b)|(c)){3}$", false), 1, info); },
         [&](RE_Search_Info& info) {  // a memo of a graph that is gone
@@ -78,7 +83,8 @@ TEST(MatchBool, AnswersAsASearchAtThatPositionWhateverTheStateWasUsedFor) {
     }
 }
 
-TEST(MatchBool, GoesOnAfterAnInterruptAndAfterAnException) {
+// Either ends a run in the middle, with choices, bodies and counts open. The next run has to begin without them.
+TEST(MatchBool, ContinuesAfterAnInterruptAndAfterAnException) {
     const std::u16string text = std::u16string(5000, u'a') + u"b";
     const RE_Tree tree(u"(?:a|aa)*c|(a)", false);
     RE_Search_Info info(text.data(), text.size(), 1, nullptr, true);
@@ -97,6 +103,7 @@ TEST(MatchBool, GoesOnAfterAnInterruptAndAfterAnException) {
     EXPECT_EQ("[3,1] (3,1)", runAt(tree, 3, info));
 }
 
+// The subject is a part of the text, so a position that is off by one would still read valid memory.
 TEST(MatchBool, RefusesPositionsOutsideOfTheSubject) {
     const std::u16string text = u"aaa";
     const RE_Tree tree(u"a?", false);
@@ -108,6 +115,7 @@ TEST(MatchBool, RefusesPositionsOutsideOfTheSubject) {
     EXPECT_EQ(0u, length);
 }
 
+// Tokens that the caller set stay, and a run that fails takes its own back; a window's end is the end of the match.
 TEST(MatchBool, IsAPartOfTheAttemptThatTheCallerHasOpened) {
     const std::u16string text = u"xabc";
     const char16_t* const begin = text.data();
@@ -154,12 +162,13 @@ private:
     const RE_Tree& another;
 };
 
-// As the atomic group is that holds the other pattern: what the search knows of its own graph it knows afterwards.
+// The oracle is the other pattern as an atomic group of the first: what the search knows of its own graph it has to
+// know afterwards.
 TEST(MatchBool, LeavesTheSearchThatItRunsInAsItWas) {
-    const char16_t* const fronts[] = {u"(a)", u"((?:a|aa|b)*)", u"(?:(a)|b){1,3}?", u"(?:(a)|(b))*", u"(?:(a?)|b)*",
-                                      u"((?:(?:a|aa)*b)*)", u"x?(?>(a)|b)"};
-    const char16_t* const others[] = {u"b", u"(?:a|ab)*c", u"(?:a?b?)*?c", u"(?<=b)c", u"(?:a|b){2}c",
-                                      u"(?:b|(x)(y)(z))*c"};
+    const char16_t* const fronts[] = {u"(a)",         u"((?:a|aa|b)*)",     u"(?:(a)|b){1,3}?", u"(?:(a)|(b))*",
+                                      u"(?:(a?)|b)*", u"((?:(?:a|aa)*b)*)", u"x?(?>(a)|b)"};
+    const char16_t* const others[] = {u"b",       u"(?:a|ab)*c",  u"(?:a?b?)*?c",
+                                      u"(?<=b)c", u"(?:a|b){2}c", u"(?:b|(x)(y)(z))*c"};
     const std::u16string long_text = std::u16string(300, u'a') + u"bc";
     RE_Context host;
     for (const char16_t* front : fronts) {
@@ -171,7 +180,8 @@ TEST(MatchBool, LeavesTheSearchThatItRunsInAsItWas) {
             const RE_Tree spliced(front + (u"(?>" + std::u16string(other)) + u")", false);
             for (const std::u16string& text : {std::u16string(u"xaabcabbbc"), std::u16string(u"bbaaab"), long_text}) {
                 for (const std::size_t offset : {0u, 2u}) {
-                    EXPECT_EQ(shown(Match(spliced.match(text, offset)).get()), shown(Match(tree.match(text, offset)).get()))
+                    EXPECT_EQ(shown(Match(spliced.match(text, offset)).get()),
+                              shown(Match(tree.match(text, offset)).get()))
                         << printable(front) << " with " << printable(other) << " on " << printable(text);
                 }
             }
@@ -179,7 +189,7 @@ TEST(MatchBool, LeavesTheSearchThatItRunsInAsItWas) {
     }
 }
 
-// Where a group opened is known behind a run with groups of its own, and so are the tokens where that failed.
+// A group that opened before a run with groups of its own keeps its start, and a run that fails leaves all tokens.
 TEST(MatchBool, LeavesTheGroupsAroundItAsTheyAre) {
     RE_Context host;
     RE_ParserContext parser(&host, nullptr, kPlain);
@@ -199,8 +209,8 @@ TEST(MatchBool, LeavesTheGroupsAroundItAsTheyAre) {
     }
 }
 
-// Expressions see the attempt that they stand in, also behind texts that were included.
-TEST(MatchBool, IsNotWhatMovesTheStartOfAttemptsWithDynamicTexts) {
+// Expressions see the attempt that they are in, also after texts that were included: a text runs in the same state.
+TEST(MatchBool, LeavesTheStartOfAttemptsWithDynamicTexts) {
     HostJournal host;
     std::u16string seen;
     host.answers[u"t"] = [](const HostJournal::Inputs&) { return std::optional<std::u16string>(u"b+"); };

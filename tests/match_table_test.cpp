@@ -1,5 +1,9 @@
-// Every case of tests/data under every setting of the compile options, with a fresh and with a shared seek
-// table. The optimisations and the seek memo may change the time a search takes, never its answer.
+// Every case of tests/data under every setting of the compile options, with a fresh and with a shared seek table. The
+// optimisations and the seek memo may change the time a search takes, never its answer.
+//
+// The oracle is the table, written by hand from docs/dialect.md; tests/support/case_file.h explains its columns. The
+// second test holds the reference matcher to the same tables, so that a fault which both readings share would have to
+// be in the tables as well.
 #include "tests/support/case_file.h"
 #include "tests/support/engine_run.h"
 #include "tests/support/reference_matcher.h"
@@ -16,18 +20,19 @@ std::vector<MatchCase> readTable(const std::string& name) {
 
 class MatchTable : public testing::TestWithParam<const char*> {};
 
+/// Cases with "?" in the column of tokens are about the extent alone.
 void dropUncheckedTokens(const MatchCase& match, Outcome& outcome) {
     if (!match.checksTokens) {
         outcome.tokens.clear();
     }
 }
 
+/// Numbers, and positions where the case pins them.
 std::string describeWarnings(const MatchCase& match, const std::vector<Warning>& seen) {
     std::string text;
     for (size_t index = 0; index < seen.size(); ++index) {
         const bool pinned = index < match.warnings.size() && match.warnings[index].position;
-        text += " " + std::to_string(seen[index].number) +
-                (pinned ? "@" + std::to_string(seen[index].position) : "");
+        text += " " + std::to_string(seen[index].number) + (pinned ? "@" + std::to_string(seen[index].position) : "");
     }
     return text;
 }
@@ -41,16 +46,15 @@ std::string expectedWarnings(const MatchCase& match) {
     return text;
 }
 
-/// Offsets before, at and after the one of the case, asked in an order that revisits earlier positions.
+/// Offsets before, at and after the one of the case, searched in an order that revisits earlier positions.
 std::string sharedTableProblem(const MatchCase& match, const Engine& engine) {
     RE_Seek_Table table;
-    for (const size_t offset :
-         {size_t{0}, match.offset, size_t{1}, match.subject.size(), size_t{2}, match.offset}) {
+    for (const size_t offset : {size_t{0}, match.offset, size_t{1}, match.subject.size(), size_t{2}, match.offset}) {
         const std::string fresh = describe(engine.search(match.subject, offset));
         const std::string shared = describe(engine.search(match.subject, offset, table));
         if (fresh != shared) {
-            return "with a shared seek table at offset " + std::to_string(offset) + " got " + shared +
-                   " instead of " + fresh;
+            return "with a shared seek table at offset " + std::to_string(offset) + " got " + shared + " instead of " +
+                   fresh;
         }
     }
     return "";
@@ -65,21 +69,21 @@ std::string problem(const MatchCase& match, const EngineConfig& config) {
         return "expected " + describe(match.expected) + ", got " + describe(outcome);
     }
     if (match.checksWarnings && describeWarnings(match, engine.warnings()) != expectedWarnings(match)) {
-        return "expected warnings" + expectedWarnings(match) + ", got" +
-               describeWarnings(match, engine.warnings());
+        return "expected warnings" + expectedWarnings(match) + ", got" + describeWarnings(match, engine.warnings());
     }
     return sharedTableProblem(match, engine);
 }
 
+// One failure for each case: the first setting that differs says enough.
 TEST_P(MatchTable, HoldsUnderEverySettingOfTheOptions) {
     const std::vector<MatchCase> cases = readTable(GetParam());
     for (const MatchCase& match : cases) {
         for (const EngineConfig& config : allConfigs()) {
             const std::string found = problem(match, config);
             if (!found.empty()) {
-                ADD_FAILURE() << match.place << "  " << printable(match.pattern) << "  on '"
-                              << printable(match.subject) << "' from " << match.offset << "  flags 0x"
-                              << std::hex << match.flags << std::dec << "  (" << config << "): " << found;
+                ADD_FAILURE() << match.place << "  " << printable(match.pattern) << "  on '" << printable(match.subject)
+                              << "' from " << match.offset << "  flags 0x" << std::hex << match.flags << std::dec
+                              << "  (" << config << "): " << found;
                 break;
             }
         }
@@ -92,6 +96,7 @@ bool isAscii(std::u16string_view text) {
     return std::all_of(text.begin(), text.end(), [](char16_t unit) { return unit < 0x80; });
 }
 
+// Long subjects are beyond it, and units beyond ASCII are in few of its classes.
 TEST_P(MatchTable, AgreesWithTheReferenceMatcherWhereItReads) {
     size_t compared = 0;
     for (const MatchCase& match : readTable(GetParam())) {
@@ -102,8 +107,7 @@ TEST_P(MatchTable, AgreesWithTheReferenceMatcherWhereItReads) {
             reference::search(match.pattern, match.flags, match.subject, match.offset, {20000});
         if (outcome) {
             dropUncheckedTokens(match, *outcome);
-            EXPECT_EQ(describe(match.expected), describe(*outcome))
-                << match.place << " " << printable(match.pattern);
+            EXPECT_EQ(describe(match.expected), describe(*outcome)) << match.place << " " << printable(match.pattern);
             ++compared;
         }
     }

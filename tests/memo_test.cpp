@@ -1,4 +1,7 @@
 // The table of the memo against a plain set, operation by operation.
+//
+// The table is a bit set with summaries of full words above it. Ranges are drawn within one word, across words and
+// across words of summaries, since that is where an index is off by one.
 #include "regexp/state/memo.h"
 #include "tests/support/differential.h"
 

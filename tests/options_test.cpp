@@ -1,4 +1,7 @@
 // Compile options: their listing, conversions and parsing, and which instance is in force where.
+//
+// Names, descriptions and the printed form are part of the interface: hosts parse them and store settings by name. A
+// change here is one that users notice.
 
 #include <gtest/gtest.h>
 
@@ -40,7 +43,7 @@ void parse(CompileOptions& options, const std::vector<std::string>& words) {
     po::notify(values);
 }
 
-TEST(CompileOptions, PrintsDefaultsInListOrder) {
+TEST(CompileOptions, PrintTheirDefaultsInListOrder) {
     EXPECT_EQ(printed(CompileOptions()),
               "RE_CompileOptions Settings\n"
               "--------------------------\n"
@@ -51,6 +54,7 @@ TEST(CompileOptions, PrintsDefaultsInListOrder) {
               "    Profile: 0\n");
 }
 
+// Names and descriptions to the letter, as hosts show and store them.
 TEST(CompileOptions, AreListedUnderTheirNames) {
     std::vector<std::string> lines;
     CompileOptions options;
@@ -60,12 +64,14 @@ TEST(CompileOptions, AreListedUnderTheirNames) {
         EXPECT_EQ(option->getDescription(), parser->description());
         lines.push_back(std::string(option->getName()) + ": " + std::string(option->getDescription()));
     }
-    EXPECT_EQ((std::vector<std::string>{"InlineThreshold: Threshold for unrolling loops", "OptimizeNullNodes: Remove Null Nodes",
-                                        "OptimizeLinearSubpatterns: Use LinearSubpatterns Optimization",
-                                        "OptimizeDotStar: Use DotStart Optimization", "Profile: Profile the matching process"}),
+    EXPECT_EQ((std::vector<std::string>{
+                  "InlineThreshold: Threshold for unrolling loops", "OptimizeNullNodes: Remove Null Nodes",
+                  "OptimizeLinearSubpatterns: Use LinearSubpatterns Optimization",
+                  "OptimizeDotStar: Use DotStart Optimization", "Profile: Profile the matching process"}),
               lines);
 }
 
+// The words of a command line, and what the options are afterwards.
 struct ParseCase {
     std::vector<std::string> words;
     size_t threshold;
@@ -75,14 +81,14 @@ struct ParseCase {
 
 std::string switchesOf(const CompileOptions& options) {
     std::string text;
-    for (const bool on : {options.optimizeLinearSubpatterns(), options.optimizeDotStar(),
-                          options.optimizeNullNodes(), options.profile()}) {
+    for (const bool on : {options.optimizeLinearSubpatterns(), options.optimizeDotStar(), options.optimizeNullNodes(),
+                          options.profile()}) {
         text += on ? '1' : '0';
     }
     return text;
 }
 
-TEST(CompileOptions, ParsesTextIntoTheNamedOptionOnly) {
+TEST(CompileOptions, ParseTextIntoTheNamedOptionOnly) {
     const ParseCase cases[] = {
         {{}, 1024, "1110"},
         {{"--InlineThreshold=0"}, 0, "1110"},
@@ -101,7 +107,7 @@ TEST(CompileOptions, ParsesTextIntoTheNamedOptionOnly) {
     }
 }
 
-TEST(CompileOptions, RejectsTextThatIsNoValue) {
+TEST(CompileOptions, RejectTextThatIsNoValue) {
     for (const char* word : {"--InlineThreshold=many", "--Profile=2", "--Unheard=1"}) {
         CompileOptions options;
         EXPECT_THROW(parse(options, {word}), po::error) << word;
@@ -109,7 +115,8 @@ TEST(CompileOptions, RejectsTextThatIsNoValue) {
     }
 }
 
-TEST(CompileOptions, ExchangesValuesWithTheHost) {
+// Through the host's array type, which is all that the two share. Only the first option is a number.
+TEST(CompileOptions, ExchangeValuesWithTheHost) {
     const utOptionContext context;
     CompileOptions source;
     parse(source, {"--InlineThreshold=77", "--OptimizeDotStar=0", "--Profile=1"});
@@ -124,6 +131,7 @@ TEST(CompileOptions, ExchangesValuesWithTheHost) {
     EXPECT_EQ(switchesOf(target), "1011");
 }
 
+// Reading outside of a scope gives the defaults, which nobody can change; writing makes an instance.
 TEST(SharedCompileOptions, FallBackToOneDefaultInstanceOutsideScopes) {
     const CompileOptions& fallback = CompileOptions::readGlobalCompileOptions();
     EXPECT_EQ(&CompileOptions::readGlobalCompileOptions(), &fallback);
@@ -136,6 +144,7 @@ TEST(SharedCompileOptions, FallBackToOneDefaultInstanceOutsideScopes) {
     EXPECT_EQ(printed(fallback), printed(CompileOptions()));
 }
 
+// A scope within another begins with the defaults, not with the outer scope's options.
 TEST(SharedCompileOptions, BelongToTheirScope) {
     const utScope outer;
     CompileOptions& ofOuter = CompileOptions::getGlobalCompileOptions();
@@ -149,7 +158,8 @@ TEST(SharedCompileOptions, BelongToTheirScope) {
     EXPECT_EQ(CompileOptions::readGlobalCompileOptions().inlineThreshold(), 3U);
 }
 
-TEST(SharedCompileOptionsThreads, ConcurrentFirstUsersGetOneInstance) {
+// All threads make an instance when none is there; the store keeps one, and nobody may use another.
+TEST(SharedCompileOptionsThreads, ShareOneInstanceAmongConcurrentFirstUsers) {
     const utScope shared;
     std::vector<const CompileOptions*> seen(8);
     std::vector<std::thread> threads;

@@ -1,4 +1,7 @@
 // What the passes make of a graph: the labels of its nodes, in the order in which the graph leads to them.
+//
+// Equal answers are tested elsewhere. Here is whether a rewrite happens at all: one that silently stopped happening
+// would cost time and fail no other test. A change to a pass is expected to change rows of this table.
 #include "tests/support/engine_run.h"
 #include "tests/support/pattern_random.h"
 #include "tests/support/text.h"
@@ -19,7 +22,9 @@
 namespace corvane_tests {
 namespace {
 
-auto nodesOf(const RE_Tree& tree) { return RE_Collection::reachable(const_cast<RE_Node*>(tree.getRoot())); }
+auto nodesOf(const RE_Tree& tree) {
+    return RE_Collection::reachable(const_cast<RE_Node*>(tree.getRoot()));
+}
 
 template <class Nodes>
 std::string labels(const Nodes& nodes) {
@@ -28,6 +33,7 @@ std::string labels(const Nodes& nodes) {
     return all;
 }
 
+/// The labels of the graph that this pattern has under these flags and passes, separated by semicolons.
 struct Case {
     const char16_t* pattern;
     RE_Flags flags;
@@ -35,14 +41,14 @@ struct Case {
     const char* labels;
 };
 
+// By the passes that run: none, null nodes alone, linear sub-patterns too, all.
 constexpr EngineConfig kNothing{false, false, false, 1024, false};
 constexpr EngineConfig kNulls{false, false, true, 1024, false};
 constexpr EngineConfig kLinear{true, false, true, 1024, false};
 constexpr EngineConfig kAll{true, true, true, 1024, false};
 
 const Case kCases[] = {
-    {u"a()b", 0x12, kNothing,
-     "Null; Match 'a'; Token start #1; Token end #1; Match 'b'; Null; End"},
+    {u"a()b", 0x12, kNothing, "Null; Match 'a'; Token start #1; Token end #1; Match 'b'; Null; End"},
     {u"a(?:)b", 0x12, kNulls, "Match 'a'; Match 'b'; End"},
     {u"abc", 0x12, kLinear, "Match 'abc'; End"},
     {u"abc", 0x13, kLinear, "Match 'abc' ignoring case; End"},
@@ -64,15 +70,17 @@ const Case kCases[] = {
     {u"foo|foobar|foo|bar", 0x12, kLinear, "Match 'foo'|'foobar'|'bar'; End"},
     {u"(?:a|bc|[de])f", 0x12, kLinear, "Match 'a'|'bc'|'d'|'e'; Match 'f'; End"},
     {u"ab|--|1", 0x13, kLinear, "Match 'ab'|'--'|'1' ignoring case; End"},
-    {u"ab|(?i:ab)|cd|-", 0x12, kLinear, "Dispatch to 3 ways; Match 'ab'; Match 'ab' ignoring case; Match 'cd'|'-'; End"},
+    {u"ab|(?i:ab)|cd|-", 0x12, kLinear,
+     "Dispatch to 3 ways; Match 'ab'; Match 'ab' ignoring case; Match 'cd'|'-'; End"},
     {u"(?:if|in|\\d+|x+y)*=", 0x12, kAll,
-     "Seek within text of 1 units; Dispatch to 4 ways; Match 'if'|'in'; Consume{1,}; Consume Possessive{1,}; Match '='; "
-     "Match \\d; Match 'y'; Match 'x'; End"},
+     "Seek within text of 1 units; Dispatch to 4 ways; Match 'if'|'in'; Consume{1,}; Consume Possessive{1,}; "
+     "Match '='; Match \\d; Match 'y'; Match 'x'; End"},
     {u"(?:(?:ab|cd)e|f)?(?:ab)*?", 0x12, kAll,
-     "Seek one of 3 units; Dispatch to 3 ways; Match 'ab'|'cd'; Match 'f'; Dispatch to 2 ways; Match 'e'; End; Match 'ab'"},
+     "Seek one of 3 units; Dispatch to 3 ways; Match 'ab'|'cd'; Match 'f'; Dispatch to 2 ways; Match 'e'; End; "
+     "Match 'ab'"},
     {u"(x)(?:ab|cd|\\1|\\1y|\\1z)", 0x12, kLinear,
-     "Token start #1; Match 'x'; Token end #1; Split; Match 'ab'|'cd'; Split; End; Match Token 1; Split; Match Token 1; "
-     "Match Token 1; Match 'y'; Match 'z'"},
+     "Token start #1; Match 'x'; Token end #1; Split; Match 'ab'|'cd'; Split; End; Match Token 1; Split; "
+     "Match Token 1; Match Token 1; Match 'y'; Match 'z'"},
     {u"^ab", 0x12, kAll, "Match start of string; Match 'ab'; End"},
     {u"(ab)c", 0x12, kAll, "Seek text of 2 units; Token start #1; Match 'ab'; Token end #1; Match 'c'; End"},
     {u"(?:ab){400}", 0x12, kNulls, "Start Counter; Fixed Counter{400}; Counter popper; Match 'a'; End; Match 'b'"},
@@ -81,13 +89,14 @@ const Case kCases[] = {
      "Start Counter; Lazy Counter{400}; Counter popper; End; Match 'a'; Lazy decrementer; Match 'b'"},
 };
 
-TEST(Passes, MakeTheseGraphs) {
+TEST(Passes, MakeTheGraphsOfTheTable) {
     for (const Case& c : kCases) {
         const Engine engine(c.pattern, c.flags, c.config);
         EXPECT_EQ(c.labels, labels(nodesOf(engine.tree())));
     }
 }
 
+/// Whether the run of 1s in this pattern backtracks, instead of being possessive.
 bool givesBackOnes(const std::u16string& pattern) {
     const RE_Tree tree(pattern, false);
     return std::ranges::any_of(nodesOf(tree), [](const RE_Node* node) {
@@ -124,11 +133,17 @@ std::vector<std::string> sortedLines(const std::string& text) {
     return lines;
 }
 
-// Literals are strings, and loops over one unit runs, from the beginning, unless somebody watches the stages.
-TEST(Passes, MakeTheSameGraphWithAndWithoutAWitness) {
+// The parser makes literals strings, and loops over one unit runs, from the beginning, unless the stages are watched.
+// Then passes do the same later, and both have to make one graph.
+TEST(Passes, MakeTheSameGraphWhetherOrNotTheStagesAreWatched) {
     PatternSource source(5);
-    std::vector<std::u16string> patterns{u"ab\\0cd(?:ef)g+hi(?i:-j)kl", u"(?:abc){3}d(?:e|fg)hi", u"a(?i:b-)--c", u"x(?=ab)cd",
-                                         u"(?:a+)+b|(?:(?:[ab]+)+)*c", u"(?:b|x*?)b|(?:|\\d{0,5}?)y", u"a?(?:b|.|c)d",
+    std::vector<std::u16string> patterns{u"ab\\0cd(?:ef)g+hi(?i:-j)kl",
+                                         u"(?:abc){3}d(?:e|fg)hi",
+                                         u"a(?i:b-)--c",
+                                         u"x(?=ab)cd",
+                                         u"(?:a+)+b|(?:(?:[ab]+)+)*c",
+                                         u"(?:b|x*?)b|(?:|\\d{0,5}?)y",
+                                         u"a?(?:b|.|c)d",
                                          u"x{2,}?y{0,3}z{4,40}+(?:a+?){2,}(?<=b{3,}?)[cd]?+"};
     for (int count = 0; count < 500; ++count) patterns.push_back(source.pattern());
     for (const std::u16string& pattern : patterns) {
@@ -140,6 +155,7 @@ TEST(Passes, MakeTheSameGraphWithAndWithoutAWitness) {
     }
 }
 
+/// The nodes that every match passes, as `keepBottlenecks` computes them.
 template <class Nodes>
 std::vector<RE_Node*> bottlenecks(const Nodes& nodes, RE_Node* root) {
     RE_Context host;
@@ -149,8 +165,12 @@ std::vector<RE_Node*> bottlenecks(const Nodes& nodes, RE_Node* root) {
     return {kept.begin(), kept.end()};
 }
 
+// A row is a pattern and its bottlenecks: the nodes without which no way leads to the end.
 TEST(Passes, KnowWhatEveryMatchPasses) {
-    const struct { const char16_t* pattern; const char* labels; } cases[] = {
+    const struct {
+        const char16_t* pattern;
+        const char* labels;
+    } cases[] = {
         {u"ab(?:cd|e\\d)fg", "Match 'ab'; Dispatch to 2 ways; Match 'fg'; End"},
         {u"a(?:b(?:cd)?)*e", "Match 'a'; Dispatch to 2 ways; Match 'e'; End"},
         {u"a(?:bc)+d", "Match 'a'; Match 'bc'; Dispatch to 2 ways; Match 'd'; End"},
@@ -173,13 +193,19 @@ TEST(Passes, KnowWhatEveryMatchPasses) {
     EXPECT_EQ(labels(nodes), labels(bottlenecks(nodes, nodeAs<RE_Atomic>(nodes.front())->body)));
 }
 
-TEST(Nodes, MeasureWhatLiesBehindThem) {
+// The least and the greatest number of units that the whole pattern can consume, which lengths of nodes add up to.
+TEST(Nodes, MeasureWhatFollowsThem) {
     constexpr std::uint64_t kUnbounded = RE_Node::unboundedLength;
-    const struct { const char16_t* pattern; std::uint64_t least, greatest; } cases[] = {
-        {u"ab(?:c|de)f", 4, 5}, {u"a{2,5}b", 3, 6},      {u"xa+?b?", 2, kUnbounded},
-        {u"(?>ab?)c", 2, 3},    {u"(?<=abc)(?!d)e", 1, 1}, {u"(a)x\\1", 2, kUnbounded},
+    const struct {
+        const char16_t* pattern;
+        std::uint64_t least, greatest;
+    } cases[] = {
+        {u"ab(?:c|de)f", 4, 5},         {u"a{2,5}b", 3, 6},
+        {u"xa+?b?", 2, kUnbounded},     {u"(?>ab?)c", 2, 3},
+        {u"(?<=abc)(?!d)e", 1, 1},      {u"(a)x\\1", 2, kUnbounded},
         {u"(?:ab|c)*d", 1, kUnbounded}, {u"(?:abc|de|fghi)[xy]", 3, 5},
-        {u"(?(?=a)abc)d", 1, 4}, {u"(?(?!a)bc|d)e", 2, 3}, {u"(?(?<=a)|bc)d", 1, 3}, {u"(a)?(?(1)bc)d", 1, 4},
+        {u"(?(?=a)abc)d", 1, 4},        {u"(?(?!a)bc|d)e", 2, 3},
+        {u"(?(?<=a)|bc)d", 1, 3},       {u"(a)?(?(1)bc)d", 1, 4},
     };
     for (const auto& c : cases) {
         const RE_Tree tree(c.pattern, false);
@@ -191,6 +217,7 @@ TEST(Nodes, MeasureWhatLiesBehindThem) {
     }
 }
 
+/// The definition of a bottleneck, by a walk that leaves out one node: slow, and without the algorithm's cleverness.
 bool endsWithout(RE_Node* root, const RE_Node* avoided) {
     std::set<RE_Node*> seen;
     std::vector<RE_Node*> pending{root};
@@ -203,6 +230,7 @@ bool endsWithout(RE_Node* root, const RE_Node* avoided) {
     return false;
 }
 
+// Against the definition: a node is a bottleneck if the end is out of reach without it.
 TEST(Passes, KnowWhatEveryMatchPassesInRandomPatterns) {
     PatternSource source(7);
     for (int count = 0; count < 300; ++count) {
@@ -216,6 +244,7 @@ TEST(Passes, KnowWhatEveryMatchPassesInRandomPatterns) {
     }
 }
 
+// Copies multiply where loops nest; counters have to take over before that becomes large.
 TEST(Passes, KeepNestedCountsSmall) {
     EXPECT_LT(RE_Tree(u"((a{100}){100}){100}", false).getNodeCount(), 10000u);
     EXPECT_LT(RE_Tree(u"((((((((a{1,2}){1,2}){1,2}){1,2}){1,2}){1,2}){1,2}){1,2}){1,2}", false).getNodeCount(), 10000u);

@@ -45,13 +45,12 @@ struct Counts {
     size_t differing = 0;
 };
 
-/// Draws patterns that PCRE2 can read and asks `difference` about them; it answers nothing when it cannot tell.
+/// Draws patterns that PCRE2 can read and passes them to `difference`, which returns nothing when it cannot judge.
 template <typename FindDifference>
 void compareWithPeer(std::uint64_t fallbackSeed, unsigned long patterns, unsigned without,
                      const FindDifference& difference) {
     const std::uint64_t seed = environmentNumber("CORVANE_TEST_SEED", fallbackSeed);
-    const unsigned long rounds =
-        environmentNumber("CORVANE_TEST_ROUNDS", sanitized() ? patterns / 10 : patterns);
+    const unsigned long rounds = environmentNumber("CORVANE_TEST_ROUNDS", sanitized() ? patterns / 10 : patterns);
     PatternSource source(seed);
     Counts counts;
     for (unsigned long round = 0; round < rounds && counts.differing < 10; ++round) {
@@ -65,9 +64,8 @@ void compareWithPeer(std::uint64_t fallbackSeed, unsigned long patterns, unsigne
                 continue;
             }
             const std::optional<std::string> found = difference(drawn, *parsed, subject, *theirs);
-            EXPECT_EQ("", found.value_or(""))
-                << printable(drawn.text) << "  flags " << drawn.flags << "  on '" << printable(subject)
-                << "'; CORVANE_TEST_SEED=" << seed;
+            EXPECT_EQ("", found.value_or("")) << printable(drawn.text) << "  flags " << drawn.flags << "  on '"
+                                              << printable(subject) << "'; CORVANE_TEST_SEED=" << seed;
             counts.compared += found ? 1 : 0;
             counts.found += theirs->empty() ? 0 : 1;
             counts.differing += found.value_or("").empty() ? 0 : 1;
@@ -78,19 +76,18 @@ void compareWithPeer(std::uint64_t fallbackSeed, unsigned long patterns, unsigne
 }
 
 TEST(Pcre2Peer, AgreesWithTheReferenceByItsRules) {
-    compareWithPeer(
-        31337, 6000, kForeign,
-        [](const DrawnPattern& drawn, const reference::Pattern& parsed, const std::u16string& subject,
-           const std::vector<Outcome>& theirs) -> std::optional<std::string> {
-            const auto ours =
-                reference::searchAll(parsed, drawn.flags, subject, 0, {20000}, reference::Rules::pcre2);
-            if (!ours) {
-                return std::nullopt;
-            }
-            const size_t tokens = parsed.tokenNames.size();
-            const auto expected = extents(theirs, tokens), got = extents(*ours, tokens);
-            return got == expected ? "" : "reference " + describe(got) + "  PCRE2 " + describe(expected);
-        });
+    compareWithPeer(31337, 6000, kForeign,
+                    [](const DrawnPattern& drawn, const reference::Pattern& parsed, const std::u16string& subject,
+                       const std::vector<Outcome>& theirs) -> std::optional<std::string> {
+                        const auto ours =
+                            reference::searchAll(parsed, drawn.flags, subject, 0, {20000}, reference::Rules::pcre2);
+                        if (!ours) {
+                            return std::nullopt;
+                        }
+                        const size_t tokens = parsed.tokenNames.size();
+                        const auto expected = extents(theirs, tokens), got = extents(*ours, tokens);
+                        return got == expected ? "" : "reference " + describe(got) + "  PCRE2 " + describe(expected);
+                    });
 }
 
 /// Branch order and nearest start pick different branches of a look-behind body, and a negative condition that does
@@ -112,8 +109,7 @@ bool tokensAgree(const Outcome& ours, const Outcome& theirs) {
     return true;
 }
 
-bool agree(const std::u16string& pattern, const std::vector<Outcome>& ours,
-           const std::vector<Outcome>& theirs) {
+bool agree(const std::u16string& pattern, const std::vector<Outcome>& ours, const std::vector<Outcome>& theirs) {
     return std::equal(ours.begin(), ours.end(), theirs.begin(), theirs.end(),
                       [&](const Outcome& one, const Outcome& other) {
                           return one.start == other.start && one.length == other.length &&
@@ -123,21 +119,21 @@ bool agree(const std::u16string& pattern, const std::vector<Outcome>& ours,
 
 // What reads tokens sees fewer here, loops over what may be empty end otherwise, and ^ holds after a last line feed.
 TEST(Pcre2Peer, AgreesWithTheEngineOnTheCommonSubset) {
-    compareWithPeer(1729, 4000, kForeign | kReferences | kHollowLoops,
-                    [](const DrawnPattern& drawn, const reference::Pattern&, const std::u16string& subject,
-                       const std::vector<Outcome>& theirs) -> std::optional<std::string> {
-                        if (subject.ends_with(u'\n')) {
-                            return std::nullopt;
-                        }
-                        const Engine engine(drawn.text, drawn.flags);
-                        RE_Seek_Table table;
-                        const auto ours = walkThrough(engine.tree(), subject, 0, Walk::sequence, table);
-                        return agree(drawn.text, ours, theirs)
-                                   ? ""
-                                   : "ours " + describe(ours) + "  PCRE2 " + describe(theirs);
-                    });
+    compareWithPeer(
+        1729, 4000, kForeign | kReferences | kHollowLoops,
+        [](const DrawnPattern& drawn, const reference::Pattern&, const std::u16string& subject,
+           const std::vector<Outcome>& theirs) -> std::optional<std::string> {
+            if (subject.ends_with(u'\n')) {
+                return std::nullopt;
+            }
+            const Engine engine(drawn.text, drawn.flags);
+            RE_Seek_Table table;
+            const auto ours = walkThrough(engine.tree(), subject, 0, Walk::sequence, table);
+            return agree(drawn.text, ours, theirs) ? "" : "ours " + describe(ours) + "  PCRE2 " + describe(theirs);
+        });
 }
 
+/// A reason from docs/dialect.md, and what each engine finds. "invalid": the peer refuses the pattern.
 struct KnownDifference {
     const char* reason;
     const char* pattern;
@@ -153,8 +149,7 @@ constexpr KnownDifference kKnown[] = {
     {"a skipped token is present and empty", "(?:(a)|(b))\\1", "b", kPlain, "[0,1]", "null"},
     {"an optional empty pass fails and its body tries on", "(?:|a)*", "aa", kEmptyToo, "[0,2]", "[0,0]"},
     {"an empty token does not satisfy a condition", "(a*)(?(1)b|c)", "c", kPlain, "[0,1]", "null"},
-    {"the nearest start of a look-behind comes first", "(?<=(ab)|(b))(?(2)c|d)", "abc", kPlain, "[2,1]",
-     "null"},
+    {"the nearest start of a look-behind comes first", "(?<=(ab)|(b))(?(2)c|d)", "abc", kPlain, "[2,1]", "null"},
     {"a negative condition leaves no token", "(?(?!(a))b|a)(?(1)b|c)", "ac", kPlain, "[0,2]", "null"},
     {"with m a line begins after the last line feed", "(?m)\\n^", "a\n", kPlain, "[1,1]", "null"},
     {"\\b is the backspace unit", "\\ba", "a", kPlain, "null", "[0,1]"},
@@ -174,14 +169,13 @@ std::string extent(const Outcome& outcome) {
     return describe(Outcome{outcome.matched, outcome.start, outcome.length, {}});
 }
 
+// A difference that goes away, in either engine, fails here, and its row in docs/dialect.md has to go too.
 TEST(Pcre2Peer, DiffersExactlyWhereItIsKnownTo) {
     for (const KnownDifference& known : kKnown) {
         const std::u16string pattern = widen(known.pattern);
-        EXPECT_EQ(known.ours, extent(Engine(pattern, known.flags).search(widen(known.subject))))
-            << known.reason;
+        EXPECT_EQ(known.ours, extent(Engine(pattern, known.flags).search(widen(known.subject)))) << known.reason;
         const Pcre2Pattern peer(pattern, known.flags);
-        EXPECT_EQ(known.theirs,
-                  peer.valid() ? extent(peer.search(widen(known.subject), 0).value()) : "invalid")
+        EXPECT_EQ(known.theirs, peer.valid() ? extent(peer.search(widen(known.subject), 0).value()) : "invalid")
             << known.reason;
     }
 }

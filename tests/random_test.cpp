@@ -1,6 +1,10 @@
 // Random patterns of the whole dialect: the plain graph against the reference matcher, and all settings against the
 // plain graph. A failure prints its seed: CORVANE_TEST_SEED repeats it, CORVANE_TEST_ROUNDS sets the number of
 // patterns.
+//
+// Two comparisons in place of one, because the reference gives up on long searches: it judges the plain graph where it
+// can, and the plain graph, which is simple and slow, judges every setting everywhere. Calls of the host are compared
+// too.
 #include "tests/support/differential.h"
 #include "tests/support/pattern_random.h"
 #include "tests/support/subject_random.h"
@@ -44,6 +48,8 @@ void compareSweep(unsigned without, std::uint64_t seed, unsigned long patterns) 
     expectAgreement(comparison, seed);
 }
 
+/// Constructs side by side and in each other with little else around, over two letters: faults of a pair of constructs
+/// that other parts of a pattern would hide.
 void compareDense(unsigned without, std::uint64_t seed, unsigned long patterns) {
     Comparison comparison;
     PatternSource source(seed);
@@ -54,6 +60,8 @@ void compareDense(unsigned without, std::uint64_t seed, unsigned long patterns) 
     expectAgreement(comparison, seed);
 }
 
+// A test of the tests: a construct that no draw brings into a context is not tested there. A pair that cannot be drawn
+// has a reason in the tables, and only the known reasons count.
 TEST(RandomPatterns, BringEveryConstructIntoEveryContext) {
     PatternSource source(1);
     for (size_t left = PatternSource::sweep(); left > 0; --left) {
@@ -77,7 +85,8 @@ TEST(RandomPatterns, BringEveryConstructIntoEveryContext) {
         }
     }
     EXPECT_EQ("", missing.str());
-    EXPECT_EQ((std::set<std::string>{"it has no longest match", "its bracket would be paired with another"}), impossible);
+    EXPECT_EQ((std::set<std::string>{"it has no longest match", "its bracket would be paired with another"}),
+              impossible);
 }
 
 TEST(RandomPatterns, OfEveryConstructInEveryContextAgree) {
@@ -93,6 +102,7 @@ TEST(RandomPatterns, WithoutTokenReadersAgree) {
     compareSweep(kTokenReaders, seedFor(77), rounds(6000));
 }
 
+// Without a plan: patterns in which no construct was placed on purpose.
 TEST(RandomPatterns, OfWhatChanceBringsAgree) {
     Comparison comparison;
     const std::uint64_t seed = seedFor(4711);
@@ -105,7 +115,7 @@ TEST(RandomPatterns, OfWhatChanceBringsAgree) {
     expectAgreement(comparison, seed);
 }
 
-/// The memo begins with the first choice taken up again, and needed literals are looked for after each start, which
+/// The memo begins with the first choice that is resumed, and needed literals are searched for after each start, which
 /// searches this small would not reach.
 TEST(EagerMemo, LosesNoMatchAndNoToken) {
     const Delays delays(0, 0, 0);
@@ -122,8 +132,7 @@ TEST(RandomPatterns, FindTheSameInLongRunsAsThePlainGraph) {
         const std::u16string subject = source.runs(7, 150);
         const auto expected = plain.searchWithin(subject, 0, {.steps = 20000});
         const auto got = fast.searchWithin(subject, 0, {.steps = 20000});
-        ASSERT_TRUE(!expected || !got || *expected == *got)
-            << printable(drawn.text) << " on " << printable(subject);
+        ASSERT_TRUE(!expected || !got || *expected == *got) << printable(drawn.text) << " on " << printable(subject);
     }
 }
 

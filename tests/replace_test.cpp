@@ -1,4 +1,7 @@
 // Replacement strings, and the texts they produce.
+//
+// The oracles are a table of written results and, for drawn replacements, the model of tests/support/replace_model.h.
+// Buffers change hands here, so capacities and live blocks are checked as strictly as texts.
 #include "host/allocation_counter.h"
 #include "host/interrupt.h"
 #include "regexp/parser/parser_context.h"
@@ -19,7 +22,7 @@
 namespace corvane_tests {
 namespace {
 
-// Pattern with flags, replacement, subject, options, result.
+// Pattern with flags, replacement, subject, whether the case is adjusted, which match is replaced (0: all), result.
 struct ReplaceCase {
     const char16_t* pattern;
     RE_Flags flags;
@@ -39,7 +42,8 @@ const ReplaceCase replaceCases[] = {
     {u"(a)", kPlain, u"$18446744073709551616", u"a", false, 0, u"a8446744073709551616"},
     {u"(?<y>\\d)(?<m>x)?", kPlain, u"$<y>$<m>$<none>$< y>", u"7", false, 0, u"7$<m>$<none>$< y>"},
     {u"a", kPlain, u"\\$0\\\\\\x41\\x{1F600}\\$", u"a", false, 0, u"$0\\A\U0001F600$"},
-    {u"(a)", kPlain, u"\\o{9}|\\x{4-1}|\\x{41|\\x{$1}|\\o8|\\x{110000}", u"a", false, 0, u"o{9}|x{4-1}|x{41|x{a}|o8|x{110000}"},
+    {u"(a)", kPlain, u"\\o{9}|\\x{4-1}|\\x{41|\\x{$1}|\\o8|\\x{110000}", u"a", false, 0,
+     u"o{9}|x{4-1}|x{41|x{a}|o8|x{110000}"},
     {u"x*", kEmptyToo, u"-", u"axb", false, 0, u"-a-b-"},
     {u"", kEmptyToo, u"-", u"", false, 0, u"-"},
     {u"x*", kPlain, u"-", u"axb", false, 0, u"a-b"},
@@ -53,6 +57,8 @@ const ReplaceCase replaceCases[] = {
     {u"(?<=a)b", kPlain, u"$`", u"abab", false, 0, u"aaaaba"},
 };
 
+// The same row through the string, the buffer with and without room to spare, and the narrow overloads. A buffer that
+// is large enough is kept; one that is not grows once, by a known rule.
 TEST(Replace, WritesWhatTheTableSaysThroughEveryOverload) {
     for (const ReplaceCase& c : replaceCases) {
         RE_Context host;
@@ -70,7 +76,8 @@ TEST(Replace, WritesWhatTheTableSaysThroughEveryOverload) {
             buffer = replace.replace(buffer, &length, &capacity, &tree, c.adjustCase, c.which);
             EXPECT_EQ(printable(expected), printable({buffer, length}));
             EXPECT_EQ(expected.size() > subject.size() + spare ? subject.size() + spare + expected.size()
-                                                               : subject.size() + spare, capacity);
+                                                               : subject.size() + spare,
+                      capacity);
             utFree(buffer);
         }
         if (expected.find(0xD83D) == expected.npos) {
@@ -88,6 +95,7 @@ TEST(Replace, WritesWhatTheTableSaysThroughEveryOverload) {
     }
 }
 
+// The overload that takes pattern and replacement as narrow text. A null replacement is an empty one.
 TEST(Replace, CompilesBothTextsForOneCall) {
     for (const char* replacement : {"<$0>", static_cast<const char*>(nullptr)}) {
         for (const bool ignoreCase : {false, true}) {
@@ -95,8 +103,8 @@ TEST(Replace, CompilesBothTextsForOneCall) {
             auto* buffer = static_cast<char*>(utMallocWithCheck(length));
             std::memcpy(buffer, "aAxA", length);
             buffer = RE_Replace::replace(buffer, &length, "a", replacement, ignoreCase, false);
-            const std::string expected = replacement == nullptr ? (ignoreCase ? "x" : "AxA")
-                                                                : (ignoreCase ? "<a><A>x<A>" : "<a>AxA");
+            const std::string expected =
+                replacement == nullptr ? (ignoreCase ? "x" : "AxA") : (ignoreCase ? "<a><A>x<A>" : "<a>AxA");
             EXPECT_EQ(expected, std::string(buffer, length));
             utFree(buffer);
         }
@@ -121,7 +129,8 @@ TEST(Replace, ReadsEveryShortTextAsTheModelDoes) {
     });
 }
 
-TEST(Replace, TakesEveryPairOfUnitsForItselfOrForLess) {
+// A text without $ and backslash is itself; any other pair becomes two units at most.
+TEST(Replace, ReadsEveryPairOfUnitsAsItselfOrAsLess) {
     const RE_Tree tree(u"m", false);
     for (unsigned pair = 0; pair < 128 * 128; ++pair) {
         const std::u16string text{static_cast<char16_t>(pair / 128), static_cast<char16_t>(pair % 128)};
@@ -140,9 +149,21 @@ TEST(Replace, AgreesWithTheModelOnRandomCases) {
         std::ranges::generate(out, [&] { return alphabet[pick(alphabet.size())]; });
         return out;
     };
-    const char16_t* patterns[] = {u"(a|b)+",   u"(?<a>\\w+)(\\s)?", u"a*?",  u"(?=(\\w))\\w*", u"([ab])(\\1)?", u"",
-                                  u"(?<!a)b*", u"[a-z_ ]+",         u"\\<.", u"(a)|(B)",       u"\\D{2,5}",
-                                  u"(?:ab|a|B)*?", u"(?:(?:a|b)* |)(?:a|ab)+", u"(?>a*)(?:b|ba)*_?", u"(?:(a|b)\\1|_){2,3}"};
+    const char16_t* patterns[] = {u"(a|b)+",
+                                  u"(?<a>\\w+)(\\s)?",
+                                  u"a*?",
+                                  u"(?=(\\w))\\w*",
+                                  u"([ab])(\\1)?",
+                                  u"",
+                                  u"(?<!a)b*",
+                                  u"[a-z_ ]+",
+                                  u"\\<.",
+                                  u"(a)|(B)",
+                                  u"\\D{2,5}",
+                                  u"(?:ab|a|B)*?",
+                                  u"(?:(?:a|b)* |)(?:a|ab)+",
+                                  u"(?>a*)(?:b|ba)*_?",
+                                  u"(?:(a|b)\\1|_){2,3}"};
     for (int round = 0; round < 20000; ++round) {
         RE_Context host;
         const RE_Tuning usual;
@@ -159,6 +180,7 @@ TEST(Replace, AgreesWithTheModelOnRandomCases) {
     }
 }
 
+// All short matches over upper and lower case, both word separators, a unit between words and one without case.
 TEST(Replace, GivesThePieceTheCaseOfTheMatch) {
     forEachSubject(u"aB_'\u4E00", 7, [](const std::u16string& matched) {
         std::u16string piece = u"_one 'tWO 3x_\u00E9T\u00C9";
@@ -166,15 +188,22 @@ TEST(Replace, GivesThePieceTheCaseOfTheMatch) {
         applyCaseForm(piece.data(), piece.size(), caseForm(matched));
         ASSERT_EQ(printable(expected), printable(piece)) << printable(matched);
     });
-    const std::pair<const char16_t*, RE_Case_Form> forms[] = {
-        {u"A", RE_Case_Form::upper},          {u"A Dog", RE_Case_Form::every_word},  {u"Big dog", RE_Case_Form::first_word},
-        {u"O'Neil", RE_Case_Form::irregular}, {u"iPhone", RE_Case_Form::irregular}, {u"12 Big 3 dogs", RE_Case_Form::first_word},
-        {u"", RE_Case_Form::irregular},       {u"42", RE_Case_Form::irregular},     {u"BIG dog", RE_Case_Form::irregular}};
+    const std::pair<const char16_t*, RE_Case_Form> forms[] = {{u"A", RE_Case_Form::upper},
+                                                              {u"A Dog", RE_Case_Form::every_word},
+                                                              {u"Big dog", RE_Case_Form::first_word},
+                                                              {u"O'Neil", RE_Case_Form::irregular},
+                                                              {u"iPhone", RE_Case_Form::irregular},
+                                                              {u"12 Big 3 dogs", RE_Case_Form::first_word},
+                                                              {u"", RE_Case_Form::irregular},
+                                                              {u"42", RE_Case_Form::irregular},
+                                                              {u"BIG dog", RE_Case_Form::irregular}};
     for (const auto& [text, form] : forms) {
         EXPECT_EQ(form, caseForm(text)) << printable(text);
     }
 }
 
+// First column: a replacement under free spacing; second: what it writes. Then: whether a text in braces is an
+// expression.
 TEST(Replace, FreeSpacingCountsOnlyTheNameAndCommentsHideBraces) {
     RE_Context plain;
     struct Allowing : RE_Context {
@@ -183,9 +212,9 @@ TEST(Replace, FreeSpacingCountsOnlyTheNameAndCommentsHideBraces) {
     const RE_Tree tree(u"(?<a>x)", false);
     const std::pair<std::u16string, const char16_t*> names[] = {
         {u"$< a >|$<a>|$<a#\n>", u"x >|x|x\n>"},
-        {u"$<#$<a>$< a>\n", u"$<#xx>\n"},                     // brackets in a comment that hides no name
-        {u"$<#$<$< -\n #\nab", u"$<#$<$< -\n #\nab"},         // each leads to a name without an end
-        {u"$<#$<\n#\na #$<a>\n>|", u"x<\n#\na #x\n>|"},         // behind two comments there is one
+        {u"$<#$<a>$< a>\n", u"$<#xx>\n"},                // brackets in a comment that hides no name
+        {u"$<#$<$< -\n #\nab", u"$<#$<$< -\n #\nab"},    // each leads to a name without an end
+        {u"$<#$<\n#\na #$<a>\n>|", u"x<\n#\na #x\n>|"},  // behind two comments there is one
         {u"$< #", u"$< #"},
     };
     for (const auto& [text, result] : names) {
@@ -193,9 +222,9 @@ TEST(Replace, FreeSpacingCountsOnlyTheNameAndCommentsHideBraces) {
         EXPECT_EQ(printable(result), printable(replace.replace(u"x", tree, false, 0))) << printable(text);
     }
     const std::pair<const char16_t*, bool> expressions[] = {
-        {u"${a}", true},   {u"${}", true},       {u"${(})}", true}, {u"${(}", false},    {u"${\\}}", true},
-        {u"${\\}", false}, {u"${#}\n}", true},   {u"${#}", false},  {u"${[{()}]}", true}, {u"${)]}", true},
-        {u"${", false},    {u"${([{\\", false},  {u"${a[(]b}", false}, {u"${[[]}", false}, {u"${[\\(]}", true}};
+        {u"${a}", true},   {u"${}", true},      {u"${(})}", true},    {u"${(}", false},     {u"${\\}}", true},
+        {u"${\\}", false}, {u"${#}\n}", true},  {u"${#}", false},     {u"${[{()}]}", true}, {u"${)]}", true},
+        {u"${", false},    {u"${([{\\", false}, {u"${a[(]b}", false}, {u"${[[]}", false},   {u"${[\\(]}", true}};
     for (const auto& [text, isExpression] : expressions) {
         const RE_Replace replace(text, std::u16string_view(text).size(), 0x18, &allowing);
         EXPECT_EQ(isExpression, replace.graph().find("Evaluate") != std::string::npos) << printable(text);
@@ -203,17 +232,21 @@ TEST(Replace, FreeSpacingCountsOnlyTheNameAndCommentsHideBraces) {
     }
 }
 
-TEST(Replace, TellsTheParserStateWhatItRefersTo) {
+// A dynamic text is compiled with the pattern, which has to know which tokens it reads and that it reads the
+// surroundings.
+TEST(Replace, ReportsItsReferencesToTheParser) {
     RE_Context host;
     RE_ParserContext parser(&host, nullptr, kPlain);
     const std::u16string text = u"$123 $<na>$&";
     const RE_Replace replace(&parser, text.data(), text.size());
     EXPECT_EQ(3u, replace.getReferenceCount());
-    EXPECT_EQ((std::vector<size_t>{122, 11, 0}), std::vector<size_t>(parser.facts->referencedTokens.begin(), parser.facts->referencedTokens.end()));
+    EXPECT_EQ((std::vector<size_t>{122, 11, 0}),
+              std::vector<size_t>(parser.facts->referencedTokens.begin(), parser.facts->referencedTokens.end()));
     EXPECT_EQ((std::vector<std::u16string>{u"na"}), parser.referencedNames);
     EXPECT_TRUE(parser.refersToSurroundings);
 }
 
+// Each distinct reference is one variable, named by the host; equal references share it.
 TEST(Replace, PutsVariablesInPlaceOfDistinctReferences) {
     struct Namer : RE_Context {
         RE_Evaluation_IO* create_unique_var(const char* stem, const RE_Builder_Space::RE_Builder& text) override {
@@ -233,14 +266,17 @@ TEST(Replace, PutsVariablesInPlaceOfDistinctReferences) {
 }
 
 TEST(Replace, DrawsItsChain) {
-    EXPECT_EQ("digraph regexprep {\n  n1 [label=\"'a\\\"'\"];\n  n2 [label=\"Token #1\"];\n  n1 -> n2;\n"
-              "  n3 [label=\"''\"];\n  n2 -> n3;\n}\n", RE_Replace(u"a\"$1").graph());
+    EXPECT_EQ(
+        "digraph regexprep {\n  n1 [label=\"'a\\\"'\"];\n  n2 [label=\"Token #1\"];\n  n1 -> n2;\n"
+        "  n3 [label=\"''\"];\n  n2 -> n3;\n}\n",
+        RE_Replace(u"a\"$1").graph());
 }
 
+// Twenty times the matches take as many allocations, whatever the pattern keeps from match to match.
 TEST(Replace, AllocatesNoMoreForMoreMatches) {
     RE_Context host;
-    const char16_t* patterns[] = {u"a",       u"(a)(b)", u"(?<n>a+?)b", u"(?:a|ab)(?>b*)", u"(?<=(a))b", u"(a|b)\\1",
-                                  u"\\w{2,3}", u"a*",     u"(?:(a)|b){2,4}?", u"(?:(?:ab){2}){1,2}"};
+    const char16_t* patterns[] = {u"a",        u"(a)(b)",   u"(?<n>a+?)b", u"(?:a|ab)(?>b*)",  u"(?<=(a))b",
+                                  u"(a|b)\\1", u"\\w{2,3}", u"a*",         u"(?:(a)|b){2,4}?", u"(?:(?:ab){2}){1,2}"};
     for (const std::u16string pattern : patterns) {
         size_t requests[2] = {};
         const RE_Tree tree(pattern.data(), pattern.size(), kEmptyToo, &host);
@@ -256,6 +292,7 @@ TEST(Replace, AllocatesNoMoreForMoreMatches) {
     }
 }
 
+// The buffers are the caller's until the call succeeds. After a failure the caller still frees the ones it passed.
 TEST(Replace, LeaksNothingWhicheverAllocationFails) {
     const std::u16string pattern = u"(?<n>a+)(b|c)*?d";
     bool failed = true;
@@ -269,7 +306,8 @@ TEST(Replace, LeaksNothingWhicheverAllocationFails) {
         counter.failAt(n);
         try {
             const RE_Tree tree(pattern, false);
-            const RE_Replace replace(u"$10$<n>${x$`$'$&$`$'$& long enough to grow all of the buffers $`$'$&$`$'$&$`$'$&$`$'$&");
+            const RE_Replace replace(
+                u"$10$<n>${x$`$'$&$`$'$& long enough to grow all of the buffers $`$'$&$`$'$&$`$'$&$`$'$&");
             wide = replace.replace(wide, &length, &capacity, &tree, true, 0);
             narrow = replace.replace(narrow, &bytes, &tree, false, 0);
             narrow = RE_Replace::replace(narrow, &bytes, "a", "$<none>$`$0\\n", true, true);
@@ -284,6 +322,8 @@ TEST(Replace, LeaksNothingWhicheverAllocationFails) {
     }
 }
 
+// A flag from before stops nothing and is up again afterwards; one that goes up at the second match ends the work
+// there, if interrupts are allowed.
 TEST(Replace, PutsAnEarlierInterruptAsideAndStopsAtALaterOne) {
     Interruptible host;
     const RE_Replace replace(u"-", 1, kPlain, &host);
@@ -308,7 +348,8 @@ TEST(Replace, PutsAnEarlierInterruptAsideAndStopsAtALaterOne) {
     }
 }
 
-TEST(Replace, CopiesNothingBehindASearchThatWasBrokenOff) {
+// The text after the last match was not searched to its end, so nobody knows that it has no match.
+TEST(Replace, CopiesNothingAfterASearchThatWasBrokenOff) {
     struct Stopping : Interruptible {
         RE_Context* clone() override { return new Stopping(*this); }
         bool allow_evaluation() override { return true; }
@@ -328,6 +369,7 @@ TEST(Replace, CopiesNothingBehindASearchThatWasBrokenOff) {
     EXPECT_EQ(2u, matches);
 }
 
+// A moved-from replacement writes nothing, and can be assigned to again.
 TEST(Replace, GivesUpItsChainWhenMovedAndNeedsNoContext) {
     const RE_Tree tree(u"a", false);
     utAllocationCounter counter;
@@ -345,11 +387,13 @@ TEST(Replace, GivesUpItsChainWhenMovedAndNeedsNoContext) {
     EXPECT_EQ(live, counter.live());
 }
 
+// Openings without an end, each of which a careless reader would search to the end of the text for its closing mark.
 TEST(Replace, HandlesLongAndHostileTextsInLinearTime) {
     runOnSmallStack([] {
         Interruptible host;
         const RE_Tree tree(u"(a)", false);
-        for (const std::u16string part : {u"$1", u"${", u"${(", u"$<", u"\\", u"$9", u"${#\n", u"${#", u"$<#", u"$<#$<a"}) {
+        for (const std::u16string part :
+             {u"$1", u"${", u"${(", u"$<", u"\\", u"$9", u"${#\n", u"${#", u"$<#", u"$<#$<a"}) {
             const std::u16string text = repeated(part, 200000);
             EXPECT_GE(RE_Replace(text.data(), text.size(), 0x18, &host).replace(u"a", tree, false, 0).size(), 100000u);
         }
@@ -367,6 +411,7 @@ TEST(Replace, BuildsNothingFromResultsWithoutASubject) {
     utFree(buffer);
 }
 
+// Every sign that has a meaning in patterns, and texts that have to stay as they are.
 TEST(Translate, EscapesTranslatesAndMakesSpaces) {
     using Function = std::u16string (*)(std::u16string_view);
     struct {
@@ -391,6 +436,7 @@ TEST(Translate, EscapesTranslatesAndMakesSpaces) {
     }
 }
 
+// All units of the plane, 64 to a pattern in random order, so that each has many neighbours over time.
 TEST(Translate, EscapedTextMatchesExactlyItself) {
     std::u16string every(65536, u'\0');
     std::iota(every.begin(), every.end(), u'\0');

@@ -1,4 +1,7 @@
 // The search state, the token store and the seek table, called directly.
+//
+// Applications that write nodes of their own use these operations, in orders that the engine never uses. The contract
+// is in the headers; there is no oracle but the expected values.
 #include "host/interrupt.h"
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/counters.h"
@@ -26,6 +29,7 @@ protected:
     RE_Search_Info info{kText, 10, 3, nullptr, false};
 };
 
+// A scope hides the choices from before it, and leaves them as they were.
 TEST_F(SearchState, PopsNothingWhenFreshAndNothingBelowAScope) {
     EXPECT_EQ(nullptr, info.popChoice());
     auto* const split = parser.make<RE_Split>();
@@ -37,6 +41,7 @@ TEST_F(SearchState, PopsNothingWhenFreshAndNothingBelowAScope) {
     EXPECT_EQ(nullptr, info.popChoice());
 }
 
+// Nodes made by hand have no place in the memo: their pushes are guarded by what is on the stack.
 TEST_F(SearchState, RefusesTheSameSplitAtTheSamePositionOnly) {
     auto* const split = parser.make<RE_Split>();
     auto* const other = parser.make<RE_Split>();
@@ -46,6 +51,7 @@ TEST_F(SearchState, RefusesTheSameSplitAtTheSamePositionOnly) {
     EXPECT_TRUE(info.pushChoice(split, kText + 2, true));
 }
 
+// The tokens in effect are a part of the state, so the same split at the same position is new with more of them.
 TEST_F(SearchState, RemembersMemoisedStatesPerTokenCount) {
     auto* const split = parser.make<RE_Split>();
     split->memoised = true;
@@ -61,6 +67,7 @@ TEST_F(SearchState, RemembersMemoisedStatesPerTokenCount) {
     EXPECT_TRUE(pushAndPop()) << "the states of counts above the token's index are forgotten";
 }
 
+// A node that pushes with "reuse" moves its own record; what was left after it belongs to the choice that is gone.
 TEST_F(SearchState, ReusesItsOwnRecordAndDiscardsThoseAbove) {
     auto* const split = parser.make<RE_Split>();
     auto* const above = parser.make<RE_Split>();
@@ -71,6 +78,7 @@ TEST_F(SearchState, ReusesItsOwnRecordAndDiscardsThoseAbove) {
     EXPECT_EQ(nullptr, info.popChoice());
 }
 
+// Level 0 is the innermost entry of a loop. Counting without an entry, and below zero, has to be harmless.
 TEST_F(SearchState, KeepsCountsPerCounterAndLevel) {
     auto* const counter = parser.make<RE_Limit_Counter>(3);
     EXPECT_EQ(0u, info.countAt(counter, 0));
@@ -88,7 +96,8 @@ TEST_F(SearchState, KeepsCountsPerCounterAndLevel) {
     EXPECT_EQ(0u, info.countAt(counter, 0));
 }
 
-TEST_F(SearchState, LoopsMadeByHandRememberForThemselves) {
+// Two loops in one search, neither made by the parser: what one measured must not be taken for the run of the other.
+TEST_F(SearchState, KeepsTheRunsOfLoopsMadeByHandApart) {
     const std::u16string text = std::u16string(100, u'a') + std::u16string(100, u'b');
     RE_Search_Info search(text.data(), text.size(), 0, nullptr, false);
     for (const size_t length : {200u, 100u}) {
@@ -98,6 +107,7 @@ TEST_F(SearchState, LoopsMadeByHandRememberForThemselves) {
     }
 }
 
+// A node made by hand may write any number and any place; reading must stay within the store and the subject.
 TEST_F(SearchState, IgnoresTokensThatDoNotExistOrReachPastTheSubject) {
     info.startToken(9, nullptr, kText);
     info.endToken(9, kText + 1, false);
@@ -115,6 +125,7 @@ void expectIndexed(const RE_Token_Stack& tokens, const RE_Search_Info& info) {
     EXPECT_EQ(nullptr, info.getToken(std::numeric_limits<Index>::max()));
 }
 
+// The overloads for numbers and names must be unambiguous for each of them, the literal 0 included.
 TEST_F(SearchState, FindsTokensByIntegersOfEveryType) {
     for (const size_t index : {0u, 1u}) {
         info.startToken(index, u"name", kText);
@@ -150,7 +161,8 @@ TEST(TokenStack, ForgetsHigherTokensAndFindsTheLowestOfAName) {
     EXPECT_EQ(nullptr, tokens.get(size_t{0}));
 }
 
-TEST(SeekTable, AnswersBetweenWhereItAskedAndWhatItFound) {
+// An answer "from 2, found at 7" holds for every start from 2 to 7, and for no other.
+TEST(SeekTable, AnswersBetweenAQueryAndItsResult) {
     RE_Context host;
     RE_ParserContext parser(&host, nullptr, 0);
     const RE_Node* const node = parser.make<RE_Null>();
@@ -177,6 +189,7 @@ TEST(SeekTable, AnswersBetweenWhereItAskedAndWhatItFound) {
     EXPECT_TRUE(isKey);
 }
 
+// All pairs of a list that is in order.
 TEST(SeekTable, OrdersKeysByNodeAndWords) {
     RE_Context host;
     RE_ParserContext parser(&host, nullptr, 0);
@@ -196,7 +209,7 @@ TEST(SeekTable, OrdersKeysByNodeAndWords) {
 
 // --- interrupts ---
 
-TEST(Interrupts, ArrivingDuringASearchEndItOnlyWhereTheHostAllows) {
+TEST(Interrupts, EndASearchOnlyWhereTheHostAllows) {
     // The flag is raised by a search state that outlives the beginning of the search.
     for (const bool allowed : {true, false}) {
         const std::u16string subject(5000, u'a');
@@ -206,6 +219,7 @@ TEST(Interrupts, ArrivingDuringASearchEndItOnlyWhereTheHostAllows) {
         while (steps < 5000 && !info.pollInterrupt()) {
             ++steps;
         }
+        // Every 2048th poll asks the host; see "Interrupts" in docs/execution-model.md.
         EXPECT_EQ(allowed ? 2047 : 5000, steps);
         utInterruptState::SetInterruptPending(false);
     }

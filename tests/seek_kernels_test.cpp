@@ -1,4 +1,7 @@
 // The vector scans against plain loops: every start and end around a vector's width, every place of a hit.
+//
+// What goes wrong in a vector scan is its edges: the first and the last partial vector, and a hit that is in both of
+// two overlapping loads. CMake runs these tests once for each width of vectors that a processor may have.
 #include "regexp/seek/kernels.h"
 
 #include <gtest/gtest.h>
@@ -12,9 +15,16 @@ namespace {
 constexpr size_t kLongest = 240;  // more than the widest vectors take at once
 constexpr RE_Unit_Pair kPair{u'Q', u'q'};
 constexpr RE_Literal_Probe kProbe{{u'Q', u'Q'}, {u'z', u'Z'}, 2, 5};
-constexpr RE_Literal_Probe kThree{
-    .first = {u'Q', u'q'}, .second = {u'z', u'Z'}, .firstAt = 2, .secondAt = 5, .hasThird = true, .third = {u'.', 0x3B2}, .thirdAt = 1};
+constexpr RE_Literal_Probe kThree{.first = {u'Q', u'q'},
+                                  .second = {u'z', u'Z'},
+                                  .firstAt = 2,
+                                  .secondAt = 5,
+                                  .hasThird = true,
+                                  .third = {u'.', 0x3B2},
+                                  .thirdAt = 1};
 
+/// Compares a scan forward and one backward with a loop over `holds`. A scan may read up to `reach` units past the last
+/// position that it considers, and not one more.
 template <class Test>
 void compare(const std::u16string& text, size_t reach, Test holds, const auto& first, const auto& last) {
     for (size_t begin = 0; begin + reach <= text.size(); begin += text.size() > 40 ? 7 : 1) {
@@ -36,14 +46,14 @@ void compare(const std::u16string& text, size_t reach, Test holds, const auto& f
     }
 }
 
+/// Every kernel on one text: one unit, two and three of a literal, prefixes, classes.
 void compareAll(const std::u16string& text) {
     compare(
         text, 0, [](const char16_t* p) { return kPair.holds(*p); },
         [](auto p, auto end) { return findUnit(p, end, kPair); },
         [](auto p, auto end) { return findLastUnit(p, end, kPair); });
     compare(
-        text, kProbe.secondAt,
-        [](const char16_t* p) { return kProbe.first.holds(p[2]) && kProbe.second.holds(p[5]); },
+        text, kProbe.secondAt, [](const char16_t* p) { return kProbe.first.holds(p[2]) && kProbe.second.holds(p[5]); },
         [](auto p, auto end) { return findProbe(p, end, kProbe); },
         [](auto p, auto end) { return findLastProbe(p, end, kProbe); });
     const auto threeHold = [](const char16_t* p) {
@@ -66,7 +76,8 @@ void compareAll(const std::u16string& text) {
             }
             return nullptr;
         };
-        compare(text, 2, holds, [&scan](auto p, auto end) { return findPrefix(p, end, scan); }, last);
+        compare(
+            text, 2, holds, [&scan](auto p, auto end) { return findPrefix(p, end, scan); }, last);
     }
     RE_Unit_Set letters;
     letters.addRange(u'A', u'Z');
@@ -81,6 +92,8 @@ void compareAll(const std::u16string& text) {
     }
 }
 
+// A text of dots, in which three units are placed: a hit, a unit three further that belongs to it, and one that does
+// not.
 TEST(SeekKernels, FindWhatPlainLoopsFind) {
     for (size_t length = 0; length <= kLongest; length += length < 70 ? 1 : 17) {
         compareAll(std::u16string(length, u'.'));
@@ -94,7 +107,8 @@ TEST(SeekKernels, FindWhatPlainLoopsFind) {
     }
 }
 
-TEST(SeekKernels, ClassesAreExactForEveryUnit) {
+// Kernels compare parts of units against small tables; each of the 65,536 units has to come out right.
+TEST(SeekKernels, AreExactForEveryUnitOfAClass) {
     const RE_Unit_Classes& classes = RE_Unit_Classes::get();
     for (const RE_Unit_Set* set : {&classes.words, &classes.noWords, &classes.digits, &classes.noSpaces}) {
         const RE_Class_Scan scan(*set, true);

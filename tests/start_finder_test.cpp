@@ -1,4 +1,7 @@
-// Which start finder a pattern gets, and that it passes no match over.
+// Which start finder a pattern gets, and that it skips no match.
+//
+// The oracle is the plain graph, which tries every position. Texts are drawn from the units of the pattern, so that
+// what nearly matches is frequent: a finder that skips too far passes over the match right after a near miss.
 #include "tests/support/engine_run.h"
 #include "tests/support/text.h"
 
@@ -11,6 +14,7 @@
 namespace corvane_tests {
 namespace {
 
+/// `finder` is the word for people, as `nameOf` has it.
 struct Case {
     const char16_t* pattern;
     RE_Flags flags;
@@ -65,7 +69,9 @@ std::u16string textFor(std::mt19937& random, const std::u16string& units) {
     return text;
 }
 
-TEST(StartFinders, AreChosenInOrderAndPassNoMatchOver) {
+// Which finder, then 300 texts from random offsets against the plain graph. In every other round required literals are
+// searched for from the first failure on.
+TEST(StartFinders, AreChosenInOrderAndSkipNoMatch) {
     std::mt19937 random(7);
     for (const Case& c : kCases) {
         const Engine fast(c.pattern, c.flags);
@@ -82,7 +88,8 @@ TEST(StartFinders, AreChosenInOrderAndPassNoMatchOver) {
     }
 }
 
-TEST(StartFinders, LookForManyLiteralsByWindows) {
+// Four hundred words of frequent letters: the kind that other finders would stop at too often.
+TEST(StartFinders, SearchForManyLiteralsByWindows) {
     std::mt19937 random(11);
     for (const RE_Flags flags : {RE_Flags{0x12}, RE_Flags{0x13}}) {
         std::u16string pattern;
@@ -105,8 +112,8 @@ TEST(StartFinders, LookForManyLiteralsByWindows) {
     }
 }
 
-// A run of units that may stand before a literal is tried from each of its positions; the literal is found once.
-TEST(StartFinders, LookForARequiredLiteralOnce) {
+// A run of units that may precede a literal is tried from each of its positions; the literal is found once.
+TEST(StartFinders, SearchForARequiredLiteralOnce) {
     const RE_Tree tree(u"\\w+?=\\d", false);
     const std::u16string text = std::u16string(20'000, u'a') + u"=b";
     RE_Search_Report report;

@@ -1,4 +1,7 @@
 // One compiled pattern searched by several threads at once: searches share nothing but the read-only graph.
+//
+// The oracle is what each thread finds alone. That catches shared state which changes answers; shared state that does
+// not is caught by TSan, under which these tests run longer (`./dev sanitize`).
 #include "tests/support/scripted_host.h"
 
 #include <gtest/gtest.h>
@@ -24,8 +27,8 @@ std::vector<std::u16string> subjects() {
     return result;
 }
 
-std::vector<std::string> answers(const Engine& engine, const std::vector<std::u16string>& texts,
-                                 size_t first) {
+/// All texts, from the `first` on, so that threads are at different texts.
+std::vector<std::string> answers(const Engine& engine, const std::vector<std::u16string>& texts, size_t first) {
     std::vector<std::string> result(texts.size());
     for (size_t step = 0; step < texts.size(); ++step) {
         const size_t index = (first + step) % texts.size();
@@ -38,8 +41,8 @@ std::vector<std::string> answers(const Engine& engine, const std::vector<std::u1
 
 const std::vector<size_t> kNoneWrong(kThreads, 0);
 
-/// Repeats `work` of each thread, so many times and under TSan for so many seconds at least; returns how often it did not
-/// give what it gives alone, at first.
+/// Repeats the `work` of each thread, `rounds` times and under TSan for `seconds` at least. Returns for each thread how
+/// often the work did not give what it gave at first, on the thread that starts the others.
 template <typename Work>
 std::vector<size_t> wrongAnswers(size_t rounds, const Work& work, [[maybe_unused]] int seconds = 0) {
     auto end = std::chrono::steady_clock::now();
@@ -72,17 +75,15 @@ TEST_P(Threads, SearchingOneTreeGetTheAnswersOfOneThread) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Patterns, Threads,
-                         testing::Values("(a|ab)*c", "(?:a{1,3}b){2,30}?x", "(?>a+)(b)\\1?",
-                                         "(?<=(a+))b(?!x)", "(a)?(?(1)b|c)", ".*?(?:ab|c)+c",
-                                         "(?i)ABC|X\\w"));
+                         testing::Values("(a|ab)*c", "(?:a{1,3}b){2,30}?x", "(?>a+)(b)\\1?", "(?<=(a+))b(?!x)",
+                                         "(a)?(?(1)b|c)", ".*?(?:ab|c)+c", "(?i)ABC|X\\w"));
 
 TEST(SharingThreads, ShareOnePatternAndOneReplacement) {
     const RE_Tree tree(u"(?<w>a|ab)+?(?:c|(b))|x{2,3}\\s", false);
     const RE_Replace replace(u"[$2$<w>\\n$`]");
     const std::vector<std::u16string> texts = subjects();
-    EXPECT_EQ(kNoneWrong, wrongAnswers(1, [&](size_t own) {
-                  return replace.replace(texts[own], tree, own % 2 == 0, 0);
-              }, 30));
+    EXPECT_EQ(kNoneWrong, wrongAnswers(
+                              1, [&](size_t own) { return replace.replace(texts[own], tree, own % 2 == 0, 0); }, 30));
 }
 
 // A context belongs to one thread, and so does what was compiled with it.

@@ -1,6 +1,6 @@
 // Runs the command-line program on the transcripts in tests/tool and compares everything it says.
 //
-// A transcript is a sequence of cases. The first character of a line tells what the line is:
+// A transcript is a sequence of cases. The first character of a line says what the line is:
 //   =   begins a case; the rest is its title
 //   @   the lines that follow are the content of a file of this name (without one: of standard input)
 //   |   one line of that content, after one blank; "|%" instead: C escapes are decoded and no line feed is added
@@ -12,8 +12,8 @@
 // Control characters in the output are compared as \xHH. What is not mentioned is expected to be empty, and the
 // status to be 0.
 //
-// README.md and the pages in docs are transcripts too: of their indented lines, one that begins with "$ " is a command, run at the
-// top of the source tree, and those below are what it says on both channels.
+// README.md and the pages in docs are transcripts too: of their indented lines, one that begins with "$ " is a command,
+// run at the top of the source tree, and those below are what it says on both channels.
 #include <gtest/gtest.h>
 #include <stdlib.h>
 #include <sys/wait.h>
@@ -37,6 +37,7 @@ namespace fs = std::filesystem;
 
 constexpr const char* standardInput = "standard-input";
 
+/// A command with all that it is given and all that is expected of it.
 struct Case {
     std::string title;
     std::map<std::string, std::string> files{{standardInput, ""}};
@@ -67,6 +68,7 @@ std::string decodeEscapes(const std::string& text) {
     return decoded;
 }
 
+// Output is compared in a form that a transcript can hold.
 std::string showControls(const std::string& text) {
     static const char digits[] = "0123456789ABCDEF";
     std::string shown;
@@ -167,6 +169,8 @@ constexpr bool hasLua = true;
 constexpr bool hasLua = false;
 #endif
 
+// Each case has an empty directory of its own. The shell's variables that change output (locale, terminal, colours) are
+// set, so a transcript means the same everywhere.
 void runCase(const Case& expected) {
     if (!hasLua && expected.command.find("--lua") != std::string::npos) return;
     const Directory work;

@@ -1,5 +1,8 @@
-// The page that replays a search, opened from a file in a browser without a window. Its address tells it what to do, and
-// the document that the browser hands back shows where it got to.
+// The page that replays a search, opened from a file in a browser without a window. Its address tells it what to do,
+// and the document that the browser prints shows where it ended.
+//
+// The oracle is a search of the engine: the page computes position and tokens from the events alone, and has to arrive
+// at the same result. Skipped where no browser is installed.
 #include "tests/support/engine_run.h"
 
 #include <cstdio>
@@ -20,6 +23,7 @@ std::string outputOf(const std::string& command) {
     return text;
 }
 
+/// The page writes its state into attributes of the body.
 std::string bodyTag(const std::string& document) {
     const size_t begin = document.find("<body");
     return begin == std::string::npos ? "no page" : document.substr(begin, document.find('>', begin) - begin + 1);
@@ -46,12 +50,14 @@ protected:
         GTEST_SKIP() << "the command-line tool was not built";
 #endif
     }
-    void TearDown() override { std::remove(file.c_str()); }
+    void TearDown() override {
+        std::remove(file.c_str());
+    }
 
     void write(const std::string& pattern, const std::string& subject) const {
 #ifdef CORVANE_TOOL_PATH
-        static_cast<void>(
-            std::system((CORVANE_TOOL_PATH " trace --html " + file + " -e '" + pattern + "' '" + subject + "'").c_str()));
+        static_cast<void>(std::system(
+            (CORVANE_TOOL_PATH " trace --html " + file + " -e '" + pattern + "' '" + subject + "'").c_str()));
 #endif
     }
     std::string open(const std::string& address) const {
@@ -64,7 +70,8 @@ protected:
 };
 
 TEST_F(TracePage, ReplaysTheSearchToTheEnginesResult) {
-    for (const auto& [pattern, subject] : {std::pair{"(a|b)*?(c)\\1", "</script>abcb"}, {"(?<=(x+))(?>y|yy)z", "axxyz"}}) {
+    for (const auto& [pattern, subject] :
+         {std::pair{"(a|b)*?(c)\\1", "</script>abcb"}, {"(?<=(x+))(?>y|yy)z", "axxyz"}}) {
         const Outcome outcome = Engine(widen(pattern)).search(widen(subject));
         std::string tokens;
         for (const Token& token : outcome.tokens) {
@@ -72,9 +79,9 @@ TEST_F(TracePage, ReplaysTheSearchToTheEnginesResult) {
         }
         write(pattern, subject);
         const std::string document = open("end");
-        const std::string extent =
-            std::to_string(outcome.start) + "," + std::to_string(outcome.start + outcome.length);
-        EXPECT_NE(std::string::npos, bodyTag(document).find("data-extent=\"" + extent + "\" data-tokens=\"" + tokens + "\""))
+        const std::string extent = std::to_string(outcome.start) + "," + std::to_string(outcome.start + outcome.length);
+        EXPECT_NE(std::string::npos,
+                  bodyTag(document).find("data-extent=\"" + extent + "\" data-tokens=\"" + tokens + "\""))
             << bodyTag(document);
         EXPECT_EQ(outcome.length, occurrences(document, "class=\"unit hit"));
     }

@@ -1,4 +1,7 @@
 // The compiled pattern as hosts use it: constructors, names, ownership, and a graph that searches leave alone.
+//
+// Everything here is public interface, and expected values are written out. Lost memory shows as live blocks of the
+// allocation counter, writes to the graph as changed bytes of its nodes.
 #include "host/allocation.h"
 #include "host/allocation_counter.h"
 #include "regexp/graph/graph_facts.h"
@@ -17,12 +20,16 @@ namespace {
 
 using Results = std::unique_ptr<RE_Results>;
 
+// Six ways to compile and five to search are one tree and one search.
 TEST(Tree, GivesTheSameAnswerThroughEveryConstructorAndMatch) {
     const RE_Builder_Space::RE_Builder builder(u"A(b+)C");
     RE_Context host;
-    const RE_Tree trees[] = {RE_Tree(u"A(b+)C", true), RE_Tree(u"A(b+)Cxx", 6, true),
-                             RE_Tree(std::u16string(u"A(b+)C"), true), RE_Tree(builder, true),
-                             RE_Tree("A(b+)C", true), RE_Tree(builder, RE_DEFAULT_FLAGS | RE_FLAG_IGNORE_CASE, &host)};
+    const RE_Tree trees[] = {RE_Tree(u"A(b+)C", true),
+                             RE_Tree(u"A(b+)Cxx", 6, true),
+                             RE_Tree(std::u16string(u"A(b+)C"), true),
+                             RE_Tree(builder, true),
+                             RE_Tree("A(b+)C", true),
+                             RE_Tree(builder, RE_DEFAULT_FLAGS | RE_FLAG_IGNORE_CASE, &host)};
     for (const RE_Tree& tree : trees) {
         RE_Seek_Table table;
         const Results wide[] = {Results(tree.match(std::u16string(u"xxabbc"), 0)), Results(tree.match(u"xxabbc", 6, 1)),
@@ -41,7 +48,8 @@ TEST(Tree, GivesTheSameAnswerThroughEveryConstructorAndMatch) {
     }
 }
 
-TEST(Tree, HasNoMatchWithoutASubjectOrBehindItsEnd) {
+// An offset of the length is allowed, one more is not, and the greatest number must not wrap.
+TEST(Tree, HasNoMatchWithoutASubjectOrPastItsEnd) {
     const RE_Tree tree(u"a", false);
     EXPECT_EQ(nullptr, tree.match(static_cast<const char16_t*>(nullptr), 0, 0));
     EXPECT_EQ(nullptr, tree.match(static_cast<const char*>(nullptr)));
@@ -60,7 +68,8 @@ TEST(Tree, RunsOnceAtAPositionAndAcceptsTheEmptyMatchThere) {
     EXPECT_EQ(2u, length);
 }
 
-TEST(Tree, AnswersAlikeHoweverOftenOneStateIsUsed) {
+// The second run finds a memo that has begun; it holds failures of the first, which must not count.
+TEST(Tree, AnswersAlikeHoweverOftenAStateIsUsed) {
     const RE_Tree tree(u"(?:(?:a|aa|b)*e|)(?:a|aa|b)*d", false);
     const std::u16string subject = std::u16string(2000, u'a') + u"d";
     RE_Search_Info info(subject.data(), subject.size(), tree.getTokenCount(), nullptr, false);
@@ -75,6 +84,7 @@ TEST(Tree, AnswersAlikeHoweverOftenOneStateIsUsed) {
     }
 }
 
+// Loops that are copied and names that are used twice are listed once.
 TEST(Tree, ListsEachNameOnceInTokenOrder) {
     size_t count = 9;
     EXPECT_EQ(nullptr, RE_Tree(u"(a)(b)", false).treeNames(&count));
@@ -86,8 +96,12 @@ TEST(Tree, ListsEachNameOnceInTokenOrder) {
     utFree(names);
 }
 
+// Copy assignment makes an alias that does not own the graph, move assignment hands it over. What is left of a tree
+// without a graph answers every call, with nothing.
 TEST(Tree, SharesItsGraphOnAssignmentAndGivesItUpWhenMoved) {
     RE_Tree tree(u"ab", false);
+    // Applications copy trees into raw memory and let one of the two free the graph. The bytes of the alias are
+    // overwritten first: assignment must not read what was there.
     alignas(RE_Tree) unsigned char place[sizeof(RE_Tree)];
     RE_Tree* const alias = new (place) RE_Tree(RE_Tree(u"", false));
     alias->~RE_Tree();
@@ -146,8 +160,10 @@ std::vector<unsigned char> bytesOf(const RE_Tree& tree) {
     return bytes;
 }
 
+// Any number of threads may search a tree, so a search must not write to it: compared byte by byte.
 TEST(Tree, IsUnchangedByASearch) {
-    for (const char16_t* pattern : {u"(a|b)*c\\1", u"(?:(?:ab){2,3}?c)*d", u"(?<=a+)(?>b*)(?!c)x", u"(?:|a)*(?i:KELVIN)"}) {
+    for (const char16_t* pattern :
+         {u"(a|b)*c\\1", u"(?:(?:ab){2,3}?c)*d", u"(?<=a+)(?>b*)(?!c)x", u"(?:|a)*(?i:KELVIN)"}) {
         const RE_Tree tree(pattern, false);
         const auto before = bytesOf(tree);
         for (const char16_t* subject : {u"abababcc", u"ababcababababcd", u"aabbx", u"aaakelvin", u""}) {
@@ -157,7 +173,7 @@ TEST(Tree, IsUnchangedByASearch) {
     }
 }
 
-TEST(SimpleMatch, LooksForThePatternInTheSubject) {
+TEST(SimpleMatch, SearchesTheSubjectForThePattern) {
     EXPECT_TRUE(reMatch("abc", "b"));
     EXPECT_FALSE(reMatch("b", "abc"));
     EXPECT_FALSE(reMatch("ABC", "b"));
@@ -185,6 +201,7 @@ private:
     mutable int left;
 };
 
+// A constructor that throws hands out no tree: whatever the tree had taken by then has to go back.
 TEST(Context, MayThrowFromEveryCallAndNothingLeaks) {
     const std::u16string pattern = u"(a{3}|b)*\\1(?(1)c|d)(?(?=x)y)\\q(?@z)(?<n>e)\\k<n>[";
     int calls = 0;
@@ -196,6 +213,7 @@ TEST(Context, MayThrowFromEveryCallAndNothingLeaks) {
         } catch (const std::runtime_error&) {
         }
     }
+    // The number of calls that the pattern makes; fewer would mean that some path was not tried.
     EXPECT_EQ(10, calls);
 }
 

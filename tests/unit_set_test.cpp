@@ -1,4 +1,7 @@
 // Sets of units against plain tables: what they hold after any operations, and what they say about each other.
+//
+// The oracle is a std::bitset of all 65,536 units, to which every operation is applied as well. Places are drawn at the
+// bounds of words, of ASCII and of the range, where an index is off by one first.
 #include "regexp/units/unit_set.h"
 
 #include "regexp/nodes/unit_union.h"
@@ -19,6 +22,7 @@
 namespace corvane_tests {
 namespace {
 
+/// One set in both forms. Every operation is applied to both.
 struct Sets {
     RE_Unit_Set set;
     std::bitset<RE_Unit_Set::unitCount> units;
@@ -100,6 +104,7 @@ TEST(UnitSet, HoldsWhatAPlainTableHolds) {
     }
 }
 
+// A union is built lazily and finished once, as the set or as its complement.
 TEST(UnitUnion, HoldsWhatWasAddedOrAllOthers) {
     SetSource source;
     RE_Scratch_Memory scratch;
@@ -169,7 +174,8 @@ TEST(RangesIgnoringCase, HoldWhatTheirUnitsFoldTo) {
             const Engine negated(range("[^", "]"));
             for (const char16_t unit : unitsAround(static_cast<char16_t>(low), static_cast<char16_t>(high))) {
                 bool isFold = false;
-                cases.forEachForm(cases.lower(unit), [&](char16_t form) { isFold = isFold || (low <= form && form <= high); });
+                cases.forEachForm(cases.lower(unit),
+                                  [&](char16_t form) { isFold = isFold || (low <= form && form <= high); });
                 const std::u16string subject(1, unit);
                 const bool found = node.search(subject).matched;
                 ASSERT_TRUE(found || !isFold) << printable(range("[", "]")) << printable(subject);

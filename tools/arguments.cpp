@@ -1,4 +1,5 @@
-// Reading of a command's words with Boost.Program_options.
+// Reading of a command's words with Boost.Program_options. Whatever is wrong with them becomes an exception
+// whose message the main program prints, so no command checks the same thing in its own words.
 #include "tools/arguments.h"
 
 #include "tools/usage_error.h"
@@ -18,8 +19,10 @@ ParsedArguments parseArguments(const Arguments& words, std::string_view usage,
     po::options_description all;
     all.add(known).add_options()("positional", po::value<Arguments>());
     po::positional_options_description positions;
+    // -1: any number of them.
     positions.add("positional", -1);
 
+    // Guessing is what Boost calls the abbreviation of long options.
     const int style = po::command_line_style::unix_style & ~po::command_line_style::allow_guessing;
     ParsedArguments parsed;
     try {
@@ -28,7 +31,10 @@ ParsedArguments parseArguments(const Arguments& words, std::string_view usage,
     } catch (const po::unknown_option& failure) {
         throw UsageError(failure.what() + std::string("; what is no option but begins with - follows --"));
     }
+    // Only now are bound variables stored; before this line the compile options have their defaults.
     po::notify(parsed.options);
+    // Help wins over everything that may be missing or wrong besides, as it is asked for in order to learn
+    // that.
     if (parsed.has("help")) {
         std::cout << "Usage: cvregexp " << usage << "\n" << known;
         throw HelpPrinted();
@@ -37,7 +43,7 @@ ParsedArguments parseArguments(const Arguments& words, std::string_view usage,
     return parsed;
 }
 
-// Not left to Boost, which takes -1 for the greatest number there is.
+// Not left to Boost, which reads -1 as the greatest number there is.
 std::size_t ParsedArguments::number(const char* option) const {
     const std::string& text = options[option].as<std::string>();
     const char* const end = text.data() + text.size();

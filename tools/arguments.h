@@ -1,4 +1,8 @@
 // Reading of a command's words with Boost.Program_options, in one style for all commands.
+//
+// A command declares its options, calls parseArguments once, and reads the rest from the result. Options may
+// stand anywhere among the positional words; what follows "--" is positional, so a pattern may begin with a
+// hyphen.
 #pragma once
 
 #include "tools/command.h"
@@ -11,6 +15,7 @@
 
 namespace tool {
 
+// The words of one command line. Owns copies of all of them.
 struct ParsedArguments {
     boost::program_options::variables_map options;
     Arguments positionals;  // in the order given
@@ -21,12 +26,13 @@ struct ParsedArguments {
     std::size_t number(const char* option) const;
 };
 
-// Thrown when a command was asked for its help and has printed it; that is all it does then.
+// Thrown when the words contained --help and the help is printed: the command has nothing left to do. No
+// std::exception, so that no handler of errors takes it for one.
 struct HelpPrinted {};
 
-// Reads the words of a command that is used like this, and prints the help when they ask for it. Long options are never
-// abbreviated, so that a new option cannot change the meaning of an old script. Values bound to variables (the compile
-// options) are stored before this returns.
+// Reads the words of a command that is used like this, and prints the help when they ask for it. Long options
+// are never abbreviated, so that a new option cannot change the meaning of an old script. Values bound to
+// variables (the compile options) are stored before this returns.
 ParsedArguments parseArguments(const Arguments& words, std::string_view usage,
                                const boost::program_options::options_description& known);
 

@@ -1,4 +1,7 @@
-// `cvregexp check`: compiles a pattern and shows what the compiler had to say about it.
+// `cvregexp check`: compiles a pattern and shows what the compiler had to say about it. Nothing is searched.
+//
+// Warnings are the output of this command and go to standard output; for the other commands they accompany
+// the output and go to standard error.
 #include "tools/command.h"
 #include "tools/compiled_pattern.h"
 #include "tools/exit_status.h"
@@ -14,6 +17,7 @@ namespace po = boost::program_options;
 namespace tool {
 namespace {
 
+// Without withPatternOptions, which lists a command's own options under a heading: these have none.
 po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
     po::options_description known;
     known.add_options()("json", "print one JSON object for each warning")("help", "print this help");
@@ -29,6 +33,7 @@ int runCheck(const Arguments& words) {
     const CompiledPattern pattern(takePattern(arguments), compile);
     if (!arguments.positionals.empty()) throw UsageError("check takes one pattern and nothing else");
 
+    // By position, as people read a pattern; JSON has the same order.
     const std::vector<PatternWarning> warnings = pattern.warnings();
     for (const PatternWarning& warning : warnings) {
         if (arguments.has("json")) {
@@ -37,6 +42,7 @@ int runCheck(const Arguments& words) {
             std::cout << describeWarning(pattern.text(), warning);
         }
     }
+    // For scripts that reject a pattern with warnings, although every text is a pattern.
     return warnings.empty() ? exitPositive : exitNegative;
 }
 

@@ -1,4 +1,7 @@
 // `cvregexp explain`: what a pattern matches, in English, and what its searches cost.
+//
+// The description is of the pattern as written (regexp/inspect/outline.h). Start, possessive loops and growth
+// are read off the compiled graph, so they depend on the compile options.
 #include "tools/command.h"
 #include "tools/compiled_pattern.h"
 #include "tools/exit_status.h"
@@ -22,12 +25,15 @@ namespace po = boost::program_options;
 namespace tool {
 namespace {
 
+// Units of a label; a literal set of a thousand words would fill the screen.
 constexpr std::size_t longestLabel = 60;
 
+// A node as the other commands show it: the number is that of `graph`, `trace` and `profile`.
 std::string nodeText(const RE_Node* node) {
     return "n" + std::to_string(node->nodeId) + " (" + shortened(node->label(), longestLabel) + ")";
 }
 
+// The length of a match in code units, as far as the pattern alone says.
 std::string lengthText(const RE_Outline& outline) {
     const std::string least = std::to_string(outline.least);
     const std::string units = outline.least == 1 ? " unit" : " units";
@@ -36,6 +42,7 @@ std::string lengthText(const RE_Outline& outline) {
                                                           : " to " + std::to_string(outline.most) + " units");
 }
 
+// How a search finds start positions: by a start finder, by the root itself, or one position after the other.
 std::string startText(const RE_Tree& tree) {
     const RE_Node* const root = tree.getRoot();
     const RE_Start_Finder finder = tree.getFacts().startFinder;
@@ -43,6 +50,8 @@ std::string startText(const RE_Tree& tree) {
     return root->canSeek(false) ? nodeText(root) : "every position is tried";
 }
 
+// Every place at which the engine does not backtrack, and why that is so: because the pattern asks for it, or
+// because backtracking there could not help (`couldNotHelp`).
 void printPossessiveLoops(const RE_Tree& tree) {
     for (const RE_Node* node : tree.getFacts().nodes) {
         if (dynamic_cast<const RE_Atomic*>(node) != nullptr) {
@@ -57,6 +66,7 @@ void printPossessiveLoops(const RE_Tree& tree) {
     }
 }
 
+// The judgement in words. It is about plain backtracking; what the engine saves besides is not judged.
 std::string growthText(const RE_Growth& growth) {
     using Kind = RE_Growth::Kind;
     if (growth.kind == Kind::linear) return "linear";
@@ -72,8 +82,10 @@ std::string growthText(const RE_Growth& growth) {
            " without the memory of failed states: " + loop + " is ambiguous with " + rival;
 }
 
+// The judgement and a text to try it with. Control characters are escaped.
 void printGrowth(const RE_Growth& growth) {
     std::cout << "Growth: " << growthText(growth) << '\n';
+    // Linear or unknown: there is no witness.
     if (growth.loop == nullptr && growth.rival == nullptr) return;
     const auto quoted = [](const std::u16string& text) { return "'" + toPrintableUtf8(text) + "'"; };
     std::cout << "Witness:";
@@ -88,6 +100,7 @@ void printGrowth(const RE_Growth& growth) {
 int runExplain(const Arguments& words) {
     Corvane::regexp::CompileOptions compile;
     po::options_description known;
+    // No options of its own but this one.
     known.add_options()("help", "print this help");
     known.add(patternOptions()).add(compileOptions(compile));
     ParsedArguments arguments = parseArguments(words, "explain [OPTION...] PATTERN", known);
@@ -96,9 +109,11 @@ int runExplain(const Arguments& words) {
     const CompiledPattern pattern(request, compile);
     printWarnings(pattern.text(), pattern.warnings());
 
+    // A context of its own: the outline reads the pattern again and would raise every warning a second time.
     const auto context = makeContext(compile, pattern.scripts(), true);
     const RE_Outline outline =
         outlinePattern(request.text.data(), request.text.size(), request.flags, context.get());
+    // First what the author wrote, then what the engine makes of it.
     std::cout << outline.text << "Length: " << lengthText(outline) << "\nStart: " << startText(pattern.tree())
               << '\n';
     printPossessiveLoops(pattern.tree());

@@ -1,5 +1,8 @@
 // `cvregexp match`: every match of a pattern in whole files, which the pattern sees as one text, not as
 // lines.
+//
+// Matches are printed as they are found. An interrupt ends the search, and what was found before it stays
+// printed.
 #include "tools/command.h"
 #include "tools/compiled_pattern.h"
 #include "tools/exit_status.h"
@@ -17,11 +20,14 @@
 namespace tool {
 namespace {
 
+// One run over all files, with the state that outlives a file: whether anything was found or unreadable.
 class MatchRun {
 public:
     MatchRun(const CompiledPattern& pattern, const MatchSettings& settings)
         : pattern_(pattern), settings_(settings), reporter_(makeReporter(settings.style, std::cout)) {}
 
+    // A file that cannot be read outweighs a match: a script must not take an incomplete answer for a
+    // complete one. The exception is --quiet, whose answer is complete with the first match.
     int searchAll() {
         for (const std::string& fileName : settings_.fileNames) {
             searchFile(fileName);
@@ -33,7 +39,8 @@ public:
     }
 
 private:
-    // A file that cannot be read does not keep the others from being searched.
+    // A file that cannot be read does not keep the others from being searched. The message comes after the
+    // output so far, also when both streams are one terminal.
     void searchFile(const std::string& fileName) {
         try {
             searchText(readInput(fileName));
@@ -44,11 +51,12 @@ private:
         }
     }
 
+    // One text, whole. The reporter decides by its answers whether further matches are wanted.
     void searchText(const Input& input) {
         RE_Match_Range matches = pattern_.tree().find_all(input.text.view());
         Progress progress(input);
         reporter_->beginText(input);
-        // Short searches may end before they poll the flag, so it is asked between them too.
+        // Short searches may end before they poll the flag, so it is consulted between them too.
         std::size_t left = settings_.maxCount;
         for (auto match = matches.begin(); match != matches.end() && left != 0; ++match) {
             found_ = true;
@@ -71,6 +79,7 @@ private:
     const CompiledPattern& pattern_;
     const MatchSettings& settings_;
     std::unique_ptr<Reporter> reporter_;
+    // The progress line is on standard error, so only a terminal that shows both gets them mixed up.
     const bool printsToTerminal_ = ::isatty(STDOUT_FILENO) != 0;
     bool found_ = false;
     bool unreadable_ = false;
@@ -82,8 +91,10 @@ int runMatch(const Arguments& words) {
     Corvane::regexp::CompileOptions compile;
     ParsedArguments arguments = parseArguments(words, "match [OPTION...] PATTERN [FILE...]",
                                                withPatternOptions(matchOptions(), compile));
+    // First the pattern, then the files: takePattern removes the pattern from the positional words.
     PatternRequest request = takePattern(arguments);
     const MatchSettings settings = readMatchSettings(arguments);
+    // Before compiling, so that no signal from here on leaves a half-written answer.
     catchInterrupts();
     CompiledPattern pattern(std::move(request), compile);
     pattern.prepareForSearches();

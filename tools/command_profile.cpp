@@ -1,4 +1,7 @@
 // `cvregexp profile`: finds every match in a file and shows what each node of the pattern did for it.
+//
+// A profile is of the graph as it is searched without programs and machine code; the counts say where the
+// work is, not how long it takes.
 #include "tools/command.h"
 #include "tools/compiled_pattern.h"
 #include "tools/exit_status.h"
@@ -29,7 +32,9 @@ po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
     return withPatternOptions(options, compile);
 }
 
+// One row of the table; the widths are those of printTable's heading. Labels come last, as they may be long.
 void printRow(const std::string& node, const RE_Node_Counts& counts, const std::string& label) {
+    // Room for six numbers of twenty digits and the node.
     char numbers[160];
     const auto number = [](std::uint64_t value) { return static_cast<unsigned long long>(value); };
     std::snprintf(numbers, sizeof numbers, "%-6s %12llu %12llu %12llu %12llu %12llu %12llu  ", node.c_str(),
@@ -38,6 +43,7 @@ void printRow(const std::string& node, const RE_Node_Counts& counts, const std::
     std::cout << numbers << label << '\n';
 }
 
+// Nodes in the order of their numbers, then the nodes of dynamic texts as one row, then the sum.
 void printTable(const RE_Profile& profile) {
     char head[160];
     std::snprintf(head, sizeof head, "%-6s %12s %12s %12s %12s %12s %12s  %s\n", "node", "visits", "matched",
@@ -49,7 +55,8 @@ void printTable(const RE_Profile& profile) {
     printRow("all", profile.total(), "the whole text");
 }
 
-// From white for no visit to red for the most; every colour is a factor, not a difference.
+// From white for no visit to red for the most, by the logarithm: the visits of a loop and of what surrounds
+// it differ by powers of ten. The number itself is shown beside the node.
 std::string heat(std::uint64_t visits, std::uint64_t most) {
     const double part =
         most == 0 ? 0.0 : std::log1p(static_cast<double>(visits)) / std::log1p(static_cast<double>(most));
@@ -63,16 +70,19 @@ std::string heatGraph(const RE_Tree& tree, const RE_Profile& profile) {
     std::uint64_t most = 0;
     for (const RE_Node_Profile& node : profile.nodes) most = std::max(most, node.counts.visits);
     return tree.graph([&](std::uint64_t nodeId) {
+        // Every node of the graph is in the profile, visited or not.
         const auto found = std::ranges::find(profile.nodes, nodeId, &RE_Node_Profile::nodeId);
         return heat(found->counts.visits, most);
     });
 }
 
+// The file's ending, which drawGraph accepts or refuses.
 std::string formatOf(const std::string& fileName) {
     const std::size_t dot = fileName.rfind('.');
     return dot == std::string::npos ? "" : fileName.substr(dot + 1);
 }
 
+// Goes to the last match. A search that was broken off has counted too, but its profile would mislead.
 bool searchAll(const RE_Tree& tree, std::u16string_view text) {
     bool found = false;
     for ([[maybe_unused]] const RE_Results& match : tree.find_all(text)) found = true;
@@ -84,12 +94,14 @@ bool searchAll(const RE_Tree& tree, std::u16string_view text) {
 
 int runProfile(const Arguments& words) {
     Corvane::regexp::CompileOptions compile;
+    // Counting is a compile option like any other; this command is the one that switches it on.
     Arguments all{"--Profile=true"};
     all.insert(all.end(), words.begin(), words.end());
     ParsedArguments arguments =
         parseArguments(all, "profile [OPTION...] PATTERN [FILE]", knownOptions(compile));
     const CompiledPattern pattern(takePattern(arguments), compile);
     if (arguments.positionals.size() > 1) throw UsageError("profile takes one pattern and one file");
+    // One text: counts of several would add up to nothing that can be read.
     const Input input = readInput(arguments.positionals.empty() ? "-" : arguments.positionals.front());
     catchInterrupts();
     printWarnings(pattern.text(), pattern.warnings());
@@ -97,6 +109,7 @@ int runProfile(const Arguments& words) {
     const bool found = searchAll(pattern.tree(), input.text.view());
     const RE_Profile profile = pattern.tree().profile();
     printTable(profile);
+    // The table is printed in any case, so a picture that fails costs no result.
     if (arguments.has("graph")) {
         const std::string fileName = arguments.options["graph"].as<std::string>();
         writeFile(fileName, drawGraph(heatGraph(pattern.tree(), profile), formatOf(fileName)));

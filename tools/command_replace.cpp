@@ -1,4 +1,7 @@
 // `cvregexp replace`: whole files with their matches replaced, on standard output or in place.
+//
+// In place, a file is either replaced as a whole or left as it was: see file_rewrite.h. On standard output
+// every file is printed, also one without a match.
 #include "tools/command.h"
 #include "tools/compiled_pattern.h"
 #include "tools/compiled_replacement.h"
@@ -22,6 +25,7 @@ namespace po = boost::program_options;
 namespace tool {
 namespace {
 
+// --which counts from 1, and 0 is all of them, as in the library.
 po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
     po::options_description options("Replacement");
     auto add = options.add_options();
@@ -40,15 +44,18 @@ struct ReplaceSettings {
     Arguments fileNames;
 };
 
+// The pattern and the replacement must have been taken from the positional words; the rest are files.
 ReplaceSettings readSettings(const ParsedArguments& arguments) {
     ReplaceSettings settings{arguments.has("adjust-case"), arguments.has("in-place"),
                              arguments.number("which"), arguments.positionals};
     if (settings.fileNames.empty()) settings.fileNames = {"-"};
+    // Refused before anything is read or changed.
     if (settings.inPlace && std::ranges::find(settings.fileNames, "-") != settings.fileNames.end())
         throw UsageError("--in-place needs files, standard input is none");
     return settings;
 }
 
+// The first of the positional words that are left after the pattern.
 std::u16string takeReplacement(ParsedArguments& arguments) {
     if (arguments.positionals.empty()) throw UsageError("a replacement is missing");
     std::u16string text = toUtf16(arguments.positionals.front());
@@ -56,7 +63,8 @@ std::u16string takeReplacement(ParsedArguments& arguments) {
     return text;
 }
 
-// A file as it was read.
+// A file as it was read: its bytes, and its text without the byte order mark. Both are kept, to tell
+// afterwards whether anything changed and whether the conversion lost anything.
 class FileText {
 public:
     explicit FileText(const std::string& fileName)
@@ -66,9 +74,10 @@ public:
 
     const std::string& bytes() const { return bytes_; }
     std::u16string_view text() const { return text_.view(); }
+    // Whether writing the text back unchanged would give the same bytes.
     bool isUtf8() const { return isConversionOf(text(), std::string_view(bytes_).substr(markSize_)); }
 
-    // As bytes, behind the byte order mark if the file has one.
+    // As bytes, after the byte order mark if the file has one.
     std::string withMark(std::u16string_view changed) const {
         std::string result = bytes_.substr(0, markSize_);
         appendUtf8(result, changed);
@@ -81,12 +90,14 @@ private:
     Utf16Text text_;
 };
 
+// One run over all files.
 class ReplaceRun {
 public:
     ReplaceRun(const CompiledPattern& pattern, const CompiledReplacement& replacement,
                const ReplaceSettings& settings)
         : tree_(pattern.tree()), replace_(replacement.replace()), settings_(settings) {}
 
+    // Every file is tried. The status tells trouble first, then whether anything was replaced in any of them.
     int runAll() {
         for (const std::string& fileName : settings_.fileNames) runFile(fileName);
         if (trouble_) return exitTrouble;
@@ -109,7 +120,7 @@ private:
         }
     }
 
-    // What has no UTF-8 form is printed as U+FFFD, but not without a word.
+    // What has no UTF-8 form is printed as U+FFFD, and a message says so.
     void printFile(const std::string& fileName) {
         const FileText file(fileName);
         const std::u16string result = replacedText(file.text());
@@ -119,7 +130,8 @@ private:
         if (hasLoneSurrogate(result)) say(label + ": halves of surrogate pairs became U+FFFD");
     }
 
-    // In a file nothing is lost: what has no UTF-8 form, before or afterwards, leaves it as it is.
+    // In a file nothing is lost: if it has no UTF-8 form, before or afterwards, it is left as it is. The
+    // rewrite looks at the file before it is read, so that a change in between is noticed.
     void changeFile(const std::string& fileName) {
         const FileRewrite rewrite(fileName);
         const FileText file(fileName);
@@ -131,7 +143,8 @@ private:
         if (changed != file.bytes()) rewrite.write(changed);
     }
 
-    // What an interrupt leaves half done goes nowhere.
+    // Throws when interrupted: a text that is replaced in part must go nowhere. With --which the N-th match
+    // has to be there for anything to be replaced.
     std::u16string replacedText(std::u16string_view subject) {
         std::size_t matches = 0;
         std::u16string result =
@@ -146,6 +159,7 @@ private:
         trouble_ = true;
     }
 
+    // On standard error, after the output so far.
     static void say(const std::string& message) {
         std::cout.flush();
         std::cerr << "cvregexp: " << message << '\n';
@@ -171,6 +185,7 @@ int runReplace(const Arguments& words) {
     CompiledPattern pattern(std::move(request), compile);
     pattern.prepareForSearches();
     printWarnings(pattern.text(), pattern.warnings(), "pattern");
+    // After the pattern: both share the interpreter that runs their expressions.
     const CompiledReplacement replacement(std::move(replacementText), compile, pattern.scripts());
     printWarnings(replacement.text(), replacement.warnings(), "replacement");
     const int status = ReplaceRun(pattern, replacement, settings).runAll();

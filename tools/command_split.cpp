@@ -1,4 +1,7 @@
 // `cvregexp split`: the parts of whole files that lie between the matches of a pattern.
+//
+// Unlike `match`, this prints nothing before a text is searched to its end; the parts are views into the text
+// and cost no copy.
 #include "tools/command.h"
 #include "tools/compiled_pattern.h"
 #include "tools/exit_status.h"
@@ -27,7 +30,10 @@ po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
 
 // True when there is more than one part. A line feed that ends the whole text belongs to no part.
 bool splitText(const RE_Tree& tree, std::u16string_view text, char terminator) {
+    // Else a text file, which ends with a line feed, would have an empty part at its end under a pattern like
+    // \n.
     if (text.ends_with(u'\n')) text.remove_suffix(1);
+    // At least one part, if only the whole text.
     std::vector<std::u16string_view> parts = tree.split(text);
     const bool interrupted = interruptPending();
     if (interrupted) parts.pop_back();  // the rest of the text, which was not searched
@@ -45,6 +51,7 @@ int runSplit(const Arguments& words) {
     CompiledPattern pattern(takePattern(arguments), compile);
     pattern.prepareForSearches();
     if (arguments.positionals.empty()) arguments.positionals = {"-"};
+    // One text after the other; a file that cannot be read does not keep the others from being split.
     catchInterrupts();
     printWarnings(pattern.text(), pattern.warnings());
     bool found = false;
@@ -59,6 +66,7 @@ int runSplit(const Arguments& words) {
             unreadable = true;
         }
     }
+    // An incomplete answer is trouble, whatever was found.
     if (unreadable) return exitTrouble;
     return found ? exitPositive : exitNegative;
 }

@@ -1,9 +1,11 @@
-// The table of commands, in the order in which the help text lists them.
+// The table of commands, in the order in which the help text lists them: those that search, those that look
+// into a pattern, those that translate texts.
 #include "tools/command.h"
 
 namespace tool {
 
 std::span<const Command> commandTable() {
+    // Name, what the help says, function.
     static constexpr Command commands[] = {
         {"match", "find every match of a pattern in files or standard input", runMatch},
         {"replace", "replace the matches of a pattern in files or standard input", runReplace},

@@ -1,4 +1,6 @@
-// `cvregexp trace`: one search, step by step.
+// `cvregexp trace`: one search, step by step, as lines or as a page that replays it.
+//
+// The log is written as it happens and printed afterwards, so a trace that is interrupted prints nothing.
 #include "tools/command.h"
 #include "tools/compiled_pattern.h"
 #include "tools/exit_status.h"
@@ -22,11 +24,13 @@ po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
     auto add = options.add_options();
     add("html", po::value<std::string>()->value_name("FILE"), "write a page that replays the search");
     add("offset", po::value<std::size_t>()->default_value(0)->value_name("N"), "search from unit N on");
+    // A hundred thousand events are some tens of megabytes; a search that blows up has no end of them.
     add("limit", po::value<std::size_t>()->default_value(100'000)->value_name("N"), "keep at most N events");
     add("help", "print this help");
     return withPatternOptions(options, compile);
 }
 
+// A search without an event is one that was over before it began: the subject is shorter than any match.
 void printLog(const TraceLog& log) {
     for (std::size_t index = 0; index != log.events().size(); ++index)
         std::cout << describeEvent(log, index) << '\n';
@@ -48,10 +52,13 @@ int runTrace(const Arguments& words) {
     catchInterrupts();
     printWarnings(pattern.text(), pattern.warnings());
 
+    // The limit bounds memory, not the search, which goes on unrecorded.
     TraceLog log(arguments.options["limit"].as<std::size_t>());
+    // The tree searches without machine code and automaton, whose steps nobody could follow.
     const std::unique_ptr<RE_Results> found(pattern.tree().trace(
         subject.data(), subject.size(), arguments.options["offset"].as<std::size_t>(), log));
     if (interruptPending()) throw Interrupted();
+    // The page in place of the lines: who wants to replay a search does not want to scroll past it.
     if (arguments.has("html")) {
         writeFile(arguments.options["html"].as<std::string>(), tracePage(pattern, subject, log));
     } else {

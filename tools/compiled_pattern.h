@@ -1,4 +1,7 @@
 // A pattern compiled for one run of the program, kept together with everything that has to outlive it.
+//
+// Trap: the order of the members is the order of construction, and the reverse of destruction. The context
+// keeps a view of the text and calls the interpreter, and the tree calls the context.
 #pragma once
 
 #include "tools/pattern_options.h"
@@ -8,18 +11,20 @@ namespace tool {
 
 class CompiledPattern {
 public:
+    // Throws nothing on account of the pattern, as every text is one; a script file may fail.
     CompiledPattern(PatternRequest request, const Corvane::regexp::CompileOptions& options)
         : text_(std::move(request.text)),
           scripts_(startScripts(request.scripts)),
           context_(makeContext(options, scripts_, true)),
           tree_(text_.data(), text_.size(), request.flags, context_.get()) {
+        // From here on whatever compiles under this context is a dynamic text in a search.
         context_->compiled();
     }
 
     CompiledPattern(const CompiledPattern&) = delete;
     CompiledPattern& operator=(const CompiledPattern&) = delete;
 
-    /// For commands that search more than they compile.
+    // For commands that search more than they compile. Changes the tree, so it comes before the first search.
     void prepareForSearches() {
         tree_.makeMachineCode();
         tree_.makeDfa();
@@ -27,12 +32,14 @@ public:
 
     const std::u16string& text() const { return text_; }
     const RE_Tree& tree() const { return tree_; }
+    // Those of the pattern itself, by position.
     std::vector<PatternWarning> warnings() const { return context_->warnings(); }
 
     // Null when expressions are not allowed.
     const std::shared_ptr<ScriptHost>& scripts() const { return scripts_; }
 
 private:
+    // In the order in which the later ones need the earlier ones.
     std::u16string text_;
     std::shared_ptr<ScriptHost> scripts_;
     std::unique_ptr<ConsoleContext> context_;

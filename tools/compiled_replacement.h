@@ -1,4 +1,5 @@
 // A replacement compiled for one run of the program, kept together with everything that has to outlive it.
+// The members are in the order in which they need each other: see compiled_pattern.h.
 #pragma once
 
 #include "tools/script_host.h"
@@ -10,6 +11,7 @@ namespace tool {
 
 class CompiledReplacement {
 public:
+    // `scripts` is the interpreter of the pattern, so that both see the same globals; null without one.
     CompiledReplacement(std::u16string text, const Corvane::regexp::CompileOptions& options,
                         const std::shared_ptr<ScriptHost>& scripts)
         : text_(std::move(text)),
@@ -26,6 +28,7 @@ public:
     std::vector<PatternWarning> warnings() const { return context_->warnings(); }
 
 private:
+    // The text first: the context keeps a view of it.
     std::u16string text_;
     std::unique_ptr<ConsoleContext> context_;
     RE_Replace replace_;

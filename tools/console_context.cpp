@@ -1,4 +1,5 @@
-// The engine's view of the program.
+// The engine's view of the program. Positions are computed at once, while the text that a warning points into
+// is there.
 #include "tools/console_context.h"
 
 #include <algorithm>
@@ -10,6 +11,7 @@ void ConsoleContext::warn(const char16_t* where, RE_Warning warning) {
 }
 
 std::vector<PatternWarning> ConsoleContext::warnings() const {
+    // Stable, so that warnings at one position keep the order in which they were raised.
     std::vector<PatternWarning> sorted = warnings_;
     std::ranges::stable_sort(sorted, {}, &PatternWarning::position);
     return sorted;

@@ -1,4 +1,5 @@
-// Exit statuses shared by all commands; scripts rely on them.
+// Exit statuses shared by all commands; scripts rely on them, so they never change their meaning. They are
+// those of the usual search tools: 1 is an answer, 2 is the lack of one.
 #pragma once
 
 namespace tool {

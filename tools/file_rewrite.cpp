@@ -1,4 +1,8 @@
-// Changing a file in place.
+// Changing a file in place: a temporary file in the same directory, so that renaming it stays within one file
+// system and is atomic.
+//
+// The order matters. The permissions are set while the content is only in the temporary file, the check for
+// somebody else's change follows all writing, and the content is on the disk before the rename.
 #include "tools/file_rewrite.h"
 
 #include <fcntl.h>
@@ -14,11 +18,13 @@
 namespace tool {
 namespace {
 
+// Throws for the last error of the system, with the name of the file that it is about.
 [[noreturn]] void failOn(const std::string& name, int error = errno) {
     throw std::system_error(error, std::generic_category(), name);
 }
 
-// A program must not run with the rights of a new owner or group, and a new group gets no rights that not
+// The mode for a new file that may not have the owner or the group of the old one. A program must not run
+// with the rights of a new owner or group, so the set-id bits go; and a new group gets only the rights that
 // everybody has.
 mode_t modeFor(const struct stat& old, const struct stat& current) {
     mode_t mode = old.st_mode & 07777u;
@@ -31,20 +37,24 @@ bool sameTime(const struct timespec& one, const struct timespec& other) {
     return one.tv_sec == other.tv_sec && one.tv_nsec == other.tv_nsec;
 }
 
-// Exists until it is renamed.
+// A file beside the one to be replaced. Its destructor removes it unless it was renamed.
 class TemporaryFile {
 public:
+    // Hidden, and created readable by the owner alone: the content may be secret, and nobody may read it
+    // before it has the permissions of the old file.
     explicit TemporaryFile(const std::filesystem::path& directory)
         : name_((directory / ".cvregexp.XXXXXX").string()), descriptor_(::mkostemp(name_.data(), O_CLOEXEC)) {
         if (descriptor_ < 0) failOn(name_);
     }
     ~TemporaryFile() {
+        // Errors no longer matter: the file is about to be removed.
         if (descriptor_ >= 0) ::close(descriptor_);
         if (!renamed_) ::unlink(name_.c_str());
     }
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
 
+    // A write may be partial or interrupted by a signal; only other errors count.
     void write(std::string_view content) {
         while (!content.empty()) {
             const ssize_t written = ::write(descriptor_, content.data(), content.size());
@@ -65,6 +75,8 @@ public:
         if (::fchmod(descriptor_, modeFor(old, status)) != 0) failOn(name_);
     }
 
+    // After this the temporary name is gone. Errors of close matter: a network file system reports a full
+    // disk there.
     void replace(const std::string& fileName) {
         if (::fsync(descriptor_) != 0) failOn(name_);
         if (::close(std::exchange(descriptor_, -1)) != 0) failOn(name_);
@@ -91,15 +103,19 @@ void syncDirectory(const std::filesystem::path& directory) {
 
 FileRewrite::FileRewrite(const std::string& fileName) : fileName_(fileName) {
     std::error_code failure;
+    // Resolves links, so that the rename replaces the file and not the link to it.
     target_ = std::filesystem::canonical(fileName, failure);
     if (failure) failOn(fileName, failure.value());
     if (::stat(target_.c_str(), &old_) != 0) failOn(fileName);
     if (!S_ISREG(old_.st_mode)) throw FileRefused(fileName + ": not a regular file");
 }
 
+// Looks again at what the constructor saw.
 void FileRewrite::refuseIfChanged() const {
     struct stat now {};
     if (::stat(target_.c_str(), &now) != 0) failOn(fileName_);
+    // The same file with the same size and time. A change within the clock's resolution that keeps the size
+    // is missed.
     const bool same = now.st_dev == old_.st_dev && now.st_ino == old_.st_ino && now.st_size == old_.st_size &&
                       sameTime(now.st_mtim, old_.st_mtim);
     if (!same) throw FileRefused(fileName_ + ": changed by somebody else meanwhile, left as it is");

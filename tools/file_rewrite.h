@@ -34,7 +34,9 @@ public:
 private:
     void refuseIfChanged() const;
 
+    // As the user gave it, for messages.
     std::string fileName_;
+    // With all links resolved.
     std::filesystem::path target_;
     struct stat old_ {};
 };

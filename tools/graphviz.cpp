@@ -1,5 +1,5 @@
 // The text goes to `dot` through a temporary file and the picture comes back through a pipe, so that neither
-// side can wait for the other.
+// side can wait for the other: with two pipes both could be full.
 #include "tools/graphviz.h"
 
 #include "tools/usage_error.h"
@@ -13,10 +13,12 @@
 namespace tool {
 namespace {
 
+// Closed before `dot` reads it, removed when the picture is there.
 class TemporaryFile {
 public:
     explicit TemporaryFile(const std::string& content) {
         const int file = ::mkstemp(name_);
+        // The system's reason, with the name: usually there is no room or no permission.
         if (file < 0) throw std::system_error(errno, std::generic_category(), name_);
         const std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(::fdopen(file, "w"), std::fclose);
         const bool written = stream != nullptr &&
@@ -31,6 +33,7 @@ public:
     const char* name() const { return name_; }
 
 private:
+    // mkstemp replaces the X's.
     char name_[32] = "/tmp/cvregexp-graph-XXXXXX";
 };
 
@@ -38,6 +41,7 @@ private:
 
 std::string drawGraph(const std::string& text, const std::string& format) {
     if (format == "dot") return text;
+    // The list is short on purpose: the word becomes part of a command for the shell.
     if (format != "svg" && format != "png") throw UsageError("the format must be dot, svg or png");
     const TemporaryFile file(text);
     // Format and name are words of our own that the shell leaves alone.
@@ -45,6 +49,7 @@ std::string drawGraph(const std::string& text, const std::string& format) {
     if (pipe == nullptr) throw std::system_error(errno, std::generic_category(), "dot");
     std::string picture;
     char part[4096];
+    // Read to the end before pclose, which waits for a program that may be writing.
     while (const std::size_t size = std::fread(part, 1, sizeof part, pipe)) picture.append(part, size);
     if (::pclose(pipe) != 0)
         throw std::runtime_error("Graphviz could not draw the graph; is its dot installed?");

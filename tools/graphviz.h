@@ -1,4 +1,5 @@
-// Pictures of graphs, drawn by the program `dot` of Graphviz.
+// Pictures of graphs, drawn by the program `dot` of Graphviz. It is run only for a picture; the text needs no
+// program.
 #pragma once
 
 #include <string>

@@ -1,4 +1,5 @@
-// Marking of matched text in the colours of a terminal.
+// Marking of matched text in the colours of a terminal. Every call closes the marks that it opens, so each
+// piece of output can be shown by itself.
 #include "tools/highlight.h"
 
 #include "tools/usage_error.h"
@@ -12,9 +13,11 @@
 namespace tool {
 namespace {
 
+// Bold red, as search tools mark matches; the second sequence resets everything.
 constexpr std::string_view markOn = "\033[1;31m";
 constexpr std::string_view markOff = "\033[0m";
 
+// The variables are conventions: NO_COLOR with any text refuses colours, TERM=dumb has none.
 bool terminalHasColors() {
     const char* terminal = std::getenv("TERM");
     const char* noColor = std::getenv("NO_COLOR");
@@ -34,11 +37,13 @@ bool colorWanted(const std::string& when) {
 
 void appendHighlighted(std::string& out, std::u16string_view text, Extent line,
                        std::span<const Extent> matches) {
+    // The first unit that is not written yet.
     std::size_t at = line.start;
     for (const Extent& match : matches) {
-        // A match may begin on an earlier line or go on to a later one; only its part on this line counts.
+        // A match may begin on an earlier line or continue on a later one; only its part on this line counts.
         const std::size_t begin = std::clamp(match.start, at, line.end());
         const std::size_t end = std::clamp(match.end(), begin, line.end());
+        // Also an empty match, which has nothing to mark.
         if (begin == end) continue;
         appendUtf8(out, text.substr(at, begin - at));
         out += markOn;

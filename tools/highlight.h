@@ -1,4 +1,5 @@
-// Marking of matched text in the colours of a terminal.
+// Marking of matched text in the colours of a terminal. Also what writes lines without marks, given no
+// matches.
 #pragma once
 
 #include <cstddef>
@@ -8,6 +9,7 @@
 
 namespace tool {
 
+// A stretch of a text, in code units.
 struct Extent {
     std::size_t start;
     std::size_t length;

@@ -1,5 +1,8 @@
 // Reading of whole files: regular files are mapped, so that their bytes are not copied before the conversion;
 // pipes and terminals are read to their end.
+//
+// A mapped file that somebody shortens meanwhile raises SIGBUS. The mapping is gone once the text is
+// converted, so the danger is as short as the conversion.
 #include "tools/input.h"
 
 #include "tools/interrupt.h"
@@ -19,6 +22,7 @@ namespace {
     throw std::system_error(errno, std::generic_category(), name);
 }
 
+// An open descriptor; standard input is borrowed and stays open.
 class OpenFile {
 public:
     explicit OpenFile(const std::string& name)
@@ -35,6 +39,7 @@ public:
     const std::string& name() const { return name_; }
 
 private:
+    // The caller's, which outlives the file.
     const std::string& name_;
     int descriptor_;
 };
@@ -69,6 +74,8 @@ private:
     std::size_t size_ = 0;
 };
 
+// Grows by half of what is there, so the copying is linear. A signal ends a blocked read, after which the
+// interrupt shows.
 std::string readToEnd(const OpenFile& file) {
     constexpr std::size_t chunk = std::size_t{256} * 1024;
     std::string content;
@@ -76,6 +83,7 @@ std::string readToEnd(const OpenFile& file) {
         if (content.size() - used < chunk) content.resize(used + chunk + used / 2);
         const ssize_t got = ::read(file.descriptor(), content.data() + used, content.size() - used);
         if (interruptPending()) throw Interrupted();
+        // A signal that is no request to stop, such as a change of the window's size.
         if (got < 0 && errno == EINTR) continue;
         if (got < 0) failOn(file.name());
         if (got == 0) {
@@ -93,6 +101,7 @@ std::string_view withoutByteOrderMark(std::string_view bytes) {
 
 }  // namespace
 
+// The conversion happens inside, so the caller never holds both the bytes and the text.
 Input readInput(const std::string& fileName) {
     const OpenFile file(fileName);
     const std::string label = fileName == "-" ? "(standard input)" : fileName;
@@ -107,6 +116,7 @@ std::string readBytes(const std::string& fileName) {
     return std::string(withoutByteOrderMark(content));
 }
 
+// Not mapped: what replaces a file needs bytes of its own, as it writes to the same name.
 std::string readAllBytes(const std::string& fileName) {
     return readToEnd(OpenFile(fileName));
 }

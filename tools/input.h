@@ -1,4 +1,5 @@
-// The text to search: a file or standard input, read once and converted once.
+// The text to search: a file or standard input, read once and converted once. The whole text is in memory,
+// because patterns see a file as one text and matches may span lines.
 #pragma once
 
 #include "tools/utf8.h"
@@ -8,8 +9,10 @@
 
 namespace tool {
 
+// A whole text with what is said about it.
 struct Input {
     std::string label;  // what the output calls it: the file name as given, or "(standard input)"
+    // Of the file, with a byte order mark if it has one; for the progress line.
     std::size_t byteSize;
     Utf16Text text;
 };

@@ -1,5 +1,5 @@
 // The handler sets the host's interrupt flag, which running searches poll. The flag is a lock-free atomic,
-// which makes setting it safe in a signal handler.
+// which makes setting it safe in a signal handler. The handler does nothing else.
 #include "tools/interrupt.h"
 
 #include "host/interrupt.h"
@@ -13,6 +13,7 @@ extern "C" void requestInterrupt(int) {
     utInterruptState::SetInterruptPending(true);
 }
 
+// Leaves alone what the parent process made ignored: see the header.
 void catchSignal(int number) {
     struct sigaction current {};
     if (::sigaction(number, nullptr, &current) != 0 || current.sa_handler == SIG_IGN) return;

@@ -1,17 +1,22 @@
 // Ctrl-C, a hang-up or a request to terminate: the first one asks the engine to stop, so that what was found
 // so far can still be printed and temporary files are removed; the second one ends the program at once.
+//
+// Commands consult `interruptPending` between searches too, as a short search may end before it polls the
+// flag.
 #pragma once
 
 #include <stdexcept>
 
 namespace tool {
 
+// Thrown where an incomplete result would pass for a complete one. The main program exits with trouble.
 class Interrupted : public std::runtime_error {
 public:
     Interrupted() : std::runtime_error("interrupted") {}
 };
 
-// A signal that the parent process made ignored, as shells do with SIGINT for background jobs, is left alone.
+// To be called once, before the work. A signal that the parent process made ignored, as shells do with SIGINT
+// for background jobs, is left alone.
 void catchInterrupts();
 
 bool interruptPending();

@@ -1,4 +1,5 @@
-// Machine-readable output, one JSON object a line. Keys keep their order, so that the lines also read well.
+// Machine-readable output, one JSON object for each line. Keys keep their order, so that the lines also read
+// well, and no key is ever left out: what is missing is null or empty.
 #include "tools/json_output.h"
 
 #include "tools/line_index.h"
@@ -19,6 +20,7 @@ void writeLine(std::ostream& out, const Json& object) {
     out << object.dump(-1, ' ', false, Json::error_handler_t::replace) << '\n';
 }
 
+// A token that took no part has an empty text too, which only `tookPart` tells from an empty match.
 Json tokenObject(const RE_Results& found, std::size_t index) {
     const RE_TokenInfo& token = *found.tokens->get(index);
     return {{"number", index + 1},
@@ -33,6 +35,7 @@ class JsonReporter : public Reporter {
 public:
     explicit JsonReporter(std::ostream& out) : out_(out) {}
 
+    // A new text begins at line 1, so the cursor begins anew.
     void beginText(const Input& input) override {
         input_ = &input;
         cursor_ = LineCursor(input.text.view());
@@ -41,6 +44,7 @@ public:
     bool match(const RE_Results& found) override {
         cursor_.advanceTo(found.matchStart);
         Json tokens = Json::array();
+        // Tokens in effect; those after them have no text.
         for (std::size_t index = 0; index != found.tokens->count; ++index)
             tokens.push_back(tokenObject(found, index));
         writeLine(out_, {{"file", input_->label},
@@ -68,6 +72,7 @@ std::unique_ptr<Reporter> makeJsonReporter(std::ostream& out) {
 }
 
 void writeJsonWarning(std::ostream& out, std::u16string_view pattern, const PatternWarning& warning) {
+    // Two places: where the compiler raised the warning, and the part of the pattern that it is about.
     const RE_Warning_Span span = locateWarning(warning.number, pattern, warning.position);
     const PatternPlace place = locate(pattern, span.start);
     writeLine(out, {{"number", static_cast<unsigned>(warning.number)},

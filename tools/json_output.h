@@ -1,4 +1,5 @@
-// Machine-readable output, one JSON object a line.
+// Machine-readable output, one JSON object for each line. Positions and lengths are code units of UTF-16,
+// lines and columns count from 1.
 #pragma once
 
 #include "tools/console_context.h"
@@ -8,6 +9,7 @@
 
 namespace tool {
 
+// The warning with its place in the pattern and, where there is one, its correction.
 void writeJsonWarning(std::ostream& out, std::u16string_view pattern, const PatternWarning& warning);
 
 }  // namespace tool

@@ -1,4 +1,4 @@
-// Line numbers of a large text, for positions asked in ascending order.
+// Line numbers of a large text, for positions queried in ascending order.
 #pragma once
 
 #include <cstddef>
@@ -6,7 +6,8 @@
 
 namespace tool {
 
-// Looks at every unit once however many positions are asked, even when the whole text is a single line.
+// Reads every unit once however many positions are queried, even when the whole text is a single line. Refers
+// to the text, which has to outlive it.
 class LineCursor {
 public:
     explicit LineCursor(std::u16string_view text) : text_(text) {}

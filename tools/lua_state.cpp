@@ -1,3 +1,8 @@
+// Lua behind protected calls. Lua reports errors by longjmp, which skips destructors. So the functions that
+// run inside Lua hold no object that needs one, and everything that may raise an error is called through
+// lua_pcall.
+//
+// The stack of Lua is empty between the member functions; `fail` empties it after an error.
 #include "tools/lua_state.h"
 
 #include "tools/interrupt.h"
@@ -9,13 +14,17 @@
 namespace tool {
 namespace {
 
+// Of all values of the scripts together. Beyond it the allocation fails and Lua raises an error.
 constexpr std::size_t mostMemory = std::size_t{256} << 20;
+// Some microseconds of a script: an interrupt is seen at once, and polling costs nothing that shows.
 constexpr int instructionsPerPoll = 1000;
 
-// Behind an old null block `oldSize` is no size but a kind of object.
+// Lua's allocator: frees, makes or resizes a block, and keeps the account. Trap: without an old block
+// `oldSize` is no size but the kind of object that the block will be.
 void* allocate(void* user, void* block, std::size_t oldSize, std::size_t newSize) {
     std::size_t& used = *static_cast<std::size_t*>(user);
     const std::size_t before = block != nullptr ? oldSize : 0;
+    // Lua frees by resizing to nothing, and expects null.
     if (newSize == 0) {
         std::free(block);
         used -= before;
@@ -27,18 +36,22 @@ void* allocate(void* user, void* block, std::size_t oldSize, std::size_t newSize
     return moved;
 }
 
-// Scripts can catch errors. From the first interrupt on every instruction raises one, so that none goes on.
+// A hook of Lua's. Scripts can catch errors; so from the first interrupt on every instruction raises one, and
+// no script continues.
 void endWhenInterrupted(lua_State* state, lua_Debug*) {
     if (!interruptPending()) return;
+    // From the next instruction on: the error below may be caught by the script.
     lua_sethook(state, endWhenInterrupted, LUA_MASKCOUNT, 1);
     luaL_error(state, "interrupted");
 }
 
-// Gives an error that is no text one, with the place where a script raised it.
+// Handler of protected calls: turns an error that is no text into one, with the place where a script raised
+// it.
 int describeError(lua_State* state) {
     if (lua_type(state, 1) == LUA_TSTRING) return 1;
     lua_pushliteral(state, "");
     lua_Debug caller;
+    // Level 0 is this function, level 1 what raised the error, which may be a function of the library.
     for (int level = 1; lua_getstack(state, level, &caller) != 0; ++level) {
         lua_getinfo(state, "Sl", &caller);
         if (caller.currentline > 0) {
@@ -56,7 +69,7 @@ int describeError(lua_State* state) {
     return 1;
 }
 
-// Hooks do not run in finalizers, so nothing would end one.
+// Lua's setmetatable without finalizers: hooks do not run in those, so nothing would end a long one.
 int setMetatable(lua_State* state) {
     luaL_checktype(state, 1, LUA_TTABLE);
     luaL_argexpected(state, lua_isnil(state, 2) || lua_istable(state, 2), 2, "nil or table");
@@ -72,7 +85,9 @@ int setMetatable(lua_State* state) {
     return 1;
 }
 
+// To the program's own stream, which keeps the order with the rest of the output.
 int print(lua_State* state) {
+    // As Lua's own print: tabs between, texts by __tostring.
     const int count = lua_gettop(state);
     for (int i = 1; i <= count; ++i) {
         std::size_t length = 0;
@@ -85,6 +100,7 @@ int print(lua_State* state) {
     return 0;
 }
 
+// From the table on top of the stack.
 void removeFields(lua_State* state, std::initializer_list<const char*> names) {
     for (const char* name : names) {
         lua_pushnil(state);
@@ -92,6 +108,7 @@ void removeFields(lua_State* state, std::initializer_list<const char*> names) {
     }
 }
 
+// The functions of the os library that only look at the clock; the others start programs and remove files.
 void openClock(lua_State* state) {
     luaL_requiref(state, LUA_OSLIBNAME, luaopen_os, 0);
     lua_newtable(state);
@@ -103,7 +120,8 @@ void openClock(lua_State* state) {
     lua_pop(state, 1);
 }
 
-// Without files, programs, modules, other chunks of code and the debug library.
+// The libraries without files, programs, modules, other chunks of code and the debug library. What is left
+// reaches nothing outside of the interpreter.
 int openSafeLibraries(lua_State* state) {
     const luaL_Reg libraries[] = {{LUA_GNAME, luaopen_base},
                                   {LUA_STRLIBNAME, luaopen_string},
@@ -115,6 +133,7 @@ int openSafeLibraries(lua_State* state) {
         lua_pop(state, 1);
     }
     openClock(state);
+    // What the base library offers besides: running files and texts, and driving the collector.
     lua_pushglobaltable(state);
     removeFields(state, {"collectgarbage", "dofile", "load", "loadfile"});
     lua_getfield(state, -1, "setmetatable");
@@ -127,15 +146,18 @@ int openSafeLibraries(lua_State* state) {
     return 0;
 }
 
+// What callProtected needs, passed as a pointer because arguments of Lua are values of Lua.
 struct Call {
     int function;
     const std::vector<std::string>* arguments;
 };
 
-// Runs protected, so nothing here may need a destructor. Leaves the value and, where it has one, its text.
+// Runs protected, so nothing here may need a destructor. Leaves the value and, if it has one, its text; the
+// text is made from a copy, as lua_tolstring changes the value that it converts.
 int callProtected(lua_State* state) {
     const Call& call = *static_cast<const Call*>(lua_touserdata(state, 1));
     const int count = static_cast<int>(call.arguments->size());
+    // The arguments, and three places more: for the function, the value and its text.
     luaL_checkstack(state, count + 3, "too many arguments");
     lua_rawgeti(state, LUA_REGISTRYINDEX, call.function);
     for (int i = 0; i < count; ++i) {
@@ -148,7 +170,7 @@ int callProtected(lua_State* state) {
     return 2;
 }
 
-// A text that is read unit by unit, which tells how far the reader came.
+// A text that Lua reads unit by unit, so that it is known how far the reader got.
 struct Source {
     const char* next;
     const char* end;
@@ -160,13 +182,14 @@ const char* readUnit(lua_State*, void* user, std::size_t* size) {
     return *size == 0 ? nullptr : source.next++;
 }
 
-// Leaves a function or an error. Returns how much of the code is left behind an error.
+// Leaves a function or an error. Returns how many units of the code are left after an error.
 std::optional<std::ptrdiff_t> loadExpression(lua_State* state, const std::string& code) {
     Source source{code.data(), code.data() + code.size()};
     if (lua_load(state, readUnit, &source, "=expression", "t") == LUA_OK) return std::nullopt;
     return source.end - source.next;
 }
 
+// Takes the function on the stack into the registry. A call of its own, since it allocates and may fail.
 int keepFunction(lua_State* state) {
     lua_pushinteger(state, luaL_ref(state, LUA_REGISTRYINDEX));
     return 1;
@@ -174,6 +197,7 @@ int keepFunction(lua_State* state) {
 
 }  // namespace
 
+// The hook comes last: nothing of the set-up is worth interrupting.
 LuaState::LuaState() : state_(lua_newstate(allocate, &used_)) {
     if (state_ == nullptr) throw std::bad_alloc();
     lua_pushcfunction(state_.get(), openSafeLibraries);
@@ -181,21 +205,25 @@ LuaState::LuaState() : state_(lua_newstate(allocate, &used_)) {
     lua_sethook(state_.get(), endWhenInterrupted, LUA_MASKCOUNT, instructionsPerPoll);
 }
 
+// Throws the error on top of the stack. An interrupt shows as an error of a script too, and is told apart
+// here.
 void LuaState::fail() {
     if (interruptPending()) throw Interrupted();
     std::size_t length = 0;
     const bool isText = lua_type(state_.get(), -1) == LUA_TSTRING;
     const char* const text = isText ? lua_tolstring(state_.get(), -1, &length) : nullptr;
+    // Copied before the stack is emptied, which lets Lua collect the text.
     std::string message = isText ? std::string(text, length) : std::string("an error that is no text");
     lua_settop(state_.get(), 0);
     throw LuaError(message);
 }
 
-// Precompiled code is refused: nothing checks it.
+// "t": text only. Precompiled code is refused, as nothing verifies it.
 void LuaState::load(const std::string& code, const char* name) {
     if (luaL_loadbufferx(state_.get(), code.data(), code.size(), name, "t") != LUA_OK) fail();
 }
 
+// "@": the name is that of a file, and messages show it as one.
 void LuaState::run(std::string_view code, const std::string& name) {
     lua_pushcfunction(state_.get(), describeError);
     load(std::string(code), ("@" + name).c_str());
@@ -203,8 +231,10 @@ void LuaState::run(std::string_view code, const std::string& name) {
     lua_pop(state_.get(), 1);
 }
 
-// Of two errors the one that was met later is shown: it is the one of the reading that was meant.
+// Reads the body as an expression first and, failing that, as statements. If both fail, the error that was
+// met later in the text is the one shown: it belongs to the reading that was meant.
 int LuaState::compile(std::string_view parameters, std::string_view body) {
+    // The parameters become locals that are set from the arguments of the chunk.
     const std::string head = parameters.empty() ? "" : "local " + std::string(parameters) + " = ... ";
     // A line feed ends a comment at the end of the body.
     const std::string code = std::string(body) + (body.find("--") != std::string_view::npos ? "\n" : "");
@@ -223,10 +253,12 @@ int LuaState::compile(std::string_view parameters, std::string_view body) {
     return function;
 }
 
+// Unreferencing a number that is none (LUA_NOREF) is allowed.
 void LuaState::forget(int function) noexcept {
     luaL_unref(state_.get(), LUA_REGISTRYINDEX, function);
 }
 
+// Two results come back: the value, and its text or nil.
 LuaState::Value LuaState::call(int function, const std::vector<std::string>& arguments) {
     Call call{function, &arguments};
     lua_State* const state = state_.get();
@@ -234,6 +266,7 @@ LuaState::Value LuaState::call(int function, const std::vector<std::string>& arg
     lua_pushcfunction(state, callProtected);
     lua_pushlightuserdata(state, &call);
     if (lua_pcall(state, 1, 2, -3) != LUA_OK) fail();
+    // The name of a type is a constant of the library; the text has to be copied before the stack is popped.
     Value value{
         lua_toboolean(state, -2) != 0, lua_type(state, -1) == LUA_TSTRING, {}, luaL_typename(state, -2)};
     if (value.hasText) {

@@ -15,6 +15,7 @@
 
 namespace tool {
 
+// What Lua says about an error of a script, with the place in the script.
 class LuaError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
@@ -26,15 +27,16 @@ public:
     LuaState(const LuaState&) = delete;
     LuaState& operator=(const LuaState&) = delete;
 
+    // Runs a chunk; `name` is what messages call it. LuaError when it fails, Interrupted when the user ends
+    // it.
     void run(std::string_view code, const std::string& name);
 
     // A function of these parameters, separated by commas. The body is an expression, whose value is
-    // returned, or else statements.
+    // returned, or else statements. The number is valid until `forget`.
     int compile(std::string_view parameters, std::string_view body);
     void forget(int function) noexcept;
 
-    // A value that a script gave. Text is what strings and numbers have; `type` is the name of the value's
-    // type.
+    // A value that a script returned. Strings and numbers have text; `type` is the name of the value's type.
     struct Value {
         bool truth;
         bool hasText;
@@ -48,9 +50,11 @@ private:
         void operator()(lua_State* state) const { lua_close(state); }
     };
 
+    // Leaves a function on the stack.
     void load(const std::string& code, const char* name);
     [[noreturn]] void fail();
 
+    // Declared before the state, which frees its blocks through it.
     std::size_t used_ = 0;  // bytes
     std::unique_ptr<lua_State, Close> state_;
 };

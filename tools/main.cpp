@@ -1,5 +1,5 @@
 // The program `cvregexp`: picks a command from the table and turns exceptions into messages and exit
-// statuses.
+// statuses. It knows no command by name.
 #include "tools/arguments.h"
 #include "tools/command.h"
 #include "tools/exit_status.h"
@@ -16,6 +16,7 @@ void printHelp(std::ostream& out) {
     out << "\n`cvregexp COMMAND --help` explains one command; `cvregexp --version` prints the version.\n";
 }
 
+// The first word is the command; everything after it is the command's business.
 int dispatch(const tool::Arguments& words) {
     if (words.empty()) {
         printHelp(std::cerr);
@@ -35,12 +36,15 @@ int dispatch(const tool::Arguments& words) {
     return tool::exitTrouble;
 }
 
+// Output that could not be written is trouble, whatever the command found: a full disk must not look like
+// success.
 int run(const tool::Arguments& words) {
     int status = tool::exitPositive;
     try {
         status = dispatch(words);
     } catch (const tool::HelpPrinted&) {
     }
+    // Only now is everything written that a command has printed.
     if (std::cout.flush()) return status;
     std::cerr << "cvregexp: cannot write to standard output\n";
     return tool::exitTrouble;
@@ -49,6 +53,8 @@ int run(const tool::Arguments& words) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    // All output goes through streams; only the progress line and programs of others use stdio, on other
+    // files.
     std::ios::sync_with_stdio(false);
     try {
         return run({argv + 1, argv + argc});

@@ -1,4 +1,5 @@
-// The options of `cvregexp match` that do not concern the pattern.
+// The options of `cvregexp match` that do not concern the pattern. What contradicts itself is an error, never
+// a matter of which option comes last.
 #include "tools/match_options.h"
 
 #include "tools/highlight.h"
@@ -11,6 +12,7 @@ namespace po = boost::program_options;
 namespace tool {
 namespace {
 
+// Each of these options replaces the default output by another form, so at most one may be given.
 struct FormOption {
     const char* name;
     ReportForm form;
@@ -34,6 +36,7 @@ ReportForm chosenForm(const ParsedArguments& arguments) {
     return chosen == nullptr ? ReportForm::lines : chosen->form;
 }
 
+// As usual for search tools: names are printed as soon as there is more than one file.
 bool fileNamesWanted(const ParsedArguments& arguments, std::size_t fileCount) {
     if (arguments.has("with-filename") && arguments.has("no-filename"))
         throw UsageError("--with-filename and --no-filename exclude each other");
@@ -42,6 +45,7 @@ bool fileNamesWanted(const ParsedArguments& arguments, std::size_t fileCount) {
 
 }  // namespace
 
+// Single letters are those of the usual search tools where an option means the same.
 po::options_description matchOptions() {
     po::options_description options("Output");
     auto add = options.add_options();
@@ -67,10 +71,12 @@ MatchSettings readMatchSettings(const ParsedArguments& arguments) {
     settings.fileNames = arguments.positionals;
     if (settings.fileNames.empty()) settings.fileNames = {"-"};
     settings.style.form = chosenForm(arguments);
+    // Not what is a file name, but whether it is printed.
     settings.style.fileNames = fileNamesWanted(arguments, settings.fileNames.size());
     settings.style.lineNumbers = arguments.has("line-number");
     settings.style.nulAfterName = arguments.has("null");
     settings.style.color = colorWanted(arguments.options["color"].as<std::string>());
+    // Without the option, more than any text has.
     settings.maxCount =
         arguments.has("max-count") ? arguments.number("max-count") : std::numeric_limits<std::size_t>::max();
     return settings;

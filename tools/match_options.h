@@ -6,8 +6,10 @@
 
 namespace tool {
 
+// Declares the options, with the help that --help prints.
 boost::program_options::options_description matchOptions();
 
+// The options, checked and without defaults that are left open.
 struct MatchSettings {
     ReportStyle style;
     std::size_t maxCount;  // matches of each text

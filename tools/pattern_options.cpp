@@ -1,4 +1,7 @@
 // The options that say which pattern is meant and in which modes.
+//
+// RE_FLAG_EVALUATE is always set: whether expressions run is decided by the context (--lua). RE_FLAG_DOT_ALL
+// is set unless --dot-line is given, as files are searched as one text.
 #include "tools/pattern_options.h"
 
 #include "tools/input.h"
@@ -10,7 +13,9 @@ namespace po = boost::program_options;
 namespace tool {
 namespace {
 
+// The pattern as UTF-8. Given by an option, it leaves the positional words alone.
 std::string takePatternText(ParsedArguments& arguments) {
+    // Two patterns would have to be joined somehow; nobody could say how from the options alone.
     if (arguments.has("regexp") && arguments.has("pattern-file"))
         throw UsageError("give one pattern, with -e or with -f");
     if (arguments.has("regexp")) return arguments.options["regexp"].as<std::string>();
@@ -20,12 +25,14 @@ std::string takePatternText(ParsedArguments& arguments) {
             text.pop_back();
         return text;
     }
+    // Without -e and -f the pattern is the first word.
     if (arguments.positionals.empty()) throw UsageError("a pattern is missing");
     std::string text = arguments.positionals.front();
     arguments.positionals.erase(arguments.positionals.begin());
     return text;
 }
 
+// Each option switches one mode on, but for --dot-line, which switches one off.
 RE_Flags chosenFlags(const ParsedArguments& arguments) {
     RE_Flags flags = RE_FLAG_EVALUATE;
     if (!arguments.has("dot-line")) flags |= RE_FLAG_DOT_ALL;
@@ -55,6 +62,7 @@ po::options_description patternOptions() {
     return options;
 }
 
+// Each option of the library describes and parses itself, so a new one needs nothing here.
 po::options_description compileOptions(Corvane::regexp::CompileOptions& options) {
     po::options_description descriptions("Compilation");
     for (Corvane::regexp::Option::IOption* option : options.getOptions())
@@ -62,6 +70,7 @@ po::options_description compileOptions(Corvane::regexp::CompileOptions& options)
     return descriptions;
 }
 
+// The own ones first, as they are what the user looks for in the help.
 po::options_description withPatternOptions(const po::options_description& own,
                                            Corvane::regexp::CompileOptions& compile) {
     po::options_description known;
@@ -69,6 +78,7 @@ po::options_description withPatternOptions(const po::options_description& own,
     return known;
 }
 
+// Bytes that are not UTF-8 become U+FFFD: any command line is a pattern.
 PatternRequest takePattern(ParsedArguments& arguments) {
     std::u16string text = toUtf16(takePatternText(arguments));
     return {std::move(text), chosenFlags(arguments), readScriptRequest(arguments)};

@@ -11,6 +11,7 @@
 
 namespace tool {
 
+// The pattern itself, its modes, and the options about expressions.
 boost::program_options::options_description patternOptions();
 
 // One line of help for each compile option; parsing stores the given values in `options`.
@@ -20,6 +21,7 @@ boost::program_options::options_description compileOptions(Corvane::regexp::Comp
 boost::program_options::options_description withPatternOptions(
     const boost::program_options::options_description& own, Corvane::regexp::CompileOptions& compile);
 
+// What the words say about the pattern, with nothing compiled yet.
 struct PatternRequest {
     std::u16string text;
     RE_Flags flags;

@@ -25,9 +25,11 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
+    // The text that is searched, which outlives the line.
     const Input& input_;
     bool wanted_;
     bool visible_ = false;
+    // Not before this moment; the beginning of time draws at once.
     Clock::time_point nextDraw_{};
 };
 

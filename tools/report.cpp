@@ -1,8 +1,9 @@
-// What all forms of output share.
+// What all forms of output share: the choice of a form, the prefix of a line, and the texts of results.
 #include "tools/report.h"
 
 namespace tool {
 
+// A switch without a default, so that the compiler asks for a case when a form is added.
 std::unique_ptr<Reporter> makeReporter(const ReportStyle& style, std::ostream& out) {
     switch (style.form) {
         case ReportForm::lines:
@@ -13,6 +14,7 @@ std::unique_ptr<Reporter> makeReporter(const ReportStyle& style, std::ostream& o
             return makeTokenReporter(style, out);
         case ReportForm::json:
             return makeJsonReporter(out);
+        // The three that print no match share a reporter.
         case ReportForm::count:
         case ReportForm::names:
         case ReportForm::silent:
@@ -21,6 +23,7 @@ std::unique_ptr<Reporter> makeReporter(const ReportStyle& style, std::ostream& o
     return makeSummaryReporter(style, out);
 }
 
+// The order is that of the usual search tools, which editors read: name, then line.
 void appendPrefix(std::string& out, const ReportStyle& style, const Input& input, std::size_t line) {
     if (style.fileNames) {
         out += input.label;

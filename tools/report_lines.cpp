@@ -1,4 +1,7 @@
 // The default output: every line that holds a match or a part of one, once, with the matches marked.
+//
+// A line cannot be printed when its first match is found, as further matches on it have to be marked too.
+// Hence the block, which is held back until a match begins after it.
 #include "tools/highlight.h"
 #include "tools/line_index.h"
 #include "tools/report.h"
@@ -10,7 +13,7 @@ namespace tool {
 namespace {
 
 // Matches may share a line and may span several. The lines that are joined by matches form a block, which is
-// printed when a match begins beyond it.
+// printed when a match begins beyond it. A block has at least one match.
 class LineReporter : public Reporter {
 public:
     LineReporter(const ReportStyle& style, std::ostream& out) : style_(style), out_(out) {}
@@ -21,8 +24,10 @@ public:
         cursor_ = LineCursor(text_);
     }
 
+    // Adds the match to the block, after printing a block that it does not touch.
     bool match(const RE_Results& found) override {
         const Extent extent{found.matchStart, found.matchLength};
+        // Matches ascend, as the cursor needs it.
         cursor_.advanceTo(extent.start);
         if (!matches_.empty() && cursor_.lineBegin() >= blockEnd_) printBlock();
         if (matches_.empty()) {
@@ -30,6 +35,8 @@ public:
             blockEnd_ = blockBegin_;
             blockLine_ = cursor_.line();
         }
+        // An empty match belongs to the line it is on; a match that ends with a line feed does not reach the
+        // next line.
         const std::size_t lastUnit = extent.length == 0 ? extent.start : extent.end() - 1;
         if (matches_.empty() || lastUnit >= blockEnd_) blockEnd_ = lineEndAfter(text_, lastUnit);
         matches_.push_back(extent);
@@ -41,6 +48,7 @@ public:
     }
 
 private:
+    // `matches` shrinks along with the lines, so that a block is printed in time linear in its size.
     void printBlock() {
         std::string printed;
         std::size_t begin = blockBegin_;
@@ -63,9 +71,11 @@ private:
         return matches.subspan(static_cast<std::size_t>(first - matches.begin()));
     }
 
+    // Without the line feed, so that the last line of a text gets one too.
     void appendLine(std::string& printed, Extent line, std::span<const Extent> matches) {
         if (line.length != 0 && text_[line.end() - 1] == u'\n') --line.length;
         if (style_.color) {
+            // Only the matches up to the line's end: the others would be looked at again for each line.
             const auto beyond =
                 std::ranges::find_if(matches, [=](const Extent& m) { return m.start >= line.end(); });
             appendHighlighted(printed, text_, line, {matches.begin(), beyond});
@@ -81,6 +91,7 @@ private:
     std::u16string_view text_;
     LineCursor cursor_{{}};
     std::vector<Extent> matches_;  // of the block; empty when there is none
+    // The extent of the block in units, and the number of its first line.
     std::size_t blockBegin_ = 0;
     std::size_t blockEnd_ = 0;
     std::size_t blockLine_ = 1;

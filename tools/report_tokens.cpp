@@ -1,4 +1,7 @@
 // Output of every match with its tokens (--tokens): a line for the match, an indented line for each token.
+//
+// All tokens of the pattern have a line, in three kinds: with an extent; "took no part" if the match went
+// past the group; "absent" if the token is not in effect.
 #include "tools/line_index.h"
 #include "tools/report.h"
 
@@ -7,6 +10,7 @@ namespace {
 
 class TokenReporter : public Reporter {
 public:
+    // The place is always part of this form: LINE:COLUMN.
     TokenReporter(const ReportStyle& style, std::ostream& out) : style_(style), out_(out) {
         style_.lineNumbers = true;
     }
@@ -31,6 +35,7 @@ public:
     void endText() override {}
 
 private:
+    // Start and length in code units, and the text on one line.
     static void appendExtent(std::string& out, std::size_t start, std::size_t length,
                              std::u16string_view text) {
         out += " [" + std::to_string(start) + "," + std::to_string(length) + "]";

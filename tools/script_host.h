@@ -11,14 +11,17 @@
 
 namespace tool {
 
+// Offered by every build, so that a script gets a clear message from one without an interpreter.
 boost::program_options::options_description scriptOptions();
 
+// What the words say about expressions.
 struct ScriptRequest {
     bool allowed = false;
     Arguments files;    // with definitions, run in this order before anything else
     std::string after;  // run once the command has done its work
 };
 
+// Reads the options that scriptOptions declares.
 ScriptRequest readScriptRequest(const ParsedArguments& arguments);
 
 // One interpreter, with the definitions that all expressions of a run share.
@@ -29,6 +32,7 @@ public:
     // For a pattern or a replacement whose expressions may be evaluated. The host must outlive the context.
     virtual std::unique_ptr<ConsoleContext> makeContext(const Corvane::regexp::CompileOptions& options,
                                                         bool forPattern) = 0;
+    // Runs the code of --lua-after. Called when the command has done its work; not when it failed.
     virtual void finish() = 0;
 };
 

@@ -1,3 +1,5 @@
+// Turns events into text when they happen: afterwards the nodes of dynamic texts are gone, and with them the
+// labels.
 #include "tools/trace_log.h"
 
 #include "regexp/nodes/label_text.h"
@@ -6,6 +8,7 @@
 namespace tool {
 namespace {
 
+// A copy of the tokens in effect. A search of a pattern without tokens may have no store of them.
 TokenState tokensOf(const RE_Search_Info& search) {
     TokenState state;
     const std::size_t count = search.tokens == nullptr ? 0 : search.tokens->count;
@@ -21,6 +24,7 @@ std::string nodeText(const RE_Node& node) {
     return "n" + std::to_string(node.nodeId) + " " + shortened(node.label(), longestLabel);
 }
 
+// Start and length, as results are printed everywhere.
 std::string extent(std::size_t from, std::size_t to) {
     return "[" + std::to_string(from) + "," + std::to_string(to - from) + "]";
 }
@@ -31,6 +35,8 @@ std::string stepText(const RE_Trace_Event& event) {
     return event.to == event.from ? text + ": yes" : text + ": yes, to " + std::to_string(event.to);
 }
 
+// A line without its token states. Attempts are flush left, steps are indented, and what a step did to the
+// stack of choices more so.
 std::string eventText(const RE_Trace_Event& event) {
     switch (event.kind) {
         case RE_Trace_Kind::seek:
@@ -60,7 +66,10 @@ std::string eventText(const RE_Trace_Event& event) {
 
 }  // namespace
 
+// Token states are kept once as long as they do not change, and events refer to them by index: most steps
+// leave the tokens alone.
 void TraceLog::observe(const RE_Trace_Event& event, const RE_Search_Info& search) {
+    // Beyond the limit nothing is kept, but the count says how much is missing.
     if (events_.size() == limit_) {
         ++dropped_;
         return;
@@ -69,9 +78,11 @@ void TraceLog::observe(const RE_Trace_Event& event, const RE_Search_Info& search
     if (tokens != tokenStates_.back()) tokenStates_.push_back(std::move(tokens));
     events_.push_back({event, event.node == nullptr ? 0 : event.node->nodeId, eventText(event),
                        static_cast<std::size_t>(search.backtrack.top + 1), tokenStates_.size() - 1});
+    // The number is kept; the pointer could dangle.
     events_.back().event.node = nullptr;
 }
 
+// The tokens are shown only where they differ from those of the event before.
 std::string describeEvent(const TraceLog& log, std::size_t index) {
     const LoggedEvent& logged = log.events()[index];
     std::string text = logged.text;

@@ -1,4 +1,5 @@
-// What happened in one search, event by event, as it is printed and replayed.
+// What happened in one search, event by event, as it is printed and replayed. A log is data: nothing in it
+// refers to the search, the tree or the subject.
 #pragma once
 
 #include "regexp/search/observer.h"
@@ -38,6 +39,7 @@ private:
     std::size_t limit_;
     std::size_t dropped_ = 0;
     std::vector<LoggedEvent> events_;
+    // Each differs from the one before; the first is the empty state in which a search begins.
     std::vector<TokenState> tokenStates_{{}};
 };
 

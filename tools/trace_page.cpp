@@ -1,4 +1,7 @@
 // The page gets the events as data and replays them itself; trace_page_source.cpp holds its text.
+//
+// Text of the user's (pattern, subject, labels) reaches the page only as JSON inside a script: asScriptText
+// keeps it from ending the script.
 #include "tools/trace_page.h"
 
 #include "tools/trace_page_source.h"
@@ -15,9 +18,12 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+// A label of the picture is a line; the full text is in the graph of `cvregexp graph`.
 constexpr std::size_t longestLabel = 60;
+// In the order of RE_Trace_Kind; the script compares with these words.
 constexpr std::string_view kindNames[] = {"seek", "start", "step", "push", "refuse", "pop", "body", "finish"};
 
+// The node's links with the names that the graph export uses, so that the page draws the same arrows.
 Json linksOf(RE_Node* node) {
     struct Links : RE_Link_Visitor {
         void link(RE_Node*& target, RE_Link kind) override {
@@ -29,6 +35,7 @@ Json linksOf(RE_Node* node) {
     return links.all;
 }
 
+// One event as the script of the page reads it.
 Json eventObject(const TraceLog& log, std::size_t index) {
     const LoggedEvent& logged = log.events()[index];
     const RE_Trace_Event& event = logged.event;
@@ -42,6 +49,7 @@ Json eventObject(const TraceLog& log, std::size_t index) {
             {"text", describeEvent(log, index)}};
 }
 
+// All that the page knows: the graph's nodes and links, the subject, the events and the token states.
 Json traceObject(const CompiledPattern& pattern, std::u16string_view subject, const TraceLog& log) {
     Json trace{{"pattern", toUtf8(pattern.text())},
                {"subject", Json::array()},
@@ -50,18 +58,20 @@ Json traceObject(const CompiledPattern& pattern, std::u16string_view subject, co
                {"events", Json::array()},
                {"tokens", log.tokenStates()},
                {"dropped", log.dropped()}};
+    // As numbers: the subject may hold halves of surrogate pairs, which JSON text cannot.
     for (const char16_t unit : subject) trace["subject"].push_back(static_cast<unsigned>(unit));
     for (RE_Node* node : pattern.tree().getFacts().nodes) {
         trace["nodes"].push_back({{"id", node->nodeId},
                                   {"label", shortened(node->label(), longestLabel)},
                                   {"links", linksOf(node)}});
     }
+    // By number, as the page goes to an event by its index.
     for (std::size_t index = 0; index != log.events().size(); ++index)
         trace["events"].push_back(eventObject(log, index));
     return trace;
 }
 
-// Inside a script nothing may look like markup: "<" stands in strings only, where it can be escaped.
+// Inside a script nothing may look like markup. "<" occurs in strings only, where it can be escaped.
 std::string asScriptText(const Json& data) {
     const std::string text = data.dump(-1, ' ', false, Json::error_handler_t::replace);
     std::string safe;

@@ -1,4 +1,5 @@
-// A page for browsers that replays a search: one file with nothing outside of it.
+// A page for browsers that replays a search: one file with nothing outside of it, so it can be sent by mail
+// and kept.
 #pragma once
 
 #include "tools/compiled_pattern.h"
@@ -9,6 +10,7 @@
 
 namespace tool {
 
+// The whole text of the page, UTF-8. Its size is that of the log, some hundred bytes for each event.
 std::string tracePage(const CompiledPattern& pattern, std::u16string_view subject, const TraceLog& log);
 
 }  // namespace tool

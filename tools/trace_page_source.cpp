@@ -1,3 +1,6 @@
+// The text of the page around the data: style and elements first, then a script in plain JavaScript without
+// libraries.
+//
 // The state that the page shows follows from the events alone: each one that is applied moves the position,
 // the stack of choices and the tokens. Going back applies the earlier events again from the first.
 //
@@ -7,6 +10,8 @@
 
 namespace tool {
 
+// Style and elements. The classes of nodes and units say what the current event does to them; those of arrows
+// are the words of linkName, so a kind of link that is new needs a line here to be drawn in a way of its own.
 const std::string_view tracePageHead = R"page(<!DOCTYPE html>
 <html lang="en">
 <head>

@@ -1,4 +1,5 @@
-// The fixed parts of the page that replays a search: what stands before the data, and what stands behind it.
+// The fixed parts of the page that replays a search. The page is the head, "const trace = DATA;" and the
+// script, in this order.
 #pragma once
 
 #include <string_view>

@@ -1,4 +1,5 @@
-// Thrown when the words on the command line make no sense together; the main program prints the message.
+// Thrown when the words on the command line make no sense together; the main program prints the message. For
+// what the user can mend by other words; a file that cannot be read is a system_error.
 #pragma once
 
 #include <stdexcept>

@@ -1,4 +1,5 @@
-// Conversion between UTF-8 and UTF-16; the decoding of single characters is ICU's.
+// Conversion between UTF-8 and UTF-16; the decoding of single characters is ICU's. Decoding runs over whole
+// files, so it writes into a buffer of sufficient size without checks and has a fast path for ASCII.
 #include "tools/utf8.h"
 
 #include <unicode/utf16.h>
@@ -12,7 +13,9 @@
 namespace tool {
 namespace {
 
-// Most text is mostly ASCII: blocks of eight bytes without a high bit are widened without decoding.
+// Most text is mostly ASCII: blocks of eight bytes without a high bit are widened without decoding. Returns
+// how many bytes were; the rest, fewer than a block or with a high bit in the next one, is left to the
+// decoder.
 std::size_t widenAscii(const char* bytes, std::size_t count, char16_t* units) {
     constexpr std::size_t block = 8;
     std::size_t done = 0;
@@ -26,6 +29,7 @@ std::size_t widenAscii(const char* bytes, std::size_t count, char16_t* units) {
     return done;
 }
 
+// One or two units, past which the returned pointer is.
 char16_t* appendUnits(char16_t* out, UChar32 character) {
     if (character <= 0xFFFF) {
         *out++ = static_cast<char16_t>(character);
@@ -41,6 +45,8 @@ std::size_t decode(std::string_view utf8, char16_t* units) {
     const auto* bytes = reinterpret_cast<const std::uint8_t*>(utf8.data());
     const std::size_t size = utf8.size();
     char16_t* out = units;
+    // A stretch of ASCII, then one character by ICU; text without ASCII pays one comparison for each
+    // character.
     for (std::size_t at = 0; at != size;) {
         const std::size_t widened = widenAscii(utf8.data() + at, size - at, out);
         at += widened;
@@ -53,6 +59,7 @@ std::size_t decode(std::string_view utf8, char16_t* units) {
     return static_cast<std::size_t>(out - units);
 }
 
+// `character` is no surrogate: nextCharacter has replaced those.
 void appendCharacter(std::string& out, UChar32 character) {
     std::array<std::uint8_t, U8_MAX_LENGTH> bytes;
     std::size_t length = 0;
@@ -60,6 +67,7 @@ void appendCharacter(std::string& out, UChar32 character) {
     out.append(reinterpret_cast<const char*>(bytes.data()), length);
 }
 
+// Moves `at` past the character. Half of a pair without its other half has no UTF-8 form.
 UChar32 nextCharacter(std::u16string_view text, std::size_t& at) {
     const std::size_t size = text.size();
     UChar32 character;
@@ -67,6 +75,7 @@ UChar32 nextCharacter(std::u16string_view text, std::size_t& at) {
     return U_IS_SURROGATE(character) ? 0xFFFD : character;
 }
 
+// The escapes that patterns know too; empty for other characters.
 std::string_view shortEscape(UChar32 character) {
     switch (character) {
         case '\n':
@@ -82,6 +91,7 @@ std::string_view shortEscape(UChar32 character) {
     }
 }
 
+// The C0 controls, DEL and the C1 controls are escaped by number: a terminal would act on them.
 void appendPrintable(std::string& out, UChar32 character) {
     const std::string_view escape = shortEscape(character);
     if (!escape.empty()) {
@@ -101,11 +111,13 @@ Utf16Text::Utf16Text(std::string_view utf8)
     : units_(std::make_unique_for_overwrite<char16_t[]>(utf8.size() + 1)),
       length_(decode(utf8, units_.get())) {}
 
-// Only a U+FFFD can stand for something else.
+// Every other unit has one source only: where there is no U+FFFD nothing was replaced, and the comparison,
+// which costs a conversion, is spared.
 bool isConversionOf(std::u16string_view text, std::string_view utf8) {
     return text.find(u'\uFFFD') == std::u16string_view::npos || toUtf8(text) == utf8;
 }
 
+// U16_NEXT joins proper pairs, so a surrogate that it returns has no partner.
 bool hasLoneSurrogate(std::u16string_view text) {
     for (std::size_t at = 0; at != text.size();) {
         const std::size_t size = text.size();
@@ -122,6 +134,7 @@ std::u16string toUtf16(std::string_view utf8) {
 
 void appendUtf8(std::string& out, std::u16string_view text) {
     for (std::size_t at = 0; at != text.size();) {
+        // Most text is ASCII, of which a unit is a byte.
         if (text[at] < 0x80) {
             out += static_cast<char>(text[at++]);
         } else {

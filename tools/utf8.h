@@ -1,4 +1,5 @@
-// Conversion between the UTF-8 of files and terminals and the UTF-16 that the engine works on.
+// Conversion between the UTF-8 of files and terminals and the UTF-16 that the engine works on. All functions
+// accept any input; what cannot be converted becomes U+FFFD.
 #pragma once
 
 #include <cstddef>
@@ -22,12 +23,13 @@ private:
     std::size_t length_;
 };
 
-// Whether the conversion of the bytes to these units lost nothing.
+// Whether the conversion of the bytes to these units lost nothing: converted back, they are the same bytes.
 bool isConversionOf(std::u16string_view text, std::string_view utf8);
 
 // Whether there is half of a surrogate pair in the text, which has no UTF-8 form.
 bool hasLoneSurrogate(std::u16string_view text);
 
+// For short texts; a file is converted into a Utf16Text.
 std::u16string toUtf16(std::string_view utf8);
 
 // A lone surrogate, which has no UTF-8 form, becomes U+FFFD.

@@ -1,5 +1,5 @@
-// Warnings as people read them. The caret has to stand under the right glyph, so columns of the terminal are
-// counted here, not code units.
+// Warnings as people read them. The caret has to be under the right glyph, so columns of the terminal are
+// counted here, not code units: a combining character takes none, an East Asian wide one two.
 #include "tools/warning_report.h"
 
 #include "tools/utf8.h"
@@ -16,19 +16,22 @@ namespace tool {
 namespace {
 
 constexpr std::string_view margin = "    ";
+// Of a text's warnings: a text that is no pattern at all may have one for each of its units.
 constexpr std::size_t mostShown = 20;
 
+// Marks and format characters, which take no column of their own.
 bool isCombining(UChar32 character) {
     return (U_GET_GC_MASK(character) & (U_GC_MN_MASK | U_GC_ME_MASK | U_GC_CF_MASK)) != 0;
 }
 
+// In columns. An ambiguous width counts as one, as in most terminals.
 std::size_t terminalWidth(UChar32 character) {
     if (isCombining(character)) return 0;
     const int width = u_getIntPropertyValue(character, UCHAR_EAST_ASIAN_WIDTH);
     return width == U_EA_WIDE || width == U_EA_FULLWIDTH ? 2 : 1;
 }
 
-// Blanks as wide as `text`; a tab stays a tab, since its width depends on where it stands.
+// Blanks as wide as `text`; a tab stays a tab, since its width depends on its column.
 std::string paddingFor(std::u16string_view text) {
     std::string padding;
     for (std::size_t at = 0; at != text.size();) {
@@ -52,6 +55,7 @@ std::u16string withoutControls(std::u16string_view text) {
     return shown;
 }
 
+// Of a piece without tabs, whose width would depend on where it begins.
 std::size_t terminalWidth(std::u16string_view text) {
     std::size_t width = 0;
     for (std::size_t at = 0; at != text.size();) {
@@ -68,10 +72,12 @@ std::size_t terminalWidth(std::u16string_view text) {
 std::string underline(std::u16string_view line, std::size_t begin, std::size_t length) {
     std::string text = paddingFor(line.substr(0, begin)) + '^';
     const std::size_t width = terminalWidth(line.substr(begin, length));
+    // The caret takes the place of the first column.
     text.append(width > 1 ? width - 1 : 0, '~');
     return text;
 }
 
+// Lines are mentioned only where there are several.
 std::string placeText(std::u16string_view pattern, const PatternPlace& place) {
     std::string text = "column " + std::to_string(place.column);
     if (pattern.find(u'\n') != std::u16string_view::npos)
@@ -81,6 +87,7 @@ std::string placeText(std::u16string_view pattern, const PatternPlace& place) {
 
 }  // namespace
 
+// The line of the position, found by the line feeds around it. Linear in the pattern.
 PatternPlace locate(std::u16string_view pattern, std::size_t position) {
     const std::u16string_view before = pattern.substr(0, position);
     const std::size_t lineFeed = before.rfind(u'\n');
@@ -92,7 +99,7 @@ PatternPlace locate(std::u16string_view pattern, std::size_t position) {
 
 namespace {
 
-// What is wrong and where, the line it stands in, and the margin of the line below.
+// What is wrong and where, the line that it is in, and the margin of the line below.
 std::string quoteLine(std::u16string_view pattern, const PatternPlace& place, const std::string& heading,
                       std::string_view sentence) {
     std::string text = heading + " at " + placeText(pattern, place) + ": ";
@@ -106,6 +113,7 @@ std::string quoteLine(std::u16string_view pattern, const PatternPlace& place, co
 
 }  // namespace
 
+// For messages that are no warnings, such as errors of scripts.
 std::string describePlace(std::u16string_view pattern, std::size_t position, const std::string& heading,
                           std::string_view sentence) {
     const PatternPlace place = locate(pattern, position);
@@ -119,9 +127,11 @@ std::string describeWarning(std::u16string_view pattern, const PatternWarning& w
     const std::u16string shown = withoutControls(place.lineText);
     const std::string heading = "warning " + std::to_string(static_cast<unsigned>(warning.number));
     std::string text = quoteLine(pattern, place, heading, describe(warning.number).sentence);
+    // Within the line, in code units.
     const std::size_t begin = place.column - 1;
     text += underline(shown, begin, span.length);
     text += '\n';
+    // A part that reaches over a line feed is not shown corrected: the line alone would mislead.
     if (span.correction && begin + span.length <= shown.size()) {
         std::u16string corrected = shown;
         corrected.replace(begin, span.length, *span.correction);

@@ -1,4 +1,6 @@
 // Warnings as people read them: number, place, sentence, and a caret under the place.
+//
+// Positions that the engine reports are indexes in code units; a place is what an editor shows for one.
 #pragma once
 
 #include "tools/console_context.h"
@@ -15,6 +17,7 @@ struct PatternPlace {
     std::u16string_view lineText;
 };
 
+// The place of a position from 0 to the length of the pattern.
 PatternPlace locate(std::u16string_view pattern, std::size_t position);
 
 // Three lines: the heading with the place and the sentence, the line of the pattern, the caret. No line feed

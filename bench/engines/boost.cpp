@@ -11,6 +11,7 @@
 namespace corvane_bench {
 namespace {
 
+// The Perl syntax. Without our flags the dot excludes the line feed and anchors hold at the ends only.
 boost::regex::flag_type toOptions(unsigned flags) {
     return boost::regex::perl | ifSet(flags, IGNORE_CASE, boost::regex::icase) |
            ((flags & DOT_ALL) != 0 ? boost::regex::mod_s : boost::regex::no_mod_s) |
@@ -46,6 +47,7 @@ public:
     }
 
 private:
+    // For bench/engines/walk.h. The engine throws when a search becomes too complex for it.
     struct Find_From {
         Boost_Searcher* searcher;
 

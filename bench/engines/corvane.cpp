@@ -1,4 +1,5 @@
-// Our own engine, used as an application uses it.
+// Our own engine, used as an application uses it: through the public headers, with machine code and automaton
+// where more is searched than compiled.
 #include "regexp/regexp.h"
 
 #include "bench/engines/engines.h"
@@ -8,7 +9,8 @@
 namespace corvane_bench {
 namespace {
 
-/// Remembers whether the pattern was read as it was meant.
+/// Notes whether the pattern was read as it was meant. Every text is a pattern for us: a row that raises a
+/// warning would measure something else.
 class Strict_Context : public RE_Context {
 public:
     void warn(const char16_t*, RE_Warning) override { warned = true; }
@@ -20,6 +22,7 @@ RE_Flags toFlags(unsigned flags) {
            ifSet(flags, LINES, RE_FLAG_LINE_ANCHORS);
 }
 
+// Reading a token's length is what reading a token costs.
 std::size_t lengthOfTokens(const RE_Results& match) {
     std::size_t length = 0;
     for (std::size_t i = 0; i < match.tokens->count; ++i) {
@@ -86,6 +89,7 @@ public:
     std::string version() const override { return CORVANE_VERSION; }
     std::unique_ptr<Searcher> compile(const Request& request) const override {
         auto searcher = std::make_unique<Corvane_Searcher>(request);
+        // A pattern with a warning is one that our dialect cannot say.
         return searcher->understood() ? std::move(searcher) : nullptr;
     }
 };

@@ -1,4 +1,5 @@
-// The list of engines; CMake says which of the peers are there.
+// The list of engines; CMake says which of the peers are there. The order is that of the columns, and ours
+// comes first: the runner and the ratios rely on that.
 #include "bench/engines/engines.h"
 
 namespace corvane_bench {

@@ -1,4 +1,5 @@
-// Going from match to match with an engine that searches from an offset.
+// Going from match to match with an engine that searches from an offset. All such peers use these loops, so
+// they differ in their searches and in nothing around them.
 #pragma once
 
 #include "bench/engine.h"
@@ -29,6 +30,7 @@ std::optional<Answer> walkMatches(View text, Find find, Tokens tokens) {
         }
         ++answer.count;
         answer.tokenUnits += tokens();
+        // No row matches the empty text; the unit more keeps a peer that does from standing still.
         offset = std::max(end, offset + 1);
     }
     return answer;

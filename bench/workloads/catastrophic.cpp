@@ -1,4 +1,8 @@
-// Rows with patterns that make a backtracking search try very many ways.
+// Rows with patterns that make a backtracking search try very many ways. Group, name, pattern, text, number
+// of matches.
+//
+// "catastrophic": exponentially or very many ways for plain backtracking. "quadratic": as the square of the
+// text.
 #include "bench/workloads/groups.h"
 
 namespace corvane_bench {

@@ -1,4 +1,6 @@
-// Rows about small tasks, and about large ones.
+// Rows about small tasks, and about large ones. Of a replacement the answer is the length of the new text, of
+// short subjects the number of lines with a match, of a compilation the number of matches that the compiled
+// pattern finds.
 #include "bench/workloads/groups.h"
 
 #include "bench/patterns.h"

@@ -1,4 +1,5 @@
-// Rows in which most of the time goes into finding where a match may start.
+// Rows in which most of the time goes into finding where a match may start. `floor` is the literal that has
+// to be found in any case: the time of a bare scan for it stands beside the row.
 #include "bench/workloads/groups.h"
 
 #include "bench/patterns.h"

@@ -1,4 +1,5 @@
-// Rows that take texts apart.
+// Rows that take texts apart. Where tokens are read the answer has two numbers: matches, and the units of all
+// tokens.
 #include "bench/workloads/groups.h"
 
 #include "bench/patterns.h"

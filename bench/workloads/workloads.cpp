@@ -1,4 +1,5 @@
-// All rows in the order in which they are run.
+// All rows in the order in which they are run. Rows of a group have to be together, as a table is made of
+// neighbours.
 #include "bench/workloads/groups.h"
 
 #include <iterator>

@@ -1,10 +1,8 @@
 // An application with an interpreter of its own that lets patterns and replacements call it.
 //
 // The interpreter here is tiny: an expression is a function's name and its arguments, as in `upper($1)`.
-// Everything
-// that the engine asks of its host goes through a class derived from `RE_Context`; this one says on standard
-// output
-// what it is asked. docs/embedding.md walks through this file.
+// Everything that the engine asks of its host goes through a class derived from `RE_Context`; this one says
+// on standard output what it is asked. docs/embedding.md walks through this file.
 #include "regexp/regexp.h"
 
 #include <cstdio>
@@ -22,6 +20,8 @@ namespace {
 
 using Arguments = std::vector<std::string>;
 
+// The interpreter's state, which expressions may change. It belongs to the application, and outlives every
+// pattern.
 std::map<std::string, std::string> variables;
 
 std::string twice(const Arguments& arguments) {
@@ -36,6 +36,7 @@ std::string isEven(const Arguments& arguments) {
     return std::stol(arguments.at(0)) % 2 == 0 ? "true" : "";
 }
 
+// A function with an effect: it shows how often, and where, a search calls.
 std::string count(const Arguments&) {
     return variables["count"] += '|';
 }
@@ -59,7 +60,7 @@ Arguments parts(const std::string& call) {
     return found;
 }
 
-// --- what the engine asks ---
+// --- what the engine needs from its host ---
 
 // The texts of this application are ASCII.
 std::string narrow(const char16_t* text, std::size_t length) {
@@ -76,13 +77,13 @@ std::string narrow(const RE_Evaluation_Inputs& list) {
     return narrow(all);
 }
 
+// Thrown out of `warn`. It leaves the constructor of the tree, which frees what it holds.
 struct SyntaxProblem : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
 // One object is the context of a pattern or replacement; each of its expressions gets a clone of it, which is
-// asked
-// about that expression only.
+// asked about that expression only.
 class Host : public RE_Context {
 public:
     // May expressions be evaluated, and may Ctrl-C (the interrupt flag) end a search?
@@ -108,8 +109,7 @@ public:
     RE_Context* clone() override { return new Host; }
 
     // A name for `$1` and the like, once for each distinct one of an expression. The engine proposes one;
-    // that those
-    // of an expression differ is up to the host: `$<matched>` and `$&` get the same proposal.
+    // that those of an expression differ is up to the host: `$<matched>` and `$&` get the same proposal.
     RE_Evaluation_IO* create_unique_var(const char* stem, const RE_Builder_Space::RE_Builder&) override {
         std::string name = stem;
         while (!names.insert(name).second) {
@@ -140,6 +140,7 @@ public:
     }
 
 private:
+    // Looks the function up and notes which inputs are its arguments: `order` maps the one to the other.
     void compile(const RE_Evaluation_IO& body, const RE_Evaluation_Inputs& parameters) {
         const Arguments words = parts(narrow(body));
         function = functions.at(words.front());
@@ -153,6 +154,7 @@ private:
         }
     }
 
+    // The inputs are the texts of the references, in the order in which the engine listed them.
     std::string call(const RE_Evaluation_Inputs& inputs) {
         Arguments arguments;
         for (const std::size_t index : order) {
@@ -169,6 +171,7 @@ private:
     std::vector<std::size_t> order;  // of the inputs among the arguments
 };
 
+// Compiles and searches once, and reports what the engine asks on the way.
 void search(const std::u16string& pattern, const std::u16string& subject) {
     std::printf("pattern %s\n", narrow(pattern.data(), pattern.size()).c_str());
     Host host;  // outlives the tree
@@ -182,6 +185,7 @@ void search(const std::u16string& pattern, const std::u16string& subject) {
     }
 }
 
+// The same for a replacement, whose expressions are evaluated for each match.
 void replace(const std::u16string& pattern, const std::u16string& replacement,
              const std::u16string& subject) {
     std::printf("replacement %s\n", narrow(replacement.data(), replacement.size()).c_str());

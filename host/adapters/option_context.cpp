@@ -1,4 +1,5 @@
-// Option values as the default host's arrays.
+// Option values as the default host's arrays. A number read as a truth value is true unless it is zero; a
+// truth value read as a number is 0 or 1, because that is what cxArray stores for it.
 
 #include "host/adapters/option_context.h"
 

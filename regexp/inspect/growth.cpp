@@ -1,10 +1,15 @@
 // Ambiguity of automata, after the criteria for the degree of ambiguity: a state with two ways back to itself
 // over one text makes the number of ways exponential; two states p and q, with ways from p to p, from p to q
 // and from q to q over one text, make it polynomial. Ways are followed in step, in the product of the
-// automaton with itself.
+// automaton with itself: a breadth-first walk over pairs or triples of states, one shared letter a step. So
+// the word that is found is a shortest one, and the witness stays readable.
 //
-// A search that has entered an accepting state succeeds, so what it loses is lost between such states: the
-// second loop, and the way to it, must do without them.
+// A search that has entered an accepting state succeeds, so only ways that avoid such states cost it
+// anything. Hence the second loop, and the way to it, must avoid them (`losing`); the first loop need not
+// (`loops`).
+//
+// The product of a pattern of a thousand states has 10^9 triples. `mostSteps` bounds the walk, and a
+// judgement that runs into the bound is `unknown`, never `linear`.
 #include "regexp/inspect/growth.h"
 
 #include "regexp/graph/graph_facts.h"
@@ -26,8 +31,10 @@ using States = std::vector<RE_Automaton_State>;
 using Word = std::vector<std::size_t>;  // of letters
 using Triple = std::array<std::size_t, 3>;
 
-/// Whether there is a match that takes no long search.
+/// Whether the text has a match that a short search finds. A search that is given up counts as none: a text
+/// on which the search is long serves as a witness either way.
 bool matchesSoon(const RE_Tree& tree, const std::u16string& text) {
+    // Thrown through the match loop, which is safe for exceptions of hosts and observers alike.
     struct Too_Long {};
     struct Patience : RE_Observer {
         void observe(const RE_Trace_Event&, const RE_Search_Info&) override {
@@ -35,6 +42,7 @@ bool matchesSoon(const RE_Tree& tree, const std::u16string& text) {
                 throw Too_Long();
             }
         }
+        // Events, not steps: some milliseconds.
         std::size_t left = 20'000;
     } patience;
     try {
@@ -44,6 +52,7 @@ bool matchesSoon(const RE_Tree& tree, const std::u16string& text) {
     }
 }
 
+/// Judges one automaton. All walks draw on one budget.
 class Judge {
 public:
     Judge(const RE_Tree& pattern, const RE_Automaton& graph)
@@ -53,6 +62,8 @@ public:
           loops(states, everyState()),
           losing(states, losingStates()) {}
 
+    // Exponential first, as a pattern may be both. A walk that the budget ended has found nothing, which
+    // proves nothing.
     RE_Growth judge() {
         RE_Growth growth;
         if (!findExponential(growth) && !findPolynomial(growth) && left == 0) {
@@ -73,12 +84,17 @@ private:
         return result;
     }
 
-    /// A shortest word on the way from one triple to another, by at least one step.
+    /// A shortest word on the way from one triple to another, by at least one step; nothing when there is
+    /// none, or when the budget is used up. `eachStep(from, take)` calls `take(to, letters)` for each
+    /// successor. The letter of a step is the first one that its edges share: any of them leads there.
     template <class EachStep>
     std::optional<Word> wordBetween(const Triple& start, const Triple& goal, EachStep eachStep) {
+        // A number for each triple. With 1000 states, the most that an automaton has, it fits 64 bits by far.
         const auto keyOf = [this](const Triple& t) {
             return (t[0] * states.size() + t[1]) * states.size() + t[2];
         };
+        // The triples met so far, each with the index of the one before it and the letter between them; also
+        // the queue of the walk. The start is not in `seen`, so that a way back to it is found.
         std::vector<std::pair<Triple, std::pair<std::size_t, std::size_t>>> met{{start, {0, 0}}};
         std::unordered_set<std::size_t> seen;
         std::optional<Word> word;
@@ -91,6 +107,7 @@ private:
                 met.push_back({to, {i, letters._Find_first()}});
                 if (to == goal) {
                     word.emplace();
+                    // Back from the goal to the start, which has index 0.
                     for (std::size_t at = met.size() - 1; at != 0; at = met[at].second.first) {
                         word->insert(word->begin(), met[at].second.second);
                     }
@@ -100,9 +117,12 @@ private:
         return word;
     }
 
+    // One for each pair of edges looked at, whether they share a letter or not.
     void spend() { left -= left > 0 ? 1 : 0; }
 
-    // The third part of the triple tells whether the two ways have parted.
+    // A text that leads from the state back to itself in two ways. The third part of the triple is no state:
+    // it is 1 once the two ways have parted, and the way back counts only then. Ways that run side by side
+    // along different edges to the same state have parted too, as the search tries both.
     std::optional<Word> twoWaysBack(std::size_t state) {
         const std::size_t own = losing.of(state);
         return wordBetween({state, state, 0}, {state, state, 1}, [&](const Triple& at, auto take) {
@@ -128,6 +148,8 @@ private:
             if (own == RE_Components::none || judged[own]) {
                 continue;
             }
+            // One state is judged for its whole component: from each state on a loop the others can be
+            // reached, so if one has two ways back, all have.
             judged[own] = true;
             if (const std::optional<Word> pump = twoWaysBack(state)) {
                 report(growth, RE_Growth::Kind::exponential, state, state, *pump);
@@ -137,9 +159,13 @@ private:
         return false;
     }
 
+    // A text that leads from p to p, from p to q and from q to q. The parts of the triple are these three
+    // ways; the goal is reached when all of them end together.
     std::optional<Word> sharedWord(std::size_t p, std::size_t q) {
         return wordBetween({p, p, q}, {p, q, q}, [&](const Triple& at, auto take) {
             for (const RE_Automaton_Edge& first : states[at[0]].edges) {
+                // The first way stays on p's loop and the third on q's: a way that leaves its loop cannot
+                // return.
                 if (loops.of(first.target) != loops.of(p)) {
                     continue;
                 }
@@ -159,6 +185,7 @@ private:
         });
     }
 
+    // Pairs of states, hence quadratic in their number; most pairs are discarded by their components alone.
     bool findPolynomial(RE_Growth& growth) {
         for (std::size_t p = 0; p < states.size(); ++p) {
             for (std::size_t q = 0; q < states.size() && loops.of(p) != RE_Components::none; ++q) {
@@ -179,15 +206,19 @@ private:
         growth.loop = states[p].node;
         growth.rival = states[q].node;
         growth.pump = spell(pump);
+        // A loop of the search for a start begins at once and needs nothing in front of it.
         if (p != RE_Automaton::skipping) {
             growth.prefix = spell(wordTo(p));
         }
-        growth.suffix = suffixBehind(q);
+        growth.suffix = suffixAfter(q);
         findFailingSuffix(growth);
     }
 
-    /// Only a search that fails shows how it grows. None is made where it would be counted.
+    /// Only a search that fails shows how it grows: tries suffixes until the witness has no quick match, and
+    /// keeps the first one when none does. Not under a profile, which would count these searches as the
+    /// user's.
     void findFailingSuffix(RE_Growth& growth) const {
+        // Pumps. Enough to tell a match from a failure; few enough that an exponential failure ends soon.
         constexpr std::size_t times = 5;
         const std::u16string first = growth.suffix;
         for (std::size_t letter = 0; tree.getFacts().profiler == nullptr; ++letter) {
@@ -202,6 +233,8 @@ private:
         growth.suffix = first;
     }
 
+    // The way of an attempt that starts at the start of the text. Empty when there is none, as for a state
+    // that only later starts reach; the witness then still holds the pump.
     Word wordTo(std::size_t state) {
         const auto word =
             wordBetween({RE_Automaton::begin, 0, 0}, {state, 0, 0}, [&](const Triple& at, auto take) {
@@ -214,8 +247,8 @@ private:
         return word.value_or(Word());
     }
 
-    /// A unit that cannot follow: it makes the search go back.
-    std::u16string suffixBehind(std::size_t state) const {
+    /// A unit that cannot follow the state: it makes the search backtrack into the loops.
+    std::u16string suffixAfter(std::size_t state) const {
         RE_Letters wanted;
         for (const RE_Automaton_Edge& edge : states[state].edges) {
             wanted |= edge.target == RE_Automaton::skipping ? RE_Letters() : edge.letters;

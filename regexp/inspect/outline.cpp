@@ -1,3 +1,8 @@
+// Describes the syntax tree of a pattern, before any node is made: so the description has the parts that the
+// author wrote, in their order, and none of what the passes make of them.
+//
+// The tree may be as deep as the pattern is long, so the walk keeps a stack of its own (`Outliner::work`).
+// What is to be written first is pushed last.
 #include "regexp/inspect/outline.h"
 
 #include "regexp/nodes/label_text.h"
@@ -10,9 +15,11 @@
 
 namespace {
 
+// Levels of two blanks. Deeper parts are indented no further: a nest of n levels would take n * n blanks.
 constexpr std::size_t deepestIndentation = 40;
 constexpr std::uint32_t none = RE_Syntax::none;
 
+// The words for the bounds of a loop.
 std::string timesText(const RE_Syntax& item) {
     const std::string least = std::to_string(item.minimum);
     if (item.maximum == RE_Syntax::noMaximum) {
@@ -27,6 +34,7 @@ std::string timesText(const RE_Syntax& item) {
                                         : least + " to " + std::to_string(item.maximum) + " times";
 }
 
+// The bounds and, where they leave a choice, which one is preferred. The order is that of `qualifier`.
 std::string repeatText(const RE_Syntax& item) {
     static constexpr const char* preferences[] = {", as often as possible", ", as rarely as possible",
                                                   ", as often as possible and giving nothing back"};
@@ -67,6 +75,8 @@ std::string classText(char16_t letter) {
     }
 }
 
+/// Writes one line for each part. An item either writes its line at once and queues its children, or queues
+/// everything, when a line of its own has to come between them.
 class Outliner {
 public:
     explicit Outliner(const RE_Syntax_Tree& syntax) : tree(syntax) {}
@@ -93,9 +103,11 @@ private:
         std::string words;
     };
 
+    // Appends a line at once.
     void line(std::size_t depth, const std::string& words) {
         text += std::string(2 * std::min(depth, deepestIndentation), ' ') + words + '\n';
     }
+    // Queue an item or a line, in front of all that is queued already.
     void later(std::uint32_t index, std::size_t depth) { work.push_back({index, depth, {}}); }
     void later(const std::string& words, std::size_t depth) { work.push_back({none, depth, words}); }
 
@@ -109,6 +121,7 @@ private:
         return children;
     }
 
+    // The children of a group: as they are if there is one branch, else with "either" and "or" between them.
     void branches(std::uint32_t group, std::size_t depth) {
         const std::vector<std::uint32_t> children = childrenOf(group);
         if (children.size() < 2) {
@@ -126,6 +139,8 @@ private:
         if (children.empty()) {
             line(depth, "nothing");
         }
+        // The literals met last, as they will be shown, and whether they ignore case. A change of case ends a
+        // run, as one line cannot say both.
         std::string run;
         RE_Flags runFlags = 0;
         // Literals next to each other are one text.
@@ -169,6 +184,8 @@ private:
         return "'" + shown + "'" + ((flags & RE_FLAG_IGNORE_CASE) != 0 ? " in either case" : "");
     }
 
+    /// A token by its name, or by its number as patterns write it, from 1. With `numbered` both: a group
+    /// shows its number even if it has a name.
     std::string tokenText(const RE_Syntax& item, bool numbered) const {
         std::string number = "token #" + std::to_string(item.number + 1);
         if (item.payload == none) {
@@ -212,6 +229,7 @@ private:
         }
     }
 
+    // A line for the group, and its branches one level deeper.
     void within(const std::string& words, std::uint32_t index, std::size_t depth) {
         line(depth, words);
         branches(index, depth + 1);
@@ -235,6 +253,7 @@ private:
         }
     }
 
+    // What consumes a unit or tests a place, in one line.
     std::string unitText(const RE_Syntax& own) const {
         const bool lines = (own.flags & RE_FLAG_LINE_ANCHORS) != 0;
         switch (own.kind) {
@@ -275,9 +294,11 @@ private:
 }  // namespace
 
 RE_Outline outlinePattern(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context) {
+    // The first steps of compiling, without the graph.
     RE_ParserContext parserContext(context, nullptr, flags);
     context->set_string(pattern, length);
     RE_Syntax_Tree syntax = RE_Grammar(parserContext, pattern, length, true).read();
+    // Reading has left the modes that the pattern set for itself.
     parserContext.flags = flags;
     measureSyntax(syntax, parserContext, pattern);
     const RE_Syntax& root = syntax[RE_Syntax_Tree::root];

@@ -1,4 +1,5 @@
-// A pattern in English, one line a part, inner parts indented.
+// A pattern in English, one line for each part, inner parts indented. For people who read a pattern that
+// somebody else wrote: `cvregexp explain` prints it.
 #pragma once
 
 #include "regexp/base/flags.h"
@@ -10,6 +11,7 @@
 
 class RE_Context;
 
+/// The lengths are those of the whole match, in code units, as far as the pattern alone decides them.
 struct RE_Outline {
     static constexpr std::uint64_t unbounded = static_cast<std::uint64_t>(-1);
 
@@ -18,6 +20,7 @@ struct RE_Outline {
     std::uint64_t most = 0;   ///< and at the most
 };
 
-/// Reads the pattern as a tree does that is compiled with the same arguments, and warns as it does.
+/// Reads the pattern as a tree does that is compiled with the same arguments, and warns as it does. `context`
+/// is not null and is used during the call only.
 CORVANE_REGEXP_EXPORT RE_Outline outlinePattern(const char16_t* pattern, std::size_t length, RE_Flags flags,
                                                 RE_Context* context);

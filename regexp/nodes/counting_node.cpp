@@ -1,3 +1,7 @@
+// The parts of RE_Profile_Node that do not depend on the node's class.
+//
+// What a visit pushed is not reported by the node but read off the stack: every record above the height that the stack had
+// before. Nodes need no code for profiles, and cannot forget to count.
 #include "regexp/nodes/counting_node.h"
 
 #include "regexp/graph/node.h"

@@ -1,4 +1,9 @@
-// The counting forms of nodes.
+// The counting forms of nodes: under the option `Profile` the parser makes an RE_Profile_Node<T> wherever it
+// would make a T. The loops know nothing of it.
+//
+// Trap: the unwatched loop runs the commonest nodes without virtual calls, which would bypass the counting.
+// So RE_ParserContext::make gives a profiled node no kind for direct steps, and whatever answers for several
+// nodes at once is off under `Profile`.
 #pragma once
 
 #include <cstddef>
@@ -9,14 +14,17 @@ class RE_Search_Info;
 struct RE_Backtrack_Record;
 struct RE_Node_Counts;
 
-/// Notes what one visit to a node, or one choice of it that is taken up again, does to the search.
+/// Notes what one visit to a node, or one choice of it that is resumed, does to the search. Made before the
+/// visit, consulted after it, and gone with it.
 class CORVANE_REGEXP_EXPORT RE_Node_Counting {
 public:
     RE_Node_Counting(const RE_Node* node, RE_Search_Info& info);
 
-    /// Returns `matched`.
+    /// Counts the visit and what it pushed. Returns `matched`, so that `match` is one expression.
     bool visited(bool matched) const;
+    /// Counts a choice of the node that was taken off the stack.
     void popped() const;
+    /// Counts the records above the height at which this began, each for the node that it resumes.
     void notePushes() const;
 
 private:
@@ -28,7 +36,8 @@ private:
     std::uint64_t refusals;
 };
 
-/// A node that counts what it does and is otherwise the node that it derives from.
+/// A node that counts what it does and is otherwise the node that it derives from: same label, same links,
+/// same answers.
 template <class T>
 class RE_Profile_Node : public T {
 public:
@@ -48,7 +57,8 @@ public:
         return target;
     }
 
-    // Counters with another way on also get here when they even out a refused push; theirs are counted above.
+    // Called for counters whose record is popped or dropped. Those with an alternative also get here when
+    // they even out a refused push, which is no pop; theirs are counted in `resume`.
     void onBacktrack(RE_Search_Info& info) const override {
         if (this->alternativeNode() == nullptr) {
             RE_Node_Counting(this, info).popped();

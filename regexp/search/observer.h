@@ -1,4 +1,7 @@
 // Watching a search from outside, step by step.
+//
+// An observed search runs the watched loop (watched_loop.h), uses neither program nor machine code nor
+// automaton, and finds what an unobserved one finds. The functions below do nothing without an observer.
 #pragma once
 
 #include "regexp/state/search_info.h"
@@ -6,14 +9,17 @@
 #include <cstddef>
 #include <cstdint>
 
+/// The events of a search are a seek where the root seeks, then those of an attempt, and so on. An attempt
+/// goes from `start` to `finish`, with steps and their effects in between. The pushes and refusals of a visit
+/// follow its `step`; the pops of one backtrack precede the step that it resumes at.
 enum class RE_Trace_Kind : std::uint8_t {
     seek,    ///< the root looked for the next start, from `from`; `to` is what it found
     start,   ///< an attempt begins at `from`
-    step,    ///< `node` was asked at `from` and, when it matched, led to `to`
-    push,    ///< a choice of `node` was left at `from`
-    refuse,  ///< `node` offered a state that had been tried before
-    pop,     ///< the choice of `node` left at `from` was taken up again
-    body,    ///< the closed body of `node` ended at `from`; `to` is where matching goes on
+    step,    ///< `node` was visited at `from` and, if it matched, led to `to`
+    push,    ///< a choice of `node` was pushed, for the position `from`
+    refuse,  ///< the memo refused a choice of `node`: its state had been tried before
+    pop,     ///< the choice of `node` for `from` was popped
+    body,    ///< the closed body of `node` ended at `from`; `to` is where matching continues
     finish   ///< the attempt that began at `from` is over and reached `to`
 };
 
@@ -26,13 +32,16 @@ struct RE_Trace_Event {
     bool succeeded;  ///< seek: found; step: matched; body: completed; finish: a match
 };
 
-/// Is given every event in the order in which they happen, with the search as it is then. Must not change it.
+/// Receives every event in the order in which they happen, with the search as it is then. Must not change it.
+/// May throw, which ends the search and passes through to its caller. The search lives on after the call, but
+/// nodes of dynamic texts may be freed before it ends: an observer copies what it needs of a node.
 class CORVANE_REGEXP_EXPORT RE_Observer {
 public:
     virtual ~RE_Observer();
     virtual void observe(const RE_Trace_Event& event, const RE_Search_Info& search) = 0;
 };
 
+/// `found` is null when no start is left; the event then reaches to the end of the subject.
 inline void tellSeek(RE_Search_Info& info, const RE_Node* root, const char16_t* from, const char16_t* found) {
     if (info.observer != nullptr) {
         const std::size_t to = found != nullptr ? info.indexOf(found) : info.subjectLength();
@@ -40,12 +49,14 @@ inline void tellSeek(RE_Search_Info& info, const RE_Node* root, const char16_t* 
     }
 }
 
+/// An attempt begins at `p`.
 inline void tellStart(RE_Search_Info& info, const char16_t* p) {
     if (info.observer != nullptr) {
         info.observer->observe({RE_Trace_Kind::start, nullptr, info.indexOf(p), info.indexOf(p), true}, info);
     }
 }
 
+/// The attempt that began at `p` is over. `length` is that of its match, whatever it is worth without one.
 inline void tellFinish(RE_Search_Info& info, const char16_t* p, std::size_t length, bool matched) {
     if (info.observer != nullptr) {
         const std::size_t start = info.indexOf(p);

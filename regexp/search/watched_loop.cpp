@@ -1,3 +1,8 @@
+// The match loop with an observer. It has to make the same decisions in the same order as unwatched_loop.h,
+// or a trace would show a search that never happens: a change to one is a change to both. It is slower on
+// purpose and in one way only: each visit is a virtual call and a report.
+//
+// Reports follow the facts: first the visit runs, then what it did is read off the search and reported.
 #include "regexp/search/watched_loop.h"
 
 #include "regexp/search/observer.h"
@@ -7,26 +12,27 @@ RE_Observer::~RE_Observer() = default;
 
 namespace {
 
-/// Tells the observer of a search what one visit did. What a node did to the stack of choices is read off the
-/// stack afterwards.
+/// Reports to the observer of a search what one visit did. What a node did to the stack of choices is read
+/// off the stack afterwards.
 class Teller {
 public:
     explicit Teller(RE_Search_Info& info) : search(info) {}
 
-    /// Something is about to happen at `pos`.
+    /// Something is about to happen at `pos`: notes the state that the reports compare with.
     void begin(std::size_t pos) {
         from = pos;
         top = search.backtrack.top;
         refusals = search.refusals;
     }
 
+    /// `node` was visited. `pos` is where it left the position.
     void stepped(const RE_Node* node, std::size_t pos, bool matched) {
         tell(RE_Trace_Kind::step, node, from, pos, matched);
         tellStack(node, pos);
     }
 
-    /// Choices were popped, among them those that only undo. Records stay readable above the top until the
-    /// next push.
+    /// Choices were popped, among them those that only undo. Reads records above the top, which stay intact
+    /// until the next push, so this comes before the popped node resumes.
     void popped() {
         for (; top > search.backtrack.top; --top) {
             const RE_Backtrack_Record& record = search.backtrack.records[static_cast<std::size_t>(top)];
@@ -42,6 +48,7 @@ public:
     }
 
 private:
+    // What is above the noted height was pushed by the visit. A refused push leaves no record, only a count.
     void tellStack(const RE_Node* node, std::size_t pos) const {
         for (std::int32_t i = top + 1; i <= search.backtrack.top; ++i) {
             const RE_Backtrack_Record& record = search.backtrack.records[static_cast<std::size_t>(i)];
@@ -63,6 +70,7 @@ private:
     std::uint64_t refusals = 0;
 };
 
+// Ends the innermost open body. Returns where matching continues; null when a choice has to be resumed.
 const RE_Node* endBody(RE_Search_Info& info, bool completed, std::size_t& pos, Teller& teller) {
     const RE_Node* const owner = info.bodies.back().node;
     teller.begin(pos);
@@ -71,7 +79,10 @@ const RE_Node* endBody(RE_Search_Info& info, bool completed, std::size_t& pos, T
     return following;
 }
 
+// Resumes the latest choice. Without one in the innermost body, that body has failed, and its failure may
+// lead on or backtrack further. Null when the run has failed: no choice is left above `floor` bodies.
 const RE_Node* backtrack(RE_Search_Info& info, std::size_t& pos, std::size_t floor, Teller& teller) {
+    // Nothing to pop: spares the report of a pop that is none.
     if (info.backtrack.top < info.backtrack.base && info.bodies.size() == floor) {
         return nullptr;
     }
@@ -94,7 +105,7 @@ const RE_Node* backtrack(RE_Search_Info& info, std::size_t& pos, std::size_t flo
     }
 }
 
-/// What a visit led to: the node to go on at (null: a choice has to be taken up), or the end of the run.
+/// What a visit led to: the node to continue at (null: a choice has to be resumed), or the end of the run.
 struct Visit {
     const RE_Node* following;
     bool isOver = false;
@@ -110,6 +121,7 @@ Visit visit(const RE_Node* node, RE_Search_Info& info, std::size_t& pos, std::si
     if (!node->isEnd()) {
         return {orRedirected(node->next(), info)};
     }
+    // The end of a dynamic text leads on after the node that included it.
     if (const RE_Node* text = node->includedText(info)) {
         return {text};
     }
@@ -122,6 +134,7 @@ Visit visit(const RE_Node* node, RE_Search_Info& info, std::size_t& pos, std::si
 }  // namespace
 
 bool runWatchedLoop(RE_Search_Info& info, const RE_Node* node, std::size_t& pos) {
+    // A run may begin within open bodies. Those are not its own: it neither ends nor backtracks into them.
     const std::size_t floor = info.bodies.size();
     Teller teller(info);
     while (node != nullptr && info.takeStep()) {
@@ -131,6 +144,7 @@ bool runWatchedLoop(RE_Search_Info& info, const RE_Node* node, std::size_t& pos)
         }
         node = visited.following != nullptr ? visited.following : backtrack(info, pos, floor, teller);
     }
+    // A run that was broken off leaves bodies open.
     while (info.bodies.size() > floor) {
         info.closeBody(false);
     }

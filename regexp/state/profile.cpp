@@ -1,3 +1,4 @@
+// Adds the counts of searches up.
 #include "regexp/state/profile.h"
 
 RE_Node_Counts& RE_Node_Counts::operator+=(const RE_Node_Counts& other) {

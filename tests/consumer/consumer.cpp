@@ -1,4 +1,8 @@
 // Every operation that the installed library offers, called once.
+//
+// This is an application: it sees the installed headers and nothing of the source tree. What it is for is linking: an
+// inline function of an installed header that calls something hidden fails here and nowhere else. The values that are
+// checked are few, as the tests proper check them.
 #include "every_header.h"
 
 #include <cstdint>
@@ -19,6 +23,7 @@ namespace {
 
 int failures = 0;
 
+// Continues after a failure, so that one run shows all of them.
 void check(bool holds, const char* what, int line) {
     if (!holds) {
         std::printf("consumer.cpp:%d: %s\n", line, what);
@@ -61,9 +66,7 @@ public:
         CHECK(!text.pattern().empty());
         return new RE_Evaluation_IO(stem);
     }
-    void create_fcn(RE_Evaluation_IO* body, RE_Evaluation_Inputs*) override {
-        CHECK(body->get_length() != 0);
-    }
+    void create_fcn(RE_Evaluation_IO* body, RE_Evaluation_Inputs*) override { CHECK(body->get_length() != 0); }
     void warn(const char16_t*, RE_Warning warning) override { warnings.push_back(warning); }
     void set_string(const char16_t*, std::size_t) override {}
     RE_Context* clone() override { return new Host; }
@@ -79,6 +82,7 @@ public:
 
 // --- patterns and searches ---
 
+// Every constructor, and what a tree says about itself.
 void compile() {
     using RE_Builder_Space::literal;
     Host host;
@@ -108,6 +112,7 @@ void compile() {
     utFree(static_cast<void*>(&copy));
 }
 
+// Every function that searches, with and without limits, table, machine code and automaton.
 void searchEveryWay() {
     RE_Tree tree(kPattern, false);
     RE_Seek_Table table;
@@ -168,6 +173,7 @@ void numberTokens(const Tokens& get) {
     CHECK(get(nullptr) == nullptr && get(nobody) == nullptr);
 }
 
+// Tokens of a result, and a store that an application fills by itself.
 void readTokens() {
     const RE_Tree tree(kPattern, false);
     const Results match(tree.match(kText, 0));
@@ -191,6 +197,7 @@ void readTokens() {
 
 // --- the state of a search, driven by hand ---
 
+// Each operation that a node may use, in an order that makes sense as far as possible; some can only be called.
 void driveASearch() {
     Host host;
     RE_ParserContext parser(&host, nullptr, RE_DEFAULT_FLAGS);
@@ -266,6 +273,7 @@ void runOnce() {
     CHECK(spans(&taken, 2, 4) && info.tokens == nullptr && spans(taken.tokens->get(u"run"), 3, 2));
 }
 
+// Keys are ordered and convertible, values are queried, a table is copied: all that a caller with its own cache does.
 void rememberSeeks() {
     Host host;
     RE_ParserContext parser(&host, nullptr, 0);
@@ -312,6 +320,7 @@ private:
     const RE_Tree& another;
 };
 
+// The smallest node of an application's own: a test of one unit.
 class Vowel : public RE_Unit_Test {
 public:
     using RE_Unit_Test::RE_Unit_Test;
@@ -320,6 +329,7 @@ public:
     }
 };
 
+// Makes a node and runs it alone at a position of the text.
 template <class Node, class... Arguments>
 bool matchesAt(RE_ParserContext& parser, std::size_t start, const Arguments&... arguments) {
     RE_Node* const node = parser.make<Node>(arguments...);
@@ -329,6 +339,7 @@ bool matchesAt(RE_ParserContext& parser, std::size_t start, const Arguments&... 
     return node->match(kText.data(), start, info);
 }
 
+// Every class of node that the headers offer, in its plain and in its counting form.
 void makeNodes() {
     Host host;
     for (const bool counts : {false, true}) {
@@ -375,10 +386,17 @@ void makeNodes() {
         auto* const atomic = parser.make<RE_Atomic>();
         auto* const around = parser.make<RE_Lookaround_Assertion>(true, false);
         auto* const counter = parser.make<RE_Fixed_Counter>(2u);
-        RE_Node* const made[] = {loop, split, text, atomic, around, counter,
-                                 parser.make<RE_Limit_Counter>(2u), parser.make<RE_Lazy_Counter>(2u),
+        RE_Node* const made[] = {loop,
+                                 split,
+                                 text,
+                                 atomic,
+                                 around,
+                                 counter,
+                                 parser.make<RE_Limit_Counter>(2u),
+                                 parser.make<RE_Lazy_Counter>(2u),
                                  parser.make<RE_Counter_Popper>(counter),
-                                 parser.make<RE_Lazy_Decrementer>(counter), parser.make<RE_Start_Counter>()};
+                                 parser.make<RE_Lazy_Decrementer>(counter),
+                                 parser.make<RE_Start_Counter>()};
         for (RE_Node* const node : made) {
             node->initSeek();
             CHECK(!node->label().empty() && node->seekKey(true));
@@ -392,6 +410,7 @@ void makeNodes() {
     }
 }
 
+// A pattern that ends in a node of the application's.
 void continueInAnother() {
     Host host;
     const RE_Tree another(u"(?<run>b+)c(?:(?!d)|x)", false);
@@ -456,8 +475,8 @@ void replaceEveryWay() {
     RE_Search_Report report;
     std::size_t matches = 0, length = 0, capacity = 8;
     const std::u16string expected = u"xx<bb>, <b> and ac";
-    const RE_Replace swaps[] = {RE_Replace(std::u16string(u"<$1>")), RE_Replace(u"<$1>", 4),
-                                RE_Replace("<$<run>>"), RE_Replace(u"<$1>", 4, RE_DEFAULT_FLAGS, &host)};
+    const RE_Replace swaps[] = {RE_Replace(std::u16string(u"<$1>")), RE_Replace(u"<$1>", 4), RE_Replace("<$<run>>"),
+                                RE_Replace(u"<$1>", 4, RE_DEFAULT_FLAGS, &host)};
     for (const RE_Replace& swap : swaps) {
         CHECK(swap.replace(kText, tree, false, 0) == expected && swap.getReferenceCount() == 1);
     }

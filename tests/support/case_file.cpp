@@ -1,4 +1,5 @@
-// Reader of the match case tables.
+// Reader of the match case tables. A line that cannot be understood is an exception with file and line, never a case
+// that is skipped: a table in which a typing error disables a case would go on passing.
 #include "tests/support/case_file.h"
 
 #include "regexp/base/within_size.h"
@@ -12,6 +13,7 @@
 namespace corvane_tests {
 namespace {
 
+// Without an empty part at the end: missing last columns are filled in later.
 std::vector<std::string> split(const std::string& text, char separator) {
     std::vector<std::string> parts;
     std::istringstream stream(text);
@@ -21,9 +23,10 @@ std::vector<std::string> split(const std::string& text, char separator) {
     return parts;
 }
 
+// Letters toggle bits of the plain modes, so "d" takes a bit away.
 std::uint32_t flagsOf(const std::string& modes) {
-    static const std::map<char, std::uint32_t> bits = {{'.', 0}, {'i', 0x01}, {'m', 0x04}, {'x', 0x08}, {'E', 0x20}, {'d', 0x02},
-                                                             {'K', 0x40}};
+    static const std::map<char, std::uint32_t> bits = {{'.', 0},    {'i', 0x01}, {'m', 0x04}, {'x', 0x08},
+                                                       {'E', 0x20}, {'d', 0x02}, {'K', 0x40}};
     std::uint32_t flags = 0x12;
     for (const char letter : modes) {
         flags ^= bits.at(letter);
@@ -31,6 +34,7 @@ std::uint32_t flagsOf(const std::string& modes) {
     return flags;
 }
 
+// "start,length", "start,length=name" or "~" with an optional name. Extents are read as tokens too.
 Token tokenOf(const std::string& text) {
     const std::vector<std::string> halves = split(text, '=');
     const std::u16string name = halves.size() > 1 ? widen(halves[1]) : u"";
@@ -72,6 +76,7 @@ void readWarnings(const std::string& text, MatchCase& result) {
     }
 }
 
+// Seven columns, of which the last two may be missing.
 MatchCase readLine(const std::string& line) {
     std::vector<std::string> columns = split(line, '\t');
     if (columns.size() < 5) {
@@ -103,8 +108,7 @@ std::vector<MatchCase> readCaseFile(const std::string& path) {
         if (line.empty() || line.rfind("# ", 0) == 0) {
             continue;
         }
-        const std::string place =
-            std::filesystem::path(path).filename().string() + ":" + std::to_string(number);
+        const std::string place = std::filesystem::path(path).filename().string() + ":" + std::to_string(number);
         try {
             cases.push_back(readLine(line));
         } catch (const std::exception& error) {

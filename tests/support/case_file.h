@@ -2,12 +2,15 @@
 //
 // A case is one line of tab-separated columns:
 //   pattern  modes  subject  offset  extent  tokens  warnings
-// `modes` is "." for the plain modes (dot matches all, evaluation asked for) or letters that change them: i,
-// m, x switch a mode on, E accepts empty matches, K keeps tokens in effect, d makes the dot exclude line feeds. The extent is
-// "start,length" or "-" for no match. Tokens are "start,length" pairs with an optional "=name", or "~" for one whose group took
-// no part; "-" for none, "?" for unchecked. Warnings are numbers with an optional "@position", "-" for none, "?" for unchecked.
-// Missing last columns mean "-". Lines that start with "# " and empty lines separate groups. {{...}} is
-// expanded as text.h describes.
+//
+// `modes` is "." for the plain modes (dot matches all, evaluation requested) or letters that change them: i, m and x
+// switch a mode on, E accepts empty matches, K keeps tokens in effect, d makes the dot exclude line feeds.
+//
+// The extent is "start,length" in code units, or "-" for no match. Tokens are "start,length" pairs with an optional
+// "=name", or "~" for one whose group took no part; "-" for none, "?" for unchecked. Warnings are numbers with an
+// optional "@position", "-" for none, "?" for unchecked. Missing last columns mean "-".
+//
+// Lines that start with "# " and empty lines separate groups. {{...}} is expanded as text.h describes.
 #pragma once
 
 #include "tests/support/outcome.h"
@@ -19,6 +22,7 @@
 
 namespace corvane_tests {
 
+/// The position is checked only where the table gives one.
 struct ExpectedWarning {
     unsigned number = 0;
     std::optional<size_t> position;

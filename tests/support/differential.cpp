@@ -1,4 +1,5 @@
-// The reference is asked first: what it cannot read or finish in its step limit it does not judge.
+// The reference is consulted first: what it cannot read or finish in its step limit it does not judge. Differences are
+// collected up to a bound and sorted by size, since the shortest of a thousand usually shows the fault at once.
 #include "tests/support/differential.h"
 
 #include "tests/support/reference_matcher.h"
@@ -14,10 +15,13 @@ namespace corvane_tests {
 namespace {
 
 constexpr size_t kShown = 12;
+// Differences that are kept to be sorted; the others are counted.
 constexpr size_t kKept = 2000;
 constexpr size_t kLongest = 12;  // units of a subject, for the sake of the reference
+// Of one walk. Beyond it the reference takes seconds; the tests check that it judges enough of what is drawn.
 constexpr reference::Limits kLimits = {20000};
 
+/// A short pattern counts for more than a short subject.
 size_t weight(const Difference& difference) {
     return difference.pattern.size() * 16 + difference.subject.size();
 }
@@ -46,8 +50,8 @@ unsigned long environmentNumber(const char* name, unsigned long fallback) {
 void Comparison::note(const Question& question, const std::string& where, const std::string& expected,
                       const std::string& got) {
     if (++m_differing <= kKept) {
-        m_differences.push_back({question.pattern.text, question.pattern.flags, question.subject,
-                                 question.offset, where + " walk=" + nameOf(question.walk), expected, got});
+        m_differences.push_back({question.pattern.text, question.pattern.flags, question.subject, question.offset,
+                                 where + " walk=" + nameOf(question.walk), expected, got});
     }
 }
 
@@ -65,12 +69,12 @@ void Comparison::run(const std::u16string& pattern, RE_Flags flags, const Engine
             if (!matches) {
                 break;
             }
+            // In turn rather than drawn: exhaustive tests have no source of random numbers.
             const Walk walk = kWalks[m_compared++ % std::size(kWalks)];
             const std::vector<Outcome> expected = seenBy(walk, *matches);
             const std::vector<Outcome> got = walkThrough(engine.tree(), subject, offset, walk, table);
             if (got != expected) {
-                note({{pattern, flags}, subject, offset, walk}, describe(config), describe(expected),
-                     describe(got));
+                note({{pattern, flags}, subject, offset, walk}, describe(config), describe(expected), describe(got));
             }
         }
     }
@@ -93,12 +97,10 @@ struct Comparison::Parties {
     }
 };
 
-void Comparison::referee(PatternSource& source, const DrawnPattern& pattern,
-                         const std::vector<EngineConfig>& configs) {
+void Comparison::referee(PatternSource& source, const DrawnPattern& pattern, const std::vector<EngineConfig>& configs) {
     Parties parties(pattern, configs);
     for (int count = 0; count < 3; ++count) {
-        refereeOn(drawSubject(source, parties.parsed ? &*parties.parsed : nullptr, kLongest), source,
-                  parties);
+        refereeOn(drawSubject(source, parties.parsed ? &*parties.parsed : nullptr, kLongest), source, parties);
     }
 }
 
@@ -109,6 +111,7 @@ void Comparison::refereeDense(PatternSource& source, const DrawnPattern& pattern
     refereeOn(drawSubject(source, parties.parsed ? &*parties.parsed : nullptr, kLongest), source, parties);
 }
 
+// The same question for all parties: subject, offset and walk are drawn once.
 void Comparison::refereeOn(const std::u16string& subject, PatternSource& source, Parties& parties) {
     const size_t offset = source.oneIn(3) ? source.below(subject.size() + 1) : 0;
     const Question question{parties.pattern, subject, offset, kWalks[source.below(std::size(kWalks))]};
@@ -127,6 +130,7 @@ void Comparison::refereeOn(const std::u16string& subject, PatternSource& source,
     }
 }
 
+// Matches first: where they differ, calls differ as well and say less.
 void Comparison::judgeBySetting(const Question& question, const EngineConfig& config,
                                 const TestedPattern::Found& expected, const TestedPattern::Found& got) {
     ++m_compared;
@@ -158,16 +162,15 @@ std::string Comparison::report() const {
         return "";
     }
     std::vector<Difference> sorted = m_differences;
-    std::stable_sort(sorted.begin(), sorted.end(), [](const Difference& left, const Difference& right) {
-        return weight(left) < weight(right);
-    });
+    std::stable_sort(sorted.begin(), sorted.end(),
+                     [](const Difference& left, const Difference& right) { return weight(left) < weight(right); });
     std::ostringstream text;
     text << m_differing << " differences in " << m_compared << " walks; the shortest:\n";
     for (size_t index = 0; index < std::min(kShown, sorted.size()); ++index) {
         const Difference& found = sorted[index];
         text << printable(found.pattern) << "  flags 0x" << std::hex << found.flags << std::dec << "  on '"
-             << printable(found.subject) << "' from " << found.offset << "  (" << found.where
-             << ")  expected " << found.expected << "  got " << found.got << "\n";
+             << printable(found.subject) << "' from " << found.offset << "  (" << found.where << ")  expected "
+             << found.expected << "  got " << found.got << "\n";
     }
     return text.str();
 }

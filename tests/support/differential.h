@@ -1,5 +1,8 @@
-// Comparing the engine with the reference matcher and with its own plain graph, and collecting the differences
-// so that the shortest are shown.
+// Comparing the engine with the reference matcher and with its own plain graph, and collecting the differences so that
+// the shortest are shown.
+//
+// Equal means: all matches of a walk, all tokens with their names, and the calls of the host. Counters of what was
+// compared are there so that a test can fail when it compares next to nothing.
 #pragma once
 
 #include "tests/support/match_walk.h"
@@ -25,6 +28,7 @@ constexpr bool sanitized() {
 #endif
 }
 
+/// Enough to repeat the comparison by hand.
 struct Difference {
     std::u16string pattern;
     RE_Flags flags = kPlain;
@@ -35,6 +39,7 @@ struct Difference {
     std::string got;
 };
 
+/// One for each test. Runs compare and collect; `report` shows.
 class Comparison {
 public:
     /// Walks through every subject from its start, or from every offset, with the reference, and compares.
@@ -43,11 +48,9 @@ public:
 
     /// The plain graph against the reference where that can answer, and each of the settings against the plain
     /// graph: matches, tokens and calls of the host, over subjects, offsets and walks that are drawn.
-    void referee(PatternSource& source, const DrawnPattern& pattern,
-                 const std::vector<EngineConfig>& configs);
+    void referee(PatternSource& source, const DrawnPattern& pattern, const std::vector<EngineConfig>& configs);
     /// The same over all short subjects of two letters.
-    void refereeDense(PatternSource& source, const DrawnPattern& pattern,
-                      const std::vector<EngineConfig>& configs);
+    void refereeDense(PatternSource& source, const DrawnPattern& pattern, const std::vector<EngineConfig>& configs);
 
     size_t compared() const { return m_compared; }
     /// How many walks the reference judged, and how many of these found something.
@@ -67,12 +70,10 @@ private:
         size_t offset;
         Walk walk;
     };
-    void note(const Question& question, const std::string& where, const std::string& expected,
-              const std::string& got);
-    void judgeBySetting(const Question& question, const EngineConfig& config,
-                        const TestedPattern::Found& expected, const TestedPattern::Found& got);
-    void judgeByReference(const Question& question, const reference::Pattern& parsed,
-                          const std::vector<Outcome>& got);
+    void note(const Question& question, const std::string& where, const std::string& expected, const std::string& got);
+    void judgeBySetting(const Question& question, const EngineConfig& config, const TestedPattern::Found& expected,
+                        const TestedPattern::Found& got);
+    void judgeByReference(const Question& question, const reference::Pattern& parsed, const std::vector<Outcome>& got);
 
     std::vector<Difference> m_differences;
     size_t m_compared = 0;

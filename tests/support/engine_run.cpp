@@ -1,4 +1,5 @@
-// Compiling and searching through the public interface only.
+// Compiling and searching through the public interface only, so that the tests see what an application sees. The
+// exceptions are the delays, which the library has for tests.
 #include "tests/support/engine_run.h"
 
 #include <boost/any.hpp>
@@ -11,6 +12,7 @@ namespace {
 
 using Corvane::regexp::CompileOptions;
 
+// As an application would set it: by name, through the parser of the option.
 void setOption(CompileOptions& options, std::string_view name, const boost::any& value) {
     for (auto* option : options.getOptions()) {
         if (option->getName() == name) {
@@ -56,6 +58,7 @@ const std::vector<EngineConfig>& allConfigs() {
         for (unsigned bits = 0; bits < 32; ++bits) {
             result.push_back({(bits & 1U) == 0, (bits & 2U) == 0, (bits & 4U) == 0,
                               (bits & 8U) == 0 ? size_t{1024} : size_t{0}, (bits & 16U) != 0});
+            // Machine code needs the dot-star passes and no profile (bits 1 and 4).
             if ((bits & 18U) == 0) {
                 result.push_back(result.back());
                 result.back().machineCode = true;
@@ -91,7 +94,9 @@ void RecordingContext::set_string(const char16_t* text, size_t) {
 }
 
 Engine::Engine(std::u16string_view pattern, RE_Flags flags, const EngineConfig& config)
-    : m_config(config), m_context(configured(m_options, config)), m_tree(pattern.data(), pattern.size(), flags, &m_context) {
+    : m_config(config),
+      m_context(configured(m_options, config)),
+      m_tree(pattern.data(), pattern.size(), flags, &m_context) {
     speedUp(m_tree, config);
 }
 
@@ -109,8 +114,7 @@ Outcome Engine::search(std::u16string_view subject, size_t offset, RE_Seek_Table
 std::optional<Outcome> Engine::searchWithin(std::u16string_view subject, size_t offset,
                                             const RE_Search_Limits& limits) const {
     RE_Search_Report report;
-    const std::unique_ptr<RE_Results> results(
-        m_tree.match(subject.data(), subject.size(), offset, limits, report));
+    const std::unique_ptr<RE_Results> results(m_tree.match(subject.data(), subject.size(), offset, limits, report));
     return report.isComplete() ? std::optional<Outcome>(toOutcome(results.get())) : std::nullopt;
 }
 

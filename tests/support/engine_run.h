@@ -1,5 +1,7 @@
-// The engine under test behind one small class: compile a pattern under given options, search, get an
-// Outcome.
+// The engine under test behind one small class: compile a pattern under given options, search, get an Outcome.
+//
+// Some optimisations begin only when a search has lasted, which searches of tests rarely do. The delays here make them
+// begin at once, for the trees that a thread makes while they are in force.
 #pragma once
 
 #include "regexp/state/inquiry.h"
@@ -32,7 +34,7 @@ struct EngineConfig {
     bool eagerDfa = true;  ///< it is asked by all attempts that turn back
 };
 
-/// The graph as it is written, which all other settings are measured by.
+/// The graph as it is written, by which all other settings are judged.
 inline constexpr EngineConfig kPlainGraph{false, false, false, 0, false};
 
 std::ostream& operator<<(std::ostream& out, const EngineConfig& config);
@@ -42,8 +44,7 @@ std::ostream& operator<<(std::ostream& out, const EngineConfig& config);
 const std::vector<EngineConfig>& allConfigs();
 
 /// Stores the setting in the options.
-const Corvane::regexp::CompileOptions& configured(Corvane::regexp::CompileOptions& options,
-                                                  const EngineConfig& config);
+const Corvane::regexp::CompileOptions& configured(Corvane::regexp::CompileOptions& options, const EngineConfig& config);
 
 struct Warning {
     unsigned number = 0;
@@ -59,8 +60,7 @@ void speedUp(RE_Tree& tree, const EngineConfig& config);
 /// A context with options of its own that notes the warnings; evaluation stays forbidden as in the base.
 class RecordingContext : public RE_Context {
 public:
-    explicit RecordingContext(const Corvane::regexp::CompileOptions& compileOptions)
-        : RE_Context(compileOptions) {}
+    explicit RecordingContext(const Corvane::regexp::CompileOptions& compileOptions) : RE_Context(compileOptions) {}
 
     void warn(const char16_t* where, RE_Warning warning) override;
     void set_string(const char16_t* text, size_t length) override;
@@ -82,7 +82,8 @@ private:
     bool m_allows;
 };
 
-/// Trees made while it lives begin their memo after so many choices, and look for what they need after so many steps.
+/// When the memo begins, and when a search looks for the literals that it needs; restored at the end. With 0 choices
+/// the memo begins with the first choice that is resumed.
 class Delays {
 public:
     explicit Delays(std::uint64_t choices, std::uint64_t perUnit = 0, std::uint64_t steps = RE_Tuning().neededLiteralSteps)
@@ -92,9 +93,10 @@ private:
     RE_Tuning::Scope m_scope;
 };
 
-/// Null is no match.
+/// Null is no match. The tokens are those in effect, up to the first number that is not.
 Outcome toOutcome(const RE_Results* results);
 
+/// A pattern compiled under one setting. Every search is by itself; what searches share is up to the caller's table.
 class Engine {
 public:
     explicit Engine(std::u16string_view pattern, RE_Flags flags = kPlain, const EngineConfig& config = {});
@@ -102,8 +104,9 @@ public:
     Outcome search(std::u16string_view subject, size_t offset = 0) const;
     Outcome search(std::u16string_view subject, size_t offset, RE_Seek_Table& table) const;
 
-    /// Nothing when a limit was met.
-    std::optional<Outcome> searchWithin(std::u16string_view subject, size_t offset, const RE_Search_Limits& limits) const;
+    /// Nothing when a limit was met: that is no answer, and must not be compared as one.
+    std::optional<Outcome> searchWithin(std::u16string_view subject, size_t offset,
+                                        const RE_Search_Limits& limits) const;
     const std::vector<Warning>& warnings() const { return m_context.warnings(); }
     const RE_Tree& tree() const { return m_tree; }
 

@@ -1,3 +1,5 @@
+// The script. It answers from the texts alone, without a state, so the number of calls cannot change an answer and the
+// engine and the reference may evaluate in any order.
 #include "tests/support/expression_script.h"
 
 #include "tests/support/text.h"
@@ -7,6 +9,7 @@
 namespace corvane_tests {
 namespace {
 
+// A unit as pattern text, whatever it is.
 std::u16string escaped(char16_t unit) {
     char text[16];
     std::snprintf(text, sizeof text, "\\x{%X}", static_cast<unsigned>(unit));
@@ -15,8 +18,7 @@ std::u16string escaped(char16_t unit) {
 
 }  // namespace
 
-std::optional<std::u16string> scriptedAnswer(std::u16string_view expression,
-                                             const std::vector<std::u16string>& texts) {
+std::optional<std::u16string> scriptedAnswer(std::u16string_view expression, const std::vector<std::u16string>& texts) {
     const std::u16string first = texts.empty() ? u"" : texts.front();
     if (expression.starts_with(u"=")) {
         return std::u16string(expression.substr(1));

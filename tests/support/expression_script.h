@@ -1,4 +1,5 @@
-// What the expressions of random patterns mean: one script for the host of the engine and for the reference.
+// What the expressions of random patterns mean: one script for the host of the engine and for the reference. Sharing it
+// is safe, as it is about what hosts answer and not about the engine.
 #pragma once
 
 #include <optional>
@@ -17,7 +18,6 @@ namespace corvane_tests {
 ///     yes        yes
 ///
 /// Anything else has no answer.
-std::optional<std::u16string> scriptedAnswer(std::u16string_view expression,
-                                             const std::vector<std::u16string>& texts);
+std::optional<std::u16string> scriptedAnswer(std::u16string_view expression, const std::vector<std::u16string>& texts);
 
 }  // namespace corvane_tests

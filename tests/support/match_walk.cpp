@@ -1,3 +1,5 @@
+// All ways of walking, written as a caller would write them. They have to find the same matches, but for the one that
+// `seenBy` leaves out.
 #include "tests/support/match_walk.h"
 
 #include "regexp/find_all.h"
@@ -7,6 +9,7 @@
 namespace corvane_tests {
 namespace {
 
+// Of the host in one walk. Patterns that call the host are not pruned and may call without end.
 constexpr long kMostCalls = 2000;
 
 /// `search` answers what is found from an offset on.
@@ -18,6 +21,7 @@ std::vector<Outcome> matchAfterMatch(size_t length, size_t offset, const Search&
         if (!match.matched) {
             break;
         }
+        // An empty match is passed by a unit; whether a search finds it again at its end is up to the search.
         offset = match.start + std::max<size_t>(match.length, 1);
         found.push_back(std::move(match));
     }
@@ -37,6 +41,7 @@ std::ostream& operator<<(std::ostream& out, Walk walk) {
     return out << names[static_cast<size_t>(walk)];
 }
 
+// A range leaves out an empty match at the end of a match; the others report it.
 std::vector<Outcome> seenBy(Walk walk, std::vector<Outcome> matches) {
     if (walk != Walk::range) {
         return matches;
@@ -64,8 +69,7 @@ std::vector<Outcome> walkThrough(const RE_Tree& tree, std::u16string_view subjec
     }
     if (walk == Walk::sequence) {
         RE_Match_Sequence sequence(tree, subject);
-        return matchAfterMatch(subject.size(), offset,
-                               [&](size_t from) { return toOutcome(sequence.find(from)); });
+        return matchAfterMatch(subject.size(), offset, [&](size_t from) { return toOutcome(sequence.find(from)); });
     }
     RE_Seek_Table* const known = walk == Walk::table ? &table : nullptr;
     return matchAfterMatch(subject.size(), offset, [&](size_t from) {
@@ -85,8 +89,8 @@ std::string describe(const std::vector<Outcome>& matches) {
 TestedPattern::TestedPattern(std::u16string_view pattern, RE_Flags flags, const EngineConfig& config)
     : m_config(config), m_host(scripted()), m_run(pattern, m_host, flags, config) {}
 
-std::optional<TestedPattern::Found> TestedPattern::walk(const std::u16string& subject, size_t offset,
-                                                        Walk walk) {
+std::optional<TestedPattern::Found> TestedPattern::walk(const std::u16string& subject, size_t offset, Walk walk) {
+    // The table knows one subject by its address, so the subject is kept here too.
     if (!m_table || subject != m_subject) {
         m_subject = subject;
         m_table.emplace();

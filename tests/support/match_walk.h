@@ -1,4 +1,5 @@
-// All matches of a subject, by each of the ways in which callers walk through them.
+// All matches of a subject, by each of the ways in which callers walk through them. What the ways keep between their
+// searches (a seek table, a search state, a memo) is what a comparison of them tests.
 #pragma once
 
 #include "tests/support/engine_run.h"
@@ -24,7 +25,7 @@ std::ostream& operator<<(std::ostream& out, Walk walk);
 /// What a walk finds of the matches that one search after the other finds.
 std::vector<Outcome> seenBy(Walk walk, std::vector<Outcome> matches);
 
-/// The table is one that may know the subject from walks before.
+/// All matches by this walk. The table may know the subject from walks before, and must not know another subject.
 std::vector<Outcome> walkThrough(const RE_Tree& tree, std::u16string_view subject, size_t offset, Walk walk,
                                  RE_Seek_Table& table);
 

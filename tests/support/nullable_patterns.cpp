@@ -1,3 +1,5 @@
+// Depth and width are small, so that most of what is drawn is about the quantifier and the group under it. The literal
+// or anchor after the whole makes the loop backtrack into its passes.
 #include "tests/support/nullable_patterns.h"
 
 #include <iterator>

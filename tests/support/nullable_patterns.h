@@ -1,6 +1,6 @@
 // Small random patterns about groups that may match the empty text, and how often. General random patterns are wide and
 // repeat such groups rarely more than three times, so what depends on the order of a group's empty way, or on very many
-// passes, comes up too seldom there.
+// passes, is drawn too seldom there.
 #pragma once
 
 #include <cstdint>
@@ -13,7 +13,7 @@ namespace corvane_tests {
 class NullablePatterns {
 public:
     /// Quantifiers are taken from the list, groups that capture are `mostGroups` at the most, and `anchors` are what
-    /// stands for tests without width.
+    /// is used for tests without width.
     NullablePatterns(std::uint64_t seed, std::span<const char* const> quantifiers, size_t mostGroups,
                      std::span<const char* const> anchors)
         : m_random(seed), m_quantifiers(quantifiers), m_mostGroups(mostGroups), m_anchors(anchors) {}

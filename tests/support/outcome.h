@@ -1,4 +1,5 @@
-// What one search answered, in a form that the engine, the reference matcher and the case files share.
+// What one search answered, in a form that the engine, the reference matcher and the case files share. Positions are
+// code units from the start of the subject.
 #pragma once
 
 #include "tests/support/text.h"
@@ -8,6 +9,7 @@
 
 namespace corvane_tests {
 
+/// A token in effect. If its group took no part, it is empty.
 struct Token {
     size_t start = 0;
     size_t length = 0;
@@ -17,6 +19,7 @@ struct Token {
     bool operator==(const Token&) const = default;
 };
 
+/// Without a match the other members have their defaults, so that comparing two outcomes compares answers.
 struct Outcome {
     bool matched = false;
     size_t start = 0;
@@ -34,8 +37,8 @@ inline std::string describe(const Outcome& outcome) {
     std::string text = "[" + std::to_string(outcome.start) + "," + std::to_string(outcome.length) + "]";
     for (size_t index = 0; index < outcome.tokens.size(); ++index) {
         const Token& token = outcome.tokens[index];
-        text += " t" + std::to_string(index) + "=(" + std::to_string(token.start) + "," +
-                std::to_string(token.length) + ")" + (token.tookPart ? "" : "~");
+        text += " t" + std::to_string(index) + "=(" + std::to_string(token.start) + "," + std::to_string(token.length) +
+                ")" + (token.tookPart ? "" : "~");
         if (!token.name.empty()) {
             text += printable(token.name);
         }

@@ -1,4 +1,5 @@
-// The tables. A new construct is a row; its traits say in which comparisons it can take part.
+// The tables. A new construct is a row; its traits say in which comparisons it can take part. The order matters only at
+// the beginning of each table: the first rows are drawn most often (pattern_writer.cpp).
 #include "tests/support/pattern_constructs.h"
 
 namespace corvane_tests {
@@ -30,14 +31,14 @@ void addUnits(Rows& rows) {
 
 void addSets(Rows& rows) {
     add(rows, {u"[^a]", u"[a-c]", u"[^a-c\\n]", u"[]a]", u"[^]a]", u"[a-]", u"[-a]", u"[^-a]"}, never, 0);
-    add(rows, {u"[a-bB-]", u"[\\w-]", u"[\\s\\d_]", u"[^\\W_]", u"[\\n\\x20a]", u"[\\x61-\\x63]",
-               u"[\\0-\\x20]", u"[\\]b]", u"[\\b]", u"[\\o{141}-c]", u"[a^]", u"[(|)]", u"[.*+?{}$]", u"[ #a]"},
+    add(rows,
+        {u"[a-bB-]", u"[\\w-]", u"[\\s\\d_]", u"[^\\W_]", u"[\\n\\x20a]", u"[\\x61-\\x63]", u"[\\0-\\x20]", u"[\\]b]",
+         u"[\\b]", u"[\\o{141}-c]", u"[a^]", u"[(|)]", u"[.*+?{}$]", u"[ #a]"},
         never, 0);
     add(rows, {u"[a]", u"[\\d]", u"[^\\D]", u"[Z-a]", u"[^Z-a]", u"[A-z]", u"[A-C_]", u"[[b]"}, never, 0);
     add(rows, {u"[c-a]", u"[a-b-c]", u"[\\d-a]", u"[a-\\d]", u"[\\v-;]"}, never, kOwn);
-    add(rows, {u"[\u00e9-\u00ea]", u"[^\u00c0-\u00d6k]", u"[\u0130]", u"[\\x{1F600}b]", u"[J-L]",
-               u"[\u212a]"},
-        never, kWide);
+    add(rows, {u"[\u00e9-\u00ea]", u"[^\u00c0-\u00d6k]", u"[\u0130]", u"[\\x{1F600}b]", u"[J-L]", u"[\u212a]"}, never,
+        kWide);
 }
 
 void addAnchors(Rows& rows) {
@@ -45,6 +46,7 @@ void addAnchors(Rows& rows) {
     add(rows, {u"\\<", u"\\>"}, may, kWords | kOwn);
 }
 
+// References to groups that exist, by number and by name; what they match may have any length.
 void addTokenReaders(Rows& rows) {
     add(rows, {u"\\{n}", u"\\k<{name}>", u"(?i:\\{n})", u"(?i:\\k<{name}>)"}, may,
         kReferences | kUnbounded | kCaptures);
@@ -52,6 +54,7 @@ void addTokenReaders(Rows& rows) {
     add(rows, {u"\\{n}0"}, never, kReferences | kUnbounded | kOwn);
 }
 
+// Empty groups, comments and modes: what is in a pattern and consumes nothing, in front of quantifiers too.
 void addWhatIsSkipped(Rows& rows) {
     add(rows, {u"()", u"(|a)", u"(a)?", u"((a)|b)*"}, may, kCaptures | kUnbounded);
     add(rows, {u"(?:)", u"(?:|a)", u"(?:a|)"}, may, 0);
@@ -67,6 +70,7 @@ void addWhatIsSkipped(Rows& rows) {
     add(rows, {u"(?e)", u"(?-e)"}, may, kModes | kOwn, false);
 }
 
+// What calls the host. Expressions are those of expression_script.h, so the reference knows the answers.
 void addDynamics(Rows& rows) {
     const unsigned asks = kDynamics | kOwn | kUnbounded;
     add(rows, {u"(?@run(${n}))", u"(?@run)"}, may, asks);
@@ -78,8 +82,9 @@ void addDynamics(Rows& rows) {
 
 void addGroups(Rows& rows) {
     add(rows, {u"(?:{body})"}, asBody, 0);
-    add(rows, {u"({body})", u"(?<{new}>{body})", u"(({some})?{body}({some})?)", u"(?<{new}>{some})?(?:{body})",
-               u"(?:({some})|{body})"},
+    add(rows,
+        {u"({body})", u"(?<{new}>{body})", u"(({some})?{body}({some})?)", u"(?<{new}>{some})?(?:{body})",
+         u"(?:({some})|{body})"},
         asBody, kCaptures);
     add(rows, {u"(?<n>{some})?(?<n>{body})"}, asBody, kCaptures | kOwn);
     add(rows, {u"(?:{body}|{some})", u"(?:{some}|{body})", u"(?:ab|{body}|abc|b|aab)"}, asBody, 0);
@@ -96,13 +101,14 @@ void addLoops(Rows& rows) {
     };
     constexpr unsigned several = kHollowLoops, endless = kHollowLoops | kUnbounded;
     static constexpr Quantifier counts[] = {
-        {u"*", true, endless},       {u"+", false, endless},       {u"?", true, 0},           {u"{0}", true, kOwn},
-        {u"{1}", false, 0},          {u"{2}", false, 0},           {u"{3}", false, 0},        {u"{0,}", true, endless},
-        {u"{1,}", false, endless},   {u"{2,}", false, endless},    {u"{0,1}", true, 0},       {u"{0,2}", true, several},
-        {u"{1,2}", false, several},  {u"{2,4}", false, several},
-        {u"{70}", false, 0},         {u"{0,300}", true, several},  {u"{300,}", false, endless}};
-    static constexpr const char16_t* stacked[] = {u"*{2}", u"?{1,2}", u"+?{0,1}", u"{2}*",    u"??*+", u"?{1,}",
-                                                  u"{2}{2}", u"*?+",   u"*+?",     u"{0,2}?{2}", u"+*",   u"?*?"};
+        {u"*", true, endless},      {u"+", false, endless},     {u"?", true, 0},     {u"{0}", true, kOwn},
+        {u"{1}", false, 0},         {u"{2}", false, 0},         {u"{3}", false, 0},  {u"{0,}", true, endless},
+        {u"{1,}", false, endless},  {u"{2,}", false, endless},  {u"{0,1}", true, 0}, {u"{0,2}", true, several},
+        {u"{1,2}", false, several}, {u"{2,4}", false, several}, {u"{70}", false, 0}, {u"{0,300}", true, several},
+        {u"{300,}", false, endless}};
+    // A quantifier on a quantifier. The dialect gives each a meaning of its own.
+    static constexpr const char16_t* stacked[] = {u"*{2}",   u"?{1,2}", u"+?{0,1}", u"{2}*",      u"??*+", u"?{1,}",
+                                                  u"{2}{2}", u"*?+",    u"*+?",     u"{0,2}?{2}", u"+*",   u"?*?"};
     const auto addLoop = [&](const std::u16string& quantifier, bool none, unsigned traits) {
         const unsigned always = traits & ~unsigned{kHollowLoops};
         rows.push_back({u"{full}" + quantifier, none ? may : never, always});
@@ -118,6 +124,7 @@ void addLoops(Rows& rows) {
     }
 }
 
+// A look-behind over what has no longest match is a row of its own, as other engines refuse it.
 void addLookarounds(Rows& rows) {
     static constexpr const char* reason = "it has no longest match";
     add(rows, {u"(?={body})", u"(?!{body})"}, may, kLookarounds);
@@ -156,21 +163,23 @@ void addConditions(Rows& rows) {
     }
 }
 
+// A run in front of the body: whether it may be possessive, and where it backtracks, depends on what follows it.
 void addRuns(Rows& rows) {
-    add(rows, {u"a++{one}", u"[^b]*+{one}", u"(?>[ab]+){one}"}, asBody,
-        kPossessives | kUnbounded, false);
+    add(rows, {u"a++{one}", u"[^b]*+{one}", u"(?>[ab]+){one}"}, asBody, kPossessives | kUnbounded, false);
     add(rows, {u"a*{one}", u".*?{one}", u"[^c]+{one}"}, asBody, kUnbounded, false);
     add(rows, {u"\\w{1,3}?{one}", u"ab{one}", u"{one}bc", u"^{one}", u"{one}$"}, asBody, 0, false);
 }
 
 void addModes(Rows& rows) {
-    add(rows, {u"(?i:{body})", u"(?-i:{body})", u"(?s:{body})", u"(?-s:{body})", u"(?m:{body})", u"(?-m:{body})",
-               u"(?x:{body})", u"(?-x:{body})", u"(?im-s:{body})"},
+    add(rows,
+        {u"(?i:{body})", u"(?-i:{body})", u"(?s:{body})", u"(?-s:{body})", u"(?m:{body})", u"(?-m:{body})",
+         u"(?x:{body})", u"(?-x:{body})", u"(?im-s:{body})"},
         asBody, kModes);
     add(rows, {u"(?:(?i){body})", u"(?:(?i-s)a|{body})", u"(?:(?x) {body} )"}, asBody, kModes);
     add(rows, {u"(?e:{body})", u"(?-e:{body})"}, asBody, kModes | kOwn);
 }
 
+// The body as a text that is compiled while the search runs, once quoted for the replacement language, once as it is.
 void addDynamicTexts(Rows& rows) {
     for (const char16_t* text : {u"(??{text})", u"(??@={included})"}) {
         rows.push_back({text, may, kDynamics | kOwn | kUnbounded, kHiding, "its bracket would be paired with another"});

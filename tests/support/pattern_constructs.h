@@ -1,6 +1,5 @@
-// What random patterns are made of: one table of constructs, one of the contexts in which they stand. Every
-// construct is drawn in every context, and so is every context in every other; tests/random_test.cpp fails when
-// one is not.
+// What random patterns are made of: one table of constructs, one of the contexts in which they occur. Every construct
+// is drawn in every context, and so is every context in every other; tests/random_test.cpp fails when one is not.
 #pragma once
 
 #include <string>
@@ -27,7 +26,7 @@ enum Trait : unsigned {
     kHiding = 1U << 14U     ///< has a bracket in a comment that nothing but the modes inside tells
 };
 
-/// Where a construct may match the empty text; `asBody`: where what stands in it does.
+/// Whether a construct may match the empty text; `asBody`: if what is drawn for its body does.
 enum class Empty { never, may, asBody };
 
 /// One row of the tables. In its text a word in braces stands for something drawn anew:
@@ -50,9 +49,9 @@ struct Construct {
     std::u16string text;
     Empty empty;
     unsigned traits = 0;
-    unsigned bars = 0;               ///< traits that nothing in its body may have
-    const char* barReason = nullptr; ///< why not
-    bool quantifiable = true;        ///< a quantifier after it takes hold of it
+    unsigned bars = 0;                ///< traits that nothing in its body may have
+    const char* barReason = nullptr;  ///< why not
+    bool quantifiable = true;         ///< a quantifier after it takes hold of it
 };
 
 /// Constructs without a body.

@@ -1,5 +1,5 @@
-// Two contexts inside each other and two leaves within: over a sweep each context stands in each, and each leaf
-// in each, whatever chance adds.
+// Two contexts inside each other and two leaves within: over a sweep each context is in each, and each leaf in each,
+// whatever chance adds. The place in a sweep decides the constructs, the random numbers everything around.
 #include "tests/support/pattern_random.h"
 
 #include <algorithm>
@@ -12,7 +12,8 @@ bool fits(size_t construct, unsigned without) {
     return (Coverage::construct(construct).traits & without) == 0;
 }
 
-/// What is more than a test of a unit.
+/// What dense patterns combine: contexts, leaves that may be empty, and four plain units. Tests of a unit behave alike
+/// in all contexts, and pairs of them would take up most of a sweep.
 const std::vector<size_t>& denseRows() {
     static const std::vector<size_t> rows = [] {
         std::vector<size_t> result = {0, 3, 5, 6};
@@ -27,7 +28,8 @@ const std::vector<size_t>& denseRows() {
     return rows;
 }
 
-/// The first from `number` on, around the table, that may be written.
+/// The first row from `number` on, around the table, that may be written without the traits; a row that may not if
+/// there is none.
 size_t nextFitting(size_t number, size_t first, size_t count, unsigned without) {
     for (size_t tried = 0; tried < count; ++tried, ++number) {
         if (fits(first + number % count, without)) {
@@ -43,6 +45,7 @@ std::u16string PatternSource::pattern(unsigned without) {
     return PatternWriter(m_random, m_coverage, RE_DEFAULT_FLAGS, without).pattern();
 }
 
+// Rare modes are rare, since they change what much of a pattern means: under most of them less is compared.
 RE_Flags PatternSource::flags() {
     const auto oneOf = [this](size_t chances) { return m_random() % chances == 0; };
     RE_Flags result = RE_DEFAULT_FLAGS;
@@ -61,6 +64,7 @@ size_t PatternSource::sweep() {
     return contexts * std::max(contexts, leafConstructs().size());
 }
 
+// The number of the draw decides the two contexts and the two leaves; flags and the rest are drawn.
 DrawnPattern PatternSource::draw(unsigned without) {
     constexpr size_t kStride = 7919;  // a prime, so that a part of a sweep is one of everything
     const size_t leaves = leafConstructs().size(), contexts = contextConstructs().size();
@@ -70,20 +74,19 @@ DrawnPattern PatternSource::draw(unsigned without) {
     const unsigned within = without | Coverage::construct(inner).bars | Coverage::construct(outer).bars;
     const size_t one = nextFitting(place / contexts, 0, leaves, within);
     const size_t other = nextFitting(place / contexts + leaves / 2, 0, leaves, within);
-    const bool asks =
-        ((Coverage::construct(inner).traits | Coverage::construct(outer).traits) & kDynamics) != 0;
+    const bool asks = ((Coverage::construct(inner).traits | Coverage::construct(outer).traits) & kDynamics) != 0;
     const RE_Flags modes = flags() | (asks ? RE_FLAG_EVALUATE : 0U);
     const bool possible = Coverage::isPossible(inner, outer - leaves);
     PatternWriter writer(m_random, m_coverage, modes, without);
     using Wanted = std::vector<std::vector<size_t>>;
-    return {writer.pattern(possible ? Wanted{{outer}, {inner}, {one, other}} : Wanted{{inner}, {one, other}}),
-            modes};
+    return {writer.pattern(possible ? Wanted{{outer}, {inner}, {one, other}} : Wanted{{inner}, {one, other}}), modes};
 }
 
 size_t PatternSource::denseSweep() {
     return denseRows().size() * denseRows().size();
 }
 
+// The same for pairs: side by side, or the second within the first.
 DrawnPattern PatternSource::drawDense(unsigned without) {
     constexpr size_t kStride = 7919;
     const std::vector<size_t>& rows = denseRows();

@@ -1,4 +1,6 @@
 // Seeded random patterns, drawn so that everything comes up, and subjects of a small alphabet.
+//
+// The standard library's distributions differ between implementations, so a seed repeats a run with one library only.
 #pragma once
 
 #include "regexp/base/flags.h"
@@ -15,14 +17,16 @@ struct DrawnPattern {
     RE_Flags flags;
 };
 
+/// Patterns and subjects come from two generators: drawing more subjects does not change the patterns that follow, and
+/// a failure can be narrowed down.
 class PatternSource {
 public:
     explicit PatternSource(std::uint64_t seed) : m_random(seed), m_subjects(seed + 1) {}
 
-    /// A pattern of what chance brings, for the plain modes. Unless told otherwise it asks no host.
+    /// A pattern of what chance brings, for the plain modes. By default it calls no host.
     std::u16string pattern(unsigned without = kDynamics);
     /// The next of a row of patterns and flags that lets no construct out of any context. Patterns do not depend
-    /// on what is asked of the source besides.
+    /// on what else is drawn from the source.
     DrawnPattern draw(unsigned without = 0);
     /// After so many, everything has been drawn.
     static size_t sweep();

@@ -1,5 +1,6 @@
-// Rows are read like patterns, as far as groups and modes go: so the writer always knows how many groups there are
-// and which modes are in force, and writes blanks, expressions and references accordingly.
+// Rows are read like patterns, as far as groups and modes go: so the writer always knows how many groups there are and
+// which modes are in force, and writes blanks, expressions and references accordingly. It must not read them by the
+// engine's code, or a fault of the parser would draw the patterns that hide it.
 #include "regexp/base/flags.h"
 #include "tests/support/pattern_writer.h"
 
@@ -64,6 +65,7 @@ private:
         m_at += units;
     }
 
+    /// Copies or fills the next part of the row.
     void step() {
         switch (m_row.text[m_at]) {
             case u'\\':
@@ -92,6 +94,7 @@ private:
         }
     }
 
+    /// A bracket that comes first is a member, and an escaped one too.
     void copySet() {
         const size_t first = m_at + (sees(u"[^") ? 2 : 1);
         size_t end = first;
@@ -128,6 +131,7 @@ private:
         }
     }
 
+    /// Copies an opening and notes what its closing parenthesis restores.
     void enter(size_t units) {
         m_outer.push_back({m_writer.m_modes, m_writer.m_makesTokens, m_writer.m_isRead});
         copy(units);
@@ -141,6 +145,7 @@ private:
         copy(1);
     }
 
+    /// A name in the text of a row is one letter; elsewhere it is a gap.
     void openNamed() {
         m_writer.m_groups += m_writer.m_makesTokens ? 1 : 0;
         enter(3);
@@ -169,7 +174,7 @@ private:
         m_writer.m_modes = modes;
     }
 
-    /// A group whose parentheses are none of the pattern's.
+    /// A group whose parentheses are none of the pattern's: a comment or an expression.
     void copyPaired(bool withGaps) {
         size_t depth = 0;
         do {
@@ -183,7 +188,7 @@ private:
         } while (depth > 0);
     }
 
-    // Braces that hold no known word are copied.
+    /// What a word in braces stands for. Braces that hold no known word, such as a quantifier's, are copied.
     void gap() {
         const size_t end = m_row.text.find(u'}', m_at);
         const std::u16string word = m_row.text.substr(m_at + 1, end - m_at - 1);
@@ -240,6 +245,7 @@ private:
         return piece.text;
     }
 
+    /// Made to consume something, so that a loop over it makes progress.
     Piece filled(const Piece& piece) {
         if (!piece.nullable) {
             return piece;
@@ -248,6 +254,7 @@ private:
         return {m_writer.oneIn(2) ? text + u"a" : u"b" + text, false};
     }
 
+    /// Made to match the empty text too, in a way that is drawn.
     Piece hollowed(const Piece& piece) {
         if (piece.nullable) {
             return piece;
@@ -257,6 +264,7 @@ private:
         return {m_writer.oneIn(4) ? u"|" + piece.text : inGroup(piece).text + end, true};
     }
 
+    /// The body of a dynamic text: its groups make no tokens, and where nothing is evaluated it is not read at all.
     std::u16string dynamicBody(bool rewritten) {
         const unsigned modes = m_writer.m_modes;
         const bool madeTokens = std::exchange(m_writer.m_makesTokens, false);
@@ -278,6 +286,7 @@ private:
     size_t m_context;
     size_t m_at = 0;
     std::u16string m_out;
+    // What a row with `asBody` is: set by the last body.
     bool m_bodyNullable = true;
     std::vector<Outer> m_outer;
 };
@@ -297,8 +306,8 @@ std::u16string asDynamicText(std::u16string_view pattern) {
         } else if (pattern[at] == u'\\') {
             text += u"\\\\";
             const char16_t next = pattern[++at];
-            const bool isWord = (next >= u'0' && next <= u'9') || (next >= u'A' && next <= u'Z') ||
-                                (next >= u'a' && next <= u'z');
+            const bool isWord =
+                (next >= u'0' && next <= u'9') || (next >= u'A' && next <= u'Z') || (next >= u'a' && next <= u'z');
             text += isWord ? u"" : u"\\";
             text += next;
         } else {

@@ -1,5 +1,4 @@
-// What is drawn: rows of the tables, side by side, inside each other and as alternatives. pattern_row.cpp writes a
-// row.
+// What is drawn: rows of the tables, side by side, inside each other and as alternatives. pattern_row.cpp writes a row.
 #include "tests/support/pattern_writer.h"
 
 #include "regexp/base/flags.h"
@@ -30,8 +29,7 @@ bool Coverage::isPossible(size_t construct, size_t context) {
     return (Coverage::construct(construct).traits & contextConstructs()[context].bars) == 0;
 }
 
-PatternWriter::PatternWriter(std::mt19937_64& random, Coverage& coverage, unsigned modes, unsigned without,
-                             bool dense)
+PatternWriter::PatternWriter(std::mt19937_64& random, Coverage& coverage, unsigned modes, unsigned without, bool dense)
     : m_random(random), m_coverage(coverage), m_modes(modes), m_without(without), m_dense(dense) {}
 
 std::u16string PatternWriter::pattern() {
@@ -42,6 +40,7 @@ std::u16string PatternWriter::pattern(std::vector<std::vector<size_t>> wanted) {
     std::reverse(wanted.begin(), wanted.end());
     m_wanted = std::move(wanted);
     Piece whole{u"", true, false, false};
+    // A reference without a group in front of it would be refused nearly always.
     const bool readsTokens = std::any_of(m_wanted.begin(), m_wanted.end(), [](const auto& list) {
         return std::any_of(list.begin(), list.end(),
                            [](size_t row) { return (Coverage::construct(row).traits & kReferences) != 0; });
@@ -70,7 +69,7 @@ std::u16string PatternWriter::row(const std::vector<size_t>& constructs) {
     return finish(std::move(whole.text));
 }
 
-/// Groups that a name was promised for.
+/// Adds the groups whose names were referred to before they were there.
 std::u16string PatternWriter::finish(std::u16string text) {
     while (!m_namesDue.empty()) {
         const std::u16string name = *m_namesDue.begin();
@@ -86,6 +85,7 @@ void PatternWriter::noteDrawn(size_t construct) {
     }
 }
 
+// What a construct bars is barred in its body, at any depth.
 Piece PatternWriter::body(size_t context, int depth) {
     const unsigned without = std::exchange(m_without, m_without | contextConstructs()[context].bars);
     m_inside.push_back(context);
@@ -97,7 +97,7 @@ Piece PatternWriter::body(size_t context, int depth) {
     return piece;
 }
 
-// Only the last construct's body has wishes of its own; what is written beside is as free as ever.
+// Only the last construct's body has wishes of its own; what is written beside it is as free as ever.
 Piece PatternWriter::wantedBody() {
     const std::vector<size_t> constructs = std::move(m_wanted.back());
     m_wanted.pop_back();
@@ -160,6 +160,7 @@ Piece PatternWriter::wideAlternation(int depth) {
     return result;
 }
 
+// Now and then empty: a branch without anything is a construct of its own.
 Piece PatternWriter::sequence(int depth) {
     Piece result{u"", true, false, false};
     const size_t count = m_dense ? 1 + (oneIn(4) ? 1 : 0) : oneIn(12) ? 0 : 1 + below(3);
@@ -172,10 +173,10 @@ Piece PatternWriter::sequence(int depth) {
 }
 
 Piece PatternWriter::item(int depth) {
-    return depth > 0 && oneIn(2) ? write(leafConstructs().size() + someContext(), depth - 1)
-                                 : write(someLeaf(), 0);
+    return depth > 0 && oneIn(2) ? write(leafConstructs().size() + someContext(), depth - 1) : write(someLeaf(), 0);
 }
 
+// Mostly plain units: what surrounds the constructs should match often.
 Piece PatternWriter::few() {
     Piece result{u"", true, false, false};
     for (size_t left = m_dense ? 1 : 1 + below(2); left > 0; --left) {
@@ -185,6 +186,7 @@ Piece PatternWriter::few() {
     return result;
 }
 
+// Half of the draws come from the usual rows. A reader of tokens is mostly avoided while there is no token.
 size_t PatternWriter::someRow(const std::vector<Construct>& rows, size_t usual) {
     const size_t row = oneIn(2) ? below(usual) : below(rows.size());
     const bool inVain = (rows[row].traits & kReferences) != 0 && m_groups == 0 && !oneIn(4);
@@ -207,6 +209,7 @@ size_t PatternWriter::someContext() {
     }
 }
 
+// Up to two more than there are with `later`: groups that come after, or never.
 std::u16string PatternWriter::groupNumber(bool later) {
     const size_t most = m_groups + (later && (m_without & kOwn) == 0 ? 2 : 0);
     return widen(std::to_string(1 + below(std::max<size_t>(most, 1))));

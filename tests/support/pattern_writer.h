@@ -1,4 +1,5 @@
-// Writes random patterns: draws rows of the tables, fills their gaps, and knows what is in force at each place.
+// Writes random patterns: draws rows of the tables, fills their gaps, and knows what is in force at each place. What it
+// writes is well-formed, except for what a row degrades to on purpose.
 #pragma once
 
 #include "tests/support/pattern_constructs.h"
@@ -22,9 +23,7 @@ public:
     static bool isPossible(size_t construct, size_t context);
 
     void note(size_t construct, size_t context) { ++m_counts[context * m_constructs + construct]; }
-    size_t count(size_t construct, size_t context) const {
-        return m_counts[context * m_constructs + construct];
-    }
+    size_t count(size_t construct, size_t context) const { return m_counts[context * m_constructs + construct]; }
 
 private:
     size_t m_constructs;
@@ -43,8 +42,7 @@ class PatternWriter {
 public:
     /// Modes are flag bits. Nothing that has one of the traits `without` is written. A dense pattern has little
     /// but what is asked for, over two letters.
-    PatternWriter(std::mt19937_64& random, Coverage& coverage, unsigned modes, unsigned without,
-                  bool dense = false);
+    PatternWriter(std::mt19937_64& random, Coverage& coverage, unsigned modes, unsigned without, bool dense = false);
 
     /// A whole pattern of what chance brings.
     std::u16string pattern();
@@ -62,6 +60,7 @@ private:
     bool hasMode(unsigned bit) const { return (m_modes & bit) != 0; }
     bool allows(const Construct& row) const { return (row.traits & m_without) == 0; }
 
+    // Draws of falling depth: contexts are written while there is some left, leaves at the end.
     Piece alternation(int depth);
     Piece wideAlternation(int depth);
     Piece sequence(int depth);

@@ -9,13 +9,13 @@
 namespace corvane_tests {
 namespace {
 
+// Of one match. A peer that gives up judges nothing.
 constexpr std::uint32_t kMostSteps = 50000;
 
 /// Our `$` never matches before a final line feed. The peer's own shortcuts are off: in version 10.42 automatic
 /// possessive loops and start optimisations lose rare matches.
 std::uint32_t compileOptions(std::uint32_t flags) {
-    std::uint32_t options =
-        PCRE2_DOLLAR_ENDONLY | PCRE2_NO_AUTO_POSSESS | PCRE2_NO_START_OPTIMIZE;
+    std::uint32_t options = PCRE2_DOLLAR_ENDONLY | PCRE2_NO_AUTO_POSSESS | PCRE2_NO_START_OPTIMIZE;
     options |= (flags & 0x01U) != 0 ? PCRE2_CASELESS : 0U;
     options |= (flags & 0x02U) != 0 ? PCRE2_DOTALL : 0U;
     options |= (flags & 0x04U) != 0 ? PCRE2_MULTILINE : 0U;
@@ -23,11 +23,13 @@ std::uint32_t compileOptions(std::uint32_t flags) {
     return options;
 }
 
+/// A view of nothing may be null, which the peer takes for an error.
 PCRE2_SPTR16 units(std::u16string_view text) {
     static const char16_t empty = 0;
     return reinterpret_cast<PCRE2_SPTR16>(text.empty() ? &empty : text.data());
 }
 
+// Group 0 is the match. A group that is unset is a token that is empty at 0.
 Outcome toOutcome(pcre2_match_data_16* data) {
     const PCRE2_SIZE* ovector = pcre2_get_ovector_pointer_16(data);
     Outcome outcome{true, ovector[0], ovector[1] - ovector[0], {}};
@@ -45,14 +47,14 @@ struct Pcre2Pattern::Code {
     pcre2_code_16* code = nullptr;
 };
 
+// Line ends are line feeds alone, as here; the library's default may be another.
 Pcre2Pattern::Pcre2Pattern(std::u16string_view pattern, std::uint32_t flags)
     : m_code(std::make_unique<Code>()), m_matchOptions((flags & 0x20U) != 0 ? 0 : PCRE2_NOTEMPTY) {
     pcre2_compile_context_16* context = pcre2_compile_context_create_16(nullptr);
     pcre2_set_newline_16(context, PCRE2_NEWLINE_LF);
     int error = 0;
     PCRE2_SIZE place = 0;
-    m_code->code =
-        pcre2_compile_16(units(pattern), pattern.size(), compileOptions(flags), &error, &place, context);
+    m_code->code = pcre2_compile_16(units(pattern), pattern.size(), compileOptions(flags), &error, &place, context);
     pcre2_compile_context_free_16(context);
 }
 

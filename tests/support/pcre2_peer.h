@@ -1,4 +1,5 @@
-// PCRE2 (16-bit) as a peer: an independent engine whose semantics are known by their differences from ours.
+// PCRE2 (16-bit) as a peer: an independent engine whose semantics are known by their differences from ours. Where no
+// rule of docs/dialect.md says otherwise, both have to find the same.
 #pragma once
 
 #include "tests/support/outcome.h"

@@ -1,4 +1,5 @@
-// A host without a memory: what an expression is worth depends on its text and its inputs alone.
+// A host without a memory: what an expression is worth depends on its text and its inputs alone. For tests in which the
+// calls themselves are of no interest; scripted_host.h keeps a journal.
 #pragma once
 
 #include "regexp/regexp.h"
@@ -10,12 +11,14 @@
 
 namespace corvane_tests {
 
-/// An expression with references is worth their texts, one after the other; any other is worth its own. False are `false`
-/// and the empty text. Variables are named by their references.
+/// An expression with references is worth their texts, one after the other; any other is worth its own text. False are
+/// `false` and the empty text. Variables are named by their references. Clones share the journal of their original, so
+/// that a test reads it there.
 class PlainHost : public RE_Context {
 public:
     explicit PlainHost(bool allows) : m_allows(allows) {}
-    PlainHost(bool allows, const Corvane::regexp::CompileOptions& compileOptions) : RE_Context(compileOptions), m_allows(allows) {}
+    PlainHost(bool allows, const Corvane::regexp::CompileOptions& compileOptions)
+        : RE_Context(compileOptions), m_allows(allows) {}
 
     void evaluate_script(RE_Evaluation_IO* script, RE_Evaluation_Inputs*, RE_Evaluation_Inputs* inputs) override {
         m_runs->push_back(text(script) + u"(" + joined(inputs) + u")");

@@ -1,5 +1,5 @@
-// Pairing by a count of the open groups: inside such a text nothing is read but brackets, sets and, under free
-// spacing, comments up to the end of the line.
+// Pairing by a count of the open groups: inside such a text nothing is read but brackets, sets and, under free spacing,
+// comments up to the end of the line. Escaped units count for nothing.
 #include "tests/support/reference_brackets.h"
 
 #include "tests/support/reference_reader.h"
@@ -7,7 +7,7 @@
 namespace corvane_tests::reference {
 namespace {
 
-/// Where the set ends whose bracket stands at `at`: after its closing one, before which one may come first.
+/// The index past the set whose bracket is at `at`. A closing bracket that comes first is a member.
 size_t afterSet(std::u16string_view text, size_t at) {
     ++at;
     at += text.substr(at, 1) == u"^" ? 1 : 0;
@@ -22,6 +22,7 @@ size_t afterSet(std::u16string_view text, size_t at) {
 
 }  // namespace
 
+// Only what can hide a parenthesis is read.
 size_t groupEnd(std::u16string_view text, bool freeSpacing) {
     for (size_t at = 0, open = 1; at < text.size();) {
         const char16_t unit = text[at];
@@ -42,6 +43,7 @@ size_t groupEnd(std::u16string_view text, bool freeSpacing) {
 }
 
 size_t expressionEnd(std::u16string_view text) {
+    // The closing brackets that are due, the innermost last.
     std::u16string expected(1, u'}');
     for (size_t at = 0; at < text.size(); ++at) {
         static constexpr std::u16string_view opening = u"([{", closing = u")]}";

@@ -1,3 +1,8 @@
+// A list in place of a search: `endsOf` gives all ends of a part from one place, in order of preference. A pattern's
+// match is then the first of the list that is accepted, and nothing ever backtracks.
+//
+// Why an end may be listed once: whatever follows a part depends on where it ended and on what the group captured, both
+// of which are in End. If it failed from the first occurrence, it fails from later ones.
 #include "tests/support/reference_ends.h"
 
 #include "tests/support/reference_parser.h"
@@ -23,6 +28,7 @@ struct End {
 
 using Ends = std::vector<End>;
 
+/// Appends what is not there yet. Quadratic, on lists as long as the subject.
 void add(Ends& ends, const Ends& more) {
     for (const End& end : more) {
         if (std::find(ends.begin(), ends.end(), end) == ends.end()) {
@@ -31,6 +37,7 @@ void add(Ends& ends, const Ends& more) {
     }
 }
 
+/// All parts of one pattern on one subject.
 class Lister {
 public:
     explicit Lister(std::u16string_view subject) : m_subject(subject) {}
@@ -68,6 +75,7 @@ private:
         return ends;
     }
 
+    /// From every end of one part the ends of the next, in order: preference of the first part counts for more.
     Ends sequence(const Node& node, const End& from) {
         Ends ends{from};
         for (const NodePtr& part : node.children) {
@@ -90,13 +98,14 @@ private:
 
     bool accepts(const Node& node, size_t at) const {
         refuseCases(node);
-        return at < m_subject.size() && node.negated != std::any_of(node.ranges.begin(), node.ranges.end(), [&](const Range& range) {
+        return at < m_subject.size() &&
+               node.negated != std::any_of(node.ranges.begin(), node.ranges.end(), [&](const Range& range) {
                    return range.low <= m_subject[at] && m_subject[at] <= range.high;
                });
     }
 
-    /// With so many required passes left. They may be empty, the others not, unless there is one at the most and it is
-    /// none of a loop.
+    /// With so many required passes left. They may be empty, the optional ones not, unless there is one at the most and
+    /// the loop is a plain choice. Remembered by passes and place, which is what makes hundreds of passes cheap.
     const Ends& repeat(const Node& node, size_t required, const End& from) {
         const auto [place, isNew] = m_repeats.try_emplace({&node, required, from});
         if (isNew) {
@@ -116,6 +125,7 @@ private:
         return place->second;
     }
 
+    /// Up to `left` passes more. Greedy: the ends after a pass come first, the end without one last.
     Ends optional(const Node& node, size_t left, const End& from) {
         const bool mayBeEmpty = node.min == 0 && node.max == 1;
         Ends ends;
@@ -156,8 +166,8 @@ private:
 
     Ends reference(const Node& node, const End& from) const {
         refuseCases(node);
-        const bool matches = from.captured && node.number == 0 && m_subject.substr(from.at, from.length) ==
-                                                  m_subject.substr(from.start, from.length);
+        const bool matches = from.captured && node.number == 0 &&
+                             m_subject.substr(from.at, from.length) == m_subject.substr(from.start, from.length);
         return matches ? Ends{{from.at + from.length, true, from.start, from.length}} : Ends{};
     }
 
@@ -181,6 +191,7 @@ private:
     std::map<std::tuple<const Node*, size_t, End>, Ends> m_repeats;
 };
 
+/// The first start with an acceptable end.
 Outcome searchFrom(const Pattern& pattern, bool emptyAccepted, std::u16string_view subject, size_t offset) {
     Lister lister(subject);
     for (size_t start = offset; start <= subject.size(); ++start) {

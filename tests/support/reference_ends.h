@@ -1,6 +1,7 @@
-// A second reference, for loops of very many passes: it works out the ends of every part of a pattern as a list in order
-// of preference, each end once, and so makes hundreds of passes that could be taken in more ways than anyone can try one
-// by one. An end that comes up again later in a list can be left out, as whatever follows has failed from it by then.
+// A second reference, for loops of very many passes: it works out the ends of every part of a pattern as a list in
+// order of preference, each end once. So it makes hundreds of passes that could be taken in more ways than anyone can
+// try one by one. An end that comes up again later in a list is left out, as whatever follows has failed from it by
+// then.
 #pragma once
 
 #include "tests/support/outcome.h"

@@ -1,4 +1,5 @@
-// The language of replacements, as far as random patterns use it.
+// The language of replacements, as far as random patterns use it. What would raise a warning is refused, as elsewhere
+// in the reference: what it degrades to is pinned by the tables.
 #include "tests/support/reference_expansion.h"
 
 #include "tests/support/expression_script.h"
@@ -19,6 +20,7 @@ void addLiteral(std::vector<Part>& parts, std::u16string_view text) {
     parts.back().text += text;
 }
 
+// Texts are put together unit by unit, so a character of two units is beyond the reference here.
 void addCharacter(std::vector<Part>& parts, char32_t value) {
     if (value > 0xFFFF) {
         throw Unreadable();
@@ -27,6 +29,7 @@ void addCharacter(std::vector<Part>& parts, char32_t value) {
     addLiteral(parts, {&unit, 1});
 }
 
+// After the sign. What is not a reference would be a warning.
 Part readReference(Reader& reader, bool mayEvaluate) {
     if (reader.seesDigit() && !reader.sees(u"0")) {
         std::u16string digits;
@@ -50,7 +53,7 @@ Part readReference(Reader& reader, bool mayEvaluate) {
     return {Part::Kind::Special, std::u16string(1, sign)};
 }
 
-// As many digits as name a token in effect; the others are text, and so is all of it without any.
+// As many digits as name a token in effect; the rest is text, and so is all of it without any.
 std::u16string expandNumber(std::u16string digits, const Place& place) {
     std::u16string rest;
     for (; !digits.empty() && digits.size() < 10; digits.pop_back()) {
@@ -66,6 +69,7 @@ std::u16string expandNumber(std::u16string digits, const Place& place) {
     return u"$" + digits + rest;
 }
 
+// A name that no token has is written as it is; an expression without an answer makes the whole text fail.
 std::optional<std::u16string> expandPart(const Part& part, const Place& place) {
     switch (part.kind) {
         case Part::Kind::Literal:

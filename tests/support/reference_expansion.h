@@ -11,7 +11,7 @@ namespace corvane_tests::reference {
 /// The parts of `(??text)`. Throws `Unreadable` where the text would raise a warning.
 std::vector<TextPart> readExpansion(std::u16string_view text, bool mayEvaluate);
 
-/// Where a search stands, for those who ask for texts.
+/// The place of a search, as expressions and references see it.
 struct Place {
     virtual ~Place() = default;
     /// Of the token in effect; nothing when there is none.

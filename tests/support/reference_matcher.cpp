@@ -1,6 +1,9 @@
-// Continuation-passing backtracking: every construct is one short function that calls `next` for each way it
-// can match, in order of preference, until `next` says true. Tokens travel by value along the path, so a path
-// that fails leaves nothing behind.
+// Continuation-passing backtracking: every construct is one short function that calls `next` for each way it can match,
+// in order of preference, until `next` says true. Tokens travel by value along the path, so a path that fails leaves
+// nothing behind.
+//
+// Nothing may be made faster here by a rule that the engine also uses: two readings of the dialect that share a
+// shortcut share its faults. There is no memo, no undo, no bound on passes but the pattern's own.
 #include "tests/support/reference_matcher.h"
 
 #include "tests/support/function_ref.h"
@@ -15,11 +18,14 @@
 namespace corvane_tests::reference {
 namespace {
 
+// Thrown at the limits of steps and depth, and where another engine's rule is not known. No answer then.
 struct GaveUp {};
 
-// Nodes on a path, each of which takes some hundred bytes of the stack.
+// Nodes on a path, each of which takes some hundred bytes of the stack. Together with the steps this bounds the stack
+// of the thread that runs the tests.
 constexpr size_t kDeepest = 2000;
 
+// What follows a part: called with the position where the part ended and the tokens by then.
 using Next = FunctionRef<bool(size_t, const Tokens&)>;
 
 /// A unit is in a set when anything in the set is the same unit, as case counts or is ignored.
@@ -51,9 +57,7 @@ struct Here : Place {
                                : std::optional<std::u16string>(subject.substr(slot->start, slot->length));
     }
     std::optional<std::u16string> numbered(size_t slot) const override { return text(tokens.numbered(slot)); }
-    std::optional<std::u16string> named(std::u16string_view name) const override {
-        return text(tokens.named(name));
-    }
+    std::optional<std::u16string> named(std::u16string_view name) const override { return text(tokens.named(name)); }
     std::u16string special(char16_t sign) const override {
         if (at < start) {
             throw GaveUp();  // in a look-behind: there is no match up to here
@@ -102,6 +106,7 @@ std::optional<size_t> fixedLength(const Node& node) {
     return std::nullopt;
 }
 
+/// One attempt from one start position.
 class Matcher {
 public:
     Matcher(std::u16string_view subject, size_t start, size_t& steps, Rules rules)
@@ -118,6 +123,7 @@ public:
     }
 
 private:
+    // One case for each kind of node. Those without a function of their own are a test and a call of `next`.
     bool runKind(const Node& node, size_t at, const Tokens& tokens, Next next) {
         switch (node.kind) {
             case Kind::Sequence:
@@ -150,9 +156,8 @@ private:
         if (index == node.children.size()) {
             return next(at, tokens);
         }
-        return run(*node.children[index], at, tokens, [&](size_t end, const Tokens& after) {
-            return sequence(node, index + 1, end, after, next);
-        });
+        return run(*node.children[index], at, tokens,
+                   [&](size_t end, const Tokens& after) { return sequence(node, index + 1, end, after, next); });
     }
 
     bool alternation(const Node& node, size_t at, const Tokens& tokens, Next next) {
@@ -192,8 +197,8 @@ private:
     }
 
     /// First way through `body` from `at` that ends where `accept` allows; no way back into it afterwards.
-    bool closed(const Node& body, size_t at, const Tokens& tokens, FunctionRef<bool(size_t)> accept,
-                size_t& end, Tokens& after) {
+    bool closed(const Node& body, size_t at, const Tokens& tokens, FunctionRef<bool(size_t)> accept, size_t& end,
+                Tokens& after) {
         return run(body, at, tokens, [&](size_t position, const Tokens& result) {
             if (!accept(position)) {
                 return false;
@@ -234,9 +239,8 @@ private:
     /// Each branch of a look-behind has its one length there.
     bool holdsBranchByBranch(const Node& body, size_t at, const Tokens& tokens, Tokens& after) {
         if (body.kind == Kind::Alternation) {
-            return std::any_of(body.children.begin(), body.children.end(), [&](const NodePtr& branch) {
-                return holdsBranchByBranch(*branch, at, tokens, after);
-            });
+            return std::any_of(body.children.begin(), body.children.end(),
+                               [&](const NodePtr& branch) { return holdsBranchByBranch(*branch, at, tokens, after); });
         }
         const std::optional<size_t> length = fixedLength(body);
         if (!length) {
@@ -247,6 +251,7 @@ private:
                                     body, at - *length, tokens, [](size_t) { return true; }, end, after);
     }
 
+    // A negated body leaves no tokens; a body that held leaves its own.
     bool look(const Node& node, size_t at, const Tokens& tokens, Next next) {
         Tokens after = tokens;
         const bool held = holds(node, at, tokens, after);
@@ -305,11 +310,11 @@ private:
 
     /// The text matches as if it stood here. It makes no tokens, and sees those of the pattern.
     bool dynamic(const Node& node, size_t at, const Tokens& tokens, Next next) {
-        const std::optional<std::u16string> text =
-            expand(node.expansion, Here(m_subject, m_start, at, tokens));
+        const std::optional<std::u16string> text = expand(node.expansion, Here(m_subject, m_start, at, tokens));
         if (!text) {
             return false;
         }
+        // A text is parsed once for each place and content; loops would parse it for every pass.
         std::optional<Pattern>& included = m_included[{&node, *text}];
         if (!included) {
             included = parseIncluded(*text, node.modes);
@@ -331,8 +336,8 @@ private:
 };
 
 /// The same count of steps for all that one question takes.
-Outcome searchFrom(const Pattern& pattern, unsigned flagBits, std::u16string_view subject, size_t offset,
-                   size_t& steps, Rules rules) {
+Outcome searchFrom(const Pattern& pattern, unsigned flagBits, std::u16string_view subject, size_t offset, size_t& steps,
+                   Rules rules) {
     const bool emptyAccepted = (flagBits & 0x20U) != 0;
     const bool keepsTokens = (flagBits & 0x40U) != 0 || rules != Rules::own;
     Outcome outcome;
@@ -352,8 +357,8 @@ Outcome searchFrom(const Pattern& pattern, unsigned flagBits, std::u16string_vie
 
 }  // namespace
 
-std::optional<Outcome> search(const Pattern& pattern, unsigned flagBits, std::u16string_view subject,
-                              size_t offset, Limits limits) {
+std::optional<Outcome> search(const Pattern& pattern, unsigned flagBits, std::u16string_view subject, size_t offset,
+                              Limits limits) {
     try {
         return searchFrom(pattern, flagBits, subject, offset, limits.steps, Rules::own);
     } catch (const GaveUp&) {
@@ -367,9 +372,8 @@ std::optional<Outcome> search(std::u16string_view pattern, unsigned flagBits, st
     return parsed ? search(*parsed, flagBits, subject, offset, limits) : std::nullopt;
 }
 
-std::optional<std::vector<Outcome>> searchAll(const Pattern& pattern, unsigned flagBits,
-                                              std::u16string_view subject, size_t offset, Limits limits,
-                                              Rules rules) {
+std::optional<std::vector<Outcome>> searchAll(const Pattern& pattern, unsigned flagBits, std::u16string_view subject,
+                                              size_t offset, Limits limits, Rules rules) {
     std::vector<Outcome> found;
     try {
         while (offset <= subject.size()) {

@@ -1,6 +1,9 @@
-// A slow, plain backtracking matcher to compare the engine with. It is part of the tests only and must never
-// be linked into the library: it is exponential by design, recursive, and keeps every state by value so that
-// there is nothing to restore and nothing to forget.
+// A slow, plain backtracking matcher to compare the engine with. It is part of the tests only and must never be linked
+// into the library: it is exponential by design, recursive, and keeps every state by value so that there is nothing to
+// restore and nothing to forget.
+//
+// It shares no code with the engine. A construct that is new in the engine is written here a second time, from its
+// description in docs/dialect.md, not from the engine's code.
 #pragma once
 
 #include "tests/support/outcome.h"
@@ -14,6 +17,7 @@ namespace corvane_tests::reference {
 /// rules in the matcher.
 enum class Rules { own, pcre2 };
 
+/// Nodes that one call may visit, over all of its searches.
 struct Limits {
     size_t steps = 200000;
 };
@@ -26,13 +30,12 @@ std::optional<Outcome> search(std::u16string_view pattern, unsigned flagBits, st
 struct Pattern;
 
 /// The same over a pattern parsed once, with expressions as the script answers them.
-std::optional<Outcome> search(const Pattern& pattern, unsigned flagBits, std::u16string_view subject,
-                              size_t offset, Limits limits = {});
+std::optional<Outcome> search(const Pattern& pattern, unsigned flagBits, std::u16string_view subject, size_t offset,
+                              Limits limits = {});
 
 /// All matches from `offset` on: each search begins where the match before it ends, or a unit after an empty
 /// one.
-std::optional<std::vector<Outcome>> searchAll(const Pattern& pattern, unsigned flagBits,
-                                              std::u16string_view subject, size_t offset, Limits limits = {},
-                                              Rules rules = Rules::own);
+std::optional<std::vector<Outcome>> searchAll(const Pattern& pattern, unsigned flagBits, std::u16string_view subject,
+                                              size_t offset, Limits limits = {}, Rules rules = Rules::own);
 
 }  // namespace corvane_tests::reference

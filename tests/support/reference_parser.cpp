@@ -1,4 +1,7 @@
 // Recursive descent over the well-formed dialect; the first thing it cannot read makes the whole parse fail.
+//
+// Names follow the grammar: a function reads what it is called after and leaves the reader past it. Modes are those at
+// the place of the reader; a group restores them at its end.
 #include "tests/support/reference_parser.h"
 
 #include "tests/support/reference_brackets.h"
@@ -20,6 +23,7 @@ NodePtr wrap(Kind kind, NodePtr child) {
     return node;
 }
 
+/// Reads one pattern. Null in place of a node is something that was dropped, with its quantifiers.
 class Parser {
 public:
     Parser(std::u16string_view text, Flags flags, bool hostEvaluates, bool makesTokens)
@@ -38,6 +42,7 @@ public:
 private:
     void skipSpacing() { m_reader.skipSpacing(m_flags.freeSpacing); }
 
+    /// Branches up to a closing parenthesis or the end. Modes that a branch sets hold in the branches after it too.
     NodePtr alternation() {
         const Flags saved = m_flags;
         std::vector<NodePtr> branches;
@@ -54,6 +59,7 @@ private:
         return node;
     }
 
+    /// Items up to a bar, a closing parenthesis or the end.
     NodePtr sequence() {
         NodePtr node = make(Kind::Sequence);
         for (skipSpacing(); !m_reader.done() && !m_reader.sees(u"|") && !m_reader.sees(u")"); skipSpacing()) {
@@ -73,6 +79,7 @@ private:
                 return item;
             }
             repeat->lazy = m_reader.takes(u"?");
+            // A possessive loop is an atomic group around a loop, by definition.
             const bool possessive = !repeat->lazy && m_reader.takes(u"+");
             if (!item) {
                 continue;
@@ -82,6 +89,7 @@ private:
         }
     }
 
+    /// Reads the bounds. False when there is no quantifier; one that is malformed is beyond the reference.
     bool quantifier(Node& repeat) {
         if (m_reader.takes(u"*")) {
             return true;
@@ -151,6 +159,7 @@ private:
         return node;
     }
 
+    /// After the backslash: anchor, class, reference or character, in this order.
     NodePtr escape() {
         const char16_t unit = m_reader.take();
         if (unit == u'<' || unit == u'>') {
@@ -199,6 +208,7 @@ private:
         return units(std::move(text.ranges), text.negated);
     }
 
+    /// After the opening parenthesis. The order of the tests matters: (?<= is no name, (?? is no mode.
     NodePtr group() {
         if (!m_reader.takes(u"?")) {
             return capture(u"");
@@ -226,6 +236,7 @@ private:
         return body;
     }
 
+    /// Tokens are numbered by their opening parentheses, so the number is taken before the body is read.
     NodePtr capture(std::u16string name) {
         if (!m_makesTokens) {
             return closed(alternation());
@@ -237,12 +248,12 @@ private:
         return node;
     }
 
+    /// Null, with nothing read, when there is none.
     NodePtr lookaround() {
         NodePtr node = make(Kind::Look);
         node->behind = m_reader.sees(u"<=") || m_reader.sees(u"<!");
         node->negated = m_reader.sees(u"!") || m_reader.sees(u"<!");
-        if (!(m_reader.takes(u"<=") || m_reader.takes(u"<!") || m_reader.takes(u"=") ||
-              m_reader.takes(u"!"))) {
+        if (!(m_reader.takes(u"<=") || m_reader.takes(u"<!") || m_reader.takes(u"=") || m_reader.takes(u"!"))) {
             return nullptr;
         }
         node->children.push_back(closed(alternation()));
@@ -277,6 +288,8 @@ private:
         return {{TextPart::Kind::Expression, std::u16string(text)}};
     }
 
+    /// After "(?(". Alternatives past the second branch belong to it. Where expressions are not evaluated the whole
+    /// construct vanishes, and with it the tokens in it.
     NodePtr conditional() {
         NodePtr node = make(Kind::Conditional);
         const size_t tokensBefore = m_tokenNames.size();
@@ -299,6 +312,7 @@ private:
         return node;
     }
 
+    /// A lookaround, a number or a name.
     void readCondition(Node& node) {
         if (m_reader.takes(u"?")) {
             node.condition = lookaround();
@@ -317,6 +331,7 @@ private:
         }
     }
 
+    /// Modes alone hold to the end of the enclosing group; with a colon, for their own body.
     NodePtr modes() {
         Flags changed = m_flags;
         bool value = true;

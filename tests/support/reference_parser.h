@@ -1,5 +1,5 @@
-// Reads the well-formed part of the dialect into a reference tree. Text that the engine would answer with a
-// warning is outside its reach: the degraded forms are pinned by the case files instead.
+// Reads the well-formed part of the dialect into a reference tree. Text that the engine would answer with a warning is
+// outside its reach: the degraded forms are pinned by the case files instead.
 #pragma once
 
 #include "tests/support/reference_tree.h"

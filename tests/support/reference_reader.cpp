@@ -1,9 +1,10 @@
-// Readings of the reference parser's cursor.
+// Readings of the reference parser's cursor. Each leaves the cursor past what it read, and throws rather than guess.
 #include "tests/support/reference_reader.h"
 
 namespace corvane_tests::reference {
 namespace {
 
+// 99 is a digit of no base.
 int digitValue(char16_t unit) {
     if (isDigit(unit)) {
         return unit - u'0';
@@ -54,6 +55,7 @@ std::u16string_view Reader::take(size_t units) {
     return m_text.substr(m_at - units, units);
 }
 
+// A (?#...) comment pairs its parentheses; a # comment ends with its line, whatever it holds.
 void Reader::skipSpacing(bool freeSpacing) {
     for (bool more = true; more && !done();) {
         if (takes(u"(?#")) {
@@ -96,6 +98,7 @@ size_t Reader::moreDigits(size_t value, size_t largest) {
     return value;
 }
 
+// At least one digit, and a value that is a character.
 char32_t Reader::digits(int base, size_t most) {
     char32_t value = 0;
     size_t count = 0;
@@ -113,6 +116,7 @@ char32_t Reader::digits(int base, size_t most) {
     return value;
 }
 
+// A letter first, then letters, digits and underscores.
 std::u16string Reader::name(std::u16string_view close, bool freeSpacing) {
     skipSpacing(freeSpacing);
     std::u16string result;

@@ -1,4 +1,7 @@
 // The tokens of one path of the reference matcher. They travel by value, so a path that fails leaves no trace.
+//
+// This is the rule of the dialect that other engines lack: closing a token takes those with higher numbers out of
+// effect.
 #pragma once
 
 #include "tests/support/outcome.h"
@@ -24,6 +27,7 @@ public:
     Tokens(const std::vector<std::u16string>& names, bool keeps)
         : m_names(&names), m_slots(names.size()), m_keeps(keeps) {}
 
+    /// A closed group puts itself and all lower numbers in effect.
     void close(size_t number, size_t start, size_t end) {
         m_slots[number] = {start, end - start, true};
         m_count = m_keeps && m_count > number ? m_count : number + 1;

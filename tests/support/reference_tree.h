@@ -1,5 +1,5 @@
-// The syntax tree of the reference matcher. Nothing here is shared with the library: two independent
-// readings of the dialect are only worth comparing while they stay independent.
+// The syntax tree of the reference matcher. Nothing here is shared with the library: two independent readings of the
+// dialect are only worth comparing while they stay independent.
 #pragma once
 
 #include <cstddef>
@@ -54,6 +54,7 @@ struct TextPart {
     bool operator==(const TextPart&) const = default;
 };
 
+/// One type for all kinds; which members count is said beside the kinds.
 struct Node {
     Kind kind = Kind::Sequence;
     std::vector<std::unique_ptr<Node>> children;

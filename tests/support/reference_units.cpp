@@ -1,4 +1,5 @@
-// Units, classes, escapes and sets of the reference parser.
+// Units, classes, escapes and sets of the reference parser. The tables are written out rather than taken from a
+// library, as the engine takes its own from one.
 #include "tests/support/reference_units.h"
 
 #include <algorithm>
@@ -8,10 +9,11 @@ namespace {
 
 using Ranges = std::vector<Range>;
 
+// Written for the units that pattern_constructs.cpp and subject_random.cpp draw; other units are in no class here.
 const Ranges kDigits = {{u'0', u'9'}, {0x0660, 0x0669}};
 const Ranges kBlanks = {{9, 13}, {28, 32}, {0x2003, 0x2003}};
-const Ranges kLetters = {{u'A', u'Z'},    {u'a', u'z'},     {0xC0, 0xD6},    {0xD8, 0xF6},
-                         {0xF8, 0xFF},    {0x0130, 0x0130}, {0x0400, 0x045F}, {0x212A, 0x212A}};
+const Ranges kLetters = {{u'A', u'Z'}, {u'a', u'z'},     {0xC0, 0xD6},     {0xD8, 0xF6},
+                         {0xF8, 0xFF}, {0x0130, 0x0130}, {0x0400, 0x045F}, {0x212A, 0x212A}};
 
 bool contains(const Ranges& ranges, char16_t unit) {
     return std::any_of(ranges.begin(), ranges.end(),
@@ -25,6 +27,7 @@ Ranges wordRanges() {
     return result;
 }
 
+// All units that are in none of the ranges, which must not overlap.
 Ranges complement(Ranges ranges) {
     std::sort(ranges.begin(), ranges.end(), [](const Range& a, const Range& b) { return a.low < b.low; });
     Ranges result;
@@ -46,6 +49,7 @@ struct Member {
     bool isBareHyphen = false;
 };
 
+// One unit, a class, or a character of two units, which a set leaves out.
 Member readMember(Reader& reader) {
     const char16_t unit = reader.take();
     if (unit != u'\\') {
@@ -71,6 +75,7 @@ void takeLooseHyphen(Reader& reader, Ranges& ranges) {
     }
 }
 
+/// One member, or a range of two. A hyphen is a range only between two single units.
 void readMembers(Reader& reader, Ranges& ranges, bool first) {
     const Member low = readMember(reader);
     const bool mayJoin = !low.isClass && !low.ranges.empty() && !(first && low.isBareHyphen);
@@ -100,6 +105,7 @@ char32_t braced(Reader& reader, int base) {
 
 }  // namespace
 
+// Two units fold to ASCII from far away; the others lie 32 or 80 below their lower case.
 char16_t lower(char16_t unit) {
     switch (unit) {
         case 0x0130:
@@ -118,6 +124,7 @@ bool sameIgnoringCase(char16_t left, char16_t right) {
     return lower(left) == lower(right);
 }
 
+// All units with the same lower case, found by trying the few distances that there are.
 std::u16string casesOf(char16_t unit) {
     std::u16string result(1, unit);
     const char16_t base = lower(unit);

@@ -1,3 +1,5 @@
+// The model. It reads a replacement anew for every match, unit by unit, and copies texts; the engine compiles it once
+// into a chain of nodes.
 #include "tests/support/replace_model.h"
 
 #include "host/unit_class.h"
@@ -10,13 +12,15 @@ namespace {
 
 constexpr auto npos = std::u16string_view::npos;
 
-bool digit(char16_t c) { return c >= u'0' && c <= u'9'; }
+bool digit(char16_t c) {
+    return c >= u'0' && c <= u'9';
+}
 
 std::u16string token(const RE_Results& match, const RE_TokenInfo& info) {
     return {match.subjectBegin + info.start, info.length};
 }
 
-// The number's longest prefix that names a token, and the rest as it stands.
+// The number's longest prefix that names a token, and the rest as it is.
 std::u16string numbered(std::u16string digits, const RE_Results& match) {
     std::u16string rest;
     while (!digits.empty()) {
@@ -31,6 +35,7 @@ std::u16string numbered(std::u16string digits, const RE_Results& match) {
     return u"$" + rest;
 }
 
+// The brace that closes an expression; escaped units are skipped.
 size_t closingBrace(std::u16string_view text, size_t at) {
     for (size_t depth = 1; at < text.size(); ++at) {
         if (text[at] == u'\\') {
@@ -44,6 +49,7 @@ size_t closingBrace(std::u16string_view text, size_t at) {
     return npos;
 }
 
+/// Reads one replacement and writes the text for one match.
 struct Reader {
     std::u16string_view text;
     const RE_Results& match;
@@ -57,8 +63,10 @@ struct Reader {
         }
     }
 
+    /// After a $. False when it is none: then the sign stands for itself.
     bool reference() {
-        const std::u16string_view subject(match.subjectBegin, static_cast<size_t>(match.subjectEnd - match.subjectBegin));
+        const std::u16string_view subject(match.subjectBegin,
+                                          static_cast<size_t>(match.subjectEnd - match.subjectBegin));
         const char16_t c = text[at + 1];
         const size_t end = match.matchStart + match.matchLength;
         if (digit(c) && c != u'0') {
@@ -88,12 +96,14 @@ struct Reader {
         if (c != u'`' && c != u'0' && c != u'&' && c != u'\'') {
             return false;
         }
-        out += c == u'`' ? subject.substr(0, match.matchStart)
-               : c == u'\'' ? subject.substr(end) : subject.substr(match.matchStart, match.matchLength);
+        out += c == u'`'    ? subject.substr(0, match.matchStart)
+               : c == u'\'' ? subject.substr(end)
+                            : subject.substr(match.matchStart, match.matchLength);
         at += 2;
         return true;
     }
 
+    /// After a backslash: octal digits after 0, two letters, or the unit itself.
     void escape() {
         const char16_t c = text[++at];
         if (c == u'0') {
@@ -148,8 +158,8 @@ std::u16string modelCase(std::u16string piece, std::u16string_view matched) {
     const bool allLower = std::ranges::all_of(words, lower);
     const bool allUpper = std::ranges::all_of(words, upper);
     const bool every = std::ranges::all_of(words, capital);
-    if (words.empty() || !(allLower || allUpper || every ||
-                           (capital(words[0]) && std::all_of(words.begin() + 1, words.end(), lower)))) {
+    if (words.empty() ||
+        !(allLower || allUpper || every || (capital(words[0]) && std::all_of(words.begin() + 1, words.end(), lower)))) {
         return piece;
     }
     const bool allWords = every && !allUpper;
@@ -179,6 +189,7 @@ std::u16string modelReplace(std::u16string_view subject, const RE_Tree& tree, st
         const std::u16string_view matched = subject.substr(match->matchStart, match->matchLength);
         const size_t end = match->matchStart + matched.size();
         at = matched.empty() ? end + 1 : end;
+        // An empty match that directly follows a match is none.
         if (end != lastEnd && (++count == which || which == 0)) {
             const std::u16string piece = modelPiece(replacement, *match, nullptr);
             out += subject.substr(copied, match->matchStart - copied);

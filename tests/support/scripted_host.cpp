@@ -1,3 +1,4 @@
+// Every virtual function notes its call first and may throw there, so "the n-th call throws" needs no code in a test.
 #include "tests/support/scripted_host.h"
 
 #include "tests/support/expression_script.h"
@@ -32,6 +33,7 @@ std::string HostJournal::text(size_t from) const {
     return all;
 }
 
+// Notes the call with its texts, then answers from the table, or else from the script.
 std::optional<std::u16string> ScriptedHost::answer(const char* how, RE_Evaluation_Inputs* inputs) {
     m_journal.note(how + (" " + printable(m_text)) + listed(inputs));
     HostJournal::Inputs texts;
@@ -68,6 +70,7 @@ void ScriptedHost::create_fcn(RE_Evaluation_IO* body, RE_Evaluation_Inputs* vari
     m_journal.note("function " + printable(textOf(*body)) + listed(variables));
 }
 
+// With the unit that it points at, which is enough to tell warnings of one text apart.
 void ScriptedHost::warn(const char16_t* where, RE_Warning warning) {
     m_journal.note("warning " + std::to_string(unsigned{warning}) + " at " +
                    printable({where, static_cast<size_t>(m_text.empty() ? 0 : 1)}));
@@ -78,6 +81,7 @@ void ScriptedHost::set_string(const char16_t* text, size_t length) {
     m_journal.note("set " + printable(m_text));
 }
 
+// Clones write into the same journal.
 RE_Context* ScriptedHost::clone() {
     m_journal.note("clone");
     return new ScriptedHost(getCompileOptions(), m_journal);
@@ -93,8 +97,7 @@ bool ScriptedHost::allow_interrupt() const {
     return m_journal.interruptible;
 }
 
-ScriptedRun::ScriptedRun(std::u16string_view pattern, HostJournal& journal, RE_Flags flags,
-                         const EngineConfig& config)
+ScriptedRun::ScriptedRun(std::u16string_view pattern, HostJournal& journal, RE_Flags flags, const EngineConfig& config)
     : m_journal(journal),
       m_host(configured(m_options, config), journal),
       m_tree(pattern.data(), pattern.size(), flags, &m_host) {

@@ -1,4 +1,5 @@
-// A host that notes every call and answers expressions from a table.
+// A host that notes every call and answers expressions from a table. The journal is what tests compare: the engine
+// promises its calls, their order and their texts.
 #pragma once
 
 #include "regexp/regexp.h"
@@ -26,6 +27,7 @@ struct HostJournal {
     bool interruptible = false;
 
     void note(const std::string& call);
+    /// The calls from this one on, separated by semicolons.
     std::string text(size_t from = 0) const;
 };
 
@@ -60,12 +62,13 @@ private:
     std::u16string m_text;
 };
 
-/// A tree with what the setting adds to it, what the host was asked while it was compiled, and searches that tell what it was asked then.
+/// A tree with what the setting adds to it, and searches that report what the host was asked. What it was asked while
+/// the tree was compiled is in the journal by then.
 class ScriptedRun {
 public:
     ScriptedRun(std::u16string_view pattern, HostJournal& journal, RE_Flags flags = kPlain,
                 const EngineConfig& config = {});
-    /// The outcome, and behind it the calls.
+    /// The outcome, and after it the calls of this search; "thrown" in place of an outcome that an exception prevented.
     std::string search(std::u16string_view subject);
     Outcome outcome(std::u16string_view subject) const;
     const RE_Tree& tree() const { return m_tree; }

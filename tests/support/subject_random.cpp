@@ -1,5 +1,5 @@
 // A walk through the pattern that takes one way at each choice and writes what the way consumes. Assertions are
-// not thought about, so the text need not match, which near misses are wanted for anyhow.
+// ignored, so the text need not match: near misses are wanted anyway.
 #include "tests/support/subject_random.h"
 
 #include "tests/support/reference_parser.h"
@@ -15,13 +15,11 @@ using reference::Node;
 
 constexpr std::u16string_view kUnits = u"aaabbcAB1_- \n\u00e9\u0416\u0436\u212a\U0001F600\u0130kK.]\tC";
 
+/// Writes one text that the pattern may match.
 class Sampler {
 public:
     Sampler(PatternSource& source, const reference::Pattern& pattern, size_t longest)
-        : m_source(source),
-          m_longest(longest),
-          m_tokens(pattern.tokenNames.size()),
-          m_names(pattern.tokenNames) {}
+        : m_source(source), m_longest(longest), m_tokens(pattern.tokenNames.size()), m_names(pattern.tokenNames) {}
 
     std::u16string run(const Node& root) {
         write(root);
@@ -30,6 +28,7 @@ public:
 
 private:
     void write(const Node& node) {
+        // Loops in loops would write without end.
         if (m_text.size() > m_longest || ++m_nodes > 200) {
             return;
         }
@@ -73,9 +72,9 @@ private:
     }
 
     bool accepts(const Node& node, char16_t unit) const {
-        const bool in = std::any_of(
-            node.ranges.begin(), node.ranges.end(),
-            [&](const reference::Range& range) { return range.low <= unit && unit <= range.high; });
+        const bool in = std::any_of(node.ranges.begin(), node.ranges.end(), [&](const reference::Range& range) {
+            return range.low <= unit && unit <= range.high;
+        });
         return in != node.negated;
     }
 
@@ -95,6 +94,7 @@ private:
         return unit;
     }
 
+    // As many as required and up to three more.
     void writePasses(const Node& node) {
         const size_t most = std::min(node.max, node.min + 3);
         for (size_t left = node.min + m_source.below(most - node.min + 1); left > 0; --left) {
@@ -108,7 +108,7 @@ private:
         m_tokens[node.number] = m_text.substr(start);
     }
 
-    // What a lookahead asks for stands there where the rest happens to write it as well, or now and then at once.
+    // What a lookahead asks for is there if the rest happens to write it as well; now and then it is written at once.
     void writeLook(const Node& node) {
         if (m_source.oneIn(node.behind ? 2 : 4)) {
             write(*node.children[0]);
@@ -129,14 +129,12 @@ private:
         }
     }
 
+    // A dynamic text as far as it is known before the search: its literal parts.
     void writeIncluded(const Node& node) {
         std::u16string text;
         for (const reference::TextPart& part : node.expansion) {
-            const bool isGiven =
-                part.kind == reference::TextPart::Kind::Expression && part.text.starts_with(u"=");
-            text += part.kind == reference::TextPart::Kind::Literal ? part.text
-                    : isGiven                                       ? part.text.substr(1)
-                                                                    : u"";
+            const bool isGiven = part.kind == reference::TextPart::Kind::Expression && part.text.starts_with(u"=");
+            text += part.kind == reference::TextPart::Kind::Literal ? part.text : isGiven ? part.text.substr(1) : u"";
         }
         if (const auto included = reference::parseIncluded(text, node.modes)) {
             write(*included->root);
@@ -166,8 +164,7 @@ void mutate(PatternSource& source, std::u16string& text) {
     }
     const size_t place = source.below(text.size());
     const size_t way = source.below(3);
-    const char16_t unit =
-        source.oneIn(2) ? text[source.below(text.size())] : kUnits[source.below(kUnits.size())];
+    const char16_t unit = source.oneIn(2) ? text[source.below(text.size())] : kUnits[source.below(kUnits.size())];
     text.replace(place, way == 0 ? 0 : 1, way == 1 ? 0 : 1, unit);
 }
 

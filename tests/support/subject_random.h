@@ -8,7 +8,7 @@
 
 namespace corvane_tests {
 
-/// A text of at most `longest` units, half of them made of what the pattern asks for. Without a pattern (null)
+/// A text of at most `longest` units, half of them made of what the pattern consumes. Without a pattern (null)
 /// they are letters only.
 std::u16string drawSubject(PatternSource& source, const reference::Pattern* pattern, size_t longest);
 
