@@ -1,4 +1,8 @@
-// Machine code for x86-64, put together.
+// Puts machine code for x86-64 together: the frame of the code (`Code_Writer`), the choice of vectors, and
+// the order of all parts (`Assembler`).
+//
+// Without an assembler the last lines are all that is compiled: there is no code then, and searches run the
+// program or the graph.
 #include "regexp/machine/machine_code.h"
 
 #ifdef CORVANE_MACHINE_CODE
@@ -16,12 +20,14 @@ namespace corvane_machine {
 
 namespace {
 
+/// Reasons that end a search. Nothing is resumed after them, so less has to be written back.
 bool isEnd(RE_Machine_Exit reason) {
     return reason == RE_Machine_Exit::matched || reason == RE_Machine_Exit::noStart;
 }
 
 }  // namespace
 
+// Owned one by one: a label must not move, as jumps that are not resolved yet refer to it.
 Label& Code_Writer::fresh() {
     labels.push_back(std::make_unique<Label>());
     return *labels.back();
@@ -41,6 +47,7 @@ void Code_Writer::emitEntry() {
     mov(left, at(offsetof(RE_Search_Registers, meter)));
     mov(start, at(offsetof(RE_Search_Registers, matchStart)));
     mov(runBegin, at(offsetof(RE_Search_Registers, runBegin)));
+    // The place is in memory: the code continues anywhere, with all its registers as they were.
     jmp(at(offsetof(RE_Search_Registers, resume)));
 }
 
@@ -50,10 +57,12 @@ void Code_Writer::emitBegin() {
     mov(end, at(offsetof(RE_Search_Registers, subjectEnd)));
     mov(begin, at(offsetof(RE_Search_Registers, subjectBegin)));
     mov(left, at(offsetof(RE_Search_Registers, meter)));
+    // No attempt has begun: until one has, the registers say that there is no start.
     xor_(start.cvt32(), start.cvt32());
 }
 
-// Exits write back what the attempt has changed, as far as anybody asks for it.
+// Writes back what the attempt has changed, as far as the reason lets anybody ask for it. The parts of an
+// exit that differ (instruction, resume place, reason) come first, and all of them share what follows `code`.
 void Code_Writer::emitExits() {
     emitEnds(RE_Machine_Exit::matched);
     mov(at(offsetof(RE_Search_Registers, cursor)), p);
@@ -85,7 +94,7 @@ void Code_Writer::emitExits() {
     emitLeave();
 }
 
-/// Exits that end a search are one.
+/// All exits that end a search for the same reason are one place.
 void Code_Writer::emitEnds(RE_Machine_Exit reason) {
     for (const auto& exit : exits) {
         if (exit->reason == reason) {
@@ -107,6 +116,7 @@ void Code_Writer::emitLeave() {
 }
 
 void Code_Writer::emitConstants() {
+    // Vector loads from memory operands must be aligned.
     align(16);
     for (const Constant& each : constants) {
         L(*each.label);
@@ -133,6 +143,7 @@ void Code_Writer::forgetLabels() {
 
 namespace {
 
+// Relaxed loads suffice: it is a limit for code that is yet to be made, and orders nothing else.
 std::atomic<RE_Machine_Vectors> widestWanted = RE_Machine_Vectors::masked;
 
 RE_Machine_Vectors vectorsOfProcessor() {
@@ -151,7 +162,8 @@ RE_Machine_Vectors vectorsOfProcessor() {
 
 }  // namespace
 
-// Asking the processor takes longer than all else, most of all under a hypervisor.
+// Querying the processor takes longer than making the code, most of all under a hypervisor, which traps the
+// query: once per process is enough.
 RE_Machine_Vectors Unit_Code::widestVectors() {
     static const RE_Machine_Vectors widest = vectorsOfProcessor();
     return std::min(widest, widestWanted.load(std::memory_order_relaxed));
@@ -161,12 +173,18 @@ RE_Machine_Vectors Unit_Code::widestVectors() {
 
 namespace {
 
+// Upper bounds of the size of the code, in bytes. The buffer does not grow, as places in it are referred to
+// by address; code that did not fit would be refused by the assembler with an exception, and the pattern
+// would go without. Generous bounds cost address space only: pages that are not written are not backed by
+// memory.
 constexpr std::size_t bytesAnInstruction = 512;
 constexpr std::size_t bytesOfTheRest = 4096;
 constexpr std::size_t bytesOfATable = RE_Branch_Start::columns * sizeof(void*);
 constexpr std::size_t bytesOfAChoice = 2048;
 constexpr std::size_t bytesOfTexts = 8192;
 constexpr std::size_t mostUnitsOfText = 256;
+// The text of an instruction may be written as the test itself, as what a choice looks for, and in a row near
+// the end.
 constexpr std::size_t bytesOfAUnit = 192;  // it may stand in the code six times
 
 std::size_t roomFor(const RE_Program& program) {
@@ -185,10 +203,13 @@ std::size_t roomFor(const RE_Program& program) {
     return room;
 }
 
+/// The finished code. The base that writes it stays part of the object, as it owns the buffer.
 class Assembler : public RE_Machine_Code, private corvane_machine::Start_Code {
 public:
     Assembler(const RE_Graph_Facts& graphFacts, const RE_Node* graphRoot)
         : Start_Code(graphFacts, graphRoot, roomFor(graphFacts.program)) {
+        // The order is the layout of the code: entries, starts, program, exits, constants. `emitBegin` falls
+        // through into `emitStarts`, and the next start into the program.
         emitEntry();
         Xbyak::Label beginLabel;
         L(beginLabel);
@@ -197,11 +218,13 @@ public:
         emitProgram();
         emitExits();
         emitConstants();
+        // From here on the buffer is executable and no longer writable.
         setProtectModeRE();
         entry = getCode<Entry>();
         first = reinterpret_cast<decltype(first)>(reinterpret_cast<std::uintptr_t>(beginLabel.getAddress()));
         nextStart = nextStartLabel.getAddress();
         attempt = attemptLabel.getAddress();
+        // Both bases have the member: that of the interface is what searches read.
         RE_Machine_Code::mostSteps = Start_Code::mostSteps;
         forgetPlaces();
         gains = graphFacts.program.entry != nullptr || seeks();

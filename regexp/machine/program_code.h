@@ -1,3 +1,10 @@
+// The two upper layers of the code generator: the instructions of a program, and the walk from start to
+// start.
+//
+// The lower layers, and the conventions that all of them share, are in `unit_code.h`. A program is written
+// once, in the order in which its instructions follow each other, so that the likely path falls through; what
+// is unlikely (the last units of a subject, failures that have to count steps) is written after everything
+// else.
 #pragma once
 
 #include "regexp/graph_facts.h"
@@ -16,44 +23,55 @@ class RE_String;
 
 namespace corvane_machine {
 
+/// Code of a program: one attempt, from a start to its success or failure.
+///
+/// Invariant: between two checks of the meter an attempt passes each instruction at most once. Every way back
+/// leads to an instruction that is marked in `loops`, or to a choice that is taken up again, and both check.
+/// So `mostSteps` bounds the steps from check to check, and no other instruction has to look at the meter.
+///
+/// Writing keeps a state: `openChoice`, the choice whose rest is being written. Whoever postpones code by
+/// `later` has to save it and put it back, since failures and exits depend on it.
 class Program_Code : protected Unit_Code {
 protected:
     Program_Code(const RE_Program& source, bool keeps, std::size_t mostBytes);
 
-    /// An attempt, from `p` on. Goes to `failedLabel` where it fails.
+    /// Writes an attempt that begins at `p`. It jumps to `failedLabel` where it fails.
     void emitProgram();
 
     void forgetPlaces();
 
     Label failedLabel;
-    std::int64_t mostSteps;  ///< from one check to the next
+    std::int64_t mostSteps;  ///< at most so many from one check of the meter to the next
 
 private:
-    /// A run that is tried again from within the code, with the instructions that it is tried for.
+    /// A run of which another end is tried within the code when its rest fails, and the labels of the code
+    /// around it. At run time one such choice at most is open.
     struct Choice {
         const RE_Instruction* run;
         std::vector<const RE_Instruction*> rest;
-        const RE_Instruction* first =
-            nullptr;           ///< says where the rest can begin; null where that is not asked
-        bool records = false;  ///< the rest writes to tokens
-        bool spares = false;   ///< it has choices of one way
-        Label leave{};         ///< before anything is chosen
-        Label chosen{};        ///< `p` is the end of the run
-        Label again{};         ///< the rest has failed
-        Label handOver{};      ///< the match loop takes up the rest, and the choice
+        const RE_Instruction* first = nullptr;  ///< tells where the rest can begin; null: each end is tried
+        bool records = false;                   ///< the rest writes to tokens
+        bool spares = false;                    ///< it has choices of one way
+        Label leave{};                          ///< before anything is chosen
+        Label chosen{};                         ///< `p` is the end of the run
+        Label again{};                          ///< the rest has failed
+        Label handOver{};                       ///< the match loop takes up the rest, and the choice
     };
 
     std::size_t indexOf(const RE_Instruction* in) const {
         return static_cast<std::size_t>(in - program.instructions.data());
     }
-    /// Where to go on. What fails behind a choice that the code keeps goes back to that.
+    /// The place of an instruction. Within the rest of a choice a failure of the attempt is a failure of that
+    /// end only.
     Label& labelOf(const RE_Instruction* to) {
-        return to->operation == RE_Operation::failed && behind != nullptr ? behind->again
-                                                                          : places[indexOf(to)];
+        return to->operation == RE_Operation::failed && openChoice != nullptr ? openChoice->again
+                                                                              : places[indexOf(to)];
     }
-    Label& failedTo() { return behind != nullptr ? behind->again : failedLabel; }
+    Label& failedTo() { return openChoice != nullptr ? openChoice->again : failedLabel; }
+    /// Where the match loop continues: at the instruction itself, or, within the rest of a choice, at that
+    /// choice. The loop cannot continue in the middle of a rest, as it would know nothing of the choice.
     Label& leaveAt(const RE_Instruction& in) {
-        return behind != nullptr ? behind->handOver : exitFor(RE_Machine_Exit::leave, &in);
+        return openChoice != nullptr ? openChoice->handOver : exitFor(RE_Machine_Exit::leave, &in);
     }
 
     void findLoops();
@@ -79,21 +97,22 @@ private:
     void emitGlance(const RE_Instruction& in);
     void emitMatched(const RE_Instruction& in);
 
-    // row_code.cpp
+    // Rows of tests of one unit.
     using Row = std::vector<const RE_Instruction*>;
     static bool isUnitTest(const RE_Instruction& in);
     void emitGlimpse(const RE_Instruction& next);
     Row rowFrom(const RE_Instruction* in) const;
     void emitRow(const Row& row);
 
-    // way_code.cpp
+    // choice_code.cpp: choices of which one way at most is open.
     using Texts = std::vector<std::u16string_view>;
     void emitTexts(const RE_Instruction& in);
-    void emitTextsBehind(std::span<const std::u16string_view> texts, std::size_t known, std::size_t readable,
-                         Label& none, Label& taken);
+    void emitTextsAfter(std::span<const std::u16string_view> texts, std::size_t known, std::size_t readable,
+                        Label& none, Label& taken);
 
-    // choice_code.cpp, tried_run_code.cpp
-    /// Within so many units, and what a vector shows beyond them, scans take no steps of their own.
+    /// A scan for the next end of a run that stays within so many units takes no steps of its own, as the
+    /// graph's would not. The last vector may show up to fifteen more: together less than
+    /// `RE_Step_Meter::unitsAStep`.
     static constexpr std::uint32_t nearUnits = 48;
     static RE_Literal literalOf(const RE_Instruction& text) {
         return {text.text, text.least, text.operation == RE_Operation::foldedText};
@@ -119,22 +138,24 @@ private:
     void emitEitherUnit(char16_t one, char16_t another);
 
     const RE_Program& program;
-    const bool keepsTokens;     // closing a token leaves the higher ones in effect
+    const bool keepsTokens;     // closing a token leaves higher ones in effect
     std::vector<Label> places;  // of the instructions
     std::vector<bool> emitted;
-    std::vector<bool> loops;  // instructions that others behind them lead to
+    std::vector<bool> loops;  // instructions that later ones lead back to
     std::vector<std::unique_ptr<Choice>> choices;
-    std::vector<Choice*> choiceBehind;  // by instruction: the one that it is tried for
-    Choice* behind = nullptr;           // the one that code is being written behind
+    std::vector<Choice*> choiceOf;  // by instruction: the one whose rest it belongs to
+    Choice* openChoice = nullptr;   // the one whose rest is being written, if any
     std::vector<const RE_Instruction*> pending;
-    std::vector<std::function<void()>> later;  // writes what stands behind all else
+    std::vector<std::function<void()>> later;  // writes the unlikely paths, after all else
 };
 
+/// Code of the walk from start to start, around the attempts. The simplest ways of finding a start are
+/// written out; where a start is far the root of the graph takes over, through an exit.
 class Start_Code : protected Program_Code {
 protected:
     Start_Code(const RE_Graph_Facts& graphFacts, const RE_Node* graphRoot, std::size_t mostBytes);
 
-    /// Behind a failed attempt: on to the next start, and to the attempt there.
+    /// Writes what follows a failed attempt: the way to the next start, and to the attempt there.
     void emitStarts();
 
     /// Whether starts are found without the root.
@@ -144,13 +165,13 @@ protected:
     Label attemptLabel;
 
 private:
-    /// Farther starts are looked for by the root: wider vectors, a memory for what was found, questions to
-    /// the host.
+    /// Units that are scanned before the root takes over. Its scans have wider vectors, remember what they
+    /// found, and poll the host; all of that pays off for far starts only.
     static constexpr int farthest = 256;
-    /// Literals are found no slower here.
+    /// Literals are found here as fast as by the root, but interrupts are still polled there.
     static constexpr int farthestLiteral = 4096;
 
-    /// The units of a literal that are looked for.
+    /// The units of a literal that stand for it in a scan, each with its distance from the literal's start.
     struct Probe_Units {
         struct Place {
             RE_Unit_Pair units;
@@ -177,8 +198,11 @@ private:
     void emitPair(RE_Unit_Pair pair, const Xbyak::Ymm& one, const Xbyak::Ymm& second);
     void emitEqualPair(const Xbyak::RegExp& units, RE_Unit_Pair pair, const Xbyak::Ymm& one,
                        const Xbyak::Ymm& second, const Xbyak::Ymm& result);
+    /// Puts into k1 the positions from `runBegin` on that have `reach` readable units after them, at most
+    /// `most` of them. Jumps to `nowhere` where there is none.
     void emitMaskAhead(std::size_t reach, std::uint32_t most, Label& nowhere);
-    /// Goes on to the first position for which `ask` puts a bit into eax, where less than a vector is left.
+    /// Moves `runBegin` to the first position for which `ask` puts a bit into eax, where less than a vector
+    /// is left.
     template <class Ask>
     void emitMaskedTail(std::size_t reach, Label& nowhere, Ask ask) {
         emitMaskAhead(reach, vectorUnits, nowhere);
@@ -191,6 +215,7 @@ private:
     void emitMaskedLiteral(const RE_Literal& literal, const RE_Literal_Probe& probe, Label& found,
                            Label& nowhere);
     void emitCandidates(const RE_Literal& literal, Label& found);
+    /// Loads what the scan compares with. `emitApart` then puts zeros where all of it is met.
     void emitSought(const Probe_Units& sought);
     void emitApart(const Xbyak::RegExp& from, const Probe_Units& sought, bool masked,
                    const Xbyak::Zmm& result);

@@ -1,3 +1,13 @@
+// The walk from start to start: what is due after a failed attempt, and the search for first units, for
+// starts of lines and for prefixes. `literal_code.cpp` has the search for literals.
+//
+// Every way of finding a start has the same shape: `runBegin` moves ahead of `p`, a vector at a time, until
+// it finds a candidate (`found`), has scanned as far as is worth it here (exit `seek`), or reaches the end
+// (`nowhere`). The units between `p` and `runBegin` are counted as steps only then, as one scan by the root
+// would count them.
+//
+// A finder may stop where no match begins, as an attempt follows. It must not pass over a place where one
+// does.
 #ifdef CORVANE_MACHINE_CODE
 
 #include "regexp/machine/program_code.h"
@@ -15,7 +25,10 @@ namespace corvane_machine {
 
 namespace {
 
+// Units to steps is a shift: one bit less than from bytes.
 constexpr int stepShift = std::countr_zero(RE_Step_Meter::unitsAStep);
+// Starts are often near. A few units are tested before a vector is loaded; with masks the first vector costs
+// less, so fewer are.
 constexpr int tried = 4;  // one by one before vectors are
 constexpr int triedBeforeMasks = 2;
 
@@ -24,6 +37,7 @@ const RE_Prefix_Scan* prefixesOf(const RE_Node* root) {
     return seeker != nullptr ? seeker->finder.prefixScan() : nullptr;
 }
 
+/// The unit of a set that has one.
 std::optional<char16_t> onlyUnit(const RE_Unit_Set* units) {
     if (units == nullptr) {
         return std::nullopt;
@@ -40,7 +54,7 @@ Start_Code::Start_Code(const RE_Graph_Facts& graphFacts, const RE_Node* graphRoo
       facts(graphFacts),
       root(graphRoot) {}
 
-// The code begins here, too: behind the question whether there is room for a start.
+// A new search enters at the jump, past the test of `lastStart`, which its caller has made.
 void Start_Code::emitStarts() {
     jmp(seekLabel, T_NEAR);
     emitFailed();
@@ -48,10 +62,13 @@ void Start_Code::emitStarts() {
     emitAttempt();
 }
 
-// Whoever runs the code does all else that is due behind a failed attempt: that is asked for first.
+// Whoever runs the code does all else that is due after a failed attempt: a poll for interrupts each 2048th
+// start, and the question whether the needed literals still follow. Both are tested first, before anything is
+// counted, so that the search finds the registers as the attempt has left them.
 void Start_Code::emitFailed() {
     L(failedLabel);
     Label& more = exitFor(RE_Machine_Exit::failed);
+    // The same interval as in `RE_Search_Info::pollInterrupt`.
     mov(rax, at(offsetof(RE_Search_Registers, steps)));
     test(eax, 2047);
     jz(more, T_NEAR);
@@ -65,7 +82,10 @@ void Start_Code::emitFailed() {
     add(p, 2);
 }
 
-// As `RE_Consume::lastHopelessStart` has it, for runs that were measured.
+// As `RE_Consume::lastHopelessStart`, for runs that the attempt has measured: the starts within the run that
+// a leading loop has taken are hopeless, as every end was tried from here. Where the attempt noted no run,
+// the one of an endless loop has to be measured first, which is left to the search; a bounded one has reached
+// its maximum then, and says nothing.
 void Start_Code::emitHopeless(Label& more) {
     const RE_Consume* const loop = facts.leadingLoop;
     if (loop == nullptr || (loop->maximum != RE_Consume::noMaximum && loop->minimum < 2)) {
@@ -82,12 +102,15 @@ void Start_Code::emitHopeless(Label& more) {
     mov(other, at(run + offsetof(RE_Measured_Run, end)));
     mov(rax, other);
     sub(rax, start);
+    // A bounded run is hopeless only where it is shorter than its minimum: no position in it begins a longer
+    // one.
     shr(rax, 1);
     cmp(rax, static_cast<std::uint32_t>(loop->minimum));
     cmovb(p, other);
     L(unmeasured);
 }
 
+// Nothing begins past `lastStart`: the subject leaves no room for the shortest match.
 void Start_Code::emitNextStart() {
     L(nextStartLabel);
     cmp(p, at(offsetof(RE_Search_Registers, lastStart)));
@@ -98,10 +121,12 @@ void Start_Code::emitNextStart() {
     }
 }
 
-// Looks for a start from `p` on. A scan counts as many steps as one by the root.
+// Looks for a start from `p` on, by the finder of the pattern. A scan counts as many steps as one by the
+// root. Finders that are not written out here return at once, and the root seeks each time.
 void Start_Code::emitSeek() {
     const auto* const seeker = dynamic_cast<const StringStringSeeker*>(root);
     const std::optional<char16_t> alone = scansWideVectors ? onlyUnit(facts.start.units) : std::nullopt;
+    // A single unit is looked for like a literal of that unit: two vectors at a time in place of one.
     if (alone) {
         const RE_Unit_Pair pair{*alone, *alone};
         emitSeekLiteral({&*alone, 1, false}, {.first = pair, .second = pair, .firstAt = 0, .secondAt = 0});
@@ -117,13 +142,14 @@ void Start_Code::emitSeek() {
     } else if (const RE_Prefix_Scan* const scan = prefixesOf(root); scan != nullptr && scansVectors) {
         emitSeekPrefixes(*scan);
     } else {
+        // The root begins at `p`, as nothing has been scanned here.
         leavesSeekToRoot = true;
         mov(runBegin, p);
         jmp(exitFor(RE_Machine_Exit::seek), T_NEAR);
     }
 }
 
-// The start is at `runBegin`.
+// Moves on to the start at `runBegin`, and counts the units up to it.
 void Start_Code::emitFound() {
     mov(rax, runBegin);
     sub(rax, p);
@@ -134,7 +160,7 @@ void Start_Code::emitFound() {
     ja(exitFor(RE_Machine_Exit::noStart), T_NEAR);
 }
 
-// There is none up to the subject's end.
+// Ends the search from `nowhere`, where no start was found up to the end. The scan counts all the same.
 void Start_Code::emitNowhere(Label& nowhere) {
     Label& found = fresh();
     jmp(found, T_NEAR);
@@ -147,6 +173,8 @@ void Start_Code::emitNowhere(Label& nowhere) {
     L(found);
 }
 
+// Begins an attempt: tokens are emptied by their numbers alone, the slots are not touched. The visit of a
+// seeker is a step, although the attempt begins after it.
 void Start_Code::emitAttempt() {
     L(attemptLabel);
     cmp(left, static_cast<std::uint32_t>(mostSteps));
@@ -159,8 +187,7 @@ void Start_Code::emitAttempt() {
     }
 }
 
-/// Goes to `nowhere` unless there is a position from `runBegin` on behind which `reach` units can be read,
-/// and masks those that are in a vector.
+// A position needs `reach` units after itself: with fewer there is no match at it.
 void Start_Code::emitMaskAhead(std::size_t reach, std::uint32_t most, Label& nowhere) {
     lea(rax, ptr[end - static_cast<int>(reach * sizeof(char16_t))]);
     sub(rax, runBegin);
@@ -168,7 +195,7 @@ void Start_Code::emitMaskAhead(std::size_t reach, std::uint32_t most, Label& now
     emitMask(most);
 }
 
-/// Goes on from `runBegin` with the next vector of units.
+/// Continues with the next vector of units, or leaves the rest of a long way to the root.
 void Start_Code::emitNextVector(Label& again) {
     add(runBegin, static_cast<int>(vectorUnits * sizeof(char16_t)));
     cmp(runBegin, stop);
@@ -176,8 +203,8 @@ void Start_Code::emitNextVector(Label& again) {
     jmp(exitFor(RE_Machine_Exit::seek), T_NEAR);
 }
 
-// Goes to `found` at the first unit from `runBegin` on that is in the set: the next few at most, or up to the
-// end.
+// Goes to `found` at the first unit from `runBegin` on that is in the set. Tests `most` units, or all up to
+// the end where `most` is 0.
 void Start_Code::emitOneByOne(const RE_Unit_Set& units, int most, Label& found, Label& nowhere) {
     Label& again = fresh();
     loadTable(units);
@@ -197,6 +224,8 @@ void Start_Code::emitOneByOne(const RE_Unit_Set& units, int most, Label& found, 
     }
 }
 
+// A few units one by one, then vectors, then what is left before the end. In mixed sets units above the table
+// are candidates that have to be tested: one that is no member is rare, and left to the root's scan.
 void Start_Code::emitSeekUnits(const RE_Unit_Set& units) {
     Label& found = fresh();
     Label& nowhere = fresh();
@@ -241,6 +270,8 @@ void Start_Code::emitSeekUnits(const RE_Unit_Set& units) {
     emitFound();
 }
 
+// A line begins at the beginning of the text and after each line feed. So the scan looks for the line feed,
+// and the start is one unit past it; that may be the end of the subject.
 void Start_Code::emitSeekLineStart() {
     Label& again = fresh();
     Label& tail = fresh();
@@ -250,6 +281,7 @@ void Start_Code::emitSeekLineStart() {
     mov(runBegin, p);
     cmp(p, begin);
     jbe(found, T_NEAR);
+    // `p` itself may begin a line.
     cmp(word[p - 2], std::uint32_t{u'\n'});
     je(found, T_NEAR);
     lea(stop, ptr[p + farthest * 2]);
@@ -264,6 +296,7 @@ void Start_Code::emitSeekLineStart() {
     emitNextVector(again);
     L(hit);
     bsf(eax, eax);
+    // Past the line feed.
     lea(runBegin, ptr[runBegin + rax * 2 + 2]);
     jmp(found, T_NEAR);
     L(tail);
@@ -282,7 +315,8 @@ void Start_Code::emitSeekLineStart() {
     emitFound();
 }
 
-// Near the subject's end position after position, as `RE_Prefix_Scan::mayStandAt` has it.
+// Near the subject's end the positions are tested one by one, as `RE_Prefix_Scan::mayStandAt` does, or by one
+// masked vector.
 void Start_Code::emitSeekPrefixes(const RE_Prefix_Scan& scan) {
     Label& again = fresh();
     Label& tail = fresh();
@@ -294,6 +328,7 @@ void Start_Code::emitSeekPrefixes(const RE_Prefix_Scan& scan) {
     mov(runBegin, p);
     lea(stop, ptr[p + farthest * 2]);
     L(again);
+    // A prefix is tested at places up to `reach` units past its position.
     lea(rax, ptr[runBegin + static_cast<int>(vectorUnits * 2) + reach]);
     cmp(rax, end);
     ja(tail, T_NEAR);
@@ -322,8 +357,11 @@ void Start_Code::emitSeekPrefixes(const RE_Prefix_Scan& scan) {
     emitFound();
 }
 
-/// Goes to `unfit` unless a prefix may stand at `runBegin`.
+/// Goes to `unfit` unless a prefix may stand at `runBegin`. `stop` holds the bits of the prefixes that are
+/// still possible. Trap: `other` and `stop` are in use here, so the caller's limit in `stop` is lost: no
+/// vector may follow.
 void Start_Code::emitPrefixTest(const RE_Prefix_Scan& scan, Label& unfit) {
+    // At first each prefix is possible; each place leaves those that allow its unit.
     mov(stop.cvt32(), 0xFF);
     for (std::size_t place = 0; place < scan.depth; ++place) {
         movzx(eax, word[runBegin + static_cast<int>(scan.distance[place] * sizeof(char16_t))]);

@@ -1,3 +1,9 @@
+// Tests of single units and of texts, one comparison after another. `vector_code.cpp` tests sixteen units at
+// a time.
+//
+// A set is tested by the cheapest means that can decide it: a comparison or two where it is a range or leaves
+// out a few units; a word of bits where all members lie within 64 units of each other; otherwise the table of
+// the set, with a shortcut for its first units. The forms agree on every unit; they differ in time only.
 #ifdef CORVANE_MACHINE_CODE
 
 #include "regexp/machine/unit_code.h"
@@ -11,15 +17,15 @@
 
 namespace {
 
-/// The first unit from `unit` on that is in the set, or, with `wanted` false, that is not; the `end` of the
-/// units that count when there is none.
+/// The first unit at or after `unit` that is in the set; with `wanted` false, the first that is not. `end`
+/// where there is none before it. Looks at 64 units at a time.
 std::size_t nextUnit(const RE_Unit_Set& set, std::size_t unit, bool wanted,
                      std::size_t end = RE_Unit_Set::unitCount) {
     while (unit < end) {
         const std::uint64_t bits = wanted ? set.bits(unit / 64) : ~set.bits(unit / 64);
-        const std::uint64_t behind = bits >> (unit % 64);
-        if (behind != 0) {
-            return std::min(unit + static_cast<std::size_t>(std::countr_zero(behind)), end);
+        const std::uint64_t after = bits >> (unit % 64);
+        if (after != 0) {
+            return std::min(unit + static_cast<std::size_t>(std::countr_zero(after)), end);
         }
         unit = (unit / 64 + 1) * 64;
     }
@@ -28,13 +34,14 @@ std::size_t nextUnit(const RE_Unit_Set& set, std::size_t unit, bool wanted,
 
 }  // namespace
 
+// Stops counting one past `most`: the caller only wants to know that there are too many.
 RE_Unit_Ranges::RE_Unit_Ranges(const RE_Unit_Set& set, std::size_t end) {
     for (std::size_t low = nextUnit(set, 0, true, end); low < end && count <= most; ++count) {
-        const std::size_t behind = nextUnit(set, low, false, end);
+        const std::size_t after = nextUnit(set, low, false, end);
         if (count < most) {
-            list[count] = {static_cast<char16_t>(low), static_cast<char16_t>(behind - 1)};
+            list[count] = {static_cast<char16_t>(low), static_cast<char16_t>(after - 1)};
         }
-        low = nextUnit(set, behind, true, end);
+        low = nextUnit(set, after, true, end);
     }
 }
 
@@ -60,13 +67,15 @@ namespace {
 
 constexpr std::uint32_t wordBits = 64;
 
-/// The members of a set whose units lie within one word's worth.
+/// The members of a set whose units lie within 64 of each other, as the bits of one word. Found among the
+/// units below 128 only, where nearly all such sets lie. `fit` is false for all others.
 struct Few_Units {
     explicit Few_Units(const RE_Unit_Set& units) {
         if (units.holdsAnyFrom(2 * wordBits)) {
             return;
         }
         const std::uint64_t words[2] = {units.bits(0), units.bits(1)};
+        // From the lowest member on, over the border between the two words.
         low = words[0] != 0 ? static_cast<std::uint32_t>(std::countr_zero(words[0]))
                             : wordBits + static_cast<std::uint32_t>(std::countr_zero(words[1]));
         const std::uint32_t shift = low % wordBits;
@@ -87,9 +96,12 @@ void Unit_Code::loadTable(const RE_Unit_Set& units) {
         return;
     }
     const Few_Units few(units);
+    // A pattern's sets live as long as its code: their tables may be referred to by address.
     mov(other, few.fit ? few.bits : reinterpret_cast<std::uint64_t>(units.table()));
 }
 
+// `lea` into ebp clears the upper half of rbp, so that `spare` is a 64-bit index afterwards. A unit below
+// `low` becomes a great number by the subtraction, and one comparison rejects both sides of a range.
 void Unit_Code::unlessIn(const RE_Unit_Set& units, Label& target, bool wanted, bool tableIsLoaded) {
     const RE_Unit_Ranges ranges(units);
     if (ranges.count == 1) {
@@ -107,6 +119,7 @@ void Unit_Code::unlessIn(const RE_Unit_Set& units, Label& target, bool wanted, b
     }
     Label& holds = fresh();
     Label& fails = fresh();
+    // A set that leaves out no unit at all needs no test: the loop writes nothing then.
     if (const RE_Units_Outside outside(units); outside.count <= RE_Units_Outside::few) {
         for (std::size_t i = 0; i < outside.count; ++i) {
             cmp(eax, static_cast<std::uint32_t>(outside.list[i]));
@@ -125,12 +138,14 @@ void Unit_Code::unlessIn(const RE_Unit_Set& units, Label& target, bool wanted, b
         if (!tableIsLoaded) {
             loadTable(units);
         }
+        // `spare` is the distance from the lowest member, known to be below 64.
         bt(other, spare);
         wanted ? jnc(target, T_NEAR) : jc(target, T_NEAR);
         L(fails);
         return;
     }
-    // Most units that such a set is asked about are near the first ones.
+    // Most units that such a set is tested for are near its first range. A miss there does not decide about
+    // the units above the table, which the bits below decide.
     if (const RE_Unit_Ranges near(units, tableUnits); near.count == 1) {
         lea(ebp, ptr[rax - static_cast<int>(near.list[0].low)]);
         cmp(ebp, static_cast<std::uint32_t>(near.list[0].high - near.list[0].low));
@@ -141,6 +156,7 @@ void Unit_Code::unlessIn(const RE_Unit_Set& units, Label& target, bool wanted, b
     if (!tableIsLoaded) {
         loadTable(units);
     }
+    // A bit index in a register counts modulo 64: eax serves as it is.
     mov(spare, rax);
     shr(spare, 6);
     mov(spare, qword[other + spare * 8]);
@@ -149,6 +165,7 @@ void Unit_Code::unlessIn(const RE_Unit_Set& units, Label& target, bool wanted, b
     L(holds);
 }
 
+// The tests of an instruction carry their operands; all but sets are decided without a table.
 void Unit_Code::unlessTaken(const RE_Instruction& in, Label& target) {
     switch (in.operation) {
         case RE_Operation::unit:
@@ -178,6 +195,7 @@ void Unit_Code::unlessTaken(const RE_Instruction& in, Label& target) {
     }
 }
 
+// Counts all forms, so that the caller sees when there are more than the list can hold.
 Unit_Code::Forms Unit_Code::formsOf(char16_t lower) {
     Forms forms{};
     RE_Case_Table::get().forEachForm(lower, [&](char16_t form) {
@@ -189,6 +207,7 @@ Unit_Code::Forms Unit_Code::formsOf(char16_t lower) {
     return forms;
 }
 
+// Three forms are rare (the Kelvin sign beside `K` and `k`): the match loop compares texts with such units.
 bool Unit_Code::hasFewForms(const RE_Literal& literal) {
     return std::all_of(literal.text, literal.text + literal.length, [](char16_t unit) {
         const std::size_t count = formsOf(unit).count;
@@ -196,7 +215,9 @@ bool Unit_Code::hasFewForms(const RE_Literal& literal) {
     });
 }
 
-// An immediate operand of sixteen bits is extended as a signed one.
+// Two units at a time where case counts. Immediate operands of sixteen bits are given sign-extended, as the
+// assembler would refuse greater ones. Reads no unit outside of the text, whose units the caller knows to be
+// readable.
 void Unit_Code::unlessText(const Reg64& from, const RE_Literal& literal, Label& target, std::size_t offset) {
     const auto immediate = [](char16_t unit) {
         return static_cast<std::uint32_t>(static_cast<std::int16_t>(unit));

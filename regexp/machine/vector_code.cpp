@@ -1,3 +1,15 @@
+// Tests of sixteen units at a time: which of them are in a set, and at which of them a prefix may stand.
+//
+// The answer is always a word with one bit for each unit, the first unit lowest, so that `bsf` finds the
+// first hit. Three techniques carry the file:
+//
+//     ranges    subtract the low end, then subtract the size with saturation: zero is a member
+//     tables    units packed to bytes; the low four bits select a row by a shuffle, the next three a bit of the row
+//     masks     where the processor masks vectors, units past the subject's end are not read: no rest is left to be
+//               tested one by one
+//
+// Trap: bytes are units with saturation, so that all units from 0xFF on look alike. Whoever packs units must
+// see to it that those above the table are decided otherwise, or reported as undecided.
 #ifdef CORVANE_MACHINE_CODE
 
 #include "regexp/machine/unit_code.h"
@@ -10,6 +22,7 @@
 
 namespace corvane_machine {
 
+// The order matters: a range or a small complement is told exactly for all units, also above the table.
 Unit_Code::Kind Unit_Code::kindOf(const RE_Unit_Set& units) {
     if (RE_Unit_Ranges(units).count == 1) {
         return Kind::range;
@@ -48,7 +61,7 @@ void Unit_Code::emitMembers(const Reg64& from, const RE_Unit_Set& units) {
         xor_(ecx, ecx);
         return;
     }
-    // Units from 0x80 on become bytes from 0x80 on.
+    // Packed with saturation, units from 0x80 on become bytes from 0x80 on: their sign bits tell them apart.
     movdqa(xmm3, ptr[rip + words(0x00FF)]);
     pminuw(xmm0, xmm3);
     pminuw(xmm1, xmm3);
@@ -61,6 +74,7 @@ void Unit_Code::emitMembers(const Reg64& from, const RE_Unit_Set& units) {
     psrlw(xmm1, 4);
     pand(xmm1, xmm3);
     pand(xmm0, xmm3);
+    // The upper four bits of such bytes select no bit of a row: the second constant is zero there.
     movdqa(xmm4, ptr[rip + rowsOf(units)]);
     movdqa(xmm5, ptr[rip + rowBits()]);
     pshufb(xmm4, xmm0);
@@ -74,7 +88,7 @@ void Unit_Code::emitMembers(const Reg64& from, const RE_Unit_Set& units) {
     }
 }
 
-// The units that are one of these are gathered in xmm2.
+// Gathers in xmm2, which is zero, the units that are one of these.
 void Unit_Code::emitEqualToAny(const RE_Units_Outside& sought) {
     for (std::size_t i = 0; i < sought.count; ++i) {
         movdqa(xmm3, ptr[rip + words(sought.list[i])]);
@@ -87,11 +101,14 @@ void Unit_Code::emitEqualToAny(const RE_Units_Outside& sought) {
     pmovmskb(eax, xmm2);
 }
 
+// Unsigned arithmetic modulo 2^16: units below the range wrap around to great differences. The words that are
+// zero afterwards are the members; packing keeps zero and nothing else zero, as it saturates.
 void Unit_Code::emitRangeMembers(RE_Unit_Ranges::Range range) {
     movdqa(xmm3, ptr[rip + words(range.low)]);
     movdqa(xmm4, ptr[rip + words(static_cast<char16_t>(range.high - range.low))]);
     psubw(xmm0, xmm3);
     psubw(xmm1, xmm3);
+    // Distances up to the size of the range saturate to zero.
     psubusw(xmm0, xmm4);
     psubusw(xmm1, xmm4);
     packsswb(xmm0, xmm1);
@@ -114,6 +131,7 @@ void Unit_Code::emitEqualUnits(const Xbyak::RegExp& from, char16_t unit, const X
     emitEqualTo(from, result);
 }
 
+// Copies the unit to all eight words of xmm4.
 void Unit_Code::emitEqualUnits(const Xbyak::RegExp& from, const Xbyak::Reg32& unit,
                                const Xbyak::Xmm& result) {
     movd(xmm4, unit);
@@ -122,7 +140,7 @@ void Unit_Code::emitEqualUnits(const Xbyak::RegExp& from, const Xbyak::Reg32& un
     emitEqualTo(from, result);
 }
 
-// The units to compare with are in xmm4.
+// Compares sixteen units with those in xmm4. Clobbers xmm5.
 void Unit_Code::emitEqualTo(const Xbyak::RegExp& from, const Xbyak::Xmm& result) {
     movdqu(result, ptr[from]);
     movdqu(xmm5, ptr[from + 16]);
@@ -140,7 +158,8 @@ Label& Unit_Code::words(char16_t unit) {
     return constant(bytes);
 }
 
-// By low four bits of a unit of the table: one bit for each value of the next three.
+// The row of four low bits holds one bit for each value of the next three: 16 rows of 8 are the 128 units of
+// the table.
 Label& Unit_Code::rowsOf(const RE_Unit_Set& units) {
     Bytes rows{};
     for (std::size_t unit = 0; unit < tableUnits; ++unit) {
@@ -151,6 +170,7 @@ Label& Unit_Code::rowsOf(const RE_Unit_Set& units) {
     return constant(rows);
 }
 
+// The bit that the next three bits select. Zero for the upper half of the bytes.
 Label& Unit_Code::rowBits() {
     Bytes bits{};
     for (std::size_t row = 0; row < 8; ++row) {
@@ -161,7 +181,8 @@ Label& Unit_Code::rowBits() {
 
 namespace {
 
-/// The bytes that may stand at a place of each prefix, where they are the same for all and side by side.
+/// The bytes with which a prefix may have at some place, when they are the same for all prefixes and side by
+/// side: then the place is tested by arithmetic, without shuffles.
 struct Byte_Range {
     Byte_Range(const RE_Prefix_Scan& scan, std::size_t place) {
         const std::uint32_t all = prefixesOf(scan);
@@ -176,7 +197,7 @@ struct Byte_Range {
         }
         isWhole = isWhole && !isEmpty;
     }
-    /// Of one that stands for all greater units as well that is not said.
+    /// Whether it is one unit. With saturation 0xFF stands for all greater units as well, so it is not.
     bool isOne() const { return isWhole && low == high && high < 0xFF; }
 
     bool isWhole = true;
@@ -184,7 +205,8 @@ struct Byte_Range {
     char16_t high = 0;
 
 private:
-    /// One that nothing may stand at a place of is among them.
+    /// One bit for each prefix that exists. A prefix that allows nothing at one place still counts, by its
+    /// other places.
     static std::uint32_t prefixesOf(const RE_Prefix_Scan& scan) {
         std::uint32_t all = 0;
         for (std::size_t place = 0; place < scan.depth; ++place) {
@@ -203,13 +225,15 @@ private:
 
 }  // namespace
 
-// A position that counts keeps some bits in xmm2.
+// After each place xmm2 keeps, for each position, the bits of the prefixes that are still possible. Where a
+// place allows the same for all prefixes its test gives all bits or none.
 void Unit_Code::emitPrefixes(const Reg64& from, const RE_Prefix_Scan& scan) {
     for (std::size_t place = 0; place < scan.depth; ++place) {
         const int distance = static_cast<int>(scan.distance[place] * sizeof(char16_t));
         movdqu(xmm0, ptr[from + distance]);
         movdqu(xmm1, ptr[from + distance + 16]);
         const Byte_Range bytes(scan, place);
+        // A single unit is compared before packing: cheaper, and exact.
         if (scan.saturates && bytes.isOne()) {
             movdqa(xmm3, ptr[rip + words(bytes.low)]);
             pcmpeqw(xmm0, xmm3);
@@ -222,12 +246,14 @@ void Unit_Code::emitPrefixes(const Reg64& from, const RE_Prefix_Scan& scan) {
         place == 0 ? movdqa(xmm2, xmm0) : pand(xmm2, xmm0);
     }
     pxor(xmm0, xmm0);
+    // No bit left: no prefix is possible there.
     pcmpeqb(xmm2, xmm0);
     pmovmskb(eax, xmm2);
     xor_(eax, 0xFFFF);
 }
 
-// The units in xmm0 and xmm1 become bytes in xmm0.
+// Packs the sixteen units in xmm0 and xmm1 to bytes in xmm0. `packuswb` saturates signed words, so both ways
+// cut units down to 0xFF first: by the least of the two, or by their low byte, as the prefixes were prepared.
 void Unit_Code::emitBytes(bool saturate) {
     movdqa(xmm3, ptr[rip + words(0x00FF)]);
     if (saturate) {
@@ -240,11 +266,13 @@ void Unit_Code::emitBytes(bool saturate) {
     packuswb(xmm0, xmm1);
 }
 
-// Leaves some bits of each of the bytes in xmm0 that may stand at the place.
+// Leaves in xmm0 the bits of the prefixes that allow a byte: those in the row of its low and in that of its
+// high bits.
 void Unit_Code::emitPrefixBytes(const RE_Prefix_Scan& scan, std::size_t place) {
     const Byte_Range bytes(scan, place);
     if (bytes.isWhole) {
         const auto twice = [](char16_t unit) { return static_cast<char16_t>(unit | unit << 8); };
+        // The same technique as for ranges of units, with bytes.
         psubb(xmm0, ptr[rip + words(twice(bytes.low))]);
         pxor(xmm1, xmm1);
         psubusb(xmm0, ptr[rip + words(twice(static_cast<char16_t>(bytes.high - bytes.low)))]);
@@ -272,12 +300,15 @@ Label& Unit_Code::prefixTable(const std::uint8_t (&table)[16]) {
 
 namespace {
 
+// Operands of the processor's comparisons, and of its three-operand logic: the truth table of `a & b & c`.
 constexpr std::uint8_t isAtMost = 2;
 constexpr std::uint8_t isNot = 4;
 constexpr std::uint8_t andThree = 0x80;
 
 }  // namespace
 
+// The masked forms keep to vector registers 16 and up and to mask registers: none of them leaves upper halves
+// that would have to be cleared before code without such vectors runs on.
 void Unit_Code::emitMask(std::uint32_t most) {
     mov(ecx, most * static_cast<std::uint32_t>(sizeof(char16_t)));
     cmp(rax, rcx);
@@ -299,6 +330,7 @@ void Unit_Code::emitMaskedMembers(const Reg64& from, const RE_Unit_Set& units) {
         const RE_Units_Outside outside(units);
         for (std::size_t i = 0; i < outside.count; ++i) {
             vpbroadcastw(ymm17, word[rip + words(outside.list[i])]);
+            // The mask narrows from unit to unit: what is left differs from all of them.
             vpcmpuw(k1 | k1, ymm16, ymm17, isNot);
         }
         kmovd(eax, k1);
@@ -325,6 +357,7 @@ void Unit_Code::emitMaskedMembers(const Reg64& from, const RE_Unit_Set& units) {
     }
 }
 
+// A masked comparison gives zero bits for the units that are masked.
 void Unit_Code::emitMaskedRange(const Reg64& from, RE_Unit_Ranges::Range range) {
     vpbroadcastw(ymm17, word[rip + words(range.low)]);
     if (range.low == range.high) {
@@ -338,6 +371,7 @@ void Unit_Code::emitMaskedRange(const Reg64& from, RE_Unit_Ranges::Range range) 
     kmovd(eax, k2);
 }
 
+// Units are cut to bytes as in `emitBytes`, by the conversion that saturates or by the one that does not.
 void Unit_Code::emitMaskedPrefixes(const Reg64& from, const RE_Prefix_Scan& scan) {
     vmovdqa32(xmm21, ptr[rip + words(0x0F0F)]);
     for (std::size_t place = 0; place < scan.depth; ++place) {
