@@ -1,3 +1,4 @@
+// The finder of one literal, and the stretches that lead up to what it finds.
 #include "regexp/seek/required_literal.h"
 
 #include <algorithm>
@@ -5,6 +6,8 @@
 RE_Text_Finder::RE_Text_Finder(std::u16string literalText, bool ignoreCase)
     : text(std::move(literalText)), folds(ignoreCase), search(literal()), likely(search.likelihood()) {}
 
+// For prefixes the scan ends where the farthest place is still inside of the subject: no prefix fits further
+// on.
 const char16_t* RE_Text_Finder::find(const char16_t* p, RE_Search_Info& info) const {
     if (members) {
         return scanForward(p, info.subjectEnd, info, [this](const char16_t* at, const char16_t* stop) {
@@ -35,6 +38,8 @@ std::string RE_Text_Finder::label() const {
                     : "text of " + std::to_string(text.size()) + " units";
 }
 
+// A known stretch answers first: `p` within it has the same next literal, at its end. Going back stops at the
+// nearest unit that may not precede the literal; the units looked at are counted once, forward.
 bool RE_Literal_Stretches::from(const char16_t* p, RE_Search_Info& info, Stretch& stretch) const {
     if (const RE_Measured_Run* known = info.measuredRun(row); known != nullptr && known->holds(p)) {
         stretch = {p, known->end};
@@ -52,6 +57,7 @@ bool RE_Literal_Stretches::from(const char16_t* p, RE_Search_Info& info, Stretch
         p, place, info,
         [this](const char16_t* begin, const char16_t* end) { return findLastClass(begin, end, outside); });
     stretch = {barrier != nullptr ? barrier + 1 : p, place - required.leastBefore};
+    // A scan that was interrupted has found no barrier that one could rely on.
     if (stretch.begin <= stretch.end && !info.wasInterrupted()) {
         info.noteRun(row, {stretch.begin, stretch.end});
     }

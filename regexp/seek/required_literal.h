@@ -1,4 +1,15 @@
-// A literal, or one of a few, that every match holds somewhere, and what may stand before it.
+// A literal, or one of a few, that every match contains, and what may precede it.
+//
+// Two uses. As a start finder: from a literal in the text, the starts of matches are found by going back over
+// units that may precede it. As a test in between: where no such literal follows any more, no attempt can
+// succeed.
+//
+// Proof that no start is passed over. Let a match start at `s`, at or after `p`, and let its literal be at
+// `l`. All units in [s, l) may precede a literal, and they are at least `leastBefore` many. The finder takes
+// the first place `f` at or after `p + leastBefore`, so `f` is not past `l`, and all units in [s, f) may
+// precede it too, even where `f` is there by accident. So going back from `f` over such units passes `s`,
+// unless `s` is less than `leastBefore` in front of `f`: then `s` lies past the stretch of `f` and is found
+// with a later one.
 #pragma once
 
 #include "regexp/memory.h"
@@ -13,7 +24,7 @@
 #include <string>
 #include <utility>
 
-/// Finds a text, the prefixes of several, or the units of a set.
+/// Finds a text, the prefixes of several texts, or the units of a set. Read-only once it is made.
 class CORVANE_REGEXP_EXPORT RE_Text_Finder {
 public:
     /// `literal` is in lower case when case is ignored.
@@ -23,13 +34,16 @@ public:
     RE_Text_Finder(std::shared_ptr<const RE_Unit_Set> units, double share)
         : set(std::move(units)), members(RE_Class_Scan(*set, true)), search({u"", 0, false}), likely(share) {}
 
-    /// The first place from `p` on, or null.
+    /// The first place at or after `p`, or null. Prefixes are places where one may stand: the text there may
+    /// still differ.
     const char16_t* find(const char16_t* p, RE_Search_Info& info) const;
     /// What it looks for, where that is a few prefixes; else null.
     const RE_Prefix_Scan* prefixScan() const { return prefixes ? &*prefixes : nullptr; }
-    /// The share of the positions of ordinary text at which it finds something.
+    /// The share of the positions of ordinary text at which it stops. An estimate, for choosing between
+    /// finders.
     double likelihood() const { return likely; }
-    /// Whether it finds a text without letters and digits.
+    /// Whether it finds a text without letters and digits. Texts with a structure, as lines of fields are,
+    /// have such literals everywhere: the estimate is too low for them.
     bool isPunctuation() const;
     /// Units of what it finds; 0 when there are several lengths.
     std::size_t length() const { return members ? 1 : text.size(); }
@@ -54,14 +68,15 @@ struct RE_Required_Literal {
     std::uint64_t leastBefore;  ///< how many there are at least
 };
 
-/// After so many steps of attempts that failed a search asks whether the literals that a match needs still follow. Tests
-/// set it to 0, before any search, to have it ask each time.
+/// After so many steps of attempts that failed a search asks whether the literals that a match needs still
+/// follow. Searches that succeed early never pay for the question. Tests set it to 0, before any search, to
+/// have it asked each time: it is a variable of the process, without synchronisation.
 struct CORVANE_REGEXP_EXPORT RE_Asking_Delay {
     static inline std::uint64_t steps = 64;
 };
 
-/// Where a match may start, as far as one literal tells that every match holds: from there it is reached over units that
-/// may stand before it.
+/// The stretches of the subject in which a match may start, as far as one literal tells: from there it is
+/// reached over units that may precede it.
 class CORVANE_REGEXP_EXPORT RE_Literal_Stretches : public RE_Memory {
 public:
     struct Stretch {
@@ -73,12 +88,14 @@ public:
     RE_Literal_Stretches(RE_Required_Literal literal, std::uint32_t memoRow)
         : required(std::move(literal)), outside(*required.before, false), row(memoRow) {}
 
-    /// The positions from `p` on from which the next literal can be reached, perhaps none: then `end` comes before `begin`.
-    /// False when there are none behind them either. They are remembered: from the later ones the same literal is the next.
+    /// The stretch of positions at or after `p` from which the next literal can be reached; empty where `end`
+    /// lies before `begin`. False when there is none further on either. The stretch is kept with the search:
+    /// from its later positions the same literal is the next, and nothing is scanned.
     bool from(const char16_t* p, RE_Search_Info& info, Stretch& stretch) const;
     /// The first position from `p` on at which a match may start, or null.
     const char16_t* nextStart(const char16_t* p, RE_Search_Info& info) const;
-    /// The first that `pick` (stretch) finds in a stretch that is not empty; null from it sends on to the next one.
+    /// The first position that `pick` (stretch) finds in a stretch that is not empty. Null from `pick` sends
+    /// on to the next stretch; so a start may be narrowed down by what a match can begin with.
     template <class Pick>
     const char16_t* nextStart(const char16_t* p, RE_Search_Info& info, Pick pick) const;
 

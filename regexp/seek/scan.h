@@ -1,5 +1,7 @@
-// Scans of many units, in both directions. They ask the host now and then whether to stop; a scan that was
-// stopped finds nothing.
+// Scans of many units, in both directions, cut into blocks so that the host is polled in between.
+//
+// A scan that the host has stopped finds nothing. Whoever concludes something from "nothing found" (remembers
+// it, or skips starts) must look at `wasInterrupted` first, or at what `pollScan` has said.
 #pragma once
 
 #include "regexp/search_info.h"
@@ -7,7 +9,8 @@
 #include <algorithm>
 #include <cstddef>
 
-/// How many units are looked at between two questions to the host.
+/// How many units are scanned between two polls of the host: some microseconds for a vector scan, so that the
+/// poll costs nothing, and still a prompt answer to an interrupt.
 inline constexpr std::size_t RE_SCAN_POLL_UNITS = 0x10000;
 
 template <class Test>
