@@ -5,9 +5,12 @@
 // texts of tokens that something refers to. Everything but the position is folded into a row number; a row is
 // a sparse bit set over positions, held for all rows together in one open-addressing table of 64-bit words.
 //
-// Why a second visit may be refused: compiled loops refuse passes that consume nothing, so no path comes back
-// to a state it is still exploring. Whoever meets a recorded state again therefore meets one that has failed
-// completely.
+// Why a second visit may be refused: compiled loops refuse passes that consume nothing, so no path returns to
+// a state that it is still exploring. Whoever meets a recorded state again therefore meets one that has
+// failed completely.
+//
+// What must be part of a state is decided here and nowhere else: something that a node reads and that is in
+// no row makes the memo refuse ways that would have matched.
 #pragma once
 
 #include "regexp/memory.h"
@@ -22,7 +25,7 @@
 class RE_Node;
 
 /// What the future at a node depends on besides the position, one link for each enclosing construct, inner
-/// ones first. Built with the pattern and owned by it.
+/// ones first. Built with the pattern and owned by it. Constructs share the links of those around them.
 struct RE_Memo_Scope {
     enum class Kind { counter, pass, token };
 
@@ -32,20 +35,25 @@ struct RE_Memo_Scope {
     std::size_t index;       ///< the pass register or token number (kinds pass and token)
 };
 
-/// Set of (row, position) pairs that can be emptied at once.
+/// A set of (row, position) pairs that can be emptied at once. Positions are indexes in code units.
+///
+/// All operations take constant time on average, those on ranges one look-up for each 64 positions at most.
+/// It only grows; a search keeps its table from attempt to attempt. Where growing throws, the table must not
+/// be queried any more: a word that is full may lack its bit in the level above.
 class CORVANE_REGEXP_EXPORT RE_Memo_Table : public RE_Memory {
 public:
     /// Adds the pair; false when it was there already.
     bool insert(std::uint32_t row, std::size_t position);
     /// Adds the pairs of all positions of [first, last].
     void insertAll(std::uint32_t row, std::size_t first, std::size_t last);
-    /// The last position in [first, last] whose pair is not in the set, or `nowhere`.
+    /// The last position in [first, last] whose pair is not in the set, or `nowhere`. Takes a few look-ups,
+    /// however long the range is.
     std::size_t lastAbsent(std::uint32_t row, std::size_t first, std::size_t last) const;
     /// The first such position.
     std::size_t firstAbsent(std::uint32_t row, std::size_t first, std::size_t last) const;
     static constexpr std::size_t nowhere = static_cast<std::size_t>(-1);
     bool contains(std::uint32_t row, std::size_t position) const;
-    /// Empties the set without touching its storage.
+    /// Empties the set in constant time: what it holds becomes a generation that is past.
     void clear();
     std::size_t bytes() const { return cells.capacity() * sizeof(Cell); }
 
@@ -56,9 +64,10 @@ private:
         std::uint64_t generation;  ///< the cell is free unless this is the table's current one
     };
 
-    // The words of a row are the leaves of a tree: a bit of a word of the next level says that the 64 positions, or words,
-    // below it are all in the set. A loop that fails at each of its ends, from start after start, asks about the same
-    // positions again and again: this way an answer looks at a few words, however many there are.
+    // The words of a row are the leaves of a tree: a bit of a word of the next level says that the 64
+    // positions, or words, below it are all in the set. A loop that fails at each of its ends, from start
+    // after start, queries the same positions again and again: this way an answer looks at a few words,
+    // however many there are.
     void noteFull(std::uint32_t row, std::size_t position);
     std::uint64_t& wordOf(std::uint32_t row, unsigned level, std::size_t at);
     std::uint64_t absentBits(std::uint32_t row, unsigned level, std::size_t at) const;
@@ -71,7 +80,8 @@ private:
     std::uint64_t generation = 1;
 };
 
-/// Gives each distinct combination of words a number of its own, counted from a first number on.
+/// Gives each distinct combination of words a number of its own, counting from a first number on. Rows below
+/// that number are those of nodes whose state is the position alone.
 class CORVANE_REGEXP_EXPORT RE_Memo_Rows : public RE_Memory {
 public:
     using Key = std::pmr::vector<std::uint64_t>;

@@ -1,3 +1,4 @@
+// A walk over a finished graph that gathers the greatest number of each kind.
 #include "regexp/sub_pattern_place.h"
 
 #include "regexp/nodes/links.h"
@@ -9,6 +10,7 @@
 
 namespace {
 
+/// One walk, without recursion: graphs are as deep as patterns.
 class Survey {
 public:
     void add(RE_Node* node) {

@@ -1,6 +1,8 @@
-// Where the numbers of a sub-pattern begin: the memo rows, registers, counts and node numbers that its search shares with
-// the graph it continues in. Two nodes of one search must never share a number, since each would take what the other
-// remembers for its own.
+// Where the numbers of a sub-pattern begin: the memo rows, registers, counts and node numbers that its search
+// shares with the graph it continues in.
+//
+// Invariant: two nodes of one search never share a number, since each would take what the other remembers for
+// its own.
 #pragma once
 
 #include "regexp/memory.h"
@@ -11,6 +13,7 @@
 
 class RE_Node;
 
+/// The first free number of each kind, but for nodes: there it is the last one that is taken.
 struct RE_Sub_Pattern_Place {
     std::uint32_t memoRow = 0;
     std::size_t passRegister = 0;
@@ -24,7 +27,7 @@ struct RE_Continued_Graph {
     /// The names of its slots, owned by its nodes; shorter than `tokenCount` where the last are unnamed.
     std::vector<const char16_t*, RE_Allocator<const char16_t*>> tokenNames;
 
-    /// Everything that can be reached from `entry` (null: nothing), through continuations too. Only reads: the graph may
-    /// be searched by other threads meanwhile. Linear in its nodes.
+    /// Surveys everything that can be reached from `entry` (null: nothing), through continuations too. Only
+    /// reads: the graph may be searched by other threads meanwhile. Linear in its nodes.
     static RE_Continued_Graph from(RE_Node* entry);
 };

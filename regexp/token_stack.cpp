@@ -23,6 +23,7 @@ const RE_TokenInfo* RE_Token_Stack::get(const char16_t* name) const {
     return name != nullptr ? get(find(name)) : nullptr;
 }
 
+// Several groups may share a name, in different alternatives: the one that took part is meant.
 std::size_t RE_Token_Stack::find(std::u16string_view name) const {
     std::size_t found = slots.size();
     for (std::size_t i = 0; i < count; ++i) {
