@@ -37,13 +37,13 @@ void RE_Node_Store::keepChunksOf(std::span<RE_Node* const> nodes) noexcept {
     auto node = nodes.begin();
     for (Chunk** at = &first; *at != nullptr;) {
         Chunk* const chunk = *at;
-        const auto behind = std::find_if(node, nodes.end(), [&](RE_Node* it) { return !chunk->holds(it); });
-        if (behind == node) {
+        const auto past = std::find_if(node, nodes.end(), [&](RE_Node* it) { return !chunk->holds(it); });
+        if (past == node) {
             *at = chunk->following;
             reRelease(chunk, chunk->bytes);
         } else {
             at = &chunk->following;
-            node = behind;
+            node = past;
         }
     }
 }

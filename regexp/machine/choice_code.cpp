@@ -118,9 +118,9 @@ void Program_Code::emitTextsAfter(std::span<const std::u16string_view> texts, st
     const bool isLast = texts.size() == 1;
     // The unit by which the others differ is read as well. None of the texts ends before it, as none begins
     // another.
-    const std::size_t asked = isLast ? common : common + 1;
-    if (asked > readable) {
-        lea(rax, ptr[p + static_cast<int>(asked * sizeof(char16_t))]);
+    const std::size_t needed = isLast ? common : common + 1;
+    if (needed > readable) {
+        lea(rax, ptr[p + static_cast<int>(needed * sizeof(char16_t))]);
         cmp(rax, end);
         ja(none, T_NEAR);
     }
@@ -139,7 +139,7 @@ void Program_Code::emitTextsAfter(std::span<const std::u16string_view> texts, st
         const auto count = static_cast<std::size_t>(next - texts.begin());
         Label& others = fresh();
         unlessText(p, {&unit, 1, false}, count < texts.size() ? others : none, common);
-        emitTextsAfter(texts.first(count), common + 1, std::max(asked, readable), none, taken);
+        emitTextsAfter(texts.first(count), common + 1, std::max(needed, readable), none, taken);
         L(others);
         texts = texts.subspan(count);
     }

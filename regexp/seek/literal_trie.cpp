@@ -104,11 +104,11 @@ void RE_Literal_Trie::grow(const Order& sorted) {
         Branch rest = growNode(pending[next], sorted);
         while (rest.first < rest.last) {
             const char16_t lead = text(sorted[rest.first])[rest.depth];
-            const auto behind = std::partition_point(
+            const auto past = std::partition_point(
                 sorted.begin() + static_cast<std::ptrdiff_t>(rest.first),
                 sorted.begin() + static_cast<std::ptrdiff_t>(rest.last),
                 [&](std::uint32_t literal) { return text(literal)[rest.depth] == lead; });
-            const auto last = static_cast<std::size_t>(behind - sorted.begin());
+            const auto last = static_cast<std::size_t>(past - sorted.begin());
             pending.push_back({static_cast<std::uint32_t>(nodes.size()), rest.first, last, rest.depth});
             nodes.push_back({0, 0, none, 0, 0});
             leads.push_back(lead);

@@ -108,7 +108,7 @@ private:
 
 template <class Pick>
 const char16_t* RE_Literal_Stretches::nextStart(const char16_t* p, RE_Search_Info& info, Pick pick) const {
-    const char16_t* asked = p;  // for interrupts
+    const char16_t* polledAt = p;
     Stretch stretch{};
     while (from(p, info, stretch)) {
         const char16_t* const start = stretch.begin <= stretch.end ? pick(stretch) : nullptr;
@@ -116,8 +116,8 @@ const char16_t* RE_Literal_Stretches::nextStart(const char16_t* p, RE_Search_Inf
             return start;
         }
         p = stretch.end + 1;
-        if (p >= asked + RE_SCAN_POLL_UNITS) {
-            asked = p;
+        if (p >= polledAt + RE_SCAN_POLL_UNITS) {
+            polledAt = p;
             if (info.pollScan()) {
                 return nullptr;
             }
