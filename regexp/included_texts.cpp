@@ -10,7 +10,7 @@
 
 namespace {
 
-/// How often texts may come to the limit of nesting, within one outermost text and in one attempt.
+/// How often texts may reach the limit of nesting, within one outermost text and in one attempt.
 constexpr std::uint32_t maximumWithinText = 1000;
 constexpr std::uint32_t maximumInAttempt = 20'000;
 
@@ -56,7 +56,7 @@ void RE_Included_Texts::dropSpent(RE_Search_Info& info) {
     }
 }
 
-// The running node has not left the text it stands in, nor the ones around that, so the last outermost text
+// The running node has not left the text it is in, nor the ones around that, so the last outermost text
 // is the one around all of them, and every record and body above its record lies within it. The node itself
 // lies there too: the texts are freed when the record is popped, which is the next thing that happens.
 void RE_Included_Texts::refuse(RE_Search_Info& info) {

@@ -102,7 +102,7 @@ std::uint64_t RE_Memo_Table::absentBits(std::uint32_t row, unsigned level, std::
     return cell.generation == generation ? ~cell.bits : full;
 }
 
-// Climbs the tree as long as the rest of a word is full, continues behind it one level above, and descends to
+// Climbs the tree as long as the rest of a word is full, continues past it one level above, and descends to
 // the first clear bit of what it finds there. A level that lies past `last` altogether ends the climb.
 //
 // Descending cannot meet a full word: the bit above it would be set.

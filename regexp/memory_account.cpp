@@ -32,7 +32,7 @@ bool RE_Memory_Account::admits(std::size_t bytes) const {
     return bytes <= ceiling - std::min(ceiling, bytesHeld);
 }
 
-// Two rounds, so that a refusal leaves no trace in the accounts that were asked before.
+// Two rounds, so that a refusal leaves no trace in the accounts that were tried before.
 bool RE_Memory_Account::take(std::size_t bytes) noexcept {
     for (const RE_Memory_Account* account = innermost; account != nullptr; account = account->outer) {
         if (!account->admits(bytes)) {

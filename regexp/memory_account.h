@@ -60,7 +60,7 @@ private:
     std::uint64_t bytesAtPeak = 0;
 };
 
-// The host's allocation, told to the open accounts. The checked form throws, the other one returns null.
+// The host's allocation, counted on the open accounts. The checked form throws, the other one returns null.
 CORVANE_REGEXP_EXPORT void* reAllocate(std::size_t bytes);
 CORVANE_REGEXP_EXPORT void* reTryAllocate(std::size_t bytes) noexcept;
 CORVANE_REGEXP_EXPORT void reRelease(void* block, std::size_t bytes) noexcept;

@@ -106,7 +106,7 @@ private:
     std::size_t setApart = RE_Memo_Table::nowhere;
     RE_Memo_Rows rows;
     RE_Memo_Rows::Key key{&pool};                    // scratch, kept for its storage
-    Numbers<Place, Place_Hash> placeNumbers{&pool};  // of token texts, by where they stand
+    Numbers<Place, Place_Hash> placeNumbers{&pool};  // of token texts, by where they are
     Numbers<std::u16string_view, std::hash<std::u16string_view>> textNumbers{&pool};
     RE_Memo_Table outcomes;  // two rows a node: bodies that failed, bodies that completed
     Numbers<Place, Place_Hash> outcomeEnds{

@@ -38,7 +38,7 @@ struct RE_Search_Registers {
 
     // --- of machine code alone: they carry it from a return to the next run ---
 
-    const void* resume = nullptr;         ///< where it goes on
+    const void* resume = nullptr;         ///< where it continues
     const char16_t* cursor = nullptr;     ///< at what unit
     const char16_t* lastStart = nullptr;  ///< no match begins after it
     const char16_t* runBegin = nullptr;   ///< of the run that the code is in

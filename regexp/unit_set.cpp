@@ -247,7 +247,7 @@ void RE_Case_Table::addFormsOfUnitsWithin(RE_Unit_Set& set, char16_t low, char16
 
 namespace {
 
-// Set when the tables are complete. A function-local static would be filled by the question whether it is.
+// Set when the tables are complete. A function-local static would be filled by testing whether it is.
 std::atomic<const RE_Unit_Classes*> filledClasses = nullptr;
 
 }  // namespace

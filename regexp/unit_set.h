@@ -72,7 +72,7 @@ public:
         return std::allocate_shared<RE_Unit_Set>(RE_Allocator<RE_Unit_Set>(), unset);
     }
 
-    /// One load, one shift: what the match loop asks of units.
+    /// One load, one shift: the match loop does little else with sets.
     bool contains(char16_t unit) const {
         const std::uint32_t wide = unit;  // narrow arithmetic costs an instruction more
         return (words[wide >> 6] >> (wide & 63) & 1) != 0;

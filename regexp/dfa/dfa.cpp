@@ -69,7 +69,7 @@ bool RE_Dfa::readByShuffles(Place& place, const char16_t* stop) const {
     return p != std::exchange(place.p, p);
 }
 
-// The inner loop of the table. `accepts` tells of the place before the unit, hence `end = p`.
+// The inner loop of the table. `accepts` speaks of the place before the unit, hence `end = p`.
 void RE_Dfa::readByTable(Place& place, const char16_t* stop, bool first) const {
     const Entry* const rows = table.data();
     const char16_t* p = place.p;

@@ -53,7 +53,7 @@ bool RE_Inquiry::goesOn(RE_Search_Info& info) {
     const RE_Dfa::Answer answer = dfa->matchEnd(info.matchStart, info);
     unitsRead += answer.unitsRead;
     cost += answer.unitsRead + delay * unitsAChoice;
-    // Where tokens are wanted and there is a match, the query has told nothing that helps: the next one comes
+    // Where tokens are wanted and there is a match, the query did not help: the next one comes
     // twice as late.
     const bool inVain = answer.end != nullptr && wantsTokens;
     delay *= inVain ? 2 : 1;

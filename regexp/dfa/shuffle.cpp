@@ -78,7 +78,7 @@ const char16_t* shuffleBlocks(const RE_Shuffle_Table& table, const char16_t* p, 
             met = hn::Or(met, entry);
             next = asIndexes(entry);
         }
-        // All lanes hold the same state: one is looked at.
+        // All lanes hold the same state: one is enough.
         const std::uint8_t before = stateOf(current);
         const std::uint8_t after = stateOf(next);
         // The block is not passed: the table has to read it unit by unit, to find where the match ends.

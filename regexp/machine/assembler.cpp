@@ -38,6 +38,8 @@ Label& Code_Writer::exitFor(RE_Machine_Exit reason, const RE_Instruction* instru
     return exits.back()->label;
 }
 
+// Loads from the search what the registers hold while the code runs. They are written back by each exit, as
+// far as the search or the next run reads them.
 void Code_Writer::emitEntry() {
     push(rbx);
     push(rbp);
@@ -61,7 +63,7 @@ void Code_Writer::emitBegin() {
     xor_(start.cvt32(), start.cvt32());
 }
 
-// Writes back what the attempt has changed, as far as the reason lets anybody ask for it. The parts of an
+// Writes back what the attempt has changed, as far as somebody reads it after that reason. The parts of an
 // exit that differ (instruction, resume place, reason) come first, and all of them share what follows `code`.
 void Code_Writer::emitExits() {
     emitEnds(RE_Machine_Exit::matched);
@@ -124,7 +126,7 @@ void Code_Writer::emitConstants() {
     }
 }
 
-// Constants stand behind the code.
+// The same bytes are often needed by several instructions: they are written once.
 Label& Code_Writer::constant(const Bytes& bytes) {
     const auto known = std::ranges::find(constants, bytes, &Constant::bytes);
     if (known != constants.end()) {
@@ -185,7 +187,7 @@ constexpr std::size_t bytesOfTexts = 8192;
 constexpr std::size_t mostUnitsOfText = 256;
 // The text of an instruction may be written as the test itself, as what a choice looks for, and in a row near
 // the end.
-constexpr std::size_t bytesOfAUnit = 192;  // it may stand in the code six times
+constexpr std::size_t bytesOfAUnit = 192;  // it may be in the code six times
 
 std::size_t roomFor(const RE_Program& program) {
     std::size_t room = bytesOfTheRest + program.instructions.size() * bytesAnInstruction;

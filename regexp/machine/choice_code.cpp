@@ -85,7 +85,7 @@ void Program_Code::emitSparedWays(const RE_Instruction& in, std::vector<Label*>&
     }
 }
 
-// One of a few texts, none of which begins another: so at most one of them stands at `p`, and the order in
+// One of a few texts, none of which begins another: so at most one of them is at `p`, and the order in
 // which they are tested does not matter. They are sorted, and what several of them begin with is tested once.
 void Program_Code::emitTexts(const RE_Instruction& in) {
     const RE_Literal_Trie& literals = static_cast<const RE_Literal_Set&>(*in.node).literals;
@@ -107,8 +107,8 @@ void Program_Code::emitTexts(const RE_Instruction& in) {
     add(p, rax);
 }
 
-// All texts have their first `known` units in common, and these stand at `p`; `readable` units from `p` on
-// lie before the end. Jumps to `taken` with the size in bytes of the text that stands there in rax. Calls
+// All texts have their first `known` units in common, and these are at `p`; `readable` units from `p` on
+// lie before the end. Jumps to `taken` with the size in bytes of the text that is there in rax. Calls
 // itself once for each unit by which they differ: there are few texts, and each call has fewer.
 void Program_Code::emitTextsAfter(std::span<const std::u16string_view> texts, std::size_t known,
                                   std::size_t readable, Label& none, Label& taken) {
@@ -277,8 +277,8 @@ void Program_Code::emitTokensBack(const Choice& each) {
 }
 
 // The rest has failed: the choice is taken up again, with everything that popping its record would do (the
-// count of choices, the countdown to the memo). Where that makes something due that is not for the code (an
-// interrupt to poll, the memo, a checkpoint) the choice is handed over instead.
+// count of choices, the countdown to the memo). Where that makes something due that is not for the code (a
+// poll for interrupts, the memo, a checkpoint) the choice is handed over instead.
 void Program_Code::emitAgain(Choice& each, Label& failed) {
     L(each.again);
     mov(p, at(offsetof(RE_Search_Registers, choiceEnd)));
@@ -296,7 +296,7 @@ void Program_Code::emitAgain(Choice& each, Label& failed) {
     dec(at(offsetof(RE_Search_Registers, memoCountdown)));
 }
 
-// Leaves before anything was chosen: the step of the run is given back, and the match loop begins with it.
+// Leaves before anything was chosen: the step of the run is uncounted, and the match loop begins with it.
 void Program_Code::emitLeave(Choice& each) {
     L(each.leave);
     mov(p, at(offsetof(RE_Search_Registers, choiceEnd)));

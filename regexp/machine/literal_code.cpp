@@ -3,7 +3,7 @@
 // Two or three rare units of the literal (its probe) are compared at their distances from each position, many
 // positions at a time. Where all of them are met the whole literal is compared, unit by unit: the probe may
 // be met by accident. There are three forms, for narrow, wide and masked vectors; all stop at the first
-// position at which the literal stands.
+// position at which the literal occurs.
 //
 // Units are read from the positions of a vector up to the length of the literal past them: the limits of the
 // loops see to it that these lie before the subject's end. Masked vectors do not read what is masked.
@@ -258,8 +258,8 @@ void Start_Code::emitMaskedLiteral(const RE_Literal& literal, const RE_Literal_P
     jmp(more, T_NEAR);
 }
 
-/// Goes to `found` where the literal stands at a position whose bit in rax is set, the first such position.
-/// Falls through where it stands at none.
+/// Goes to `found` where the literal occurs at a position whose bit in rax is set, the first such position.
+/// Falls through where it occurs at none.
 void Start_Code::emitCandidates(const RE_Literal& literal, Label& found) {
     Label& candidate = fresh();
     Label& mismatch = fresh();
@@ -303,7 +303,7 @@ void Start_Code::emitSought(const Probe_Units& sought) {
 }
 
 /// Puts zeros into `result` for the positions from `from` on at which all the units are met. Differences are
-/// gathered by `or`, so that one test tells about all units. Forms that differ in more than one bit let other
+/// gathered by `or`, so that one test decides about all units. Forms that differ in more than one bit let other
 /// units pass as well.
 void Start_Code::emitApart(const Xbyak::RegExp& from, const Probe_Units& sought, bool masked,
                            const Xbyak::Zmm& result) {

@@ -51,7 +51,7 @@ enum class RE_Machine_Vectors {
 class RE_Machine_Code : public RE_Memory {
 public:
     /// Null where the pattern has no program, where code would do nothing by itself, and where the machine
-    /// refuses memory that may be executed. `facts` and the graph behind `root` must outlive the code, which
+    /// refuses memory that may be executed. `facts` and the graph from `root` on must outlive the code, which
     /// holds their addresses.
     static std::unique_ptr<RE_Machine_Code> make(const RE_Graph_Facts& facts, const RE_Node* root);
     virtual ~RE_Machine_Code() = default;

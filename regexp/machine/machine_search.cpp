@@ -159,7 +159,7 @@ private:
         return matched;
     }
 
-    /// Moves on from a failed start. Asks the walk, which polls for interrupts and knows the starts that are
+    /// Moves on from a failed start. The walk decides: it polls for interrupts and knows the starts that are
     /// hopeless.
     void continueAfter(const char16_t* failed) {
         const char16_t* const p = walk.lastInVain(failed);

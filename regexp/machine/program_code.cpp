@@ -92,6 +92,7 @@ void Program_Code::emitChain(const RE_Instruction* in) {
             cmp(left, static_cast<std::uint32_t>(mostSteps));
             jl(leaveAt(*in), T_NEAR);
         }
+        // An instruction that the code cannot say is left to the match loop, like any choice.
         if (!isSmall(*in, longestText)) {
             emitted[indexOf(in)] = true;
             jmp(leaveAt(*in), T_NEAR);
@@ -109,8 +110,8 @@ void Program_Code::emitChain(const RE_Instruction* in) {
         }
         pending.push_back(in->otherwise);
         in = next;
-        // Every choice has a failure of its own, although the instruction is the same: it has to be a jump
-        // each time.
+        // Every open choice has a failure of its own, although the instruction is the same: it has to be a
+        // jump each time, and `emitted` says nothing about it.
         const bool failsIntoChoice = in->operation == RE_Operation::failed && openChoice != nullptr;
         if (emitted[indexOf(in)] || failsIntoChoice) {
             jmp(labelOf(in), T_NEAR);
@@ -210,7 +211,7 @@ const RE_Instruction* Program_Code::emitBody(const RE_Instruction& in) {
     return in.next;
 }
 
-// The step is given back before the code leaves: the match loop counts the node itself.
+// The step is uncounted before the code leaves: the match loop counts the node itself.
 void Program_Code::emitText(const RE_Instruction& in) {
     const RE_Literal literal{in.text, in.least, in.operation == RE_Operation::foldedText};
     if (literal.ignoreCase && !hasFewForms(literal)) {
@@ -228,8 +229,8 @@ void Program_Code::emitText(const RE_Instruction& in) {
     add(p, in.least * 2);
 }
 
-// At the subject's ends there is no neighbour to look at: the lines and words end there, the text does so
-// only there.
+// At the subject's ends there is no neighbour. For lines and words that is an edge like any other; for the
+// text it is the only one.
 void Program_Code::emitEdge(const RE_Instruction& in) {
     const RE_Operation operation = in.operation;
     const bool ahead = operation == RE_Operation::lineEnd || operation == RE_Operation::textEnd ||
@@ -242,7 +243,7 @@ void Program_Code::emitEdge(const RE_Instruction& in) {
         return;
     }
     ahead ? jae(holds, T_NEAR) : jbe(holds, T_NEAR);
-    // Words are told by a set; without one it is a question about lines.
+    // The set is that of word units; without one the edge is that of a line.
     movzx(eax, ahead ? word[p] : word[p - 2]);
     if (in.units != nullptr) {
         unlessIn(*in.units, otherwise, false);
@@ -253,6 +254,8 @@ void Program_Code::emitEdge(const RE_Instruction& in) {
     L(holds);
 }
 
+// A lookaround of one unit. With `flag` it looks behind. Nothing is consumed, so it needs no frame and no
+// exit.
 void Program_Code::emitGlanceSet(const RE_Instruction& in) {
     Label& otherwise = labelOf(in.otherwise);
     if (in.flag) {
@@ -274,7 +277,7 @@ void Program_Code::emitGlance(const RE_Instruction& in) {
     je(labelOf(in.otherwise), T_NEAR);
 }
 
-// The end of the pattern refuses an empty match where the search has asked for that: it is a failure like any
+// The end of the pattern refuses an empty match where the search wants that: it is a failure like any
 // other.
 void Program_Code::emitMatched(const RE_Instruction& in) {
     Label& accepted = exitFor(RE_Machine_Exit::matched, &in);
@@ -307,7 +310,7 @@ bool Program_Code::isUnitTest(const RE_Instruction& in) {
 }
 
 /// The tests of one unit from `in` on that nothing else leads to, each of which fails the attempt when it
-/// fails. Only then may one test of the room stand for all: which of them fails first makes no difference but
+/// fails. Only then may one test of the room serve for all: which of them fails first makes no difference but
 /// in steps.
 Program_Code::Row Program_Code::rowFrom(const RE_Instruction* in) const {
     Row row;

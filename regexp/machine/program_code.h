@@ -74,6 +74,7 @@ private:
         return openChoice != nullptr ? openChoice->handOver : exitFor(RE_Machine_Exit::leave, &in);
     }
 
+    // Writing in the order of the program. `emitBody` returns what follows, the others fall through to it.
     void findLoops();
     void findChoices();
     void noteChoice(const RE_Instruction& run);
@@ -81,6 +82,7 @@ private:
     const RE_Instruction* emitBody(const RE_Instruction& in);
     void emitText(const RE_Instruction& in);
     void emitTokenRun(const RE_Instruction& in);
+    // Runs and tokens (run_code.cpp). Runs leave their end in `p` and their beginning in `runBegin`.
     void emitRunEnd(const RE_Instruction& in);
     void emitShortRun(const RE_Instruction& in, Label& ended, Label& stopped);
     void emitFewUnits(const RE_Instruction& in, Label& measured);
@@ -120,6 +122,7 @@ private:
     static int startOfToken(const RE_Instruction& reference) {
         return static_cast<int>(reference.least * sizeof(RE_TokenInfo));
     }
+    /// The frame of such a choice: what is kept, and the four ways in which the code reaches or leaves it.
     const RE_Instruction* emitChoiceRun(const RE_Instruction& in);
     void emitChoiceEntry(Choice& each);
     void emitLazyRun(Choice& each, Label& failed);
@@ -132,6 +135,7 @@ private:
     void emitLeave(Choice& each);
     void emitHandOver(Choice& each);
     const RE_Instruction* emitChosen(const Choice& each);
+    // Where the rest can begin: at one position, and at which of sixteen.
     void unlessStart(const RE_Instruction& first, Label& target);
     static bool canScanFor(const RE_Instruction& first);
     void emitFirstUnits(const RE_Instruction& first);
@@ -171,7 +175,7 @@ private:
     /// Literals are found here as fast as by the root, but interrupts are still polled there.
     static constexpr int farthestLiteral = 4096;
 
-    /// The units of a literal that stand for it in a scan, each with its distance from the literal's start.
+    /// The units of a literal that a scan looks for, each with its distance from the literal's start.
     struct Probe_Units {
         struct Place {
             RE_Unit_Pair units;
@@ -183,11 +187,13 @@ private:
         int count = 0;
     };
 
+    // The parts of the walk, in the order in which the code has them.
     void emitFailed();
     void emitHopeless(Label& more);
     void emitNextStart();
     void emitAttempt();
     void emitSeek();
+    // The ways of finding a start. Each continues past itself with the start in `p`, and counts its scan.
     void emitSeekUnits(const RE_Unit_Set& units);
     void emitSeekLineStart();
     bool canSeek(const RE_String& string) const;

@@ -83,7 +83,7 @@ void Program_Code::emitFewUnits(const RE_Instruction& in, Label& measured) {
 }
 
 // Leaves the end of the run in `p`, its beginning in `runBegin`. `ended`: the end is exact. `stopped`: the
-// code has seen no end, but the run may go on. Within the rest of a choice a long run is handed over together
+// code has seen no end, but the run may continue. Within the rest of a choice a long run is handed over together
 // with the choice, as the code could not be resumed in the middle of it.
 void Program_Code::emitRunEnd(const RE_Instruction& in) {
     constexpr auto few = static_cast<std::uint32_t>(RE_Consume::shortRun);
@@ -127,7 +127,8 @@ void Program_Code::emitRunEnd(const RE_Instruction& in) {
 }
 
 // Notes the run for the walk to later starts, which are hopeless within it. A run that reached its limit says
-// nothing: from the next start it could reach further.
+// nothing: from the next start it could reach further. What is noted must be what `RE_Consume` and the
+// program note, as one of them may continue where the code has returned.
 void Program_Code::emitLeadingRun(const RE_Instruction& in) {
     Label& unsaid = fresh();
     if (in.most != RE_Instruction::noMaximum) {
@@ -218,7 +219,7 @@ void Program_Code::emitBeginSlots(std::size_t number) {
     Label& known = fresh();
     Label& again = fresh();
     Label& none = fresh();
-    // One comparison in the common case, where the token above has been closed before in this attempt.
+    // One comparison in the common case, where this attempt has written the slot or a higher one before.
     mov(other, at(offsetof(RE_Search_Registers, written)));
     cmp(other, static_cast<std::uint32_t>(number));
     ja(known, T_NEAR);
@@ -240,7 +241,8 @@ void Program_Code::emitBeginSlots(std::size_t number) {
     L(known);
 }
 
-// Compares unit by unit: the texts of most tokens are short, and long ones are left to the match loop.
+// Compares unit by unit: the texts of most tokens are short, and long ones are left to the match loop, which
+// counts their steps. Nothing is folded: patterns that ignore case have no such instruction.
 void Program_Code::emitTokenText(const RE_Instruction& in) {
     Label& otherwise = labelOf(in.otherwise);
     const int slot = static_cast<int>(in.least * sizeof(RE_TokenInfo));

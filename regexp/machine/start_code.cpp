@@ -63,7 +63,7 @@ void Start_Code::emitStarts() {
 }
 
 // Whoever runs the code does all else that is due after a failed attempt: a poll for interrupts each 2048th
-// start, and the question whether the needed literals still follow. Both are tested first, before anything is
+// start, and the test whether the needed literals still follow. Both are tested first, before anything is
 // counted, so that the search finds the registers as the attempt has left them.
 void Start_Code::emitFailed() {
     L(failedLabel);
@@ -357,7 +357,7 @@ void Start_Code::emitSeekPrefixes(const RE_Prefix_Scan& scan) {
     emitFound();
 }
 
-/// Goes to `unfit` unless a prefix may stand at `runBegin`. `stop` holds the bits of the prefixes that are
+/// Goes to `unfit` unless a prefix may begin at `runBegin`. `stop` holds the bits of the prefixes that are
 /// still possible. Trap: `other` and `stop` are in use here, so the caller's limit in `stop` is lost: no
 /// vector may follow.
 void Start_Code::emitPrefixTest(const RE_Prefix_Scan& scan, Label& unfit) {

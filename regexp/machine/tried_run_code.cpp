@@ -17,7 +17,7 @@
 namespace corvane_machine {
 
 // `leave` may be used until an end was chosen, `handOver` afterwards. The step counted before a scan that
-// turns out undecided is given back in the first case; in the second the counts of taking the choice up again
+// turns out undecided is uncounted in the first case; in the second the counts of taking the choice up again
 // are, too, and the code falls through into `handOver`.
 void Program_Code::emitLazyRun(Choice& each, Label& failed) {
     const RE_Instruction& in = *each.run;

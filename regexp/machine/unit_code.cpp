@@ -91,6 +91,7 @@ struct Few_Units {
 
 }  // namespace
 
+// Ranges and small complements need no table; of few units the bits themselves are loaded.
 void Unit_Code::loadTable(const RE_Unit_Set& units) {
     if (RE_Unit_Ranges(units).count == 1 || RE_Units_Outside(units).count <= RE_Units_Outside::few) {
         return;
@@ -165,7 +166,8 @@ void Unit_Code::unlessIn(const RE_Unit_Set& units, Label& target, bool wanted, b
     L(holds);
 }
 
-// The tests of an instruction carry their operands; all but sets are decided without a table.
+// The tests of an instruction carry their operands; all but sets are decided without a table. A range is one
+// comparison, by the distance from its low end.
 void Unit_Code::unlessTaken(const RE_Instruction& in, Label& target) {
     switch (in.operation) {
         case RE_Operation::unit:

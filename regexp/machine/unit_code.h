@@ -1,4 +1,4 @@
-// The two lower layers of the code generator: what all code is written with, and the questions about units.
+// The two lower layers of the code generator: what all code is written with, and the tests of units.
 //
 // The generator is a chain of classes, each of which adds a layer and calls those below it only:
 //
@@ -108,7 +108,7 @@ protected:
     /// The entry for a new search, with the place to begin at in `p`. Falls through into what is written
     /// next.
     void emitBegin();
-    /// Writes the returns behind the labels that `exitFor` has handed out.
+    /// Writes the returns at the labels that `exitFor` has handed out.
     void emitExits();
 
     using Bytes = std::array<std::uint8_t, 16>;
@@ -123,7 +123,7 @@ private:
     void emitReturn(RE_Machine_Exit reason);
     void emitLeave();
 
-    /// A return that was asked for, to be written after the rest of the code so that the likely path has no
+    /// A return that `exitFor` has promised, to be written after the rest of the code so that the likely path has no
     /// jumps.
     struct Exit {
         Label label;
@@ -193,13 +193,13 @@ protected:
     void emitMaskedMembers(const Reg64& from, const RE_Unit_Set& units);
     void emitMaskedRange(const Reg64& from, RE_Unit_Ranges::Range range);
     void emitMaskedPrefixes(const Reg64& from, const RE_Prefix_Scan& scan);
-    /// Puts into eax one bit for each of the sixteen positions from `from` on at which a prefix may stand. As
+    /// Puts into eax one bit for each of the sixteen positions from `from` on at which a prefix may begin. As
     /// many units as the scan reaches past them must be readable.
     void emitPrefixes(const Reg64& from, const RE_Prefix_Scan& scan);
     void emitBytes(bool saturate);
     void emitPrefixBytes(const RE_Prefix_Scan& scan, std::size_t place);
     Label& prefixTable(const std::uint8_t (&table)[16]);
-    /// Jumps to `target` unless the text stands `offset` units after `from`. Its units must be readable.
+    /// Jumps to `target` unless the text is at `offset` units after `from`. Its units must be readable.
     /// Clobbers nothing.
     void unlessText(const Reg64& from, const RE_Literal& literal, Label& target, std::size_t offset = 0);
     /// Texts are written out as comparisons with immediate operands: longer ones would be more code than they

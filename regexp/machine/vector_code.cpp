@@ -1,4 +1,4 @@
-// Tests of sixteen units at a time: which of them are in a set, and at which of them a prefix may stand.
+// Tests of sixteen units at a time: which of them are in a set, and at which of them a prefix may begin.
 //
 // The answer is always a word with one bit for each unit, the first unit lowest, so that `bsf` finds the
 // first hit. Three techniques carry the file:
@@ -22,7 +22,7 @@
 
 namespace corvane_machine {
 
-// The order matters: a range or a small complement is told exactly for all units, also above the table.
+// The order matters: a range or a small complement is decided exactly for all units, also above the table.
 Unit_Code::Kind Unit_Code::kindOf(const RE_Unit_Set& units) {
     if (RE_Unit_Ranges(units).count == 1) {
         return Kind::range;
@@ -149,6 +149,7 @@ void Unit_Code::emitEqualTo(const Xbyak::RegExp& from, const Xbyak::Xmm& result)
     packsswb(result, xmm5);
 }
 
+// Lowest byte first, as the processor reads them.
 Label& Unit_Code::words(char16_t unit) {
     Bytes bytes;
     for (std::size_t i = 0; i < bytes.size(); i += 2) {
@@ -197,7 +198,7 @@ struct Byte_Range {
         }
         isWhole = isWhole && !isEmpty;
     }
-    /// Whether it is one unit. With saturation 0xFF stands for all greater units as well, so it is not.
+    /// Whether it is one unit. With saturation 0xFF is the byte of all greater units as well, so it is not.
     bool isOne() const { return isWhole && low == high && high < 0xFF; }
 
     bool isWhole = true;
@@ -319,6 +320,8 @@ void Unit_Code::emitMask(std::uint32_t most) {
     kmovd(k1, eax);
 }
 
+// The kinds are those of `emitMembers`. Units that are masked load as zero and would be members of many sets:
+// it is the mask of the comparison that keeps them out.
 void Unit_Code::emitMaskedMembers(const Reg64& from, const RE_Unit_Set& units) {
     const Kind kind = kindOf(units);
     if (kind == Kind::range) {

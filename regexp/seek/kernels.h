@@ -77,7 +77,7 @@ struct RE_Prefix_Scan {
 
     std::uint8_t low[mostUnits][16] = {};   ///< by low four bits of the byte: one bit for each prefix
     std::uint8_t high[mostUnits][16] = {};  ///< by high four bits
-    std::size_t depth = 0;                  ///< places looked at, at least 1
+    std::size_t depth = 0;                  ///< places tested, at least 1
     std::size_t distance[mostUnits] = {};   ///< of each place from the start of the prefix, in units
     bool saturates = false;                 ///< units from 0x100 on count as 0xFF
 
@@ -85,7 +85,7 @@ struct RE_Prefix_Scan {
     std::uint8_t byteOf(char16_t unit) const {
         return static_cast<std::uint8_t>(saturates && unit > 0xFF ? 0xFF : unit & 0xFF);
     }
-    /// `byte` may stand at the place `at` of prefix number `prefix`.
+    /// `byte` may be at the place `at` of prefix number `prefix`.
     void allow(std::size_t prefix, std::size_t at, std::uint8_t byte) {
         const auto bit = static_cast<std::uint8_t>(1U << prefix);
         low[at][byte & 0x0F] = static_cast<std::uint8_t>(low[at][byte & 0x0F] | bit);

@@ -31,7 +31,7 @@ struct CORVANE_REGEXP_EXPORT RE_Literal {
     std::size_t length;    ///< at least 1
     bool ignoreCase;
 
-    /// Whether it stands at `p`. `length` units from `p` on must be readable.
+    /// Whether it is at `p`. `length` units from `p` on must be readable.
     bool matchesAt(const char16_t* p) const { return ignoreCase ? foldsTo(p) : equalUnits(p, text, length); }
 
 private:
@@ -44,7 +44,7 @@ class CORVANE_REGEXP_EXPORT RE_Literal_Search {
 public:
     explicit RE_Literal_Search(const RE_Literal& literal);
 
-    /// The first position at or after `p` at which the literal stands and ends before the subject's end, or
+    /// The first position at or after `p` at which the literal occurs and ends before the subject's end, or
     /// null. Polls the host: a scan that was stopped returns null, too.
     const char16_t* find(const RE_Literal& literal, const char16_t* p, RE_Search_Info& info) const;
     /// The last such position in [p, p + count], or null.

@@ -174,7 +174,7 @@ std::uint32_t RE_Literal_Trie::branchAt(char16_t unit) const {
     return unit < tableUnits ? roots[unit] : child(nodes[0], cases != nullptr ? cases->lower(unit) : unit);
 }
 
-// Whether the rest of the node's units stands at `p`. Its first unit was compared on the way to it.
+// Whether the rest of the node's units is at `p`. Its first unit was compared on the way to it.
 template <bool folds>
 bool RE_Literal_Trie::continues(const Node& node, const char16_t* p) const {
     const char16_t* const own = units.data() + node.text;

@@ -1,4 +1,4 @@
-// Many literals in a tree that shares their beginnings: one walk over the subject finds all that stand at a
+// Many literals in a tree that shares their beginnings: one walk over the subject finds all that occur at a
 // position.
 //
 // A tree node holds a run of units, so the tree has fewer than two nodes for each literal, however long they
@@ -28,11 +28,11 @@ public:
     /// counts, as what fails after it fails after the others. The texts are copied.
     RE_Literal_Trie(const Literals& literals, bool ignoreCase);
 
-    /// What stands at a position: the first literal, in the order of the pattern, whose number is not below
-    /// the one that was asked for.
+    /// What is at a position: the first literal, in the order of the pattern, whose number is not below
+    /// the given one.
     struct Found {
         std::uint32_t literal = 0;
-        bool hasLater = false;   ///< a later one stands there, too: the caller has a choice to leave
+        bool hasLater = false;   ///< a later one is there, too: the caller has a choice to leave
         std::size_t length = 0;  ///< 0: there is none
     };
     /// `from` is 0 at first, and the number after the last literal taken when that has failed. Reads no unit

@@ -39,7 +39,7 @@ std::string RE_Text_Finder::label() const {
 }
 
 // A known stretch answers first: `p` within it has the same next literal, at its end. Going back stops at the
-// nearest unit that may not precede the literal; the units looked at are counted once, forward.
+// nearest unit that may not precede the literal; the units read are counted once, forward.
 bool RE_Literal_Stretches::from(const char16_t* p, RE_Search_Info& info, Stretch& stretch) const {
     if (const RE_Measured_Run* known = info.measuredRun(row); known != nullptr && known->holds(p)) {
         stretch = {p, known->end};

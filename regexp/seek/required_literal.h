@@ -34,7 +34,7 @@ public:
     RE_Text_Finder(std::shared_ptr<const RE_Unit_Set> units, double share)
         : set(std::move(units)), members(RE_Class_Scan(*set, true)), search({u"", 0, false}), likely(share) {}
 
-    /// The first place at or after `p`, or null. Prefixes are places where one may stand: the text there may
+    /// The first place at or after `p`, or null. For prefixes it is a place where one may begin: the text there may
     /// still differ.
     const char16_t* find(const char16_t* p, RE_Search_Info& info) const;
     /// What it looks for, where that is a few prefixes; else null.
@@ -75,7 +75,7 @@ struct CORVANE_REGEXP_EXPORT RE_Asking_Delay {
     static inline std::uint64_t steps = 64;
 };
 
-/// The stretches of the subject in which a match may start, as far as one literal tells: from there it is
+/// The stretches of the subject in which a match may start, as far as one literal decides: from there it is
 /// reached over units that may precede it.
 class CORVANE_REGEXP_EXPORT RE_Literal_Stretches : public RE_Memory {
 public:
@@ -102,7 +102,7 @@ public:
     RE_Required_Literal required;
 
 private:
-    RE_Class_Scan outside;  ///< units that may not stand before the literal
+    RE_Class_Scan outside;  ///< units that may not precede the literal
     std::uint32_t row;
 };
 

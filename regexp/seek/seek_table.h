@@ -37,7 +37,7 @@ struct RE_Seek_Key {
     std::size_t second;
 };
 
-/// An answer with the positions for which it holds: from where it was asked for up to the answer itself. All
+/// An answer with the positions for which it holds: from where it was computed up to the answer itself. All
 /// of them have the same answer, as the node matches nowhere in between.
 struct RE_Seek_Value {
     RE_Seek_Value(const char16_t* const computedFrom, const char16_t* const answer)

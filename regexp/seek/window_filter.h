@@ -21,7 +21,7 @@ class CORVANE_REGEXP_EXPORT RE_Window_Filter {
 public:
     static constexpr std::size_t widest = 4;  ///< units
 
-    /// Nothing when a literal is shorter than the narrowest window: of one unit a set of units tells more.
+    /// Nothing when a literal is shorter than the narrowest window: for one unit a set of units is exact.
     static std::optional<RE_Window_Filter> make(const RE_Literal_Trie& literals);
 
     /// The first position in [p, end) at which a literal may begin, or `end`. Units up to `limit` are
