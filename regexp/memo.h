@@ -9,8 +9,8 @@
 // a state that it is still exploring. Whoever meets a recorded state again therefore meets one that has
 // failed completely.
 //
-// What must be part of a state is decided here and nowhere else: something that a node reads and that is in
-// no row makes the memo refuse ways that would have matched.
+// Trap: whatever a node reads beside the subject must be in its rows (`RE_Search_Memo::row` puts them
+// together). If it is not, the memo refuses ways that would have matched.
 #pragma once
 
 #include "regexp/memory.h"

@@ -4,9 +4,9 @@
 // counts (if one is open on the thread) is found by `memory_account.h`. Names and scratch of the parser and
 // the passes are standard library objects of their own.
 //
-// Trap: the account counts sizes when a block is released as well as when it is taken. A block from
-// `reAllocate` must be released by `reRelease` with the same size; what is taken by `utMalloc` directly is
-// not counted, and released by `utFree`.
+// Traps: the account counts sizes when a block is released as well as when it is taken. A block from
+// `reAllocate` must be released by `reRelease` with the same size, so a class that is deleted through a base
+// needs a virtual destructor. What is taken by `utMalloc` directly is not counted, and released by `utFree`.
 #pragma once
 
 #include "host/allocation.h"

@@ -45,7 +45,8 @@ public:
 
 private:
     static constexpr std::size_t grain = alignof(std::max_align_t);
-    // Enough for the lists of nearly all patterns; the object lives on the native stack.
+    // Enough for the lists of nearly all patterns. The object mostly lives on the native stack, which bounds
+    // it.
     static constexpr std::size_t ownBytes = 8192;
     static constexpr std::size_t chunkBytes = 16384;
     static constexpr std::size_t largest = 4096;

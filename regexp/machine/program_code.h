@@ -74,68 +74,73 @@ private:
         return openChoice != nullptr ? openChoice->handOver : exitFor(RE_Machine_Exit::leave, &in);
     }
 
-    // Writing in the order of the program. `emitBody` returns what follows, the others fall through to it.
+    // program_code.cpp. Code is written in the order of the program: `emitBody` returns the instruction that
+    // follows, and the others fall through to it.
     void findLoops();
-    void findChoices();
-    void noteChoice(const RE_Instruction& run);
     void emitChain(const RE_Instruction* in);
     const RE_Instruction* emitBody(const RE_Instruction& in);
     void emitText(const RE_Instruction& in);
-    void emitTokenRun(const RE_Instruction& in);
-    // Runs and tokens (run_code.cpp). Runs leave their end in `p` and their beginning in `runBegin`.
+    void emitEdge(const RE_Instruction& in);
+    void emitGlanceSet(const RE_Instruction& in);
+    void emitGlance(const RE_Instruction& in);
+    void emitMatched(const RE_Instruction& in);
+    using Row = std::vector<const RE_Instruction*>;
+    static bool isUnitTest(const RE_Instruction& in);
+    Row rowFrom(const RE_Instruction* in) const;
+    void emitRow(const Row& row);
+
+    // run_code.cpp: runs, which leave their end in `p` and their beginning in `runBegin`, and tokens.
     void emitRunEnd(const RE_Instruction& in);
     void emitShortRun(const RE_Instruction& in, Label& ended, Label& stopped);
     void emitFewUnits(const RE_Instruction& in, Label& measured);
     void emitLeadingRun(const RE_Instruction& in);
-    void emitChoice(const RE_Instruction& in);
-    void emitSparedWays(const RE_Instruction& in, std::vector<Label*>& spared, Label& many);
+    void emitGlimpse(const RE_Instruction& next);
+    void emitTokenRun(const RE_Instruction& in);
     void emitStartToken(const RE_Instruction& in);
     void emitEndToken(const RE_Instruction& in);
     void emitRecord(std::size_t number);
     void emitBeginSlots(std::size_t number);
     void emitTokenText(const RE_Instruction& in);
-    void emitEdge(const RE_Instruction& in);
-    void emitGlanceSet(const RE_Instruction& in);
-    void emitGlance(const RE_Instruction& in);
-    void emitMatched(const RE_Instruction& in);
-
-    // Rows of tests of one unit.
-    using Row = std::vector<const RE_Instruction*>;
-    static bool isUnitTest(const RE_Instruction& in);
-    void emitGlimpse(const RE_Instruction& next);
-    Row rowFrom(const RE_Instruction* in) const;
-    void emitRow(const Row& row);
 
     // choice_code.cpp: choices of which one way at most is open.
+    void emitChoice(const RE_Instruction& in);
+    void emitSparedWays(const RE_Instruction& in, std::vector<Label*>& spared, Label& many);
     using Texts = std::vector<std::u16string_view>;
     void emitTexts(const RE_Instruction& in);
     void emitTextsAfter(std::span<const std::u16string_view> texts, std::size_t known, std::size_t readable,
                         Label& none, Label& taken);
 
+    // choice_code.cpp: the frame of the choice that code keeps. What is kept, and the four ways in which the
+    // code reaches or leaves it.
+    void findChoices();
+    void noteChoice(const RE_Instruction& run);
+    const RE_Instruction* emitChoiceRun(const RE_Instruction& in);
+    void emitChoiceEntry(Choice& each);
+    void emitLeave(Choice& each);
+    const RE_Instruction* emitChosen(const Choice& each);
+    void emitAgain(Choice& each, Label& failed);
+    void emitTokensBack(const Choice& each);
+    void emitHandOver(Choice& each);
+
+    // tried_run_code.cpp: from end to end of a run.
     /// A scan for the next end of a run that stays within so many units takes no steps of its own, as the
     /// graph's would not. The last vector may show up to fifteen more: together less than
     /// `RE_Step_Meter::unitsAStep`.
     static constexpr std::uint32_t nearUnits = 48;
-    static RE_Literal literalOf(const RE_Instruction& text) {
-        return {text.text, text.least, text.operation == RE_Operation::foldedText};
-    }
-    static int startOfToken(const RE_Instruction& reference) {
-        return static_cast<int>(reference.least * sizeof(RE_TokenInfo));
-    }
-    /// The frame of such a choice: what is kept, and the four ways in which the code reaches or leaves it.
-    const RE_Instruction* emitChoiceRun(const RE_Instruction& in);
-    void emitChoiceEntry(Choice& each);
     void emitLazyRun(Choice& each, Label& failed);
     void emitLeast(const RE_Instruction& in, Label& failed);
     void emitLonger(Choice& each, Label& dead, Label& undecided);
     void emitGivingRun(Choice& each, Label& failed);
     void emitNearRun(const RE_Instruction& in, Label& tooLong);
-    void emitAgain(Choice& each, Label& failed);
-    void emitTokensBack(const Choice& each);
-    void emitLeave(Choice& each);
-    void emitHandOver(Choice& each);
-    const RE_Instruction* emitChosen(const Choice& each);
-    // Where the rest can begin: at one position, and at which of sixteen.
+
+    // tried_run_code.cpp: where the rest can begin, at one position and at which of sixteen.
+    static RE_Literal literalOf(const RE_Instruction& text) {
+        return {text.text, text.least, text.operation == RE_Operation::foldedText};
+    }
+    /// Where the slot of the token begins, in bytes from the first slot.
+    static int startOfToken(const RE_Instruction& reference) {
+        return static_cast<int>(reference.least * sizeof(RE_TokenInfo));
+    }
     void unlessStart(const RE_Instruction& first, Label& target);
     static bool canScanFor(const RE_Instruction& first);
     void emitFirstUnits(const RE_Instruction& first);
@@ -187,23 +192,23 @@ private:
         int count = 0;
     };
 
-    // The parts of the walk, in the order in which the code has them.
+    // start_code.cpp: the parts of the walk, in the order in which the code has them.
     void emitFailed();
     void emitHopeless(Label& more);
     void emitNextStart();
     void emitAttempt();
+
+    // start_code.cpp: the ways of finding a start. Each continues past itself with the start in `p`, and
+    // counts its scan.
     void emitSeek();
-    // The ways of finding a start. Each continues past itself with the start in `p`, and counts its scan.
     void emitSeekUnits(const RE_Unit_Set& units);
     void emitSeekLineStart();
-    bool canSeek(const RE_String& string) const;
-    void emitSeekLiteral(const RE_Literal& literal, const RE_Literal_Probe& probe);
-    void emitNarrowLiteral(const RE_Literal& literal, const RE_Literal_Probe& probe, Label& found,
-                           Label& tail);
-    void emitWideLiteral(const RE_Literal& literal, const RE_Literal_Probe& probe, Label& found);
-    void emitPair(RE_Unit_Pair pair, const Xbyak::Ymm& one, const Xbyak::Ymm& second);
-    void emitEqualPair(const Xbyak::RegExp& units, RE_Unit_Pair pair, const Xbyak::Ymm& one,
-                       const Xbyak::Ymm& second, const Xbyak::Ymm& result);
+    void emitSeekPrefixes(const RE_Prefix_Scan& scan);
+    void emitPrefixTest(const RE_Prefix_Scan& scan, Label& unfit);
+    void emitOneByOne(const RE_Unit_Set& units, int most, Label& found, Label& nowhere);
+    void emitNextVector(Label& again);
+    void emitNowhere(Label& nowhere);
+    void emitFound();
     /// Puts into k1 the positions from `runBegin` on that have `reach` readable units after them, at most
     /// `most` of them. Jumps to `nowhere` where there is none.
     void emitMaskAhead(std::size_t reach, std::uint32_t most, Label& nowhere);
@@ -218,19 +223,23 @@ private:
         tzcnt(eax, eax);
         lea(runBegin, ptr[runBegin + rax * 2]);
     }
+
+    // literal_code.cpp: the same for a literal, by narrow, wide and masked vectors.
+    bool canSeek(const RE_String& string) const;
+    void emitSeekLiteral(const RE_Literal& literal, const RE_Literal_Probe& probe);
+    void emitNarrowLiteral(const RE_Literal& literal, const RE_Literal_Probe& probe, Label& found,
+                           Label& tail);
+    void emitWideLiteral(const RE_Literal& literal, const RE_Literal_Probe& probe, Label& found);
+    void emitPair(RE_Unit_Pair pair, const Xbyak::Ymm& one, const Xbyak::Ymm& second);
+    void emitEqualPair(const Xbyak::RegExp& units, RE_Unit_Pair pair, const Xbyak::Ymm& one,
+                       const Xbyak::Ymm& second, const Xbyak::Ymm& result);
     void emitMaskedLiteral(const RE_Literal& literal, const RE_Literal_Probe& probe, Label& found,
                            Label& nowhere);
     void emitCandidates(const RE_Literal& literal, Label& found);
-    /// Loads what the scan compares with. `emitApart` then puts zeros where all of it is met.
+    /// Loads what the masked scan compares with. `emitApart` then puts zeros where all of it is met.
     void emitSought(const Probe_Units& sought);
     void emitApart(const Xbyak::RegExp& from, const Probe_Units& sought, bool masked,
                    const Xbyak::Zmm& result);
-    void emitSeekPrefixes(const RE_Prefix_Scan& scan);
-    void emitPrefixTest(const RE_Prefix_Scan& scan, Label& unfit);
-    void emitOneByOne(const RE_Unit_Set& units, int most, Label& found, Label& nowhere);
-    void emitNextVector(Label& again);
-    void emitNowhere(Label& nowhere);
-    void emitFound();
 
     const RE_Graph_Facts& facts;
     const RE_Node* root;

@@ -44,8 +44,8 @@ class CORVANE_REGEXP_EXPORT RE_Literal_Search {
 public:
     explicit RE_Literal_Search(const RE_Literal& literal);
 
-    /// The first position at or after `p` at which the literal occurs and ends before the subject's end, or
-    /// null. Polls the host: a scan that was stopped returns null, too.
+    /// The first position at or after `p` at which the literal occurs within the subject, or null. Polls the
+    /// host: a scan that was stopped returns null, too.
     const char16_t* find(const RE_Literal& literal, const char16_t* p, RE_Search_Info& info) const;
     /// The last such position in [p, p + count], or null.
     const char16_t* findLast(const RE_Literal& literal, const char16_t* p, std::size_t count,
