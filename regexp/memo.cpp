@@ -54,6 +54,8 @@ bool RE_Memo_Table::insert(std::uint32_t row, std::size_t position) {
     return true;
 }
 
+// A word at a time: the first and the last of them in part. A word that was full before has told the level
+// above already.
 void RE_Memo_Table::insertAll(std::uint32_t row, std::size_t first, std::size_t last) {
     for (;;) {
         const std::size_t end = std::min(first | 63, last);  // of what one word holds of them

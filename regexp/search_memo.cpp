@@ -111,11 +111,14 @@ void RE_Search_Memo::clear(std::size_t level) {
     }
 }
 
+// The set of states at the position is empty at first: none of them has been tried since the match.
 void RE_Search_Memo::searchFrom(std::size_t position) {
     apart.clear();
     setApart = position;
 }
 
+// Rows are numbered anew, so the tables that used them have to go too. Outcomes have rows of their own and
+// stay: they are kept only where nothing but the position decides about a body.
 void RE_Search_Memo::forgetStates() {
     searchFrom(RE_Memo_Table::nowhere);
     for (RE_Memo_Table& states : tables) {
@@ -195,6 +198,7 @@ RE_Body_Outcome RE_Search_Memo::outcome(const RE_Node* node, std::size_t start) 
     return {Kind::completed, end == outcomeEnds.end() ? start : end->second};
 }
 
+// A body has one outcome at a position, for the whole search: what it sees does not change.
 void RE_Search_Memo::noteOutcome(const RE_Node* node, std::size_t start, RE_Body_Outcome outcome) {
     const bool completed = outcome.kind == RE_Body_Outcome::Kind::completed;
     outcomes.insert(node->memoIndex * 2 + (completed ? 1 : 0), start);

@@ -31,6 +31,8 @@ public:
     }
 
 private:
+    /// Every kind of node that holds a number of a search has a case here. Trap: a new kind that is not added
+    /// would share its numbers with the sub-pattern.
     void note(const RE_Node& node) {
         RE_Sub_Pattern_Place& place = graph.place;
         place.nodeId = std::max(place.nodeId, node.nodeId);

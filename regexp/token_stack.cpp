@@ -11,6 +11,7 @@ void RE_Token_Stack::set_start(std::size_t index, const char16_t* name, std::siz
     }
 }
 
+// Closing puts this token and all lower ones in effect. The start must have been set before.
 void RE_Token_Stack::set_end(std::size_t index, std::size_t end) {
     if (index < slots.size()) {
         count = index + 1;

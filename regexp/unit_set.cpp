@@ -31,6 +31,8 @@ void RE_Unit_Set::addRange(char16_t low, char16_t high) {
     varied = high == unitCount - 1 ? first + 1 : std::max(varied, last + 1);
 }
 
+// The two words may differ from the rest afterwards; whether they do is not tested, as `varied` need not be
+// exact.
 void RE_Unit_Set::add(const RE_Low_Units& units) {
     for (std::size_t i = 0; i < units.words.size(); ++i) {
         words[i] |= units.words[i];
@@ -124,6 +126,7 @@ void RE_Unit_Set::clear() {
     varied = 0;
 }
 
+// Looks at all words. Sizes matter when finders are chosen and for labels, never while a search runs.
 std::size_t RE_Unit_Set::sizeFrom(std::size_t first) const {
     std::size_t count = 0;
     for (std::size_t word = first / 64; word < wordCount; ++word) {
@@ -175,10 +178,12 @@ std::size_t RE_Unit_Set::hash() const {
     return static_cast<std::size_t>(mixed ^ (mixed >> 32));
 }
 
+// One word past those that vary stands for all the rest of both sets.
 bool RE_Unit_Set::operator==(const RE_Unit_Set& other) const {
     return std::equal(words, words + comparedWith(other), other.words);
 }
 
+// Filled by whichever thread comes first; the others wait for it. So is every table below.
 const RE_Case_Table& RE_Case_Table::get() {
     static const RE_Case_Table table;
     return table;
@@ -202,11 +207,13 @@ RE_Case_Table::RE_Case_Table() {
     std::stable_sort(upperForms.begin(), upperForms.end());
 }
 
+// A unit without case is in no list and is its own only form.
 std::size_t RE_Case_Table::formsWithin(char16_t lowerForm) const {
     const auto [first, last] = std::equal_range(lowerForms.begin(), lowerForms.end(), Form{lowerForm, 0});
     return static_cast<std::size_t>(last - first) + (isCased(lowerForm) ? 0 : 1);
 }
 
+// The units whose form lies in the bounds are neighbours in the list.
 void RE_Case_Table::addFormsWithin(const Forms& forms, RE_Unit_Set& set, char16_t low, char16_t high) {
     const auto first = std::lower_bound(forms.begin(), forms.end(), Form{low, 0});
     for (auto it = first; it != forms.end() && it->form <= high; ++it) {
@@ -292,6 +299,8 @@ const RE_Unit_Set& RE_Unit_Classes::allOfLine() {
 // `numberOf` divides by the size of a set.
 static_assert(sizeof(RE_Unit_Classes) == RE_Unit_Classes::count * sizeof(RE_Unit_Set));
 
+// The underscore is a word unit whatever the host says. Released last: `numberOf` may be called by other
+// threads meanwhile.
 RE_Unit_Classes::RE_Unit_Classes() {
     digits.addWhere([](char16_t unit) { return cvu_isdigit(unit); });
     spaces.addWhere([](char16_t unit) { return cvu_isspace(unit); });

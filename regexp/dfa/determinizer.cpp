@@ -56,6 +56,7 @@ bool RE_Determinizer::add(Begins begins, RE_Dfa::Rows& starts) {
     return fits();
 }
 
+// Tested after each row: what exceeds the bounds by then is one row's worth of states.
 bool RE_Determinizer::fits() const {
     return ways->isPossible() && states.size() * dfa->rowLength <= mostEntries;
 }
@@ -88,7 +89,8 @@ RE_Dfa::Entry RE_Determinizer::entry(const State& from, std::size_t letter) {
     return accepts | static_cast<RE_Dfa::Entry>(numberOf(std::move(next)) * dfa->rowLength);
 }
 
-// All states that have no thread left and begin nothing are one, whatever unit was read last.
+// All states that have no thread left and begin nothing are one, whatever unit was read last: their side no
+// longer matters, and they lead to each other only.
 std::uint32_t RE_Determinizer::numberOf(State state) {
     if (state.begins == Begins::nothing && state.threads.empty()) {
         state.side = 0;

@@ -162,7 +162,7 @@ HWY_INLINE const char16_t* withTest(const RE_Literal_Probe& probe, Find find) {
 const char16_t* probeForward(const char16_t* p, const char16_t* end, const RE_Literal_Probe& probe) {
     return withTest(probe, [=](const auto& test) HWY_ATTR { return findForward(p, end, test); });
 }
-// An instance for each depth, so that the loop over the places is unrolled.
+// An instance for each depth, so that the loop over the places is unrolled. A scan has at least one place.
 const char16_t* prefixForward(const char16_t* p, const char16_t* end, const RE_Prefix_Scan& scan) {
     switch (scan.depth) {
         case 1:
@@ -222,6 +222,7 @@ Kernels chooseKernels() {
             &HWY_DYNAMIC_DISPATCH(prefixForward)};
 }
 
+// The first call may come from several threads; the choice is the same in each.
 const Kernels& kernels() {
     static const Kernels chosen = chooseKernels();
     return chosen;

@@ -51,6 +51,7 @@ constexpr Fours fours = [] {
     return sums;
 }();
 
+/// Passes over groups of four that hold no unit.
 double sumOfFours(std::uint64_t bits, const std::array<double, 16>* sums) {
     double sum = 0;
     while (bits != 0) {

@@ -21,6 +21,7 @@ bool findForms(RE_Unit_Pair& units) {
     return cases.formsWithin(units.one) <= (isOther ? 2U : 1U);
 }
 
+/// Either form counts.
 double pairLikelihood(const RE_Unit_Pair& units) {
     return units.one == units.other ? unitLikelihood(units.one)
                                     : unitLikelihood(units.one) + unitLikelihood(units.other);

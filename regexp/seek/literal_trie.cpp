@@ -162,6 +162,7 @@ void RE_Literal_Trie::fillTable() {
     }
 }
 
+// Children are sorted by their first units, as the literals were.
 std::uint32_t RE_Literal_Trie::child(const Node& node, char16_t unit) const {
     const char16_t* const first = leads.data() + node.firstChild;
     const char16_t* const last = first + node.children;
@@ -170,6 +171,7 @@ std::uint32_t RE_Literal_Trie::child(const Node& node, char16_t unit) const {
     return at != last && *at == unit ? static_cast<std::uint32_t>(at - leads.data()) : none;
 }
 
+// The table knows all forms of a unit; beyond it the unit is folded first.
 std::uint32_t RE_Literal_Trie::branchAt(char16_t unit) const {
     return unit < tableUnits ? roots[unit] : child(nodes[0], cases != nullptr ? cases->lower(unit) : unit);
 }
@@ -214,6 +216,7 @@ RE_Literal_Trie::Found RE_Literal_Trie::walk(const char16_t* p, const char16_t* 
     return found;
 }
 
+// Two instances of the walk: without case there is no test for it in the loop.
 RE_Literal_Trie::Found RE_Literal_Trie::find(const char16_t* p, const char16_t* end,
                                              std::uint32_t from) const {
     return p == end ? Found() : cases == nullptr ? walk<false>(p, end, from) : walk<true>(p, end, from);

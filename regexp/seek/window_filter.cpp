@@ -64,6 +64,8 @@ void RE_Window_Filter::admit(std::u16string_view window) {
     bits[place / 64] |= std::uint64_t{1} << (place % 64);
 }
 
+// As wide as the shortest literal allows: each unit more makes accidents rarer, and the look-up costs the
+// same.
 std::optional<RE_Window_Filter> RE_Window_Filter::make(const RE_Literal_Trie& literals) {
     if (literals.shortest() < narrowest) {
         return std::nullopt;
