@@ -54,7 +54,7 @@ bool RE_Memo_Table::insert(std::uint32_t row, std::size_t position) {
     return true;
 }
 
-// A word at a time: the first and the last of them in part. A word that was full before has told the level
+// A word at a time: the first and the last of them in part. A word that was full before is noted in the level
 // above already.
 void RE_Memo_Table::insertAll(std::uint32_t row, std::size_t first, std::size_t last) {
     for (;;) {

@@ -212,12 +212,12 @@ private:
     /// Puts into k1 the positions from `runBegin` on that have `reach` readable units after them, at most
     /// `most` of them. Jumps to `nowhere` where there is none.
     void emitMaskAhead(std::size_t reach, std::uint32_t most, Label& nowhere);
-    /// Moves `runBegin` to the first position for which `ask` puts a bit into eax, where less than a vector
+    /// Moves `runBegin` to the first position for which `emitBits` puts a bit into eax, where less than a vector
     /// is left.
-    template <class Ask>
-    void emitMaskedTail(std::size_t reach, Label& nowhere, Ask ask) {
+    template <class Emit>
+    void emitMaskedTail(std::size_t reach, Label& nowhere, Emit emitBits) {
         emitMaskAhead(reach, vectorUnits, nowhere);
-        ask();
+        emitBits();
         test(eax, eax);
         jz(nowhere, T_NEAR);
         tzcnt(eax, eax);
