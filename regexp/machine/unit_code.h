@@ -123,8 +123,7 @@ private:
     void emitReturn(RE_Machine_Exit reason);
     void emitLeave();
 
-    /// A return that `exitFor` has promised, to be written after the rest of the code so that the likely path has no
-    /// jumps.
+    /// A return that `exitFor` has promised. Returns are written after all else: the likely path has no jumps.
     struct Exit {
         Label label;
         RE_Machine_Exit reason;
@@ -159,8 +158,8 @@ protected:
     enum class Kind {
         range,
         allBut,     ///< all but a few
-        noOthers,   ///< only units of the table are members
-        allOthers,  ///< so is every unit above the table
+        noOthers,   ///< some units of the table
+        allOthers,  ///< some units of the table, and every unit above it
         mixed       ///< units above the table are undecided: the caller has to look at each
     };
     static Kind kindOf(const RE_Unit_Set& units);
@@ -186,6 +185,8 @@ protected:
     /// Puts into `result` a byte of ones for each of the sixteen units from `from` on that is this one, else
     /// zero.
     void emitEqualUnits(const Xbyak::RegExp& from, char16_t unit, const Xbyak::Xmm& result);
+    /// The same for a unit that is known at run time only.
+    void emitEqualUnits(const Xbyak::RegExp& from, const Xbyak::Reg32& unit, const Xbyak::Xmm& result);
     /// Puts into k1 and eax one bit for each unit that is left, at most `most` of them. rax holds how many
     /// bytes are left.
     void emitMask(std::uint32_t most);
@@ -207,9 +208,6 @@ protected:
     static constexpr std::size_t longestText = 256;
     /// Whether each unit of a literal that ignores case has one or two forms, as `unlessText` needs.
     static bool hasFewForms(const RE_Literal& literal);
-
-    /// The same for a unit that is known at run time only.
-    void emitEqualUnits(const Xbyak::RegExp& from, const Xbyak::Reg32& unit, const Xbyak::Xmm& result);
 
     /// The units with one lower-case form. `count` goes beyond the list where there are more than two.
     struct Forms {
