@@ -6,7 +6,7 @@
 #include "tests/support/differential.h"
 #include "tests/support/pattern_random.h"
 
-#include "regexp/machine/machine_code.h"
+#include "regexp/base/tuning.h"
 
 #include <gtest/gtest.h>
 #include <sys/mman.h>
@@ -129,9 +129,13 @@ const Case kCases[] = {
 
 /// With each kind of vectors that the processor has.
 class MachineCode : public testing::TestWithParam<RE_Machine_Vectors> {
-protected:
-    MachineCode() { RE_Machine_Code::limitVectors(GetParam()); }
-    ~MachineCode() override { RE_Machine_Code::limitVectors(RE_Machine_Vectors::masked); }
+    static RE_Tuning within(RE_Machine_Vectors widest) {
+        RE_Tuning tuning = RE_Tuning::ofNewTrees();
+        tuning.widestVectors = std::min(widest, tuning.widestVectors);
+        return tuning;
+    }
+
+    const RE_Tuning::Scope m_scope{within(GetParam())};
 };
 INSTANTIATE_TEST_SUITE_P(Vectors, MachineCode,
                          testing::Values(RE_Machine_Vectors::none, RE_Machine_Vectors::narrow, RE_Machine_Vectors::wide,

@@ -5,7 +5,7 @@
 // (SSSE3, SSE4, AVX2, AVX3), or "none". Where the processor has no such vectors the program ends with the status 77,
 // which CTest counts as skipped.
 
-#include "regexp/machine/machine_code.h"
+#include "regexp/base/tuning.h"
 
 #include <gtest/gtest.h>
 #include <hwy/targets.h>
@@ -36,10 +36,12 @@ constexpr int kSkipped = 77;
 // The bits of better targets are the lower ones.
 void limitVectors(std::int64_t widest) {
     hwy::DisableTargets(widest - 1);
-    RE_Machine_Code::limitVectors(widest > HWY_SSE4   ? RE_Machine_Vectors::none
-                                  : widest > HWY_AVX2 ? RE_Machine_Vectors::narrow
-                                  : widest > HWY_AVX3 ? RE_Machine_Vectors::wide
-                                                      : RE_Machine_Vectors::masked);
+    RE_Tuning tuning;
+    tuning.widestVectors = widest > HWY_SSE4   ? RE_Machine_Vectors::none
+                           : widest > HWY_AVX2 ? RE_Machine_Vectors::narrow
+                           : widest > HWY_AVX3 ? RE_Machine_Vectors::wide
+                                               : RE_Machine_Vectors::masked;
+    static const RE_Tuning::Scope forAllTests(tuning);
 }
 
 bool limitVectors(std::string_view name) {

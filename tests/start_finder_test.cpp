@@ -76,7 +76,7 @@ TEST(StartFinders, AreChosenInOrderAndSkipNoMatch) {
     for (const Case& c : kCases) {
         const Engine fast(c.pattern, c.flags);
         EXPECT_STREQ(c.finder, nameOf(fast.tree().getFacts().startFinder)) << printable(c.pattern);
-        const RE_Tuning::Scope askingAtOnce({.neededLiteralSteps = 0});
+        const Delays askingAtOnce(RE_Tuning().memoChoices, RE_Tuning().memoChoicesPerUnit, 0);
         const Engine eager(c.pattern, c.flags);
         const Engine plain(c.pattern, c.flags, {.linearSubpatterns = false, .dotStar = false});
         for (int round = 0; round < 300; ++round) {

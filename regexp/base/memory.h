@@ -1,5 +1,12 @@
 // Where every engine object gets its memory: the host's allocator, so that a host can count and limit it.
-// (Names and scratch of the parser and the passes are standard library objects of their own.)
+//
+// Classes derive from `RE_Memory`, containers use `RE_Allocator`. Both are without state: the account that
+// counts (if one is open on the thread) is found by `memory_account.h`. Names and scratch of the parser and
+// the passes are standard library objects of their own.
+//
+// Traps: the account counts sizes when a block is released as well as when it is taken. A block from
+// `reAllocate` must be released by `reRelease` with the same size, so a class that is deleted through a base
+// needs a virtual destructor. What is taken by `utMalloc` directly is not counted, and released by `utFree`.
 #pragma once
 
 #include "host/allocation.h"
@@ -10,8 +17,9 @@
 #include <memory>
 #include <new>
 
-/// Base of every engine class. Plain `new` goes through the host's checked allocation (which throws or
-/// reports by itself); the `std::nothrow` form returns null when the host has no memory left.
+/// Base of every engine class. Plain `new` goes through the host's checked allocation, which throws or
+/// reports by itself; the `std::nothrow` form returns null when the host has no memory left. Arrays are not
+/// counted by accounts, as `delete[]` does not say how large they were.
 class CORVANE_REGEXP_EXPORT RE_Memory {
 public:
     static void* operator new(std::size_t size) { return reAllocate(size); }
@@ -35,6 +43,7 @@ struct RE_Allocator {
     template <class U>
     RE_Allocator(const RE_Allocator<U>&) noexcept {}
 
+    /// Throws what the host's checked allocation throws, and `RE_Ceiling_Reached`.
     T* allocate(std::size_t count) {
         if (count > static_cast<std::size_t>(-1) / sizeof(T)) {
             throw std::bad_array_new_length();
@@ -49,6 +58,7 @@ struct RE_Allocator {
     }
 };
 
+/// Frees a block that the host has allocated, without telling an account.
 struct RE_Free_Block {
     void operator()(void* block) const noexcept { utFree(block); }
 };

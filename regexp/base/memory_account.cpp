@@ -1,4 +1,5 @@
-// The accounts that are open on the thread, and the allocations that are told to them.
+// The accounts that are open on the thread, as a list from the innermost to the outermost, and the
+// allocations that they count.
 #include "regexp/base/memory_account.h"
 
 #include "host/allocation.h"
@@ -8,7 +9,8 @@
 
 namespace {
 
-// Read at each allocation: not looked up through a call.
+// Read at each allocation: this model of thread-local storage needs no call to find it, also in a shared
+// library.
 [[gnu::tls_model("initial-exec")]] thread_local constinit RE_Memory_Account* innermost = nullptr;
 
 }  // namespace
@@ -25,10 +27,12 @@ RE_Memory_Account::Scope::~Scope() {
     innermost = std::exchange(opened.outer, nullptr);
 }
 
+// `ceiling - held` cannot wrap around: what is held may lie above.
 bool RE_Memory_Account::admits(std::size_t bytes) const {
     return bytes <= ceiling - std::min(ceiling, bytesHeld);
 }
 
+// Two rounds, so that a refusal leaves no trace in the accounts that were tried before.
 bool RE_Memory_Account::take(std::size_t bytes) noexcept {
     for (const RE_Memory_Account* account = innermost; account != nullptr; account = account->outer) {
         if (!account->admits(bytes)) {
@@ -48,6 +52,7 @@ void RE_Memory_Account::give(std::size_t bytes) noexcept {
     }
 }
 
+// Counted first: a ceiling refuses without troubling the host.
 void* reAllocate(std::size_t bytes) {
     if (!RE_Memory_Account::take(bytes)) {
         throw RE_Ceiling_Reached();

@@ -1,3 +1,4 @@
+// Free lists by size, and the carving of chunks.
 #include "regexp/base/memory_pool.h"
 
 #include <new>
@@ -8,6 +9,7 @@ RE_Memory_Pool::~RE_Memory_Pool() {
     }
 }
 
+// The alignment requested is at most that of a grain, and every block begins at a multiple of one.
 void* RE_Memory_Pool::do_allocate(std::size_t bytes, std::size_t) {
     if (bytes > largest) {
         return reAllocate(bytes);
@@ -29,10 +31,13 @@ void RE_Memory_Pool::do_deallocate(void* block, std::size_t bytes, std::size_t) 
     list = ::new (block) Block{list};
 }
 
-// What is left of a chunk that is too short is lost until the pool goes.
+// Cuts a block off the newest chunk. What is left of a chunk that is too short is lost until the pool goes:
+// at most `largest` bytes of each.
 void* RE_Memory_Pool::carve(std::size_t bytes) {
     if (static_cast<std::size_t>(restEnd - rest) < bytes) {
-        chunks.push_back(nullptr);  // its place first: either of the two may be refused
+        // The entry comes first, as either of the two may be refused: a chunk without an entry would leak, an
+        // entry without a chunk is null, and releasing null does nothing.
+        chunks.push_back(nullptr);
         rest = chunks.back() = static_cast<std::byte*>(reAllocate(chunkBytes));
         restEnd = rest + chunkBytes;
     }

@@ -1,7 +1,10 @@
 // Small blocks of memory that are used again before more is taken from the host.
 //
-// The standard library's pools do not fit: that of libstdc++ 12 goes on as if nothing had happened when the
-// memory for its own lists is refused.
+// The standard library's pools do not fit: that of libstdc++ 12 carries on as if nothing had happened when
+// the memory for its own lists is refused. This one hands out a block or throws, and stays usable
+// when it throws.
+//
+// Not synchronised: a pool belongs to one search.
 #pragma once
 
 #include "regexp/base/memory.h"
@@ -11,8 +14,9 @@
 #include <memory_resource>
 #include <vector>
 
-/// Blocks of up to `largest` bytes come from chunks that are given back together with the pool. Larger ones
-/// go straight to the host and back.
+/// Blocks of up to `largest` bytes come from chunks that are released together with the pool. Larger ones
+/// come from the host and return to it one by one. A released block serves the next request of the same size
+/// in grains; blocks are never merged or split, so a search that alternates between sizes keeps both.
 class CORVANE_REGEXP_EXPORT RE_Memory_Pool final : public std::pmr::memory_resource {
 public:
     static constexpr std::size_t largest = 512;
@@ -26,6 +30,7 @@ private:
     static constexpr std::size_t grain = alignof(std::max_align_t);
     static constexpr std::size_t chunkBytes = 4096;
 
+    /// A free block holds the link to the next one of its size: lists take no memory of their own.
     struct Block {
         Block* next;
     };

@@ -1,3 +1,4 @@
+// The chunks of scratch memory, newest first.
 #include "regexp/base/scratch_memory.h"
 
 #include <new>
@@ -10,7 +11,7 @@ RE_Scratch_Memory::~RE_Scratch_Memory() {
     }
 }
 
-// What is left of the chunk before is lost.
+// Continues in a new chunk. What is left of the one before is lost, as blocks of any size have to fit.
 void* RE_Scratch_Memory::takeAnew(std::size_t bytes) {
     if (bytes > largest) {
         return reAllocate(bytes);

@@ -1,4 +1,7 @@
 // Memory of what lives no longer than one piece of work: the lists of a compilation.
+//
+// A stack of blocks without headers. Lists that are made and dropped in order cost an addition each, and a
+// small pattern is compiled without a call to the host.
 #pragma once
 
 #include "regexp/base/memory.h"
@@ -11,8 +14,12 @@
 #include <utility>
 #include <vector>
 
-/// Lays blocks one behind the other, first within itself, then within chunks from the host that are given back with it.
-/// A block that is given back before others are taken makes room again. Large blocks go straight to the host and back.
+/// Lays blocks out one after another, first within itself, then within chunks from the host that are released
+/// with it.
+///
+/// Only the block on top is used again when it is released; others stay until the end. So a list that grows
+/// while others are made leaves its old blocks unused: reserve where the size is known. Large blocks come
+/// from the host and return to it. Not synchronised, and not to be moved: blocks lie within the object.
 class CORVANE_REGEXP_EXPORT RE_Scratch_Memory final : public std::pmr::memory_resource {
 public:
     RE_Scratch_Memory() = default;
@@ -27,6 +34,7 @@ public:
         }
         return std::exchange(next, next + taken);
     }
+    /// `bytes` must be the size that was taken: it decides whether the block is on top, and whose it is.
     void giveBack(void* block, std::size_t bytes) noexcept {
         if (bytes > largest) {
             reRelease(block, bytes);
@@ -37,6 +45,8 @@ public:
 
 private:
     static constexpr std::size_t grain = alignof(std::max_align_t);
+    // Enough for the lists of nearly all patterns. The object mostly lives on the native stack, which bounds
+    // it.
     static constexpr std::size_t ownBytes = 8192;
     static constexpr std::size_t chunkBytes = 16384;
     static constexpr std::size_t largest = 4096;

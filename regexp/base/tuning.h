@@ -5,6 +5,15 @@
 
 #include <cstdint>
 
+/// The vectors that code scans with. In ascending order: code that may use one kind may use all kinds before
+/// it.
+enum class RE_Machine_Vectors {
+    none,
+    narrow,  ///< eight units
+    wide,    ///< sixteen
+    masked   ///< up to 32, of which those past the subject's end are masked and not read
+};
+
 /// Each tree has settings of its own: those in force on the thread that made it, unless it was told others
 /// (`RE_Tree::tune`).
 struct CORVANE_REGEXP_EXPORT RE_Tuning {
@@ -18,6 +27,9 @@ struct CORVANE_REGEXP_EXPORT RE_Tuning {
     // again and again.
     std::uint64_t inquiryChoices = 16;
     std::uint64_t ambiguousInquiryChoices = 1;
+
+    /// Machine code uses no wider vectors than these, for comparisons of the kinds.
+    RE_Machine_Vectors widestVectors = RE_Machine_Vectors::masked;
 
     /// The settings that a tree made now, on this thread, starts with.
     static const RE_Tuning& ofNewTrees();

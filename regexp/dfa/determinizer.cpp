@@ -1,3 +1,4 @@
+// The subset construction, with lists in place of sets; and the tables that are made from its states.
 #include "regexp/dfa/determinizer.h"
 
 #include "regexp/graph/graph_facts.h"
@@ -9,6 +10,7 @@ std::unique_ptr<const RE_Dfa> RE_Dfa::make(const RE_Graph_Facts& facts, bool ref
     return RE_Determinizer(facts, refusesEmpty).run();
 }
 
+// Without `ways` there is no automaton. Sides split the alphabet further, so they come after it.
 RE_Determinizer::RE_Determinizer(const RE_Graph_Facts& facts, bool refusesEmpty) : dfa(new RE_Dfa) {
     if (facts.nodes.size() > mostNodes || facts.hasDynamicNodes) {
         return;
@@ -20,6 +22,8 @@ RE_Determinizer::RE_Determinizer(const RE_Graph_Facts& facts, bool refusesEmpty)
     }
 }
 
+// The first state is the dead one. The states of attempts come before those of searches, so that the latter
+// can be cut off again where they are too many.
 std::unique_ptr<const RE_Dfa> RE_Determinizer::run() {
     if (ways == nullptr || !alphabet.isComplete()) {
         return nullptr;
@@ -41,7 +45,7 @@ std::unique_ptr<const RE_Dfa> RE_Determinizer::run() {
     return std::move(dfa);
 }
 
-/// Adds the states that a search comes to from its start on. False when there are too many.
+// A state for each side begins; each row that is added may bring new states, which get rows in turn.
 bool RE_Determinizer::add(Begins begins, RE_Dfa::Rows& starts) {
     for (std::size_t side = 0; side < sides->count(); ++side) {
         starts.push_back(static_cast<RE_Dfa::Entry>(numberOf({begins, side}) * dfa->rowLength));
@@ -52,10 +56,12 @@ bool RE_Determinizer::add(Begins begins, RE_Dfa::Rows& starts) {
     return fits();
 }
 
+// Tested after each row: what exceeds the bounds by then is one row's worth of states.
 bool RE_Determinizer::fits() const {
     return ways->isPossible() && states.size() * dfa->rowLength <= mostEntries;
 }
 
+// A copy: adding states may move the list, and `entry` adds some.
 void RE_Determinizer::addRow(std::size_t state) {
     const State from = *states[state];
     for (std::size_t letter = 0; letter < dfa->rowLength; ++letter) {
@@ -63,26 +69,28 @@ void RE_Determinizer::addRow(std::size_t state) {
     }
 }
 
-// Behind the first match that any attempt finds there is nothing more to know.
+// Follows the threads in their order until one matches: those after it are never tried. Where attempts begin
+// everywhere, the first match ends the search, as there is nothing more to know.
 RE_Dfa::Entry RE_Determinizer::entry(const State& from, std::size_t letter) {
-    std::vector<RE_Thread> behind;
-    ways->begin(from.side, letter, behind);
+    std::vector<RE_Thread> following;
+    ways->begin(from.side, letter, following);
     bool matches = std::ranges::any_of(
         from.threads, [this](std::uint32_t number) { return ways->follow(threads[number]); });
     matches = matches || (from.begins != Begins::nothing && ways->followStart());
     const RE_Dfa::Entry accepts = matches ? RE_Dfa::accepts : 0;
-    const bool goesOn = from.begins == Begins::anyAttempt;
-    if (letter == ways->atEnd() || (matches && goesOn)) {
+    const bool keepsBeginning = from.begins == Begins::anyAttempt;
+    if (letter == ways->atEnd() || (matches && keepsBeginning)) {
         return accepts | RE_Dfa::dead;
     }
-    State next{goesOn ? Begins::anyAttempt : Begins::nothing, sides->of(letter)};
-    for (const RE_Thread& thread : behind) {
+    State next{keepsBeginning ? Begins::anyAttempt : Begins::nothing, sides->of(letter)};
+    for (const RE_Thread& thread : following) {
         next.threads.push_back(numberOf(thread));
     }
     return accepts | static_cast<RE_Dfa::Entry>(numberOf(std::move(next)) * dfa->rowLength);
 }
 
-// All that no thread is left in are one.
+// All states that have no thread left and begin nothing are one, whatever unit was read last: their side no
+// longer matters, and they lead to each other only.
 std::uint32_t RE_Determinizer::numberOf(State state) {
     if (state.begins == Begins::nothing && state.threads.empty()) {
         state.side = 0;
@@ -103,6 +111,7 @@ std::uint32_t RE_Determinizer::numberOf(const RE_Thread& thread) {
     return known->second;
 }
 
+// Most of the 256 pages are equal: few patterns tell units apart in more than a few of them.
 void RE_Determinizer::writeLetters() {
     using Page = std::array<std::uint8_t, RE_Dfa::pageUnits>;
     std::map<Page, std::size_t> pages;
@@ -123,6 +132,8 @@ void RE_Determinizer::writeLetters() {
     }
 }
 
+// Only for automata whose states fit into one vector, one byte a state. Units at or above 256 have no row:
+// the table reads them.
 void RE_Determinizer::writeShuffles() {
     using Table = RE_Shuffle_Table;
     const std::size_t count = dfa->stateCount();
@@ -145,7 +156,8 @@ void RE_Determinizer::writeShuffles() {
     }
 }
 
-// A set takes some kilobytes: of many states only the first ones have theirs.
+// A set takes some kilobytes: where there are many states only the first ones, which are those near the
+// start, have theirs.
 void RE_Determinizer::writeStays() {
     constexpr std::size_t most = 16;
     dfa->stays.resize(dfa->stateCount());

@@ -1,8 +1,12 @@
 // A pattern as a deterministic finite automaton: where a match that begins at some place ends, and whether
-// any match begins behind one, each told by one look at every unit.
+// any match begins at or after one, each decided by reading every unit once.
 //
-// It is made of the graph, where the units to both sides decide what each node does, and says exactly what
-// the match loop would come to. It knows nothing of tokens.
+// It is made of the graph, where the units to both sides decide what each node does, and reaches exactly the
+// answer of the match loop: the end of the match that the loop would find first, not of the longest one. It
+// knows nothing of tokens.
+//
+// Invariant: complete when it is made. No state is added during a search, so searches share it without locks,
+// and the memory that it takes is known when the pattern is compiled.
 #pragma once
 
 #include "regexp/dfa/shuffle.h"
@@ -19,36 +23,42 @@
 class RE_Search_Info;
 struct RE_Graph_Facts;
 
-/// Read-only once it is made: many threads ask it.
+/// Read-only once it is made: any number of threads may query it. Owned by the compiled pattern.
 class RE_Dfa : public RE_Memory {
 public:
-    /// Null where the pattern has a node that it cannot say, or would need too many states.
+    /// Null where the pattern has a node that an automaton cannot represent, and where it would need too many
+    /// states. Takes time and memory within fixed bounds, whatever the pattern.
     static std::unique_ptr<const RE_Dfa> make(const RE_Graph_Facts& facts, bool refusesEmpty);
 
     struct Answer {
         const char16_t* end;    ///< null when there is none, and when the search was broken off
         std::size_t unitsRead;  ///< until that was known
     };
-    /// The end of the match that an attempt at `p` finds.
+    /// The end of the match that an attempt at `p` finds. Reads up to the subject's end at most; counts steps
+    /// and polls the host like any scan.
     Answer matchEnd(const char16_t* p, RE_Search_Info& info) const;
-    /// The first place up to `stop` at which a match ends that begins at `p` or behind it.
+    /// The first place up to `stop` at which a match ends that begins at or after `p`. It is not the end of
+    /// the first match: it is to tell whether any match follows.
     Answer firstEnd(const char16_t* p, const char16_t* stop, RE_Search_Info& info) const;
-    /// Whether `firstEnd` may be asked.
+    /// Whether `firstEnd` may be called: its states are left out where they would be too many.
     bool knowsAllStarts() const { return !searchRows.empty(); }
-    /// Whether attempts can come to one place in more than one way, and so try it again.
+    /// Whether attempts can reach one place in more than one way over the same units, and so try the rest
+    /// again.
     bool isAmbiguous() const { return ambiguous; }
     std::size_t stateCount() const { return table.size() / rowLength; }
 
 private:
     friend class RE_Determinizer;
 
-    /// An entry is where the row of the next state begins. The row of the state that nothing leads out of is
-    /// the first. An entry may say besides that a match ends before the unit.
+    /// An entry is the index at which the row of the next state begins, so that a step needs no
+    /// multiplication. The row of the state that nothing leads out of is the first, so `dead` is 0. The
+    /// highest bit says that a match ends before the unit.
     using Entry = std::uint32_t;
     static constexpr Entry dead = 0;
     static constexpr Entry accepts = Entry{1} << 31;
 
-    /// The units over which a state leads to itself.
+    /// The units over which a state leads to itself: runs of them are passed by a vector scan for a unit that
+    /// is not among them.
     struct Stay {
         RE_Unit_Set units;
         RE_Class_Scan leaves;
@@ -59,6 +69,7 @@ private:
     using Stays = std::vector<std::unique_ptr<const Stay>, RE_Allocator<std::unique_ptr<const Stay>>>;
     using Rows = std::vector<Entry, RE_Allocator<Entry>>;
 
+    /// How far a run has come: the position, the state there, and the last end.
     struct Place {
         const char16_t* p;
         Entry row;
@@ -70,15 +81,15 @@ private:
     Entry startAt(const Rows& rows, const char16_t* p, const RE_Search_Info& info) const;
     Answer run(Entry row, const char16_t* start, const char16_t* limit, bool first,
                RE_Search_Info& info) const;
-    void goSome(Place& place, const char16_t* stop, bool first) const;
-    void go(Place& place, const char16_t* stop, bool first) const;
-    bool shuffle(Place& place, const char16_t* stop) const;
-    void stay(Place& place, const char16_t* stop) const;
+    void readSome(Place& place, const char16_t* stop, bool first) const;
+    void readByTable(Place& place, const char16_t* stop, bool first) const;
+    bool readByShuffles(Place& place, const char16_t* stop) const;
+    void skipStay(Place& place, const char16_t* stop) const;
 
+    // Units to letters by two tables: the page of a unit, and the letters of that page. Pages that are equal share one.
     static constexpr std::size_t pageUnits = 256;
     std::array<std::uint16_t, RE_Unit_Set::unitCount / pageUnits> pageStart{};
-    std::vector<std::uint8_t, RE_Allocator<std::uint8_t>>
-        letters;  ///< pages that differ, one behind the other
+    std::vector<std::uint8_t, RE_Allocator<std::uint8_t>> letters;  ///< pages that differ, one after another
     std::vector<std::uint8_t, RE_Allocator<std::uint8_t>>
         sides;                  ///< of each letter, as the unit before a start
     std::size_t rowLength = 1;  ///< one entry a letter, and the last one for the subject's end

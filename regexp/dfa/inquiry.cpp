@@ -1,3 +1,4 @@
+// The bookkeeping of queries: what they have cost, and when the next one is worth it.
 #include "regexp/state/inquiry.h"
 
 #include "regexp/dfa/dfa.h"
@@ -9,8 +10,8 @@
 
 namespace {
 
-// Attempts that read more than so many units for each of the subject are left to the memo, which knows what
-// was tried from other starts.
+// Attempts that have read more than so many units for each of the subject are left to the memo, which knows
+// what was tried from other starts; the automaton would read the same units from each.
 constexpr std::uint64_t mostReadings = 8;
 constexpr std::size_t readingsOfShort = 256;  // units
 
@@ -19,6 +20,7 @@ constexpr std::uint64_t unitsAChoice = 8;  // read in the time that a choice tak
 
 }  // namespace
 
+// A pattern that starts at the beginning of the text has one start: there are no later ones to query about.
 void RE_Inquiry::begin(const RE_Graph_Facts& pattern) {
     *this = {};
     dfa = pattern.dfa.get();
@@ -29,6 +31,7 @@ void RE_Inquiry::begin(const RE_Graph_Facts& pattern) {
     left = dfa != nullptr ? delay : never;
 }
 
+// What is known of the pattern stays; of the delay, too, what it has grown to.
 RE_Inquiry RE_Inquiry::forOtherSubject() const {
     RE_Inquiry other;
     other.dfa = dfa;
@@ -48,7 +51,8 @@ bool RE_Inquiry::goesOn(RE_Search_Info& info) {
     const RE_Dfa::Answer answer = dfa->matchEnd(info.matchStart, info);
     unitsRead += answer.unitsRead;
     cost += answer.unitsRead + delay * unitsAChoice;
-    // Where tokens are wanted such a question was in vain: the next one comes later.
+    // Where tokens are wanted and there is a match, the query did not help: the next one comes
+    // twice as late.
     const bool inVain = answer.end != nullptr && wantsTokens;
     delay *= inVain ? 2 : 1;
     left = delay;
@@ -57,12 +61,14 @@ bool RE_Inquiry::goesOn(RE_Search_Info& info) {
     }
     found = answer.end;
     if (found == nullptr && !info.wasInterrupted()) {
-        askForLaterOnes(info);
+        queryLaterStarts(info);
     }
     return false;
 }
 
-void RE_Inquiry::askForLaterOnes(RE_Search_Info& info) {
+// Each query costs at most twice what attempts have cost since the search began, and the next one waits until
+// that has doubled: together they cost a constant factor.
+void RE_Inquiry::queryLaterStarts(RE_Search_Info& info) {
     const char16_t* const from = info.matchStart + 1;
     const bool isKnown = knownFrom != nullptr && knownFrom <= from && from <= knownEnd;
     if (isKnown || !hasManyStarts || !dfa->knowsAllStarts() || from > info.subjectEnd ||

@@ -1,3 +1,7 @@
+// The shuffles, compiled once for each instruction set and chosen at run time.
+//
+// Trap: the guarded part exists once for each instruction set, as this file includes itself. Functions in it
+// must be inlined or live in its namespace.
 #include "regexp/dfa/shuffle.h"
 
 // This file is compiled once for each instruction set: everything up to the end of the guarded part below.
@@ -24,6 +28,7 @@ const char16_t* shuffleBlocks(const RE_Shuffle_Table&, const char16_t* p, const 
 using Units = hn::FixedTag<std::uint16_t, 8>;
 using States = hn::FixedTag<std::uint8_t, RE_Shuffle_Table::mostStates>;
 
+/// Whether all units of the block are below 256.
 HWY_INLINE bool haveRows(const char16_t* p) {
     const auto* const units = reinterpret_cast<const std::uint16_t*>(p);
     const auto all = hn::Or(hn::LoadU(Units(), units), hn::LoadU(Units(), units + hn::Lanes(Units())));
@@ -32,8 +37,8 @@ HWY_INLINE bool haveRows(const char16_t* p) {
 
 using Entries = hn::Vec<States>;
 
-/// Without what entries say besides the next state. The shuffles of some processors look at no other bits
-/// anyway.
+/// Entries without what they say besides the next state. The shuffles of some processors look at no other
+/// bits anyway.
 HWY_INLINE Entries asIndexes(Entries entries) {
 #if HWY_ARCH_X86 && HWY_TARGET != HWY_EMU128
     return entries;
@@ -42,8 +47,9 @@ HWY_INLINE Entries asIndexes(Entries entries) {
 #endif
 }
 
-/// What two rows come to together. Rows of several units are made while the state before them is not known
-/// yet, so that the steps from state to state are few.
+/// The row of two units, made of theirs: from each state over the first to the second. That a match may end
+/// on the way is kept. Such rows are made while the state before them is not known yet, so that few shuffles
+/// depend on each other.
 HWY_INLINE Entries behindEachOther(Entries first, Entries second) {
     const auto accepted = hn::And(first, hn::Set(States(), RE_Shuffle_Table::accepts));
     return hn::Or(hn::TableLookupBytes(second, asIndexes(first)), accepted);
@@ -72,8 +78,10 @@ const char16_t* shuffleBlocks(const RE_Shuffle_Table& table, const char16_t* p, 
             met = hn::Or(met, entry);
             next = asIndexes(entry);
         }
+        // All lanes hold the same state: one is enough.
         const std::uint8_t before = stateOf(current);
         const std::uint8_t after = stateOf(next);
+        // The block is not passed: the table has to read it unit by unit, to find where the match ends.
         if ((hn::GetLane(met) & RE_Shuffle_Table::accepts) != 0 || after == 0) {
             break;
         }

@@ -1,4 +1,7 @@
-// Memory of the nodes of one pattern.
+// Memory of the nodes of one pattern: laid out in the order in which they are made, so that nodes that follow
+// each other in the graph are mostly neighbours in memory, and released together.
+//
+// The store knows blocks, not nodes: whoever owns it has destroyed the nodes before.
 #pragma once
 
 #include "regexp/base/memory.h"
@@ -8,7 +11,7 @@
 
 class RE_Node;
 
-/// Lays nodes one behind the other in a few chunks from the host. Does not destroy them.
+/// Lays nodes out one after another in a few chunks from the host. Does not destroy them.
 class CORVANE_REGEXP_EXPORT RE_Node_Store {
 public:
     RE_Node_Store() = default;
@@ -16,6 +19,7 @@ public:
     RE_Node_Store(const RE_Node_Store&) = delete;
     RE_Node_Store& operator=(const RE_Node_Store&) = delete;
 
+    /// A block for one node. Throws what the host's checked allocation throws; nothing is lost then.
     void* take(std::size_t bytes) {
         const std::size_t taken = (bytes + grain - 1) / grain * grain;
         if (static_cast<std::size_t>(end - next) < taken) {
@@ -25,8 +29,8 @@ public:
         next += taken;
         return place;
     }
-    /// Gives back the chunks that hold none of these nodes, which are in the order in which they were made. No others are
-    /// made from then on.
+    /// Releases the chunks that hold none of these nodes, which are in the order in which they were made.
+    /// Nothing may be taken afterwards, as the newest chunk may be gone. Linear in the nodes and chunks.
     void keepChunksOf(std::span<RE_Node* const> nodes) noexcept;
 
 private:

@@ -1,23 +1,189 @@
-// Machine code for x86-64, put together.
+// Puts machine code for x86-64 together: the frame of the code (`Code_Writer`), the choice of vectors, and
+// the order of all parts (`Assembler`).
+//
+// Without an assembler the last lines are all that is compiled: there is no code then, and searches run the
+// program or the graph.
 #include "regexp/machine/machine_code.h"
 
 #ifdef CORVANE_MACHINE_CODE
 
-#include "regexp/machine/start_code.h"
+#include "regexp/machine/program_code.h"
 #include "regexp/nodes/dispatch.h"
+
+#include <xbyak/xbyak_util.h>
 
 #include <algorithm>
 #include <utility>
 
+namespace corvane_machine {
+
 namespace {
 
+/// Reasons that end a search. Nothing is resumed after them, so less has to be written back.
+bool isEnd(RE_Machine_Exit reason) {
+    return reason == RE_Machine_Exit::matched || reason == RE_Machine_Exit::noStart;
+}
+
+}  // namespace
+
+// Owned one by one: a label must not move, as jumps that are not resolved yet refer to it.
+Label& Code_Writer::fresh() {
+    labels.push_back(std::make_unique<Label>());
+    return *labels.back();
+}
+
+Label& Code_Writer::exitFor(RE_Machine_Exit reason, const RE_Instruction* instruction, Label* resume) {
+    exits.push_back(std::make_unique<Exit>(Exit{{}, reason, instruction, resume}));
+    return exits.back()->label;
+}
+
+// Loads from the search what the registers hold while the code runs. They are written back by each exit, as
+// far as the search or the next run reads them.
+void Code_Writer::emitEntry() {
+    push(rbx);
+    push(rbp);
+    mov(p, at(offsetof(RE_Search_Registers, cursor)));
+    mov(end, at(offsetof(RE_Search_Registers, subjectEnd)));
+    mov(begin, at(offsetof(RE_Search_Registers, subjectBegin)));
+    mov(left, at(offsetof(RE_Search_Registers, meter)));
+    mov(start, at(offsetof(RE_Search_Registers, matchStart)));
+    mov(runBegin, at(offsetof(RE_Search_Registers, runBegin)));
+    // The place is in memory: the code continues anywhere, with all its registers as they were.
+    jmp(at(offsetof(RE_Search_Registers, resume)));
+}
+
+void Code_Writer::emitBegin() {
+    push(rbx);
+    push(rbp);
+    mov(end, at(offsetof(RE_Search_Registers, subjectEnd)));
+    mov(begin, at(offsetof(RE_Search_Registers, subjectBegin)));
+    mov(left, at(offsetof(RE_Search_Registers, meter)));
+    // No attempt has begun: until one has, the registers say that there is no start.
+    xor_(start.cvt32(), start.cvt32());
+}
+
+// Writes back what the attempt has changed, as far as somebody reads it after that reason. The parts of an
+// exit that differ (instruction, resume place, reason) come first, and all of them share what follows `code`.
+void Code_Writer::emitExits() {
+    emitEnds(RE_Machine_Exit::matched);
+    mov(at(offsetof(RE_Search_Registers, cursor)), p);
+    mov(at(offsetof(RE_Search_Registers, matchStart)), start);
+    emitReturn(RE_Machine_Exit::matched);
+    emitEnds(RE_Machine_Exit::noStart);
+    emitReturn(RE_Machine_Exit::noStart);
+    Label code;
+    for (const auto& exit : exits) {
+        if (isEnd(exit->reason)) {
+            continue;
+        }
+        L(exit->label);
+        if (exit->instruction != nullptr) {
+            mov(rax, reinterpret_cast<std::uint64_t>(exit->instruction));
+            mov(at(offsetof(RE_Search_Registers, instruction)), rax);
+        }
+        if (exit->resume != nullptr) {
+            lea(rax, ptr[rip + *exit->resume]);
+            mov(at(offsetof(RE_Search_Registers, resume)), rax);
+        }
+        mov(eax, static_cast<std::uint32_t>(exit->reason));
+        jmp(code, T_NEAR);
+    }
+    L(code);
+    mov(at(offsetof(RE_Search_Registers, cursor)), p);
+    mov(at(offsetof(RE_Search_Registers, matchStart)), start);
+    mov(at(offsetof(RE_Search_Registers, runBegin)), runBegin);
+    emitLeave();
+}
+
+/// All exits that end a search for the same reason are one place.
+void Code_Writer::emitEnds(RE_Machine_Exit reason) {
+    for (const auto& exit : exits) {
+        if (exit->reason == reason) {
+            L(exit->label);
+        }
+    }
+}
+
+void Code_Writer::emitReturn(RE_Machine_Exit reason) {
+    mov(eax, static_cast<std::uint32_t>(reason));
+    emitLeave();
+}
+
+void Code_Writer::emitLeave() {
+    mov(at(offsetof(RE_Search_Registers, meter)), left);
+    pop(rbp);
+    pop(rbx);
+    ret();
+}
+
+void Code_Writer::emitConstants() {
+    // Vector loads from memory operands must be aligned.
+    align(16);
+    for (const Constant& each : constants) {
+        L(*each.label);
+        db(each.bytes.data(), each.bytes.size());
+    }
+}
+
+// The same bytes are often needed by several instructions: they are written once.
+Label& Code_Writer::constant(const Bytes& bytes) {
+    const auto known = std::ranges::find(constants, bytes, &Constant::bytes);
+    if (known != constants.end()) {
+        return *known->label;
+    }
+    constants.push_back({bytes, &fresh()});
+    return *constants.back().label;
+}
+
+void Code_Writer::forgetLabels() {
+    std::vector<std::unique_ptr<Label>>().swap(labels);
+    std::vector<std::unique_ptr<Exit>>().swap(exits);
+    std::vector<Constant>().swap(constants);
+    reset();
+}
+
+namespace {
+
+RE_Machine_Vectors vectorsOfProcessor() {
+    using Xbyak::util::Cpu;
+    const Cpu processor;
+    if (!processor.has(Cpu::tSSE41) || !processor.has(Cpu::tSSSE3)) {
+        return RE_Machine_Vectors::none;
+    }
+    if (!processor.has(Cpu::tAVX2)) {
+        return RE_Machine_Vectors::narrow;
+    }
+    const bool masks = processor.has(Cpu::tAVX512BW) && processor.has(Cpu::tAVX512VL) &&
+                       processor.has(Cpu::tBMI1) && processor.has(Cpu::tBMI2);
+    return masks ? RE_Machine_Vectors::masked : RE_Machine_Vectors::wide;
+}
+
+}  // namespace
+
+// Querying the processor takes longer than making the code, most of all under a hypervisor, which traps the
+// query: once per process is enough.
+RE_Machine_Vectors Unit_Code::vectorsWithin(RE_Machine_Vectors widest) {
+    static const RE_Machine_Vectors known = vectorsOfProcessor();
+    return std::min(known, widest);
+}
+
+}  // namespace corvane_machine
+
+namespace {
+
+// Upper bounds of the size of the code, in bytes. The buffer does not grow, as places in it are referred to
+// by address; code that did not fit would be refused by the assembler with an exception, and the pattern
+// would go without. Generous bounds cost address space only: pages that are not written are not backed by
+// memory.
 constexpr std::size_t bytesAnInstruction = 512;
 constexpr std::size_t bytesOfTheRest = 4096;
 constexpr std::size_t bytesOfATable = RE_Branch_Start::columns * sizeof(void*);
 constexpr std::size_t bytesOfAChoice = 2048;
 constexpr std::size_t bytesOfTexts = 8192;
 constexpr std::size_t mostUnitsOfText = 256;
-constexpr std::size_t bytesOfAUnit = 192;  // it may stand in the code six times
+// The text of an instruction may be written as the test itself, as what a choice looks for, and in a row near
+// the end.
+constexpr std::size_t bytesOfAUnit = 192;  // it may be in the code six times
 
 std::size_t roomFor(const RE_Program& program) {
     std::size_t room = bytesOfTheRest + program.instructions.size() * bytesAnInstruction;
@@ -35,10 +201,13 @@ std::size_t roomFor(const RE_Program& program) {
     return room;
 }
 
+/// The finished code. The base that writes it stays part of the object, as it owns the buffer.
 class Assembler : public RE_Machine_Code, private corvane_machine::Start_Code {
 public:
     Assembler(const RE_Graph_Facts& graphFacts, const RE_Node* graphRoot)
         : Start_Code(graphFacts, graphRoot, roomFor(*graphFacts.program)) {
+        // The order is the layout of the code: entries, starts, program, exits, constants. `emitBegin` falls
+        // through into `emitStarts`, and the next start into the program.
         emitEntry();
         Xbyak::Label beginLabel;
         L(beginLabel);
@@ -47,11 +216,13 @@ public:
         emitProgram();
         emitExits();
         emitConstants();
+        // From here on the buffer is executable and no longer writable.
         setProtectModeRE();
         entry = getCode<Entry>();
         first = reinterpret_cast<decltype(first)>(reinterpret_cast<std::uintptr_t>(beginLabel.getAddress()));
         nextStart = nextStartLabel.getAddress();
         attempt = attemptLabel.getAddress();
+        // Both bases have the member: that of the interface is what searches read.
         RE_Machine_Code::mostSteps = Start_Code::mostSteps;
         forgetPlaces();
         gains = graphFacts.program->entry != nullptr || seeks();

@@ -1,13 +1,29 @@
-// Code of runs of which a shorter or a longer one is tried where the rest has failed, without leaving the
-// code.
+// Choices: between several ways on, of which the next unit or text leaves one at most; and between the ends
+// of a run.
 //
-// Only one such choice is open at a time, and nothing but the rest itself stands behind it. What was so when
-// it was taken is kept: where anything comes up that is not for the code, the match loop takes up the rest
-// from there.
+// The first kind leaves no record in the match loop either. It is said to be spared there, and counts towards
+// the beginning of the memo (`memoCountdown`) like a choice taken up again, since a loop that leaves no
+// records could otherwise be gone through from each start.
+//
+// The second kind is the one choice that code keeps by itself. It works because its rest (`ownRest`) takes no
+// choices, is led to by nothing else, and writes to no token that was begun before:
+//
+//     leave      nothing is chosen so far, and the code cannot do it: the match loop continues at the run
+//     chosen     `p` is an end: note it, with the meter and the countdown, and continue in the rest
+//     again      the rest has failed: restore the tokens, go to the next end, and on to `chosen`
+//     handOver   anything unusual in the rest, or too few steps: restore everything as it was at `chosen`
+//                and let the match loop take the same choice, with a record
+//
+// Invariant: what the rest has done can be forgotten at any time. All that it writes is `p`, scratch
+// registers, the meter, the countdown, and slots of tokens above `choiceWritten`.
+//
+// No choice is taken here while there is a memo: the code cannot query it.
 #ifdef CORVANE_MACHINE_CODE
 
 #include "regexp/machine/program_code.h"
 #include "regexp/nodes/consume.h"
+#include "regexp/nodes/dispatch.h"
+#include "regexp/nodes/literal_set.h"
 #include "regexp/program/own_rest.h"
 #include "regexp/state/token_stack.h"
 #include "regexp/units/unit_set.h"
@@ -16,16 +32,130 @@
 
 namespace corvane_machine {
 
+// A table of addresses, indexed by the next unit: one for each unit of the table, one for all others, and one
+// for the end of the subject. Columns with several ways leave for the match loop, which pushes a record.
+void Program_Code::emitChoice(const RE_Instruction& in) {
+    const auto& choice = static_cast<const RE_Dispatch&>(*in.node);
+    Label& table = fresh();
+    Label& many = fresh();
+    Label& none = labelOf(in.otherwise);
+    Label& chosen = fresh();
+    pending.push_back(in.otherwise);
+    mov(eax, static_cast<std::uint32_t>(RE_Branch_Start::atEnd));
+    cmp(p, end);
+    jae(chosen, T_NEAR);
+    movzx(eax, word[p]);
+    cmp(eax, static_cast<std::uint32_t>(RE_Branch_Start::others));
+    jbe(chosen, T_NEAR);
+    mov(eax, static_cast<std::uint32_t>(RE_Branch_Start::others));
+    L(chosen);
+    lea(other, ptr[rip + table]);
+    jmp(qword[other + rax * 8]);
+    L(many);
+    inc(left);
+    jmp(leaveAt(in), T_NEAR);
+    std::vector<Label*> spared(choice.ways.size(), nullptr);
+    const auto sparedTo = [&](std::size_t way) -> Label& {
+        if (spared[way] == nullptr) {
+            spared[way] = &fresh();
+        }
+        return *spared[way];
+    };
+    align(8);
+    L(table);
+    for (std::size_t column = 0; column < RE_Branch_Start::columns; ++column) {
+        const std::size_t way = choice.onlyWayOf(column);
+        putL(way == RE_Dispatch::noWay ? none : way == RE_Dispatch::manyWays ? many : sparedTo(way));
+    }
+    emitSparedWays(in, spared, many);
+}
+
+// A choice that was spared counts towards the beginning of the memo. The one that begins it is left to the
+// match loop, which makes the memo.
+void Program_Code::emitSparedWays(const RE_Instruction& in, std::vector<Label*>& spared, Label& many) {
+    for (std::size_t way = 0; way < spared.size(); ++way) {
+        if (spared[way] != nullptr) {
+            L(*spared[way]);
+            cmp(at(offsetof(RE_Search_Registers, memoCountdown)), 1);
+            jbe(many, T_NEAR);
+            dec(at(offsetof(RE_Search_Registers, memoCountdown)));
+            jmp(labelOf(in.ways[way]), T_NEAR);
+            pending.push_back(in.ways[way]);
+        }
+    }
+}
+
+// One of a few texts, none of which begins another: so at most one of them is at `p`, and the order in
+// which they are tested does not matter. They are sorted, and what several of them begin with is tested once.
+void Program_Code::emitTexts(const RE_Instruction& in) {
+    const RE_Literal_Trie& literals = static_cast<const RE_Literal_Set&>(*in.node).literals;
+    Texts texts;
+    for (std::size_t i = 0; i < literals.count(); ++i) {
+        texts.push_back(literals.text(i));
+    }
+    std::ranges::sort(texts);
+    Label& taken = fresh();
+    Label& many = fresh();
+    emitTextsAfter(texts, 0, 0, labelOf(in.otherwise), taken);
+    L(many);
+    inc(left);
+    jmp(leaveAt(in), T_NEAR);
+    L(taken);
+    cmp(at(offsetof(RE_Search_Registers, memoCountdown)), 1);
+    jbe(many, T_NEAR);
+    dec(at(offsetof(RE_Search_Registers, memoCountdown)));
+    add(p, rax);
+}
+
+// All texts have their first `known` units in common, and these are at `p`; `readable` units from `p` on
+// lie before the end. Jumps to `taken` with the size in bytes of the text that is there in rax. Calls
+// itself once for each unit by which they differ: there are few texts, and each call has fewer.
+void Program_Code::emitTextsAfter(std::span<const std::u16string_view> texts, std::size_t known,
+                                  std::size_t readable, Label& none, Label& taken) {
+    const std::u16string_view one = texts.front();
+    const auto differing = std::ranges::mismatch(one, texts.back()).in1;
+    const auto common = static_cast<std::size_t>(differing - one.begin());
+    const bool isLast = texts.size() == 1;
+    // The unit by which the others differ is read as well. None of the texts ends before it, as none begins
+    // another.
+    const std::size_t needed = isLast ? common : common + 1;
+    if (needed > readable) {
+        lea(rax, ptr[p + static_cast<int>(needed * sizeof(char16_t))]);
+        cmp(rax, end);
+        ja(none, T_NEAR);
+    }
+    if (common > known) {
+        unlessText(p, {one.data() + known, common - known, false}, none, known);
+    }
+    if (isLast) {
+        mov(eax, static_cast<std::uint32_t>(common * sizeof(char16_t)));
+        jmp(taken, T_NEAR);
+        return;
+    }
+    while (!texts.empty()) {
+        const char16_t unit = texts.front()[common];
+        const auto next =
+            std::ranges::find_if(texts, [&](std::u16string_view text) { return text[common] != unit; });
+        const auto count = static_cast<std::size_t>(next - texts.begin());
+        Label& others = fresh();
+        unlessText(p, {&unit, 1, false}, count < texts.size() ? others : none, common);
+        emitTextsAfter(texts.first(count), common + 1, std::max(needed, readable), none, taken);
+        L(others);
+        texts = texts.subspan(count);
+    }
+}
+
 namespace {
 
+// The units that every such run has are tested one by one: a scan of many would have to count steps.
 constexpr std::uint32_t mostLeast = 16;
 
 bool isChoiceRun(const RE_Instruction& in) {
     return in.operation == RE_Operation::lazyRun || in.operation == RE_Operation::givingRun;
 }
 
-/// Whether what begins with such an instruction is found by looking at the first unit, and at the text behind
-/// it.
+/// Whether the first unit of what begins with such an instruction, and the text after it, tell where it can
+/// begin. A long text is left out, as its comparison would have to count steps.
 bool saysWhere(const RE_Instruction& in) {
     switch (in.operation) {
         case RE_Operation::unit:
@@ -42,14 +172,17 @@ bool saysWhere(const RE_Instruction& in) {
     }
 }
 
+/// An end of a token: it consumes nothing, so what begins after it begins there.
 bool isBracket(const RE_Instruction& in) {
     return in.operation == RE_Operation::startToken || in.operation == RE_Operation::endToken;
 }
 
 }  // namespace
 
+// A maximum between `nearUnits` and a step's worth of units is left to the match loop as a whole: it scans so
+// far without counting, and the code does not.
 void Program_Code::findChoices() {
-    choiceBehind.resize(program.instructions.size());
+    choiceOf.resize(program.instructions.size());
     for (const RE_Instruction& in : program.instructions) {
         const bool reachesFar = in.most > nearUnits && in.most < RE_Step_Meter::unitsAStep;
         if (isChoiceRun(in) && in.least <= mostLeast && !reachesFar) {
@@ -58,10 +191,13 @@ void Program_Code::findChoices() {
     }
 }
 
+// Only runs whose rest is their own become choices of the code. The others stay `leave` instructions in
+// effect.
 void Program_Code::noteChoice(const RE_Instruction& run) {
     auto found = std::make_unique<Choice>();
     found->run = &run;
     found->rest = ownRest(program, run);
+    // As in the graph: where the rest seeks, ends at which it cannot begin are stepped over.
     if (static_cast<const RE_Consume&>(*run.node).restSeeks()) {
         found->first = isBracket(*run.next) ? run.next->next : run.next;
     }
@@ -78,12 +214,13 @@ void Program_Code::noteChoice(const RE_Instruction& run) {
     found->records = has(RE_Operation::endToken, RE_Operation::tokenRun);
     found->spares = has(RE_Operation::choose, RE_Operation::texts);
     for (const RE_Instruction* in : found->rest) {
-        choiceBehind[indexOf(in)] = found.get();
+        choiceOf[indexOf(in)] = found.get();
     }
     choices.push_back(std::move(found));
 }
 
-/// The instruction to go on with; null where the match loop has taken over.
+// Writes the run and its choice. Returns the instruction with which the rest continues; null where there is
+// no choice, and the match loop takes over at the run.
 const RE_Instruction* Program_Code::emitChoiceRun(const RE_Instruction& in) {
     const auto known = std::ranges::find(choices, &in, &Choice::run);
     if (known == choices.end()) {
@@ -104,7 +241,9 @@ const RE_Instruction* Program_Code::emitChoiceRun(const RE_Instruction& in) {
     return emitChosen(each);
 }
 
-// Nothing is chosen where a memo would have to be asked.
+// Refuses to choose while there is a memo. A token that is to begin the rest must have a text: without one
+// the rest begins anywhere, or nowhere. Trap: flags of the first comparison live across the `mov`, which
+// leaves them alone.
 void Program_Code::emitChoiceEntry(Choice& each) {
     cmp(at(offsetof(RE_Search_Registers, memoCountdown)), 0);
     mov(at(offsetof(RE_Search_Registers, choiceEnd)), p);
@@ -125,8 +264,8 @@ void Program_Code::emitChoiceEntry(Choice& each) {
     }
 }
 
-// The rest writes to none but tokens behind those that were begun when the end was chosen: to take its writes
-// back is to call their slots stale again.
+// The rest writes to no tokens but those above the ones that were begun when the end was chosen (`ownRest`
+// sees to that): to undo its writes is to call their slots stale again.
 void Program_Code::emitTokensBack(const Choice& each) {
     if (!each.records) {
         return;
@@ -137,7 +276,9 @@ void Program_Code::emitTokensBack(const Choice& each) {
     mov(at(offsetof(RE_Search_Registers, written)), rax);
 }
 
-// The rest has failed. A choice is taken up as from the stack.
+// The rest has failed: the choice is taken up again, with everything that popping its record would do (the
+// count of choices, the countdown to the memo). Where that makes something due that is not for the code (a
+// poll for interrupts, the memo, a checkpoint) the choice is handed over instead.
 void Program_Code::emitAgain(Choice& each, Label& failed) {
     L(each.again);
     mov(p, at(offsetof(RE_Search_Registers, choiceEnd)));
@@ -155,7 +296,7 @@ void Program_Code::emitAgain(Choice& each, Label& failed) {
     dec(at(offsetof(RE_Search_Registers, memoCountdown)));
 }
 
-// Before anything was chosen.
+// Leaves before anything was chosen: the step of the run is uncounted, and the match loop begins with it.
 void Program_Code::emitLeave(Choice& each) {
     L(each.leave);
     mov(p, at(offsetof(RE_Search_Registers, choiceEnd)));
@@ -163,6 +304,8 @@ void Program_Code::emitLeave(Choice& each) {
     jmp(leaveAt(*each.run), T_NEAR);
 }
 
+// Whatever the rest has done since the end was chosen is undone, the steps included: the match loop does it
+// once more, and counts it.
 void Program_Code::emitHandOver(Choice& each) {
     L(each.handOver);
     mov(left, at(offsetof(RE_Search_Registers, choiceMeter)));
@@ -175,7 +318,9 @@ void Program_Code::emitHandOver(Choice& each) {
     jmp(exitFor(RE_Machine_Exit::choice, each.run), T_NEAR);
 }
 
-// Where the rest is known to begin with what it begins with, that is not asked again.
+// Notes what was so at this end. The instruction that begins the rest is passed where looking for the end has
+// tested it already; its step is counted all the same. Those whose test was of the first unit alone are not
+// passed.
 const RE_Instruction* Program_Code::emitChosen(const Choice& each) {
     mov(at(offsetof(RE_Search_Registers, choiceEnd)), p);
     mov(at(offsetof(RE_Search_Registers, choiceMeter)), left);

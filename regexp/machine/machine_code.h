@@ -1,11 +1,19 @@
-// Machine code of a pattern: its program, and the way from start to start, as instructions of the processor.
+// Machine code of a pattern: its program, and the walk from start to start, as instructions of the processor.
 //
-// The code calls nothing. Where more is to be done than it can do by itself it returns, says why, and is run
-// again from where it was: nothing can be thrown through it, and no stack grows. It takes the steps that the
-// match loop would take, in the same order, so that budgets, interrupts and results are those of the graph.
+// The code calls nothing and allocates nothing. Where it cannot continue by itself it returns with a reason
+// and is run again later, at the place that it left in the registers. So no exception has to pass through
+// frames that the unwinder does not know, and the native stack does not grow.
+//
+// Invariant: the code takes the steps that the match loop would take, in the same order. Budgets,
+// checkpoints, interrupts and results are those of the graph; a pattern may run with code in one search and
+// without in another.
+//
+// This header is all that the rest of the engine sees. It must not include the assembler: on other
+// processors, and with the build option off, `make` returns null and nothing else changes.
 #pragma once
 
 #include "regexp/base/memory.h"
+#include "regexp/base/tuning.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -15,50 +23,47 @@ struct RE_Graph_Facts;
 class RE_Node;
 struct RE_Search_Registers;
 
-/// Why the code returned.
+/// Why the code returned. The first two end the search; after each of the others
+/// `Machine_Search` does what is due and runs the code again.
 enum class RE_Machine_Exit : std::uint64_t {
     matched,  ///< at `cursor`
-    noStart,  ///< no match begins at `cursor` or behind it
-    seek,     ///< the next start from `cursor` on is not near
-    failed,   ///< the attempt has failed, and there is more to do than to go on to the next one
-    slow,     ///< an attempt at `cursor` may need a checkpoint on its way
-    choice,  ///< the attempt has just taken the choice of the instruction that `cursor` is; the match loop goes on
-    leave,    ///< the attempt is at `cursor`; the match loop goes on at the node of the instruction
+    noStart,  ///< no match begins at `cursor` or after it
+    seek,     ///< no start is near `cursor`: the root has to seek, and knows more than the code does
+    failed,   ///< the attempt has failed, and more is due than moving on to the next start
+    slow,     ///< an attempt at `cursor` might pass a checkpoint, which the code has none of
+    choice,  ///< the attempt has chosen the end `cursor` for the run of the instruction; the match loop continues
+    leave,    ///< the attempt is at `cursor`; the match loop continues at the node of the instruction
     longRun,  ///< the run of the instruction is longer than a few units
     glance    ///< the assertion of the instruction is to be decided at `cursor`
 };
 
-/// What code looks at many units with, as far as the processor has it.
-enum class RE_Machine_Vectors {
-    none,
-    narrow,  ///< eight units
-    wide,    ///< sixteen
-    masked   ///< up to 32, of which those behind the subject's end are not read
-};
-
-/// Read-only once it is made: many threads run it, each with registers of its own.
+/// The code of one compiled pattern, owned by its graph. Read-only once it is made: many threads may run it
+/// at once, each with registers of its own. The memory is writable while it is filled and executable
+/// afterwards, never both.
 class RE_Machine_Code : public RE_Memory {
 public:
-    /// Null where there is no program, and where this machine cannot be given code.
+    /// Null where the pattern has no program, where code would do nothing by itself, and where the machine
+    /// refuses memory that may be executed. `facts` and the graph from `root` on must outlive the code, which
+    /// holds their addresses.
     static std::unique_ptr<RE_Machine_Code> make(const RE_Graph_Facts& facts, const RE_Node* root);
     virtual ~RE_Machine_Code() = default;
-    /// Code made from now on has none that are wider, so that they can be compared.
-    static void limitVectors(RE_Machine_Vectors widest);
-
-    /// Begins to look for a match that starts at `p` or behind it, where the subject leaves room for one.
+    /// Looks for a match that starts at `p` or after it. `p` must not lie past `lastStart` of the registers:
+    /// the code begins after that test.
     RE_Machine_Exit begin(RE_Search_Registers& search, const char16_t* p) const {
         return static_cast<RE_Machine_Exit>(first(&search, p));
     }
-    /// Goes on where the registers say.
+    /// Continues at the place that the registers name, after the reason of the last return was dealt with.
     RE_Machine_Exit run(RE_Search_Registers& search) const {
         return static_cast<RE_Machine_Exit>(entry(&search));
     }
 
-    // Where it may begin, beside where it stopped.
-    const void* nextStart = nullptr;  ///< looks for a start from `p` on
-    const void* attempt = nullptr;    ///< tries the start `p`
+    // Places to put into `resume`, in addition to those that the code leaves there itself.
+    const void* nextStart = nullptr;  ///< looks for a start from `cursor` on
+    const void* attempt = nullptr;    ///< tries the start `cursor`
 
-    std::int64_t mostSteps = 0;  ///< that an attempt takes from one of its own checks to the next
+    /// An attempt takes at most so many steps between two of its own checks of the meter. With less room than
+    /// that the code must not begin one, as it could run past a checkpoint.
+    std::int64_t mostSteps = 0;
 
 protected:
     using Entry = std::uint64_t (*)(RE_Search_Registers*);

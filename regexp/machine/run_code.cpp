@@ -1,4 +1,12 @@
-// Code of runs, and of the tokens that are told with them or apart.
+// Runs that release nothing, and the tokens: those that hold such a run and those that are opened and closed
+// apart.
+//
+// A run ends in one of four ways, cheapest first: by one vector, by up to three, unit by unit up to
+// `shortRun` units, or outside of the code. Longer runs are measured by the search, which counts their steps,
+// remembers them, and polls for interrupts. The code is resumed at the end of the run.
+//
+// Tokens are written without a trail: there is no record to which an attempt in here could backtrack. The one
+// choice that code keeps undoes the writes of its rest by itself.
 #ifdef CORVANE_MACHINE_CODE
 
 #include "regexp/machine/program_code.h"
@@ -11,10 +19,11 @@
 
 namespace corvane_machine {
 
-// Most runs end within a vector or a few: their ends are found without a branch for each unit. Runs that are
-// long enough to count for steps, or to be remembered, are measured elsewhere.
+// Most runs end within a vector or a few: their ends are found without a branch for each unit. The upper half
+// of eax is ones after the `not`, so `bsf` finds sixteen where all units are members.
 void Program_Code::emitShortRun(const RE_Instruction& in, Label& ended, Label& stopped) {
     constexpr std::uint32_t fewVectors = 3;
+    // So many units are less than a step of a scan: nothing has to be counted.
     static_assert(fewVectors * vectorUnits < RE_Step_Meter::unitsAStep);
     const RE_Unit_Set& units = *in.units;
     Label& again = fresh();
@@ -41,13 +50,15 @@ void Program_Code::emitShortRun(const RE_Instruction& in, Label& ended, Label& s
     if (kindOf(units) != Kind::mixed) {
         jmp(ended, T_NEAR);
     } else {
+        // A unit above the table ends the vector, not always the run: it is tested alone.
         cmp(word[p], 0x80);
         jb(ended, T_NEAR);
     }
     L(oneByOne);
 }
 
-// Runs of a few units at most are measured by one look: where they end no jump depends on.
+// Runs of a few units at most are measured by one look, and no jump depends on where they end. A bit set at
+// the maximum ends the run there.
 void Program_Code::emitFewUnits(const RE_Instruction& in, Label& measured) {
     const bool isNarrow = kindOf(*in.units) == Kind::range && in.most <= vectorUnits / 2;
     const std::uint32_t bitsAUnit = isNarrow ? 2 : 1;
@@ -62,6 +73,7 @@ void Program_Code::emitFewUnits(const RE_Instruction& in, Label& measured) {
     }
     not_(eax);
     if (in.most * bitsAUnit < vectorUnits) {
+        // A bit past the last unit allowed ends the run at the maximum at the latest.
         or_(eax, 1U << (in.most * bitsAUnit));
     }
     bsf(ecx, eax);
@@ -70,7 +82,9 @@ void Program_Code::emitFewUnits(const RE_Instruction& in, Label& measured) {
     L(oneByOne);
 }
 
-// Leaves the end of the run in `p`, its beginning in `runBegin`. Longer runs are measured elsewhere.
+// Leaves the end of the run in `p`, its beginning in `runBegin`. `ended`: the end is exact. `stopped`: the
+// code has seen no end, but the run may continue. Within the rest of a choice a long run is handed over together
+// with the choice, as the code could not be resumed in the middle of it.
 void Program_Code::emitRunEnd(const RE_Instruction& in) {
     constexpr auto few = static_cast<std::uint32_t>(RE_Consume::shortRun);
     Label& ended = fresh();
@@ -82,6 +96,7 @@ void Program_Code::emitRunEnd(const RE_Instruction& in) {
     } else if (scansVectors && kindOf(*in.units) != Kind::mixed && in.most > 1) {
         emitFewUnits(in, ended);
     }
+    // Near the subject's end, and for sets that vectors cannot decide, unit by unit.
     lea(stop, ptr[runBegin + static_cast<int>(std::min(in.most, few) * 2)]);
     cmp(stop, end);
     cmova(stop, end);
@@ -96,9 +111,11 @@ void Program_Code::emitRunEnd(const RE_Instruction& in) {
     L(stopped);
     if (in.most > few) {
         cmp(p, end);
-        jb(behind != nullptr ? behind->handOver : exitFor(RE_Machine_Exit::longRun, &in, &ended), T_NEAR);
+        jb(openChoice != nullptr ? openChoice->handOver : exitFor(RE_Machine_Exit::longRun, &in, &ended),
+           T_NEAR);
     }
     L(ended);
+    // The condition of `emitHopeless`, which alone reads the run.
     if (in.flag && (in.most == RE_Instruction::noMaximum || in.least > 1)) {
         emitLeadingRun(in);
     }
@@ -109,7 +126,9 @@ void Program_Code::emitRunEnd(const RE_Instruction& in) {
     }
 }
 
-// A run that reached its limit says nothing of what follows.
+// Notes the run for the walk to later starts, which are hopeless within it. A run that reached its limit says
+// nothing: from the next start it could reach further. What is noted must be what `RE_Consume` and the
+// program note, as one of them may continue where the code has returned.
 void Program_Code::emitLeadingRun(const RE_Instruction& in) {
     Label& unsaid = fresh();
     if (in.most != RE_Instruction::noMaximum) {
@@ -124,7 +143,8 @@ void Program_Code::emitLeadingRun(const RE_Instruction& in) {
     L(unsaid);
 }
 
-// An attempt that fails at the next unit needs no token.
+// Looks at the unit after a token before the token is written, as most attempts fail there. The unit is
+// tested again by its own instruction; a failure counts the step that this instruction would have taken.
 void Program_Code::emitGlimpse(const RE_Instruction& next) {
     if (!isUnitTest(next) || next.otherwise->operation != RE_Operation::failed) {
         return;
@@ -132,14 +152,15 @@ void Program_Code::emitGlimpse(const RE_Instruction& next) {
     Label& failed = fresh();
     loadUnit(failed);
     unlessTaken(next, failed);
-    later.emplace_back([this, &failed, after = behind] {
-        behind = after;
+    later.emplace_back([this, &failed, choice = openChoice] {
+        openChoice = choice;
         L(failed);
         dec(left);
         jmp(failedTo(), T_NEAR);
     });
 }
 
+// One instruction for three nodes (the opening, the loop, the closing), and so for three steps.
 void Program_Code::emitTokenRun(const RE_Instruction& in) {
     const auto& token = static_cast<const RE_Start_Token&>(*in.node);
     dec(left);
@@ -152,6 +173,7 @@ void Program_Code::emitTokenRun(const RE_Instruction& in) {
     emitRecord(token.number);
 }
 
+// Opening a token writes no slot: only a closed group counts.
 void Program_Code::emitStartToken(const RE_Instruction& in) {
     mov(rax, p);
     sub(rax, begin);
@@ -166,7 +188,7 @@ void Program_Code::emitEndToken(const RE_Instruction& in) {
     emitRecord(in.least);
 }
 
-// The token from index `stop` to `p`. Names stand in the slots already.
+// Writes the token from the index in `stop` to `p`. Names are in the slots from the beginning of the search.
 void Program_Code::emitRecord(std::size_t number) {
     const auto slotAt = [](std::size_t index) { return static_cast<int>(index * sizeof(RE_TokenInfo)); };
     const auto lengthAt = static_cast<int>(offsetof(RE_TokenInfo, length));
@@ -187,7 +209,8 @@ void Program_Code::emitRecord(std::size_t number) {
     }
 }
 
-// Slots below the token that this attempt has not written are emptied; `spare` is the first.
+// Empties the slots below the token that this attempt has not written, as they may hold what another attempt
+// left there. `spare` is the first slot. `written` is the number of slots that are this attempt's.
 void Program_Code::emitBeginSlots(std::size_t number) {
     const auto lengthAt = static_cast<int>(offsetof(RE_TokenInfo, length));
     const auto tookPartAt = static_cast<int>(offsetof(RE_TokenInfo, tookPart));
@@ -196,6 +219,7 @@ void Program_Code::emitBeginSlots(std::size_t number) {
     Label& known = fresh();
     Label& again = fresh();
     Label& none = fresh();
+    // One comparison in the common case, where this attempt has written the slot or a higher one before.
     mov(other, at(offsetof(RE_Search_Registers, written)));
     cmp(other, static_cast<std::uint32_t>(number));
     ja(known, T_NEAR);
@@ -217,9 +241,12 @@ void Program_Code::emitBeginSlots(std::size_t number) {
     L(known);
 }
 
+// Compares unit by unit: the texts of most tokens are short, and long ones are left to the match loop, which
+// counts their steps. Nothing is folded: patterns that ignore case have no such instruction.
 void Program_Code::emitTokenText(const RE_Instruction& in) {
     Label& otherwise = labelOf(in.otherwise);
     const int slot = static_cast<int>(in.least * sizeof(RE_TokenInfo));
+    // A token that is not in effect matches nothing.
     cmp(at(offsetof(RE_Search_Registers, inEffect)), in.least);
     jbe(otherwise, T_NEAR);
     mov(spare, at(offsetof(RE_Search_Registers, slots)));
@@ -242,6 +269,7 @@ void Program_Code::emitTokenText(const RE_Instruction& in) {
     L(again);
     sub(other, 1);
     jb(same, T_NEAR);
+    // The lower half of `spare`, which is not needed any more.
     mov(bp, word[rax]);
     cmp(bp, word[stop]);
     jne(otherwise, T_NEAR);

@@ -1,6 +1,16 @@
+// The walk from start to start: what is due after a failed attempt, and the search for first units, for
+// starts of lines and for prefixes. `literal_code.cpp` has the search for literals.
+//
+// Every way of finding a start has the same shape: `runBegin` moves ahead of `p`, a vector at a time, until
+// it finds a candidate (`found`), has scanned as far as is worth it here (exit `seek`), or reaches the end
+// (`nowhere`). The units between `p` and `runBegin` are counted as steps only then, as one scan by the root
+// would count them.
+//
+// A finder may stop where no match begins, as an attempt follows. It must not pass over a place where one
+// does.
 #ifdef CORVANE_MACHINE_CODE
 
-#include "regexp/machine/start_code.h"
+#include "regexp/machine/program_code.h"
 
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/seeker.h"
@@ -15,13 +25,19 @@ namespace corvane_machine {
 
 namespace {
 
+// Units to steps is a shift: one bit less than from bytes.
 constexpr int stepShift = std::countr_zero(RE_Step_Meter::unitsAStep);
+// Starts are often near. A few units are tested before a vector is loaded; with masks the first vector costs
+// less, so fewer are.
+constexpr int tried = 4;  // one by one before vectors are
+constexpr int triedBeforeMasks = 2;
 
 const RE_Prefix_Scan* prefixesOf(const RE_Node* root) {
     const auto* const seeker = dynamic_cast<const StringPrefixSeeker*>(root);
     return seeker != nullptr ? seeker->finder.prefixScan() : nullptr;
 }
 
+/// The unit of a set that has one.
 std::optional<char16_t> onlyUnit(const RE_Unit_Set* units) {
     if (units == nullptr) {
         return std::nullopt;
@@ -34,11 +50,11 @@ std::optional<char16_t> onlyUnit(const RE_Unit_Set* units) {
 }  // namespace
 
 Start_Code::Start_Code(const RE_Graph_Facts& graphFacts, const RE_Node* graphRoot, std::size_t mostBytes)
-    : Program_Code(*graphFacts.program, graphFacts.keepsTokens, mostBytes),
+    : Program_Code(*graphFacts.program, graphFacts.keepsTokens, graphFacts.tuning.widestVectors, mostBytes),
       facts(graphFacts),
       root(graphRoot) {}
 
-// The code begins here, too: behind the question whether there is room for a start.
+// A new search enters at the jump, past the test of `lastStart`, which its caller has made.
 void Start_Code::emitStarts() {
     jmp(seekLabel, T_NEAR);
     emitFailed();
@@ -46,10 +62,13 @@ void Start_Code::emitStarts() {
     emitAttempt();
 }
 
-// Whoever runs the code does all else that is due behind a failed attempt: that is asked for first.
+// Whoever runs the code does all else that is due after a failed attempt: a poll for interrupts each 2048th
+// start, and the test whether the needed literals still follow. Both are tested first, before anything is
+// counted, so that the search finds the registers as the attempt has left them.
 void Start_Code::emitFailed() {
     L(failedLabel);
     Label& more = exitFor(RE_Machine_Exit::failed);
+    // The same interval as in `RE_Search_Info::pollInterrupt`.
     mov(rax, at(offsetof(RE_Search_Registers, steps)));
     test(eax, 2047);
     jz(more, T_NEAR);
@@ -63,7 +82,10 @@ void Start_Code::emitFailed() {
     add(p, 2);
 }
 
-// As `RE_Consume::lastHopelessStart` has it, for runs that were measured.
+// As `RE_Consume::lastHopelessStart`, for runs that the attempt has measured: the starts within the run that
+// a leading loop has taken are hopeless, as every end was tried from here. Where the attempt noted no run,
+// the one of an endless loop has to be measured first, which is left to the search; a bounded one has reached
+// its maximum then, and says nothing.
 void Start_Code::emitHopeless(Label& more) {
     const RE_Consume* const loop = facts.leadingLoop;
     if (loop == nullptr || (loop->maximum != RE_Consume::noMaximum && loop->minimum < 2)) {
@@ -80,12 +102,15 @@ void Start_Code::emitHopeless(Label& more) {
     mov(other, at(run + offsetof(RE_Measured_Run, end)));
     mov(rax, other);
     sub(rax, start);
+    // A bounded run is hopeless only where it is shorter than its minimum: no position in it begins a longer
+    // one.
     shr(rax, 1);
     cmp(rax, static_cast<std::uint32_t>(loop->minimum));
     cmovb(p, other);
     L(unmeasured);
 }
 
+// Nothing begins past `lastStart`: the subject leaves no room for the shortest match.
 void Start_Code::emitNextStart() {
     L(nextStartLabel);
     cmp(p, at(offsetof(RE_Search_Registers, lastStart)));
@@ -96,10 +121,12 @@ void Start_Code::emitNextStart() {
     }
 }
 
-// Looks for a start from `p` on. A scan counts as many steps as one by the root.
+// Looks for a start from `p` on, by the finder of the pattern. A scan counts as many steps as one by the
+// root. Finders that are not written out here return at once, and the root seeks each time.
 void Start_Code::emitSeek() {
     const auto* const seeker = dynamic_cast<const StringStringSeeker*>(root);
     const std::optional<char16_t> alone = scansWideVectors ? onlyUnit(facts.start.units) : std::nullopt;
+    // A single unit is looked for like a literal of that unit: two vectors at a time in place of one.
     if (alone) {
         const RE_Unit_Pair pair{*alone, *alone};
         emitSeekLiteral({&*alone, 1, false}, {.first = pair, .second = pair, .firstAt = 0, .secondAt = 0});
@@ -115,13 +142,14 @@ void Start_Code::emitSeek() {
     } else if (const RE_Prefix_Scan* const scan = prefixesOf(root); scan != nullptr && scansVectors) {
         emitSeekPrefixes(*scan);
     } else {
+        // The root begins at `p`, as nothing has been scanned here.
         leavesSeekToRoot = true;
         mov(runBegin, p);
         jmp(exitFor(RE_Machine_Exit::seek), T_NEAR);
     }
 }
 
-// The start is at `runBegin`.
+// Moves on to the start at `runBegin`, and counts the units up to it.
 void Start_Code::emitFound() {
     mov(rax, runBegin);
     sub(rax, p);
@@ -132,7 +160,7 @@ void Start_Code::emitFound() {
     ja(exitFor(RE_Machine_Exit::noStart), T_NEAR);
 }
 
-// There is none up to the subject's end.
+// Ends the search from `nowhere`, where no start was found up to the end. The scan counts all the same.
 void Start_Code::emitNowhere(Label& nowhere) {
     Label& found = fresh();
     jmp(found, T_NEAR);
@@ -145,6 +173,8 @@ void Start_Code::emitNowhere(Label& nowhere) {
     L(found);
 }
 
+// Begins an attempt: tokens are emptied by their numbers alone, the slots are not touched. The visit of a
+// seeker is a step, although the attempt begins after it.
 void Start_Code::emitAttempt() {
     L(attemptLabel);
     cmp(left, static_cast<std::uint32_t>(mostSteps));
@@ -154,6 +184,202 @@ void Start_Code::emitAttempt() {
     mov(at(offsetof(RE_Search_Registers, written)), 0);
     if (facts.start.skipsSeeker) {
         dec(left);
+    }
+}
+
+// A position needs `reach` units after itself: with fewer there is no match at it.
+void Start_Code::emitMaskAhead(std::size_t reach, std::uint32_t most, Label& nowhere) {
+    lea(rax, ptr[end - static_cast<int>(reach * sizeof(char16_t))]);
+    sub(rax, runBegin);
+    jbe(nowhere, T_NEAR);
+    emitMask(most);
+}
+
+/// Continues with the next vector of units, or leaves the rest of a long way to the root.
+void Start_Code::emitNextVector(Label& again) {
+    add(runBegin, static_cast<int>(vectorUnits * sizeof(char16_t)));
+    cmp(runBegin, stop);
+    jb(again, T_NEAR);
+    jmp(exitFor(RE_Machine_Exit::seek), T_NEAR);
+}
+
+// Goes to `found` at the first unit from `runBegin` on that is in the set. Tests `most` units, or all up to
+// the end where `most` is 0.
+void Start_Code::emitOneByOne(const RE_Unit_Set& units, int most, Label& found, Label& nowhere) {
+    Label& again = fresh();
+    loadTable(units);
+    L(again);
+    for (int i = 0; i < std::max(most, 1); ++i) {
+        Label& next = fresh();
+        cmp(runBegin, end);
+        jae(nowhere, T_NEAR);
+        movzx(eax, word[runBegin]);
+        unlessIn(units, next, true, true);
+        jmp(found, T_NEAR);
+        L(next);
+        add(runBegin, 2);
+    }
+    if (most == 0) {
+        jmp(again, T_NEAR);
+    }
+}
+
+// A few units one by one, then vectors, then what is left before the end. In mixed sets units above the table
+// are candidates that have to be tested: one that is no member is rare, and left to the root's scan.
+void Start_Code::emitSeekUnits(const RE_Unit_Set& units) {
+    Label& found = fresh();
+    Label& nowhere = fresh();
+    mov(runBegin, p);
+    emitOneByOne(units, masksVectors ? triedBeforeMasks : tried, found, nowhere);
+    if (scansVectors) {
+        Label& again = fresh();
+        Label& tail = fresh();
+        Label& hit = fresh();
+        lea(stop, ptr[p + farthest * 2]);
+        L(again);
+        emitMembersAt(runBegin, units, tail);
+        if (kindOf(units) == Kind::mixed) {
+            or_(eax, ecx);
+        }
+        test(eax, eax);
+        jnz(hit, T_NEAR);
+        emitNextVector(again);
+        L(hit);
+        bsf(eax, eax);
+        lea(runBegin, ptr[runBegin + rax * 2]);
+        if (kindOf(units) == Kind::mixed) {
+            movzx(eax, word[runBegin]);
+            unlessIn(units, exitFor(RE_Machine_Exit::seek));
+        }
+        jmp(found, T_NEAR);
+        L(tail);
+        if (masksVectors) {
+            emitMaskedTail(0, nowhere, [&] {
+                emitMaskedMembers(runBegin, units);
+                if (kindOf(units) == Kind::mixed) {
+                    or_(eax, ecx);
+                }
+            });
+        }
+        emitOneByOne(units, 0, found, nowhere);
+    } else {
+        jmp(exitFor(RE_Machine_Exit::seek), T_NEAR);
+    }
+    emitNowhere(nowhere);
+    L(found);
+    emitFound();
+}
+
+// A line begins at the beginning of the text and after each line feed. So the scan looks for the line feed,
+// and the start is one unit past it; that may be the end of the subject.
+void Start_Code::emitSeekLineStart() {
+    Label& again = fresh();
+    Label& tail = fresh();
+    Label& hit = fresh();
+    Label& found = fresh();
+    Label& nowhere = fresh();
+    mov(runBegin, p);
+    cmp(p, begin);
+    jbe(found, T_NEAR);
+    // `p` itself may begin a line.
+    cmp(word[p - 2], std::uint32_t{u'\n'});
+    je(found, T_NEAR);
+    lea(stop, ptr[p + farthest * 2]);
+    L(again);
+    lea(rax, ptr[runBegin + static_cast<int>(vectorUnits * 2)]);
+    cmp(rax, end);
+    ja(tail, T_NEAR);
+    emitEqualUnits(runBegin, u'\n', xmm0);
+    pmovmskb(eax, xmm0);
+    test(eax, eax);
+    jnz(hit, T_NEAR);
+    emitNextVector(again);
+    L(hit);
+    bsf(eax, eax);
+    // Past the line feed.
+    lea(runBegin, ptr[runBegin + rax * 2 + 2]);
+    jmp(found, T_NEAR);
+    L(tail);
+    if (masksVectors) {
+        emitMaskedTail(0, nowhere, [&] { emitMaskedRange(runBegin, {u'\n', u'\n'}); });
+    }
+    Label& each = fresh();
+    L(each);
+    cmp(runBegin, end);
+    jae(nowhere, T_NEAR);
+    add(runBegin, 2);
+    cmp(word[runBegin - 2], std::uint32_t{u'\n'});
+    jne(each, T_NEAR);
+    emitNowhere(nowhere);
+    L(found);
+    emitFound();
+}
+
+// Near the subject's end the positions are tested one by one, as `RE_Prefix_Scan::mayStandAt` does, or by one
+// masked vector.
+void Start_Code::emitSeekPrefixes(const RE_Prefix_Scan& scan) {
+    Label& again = fresh();
+    Label& tail = fresh();
+    Label& hit = fresh();
+    Label& miss = fresh();
+    Label& found = fresh();
+    Label& nowhere = fresh();
+    const int reach = static_cast<int>(scan.reach() * sizeof(char16_t));
+    mov(runBegin, p);
+    lea(stop, ptr[p + farthest * 2]);
+    L(again);
+    // A prefix is tested at places up to `reach` units past its position.
+    lea(rax, ptr[runBegin + static_cast<int>(vectorUnits * 2) + reach]);
+    cmp(rax, end);
+    ja(tail, T_NEAR);
+    emitPrefixes(runBegin, scan);
+    test(eax, eax);
+    jnz(hit, T_NEAR);
+    emitNextVector(again);
+    L(hit);
+    bsf(eax, eax);
+    lea(runBegin, ptr[runBegin + rax * 2]);
+    jmp(found, T_NEAR);
+    L(miss);
+    add(runBegin, 2);
+    L(tail);
+    if (masksVectors) {
+        emitMaskedTail(scan.reach(), nowhere, [&] { emitMaskedPrefixes(runBegin, scan); });
+    } else {
+        lea(rax, ptr[runBegin + reach]);
+        cmp(rax, end);
+        jae(nowhere, T_NEAR);
+        emitPrefixTest(scan, miss);
+    }
+    jmp(found, T_NEAR);
+    emitNowhere(nowhere);
+    L(found);
+    emitFound();
+}
+
+/// Goes to `unfit` unless a prefix may begin at `runBegin`. `stop` holds the bits of the prefixes that are
+/// still possible. Trap: `other` and `stop` are in use here, so the caller's limit in `stop` is lost: no
+/// vector may follow.
+void Start_Code::emitPrefixTest(const RE_Prefix_Scan& scan, Label& unfit) {
+    // At first each prefix is possible; each place leaves those that allow its unit.
+    mov(stop.cvt32(), 0xFF);
+    for (std::size_t place = 0; place < scan.depth; ++place) {
+        movzx(eax, word[runBegin + static_cast<int>(scan.distance[place] * sizeof(char16_t))]);
+        if (scan.saturates) {
+            mov(ecx, 0xFF);
+            cmp(eax, ecx);
+            cmova(eax, ecx);
+        }
+        movzx(ebp, al);
+        and_(eax, 0x0F);
+        shr(ebp, 4);
+        lea(other, ptr[rip + prefixTable(scan.low[place])]);
+        movzx(eax, byte[other + rax]);
+        and_(stop.cvt32(), eax);
+        lea(other, ptr[rip + prefixTable(scan.high[place])]);
+        movzx(eax, byte[other + spare]);
+        and_(stop.cvt32(), eax);
+        jz(unfit, T_NEAR);
     }
 }
 

@@ -1,5 +1,11 @@
-// Code of the runs of which other ends are tried: to the shortest or longest one at which the rest can begin,
-// and on from there.
+// Where the ends of a run are tried one after another: the shortest or the longest end at which the rest can
+// begin, and on from there. `choice_code.cpp` has the frame around it.
+//
+// Both kinds step over ends at which the rest cannot begin, as the graph does (`RE_Consume`): the ends tried,
+// and so the steps, are the same. A scan that shows nothing within `nearUnits` is undecided: then the match
+// loop does it, which counts the steps of longer scans.
+//
+// `choiceLimit` is the last end to be tried: the farthest of a lazy run, the shortest of a greedy one.
 #ifdef CORVANE_MACHINE_CODE
 
 #include "regexp/machine/program_code.h"
@@ -10,11 +16,15 @@
 
 namespace corvane_machine {
 
+// `leave` may be used until an end was chosen, `handOver` afterwards. The step counted before a scan that
+// turns out undecided is uncounted in the first case; in the second the counts of taking the choice up again
+// are, too, and the code falls through into `handOver`.
 void Program_Code::emitLazyRun(Choice& each, Label& failed) {
     const RE_Instruction& in = *each.run;
     Label& leaveLater = fresh();
     Label& notHere = fresh();
     if (in.most == RE_Instruction::noMaximum) {
+        // No end lies past the subject's, nor past the maximum.
         mov(at(offsetof(RE_Search_Registers, choiceLimit)), end);
     } else {
         lea(rax, ptr[p + static_cast<int>(in.most * sizeof(char16_t))]);
@@ -42,11 +52,12 @@ void Program_Code::emitLazyRun(Choice& each, Label& failed) {
     Label& undecided = fresh();
     emitLonger(each, failed, undecided);
     L(undecided);
+    // As if the choice had not been taken up again.
     dec(at(offsetof(RE_Search_Registers, steps)));
     inc(at(offsetof(RE_Search_Registers, memoCountdown)));
 }
 
-// The units that each such run has.
+// Consumes the units that every such run has, one by one: there are few.
 void Program_Code::emitLeast(const RE_Instruction& in, Label& failed) {
     if (in.least == 0) {
         return;
@@ -63,8 +74,8 @@ void Program_Code::emitLeast(const RE_Instruction& in, Label& failed) {
     jb(again);
 }
 
-// From the end at `p` to the next longer one at which the rest can begin. Goes to `dead` where the run ends
-// before.
+// From the end at `p` to the next longer one at which the rest can begin, and to `chosen` with that. Goes to
+// `dead` where the run ends before one, or has reached its maximum.
 void Program_Code::emitLonger(Choice& each, Label& dead, Label& undecided) {
     const RE_Instruction& in = *each.run;
     if (each.first == nullptr) {
@@ -82,18 +93,23 @@ void Program_Code::emitLonger(Choice& each, Label& dead, Label& undecided) {
     mov(runBegin, p);
     jmp(nextUnit, T_NEAR);
     L(again);
+    // One vector tells where the run ends and where the rest can begin; whichever comes first is looked at by
+    // the tests below, for the rest wins at the unit that ends the run.
     if (scansVectors && kindOf(*in.units) != Kind::mixed && canScanFor(first)) {
         Label& met = fresh();
         lea(rax, ptr[p + static_cast<int>(vectorUnits * sizeof(char16_t))]);
         cmp(rax, end);
         ja(oneByOne, T_NEAR);
         emitFirstUnits(first);
+        // Kept in a register that the membership test does not use.
         mov(ebp, eax);
         emitMembers(p, *in.units);
         xor_(eax, 0xFFFF);
         or_(eax, ebp);
         bsf(ecx, eax);
         lea(rax, ptr[p + rcx * 2]);
+        // Sixteen units of which none ends the run nor begins the rest leave `p`, and the flags say so: `lea`
+        // keeps them.
         cmovnz(p, rax);
         jnz(met);
         add(p, static_cast<std::uint32_t>(vectorUnits * sizeof(char16_t)));
@@ -111,6 +127,7 @@ void Program_Code::emitLonger(Choice& each, Label& dead, Label& undecided) {
     }
     jmp(each.chosen, T_NEAR);
     L(notHere);
+    // Without a vector the scan stays as short as with one.
     lea(rax, ptr[runBegin + static_cast<int>((nearUnits - 1) * sizeof(char16_t))]);
     cmp(p, rax);
     jae(undecided, T_NEAR);
@@ -121,9 +138,12 @@ void Program_Code::emitLonger(Choice& each, Label& dead, Label& undecided) {
     jmp(again, T_NEAR);
 }
 
+// The whole run first, then back from its end. Each end at which the rest can begin counts a step, and so
+// does the first, whether it can or not: that is the one that the run itself takes.
 void Program_Code::emitGivingRun(Choice& each, Label& failed) {
     const RE_Instruction& in = *each.run;
     Label& longest = fresh();
+    // No choice so far: a long run is left to the match loop from its beginning.
     emitNearRun(in, each.leave);
     if (in.flag) {
         emitLeadingRun(in);
@@ -135,6 +155,8 @@ void Program_Code::emitGivingRun(Choice& each, Label& failed) {
     L(longest);
     dec(left);
     if (each.first != nullptr) {
+        // Back from the longest end. The first test is of that end itself; an end that is found later counts
+        // a step of its own.
         Label& shorter = fresh();
         Label& found = fresh();
         Label& back = fresh();
@@ -158,7 +180,8 @@ void Program_Code::emitGivingRun(Choice& each, Label& failed) {
     jmp(longest, T_NEAR);
 }
 
-// Leaves the end of the run in `p`, its beginning in `runBegin`.
+// Leaves the end of the run in `p`, its beginning in `runBegin`. A run of more than `nearUnits` is left to
+// the match loop before anything is chosen.
 void Program_Code::emitNearRun(const RE_Instruction& in, Label& tooLong) {
     const std::uint32_t most = std::min(in.most, nearUnits);
     Label& oneByOne = fresh();
@@ -191,6 +214,7 @@ void Program_Code::emitNearRun(const RE_Instruction& in, Label& tooLong) {
         jmp(tooLong, T_NEAR);
     }
     L(ended);
+    // The last vector may have shown units past the maximum.
     if (in.most == most) {
         cmp(p, stop);
         cmova(p, stop);
@@ -199,6 +223,8 @@ void Program_Code::emitNearRun(const RE_Instruction& in, Label& tooLong) {
 
 // --- where the rest can begin ---
 
+// Jumps to `target` unless the rest can begin at `p` with `first`. A text is compared as a whole; of a
+// token's text the first unit is, which `emitChoiceEntry` has made sure of.
 void Program_Code::unlessStart(const RE_Instruction& first, Label& target) {
     switch (first.operation) {
         case RE_Operation::text:
@@ -222,6 +248,7 @@ void Program_Code::unlessStart(const RE_Instruction& first, Label& target) {
     }
 }
 
+// Whether `emitFirstUnits` can decide all units. Mixed sets leave some open.
 bool Program_Code::canScanFor(const RE_Instruction& first) {
     const bool isSet = first.operation == RE_Operation::set || first.operation == RE_Operation::texts;
     return !isSet || kindOf(*first.units) != Kind::mixed;
@@ -246,6 +273,7 @@ void Program_Code::emitFirstUnits(const RE_Instruction& first) {
         case RE_Operation::eitherUnit:
             emitEitherUnit(first.unit, static_cast<char16_t>(first.most));
             break;
+        // Of a text the first unit, in both its forms where case is ignored.
         default: {
             const Forms forms = literalOf(first).ignoreCase ? formsOf(first.text[0])
                                                             : Forms{{first.text[0], first.text[0]}, 1};

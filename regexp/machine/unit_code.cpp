@@ -1,29 +1,61 @@
+// Tests of single units and of texts, one comparison after another. `vector_code.cpp` tests sixteen units at
+// a time.
+//
+// A set is tested by the cheapest means that can decide it: a comparison or two where it is a range or leaves
+// out a few units; a word of bits where all members lie within 64 units of each other; otherwise the table of
+// the set, with a shortcut for its first units. The forms agree on every unit; they differ in time only.
 #ifdef CORVANE_MACHINE_CODE
 
 #include "regexp/machine/unit_code.h"
 
 #include "regexp/program/instruction.h"
-#include "regexp/seek/kernels.h"
 #include "regexp/units/unit_set.h"
 
 #include <algorithm>
 #include <bit>
 #include <iterator>
 
-namespace corvane_machine {
+namespace {
 
-Unit_Code::Kind Unit_Code::kindOf(const RE_Unit_Set& units) {
-    if (RE_Unit_Ranges(units).count == 1) {
-        return Kind::range;
+/// The first unit at or after `unit` that is in the set; with `wanted` false, the first that is not. `end`
+/// where there is none before it. Looks at 64 units at a time.
+std::size_t nextUnit(const RE_Unit_Set& set, std::size_t unit, bool wanted,
+                     std::size_t end = RE_Unit_Set::unitCount) {
+    while (unit < end) {
+        const std::uint64_t bits = wanted ? set.bits(unit / 64) : ~set.bits(unit / 64);
+        const std::uint64_t after = bits >> (unit % 64);
+        if (after != 0) {
+            return std::min(unit + static_cast<std::size_t>(std::countr_zero(after)), end);
+        }
+        unit = (unit / 64 + 1) * 64;
     }
-    if (RE_Units_Outside(units).count <= RE_Units_Outside::most) {
-        return Kind::allBut;
-    }
-    if (units.holdsAllFrom(tableUnits)) {
-        return Kind::allOthers;
-    }
-    return units.holdsAnyFrom(tableUnits) ? Kind::mixed : Kind::noOthers;
+    return end;
 }
+
+}  // namespace
+
+// Stops counting one past `most`: the caller only wants to know that there are too many.
+RE_Unit_Ranges::RE_Unit_Ranges(const RE_Unit_Set& set, std::size_t end) {
+    for (std::size_t low = nextUnit(set, 0, true, end); low < end && count <= most; ++count) {
+        const std::size_t after = nextUnit(set, low, false, end);
+        if (count < most) {
+            list[count] = {static_cast<char16_t>(low), static_cast<char16_t>(after - 1)};
+        }
+        low = nextUnit(set, after, true, end);
+    }
+}
+
+RE_Units_Outside::RE_Units_Outside(const RE_Unit_Set& set, bool outside) {
+    for (std::size_t unit = nextUnit(set, 0, !outside); unit < RE_Unit_Set::unitCount && count <= most;
+         ++count) {
+        if (count < most) {
+            list[count] = static_cast<char16_t>(unit);
+        }
+        unit = nextUnit(set, unit + 1, !outside);
+    }
+}
+
+namespace corvane_machine {
 
 void Unit_Code::loadUnit(Label& target) {
     cmp(p, end);
@@ -35,13 +67,15 @@ namespace {
 
 constexpr std::uint32_t wordBits = 64;
 
-/// The members of a set whose units lie within one word's worth.
+/// The members of a set whose units lie within 64 of each other, as the bits of one word. Found among the
+/// units below 128 only, where nearly all such sets lie. `fit` is false for all others.
 struct Few_Units {
     explicit Few_Units(const RE_Unit_Set& units) {
         if (units.holdsAnyFrom(2 * wordBits)) {
             return;
         }
         const std::uint64_t words[2] = {units.bits(0), units.bits(1)};
+        // From the lowest member on, over the border between the two words.
         low = words[0] != 0 ? static_cast<std::uint32_t>(std::countr_zero(words[0]))
                             : wordBits + static_cast<std::uint32_t>(std::countr_zero(words[1]));
         const std::uint32_t shift = low % wordBits;
@@ -57,14 +91,18 @@ struct Few_Units {
 
 }  // namespace
 
+// Ranges and small complements need no table; of few units the bits themselves are loaded.
 void Unit_Code::loadTable(const RE_Unit_Set& units) {
     if (RE_Unit_Ranges(units).count == 1 || RE_Units_Outside(units).count <= RE_Units_Outside::few) {
         return;
     }
     const Few_Units few(units);
+    // A pattern's sets live as long as its code: their tables may be referred to by address.
     mov(other, few.fit ? few.bits : reinterpret_cast<std::uint64_t>(units.table()));
 }
 
+// `lea` into ebp clears the upper half of rbp, so that `spare` is a 64-bit index afterwards. A unit below
+// `low` becomes a great number by the subtraction, and one comparison rejects both sides of a range.
 void Unit_Code::unlessIn(const RE_Unit_Set& units, Label& target, bool wanted, bool tableIsLoaded) {
     const RE_Unit_Ranges ranges(units);
     if (ranges.count == 1) {
@@ -82,6 +120,7 @@ void Unit_Code::unlessIn(const RE_Unit_Set& units, Label& target, bool wanted, b
     }
     Label& holds = fresh();
     Label& fails = fresh();
+    // A set that leaves out no unit at all needs no test: the loop writes nothing then.
     if (const RE_Units_Outside outside(units); outside.count <= RE_Units_Outside::few) {
         for (std::size_t i = 0; i < outside.count; ++i) {
             cmp(eax, static_cast<std::uint32_t>(outside.list[i]));
@@ -100,12 +139,14 @@ void Unit_Code::unlessIn(const RE_Unit_Set& units, Label& target, bool wanted, b
         if (!tableIsLoaded) {
             loadTable(units);
         }
+        // `spare` is the distance from the lowest member, known to be below 64.
         bt(other, spare);
         wanted ? jnc(target, T_NEAR) : jc(target, T_NEAR);
         L(fails);
         return;
     }
-    // Most units that such a set is asked about are near the first ones.
+    // Most units that such a set is tested for are near its first range. A miss there does not decide about
+    // the units above the table, which the bits below decide.
     if (const RE_Unit_Ranges near(units, tableUnits); near.count == 1) {
         lea(ebp, ptr[rax - static_cast<int>(near.list[0].low)]);
         cmp(ebp, static_cast<std::uint32_t>(near.list[0].high - near.list[0].low));
@@ -116,6 +157,7 @@ void Unit_Code::unlessIn(const RE_Unit_Set& units, Label& target, bool wanted, b
     if (!tableIsLoaded) {
         loadTable(units);
     }
+    // A bit index in a register counts modulo 64: eax serves as it is.
     mov(spare, rax);
     shr(spare, 6);
     mov(spare, qword[other + spare * 8]);
@@ -124,6 +166,8 @@ void Unit_Code::unlessIn(const RE_Unit_Set& units, Label& target, bool wanted, b
     L(holds);
 }
 
+// The tests of an instruction carry their operands; all but sets are decided without a table. A range is one
+// comparison, by the distance from its low end.
 void Unit_Code::unlessTaken(const RE_Instruction& in, Label& target) {
     switch (in.operation) {
         case RE_Operation::unit:
@@ -153,140 +197,54 @@ void Unit_Code::unlessTaken(const RE_Instruction& in, Label& target) {
     }
 }
 
-void Unit_Code::emitMembersAt(const Reg64& from, const RE_Unit_Set& units, Label& tooNear) {
-    lea(rax, ptr[from + static_cast<int>(vectorUnits * 2)]);
-    cmp(rax, end);
-    ja(tooNear, T_NEAR);
-    emitMembers(from, units);
+// Counts all forms, so that the caller sees when there are more than the list can hold.
+Unit_Code::Forms Unit_Code::formsOf(char16_t lower) {
+    Forms forms{};
+    RE_Case_Table::get().forEachForm(lower, [&](char16_t form) {
+        if (forms.count < std::size(forms.list)) {
+            forms.list[forms.count] = form;
+        }
+        ++forms.count;
+    });
+    return forms;
 }
 
-void Unit_Code::emitMembers(const Reg64& from, const RE_Unit_Set& units) {
-    movdqu(xmm0, ptr[from]);
-    movdqu(xmm1, ptr[from + 16]);
-    pxor(xmm2, xmm2);
-    if (kindOf(units) == Kind::range) {
-        emitRangeMembers(RE_Unit_Ranges(units).list[0]);
-        return;
-    }
-    if (kindOf(units) == Kind::allBut) {
-        emitEqualToAny(RE_Units_Outside(units));
-        xor_(eax, 0xFFFF);
-        return;
-    }
-    if (const RE_Units_Outside members(units, false); members.count <= RE_Units_Outside::few) {
-        emitEqualToAny(members);
-        xor_(ecx, ecx);
-        return;
-    }
-    // Units from 0x80 on become bytes from 0x80 on.
-    movdqa(xmm3, ptr[rip + words(0x00FF)]);
-    pminuw(xmm0, xmm3);
-    pminuw(xmm1, xmm3);
-    packuswb(xmm0, xmm1);
-    if (kindOf(units) != Kind::noOthers) {
-        pmovmskb(ecx, xmm0);
-    }
-    movdqa(xmm3, ptr[rip + words(0x0F0F)]);
-    movdqa(xmm1, xmm0);
-    psrlw(xmm1, 4);
-    pand(xmm1, xmm3);
-    pand(xmm0, xmm3);
-    movdqa(xmm4, ptr[rip + rowsOf(units)]);
-    movdqa(xmm5, ptr[rip + rowBits()]);
-    pshufb(xmm4, xmm0);
-    pshufb(xmm5, xmm1);
-    pand(xmm4, xmm5);
-    pcmpeqb(xmm4, xmm2);
-    pmovmskb(eax, xmm4);
-    xor_(eax, 0xFFFF);
-    if (kindOf(units) == Kind::allOthers) {
-        or_(eax, ecx);
-    }
+// Three forms are rare (the Kelvin sign beside `K` and `k`): the match loop compares texts with such units.
+bool Unit_Code::hasFewForms(const RE_Literal& literal) {
+    return std::all_of(literal.text, literal.text + literal.length, [](char16_t unit) {
+        const std::size_t count = formsOf(unit).count;
+        return count > 0 && count <= std::size(Forms{}.list);
+    });
 }
 
-// The units that are one of these are gathered in xmm2.
-void Unit_Code::emitEqualToAny(const RE_Units_Outside& sought) {
-    for (std::size_t i = 0; i < sought.count; ++i) {
-        movdqa(xmm3, ptr[rip + words(sought.list[i])]);
-        movdqa(xmm4, xmm3);
-        pcmpeqw(xmm3, xmm0);
-        pcmpeqw(xmm4, xmm1);
-        packsswb(xmm3, xmm4);
-        por(xmm2, xmm3);
-    }
-    pmovmskb(eax, xmm2);
-}
-
-void Unit_Code::emitRangeMembers(RE_Unit_Ranges::Range range) {
-    movdqa(xmm3, ptr[rip + words(range.low)]);
-    movdqa(xmm4, ptr[rip + words(static_cast<char16_t>(range.high - range.low))]);
-    psubw(xmm0, xmm3);
-    psubw(xmm1, xmm3);
-    psubusw(xmm0, xmm4);
-    psubusw(xmm1, xmm4);
-    packsswb(xmm0, xmm1);
-    pcmpeqb(xmm0, xmm2);
-    pmovmskb(eax, xmm0);
-}
-
-void Unit_Code::emitRangeMembersOfHalf(const Reg64& from, const RE_Unit_Set& range) {
-    const RE_Unit_Ranges::Range only = RE_Unit_Ranges(range).list[0];
-    movdqu(xmm0, ptr[from]);
-    pxor(xmm1, xmm1);
-    psubw(xmm0, ptr[rip + words(only.low)]);
-    psubusw(xmm0, ptr[rip + words(static_cast<char16_t>(only.high - only.low))]);
-    pcmpeqw(xmm0, xmm1);
-    pmovmskb(eax, xmm0);
-}
-
-void Unit_Code::emitEqualUnits(const Xbyak::RegExp& from, char16_t unit, const Xbyak::Xmm& result) {
-    movdqa(xmm4, ptr[rip + words(unit)]);
-    emitEqualTo(from, result);
-}
-
-void Unit_Code::emitEqualUnits(const Xbyak::RegExp& from, const Xbyak::Reg32& unit,
-                               const Xbyak::Xmm& result) {
-    movd(xmm4, unit);
-    pshuflw(xmm4, xmm4, 0);
-    pshufd(xmm4, xmm4, 0);
-    emitEqualTo(from, result);
-}
-
-// The units to compare with are in xmm4.
-void Unit_Code::emitEqualTo(const Xbyak::RegExp& from, const Xbyak::Xmm& result) {
-    movdqu(result, ptr[from]);
-    movdqu(xmm5, ptr[from + 16]);
-    pcmpeqw(result, xmm4);
-    pcmpeqw(xmm5, xmm4);
-    packsswb(result, xmm5);
-}
-
-Label& Unit_Code::words(char16_t unit) {
-    Bytes bytes;
-    for (std::size_t i = 0; i < bytes.size(); i += 2) {
-        bytes[i] = static_cast<std::uint8_t>(unit & 0xFF);
-        bytes[i + 1] = static_cast<std::uint8_t>(unit >> 8);
-    }
-    return constant(bytes);
-}
-
-// By low four bits of a unit of the table: one bit for each value of the next three.
-Label& Unit_Code::rowsOf(const RE_Unit_Set& units) {
-    Bytes rows{};
-    for (std::size_t unit = 0; unit < tableUnits; ++unit) {
-        if (units.contains(static_cast<char16_t>(unit))) {
-            rows[unit % 16] = static_cast<std::uint8_t>(rows[unit % 16] | 1U << unit / 16);
+// Two units at a time where case counts. Immediate operands of sixteen bits are given sign-extended, as the
+// assembler would refuse greater ones. Reads no unit outside of the text, whose units the caller knows to be
+// readable.
+void Unit_Code::unlessText(const Reg64& from, const RE_Literal& literal, Label& target, std::size_t offset) {
+    const auto immediate = [](char16_t unit) {
+        return static_cast<std::uint32_t>(static_cast<std::int16_t>(unit));
+    };
+    const auto place = [&](std::size_t i) {
+        return from + static_cast<int>((offset + i) * sizeof(char16_t));
+    };
+    for (std::size_t i = 0; i < literal.length; ++i) {
+        const Forms forms = literal.ignoreCase ? formsOf(literal.text[i]) : Forms{{literal.text[i]}, 1};
+        if (forms.count == 2) {
+            Label& holds = fresh();
+            cmp(word[place(i)], immediate(forms.list[0]));
+            je(holds, T_NEAR);
+            cmp(word[place(i)], immediate(forms.list[1]));
+            jne(target, T_NEAR);
+            L(holds);
+        } else if (!literal.ignoreCase && i + 1 < literal.length) {
+            cmp(dword[place(i)], literal.text[i] | static_cast<std::uint32_t>(literal.text[i + 1]) << 16);
+            jne(target, T_NEAR);
+            ++i;
+        } else {
+            cmp(word[place(i)], immediate(forms.list[0]));
+            jne(target, T_NEAR);
         }
     }
-    return constant(rows);
-}
-
-Label& Unit_Code::rowBits() {
-    Bytes bits{};
-    for (std::size_t row = 0; row < 8; ++row) {
-        bits[row] = static_cast<std::uint8_t>(1U << row);
-    }
-    return constant(bits);
 }
 
 }  // namespace corvane_machine

@@ -1,4 +1,8 @@
-// Mix-ins of nodes that can look ahead for the next position at which they may match.
+// Mix-ins for nodes that can tell where they match next: a seek forward, and one backward.
+//
+// A seek may stop where the node does not match, as a node is matched afterwards. It must not pass over a
+// position where it does. Every answer holds for all positions from the one it was computed for up to the answer;
+// that is what the seek table relies on.
 #pragma once
 
 #include "regexp/state/search_info.h"

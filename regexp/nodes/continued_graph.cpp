@@ -1,3 +1,4 @@
+// A walk over a finished graph that gathers the greatest number of each kind.
 #include "regexp/nodes/continued_graph.h"
 
 #include "regexp/nodes/links.h"
@@ -9,6 +10,7 @@
 
 namespace {
 
+/// One walk, without recursion: graphs are as deep as patterns.
 class Survey {
 public:
     void add(RE_Node* node) {
@@ -29,6 +31,8 @@ public:
     }
 
 private:
+    /// Every kind of node that holds a number of a search has a case here. Trap: a new kind that is not added
+    /// would share its numbers with the sub-pattern.
     void note(const RE_Node& node) {
         RE_Sub_Pattern_Place& place = graph.place;
         place.nodeId = std::max(place.nodeId, node.nodeId);

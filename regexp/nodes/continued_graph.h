@@ -1,4 +1,8 @@
-// What a pattern has to know of the finished graph that it continues in.
+// Where the numbers of a sub-pattern begin: the memo rows, registers, counts and node numbers that its search
+// shares with the graph it continues in.
+//
+// Invariant: two nodes of one search never share a number, since each would take what the other remembers for
+// its own.
 #pragma once
 
 #include "regexp/base/memory.h"
@@ -16,7 +20,7 @@ struct RE_Continued_Graph {
     /// The names of its slots, owned by its nodes; shorter than `tokenCount` where the last are unnamed.
     std::vector<const char16_t*, RE_Allocator<const char16_t*>> tokenNames;
 
-    /// Everything that can be reached from `entry` (null: nothing), through continuations too. Only reads: the graph may
-    /// be searched by other threads meanwhile. Linear in its nodes.
+    /// Surveys everything that can be reached from `entry` (null: nothing), through continuations too. Only
+    /// reads: the graph may be searched by other threads meanwhile. Linear in its nodes.
     static RE_Continued_Graph from(RE_Node* entry);
 };

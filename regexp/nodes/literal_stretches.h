@@ -1,4 +1,15 @@
-// A literal, or one of a few, that every match holds somewhere, and what may precede it.
+// A literal, or one of a few, that every match contains, and what may precede it.
+//
+// Two uses. As a start finder: from a literal in the text, the starts of matches are found by going back over
+// units that may precede it. As a test in between: where no such literal follows any more, no attempt can
+// succeed.
+//
+// Proof that no start is passed over. Let a match start at `s`, at or after `p`, and let its literal be at
+// `l`. All units in [s, l) may precede a literal, and they are at least `leastBefore` many. The finder takes
+// the first place `f` at or after `p + leastBefore`, so `f` is not past `l`, and all units in [s, f) may
+// precede it too, even where `f` is there by accident. So going back from `f` over such units passes `s`,
+// unless `s` is less than `leastBefore` in front of `f`: then `s` lies past the stretch of `f` and is found
+// with a later one.
 #pragma once
 
 #include "regexp/base/memory.h"
@@ -31,25 +42,27 @@ public:
     RE_Literal_Stretches(RE_Required_Literal literal, std::uint32_t memoRow)
         : required(std::move(literal)), outside(*required.before, false), row(memoRow) {}
 
-    /// The positions from `p` on from which the next literal can be reached, perhaps none: then `end` comes before `begin`.
-    /// False when there are none behind them either. They are remembered: from the later ones the same literal is the next.
+    /// The stretch of positions at or after `p` from which the next literal can be reached; empty where `end`
+    /// lies before `begin`. False when there is none further on either. The stretch is kept with the search:
+    /// from its later positions the same literal is the next, and nothing is scanned.
     bool from(const char16_t* p, RE_Search_Info& info, Stretch& stretch) const;
     /// The first position from `p` on at which a match may start, or null.
     const char16_t* nextStart(const char16_t* p, RE_Search_Info& info) const;
-    /// The first that `pick` (stretch) finds in a stretch that is not empty; null from it sends on to the next one.
+    /// The first position that `pick` (stretch) finds in a stretch that is not empty. Null from `pick` sends
+    /// on to the next stretch; so a start may be narrowed down by what a match can begin with.
     template <class Pick>
     const char16_t* nextStart(const char16_t* p, RE_Search_Info& info, Pick pick) const;
 
     RE_Required_Literal required;
 
 private:
-    RE_Class_Scan outside;  ///< units that may not stand before the literal
+    RE_Class_Scan outside;  ///< units that may not precede the literal
     std::uint32_t row;
 };
 
 template <class Pick>
 const char16_t* RE_Literal_Stretches::nextStart(const char16_t* p, RE_Search_Info& info, Pick pick) const {
-    const char16_t* asked = p;  // for interrupts
+    const char16_t* polledAt = p;
     Stretch stretch{};
     while (from(p, info, stretch)) {
         const char16_t* const start = stretch.begin <= stretch.end ? pick(stretch) : nullptr;
@@ -57,8 +70,8 @@ const char16_t* RE_Literal_Stretches::nextStart(const char16_t* p, RE_Search_Inf
             return start;
         }
         p = stretch.end + 1;
-        if (p >= asked + RE_SCAN_POLL_UNITS) {
-            asked = p;
+        if (p >= polledAt + RE_SCAN_POLL_UNITS) {
+            polledAt = p;
             if (info.pollScan()) {
                 return nullptr;
             }

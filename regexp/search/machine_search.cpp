@@ -1,3 +1,11 @@
+// What a search does when its machine code returns.
+//
+// Each reason is dealt with by the code that the match loop uses for the same purpose (the root's seek, the
+// loop's scan, the assertion's glance, the match loop itself), so that there is one definition of each. Then
+// the code is run again.
+//
+// Trap: the code's registers are members of the search's state. What is called from here may change the
+// position of the meter, but must leave `cursor`, `resume` and `runBegin` as the code expects to find them.
 #include "regexp/search/machine_search.h"
 
 #include "regexp/graph/graph_facts.h"
@@ -14,14 +22,15 @@
 
 namespace {
 
-/// Does for the code what it returns for.
+/// One search, from the first return of the code to the end. Lives on the stack of one thread.
 class Machine_Search {
 public:
     Machine_Search(const RE_Graph_Facts& graphFacts, const RE_Start_Walk& starts, RE_Search_Info& search)
         : facts(graphFacts), code(*graphFacts.machineCode), walk(starts), info(search) {}
 
-    /// Goes on behind a return for the reason given, until there is a match or an end.
-    bool goOn(RE_Machine_Exit reason, std::size_t& length) {
+    /// Deals with one return after another, beginning with one for `reason`, until there is a match or no
+    /// start is left.
+    bool finish(RE_Machine_Exit reason, std::size_t& length) {
         while (reason != RE_Machine_Exit::noStart && !info.wasInterrupted()) {
             switch (reason) {
                 case RE_Machine_Exit::glance:
@@ -31,21 +40,21 @@ public:
                     measureRun();
                     break;
                 case RE_Machine_Exit::seek:
-                    goOnAt(code.attempt, walk.seekFrom(behindLookedAt()));
+                    continueAt(code.attempt, walk.seekFrom(pastWhatWasSeen()));
                     break;
                 default:
                     if (finishAttempt(reason, length)) {
                         return true;
                     }
-                    goOnBehind(info.matchStart);
+                    continueAfter(info.matchStart);
             }
-            // Behind a run many steps may have been taken at once: what follows it is for the match loop
-            // then.
+            // Measuring a run may have taken many steps at once. The code checks its room before an attempt
+            // and in loops only, so without enough of it the match loop has to finish this attempt.
             if (reason == RE_Machine_Exit::longRun && info.meter.room() < code.mostSteps) {
-                if (finishBehindRun(length)) {
+                if (finishAfterRun(length)) {
                     return true;
                 }
-                goOnBehind(info.matchStart);
+                continueAfter(info.matchStart);
             }
             if (info.cursor == nullptr) {
                 return false;
@@ -56,15 +65,17 @@ public:
     }
 
 private:
-    void goOnAt(const void* place, const char16_t* p) {
+    /// Has the code continue at `place`. With `p` null the search is over.
+    void continueAt(const void* place, const char16_t* p) {
         info.resume = place;
         info.cursor = p;
         info.askLeft = walk.roomUpToAsking();
     }
 
-    /// The code was on its way to a start when it came to `runBegin`. What it has looked at counts for steps,
-    /// as far as it makes whole ones, and is not looked at again.
-    const char16_t* behindLookedAt() const {
+    /// The code was looking for a start and has seen none from `cursor` up to `runBegin`. Whole steps of that
+    /// stretch are counted here and not scanned again by the root; what is left of it is, so that the sum of
+    /// the steps is that of one scan by the root.
+    const char16_t* pastWhatWasSeen() const {
         constexpr auto step = static_cast<std::ptrdiff_t>(RE_Step_Meter::unitsAStep);
         const std::ptrdiff_t units = std::min(info.runBegin, info.lastStart) - info.cursor;
         const std::ptrdiff_t looked = units - units % step;
@@ -72,7 +83,8 @@ private:
         return info.cursor + looked;
     }
 
-    /// How an attempt ends that the code has brought so far.
+    /// Finishes an attempt that the code has brought as far as it could. True, with the length, where it
+    /// matched.
     bool finishAttempt(RE_Machine_Exit reason, std::size_t& length) {
         const char16_t* p = info.cursor;
         bool matched = reason == RE_Machine_Exit::matched;
@@ -92,17 +104,19 @@ private:
         return matched && !info.wasInterrupted();
     }
 
+    /// The code keeps these two numbers in registers of its own while it runs.
     void takeTokensOver() {
         info.tokens->count = info.inEffect;
         info.tokens->written = info.written;
     }
 
+    /// The code has no instructions for assertions of several tests: it reads the answer from `holds`.
     void decide() {
         const auto& assertion = static_cast<const RE_Lookaround_Assertion&>(*info.instruction->node);
         info.holds = assertion.glance(info.cursor, info) ? 1 : 0;
     }
 
-    /// The loop of the instruction that the code is in.
+    /// The loop whose run the code has returned for. A token around it is part of the same instruction.
     const RE_Consume& loop() const {
         const RE_Instruction& in = *info.instruction;
         const bool inToken = in.operation == RE_Operation::tokenRun;
@@ -110,17 +124,20 @@ private:
                                                       : *in.node);
     }
 
+    /// Endless runs are remembered by the search when they are long, bounded ones are not.
     void measureRun() {
         const std::uint32_t most = info.instruction->most;
         const char16_t* const from = info.runBegin;
+        // Compared as sizes: `from + most` could lie outside of the address space.
         const auto room = static_cast<std::size_t>(info.subjectEnd - from);
         info.cursor = most == RE_Instruction::noMaximum
                           ? loop().longRunEnd(from, info)
                           : loop().scanOn(from, from + std::min<std::size_t>(most, room), info);
     }
 
-    /// Ends an attempt from the run on that was measured.
-    bool finishBehindRun(std::size_t& length) {
+    /// Finishes an attempt in the match loop, from the measured run on. It does what the code would have done
+    /// with the run: notes it, compares it with the minimum, and records the token around it.
+    bool finishAfterRun(std::size_t& length) {
         const RE_Instruction& in = *info.instruction;
         const char16_t* p = info.cursor;
         const auto run = static_cast<std::size_t>(p - info.runBegin);
@@ -142,9 +159,11 @@ private:
         return matched;
     }
 
-    void goOnBehind(const char16_t* failed) {
+    /// Moves on from a failed start. The walk decides: it polls for interrupts and knows the starts that are
+    /// hopeless.
+    void continueAfter(const char16_t* failed) {
         const char16_t* const p = walk.lastInVain(failed);
-        goOnAt(code.nextStart, p != nullptr ? p + 1 : nullptr);
+        continueAt(code.nextStart, p != nullptr ? p + 1 : nullptr);
     }
 
     const RE_Graph_Facts& facts;
@@ -158,5 +177,5 @@ private:
 bool goOnByMachineCode(const RE_Graph_Facts& facts, const RE_Node* root, RE_Machine_Exit first,
                        RE_Search_Info& info, std::size_t& length) {
     const RE_Start_Walk walk(root, facts, info.lastStart, info, info.askLeft);
-    return Machine_Search(facts, walk, info).goOn(first, length);
+    return Machine_Search(facts, walk, info).finish(first, length);
 }

@@ -1,4 +1,7 @@
-// A search by machine code.
+// A search by machine code: the side of it that runs outside of the code.
+//
+// The common case is inline and short, as most searches are over when the code returns for the first time.
+// Everything else is in `machine_search.cpp`.
 #pragma once
 
 #include "regexp/graph/graph_facts.h"
@@ -8,24 +11,25 @@
 
 #include <cstddef>
 
-/// Goes on where the code has returned for the first time, for the reason given.
+/// Continues a search whose code has returned for the first time, for the reason `first`. True with the
+/// length in units where a match was found.
 bool goOnByMachineCode(const RE_Graph_Facts& facts, const RE_Node* root, RE_Machine_Exit first,
                        RE_Search_Info& info, std::size_t& length);
 
-/// Tries start after start from `p` to `last`, which is no less. The graph must have machine code. Puts the
-/// match into the state and its length, in units, into `length`. Most searches are over when the code returns
-/// for the first time.
+/// Tries start after start from `p` to `last`, which is not before `p`. The graph must have machine code.
+/// Puts the start of the match into the state and its length, in units, into `length`.
 inline bool findByMachineCode(const RE_Graph_Facts& facts, const RE_Node* root, const char16_t* p,
                               const char16_t* last, RE_Search_Info& info, std::size_t& length) {
     info.lastStart = last;
     info.slots = info.tokens->slots.data();
     info.opened = info.tokenStarts();
+    // Without needed literals the code has no test that reads `askLeft`.
     if (!facts.needed.empty()) {
         info.askLeft = RE_Start_Walk::firstAskLeft(facts, info);
     }
     const RE_Machine_Exit reason = facts.machineCode->begin(info, p);
     if (reason == RE_Machine_Exit::matched) {
-        info.tokens->count = info.inEffect;  // the other slots are nobody's any more
+        info.tokens->count = info.inEffect;  // the slots above may hold stale data
         length = static_cast<std::size_t>(info.cursor - info.matchStart);
         return true;
     }

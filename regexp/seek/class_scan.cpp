@@ -1,24 +1,29 @@
-// How a set of units is laid out for the vector scans.
+// Prepares sets of units for the vector scans: 128 bits by unit become sixteen rows by the low four bits of
+// the unit.
+//
+// The rows are what a byte shuffle selects from, so bits that are neighbours in a set lie in neighbouring
+// rows. Turning them one by one would cost more than most scans; here 64 bits are turned at a time.
 #include "regexp/seek/kernels.h"
 
 #include <vector>
 
 namespace {
 
-/// The bytes 0, 2, 4 and 6, one behind the other.
+/// The bytes 0, 2, 4 and 6, moved together. Bytes of even number hold the units whose low four bits are 0 to
+/// 7.
 std::uint64_t evenBytes(std::uint64_t bits) {
     bits &= 0x00FF'00FF'00FF'00FF;
     bits = (bits | bits >> 8) & 0x0000'FFFF'0000'FFFF;
     return (bits | bits >> 16) & 0x0000'0000'FFFF'FFFF;
 }
 
-/// Exchanges the bits at `by` places from each other of which `lower` names the lower ones.
+/// Exchanges each bit that `lower` names with the one `by` places above it.
 std::uint64_t exchanged(std::uint64_t bits, int by, std::uint64_t lower) {
     const std::uint64_t differing = (bits ^ bits >> by) & lower;
     return bits ^ differing ^ differing << by;
 }
 
-/// Bit i of byte j becomes bit j of byte i.
+/// Bit i of byte j becomes bit j of byte i: a matrix of eight by eight bits is transposed in three steps.
 std::uint64_t transposed(std::uint64_t bits) {
     bits = exchanged(bits, 7, 0x00AA'00AA'00AA'00AA);
     bits = exchanged(bits, 14, 0x0000'CCCC'0000'CCCC);
@@ -27,6 +32,8 @@ std::uint64_t transposed(std::uint64_t bits) {
 
 }  // namespace
 
+// Units above the table are not in the rows. If any of them is sought the scan has to look each of them up in
+// the set.
 RE_Class_Scan RE_Class_Scan::prepared(const RE_Unit_Set& set, bool wanted) {
     RE_Class_Scan scan;
     scan.units = &set;
@@ -44,6 +51,8 @@ RE_Class_Scan RE_Class_Scan::prepared(const RE_Unit_Set& set, bool wanted) {
     return scan;
 }
 
+// Filled once per process, in the order of `RE_Unit_Classes::all`, the outside of each class before its
+// inside.
 const RE_Class_Scan& RE_Class_Scan::known(const RE_Unit_Set& set, bool wanted) {
     static const auto scans = [] {
         std::vector<RE_Class_Scan> all;

@@ -1,7 +1,10 @@
-// The tests that vector scans make of a vector of units, and of one unit: each a `Mask` of the lanes that may count, and
-// `holds` for the last word.
+// The tests that vector scans are made of. Each has a form for a vector of units, which gives a `Mask` of the
+// lanes that may count, and `holds` for one position, which has the last word.
 //
-// Included once for each instruction set that the file including it is compiled for: the guard is one of a target.
+// Invariant: wherever `holds` is true, the lane is in the mask.
+//
+// Included once for each instruction set that the file including it is compiled for: the guard is toggled
+// with the target.
 #if defined(CORVANE_KERNEL_TESTS) == defined(HWY_TARGET_TOGGLE)
 #ifdef CORVANE_KERNEL_TESTS
 #undef CORVANE_KERNEL_TESTS
@@ -22,7 +25,7 @@ namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// As many as there are bits in a word: some machines could have more.
+// At most as many lanes as a word has bits: some machines have longer vectors.
 using Lanes = hn::CappedTag<std::uint16_t, 64>;
 using Vector = hn::Vec<Lanes>;
 using Mask = hn::Mask<Lanes>;
@@ -37,8 +40,8 @@ using Bits =
                        std::conditional_t<lanes <= 16, std::uint16_t,
                                           std::conditional_t<lanes <= 32, std::uint32_t, std::uint64_t>>>;
 
-// What is read back is as wide as what was stored: the processor hands it over without waiting. The first lanes stand in
-// the first byte.
+// The word that is read back is as wide as the one stored, so that the processor forwards the value without
+// waiting for memory. The bits of the first lanes are in the first byte.
 HWY_INLINE std::uint64_t bitsOf(Mask mask) {
     Bits<hn::MaxLanes(Lanes())> bits = 0;
     static_assert(sizeof bits == 1 || std::endian::native == std::endian::little);
@@ -46,7 +49,8 @@ HWY_INLINE std::uint64_t bitsOf(Mask mask) {
     return bits;
 }
 
-/// Zero where a unit is one of the pair; where they differ in more than a bit, perhaps elsewhere, too. With `alone` the
+/// Zero where a unit is one of the pair. Forms that differ in one bit, as most letters do, are equal once
+/// that bit is set in both; where they differ in more bits, other units give zero as well. With `alone` the
 /// two of the pair are one.
 template <bool alone>
 HWY_INLINE Vector apart(Vector units, RE_Unit_Pair pair) {
@@ -82,7 +86,8 @@ struct Probe_Test {
         return probe.first.holds(p[probe.firstAt]) && probe.second.holds(p[probe.secondAt]) &&
                (!three || probe.third.holds(p[probe.thirdAt])) && textAt(p);
     }
-    // Where the text does not stand most of the time its first units tell, sooner than a call would have begun.
+    // Unit by unit: where the text is not there its first units mostly tell, sooner than a call would have
+    // begun.
     bool textAt(const char16_t* p) const {
         std::size_t i = 0;
         while (i < probe.length && p[i] == probe.text[i]) {
@@ -92,8 +97,8 @@ struct Probe_Test {
     }
 };
 
-// The low byte of each lane selects by its low four bits a row, and by the next three a bit of that row.
-// Units from 0x80 on pass when some of them may count: they are looked up after.
+// The low byte of each lane selects a row by its low four bits, and a bit of that row by the next three.
+// Units from 0x80 on pass when any of them may count, and `holds` decides.
 struct Class_Test {
     const RE_Class_Scan& scan;
 
@@ -111,6 +116,7 @@ struct Class_Test {
         const Vector next = hn::And(hn::ShiftRight<4>(units), hn::Set(d, std::uint16_t{0x07}));
         const Vector row = hn::BitCast(d, hn::TableLookupBytes(rows, hn::BitCast(bytes, low)));
         const Vector bit = hn::BitCast(d, hn::TableLookupBytes(bits, hn::BitCast(bytes, next)));
+        // A lane has two bytes; the upper one selected something too, and is cut off.
         const Vector hit = hn::And(hn::And(row, bit), hn::Set(d, std::uint16_t{0xFF}));
         const Mask ascii = hn::Eq(hn::ShiftRight<7>(units), hn::Zero(d));
         const Mask holds = hn::And(ascii, hn::Ne(hit, hn::Zero(d)));
@@ -145,6 +151,7 @@ struct Prefix_Test {
         return hn::FirstN(Lanes(), scan.mayStandAt(p) ? 1 : 0);
 #else
         const Lanes d;
+        // Without saturation the upper byte of a unit is cut off by the masks of `prefixesWith`.
         const Vector ceiling = hn::Set(d, scan.saturates ? std::uint16_t{0xFF} : std::uint16_t{0xFFFF});
         Vector prefixes = hn::Set(d, std::uint16_t{0xFF});
         for (std::size_t i = 0; i < depth; ++i) {

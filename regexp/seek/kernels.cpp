@@ -1,3 +1,12 @@
+// The vector scans: one loop forward and one backward, instantiated for each test of `kernel_tests-inl.h`,
+// compiled for each instruction set and chosen at run time.
+//
+// Invariant: a scan returns what a loop over `test.holds` would. The vector form of a test may report more
+// positions, never fewer; each report is confirmed by `holds`.
+//
+// Traps: this file includes itself through `foreach_target.h`, so everything in the guarded part exists once
+// for each instruction set, in a namespace of its own. Functions used there must be inlined or live there; a
+// lambda needs `HWY_ATTR`, or it is compiled for the basic instruction set and cannot be inlined.
 #include "regexp/seek/kernels.h"
 
 #include <algorithm>
@@ -17,8 +26,7 @@ namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-/// The first of the hits, one bit for each unit from `p` on, that stands up to the whole test; null when none
-/// does.
+/// The first of the hits, one bit for each unit from `p` on, that passes the exact test; null when none does.
 template <class Test>
 HWY_INLINE const char16_t* firstOf(std::uint64_t hits, const char16_t* p, const Test& test) {
     for (; hits != 0; hits &= hits - 1) {
@@ -30,13 +38,15 @@ HWY_INLINE const char16_t* firstOf(std::uint64_t hits, const char16_t* p, const 
     return nullptr;
 }
 
-/// A test that gives vectors, too: the least of two of them is zero wherever one of them is.
+/// A test that gives vectors of differences, zero where it is met. Two of these can be merged by their
+/// minimum, which is cheaper than to merge two masks.
 template <class Test>
 concept Gives_Vectors = requires(const Test& test, const char16_t* p) {
     test.apartAt(p);
 };
 
-/// As many vectors at a time as pay, for as long as none of them has a hit. Returns how far it came.
+/// Passes over units in which no vector has a hit, two or four vectors a turn, as many as pay for the kind of
+/// test. Returns how far it has come; the caller looks for the hit there.
 template <class Test>
 HWY_INLINE const char16_t* skipForward(const char16_t* p, const char16_t* end, const Test& test) {
     const std::size_t lanes = hn::Lanes(Lanes());
@@ -59,7 +69,9 @@ HWY_INLINE const char16_t* skipForward(const char16_t* p, const char16_t* end, c
     return p;
 }
 
-/// The last position up to `p` from which on vectors lie as memory is divided, for the unit that is nearest.
+/// Moves `p` back to where vectors are aligned for the unit of the test that is nearest, by less than a
+/// vector. Loads that cross lines of the cache cost twice. The units in between are tested twice, which finds
+/// nothing new.
 template <class Test>
 HWY_INLINE const char16_t* aligned(const char16_t* p, const Test& test) {
     if constexpr (Gives_Vectors<Test>) {
@@ -72,6 +84,7 @@ HWY_INLINE const char16_t* aligned(const char16_t* p, const Test& test) {
 template <class Test>
 const char16_t* findForward(const char16_t* p, const char16_t* end, const Test& test) {
     const std::size_t lanes = hn::Lanes(Lanes());
+    // Less than a vector: one position after another, as reading on could leave the subject.
     if (static_cast<std::size_t>(end - p) < lanes) {
         while (p < end && !test.holds(p)) {
             ++p;
@@ -81,6 +94,7 @@ const char16_t* findForward(const char16_t* p, const char16_t* end, const Test& 
     if (const char16_t* const found = firstOf(bitsOf(test(p)), p, test)) {
         return found;
     }
+    // The first vector was tested where it lay; the aligned ones may overlap it.
     p = skipForward(aligned(p + lanes, test), end, test);
     while (static_cast<std::size_t>(end - p) >= lanes) {
         if (const char16_t* const found = firstOf(bitsOf(test(p)), p, test)) {
@@ -88,7 +102,7 @@ const char16_t* findForward(const char16_t* p, const char16_t* end, const Test& 
         }
         p = skipForward(p + lanes, end, test);
     }
-    // The last vector overlaps the one before it.
+    // The last vector overlaps the one before it: hits below `p` are shifted out.
     const char16_t* const tail = end - lanes;
     const std::uint64_t hits = p < end ? bitsOf(test(tail)) >> (p - tail) : 0;
     const char16_t* const found = firstOf(hits, p, test);
@@ -116,6 +130,7 @@ const char16_t* findBackward(const char16_t* p, const char16_t* end, const Test&
     return nullptr;
 }
 
+/// Whether no unit of the probe has another form: then the tests have one operation less for each.
 HWY_INLINE bool isAlone(const RE_Literal_Probe& probe) {
     return probe.first.one == probe.first.other && probe.second.one == probe.second.other &&
            probe.third.one == probe.third.other;
@@ -135,7 +150,8 @@ const char16_t* classForward(const char16_t* p, const char16_t* end, const RE_Cl
 const char16_t* classBackward(const char16_t* p, const char16_t* end, const RE_Class_Scan& scan) {
     return findBackward(p, end, Class_Test{scan});
 }
-/// Calls `find` with the test for the probe.
+/// Calls `find` with the test for the probe: one of four instances, so that the loop has no branches about
+/// the probe.
 template <class Find>
 HWY_INLINE const char16_t* withTest(const RE_Literal_Probe& probe, Find find) {
     if (probe.hasThird) {
@@ -146,6 +162,7 @@ HWY_INLINE const char16_t* withTest(const RE_Literal_Probe& probe, Find find) {
 const char16_t* probeForward(const char16_t* p, const char16_t* end, const RE_Literal_Probe& probe) {
     return withTest(probe, [=](const auto& test) HWY_ATTR { return findForward(p, end, test); });
 }
+// An instance for each depth, so that the loop over the places is unrolled. A scan has at least one place.
 const char16_t* prefixForward(const char16_t* p, const char16_t* end, const RE_Prefix_Scan& scan) {
     switch (scan.depth) {
         case 1:
@@ -194,6 +211,8 @@ struct Kernels {
     Scan<const RE_Prefix_Scan&> prefixForward;
 };
 
+/// The choice is made once and the functions are called by address: a choice with each call would cost more
+/// than a short scan.
 Kernels chooseKernels() {
     using namespace corvane_kernels;
     hwy::GetChosenTarget().Update(hwy::SupportedTargets());
@@ -203,6 +222,7 @@ Kernels chooseKernels() {
             &HWY_DYNAMIC_DISPATCH(prefixForward)};
 }
 
+// The first call may come from several threads; the choice is the same in each.
 const Kernels& kernels() {
     static const Kernels chosen = chooseKernels();
     return chosen;

@@ -1,3 +1,4 @@
+// How the units of a probe are chosen, and the scans with it.
 #include "regexp/seek/literal_search.h"
 
 #include "regexp/units/likelihood.h"
@@ -9,7 +10,8 @@
 
 namespace {
 
-/// Adds the other unit that stands for the one of a literal, where there is one. False when there are more than two.
+/// Adds the other case of a literal's unit, where there is one. False when more than two units fold to it:
+/// comparing with two of them would miss the others.
 bool findForms(RE_Unit_Pair& units) {
     const RE_Case_Table& cases = RE_Case_Table::get();
     const char16_t upper = cases.upper(units.one);
@@ -18,12 +20,14 @@ bool findForms(RE_Unit_Pair& units) {
     return cases.formsWithin(units.one) <= (isOther ? 2U : 1U);
 }
 
+/// Either form counts.
 double pairLikelihood(const RE_Unit_Pair& units) {
     return units.one == units.other ? unitLikelihood(units.one)
                                     : unitLikelihood(units.one) + unitLikelihood(units.other);
 }
 
-/// Two units that stand together this often are looked for with a third. So are those of a text of three.
+/// Where two units are met together more often than this a third is worth its comparison. It always is for
+/// texts of three units, which are decided by it.
 constexpr double frequent = 1.0 / 2000;
 
 struct Place {
@@ -32,7 +36,8 @@ struct Place {
     double likelihood;
 };
 
-/// Keeps the rarest ones, the rarest first.
+/// Inserts a place among the three rarest so far, the rarest first. Of equally rare ones the earlier stays in
+/// front.
 void note(const Place& place, std::array<Place, 3>& rarest, std::size_t& count) {
     std::size_t rank = count;
     while (rank > 0 && place.likelihood < rarest[rank - 1].likelihood) {
@@ -57,7 +62,8 @@ bool RE_Literal::foldsTo(const char16_t* p) const {
     return true;
 }
 
-// The rarest units, the earlier ones of equals. A literal of one unit is probed for it twice.
+// Looks at the first units only: they are enough to find rare ones, and preparing stays cheap. A literal of
+// one unit is probed for it twice, as the scan always compares two.
 RE_Literal_Search::RE_Literal_Search(const RE_Literal& literal) {
     static constexpr std::size_t longestLookedAt = 64;
     std::array<Place, 3> rarest;
@@ -85,6 +91,8 @@ RE_Literal_Search::RE_Literal_Search(const RE_Literal& literal) {
     }
 }
 
+// As if units were independent of each other. They are not, but literals are compared with each other by it
+// only.
 double RE_Literal_Search::likelihood() const {
     if (!probes) {
         return 1;
@@ -93,7 +101,8 @@ double RE_Literal_Search::likelihood() const {
     return probe.firstAt == probe.secondAt ? first : first * pairLikelihood(probe.second);
 }
 
-// The scan compares the text itself where that is done unit by unit.
+// Where case counts the scan compares the text as well: returning for each candidate would cost more than the
+// comparison.
 RE_Literal_Probe RE_Literal_Search::probeFor(const RE_Literal& literal) const {
     RE_Literal_Probe whole = probe;
     if (probes && !literal.ignoreCase) {
@@ -120,6 +129,7 @@ const char16_t* RE_Literal_Search::find(const RE_Literal& literal, const char16_
     });
 }
 
+// Backward the scan does not know the text: it is compared here.
 const char16_t* RE_Literal_Search::findLast(const RE_Literal& literal, const char16_t* p, std::size_t count,
                                             const char16_t* end, RE_Scan_Monitor& monitor) const {
     if (static_cast<std::size_t>(end - p) < literal.length) {

@@ -1,18 +1,22 @@
+// The tree is made breadth first from the sorted literals, without recursion: literals may be as many and as
+// long as memory allows.
 #include "regexp/seek/literal_trie.h"
 
 #include <algorithm>
 
 namespace {
 
-// Up to so many children are looked through one by one.
+// Up to so many children are compared one by one; more are found by bisection.
 constexpr std::uint32_t fewChildren = 6;
 
-/// A literal to be sorted, by its first units, in most cases no more are looked at.
+/// A literal to be sorted, with its first four units as a number. Most comparisons look no further.
 struct Sorted_Literal {
     std::uint64_t first;
     std::uint32_t number;
 };
 
+/// The first unit is in the highest bits, so that numbers compare as texts do. A text that ends is filled up
+/// with zeros: it sorts before, or ties with, one that continues, and ties are decided by the texts.
 std::uint64_t firstUnits(std::u16string_view text) {
     std::uint64_t first = 0;
     for (std::size_t i = 0; i < 4; ++i) {
@@ -21,7 +25,8 @@ std::uint64_t firstUnits(std::u16string_view text) {
     return first;
 }
 
-/// The numbers of the literals by their texts; of equal ones the first stands first.
+/// The numbers of the literals in the order of their texts; of equal ones the first in the pattern comes
+/// first.
 std::vector<std::uint32_t> inOrder(const std::vector<std::u16string_view>& literals) {
     std::vector<Sorted_Literal> entries;
     entries.reserve(literals.size());
@@ -51,7 +56,8 @@ RE_Literal_Trie::RE_Literal_Trie(const Literals& literals, bool ignoreCase)
     fillTable();
 }
 
-// Returns the numbers of the literals in the order of their texts.
+// Copies the literals in the order of the pattern, without repetitions, and numbers them anew. Returns the
+// new numbers in the order of their texts.
 RE_Literal_Trie::Order RE_Literal_Trie::copy(const Literals& literals) {
     Order sorted = inOrder(literals);
     std::vector<bool> repeated(literals.size());
@@ -82,7 +88,9 @@ RE_Literal_Trie::Order RE_Literal_Trie::copy(const Literals& literals) {
     return sorted;
 }
 
-// Breadth first, so that the children of a node are neighbours.
+// Breadth first, so that the children of a node are neighbours in `nodes` and `leads`. Sorting has put all
+// literals of a child side by side. The reservation holds: a node is a literal's end or has two children, but
+// for the root.
 void RE_Literal_Trie::grow(const Order& sorted) {
     const std::size_t mostNodes = 2 * sorted.size() + 1;
     std::vector<Branch> pending;
@@ -96,11 +104,11 @@ void RE_Literal_Trie::grow(const Order& sorted) {
         Branch rest = growNode(pending[next], sorted);
         while (rest.first < rest.last) {
             const char16_t lead = text(sorted[rest.first])[rest.depth];
-            const auto behind = std::partition_point(
+            const auto past = std::partition_point(
                 sorted.begin() + static_cast<std::ptrdiff_t>(rest.first),
                 sorted.begin() + static_cast<std::ptrdiff_t>(rest.last),
                 [&](std::uint32_t literal) { return text(literal)[rest.depth] == lead; });
-            const auto last = static_cast<std::size_t>(behind - sorted.begin());
+            const auto last = static_cast<std::size_t>(past - sorted.begin());
             pending.push_back({static_cast<std::uint32_t>(nodes.size()), rest.first, last, rest.depth});
             nodes.push_back({0, 0, none, 0, 0});
             leads.push_back(lead);
@@ -112,8 +120,9 @@ void RE_Literal_Trie::grow(const Order& sorted) {
     leads.shrink_to_fit();
 }
 
-// All literals of the branch go through the node, which takes what they have in common. Returns the rest of
-// them.
+// All literals of the branch pass through the node, which takes the units that they have in common: as they
+// are sorted, those that the first and the last share. A literal that ends there is the node's own. Returns
+// the rest of the branch.
 RE_Literal_Trie::Branch RE_Literal_Trie::growNode(Branch branch, const Order& sorted) {
     Node& node = nodes[branch.node];
     node.text = static_cast<std::uint32_t>(starts[sorted[branch.first]] + branch.depth);
@@ -134,6 +143,8 @@ RE_Literal_Trie::Branch RE_Literal_Trie::growNode(Branch branch, const Order& so
     return branch;
 }
 
+// For units of the subject below 128 the way from the root is one look-up, in all the forms that fold to a
+// child.
 void RE_Literal_Trie::fillTable() {
     roots.fill(none);
     const Node& root = nodes[0];
@@ -151,6 +162,7 @@ void RE_Literal_Trie::fillTable() {
     }
 }
 
+// Children are sorted by their first units, as the literals were.
 std::uint32_t RE_Literal_Trie::child(const Node& node, char16_t unit) const {
     const char16_t* const first = leads.data() + node.firstChild;
     const char16_t* const last = first + node.children;
@@ -159,11 +171,12 @@ std::uint32_t RE_Literal_Trie::child(const Node& node, char16_t unit) const {
     return at != last && *at == unit ? static_cast<std::uint32_t>(at - leads.data()) : none;
 }
 
+// The table knows all forms of a unit; beyond it the unit is folded first.
 std::uint32_t RE_Literal_Trie::branchAt(char16_t unit) const {
     return unit < tableUnits ? roots[unit] : child(nodes[0], cases != nullptr ? cases->lower(unit) : unit);
 }
 
-// The first unit of the node is known to stand at `p`.
+// Whether the rest of the node's units is at `p`. Its first unit was compared on the way to it.
 template <bool folds>
 bool RE_Literal_Trie::continues(const Node& node, const char16_t* p) const {
     const char16_t* const own = units.data() + node.text;
@@ -186,6 +199,8 @@ RE_Literal_Trie::Found RE_Literal_Trie::walk(const char16_t* p, const char16_t* 
             break;
         }
         p += node.length;
+        // Deeper in the tree are longer literals, not later ones: the lowest number wins, and any second one
+        // makes a choice.
         if (node.literal != none && node.literal >= from) {
             found.hasLater = found.length != 0;
             if (!found.hasLater || node.literal < found.literal) {
@@ -201,11 +216,13 @@ RE_Literal_Trie::Found RE_Literal_Trie::walk(const char16_t* p, const char16_t* 
     return found;
 }
 
+// Two instances of the walk: without case there is no test for it in the loop.
 RE_Literal_Trie::Found RE_Literal_Trie::find(const char16_t* p, const char16_t* end,
                                              std::uint32_t from) const {
     return p == end ? Found() : cases == nullptr ? walk<false>(p, end, from) : walk<true>(p, end, from);
 }
 
+// A literal that begins others ends at a node with children.
 bool RE_Literal_Trie::areFew() const {
     constexpr std::size_t few = 16;
     constexpr std::size_t shortText = 32;

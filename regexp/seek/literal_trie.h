@@ -1,9 +1,14 @@
-// Many literals, in a tree that shares what they begin with: one walk over the subject finds all that stand
-// at a position.
+// Many literals in a tree that shares their beginnings: one walk over the subject finds all that occur at a
+// position.
 //
-// A node stands for a run of units, so that the tree has fewer than two nodes a literal, however long these
-// are. Nodes refer to each other and to the text by index; the children of a node lie side by side, by their
-// first units.
+// A tree node holds a run of units, so the tree has fewer than two nodes for each literal, however long they
+// are, and a walk takes time in proportion to the longest literal only. Nodes refer to each other and to the
+// text by index, so that the vectors may move. The children of a node lie side by side, sorted by their first
+// units.
+//
+// Invariant: literals keep their order. The number of a literal is its rank in the pattern, and it is by this
+// number that alternatives are tried one after another: neither the shape of the tree nor the sorting shows
+// outside.
 #pragma once
 
 #include "regexp/base/memory.h"
@@ -19,16 +24,19 @@ class CORVANE_REGEXP_EXPORT RE_Literal_Trie {
 public:
     using Literals = std::vector<std::u16string_view>;
 
-    /// None of the literals is empty. They are in lower case when case is ignored. Of equal ones the first
-    /// counts: what fails behind it fails behind the others as well. The texts are copied.
+    /// No literal may be empty. They are in lower case when case is ignored. Of equal literals the first
+    /// counts, as what fails after it fails after the others. The texts are copied.
     RE_Literal_Trie(const Literals& literals, bool ignoreCase);
 
-    /// What stands at a position: the first literal not before the number asked for.
+    /// What is at a position: the first literal, in the order of the pattern, whose number is not below
+    /// the given one.
     struct Found {
         std::uint32_t literal = 0;
-        bool hasLater = false;   ///< a later one stands there, too
+        bool hasLater = false;   ///< a later one is there, too: the caller has a choice to leave
         std::size_t length = 0;  ///< 0: there is none
     };
+    /// `from` is 0 at first, and the number after the last literal taken when that has failed. Reads no unit
+    /// at or past `end`.
     Found find(const char16_t* p, const char16_t* end, std::uint32_t from) const;
 
     /// The literals in their order, each once.
@@ -36,7 +44,8 @@ public:
     std::u16string_view text(std::size_t literal) const {
         return {units.data() + starts[literal], starts[literal + 1] - starts[literal]};
     }
-    /// Whether they are few and short, keep to their case, and none begins another.
+    /// Whether they are few and short, keep to their case, and none begins another: at most one of them
+    /// stands anywhere, and they may be written out as comparisons.
     bool areFew() const;
     std::size_t shortest() const { return least; }
     std::size_t longest() const { return greatest; }
@@ -59,12 +68,14 @@ private:
     static constexpr std::size_t tableUnits = 128;
 
     struct Node {
-        std::uint32_t text;  // where its units begin, which are those behind the units of its parent
+        std::uint32_t text;  // where its units begin, which follow those of its parent
         std::uint32_t length;
         std::uint32_t literal;  // that ends with it, or `none`
         std::uint32_t firstChild;
         std::uint32_t children;
     };
+    /// A part of the tree that is still to be made: its node, the sorted literals [first, last) that pass
+    /// through it, and how many units of them the nodes above have taken.
     struct Branch {  // of the tree, to be made: its node, and the sorted literals that go through it
         std::uint32_t node;
         std::size_t first;

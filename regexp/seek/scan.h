@@ -1,11 +1,14 @@
-// Scans of many units, in both directions. Now and then they query their monitor, so that the host can break off
-// a search within one scan of a long subject; a scan that was stopped finds nothing.
+// Scans of many units, in both directions, cut into blocks so that the host is polled in between.
+//
+// A scan that the host has stopped finds nothing. Whoever concludes something from "nothing found" (remembers
+// it, or skips starts) must look at `wasInterrupted` first, or at what `pollScan` has said.
 #pragma once
 
 #include <algorithm>
 #include <cstddef>
 
-/// How many units are looked at between two questions to the host.
+/// How many units are scanned between two polls of the host: some microseconds for a vector scan, so that the
+/// poll costs nothing, and still a prompt answer to an interrupt.
 inline constexpr std::size_t RE_SCAN_POLL_UNITS = 0x10000;
 
 /// Decides whether a long scan may continue. A search is the monitor of its own scans.

@@ -1,3 +1,4 @@
+// Look-up and storing of answers. One entry for each key: an answer replaces the one before it.
 #include "regexp/seek/seek_table.h"
 
 bool RE_Seek_Table::get(const char16_t* p, RE_Seek_Key key, const char16_t*& out) const {

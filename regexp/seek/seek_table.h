@@ -1,4 +1,7 @@
 // Memo of the answers to: where, from here on, can this node match next?
+//
+// It lets a caller that searches one text repeatedly, or from match to match, keep what scans have found: a
+// literal that occurs nowhere is looked for once.
 #pragma once
 
 #include "regexp/base/memory.h"
@@ -11,7 +14,8 @@
 
 class RE_Node;
 
-/// A seeking node, qualified by up to two words when it keeps several answers. Null node: the empty key.
+/// A seeking node, qualified by up to two words when it keeps several answers. A null node makes the empty
+/// key, under which nothing is kept.
 struct RE_Seek_Key {
     RE_Seek_Key(const RE_Node* seekingNode) : RE_Seek_Key(seekingNode, static_cast<std::size_t>(-1), 0) {}
     RE_Seek_Key(const RE_Node* seekingNode, std::size_t firstWord, std::size_t secondWord)
@@ -21,7 +25,7 @@ struct RE_Seek_Key {
 
     operator bool() const { return node != nullptr; }
     bool operator==(const RE_Seek_Key& other) const = default;
-    /// By the node's address, then by the words.
+    /// By the node's address, then by the words. The order has no meaning but that of the map.
     std::strong_ordering operator<=>(const RE_Seek_Key& other) const {
         const std::strong_ordering byNode = std::compare_three_way()(node, other.node);
         const std::strong_ordering byFirst = byNode != 0 ? byNode : first <=> other.first;
@@ -33,7 +37,8 @@ struct RE_Seek_Key {
     std::size_t second;
 };
 
-/// An answer, and the positions for which it holds: from where it was computed up to the answer itself.
+/// An answer with the positions for which it holds: from where it was computed up to the answer itself. All
+/// of them have the same answer, as the node matches nowhere in between.
 struct RE_Seek_Value {
     RE_Seek_Value(const char16_t* const computedFrom, const char16_t* const answer)
         : from(computedFrom), position(answer) {}
@@ -47,18 +52,20 @@ struct RE_Seek_Value {
     const char16_t* position;  ///< null: nowhere up to the end of the subject
 };
 
-/// Belongs to the caller of a search; meaningful for one pattern and one subject buffer, and for one thread
-/// at a time. Never cleared by the engine.
+/// Belongs to the caller of a search. Meaningful for one pattern and one subject buffer, and for one thread
+/// at a time: the engine cannot see that the text has changed, and never clears it by itself.
 class CORVANE_REGEXP_EXPORT RE_Seek_Table : public RE_Memory {
 public:
-    /// Sets `out` to the stored answer, if there is one; true when it holds at `p`.
+    /// Sets `out` to the stored answer, if there is one. True only when it holds at `p`: otherwise `out` is
+    /// not to be used.
     bool get(const char16_t* p, RE_Seek_Key key, const char16_t*& out) const;
-    /// Stores an answer; the latest wins. The empty key stores nothing.
+    /// Stores an answer; the latest wins, as searches move forward. The empty key stores nothing.
     void put(RE_Seek_Key key, const RE_Seek_Value& value);
     void clear() { answers.clear(); }
     std::size_t size() const { return answers.size(); }
 
 private:
+    // One entry for each seeking node, and most patterns have one or two: they need no allocation.
     using Answer = std::pair<RE_Seek_Key, RE_Seek_Value>;
     boost::container::flat_map<RE_Seek_Key, RE_Seek_Value, std::less<RE_Seek_Key>,
                                boost::container::small_vector<Answer, 2, RE_Allocator<Answer>>>

@@ -1,3 +1,5 @@
+// Which windows a filter admits. Sizes: 64 bits a literal make an accident rare (one window in 64); fewer
+// than 4096 bits would save nothing, and more than a million would no longer stay in a near cache.
 #include "regexp/seek/window_filter.h"
 
 #include <algorithm>
@@ -13,7 +15,8 @@ constexpr std::size_t mostBits = std::size_t{1} << 20;
 constexpr std::size_t narrowest = 2;
 constexpr char16_t caseBit = 0x20;
 
-/// The forms of a unit that differ in more than the bit that is ignored, one of each kind.
+/// The forms of a unit that differ in more than the bit that is ignored, one of each kind: there may be
+/// several, as that of the Kelvin sign beside `k`.
 std::u16string formsOf(char16_t lower) {
     std::u16string forms;
     RE_Case_Table::get().forEachForm(lower, [&forms](char16_t form) {
@@ -25,7 +28,8 @@ std::u16string formsOf(char16_t lower) {
     return forms;
 }
 
-/// The first units of a literal in all their forms.
+/// All windows with which a literal may begin when case is ignored: each form of a unit with each of the
+/// others. At most four units, and few of them have more than one such form.
 std::vector<std::u16string> windowsOf(std::u16string_view text) {
     std::vector<std::u16string> windows(1);
     for (const char16_t unit : text) {
@@ -43,6 +47,8 @@ std::vector<std::u16string> windowsOf(std::u16string_view text) {
 
 }  // namespace
 
+// The size is a power of two, as a place is a number of upper bits. Forms that a literal has more than one of
+// are not counted in `occupied`: it is an estimate.
 RE_Window_Filter::RE_Window_Filter(std::size_t windowUnits, bool foldsCase, std::size_t literalCount)
     : units(windowUnits),
       mask(windowUnits == widest ? ~std::uint64_t{0} : (std::uint64_t{1} << (16 * windowUnits)) - 1),
@@ -58,6 +64,8 @@ void RE_Window_Filter::admit(std::u16string_view window) {
     bits[place / 64] |= std::uint64_t{1} << (place % 64);
 }
 
+// As wide as the shortest literal allows: each unit more makes accidents rarer, and the look-up costs the
+// same.
 std::optional<RE_Window_Filter> RE_Window_Filter::make(const RE_Literal_Trie& literals) {
     if (literals.shortest() < narrowest) {
         return std::nullopt;
@@ -77,6 +85,8 @@ std::optional<RE_Window_Filter> RE_Window_Filter::make(const RE_Literal_Trie& li
     return filter;
 }
 
+// Up to `wholeEnd` the widest window can be read. The positions after it, fewer than a window, take the
+// careful way.
 const char16_t* RE_Window_Filter::find(const char16_t* p, const char16_t* end, const char16_t* limit) const {
     const char16_t* const wholeEnd =
         std::max(p, std::min(end, limit - std::min<std::ptrdiff_t>(limit - p, widest - 1)));

@@ -1,4 +1,7 @@
-// The choices that a search has left behind, in the order in which it takes them up again.
+// The backtrack records that a search has left, the most recent on top.
+//
+// Invariant: records below `base` belong to what is around the innermost open body, and are out of its reach.
+// Everything above is popped or dropped before the body ends.
 #pragma once
 
 #include "regexp/base/memory.h"
@@ -9,20 +12,21 @@
 
 class RE_Node;
 
-/// A choice left by a node.
+/// A record of a choice: which node made it, and what is restored when it is popped.
 struct RE_Backtrack_Record {
     const RE_Node* node = nullptr;
     const char16_t* position = nullptr;  ///< subject position at which the choice was made
     std::size_t savedTokens = 0;         ///< count of recorded tokens at that moment
 };
 
-/// What is kept beside a record: how far to undo token writes, and a word of the node's own.
+/// What is kept beside a record: how far to undo token writes, and a word of the node's own. Apart from the
+/// record, as a record is handed out when it is popped, and its mark is not.
 struct RE_Backtrack_Mark {
     std::size_t trailHeight = 0;
     std::size_t word = 0;
 };
 
-/// Stack of choices. `top` is the index of the most recent record, -1 when empty; pops never go below `base`.
+/// Stack of records. `top` is the index of the most recent one, -1 when empty; pops never go below `base`.
 /// Records and marks grow together, by doubling; the first 8 need no allocation.
 struct CORVANE_REGEXP_EXPORT RE_Backtrack_Stack {
     RE_Backtrack_Stack() : records(1), marks(1) {}

@@ -1,3 +1,4 @@
+// When texts are freed, and when one is given up.
 #include "regexp/state/included_texts.h"
 
 #include "regexp/graph/graph_facts.h"
@@ -8,12 +9,13 @@
 
 namespace {
 
-/// How often texts may come to the limit of nesting, within one outermost text and in one attempt.
+/// How often texts may reach the limit of nesting, within one outermost text and in one attempt.
 constexpr std::uint32_t maximumWithinText = 1000;
 constexpr std::uint32_t maximumInAttempt = 20'000;
 
 }  // namespace
 
+// Here, as the header does not know `RE_Tree`.
 RE_Included_Texts::RE_Included_Texts() = default;
 
 RE_Included_Texts::~RE_Included_Texts() = default;
@@ -34,7 +36,7 @@ const RE_Node* RE_Included_Texts::root() const {
     return texts.back().pattern.root;
 }
 
-// Whichever text's end this is: the texts behind it were left before, so each of them is either spent or has
+// Whichever text's end this is: the texts after it were left before, so each of them is either spent or has
 // choices of its own on top of the stack, and then so has this one.
 void RE_Included_Texts::endReached(RE_Search_Info& info) {
     while (!texts.empty() && texts.back().spent) {
@@ -46,13 +48,14 @@ void RE_Included_Texts::endReached(RE_Search_Info& info) {
     }
 }
 
+// From the last text down: a text within another one was added later, and is freed first.
 void RE_Included_Texts::dropSpent(RE_Search_Info& info) {
     while (!keepsAll && !texts.empty() && (texts.back().spent || texts.back().slot > info.backtrack.top)) {
         dropLast(info);
     }
 }
 
-// The running node has not left the text it stands in, nor the ones around that, so the last outermost text
+// The running node has not left the text it is in, nor the ones around that, so the last outermost text
 // is the one around all of them, and every record and body above its record lies within it. The node itself
 // lies there too: the texts are freed when the record is popped, which is the next thing that happens.
 void RE_Included_Texts::refuse(RE_Search_Info& info) {
@@ -63,6 +66,7 @@ void RE_Included_Texts::refuse(RE_Search_Info& info) {
     if (around == texts.rend() || (++around->refusals <= maximumWithinText && refusals <= maximumInAttempt)) {
         return;
     }
+    // Closing a body trims, which must not free the text that the running node is in.
     keepsAll = true;
     while (info.backtrack.base > around->slot) {
         info.closeBody(false);
@@ -71,7 +75,8 @@ void RE_Included_Texts::refuse(RE_Search_Info& info) {
     info.backtrack.top = around->slot;
 }
 
-// Addresses recur: a later text must not meet the counts of this one.
+// Counters are known by the addresses of their nodes. Addresses recur: a later text must not meet the counts
+// of this one.
 void RE_Included_Texts::dropLast(RE_Search_Info& info) {
     if (!info.counterStacks.empty()) {
         for (const RE_Node* node : texts.back().pattern.facts->nodes) {

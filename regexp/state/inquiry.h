@@ -1,13 +1,15 @@
-// When a search asks the automaton of its pattern.
+// When a search queries the automaton of its pattern, and what it concludes.
 //
 // Most attempts are over after a few choices, sooner than an automaton would have read the units. A search
-// that has left or taken up so many choices that it may be about to try the same over and over asks how its
-// attempt ends. A pattern with tokens goes on by itself where there is a match: the automaton knows nothing
-// of them.
+// that has left or taken up so many choices that it may be about to try the same over and over queries how
+// its attempt ends. A pattern with tokens continues by itself where there is a match: the automaton knows
+// nothing of tokens.
 //
-// Where attempts fail and have cost more than the way that they brought the search on, it asks besides
-// whether a later one can match. Seeking is faster than the automaton, so it looks no further than in
+// Where attempts fail and have cost more than the units that they brought the search on, it queries besides
+// whether a later one can match. Seeking is faster than the automaton, so it looks no further ahead than in
 // proportion to that cost.
+//
+// All of it decides about time only: the automaton's answers are those of the match loop.
 #pragma once
 
 #include "regexp/base/export.h"
@@ -22,8 +24,9 @@ struct RE_Graph_Facts;
 
 class CORVANE_REGEXP_EXPORT RE_Inquiry {
 public:
-    /// From now on the automaton of the pattern is asked, where it has one.
+    /// From now on the automaton of the pattern is queried, where it has one.
     void begin(const RE_Graph_Facts& pattern);
+    /// For what the automaton does not describe: no query is due any more.
     void stop() {
         dfa = nullptr;
         left = never;
@@ -34,11 +37,12 @@ public:
         }
     }
 
-    /// Counts a choice.
+    /// Counts a choice. True when a query is due.
     bool isDue() { return --left == 0; }
-    /// Asks about the attempt. False when it is over: then `takeEnd` tells of a match.
+    /// Queries how the attempt ends. True when the match loop has to continue; false when the attempt is
+    /// over: then `takeEnd` tells of a match.
     bool goesOn(RE_Search_Info& info);
-    /// Where the attempt was found to match. True once.
+    /// The end of the match that the query has found, once.
     bool takeEnd(const char16_t*& end) {
         if (found == nullptr) {
             return false;
@@ -47,28 +51,28 @@ public:
         found = nullptr;
         return true;
     }
-    /// Whether no match begins at `start` or behind it.
+    /// Whether it is known that no match begins at `start` or after it.
     bool isHopeless(const char16_t* start) const { return hopeless != nullptr && start >= hopeless; }
 
 private:
     static constexpr std::uint64_t never = std::numeric_limits<std::uint64_t>::max();
 
     RE_Inquiry forOtherSubject() const;
-    void askForLaterOnes(RE_Search_Info& info);
+    void queryLaterStarts(RE_Search_Info& info);
 
     const RE_Dfa* dfa = nullptr;
     bool hasManyStarts = false;
     bool wantsTokens = false;
-    std::uint64_t left = never;  // choices until it is asked
+    std::uint64_t left = never;  // choices until the next query
     std::uint64_t delay = 0;
     bool knowsSubject = false;
     std::uint64_t cost = 0;        // of attempts, as the automaton would read so many units in the time
     std::uint64_t unitsRead = 0;   // on behalf of attempts
-    std::uint64_t costAtLast = 0;  // when the search asked for later ones last
+    std::uint64_t costAtLast = 0;  // at the last query about later starts
     const char16_t* found = nullptr;
     const char16_t* hopeless = nullptr;
-    // No match that begins at `knownFrom` or behind it ends before `knownEnd`, where one does or the search
-    // stopped looking.
+    // No match that begins at or after `knownFrom` ends before `knownEnd`: there one does, or the search
+    // stopped looking. So until a start passes it there is no use in another query.
     const char16_t* knownFrom = nullptr;
     const char16_t* knownEnd = nullptr;
 };

@@ -5,9 +5,12 @@
 // texts of tokens that something refers to. Everything but the position is folded into a row number; a row is
 // a sparse bit set over positions, held for all rows together in one open-addressing table of 64-bit words.
 //
-// Why a second visit may be refused: compiled loops refuse passes that consume nothing, so no path comes back
-// to a state it is still exploring. Whoever meets a recorded state again therefore meets one that has failed
-// completely.
+// Why a second visit may be refused: compiled loops refuse passes that consume nothing, so no path returns to
+// a state that it is still exploring. Whoever meets a recorded state again therefore meets one that has
+// failed completely.
+//
+// Trap: whatever a node reads beside the subject must be in its rows (`RE_Search_Memo::row` puts them
+// together). If it is not, the memo refuses ways that would have matched.
 #pragma once
 
 #include "regexp/base/memory.h"
@@ -28,13 +31,14 @@ public:
     bool insert(std::uint32_t row, std::size_t position);
     /// Adds the pairs of all positions of [first, last].
     void insertAll(std::uint32_t row, std::size_t first, std::size_t last);
-    /// The last position in [first, last] whose pair is not in the set, or `nowhere`.
+    /// The last position in [first, last] whose pair is not in the set, or `nowhere`. Takes a few look-ups,
+    /// however long the range is.
     std::size_t lastAbsent(std::uint32_t row, std::size_t first, std::size_t last) const;
     /// The first such position.
     std::size_t firstAbsent(std::uint32_t row, std::size_t first, std::size_t last) const;
     static constexpr std::size_t nowhere = static_cast<std::size_t>(-1);
     bool contains(std::uint32_t row, std::size_t position) const;
-    /// Empties the set without touching its storage.
+    /// Empties the set in constant time: what it holds becomes a generation that is past.
     void clear();
     std::size_t bytes() const { return cells.capacity() * sizeof(Cell); }
 
@@ -45,9 +49,10 @@ private:
         std::uint64_t generation;  ///< the cell is free unless this is the table's current one
     };
 
-    // The words of a row are the leaves of a tree: a bit of a word of the next level says that the 64 positions, or words,
-    // below it are all in the set. A loop that fails at each of its ends, from start after start, asks about the same
-    // positions again and again: this way an answer looks at a few words, however many there are.
+    // The words of a row are the leaves of a tree: a bit of a word of the next level says that the 64
+    // positions, or words, below it are all in the set. A loop that fails at each of its ends, from start
+    // after start, queries the same positions again and again: this way an answer looks at a few words,
+    // however many there are.
     void noteFull(std::uint32_t row, std::size_t position);
     std::uint64_t& wordOf(std::uint32_t row, unsigned level, std::size_t at);
     std::uint64_t absentBits(std::uint32_t row, unsigned level, std::size_t at) const;
@@ -60,7 +65,8 @@ private:
     std::uint64_t generation = 1;
 };
 
-/// Gives each distinct combination of words a number of its own, counted from a first number on.
+/// Gives each distinct combination of words a number of its own, counting from a first number on. Rows below
+/// that number are those of nodes whose state is the position alone.
 class CORVANE_REGEXP_EXPORT RE_Memo_Rows : public RE_Memory {
 public:
     using Key = std::pmr::vector<std::uint64_t>;

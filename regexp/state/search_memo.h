@@ -1,12 +1,15 @@
 // The memo of one search: a table of tried states for the pattern itself and one for each level of closed
 // bodies.
 //
-// States on the way of a body that succeeded have not failed: its table is emptied then. One of a body that
-// failed stays, as a body sees nothing of what stands around it; only a look-behind, which must end in one
+// States on the way of a body that succeeded have not failed: its table is emptied then. The states of a body
+// that failed stay, as a body sees nothing of what is around it; only a look-behind, which must end in one
 // place, empties its own each time. The candidate starts of one look-behind share theirs.
 //
 // How a closed body ended is remembered as well, by where it was entered, so that bodies within the loops of
 // other bodies do not multiply.
+//
+// Invariant: what is recorded has failed, or is still being explored by the path that recorded it. Whoever
+// lets a path succeed must see to it that its states are forgotten or out of reach.
 #pragma once
 
 #include "regexp/state/memo.h"
@@ -34,28 +37,32 @@ struct RE_Body_Outcome {
     std::size_t end = 0;  ///< where a completed body led to
 };
 
+/// Belongs to one search, and to one thread. Rows below `firstCombined` are the numbers of nodes; `outcomes`
+/// has rows of its own.
 class CORVANE_REGEXP_EXPORT RE_Search_Memo : public RE_Memory {
 public:
     /// Combinations of a node and more get rows from this one on.
     explicit RE_Search_Memo(std::uint32_t firstCombined) : rows(firstCombined, &pool) {}
 
-    /// Records the state in which the search stands at (node, position); false when it was there already.
+    /// Records the state that the search is in at (node, position); false when it was there already.
     bool insert(const RE_Search_Info& info, const RE_Node* node, std::size_t position);
-    /// The last position in [first, last] at which `insert` would hold, or `RE_Memo_Table::nowhere`.
+    /// The last position in [first, last] at which `insert` would succeed, or `RE_Memo_Table::nowhere`.
+    /// Records nothing.
     std::size_t lastUntried(const RE_Search_Info& info, const RE_Node* node, std::size_t first,
                             std::size_t last);
     /// The first such position.
     std::size_t firstUntried(const RE_Search_Info& info, const RE_Node* node, std::size_t first,
                              std::size_t last);
-    /// Records the states at the positions of [first, last], as far as they differ by the position alone.
+    /// Records the states at the positions of [first, last] as failed. Records none of them where they differ
+    /// by more than the position: an omission costs time only.
     void insertAll(const RE_Search_Info& info, const RE_Node* node, std::size_t first, std::size_t last);
     /// Forgets the states of this level (0 is the pattern itself).
     void clear(std::size_t level);
     /// The outcome noted for a body of `node` entered at `start`.
     RE_Body_Outcome outcome(const RE_Node* node, std::size_t start) const;
     void noteOutcome(const RE_Node* node, std::size_t start, RE_Body_Outcome outcome);
-    /// Makes ready for the search behind a match that ended at `position`. The states on its way have not
-    /// failed; of them that search can meet those at the match's end only, so these are set apart.
+    /// Prepares for the search after a match that ended at `position`. The states on the way of the match
+    /// have not failed; of them that search can meet those at the match's end only, so these are set apart.
     void searchFrom(std::size_t position);
     /// Forgets the states of every level.
     void forgetStates();
@@ -82,14 +89,15 @@ private:
     std::size_t tokenState(const RE_Search_Info& info, std::size_t token);
     std::size_t textNumber(const RE_Search_Info& info, Place place);
 
-    // What is forgotten between two searches is taken again from the pool, not from the host.
+    // What is forgotten between two searches is taken from the pool again, not from the host. Declared first:
+    // the containers below release into it.
     RE_Memory_Pool pool;
     std::vector<RE_Memo_Table, RE_Allocator<RE_Memo_Table>> tables;
     RE_Memo_Table apart;  // the pattern's own states at the position set apart, met since then
     std::size_t setApart = RE_Memo_Table::nowhere;
     RE_Memo_Rows rows;
     RE_Memo_Rows::Key key{&pool};                    // scratch, kept for its storage
-    Numbers<Place, Place_Hash> placeNumbers{&pool};  // of token texts, by where they stand
+    Numbers<Place, Place_Hash> placeNumbers{&pool};  // of token texts, by where they are
     Numbers<std::u16string_view, std::hash<std::u16string_view>> textNumbers{&pool};
     RE_Memo_Table outcomes;  // two rows a node: bodies that failed, bodies that completed
     Numbers<Place, Place_Hash> outcomeEnds{

@@ -1,4 +1,8 @@
-// The part of a search's state that machine code reads and writes, too. Its layout is all that the code knows.
+// The part of a search's state that machine code reads and writes, too.
+//
+// The code knows nothing but the offsets of these members: they are plain data of fixed size, and their order
+// does not matter. Whoever changes the meaning of one has to look at `regexp/machine/` and at
+// `search_info.h`.
 #pragma once
 
 #include "regexp/state/step_meter.h"
@@ -10,6 +14,7 @@ struct RE_Instruction;
 struct RE_TokenInfo;
 
 /// A run of units that was measured up to the unit that ends it: it ends there from each of its positions.
+/// Null where none was measured.
 struct RE_Measured_Run {
     const char16_t* begin = nullptr;
     const char16_t* end = nullptr;
@@ -20,35 +25,37 @@ struct RE_Measured_Run {
 struct RE_Search_Registers {
     const char16_t* subjectBegin = nullptr;
     const char16_t* subjectEnd = nullptr;
-    const char16_t* matchStart = nullptr;  ///< start of the current attempt; null until the first reset
+    const char16_t* matchStart = nullptr;  ///< start of the current attempt; null before the first
     mutable RE_Step_Meter meter;           ///< no part of the state that nodes see
+    /// Starts tried and choices taken up; each 2048th polls for interrupts. Not the steps of the meter.
     std::uint64_t steps = 1;
-    /// The memo begins once this many choices have been taken up again or spared: most searches never pay for
-    /// it. 0 while there is one.
+    /// The memo begins once this many more choices have been taken up again or spared: most searches never pay
+    /// for it. 0 while there is one.
     std::uint64_t memoCountdown = 0;
     RE_Measured_Run leadingRun;  ///< the one that the leading loop of the pattern measured last
     std::uint64_t rejectEmpty =
         0;  ///< the end of the pattern refuses a match that consumed nothing since `matchStart`
 
-    // --- of machine code alone ---
+    // --- of machine code alone: they carry it from a return to the next run ---
 
-    const void* resume = nullptr;         ///< where it goes on
+    const void* resume = nullptr;         ///< where it continues
     const char16_t* cursor = nullptr;     ///< at what unit
-    const char16_t* lastStart = nullptr;  ///< no match begins behind it
+    const char16_t* lastStart = nullptr;  ///< no match begins after it
     const char16_t* runBegin = nullptr;   ///< of the run that the code is in
     RE_TokenInfo* slots = nullptr;
     std::size_t* opened = nullptr;  ///< where tokens opened, in units from the subject's begin
     std::size_t inEffect = 0;       ///< tokens
     std::size_t written = 0;        ///< slots begun: `RE_Token_Stack::written`
-    /// With no more steps left a failed attempt is not the code's to go on from.
+    /// With no more room than this in the meter, a failed attempt makes the code return: the search has to look
+    /// for the needed literals before it tries another start.
     std::int64_t askLeft = 0;
     const RE_Instruction* instruction = nullptr;  ///< the one that it returned for
     std::uint64_t holds = 0;                      ///< how the glance was decided that it returned for
 
-    // --- the one choice that it keeps by itself: an end of a run, and what was so when that was chosen ---
+    // --- the one choice that it keeps by itself: an end of a run, and what was so when it was chosen ---
 
     const char16_t* choiceEnd = nullptr;
-    const char16_t* choiceLimit = nullptr;  ///< behind which, or before which, there is none
+    const char16_t* choiceLimit = nullptr;  ///< the last end to try: the longest or the shortest
     std::int64_t choiceMeter = 0;
     std::uint64_t choiceCountdown = 0;
     std::size_t choiceInEffect = 0;

@@ -1,3 +1,4 @@
+// Opening and leaving the closed parts of a search.
 #include "regexp/state/search_scopes.h"
 
 #include "regexp/state/search_info.h"
@@ -13,6 +14,9 @@ RE_Search_Scope::RE_Search_Scope(RE_Search_Info& search)
     ++search.scopes;
 }
 
+// The choices dropped count towards the memo as if they had been taken up: a loop whose bodies leave choices
+// would otherwise never begin it. Texts whose records are gone go last, when nothing of the scope refers to
+// them.
 void RE_Search_Scope::leave() {
     info->dropChoices(info->backtrack.top + 1 - info->backtrack.base);
     info->backtrack.top = info->backtrack.base - 1;

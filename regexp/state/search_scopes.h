@@ -1,4 +1,8 @@
-// Parts of a search that are closed to what stands around them: sub-searches, windows of look-behinds, bodies.
+// Parts of a search that are closed to what is around them: sub-searches, windows of look-behinds, bodies.
+//
+// Each saves what it changes when it is opened and restores it with `leave`. Not by a destructor: bodies are
+// opened and closed by the match loop, in a stack of frames, and the native stack does not grow with their
+// nesting. So scopes must be left in the reverse order in which they were opened, and each exactly once.
 #pragma once
 
 #include "regexp/base/export.h"
@@ -10,13 +14,14 @@ class RE_Node;
 class RE_Search_Info;
 class RE_Seek_Table;
 
-/// Opens a sub-search: choices made before it are out of reach of pops until `leave()`, which drops every
-/// record the sub-search left. What the sub-search wrote to tokens stays on the undo trail.
+/// Opens a sub-search: choices made before it are out of reach until `leave()`, which drops every record that
+/// the sub-search has left. What the sub-search wrote to tokens stays on the undo trail, so that a record
+/// further down still undoes it.
 class CORVANE_REGEXP_EXPORT RE_Search_Scope {
 public:
     explicit RE_Search_Scope(RE_Search_Info& search);
     void leave();
-    /// Takes back every token write made since the scope was opened.
+    /// Undoes every token write made since the scope was opened, as a negative lookaround has to.
     void undoWrites();
 
 private:
@@ -28,7 +33,8 @@ private:
     std::size_t savedCount;
 };
 
-/// Sets the window of a look-behind body: where it starts and where it must end.
+/// Sets the window of a look-behind body: where it starts and where it must end. An attempt within it takes
+/// `start` for the start of the match. A required end of null means that it may end anywhere.
 class CORVANE_REGEXP_EXPORT RE_Window_Scope {
 public:
     RE_Window_Scope(RE_Search_Info& search, const char16_t* start, const char16_t* requiredEnd);
@@ -45,7 +51,8 @@ struct RE_Body_Frame {
     const RE_Node* node;
     RE_Search_Scope scope;
     RE_Window_Scope window;
-    std::size_t start;      ///< where the node was entered
-    std::size_t lowest;     ///< look-behind: the first candidate start of the body
-    std::size_t candidate;  ///< look-behind: the start being tried
+    std::size_t start;   ///< where the node was entered
+    std::size_t lowest;  ///< look-behind: the first candidate start of the body
+    /// Look-behind: the start being tried. Candidates go from the nearest down to `lowest`.
+    std::size_t candidate;
 };

@@ -11,6 +11,7 @@ void RE_Token_Stack::set_start(std::size_t index, const char16_t* name, std::siz
     }
 }
 
+// Closing puts this token and all lower ones in effect. The start must have been set before.
 void RE_Token_Stack::set_end(std::size_t index, std::size_t end) {
     if (index < slots.size()) {
         count = index + 1;
@@ -23,6 +24,7 @@ const RE_TokenInfo* RE_Token_Stack::get(const char16_t* name) const {
     return name != nullptr ? get(find(name)) : nullptr;
 }
 
+// Several groups may share a name, in different alternatives: the one that took part is meant.
 std::size_t RE_Token_Stack::find(std::u16string_view name) const {
     std::size_t found = slots.size();
     for (std::size_t i = 0; i < count; ++i) {

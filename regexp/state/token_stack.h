@@ -1,8 +1,12 @@
 // Capture tokens of one search: where each group matched last.
 //
-// Closing a token puts it and all lower ones in effect and takes the higher ones out of effect; their slots stay as they
-// are, since a later close of a higher token brings them back. So every slot below `count` tells what its group captured
-// last on the way that the search took, and an empty text where the group never closed on that way.
+// Closing a token puts it and all lower ones in effect and takes the higher ones out of effect; their slots
+// stay as they are, since a later close of a higher token brings them back. So every slot below `count` tells
+// what its group captured last on the way that the search took, and an empty text where the group never
+// closed on that way.
+//
+// Slots at or above `written` hold stale data of other attempts: emptying them all for each attempt would
+// cost more than most attempts do. Whoever reads slots directly has to look at `written` first.
 #pragma once
 
 #include "regexp/base/memory.h"
@@ -21,12 +25,14 @@ struct RE_TokenInfo {
     bool tookPart = false;           ///< the group closed; else start and length are 0
 };
 
-/// The token store: one slot a group, of which the first `count` are in effect.
+/// The token store: one slot for each group, of which the first `count` are in effect. Belongs to one search.
 class CORVANE_REGEXP_EXPORT RE_Token_Stack : public RE_Memory {
 public:
     explicit RE_Token_Stack(std::size_t n = 0) : slots(n) {}
 
+    /// Takes all tokens out of effect. The slots keep what they hold.
     void reset() { count = written = 0; }
+    /// Plain writes to one slot, ignored where there is no such slot. Nothing is put on the trail.
     void set_start(std::size_t index, const char16_t* name, std::size_t start);
     void set_end(std::size_t index, std::size_t end);
 
@@ -48,7 +54,8 @@ public:
     /// effect whose group never closed, as that of `a` in `(a)x|(b)` where `b` matched.
     bool tookPart(std::size_t index) const { return index < count && slots[index].tookPart; }
 
-    /// Makes slot `index` and those below it ready to be read, which hold stale data where this attempt wrote none.
+    /// Makes slot `index` and those below it ready to be read. They hold stale data where this attempt has
+    /// written none.
     void begin(std::size_t index) {
         for (; written <= index; ++written) {
             slots[written].start = slots[written].length = 0;

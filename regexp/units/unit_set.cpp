@@ -1,3 +1,7 @@
+// Sets by words of 64 units, and the tables of the host's answers.
+//
+// Each operation on sets keeps `varied` as low as is cheap, and never too low. "Unlike" words are those
+// before it, which may differ from the last word.
 #include "regexp/units/unit_set.h"
 
 #include "host/unit_class.h"
@@ -8,6 +12,7 @@
 #include <cstring>
 #include <iterator>
 
+// A range that reaches the last unit makes all words after its first one ones, so those no longer vary.
 void RE_Unit_Set::addRange(char16_t low, char16_t high) {
     if (low > high) {
         return;
@@ -26,6 +31,8 @@ void RE_Unit_Set::addRange(char16_t low, char16_t high) {
     varied = high == unitCount - 1 ? first + 1 : std::max(varied, last + 1);
 }
 
+// The two words may differ from the rest afterwards; whether they do is not tested, as `varied` need not be
+// exact.
 void RE_Unit_Set::add(const RE_Low_Units& units) {
     for (std::size_t i = 0; i < units.words.size(); ++i) {
         words[i] |= units.words[i];
@@ -40,6 +47,7 @@ void RE_Unit_Set::remove(const RE_Low_Units& units) {
     varied = std::max(varied, units.words.size());
 }
 
+// Writes all words, also those of a set without a value. The last word is never unlike itself.
 void RE_Unit_Set::assign(const RE_Unit_Set& other, bool negated) {
     const std::uint64_t turned = negated ? ~std::uint64_t{0} : 0;
     const std::uint64_t others = other.rest() ^ turned;
@@ -59,6 +67,8 @@ void RE_Unit_Set::assign(const RE_Low_Units& units, bool negated) {
     varied = units.words.size();
 }
 
+// `fills`: the other set holds all units from some word on. `full`: this one does. In either case the words
+// from there on are known without a look.
 void RE_Unit_Set::addAll(const RE_Unit_Set& other) {
     if (varied == 0 && rest() == 0) {
         assign(other, false);
@@ -79,6 +89,7 @@ void RE_Unit_Set::addAll(const RE_Unit_Set& other) {
     }
 }
 
+// Four words a turn: most pairs of sets have nothing in common, and are looked through to the end.
 bool RE_Unit_Set::meets(const RE_Unit_Set& other) const {
     // Where one of them has ended the other one meets nothing.
     const bool ends = varied < wordCount && rest() == 0;
@@ -109,11 +120,13 @@ void RE_Unit_Set::negate() {
     std::fill(words + unlike, words + wordCount, others);
 }
 
+// Words from `varied` on are zero already, unless they are ones.
 void RE_Unit_Set::clear() {
     std::fill_n(words, rest() != 0 ? wordCount : varied, 0);
     varied = 0;
 }
 
+// Looks at all words. Sizes matter when finders are chosen and for labels, never while a search runs.
 std::size_t RE_Unit_Set::sizeFrom(std::size_t first) const {
     std::size_t count = 0;
     for (std::size_t word = first / 64; word < wordCount; ++word) {
@@ -122,6 +135,7 @@ std::size_t RE_Unit_Set::sizeFrom(std::size_t first) const {
     return count;
 }
 
+// `comparedWith(*this)` words and at least one from `first` on: the words after them repeat the last.
 bool RE_Unit_Set::holdsAnyFrom(std::size_t first) const {
     return std::any_of(words + first / 64, words + std::max(first / 64 + 1, comparedWith(*this)),
                        [](std::uint64_t word) { return word != 0; });
@@ -132,6 +146,7 @@ bool RE_Unit_Set::holdsAllFrom(std::size_t first) const {
                        [](std::uint64_t word) { return word + 1 == 0; });
 }
 
+// The exact value of `varied`: sets that are equal have the same.
 std::size_t RE_Unit_Set::leastVaried() const {
     if (rest() + 1 > 1) {  // neither 0 nor all ones
         return wordCount;
@@ -163,15 +178,19 @@ std::size_t RE_Unit_Set::hash() const {
     return static_cast<std::size_t>(mixed ^ (mixed >> 32));
 }
 
+// One word past those that vary stands for all the rest of both sets.
 bool RE_Unit_Set::operator==(const RE_Unit_Set& other) const {
     return std::equal(words, words + comparedWith(other), other.words);
 }
 
+// Filled by whichever thread comes first; the others wait for it. So is every table below.
 const RE_Case_Table& RE_Case_Table::get() {
     static const RE_Case_Table table;
     return table;
 }
 
+// Stable sorting keeps the units of one form in their order: what is made of them does not depend on the
+// library.
 RE_Case_Table::RE_Case_Table() {
     for (std::size_t unit = 0; unit < RE_Unit_Set::unitCount; ++unit) {
         lowerOf[unit] = cvu_tolower(static_cast<char16_t>(unit));
@@ -188,11 +207,13 @@ RE_Case_Table::RE_Case_Table() {
     std::stable_sort(upperForms.begin(), upperForms.end());
 }
 
+// A unit without case is in no list and is its own only form.
 std::size_t RE_Case_Table::formsWithin(char16_t lowerForm) const {
     const auto [first, last] = std::equal_range(lowerForms.begin(), lowerForms.end(), Form{lowerForm, 0});
     return static_cast<std::size_t>(last - first) + (isCased(lowerForm) ? 0 : 1);
 }
 
+// The units whose form lies in the bounds are neighbours in the list.
 void RE_Case_Table::addFormsWithin(const Forms& forms, RE_Unit_Set& set, char16_t low, char16_t high) {
     const auto first = std::lower_bound(forms.begin(), forms.end(), Form{low, 0});
     for (auto it = first; it != forms.end() && it->form <= high; ++it) {
@@ -200,6 +221,7 @@ void RE_Case_Table::addFormsWithin(const Forms& forms, RE_Unit_Set& set, char16_
     }
 }
 
+// Units without case are their own forms and in no list.
 void RE_Case_Table::addFolding(RE_Unit_Set& set, char16_t low, char16_t high, bool bothForms) const {
     for (std::size_t unit = low; unit <= high; ++unit) {
         if (!isCased(static_cast<char16_t>(unit))) {
@@ -232,16 +254,19 @@ void RE_Case_Table::addFormsOfUnitsWithin(RE_Unit_Set& set, char16_t low, char16
 
 namespace {
 
+// Set when the tables are complete. A function-local static would be filled by testing whether it is.
 std::atomic<const RE_Unit_Classes*> filledClasses = nullptr;
 
 }  // namespace
 
+// Acquires what the constructor has released: a set that is found to be a member is complete.
 std::size_t RE_Unit_Classes::numberOf(const RE_Unit_Set& set) {
     const RE_Unit_Classes* const classes = filledClasses.load(std::memory_order_acquire);
     if (classes == nullptr) {
         return count;
     }
-    // The members lie one behind the other, and no other set lies among them.
+    // The members are neighbours in memory and no other set lies among them. An address below the first gives
+    // a huge number.
     const std::uintptr_t place =
         reinterpret_cast<std::uintptr_t>(&set) - reinterpret_cast<std::uintptr_t>(&classes->digits);
     return std::min<std::size_t>(place / sizeof(RE_Unit_Set), count);
@@ -271,8 +296,11 @@ const RE_Unit_Set& RE_Unit_Classes::allOfLine() {
     return all;
 }
 
+// `numberOf` divides by the size of a set.
 static_assert(sizeof(RE_Unit_Classes) == RE_Unit_Classes::count * sizeof(RE_Unit_Set));
 
+// The underscore is a word unit whatever the host says. Released last: `numberOf` may be called by other
+// threads meanwhile.
 RE_Unit_Classes::RE_Unit_Classes() {
     digits.addWhere([](char16_t unit) { return cvu_isdigit(unit); });
     spaces.addWhere([](char16_t unit) { return cvu_isspace(unit); });

@@ -1,6 +1,9 @@
-// Exact sets of UTF-16 units, and the host's case mapping and classes held as tables.
+// Exact sets of UTF-16 code units, and the host's case mapping and classes as tables.
 //
-// The tables are filled from the host's functions once per process, so the match loop never calls the host.
+// The tables are filled from the host's functions once per process, so the match loop never calls the host. A
+// host must therefore answer the same for a unit each time.
+//
+// A surrogate pair is two units here as everywhere in the engine: sets know nothing of code points.
 #pragma once
 
 #include "regexp/base/memory.h"
@@ -13,11 +16,13 @@
 #include <memory>
 #include <vector>
 
-/// Those of the units below 0x80 that are in a set, one bit each.
+/// The units below 0x80 of a set, one bit each. Most sets of patterns are made of these alone: they are
+/// gathered here, and a whole set is made once.
 struct RE_Low_Units {
     static constexpr std::size_t unitCount = 128;
 
     void add(char16_t unit) { words[unit / 64] |= std::uint64_t{1} << (unit % 64); }
+    /// All units from `low` to `high`, which must be below 0x80 and in this order.
     void addRange(char16_t low, char16_t high) {
         for (std::size_t block = low / 64; block <= high / 64; ++block) {
             const std::uint64_t from =
@@ -41,11 +46,18 @@ struct RE_Low_Units {
 };
 
 /// A set of units: one bit for each of the 65,536. From some place on most sets hold all units or none: they
-/// know that place, so that building and comparing them looks at what stands before it only.
+/// know that place, so that building and comparing them looks at what precedes it only.
+///
+/// Invariant: all words from number `varied` on are equal to the last word, and if `varied` is less than the
+/// number of words that is 0 or all ones. `varied` may be greater than necessary, never less: equal sets may
+/// differ in it, so comparing and hashing do not depend on it.
+///
+/// 8 KiB: share it, and keep it off the native stack where there are many.
 class CORVANE_REGEXP_EXPORT RE_Unit_Set : public RE_Memory {
 public:
     static constexpr std::size_t unitCount = 0x10000;
-    /// Of a set that is not in use before something is assigned to it.
+    /// Says that a set is left without a value until something is assigned to it: clearing 8 KiB would be for
+    /// nothing.
     struct Unset {};
 
     RE_Unit_Set() : words{} {}
@@ -60,6 +72,7 @@ public:
         return std::allocate_shared<RE_Unit_Set>(RE_Allocator<RE_Unit_Set>(), unset);
     }
 
+    /// One load, one shift: the match loop does little else with sets.
     bool contains(char16_t unit) const {
         const std::uint32_t wide = unit;  // narrow arithmetic costs an instruction more
         return (words[wide >> 6] >> (wide & 63) & 1) != 0;
@@ -71,30 +84,33 @@ public:
     void addRange(char16_t low, char16_t high);
     void add(const RE_Low_Units& units);
     void remove(const RE_Low_Units& units);
-    /// The same units, or those that are not in the other one.
+    /// Makes this the set of the same units, or of those that are not in the other one. The old value does
+    /// not matter.
     void assign(const RE_Unit_Set& other, bool negated);
     void assign(const RE_Low_Units& units, bool negated);
     void addAll(const RE_Unit_Set& other);
     void negate();
     void clear();
-    /// Whether some unit is in both.
+    /// Whether some unit is in both. Stops at the first, and where one of the sets has ended.
     bool meets(const RE_Unit_Set& other) const;
     std::size_t size() const { return sizeFrom(0); }
-    /// How many units from `first`, a multiple of 64, on are in the set.
+    /// How many units at or above `first` (a multiple of 64) are in the set.
     std::size_t sizeFrom(std::size_t first) const;
-    /// Whether there are any.
+    /// Whether any unit at or above `first` (a multiple of 64) is in the set; whether all of them are.
     bool holdsAnyFrom(std::size_t first) const;
     bool holdsAllFrom(std::size_t first) const;
+    /// Equal sets have equal hashes. For sharing sets within a process: not the same on every machine.
     std::size_t hash() const;
-    /// Of the 64 units from 64 * `block` on, one bit each.
+    /// The 64 units at or above 64 * `block`, one bit each, the first one lowest.
     std::uint64_t bits(std::size_t block) const { return words[block]; }
-    /// All of them, one behind the other.
+    /// All words in order. Machine code refers to them by address: it must not outlive the set.
     const std::uint64_t* table() const { return words; }
-    /// From this block on all have the bits of the last one: none, or all.
+    /// At and above this block of 64 units all have the bits of the last block: none, or all.
     std::size_t variedBlocks() const { return varied; }
     bool operator==(const RE_Unit_Set& other) const;
 
     template <class Predicate>
+    /// Adds all units for which `predicate` holds. Calls it for each unit.
     void addWhere(Predicate predicate) {
         for (std::size_t unit = 0; unit < unitCount; ++unit) {
             if (predicate(static_cast<char16_t>(unit))) {
@@ -108,7 +124,7 @@ private:
 
     std::uint64_t rest() const { return words[wordCount - 1]; }
     std::size_t leastVaried() const;
-    /// So many words say all about both: what stands behind them is like the last of them.
+    /// So many words decide about both sets: the words after them repeat the last of them.
     std::size_t comparedWith(const RE_Unit_Set& other) const {
         const std::size_t most = varied > other.varied ? varied : other.varied;
         return most < wordCount ? most + 1 : wordCount;
@@ -119,20 +135,23 @@ private:
     std::size_t varied = 0;
 };
 
-/// The host's simple case mapping, unit by unit.
+/// The host's simple case mapping, unit by unit. Literals that ignore case compare lower-case forms.
+/// Read-only; shared by all threads.
 class CORVANE_REGEXP_EXPORT RE_Case_Table {
 public:
     static const RE_Case_Table& get();
 
     char16_t lower(char16_t unit) const { return lowerOf[unit]; }
     char16_t upper(char16_t unit) const { return upperOf[unit]; }
+    /// Whether lower and upper case differ.
     bool hasCase(char16_t unit) const { return lowerOf[unit] != upperOf[unit]; }
-    /// Either mapping gives another unit.
+    /// Whether either mapping gives another unit, if only both the same one.
     bool isCased(char16_t unit) const { return lowerOf[unit] != unit || upperOf[unit] != unit; }
-    /// This unit and no other has this unit as its lower-case form.
+    /// Whether this unit, and no other, has this unit as its lower-case form: then case need not be ignored
+    /// for it.
     bool foldsAlone(char16_t unit) const { return lowerOf[unit] == unit && !foldTargets.contains(unit); }
 
-    /// Calls `visit` with each unit that has this unit as its lower-case form.
+    /// Calls `visit` with each unit that has this unit as its lower-case form, which may be none, or several.
     template <class Visit>
     void forEachForm(char16_t lowerForm, Visit visit) const {
         if (!isCased(lowerForm)) {
@@ -145,8 +164,9 @@ public:
     }
     /// How many units have this unit as their lower-case form.
     std::size_t formsWithin(char16_t lowerForm) const;
-    /// Adds the units whose lower-case form lies in the bounds; with `bothForms` also those whose upper-case form does,
-    /// and those that fold to the lower-case form of a unit within the bounds, as U+212A does to that of K.
+    /// Adds the units whose lower-case form lies in the bounds; with `bothForms` also those whose upper-case
+    /// form does, and those that fold to the lower-case form of a unit within the bounds, as U+212A does to
+    /// that of K.
     void addFolding(RE_Unit_Set& set, char16_t low, char16_t high, bool bothForms) const;
 
 private:
@@ -168,7 +188,8 @@ private:
     Forms upperForms;
 };
 
-/// The classes that escapes name.
+/// The classes that escapes name. Filled with the first use, which calls the host for each unit; read-only
+/// afterwards.
 struct CORVANE_REGEXP_EXPORT RE_Unit_Classes {
     static const RE_Unit_Classes& get();
 
@@ -177,8 +198,8 @@ struct CORVANE_REGEXP_EXPORT RE_Unit_Classes {
     std::array<const RE_Unit_Set*, count> all() const {
         return {&digits, &spaces, &words, &noDigits, &noSpaces, &noWords};
     }
-    /// Which member of the tables of this process the set is; `count` when it is none. What is known of these needs to be
-    /// found out only once. Does not fill the tables.
+    /// Which member of the tables of this process the set is, by its address; `count` when it is none. What
+    /// is known of these sets needs to be found out only once. Does not fill the tables.
     static std::size_t numberOf(const RE_Unit_Set& set);
 
     /// What the dots match: everything, and all but line feeds.

@@ -86,10 +86,19 @@ private:
 /// the memo begins with the first choice that is resumed.
 class Delays {
 public:
-    explicit Delays(std::uint64_t choices, std::uint64_t perUnit = 0, std::uint64_t steps = RE_Tuning().neededLiteralSteps)
-        : m_scope({.memoChoices = choices, .memoChoicesPerUnit = perUnit, .neededLiteralSteps = steps}) {}
+    explicit Delays(std::uint64_t choices, std::uint64_t perUnit = 0,
+                    std::uint64_t steps = RE_Tuning().neededLiteralSteps)
+        : m_scope(tuned(choices, perUnit, steps)) {}
 
 private:
+    static RE_Tuning tuned(std::uint64_t choices, std::uint64_t perUnit, std::uint64_t steps) {
+        RE_Tuning tuning = RE_Tuning::ofNewTrees();
+        tuning.memoChoices = choices;
+        tuning.memoChoicesPerUnit = perUnit;
+        tuning.neededLiteralSteps = steps;
+        return tuning;
+    }
+
     RE_Tuning::Scope m_scope;
 };
 
