@@ -1,6 +1,7 @@
 // Which bracket closes which, found in one pass over the pattern.
 #pragma once
 
+#include "regexp/eval/warning.h"
 #include "regexp/flags.h"
 #include "regexp/memory.h"
 #include "regexp/scratch_memory.h"
@@ -9,6 +10,17 @@
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
+
+/// What a list of mode letters says. `end` is the index of the unit that ended it.
+struct RE_Modes {
+    RE_Flags flags = 0;
+    std::size_t end = 0;
+    RE_Warning problem = RE_WARNING_NONE;  ///< found at `end`
+};
+
+/// Reads mode letters from `at`, changing `flags`. The list ends well at a `:` or `)` after at least one
+/// letter.
+RE_Modes readModes(const char16_t* text, std::size_t length, std::size_t at, RE_Flags flags);
 
 /// By unit: whether it stands for itself wherever it is read as an item, unless spacing is free. Others do.
 inline constexpr auto plainLowUnits = [] {

@@ -3,7 +3,7 @@
 #include "regexp/nodes/anchors.h"
 #include "regexp/nodes/dynamic.h"
 #include "regexp/nodes/string.h"
-#include "regexp/parser/unit_nodes.h"
+#include "regexp/parser/unit_tests.h"
 #include "regexp/within_size.h"
 
 #include <algorithm>

@@ -11,13 +11,38 @@
 #include "regexp/nodes/loop_pass.h"
 #include "regexp/nodes/tokens.h"
 #include "regexp/nodes/trivial.h"
-#include "regexp/parser/build_step.h"
 #include "regexp/parser/empty_passes.h"
 #include "regexp/parser/measure.h"
 #include "regexp/parser/parser_context.h"
 #include "regexp/parser/syntax.h"
 
+#include <cstddef>
+#include <new>
+#include <type_traits>
 #include <vector>
+
+class RE_Build_Step {
+public:
+    /// What the function captures is no more than pointers, numbers and structures of such.
+    template <class Function>
+    RE_Build_Step(const Function& function) : call(&callAs<Function>) {
+        static_assert(std::is_trivially_copyable_v<Function> && std::is_trivially_destructible_v<Function>);
+        static_assert(sizeof(Function) <= room && alignof(Function) <= alignof(std::max_align_t));
+        new (storage) Function(function);
+    }
+    void operator()() { call(storage); }
+
+private:
+    static constexpr std::size_t room = 112;
+
+    template <class Function>
+    static void callAs(void* place) {
+        (*std::launder(static_cast<Function*>(place)))();
+    }
+
+    void (*call)(void*);
+    alignas(std::max_align_t) unsigned char storage[room];
+};
 
 class RE_Graph_Builder {
 public:

@@ -1,8 +1,10 @@
 // Everything that a parenthesis can open.
+#include "regexp/eval/evaluators.h"
 #include "regexp/parser/escapes.h"
 #include "regexp/parser/grammar.h"
-#include "regexp/parser/modes.h"
 #include "regexp/parser/names.h"
+
+#include <algorithm>
 
 void RE_Grammar::openFrame(std::uint32_t group, std::uint32_t close, std::size_t contentStart,
                            bool closedBody) {
@@ -170,4 +172,133 @@ void RE_Grammar::readModeGroup(std::uint32_t close) {
 void RE_Grammar::dropGroup(std::uint32_t close) {
     frame().last = Last::dropped;
     at = close + std::size_t{1};
+}
+
+// The condition's own parentheses are paired like any others, so its end is known.
+void RE_Grammar::readConditional(std::uint32_t close) {
+    const std::size_t open = at + 2;
+    const std::uint32_t end = brackets.closing(open);
+    const std::size_t start = open + 1;
+    if (end == RE_Brackets::none || end >= close) {
+        warnAt(open, RE_WARNING_UNCLOSED_CONDITION);
+        dropGroup(close);
+        return;
+    }
+    if (start + 1 < end && text[start] == u'?' && text[start + 1] == u'@') {
+        readEvaluatedConditional(close, start + 2, end);
+        return;
+    }
+    Reference token{RE_Syntax::none, 0, static_cast<std::uint32_t>(start)};
+    const bool look = text[start] == u'?' && isLookaroundMark(start + 1, end);
+    if (!look && !readTokenCondition(token, start, end)) {
+        warnAt(start, RE_WARNING_BAD_CONDITION);
+        dropGroup(close);
+        return;
+    }
+    if (look && closedDepth >= maximumClosedDepth) {
+        warnAt(open, RE_WARNING_TOO_DEEP);
+        dropGroup(close);
+        return;
+    }
+    context.context->conditionalCreationCallback();
+    addItem(RE_Syntax_Kind::conditional, at);
+    const std::uint32_t conditional = tree[frame().branch].lastChild;
+    if (look) {
+        openLookCondition(conditional, close, start, end);
+    } else {
+        tree[conditional].number = token.number;
+        tree[conditional].payload = token.name;
+        references.push_back(token);
+        openFrame(conditional, close, end + std::size_t{1}, false);
+    }
+}
+
+void RE_Grammar::readEvaluatedConditional(std::uint32_t close, std::size_t start, std::uint32_t end) {
+    if (!mayEvaluate()) {
+        dropGroup(close);
+        return;
+    }
+    context.context->conditionalCreationCallback();
+    const std::uint32_t condition = readDynamicCondition(start, end);
+    addItem(RE_Syntax_Kind::conditional, at);
+    const std::uint32_t conditional = tree[frame().branch].lastChild;
+    tree[conditional].condition = condition;
+    openFrame(conditional, close, end + std::size_t{1}, false);
+}
+
+// The assertion is read like any other and then taken out of the branch: it is the condition.
+void RE_Grammar::openLookCondition(std::uint32_t conditional, std::uint32_t close, std::size_t start,
+                                   std::uint32_t end) {
+    openFrame(conditional, close, start - 1, false);
+    const std::uint32_t branch = frame().branch;
+    readLookaround(start + 1, end);
+    tree[conditional].condition = frame().group;
+    tree[branch].firstChild = tree[branch].lastChild = RE_Syntax::none;
+    frame().isCondition = true;
+}
+
+bool RE_Grammar::readTokenCondition(Reference& token, std::size_t start, std::size_t end) {
+    if (start >= end) {
+        return false;
+    }
+    if (std::all_of(text + start, text + end, isAsciiDigit)) {
+        std::size_t digits = start;
+        const std::uint64_t number = readNumber(digits);
+        token.number = number - 1;
+        return number != 0;
+    }
+    if (isAsciiLetter(text[start]) && skipNameUnits(text, end, start) == end) {
+        token.name = static_cast<std::uint32_t>(tree.names.size());
+        tree.names.emplace_back(text + start, end - start);
+        return true;
+    }
+    return false;
+}
+
+bool RE_Grammar::mayEvaluate() {
+    const bool may = context.mayEvaluate();
+    if (!may) {
+        warnAt(at, RE_WARNING_EVALUATION_DISABLED);
+    }
+    return may;
+}
+
+// The group's marks are `?@`, `??` or `??@`.
+void RE_Grammar::readDynamicGroup(std::uint32_t close) {
+    if (!mayEvaluate()) {
+        dropGroup(close);
+        return;
+    }
+    const bool isScript = text[at + 2] == u'@';
+    const bool isExpression = !isScript && text[at + 3] == u'@';
+    const std::size_t start = at + (isExpression ? 4 : 3);
+    const std::size_t units = close - start;
+    if (isScript) {
+        using Shared = std::shared_ptr<const RE_Script_Evaluator>;
+        addDynamic(Shared(new RE_Script_Evaluator(context, text + start, units)));
+    } else if (isExpression) {
+        using Shared = std::shared_ptr<const RE_String_Evaluator>;
+        addDynamic(Shared(new RE_String_Evaluator(context, text + start, units)));
+    } else {
+        using Shared = std::shared_ptr<const RE_Replace>;
+        addDynamic(Shared(new RE_Replace(&context, text + start, units)));
+    }
+    at = close + std::size_t{1};
+}
+
+void RE_Grammar::addDynamic(RE_Syntax_Dynamic dynamic) {
+    addItem(RE_Syntax_Kind::evaluate, at);
+    tree[tree[frame().branch].lastChild].payload = static_cast<std::uint32_t>(tree.dynamics.size());
+    tree.dynamics.push_back(std::move(dynamic));
+    context.facts->hasDynamicNodes = true;
+}
+
+// The item that stands for the expression between `start` and `end`; it belongs to no branch.
+std::uint32_t RE_Grammar::readDynamicCondition(std::size_t start, std::size_t end) {
+    using Shared = std::shared_ptr<const RE_Bool_Evaluator>;
+    const std::uint32_t item = tree.add(RE_Syntax_Kind::evaluate, static_cast<std::uint32_t>(start), flags());
+    tree[item].payload = static_cast<std::uint32_t>(tree.dynamics.size());
+    tree.dynamics.push_back(Shared(new RE_Bool_Evaluator(context, text + start, end - start)));
+    context.facts->hasDynamicNodes = true;
+    return item;
 }

@@ -1,7 +1,7 @@
 // Builds loops out of splits, counters and pass guards, or copies of a body where those are few.
 #include "regexp/nodes/consume.h"
 #include "regexp/parser/graph_builder.h"
-#include "regexp/parser/unit_nodes.h"
+#include "regexp/parser/unit_tests.h"
 
 #include <algorithm>
 

@@ -2,6 +2,9 @@
 #pragma once
 
 #include "regexp/flags.h"
+#include "regexp/nodes/units.h"
+#include "regexp/parser/parser_context.h"
+#include "regexp/parser/syntax.h"
 #include "regexp/parser/unit_union.h"
 #include "regexp/unit_set.h"
 
@@ -64,3 +67,10 @@ private:
     std::size_t count = 0;
     Member first{};
 };
+
+/// A literal unit under these modes: under ignore case a unit that has case becomes its folding variant.
+RE_Consumable* makeLiteral(RE_ParserContext& context, char16_t unit, RE_Flags flags);
+/// A range, whose class follows from the case of the units in it. Equal bounds make a literal.
+RE_Consumable* makeRange(RE_ParserContext& context, char16_t low, char16_t high, RE_Flags flags);
+/// The node of a syntax item that consumes one unit.
+RE_Consumable* makeUnitNode(RE_ParserContext& context, const RE_Syntax_Tree& tree, std::uint32_t index);

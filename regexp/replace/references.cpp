@@ -4,14 +4,44 @@
 #include "regexp/eval/evaluation_io.h"
 #include "regexp/eval/evaluation_tokens.h"
 #include "regexp/nodes/label_text.h"
-#include "regexp/replace/match_text.h"
-#include "regexp/replace/piece_writer.h"
+#include "regexp/replace/insert_text.h"
 #include "regexp/replace/replace_nodes.h"
+#include "regexp/results.h"
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
+#include <string_view>
 
 namespace {
+
+std::size_t subjectLength(const RE_Results& results) {
+    return static_cast<std::size_t>(results.subjectEnd - results.subjectBegin);
+}
+
+std::u16string_view subjectPart(const RE_Results& results, std::size_t start, std::size_t length) {
+    const std::size_t whole = subjectLength(results);
+    const bool inside = start <= whole && length <= whole - start;
+    return inside ? std::u16string_view(results.subjectBegin + start, length) : std::u16string_view();
+}
+
+std::u16string_view textBefore(const RE_Results& results) {
+    return subjectPart(results, 0, results.matchStart);
+}
+
+std::u16string_view matchedText(const RE_Results& results) {
+    return subjectPart(results, results.matchStart, results.matchLength);
+}
+
+std::u16string_view textAfter(const RE_Results& results) {
+    const std::size_t end = results.matchStart + results.matchLength;
+    const std::size_t whole = subjectLength(results);
+    return end <= whole ? subjectPart(results, end, whole - end) : std::u16string_view();
+}
+
+std::size_t tokensInEffect(const RE_Results& results) {
+    return results.tokens != nullptr ? results.tokens->count : 0;
+}
 
 std::u16string decimal(std::size_t number) {
     const std::string digits = std::to_string(number);

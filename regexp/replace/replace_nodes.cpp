@@ -4,7 +4,7 @@
 #include "host/interrupt.h"
 #include "regexp/eval/evaluators.h"
 #include "regexp/nodes/label_text.h"
-#include "regexp/replace/piece_writer.h"
+#include "regexp/replace/insert_text.h"
 
 namespace {
 

@@ -4,8 +4,7 @@
 #pragma once
 
 #include "regexp/parser/parser_context.h"
-#include "regexp/replace/brace_matcher.h"
-#include "regexp/replace/name_reader.h"
+#include "regexp/replace/backward_tables.h"
 #include "regexp/replace/replace_nodes.h"
 
 #include <cstddef>
