@@ -1,3 +1,4 @@
+// Ownership of the nodes during a compilation, and the walks over the unfinished graph.
 #include "regexp/parser/parser_context.h"
 
 #include "regexp/nodes/seeker.h"
@@ -8,8 +9,10 @@
 
 namespace {
 
-// Mostly the numbers lie close together: then each has a place of its own.
+// Sorts by node number. The numbers mostly lie close together; then each has a place of its own and sorting
+// is linear. Relies on distinct numbers: of two nodes with the same one, the places would keep the later.
 void sortByNumber(std::span<RE_Node*> nodes, std::uint64_t lastNumber, RE_Scratch_Memory* memory) {
+    // Up to this many places a node, clearing and reading them is still faster than a sort by comparisons.
     static constexpr std::size_t mostPlacesANode = 16;
     const std::uint64_t first = (*std::ranges::min_element(nodes, {}, &RE_Node::nodeId))->nodeId;
     const std::uint64_t count = lastNumber - first + 1;
@@ -30,6 +33,7 @@ RE_ParserContext::RE_ParserContext(RE_Context* host, RE_Node* outerNode, RE_Flag
     : context(host), outer(outerNode), flags(patternFlags), facts(new RE_Graph_Facts) {}
 
 RE_ParserContext::~RE_ParserContext() {
+    // The null entry is of a node whose constructor threw. The store frees the memory.
     for (RE_Node* node : made) {
         if (node != nullptr) {
             node->~RE_Node();
@@ -37,6 +41,8 @@ RE_ParserContext::~RE_ParserContext() {
     }
 }
 
+// A start finder is put in front of the old root, so a new root that seeks is the only node that the last
+// walk has not met.
 const RE_Collection::Nodes& RE_ParserContext::nodes(RE_Node* root) {
     if (walkedFrom == nullptr || (walkedFrom != root && nodeAs<RE_Seeker>(root) == nullptr)) {
         reached.reserve(made.size());
@@ -55,6 +61,8 @@ RE_Node* RE_ParserContext::leadPastSkippable(RE_Node* root) {
     return walkedFrom;
 }
 
+// Nodes are listed in the order in which they were made, so that the mark `visited` decides in one pass who
+// stays. A node prepares its seek data only now, as passes may still have changed what it tests.
 std::size_t RE_ParserContext::handOver(RE_Node* root) {
     const RE_Collection::Nodes& kept = nodes(root);
     facts->nodes.reserve(kept.size());
@@ -71,6 +79,7 @@ std::size_t RE_ParserContext::handOver(RE_Node* root) {
         }
     }
     made.clear();
+    // Chunks in which no node is left go back to the host.
     facts->store.keepChunksOf(facts->nodes);
     if (renumbers) {
         sortByNumber(facts->nodes, nodeCount, &scratch);

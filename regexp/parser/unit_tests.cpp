@@ -1,3 +1,4 @@
+// Case rules, named classes, and the nodes of single-unit atoms.
 #include "regexp/parser/unit_tests.h"
 
 #include "host/unit_class.h"
@@ -55,12 +56,15 @@ RE_Range_Plan planRange(char16_t low, char16_t high, RE_Flags flags) {
         return {low, high, RE_Range_Test::exact};
     }
     const RE_Case_Table& cases = RE_Case_Table::get();
+    // One unit: exact when it has no case, so that most literals of a pattern ignoring case are compared
+    // directly.
     if (low == high) {
         return cases.hasCase(low) ? RE_Range_Plan{cases.lower(low), cases.lower(low), RE_Range_Test::lower}
                                   : RE_Range_Plan{low, high, RE_Range_Test::exact};
     }
     if (cvu_isupper(low)) {
-        // Capitals whose lower-case forms do not lie as they do themselves are tested in both forms.
+        // Capitals only, with bounds that map to an interval of the same length: comparing the lower-case
+        // form is enough. Otherwise both forms of a unit are compared with the bounds as written.
         const bool alike = cases.lower(high) - cases.lower(low) == high - low;
         return alike && allOf(low, high, cvu_isupper)
                    ? RE_Range_Plan{cases.lower(low), cases.lower(high), RE_Range_Test::lower}
@@ -74,6 +78,7 @@ RE_Range_Plan planRange(char16_t low, char16_t high, RE_Flags flags) {
     return {low, high, caseless ? RE_Range_Test::exact : RE_Range_Test::both};
 }
 
+// Bounds are noted as written: the atom that may be made of them maps them itself.
 void RE_Unit_Test_Set::note(const Member& member) {
     if (count++ == 0) {
         first = member;
@@ -135,6 +140,7 @@ RE_Consumable* makeUnitNode(RE_ParserContext& context, const RE_Syntax_Tree& tre
         default:
             break;
     }
+    // What is left is the dot.
     if ((item.flags & RE_FLAG_DOT_ALL) != 0) {
         return context.make<RE_Dot_All>();
     }
