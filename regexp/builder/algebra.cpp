@@ -221,7 +221,7 @@ RE_Builder backreference(RE_Token_Name name) {
 }
 
 RE_Builder if_token(const RE_Token& token, const RE_Builder& yes, const RE_Builder& no) {
-    return RE_Composer::conditional(RE_Composer::reference(u"(?(", token, RE_Composer::Kind::asks), yes, no);
+    return RE_Composer::conditional(RE_Composer::reference(u"(?(", token, RE_Composer::Kind::tests), yes, no);
 }
 
 RE_Builder if_token(RE_Token_Name name, const RE_Builder& yes, const RE_Builder& no) {

@@ -1,5 +1,8 @@
-// References to tokens are left out of a builder's text, since the groups before them get their numbers only
-// once the whole pattern is known. They are put in when the pattern is asked for.
+// The values of the builder language: builders, their tokens and their templates.
+//
+// References to tokens are left out of a builder's text, since the groups before them get their numbers
+// only once the whole pattern is known. They are marks, which move along with the text, and are put in when
+// the pattern is asked for.
 #include "regexp/builder/builder.h"
 
 #include "regexp/builder/draft.h"
@@ -14,14 +17,16 @@
 namespace RE_Builder_Space {
 namespace {
 
-// What would pair with a parenthesis around the text, begin a reference or a comment, or, as the first unit,
-// tell an expression from a text. A backslash before each is taken away again when the text is read.
+// What would pair with a parenthesis around the text, begin a reference or a comment, or, as the first
+// unit, tell an expression from a text. A backslash before each is taken away again when the text is read.
+// A `]` alone pairs with nothing.
 constexpr std::u16string_view withMeaning = u"\\$()[#@";
 
 }  // namespace
 
 RE_Builder::RE_Builder(std::u16string pattern) : text(std::move(pattern)), binding(Binding::foreign) {}
 
+// Without references nothing depends on numbers, and the text is the pattern.
 std::u16string RE_Builder::pattern() const {
     const bool refers =
         std::ranges::any_of(marks, [](const Mark& mark) { return mark.kind != Mark::Kind::opens; });
@@ -48,6 +53,8 @@ std::optional<std::size_t> RE_Builder::tokenIndex(RE_Token_Name name, RE_Flags f
     return Draft(*this).indexOf(name.text(), flags, context);
 }
 
+// An empty builder is neutral: joining it must not make a sequence of what was an item. Alternatives and
+// foreign text are grouped before anything is placed beside them.
 RE_Builder& RE_Builder::operator+=(RE_Builder next) {
     if (text.empty() && marks.empty()) {
         *this = std::move(next);
@@ -67,8 +74,8 @@ void RE_Builder::bindAtLeast(Binding needed) {
 }
 
 // A comment at the end of a foreign text, which is one only where spacing is free, must not take in what
-// closes the group. So free spacing is turned on, for the rest of the group, and the line is ended: in the
-// comment that ends the comment, elsewhere it is nothing.
+// closes the group. So free spacing is turned on for the rest of the group, and the line is ended: in a
+// comment that ends the comment (and the `(?x)` is part of it), elsewhere it is nothing.
 void RE_Builder::encloseIn(std::u16string_view open, std::u16string_view close) {
     const bool mayEndInComment = binding == Binding::foreign && text.find(u'#') != text.npos;
     text.insert(0, open);
@@ -88,7 +95,7 @@ void RE_Builder::append(RE_Builder next) {
     text += next.text;
 }
 
-// 0 is no token's.
+// Identities are unique in the process, whatever thread makes them. 0 is no token's.
 RE_Token::RE_Token() {
     static std::atomic<std::uint64_t> last{0};
     identity = ++last;
@@ -101,6 +108,7 @@ RE_Template::RE_Template(std::u16string_view text) {
     }
 }
 
+// No text, only a mark: the reference is written once the token's number is known.
 RE_Template::RE_Template(const RE_Token& token) {
     written.marks.push_back({RE_Builder::Mark::Kind::inserts, 0, token.identity});
 }

@@ -1,10 +1,13 @@
+// The order of the host's calls when an expression is compiled: clone, text, variables, function. Hosts and
+// tests rely on it.
 #include "regexp/eval/evaluators.h"
 
 #include "regexp/parser/parser_context.h"
 
 namespace {
 
-/// Inside the text of an expression no further ones may stand.
+/// While this lives, no expressions are compiled: they do not nest. Restores what was before, exceptions
+/// included.
 class Suppress_Evaluation {
 public:
     explicit Suppress_Evaluation(RE_ParserContext& parserContext)
@@ -20,6 +23,7 @@ private:
     bool before;
 };
 
+/// Reads the text like that of a replacement, which has the same references and escapes.
 RE_Replace compileExpression(RE_ParserContext& parser, const char16_t* text, std::size_t length) {
     const Suppress_Evaluation suppressed(parser);
     return RE_Replace(&parser, text, length);
@@ -29,6 +33,7 @@ RE_Replace compileExpression(RE_ParserContext& parser, const char16_t* text, std
 
 RE_Evaluator::RE_Evaluator(RE_ParserContext& parser, const char16_t* text, std::size_t length)
     : expression(compileExpression(parser, text, length)) {
+    // A host without a clone gets a context that evaluates nothing, with the same options.
     context.reset(parser.context->clone());
     if (context == nullptr) {
         context.reset(new RE_Context(parser.context->getCompileOptions()));

@@ -1,3 +1,5 @@
+// Filling the tables. Each entry is computed from entries of later positions only, which the loops have
+// filled before.
 #include "regexp/replace/backward_tables.h"
 
 #include "regexp/parser/escapes.h"
@@ -24,7 +26,8 @@ std::size_t RE_Brace_Matcher::closing(std::size_t content) {
 
 void RE_Brace_Matcher::computeFrom(std::size_t start) {
     first = start;
-    // Two more than there are units: an escape at the end of the text looks two positions ahead.
+    // Two more entries than units, both without an answer: the end of the text, and what an escape at the
+    // end looks at.
     closers.assign(length - start + 2, {none, none, none});
     std::size_t nextLine = length;
     for (std::size_t at = length; at > start;) {
@@ -34,6 +37,8 @@ void RE_Brace_Matcher::computeFrom(std::size_t start) {
     }
 }
 
+// `nextLine` is the index after the next line feed. What pairs at `at` is skipped by taking the answer from
+// beyond its end; an opening without an end leaves nothing that could be paired outside of it.
 RE_Brace_Matcher::Closers RE_Brace_Matcher::closersAt(std::size_t at, std::size_t nextLine) const {
     const char16_t unit = text[at];
     if (unit == u'\\') {
@@ -53,10 +58,13 @@ RE_Brace_Matcher::Closers RE_Brace_Matcher::closersAt(std::size_t at, std::size_
     return found;
 }
 
+// Positions beyond the table have the answer of its last entry, which is none.
 const RE_Brace_Matcher::Closers& RE_Brace_Matcher::known(std::size_t at) const {
     return closers[std::min(at - first, closers.size() - 1)];
 }
 
+// Like `readName`, but spacing is skipped by the table and the place where a name was missing is
+// remembered.
 RE_Name RE_Name_Reader::read(std::size_t content) {
     const std::size_t start = skipSpacing(content);
     RE_Name noName = {{}, content};
@@ -68,8 +76,8 @@ RE_Name RE_Name_Reader::read(std::size_t content) {
     if (close < length && text[close] == u'>') {
         return {std::u16string(text + start, end - start), close + 1};
     }
-    // Brackets in a comment lead ever further ahead; places between them must not displace what lies behind
-    // it.
+    // Only the farthest place is kept: brackets within a comment lead to its end, and places before that
+    // must not displace it.
     if (start != content && (nameless == none || start > nameless)) {
         nameless = start;
     }
@@ -86,6 +94,7 @@ std::size_t RE_Name_Reader::skipSpacing(std::size_t at) {
     return skipped[at - first];
 }
 
+// A comment ends where the spacing after its line feed ends; a text that ends in a comment ends there, too.
 void RE_Name_Reader::computeFrom(std::size_t start) {
     first = start;
     const RE_Unit_Set& spaces = RE_Unit_Classes::get().spaces;

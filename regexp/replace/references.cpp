@@ -1,4 +1,7 @@
 // References to tokens and to the text around and in the match.
+//
+// A reference never fails: what a match does not have is written as it stands in the replacement, or is
+// empty. All pieces are read from the subject, so this needs results whose subject is still there.
 #include "regexp/builder/builder.h"
 #include "regexp/eval/context.h"
 #include "regexp/eval/evaluation_io.h"
@@ -19,6 +22,7 @@ std::size_t subjectLength(const RE_Results& results) {
     return static_cast<std::size_t>(results.subjectEnd - results.subjectBegin);
 }
 
+// Empty where the part is not within the subject: results of narrow text keep none.
 std::u16string_view subjectPart(const RE_Results& results, std::size_t start, std::size_t length) {
     const std::size_t whole = subjectLength(results);
     const bool inside = start <= whole && length <= whole - start;
@@ -39,6 +43,7 @@ std::u16string_view textAfter(const RE_Results& results) {
     return end <= whole ? subjectPart(results, end, whole - end) : std::u16string_view();
 }
 
+// Tokens are null when there was no memory for them.
 std::size_t tokensInEffect(const RE_Results& results) {
     return results.tokens != nullptr ? results.tokens->count : 0;
 }
@@ -48,11 +53,13 @@ std::u16string decimal(std::size_t number) {
     return {digits.begin(), digits.end()};
 }
 
+// As a replacement writes it.
 std::u16string bracketed(std::u16string_view name) {
     return u"$<" + std::u16string(name) + u">";
 }
 
-// The variable stands for this text; it is no pattern and nothing in it is quoted.
+// The builder carries the reference as text, for hosts that name or show the variable by it. It is no
+// pattern, and nothing in it is quoted.
 RE_Evaluation_IO* makeVariable(RE_Context* context, const std::string& stem, const std::u16string& text) {
     return context->create_unique_var(stem.c_str(), RE_Builder_Space::RE_Builder(text));
 }
@@ -71,7 +78,9 @@ RE_Replace_Token::RE_Replace_Token(RE_Replace_Node* previous, std::size_t tokenN
     attach(previous);
 }
 
-// A number beyond the tokens in effect loses its last digits until it names one: they are text of their own.
+// A number beyond the tokens in effect loses its last digits until it names one: they are text of their
+// own. They are inserted one by one at the same place, in front of those that came before, which restores
+// their order. A number has at most twenty digits. Where no digit is left, the `$` is text as well.
 char16_t* RE_Replace_Token::build_piece(char16_t* buffer, std::size_t* length, std::size_t* capacity,
                                         RE_Results* results) const {
     RE_Piece_Writer writer(buffer, length, capacity);
@@ -147,7 +156,7 @@ bool RE_Replace_Named_Token::is_same(const RE_Replace_Evalable* other) const {
            std::u16string_view(same->name, same->nameLength) == std::u16string_view(name, nameLength);
 }
 
-// Names are ASCII.
+// Names are ASCII, as the reader accepts no others, so narrowing loses nothing.
 RE_Evaluation_IO* RE_Replace_Named_Token::create_variable(RE_Context* context) const {
     std::string stem(nameLength, '\0');
     std::transform(name, name + nameLength, stem.begin(),
@@ -157,13 +166,14 @@ RE_Evaluation_IO* RE_Replace_Named_Token::create_variable(RE_Context* context) c
 
 namespace {
 
+/// What there is to say of a kind of special reference.
 struct Special {
     char16_t sign;
     const char* variable;
     const char* label;
 };
 
-// By kind.
+// By kind: the order is that of `RE_Replace_Special::Kind`.
 constexpr std::array<Special, 4> specials = {{
     {u'`', "former", "Text before the match"},
     {u'0', "matched", "The match"},
