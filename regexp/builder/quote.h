@@ -1,4 +1,7 @@
 // Writing a unit so that a pattern takes it for itself.
+//
+// One way of quoting serves every place, so that no caller has to know where its text ends up. Internal to
+// the builder.
 #pragma once
 
 #include <cstdint>
