@@ -59,7 +59,7 @@ struct RE_Composer {
         body.binding = Binding::sequence;
         return body;
     }
-    /// `text` is what comes before the reference, which the mark at its end stands for.
+    /// `text` is what precedes the reference; the mark at its end is the place of the reference.
     static RE_Builder reference(std::u16string_view text, const RE_Token& token, Kind kind) {
         RE_Builder made = item(text);
         made.marks.push_back({kind, text.size(), token.identity});

@@ -125,7 +125,7 @@ CORVANE_REGEXP_EXPORT RE_Builder if_token(const RE_Token& token, const RE_Builde
 CORVANE_REGEXP_EXPORT RE_Builder if_token(RE_Token_Name name, const RE_Builder& yes,
                                           const RE_Builder& no = RE_Builder());
 
-// --- conditions on what stands here ---
+// --- conditions on the surroundings ---
 
 /// `yes` where `pos_ahead(body)` holds, otherwise `no`; and so on.
 CORVANE_REGEXP_EXPORT RE_Builder if_pos_ahead(const RE_Builder& body, const RE_Builder& yes,

@@ -2,7 +2,7 @@
 //
 // References to tokens are left out of a builder's text, since the groups before them get their numbers
 // only once the whole pattern is known. They are marks, which move along with the text, and are put in when
-// the pattern is asked for.
+// the pattern text is requested.
 #include "regexp/builder/builder.h"
 
 #include "regexp/builder/draft.h"

@@ -34,10 +34,10 @@ class CORVANE_REGEXP_EXPORT RE_Builder {
 public:
     /// Matches the empty text, and is neutral under `+`.
     RE_Builder() = default;
-    /// `pattern` is pattern text of the application's own, taken as it stands; `literal()` is for text to be
-    /// found. Inside another builder it must be well formed: without warnings, unless for an expression that
-    /// may not be evaluated. References by number in it count the groups of the finished pattern; references
-    /// by name do not mind where they stand.
+    /// `pattern` is pattern text of the application's own, taken unchanged; `literal()` is for text to be
+    /// found. Inside another builder it must be well formed: without warnings, unless for an expression
+    /// that may not be evaluated. References by number in it count the groups of the finished pattern;
+    /// references by name are independent of their place.
     explicit RE_Builder(std::u16string pattern);
     explicit RE_Builder(std::nullptr_t) = delete;
 
@@ -49,8 +49,8 @@ public:
     /// Where `RE_Token_Stack::get` finds the token once this pattern has matched: a slot, from 0. Nothing
     /// when no group has it. Of several groups of a token it is the last, of several with a name the first.
     /// The arguments are those with which the pattern is compiled: flags and context, or none of them. The
-    /// context may be null; it is asked whether it allows evaluation and nothing else, on this thread, and
-    /// may throw. Reads the pattern once for each call.
+    /// context may be null; only `allow_evaluation` is called, on this thread, and may throw. Reads the
+    /// pattern once for each call.
     std::optional<std::size_t> tokenIndex(const RE_Token& token) const;
     std::optional<std::size_t> tokenIndex(const RE_Token& token, RE_Flags flags, RE_Context* context) const;
     std::optional<std::size_t> tokenIndex(RE_Token_Name name) const;
@@ -73,7 +73,7 @@ private:
     /// compares them.
     enum class Binding : std::uint8_t {
         foreign,       ///< the application's own: may also change modes up to the end of the group around it
-        alternatives,  ///< may have a bar at its top: to be grouped before anything stands beside it
+        alternatives,  ///< may have a bar at its top: to be grouped before anything is placed beside it
         sequence,  ///< may be several items, or one with a quantifier: to be grouped before it is repeated
         item       ///< a quantifier takes all of it
     };

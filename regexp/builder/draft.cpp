@@ -24,7 +24,7 @@ private:
     RE_Context* host;
 };
 
-/// For the readings that stand for every host that allows evaluation.
+/// For the readings that represent every host that allows evaluation.
 class Allowing_Context : public RE_Context {
 public:
     bool allow_evaluation() override { return true; }

@@ -37,7 +37,7 @@ public:
 private:
     /// Slots, from 0, by name, as the parser found them.
     using Slots = std::multimap<std::u16string, std::size_t>;
-    /// By group: the number, from 1, that stands for its token; 0 where the name does.
+    /// By group: the number, from 1, that is written for its token; 0 where the name is.
     using Numbers = std::vector<std::uint64_t>;
     static constexpr std::size_t none = static_cast<std::size_t>(-1);
 
@@ -50,7 +50,7 @@ private:
     void writeReference(std::u16string& out, const Mark& mark, std::size_t group, std::uint64_t number) const;
 
     const RE_Builder& builder;
-    std::u16string prefix;              ///< of the names; nowhere in the text, so that no name of its own begins so
+    std::u16string prefix;  ///< of the names; nowhere in the text, so that no name of its own begins so
     std::vector<std::uint64_t> tokens;  ///< of the groups, in the order of the text
     std::vector<std::size_t> targets;   ///< by mark: the group that is opened or referred to, or `none`
 };

@@ -58,7 +58,7 @@ public:
     constexpr std::size_t maximum() const { return most; }
 
 private:
-    // The third parameter tells it from the checked one.
+    // The third parameter distinguishes it from the checked one.
     constexpr RE_Bounds(std::size_t lower, std::size_t upper, int) : least(lower), most(upper) {}
 
     std::size_t least;

@@ -53,7 +53,7 @@ RE_Set operator+(const RE_Set& left, const RE_Set& right) {
     return both;
 }
 
-// Quoting includes the hyphen, so that no range comes about between two units.
+// Quoting includes the hyphen, so that two units never become a range.
 RE_SetItem::RE_SetItem(std::u16string_view units) {
     for (const char16_t unit : units) {
         appendQuoted(members, unit);

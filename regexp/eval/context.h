@@ -24,8 +24,8 @@ class RE_Evaluation_Inputs;
 /// compilation or one search. A pattern with expressions that several threads search calls its clones, and
 /// for dynamic texts this object, from all of them: then the host has to be ready for that.
 ///
-/// Exceptions pass through the engine unchanged. Thrown while compiling, no pattern comes to be; thrown
-/// while matching, the search ends. Nothing leaks, and the pattern remains usable.
+/// Exceptions pass through the engine unchanged. An exception while compiling leaves no pattern; one while
+/// matching ends the search. Nothing leaks, and the pattern remains usable.
 ///
 /// Ownership: objects that are passed in belong to the engine; the host reads them during the call and must
 /// not keep, change or delete them. Texts are UTF-16, lengths count code units. The order of the virtual
@@ -73,11 +73,11 @@ public:
     /// A new context for one expression, owned by the caller. Null: an expression that yields nothing and
     /// is never true. The default is a plain context.
     virtual RE_Context* clone();
-    /// Whether the expression that is about to be compiled may be evaluated; asked at each one where the
+    /// Whether the expression that is about to be compiled may be evaluated; called for each one where the
     /// modes allow it. No: warning 17, and the expression is not there. The default is no.
     virtual bool allow_evaluation();
-    /// Whether searches poll the host's interrupt flag; asked once for each compiled object. The default is
-    /// no.
+    /// Whether searches poll the host's interrupt flag; called once for each compiled object. The default
+    /// is no.
     virtual bool allow_interrupt() const;
     /// Called just before a backreference or a conditional is made, once for each construct; may throw to
     /// refuse it.

@@ -1,4 +1,4 @@
-// The distinct references of one expression and the host variables that stand for them.
+// The distinct references of one expression and the host variables made for them.
 //
 // Made once, when the expression is compiled, and only read by evaluations.
 #pragma once
@@ -28,8 +28,8 @@ public:
     void add(const RE_Replace_Evalable* reference);
     /// Has the host make a variable for each reference, in order. Exceptions of the host pass.
     void create_variables(RE_Context* context);
-    /// The name of the variable that stands for a reference; owned by this. The reference must have been
-    /// added, and there must be variables.
+    /// The name of the variable made for a reference; owned by this. The reference must have been added,
+    /// and there must be variables.
     const RE_Evaluation_IO* get_variable(const RE_Replace_Evalable* reference) const;
     /// What the references are in a match, one text for each, in order. A new list, so that threads do not
     /// share it.

@@ -155,7 +155,7 @@ RE_Warning_Span nameSpan(View text, std::size_t where) {
     return span;
 }
 
-/// {,m} and {n,m} with n above m have a plain meaning; other braces were probably meant as they stand.
+/// {,m} and {n,m} with n above m have a plain meaning; other braces were probably meant literally.
 std::u16string correctedQuantifier(View braces) {
     const View inside = braces.substr(1, braces.size() - 2);
     const std::size_t comma = inside.find(u',');

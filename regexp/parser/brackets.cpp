@@ -94,9 +94,9 @@ void RE_Brackets::pair(RE_Flags flags) {
     }
 }
 
-// Of all modes only free spacing is tracked, since it alone decides what counts. What looks like modes
-// within an expression, or as a condition, is none. Returns the index at which pairing continues: past the
-// marks of the group, so that these are not taken for anything else.
+// Of all modes only free spacing is tracked, since it alone decides what counts. Modes are not looked for
+// within an expression or a condition. Returns the index at which pairing continues: past the marks of the
+// group, so that these are not taken for anything else.
 std::size_t RE_Brackets::openGroup(std::size_t at) {
     const bool isCondition = !open.empty() && open.back().position + 2 == at && text[at - 1] == u'?';
     open.push_back({static_cast<std::uint32_t>(at), freeSpacing, inComment(), inExpression()});

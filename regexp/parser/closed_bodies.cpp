@@ -1,7 +1,8 @@
 // Closed bodies: atomic groups, possessive loops, lookarounds, and the conditionals.
 //
-// A body is a sub-graph that hangs on a link of its node and ends in an end of its own, not in what follows
-// the node. The search runs it like any other part, but drops its choices when it completes.
+// A body is a sub-graph that a link of its node leads into. It has an end of its own and does not lead on
+// to what follows the node. The search runs it like any other part, but drops its choices when it
+// completes.
 #include "regexp/nodes/anchors.h"
 #include "regexp/nodes/dynamic.h"
 #include "regexp/parser/graph_builder.h"
@@ -93,7 +94,7 @@ void RE_Graph_Builder::emitConditional(std::uint32_t index) {
     emitBody(item.condition, &look->body, look->behind);
 }
 
-// The branches hang on the two links of the condition, exchanged for a negative one. Without a second
+// The two links of the condition lead into the branches, exchanged for a negative one. Without a second
 // branch a condition that does not hold leads past the conditional. Neither way is a choice: the condition
 // decides and leaves no record.
 void RE_Graph_Builder::emitConditionalBranches(std::uint32_t index, RE_Fail* condition, bool negative) {

@@ -6,8 +6,8 @@
 
 namespace {
 
-// Passes over the empty text that are made without a second thought. Tests and docs/execution-model.md know
-// the number: beyond it answers may differ from those of a search without limits.
+// Up to so many passes over the empty text are simply made. Beyond them rule 3 applies, which is not exact,
+// so the number is part of what docs/execution-model.md promises.
 constexpr std::uint64_t fewPasses = 512;
 
 // A pattern that calls the host does so as the graph without a memo would, which tries what follows again
@@ -42,8 +42,8 @@ std::uint64_t differingPasses(const RE_Syntax& body, bool callsHost) {
 }
 
 /// An upper bound of the states of a nest of loops, that many units before the subject's end. `all`: the
-/// passes if none is left out. `nested`: how many guarded loops stand within each other. Never falls as
-/// `units` grow, on which the bisection below relies.
+/// passes if none is left out. `nested`: how deeply guarded loops nest. Never falls as `units` grow, on
+/// which the bisection below relies.
 std::uint64_t statesOf(std::uint64_t units, std::uint64_t all, std::uint64_t perPlace, unsigned nested) {
     const std::uint64_t places = units + 1;
     if (perPlace == 0) {

@@ -1,4 +1,4 @@
-// The escapes for one character. A new one is a case of `readEscape` and nothing else.
+// The escapes for one character. A new one is a case of `readEscape`.
 #include "regexp/parser/escapes.h"
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-// Escapes that denote one character, shared by patterns, sets, replacements and the pattern builder.
+// Escapes that denote one character, shared by patterns, sets and replacements.
 //
 // Everything here is a pure function of the text: it knows no modes, reports no warning and allocates
 // nothing. Callers report the problem, since only they know whether an escape is read for good or looked at

@@ -14,7 +14,7 @@ namespace {
 // How many items to reserve, so that a tree is rarely moved while it grows.
 constexpr std::size_t usualItems = 8;
 // A bar makes a branch and the item it begins with; a quantifier splits a unit off a text and wraps it.
-constexpr std::size_t itemsAMark = 2;
+constexpr std::size_t itemsPerMark = 2;
 
 }  // namespace
 
@@ -25,7 +25,7 @@ RE_Grammar::RE_Grammar(RE_ParserContext& parserContext, const char16_t* pattern,
       length(units),
       makesTokens(tokens),
       brackets(pattern, units, parserContext.flags, &parserContext.scratch),
-      tree(usualItems + itemsAMark * brackets.marks(), &parserContext.scratch),
+      tree(usualItems + itemsPerMark * brackets.marks(), &parserContext.scratch),
       frames(&parserContext.scratch),
       knownSets{RE_Scratch_Map<std::u16string_view, std::uint32_t>(&parserContext.scratch),
                 RE_Scratch_Map<std::u16string_view, std::uint32_t>(&parserContext.scratch)} {}

@@ -11,7 +11,7 @@
 #include <algorithm>
 
 RE_Node* RE_Graph_Builder::build(RE_Node* continuation) {
-    // A root that does nothing gives the first node a link to hang on, like every other.
+    // A root that does nothing: every node, the first included, is stored through a link of another one.
     RE_Node* const root = context.make<RE_Null>();
     tail = &root->nextNode;
     emit(RE_Syntax_Tree::root);

@@ -1,8 +1,8 @@
 // Turns a measured syntax tree into the node graph.
 //
-// The graph is built from left to right. `tail` is the link on which the next node will be hung: to append
-// a node is to store it there and to move on to its own next link. What is left to do lies on a work stack
-// as small functions, the next one on top, so that building takes no recursion, however deeply a pattern
+// The graph is built from left to right. `tail` is the link that will lead to the next node: to append a
+// node is to store it there and to move on to its own next link. What is left to do lies on a work stack as
+// small functions, the next one on top, so that building takes no recursion, however deeply a pattern
 // nests.
 //
 // Invariants:
@@ -33,8 +33,8 @@
 #include <type_traits>
 #include <vector>
 
-/// A small function that waits for its turn: like `std::function`, but without memory of its own, as a
-/// large pattern queues a step for every item. Copied byte by byte, never destroyed.
+/// A small function that waits for its turn: like `std::function`, but without memory of its own, as nearly
+/// every group and loop of a pattern queues one. Copied byte by byte, never destroyed.
 class RE_Build_Step {
 public:
     /// What the function captures is trivially copyable: pointers, numbers and structures of such. No

@@ -198,8 +198,8 @@ private:
     }
 
     // Trap: the plan reads the measures of the body, which `gather` has copied into the repeat itself;
-    // nothing here may change the body. 8 nodes stand for what a loop takes besides its bodies: `nodes`
-    // decides about unrolling only, so an estimate will do.
+    // nothing here may change the body. 8 nodes are an allowance for what a loop takes besides its bodies:
+    // `nodes` decides about unrolling only, so an estimate will do.
     void repeat(std::uint32_t index) {
         RE_Syntax& it = tree[index];
         const RE_Repeat_Plan plan = planRepeat(tree, index, context.options().inlineThreshold());

@@ -12,11 +12,11 @@ namespace {
 // Sorts by node number. The numbers mostly lie close together; then each has a place of its own and sorting
 // is linear. Relies on distinct numbers: of two nodes with the same one, the places would keep the later.
 void sortByNumber(std::span<RE_Node*> nodes, std::uint64_t lastNumber, RE_Scratch_Memory* memory) {
-    // Up to this many places a node, clearing and reading them is still faster than a sort by comparisons.
-    static constexpr std::size_t mostPlacesANode = 16;
+    // Numbers that are sparser than this are sorted by comparisons.
+    static constexpr std::size_t maximumPlacesPerNode = 16;
     const std::uint64_t first = (*std::ranges::min_element(nodes, {}, &RE_Node::nodeId))->nodeId;
     const std::uint64_t count = lastNumber - first + 1;
-    if (count / mostPlacesANode > nodes.size()) {
+    if (count / maximumPlacesPerNode > nodes.size()) {
         std::ranges::sort(nodes, {}, &RE_Node::nodeId);
         return;
     }

@@ -84,7 +84,7 @@ public:
     /// `where` points into the text being compiled. The host may throw.
     void warn(const char16_t* where, RE_Warning warning) { context->warn(where, warning); }
     /// Whether an expression may be compiled at this point: by the modes, by what surrounds it, and by the
-    /// host, which is asked last and each time, as its answer may change.
+    /// host, which is consulted last and each time, as its answer may change.
     bool mayEvaluate() const {
         return (flags & RE_FLAG_EVALUATE) != 0 && !evaluationSuppressed && context->allow_evaluation();
     }
@@ -117,8 +117,8 @@ public:
     bool hasUnitRuns = false;     ///< some nodes are chains of single units by their fail targets
     bool hasLongMatches = false;  ///< a match may have very many units
     bool hasSkippable = true;     ///< some link may lead to a node that does nothing
-    RE_Node* outer;   ///< includes the text being compiled; null for a pattern of its own
-    RE_Flags flags;   ///< modes in force where the grammar reads; those of the beginning afterwards
+    RE_Node* outer;               ///< includes the text being compiled; null for a pattern of its own
+    RE_Flags flags;  ///< modes in force where the grammar reads; those of the beginning afterwards
     std::unique_ptr<RE_Graph_Facts> facts;
     RE_Set_Pool sets{&scratch};
     /// Token numbers (slots, from 0) of each name. Equal names keep the order in which their groups were

@@ -1,5 +1,5 @@
-// Sets of units that a pattern needs more than once are held once: each takes 8 KiB, and clearing or
-// comparing one costs more than most other things that compiling a node takes.
+// Sets of units that a pattern needs more than once are held once: each has 8 KiB to be allocated, cleared
+// and filled.
 //
 // One pool serves one compilation, on one thread. Sets that it hands out for good are shared with the nodes
 // and outlive it; they are immutable from then on and may be read by any number of threads.
@@ -48,7 +48,8 @@ private:
     using Shared = std::shared_ptr<const RE_Unit_Set>;
     // So many sets are compared one by one, which most patterns never exceed; beyond, a hash of each pays.
     static constexpr std::size_t mostSearched = 16;
-    // A pass asks about a few sets in turn. When there are more, all scans are dropped and made again.
+    // A pass needs the scans of a few sets in turn. When there are more, all scans are dropped and made
+    // again.
     static constexpr std::size_t mostScans = 8;
 
     RE_Scratch_List<std::pair<const RE_Unit_Set*, RE_Class_Scan>> scans;  ///< the last ones

@@ -77,7 +77,7 @@ private:
     std::size_t addRange(const Member& low, const Member& high) {
         tests.addRange(low.unit, high.unit, context.flags);
         std::size_t end = high.end;
-        if (end + 1 < close && text[end] == u'-') {  // a hyphen after a range stands for itself
+        if (end + 1 < close && text[end] == u'-') {  // a hyphen after a range is a member
             tests.addRange(u'-', u'-', context.flags);
             ++end;
         }
@@ -88,7 +88,7 @@ private:
         std::size_t end = member.end;
         if (member.kind == Member::Kind::escapedClass) {
             tests.addClass(member.unit);
-            if (end + 1 < close && text[end] == u'-') {  // so does one beside a class
+            if (end + 1 < close && text[end] == u'-') {  // so is one beside a class
                 tests.addRange(u'-', u'-', context.flags);
                 ++end;
             }

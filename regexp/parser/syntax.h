@@ -65,8 +65,8 @@ struct RE_Syntax {
 
     /// Of a repeat, by the bounds as written: `x?`, `x{0,1}` and their lazy and possessive forms choose
     /// between their body and nothing. That is no loop, so a body that consumes nothing is a branch like
-    /// any other, while the optional passes of loops must consume. Trap: bounds that were lowered later, as
-    /// those of `(?:^){0,5}`, do not make a plain choice. Ask before planning.
+    /// any other, while the optional passes of loops must consume. Trap: bounds that a plan lowers to
+    /// these, as those of `(?:^){0,5}`, do not make a plain choice; never apply this to a plan.
     bool isPlainChoice() const { return minimum == 0 && maximum == 1; }
 
     RE_Syntax_Kind kind;
@@ -94,8 +94,8 @@ struct RE_Syntax {
     };
     std::uint64_t maximum = 0;
 
-    // Measured once the whole pattern has been read: which tokens are referenced is not known before. All
-    // of them saturate, so that nested bounds cannot overflow.
+    // Measured once the whole pattern has been read: which tokens are referenced is not known before.
+    // Lengths and counts saturate, so that nested bounds cannot overflow.
     std::uint64_t least = 0;  ///< units consumed at the least
     std::uint64_t most = 0;   ///< units consumed at the most, saturated
     std::uint32_t nodes = 0;  ///< nodes it will compile to, saturated

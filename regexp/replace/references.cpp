@@ -1,7 +1,8 @@
 // References to tokens and to the text around and in the match.
 //
-// A reference never fails: what a match does not have is written as it stands in the replacement, or is
-// empty. All pieces are read from the subject, so this needs results whose subject is still there.
+// A reference never fails: where a match has no such text, the reference is written as it is in the
+// replacement, or is empty. All pieces are read from the subject, so this needs results whose subject is
+// still there.
 #include "regexp/builder/builder.h"
 #include "regexp/eval/context.h"
 #include "regexp/eval/evaluation_io.h"

@@ -26,8 +26,8 @@ class RE_Replace_Node;
 /// Threads: immutable once constructed; any number of threads may use one at the same time as long as the
 /// host's clones for its expressions allow it. Assignment, moving and destruction need exclusive use.
 ///
-/// Memory: from the host. Every function may throw `std::bad_alloc`; those that evaluate let exceptions of
-/// the host pass.
+/// Memory: the compiled text and all buffers are from the host; results that are strings are standard ones.
+/// Every function may throw `std::bad_alloc`; those that evaluate let exceptions of the host pass.
 ///
 /// In all members `which` is the number of the only match to replace, counted from 1 (a number beyond the
 /// last match replaces nothing), and 0 replaces every match; `adjustCase` gives the text the case of the
@@ -44,7 +44,7 @@ public:
     /// Terminated text in the local code page; null is the empty replacement.
     explicit RE_Replace(const char* text);
     /// The context is given the text (`set_string`), the warnings and the expressions, and must outlive the
-    /// replacement. Whether it allows interrupts is asked once, here. Null: a context that allows neither
+    /// replacement. Whether it allows interrupts is queried once, here. Null: a context that allows neither
     /// expressions nor interrupts. Of the flags only free spacing (within names and expressions) and
     /// evaluation matter.
     RE_Replace(const char16_t* text, std::size_t length, RE_Flags flags, RE_Context* context);
@@ -68,7 +68,8 @@ public:
     /// last match found stays as it is; `report` says so. The limits do not count what the result takes.
     std::u16string replace(std::u16string_view subject, const RE_Tree& tree, bool adjustCase,
                            std::size_t which, const RE_Search_Limits& limits, RE_Search_Report& report) const;
-    /// The same, and in `*matches` how many matches were met until the end or an interrupt.
+    /// Without limits; `*matches` (not null) receives how many matches were met until the end or an
+    /// interrupt.
     std::u16string replace(std::u16string_view subject, const RE_Tree& tree, bool adjustCase,
                            std::size_t which, std::size_t* matches) const;
     /// Writes the result over the `*length` units in the buffer, a block of the host's allocator for

@@ -84,7 +84,7 @@ RE_Replace_Evaluator::RE_Replace_Evaluator(RE_Replace_Node* previous, RE_ParserC
 RE_Replace_Evaluator::~RE_Replace_Evaluator() = default;
 
 // The interface has no way to say that there is no value, so the interrupt flag says it: the replacement
-// ends at its next look at the flag, which follows every piece.
+// ends at its next look at the flag, which follows every match that it replaces.
 char16_t* RE_Replace_Evaluator::build_piece(char16_t* buffer, std::size_t* length, std::size_t* capacity,
                                             RE_Results* results) const {
     bool found = false;

@@ -88,8 +88,8 @@ bool RE_Replacement_Reader::readName() {
     return true;
 }
 
-// Whether expressions are allowed is asked only for one that is complete. Where they are not, warning 17 is
-// followed by 21 for the `$`, which then is text.
+// The host is consulted only about an expression that is complete. Where expressions are not allowed,
+// warning 17 is followed by 21 for the `$`, which then is text.
 bool RE_Replacement_Reader::readExpression() {
     const std::size_t open = at + 1;
     const std::size_t close = braces.closing(open + 1);

@@ -61,7 +61,8 @@ private:
     Piece piece;
     RE_Match_Sequence matches;
     std::u16string output;
-    std::size_t copiedUpTo = 0;  ///< what precedes this place of the subject is in the output, replaced or not
+    std::size_t copiedUpTo =
+        0;  ///< what precedes this place of the subject is in the output, replaced or not
     std::size_t matchCount = 0;
     std::optional<std::size_t> previousEnd;  ///< of the last match found, counted or not
     std::size_t checkCounter = 1;            ///< matches since the flag was looked at; 0 forces a look
