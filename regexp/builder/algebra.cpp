@@ -12,8 +12,8 @@
 
 namespace RE_Builder_Space {
 
-/// Makes builders out of text and other builders. A class, because it is the one friend of `RE_Builder`
-/// that may see its text and its marks; every function below goes through it.
+/// Makes builders out of text and other builders. A class, so that one friend of `RE_Builder` may see its
+/// text and its marks; every function below goes through it.
 struct RE_Composer {
     using Binding = RE_Builder::Binding;
     using Kind = RE_Builder::Mark::Kind;
@@ -91,6 +91,7 @@ namespace {
 
 using Binding = RE_Composer::Binding;
 
+// The letters are those that the parser reads (`readModes`).
 std::u16string_view modeLetter(RE_MODE mode) {
     switch (mode) {
         case RE_MODE_IGNORE_CASE:
@@ -118,6 +119,7 @@ RE_Builder literal(std::u16string_view text) {
     return RE_Composer::make(std::move(quoted), text.size() == 1 ? Binding::item : Binding::sequence);
 }
 
+// The mode is part of the piece: whether a plain dot matches a line feed is up to the flags.
 RE_Builder any_unit() {
     return RE_Composer::item(u"(?s:.)");
 }
@@ -135,6 +137,7 @@ RE_Builder none_of(const RE_SetItem& set) {
     return set.text().empty() ? any_unit() : RE_Composer::item(u"[^" + set.text() + u"]");
 }
 
+// For the same reason the anchors carry theirs.
 RE_Builder subject_start() {
     return RE_Composer::item(u"(?-m:^)");
 }
@@ -175,6 +178,7 @@ RE_Builder neg_behind(const RE_Builder& body) {
     return RE_Composer::enclosed(u"(?<!", body);
 }
 
+// An assertion that never holds is what is left of a choice of nothing.
 RE_Builder either(std::span<const RE_Builder> alternatives) {
     return alternatives.empty() ? RE_Composer::item(u"(?!)") : RE_Composer::alternatives(alternatives);
 }
@@ -238,6 +242,7 @@ RE_Builder backreference(RE_Token_Name name) {
     return RE_Composer::item(u"\\k<" + std::u16string(name.text()) + u">");
 }
 
+// The openings below leave the condition unclosed: `conditional` closes it.
 RE_Builder if_token(const RE_Token& token, const RE_Builder& yes, const RE_Builder& no) {
     return RE_Composer::conditional(RE_Composer::reference(u"(?(", token, RE_Composer::Kind::tests), yes, no);
 }
@@ -266,7 +271,7 @@ RE_Builder evaluate(const RE_Template& script) {
     return RE_Composer::evaluated(u"(?@", script, u")");
 }
 
-// The backslashes keep the compiler from reading a trigraph.
+// The backslash keeps the two question marks from beginning a trigraph.
 RE_Builder dynamic_expression(const RE_Template& expression) {
     return RE_Composer::evaluated(u"(?\?@", expression, u")");
 }

@@ -63,7 +63,7 @@ CORVANE_REGEXP_EXPORT RE_Builder none_of(const RE_SetItem& set);
 /// Before the first unit of the subject, and nowhere else.
 CORVANE_REGEXP_EXPORT RE_Builder subject_start();
 CORVANE_REGEXP_EXPORT RE_Builder subject_end();
-/// The same, or next to a line feed.
+/// At the start of the subject or after a line feed; at its end or before a line feed.
 CORVANE_REGEXP_EXPORT RE_Builder line_start();
 CORVANE_REGEXP_EXPORT RE_Builder line_end();
 /// No word unit just before here; what follows does not matter.

@@ -15,9 +15,9 @@ namespace {
 
 /// Passes on whether evaluation is allowed, and nothing else: a reading in advance must neither warn nor
 /// make variables or functions at the host.
-class Asked_Context : public RE_Context {
+class Consulting_Context : public RE_Context {
 public:
-    explicit Asked_Context(RE_Context* asked) : host(asked) {}
+    explicit Consulting_Context(RE_Context* asked) : host(asked) {}
     bool allow_evaluation() override { return host != nullptr && host->allow_evaluation(); }
 
 private:
@@ -94,7 +94,7 @@ std::optional<std::size_t> RE_Builder::Draft::slotOf(const std::u16string& name,
 
 RE_Builder::Draft::Slots RE_Builder::Draft::read(const std::u16string& pattern, RE_Flags flags,
                                                  RE_Context* context) const {
-    Asked_Context asked(context);
+    Consulting_Context asked(context);
     RE_ParserContext parser(&asked, nullptr, flags);
     RE_Grammar(parser, pattern.data(), pattern.size(), true).read();
     return std::move(parser.tokenNames);

@@ -47,6 +47,7 @@ void RE_Evaluation_Inputs::add(RE_Evaluation_IO* text) {
     items[count++] = owned.release();
 }
 
+// Trap: the old text may be the new one, which must not be deleted.
 void RE_Evaluation_Inputs::set_input(std::size_t index, RE_Evaluation_IO* text) {
     if (items[index] != text) {
         delete items[index];

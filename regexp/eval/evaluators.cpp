@@ -52,6 +52,7 @@ RE_Function_Evaluator::RE_Function_Evaluator(RE_ParserContext& parser, const cha
     context->create_fcn(body.get(), tokens->get_variables());
 }
 
+// The inputs are a list of this call, so that evaluations on several threads share the clone only.
 std::unique_ptr<RE_Evaluation_IO> RE_String_Evaluator::evaluate(RE_Results* results) const {
     const std::unique_ptr<RE_Evaluation_Inputs> inputs = tokens->create_inputs(results);
     return std::unique_ptr<RE_Evaluation_IO>(context->evaluate_string(inputs.get()));

@@ -41,6 +41,7 @@ constexpr std::array<RE_Warning_Description, 23> descriptions = {{
 
 using View = std::u16string_view;
 
+// Letters, digits and the underscore, all ASCII. Units above stay above when bit 5 is set.
 bool isNameUnit(char16_t unit) {
     const char16_t lower = unit | 0x20;
     return (lower >= u'a' && lower <= u'z') || (unit >= u'0' && unit <= u'9') || unit == u'_';
@@ -102,6 +103,8 @@ RE_Warning_Span escapeSpan(RE_Warning warning, View text, std::size_t where) {
     const std::size_t letter = start + (text[start] == u'\\' ? 1 : 0);
     const bool braced = letter + 1 < text.size() && text[letter + 1] == u'{';
     const bool isNumber = letter < text.size() && (text[letter] == u'x' || text[letter] == u'o');
+    // What cannot be part of a number in braces ends the search, so that an unclosed brace does not reach
+    // over the pattern.
     const std::size_t brace = isNumber && braced ? text.find_first_of(u"}()[\\|", letter) : View::npos;
     const bool closed = brace != View::npos && text[brace] == u'}';
     const std::size_t end = closed ? brace + 1 : std::min(letter + 1, text.size());
@@ -117,6 +120,7 @@ RE_Warning_Span escapeSpan(RE_Warning warning, View text, std::size_t where) {
 std::size_t bracketLength(View text, std::size_t start) {
     const char16_t opening = text[start];
     const char16_t closing = opening == u'(' ? u')' : u'}';
+    // Pairs one kind of bracket only; a backslash makes the next unit inert.
     std::size_t depth = 0;
     for (std::size_t at = start; at < text.size(); ++at) {
         if (text[at] == opening) {
@@ -198,7 +202,10 @@ const RE_Warning_Description& describe(RE_Warning warning) {
     return descriptions[number < descriptions.size() ? number : 0];
 }
 
+// The cases are in the order of the numbers where they share nothing. What has no case is one unit without
+// a correction.
 RE_Warning_Span locateWarning(RE_Warning warning, std::u16string_view text, std::size_t where) {
+    // A place at or after the end has no unit to mark.
     if (where >= text.size()) {
         return {std::min(where, text.size()), 0, {}};
     }

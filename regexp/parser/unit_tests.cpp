@@ -7,6 +7,7 @@
 
 namespace {
 
+// Bounds are wider than a unit, so that the loop ends at U+FFFF.
 template <class Predicate>
 bool allOf(std::uint32_t low, std::uint32_t high, Predicate predicate) {
     for (std::uint32_t unit = low; unit <= high; ++unit) {
@@ -17,6 +18,8 @@ bool allOf(std::uint32_t low, std::uint32_t high, Predicate predicate) {
     return true;
 }
 
+// A function for each class: nodes hold a plain pointer to their test. The tables are filled on the first
+// call.
 template <RE_Unit_Set RE_Unit_Classes::*units>
 bool isIn(char16_t unit) {
     return (RE_Unit_Classes::get().*units).contains(unit);
@@ -70,9 +73,11 @@ RE_Range_Plan planRange(char16_t low, char16_t high, RE_Flags flags) {
                    ? RE_Range_Plan{cases.lower(low), cases.lower(high), RE_Range_Test::lower}
                    : RE_Range_Plan{low, high, RE_Range_Test::both};
     }
+    // Bounds in lower case are mapped already; one form is enough when every unit between them is in lower case.
     if (cvu_islower(low)) {
         return {low, high, allOf(low, high, cvu_islower) ? RE_Range_Test::lower : RE_Range_Test::both};
     }
+    // The low bound has no case, as in [0-z]: exact only when no unit of the range has.
     const bool caseless =
         allOf(low, high, [](char16_t unit) { return !cvu_isupper(unit) && !cvu_islower(unit); });
     return {low, high, caseless ? RE_Range_Test::exact : RE_Range_Test::both};
@@ -92,6 +97,7 @@ void RE_Unit_Test_Set::addRange(char16_t low, char16_t high, RE_Flags flags) {
         units.addRange(plan.low, plan.high);
         return;
     }
+    // The set gets the units that the node for the same range would match, one by one.
     RE_Case_Table::get().addFolding(units.table(), plan.low, plan.high, plan.test == RE_Range_Test::both);
 }
 
@@ -100,6 +106,7 @@ void RE_Unit_Test_Set::addClass(char16_t letter) {
     units.addAll(*namedClass(letter).units);
 }
 
+// A unit without case stays exact, so that literals without letters can be joined and sought as they are.
 RE_Consumable* makeLiteral(RE_ParserContext& context, char16_t unit, RE_Flags flags) {
     if ((flags & RE_FLAG_IGNORE_CASE) != 0 && RE_Case_Table::get().hasCase(unit)) {
         return context.make<RE_Natural_I>(unit);

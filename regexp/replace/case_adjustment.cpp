@@ -5,6 +5,7 @@
 
 namespace {
 
+// The underscore, which joins words elsewhere, separates them here: names like `first_name` have words.
 bool separatesWords(char16_t unit) {
     return unit == u'_' || cvu_isspace(unit);
 }
@@ -29,6 +30,7 @@ public:
         }
     }
 
+    // Closes the last word, so it is called once. The order of the checks is that of the forms.
     RE_Case_Form form() {
         endWord();
         if (!anyUpper) {

@@ -23,7 +23,8 @@ std::size_t subjectLength(const RE_Results& results) {
     return static_cast<std::size_t>(results.subjectEnd - results.subjectBegin);
 }
 
-// Empty where the part is not within the subject: results of narrow text keep none.
+// Empty where the part is not within the subject: results of narrow text keep none. Checked without a sum
+// that could wrap.
 std::u16string_view subjectPart(const RE_Results& results, std::size_t start, std::size_t length) {
     const std::size_t whole = subjectLength(results);
     const bool inside = start <= whole && length <= whole - start;
@@ -54,7 +55,7 @@ std::u16string decimal(std::size_t number) {
     return {digits.begin(), digits.end()};
 }
 
-// As a replacement writes it.
+// A reference by name as a replacement writes it.
 std::u16string bracketed(std::u16string_view name) {
     return u"$<" + std::u16string(name) + u">";
 }
@@ -108,6 +109,7 @@ RE_Replace_Evalable* RE_Replace_Token::copy() const {
     return new RE_Replace_Token(nullptr, token);
 }
 
+// Nodes are compared by class first, as references of different kinds may have equal payloads.
 bool RE_Replace_Token::is_same(const RE_Replace_Evalable* other) const {
     const auto* const same = dynamic_cast<const RE_Replace_Token*>(other);
     return same != nullptr && same->token == token;
@@ -117,6 +119,8 @@ RE_Evaluation_IO* RE_Replace_Token::create_variable(RE_Context* context) const {
     return makeVariable(context, "token_" + std::to_string(token), u"$" + decimal(token));
 }
 
+// The name is terminated because tokens are found by a terminated name. It is attached last: the allocation
+// may throw.
 RE_Replace_Named_Token::RE_Replace_Named_Token(RE_Replace_Node* previous, std::u16string_view tokenName)
     : nameLength(tokenName.size()),
       name(static_cast<char16_t*>(utMallocWithCheck((tokenName.size() + 1) * sizeof(char16_t)))) {
@@ -136,6 +140,7 @@ char16_t* RE_Replace_Named_Token::build_piece(char16_t* buffer, std::size_t* len
     if (info != nullptr) {
         writer.append(subjectPart(*results, info->start, info->length));
     } else {
+        // No group of this name: the reference stays as it was written.
         writer.append(u"$<");
         writer.append({name, nameLength});
         writer.append(u">");
