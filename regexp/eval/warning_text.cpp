@@ -202,8 +202,7 @@ const RE_Warning_Description& describe(RE_Warning warning) {
     return descriptions[number < descriptions.size() ? number : 0];
 }
 
-// The cases are in the order of the numbers where they share nothing. What has no case is one unit without
-// a correction.
+// A warning without a case of its own marks one unit and suggests nothing.
 RE_Warning_Span locateWarning(RE_Warning warning, std::u16string_view text, std::size_t where) {
     // A place at or after the end has no unit to mark.
     if (where >= text.size()) {
