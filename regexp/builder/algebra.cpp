@@ -1,3 +1,8 @@
+// What each piece writes, and how tightly the result holds together.
+//
+// Two rules keep a piece from changing its meaning: an operand is grouped (`bindAtLeast`) before anything
+// is placed beside it that could take it apart, and what depends on flags is written with its mode, as
+// `(?s:.)` for the dot.
 #include "regexp/builder/algebra.h"
 
 #include "regexp/builder/quote.h"
@@ -7,7 +12,8 @@
 
 namespace RE_Builder_Space {
 
-/// Makes builders out of text and other builders.
+/// Makes builders out of text and other builders. A class, so that one friend of `RE_Builder` may see its
+/// text and its marks; every function below goes through it.
 struct RE_Composer {
     using Binding = RE_Builder::Binding;
     using Kind = RE_Builder::Mark::Kind;
@@ -20,15 +26,20 @@ struct RE_Composer {
     }
     static RE_Builder item(std::u16string_view text) { return make(std::u16string(text), Binding::item); }
 
+    /// `open` begins a group that holds any body, so nothing has to be grouped. With an empty `close` the
+    /// rest is to be added.
     static RE_Builder enclosed(std::u16string_view open, RE_Builder body, std::u16string_view close = u")") {
         body.encloseIn(open, close);
         return body;
     }
+    /// The mark is at the parenthesis, in front of all marks of the body.
     static RE_Builder captured(RE_Builder body, const RE_Token& token) {
         body.encloseIn(u"(", u")");
         body.marks.insert(body.marks.begin(), {Kind::opens, 0, token.identity});
         return body;
     }
+    /// The result binds as alternatives even when there is one, which costs a group at most. Foreign text
+    /// is grouped: it may change modes up to its end, which must not reach the next alternative.
     static RE_Builder alternatives(std::span<const RE_Builder> all) {
         RE_Builder result;
         for (const RE_Builder& alternative : all) {
@@ -40,6 +51,7 @@ struct RE_Composer {
         }
         return result;
     }
+    /// The result is a sequence: a second quantifier would otherwise be read as a part of the first.
     static RE_Builder repeated(RE_Builder body, std::u16string_view quantifier, RE_GREED greed) {
         body.bindAtLeast(Binding::item);
         body.text += quantifier;
@@ -47,12 +59,15 @@ struct RE_Composer {
         body.binding = Binding::sequence;
         return body;
     }
+    /// `text` is what precedes the reference; the mark at its end is the place of the reference.
     static RE_Builder reference(std::u16string_view text, const RE_Token& token, Kind kind) {
         RE_Builder made = item(text);
         made.marks.push_back({kind, text.size(), token.identity});
         return made;
     }
-    /// `condition` is everything up to the first branch but for its closing parenthesis.
+    /// `condition` is everything up to the first branch without the parenthesis that closes the condition.
+    /// An empty second branch is left out. Alternatives in a branch are grouped: a bar would divide the
+    /// branches.
     static RE_Builder conditional(RE_Builder condition, RE_Builder yes, RE_Builder no) {
         condition.text += u')';
         yes.bindAtLeast(Binding::sequence);
@@ -65,6 +80,7 @@ struct RE_Composer {
         condition.text += u')';
         return condition;
     }
+    /// A template is quoted already, for this very place.
     static RE_Builder evaluated(std::u16string_view open, const RE_Template& what,
                                 std::u16string_view close) {
         return enclosed(open, what.written, close);
@@ -75,6 +91,7 @@ namespace {
 
 using Binding = RE_Composer::Binding;
 
+// The letters are those that the parser reads (`readModes`).
 std::u16string_view modeLetter(RE_MODE mode) {
     switch (mode) {
         case RE_MODE_IGNORE_CASE:
@@ -93,6 +110,7 @@ std::u16string_view modeLetter(RE_MODE mode) {
 
 }  // namespace
 
+// A literal of one unit can be repeated as it is; several units, or none, are a sequence.
 RE_Builder literal(std::u16string_view text) {
     std::u16string quoted;
     for (const char16_t unit : text) {
@@ -101,6 +119,7 @@ RE_Builder literal(std::u16string_view text) {
     return RE_Composer::make(std::move(quoted), text.size() == 1 ? Binding::item : Binding::sequence);
 }
 
+// The mode is part of the piece: whether a plain dot matches a line feed is up to the flags.
 RE_Builder any_unit() {
     return RE_Composer::item(u"(?s:.)");
 }
@@ -109,7 +128,7 @@ RE_Builder any_but_line_feed() {
     return RE_Composer::item(u"(?-s:.)");
 }
 
-// Empty brackets would be no set.
+// Empty brackets would be no set, as a `]` at the front is a member.
 RE_Builder one_of(const RE_SetItem& set) {
     return RE_Composer::item(set.text().empty() ? u"[^\\s\\S]" : u"[" + set.text() + u"]");
 }
@@ -118,6 +137,7 @@ RE_Builder none_of(const RE_SetItem& set) {
     return set.text().empty() ? any_unit() : RE_Composer::item(u"[^" + set.text() + u"]");
 }
 
+// For the same reason the anchors carry theirs.
 RE_Builder subject_start() {
     return RE_Composer::item(u"(?-m:^)");
 }
@@ -158,6 +178,7 @@ RE_Builder neg_behind(const RE_Builder& body) {
     return RE_Composer::enclosed(u"(?<!", body);
 }
 
+// An assertion that never holds is what is left of a choice of nothing.
 RE_Builder either(std::span<const RE_Builder> alternatives) {
     return alternatives.empty() ? RE_Composer::item(u"(?!)") : RE_Composer::alternatives(alternatives);
 }
@@ -174,6 +195,7 @@ RE_Builder optional(const RE_Builder& body, RE_GREED greed) {
     return RE_Composer::repeated(body, u"?", greed);
 }
 
+// `{n}`, `{n,}` or `{n,m}`, the shortest that says it.
 RE_Builder quantify(const RE_Builder& body, RE_Bounds bounds, RE_GREED greed) {
     std::u16string text = u"{" + decimal(bounds.minimum());
     if (bounds.maximum() == RE_Bounds::unlimited) {
@@ -220,8 +242,9 @@ RE_Builder backreference(RE_Token_Name name) {
     return RE_Composer::item(u"\\k<" + std::u16string(name.text()) + u">");
 }
 
+// The openings below leave the condition unclosed: `conditional` closes it.
 RE_Builder if_token(const RE_Token& token, const RE_Builder& yes, const RE_Builder& no) {
-    return RE_Composer::conditional(RE_Composer::reference(u"(?(", token, RE_Composer::Kind::asks), yes, no);
+    return RE_Composer::conditional(RE_Composer::reference(u"(?(", token, RE_Composer::Kind::tests), yes, no);
 }
 
 RE_Builder if_token(RE_Token_Name name, const RE_Builder& yes, const RE_Builder& no) {
@@ -248,6 +271,7 @@ RE_Builder evaluate(const RE_Template& script) {
     return RE_Composer::evaluated(u"(?@", script, u")");
 }
 
+// The backslash keeps the two question marks from beginning a trigraph.
 RE_Builder dynamic_expression(const RE_Template& expression) {
     return RE_Composer::evaluated(u"(?\?@", expression, u")");
 }

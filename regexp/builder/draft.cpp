@@ -1,3 +1,4 @@
+// Numbering tokens by having the parser read the pattern.
 #include "regexp/builder/draft.h"
 
 #include "regexp/builder/quote.h"
@@ -12,16 +13,18 @@
 namespace RE_Builder_Space {
 namespace {
 
-/// Answers for the context that the pattern will be compiled with, and asks that about nothing else.
-class Asked_Context : public RE_Context {
+/// Passes on whether evaluation is allowed, and nothing else: a reading in advance must neither warn nor
+/// make variables or functions at the host.
+class Consulting_Context : public RE_Context {
 public:
-    explicit Asked_Context(RE_Context* asked) : host(asked) {}
+    explicit Consulting_Context(RE_Context* asked) : host(asked) {}
     bool allow_evaluation() override { return host != nullptr && host->allow_evaluation(); }
 
 private:
     RE_Context* host;
 };
 
+/// For the readings that represent every host that allows evaluation.
 class Allowing_Context : public RE_Context {
 public:
     bool allow_evaluation() override { return true; }
@@ -29,6 +32,8 @@ public:
 
 }  // namespace
 
+// A reference is to the nearest group of its token that opens before it; marks are in the order of the
+// text, so that is the latest one seen.
 RE_Builder::Draft::Draft(const RE_Builder& drafted) : builder(drafted), prefix(u"token_") {
     while (builder.text.find(prefix) != std::u16string::npos) {
         prefix += u'_';
@@ -45,7 +50,8 @@ RE_Builder::Draft::Draft(const RE_Builder& drafted) : builder(drafted), prefix(u
     }
 }
 
-// A group that nothing refers to needs neither.
+// A group that nothing refers to needs neither a name nor a known number: it counts as settled, so that it
+// gets no name.
 std::u16string RE_Builder::Draft::finished() const {
     constexpr std::uint64_t unused = 1;
     const Numbers settled = settledNumbers();
@@ -79,7 +85,8 @@ std::u16string RE_Builder::Draft::nameOf(std::size_t group) const {
     return prefix + decimal(group + 1);
 }
 
-// Groups are read in the order of their numbers.
+// The first of several: equal names keep the order in which their groups were read, which is that of their
+// numbers.
 std::optional<std::size_t> RE_Builder::Draft::slotOf(const std::u16string& name, const Slots& slots) const {
     const auto first = slots.lower_bound(name);
     return first == slots.end() || first->first != name ? std::nullopt : std::optional(first->second);
@@ -87,14 +94,16 @@ std::optional<std::size_t> RE_Builder::Draft::slotOf(const std::u16string& name,
 
 RE_Builder::Draft::Slots RE_Builder::Draft::read(const std::u16string& pattern, RE_Flags flags,
                                                  RE_Context* context) const {
-    Asked_Context asked(context);
+    Consulting_Context asked(context);
     RE_ParserContext parser(&asked, nullptr, flags);
     RE_Grammar(parser, pattern.data(), pattern.size(), true).read();
     return std::move(parser.tokenNames);
 }
 
-// Whatever a context allows, and wherever modes forbid it, the groups before another one are at least those
-// that are there without any evaluation, and at most those with all of it. So four readings tell.
+// Four readings decide for all flags and contexts. Whatever a context allows, and wherever modes forbid it,
+// the groups before another one are at least those that are there without any evaluation, and at most those
+// with all of it; where both counts are the same, so is every one in between. The other flags do not change
+// which groups there are, but for free spacing, which is read both ways.
 RE_Builder::Draft::Numbers RE_Builder::Draft::settledNumbers() const {
     const std::u16string pattern = written(Numbers(tokens.size()));
     Allowing_Context allowing;
@@ -113,7 +122,8 @@ RE_Builder::Draft::Numbers RE_Builder::Draft::settledNumbers() const {
                              });
         numbers[group] = settled ? *slot + 1 : 0;
     }
-    // Of several digits in an expression the last ones are text when there are fewer tokens.
+    // In an expression a number loses its last digits when a match has fewer tokens, and takes in a digit
+    // of the text after it. So only numbers of one digit that no digit follows are safe there.
     for (std::size_t i = 0; i < targets.size(); ++i) {
         const bool inserts = builder.marks[i].kind == Mark::Kind::inserts && targets[i] != none;
         if (inserts && (numbers[targets[i]] > 9 || isBeforeDigit(builder.marks[i]))) {
@@ -123,6 +133,8 @@ RE_Builder::Draft::Numbers RE_Builder::Draft::settledNumbers() const {
     return numbers;
 }
 
+// Copies the text up to each mark and puts in what the mark needs. A name goes after the parenthesis that
+// the mark is at, everything else at the mark.
 std::u16string RE_Builder::Draft::written(const Numbers& numbers) const {
     std::u16string out;
     std::size_t copied = 0;
@@ -149,7 +161,8 @@ bool RE_Builder::Draft::isBeforeDigit(const Mark& mark) const {
     return mark.at < builder.text.size() && isAsciiDigit(builder.text[mark.at]);
 }
 
-// A reference to a token without a group fails, as do those to an absent one: by a name that there is not.
+// A reference to a token without a group never matches, as one to an absent token: in a pattern by an
+// assertion that fails, in an expression by a name that no group has (numbers of names begin at 1).
 void RE_Builder::Draft::writeReference(std::u16string& out, const Mark& mark, std::size_t group,
                                        std::uint64_t number) const {
     const bool fails = group == none;
@@ -159,9 +172,10 @@ void RE_Builder::Draft::writeReference(std::u16string& out, const Mark& mark, st
             break;
         case Mark::Kind::refers:
             out += fails ? u"(?!)" : number == 0 ? u"\\k<" + name + u">" : u"\\" + decimal(number);
-            out += number != 0 && isBeforeDigit(mark) ? u"(?:)" : u"";  // keeps the digit out of the number
+            // An empty group keeps a digit that follows out of the number.
+            out += number != 0 && isBeforeDigit(mark) ? u"(?:)" : u"";
             break;
-        case Mark::Kind::asks:
+        case Mark::Kind::tests:
             out += fails ? u"?!" : number == 0 ? name : decimal(number);
             break;
         case Mark::Kind::inserts:

@@ -1,3 +1,5 @@
+// Quoting by a backslash where that works, and by value where a backslash would give the unit another
+// meaning.
 #include "regexp/builder/quote.h"
 
 #include "host/unit_class.h"
@@ -7,10 +9,12 @@
 namespace RE_Builder_Space {
 namespace {
 
-// Trap: a backslash before a letter, a digit, `<` or `>` is not a quotation, so this is a list of those that
-// need one.
+// Trap: a backslash before a letter, a digit, `<` or `>` does not quote, so this is a list of the units
+// that need one and not a test for punctuation. A blank and `#` matter under free spacing, a hyphen within
+// sets.
 constexpr std::u16string_view special = u"$^.\\+[](){}|-*?# ";
 
+// The letter of the escape for a control unit, or 0: shorter and easier to read than its value.
 char16_t controlLetter(char16_t unit) {
     switch (unit) {
         case u'\t':
@@ -38,8 +42,8 @@ void appendQuoted(std::u16string& pattern, char16_t unit) {
     } else if (special.find(unit) != std::u16string_view::npos) {
         pattern += u'\\';
         pattern += unit;
-    } else if (unit < u' ' || unit == 127 ||
-               cvu_isspace(unit)) {  // free spacing would skip what is white space
+    } else if (unit < u' ' || unit == 127 || cvu_isspace(unit)) {
+        // Free spacing would skip white space, and control units are hard to see.
         appendHexadecimal(pattern, unit);
     } else {
         pattern += unit;
@@ -47,6 +51,7 @@ void appendQuoted(std::u16string& pattern, char16_t unit) {
 }
 
 void appendHexadecimal(std::u16string& pattern, char16_t unit) {
+    // Two digits or four; the braces keep a digit that follows apart.
     pattern += u"\\x{";
     for (int shift = unit > 0xFF ? 12 : 4; shift >= 0; shift -= 4) {
         pattern += u"0123456789ABCDEF"[unit >> shift & 0xF];

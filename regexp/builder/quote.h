@@ -1,4 +1,7 @@
 // Writing a unit so that a pattern takes it for itself.
+//
+// One way of quoting serves every place, so that no caller has to know where its text ends up. Internal to
+// the builder.
 #pragma once
 
 #include <cstdint>
@@ -6,8 +9,8 @@
 
 namespace RE_Builder_Space {
 
-/// Appends the unit so that it stands for itself within a set and outside of one, under free spacing, and
-/// next to anything that a builder writes.
+/// Appends the unit so that it matches itself within a set and outside of one, under free spacing, and next
+/// to anything that a builder writes.
 void appendQuoted(std::u16string& pattern, char16_t unit);
 
 /// Appends the escape that gives the unit's value in hexadecimal digits and braces.

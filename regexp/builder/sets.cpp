@@ -1,3 +1,5 @@
+// Members as they are written between brackets. Uniting two sets is joining their texts, with one
+// exception.
 #include "regexp/builder/sets.h"
 
 #include "regexp/builder/quote.h"
@@ -29,8 +31,9 @@ std::u16string_view membersOf(RE_SET_TYPE type) {
     return {};
 }
 
-// An octal escape takes the digits behind it, so these are written by their values. (The same after a quoted
-// backslash and a literal 0 does no harm.)
+// An octal escape takes in octal digits that follow it, so a set that begins with one is joined to it with
+// that digit written by its value. Where the left side only looks like the escape (a quoted backslash and a
+// 0) the same does no harm.
 std::u16string united(const std::u16string& left, const std::u16string& right) {
     std::u16string both = left;
     if (left.ends_with(nullEscape) && !right.empty() && right.front() >= u'0' && right.front() <= u'7') {
@@ -50,12 +53,14 @@ RE_Set operator+(const RE_Set& left, const RE_Set& right) {
     return both;
 }
 
+// Quoting includes the hyphen, so that two units never become a range.
 RE_SetItem::RE_SetItem(std::u16string_view units) {
     for (const char16_t unit : units) {
         appendQuoted(members, unit);
     }
 }
 
+// The parser takes the bounds in either order.
 std::u16string RE_SetItem::range(char16_t low, char16_t high) {
     std::u16string text;
     appendQuoted(text, low);

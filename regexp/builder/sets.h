@@ -1,4 +1,7 @@
-// Sets of units for patterns made by a program.
+// Sets of units for patterns made by a program: the arguments of `one_of` and `none_of` in algebra.h.
+//
+// Values in standard strings; they hold what is written between the brackets, quoted. Functions throw
+// `std::bad_alloc` only.
 #pragma once
 
 #include "regexp/base/export.h"
@@ -11,6 +14,7 @@
 
 namespace RE_Builder_Space {
 
+/// The numbers are part of the interface. From 4 on they are the complements of 0 to 3.
 enum RE_SET_TYPE {
     RE_SET_DIGIT = 0,
     RE_SET_WORD = 1,
@@ -22,7 +26,8 @@ enum RE_SET_TYPE {
     RE_SET_NOT_NULL = 7
 };
 
-/// A class of units, or with `+` the union of several.
+/// A class of units, or with `+` the union of several. Which units are digits, word units and white space
+/// is the host's to say.
 class CORVANE_REGEXP_EXPORT RE_Set {
 public:
     explicit RE_Set(RE_SET_TYPE type);
@@ -49,7 +54,7 @@ public:
     template <std::same_as<char16_t> Low, std::same_as<char16_t> High>
     RE_SetItem(Low low, High high) : members(range(low, high)) {}
 
-    /// What stands between the brackets of a set.
+    /// What is written between the brackets of a set; empty for no unit at all. Valid while this lives.
     const std::u16string& text() const { return members; }
 
     friend CORVANE_REGEXP_EXPORT RE_SetItem operator+(const RE_SetItem& left, const RE_SetItem& right);

@@ -1,3 +1,4 @@
+// The harmless defaults: a host that overrides nothing gets patterns without expressions.
 #include "regexp/eval/context.h"
 
 #include "regexp/eval/evaluation_io.h"
@@ -18,6 +19,7 @@ bool RE_Context::evaluate_bool(RE_Evaluation_Inputs*) {
     return false;
 }
 
+// Not unique, but nothing looks the names up: the default evaluates nothing.
 RE_Evaluation_IO* RE_Context::create_unique_var(const char* stem, const RE_Builder_Space::RE_Builder&) {
     return new RE_Evaluation_IO(stem);
 }

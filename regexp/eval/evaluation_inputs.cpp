@@ -1,3 +1,4 @@
+// The list and the ownership of its items. Storage is a plain block of pointers of the host's allocator.
 #include "regexp/eval/evaluation_inputs.h"
 
 #include <memory>
@@ -8,6 +9,7 @@ RE_Evaluation_Inputs::RE_Evaluation_Inputs(std::size_t n) {
 
 RE_Evaluation_Inputs::RE_Evaluation_Inputs(const RE_Evaluation_Inputs* other)
     : RE_Evaluation_Inputs(other->capacity) {
+    // Item by item, so that the destructor frees what was copied when a later copy throws.
     count = other->count;
     for (std::size_t i = 0; i < count; ++i) {
         items[i] = other->items[i] != nullptr ? new RE_Evaluation_IO(other->items[i]) : nullptr;
@@ -21,12 +23,14 @@ RE_Evaluation_Inputs::~RE_Evaluation_Inputs() {
     utFree(items);
 }
 
+// Zeroed, so that every item is null.
 void RE_Evaluation_Inputs::initialize(std::size_t n) {
     items = static_cast<RE_Evaluation_IO**>(utCallocWithCheck(n, sizeof(RE_Evaluation_IO*)));
     count = capacity = n;
 }
 
 void RE_Evaluation_Inputs::add(RE_Evaluation_IO* text) {
+    // Owned from here on: freed when it is there already, or when growing throws.
     std::unique_ptr<RE_Evaluation_IO> owned(text);
     for (std::size_t i = 0; i < count; ++i) {
         const bool bothTexts = items[i] != nullptr && text != nullptr;
@@ -43,6 +47,7 @@ void RE_Evaluation_Inputs::add(RE_Evaluation_IO* text) {
     items[count++] = owned.release();
 }
 
+// Trap: the old text may be the new one, which must not be deleted.
 void RE_Evaluation_Inputs::set_input(std::size_t index, RE_Evaluation_IO* text) {
     if (items[index] != text) {
         delete items[index];

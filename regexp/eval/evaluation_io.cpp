@@ -1,3 +1,4 @@
+// Growing, converting and handing over the text of the interface to the host.
 #include "regexp/eval/evaluation_io.h"
 
 #include "host/code_page.h"
@@ -43,7 +44,8 @@ void RE_Evaluation_IO::append(char unit) {
     text[length++] = static_cast<unsigned char>(unit);
 }
 
-// A part of this very text would move away under the copying.
+// A part of this very text would move away when the text grows, so it is copied first. `std::less` orders
+// pointers into different blocks, which `<` does not.
 void RE_Evaluation_IO::append(const char16_t* source, std::size_t units) {
     const std::less<const char16_t*> before;
     if (!before(source, text) && before(source, text + length)) {

@@ -1,9 +1,13 @@
 // The problems that the parser and the replacement compiler report to the host.
+//
+// A warning never stops compiling: the construct degrades to literal text or to nothing. docs/dialect.md
+// says for each what becomes of it.
 #pragma once
 
 #include <cstdint>
 
-/// The numbers are part of the interface.
+/// The numbers are part of the interface: they are never changed and never given twice. A new one goes to
+/// the end.
 enum RE_Warning : std::uint32_t {
     RE_WARNING_NONE = 0,
     RE_WARNING_UNKNOWN_ESCAPE = 1,           ///< an escaped unit that may not be escaped

@@ -1,3 +1,8 @@
+// Names, sentences and places of the warnings.
+//
+// The places are found again from the text: the parser passes one position only, so that reporting costs
+// nothing where nobody shows it. The helpers therefore repeat some of the syntax, loosely, and must stay
+// within the text whatever it holds.
 #include "regexp/eval/warning_text.h"
 
 #include <algorithm>
@@ -6,6 +11,7 @@
 
 namespace {
 
+// By number. Names are for programs and never change; sentences continue "warning 5 at column 3: ...".
 constexpr std::array<RE_Warning_Description, 23> descriptions = {{
     {"none", "no warning has this number"},
     {"unknown-escape", "this escape has no meaning here"},
@@ -35,6 +41,7 @@ constexpr std::array<RE_Warning_Description, 23> descriptions = {{
 
 using View = std::u16string_view;
 
+// Letters, digits and the underscore, all ASCII. Units above stay above when bit 5 is set.
 bool isNameUnit(char16_t unit) {
     const char16_t lower = unit | 0x20;
     return (lower >= u'a' && lower <= u'z') || (unit >= u'0' && unit <= u'9') || unit == u'_';
@@ -46,6 +53,8 @@ std::size_t lengthThrough(View text, std::size_t start, char16_t last) {
     return end == View::npos ? 1 : end - start + 1;
 }
 
+/// How many units have to be inserted, removed or replaced to make one text the other; in one row of the
+/// usual table.
 std::size_t editDistance(View a, View b) {
     std::vector<std::size_t> row(b.size() + 1);
     for (std::size_t j = 0; j <= b.size(); ++j) {
@@ -62,7 +71,9 @@ std::size_t editDistance(View a, View b) {
     return row[b.size()];
 }
 
-/// The name of a group in the text that may have been meant, or none.
+/// The name of a group in the text that may have been meant, or none: the nearest one by at most two edits,
+/// and never by as many as the name has units. Long names are not compared, which bounds the time for a
+/// hostile pattern.
 View nearestName(View text, View wanted) {
     constexpr View opening = u"(?<";
     constexpr std::size_t longestCompared = 64;
@@ -85,11 +96,15 @@ View nearestName(View text, View wanted) {
     return nearest;
 }
 
+/// The backslash, the letter, and the braces of a number that has some. `where` is the letter or its
+/// backslash. A letter without a meaning was probably meant as itself.
 RE_Warning_Span escapeSpan(RE_Warning warning, View text, std::size_t where) {
     const std::size_t start = where > 0 && text[where - 1] == u'\\' ? where - 1 : where;
     const std::size_t letter = start + (text[start] == u'\\' ? 1 : 0);
     const bool braced = letter + 1 < text.size() && text[letter + 1] == u'{';
     const bool isNumber = letter < text.size() && (text[letter] == u'x' || text[letter] == u'o');
+    // What cannot be part of a number in braces ends the search, so that an unclosed brace does not reach
+    // over the pattern.
     const std::size_t brace = isNumber && braced ? text.find_first_of(u"}()[\\|", letter) : View::npos;
     const bool closed = brace != View::npos && text[brace] == u'}';
     const std::size_t end = closed ? brace + 1 : std::min(letter + 1, text.size());
@@ -105,6 +120,7 @@ RE_Warning_Span escapeSpan(RE_Warning warning, View text, std::size_t where) {
 std::size_t bracketLength(View text, std::size_t start) {
     const char16_t opening = text[start];
     const char16_t closing = opening == u'(' ? u')' : u'}';
+    // Pairs one kind of bracket only; a backslash makes the next unit inert.
     std::size_t depth = 0;
     for (std::size_t at = start; at < text.size(); ++at) {
         if (text[at] == opening) {
@@ -127,6 +143,7 @@ RE_Warning_Span badNameSpan(View text, std::size_t where) {
     return {where, end - where + (text[end] == u'>' ? 1 : 0), {}};
 }
 
+/// The name of a reference, in \k<name> or as a condition.
 RE_Warning_Span nameSpan(View text, std::size_t where) {
     const bool isEscape = text[where] == u'\\';
     const std::size_t start = isEscape ? std::min(where + 3, text.size()) : where;
@@ -142,7 +159,7 @@ RE_Warning_Span nameSpan(View text, std::size_t where) {
     return span;
 }
 
-/// {,m} and {n,m} with n above m have a plain meaning; other braces were probably meant as they stand.
+/// {,m} and {n,m} with n above m have a plain meaning; other braces were probably meant literally.
 std::u16string correctedQuantifier(View braces) {
     const View inside = braces.substr(1, braces.size() - 2);
     const std::size_t comma = inside.find(u',');
@@ -163,6 +180,7 @@ std::u16string correctedQuantifier(View braces) {
     return u"\\" + std::u16string(braces);
 }
 
+/// A quantifier that repeats nothing is removed or quoted, whichever leaves the likelier meaning.
 RE_Warning_Span quantifierSpan(RE_Warning warning, View text, std::size_t where) {
     const bool braces = text[where] == u'{' && warning != RE_WARNING_UNCLOSED_QUANTIFIER;
     RE_Warning_Span span{where, braces ? lengthThrough(text, where, u'}') : 1, {}};
@@ -184,7 +202,9 @@ const RE_Warning_Description& describe(RE_Warning warning) {
     return descriptions[number < descriptions.size() ? number : 0];
 }
 
+// A warning without a case of its own marks one unit and suggests nothing.
 RE_Warning_Span locateWarning(RE_Warning warning, std::u16string_view text, std::size_t where) {
+    // A place at or after the end has no unit to mark.
     if (where >= text.size()) {
         return {std::min(where, text.size()), 0, {}};
     }

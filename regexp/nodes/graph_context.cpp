@@ -1,3 +1,4 @@
+// Ownership of the nodes during a compilation, and the walks over the unfinished graph.
 #include "regexp/nodes/graph_context.h"
 
 #include "regexp/nodes/seeker.h"
@@ -8,12 +9,14 @@
 
 namespace {
 
-// Mostly the numbers lie close together: then each has a place of its own.
+// Sorts by node number. The numbers mostly lie close together; then each has a place of its own and sorting
+// is linear. Relies on distinct numbers: of two nodes with the same one, the places would keep the later.
 void sortByNumber(std::span<RE_Node*> nodes, std::uint64_t lastNumber, RE_Scratch_Memory* memory) {
-    static constexpr std::size_t mostPlacesANode = 16;
+    // Numbers that are sparser than this are sorted by comparisons.
+    static constexpr std::size_t maximumPlacesPerNode = 16;
     const std::uint64_t first = (*std::ranges::min_element(nodes, {}, &RE_Node::nodeId))->nodeId;
     const std::uint64_t count = lastNumber - first + 1;
-    if (count / mostPlacesANode > nodes.size()) {
+    if (count / maximumPlacesPerNode > nodes.size()) {
         std::ranges::sort(nodes, {}, &RE_Node::nodeId);
         return;
     }
@@ -71,6 +74,7 @@ std::size_t RE_Graph_Context::handOver(RE_Node* root) {
         }
     }
     made.clear();
+    // Chunks in which no node is left go back to the host.
     facts->store.keepChunksOf(facts->nodes);
     if (renumbers) {
         sortByNumber(facts->nodes, nodeCount, &scratch);

@@ -1,7 +1,10 @@
 // What everyone who makes or rewrites nodes shares while one pattern is compiled: the nodes made so far, their numbers
 // and memory, the sets of units, the modes and options in force.
 //
-// Used by one thread. The parser's context adds what only the reading of text needs.
+// One object serves one compilation, on one thread. Nothing of a search is in here.
+//
+// Invariant: until `handOver` every node belongs to this object, whether the graph reaches it or not. Passes therefore
+// never delete a node and may drop links freely.
 #pragma once
 
 #include "regexp/eval/context.h"
@@ -20,10 +23,13 @@
 #include <utility>
 #include <vector>
 
-/// Owns every node it made until the finished graph is handed over, so that a host that
-/// throws out of a callback leaks nothing.
+/// Owns every node that it made until the finished graph is handed over, so that a host that throws out of a callback, or
+/// an allocation that fails, leaks nothing: the destructor ends whatever has been made. The memory of the nodes is that of
+/// `facts->store` and goes with it.
 class CORVANE_REGEXP_EXPORT RE_Graph_Context : public RE_Memory {
 public:
+    /// `host` is not null and outlives this and the compiled pattern. `outerNode` is the node that includes the text being
+    /// compiled as a sub-pattern, or null. `patternFlags` are the modes at the beginning. Throws `std::bad_alloc`.
     RE_Graph_Context(RE_Context* host, RE_Node* outerNode, RE_Flags patternFlags);
     ~RE_Graph_Context();
     RE_Graph_Context(const RE_Graph_Context&) = delete;

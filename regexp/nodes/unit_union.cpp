@@ -1,3 +1,4 @@
+// Making as few sets as possible of the parts of a union.
 #include "regexp/nodes/unit_union.h"
 
 #include "regexp/nodes/units.h"
@@ -8,10 +9,12 @@
 
 namespace {
 
-// Digits, spaces and words are the first of the named classes.
+// Digits, spaces and words are the first of the named classes. Their complements are treated like any other
+// set.
 constexpr std::size_t plainClasses = 3;
 
-/// What these classes hold together, as a set of the process.
+/// The union of these classes, a bit each, as a set of the process. All eight are made on the first use
+/// that needs one, so that `[\w\s]` and the like share a set in all patterns.
 const RE_Unit_Set& unionOfClasses(std::size_t classes) {
     const auto named = RE_Unit_Classes::get().all();
     if (std::has_single_bit(classes)) {
@@ -31,7 +34,8 @@ const RE_Unit_Set& unionOfClasses(std::size_t classes) {
     return unions[classes];
 }
 
-/// Those that hold nearly all units first: little is left to be added to them.
+/// Orders sets by which of them to copy. A set with the last unit mostly holds nearly all units, so that
+/// little is left to be added to it; it comes first. Among equals the one that varies in fewer blocks does.
 bool holdsMore(const RE_Unit_Set* one, const RE_Unit_Set* other) {
     const bool oneIsOpen = one->contains(0xFFFF);
     return oneIsOpen != other->contains(0xFFFF) ? oneIsOpen : one->variedBlocks() < other->variedBlocks();
@@ -39,6 +43,8 @@ bool holdsMore(const RE_Unit_Set* one, const RE_Unit_Set* other) {
 
 }  // namespace
 
+// A named class is a bit, a set that is known already is nothing new, and others are noted while there is
+// room.
 void RE_Unit_Union::addAll(const RE_Unit_Set& set) {
     const std::size_t number = RE_Unit_Classes::numberOf(set);
     const auto last = parts.begin() + static_cast<std::ptrdiff_t>(partCount);
@@ -53,6 +59,7 @@ void RE_Unit_Union::addAll(const RE_Unit_Set& set) {
     }
 }
 
+// By kind for the commonest nodes. A counting node has no such kind and takes the default.
 void RE_Unit_Union::addConsumable(const RE_Consumable& unit) {
     if (const RE_Unit_Set* const units = unit.table()) {
         addAll(*units);
@@ -89,12 +96,14 @@ void RE_Unit_Union::addText(std::u16string_view text, bool ignoreCase) {
     }
 }
 
+// Uses the place that is kept free for it.
 void RE_Unit_Union::takeClasses() {
     if (classes != 0) {
         parts[partCount++] = &unionOfClasses(classes);
     }
 }
 
+// One part that holds everything else is the result itself: a pointer that owns nothing.
 std::shared_ptr<const RE_Unit_Set> RE_Unit_Union::take() {
     takeClasses();
     if (gathered == nullptr && partCount == 1 && holdsLow(*parts[0])) {
@@ -105,6 +114,8 @@ std::shared_ptr<const RE_Unit_Set> RE_Unit_Union::take() {
     return std::move(gathered);
 }
 
+// The complement of the parts without the low units is the complement of all. Copying and negating in one
+// go saves a pass over the set in the two commonest cases, low units alone and one part.
 std::shared_ptr<const RE_Unit_Set> RE_Unit_Union::takeOthers() {
     takeClasses();
     if (gathered == nullptr && partCount == 0) {
@@ -120,7 +131,8 @@ std::shared_ptr<const RE_Unit_Set> RE_Unit_Union::takeOthers() {
     return std::move(gathered);
 }
 
-// Those of one set with more units are copied, the others added.
+// Copies the part that saves most and adds the others. Without parts the set is there anyway, or is made
+// empty.
 void RE_Unit_Union::addParts() {
     const auto last = parts.begin() + static_cast<std::ptrdiff_t>(partCount);
     std::sort(parts.begin(), last, holdsMore);

@@ -1,4 +1,9 @@
-// Puts the units together that may stand at some place.
+// Puts together the units that are possible at some place: the members of a bracket expression, or first
+// units of branches.
+//
+// A set of all 65,536 units takes 8 KiB and most unions need none of their own: they are one named class,
+// or a few units below 128. So parts are only noted while the union is gathered, and a set is made at the
+// end, if at all.
 #pragma once
 
 #include "regexp/graph/node.h"
@@ -16,6 +21,7 @@ class CORVANE_REGEXP_EXPORT RE_Unit_Union {
 public:
     explicit RE_Unit_Union(RE_Set_Pool& setPool) : pool(setPool) {}
 
+    /// Units below 128 are two words of bits, without a set.
     void add(char16_t unit) {
         if (unit < RE_Low_Units::unitCount) {
             low.add(unit);
@@ -23,6 +29,7 @@ public:
             table().add(unit);
         }
     }
+    /// Both ends are included; `first` is not greater than `last`.
     void addRange(char16_t first, char16_t last) {
         if (last < RE_Low_Units::unitCount) {
             low.addRange(first, last);
@@ -30,18 +37,25 @@ public:
             table().addRange(first, last);
         }
     }
-    /// A set that is being gathered, to add others to.
+    /// The set of what cannot be noted otherwise, to add units to directly. Made on first use.
     RE_Unit_Set& table();
-    /// The set outlives what is made of it here: it belongs to a node, or to the process.
+    /// Notes the set by its address. Trap: it must outlive not only this but whatever is taken, which may
+    /// be this very set without ownership. Sets of nodes of the same compilation and sets of the process
+    /// do.
     void addAll(const RE_Unit_Set& set);
+    /// The units that a single-unit test matches.
     void addConsumable(const RE_Consumable& unit);
+    /// Each unit of the text; where case does not count, each unit that has one of these as its lower-case
+    /// form.
     void addText(std::u16string_view text, bool ignoreCase);
-    /// All of them: a set of their own, or one that was added. Called once.
+    /// All units that were added: a new set, or one of those added, which is not owned by the result. Must
+    /// not be changed. Called once, and nothing is added afterwards.
     std::shared_ptr<const RE_Unit_Set> take();
-    /// All others, in the same way.
+    /// All other units, in the same way but always as a new set.
     std::shared_ptr<const RE_Unit_Set> takeOthers();
 
 private:
+    // More sets than this are merged as they come. One more place is for the union of the named classes.
     static constexpr std::size_t mostParts = 8;
 
     void takeClasses();

@@ -20,6 +20,7 @@ CompileOptions::CompileOptions()
             &profile_} {}
 
 CompileOptions& CompileOptions::getGlobalCompileOptions() {
+    // The key is the same in every scope; the object is the scope's own.
     static const size_t id = utScopedStore::getNextID();
     if (void* stored = utScopedStore::find(id)) return *static_cast<CompileOptions*>(stored);
 

@@ -1,5 +1,4 @@
 // Typed options. The context's overloads pick the conversion that fits the type of the value.
-
 #include "regexp/options/option.h"
 
 #include <boost/make_shared.hpp>

@@ -1,11 +1,19 @@
-// Atomic groups, lookaround and the conditionals that hang on it.
+// Closed bodies: atomic groups, possessive loops, lookarounds, and the conditionals.
+//
+// A body is a sub-graph that a link of its node leads into. It has an end of its own and does not lead on
+// to what follows the node. The search runs it like any other part, but drops its choices when it
+// completes.
 #include "regexp/nodes/anchors.h"
 #include "regexp/nodes/dynamic.h"
 #include "regexp/parser/graph_builder.h"
 #include "regexp/base/within_size.h"
 
-// A closed body is a graph of its own: nothing outside changes while it runs, so its memo scopes begin
-// afresh.
+// Builds the body on `bodyLink` and returns `tail` and `scope` to what they were. Nothing outside changes
+// while a body runs, so its memo scopes begin afresh. A look-behind must also end where it was entered,
+// which the node in front of the end tests.
+//
+// `group` may be the repeat itself, for a possessive one: then the loop is built, as emitRepeat would close
+// it again.
 void RE_Graph_Builder::emitBody(std::uint32_t group, RE_Node** bodyLink, bool behind) {
     RE_Node** const outerTail = tail;
     const RE_Memo_Scope* const outerScope = scope;
@@ -28,7 +36,9 @@ void RE_Graph_Builder::emitBody(std::uint32_t group, RE_Node** bodyLink, bool be
     }
 }
 
-// Also a possessive repetition: its loop, closed.
+// Also for a possessive repetition, which is its loop in a closed body. How it ended is remembered only
+// within another body, from where the same position is entered often, and only where it records nothing: an
+// outcome has no tokens.
 void RE_Graph_Builder::emitAtomic(std::uint32_t index) {
     auto* const atomic = context.make<RE_Atomic>();
     atomic->bodyMinimum = tree[index].least;
@@ -39,6 +49,7 @@ void RE_Graph_Builder::emitAtomic(std::uint32_t index) {
     emitBody(index, &atomic->body, false);
 }
 
+// A negative look leaves no tokens whatever its body records, so its outcome can always be remembered.
 RE_Lookaround_Assertion* RE_Graph_Builder::makeLook(std::uint32_t index) {
     const RE_Syntax& item = tree[index];
     auto* const look = context.make<RE_Lookaround_Assertion>(item.behind, item.negative);
@@ -49,8 +60,8 @@ RE_Lookaround_Assertion* RE_Graph_Builder::makeLook(std::uint32_t index) {
     return look;
 }
 
-// A negative assertion has no next node: where its body completes the path is dead, where it fails matching
-// goes on.
+// A negative assertion has no next node: where its body completes the path is dead, and where it fails
+// matching continues at the fail target.
 void RE_Graph_Builder::emitLook(std::uint32_t index) {
     RE_Lookaround_Assertion* const look = makeLook(index);
     *tail = look;
@@ -58,6 +69,8 @@ void RE_Graph_Builder::emitLook(std::uint32_t index) {
     emitBody(index, &look->body, look->behind);
 }
 
+// The condition is a token, an expression or a lookaround. Only the last has a body to build first; then
+// the branches wait until that is complete.
 void RE_Graph_Builder::emitConditional(std::uint32_t index) {
     const RE_Syntax& item = tree[index];
     if (item.condition == RE_Syntax::none) {
@@ -81,8 +94,9 @@ void RE_Graph_Builder::emitConditional(std::uint32_t index) {
     emitBody(item.condition, &look->body, look->behind);
 }
 
-// The branches hang on the links of the condition, exchanged for a negative one. Without a second branch a
-// condition that does not hold leads behind the conditional.
+// The two links of the condition lead into the branches, exchanged for a negative one. Without a second
+// branch a condition that does not hold leads past the conditional. Neither way is a choice: the condition
+// decides and leaves no record.
 void RE_Graph_Builder::emitConditionalBranches(std::uint32_t index, RE_Fail* condition, bool negative) {
     const RE_Syntax& item = tree[index];
     RE_Node* const join = context.make<RE_Null>();

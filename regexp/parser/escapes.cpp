@@ -1,3 +1,4 @@
+// The escapes for one character. A new one is a case of `readEscape`.
 #include "regexp/parser/escapes.h"
 
 #include <cstdint>
@@ -6,6 +7,7 @@ namespace {
 
 constexpr char32_t lastCharacter = 0x10FFFF;
 
+// 99 is no digit of any base.
 int digitValue(char16_t unit) {
     if (isAsciiDigit(unit)) {
         return unit - u'0';
@@ -20,7 +22,8 @@ struct Digits {
     std::size_t count = 0;
 };
 
-// Reads up to `most` digits of this base; the value saturates above the last character.
+// Reads up to `most` digits of this base. The value stops growing above the last character, so that any
+// number of digits is read without overflow and still found too large.
 Digits readDigits(const char16_t* text, std::size_t length, std::size_t at, int base, std::size_t most) {
     Digits digits{0, at, 0};
     while (digits.end < length && digits.count < most && digitValue(text[digits.end]) < base) {
@@ -33,8 +36,8 @@ Digits readDigits(const char16_t* text, std::size_t length, std::size_t at, int 
     return digits;
 }
 
-// A number in braces after the letter at `letter`. A malformed one leaves the letter itself, and its braces as
-// text.
+// A number in braces after the letter at `letter`. Without digits, without an end or above U+10FFFF it is
+// malformed: what is left is the letter, and its braces as text.
 RE_Escape readBraced(const char16_t* text, std::size_t length, std::size_t letter, int base,
                      RE_Warning problem) {
     const Digits digits = readDigits(text, length, letter + 2, base, length);
@@ -49,6 +52,7 @@ bool opensBrace(const char16_t* text, std::size_t length, std::size_t at) {
     return at + 1 < length && text[at + 1] == u'{';
 }
 
+// \x takes one or two digits, or any number of them in braces.
 RE_Escape readHexadecimal(const char16_t* text, std::size_t length, std::size_t letter) {
     if (opensBrace(text, length, letter)) {
         return readBraced(text, length, letter, 16, RE_WARNING_BAD_HEX);
@@ -60,6 +64,7 @@ RE_Escape readHexadecimal(const char16_t* text, std::size_t length, std::size_t 
     return {digits.value, digits.end};
 }
 
+// \o has digits in braces only; \0 is read below, with up to two more digits.
 RE_Escape readOctal(const char16_t* text, std::size_t length, std::size_t letter) {
     if (opensBrace(text, length, letter)) {
         return readBraced(text, length, letter, 8, RE_WARNING_BAD_OCTAL);
@@ -101,6 +106,8 @@ RE_Escape readEscape(const char16_t* text, std::size_t length, std::size_t at) {
         default:
             break;
     }
+    // Any punctuation may be escaped. A letter or digit without a meaning gets a warning, as its author
+    // expects one.
     const bool unknown = isAsciiDigit(unit) || isAsciiLetter(unit);
     return {unit, letter + 1, unknown ? RE_WARNING_UNKNOWN_ESCAPE : RE_WARNING_NONE, letter};
 }

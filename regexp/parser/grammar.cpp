@@ -1,15 +1,20 @@
+// The loop over a pattern, its plain atoms, its escapes and its references. Groups, sets and quantifiers
+// have files of their own.
 #include "regexp/parser/grammar.h"
 
 #include "regexp/parser/escapes.h"
 #include "regexp/parser/names.h"
+#include "regexp/base/within_size.h"
 
+#include <algorithm>
 #include <string_view>
 
 namespace {
 
+// How many items to reserve, so that a tree is rarely moved while it grows.
 constexpr std::size_t usualItems = 8;
-// A bar makes a branch and what it begins with; a quantifier takes a unit off a text and stands around it.
-constexpr std::size_t itemsAMark = 2;
+// A bar makes a branch and the item it begins with; a quantifier splits a unit off a text and wraps it.
+constexpr std::size_t itemsPerMark = 2;
 
 }  // namespace
 
@@ -20,7 +25,7 @@ RE_Grammar::RE_Grammar(RE_ParserContext& parserContext, const char16_t* pattern,
       length(units),
       makesTokens(tokens),
       brackets(pattern, units, parserContext.flags, &parserContext.scratch),
-      tree(usualItems + itemsAMark * brackets.marks(), &parserContext.scratch),
+      tree(usualItems + itemsPerMark * brackets.marks(), &parserContext.scratch),
       frames(&parserContext.scratch),
       knownSets{RE_Scratch_Map<std::u16string_view, std::uint32_t>(&parserContext.scratch),
                 RE_Scratch_Map<std::u16string_view, std::uint32_t>(&parserContext.scratch)} {}
@@ -39,7 +44,9 @@ RE_Syntax_Tree RE_Grammar::read() {
             readUnit();
         }
     }
-    while (!frames.empty()) {  // an escape may have swallowed what closes a group
+    // Frames may be left over: an escape can consume the unit that was to close a group. Their items are
+    // complete all the same, and modes need no restoring.
+    while (!frames.empty()) {
         endFrame();
     }
     resolveReferences();
@@ -87,7 +94,9 @@ void RE_Grammar::readUnit() {
     }
 }
 
-// Under free spacing what follows may not count.
+// Takes a whole stretch of plain units at once. Under free spacing only the first, as what follows may be
+// spacing or a comment. The first goes through `addLiteral`, which decides whether it may join the item
+// before; after that the branch ends in literals of the same modes, so the rest always joins.
 void RE_Grammar::readLiterals() {
     addLiteral(text[at], at);
     const char16_t* const second = text + ++at;
@@ -102,7 +111,8 @@ void RE_Grammar::readLiterals() {
     }
 }
 
-// In a conditional the first bar divides the branches; further ones belong to the second branch.
+// In a conditional the first bar divides yes from no; further ones are alternatives within the second
+// branch, which is why that becomes a group.
 void RE_Grammar::readBranchBar() {
     Frame& current = frame();
     tree.close(current.branch);
@@ -124,6 +134,8 @@ void RE_Grammar::addItem(RE_Syntax_Kind kind, std::size_t position) {
     frame().last = Last::item;
 }
 
+// Trap: `last` has to be `item` before the unit may join a text. Joining does not set it, so after a mode
+// change or a dropped construct the unit would be out of reach of a quantifier.
 void RE_Grammar::addLiteral(char16_t unit, std::size_t position) {
     if (frame().last == Last::item && tree.extendText(frame().branch, &unit, 1, flags())) {
         return;
@@ -132,7 +144,7 @@ void RE_Grammar::addLiteral(char16_t unit, std::size_t position) {
     tree[tree[frame().branch].lastChild].low = unit;
 }
 
-// A character of two units is one item, so that a quantifier repeats both.
+// A character beyond U+FFFF is two units but one item, a group, so that a quantifier repeats both.
 void RE_Grammar::addPair(char32_t character, std::size_t position) {
     const char32_t offset = character - 0x10000;
     const char16_t units[] = {static_cast<char16_t>(0xD800 + (offset >> 10)),
@@ -158,6 +170,8 @@ void RE_Grammar::addEscaped(char16_t letter) {
     at += 2;
 }
 
+// Escapes that mean something in a pattern only. All others are shared with sets and replacements:
+// `readEscape`.
 void RE_Grammar::readEscapeAtom() {
     const char16_t unit = at + 1 < length ? text[at + 1] : u'\0';
     switch (unit) {
@@ -210,8 +224,9 @@ void RE_Grammar::readCharacter() {
     }
 }
 
-// The braces of an escape that failed have been warned of: they are no quantifier, and neither is a brace in
-// them. They end at the first that closes, or before a unit that means something else.
+// The braces of a malformed number have been warned about, so they must not be read as a quantifier, which
+// would warn again or repeat the letter. Text up to the first closing brace, or up to a unit that means
+// something else.
 void RE_Grammar::readBracesAsText() {
     do {
         addLiteral(text[at], at);
@@ -220,4 +235,77 @@ void RE_Grammar::readBracesAsText() {
         }
         at = skipSpacing(text, length, at, flags());
     } while (at < length && (text[at] == u'{' || isPlainUnit(text[at])));
+}
+
+// Takes digits as long as the number names a group that was opened before this point, but at least one; the
+// rest is literal text. So `\10` is a reference to token 1 and a `0` in a pattern with fewer than ten
+// groups so far. The bound also keeps the number from overflowing.
+void RE_Grammar::readNumberReference() {
+    std::size_t end = at + 1;
+    std::uint64_t number = 0;
+    do {
+        number = number * 10 + static_cast<std::uint64_t>(text[end] - u'0');
+        ++end;
+    } while (end < length && isAsciiDigit(text[end]) &&
+             number * 10 + static_cast<std::uint64_t>(text[end] - u'0') <= tree.groupCount);
+    addReference(number - 1, RE_Syntax::none);
+    at = end;
+}
+
+// False, and nothing read, when no valid name follows: a malformed \k is an escape of k.
+bool RE_Grammar::readNameReference() {
+    if (at + 2 >= length || text[at + 2] != u'<') {
+        return false;
+    }
+    const RE_Name name = readName(text, length, at + 3, flags());
+    if (name.text.empty()) {
+        return false;
+    }
+    tree.names.push_back(name.text);
+    addReference(0, static_cast<std::uint32_t>(tree.names.size() - 1));
+    at = name.end;
+    return true;
+}
+
+// The callback comes before the item, once for each construct: a host may throw to refuse it.
+void RE_Grammar::addReference(std::uint64_t number, std::uint32_t name) {
+    context.context->backreferenceCreationCallback();
+    addItem(RE_Syntax_Kind::reference, at);
+    RE_Syntax& item = tree[tree[frame().branch].lastChild];
+    item.number = number;
+    item.payload = name;
+    references.push_back({name, number, item.position});
+}
+
+// Gathers the slots whose text a reference or a condition may read, ascending and each once: the memo has
+// to tell states apart by these texts. Too many cost time, one too few costs answers.
+//
+// * A name may be used before its group is read, so names are looked up here, at the end. All groups of a
+//   name count.
+// * A sub-pattern makes no tokens and refers to those of the pattern around it, where an unknown name may
+//   well exist.
+// * What the host or a dynamic text will read is not known before the search: then every token counts.
+void RE_Grammar::resolveReferences() {
+    auto& referenced = context.facts->referencedTokens;
+    for (const Reference& reference : references) {
+        if (reference.name == RE_Syntax::none) {
+            if (reference.number < tree.groupCount) {
+                referenced.push_back(withinSize(reference.number));
+            }
+            continue;
+        }
+        const auto [first, last] = context.tokenNames.equal_range(tree.names[reference.name]);
+        if (first == last && makesTokens) {
+            warnAt(reference.position, RE_WARNING_UNDEFINED_NAME);
+        }
+        for (auto token = first; token != last; ++token) {
+            referenced.push_back(token->second);
+        }
+    }
+    for (std::size_t token = 0; token < tree.groupCount && context.facts->hasDynamicNodes; ++token) {
+        referenced.push_back(token);
+    }
+    std::erase_if(referenced, [this](std::size_t token) { return token >= tree.groupCount; });
+    std::sort(referenced.begin(), referenced.end());
+    referenced.erase(std::unique(referenced.begin(), referenced.end()), referenced.end());
 }

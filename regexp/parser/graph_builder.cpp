@@ -1,18 +1,22 @@
+// Building sequences, groups, alternations, captures and atoms. Closed bodies and repetitions have files of
+// their own.
 #include "regexp/parser/graph_builder.h"
 
 #include "regexp/nodes/anchors.h"
 #include "regexp/nodes/dynamic.h"
 #include "regexp/nodes/string.h"
-#include "regexp/parser/unit_nodes.h"
+#include "regexp/parser/unit_tests.h"
 #include "regexp/base/within_size.h"
 
 #include <algorithm>
 
 RE_Node* RE_Graph_Builder::build(RE_Node* continuation) {
+    // A root that does nothing: every node, the first included, is stored through a link of another one.
     RE_Node* const root = context.make<RE_Null>();
     tail = &root->nextNode;
     emit(RE_Syntax_Tree::root);
     while (!work.empty()) {
+        // Copied, as the step may queue others and move the stack.
         RE_Build_Step step = work.back();
         work.pop_back();
         step();
@@ -28,13 +32,14 @@ void RE_Graph_Builder::append(RE_Node* node) {
     appended = node;
 }
 
+// The facts keep scopes in a list, so that the links between them stay valid.
 const RE_Memo_Scope* RE_Graph_Builder::innerScope(RE_Memo_Scope::Kind kind, const RE_Node* counter,
                                                   std::size_t index) {
     context.facts->memoScopes.push_back({scope, kind, counter, index});
     return &context.facts->memoScopes.back();
 }
 
-// Atoms are made at once; what holds other items waits its turn, so that nesting costs no native stack.
+// Atoms are made at once; what holds other items waits for its turn, so that nesting costs no native stack.
 void RE_Graph_Builder::emit(std::uint32_t index) {
     if (tree.isLeaf(index)) {
         emitNow(index);
@@ -89,6 +94,8 @@ void RE_Graph_Builder::emitNow(std::uint32_t index) {
     }
 }
 
+// Leaves are made in this loop; the first item that holds others interrupts it, and the rest continues as a
+// step of its own. So a sequence of thousands of items leaves one waiting step, not thousands.
 void RE_Graph_Builder::emitSequence(std::uint32_t child) {
     while (child != RE_Syntax::none && tree.isLeaf(child)) {
         emitNow(child);
@@ -104,6 +111,7 @@ void RE_Graph_Builder::emitSequence(std::uint32_t child) {
     emit(child);
 }
 
+// Any item whose children are branches. Several branches meet again at a node that does nothing.
 void RE_Graph_Builder::emitGroup(std::uint32_t group) {
     const RE_Syntax& item = tree[group];
     if (item.firstChild == item.lastChild) {
@@ -114,8 +122,12 @@ void RE_Graph_Builder::emitGroup(std::uint32_t group) {
 }
 
 // Branches from `branch` on, all of which end at `join`. Neighbouring branches of one unit each become one
-// fail chain. Only the first split of an alternation is told to the memo: the others are reached through it
-// alone.
+// fail chain: a test that fails leads to the next one at the same position. No choice is left: all lead to
+// the same place and record nothing, so of several that match the others would fail where the first has
+// failed.
+//
+// Only the first split of an alternation takes part in the memo (`chained` is for the others): they are
+// reached through it alone, so they have nothing to add.
 void RE_Graph_Builder::emitBranches(std::uint32_t branch, RE_Node* join, bool chained) {
     std::uint32_t rest = tree[branch].nextSibling;
     const bool unitRun = rest != RE_Syntax::none && tree.soleUnit(branch) != RE_Syntax::none &&
@@ -145,8 +157,8 @@ void RE_Graph_Builder::emitBranches(std::uint32_t branch, RE_Node* join, bool ch
     }
 }
 
-// The fail chain of the branches from `branch` on that consist of one unit; the last one's next link is the
-// tail.
+// The fail chain of the branches from `branch` on that consist of one unit each. Each leads to `join`; the
+// next link of the last one is left as the tail, for the waiting step to join.
 void RE_Graph_Builder::emitUnitRun(std::uint32_t branch, RE_Node* join) {
     RE_Node** link = tail;
     context.hasUnitRuns = true;
@@ -160,6 +172,8 @@ void RE_Graph_Builder::emitUnitRun(std::uint32_t branch, RE_Node* join) {
     }
 }
 
+// Units that cannot be part of a joined string become nodes of their own: all of them where case does not
+// count.
 void RE_Graph_Builder::emitText(const RE_Syntax& item) {
     const char16_t* const units = tree.units.data() + item.payload;
     const bool exact = (item.flags & RE_FLAG_IGNORE_CASE) == 0;
@@ -169,8 +183,10 @@ void RE_Graph_Builder::emitText(const RE_Syntax& item) {
     }
 }
 
-// The string that the pass for linear subpatterns would make of the units, made at once. Returns how many of them it
-// holds: a unit of zero stays a node of its own, and literals that began before are left to the pass.
+// Makes the string that the pass for linear subpatterns would make of the units, at once, and returns how
+// many of them it holds. A unit of zero stays a node of its own. A string that precedes directly is
+// extended. A single literal that precedes directly would be part of the pass's string, so then nothing is
+// joined here and all is left to the pass.
 std::size_t RE_Graph_Builder::emitJoined(const char16_t* units, std::size_t count) {
     count = static_cast<std::size_t>(std::find(units, units + count, u'\0') - units);
     RE_Node* const before = appended != nullptr && tail == &appended->nextNode ? appended : nullptr;
@@ -183,11 +199,15 @@ std::size_t RE_Graph_Builder::emitJoined(const char16_t* units, std::size_t coun
         append(string);
         --context.nodeCount;
     }
-    context.nodeCount += count;  // the numbers that the units would have got
+    // The numbers that nodes for the units would have got are left out, so that nodes are numbered alike
+    // whether strings are made here or by the pass.
+    context.nodeCount += count;
     string->append(units, count);
     return count;
 }
 
+// Where a reference may read the token, the future within the group depends on where the token began: the
+// end will record it. So the scope gets a link for that, inside of the group only.
 void RE_Graph_Builder::emitCapture(std::uint32_t index) {
     const RE_Syntax& item = tree[index];
     auto* const start = context.make<RE_Start_Token>(withinSize(item.number), nameOf(item));
@@ -206,6 +226,7 @@ void RE_Graph_Builder::emitCapture(std::uint32_t index) {
     emitGroup(index);
 }
 
+// Of a capture, a reference or a condition; empty when it goes by number.
 const std::u16string& RE_Graph_Builder::nameOf(const RE_Syntax& item) const {
     static const std::u16string unnamed;
     return item.payload == RE_Syntax::none ? unnamed : tree.names[item.payload];
@@ -216,6 +237,7 @@ void RE_Graph_Builder::emitReference(const RE_Syntax& item) {
     append(context.make<RE_Match_Token>(withinSize(item.number), nameOf(item), ignoreCase));
 }
 
+// The evaluator is shared: copies of a loop's body make several nodes of one item.
 RE_Node* RE_Graph_Builder::makeDynamicNode(const RE_Syntax& item) {
     const RE_Syntax_Dynamic& dynamic = tree.dynamics[item.payload];
     if (const auto* script = std::get_if<std::shared_ptr<const RE_Script_Evaluator>>(&dynamic)) {

@@ -1,3 +1,5 @@
+// Lengths, sizes and nesting of items, bottom-up over the list of closed items. All sums and products
+// saturate: bounds like {1000000} nest, and a wrapped length would let a search skip matches.
 #include "regexp/parser/measure.h"
 
 #include "regexp/parser/empty_passes.h"
@@ -6,10 +8,18 @@
 
 namespace {
 
+// Each nested guard is a part of the state by which the memo tells its entries apart. Fits the eight bits
+// of `guards`, with room for the one that is found to be too many.
 constexpr std::uint8_t maximumGuards = 250;
+// As deep as atomic groups and lookarounds may nest in the grammar: a possessive loop is a closed body as
+// well.
 constexpr std::uint16_t maximumClosed = 1000;
+// Whatever threshold the options give, so that nested bounds cannot multiply a pattern beyond this.
 constexpr std::uint64_t maximumUnrolledNodes = 65'536;
+// A loop over one unit becomes a run, which is measured in one visit. Copies are better only where their
+// number is exact, as they make no choice and can join the literals beside them, and small.
 constexpr std::uint64_t maximumUnitCopies = 16;
+// Above every limit that empty passes are compared with. Two of it still fit into 32 bits.
 constexpr std::uint32_t emptyPassCeiling = 1U << 24;
 
 std::uint64_t addSaturated(std::uint64_t a, std::uint64_t b) {
@@ -28,12 +38,13 @@ std::uint32_t asCount(std::uint64_t nodes) {
     return static_cast<std::uint32_t>(std::min<std::uint64_t>(nodes, static_cast<std::uint32_t>(-1)));
 }
 
-/// Of the body, when the loop is unrolled. The last one of an endless loop is a loop itself.
+/// Copies of the body when the loop is unrolled. The last copy of an endless loop is a loop itself.
 std::uint64_t copiesOf(const RE_Repeat_Plan& plan) {
     return plan.maximum != RE_Syntax::noMaximum ? plan.maximum : plan.minimum;
 }
 
-/// Measures an item from its children: leaves now, the others are measured already.
+/// Measures an item from its children. Leaves are not in the list of closed items: they are measured when
+/// their parent is.
 class Measure {
 public:
     Measure(RE_Syntax_Tree& syntax, RE_ParserContext& parserContext, const char16_t* pattern)
@@ -99,7 +110,9 @@ private:
         }
     }
 
-    // Children of a sequence add up; of anything else they are alternatives.
+    // Children of a sequence add up; those of anything else are alternatives, each of which costs a split
+    // and a link more. Passes over the empty text add up in a sequence, too, but each child counts at least
+    // one, hence the minus one.
     void gather(std::uint32_t index) {
         RE_Syntax& it = tree[index];
         if (it.firstChild == RE_Syntax::none) {
@@ -130,6 +143,7 @@ private:
         it.nodes = asCount(nodes);
     }
 
+    // What holds for an item as soon as it holds for one of its parts.
     static void takeNesting(RE_Syntax& it, const RE_Syntax& part) {
         it.guards = std::max(it.guards, part.guards);
         it.closed = std::max(it.closed, part.closed);
@@ -139,6 +153,7 @@ private:
         it.written = addTokens(it.written, part.written);
     }
 
+    // An item with one child has its measures.
     static void takeOver(RE_Syntax& it, const RE_Syntax& part) {
         it.least = part.least;
         it.most = part.most;
@@ -154,8 +169,8 @@ private:
     }
 
     void closedBody(RE_Syntax& it) {
-        if (it.kind ==
-            RE_Syntax_Kind::look) {  // the body's own lengths bound a look-behind, not what is consumed
+        // A look consumes nothing itself; the lengths of its body bound where a look-behind may start.
+        if (it.kind == RE_Syntax_Kind::look) {
             it.minimum = it.least;
             it.maximum = it.most;
             it.least = it.most = 0;
@@ -165,10 +180,13 @@ private:
     }
 
     void conditional(RE_Syntax& it) {
-        if (it.firstChild == it.lastChild) {  // without a second branch the first one may be passed over
+        // Without a second branch the conditional may match nothing at all.
+        if (it.firstChild == it.lastChild) {
             it.least = 0;
         }
         it.nodes = asCount(it.nodes + std::uint64_t{4});
+        // A condition consumes nothing, so only its nesting counts. A token as condition is a read of that
+        // token.
         if (it.condition != RE_Syntax::none) {
             RE_Syntax& condition = tree[it.condition];
             leaf(condition);
@@ -179,6 +197,9 @@ private:
         }
     }
 
+    // Trap: the plan reads the measures of the body, which `gather` has copied into the repeat itself;
+    // nothing here may change the body. 8 nodes are an allowance for what a loop takes besides its bodies:
+    // `nodes` decides about unrolling only, so an estimate will do.
     void repeat(std::uint32_t index) {
         RE_Syntax& it = tree[index];
         const RE_Repeat_Plan plan = planRepeat(tree, index, context.options().inlineThreshold());
@@ -198,6 +219,8 @@ private:
         it.allPasses = std::min(empty.all, emptyPassCeiling);
     }
 
+    // The item keeps its place among its siblings and compiles to nothing. All its measures are those of an
+    // empty item.
     void drop(RE_Syntax& it) {
         context.warn(text + it.position, RE_WARNING_TOO_DEEP);
         RE_Syntax dropped{};
@@ -221,9 +244,11 @@ void measureSyntax(RE_Syntax_Tree& tree, RE_ParserContext& context, const char16
     }
 }
 
-// A body without width is repeated once at most: more passes could only be empty. One that records tokens may
-// refer to what its earlier pass recorded, and one that calls the host has effects, so their required passes
-// are made.
+// A body without width is repeated once at most: more passes could only be empty. One that records tokens
+// may refer to what its earlier pass recorded, and one that calls the host has effects, so their required
+// passes are all made.
+//
+// A guarded loop is never unrolled: its passes share one register and are judged at its one end.
 RE_Repeat_Plan planRepeat(const RE_Syntax_Tree& tree, std::uint32_t index, std::size_t inlineThreshold) {
     const RE_Syntax& it = tree[index];
     const RE_Syntax& body = tree[it.firstChild];

@@ -1,3 +1,4 @@
+// Reading names and skipping spacing.
 #include "regexp/parser/names.h"
 
 #include "regexp/parser/escapes.h"
@@ -11,6 +12,8 @@ std::size_t skipFreeSpacing(const char16_t* text, std::size_t length, std::size_
                 ++at;
             }
         }
+        // A comment that the text ends in leaves nothing to step over; otherwise this is a blank, or the
+        // line feed of a comment.
         at += at < length ? 1 : 0;
     }
     return at;
@@ -23,6 +26,7 @@ std::size_t skipNameUnits(const char16_t* text, std::size_t length, std::size_t 
     return at;
 }
 
+// Fails without a partial result: the caller then reads the whole construct in another way.
 RE_Name readName(const char16_t* text, std::size_t length, std::size_t at, RE_Flags flags) {
     const std::size_t start = skipSpacing(text, length, at, flags);
     if (start >= length || !isAsciiLetter(text[start])) {

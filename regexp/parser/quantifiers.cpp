@@ -1,4 +1,8 @@
 // Quantifiers: what they say and what they repeat.
+//
+// A quantifier repeats the last item of the branch: one unit, one group, or a repetition that is there
+// already. What cannot be a quantifier is literal text. Whether a repetition becomes copies, a counter or a
+// run is decided later, in measure.h.
 #include "regexp/parser/escapes.h"
 #include "regexp/parser/grammar.h"
 #include "regexp/parser/names.h"
@@ -7,12 +11,14 @@
 
 namespace {
 
-// Far above any subject's length, and far below overflow.
+// Bounds stop growing here: far above the length of any subject, so that a greater one means the same, and
+// low enough that ten times it and nine more is no overflow.
 constexpr std::uint64_t saturatedBound = 1'000'000'000'000'000'000;
 
 }  // namespace
 
-// False when the unit at `at` is to be taken literally.
+// False when the unit at `at` is to be taken literally; then `at` has not moved. Braces are read to their
+// end even with nothing before them, so that a malformed one gets the warning about its form.
 bool RE_Grammar::readQuantifier() {
     const std::size_t start = at;
     std::uint64_t minimum = text[at] == u'+' ? 1 : 0;
@@ -31,8 +37,9 @@ bool RE_Grammar::readQuantifier() {
     return true;
 }
 
-// Reads {n}, {n,} or {n,m}; leaves `at` behind it, or where it was when it is none. Where its brace closes is
-// seen by reading, past comments under free spacing; one that is none is looked at again for what is wrong.
+// Reads {n}, {n,} or {n,m} and moves `at` past it; leaves `at` alone and warns when the braces are
+// malformed. Under free spacing blanks and comments may separate the parts. Only a malformed one looks for
+// its closing brace, to tell an unclosed brace from a closed one that says nothing sensible.
 bool RE_Grammar::readBraces(std::uint64_t& minimum, std::uint64_t& maximum) {
     const std::size_t end = std::min<std::size_t>(length, frame().close);
     std::size_t i = skipSpacing(text, end, at + 1, flags());
@@ -58,7 +65,7 @@ bool RE_Grammar::readBraces(std::uint64_t& minimum, std::uint64_t& maximum) {
     return true;
 }
 
-// Bounds saturate, so that reading stops before overflow.
+// Consumes all digits, however many, but the value saturates.
 std::uint64_t RE_Grammar::readNumber(std::size_t& position) const {
     std::uint64_t value = 0;
     while (position < length && isAsciiDigit(text[position])) {
@@ -68,6 +75,8 @@ std::uint64_t RE_Grammar::readNumber(std::size_t& position) const {
     return value;
 }
 
+// A `?` or `+` after the quantifier is part of it, unless a group closes there. Trap: a text has to lose
+// its last unit before the last item is looked up, as that unit alone is repeated.
 void RE_Grammar::repeatLast(std::size_t start, std::uint64_t minimum, std::uint64_t maximum) {
     RE_Qualifier how = RE_Qualifier::greedy;
     if (at < length && at != frame().close && (text[at] == u'?' || text[at] == u'+')) {
@@ -91,9 +100,12 @@ void RE_Grammar::repeatLast(std::size_t start, std::uint64_t minimum, std::uint6
     tree[item].qualifier = how;
 }
 
-// X** and the like repeat what is repeated already: any of ? * + on top of X* is X*, and X? under ? or * is X? or X*.
-// Kept from nesting, long chains of quantifiers cost nothing. X? under + is X* only when X consumes something: the pass
-// that is required counts also where X matches the empty text, and X* would refuse it.
+// Quantifiers on quantifiers fold where the result is the same: any of ? * + on top of X* is X*, and X?
+// under ? or * is X? or X*. So long chains of quantifiers neither nest nor grow. All of them have to be
+// greedy: `a*?*` tries its lengths in an order that no single loop has.
+//
+// X? under + is X* only when X consumes something. The required pass counts even where X matches the empty
+// text, with what it records; X* would refuse that pass.
 bool RE_Grammar::foldsIntoInner(RE_Syntax& inner, std::uint64_t minimum, std::uint64_t maximum,
                                 RE_Qualifier how) const {
     const bool outerSimple = minimum <= 1 && (maximum == RE_Syntax::noMaximum || maximum == 1);

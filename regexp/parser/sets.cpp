@@ -1,4 +1,6 @@
-// Bracket expressions. A set, negated or not, is one exact test of a unit: fold, then negate.
+// Bracket expressions. A set, negated or not, is one exact test of a unit: members are folded first, where
+// case does not count, and the union is negated after that. So `[^a]` ignoring case matches neither `a` nor
+// `A`.
 #include "regexp/nodes/label_text.h"
 #include "regexp/parser/escapes.h"
 #include "regexp/parser/grammar.h"
@@ -8,14 +10,16 @@
 
 namespace {
 
-/// One member of a set as written.
+/// One member of a set as written. `nothing` is an escape that no single unit can match; it is skipped,
+/// with a warning.
 struct Member {
     enum class Kind { unit, escapedClass, nothing } kind;
     char16_t unit;  ///< the unit, or the letter of the class
     std::size_t end;
 };
 
-/// Collects the members of a set.
+/// Collects the members of the set that closes at `closing`. Reading stops there in any case, as the end
+/// was found by the same rules: a backslash makes the next unit inert.
 class Set_Reader {
 public:
     Set_Reader(RE_ParserContext& parserContext, const char16_t* pattern, std::size_t closing)
@@ -25,7 +29,8 @@ public:
         for (bool first = true; at < close; first = false) {
             const Member low = readMember(at);
             const bool range = low.kind == Member::Kind::unit && low.end + 1 < close && text[low.end] == u'-';
-            // A hyphen at either end, and one beside a class, stands for itself.
+            // A hyphen at either end, and one beside a class, is a member. `high` is a copy of `low` where
+            // no range can be.
             const Member high = range && !(text[at] == u'-' && first) ? peekHigh(low.end + 1) : low;
             if (range && high.end != low.end && high.kind == Member::Kind::unit) {
                 at = addRange(low, readMember(low.end + 1));
@@ -39,7 +44,8 @@ public:
     bool hasWarned = false;
 
 private:
-    /// Looks at the upper end of a range without reporting it yet.
+    /// Looks at the upper end of a range in advance. It may turn out to be a class, and then no range: what
+    /// is wrong with it must be reported once, when it is read for good.
     Member peekHigh(std::size_t at) {
         reporting = false;
         const Member member = readMember(at);
@@ -47,6 +53,8 @@ private:
         return member;
     }
 
+    // A character beyond U+FFFF is two units, and a set tests one: reported like an escape without a
+    // meaning.
     Member readMember(std::size_t at) {
         if (text[at] != u'\\') {
             return {Member::Kind::unit, text[at], at + 1};
@@ -69,7 +77,7 @@ private:
     std::size_t addRange(const Member& low, const Member& high) {
         tests.addRange(low.unit, high.unit, context.flags);
         std::size_t end = high.end;
-        if (end + 1 < close && text[end] == u'-') {  // a hyphen after a range stands for itself
+        if (end + 1 < close && text[end] == u'-') {  // a hyphen after a range is a member
             tests.addRange(u'-', u'-', context.flags);
             ++end;
         }
@@ -80,7 +88,7 @@ private:
         std::size_t end = member.end;
         if (member.kind == Member::Kind::escapedClass) {
             tests.addClass(member.unit);
-            if (end + 1 < close && text[end] == u'-') {  // so does one beside a class
+            if (end + 1 < close && text[end] == u'-') {  // so is one beside a class
                 tests.addRange(u'-', u'-', context.flags);
                 ++end;
             }
@@ -98,6 +106,11 @@ private:
 
 }  // namespace
 
+// The same source under the same case mode is the same set, so it is read once. One that raised a warning
+// is read again: each occurrence has its own place to report.
+//
+// A set of one member becomes that literal, range or class, whose nodes passes know better than a table.
+// With `^` it stays a set.
 void RE_Grammar::readSet() {
     const std::uint32_t close = brackets.closing(at);
     if (close == RE_Brackets::none) {

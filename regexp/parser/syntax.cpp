@@ -1,7 +1,12 @@
+// Growing and reshaping the syntax tree while the grammar reads.
+//
+// Every function here takes constant time, or time in the units added: the grammar calls them for each unit
+// of a pattern.
 #include "regexp/parser/syntax.h"
 
 #include "regexp/base/within_size.h"
 
+// Only the fields that every kind has are set; the others keep their defaults until the caller sets them.
 std::uint32_t RE_Syntax_Tree::add(RE_Syntax_Kind kind, std::uint32_t position, RE_Flags flags) {
     RE_Syntax& item = items.emplace_back();
     item.kind = kind;
@@ -22,6 +27,9 @@ void RE_Syntax_Tree::append(std::uint32_t parent, std::uint32_t child) {
 
 bool RE_Syntax_Tree::extendText(std::uint32_t parent, const char16_t* added, std::size_t count,
                                 RE_Flags flags) {
+    // The units of a text must be contiguous in `units`. They are as long as nobody else has added any
+    // since, which the second condition below checks; a text that was interrupted stays as it is and the
+    // caller starts another one.
     const std::uint32_t last = items[parent].lastChild;
     if (last == RE_Syntax::none || items[last].flags != flags) {
         return false;
@@ -40,6 +48,8 @@ bool RE_Syntax_Tree::extendText(std::uint32_t parent, const char16_t* added, std
     return true;
 }
 
+// A text of two units leaves two literals, as a text has at least two. The detached item takes the position
+// of the text. The unit stays in `units`, unused, so that this text can no longer be extended.
 void RE_Syntax_Tree::detachLastUnit(std::uint32_t parent) {
     RE_Syntax& item = items[items[parent].lastChild];
     --item.number;
@@ -56,9 +66,13 @@ void RE_Syntax_Tree::detachLastUnit(std::uint32_t parent) {
 }
 
 void RE_Syntax_Tree::wrap(std::uint32_t index, RE_Syntax_Kind kind, std::uint32_t position) {
+    // The copy precedes the growth: `push_back` of an element of the same list is safe, a reference held
+    // across it is not.
     items.push_back(items[index]);
     const auto moved = static_cast<std::uint32_t>(items.size() - 1);
     items[moved].nextSibling = RE_Syntax::none;
+    // A quantifier follows its operand directly, so an operand that holds items is the last one that was
+    // completed. Its entry follows it to the new index; the wrapper completes after it.
     if (!complete.empty() && complete.back() == index) {
         complete.back() = moved;
     }
@@ -73,6 +87,7 @@ void RE_Syntax_Tree::wrap(std::uint32_t index, RE_Syntax_Kind kind, std::uint32_
     items[index] = outer;
 }
 
+// Such branches, side by side, become a chain of tests by fail targets, without a choice.
 std::uint32_t RE_Syntax_Tree::soleUnit(std::uint32_t branch) const {
     const std::uint32_t only = items[branch].firstChild;
     const bool sole = only != RE_Syntax::none && only == items[branch].lastChild && consumesOneUnit(only);

@@ -1,3 +1,4 @@
+// Case rules, named classes, and the nodes of single-unit atoms.
 #include "regexp/parser/unit_tests.h"
 
 #include "host/unit_class.h"
@@ -6,6 +7,7 @@
 
 namespace {
 
+// Bounds are wider than a unit, so that the loop ends at U+FFFF.
 template <class Predicate>
 bool allOf(std::uint32_t low, std::uint32_t high, Predicate predicate) {
     for (std::uint32_t unit = low; unit <= high; ++unit) {
@@ -16,6 +18,8 @@ bool allOf(std::uint32_t low, std::uint32_t high, Predicate predicate) {
     return true;
 }
 
+// A function for each class: nodes hold a plain pointer to their test. The tables are filled on the first
+// call.
 template <RE_Unit_Set RE_Unit_Classes::*units>
 bool isIn(char16_t unit) {
     return (RE_Unit_Classes::get().*units).contains(unit);
@@ -74,6 +78,7 @@ RE_Range_Plan planRange(char16_t low, char16_t high, RE_Flags flags) {
     return {low, high, cvu_islower(low) && allOf(low, high, cvu_islower) ? RE_Range_Test::lower : RE_Range_Test::both};
 }
 
+// Bounds are noted as written: the atom that may be made of them maps them itself.
 void RE_Unit_Test_Set::note(const Member& member) {
     if (count++ == 0) {
         first = member;
@@ -87,10 +92,59 @@ void RE_Unit_Test_Set::addRange(char16_t low, char16_t high, RE_Flags flags) {
         units.addRange(plan.low, plan.high);
         return;
     }
+    // The set gets the units that the node for the same range would match, one by one.
     RE_Case_Table::get().addFolding(units.table(), plan.low, plan.high, plan.test == RE_Range_Test::both);
 }
 
 void RE_Unit_Test_Set::addClass(char16_t letter) {
     note({true, letter, letter});
     units.addAll(*namedClass(letter).units);
+}
+
+// A unit without case stays exact, so that literals without letters can be joined and sought as they are.
+RE_Consumable* makeLiteral(RE_ParserContext& context, char16_t unit, RE_Flags flags) {
+    if ((flags & RE_FLAG_IGNORE_CASE) != 0 && RE_Case_Table::get().hasCase(unit)) {
+        return context.make<RE_Natural_I>(unit);
+    }
+    return context.make<RE_Natural>(unit);
+}
+
+RE_Consumable* makeRange(RE_ParserContext& context, char16_t low, char16_t high, RE_Flags flags) {
+    if (low == high) {
+        return makeLiteral(context, low, flags);
+    }
+    const RE_Range_Plan plan = planRange(low, high, flags);
+    switch (plan.test) {
+        case RE_Range_Test::lower:
+            return context.make<RE_Range_I>(plan.low, plan.high);
+        case RE_Range_Test::both:
+            return context.make<RE_Range_I2>(plan.low, plan.high);
+        default:
+            return context.make<RE_Range>(plan.low, plan.high);
+    }
+}
+
+RE_Consumable* makeUnitNode(RE_ParserContext& context, const RE_Syntax_Tree& tree, std::uint32_t index) {
+    const RE_Syntax& item = tree[index];
+    switch (item.kind) {
+        case RE_Syntax_Kind::literal:
+            return makeLiteral(context, item.low, item.flags);
+        case RE_Syntax_Kind::range:
+            return makeRange(context, item.low, item.high, item.flags);
+        case RE_Syntax_Kind::escaped: {
+            const RE_Named_Class named = namedClass(item.low);
+            return context.make<RE_Escaped_Set>(item.low, named.test, *named.units);
+        }
+        case RE_Syntax_Kind::set: {
+            const RE_Syntax_Set& set = tree.sets[item.payload];
+            return context.make<RE_Unit_Class>(set.units, set.text);
+        }
+        default:
+            break;
+    }
+    // What is left is the dot.
+    if ((item.flags & RE_FLAG_DOT_ALL) != 0) {
+        return context.make<RE_Dot_All>();
+    }
+    return context.make<RE_Dot_Line>();
 }

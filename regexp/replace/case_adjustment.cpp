@@ -1,14 +1,17 @@
+// Surveying the case of a text, and giving it to another.
 #include "regexp/replace/case_adjustment.h"
 
 #include "host/unit_class.h"
 
 namespace {
 
+// The underscore, which joins words elsewhere, separates them here: names like `first_name` have words.
 bool separatesWords(char16_t unit) {
     return unit == u'_' || cvu_isspace(unit);
 }
 
-// What is known of a text after some of its units.
+// What is known of a text after some of its units. All forms are tracked at once, as a form may fail at the
+// last unit.
 class Case_Survey {
 public:
     void add(char16_t unit) {
@@ -16,6 +19,7 @@ public:
             endWord();
         } else if (cvu_isupper(unit)) {
             anyUpper = true;
+            // Only as the first cased letter of a word; a capital later in a word fits no form but upper.
             wordCapitalised = !inWord;
             wordLower = false;
             inWord = true;
@@ -26,6 +30,7 @@ public:
         }
     }
 
+    // Closes the last word, so it is called once. The order of the checks is that of the forms.
     RE_Case_Form form() {
         endWord();
         if (!anyUpper) {
@@ -41,6 +46,7 @@ public:
     }
 
 private:
+    // Words without cased letters are skipped: `inWord` is set by a cased letter only.
     void endWord() {
         if (!inWord) {
             return;
@@ -65,9 +71,11 @@ private:
     std::size_t words = 0;
     bool allCapitalised = true;
     bool firstCapitalised = false;
-    bool laterLower = true;
+    bool laterLower = true;  ///< every word but the first is in lower case
 };
 
+// Raises the first unit of each word, up to `most` words. Here a word begins with any unit that separates
+// nothing: a digit at its front has no upper-case form and uses up the turn.
 void capitaliseWords(char16_t* text, std::size_t length, std::size_t most) {
     bool wordStarts = true;
     for (std::size_t i = 0; i < length && most > 0; ++i) {
@@ -94,6 +102,7 @@ void applyCaseForm(char16_t* text, std::size_t length, RE_Case_Form form) {
     if (form == RE_Case_Form::irregular) {
         return;
     }
+    // Lower case first: the replacement may have capitals of its own.
     for (std::size_t i = 0; i < length; ++i) {
         text[i] = form == RE_Case_Form::upper ? cvu_toupper(text[i]) : cvu_tolower(text[i]);
     }

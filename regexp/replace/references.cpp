@@ -1,28 +1,67 @@
 // References to tokens and to the text around and in the match.
+//
+// A reference never fails: where a match has no such text, the reference is written as it is in the
+// replacement, or is empty. All pieces are read from the subject, so this needs results whose subject is
+// still there.
 #include "regexp/builder/builder.h"
 #include "regexp/eval/context.h"
 #include "regexp/eval/evaluation_io.h"
 #include "regexp/eval/evaluation_tokens.h"
 #include "regexp/nodes/label_text.h"
-#include "regexp/replace/match_text.h"
-#include "regexp/replace/piece_writer.h"
+#include "regexp/base/insert_text.h"
 #include "regexp/replace/replace_nodes.h"
+#include "regexp/state/results.h"
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
+#include <string_view>
 
 namespace {
+
+std::size_t subjectLength(const RE_Results& results) {
+    return static_cast<std::size_t>(results.subjectEnd - results.subjectBegin);
+}
+
+// Empty where the part is not within the subject: results of narrow text keep none. Checked without a sum
+// that could wrap.
+std::u16string_view subjectPart(const RE_Results& results, std::size_t start, std::size_t length) {
+    const std::size_t whole = subjectLength(results);
+    const bool inside = start <= whole && length <= whole - start;
+    return inside ? std::u16string_view(results.subjectBegin + start, length) : std::u16string_view();
+}
+
+std::u16string_view textBefore(const RE_Results& results) {
+    return subjectPart(results, 0, results.matchStart);
+}
+
+std::u16string_view matchedText(const RE_Results& results) {
+    return subjectPart(results, results.matchStart, results.matchLength);
+}
+
+std::u16string_view textAfter(const RE_Results& results) {
+    const std::size_t end = results.matchStart + results.matchLength;
+    const std::size_t whole = subjectLength(results);
+    return end <= whole ? subjectPart(results, end, whole - end) : std::u16string_view();
+}
+
+// Tokens are null when there was no memory for them.
+std::size_t tokensInEffect(const RE_Results& results) {
+    return results.tokens != nullptr ? results.tokens->count : 0;
+}
 
 std::u16string decimal(std::size_t number) {
     const std::string digits = std::to_string(number);
     return {digits.begin(), digits.end()};
 }
 
+// A reference by name as a replacement writes it.
 std::u16string bracketed(std::u16string_view name) {
     return u"$<" + std::u16string(name) + u">";
 }
 
-// The variable stands for this text; it is no pattern and nothing in it is quoted.
+// The builder carries the reference as text, for hosts that name or show the variable by it. It is no
+// pattern, and nothing in it is quoted.
 RE_Evaluation_IO* makeVariable(RE_Context* context, const std::string& stem, const std::u16string& text) {
     return context->create_unique_var(stem.c_str(), RE_Builder_Space::RE_Builder(text));
 }
@@ -41,7 +80,9 @@ RE_Replace_Token::RE_Replace_Token(RE_Replace_Node* previous, std::size_t tokenN
     attach(previous);
 }
 
-// A number beyond the tokens in effect loses its last digits until it names one: they are text of their own.
+// A number beyond the tokens in effect loses its last digits until it names one: they are text of their
+// own. They are inserted one by one at the same place, in front of those that came before, which restores
+// their order. A number has at most twenty digits. Where no digit is left, the `$` is text as well.
 char16_t* RE_Replace_Token::build_piece(char16_t* buffer, std::size_t* length, std::size_t* capacity,
                                         RE_Results* results) const {
     RE_Piece_Writer writer(buffer, length, capacity);
@@ -68,6 +109,7 @@ RE_Replace_Evalable* RE_Replace_Token::copy() const {
     return new RE_Replace_Token(nullptr, token);
 }
 
+// Nodes are compared by class first, as references of different kinds may have equal payloads.
 bool RE_Replace_Token::is_same(const RE_Replace_Evalable* other) const {
     const auto* const same = dynamic_cast<const RE_Replace_Token*>(other);
     return same != nullptr && same->token == token;
@@ -77,6 +119,8 @@ RE_Evaluation_IO* RE_Replace_Token::create_variable(RE_Context* context) const {
     return makeVariable(context, "token_" + std::to_string(token), u"$" + decimal(token));
 }
 
+// The name is terminated because tokens are found by a terminated name. It is attached last: the allocation
+// may throw.
 RE_Replace_Named_Token::RE_Replace_Named_Token(RE_Replace_Node* previous, std::u16string_view tokenName)
     : nameLength(tokenName.size()),
       name(static_cast<char16_t*>(utMallocWithCheck((tokenName.size() + 1) * sizeof(char16_t)))) {
@@ -96,6 +140,7 @@ char16_t* RE_Replace_Named_Token::build_piece(char16_t* buffer, std::size_t* len
     if (info != nullptr) {
         writer.append(subjectPart(*results, info->start, info->length));
     } else {
+        // No group of this name: the reference stays as it was written.
         writer.append(u"$<");
         writer.append({name, nameLength});
         writer.append(u">");
@@ -117,7 +162,7 @@ bool RE_Replace_Named_Token::is_same(const RE_Replace_Evalable* other) const {
            std::u16string_view(same->name, same->nameLength) == std::u16string_view(name, nameLength);
 }
 
-// Names are ASCII.
+// Names are ASCII, as the reader accepts no others, so narrowing loses nothing.
 RE_Evaluation_IO* RE_Replace_Named_Token::create_variable(RE_Context* context) const {
     std::string stem(nameLength, '\0');
     std::transform(name, name + nameLength, stem.begin(),
@@ -127,13 +172,14 @@ RE_Evaluation_IO* RE_Replace_Named_Token::create_variable(RE_Context* context) c
 
 namespace {
 
+/// What there is to say of a kind of special reference.
 struct Special {
     char16_t sign;
     const char* variable;
     const char* label;
 };
 
-// By kind.
+// By kind: the order is that of `RE_Replace_Special::Kind`.
 constexpr std::array<Special, 4> specials = {{
     {u'`', "former", "Text before the match"},
     {u'0', "matched", "The match"},

@@ -1,13 +1,19 @@
-// Compiling a replacement, and the uses of the compiled chain but for replacing text.
+// Compiling a replacement, and the uses of the compiled chain.
+//
+// Of the overloads of `replace` one does the work, by an `RE_Replacement_Run`; the others convert its
+// texts. Buffers of the caller are written or freed only when nothing can fail any more.
 #include "regexp/replace/replace.h"
 
 #include "host/code_page.h"
+#include "host/interrupt.h"
 #include "regexp/eval/evaluation_io.h"
 #include "regexp/eval/evaluation_tokens.h"
 #include "regexp/nodes/label_text.h"
 #include "regexp/parser/parser_context.h"
+#include "regexp/base/insert_text.h"
 #include "regexp/replace/replace_nodes.h"
 #include "regexp/replace/replacement_reader.h"
+#include "regexp/replace/replacement_run.h"
 
 #include <memory>
 #include <utility>
@@ -20,7 +26,8 @@ RE_Replace::RE_Replace(const char16_t* text, std::size_t length) {
 
 RE_Replace::RE_Replace(const char* text) {
     std::size_t length = 0;
-    const RE_Host_Block<char16_t> converted(lcp_to_utf16(text, &length));  // null is empty there too
+    // The conversion takes null for an empty text, too.
+    const RE_Host_Block<char16_t> converted(lcp_to_utf16(text, &length));
     parse(converted.get(), length);
 }
 
@@ -29,6 +36,7 @@ RE_Replace::RE_Replace(const char16_t* text, std::size_t length, RE_Flags flags,
     if (context != nullptr) {
         parse(text, length, flags, context);
     } else {
+        // It may go before the replacement: only expressions keep a context, and this one allows none.
         RE_Context fallback;
         parse(text, length, flags, &fallback);
     }
@@ -44,6 +52,8 @@ RE_Replace::RE_Replace(RE_Replace&& other) noexcept
       referenceCount(std::exchange(other.referenceCount, 0)),
       interruptible(other.interruptible) {}
 
+// Moves through a temporary, so that assigning an object to itself keeps its chain; the temporary frees the
+// old one.
 RE_Replace& RE_Replace::operator=(RE_Replace&& other) noexcept {
     RE_Replace taken(std::move(other));
     std::swap(first, taken.first);
@@ -73,7 +83,7 @@ void RE_Replace::parse(RE_ParserContext* parserContext, const char16_t* text, st
     referenceCount = reader.references();
 }
 
-// Only a replacement that was moved away has no chain.
+// Only a replacement that was moved from has no chain.
 char16_t* RE_Replace::build_replace(char16_t* buffer, std::size_t* length, std::size_t* capacity,
                                     RE_Results* results) const {
     return first != nullptr ? first->build_replace(buffer, length, capacity, results) : buffer;
@@ -81,7 +91,8 @@ char16_t* RE_Replace::build_replace(char16_t* buffer, std::size_t* length, std::
 
 namespace {
 
-/// A chain up to its first expression that yields nothing.
+/// Writes a chain up to its first expression that yields nothing. Used for one match and one thread, unlike
+/// the chain: it notes whether the text is complete.
 class Expansion : public RE_Replaceable {
 public:
     explicit Expansion(const RE_Replace_Node* head) : first(head) {}
@@ -89,6 +100,8 @@ public:
     char16_t* build_replace(char16_t* buffer, std::size_t* length, std::size_t* capacity,
                             RE_Results* results) const override {
         for (const RE_Replace_Node* node = first; node != nullptr && complete; node = node->next()) {
+            // Expressions are the only nodes that may have nothing to write. `build_value` leaves the
+            // interrupt flag alone.
             const auto* const expression = dynamic_cast<const RE_Replace_Evaluator*>(node);
             buffer = expression != nullptr
                          ? expression->build_value(buffer, length, capacity, results, &complete)
@@ -111,6 +124,7 @@ bool RE_Replace::expand(RE_Evaluation_IO* out, RE_Results* results) const {
     return expansion.isComplete();
 }
 
+// The number of references bounds that of distinct ones, which is the room that the list has.
 RE_Evaluation_Tokens* RE_Replace::create_tokens() const {
     auto tokens = std::make_unique<RE_Evaluation_Tokens>(referenceCount);
     for (const RE_Replace_Node* node = first; node != nullptr; node = node->next()) {
@@ -127,6 +141,7 @@ RE_Evaluation_IO* RE_Replace::build_fcn(const RE_Evaluation_Tokens* tokens) cons
     return text.release();
 }
 
+// Nodes are numbered from 1 along the chain; each is linked to the one before.
 std::string RE_Replace::graph() const {
     std::string out = "digraph regexprep {\n";
     std::size_t number = 0;
@@ -137,4 +152,106 @@ std::string RE_Replace::graph() const {
         }
     }
     return out + "}\n";
+}
+
+namespace {
+
+/// Sets aside a request to stop that was there before the work, and raises it again afterwards, exceptions
+/// included: it was meant for something else. A request that comes during the work stops it and stays
+/// raised.
+class Interrupt_Bracket {
+public:
+    explicit Interrupt_Bracket(bool interruptible)
+        : wasPending(interruptible && utInterruptState::IsInterruptPending()) {
+        if (wasPending) {
+            utInterruptState::SetInterruptPending(false);
+        }
+    }
+    ~Interrupt_Bracket() {
+        if (wasPending) {
+            utInterruptState::SetInterruptPending(true);
+        }
+    }
+    Interrupt_Bracket(const Interrupt_Bracket&) = delete;
+    Interrupt_Bracket& operator=(const Interrupt_Bracket&) = delete;
+
+private:
+    bool wasPending;
+};
+
+/// Text of the local code page as UTF-16. `length` is declared first, as the conversion writes it.
+struct Wide_Text {
+    Wide_Text(const char* text, std::size_t bytes) : units(lcp_to_utf16(text, bytes, &length)) {}
+    std::u16string_view view() const { return {units.get(), length}; }
+
+    std::size_t length = 0;
+    RE_Host_Block<char16_t> units;
+};
+
+}  // namespace
+
+std::u16string RE_Replace::replace(std::u16string_view subject, const RE_Tree& tree, bool adjustCase,
+                                   std::size_t which) const {
+    std::size_t matches = 0;
+    return replace(subject, tree, adjustCase, which, &matches);
+}
+
+std::u16string RE_Replace::replace(std::u16string_view subject, const RE_Tree& tree, bool adjustCase,
+                                   std::size_t which, std::size_t* matches) const {
+    const Interrupt_Bracket bracket(interruptible);
+    RE_Replacement_Run run(*this, tree, subject, {adjustCase, which, interruptible});
+    std::u16string result = run.run();
+    *matches = run.matchesMet();
+    return result;
+}
+
+std::u16string RE_Replace::replace(std::u16string_view subject, const RE_Tree& tree, bool adjustCase,
+                                   std::size_t which, const RE_Search_Limits& limits,
+                                   RE_Search_Report& report) const {
+    const Interrupt_Bracket bracket(interruptible);
+    RE_Replacement_Run work(*this, tree, subject, {adjustCase, which, interruptible, &limits});
+    std::u16string result = work.run();
+    report = work.report();
+    return result;
+}
+
+char16_t* RE_Replace::replace(char16_t* buffer, std::size_t* length, std::size_t* capacity,
+                              const RE_Tree* tree, bool adjustCase, std::size_t which) const {
+    // The result is complete before the buffer is touched; only growing it can fail, and that leaves it as
+    // it was.
+    const std::u16string result = replace(std::u16string_view(buffer, *length), *tree, adjustCase, which);
+    buffer = insertText(buffer, *length, 0, *length, result.data(), result.size(), capacity);
+    *length = result.size();
+    return buffer;
+}
+
+char* RE_Replace::replace(char* buffer, std::size_t* length, const RE_Tree* tree, bool adjustCase,
+                          std::size_t which) const {
+    const Wide_Text subject(buffer, *length);
+    const std::u16string result = replace(subject.view(), *tree, adjustCase, which);
+    char* const narrow = utf16_to_lcp_n(result.data(), result.size(), length);
+    utFree(buffer);
+    return narrow;
+}
+
+// A conversion there and back may change bytes that are no valid text in the code page, so a subject in
+// which nothing is replaced must not take that way. The price is that the search for the first match is
+// made twice.
+std::string RE_Replace::replace(const std::string& subject, const RE_Tree& tree, bool adjustCase,
+                                std::size_t which) const {
+    const Wide_Text wide(subject.data(), subject.size());
+    if (std::unique_ptr<RE_Results>(tree.match(wide.units.get(), wide.length, 0)) == nullptr) {
+        return subject;
+    }
+    const std::u16string result = replace(wide.view(), tree, adjustCase, which);
+    std::size_t length = 0;
+    const RE_Host_Block<char> narrow(utf16_to_lcp_n(result.data(), result.size(), &length));
+    return {narrow.get(), length};
+}
+
+char* RE_Replace::replace(char* buffer, std::size_t* length, const char* pattern, const char* replacement,
+                          bool ignoreCase, bool adjustCase) {
+    const RE_Tree tree(pattern, ignoreCase);
+    const RE_Replace compiled(replacement);
+    return compiled.replace(buffer, length, &tree, adjustCase, 0);
 }

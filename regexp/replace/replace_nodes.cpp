@@ -1,19 +1,21 @@
-// The chain, literal text and expressions. The references are in references.cpp.
+// The chain, literal text and expressions. The references to the match are in references.cpp.
 #include "regexp/replace/replace_nodes.h"
 
 #include "host/interrupt.h"
 #include "regexp/eval/evaluation_io.h"
 #include "regexp/eval/host_expressions.h"
 #include "regexp/nodes/label_text.h"
-#include "regexp/replace/piece_writer.h"
+#include "regexp/base/insert_text.h"
 
 namespace {
 
+// Units. Most literals between references are a few units long.
 constexpr std::size_t firstCapacity = 8;
 
 }  // namespace
 
 // Chains are as long as the replacement text allows, so they are neither walked nor deleted by recursion.
+// Each piece takes the buffer over and returns it: at an exception whichever piece is at work frees it.
 char16_t* RE_Replace_Node::build_replace(char16_t* buffer, std::size_t* length, std::size_t* capacity,
                                          RE_Results* results) const {
     for (const RE_Replace_Node* node = this; node != nullptr; node = node->following) {
@@ -23,6 +25,7 @@ char16_t* RE_Replace_Node::build_replace(char16_t* buffer, std::size_t* length, 
 }
 
 RE_Replace_Node::~RE_Replace_Node() {
+    // Each node is unlinked before it is deleted, so that its own destructor finds nothing to follow.
     while (RE_Replace_Node* const node = following) {
         following = std::exchange(node->following, nullptr);
         delete node;
@@ -35,6 +38,7 @@ void RE_Replace_Node::attach(RE_Replace_Node* previous) noexcept {
     }
 }
 
+// Only references are variables of an expression.
 void RE_Replace_Node::register_token(RE_Evaluation_Tokens*) const {}
 
 void RE_Replace_Node::append_fcn_text(RE_Evaluation_IO*, const RE_Evaluation_Tokens*) const {}
@@ -80,7 +84,8 @@ RE_Replace_Evaluator::RE_Replace_Evaluator(RE_Replace_Node* previous, RE_ParserC
 
 RE_Replace_Evaluator::~RE_Replace_Evaluator() = default;
 
-// Where the evaluation fails the replacement ends at its next look at the interrupt flag.
+// The interface has no way to say that there is no value, so the interrupt flag says it: the replacement
+// ends at its next look at the flag, which follows every match that it replaces.
 char16_t* RE_Replace_Evaluator::build_piece(char16_t* buffer, std::size_t* length, std::size_t* capacity,
                                             RE_Results* results) const {
     bool found = false;
@@ -93,6 +98,7 @@ char16_t* RE_Replace_Evaluator::build_piece(char16_t* buffer, std::size_t* lengt
 
 char16_t* RE_Replace_Evaluator::build_value(char16_t* buffer, std::size_t* length, std::size_t* capacity,
                                             RE_Results* results, bool* found) const {
+    // The writer comes first: the host may throw out of the evaluation, and the buffer is ours by now.
     RE_Piece_Writer writer(buffer, length, capacity);
     const std::unique_ptr<RE_Evaluation_IO> value = evaluate(*evaluator, results);
     *found = value != nullptr;

@@ -1,3 +1,5 @@
+// One loop over units: escapes, references and plain text. A new kind of reference is a case of
+// `readReference`.
 #include "regexp/replace/replacement_reader.h"
 
 #include "regexp/parser/escapes.h"
@@ -5,9 +7,11 @@
 #include <limits>
 
 std::unique_ptr<RE_Replace_Node> RE_Replacement_Reader::read() {
+    // The head owns the chain from the start, so an exception of the host leaks nothing.
     literal = new RE_Replace_String(nullptr);
     std::unique_ptr<RE_Replace_Node> head(literal);
     while (at < length) {
+        // A backslash or a `$` at the very end has nothing to combine with and is text.
         const bool more = at + 1 < length;
         if (more && text[at] == u'\\') {
             readEscapedUnit();
@@ -18,7 +22,7 @@ std::unique_ptr<RE_Replace_Node> RE_Replacement_Reader::read() {
     return head;
 }
 
-// Each of the readers leaves `at` alone unless there is a reference of its kind.
+// Decides by the unit after the `$`.
 bool RE_Replacement_Reader::readReference() {
     const char16_t sign = text[at + 1];
     switch (sign) {
@@ -50,7 +54,8 @@ bool RE_Replacement_Reader::readSpecial(char16_t sign) {
 }
 
 // Stops before the number would overflow; the digits left are text. Which of its leading digits name the
-// token is known only when a match is there, so the tokens of all of them count as referenced.
+// token is known only when there is a match, so the tokens of all prefixes of the number count as
+// referenced.
 bool RE_Replacement_Reader::readNumber() {
     constexpr std::size_t most = std::numeric_limits<std::size_t>::max();
     std::size_t number = 0;
@@ -69,8 +74,8 @@ bool RE_Replacement_Reader::readNumber() {
     return true;
 }
 
-// Blanks in the brackets (free spacing) are not counted when reading goes on: as many units of the
-// reference's end as there are blanks are read again as text.
+// Trap, and documented behaviour: spacing within the brackets (free spacing) is not counted when reading
+// continues, so as many units of the reference's end as there are spacing units are read again as text.
 bool RE_Replacement_Reader::readName() {
     const RE_Name name = names.read(at + 2);
     if (name.text.empty()) {
@@ -83,6 +88,8 @@ bool RE_Replacement_Reader::readName() {
     return true;
 }
 
+// The host is consulted only about an expression that is complete. Where expressions are not allowed,
+// warning 17 is followed by 21 for the `$`, which then is text.
 bool RE_Replacement_Reader::readExpression() {
     const std::size_t open = at + 1;
     const std::size_t close = braces.closing(open + 1);
@@ -98,6 +105,7 @@ bool RE_Replacement_Reader::readExpression() {
     return true;
 }
 
+// The escapes of patterns. A character beyond U+FFFF is written as two units.
 void RE_Replacement_Reader::readEscapedUnit() {
     const RE_Escape escape = readEscape(text, length, at);
     if (escape.problem != RE_WARNING_NONE) {
@@ -113,6 +121,7 @@ void RE_Replacement_Reader::readEscapedUnit() {
     at = escape.end;
 }
 
+// Takes one unit as text, whatever it is; the unit of a failed reference or escape with its warning.
 void RE_Replacement_Reader::readLiteral() {
     if (text[at] == u'$') {
         context.warn(text + at, RE_WARNING_BAD_REFERENCE);

@@ -1,3 +1,4 @@
+// The loop from match to match.
 #include "regexp/replace/replacement_run.h"
 
 #include "host/interrupt.h"
@@ -7,7 +8,9 @@
 
 namespace {
 
-// Without a match replaced the interrupt flag is looked at once for so many matches.
+// How often the interrupt flag is looked at while no match is replaced. The searches poll for themselves;
+// this is for very many short ones. A replaced match is always followed by a look, since an expression that
+// fails raises the flag.
 constexpr std::size_t matchesBetweenChecks = 2048;
 
 }  // namespace
@@ -15,6 +18,7 @@ constexpr std::size_t matchesBetweenChecks = 2048;
 RE_Replacement_Run::Piece::Piece()
     : units(static_cast<char16_t*>(utMallocWithCheck(capacity * sizeof(char16_t)))) {}
 
+// The pointer is forgotten before the call, which takes the buffer over.
 void RE_Replacement_Run::Piece::build(const RE_Replaceable& replaceable, RE_Results& match) {
     length = 0;
     units = replaceable.build_replace(std::exchange(units, nullptr), &length, &capacity, &match);
@@ -34,7 +38,8 @@ std::u16string RE_Replacement_Run::run() {
         if (match == nullptr) {
             break;
         }
-        // The empty match right behind a match says nothing new.
+        // An empty match right after a match is skipped: `x*` would otherwise insert once more after each
+        // `x`.
         const std::size_t end = match->matchStart + match->matchLength;
         if (previousEnd != end) {
             take(*match);
@@ -46,10 +51,12 @@ std::u16string RE_Replacement_Run::run() {
         }
         ++checkCounter;
     }
+    // No further match, or a limit: what follows the last one stays as it is.
     output.append(subject.substr(copiedUpTo));
     return std::move(output);
 }
 
+// Copies what precedes the match, then the match or its replacement.
 void RE_Replacement_Run::take(RE_Results& match) {
     ++matchCount;
     output.append(subject.substr(copiedUpTo, match.matchStart - copiedUpTo));

@@ -1,3 +1,5 @@
+// Reuse and comparison of sets. Equality is decided by the units alone: how a set was written does not
+// matter.
 #include "regexp/seek/set_pool.h"
 
 #include <algorithm>
@@ -24,6 +26,8 @@ const RE_Class_Scan& RE_Set_Pool::othersThan(const RE_Unit_Set& units) {
 }
 
 std::shared_ptr<const RE_Unit_Set> RE_Set_Pool::share(std::shared_ptr<const RE_Unit_Set> units) {
+    // While the sets are few, `known` is empty and `few` has all of them. From then on `few` only keeps its
+    // sets alive.
     if (known.empty()) {
         const auto same = std::ranges::find_if(few, [&](const Shared& other) { return *other == *units; });
         if (same != few.end()) {
@@ -37,6 +41,7 @@ std::shared_ptr<const RE_Unit_Set> RE_Set_Pool::share(std::shared_ptr<const RE_U
         }
         return units;
     }
+    // An equal hash is no proof of equal sets, so every candidate is compared.
     const std::size_t hash = units->hash();
     const auto [first, last] = known.equal_range(hash);
     for (auto it = first; it != last; ++it) {

@@ -10,7 +10,7 @@
 #include <string>
 #include <utility>
 
-/// Finds a text, the prefixes of several, or the units of a set.
+/// Finds a text, the prefixes of several texts, or the units of a set. Read-only once it is made.
 class CORVANE_REGEXP_EXPORT RE_Text_Finder {
 public:
     /// `literal` is in lower case when case is ignored.
@@ -20,13 +20,16 @@ public:
     RE_Text_Finder(std::shared_ptr<const RE_Unit_Set> units, double share)
         : set(std::move(units)), members(RE_Class_Scan(*set, true)), search({u"", 0, false}), likely(share) {}
 
-    /// The first occurrence in [p, end), or null.
+    /// The first place in [p, end), or null. For prefixes it is a place where one may begin: the text there may still
+    /// differ.
     const char16_t* find(const char16_t* p, const char16_t* end, RE_Scan_Monitor& monitor) const;
     /// What it looks for, where that is a few prefixes; else null.
     const RE_Prefix_Scan* prefixScan() const { return prefixes ? &*prefixes : nullptr; }
-    /// The share of the positions of ordinary text at which it finds something.
+    /// The share of the positions of ordinary text at which it stops. An estimate, for choosing between
+    /// finders.
     double likelihood() const { return likely; }
-    /// Whether it finds a text without letters and digits.
+    /// Whether it finds a text without letters and digits. Texts with a structure, as lines of fields are,
+    /// have such literals everywhere: the estimate is too low for them.
     bool isPunctuation() const;
     /// Units of what it finds; 0 when there are several lengths.
     std::size_t length() const { return members ? 1 : text.size(); }

@@ -1,4 +1,5 @@
 // Each function is one or more replacements, compiled on its first call and kept until the process ends.
+// Compiled patterns and replacements are immutable, so threads share them.
 #include "regexp/translate/translate.h"
 
 #include "host/i18n.h"
@@ -15,6 +16,8 @@ namespace builder = RE_Builder_Space;
 
 constexpr std::u16string_view metacharacters = u"$^.\\+[](){}|-*?";
 
+// All of them are below 256, so that a text without any, the commonest, is recognised by one look-up a
+// unit.
 class Metacharacter_Table {
 public:
     constexpr Metacharacter_Table() {
@@ -30,6 +33,7 @@ private:
 
 constexpr Metacharacter_Table metacharacterTable;
 
+// Shared by two functions: a backslash and the match.
 const RE_Replace& backslashBefore() {
     static const RE_Replace replacement(u"\\\\$0");
     return replacement;
@@ -50,7 +54,8 @@ std::u16string RE_Translate::escape(std::u16string_view text) {
     return replaceAll(text, metacharacter, backslashBefore());
 }
 
-// The order matters: the dots that stand for * and ? must not be escaped.
+// The order matters: the dots that are written for * and ? must not be escaped, so `*` and `?` are left out
+// of the first step.
 std::u16string RE_Translate::translateWildcard(std::u16string_view text) {
     static const RE_Tree metacharacter(builder::one_of(builder::RE_SetItem(u"$^.\\+[](){}|-")), false);
     static const RE_Tree star(builder::literal(u"*"), false);

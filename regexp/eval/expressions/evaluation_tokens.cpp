@@ -1,3 +1,4 @@
+// Collecting references, naming them, and reading their texts off a match.
 #include "regexp/eval/evaluation_tokens.h"
 
 #include "regexp/eval/context.h"
@@ -15,6 +16,7 @@ RE_Evaluation_Tokens::~RE_Evaluation_Tokens() {
     utFree(items);
 }
 
+// The count where it is not there. A linear search: expressions have few references.
 std::size_t RE_Evaluation_Tokens::indexOf(const RE_Replace_Evalable* reference) const {
     std::size_t i = 0;
     while (i < count && !items[i]->is_same(reference)) {
@@ -25,12 +27,14 @@ std::size_t RE_Evaluation_Tokens::indexOf(const RE_Replace_Evalable* reference) 
 
 void RE_Evaluation_Tokens::add(const RE_Replace_Evalable* reference) {
     if (indexOf(reference) == count) {
+        // Counted only once it is there: `copy` may throw.
         items[count] = reference->copy();
         ++count;
     }
 }
 
-// A host that gives no name gets none.
+// A host that gives no name gets an empty one. Each name is stored before the next call of the host, which
+// may throw.
 void RE_Evaluation_Tokens::create_variables(RE_Context* context) {
     variables.reset(new RE_Evaluation_Inputs(count));
     for (std::size_t i = 0; i < count; ++i) {

@@ -1,3 +1,5 @@
+// The order of the host's calls when an expression is compiled: clone, text, variables, function. Hosts and
+// tests rely on it.
 #include "regexp/eval/expressions/evaluators.h"
 
 #include "regexp/eval/host_expressions.h"
@@ -5,7 +7,8 @@
 
 namespace {
 
-/// Inside the text of an expression no further ones may stand.
+/// While this lives, no expressions are compiled: they do not nest. Restores what was before, exceptions
+/// included.
 class Suppress_Evaluation {
 public:
     explicit Suppress_Evaluation(RE_ParserContext& parserContext)
@@ -48,6 +51,7 @@ RE_Function_Evaluator::RE_Function_Evaluator(RE_ParserContext& parser, const cha
     context->create_fcn(body.get(), tokens->get_variables());
 }
 
+// The inputs are a list of this call, so that evaluations on several threads share the clone only.
 std::unique_ptr<RE_Evaluation_IO> RE_String_Evaluator::evaluate(RE_Results* results) const {
     const std::unique_ptr<RE_Evaluation_Inputs> inputs = tokens->create_inputs(results);
     return std::unique_ptr<RE_Evaluation_IO>(context->evaluate_string(inputs.get()));
