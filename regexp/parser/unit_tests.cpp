@@ -103,7 +103,7 @@ void RE_Unit_Test_Set::addClass(char16_t letter) {
 
 // A unit without case stays exact, so that literals without letters can be joined and sought as they are.
 RE_Consumable* makeLiteral(RE_ParserContext& context, char16_t unit, RE_Flags flags) {
-    if ((flags & RE_FLAG_IGNORE_CASE) != 0 && RE_Case_Table::get().hasCase(unit)) {
+    if ((flags & RE_FLAG_IGNORE_CASE) != 0 && !RE_Case_Table::get().foldsAlone(unit)) {
         return context.make<RE_Natural_I>(unit);
     }
     return context.make<RE_Natural>(unit);

@@ -143,8 +143,6 @@ public:
 
     char16_t lower(char16_t unit) const { return lowerOf[unit]; }
     char16_t upper(char16_t unit) const { return upperOf[unit]; }
-    /// Whether lower and upper case differ.
-    bool hasCase(char16_t unit) const { return lowerOf[unit] != upperOf[unit]; }
     /// Whether either mapping gives another unit, if only both the same one.
     bool isCased(char16_t unit) const { return lowerOf[unit] != unit || upperOf[unit] != unit; }
     /// Whether this unit, and no other, has this unit as its lower-case form: then case need not be ignored
