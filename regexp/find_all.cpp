@@ -1,8 +1,8 @@
 #include "regexp/find_all.h"
 
+#include "regexp/base/within_size.h"
 #include "regexp/search/search.h"
 #include "regexp/state/search_info.h"
-#include "regexp/base/within_size.h"
 
 #include <new>
 

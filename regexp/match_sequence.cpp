@@ -1,9 +1,9 @@
 #include "regexp/match_sequence.h"
 
+#include "regexp/base/within_size.h"
 #include "regexp/search/machine_search.h"
 #include "regexp/search/search.h"
 #include "regexp/tree.h"
-#include "regexp/base/within_size.h"
 
 #include <new>
 

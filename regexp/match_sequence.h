@@ -2,10 +2,10 @@
 #pragma once
 
 #include "regexp/base/memory_account.h"
-#include "regexp/state/results.h"
-#include "regexp/state/search_info.h"
 #include "regexp/base/search_limits.h"
 #include "regexp/seek/seek_table.h"
+#include "regexp/state/results.h"
+#include "regexp/state/search_info.h"
 
 #include <cstddef>
 #include <optional>

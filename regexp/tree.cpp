@@ -4,9 +4,13 @@
 #include "host/allocation.h"
 #include "host/code_page.h"
 #include "host/utf16.h"
-#include "regexp/nodes/graph_export.h"
+#include "regexp/base/within_size.h"
+#include "regexp/eval/evaluation_io.h"
 #include "regexp/graph/graph_facts.h"
 #include "regexp/nodes/collection.h"
+#include "regexp/nodes/continued_graph.h"
+#include "regexp/nodes/dynamic.h"
+#include "regexp/nodes/graph_export.h"
 #include "regexp/nodes/seeker.h"
 #include "regexp/nodes/tokens.h"
 #include "regexp/parser/grammar.h"
@@ -15,10 +19,6 @@
 #include "regexp/parser/parser_context.h"
 #include "regexp/passes/pass_runner.h"
 #include "regexp/program/lower.h"
-#include "regexp/nodes/continued_graph.h"
-#include "regexp/nodes/dynamic.h"
-#include "regexp/eval/evaluation_io.h"
-#include "regexp/base/within_size.h"
 
 #include <algorithm>
 #include <utility>
@@ -171,7 +171,8 @@ void prepareAttempts(RE_ParserContext& parserContext, RE_Node* root) {
     RE_Graph_Facts& facts = *parserContext.facts;
     facts.start = startOf(root, facts.profiler != nullptr);
     if (parserContext.options().optimizeDotStar() && facts.profiler == nullptr && !facts.hasDynamicNodes) {
-        facts.program = makeOpaque(lowerGraph(parserContext, facts.start.skipsSeeker ? root->nextNode : root));
+        facts.program =
+            makeOpaque(lowerGraph(parserContext, facts.start.skipsSeeker ? root->nextNode : root));
     }
 }
 

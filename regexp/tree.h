@@ -1,15 +1,15 @@
 // The compiled pattern and its search.
 #pragma once
 
-#include "regexp/eval/context.h"
 #include "regexp/base/flags.h"
-#include "regexp/state/profile.h"
 #include "regexp/base/memory.h"
-#include "regexp/state/results.h"
 #include "regexp/base/search_limits.h"
 #include "regexp/base/tuning.h"
-#include "regexp/seek/seek_table.h"
+#include "regexp/eval/context.h"
 #include "regexp/graph/stage.h"
+#include "regexp/seek/seek_table.h"
+#include "regexp/state/profile.h"
+#include "regexp/state/results.h"
 
 #include <concepts>
 #include <cstddef>

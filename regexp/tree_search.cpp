@@ -2,14 +2,14 @@
 #include "regexp/tree.h"
 
 #include "host/code_page.h"
-#include "regexp/graph/graph_facts.h"
+#include "regexp/base/within_size.h"
 #include "regexp/dfa/dfa.h"
-#include "regexp/search/guest_run.h"
+#include "regexp/graph/graph_facts.h"
 #include "regexp/machine/machine_code.h"
 #include "regexp/match_sequence.h"
+#include "regexp/search/guest_run.h"
 #include "regexp/search/search.h"
 #include "regexp/state/search_info.h"
-#include "regexp/base/within_size.h"
 
 #include <new>
 

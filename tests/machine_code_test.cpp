@@ -194,7 +194,8 @@ TEST(MachineCode, AgreesOnRunsThatBacktrack) {
     const auto pick = [&source](const auto& list) { return std::u16string(list[source.below(std::size(list))]); };
     const unsigned long rounds = environmentNumber("CORVANE_TEST_ROUNDS", sanitized() ? 300 : 2000);
     for (unsigned long round = 0; round < rounds; ++round) {
-        const Delays delays(round % 2 == 0 ? 2 : RE_Tuning().memoChoices, round % 2 == 0 ? 0 : RE_Tuning().memoChoicesPerUnit);
+        const Delays delays(round % 2 == 0 ? 2 : RE_Tuning().memoChoices,
+                            round % 2 == 0 ? 0 : RE_Tuning().memoChoicesPerUnit);
         const std::u16string pattern = pick(kBefore) + pick(kRuns) + pick(kCounts) + pick(kRests);
         const Ways ways(pattern, source.below(2) == 0 ? kLines : source.below(2) == 0 ? kPlain : kFolded);
         for (int subject = 0; subject < 4; ++subject) {

@@ -54,13 +54,13 @@ struct Expected {
     }
     std::optional<Visit> operator()(const RE_Meanings::Text& node) const {
         const std::u16string_view text(node.string->text, node.string->length);
-        const bool stands = text.size() <= subject.size() - position && node.string->matchesAt(subject.data() + position);
+        const bool stands =
+            text.size() <= subject.size() - position && node.string->matchesAt(subject.data() + position);
         return stands ? to(node.next, position + text.size()) : Visit{};
     }
     std::optional<Visit> operator()(const RE_Meanings::Edge& node) const {
         const bool before = position == 0 ? node.before.holdsAtLimit() : node.before.holds(subject[position - 1]);
-        const bool after =
-            position == subject.size() ? node.after.holdsAtLimit() : node.after.holds(subject[position]);
+        const bool after = position == subject.size() ? node.after.holdsAtLimit() : node.after.holds(subject[position]);
         return to(before && after ? node.next : node.otherwise, position);
     }
     std::optional<Visit> operator()(const RE_Meanings::Mark& node) const { return to(node.next, position); }
@@ -78,10 +78,10 @@ std::u16string neighbours() {
 }
 
 const char* const kPatterns[] = {
-    "^",         "$",          "(?m)^",       "(?m)$",      "\\<",       "\\>",       "(?=a)",      "(?!a)",
-    "(?<=[ab])", "(?<![ab])",  "(?=\\d)x",    "(?!\\s)x",   "(?<=.)x",   "(?<!(?i)k)x", "(?(?=a)x|y)", "(?(?<!b)x|y)",
-    "a",         "(?i)k",      "[a-z]",       "(?i)[a-z]",  "(?i)[J-a]", "(?i)[^k-m]", "\\d",        "\\W",
-    ".",         "(?s).",      "[^\\n]",      "(a|b|-)",    "(?i:ab)c",  "abc",       "(?<n>a)",    "a|b|\\d|!",
+    "^",         "$",         "(?m)^",    "(?m)$",     "\\<",       "\\>",         "(?=a)",       "(?!a)",
+    "(?<=[ab])", "(?<![ab])", "(?=\\d)x", "(?!\\s)x",  "(?<=.)x",   "(?<!(?i)k)x", "(?(?=a)x|y)", "(?(?<!b)x|y)",
+    "a",         "(?i)k",     "[a-z]",    "(?i)[a-z]", "(?i)[J-a]", "(?i)[^k-m]",  "\\d",         "\\W",
+    ".",         "(?s).",     "[^\\n]",   "(a|b|-)",   "(?i:ab)c",  "abc",         "(?<n>a)",     "a|b|\\d|!",
 };
 
 TEST(Meanings, SayWhatAVisitDoes) {
@@ -94,7 +94,8 @@ TEST(Meanings, SayWhatAVisitDoes) {
                 for (const char16_t before : units) {
                     for (const char16_t after : units) {
                         const char16_t text[] = {before, after};
-                        for (const std::u16string_view subject : {std::u16string_view(text, 2), std::u16string_view(text, 1)}) {
+                        for (const std::u16string_view subject :
+                             {std::u16string_view(text, 2), std::u16string_view(text, 1)}) {
                             for (const size_t position : {size_t{0}, size_t{1}}) {
                                 const auto expected = visitMeaning(*node, Expected{subject, position});
                                 if (expected) {
@@ -115,7 +116,8 @@ TEST(Meanings, SayWhatAVisitDoes) {
 
 // A class that does not describe itself is searched as well as any; nothing is concluded from its nodes.
 TEST(Meanings, AreUnknownOnlyOfHelpers) {
-    for (const char* pattern : {"(a|b)*?(?=c){2,3}(?<=b*)(?>a*){2,}?|\\1(?<n>c)?(?(n)x|y)(?:|a){3,}", "foo|bar|baz\\d+?x{2,900}$"}) {
+    for (const char* pattern :
+         {"(a|b)*?(?=c){2,3}(?<=b*)(?>a*){2,}?|\\1(?<n>c)?(?(n)x|y)(?:|a){3,}", "foo|bar|baz\\d+?x{2,900}$"}) {
         for (const EngineConfig& config : {EngineConfig{}, kPlainGraph}) {
             const Engine engine(widen(pattern), kEmptyToo, config);
             for (const RE_Node* node : engine.tree().getFacts().nodes) {

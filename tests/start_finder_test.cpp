@@ -83,7 +83,8 @@ TEST(StartFinders, AreChosenInOrderAndSkipNoMatch) {
             const std::u16string text = textFor(random, c.pattern);
             const size_t offset = random() % (text.size() + 1);
             const Engine& engine = round % 2 == 0 ? eager : fast;
-            ASSERT_EQ(plain.search(text, offset), engine.search(text, offset)) << printable(c.pattern) << printable(text);
+            ASSERT_EQ(plain.search(text, offset), engine.search(text, offset))
+                << printable(c.pattern) << printable(text);
         }
     }
 }

@@ -2,8 +2,8 @@
 // labels.
 #include "tools/trace_log.h"
 
-#include "regexp/nodes/label_text.h"
 #include "regexp/graph/node.h"
+#include "regexp/nodes/label_text.h"
 
 namespace tool {
 namespace {

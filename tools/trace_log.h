@@ -2,8 +2,8 @@
 // refers to the search, the tree or the subject.
 #pragma once
 
-#include "regexp/search/observer.h"
 #include "regexp/regexp.h"
+#include "regexp/search/observer.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -7,8 +7,8 @@
 #include "tools/trace_page_source.h"
 #include "tools/utf8.h"
 
-#include "regexp/nodes/graph_export.h"
 #include "regexp/graph/graph_facts.h"
+#include "regexp/nodes/graph_export.h"
 #include "regexp/nodes/label_text.h"
 
 #include <nlohmann/json.hpp>

@@ -2,8 +2,8 @@
 
 #include "regexp/nodes/literal_set.h"
 #include "regexp/nodes/string.h"
-#include "regexp/nodes/units.h"
 #include "regexp/nodes/unit_union.h"
+#include "regexp/nodes/units.h"
 
 #include <algorithm>
 #include <bit>

@@ -107,7 +107,8 @@ struct RE_First_Units::Reader {
             return;
         }
         const RE_Lookaround_Assertion& look = *node.look;
-        const bool consumesAhead = !look.behind && !look.negative && look.glanceEnd != nullptr && look.glanceWidth != 0;
+        const bool consumesAhead =
+            !look.behind && !look.negative && look.glanceEnd != nullptr && look.glanceWidth != 0;
         if (!consumesAhead) {
             first.followTested(node.next, node.otherwise);
             return;

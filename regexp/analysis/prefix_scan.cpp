@@ -1,10 +1,10 @@
 #include "regexp/analysis/prefix_scan.h"
 
+#include "regexp/analysis/prefix_units.h"
 #include "regexp/nodes/dispatch.h"
 #include "regexp/nodes/literal_set.h"
 #include "regexp/nodes/split.h"
 #include "regexp/nodes/tokens.h"
-#include "regexp/analysis/prefix_units.h"
 #include "regexp/units/likelihood.h"
 
 #include <algorithm>

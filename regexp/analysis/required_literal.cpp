@@ -1,13 +1,13 @@
 #include "regexp/analysis/required_literal.h"
 
+#include "regexp/analysis/bottlenecks.h"
+#include "regexp/analysis/prefix_scan.h"
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/links.h"
 #include "regexp/nodes/literal_set.h"
 #include "regexp/nodes/string.h"
-#include "regexp/nodes/units.h"
 #include "regexp/nodes/unit_union.h"
-#include "regexp/analysis/bottlenecks.h"
-#include "regexp/analysis/prefix_scan.h"
+#include "regexp/nodes/units.h"
 
 #include <algorithm>
 #include <utility>
@@ -71,7 +71,9 @@ private:
         Around& around;
         std::uint64_t distance;
 
-        void reach(RE_Node* node, std::uint64_t consumed = 0) const { around.reach(node, distance + consumed); }
+        void reach(RE_Node* node, std::uint64_t consumed = 0) const {
+            around.reach(node, distance + consumed);
+        }
 
         void operator()(const RE_Meanings::Unit& node) const {
             around.gathered.addConsumable(*node.test);

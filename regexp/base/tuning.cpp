@@ -16,7 +16,8 @@ const RE_Tuning& RE_Tuning::ofNewTrees() {
     return *settingsOfThread();
 }
 
-RE_Tuning::Scope::Scope(const RE_Tuning& settings) : own(settings), before(std::exchange(settingsOfThread(), &own)) {}
+RE_Tuning::Scope::Scope(const RE_Tuning& settings)
+    : own(settings), before(std::exchange(settingsOfThread(), &own)) {}
 
 RE_Tuning::Scope::~Scope() {
     settingsOfThread() = before;

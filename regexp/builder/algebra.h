@@ -19,12 +19,12 @@
 // compile.
 #pragma once
 
+#include "regexp/base/flags.h"
 #include "regexp/builder/builder.h"
 #include "regexp/builder/repetition.h"
 #include "regexp/builder/sets.h"
 #include "regexp/builder/template.h"
 #include "regexp/builder/tokens.h"
-#include "regexp/base/flags.h"
 
 #include <concepts>
 #include <cstddef>

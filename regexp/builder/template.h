@@ -4,9 +4,9 @@
 // that becomes a pattern, and must not be combined with pattern pieces by mistake.
 #pragma once
 
+#include "regexp/base/export.h"
 #include "regexp/builder/builder.h"
 #include "regexp/builder/tokens.h"
-#include "regexp/base/export.h"
 
 #include <cstddef>
 #include <string_view>

@@ -6,8 +6,8 @@
 #include "regexp/dfa/dfa.h"
 
 #include "regexp/dfa/sides.h"
-#include "regexp/state/search_info.h"
 #include "regexp/seek/scan.h"
+#include "regexp/state/search_info.h"
 
 #include <algorithm>
 #include <utility>

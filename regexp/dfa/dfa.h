@@ -9,8 +9,8 @@
 // and the memory that it takes is known when the pattern is compiled.
 #pragma once
 
-#include "regexp/dfa/shuffle.h"
 #include "regexp/base/memory.h"
+#include "regexp/dfa/shuffle.h"
 #include "regexp/seek/kernels.h"
 #include "regexp/units/unit_set.h"
 

@@ -1,10 +1,10 @@
 // The bookkeeping of queries: what they have cost, and when the next one is worth it.
 #include "regexp/state/inquiry.h"
 
+#include "regexp/base/within_size.h"
 #include "regexp/dfa/dfa.h"
 #include "regexp/graph/graph_facts.h"
 #include "regexp/state/search_info.h"
-#include "regexp/base/within_size.h"
 
 #include <algorithm>
 
@@ -27,7 +27,7 @@ void RE_Inquiry::begin(const RE_Graph_Facts& pattern) {
     wantsTokens = pattern.tokenCount > 0;
     hasManyStarts = pattern.start.entry == nullptr || pattern.start.entry->kind != RE_Node_Kind::textStart;
     delay = dfa != nullptr && dfa->isAmbiguous() ? pattern.tuning.ambiguousInquiryChoices
-                                                : pattern.tuning.inquiryChoices;
+                                                 : pattern.tuning.inquiryChoices;
     left = dfa != nullptr ? delay : never;
 }
 

@@ -4,8 +4,8 @@
 // platform, which are another matter.
 #pragma once
 
-#include "regexp/eval/warning.h"
 #include "regexp/base/memory.h"
+#include "regexp/eval/warning.h"
 #include "regexp/options/compile_options.h"
 
 #include <cstddef>

@@ -2,8 +2,8 @@
 // values belongs to item i of the names.
 #pragma once
 
-#include "regexp/eval/evaluation_io.h"
 #include "regexp/base/memory.h"
+#include "regexp/eval/evaluation_io.h"
 
 #include <concepts>
 #include <cstddef>

@@ -3,8 +3,8 @@
 // Made once, when the expression is compiled, and only read by evaluations.
 #pragma once
 
-#include "regexp/eval/evaluation_inputs.h"
 #include "regexp/base/memory.h"
+#include "regexp/eval/evaluation_inputs.h"
 
 #include <cstddef>
 #include <memory>

@@ -4,8 +4,8 @@
 // Both functions are pure and may be called on any thread.
 #pragma once
 
-#include "regexp/eval/warning.h"
 #include "regexp/base/export.h"
+#include "regexp/eval/warning.h"
 
 #include <cstddef>
 #include <optional>

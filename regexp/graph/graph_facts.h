@@ -2,10 +2,10 @@
 #pragma once
 
 #include "regexp/base/memory.h"
-#include "regexp/graph/memo_scope.h"
-#include "regexp/graph/node_store.h"
 #include "regexp/base/opaque.h"
 #include "regexp/base/tuning.h"
+#include "regexp/graph/memo_scope.h"
+#include "regexp/graph/node_store.h"
 #include "regexp/graph/start_finder_kind.h"
 
 #include <cstddef>
@@ -59,8 +59,9 @@ struct CORVANE_REGEXP_EXPORT RE_Graph_Facts : public RE_Memory {
     RE_Attempt_Start start;
     /// Of the graph from `start.entry` on, for searches that nobody watches; null when none was made.
     RE_Opaque<const RE_Program> program;
-    RE_Opaque<const RE_Machine_Code> machineCode;  ///< of the program; null unless the tree was asked to make it
-    RE_Opaque<const RE_Dfa> dfa;                   ///< null unless the tree was asked to make it
+    RE_Opaque<const RE_Machine_Code>
+        machineCode;              ///< of the program; null unless the tree was asked to make it
+    RE_Opaque<const RE_Dfa> dfa;  ///< null unless the tree was asked to make it
     /// The loop over one unit with which every match begins, or null: `RE_Consume::lastHopelessStart`.
     const RE_Consume* leadingLoop = nullptr;
     using Needed = std::unique_ptr<const RE_Literal_Stretches>;

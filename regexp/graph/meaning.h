@@ -137,7 +137,7 @@ struct Mark {
 
 /// Takes the first way that leads to a match, in this order.
 struct Choice {
-    std::array<RE_Node*, 2> two;           ///< when `many` is empty
+    std::array<RE_Node*, 2> two;  ///< when `many` is empty
     std::span<RE_Node* const> many;
 
     template <class Visit>
@@ -220,16 +220,17 @@ struct Unknown {};
 }  // namespace RE_Meanings
 
 struct RE_Meaning
-    : std::variant<RE_Meanings::Unknown, RE_Meanings::Nothing, RE_Meanings::Unit, RE_Meanings::Text, RE_Meanings::Texts,
-                   RE_Meanings::Run, RE_Meanings::Edge, RE_Meanings::Mark, RE_Meanings::Choice,
-                   RE_Meanings::Count_Start, RE_Meanings::Count, RE_Meanings::Pass, RE_Meanings::Body,
-                   RE_Meanings::Reference, RE_Meanings::Condition, RE_Meanings::Host_Call, RE_Meanings::Host_Text,
-                   RE_Meanings::End> {
+    : std::variant<RE_Meanings::Unknown, RE_Meanings::Nothing, RE_Meanings::Unit, RE_Meanings::Text,
+                   RE_Meanings::Texts, RE_Meanings::Run, RE_Meanings::Edge, RE_Meanings::Mark,
+                   RE_Meanings::Choice, RE_Meanings::Count_Start, RE_Meanings::Count, RE_Meanings::Pass,
+                   RE_Meanings::Body, RE_Meanings::Reference, RE_Meanings::Condition, RE_Meanings::Host_Call,
+                   RE_Meanings::Host_Text, RE_Meanings::End> {
     using variant::variant;
 };
 
 /// Calls the visitor with the form of what the node means. A visitor without an answer for each form does not compile.
 template <class Visitor>
 decltype(auto) visitMeaning(const RE_Node& node, Visitor&& visitor) {
-    return std::visit(std::forward<Visitor>(visitor), static_cast<const RE_Meaning::variant&>(node.meaning()));
+    return std::visit(std::forward<Visitor>(visitor),
+                      static_cast<const RE_Meaning::variant&>(node.meaning()));
 }

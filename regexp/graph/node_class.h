@@ -71,8 +71,8 @@ struct RE_Class_List {
 
 using RE_Asked_Classes =
     RE_Class_List<RE_Anchor, RE_Atomic, RE_Consumable, RE_Consume, RE_Counter_Popper, RE_Dispatch,
-                  RE_End_Line, RE_End_Match, RE_End_Of_Tree, RE_End_String, RE_End_Token, RE_End_Word, RE_Fixed_Counter,
-                  RE_Lazy_Counter, RE_Lazy_Decrementer, RE_Literal_Set, RE_Lookaround_Assertion,
-                  RE_Match_Token, RE_Natural, RE_Natural_I, RE_Null, RE_Seeker, RE_Split, RE_Start_Counter,
-                  RE_Start_Line, RE_Start_String, RE_Start_Token, RE_State_Counter, RE_String, RE_Unit_Class, RE_Unit_Test,
-                  RE_Word_Anchor, StringCharSeeker>;
+                  RE_End_Line, RE_End_Match, RE_End_Of_Tree, RE_End_String, RE_End_Token, RE_End_Word,
+                  RE_Fixed_Counter, RE_Lazy_Counter, RE_Lazy_Decrementer, RE_Literal_Set,
+                  RE_Lookaround_Assertion, RE_Match_Token, RE_Natural, RE_Natural_I, RE_Null, RE_Seeker,
+                  RE_Split, RE_Start_Counter, RE_Start_Line, RE_Start_String, RE_Start_Token,
+                  RE_State_Counter, RE_String, RE_Unit_Class, RE_Unit_Test, RE_Word_Anchor, StringCharSeeker>;

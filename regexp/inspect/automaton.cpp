@@ -47,8 +47,9 @@ const RE_Node* throughPass(const RE_Node* node) {
 /// over that body is all there is to say.
 bool sharesBody(const RE_Meanings::Count& fixed) {
     const RE_Node* const body = throughPass(fixed.body);
-    return fixed.exit->isBranching() &&
-           std::ranges::any_of(waysOf(*fixed.exit), [body](const RE_Node* way) { return throughPass(way) == body; });
+    return fixed.exit->isBranching() && std::ranges::any_of(waysOf(*fixed.exit), [body](const RE_Node* way) {
+               return throughPass(way) == body;
+           });
 }
 
 /// No unit is accepted there, only the limit of the subject.
@@ -226,7 +227,8 @@ struct RE_Automaton::Reader {
             follow(node.body);
             return;
         }
-        automaton.complete = automaton.complete && (!node.look->behind || node.look->bodyMaximum != RE_Node::unboundedLength);
+        automaton.complete =
+            automaton.complete && (!node.look->behind || node.look->bodyMaximum != RE_Node::unboundedLength);
         followTest(node.body, node.next);
         followTest(node.otherwise);
     }

@@ -2,8 +2,8 @@
 // somebody else wrote: `cvregexp explain` prints it.
 #pragma once
 
-#include "regexp/base/flags.h"
 #include "regexp/base/export.h"
+#include "regexp/base/flags.h"
 
 #include <cstddef>
 #include <cstdint>

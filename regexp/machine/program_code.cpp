@@ -34,7 +34,8 @@ bool isSmall(const RE_Instruction& in, std::size_t longestText) {
 }  // namespace
 
 // `mostSteps` follows from the invariant of the class; the one more is that of the seeker at the start.
-Program_Code::Program_Code(const RE_Program& source, bool keeps, RE_Machine_Vectors widest, std::size_t mostBytes)
+Program_Code::Program_Code(const RE_Program& source, bool keeps, RE_Machine_Vectors widest,
+                           std::size_t mostBytes)
     : Unit_Code(mostBytes, widest),
       mostSteps(static_cast<std::int64_t>(source.instructions.size()) * RE_Instruction::mostSteps + 1),
       program(source),

@@ -16,8 +16,8 @@
 #pragma once
 
 #include "regexp/machine/machine_code.h"
-#include "regexp/state/search_registers.h"
 #include "regexp/seek/literal_search.h"
+#include "regexp/state/search_registers.h"
 #include "regexp/units/unit_set.h"
 
 #include <xbyak/xbyak.h>

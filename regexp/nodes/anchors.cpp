@@ -1,9 +1,9 @@
 #include "regexp/nodes/anchors.h"
 
 #include "regexp/graph/meaning.h"
-#include "regexp/state/search_info.h"
 #include "regexp/seek/kernels.h"
 #include "regexp/seek/scan.h"
+#include "regexp/state/search_info.h"
 #include "regexp/units/unit_set.h"
 
 namespace {
@@ -103,13 +103,13 @@ RE_Meaning RE_End_String::meaning() const {
 }
 
 RE_Meaning RE_Start_Word::meaning() const {
-    return RE_Meanings::Edge{RE_Meanings::Side::oneOf(RE_Unit_Classes::get().noWords, true), RE_Meanings::Side::any(),
-                             nextNode};
+    return RE_Meanings::Edge{RE_Meanings::Side::oneOf(RE_Unit_Classes::get().noWords, true),
+                             RE_Meanings::Side::any(), nextNode};
 }
 
 RE_Meaning RE_End_Word::meaning() const {
-    return RE_Meanings::Edge{RE_Meanings::Side::any(), RE_Meanings::Side::oneOf(RE_Unit_Classes::get().noWords, true),
-                             nextNode};
+    return RE_Meanings::Edge{RE_Meanings::Side::any(),
+                             RE_Meanings::Side::oneOf(RE_Unit_Classes::get().noWords, true), nextNode};
 }
 
 // Where a body has to end is the search's affair.

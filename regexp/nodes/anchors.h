@@ -3,8 +3,8 @@
 #pragma once
 
 #include "regexp/graph/node.h"
-#include "regexp/state/search_info.h"
 #include "regexp/nodes/can_seek.h"
+#include "regexp/state/search_info.h"
 #include "regexp/units/unit_set.h"
 
 class CORVANE_REGEXP_EXPORT RE_Anchor : public RE_Can_Seek<RE_Node> {

@@ -5,8 +5,8 @@
 // that is what the seek table relies on.
 #pragma once
 
-#include "regexp/state/search_info.h"
 #include "regexp/seek/seek_table.h"
+#include "regexp/state/search_info.h"
 
 /// Answers `seek` from the search's seek table where it can, and from the node's own scan where it must.
 /// `scan` and `scanBack` look only at positions; they must not depend on tokens or windows.

@@ -1,7 +1,7 @@
 #include "regexp/nodes/closed_body.h"
 
-#include "regexp/graph/meaning.h"
 #include "regexp/base/within_size.h"
+#include "regexp/graph/meaning.h"
 
 #include <algorithm>
 
@@ -161,5 +161,6 @@ RE_Meaning RE_Lookaround_Assertion::meaning() const {
     }
     const RE_Unit_Set* const table = test->table();
     const Side tested = table != nullptr ? Side::oneOf(*table, false) : Side::acceptedBy(*test, false);
-    return RE_Meanings::Edge{behind ? tested : Side::any(), behind ? Side::any() : tested, nextNode, failTarget};
+    return RE_Meanings::Edge{behind ? tested : Side::any(), behind ? Side::any() : tested, nextNode,
+                             failTarget};
 }

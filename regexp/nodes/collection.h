@@ -1,8 +1,8 @@
 // A walk over a graph: every node once, in the order in which it is first met.
 #pragma once
 
-#include "regexp/graph/node.h"
 #include "regexp/base/scratch_memory.h"
+#include "regexp/graph/node.h"
 
 #include <cstdint>
 #include <vector>

@@ -2,11 +2,11 @@
 
 #include "regexp/graph/meaning.h"
 #include "regexp/nodes/anchors.h"
-#include "regexp/nodes/tokens.h"
 #include "regexp/nodes/graph_context.h"
+#include "regexp/nodes/tokens.h"
 #include "regexp/nodes/unit_union.h"
-#include "regexp/state/search_info.h"
 #include "regexp/seek/scan.h"
+#include "regexp/state/search_info.h"
 
 #include <algorithm>
 #include <utility>

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "regexp/graph/node.h"
-#include "regexp/state/search_registers.h"
 #include "regexp/seek/kernels.h"
+#include "regexp/state/search_registers.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,8 +1,8 @@
 #include "regexp/nodes/dynamic.h"
 
+#include "regexp/eval/evaluation_io.h"
 #include "regexp/graph/meaning.h"
 #include "regexp/nodes/graph_context.h"
-#include "regexp/eval/evaluation_io.h"
 #include "regexp/state/results.h"
 #include "regexp/state/search_info.h"
 
@@ -57,8 +57,8 @@ bool RE_Dynamic::include(const RE_Evaluation_IO& text, std::size_t pos, RE_Searc
         info.included.refuse(info);
         return false;
     }
-    info.include(RE_Text_Compiler::compile(text, flags, context, nextNode, outer, info.placeOfText()), this, pos,
-                 depth == 0);
+    info.include(RE_Text_Compiler::compile(text, flags, context, nextNode, outer, info.placeOfText()), this,
+                 pos, depth == 0);
     return true;
 }
 

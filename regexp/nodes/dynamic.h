@@ -4,10 +4,10 @@
 // lies between the start of the attempt and the current position. None of them keeps anything of a search.
 #pragma once
 
-#include "regexp/eval/host_expressions.h"
 #include "regexp/base/flags.h"
-#include "regexp/state/included_texts.h"
+#include "regexp/eval/host_expressions.h"
 #include "regexp/graph/node.h"
+#include "regexp/state/included_texts.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -45,8 +45,8 @@ private:
 
 /// Compiles a dynamic text as a pattern that continues at `next`. Defined beside `RE_Tree`, which nodes do not know.
 struct RE_Text_Compiler {
-    static RE_Included_Text compile(const RE_Evaluation_IO& text, RE_Flags flags, RE_Context* context, RE_Node* next,
-                                    RE_Node* outer, const RE_Sub_Pattern_Place& place);
+    static RE_Included_Text compile(const RE_Evaluation_IO& text, RE_Flags flags, RE_Context* context,
+                                    RE_Node* next, RE_Node* outer, const RE_Sub_Pattern_Place& place);
 };
 
 /// Base of the nodes that match a text which comes to be while they match.

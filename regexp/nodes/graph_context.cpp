@@ -1,8 +1,8 @@
 // Ownership of the nodes during a compilation, and the walks over the unfinished graph.
 #include "regexp/nodes/graph_context.h"
 
-#include "regexp/nodes/seeker.h"
 #include "regexp/base/within_size.h"
+#include "regexp/nodes/seeker.h"
 
 #include <algorithm>
 #include <span>

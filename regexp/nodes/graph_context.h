@@ -7,14 +7,14 @@
 // never delete a node and may drop links freely.
 #pragma once
 
-#include "regexp/eval/context.h"
 #include "regexp/base/flags.h"
-#include "regexp/graph/graph_facts.h"
 #include "regexp/base/memory.h"
+#include "regexp/base/scratch_memory.h"
+#include "regexp/eval/context.h"
+#include "regexp/graph/graph_facts.h"
+#include "regexp/graph/node.h"
 #include "regexp/nodes/collection.h"
 #include "regexp/nodes/counting_node.h"
-#include "regexp/graph/node.h"
-#include "regexp/base/scratch_memory.h"
 #include "regexp/seek/set_pool.h"
 
 #include <cstddef>

@@ -1,9 +1,9 @@
 #include "regexp/nodes/graph_export.h"
 
+#include "regexp/base/within_size.h"
 #include "regexp/nodes/label_text.h"
 #include "regexp/nodes/tokens.h"
 #include "regexp/nodes/trivial.h"
-#include "regexp/base/within_size.h"
 
 #include <algorithm>
 #include <unordered_map>

@@ -2,8 +2,8 @@
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/string.h"
 #include "regexp/nodes/tokens.h"
-#include "regexp/state/search_info.h"
 #include "regexp/seek/scan.h"
+#include "regexp/state/search_info.h"
 
 #include <algorithm>
 

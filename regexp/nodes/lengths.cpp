@@ -2,10 +2,10 @@
 //
 // A node is measured after the nodes it leads to; a node that is met again while it is being measured closes
 // a loop, and a loop can be repeated without bound as far as the links tell.
+#include "regexp/base/scratch_memory.h"
 #include "regexp/nodes/links.h"
 #include "regexp/nodes/trivial.h"
 #include "regexp/nodes/units.h"
-#include "regexp/base/scratch_memory.h"
 
 #include <algorithm>
 #include <vector>

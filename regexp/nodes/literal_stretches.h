@@ -13,9 +13,9 @@
 #pragma once
 
 #include "regexp/base/memory.h"
-#include "regexp/state/search_info.h"
 #include "regexp/seek/scan.h"
 #include "regexp/seek/text_finder.h"
+#include "regexp/state/search_info.h"
 #include "regexp/units/unit_set.h"
 
 #include <cstdint>

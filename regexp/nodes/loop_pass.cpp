@@ -13,8 +13,8 @@ bool RE_Start_Pass::match(const char16_t*, std::size_t& pos, RE_Search_Info& inf
             info.notePass(pass, RE_Search_Info::noPass);
             break;
         case RE_Pass::lastWhenEmpty:
-            info.notePass(pass,
-                          info.subjectLength() - pos < exactUnits ? RE_Search_Info::noPass : pos | passEndsLoop);
+            info.notePass(
+                pass, info.subjectLength() - pos < exactUnits ? RE_Search_Info::noPass : pos | passEndsLoop);
             break;
     }
     return true;

@@ -4,10 +4,10 @@
 // Each rules positions out and none in: wherever a match starts, its seeker finds the position.
 #pragma once
 
-#include "regexp/nodes/string.h"
 #include "regexp/nodes/can_seek.h"
-#include "regexp/seek/kernels.h"
 #include "regexp/nodes/literal_stretches.h"
+#include "regexp/nodes/string.h"
+#include "regexp/seek/kernels.h"
 #include "regexp/seek/window_filter.h"
 #include "regexp/units/unit_set.h"
 

@@ -1,9 +1,9 @@
 #include "regexp/nodes/string.h"
 
 #include "regexp/graph/meaning.h"
+#include "regexp/nodes/graph_context.h"
 #include "regexp/nodes/label_text.h"
 #include "regexp/nodes/units.h"
-#include "regexp/nodes/graph_context.h"
 
 #include <algorithm>
 

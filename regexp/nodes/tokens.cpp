@@ -2,8 +2,8 @@
 
 #include "regexp/graph/meaning.h"
 #include "regexp/nodes/label_text.h"
-#include "regexp/state/search_info.h"
 #include "regexp/seek/scan.h"
+#include "regexp/state/search_info.h"
 #include "regexp/units/unit_set.h"
 
 #include <algorithm>

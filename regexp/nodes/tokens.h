@@ -2,8 +2,8 @@
 #pragma once
 
 #include "regexp/graph/node.h"
-#include "regexp/state/search_info.h"
 #include "regexp/seek/literal_search.h"
+#include "regexp/state/search_info.h"
 
 #include <string>
 #include <string_view>

@@ -6,10 +6,10 @@
 // modes at every unit, or the grammar would meet a bracket that this pass paired otherwise.
 #pragma once
 
-#include "regexp/eval/warning.h"
 #include "regexp/base/flags.h"
 #include "regexp/base/memory.h"
 #include "regexp/base/scratch_memory.h"
+#include "regexp/eval/warning.h"
 
 #include <array>
 #include <cstddef>

@@ -3,10 +3,10 @@
 // A body is a sub-graph that a link of its node leads into. It has an end of its own and does not lead on
 // to what follows the node. The search runs it like any other part, but drops its choices when it
 // completes.
+#include "regexp/base/within_size.h"
 #include "regexp/nodes/anchors.h"
 #include "regexp/nodes/dynamic.h"
 #include "regexp/parser/graph_builder.h"
-#include "regexp/base/within_size.h"
 
 // Builds the body on `bodyLink` and returns `tail` and `scope` to what they were. Nothing outside changes
 // while a body runs, so its memo scopes begin afresh. A look-behind must also end where it was entered,

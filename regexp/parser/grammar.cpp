@@ -2,9 +2,9 @@
 // have files of their own.
 #include "regexp/parser/grammar.h"
 
+#include "regexp/base/within_size.h"
 #include "regexp/parser/escapes.h"
 #include "regexp/parser/names.h"
-#include "regexp/base/within_size.h"
 
 #include <algorithm>
 #include <string_view>

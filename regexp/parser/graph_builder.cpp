@@ -2,11 +2,11 @@
 // their own.
 #include "regexp/parser/graph_builder.h"
 
+#include "regexp/base/within_size.h"
 #include "regexp/nodes/anchors.h"
 #include "regexp/nodes/dynamic.h"
 #include "regexp/nodes/string.h"
 #include "regexp/parser/unit_tests.h"
-#include "regexp/base/within_size.h"
 
 #include <algorithm>
 

@@ -72,10 +72,12 @@ RE_Range_Plan planRange(char16_t low, char16_t high, RE_Flags flags) {
         const auto isAlike = [&cases, distance](char16_t unit) {
             return cvu_isupper(unit) && cases.lower(unit) - unit == distance;
         };
-        return allOf(low, high, isAlike) ? RE_Range_Plan{cases.lower(low), cases.lower(high), RE_Range_Test::lower}
-                                         : RE_Range_Plan{low, high, RE_Range_Test::both};
+        return allOf(low, high, isAlike)
+                   ? RE_Range_Plan{cases.lower(low), cases.lower(high), RE_Range_Test::lower}
+                   : RE_Range_Plan{low, high, RE_Range_Test::both};
     }
-    return {low, high, cvu_islower(low) && allOf(low, high, cvu_islower) ? RE_Range_Test::lower : RE_Range_Test::both};
+    return {low, high,
+            cvu_islower(low) && allOf(low, high, cvu_islower) ? RE_Range_Test::lower : RE_Range_Test::both};
 }
 
 // Bounds are noted as written: the atom that may be made of them maps them itself.

@@ -5,10 +5,10 @@
 #pragma once
 
 #include "regexp/base/flags.h"
+#include "regexp/nodes/unit_union.h"
 #include "regexp/nodes/units.h"
 #include "regexp/parser/parser_context.h"
 #include "regexp/parser/syntax.h"
-#include "regexp/nodes/unit_union.h"
 #include "regexp/units/unit_set.h"
 
 #include <cstddef>

@@ -1,13 +1,13 @@
 #include "regexp/passes/alternations.h"
 
+#include "regexp/analysis/branch_literals.h"
+#include "regexp/analysis/first_units.h"
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/dispatch.h"
 #include "regexp/nodes/literal_set.h"
 #include "regexp/nodes/split.h"
 #include "regexp/nodes/string.h"
 #include "regexp/nodes/units.h"
-#include "regexp/analysis/branch_literals.h"
-#include "regexp/analysis/first_units.h"
 #include "regexp/passes/null_nodes.h"
 
 #include <algorithm>

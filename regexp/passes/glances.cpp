@@ -20,7 +20,8 @@ bool isPlainTest(const RE_Node* node) {
     if (const auto* const unit = std::get_if<RE_Meanings::Unit>(&meaning)) {
         return unit->otherwise == nullptr;
     }
-    return std::holds_alternative<RE_Meanings::Edge>(meaning) || std::holds_alternative<RE_Meanings::Text>(meaning);
+    return std::holds_alternative<RE_Meanings::Edge>(meaning) ||
+           std::holds_alternative<RE_Meanings::Text>(meaning);
 }
 
 // A look-behind requires its body to end at the assertion, which a body of fixed width does by itself.

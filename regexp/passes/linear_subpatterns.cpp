@@ -1,8 +1,8 @@
 #include "regexp/passes/linear_subpatterns.h"
 
 #include "regexp/nodes/consume.h"
-#include "regexp/nodes/units.h"
 #include "regexp/nodes/unit_union.h"
+#include "regexp/nodes/units.h"
 #include "regexp/passes/null_nodes.h"
 
 #include <memory>

@@ -1,8 +1,8 @@
 // The passes that a parsed graph goes through, in their order.
 #pragma once
 
-#include "regexp/nodes/graph_context.h"
 #include "regexp/graph/stage.h"
+#include "regexp/nodes/graph_context.h"
 
 #include <functional>
 

@@ -1,8 +1,8 @@
 #include "regexp/passes/possessive_loops.h"
 
+#include "regexp/analysis/first_units.h"
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/tokens.h"
-#include "regexp/analysis/first_units.h"
 
 #include <algorithm>
 

@@ -1,14 +1,14 @@
 #include "regexp/passes/start_finder.h"
 
+#include "regexp/analysis/first_units.h"
+#include "regexp/analysis/prefix_scan.h"
+#include "regexp/analysis/required_literal.h"
 #include "regexp/nodes/anchors.h"
 #include "regexp/nodes/closed_body.h"
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/literal_set.h"
 #include "regexp/nodes/seeker.h"
 #include "regexp/nodes/string.h"
-#include "regexp/analysis/first_units.h"
-#include "regexp/analysis/prefix_scan.h"
-#include "regexp/analysis/required_literal.h"
 #include "regexp/units/likelihood.h"
 
 #include <algorithm>
@@ -187,8 +187,9 @@ private:
         }
         // The way back from a literal costs more than the few attempts that it spares. Where it is far, the search asks
         // for it (`noteNeeded`).
-        RE_Node* seeker =
-            share > rareEnough ? innerSeeker(std::min(best * worthGoingBack, commonestLiteral), first) : nullptr;
+        RE_Node* seeker = share > rareEnough
+                              ? innerSeeker(std::min(best * worthGoingBack, commonestLiteral), first)
+                              : nullptr;
         if (seeker == nullptr && best >= rareEnoughForPrefixes) {
             seeker = windowSeeker(best);
         }

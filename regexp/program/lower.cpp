@@ -3,12 +3,12 @@
 #include "regexp/nodes/closed_body.h"
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/dispatch.h"
+#include "regexp/nodes/graph_context.h"
 #include "regexp/nodes/literal_set.h"
 #include "regexp/nodes/string.h"
 #include "regexp/nodes/tokens.h"
 #include "regexp/nodes/trivial.h"
 #include "regexp/nodes/units.h"
-#include "regexp/nodes/graph_context.h"
 
 #include <algorithm>
 #include <span>

@@ -10,8 +10,8 @@
 #include "regexp/nodes/tokens.h"
 #include "regexp/nodes/trivial.h"
 #include "regexp/program/instruction.h"
-#include "regexp/state/search_info.h"
 #include "regexp/seek/literal_search.h"
+#include "regexp/state/search_info.h"
 #include "regexp/units/unit_set.h"
 
 #include <algorithm>

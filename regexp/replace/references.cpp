@@ -3,12 +3,12 @@
 // A reference never fails: where a match has no such text, the reference is written as it is in the
 // replacement, or is empty. All pieces are read from the subject, so this needs results whose subject is
 // still there.
+#include "regexp/base/insert_text.h"
 #include "regexp/builder/builder.h"
 #include "regexp/eval/context.h"
 #include "regexp/eval/evaluation_io.h"
 #include "regexp/eval/evaluation_tokens.h"
 #include "regexp/nodes/label_text.h"
-#include "regexp/base/insert_text.h"
 #include "regexp/replace/replace_nodes.h"
 #include "regexp/state/results.h"
 

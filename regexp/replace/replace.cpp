@@ -6,11 +6,11 @@
 
 #include "host/code_page.h"
 #include "host/interrupt.h"
+#include "regexp/base/insert_text.h"
 #include "regexp/eval/evaluation_io.h"
 #include "regexp/eval/evaluation_tokens.h"
 #include "regexp/nodes/label_text.h"
 #include "regexp/parser/parser_context.h"
-#include "regexp/base/insert_text.h"
 #include "regexp/replace/replace_nodes.h"
 #include "regexp/replace/replacement_reader.h"
 #include "regexp/replace/replacement_run.h"

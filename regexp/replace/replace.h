@@ -6,8 +6,8 @@
 //     swap.replace(u"Sherlock Holmes", tree, false, 0);   // Holmes, Sherlock
 #pragma once
 
-#include "regexp/eval/context.h"
 #include "regexp/base/flags.h"
+#include "regexp/eval/context.h"
 #include "regexp/replace/replaceable.h"
 #include "regexp/tree.h"
 

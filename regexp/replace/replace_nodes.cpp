@@ -2,10 +2,10 @@
 #include "regexp/replace/replace_nodes.h"
 
 #include "host/interrupt.h"
+#include "regexp/base/insert_text.h"
 #include "regexp/eval/evaluation_io.h"
 #include "regexp/eval/host_expressions.h"
 #include "regexp/nodes/label_text.h"
-#include "regexp/base/insert_text.h"
 
 namespace {
 

@@ -13,9 +13,9 @@
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/tokens.h"
 #include "regexp/program/instruction.h"
-#include "regexp/state/search_info.h"
 #include "regexp/search/start_walk.h"
 #include "regexp/search/unwatched_loop.h"
+#include "regexp/state/search_info.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -6,8 +6,8 @@
 
 #include "regexp/graph/graph_facts.h"
 #include "regexp/machine/machine_code.h"
-#include "regexp/state/search_info.h"
 #include "regexp/search/start_walk.h"
+#include "regexp/state/search_info.h"
 
 #include <cstddef>
 

@@ -1,8 +1,8 @@
 #include "regexp/search/match_loop.h"
 
+#include "regexp/search/unwatched_loop.h"
 #include "regexp/search/watched_loop.h"
 #include "regexp/state/search_info.h"
-#include "regexp/search/unwatched_loop.h"
 
 bool runMatchLoop(RE_Search_Info& info, const RE_Node* node, std::size_t& pos) {
     if (info.observer != nullptr) {

@@ -1,14 +1,14 @@
 #include "regexp/search/search.h"
 
+#include "regexp/base/within_size.h"
 #include "regexp/graph/graph_facts.h"
-#include "regexp/search/observer.h"
+#include "regexp/program/run_program.h"
 #include "regexp/search/machine_search.h"
 #include "regexp/search/match_loop.h"
-#include "regexp/program/run_program.h"
-#include "regexp/state/search_info.h"
+#include "regexp/search/observer.h"
 #include "regexp/search/start_walk.h"
 #include "regexp/search/unwatched_loop.h"
-#include "regexp/base/within_size.h"
+#include "regexp/state/search_info.h"
 
 #include <algorithm>
 
@@ -74,16 +74,16 @@ bool attemptWatched(const RE_Node* root, RE_Search_Info& info, std::size_t& leng
     return matched;
 }
 
-bool findByProgram(const RE_Start_Walk& walk, const RE_Graph_Facts& facts, RE_Search_Info& info, const char16_t* p,
-                   std::size_t& length) {
+bool findByProgram(const RE_Start_Walk& walk, const RE_Graph_Facts& facts, RE_Search_Info& info,
+                   const char16_t* p, std::size_t& length) {
     return tryStarts(walk, p, [&](const char16_t* at) {
         info.matchStart = at;
         return attemptByProgram(facts, info, length);
     });
 }
 
-bool findByGraph(const RE_Start_Walk& walk, const RE_Node* root, const RE_Graph_Facts& facts, RE_Search_Info& info,
-                 const char16_t* p, std::size_t& length) {
+bool findByGraph(const RE_Start_Walk& walk, const RE_Node* root, const RE_Graph_Facts& facts,
+                 RE_Search_Info& info, const char16_t* p, std::size_t& length) {
     info.resetForStart(p);
     return tryStarts(walk, p, [&](const char16_t* at) {
         info.moveStart(at);
@@ -111,7 +111,7 @@ bool findMatch(const RE_Node* root, const RE_Graph_Facts& facts, RE_Search_Info&
     const RE_Start_Walk walk(root, facts, last, info);
     const bool hasProgram = facts.program != nullptr && facts.program->entry != nullptr;
     return hasProgram && !isWatched ? findByProgram(walk, facts, info, p, length)
-                                                  : findByGraph(walk, root, facts, info, p, length);
+                                    : findByGraph(walk, root, facts, info, p, length);
 }
 
 bool attemptAt(const RE_Node* root, const RE_Graph_Facts& facts, RE_Search_Info& info, const char16_t* p,

@@ -2,10 +2,10 @@
 #pragma once
 
 #include "regexp/graph/graph_facts.h"
-#include "regexp/search/observer.h"
 #include "regexp/nodes/consume.h"
-#include "regexp/state/search_info.h"
 #include "regexp/nodes/literal_stretches.h"
+#include "regexp/search/observer.h"
+#include "regexp/state/search_info.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -79,7 +79,8 @@ private:
         return p != stop ? p : nullptr;
     }
     std::uint64_t nextAskingAt() const {
-        return facts.needed.empty() ? RE_Step_Meter::unlimited : info.meter.taken() + facts.tuning.neededLiteralSteps;
+        return facts.needed.empty() ? RE_Step_Meter::unlimited
+                                    : info.meter.taken() + facts.tuning.neededLiteralSteps;
     }
     /// Without the next of the literals that every match needs there is none.
     const char16_t* lastWithoutNeeded(const char16_t* p) {

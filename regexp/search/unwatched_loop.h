@@ -2,8 +2,8 @@
 // start has it inside: most attempts are over after a few nodes.
 #pragma once
 
-#include "regexp/search/direct_step.h"
 #include "regexp/graph/graph_facts.h"
+#include "regexp/search/direct_step.h"
 #include "regexp/state/search_info.h"
 
 /// Where to go on after a node: `way`, unless the node named another one.

@@ -1,8 +1,8 @@
 // How the units of a probe are chosen, and the scans with it.
 #include "regexp/seek/literal_search.h"
 
-#include "regexp/units/likelihood.h"
 #include "regexp/seek/scan.h"
+#include "regexp/units/likelihood.h"
 
 #include <algorithm>
 #include <array>
@@ -137,13 +137,14 @@ const char16_t* RE_Literal_Search::findLast(const RE_Literal& literal, const cha
     }
     const std::size_t places = static_cast<std::size_t>(end - p) - literal.length + 1;
     const char16_t* const startsEnd = p + std::min(places, count + 1);
-    return scanBackward(p, startsEnd, monitor, [&](const char16_t* from, const char16_t* at) -> const char16_t* {
-        while (from < at) {
-            at = probes ? findLastProbe(from, at, probe) : at - 1;
-            if (at == nullptr || literal.matchesAt(at)) {
-                return at;
-            }
-        }
-        return nullptr;
-    });
+    return scanBackward(p, startsEnd, monitor,
+                        [&](const char16_t* from, const char16_t* at) -> const char16_t* {
+                            while (from < at) {
+                                at = probes ? findLastProbe(from, at, probe) : at - 1;
+                                if (at == nullptr || literal.matchesAt(at)) {
+                                    return at;
+                                }
+                            }
+                            return nullptr;
+                        });
 }

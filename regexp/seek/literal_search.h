@@ -48,8 +48,8 @@ public:
     const char16_t* find(const RE_Literal& literal, const char16_t* p, const char16_t* end,
                          RE_Scan_Monitor& monitor) const;
     /// Last occurrence that starts in [p, p + count] and ends by `end`, or null.
-    const char16_t* findLast(const RE_Literal& literal, const char16_t* p, std::size_t count, const char16_t* end,
-                             RE_Scan_Monitor& monitor) const;
+    const char16_t* findLast(const RE_Literal& literal, const char16_t* p, std::size_t count,
+                             const char16_t* end, RE_Scan_Monitor& monitor) const;
 
     /// The units to scan for; null when each position is compared, as every unit has more than two forms.
     const RE_Literal_Probe* rarest() const { return probes ? &probe : nullptr; }

@@ -61,7 +61,8 @@ const char16_t* scanForward(const char16_t* p, const char16_t* end, RE_Scan_Moni
 /// Runs `find` (p, end) -> last position that counts, or null, over [first, end) from its end on, block by
 /// block.
 template <class Find>
-const char16_t* scanBackward(const char16_t* first, const char16_t* end, RE_Scan_Monitor& monitor, Find find) {
+const char16_t* scanBackward(const char16_t* first, const char16_t* end, RE_Scan_Monitor& monitor,
+                             Find find) {
     while (first < end) {
         const char16_t* const from =
             end - std::min<std::size_t>(static_cast<std::size_t>(end - first), RE_SCAN_POLL_UNITS);

@@ -295,8 +295,7 @@ RE_Sub_Pattern_Place RE_Search_Info::placeOfText() {
     return included.nextPlace(first);
 }
 
-void RE_Search_Info::include(RE_Included_Text text, const RE_Node* node, std::size_t pos,
-                             bool outermost) {
+void RE_Search_Info::include(RE_Included_Text text, const RE_Node* node, std::size_t pos, bool outermost) {
     const std::uint32_t firstRow = placeOfText().memoRow;
     pushRecord(node, subjectBegin + pos, 0);
     included.add(std::move(text), backtrack.top, outermost);

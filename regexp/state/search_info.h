@@ -6,19 +6,19 @@
 #pragma once
 
 #include "host/interrupt.h"
-#include "regexp/state/backtrack_stack.h"
-#include "regexp/state/inquiry.h"
-#include "regexp/graph/graph_facts.h"
-#include "regexp/state/included_texts.h"
-#include "regexp/state/profile.h"
 #include "regexp/base/memory.h"
-#include "regexp/graph/node.h"
-#include "regexp/state/pass_word.h"
 #include "regexp/base/search_limits.h"
+#include "regexp/graph/graph_facts.h"
+#include "regexp/graph/node.h"
+#include "regexp/seek/scan.h"
+#include "regexp/state/backtrack_stack.h"
+#include "regexp/state/included_texts.h"
+#include "regexp/state/inquiry.h"
+#include "regexp/state/pass_word.h"
+#include "regexp/state/profile.h"
 #include "regexp/state/search_memo.h"
 #include "regexp/state/search_registers.h"
 #include "regexp/state/search_scopes.h"
-#include "regexp/seek/scan.h"
 #include "regexp/state/token_stack.h"
 
 #include <algorithm>

@@ -12,9 +12,9 @@
 // lets a path succeed must see to it that its states are forgotten or out of reach.
 #pragma once
 
-#include "regexp/state/memo.h"
 #include "regexp/base/memory.h"
 #include "regexp/base/memory_pool.h"
+#include "regexp/state/memo.h"
 
 #include <cstddef>
 #include <cstdint>

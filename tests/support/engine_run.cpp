@@ -106,8 +106,7 @@ Outcome Engine::search(std::u16string_view subject, size_t offset) const {
 }
 
 Outcome Engine::search(std::u16string_view subject, size_t offset, RE_Seek_Table& table) const {
-    const std::unique_ptr<RE_Results> results(
-        m_tree.match(subject.data(), subject.size(), offset, &table));
+    const std::unique_ptr<RE_Results> results(m_tree.match(subject.data(), subject.size(), offset, &table));
     return toOutcome(results.get());
 }
 

@@ -56,7 +56,6 @@ struct Warning {
 /// Gives the tree what the setting adds to the graph.
 void speedUp(RE_Tree& tree, const EngineConfig& config);
 
-
 /// A context with options of its own that notes the warnings; evaluation stays forbidden as in the base.
 class RecordingContext : public RE_Context {
 public:

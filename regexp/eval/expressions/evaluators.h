@@ -11,10 +11,10 @@
 // host pass through, out of constructors as well.
 #pragma once
 
+#include "regexp/base/memory.h"
 #include "regexp/eval/context.h"
 #include "regexp/eval/evaluation_inputs.h"
 #include "regexp/eval/evaluation_tokens.h"
-#include "regexp/base/memory.h"
 #include "regexp/replace/replace.h"
 
 #include <cstddef>
