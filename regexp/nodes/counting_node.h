@@ -6,6 +6,8 @@
 // nodes at once is off under `Profile`.
 #pragma once
 
+#include "regexp/base/export.h"
+
 #include <cstddef>
 #include <cstdint>
 
