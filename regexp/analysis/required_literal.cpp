@@ -67,9 +67,9 @@ private:
     }
 
     /// Adds the units that a node may consume, and passes on how many it consumes at the least.
-    struct Reader {
-        Around& around;
-        std::uint64_t distance;
+    class Reader {
+    public:
+        Reader(Around& walk, std::uint64_t consumed) : around(walk), distance(consumed) {}
 
         void reach(RE_Node* node, std::uint64_t consumed = 0) const {
             around.reach(node, distance + consumed);
@@ -96,11 +96,31 @@ private:
             }
             reach(node.next, literals.shortest());
         }
-        /// All others consume nothing that `forEachStep` does not stop at.
-        void operator()(const auto& node) const {
+        void operator()(const RE_Meanings::Unknown& node) const { step(node); }
+        void operator()(const RE_Meanings::Nothing& node) const { step(node); }
+        void operator()(const RE_Meanings::Edge& node) const { step(node); }
+        void operator()(const RE_Meanings::Mark& node) const { step(node); }
+        void operator()(const RE_Meanings::Choice& node) const { step(node); }
+        void operator()(const RE_Meanings::Count_Start& node) const { step(node); }
+        void operator()(const RE_Meanings::Count& node) const { step(node); }
+        void operator()(const RE_Meanings::Pass& node) const { step(node); }
+        void operator()(const RE_Meanings::Body& node) const { step(node); }
+        void operator()(const RE_Meanings::Reference& node) const { step(node); }
+        void operator()(const RE_Meanings::Condition& node) const { step(node); }
+        void operator()(const RE_Meanings::Host_Call& node) const { step(node); }
+        void operator()(const RE_Meanings::Host_Text& node) const { step(node); }
+        void operator()(const RE_Meanings::End& node) const { step(node); }
+
+    private:
+        /// What these consume, if anything, no step leads past.
+        template <class Form>
+        void step(const Form& node) const {
             const auto follow = [this](RE_Node* target) { reach(target); };
             RE_Step_Reader<decltype(follow)>{follow}(node);
         }
+
+        Around& around;
+        std::uint64_t distance;
     };
 
     void visit(RE_Node* node, std::uint64_t distance) { visitMeaning(*node, Reader{*this, distance}); }

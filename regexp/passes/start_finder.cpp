@@ -19,7 +19,7 @@
 
 namespace {
 
-// Shares of the positions of ordinary text, as seek/likelihood.h estimates them.
+// Shares of the positions of ordinary text, as units/likelihood.h estimates them.
 
 // First units that are more common than this rule out too little to be worth a scan.
 constexpr double commonestUseful = 0.97;

@@ -302,8 +302,6 @@ Exits Lowering::describe(const RE_Node& node, RE_Instruction& in) const {
 
 }  // namespace
 
-std::unique_ptr<const RE_Program> lowerGraph(RE_Graph_Context& context, RE_Node* entry) {
-    auto program = std::make_unique<RE_Program>();
-    Lowering(context, *program).run(entry);
-    return program;
+void lowerGraph(RE_Graph_Context& context, RE_Node* entry, RE_Program& program) {
+    Lowering(context, program).run(entry);
 }

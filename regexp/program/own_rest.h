@@ -2,7 +2,7 @@
 // tried again.
 #pragma once
 
-#include "regexp/program/instruction.h"
+#include "regexp/graph/instruction.h"
 
 #include <vector>
 

@@ -9,7 +9,7 @@
 #include "regexp/nodes/literal_set.h"
 #include "regexp/nodes/tokens.h"
 #include "regexp/nodes/trivial.h"
-#include "regexp/program/instruction.h"
+#include "regexp/graph/instruction.h"
 #include "regexp/seek/literal_search.h"
 #include "regexp/state/search_info.h"
 #include "regexp/units/unit_set.h"

@@ -66,7 +66,7 @@ struct RE_Instruction {
 };
 
 /// Read-only during searches.
-struct RE_Program : RE_Memory {
+struct RE_Program {
     const RE_Instruction* entry = nullptr;  ///< the first one; null while that leaves for the match loop
     std::vector<RE_Instruction, RE_Allocator<RE_Instruction>> instructions;
     /// Of all choices, one behind the other.
