@@ -203,8 +203,8 @@ private:
             return inFront(RE_Start_Finder::literalBehind,
                            context.make<StringBehindSeeker>(std::move(*before)));
         }
-        // The way back from a literal costs more than the few attempts that it spares. Where it is far, the search asks
-        // for it (`noteNeeded`).
+        // The way back from a literal costs more than the few attempts that it spares. Where it is far, the search
+        // seeks it (`noteNeeded`).
         RE_Node* seeker = share > rareEnough
                               ? innerSeeker(std::min(best * worthGoingBack, commonestLiteral), first)
                               : nullptr;
