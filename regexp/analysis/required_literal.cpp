@@ -184,8 +184,7 @@ std::vector<RE_Found_Literal> requiredLiterals(RE_Graph_Context& context, RE_Nod
     for (RE_Node* node : literals) {
         std::optional<RE_Text_Finder> finder = finderOf(context, node);
         if (finder && finder->likelihood() < 1) {
-            // Equal ones stay in the order in which they were met, so that the choice does not depend on the
-            // machine.
+            // Equal ones stay in the order in which they were met.
             const auto rarerThan = [](double share, const RE_Found_Literal& other) {
                 return share < other.likelihood();
             };
