@@ -49,9 +49,11 @@ private:
         } else if (const auto* const token = dynamic_cast<const RE_Token*>(&node)) {
             noteToken(token->number, token->name);
         } else if (const auto* const reader = dynamic_cast<const RE_Token_Fail*>(&node)) {
+            // A reader by name has no number that counts; its token is met by itself, if it is there at all.
             noteToken(reader->name == nullptr ? reader->number : 0, nullptr);
         }
     }
+    /// Numbers become counts, so that the first free number is what is kept.
     void notePass(std::size_t pass) {
         graph.place.passRegister = std::max(graph.place.passRegister, pass + 1);
     }

@@ -2,6 +2,10 @@
 //
 // Each shows the host a view of the search in progress: the subject, the tokens so far, and as the match what
 // lies between the start of the attempt and the current position. None of them keeps anything of a search.
+//
+// Trap: the host may answer differently each time, and what it is called for may matter to the application.
+// So every node here reports the call by `hostWasCalled`, after which no earlier failure is trusted, and
+// patterns with such nodes are left alone by most passes.
 #pragma once
 
 #include "regexp/base/flags.h"
@@ -56,7 +60,8 @@ struct RE_Text_Compiler {
 /// native stack is used however many texts follow or include each other.
 class CORVANE_REGEXP_EXPORT RE_Dynamic : public RE_Node {
 public:
-    /// Texts within texts: how deeply they may nest.
+    /// Texts within texts: how deeply they may nest. Each level holds a compiled pattern, so a text that
+    /// includes itself would otherwise take all memory.
     static constexpr std::uint32_t maximumDepth = 200;
 
     RE_Dynamic(RE_Graph_Context& parser, RE_Flags textFlags);

@@ -38,7 +38,7 @@ enum class RE_Operation : std::uint8_t {
     run,        ///< a possessive run of units of a set
     lazyRun,    ///< a lazy one, which backtracks
     givingRun,  ///< a greedy one, which backtracks
-    tokenRun,   ///< a token that holds such a run
+    tokenRun,   ///< a token that holds a possessive run
     texts,      ///< one of a few, none of which begins another
     choose,     ///< takes the only way that can begin with the next unit
     startToken,
