@@ -38,7 +38,7 @@ const char16_t* RE_Edge_Anchor::scan(const char16_t* p, RE_Search_Info& info) co
 
 const char16_t* RE_Edge_Anchor::scanBack(const char16_t* p, std::size_t count, RE_Search_Info& info) const {
     const auto last = [this](const char16_t* from, const char16_t* to) { return lastUnit(from, to); };
-    // Positions from p to p + count are asked about, so for an end that many units and one more count.
+    // The positions are those from p to p + count, so for an end that many units and one more count.
     if (edge == Edge::end) {
         return info.atEnd(p + count) ? p + count : scanBackward(p, p + count + 1, info, last);
     }

@@ -82,7 +82,7 @@ public:
 template <>
 inline constexpr RE_Node_Kind kindOfNode<RE_End_Line> = RE_Node_Kind::lineEnd;
 
-/// Holds at the start of the subject only, wherever the search begins. Its seek tells the search that no
+/// Holds at the start of the subject only, wherever the search begins. Its seek shows the search that no
 /// later start can match.
 class CORVANE_REGEXP_EXPORT RE_Start_String : public RE_Anchor {
 public:

@@ -1,8 +1,11 @@
 // Mix-ins for nodes that can tell where they match next: a seek forward, and one backward.
 //
 // A seek may stop where the node does not match, as a node is matched afterwards. It must not pass over a
-// position where it does. Every answer holds for all positions from the one it was computed for up to the answer;
-// that is what the seek table relies on.
+// position where it does. Every answer holds for all positions from the one it was computed for up to the
+// answer; that is what the seek table relies on.
+//
+// Null from a seek means nowhere up to the end of the subject, or that the scan was broken off:
+// `wasInterrupted` tells which, and whoever concludes something from it has to look.
 #pragma once
 
 #include "regexp/seek/seek_table.h"

@@ -26,8 +26,8 @@ public:
     std::string label() const override { return "Atomic group"; }
 
     RE_Node* body = nullptr;
-    bool remembers =
-        false;  ///< where a completed body ended depends on its start only, and is asked for often
+    bool remembers = false;  ///< where a completed body ended depends on its start only, and is needed often
+    // In units, from the measured syntax: the links of the body do not tell where it ends.
     std::uint64_t bodyMinimum = 0;  ///< units the body consumes
     std::uint64_t bodyMaximum = unboundedLength;
 };
@@ -52,7 +52,7 @@ public:
     bool behind;
     bool negative;  ///< tokens that its body captured are taken back when the body completes
     RE_Node* body = nullptr;
-    bool remembers = false;         ///< a body that completed leaves nothing behind but that it did
+    bool remembers = false;         ///< of a body that completed nothing is left but that it did
     std::uint64_t bodyMinimum = 0;  ///< bounds of what a look-behind body consumes
     std::uint64_t bodyMaximum = unboundedLength;
 

@@ -40,7 +40,7 @@ void RE_Collection::walkPastSkippable(RE_Node* root, std::uint32_t number) {
 }
 
 std::vector<RE_Node*, RE_Allocator<RE_Node*>> RE_Collection::reachable(RE_Node* root) {
-    constexpr auto number = static_cast<std::uint32_t>(-1);  // no pass comes to that many walks
+    constexpr auto number = static_cast<std::uint32_t>(-1);  // no compilation takes that many walks
     RE_Scratch_Memory scratch;
     RE_Collection collection(&scratch);
     collection.walk(root, number);

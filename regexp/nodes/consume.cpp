@@ -214,7 +214,7 @@ const char16_t* RE_Consume::lastEnd(const char16_t* from, const char16_t* end, R
             info.noteFailed(this, refused, candidate);
             candidate = refused;
         }
-        // Ends may be refused one after the other, millions of them: the host is asked now and then.
+        // Ends may be refused one after the other, millions of them: the host is polled now and then.
         const bool stop = ++looked % RE_SCAN_POLL_UNITS == 0 && info.pollScan();
         if (candidate == from || stop) {
             return nullptr;

@@ -95,19 +95,29 @@ private:
     /// Runs of so many units or more are remembered. Shorter ones are measured again as fast.
     static constexpr std::ptrdiff_t longRun = 64;
 
+    /// Moves to an end and leaves a choice for the others; false when no end is left.
     bool takeLongest(const char16_t* from, const char16_t* end, std::size_t& pos, RE_Search_Info& info) const;
+    /// Whether ends at which the rest cannot begin are passed over in this state of the search.
     bool nextSeeks(const RE_Search_Info& info) const;
+    /// The first place at or after `p` at which the rest can begin, and the last one in [from, last]; null
+    /// where there is none. Only where `nextSeeks`.
     const char16_t* nextStart(const char16_t* p, RE_Search_Info& info) const;
     const char16_t* lastStart(const char16_t* from, const char16_t* last, RE_Search_Info& info) const;
+    /// The last end in [from, end] that is worth trying, or null.
     const char16_t* lastEnd(const char16_t* from, const char16_t* end, RE_Search_Info& info) const;
+    /// The end of a long run, with the help of the run that is remembered.
     const char16_t* endOfRunFrom(const char16_t* p, RE_Search_Info& info) const;
+    /// The end of a run of `most` units at the most.
     const char16_t* runEnd(const char16_t* p, std::uint64_t most, RE_Search_Info& info) const;
 
-    // lazy_consume.cpp
+    // Lazy runs: lazy_consume.cpp
     const char16_t* nearStart(const char16_t* from, const char16_t* last, RE_Search_Info& info) const;
     const char16_t* nextEnd(const char16_t* reached, const char16_t* end, const char16_t* last,
                             RE_Search_Info& info) const;
+    /// Whether all units in [from, to) belong to the run.
     bool reaches(const char16_t* from, const char16_t* to, RE_Search_Info& info) const;
+    /// Moves to the shortest end of a run that begins at `p`, or to the next one after `end`, which has failed.
+    /// Both leave a choice for the longer ones; false when no end is left.
     bool takeShortest(const char16_t* p, std::size_t& pos, RE_Search_Info& info) const;
     bool takeLonger(const char16_t* end, std::size_t limit, std::size_t& pos, RE_Search_Info& info) const;
 

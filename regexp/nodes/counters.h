@@ -136,5 +136,5 @@ public:
 
     RE_Node* popper = nullptr;         ///< an `RE_Counter_Popper`
     const RE_Node* counter = nullptr;  ///< the counter whose level this opens
-    std::uint64_t count = 0;           ///< with which it opens
+    std::uint64_t count = 0;           ///< with which it opens: passes that are counted without being made
 };

@@ -102,7 +102,7 @@ private:
     static constexpr std::size_t usualLists = 16;
 
     struct Known {
-        std::uint64_t ways;  ///< where they are told by bits
+        std::uint64_t ways;  ///< as bits, where lists are compared so; else 0
         std::uint32_t place;
     };
 

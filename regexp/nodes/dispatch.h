@@ -22,12 +22,12 @@
 
 class RE_Unit_Set;
 
-/// What a branch can begin with, as far as a table of the commonest units can tell.
+/// What a branch can begin with, as far as a table of the commonest units shows.
 struct RE_Branch_Start {
     /// The units of ASCII, which are most units of most texts. A larger table would cost each pattern more
     /// memory.
     static constexpr std::size_t tableUnits = 128;
-    static constexpr std::size_t others = tableUnits;     ///< the column of all units behind the table
+    static constexpr std::size_t others = tableUnits;     ///< the column of all units past the table
     static constexpr std::size_t atEnd = tableUnits + 1;  ///< that of the subject's end
     static constexpr std::size_t columns = tableUnits + 2;
 

@@ -48,9 +48,9 @@ const char16_t* RE_Consume::nearStart(const char16_t* from, const char16_t* last
     const RE_Node& first = *fewUnitsOf(nextNode);
     const std::int64_t room = info.meter.room();
     const char16_t* const subjectEnd = info.subjectEnd;
-    const auto behind = static_cast<std::uint64_t>(subjectEnd - last);
+    const auto left = static_cast<std::uint64_t>(subjectEnd - last);
     const std::uint64_t width = first.kind == RE_Node_Kind::string ? first.width() : 1;
-    const char16_t* const stop = last + std::min(behind, width);
+    const char16_t* const stop = last + std::min(left, width);
     const char16_t* found = nullptr;
     if (first.kind == RE_Node_Kind::matchToken) {
         found = static_cast<const RE_Match_Token&>(first).nextPlace(from, stop, info);
@@ -81,6 +81,8 @@ const char16_t* RE_Consume::nextEnd(const char16_t* reached, const char16_t* end
             return nullptr;
         }
     }
+    // Two questions in turn, each of which may move the end forward: has the memo seen it fail, and can the
+    // rest begin there? It is worth trying when both leave it where it is.
     for (std::size_t refused = 0;; ++refused) {
         const char16_t* const untried = info.firstUntried(this, end, last);
         if (untried == nullptr || !seeks || (refused > 0 && untried == end)) {
@@ -91,6 +93,7 @@ const char16_t* RE_Consume::nextEnd(const char16_t* reached, const char16_t* end
             return end != nullptr && end <= last ? end : nullptr;
         }
         const auto skipped = static_cast<std::size_t>(end - untried);
+        // Few ends are noted one by one; many would take longer to note than to pass over again.
         if (skipped < RE_Step_Meter::unitsAStep) {
             info.noteFailed(this, untried, end - 1);
         }

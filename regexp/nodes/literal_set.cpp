@@ -1,4 +1,4 @@
-// Takes literals and seeks their first units. Which literals are at a position is the trie's affair.
+// Takes literals and seeks their first units. The trie finds which literals are at a position.
 #include "regexp/nodes/literal_set.h"
 
 #include "regexp/graph/meaning.h"

@@ -35,7 +35,7 @@ struct RE_Required_Literal {
 /// that may precede it. Read-only during searches; what a search finds is kept under `row` in the search.
 class CORVANE_REGEXP_EXPORT RE_Literal_Stretches : public RE_Memory {
 public:
-    /// Both ends are positions at which a match may start.
+    /// From `begin` to `end`, both included; empty where `end` is before `begin`.
     struct Stretch {
         const char16_t* begin;
         const char16_t* end;  ///< still in it

@@ -243,8 +243,8 @@ Exits wordTest(RE_Operation operation, const RE_Node& node, RE_Instruction& in) 
     return plain(operation, node, in);
 }
 
-template <class Unit>
 /// For tests of one unit, which may have a fail target.
+template <class Unit>
 Exits unitTest(RE_Operation operation, const Unit& node, RE_Instruction& in) {
     in.operation = operation;
     return {node.nextNode, node.failTarget};
