@@ -239,8 +239,8 @@ public:
           soFar(units.size(), {1, beyondLatinLikelihood}, units.get_allocator()) {}
 
     /// Takes the places that rule out most, one after the other, as long as they pay for being looked at, and
-    /// returns the likelihood that is left. At least one place is taken. Greedy, so some
-    /// other choice may be better; the estimates are not exact enough for that to matter.
+    /// returns the likelihood that is left. At least one place is taken. Greedy, so some other choice may be
+    /// better; the estimates are not exact enough for that to matter.
     double choose() {
         static constexpr double worthAPlace = 0.6;
         static constexpr double rareEnough = 0.0005;

@@ -93,7 +93,7 @@ const char16_t* RE_Consume::nextEnd(const char16_t* reached, const char16_t* end
             return end != nullptr && end <= last ? end : nullptr;
         }
         const auto skipped = static_cast<std::size_t>(end - untried);
-        // Few ends are noted one by one; many would take longer to note than to pass over again.
+        // Long stretches are not noted: one seek passes over them again.
         if (skipped < RE_Step_Meter::unitsAStep) {
             info.noteFailed(this, untried, end - 1);
         }

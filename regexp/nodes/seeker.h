@@ -17,7 +17,8 @@
 #include <string>
 #include <utility>
 
-/// Base of the start finders. Searches without an observer skip the node and call its seek alone.
+/// Base of the start finders. Searches that are neither watched nor profiled skip the node and call its seek
+/// alone.
 class CORVANE_REGEXP_EXPORT RE_Seeker : public RE_Can_Seek<RE_Node> {
 public:
     using RE_Can_Seek<RE_Node>::RE_Can_Seek;

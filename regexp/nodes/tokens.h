@@ -69,8 +69,8 @@ public:
     bool isStartToken() const override { return true; }
     RE_Meaning meaning() const override;
 
-    /// All that the token holds, when that is a possessive loop over one unit; else null. The two may then be
-    /// run in one visit, for as many steps.
+    /// All that the token holds, when that is a possessive loop over one unit; else null. Start, loop
+    /// and end may then be run in one visit, for the three steps that they are.
     const RE_Node* run = nullptr;
     void prepareTokens(RE_Token_Names& names) const override;
     std::string label() const override { return "Token start #" + std::to_string(number + 1); }

@@ -52,8 +52,8 @@ protected:
     bool scans() const override { return true; }
     const char16_t* scan(const char16_t* p, RE_Search_Info& info) const override;
     const char16_t* scanBack(const char16_t* p, std::size_t count, RE_Search_Info& info) const override;
-    /// What both kinds of literals require to become a part of a string: no other way on or in, and a unit of
-    /// text.
+    /// What both kinds of literals require to become a part of a string: no other way on, none in unless it is
+    /// the first, and a unit of text.
     bool mayJoin(bool first) const;
 };
 template <>

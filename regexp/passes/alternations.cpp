@@ -5,7 +5,8 @@
 // are joined only with their neighbours, as a branch between them would otherwise be tried too late or too
 // early.
 //
-// Only splits that the parser made are touched (`guarded`): others keep records of a kind of their own.
+// Only splits that the parser made are touched (`guarded`): others are kept from endless repetition by the
+// records that they leave, which a new node would leave out.
 #include "regexp/passes/alternations.h"
 
 #include "regexp/analysis/branch_literals.h"

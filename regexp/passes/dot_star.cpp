@@ -61,7 +61,6 @@ std::optional<bool> laziness(RE_Split& choice, RE_Consumable* item) {
     return std::nullopt;
 }
 
-/// One run of the pass.
 class Rewriter {
 public:
     Rewriter(RE_Graph_Context& parserContext, RE_Node* graphRoot) : context(parserContext), root(graphRoot) {}
@@ -69,7 +68,6 @@ public:
     RE_Node* run() {
         // Not where the host is called: tried again, X may call it again, and how often is part of the
         // answer.
-        // Tried again, X may call the host again.
         if (!context.facts->hasDynamicNodes && context.hasMade<RE_Split>()) {
             dropRepeatedChoices();
         }
