@@ -171,8 +171,7 @@ void prepareAttempts(RE_ParserContext& parserContext, RE_Node* root) {
     RE_Graph_Facts& facts = *parserContext.facts;
     facts.start = startOf(root, facts.profiler != nullptr);
     if (parserContext.options().optimizeDotStar() && facts.profiler == nullptr && !facts.hasDynamicNodes) {
-        facts.program =
-            makeOpaque(lowerGraph(parserContext, facts.start.skipsSeeker ? root->nextNode : root));
+        lowerGraph(parserContext, facts.start.skipsSeeker ? root->nextNode : root, facts.program);
     }
 }
 
@@ -201,8 +200,9 @@ std::uint64_t RE_Tree::memoryUse() const {
 void RE_Tree::compile(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
                       RE_Node* continuationNode, RE_Node* outerNode, bool last,
                       const RE_Sub_Pattern_Place* placeOfText) {
+    const bool continues = placeOfText == nullptr && continuationNode != nullptr;
     const RE_Continued_Graph continued =
-        RE_Continued_Graph::from(placeOfText == nullptr ? continuationNode : nullptr);
+        continues ? RE_Continued_Graph::from(continuationNode) : RE_Continued_Graph();
     RE_ParserContext parserContext(context, outerNode, flags);
     takePlace(*parserContext.facts, placeOfText != nullptr ? *placeOfText : continued.place);
     parserContext.nodeCount = parserContext.facts->lastNodeId;

@@ -112,7 +112,8 @@ public:
     template <std::same_as<std::u16string> Temporary>
     std::vector<std::u16string_view> split(Temporary&& text) const = delete;
 
-    /// Sets when searches of this tree begin to use what only pays in long ones. Before it is shared with other threads.
+    /// Sets when searches of this tree begin to use what only pays in long ones. To be called before the tree is shared
+    /// with other threads, and before `makeMachineCode`, which reads the width of vectors.
     void tune(const RE_Tuning& settings);
     const RE_Tuning& getTuning() const;
 

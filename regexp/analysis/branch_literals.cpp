@@ -1,3 +1,5 @@
+// Reads literals off branches. Anything that is not plainly a literal, as a test with a fail target, is left
+// to the dispatch.
 #include "regexp/analysis/branch_literals.h"
 
 #include "regexp/nodes/literal_set.h"
@@ -11,17 +13,20 @@
 
 namespace {
 
-// A class of up to so many units is as good as that many literals.
+// A class of up to so many units is as good as that many literals; a larger one would make the trie wide for
+// little.
 constexpr std::size_t mostUnitsOfClass = 16;
 
-// Where the subject is folded, such a text stands for itself all the same.
+// Whether each unit is the only one with its lower-case form, itself. Comparing folded or unfolded units is
+// then the same for this text.
 bool foldsAlone(std::u16string_view text) {
     return std::ranges::all_of(text, [](char16_t unit) { return RE_Case_Table::get().foldsAlone(unit); });
 }
 
 }  // namespace
 
-// A class of too many units adds none.
+// A class of too many units adds none. One that holds everything from some unit on is known to be too large
+// without looking, as all blocks from `variedBlocks` on are full.
 void RE_Branch_Literals::addUnits(const RE_Unit_Set& set, RE_Scratch_List<Text>& texts) {
     if (set.contains(0xFFFF) && set.variedBlocks() < RE_Unit_Set::unitCount / 64) {
         return;
@@ -53,6 +58,8 @@ void RE_Branch_Literals::Literal::read(const RE_Node* branch) {
     } else if (const auto* members = nodeAs<RE_Unit_Class>(unit)) {
         addUnits(*members->set, texts);
     }
+    // Units are compared in lower case where the node ignores case. Else they have to be compared as they
+    // are, unless that makes no difference.
     if (ignoresCase) {
         comparison = Case::ignored;
     } else if (!std::ranges::all_of(texts, foldsAlone, &Text::view)) {
@@ -64,6 +71,7 @@ bool RE_Branch_Literals::fits(const Literal& literal, const RE_Node* branch) con
     if (literal.texts.empty()) {
         return false;
     }
+    // Empty nodes may not have been removed: two links may lead to the same node through different ones.
     const bool sameWay =
         first == nullptr || throughSkippable(first->nextNode) == throughSkippable(branch->nextNode);
     return sameWay && (comparison == Case::either || literal.comparison == Case::either ||
@@ -75,6 +83,7 @@ bool RE_Branch_Literals::add(RE_Node* branch, const Literal& literal) {
         return false;
     }
     texts.insert(texts.end(), literal.texts.begin(), literal.texts.end());
+    // Once a literal that is not `either` was added the others have to agree with it.
     comparison = comparison == Case::either ? literal.comparison : comparison;
     first = first == nullptr ? branch : first;
     ++count;

@@ -1,3 +1,7 @@
+// The walk over the nodes in front of the first unit, and what it makes of each form of meaning.
+//
+// A test that consumes nothing is passed as if it held, which only makes the answer larger. A test that names
+// the next unit ends the way, as the consumption of that unit would.
 #include "regexp/analysis/first_units.h"
 
 #include "regexp/graph/meaning.h"
@@ -15,6 +19,8 @@ using namespace RE_Meanings;
 
 namespace {
 
+// The named classes are compared again and again in patterns of many loops. Each pair of them is compared
+// once per process, on first use.
 using Meetings = std::array<std::array<bool, RE_Unit_Classes::count>, RE_Unit_Classes::count>;
 
 Meetings meetingsOfClasses() {
@@ -28,6 +34,7 @@ Meetings meetingsOfClasses() {
     return meetings;
 }
 
+/// Whether some unit is in both sets.
 bool meet(const RE_Unit_Set& one, const RE_Unit_Set& other) {
     const std::size_t number = RE_Unit_Classes::numberOf(one);
     const std::size_t otherNumber = RE_Unit_Classes::numberOf(other);
@@ -81,7 +88,9 @@ struct RE_First_Units::Reader {
             first.follow(node.next);
         }
     }
-    // A test that names the next unit is as good as the consumption of it.
+    // A test that names the next unit is as good as the consumption of it. It may also hold at the end of the
+    // subject, where there is none. One without a next node is a negative assertion: what follows it is at
+    // its fail target, and what it accepts says nothing about the match.
     void operator()(const Edge& node) const {
         if (node.after.isAny() || node.next == nullptr) {
             first.followTested(node.next, node.otherwise);
@@ -96,10 +105,14 @@ struct RE_First_Units::Reader {
     void operator()(const Choice& node) const {
         node.forEach([this](RE_Node* way) { first.follow(way); });
     }
+    // Whether a counter leads into the body or out of it depends on the count, which the walk does not know:
+    // both ways are followed, and count as tested.
     void operator()(const Count_Start& node) const { first.followTested(node.next); }
     void operator()(const Count& node) const { first.followTested(node.body, node.exit); }
     void operator()(const Pass& node) const { first.followTested(node.next, node.exit); }
-    // Units that a lookahead consumes come next, whatever it is followed by.
+    // An atomic group begins with its body, or with what follows when the body may consume nothing. A
+    // lookaround that looks ahead, has to hold, and consumes units by a glance rules out all other first
+    // units: its body is read in place of what follows. The rest of them are passed like any test.
     void operator()(const Body& node) const {
         if (node.atomic != nullptr) {
             first.follow(node.body);
@@ -117,10 +130,12 @@ struct RE_First_Units::Reader {
         first.tested = first.tested || node.otherwise != nullptr;
         first.follow(node.otherwise);
     }
+    // A reference may be to any text, also to an empty one.
     void operator()(const Reference&) const { first.known = false; }
     void operator()(const Condition& node) const { first.followTested(node.next, node.otherwise); }
     void operator()(const Host_Call& node) const { first.followTested(node.next); }
     void operator()(const Host_Text&) const { first.known = false; }
+    // The end of a sub-pattern leads into a graph that the walk does not enter.
     void operator()(const End& node) const {
         (node.ofBody ? first.endsBody : first.mayBeEmpty) = true;
         first.known = first.known && node.continuation == nullptr;
@@ -133,6 +148,7 @@ bool RE_First_Units::run(RE_Node* from, std::size_t mostNodes) {
         RE_Node* const node = pending.back();
         pending.pop_back();
         visitMeaning(*node, Reader{*this});
+        // Counted when a node is put on the list: the bound holds for the nodes met, not only for those read.
         known = known && seen <= mostNodes;
     }
     return known;
@@ -166,6 +182,8 @@ void RE_First_Units::addSet(const RE_Unit_Set& set) {
     }
 }
 
+// In the order of what is cheapest: a table, few units, and only then a whole set of its own, which takes 8
+// KiB on the native stack.
 void RE_First_Units::addConsumable(const RE_Consumable& unit) {
     if (const RE_Unit_Set* const table = unit.table()) {
         addSet(*table);
@@ -187,6 +205,8 @@ void RE_First_Units::addConsumable(const RE_Consumable& unit) {
 }
 
 void RE_First_Units::addFirst(const RE_String& string) {
+    // The text is in lower case when case is ignored; every unit that folds to its first one can begin the
+    // match.
     const char16_t unit = string.text[0];
     if (!string.ignoreCase) {
         addUnit(unit);

@@ -1,3 +1,11 @@
+// Takes a pattern apart into branches, gathers the prefix of each, and chooses the places that make the scan
+// stop most rarely.
+//
+// A scan holds at most eight prefixes. More branches than that share: neighbours in the order of their texts
+// are gathered into one prefix, whose sets are the unions of theirs. The scan then stops at least wherever it
+// would have stopped for each of them.
+//
+// Likelihoods are estimates and decide about time only.
 #include "regexp/analysis/prefix_scan.h"
 
 #include "regexp/analysis/prefix_units.h"
@@ -16,9 +24,11 @@
 
 namespace {
 
+// A choice that would exceed this stays one branch, and is gathered through its node.
 constexpr std::size_t mostBranches = 64;
 
-/// One of the alternatives: a node, or a literal of a set of them.
+/// One of the alternatives: a node, or a literal of a set of them, after which matching continues at the
+/// node. The text belongs to the set.
 struct Branch {
     RE_Node* node;
     std::u16string_view text;
@@ -33,7 +43,8 @@ struct Branch {
     }
 };
 
-/// Takes the alternatives from the root on apart.
+/// Takes apart the choices at the front of the graph. Branches are a matter of cost only: a choice that is left
+/// whole has a prefix as well, with larger sets.
 class Branches {
 public:
     explicit Branches(RE_Scratch_Memory* memory) : pending(memory), found(memory) {}
@@ -52,6 +63,7 @@ public:
     }
 
 private:
+    /// The first node that is more than an opening group or an empty node.
     static RE_Node* leading(RE_Node* node) {
         while (nodeAs<RE_Start_Token>(node) != nullptr ||
                (node->isSkippable() && node->nextNode != nullptr)) {
@@ -61,6 +73,7 @@ private:
     }
 
     void take(RE_Node* node) {
+        // What is pending becomes at least one branch each.
         const std::size_t room = mostBranches - std::min(mostBranches, found.size() + pending.size());
         const auto* const split = nodeAs<RE_Split>(node);
         const auto* const dispatch = nodeAs<RE_Dispatch>(node);
@@ -84,7 +97,8 @@ private:
     RE_Scratch_List<Branch> found;
 };
 
-/// The first branch that goes on at the same node behind as many units as this one.
+/// The first branch that continues at the same node after as many units as this one. From there on their
+/// prefixes are the same, so that part is gathered once; the literals of a set often have few lengths.
 std::size_t firstAlike(const RE_Scratch_List<Branch>& branches, std::size_t number) {
     const Branch& branch = branches[number];
     const auto isAlike = [&branch](const Branch& other) {
@@ -94,9 +108,10 @@ std::size_t firstAlike(const RE_Scratch_List<Branch>& branches, std::size_t numb
     return static_cast<std::size_t>(std::find_if(branches.begin(), last, isAlike) - branches.begin());
 }
 
-/// The bytes that may stand at one place of one prefix.
+/// The bytes that are possible at one place of one prefix, one bit each.
 using Bytes = std::array<std::uint64_t, 4>;
 
+/// How the scan sees a set of units: by low bytes, or with all units from 0x100 on as the byte 0xFF.
 Bytes throughLens(const RE_Byte_Sets& sets, bool saturates) {
     Bytes bytes = saturates ? sets.latin : sets.lowBytes;
     if (saturates && sets.beyondLatin) {
@@ -105,7 +120,8 @@ Bytes throughLens(const RE_Byte_Sets& sets, bool saturates) {
     return bytes;
 }
 
-/// Most often it is the one of a literal.
+/// Adds the bytes of a place to the scan. Most often there is one, that of a literal, which takes no loop
+/// over all.
 void allow(RE_Prefix_Scan& scan, std::size_t prefix, std::size_t place, const Bytes& bytes) {
     const auto first = static_cast<std::size_t>(
         std::ranges::find_if(bytes, [](std::uint64_t word) { return word != 0; }) - bytes.begin());
@@ -120,13 +136,16 @@ void allow(RE_Prefix_Scan& scan, std::size_t prefix, std::size_t place, const By
     }
 }
 
-/// How likely the bytes of a place are: among units of ASCII, and among the others.
+/// How likely the bytes of a place are: among units of ASCII, and among the others. They are kept apart,
+/// since a text that is not Latin has many units of one page: there low bytes tell units apart, while all
+/// units are one when they saturate.
 struct Share {
     double ascii = 0;
     double beyond = 0;
 };
 
-/// What is known of sets of ASCII units. The same ones come at place after place.
+/// What is known of sets of ASCII units. The same ones come at place after place, and summing up the
+/// likelihoods takes a loop over the set.
 class Ascii_Shares {
 public:
     struct Known {
@@ -159,8 +178,10 @@ private:
     std::size_t last = 0;
 };
 
+/// The estimate for one place, through one lens.
 Share shareOf(const RE_Byte_Sets& sets, bool saturates, Ascii_Shares& shares) {
-    static constexpr double usualLetters = 40;  // of a script that is not Latin
+    // Letters of a script that is not Latin, all of which are taken to be equally frequent.
+    static constexpr double usualLetters = 40;
     const Bytes& bytes = saturates ? sets.latin : sets.lowBytes;
     const Ascii_Shares::Known& ascii = shares.of(bytes[0], bytes[1]);
     Share share;
@@ -177,7 +198,8 @@ Share shareOf(const RE_Byte_Sets& sets, bool saturates, Ascii_Shares& shares) {
     return share;
 }
 
-/// Those of all prefixes at the places that are known of all, through both lenses: by place, then by prefix.
+/// The shares of all prefixes at the places that are known of all, through both lenses: by place, then by
+/// prefix. Choosing places reads them many times.
 struct Shares {
     Shares(const RE_Scratch_List<RE_Prefix_Units>& prefixes, std::size_t known)
         : lowBytes(prefixes.get_allocator()), saturated(prefixes.get_allocator()) {
@@ -188,6 +210,7 @@ struct Shares {
         for (std::size_t place = 0; place < known; ++place) {
             for (const RE_Prefix_Units& prefix : prefixes) {
                 const RE_Byte_Sets& sets = prefix.places[place];
+                // The same prefix at the place before is `count` entries back.
                 if (place != 0 && sets == prefix.places[place - 1]) {
                     lowBytes.push_back(lowBytes[lowBytes.size() - count]);
                     saturated.push_back(saturated[saturated.size() - count]);
@@ -203,7 +226,8 @@ struct Shares {
     RE_Scratch_List<Share> saturated;
 };
 
-/// Prefixes seen through one lens, and the places at which they are to be looked at.
+/// Prefixes seen through one lens, and the places at which they are to be looked at. Estimates of places are
+/// multiplied, as if units were independent, and those of prefixes added up, as if no two fitted at once.
 class Lens {
 public:
     Lens(const RE_Scratch_List<RE_Prefix_Units>& units, std::size_t known, bool saturating,
@@ -214,7 +238,9 @@ public:
           shares(sharesOfPlaces),
           soFar(units.size(), {1, beyondLatinLikelihood}, units.get_allocator()) {}
 
-    // The places that rule out most, one after the other, as long as they pay for being looked at.
+    /// Takes the places that rule out most, one after the other, as long as they pay for being looked at, and
+    /// returns the likelihood that is left. At least one place is taken. Greedy, so some other choice may be
+    /// better; the estimates are not exact enough for that to matter.
     double choose() {
         static constexpr double worthAPlace = 0.6;
         static constexpr double rareEnough = 0.0005;
@@ -230,7 +256,7 @@ public:
         return best;
     }
 
-    /// That looks at the chosen places.
+    /// The scan that looks at the chosen places.
     RE_Prefix_Scan scan() const {
         RE_Prefix_Scan result;
         result.depth = chosen;
@@ -245,6 +271,7 @@ public:
     }
 
 private:
+    /// The place that leaves least, among those not taken, with what it leaves.
     std::pair<std::size_t, double> bestFurtherPlace() {
         std::pair<std::size_t, double> best{0, 2};
         for (std::size_t place = 0; place < places; ++place) {
@@ -256,6 +283,7 @@ private:
         return best;
     }
 
+    /// Adds a place to the choice.
     void take(std::size_t place) {
         choice[chosen++] = place;
         taken |= std::uint32_t{1} << place;
@@ -267,6 +295,7 @@ private:
         }
     }
 
+    /// What would be left if this place were taken as well.
     double likelihoodWith(std::size_t place) const {
         double sum = 0;
         const Share* share = sharesAt(place);
@@ -294,6 +323,8 @@ private:
 
 std::optional<RE_Likely_Prefixes> prefixesFrom(RE_Graph_Context& context, RE_Node* root, bool emptyCounts) {
     const RE_Scratch_List<Branch> branches = Branches(&context.scratch).from(root);
+    // As many prefixes as fit. Branch i belongs to prefix i * count / branches.size(), so that groups are of
+    // nearly equal size and hold neighbours.
     const std::size_t count = std::min(branches.size(), RE_Prefix_Scan::mostPrefixes);
     RE_Scratch_List<RE_Prefix_Units> prefixes(&context.scratch);
     prefixes.reserve(count);
@@ -310,11 +341,13 @@ std::optional<RE_Likely_Prefixes> prefixesFrom(RE_Graph_Context& context, RE_Nod
         } else {
             branch.gatherInto(prefixes.back(), emptyCounts);
         }
+        // Places that are not known of all prefixes cannot be looked at: the shorter prefix would be missed.
         known = std::min(known, prefixes.back().known);
         if (known == 0) {
             return std::nullopt;
         }
     }
+    // Both lenses are tried, as neither is better for all texts.
     const Shares shares(prefixes, known);
     Lens byLowBytes(prefixes, known, false, shares.lowBytes);
     Lens saturating(prefixes, known, true, shares.saturated);

@@ -1,3 +1,8 @@
+// The walk that gathers prefixes. A node is visited once for each place at which it can be reached, at most
+// eight times, and all visits together are bounded.
+//
+// Trap: `known` falls while the walk is under way. Sets at places from `known` on are incomplete and must not
+// be used.
 #include "regexp/analysis/prefix_units.h"
 
 #include "regexp/graph/meaning.h"
@@ -12,7 +17,8 @@ using namespace RE_Meanings;
 
 namespace {
 
-// Graphs that need more visits than this are not worth a prefix.
+// Graphs that need more visits than this are not worth a prefix: a shorter one would be incomplete, so there
+// is none.
 constexpr std::size_t mostVisits = 400;
 
 }  // namespace
@@ -35,7 +41,8 @@ void RE_Byte_Sets::addAscii(const RE_Ascii_Units& units) {
 }
 
 void RE_Byte_Sets::addAll(const RE_Unit_Set& units) {
-    // One group of those that are alike stands for all.
+    // A group is four blocks of 64 units, that is the 256 units with one high byte. Only groups up to the
+    // place from which on all blocks are equal are looked at, and one more, which stands for the others.
     const std::size_t blocks = std::min((units.variedBlocks() / 4 + 2) * 4, RE_Unit_Set::unitCount / 64);
     std::array<std::uint64_t, 4> beyond{};
     for (std::size_t i = 4; i < blocks; i += 4) {
@@ -201,7 +208,9 @@ void RE_Prefix_Units::visitString(const RE_String& string, std::size_t place) {
 }
 
 void RE_Prefix_Units::visitLiterals(const RE_Literal_Set& set, std::size_t place) {
+    // Literals of equal length continue at the same place: lengths are noted, and followed once each.
     std::uint32_t ends = 0;  // one bit each
+    // Gathered in two words a place, as a set may have thousands of literals.
     std::array<RE_Ascii_Units, mostPlaces> ascii{};
     for (std::size_t i = 0; i < set.literals.count(); ++i) {
         const std::u16string_view text = set.literals.text(i);
@@ -241,9 +250,13 @@ void RE_Prefix_Units::addText(std::u16string_view text, bool ignoreCase, std::si
     }
 }
 
+// A run of at least `minimum` passes: its units are possible at each place that it may cover, and what
+// follows begins at each place at which it may end. Places are few, so the loop ends with the first that is
+// not known, if not before.
 void RE_Prefix_Units::visitLoop(const RE_Consume& loop, std::size_t place) {
     const RE_Byte_Sets& look = looks->of(*loop.units);
     for (std::uint64_t turns = 0; place < known; ++turns, ++place) {
+        // The first turn was counted when the node was reached.
         seen += turns != 0 ? 1 : 0;
         if (turns >= loop.minimum) {
             reach(loop.nextNode, place);

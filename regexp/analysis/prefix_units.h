@@ -1,4 +1,7 @@
 // The units with which a match can begin, place after place.
+//
+// Invariant: sets are never too small. Every match along a gathered way has, at each of the first `known`
+// places, a unit of the set of that place. Tests that consume nothing are taken to hold.
 #pragma once
 
 #include "regexp/base/memory.h"
@@ -21,7 +24,8 @@ class RE_String;
 using RE_Ascii_Units = std::array<std::uint64_t, 2>;
 
 /// A set of units seen through two lenses of one byte each: their low bytes, and themselves, where all units
-/// from 0x100 on are one.
+/// from 0x100 on are one. Vector scans compare bytes; which lens tells more units apart depends on the set.
+/// One bit for each byte, in place of the 8 KiB of a set of units.
 struct RE_Byte_Sets {
     std::array<std::uint64_t, 4> lowBytes{};
     std::array<std::uint64_t, 4> latin{};
@@ -34,7 +38,8 @@ struct RE_Byte_Sets {
     bool operator==(const RE_Byte_Sets& other) const = default;
 };
 
-/// What sets of units look like. The same ones come at place after place.
+/// What sets of units look like through the lenses. The same ones come at place after place. Sets are known
+/// by their address, so they must live as long as this.
 class RE_Byte_Looks {
 public:
     explicit RE_Byte_Looks(RE_Scratch_Memory* memory) : known(memory) {}
@@ -46,34 +51,41 @@ private:
     RE_Scratch_List<std::pair<const RE_Unit_Set*, RE_Byte_Sets>> known;
 };
 
-/// Gathers, for what a way through the graph consumes first, the units that may stand at each of its first places. Every
-/// match along that way has a unit of each set up to `known`. Several ways may be taken together, one after the other:
-/// what they share is visited once.
+/// Gathers, for what a way through the graph consumes first, the units that are possible at each of its first
+/// places. Every match along that way has a unit of each set up to `known`. Several ways may be taken
+/// together, one after the other: what they share is visited once.
 class RE_Prefix_Units {
 public:
+    /// Each place costs a set and more visits. Reached places are bits of a node's note, so there could be 32
+    /// at most.
     static constexpr std::size_t mostPlaces = 8;
 
     RE_Prefix_Units(RE_Graph_Context& context, RE_Byte_Looks& setLooks)
         : pending(&context.scratch), walk(context.nextWalk()), looks(&setLooks) {}
 
-    /// With `emptyCounts` an end that is reached at once ends the prefix there; else such a match is refused anyway.
+    /// Gathers from a node on. With `emptyCounts` an end that is reached at once ends the prefix there; else
+    /// such a match is refused anyway.
     void gather(RE_Node* from, bool emptyCounts);
-    /// The same for the way that begins with this literal and goes on at `next`.
+    /// The same for the way that begins with this literal and continues at `next`.
     void gather(std::u16string_view text, bool ignoreCase, RE_Node* next);
 
-    /// The same, where the other one was gathered for nothing but a literal of that length, which goes on at the same node.
+    /// The same, where the other one was gathered for nothing but a literal of that length, which continues
+    /// at the same node: what comes after the literal is copied. Nothing has been gathered here before.
     void gatherLike(const RE_Prefix_Units& other, std::u16string_view text, bool ignoreCase);
 
     std::array<RE_Byte_Sets, mostPlaces> places;
+    /// So many places are complete; a way that ends, or is not known further, lowers it.
     std::size_t known = mostPlaces;
 
 private:
-    /// A node reached behind so many units.
+    /// A node reached after so many units, which is the place of the next one.
     struct Reached {
         RE_Node* node;
         std::size_t place;
     };
 
+    /// Puts a node on the list, unless it was there for that place before or the place is beyond what is
+    /// known.
     void reach(RE_Node* node, std::size_t place);
     struct Reader;  ///< of what the nodes mean
     void visitUnit(const RE_Consumable& unit, std::size_t place);
@@ -82,6 +94,7 @@ private:
     void visitPending();
     void addText(std::u16string_view text, bool ignoreCase, std::size_t place);
     void visitLoop(const RE_Consume& loop, std::size_t place);
+    /// Some match may be over at this place, or continue with units that nobody knows.
     void endAt(std::size_t place) { known = place < known ? place : known; }
     void addFolded(char16_t unit, std::size_t place);
 

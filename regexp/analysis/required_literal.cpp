@@ -1,3 +1,9 @@
+// Looks for literals near the front of the graph, keeps the bottlenecks among them, and measures the ways
+// that lead up to one.
+//
+// Why the measure is right: the literal is a bottleneck, so a way that avoids it never reaches the end of the
+// pattern, nor a node whose units are not known. All that is met on ways up to the literal is therefore
+// known, and the units gathered there are all that a match can have in front of its first such literal.
 #include "regexp/analysis/required_literal.h"
 
 #include "regexp/analysis/bottlenecks.h"
@@ -15,14 +21,18 @@
 
 namespace {
 
+// Bounds of cost. Beyond them literals are not found, or not used.
 constexpr std::size_t mostNodes = 500;
 constexpr std::size_t mostVisitsToLiterals = 2000;
+// The least number of units in front of a literal is counted up to these bounds only, so that sums stay small
+// and fit the note of a node. Both only make the number smaller, and it is a lower bound.
 constexpr std::uint64_t mostCounted = 1'000'000;
 constexpr std::uint64_t mostDistance = static_cast<std::uint32_t>(-1);
 constexpr std::size_t mostLiterals = 8;
 constexpr std::size_t usualNodesBefore = 32;
 
-/// Walks all ways from the root that do not lead through one literal, which is a bottleneck.
+/// Walks all ways from the root that do not lead through one literal, which is a bottleneck. Distances are
+/// numbers of units.
 class Around {
 public:
     Around(RE_Graph_Context& parserContext, const RE_Node* literal)
@@ -31,7 +41,7 @@ public:
           number(parserContext.nextWalk()),
           pending(&parserContext.scratch) {}
 
-    /// False when there are too many.
+    /// False when there are too many visits: a node is visited once for each shorter way to it.
     bool walk(RE_Node* root) {
         pending.reserve(usualNodesBefore);
         reach(root, 0);
@@ -48,8 +58,8 @@ public:
     std::uint64_t least = RE_Node::unboundedLength;  ///< units consumed on the shortest way to the literal
 
 private:
-    // A node is visited again when a shorter way to it turns up. Distances are noted in the nodes, up to a limit: what is
-    // asked for is a lower bound.
+    // A node is visited again when a shorter way to it turns up. Distances are noted in the nodes, up to a
+    // limit: what is sought is a lower bound.
     void reach(RE_Node* node, std::uint64_t distance) {
         if (node == nullptr) {
             return;
@@ -67,10 +77,11 @@ private:
     }
 
     /// Adds the units that a node may consume, and passes on how many it consumes at the least.
-    struct Reader {
-        Around& around;
-        std::uint64_t distance;
+    class Reader {
+    public:
+        Reader(Around& walk, std::uint64_t consumed) : around(walk), distance(consumed) {}
 
+        /// Continues at a node after so many more units.
         void reach(RE_Node* node, std::uint64_t consumed = 0) const {
             around.reach(node, distance + consumed);
         }
@@ -96,11 +107,31 @@ private:
             }
             reach(node.next, literals.shortest());
         }
-        /// All others consume nothing that `forEachStep` does not stop at.
-        void operator()(const auto& node) const {
+        void operator()(const RE_Meanings::Unknown& node) const { step(node); }
+        void operator()(const RE_Meanings::Nothing& node) const { step(node); }
+        void operator()(const RE_Meanings::Edge& node) const { step(node); }
+        void operator()(const RE_Meanings::Mark& node) const { step(node); }
+        void operator()(const RE_Meanings::Choice& node) const { step(node); }
+        void operator()(const RE_Meanings::Count_Start& node) const { step(node); }
+        void operator()(const RE_Meanings::Count& node) const { step(node); }
+        void operator()(const RE_Meanings::Pass& node) const { step(node); }
+        void operator()(const RE_Meanings::Body& node) const { step(node); }
+        void operator()(const RE_Meanings::Reference& node) const { step(node); }
+        void operator()(const RE_Meanings::Condition& node) const { step(node); }
+        void operator()(const RE_Meanings::Host_Call& node) const { step(node); }
+        void operator()(const RE_Meanings::Host_Text& node) const { step(node); }
+        void operator()(const RE_Meanings::End& node) const { step(node); }
+
+    private:
+        /// What these consume, if anything, no step leads past.
+        template <class Form>
+        void step(const Form& node) const {
             const auto follow = [this](RE_Node* target) { reach(target); };
             RE_Step_Reader<decltype(follow)>{follow}(node);
         }
+
+        Around& around;
+        std::uint64_t distance;
     };
 
     void visit(RE_Node* node, std::uint64_t distance) { visitMeaning(*node, Reader{*this, distance}); }
@@ -110,7 +141,7 @@ private:
     RE_Scratch_List<RE_Node*> pending;
 };
 
-/// The first literals on the ways from the root, outside of closed bodies.
+/// The first literals on the ways from the root, outside of closed bodies. Not all of them are required.
 RE_Scratch_List<RE_Node*> literalsFrom(RE_Graph_Context& context, RE_Node* root) {
     const std::uint32_t walk = context.nextWalk();
     RE_Scratch_List<RE_Node*> nodes(&context.scratch);
@@ -135,6 +166,8 @@ RE_Scratch_List<RE_Node*> literalsFrom(RE_Graph_Context& context, RE_Node* root)
     return found;
 }
 
+/// What seeks the node in a text: its text, or the prefixes of a set of literals. Nothing where it cannot be
+/// sought.
 std::optional<RE_Text_Finder> finderOf(RE_Graph_Context& context, RE_Node* node) {
     if (nodeAs<RE_Literal_Set>(node) == nullptr) {
         return literalOf(node);
@@ -153,6 +186,7 @@ std::optional<RE_Text_Finder> literalOf(const RE_Node* node) {
         return RE_Text_Finder({string->text, string->length}, string->ignoreCase);
     }
     const auto* const unit = nodeAs<RE_Natural>(node);
+    // With a fail target the unit is one of several that are possible.
     if (unit == nullptr || unit->failTarget != nullptr || unit->ch > 0xFFFF) {
         return std::nullopt;
     }
@@ -170,6 +204,7 @@ std::vector<RE_Found_Literal> requiredLiterals(RE_Graph_Context& context, RE_Nod
     for (RE_Node* node : literals) {
         std::optional<RE_Text_Finder> finder = finderOf(context, node);
         if (finder && finder->likelihood() < 1) {
+            // Equal ones stay in the order in which they were met.
             const auto rarerThan = [](double share, const RE_Found_Literal& other) {
                 return share < other.likelihood();
             };

@@ -4,21 +4,20 @@
 
 namespace {
 
-const RE_Tuning*& settingsOfThread() {
-    static const RE_Tuning usual;
-    static thread_local const RE_Tuning* settings = &usual;
-    return settings;
-}
+constexpr RE_Tuning usual;
+
+// Null outside of all scopes, so that a thread needs no initialisation.
+constinit thread_local const RE_Tuning* settingsOfThread = nullptr;
 
 }  // namespace
 
 const RE_Tuning& RE_Tuning::ofNewTrees() {
-    return *settingsOfThread();
+    return settingsOfThread != nullptr ? *settingsOfThread : usual;
 }
 
 RE_Tuning::Scope::Scope(const RE_Tuning& settings)
-    : own(settings), before(std::exchange(settingsOfThread(), &own)) {}
+    : own(settings), before(std::exchange(settingsOfThread, &own)) {}
 
 RE_Tuning::Scope::~Scope() {
-    settingsOfThread() = before;
+    settingsOfThread = before;
 }

@@ -4,6 +4,7 @@
 #include "regexp/base/memory.h"
 #include "regexp/base/opaque.h"
 #include "regexp/base/tuning.h"
+#include "regexp/graph/instruction.h"
 #include "regexp/graph/memo_scope.h"
 #include "regexp/graph/node_store.h"
 #include "regexp/graph/start_finder_kind.h"
@@ -22,7 +23,6 @@ class RE_Machine_Code;
 class RE_Node;
 class RE_Profiler;
 class RE_Unit_Set;
-struct RE_Program;
 
 /// How a search comes to the places where an attempt begins.
 struct RE_Attempt_Start {
@@ -57,8 +57,7 @@ struct CORVANE_REGEXP_EXPORT RE_Graph_Facts : public RE_Memory {
     bool hasDynamicNodes = false;     ///< matching may call the host
     RE_Start_Finder startFinder = RE_Start_Finder::none;
     RE_Attempt_Start start;
-    /// Of the graph from `start.entry` on, for searches that nobody watches; null when none was made.
-    RE_Opaque<const RE_Program> program;
+    RE_Program program;  ///< of the graph from `start.entry` on, for searches that nobody watches
     RE_Opaque<const RE_Machine_Code>
         machineCode;              ///< of the program; null unless the tree was asked to make it
     RE_Opaque<const RE_Dfa> dfa;  ///< null unless the tree was asked to make it

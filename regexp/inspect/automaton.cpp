@@ -6,7 +6,6 @@
 #include "regexp/nodes/closed_body.h"
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/loop_pass.h"
-#include "regexp/nodes/tokens.h"
 #include "regexp/nodes/trivial.h"
 #include "regexp/tree.h"
 
@@ -315,7 +314,7 @@ void RE_Automaton::continueBehind(RE_Node* node, const std::vector<std::size_t>&
         }
         behind.allowed = goesOn && consume->possessive && !consume->lazy ? any & ~letters : any;
         behind.conditional = !isChain && consume->minimum > 1;
-    } else if (nodeAs<RE_Match_Token>(node) != nullptr) {
+    } else if (std::holds_alternative<RE_Meanings::Reference>(node->meaning())) {
         addEdge(from, from, any);
         behind.conditional = true;
     }

@@ -205,7 +205,7 @@ std::size_t roomFor(const RE_Program& program) {
 class Assembler : public RE_Machine_Code, private corvane_machine::Start_Code {
 public:
     Assembler(const RE_Graph_Facts& graphFacts, const RE_Node* graphRoot)
-        : Start_Code(graphFacts, graphRoot, roomFor(*graphFacts.program)) {
+        : Start_Code(graphFacts, graphRoot, roomFor(graphFacts.program)) {
         // The order is the layout of the code: entries, starts, program, exits, constants. `emitBegin` falls
         // through into `emitStarts`, and the next start into the program.
         emitEntry();
@@ -225,7 +225,7 @@ public:
         // Both bases have the member: that of the interface is what searches read.
         RE_Machine_Code::mostSteps = Start_Code::mostSteps;
         forgetPlaces();
-        gains = graphFacts.program->entry != nullptr || seeks();
+        gains = graphFacts.program.entry != nullptr || seeks();
     }
     Assembler(const Assembler&) = delete;
     Assembler& operator=(const Assembler&) = delete;
@@ -236,7 +236,7 @@ public:
 }  // namespace
 
 std::unique_ptr<RE_Machine_Code> RE_Machine_Code::make(const RE_Graph_Facts& facts, const RE_Node* root) {
-    if (facts.program == nullptr) {
+    if (facts.program.instructions.empty()) {
         return nullptr;
     }
     try {

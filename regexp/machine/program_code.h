@@ -9,7 +9,7 @@
 
 #include "regexp/graph/graph_facts.h"
 #include "regexp/machine/unit_code.h"
-#include "regexp/program/instruction.h"
+#include "regexp/graph/instruction.h"
 #include "regexp/seek/literal_search.h"
 #include "regexp/state/token_stack.h"
 

@@ -50,7 +50,7 @@ std::optional<char16_t> onlyUnit(const RE_Unit_Set* units) {
 }  // namespace
 
 Start_Code::Start_Code(const RE_Graph_Facts& graphFacts, const RE_Node* graphRoot, std::size_t mostBytes)
-    : Program_Code(*graphFacts.program, graphFacts.keepsTokens, graphFacts.tuning.widestVectors, mostBytes),
+    : Program_Code(graphFacts.program, graphFacts.keepsTokens, graphFacts.tuning.widestVectors, mostBytes),
       facts(graphFacts),
       root(graphRoot) {}
 

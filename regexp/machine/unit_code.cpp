@@ -8,7 +8,7 @@
 
 #include "regexp/machine/unit_code.h"
 
-#include "regexp/program/instruction.h"
+#include "regexp/graph/instruction.h"
 #include "regexp/units/unit_set.h"
 
 #include <algorithm>

@@ -1,8 +1,11 @@
 // Mix-ins for nodes that can tell where they match next: a seek forward, and one backward.
 //
 // A seek may stop where the node does not match, as a node is matched afterwards. It must not pass over a
-// position where it does. Every answer holds for all positions from the one it was computed for up to the answer;
-// that is what the seek table relies on.
+// position where it does. Every answer holds for all positions from the one it was computed for up to the
+// answer; that is what the seek table relies on.
+//
+// Null from a seek means nowhere up to the end of the subject, or that the scan was broken off:
+// `wasInterrupted` tells which, and whoever concludes something from it has to look.
 #pragma once
 
 #include "regexp/seek/seek_table.h"
@@ -21,6 +24,8 @@ public:
             info.seekTable->get(p, this->seekKey(true), answer)) {
             return answer;
         }
+        // Null counts as a scan of all the rest. An answer of a scan that was broken off is not true and not
+        // kept.
         answer = scan(p, info);
         const auto distance = static_cast<std::size_t>((answer != nullptr ? answer : info.subjectEnd) - p);
         info.noteScan(distance);
@@ -34,10 +39,13 @@ public:
     }
 
 protected:
-    /// Answers nearer than this are found again as fast as they are looked up.
+    /// In units. Answers nearer than this are found again as fast as they are looked up.
     static constexpr std::size_t worthKeeping = 1024;
 
+    /// The first position at or after `p` at which the node can match, or null. Without an override nothing
+    /// is ruled out.
     virtual const char16_t* scan(const char16_t* p, RE_Search_Info&) const { return p; }
+    /// The last one in [p, p + count], or null.
     virtual const char16_t* scanBack(const char16_t* p, std::size_t count, RE_Search_Info&) const {
         return p + count;
     }
@@ -56,5 +64,6 @@ public:
     bool canSeek(bool) const override { return scans() && !isBranching(); }
 
 protected:
+    /// Whether the class can seek where a node of it has one way on.
     virtual bool scans() const { return false; }
 };

@@ -1,3 +1,7 @@
+// Opening and closing of bodies, and what is remembered of how they ended.
+//
+// A node that redirects the match loop overrules what `match` returns and where `next()` leads: a known
+// outcome and a glance are handled so, without entering the body.
 #include "regexp/nodes/closed_body.h"
 
 #include "regexp/base/within_size.h"
@@ -5,6 +9,7 @@
 
 #include <algorithm>
 
+// A body that is known to have failed here fails again: matching backtracks, as there is no fail target.
 bool RE_Atomic::match(const char16_t*, std::size_t& pos, RE_Search_Info& info) const {
     const RE_Body_Outcome known = info.knownOutcome(this, pos);
     if (known.kind == RE_Body_Outcome::Kind::unknown) {
@@ -22,6 +27,8 @@ RE_Node* RE_Atomic::bodyEnded(bool completed, std::size_t& pos, RE_Search_Info& 
     if (!completed || remembers) {
         info.noteOutcome(this, info.bodies.back().start, completed, pos);
     }
+    // States on the way to the end have not failed, and which they are is not known: all are forgotten. After
+    // a failure all that is left are failures, which stay valid.
     if (completed) {
         info.forgetBodyStates();
     }
@@ -34,6 +41,8 @@ void RE_Atomic::visitLinks(RE_Link_Visitor& visitor) {
     visitor.link(body, RE_Link::body);
 }
 
+// The body is no way on, so its lengths are not among those of the successors: they come from measuring the
+// syntax.
 void RE_Atomic::combineLengths() {
     RE_Node::combineLengths();
     minLength = minLength > unboundedLength - bodyMinimum ? unboundedLength : minLength + bodyMinimum;
@@ -45,6 +54,7 @@ bool RE_Lookaround_Assertion::glanceAtRow(std::size_t pos, RE_Search_Info& info)
     if (behind && glanceWidth > pos) {
         return false;
     }
+    // All tests have a fixed width, so a body that starts here ends at the assertion.
     std::size_t at = behind ? pos - withinSize(glanceWidth) : pos;
     for (const RE_Node* test = body; test != glanceEnd; test = test->nextNode) {
         if (!test->match(info.subjectBegin, at, info)) {
@@ -57,6 +67,7 @@ bool RE_Lookaround_Assertion::glanceAtRow(std::size_t pos, RE_Search_Info& info)
 bool RE_Lookaround_Assertion::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {
     if (glanceEnd != nullptr) {
         const bool completed = glance(subject + pos, info);
+        // The return value only says whether the assertion holds; where to continue has been decided by then.
         info.redirect(completed ? nextNode : failTarget);
         return completed != negative;
     }
@@ -75,7 +86,8 @@ bool RE_Lookaround_Assertion::match(const char16_t* subject, std::size_t& pos, R
 }
 
 // Candidate starts of the body are tried from the nearest one, which leaves room for the body's least length,
-// to the farthest. They share one window end and one memo.
+// to the farthest, which its greatest length allows. They share one required end and one memo: what cannot
+// reach that end from one start cannot reach it from another.
 bool RE_Lookaround_Assertion::openBehind(std::size_t& pos, RE_Search_Info& info) const {
     if (bodyMinimum > pos) {
         return false;
@@ -92,8 +104,8 @@ bool RE_Lookaround_Assertion::openBehind(std::size_t& pos, RE_Search_Info& info)
     return true;
 }
 
-// The candidate, or one before it at which the body can begin. A body that consumes nothing is asked
-// directly: what it tests may be the window.
+// The candidate, or one before it at which the body can begin. A body that may consume nothing is entered
+// without a seek: what it begins with may be the test of the required end, which holds elsewhere each time.
 bool RE_Lookaround_Assertion::findStart(RE_Body_Frame& frame, std::size_t& pos, RE_Search_Info& info) const {
     const char16_t* start = info.subjectBegin + frame.candidate;
     if (bodyMinimum > 0 && body->canSeek(false)) {
@@ -103,6 +115,8 @@ bool RE_Lookaround_Assertion::findStart(RE_Body_Frame& frame, std::size_t& pos, 
         }
     }
     frame.candidate = info.indexOf(start);
+    // Nodes of the body see the attempt begin here: an expression of the host is shown what the body has
+    // matched so far.
     info.matchStart = start;
     pos = frame.candidate;
     return true;
@@ -113,7 +127,10 @@ RE_Node* RE_Lookaround_Assertion::tryEarlierStart(std::size_t& pos, RE_Search_In
     if (!behind || frame.candidate == frame.lowest || info.pollInterrupt()) {
         return nullptr;
     }
+    // The next start must find tokens and registers as the assertion did.
     frame.scope.undoWrites();
+    // The starts are a choice without a record. It counts towards the memo, or long windows would never begin
+    // one.
     info.spareChoice();
     --frame.candidate;
     return findStart(frame, pos, info) ? body : nullptr;
@@ -129,9 +146,12 @@ RE_Node* RE_Lookaround_Assertion::bodyEnded(bool completed, std::size_t& pos, RE
     if (!completed || remembers) {
         info.noteOutcome(this, pos, completed, pos);
     }
+    // Failures of a look-behind hold for its required end only, which is another one next time.
     if (completed || behind) {
         info.forgetBodyStates();
     }
+    // A negative assertion that holds has matched nothing, and one whose body completed takes back what it
+    // captured.
     info.closeBody(completed && !negative);
     if (info.wasInterrupted()) {
         return nullptr;

@@ -3,12 +3,17 @@
 // `match` opens a frame in the search state and `next()` leads into the body; the match loop runs the body
 // like any other node and calls `bodyEnded` when it has completed or failed. No choice inside the body
 // survives that, and no native stack is used however deeply bodies nest.
+//
+// How a body ends at a position can be remembered where it depends on nothing else: that it failed always,
+// within the lifetime of a failure; that it completed only where `remembers` is set, since an outcome holds
+// no tokens.
 #pragma once
 
 #include "regexp/nodes/can_seek.h"
 #include "regexp/units/unit_set.h"
 
-/// Keeps what its body matched first.
+/// Keeps what its body matched first: the choices of the body are dropped when it completes. Also the form of
+/// possessive loops over more than a unit.
 class CORVANE_REGEXP_EXPORT RE_Atomic : public RE_Node {
 public:
     using RE_Node::RE_Node;
@@ -21,14 +26,17 @@ public:
     std::string label() const override { return "Atomic group"; }
 
     RE_Node* body = nullptr;
-    bool remembers =
-        false;  ///< where a completed body ended depends on its start only, and is asked for often
+    bool remembers = false;  ///< where a completed body ended depends on its start only, and is needed often
+    // In units, from the measured syntax: the links of the body do not tell where it ends.
     std::uint64_t bodyMinimum = 0;  ///< units the body consumes
     std::uint64_t bodyMaximum = unboundedLength;
 };
 
-/// Lookahead and look-behind. Where it holds matching goes on at `nextNode`, where it does not at the fail
-/// target; a negative assertion has no next node unless it is a condition. Consumes nothing.
+/// Lookahead and look-behind. Where the body matches matching continues at `nextNode`, where it does not at
+/// the fail target, in both cases at the position of the assertion. So a negative assertion continues at its
+/// fail target and has no next node, unless it is a condition. Consumes nothing.
+///
+/// A look-behind's body must end at the assertion. Its starts are tried from the nearest to the farthest.
 class CORVANE_REGEXP_EXPORT RE_Lookaround_Assertion : public RE_Branch_Seek<RE_Can_Seek<RE_Consumable>> {
 public:
     RE_Lookaround_Assertion(RE_Graph_Context& context, bool looksBehind, bool isNegative)
@@ -44,7 +52,7 @@ public:
     bool behind;
     bool negative;  ///< tokens that its body captured are taken back when the body completes
     RE_Node* body = nullptr;
-    bool remembers = false;         ///< a body that completed leaves nothing behind but that it did
+    bool remembers = false;         ///< of a body that completed nothing is left but that it did
     std::uint64_t bodyMinimum = 0;  ///< bounds of what a look-behind body consumes
     std::uint64_t bodyMaximum = unboundedLength;
 
@@ -56,7 +64,8 @@ public:
     static constexpr std::uint32_t noUnit = static_cast<std::uint32_t>(-1);
     std::uint32_t glanceUnit = noUnit;
 
-    /// Whether the body matches, for one that is a row of tests.
+    /// Whether the body matches, for one that is a row of tests: without a frame, a record or a step of its
+    /// own. Reads nothing outside of the subject.
     bool glance(const char16_t* p, RE_Search_Info& info) const {
         if (glanceUnits == nullptr && glanceUnit == noUnit) {
             return glanceAtRow(info.indexOf(p), info);
@@ -68,12 +77,18 @@ public:
         return glanceUnits != nullptr ? glanceUnits->contains(unit) : unit == glanceUnit;
     }
 
-    /// The test that decides it, when the row of tests is a single test of a unit; else null.
+    /// The test that decides it, when the row of tests is a single test of a unit; else null. Such an
+    /// assertion means a test of the neighbouring unit, as an anchor does.
     const RE_Consumable* onlyTest() const;
 
 private:
+    /// The same by visiting the tests, which continue at each other's next node.
     bool glanceAtRow(std::size_t pos, RE_Search_Info& info) const;
+    /// Opens the body of a look-behind at its nearest candidate start. False when there is none.
     bool openBehind(std::size_t& pos, RE_Search_Info& info) const;
+    /// Moves the frame's candidate back to a start at which the body can begin. False when there is none
+    /// left.
     bool findStart(RE_Body_Frame& frame, std::size_t& pos, RE_Search_Info& info) const;
+    /// After a failure: the body again, from an earlier start, or null.
     RE_Node* tryEarlierStart(std::size_t& pos, RE_Search_Info& info) const;
 };

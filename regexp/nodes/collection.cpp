@@ -1,10 +1,13 @@
+// The walks. The list of nodes found is also the list of those still to be gone through: it grows while it is
+// read.
 #include "regexp/nodes/collection.h"
 
 #include "regexp/nodes/links.h"
 
 namespace {
 
-// What was passed over is made to lead straight to the end too, so that long chains are walked once only.
+// What was passed over is made to lead straight to the end too, so that long chains are gone through once
+// only, however many links lead into them.
 void bypassSkippable(RE_Node*& target) {
     RE_Node* const end = throughSkippable(target);
     for (RE_Node* passed = target; passed != end;) {
@@ -37,7 +40,7 @@ void RE_Collection::walkPastSkippable(RE_Node* root, std::uint32_t number) {
 }
 
 std::vector<RE_Node*, RE_Allocator<RE_Node*>> RE_Collection::reachable(RE_Node* root) {
-    constexpr auto number = static_cast<std::uint32_t>(-1);  // no pass comes to that many walks
+    constexpr auto number = static_cast<std::uint32_t>(-1);  // no compilation takes that many walks
     RE_Scratch_Memory scratch;
     RE_Collection collection(&scratch);
     collection.walk(root, number);

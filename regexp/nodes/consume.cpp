@@ -1,3 +1,8 @@
+// Measuring of runs, and greedy runs from the longest end to the shortest.
+//
+// Two things are remembered for a search, both in rows of the node's own: the last long run, which ends at
+// the same place from each of its positions, and the last stretch without a place at which the rest can
+// begin. Without them a search could go through one long run again from each of its positions.
 #include "regexp/nodes/consume.h"
 
 #include "regexp/graph/meaning.h"
@@ -13,7 +18,8 @@
 
 namespace {
 
-// The table of the item lives as long as the graph does.
+// The units of the item, as a set. A table that the item has already lives as long as the graph does, so it
+// is borrowed; other items have theirs gathered.
 std::shared_ptr<const RE_Unit_Set> unitsOf(RE_Graph_Context& context, const RE_Consumable& item) {
     if (const RE_Unit_Set* const table = item.table()) {
         return {std::shared_ptr<const void>(), table};
@@ -46,7 +52,9 @@ const char16_t* RE_Consume::runEnd(const char16_t* p, std::uint64_t most, RE_Sea
     return end != nullptr ? end : scanOn(p, limit, info);
 }
 
-// The units that a short run would have belong to this one.
+// The first `shortRun` units have been seen to belong to the run. The rest is scanned for a unit that does
+// not, block by block, so that interrupts are seen. When one was, the end is too near, and nobody may
+// remember it.
 const char16_t* RE_Consume::scanOn(const char16_t* p, const char16_t* limit, RE_Search_Info& info) const {
     const char16_t* const start = p;
     p += shortRun;
@@ -63,7 +71,8 @@ const char16_t* RE_Consume::scanOn(const char16_t* p, const char16_t* limit, RE_
     return p;
 }
 
-// A run that reaches the one known ends where that ends.
+// A run that reaches the one known ends where that ends. A position past the known run's end belongs to
+// another run.
 const char16_t* RE_Consume::endOfRunFrom(const char16_t* p, RE_Search_Info& info) const {
     const RE_Measured_Run* const known = info.measuredRun(memoIndex);
     if (known == nullptr || known->begin == nullptr || p >= known->begin) {
@@ -78,7 +87,7 @@ const char16_t* RE_Consume::wholeRunEnd(const char16_t* p, RE_Search_Info& info)
     return end != nullptr ? end : longRunEnd(p, info);
 }
 
-// Searches come back to a long run from each of its positions.
+// Searches return to a long run from each of its positions, so the last one is remembered.
 const char16_t* RE_Consume::longRunEnd(const char16_t* p, RE_Search_Info& info) const {
     if (const RE_Measured_Run* known = info.measuredRun(memoIndex); known != nullptr && known->holds(p)) {
         return known->end;
@@ -91,10 +100,13 @@ const char16_t* RE_Consume::longRunEnd(const char16_t* p, RE_Search_Info& info) 
 }
 
 const char16_t* RE_Consume::lastHopelessStart(const char16_t* p, RE_Search_Info& info) const {
+    // With a maximum, ends from a later start may be farther than those that were tried. Only a run that is
+    // shorter than the minimum is hopeless, and with a minimum below 2 such a run has no other positions.
     if (maximum != noMaximum && minimum < 2) {
         return p;
     }
     const RE_Measured_Run& measured = info.leadingRun;
+    // Nothing was noted: the run reached the maximum, so it was long enough.
     if (isNotedUpTo() && measured.begin != p) {
         return p;
     }
@@ -118,20 +130,21 @@ bool RE_Consume::match(const char16_t* subject, std::size_t& pos, RE_Search_Info
         pos = info.indexOf(end);
         return true;
     }
-    return goOn(p + minimum, end, pos, info);
+    return takeLongest(p + minimum, end, pos, info);
 }
 
 RE_Node* RE_Consume::resume(const RE_Backtrack_Record& record, std::size_t& pos, RE_Search_Info& info) const {
     const char16_t* const end = record.position;
     const std::size_t word = info.poppedWord();
     const bool going =
-        lazy ? takeLonger(end, word, pos, info) : goOn(info.subjectBegin + word, end - 1, pos, info);
+        lazy ? takeLonger(end, word, pos, info) : takeLongest(info.subjectBegin + word, end - 1, pos, info);
     return going ? nextNode : nullptr;
 }
 
-// Takes the longest end in [from, end] that is worth trying, and leaves the shorter ones as a choice.
-bool RE_Consume::goOn(const char16_t* from, const char16_t* end, std::size_t& pos,
-                      RE_Search_Info& info) const {
+// Takes the longest end in [from, end] that is worth trying, and leaves the shorter ones as a choice. Without
+// a shorter end there is no choice and no record.
+bool RE_Consume::takeLongest(const char16_t* from, const char16_t* end, std::size_t& pos,
+                             RE_Search_Info& info) const {
     const char16_t* const taken = lastEnd(from, end, info);
     if (taken == nullptr) {
         return false;
@@ -152,7 +165,7 @@ void RE_Consume::leaveChoice(const char16_t* taken, const char16_t* limit, RE_Se
     }
 }
 
-// A reference may stand for another text each time, so what it says is not remembered.
+// A reference may be to another text each time; within a look-behind it does not seek at all.
 bool RE_Consume::nextSeeks(const RE_Search_Info& info) const {
     return (nextNode->kind != RE_Node_Kind::matchToken || info.requiredEnd == nullptr) && restSeeks();
 }
@@ -163,7 +176,8 @@ const char16_t* RE_Consume::nextStart(const char16_t* p, RE_Search_Info& info) c
                : nextNode->seek(p, info);
 }
 
-// The end of a look-behind body holds at another place each time: what it says is not remembered either.
+// The last place in [from, last] at which the rest can begin, or null. The end of a look-behind body holds at
+// another place each time, and a reference is to another text: what they answer is not remembered as barren.
 const char16_t* RE_Consume::lastStart(const char16_t* from, const char16_t* last,
                                       RE_Search_Info& info) const {
     if (nextNode->kind == RE_Node_Kind::matchToken) {
@@ -175,8 +189,9 @@ const char16_t* RE_Consume::lastStart(const char16_t* from, const char16_t* last
                : info.lastStartWithin(nextNode, from, last);
 }
 
-// Steps over ends that failed before and ends at which the rest cannot begin, until neither has anything to say. The
-// latter are noted as failed: then all are stepped over at once from the starts that follow.
+// Steps over ends that failed before and ends at which the rest cannot begin, until neither rules out the
+// candidate. The latter are noted as failed: then all are stepped over at once from the starts that follow.
+// An end that is stepped over would have failed at the next node, so none is lost.
 const char16_t* RE_Consume::lastEnd(const char16_t* from, const char16_t* end, RE_Search_Info& info) const {
     const bool seeks = nextSeeks(info);
     std::size_t looked = 0;
@@ -185,6 +200,7 @@ const char16_t* RE_Consume::lastEnd(const char16_t* from, const char16_t* end, R
         if (candidate == nullptr) {
             return nullptr;
         }
+        // A step for the end that is tried.
         info.noteScan(RE_Step_Meter::unitsAStep);
         const char16_t* const startable = seeks ? lastStart(from, candidate, info) : candidate;
         if (startable == candidate) {
@@ -198,6 +214,7 @@ const char16_t* RE_Consume::lastEnd(const char16_t* from, const char16_t* end, R
             info.noteFailed(this, refused, candidate);
             candidate = refused;
         }
+        // Ends may be refused one after the other, millions of them: the host is polled now and then.
         const bool stop = ++looked % RE_SCAN_POLL_UNITS == 0 && info.pollScan();
         if (candidate == from || stop) {
             return nullptr;

@@ -1,4 +1,7 @@
 // A walk over a finished graph that gathers the greatest number of each kind.
+//
+// Classes are recognised by `dynamic_cast` here, as a survey is made once for each sub-pattern and some of these
+// classes have no bit of their own.
 #include "regexp/nodes/continued_graph.h"
 
 #include "regexp/nodes/links.h"
@@ -49,9 +52,11 @@ private:
         } else if (const auto* const token = dynamic_cast<const RE_Token*>(&node)) {
             noteToken(token->number, token->name);
         } else if (const auto* const reader = dynamic_cast<const RE_Token_Fail*>(&node)) {
+            // A reader by name has no number that counts; its token is met by itself, if it is there at all.
             noteToken(reader->name == nullptr ? reader->number : 0, nullptr);
         }
     }
+    /// Numbers become counts, so that the first free number is what is kept.
     void notePass(std::size_t pass) {
         graph.place.passRegister = std::max(graph.place.passRegister, pass + 1);
     }

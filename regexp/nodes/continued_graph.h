@@ -21,6 +21,7 @@ struct RE_Continued_Graph {
     std::vector<const char16_t*, RE_Allocator<const char16_t*>> tokenNames;
 
     /// Surveys everything that can be reached from `entry` (null: nothing), through continuations too. Only
-    /// reads: the graph may be searched by other threads meanwhile. Linear in its nodes.
+    /// reads: the graph may be searched by other threads meanwhile. Linear in its nodes, of which it keeps a
+    /// set of its own, since the marks in the nodes belong to whoever compiles them.
     static RE_Continued_Graph from(RE_Node* entry);
 };

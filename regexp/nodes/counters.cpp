@@ -1,3 +1,6 @@
+// What counters do to the counts of a search, and how their records undo it.
+//
+// Invariant: when a record of a counter has been popped, the counts are as they were when it was pushed.
 #include "regexp/nodes/counters.h"
 
 #include "regexp/base/within_size.h"
@@ -10,6 +13,8 @@ void RE_Greedy_Counter::onBacktrack(RE_Search_Info& info) const {
     info.decrementCount(this);
 }
 
+// A refused state left no record that could count the pass back, so that is done here. It is a dead end, not
+// a failure: the exit was part of the same state and has been tried.
 bool RE_Greedy_Counter::beginPass(const char16_t* p, RE_Search_Info& info) const {
     info.incrementCount(this);
     if (!info.pushChoice(this, p, true)) {
@@ -45,6 +50,8 @@ void RE_Fixed_Counter::onBacktrack(RE_Search_Info& info) const {
     }
 }
 
+// Passes that could be of use are `passesPerUnit` for each unit left and `passesAtEnd`; the rest is idle. The
+// first test keeps the product from overflowing.
 std::uint64_t RE_Fixed_Counter::idlePasses(std::uint64_t left, std::size_t unitsLeft) const {
     const std::uint64_t most = left > passesAtEnd ? left - passesAtEnd : 0;
     return passesPerUnit != 0 && unitsLeft > most / passesPerUnit ? 0 : most - passesPerUnit * unitsLeft;
@@ -59,7 +66,7 @@ std::string RE_Fixed_Counter::label() const {
     return "Fixed Counter{" + std::to_string(limit + 1) + "}";
 }
 
-// At the limit there is nothing to choose: matching goes on at the exit, where `failNode` leads.
+// At the limit there is nothing to choose: matching continues at the exit, where `failNode` leads.
 bool RE_Limit_Counter::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {
     return info.countAt(this, 0) < limit && beginPass(subject + pos, info);
 }
@@ -68,6 +75,8 @@ std::string RE_Limit_Counter::label() const {
     return "Limit Counter{" + std::to_string(limit) + "}";
 }
 
+// Takes the exit. The record of the decrementer goes below that of the counter; the first is no choice, so it
+// is never refused by the memo.
 bool RE_Lazy_Counter::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {
     if (info.countAt(this, 0) >= limit) {
         return false;

@@ -6,6 +6,8 @@
 // nodes at once is off under `Profile`.
 #pragma once
 
+#include "regexp/base/export.h"
+
 #include <cstddef>
 #include <cstdint>
 
@@ -15,7 +17,8 @@ struct RE_Backtrack_Record;
 struct RE_Node_Counts;
 
 /// Notes what one visit to a node, or one choice of it that is resumed, does to the search. Made before the
-/// visit, consulted after it, and gone with it.
+/// visit, consulted after it, and gone with it. Counts into the sheet of the search, so threads do not share
+/// any.
 class CORVANE_REGEXP_EXPORT RE_Node_Counting {
 public:
     RE_Node_Counting(const RE_Node* node, RE_Search_Info& info);

@@ -1,3 +1,7 @@
+// Makes the lists of ways of a dispatch, and takes them.
+//
+// Most columns of a dispatch have one of a few lists. Lists are made where they change from one column to the
+// next, and equal ones are shared.
 #include "regexp/nodes/dispatch.h"
 
 #include "regexp/graph/meaning.h"
@@ -18,6 +22,7 @@ void RE_Branch_Start::addAll(const RE_Unit_Set& units) {
 
 void RE_Branch_Start::addEverything() {
     bits.fill(~std::uint64_t{0});
+    // The last word is used in part: columns that there are not must stay empty, or `count` would count them.
     bits.back() >>= 64 * bits.size() - columns;
 }
 
@@ -38,7 +43,7 @@ void RE_Branch_Start::addChangesTo(RE_Branch_Start& changes) const {
 
 namespace {
 
-/// Lists of ways, one behind another, each once.
+/// Lists of ways, one after another, each once. Lists are compared with those that are known: there are few.
 class Way_Lists {
 public:
     Way_Lists(std::uint32_t lastMark, RE_Scratch_Memory* memory)
@@ -97,7 +102,7 @@ private:
     static constexpr std::size_t usualLists = 16;
 
     struct Known {
-        std::uint64_t ways;  ///< where they are told by bits
+        std::uint64_t ways;  ///< as bits, where lists are compared so; else 0
         std::uint32_t place;
     };
 
@@ -108,11 +113,14 @@ private:
 
 using Places = std::array<std::uint32_t, RE_Branch_Start::columns>;
 
-// So many branches are told by the bits of a word, at each column.
+// From so many branches on it is cheaper to compare the ways of a column as the bits of one word than as
+// lists. More than 64 do not fit into a word.
 bool paysByBits(RE_Dispatch::Branches branches) {
     return branches.size() > 8 && branches.size() <= 64;
 }
 
+/// Fills in the place of each column by the ways as bits: a way changes its bit at the columns where it
+/// begins or ceases to be possible.
 void placeByBits(RE_Dispatch::Branches branches, Way_Lists& lists, Places& places) {
     std::array<std::uint64_t, RE_Branch_Start::columns + 1> changed{};
     for (std::size_t way = 0; way < branches.size(); ++way) {
@@ -131,7 +139,8 @@ void placeByBits(RE_Dispatch::Branches branches, Way_Lists& lists, Places& place
     }
 }
 
-// Neighbouring columns mostly have the same list.
+/// The same by lists, made at each column at which any way changes. Neighbouring columns mostly have the same
+/// list.
 void placeByColumns(RE_Dispatch::Branches branches, Way_Lists& lists, Places& places) {
     RE_Branch_Start changes;
     for (const RE_Dispatch::Branch& branch : branches) {

@@ -1,3 +1,4 @@
+// Calls of the host from within a match, and the compilation of the texts that it makes.
 #include "regexp/nodes/dynamic.h"
 
 #include "regexp/eval/evaluation_io.h"
@@ -8,10 +9,12 @@
 
 namespace {
 
+/// The search as the host sees it at this position. It must not outlive the call.
 RE_Results view(const char16_t* subject, std::size_t pos, RE_Search_Info& info) {
     return RE_Results(&info, subject + pos, 0, false);
 }
 
+/// How many texts a node is in whose pattern is compiled for `outer`.
 std::uint32_t depthIn(RE_Node* outer) {
     const auto* const including = dynamic_cast<const RE_Dynamic*>(outer);
     return including == nullptr ? 0 : including->getDepth() + 1;
@@ -40,12 +43,13 @@ const RE_Node* RE_Dynamic::includedText(const RE_Search_Info& info) const {
     return info.included.root();
 }
 
-// Everything in the text has been tried.
+// Everything in the text has been tried, as its choices lay above this record: it may be freed.
 RE_Node* RE_Dynamic::resume(const RE_Backtrack_Record&, std::size_t&, RE_Search_Info& info) const {
     info.included.trim(info);
     return nullptr;
 }
 
+// The text may have any length.
 void RE_Dynamic::combineLengths() {
     RE_Node::combineLengths();
     maxBounded = false;

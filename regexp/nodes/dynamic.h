@@ -2,6 +2,10 @@
 //
 // Each shows the host a view of the search in progress: the subject, the tokens so far, and as the match what
 // lies between the start of the attempt and the current position. None of them keeps anything of a search.
+//
+// Trap: the host may answer differently each time, and what it is called for may matter to the application.
+// So every node here reports the call by `hostWasCalled`, after which no earlier failure is trusted, and
+// passes that would change the number of calls leave patterns with such nodes alone.
 #pragma once
 
 #include "regexp/base/flags.h"
@@ -49,18 +53,19 @@ struct RE_Text_Compiler {
                                     RE_Node* next, RE_Node* outer, const RE_Sub_Pattern_Place& place);
 };
 
-/// Base of the nodes that match a text which comes to be while they match.
+/// Base of the nodes that match a text which is made while they match.
 ///
 /// The text is compiled to a sub-pattern whose end leads on to this node's successor, and is then matched as
 /// if it stood here: the record that this node leaves only marks how long the sub-pattern must live. So no
 /// native stack is used however many texts follow or include each other.
 class CORVANE_REGEXP_EXPORT RE_Dynamic : public RE_Node {
 public:
-    /// Texts within texts: how deeply they may nest.
+    /// Texts within texts: how deeply they may nest. Each level holds a compiled pattern, so a text that
+    /// includes itself would otherwise take all memory.
     static constexpr std::uint32_t maximumDepth = 200;
 
     RE_Dynamic(RE_Graph_Context& parser, RE_Flags textFlags);
-    /// Where matching goes on is `includedText`.
+    /// Matching continues at `includedText`.
     bool isEnd() const override { return true; }
     const RE_Node* includedText(const RE_Search_Info& info) const override;
     RE_Node* resume(const RE_Backtrack_Record& record, std::size_t& pos, RE_Search_Info& info) const override;
@@ -76,7 +81,7 @@ private:
     RE_Flags flags;  ///< modes in which texts are compiled
     RE_Node* outer;  ///< handed to sub-patterns: this node, by which their own dynamic nodes know their depth
     RE_Context* context;  ///< of the compilation
-    std::uint32_t depth;  ///< how many texts this node stands in
+    std::uint32_t depth;  ///< how many texts this node is in
 };
 
 /// `(??text)`: the text with its references replaced.

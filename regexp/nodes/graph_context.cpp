@@ -40,6 +40,7 @@ RE_Graph_Context::~RE_Graph_Context() {
     }
 }
 
+// A start finder in front of a root that has been walked from leads to nothing new: no walk is taken for it.
 const RE_Collection::Nodes& RE_Graph_Context::nodes(RE_Node* root) {
     if (walkedFrom == nullptr || (walkedFrom != root && nodeAs<RE_Seeker>(root) == nullptr)) {
         reached.reserve(made.size());
@@ -58,6 +59,7 @@ RE_Node* RE_Graph_Context::leadPastSkippable(RE_Node* root) {
     return walkedFrom;
 }
 
+// Nodes are kept in the order of their numbers, which is mostly that in which they were made, not in that of the walk.
 std::size_t RE_Graph_Context::handOver(RE_Node* root) {
     const RE_Collection::Nodes& kept = nodes(root);
     facts->nodes.reserve(kept.size());

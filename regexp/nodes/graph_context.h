@@ -46,7 +46,8 @@ public:
         return (madeClasses & (RE_Asked_Classes::bit<Classes>() | ...)) != 0;
     }
     std::uint64_t nextNodeId() { return ++nodeCount; }
-    /// A number for a walk that marks where it has been by `RE_Node::walk`. Of two such walks one ends before the other.
+    /// A number for a walk that marks where it has been by `RE_Node::walk`. Of two such walks one ends before
+    /// the other, since both write to the same member. No number is used twice, so nobody clears marks.
     std::uint32_t nextWalk() { return ++walks; }
     /// A memo row for a node that makes choices.
     std::uint32_t nextMemoRow() { return facts->memoRows++; }
@@ -54,13 +55,14 @@ public:
     const Corvane::regexp::CompileOptions& options() const { return context->getCompileOptions(); }
 
     /// The nodes that can be reached from the root, in the order in which a walk meets them first, and marked by it. They
-    /// stay as they are until they are asked for again, which takes a walk only when links have changed.
+    /// stay as they are until the next call, which takes a walk only when links have changed.
     const RE_Collection::Nodes& nodes(RE_Node* root);
-    /// For passes that redirect links and leave nothing skippable behind, which would have the graph walked anyway.
+    /// For passes that redirect links and leave nothing skippable, which would have the graph walked anyway.
     void linksChanged() { walkedFrom = nullptr; }
     /// Makes all links lead past nodes that do nothing. Returns the new root.
     RE_Node* leadPastSkippable(RE_Node* root);
-    /// Hands the nodes that are reached from the root to the facts and destroys the others. Returns how many are left.
+    /// Hands the nodes that are reached from the root to the facts and destroys the others. Returns how many
+    /// are left. The last thing that is done with this object's nodes; prepares their seeks.
     std::size_t handOver(RE_Node* root);
 
     RE_Scratch_Memory scratch;  ///< what compiling takes for itself
@@ -68,6 +70,7 @@ public:
     std::uint64_t nodeCount = 0;
     std::uint32_t walks = 0;
     RE_Class_Bits madeClasses = 0;
+    // What the parser may do at once, and what it has seen, for passes that would otherwise look for it.
     bool joinsTexts = false;      ///< runs of literals are strings from the beginning
     bool joinsRuns = false;       ///< loops over one unit are runs from the beginning
     bool renumbers = false;       ///< some nodes are not in the order of their numbers

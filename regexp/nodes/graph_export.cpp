@@ -1,3 +1,7 @@
+// Writes a graph with its capture groups as clusters.
+//
+// Nothing is recursive, as groups may nest more deeply than the native stack would allow, and nothing is
+// marked in the nodes, as they may be searched meanwhile.
 #include "regexp/nodes/graph_export.h"
 
 #include "regexp/base/within_size.h"
@@ -47,7 +51,7 @@ struct Link_Writer : RE_Link_Visitor {
     const RE_Node* from;
 };
 
-/// The capture groups of a graph: which nodes stand between the start and the end of each. A group that the
+/// The capture groups of a graph: which nodes are between the start and the end of each. A group that the
 /// parser copied is there as often as its copies.
 class Clusters {
 public:
@@ -71,6 +75,8 @@ public:
     const Cluster& operator[](std::size_t index) const { return all[index]; }
 
 private:
+    /// Gives a node the cluster of the node that led to it first. A token start opens a cluster of its own
+    /// within that.
     void arrive(RE_Node* node, std::size_t from) {
         if (node == nullptr || clusterOf.contains(node)) {
             return;
@@ -85,15 +91,17 @@ private:
         pending.push_back(node);
     }
 
+    /// Passes the cluster of a node on to all that it leads to; past the end of a group that is the group
+    /// around it.
     void visit(RE_Node* node) {
         const std::size_t own = clusterOf.at(node);
-        const std::size_t behind = node->isEndToken() ? all[own].parent : own;
+        const std::size_t following = node->isEndToken() ? all[own].parent : own;
         struct Arrival : RE_Link_Visitor {
             Arrival(Clusters& all, std::size_t cluster) : clusters(all), from(cluster) {}
             void link(RE_Node*& target, RE_Link) override { clusters.arrive(target, from); }
             Clusters& clusters;
             std::size_t from;
-        } arrival(*this, behind);
+        } arrival(*this, following);
         node->visitLinks(arrival);
     }
 
@@ -102,7 +110,7 @@ private:
     std::vector<RE_Node*> pending;
 };
 
-// Groups may nest more deeply than the native stack would allow.
+// Clusters within clusters, on a list of open ones in place of recursion.
 void writeClusters(RE_Graph_Output& out, const Clusters& clusters) {
     std::vector<std::pair<std::size_t, std::size_t>> open{
         {Clusters::outside, 0}};  // cluster, inner ones written
@@ -134,7 +142,7 @@ const char* linkName(RE_Link kind) {
 }
 
 void RE_Graph_Output::addNode(const RE_Node* node) {
-    // Nodes that go on in another pattern also answer that they are an end.
+    // Nodes that continue in another pattern also answer that they are an end.
     std::string more = node->isEnd() && node->nextNode == nullptr ? ", peripheries=2" : "";
     const std::string given = attributes ? attributes(node->nodeId) : std::string();
     more += given.empty() ? "" : ", " + given;

@@ -1,4 +1,7 @@
 // The node graph as text in the graph language (DOT).
+//
+// For people and tools that draw. Nodes are named by their numbers, so a graph can be compared with a trace
+// of a search.
 #pragma once
 
 #include "regexp/base/memory.h"
@@ -15,6 +18,7 @@ struct CORVANE_REGEXP_EXPORT RE_Graph_Output {
     std::string links;
     const RE_Graph_Attributes& attributes;
 
+    /// Writes one node, with the attributes that the caller gives it, or one link.
     void addNode(const RE_Node* node);
     void addLink(const RE_Node* from, const RE_Node* to, RE_Link kind);
 };

@@ -1,9 +1,11 @@
+// UTF-8 and the escapes of labels.
 #include "regexp/nodes/label_text.h"
 
 #include <cstdint>
 
 namespace {
 
+/// As few digits as the number needs, at most four: for single units.
 void appendHex(std::string& out, std::uint32_t value) {
     static const char digits[] = "0123456789ABCDEF";
     out += "\\x{";
@@ -47,6 +49,7 @@ std::string labelText(const char16_t* text, std::size_t length) {
     std::string out;
     for (std::size_t i = 0; i < length; ++i) {
         const std::uint32_t unit = text[i];
+        // A surrogate pair is one character; a surrogate alone has no encoding and is written as a number.
         const bool pair = unit >= 0xD800 && unit < 0xDC00 && i + 1 < length && text[i + 1] >= 0xDC00 &&
                           text[i + 1] < 0xE000;
         if (pair) {
@@ -64,6 +67,7 @@ std::string shortened(std::string_view text, std::size_t longest) {
     if (text.size() <= longest) {
         return std::string(text);
     }
+    // Bytes 10xxxxxx continue a character: goes back to the byte that begins it.
     const auto begunBefore = [text](std::size_t at) {
         while ((text[at] & 0xC0) == 0x80) {
             --at;

@@ -1,4 +1,7 @@
 // Units as they appear in the labels of nodes.
+//
+// Labels are read by people, in graphs and on terminals, so everything that would not show is written out.
+// Nothing here is parsed again.
 #pragma once
 
 #include "regexp/base/export.h"
@@ -12,7 +15,8 @@ CORVANE_REGEXP_EXPORT std::string labelText(const char16_t* text, std::size_t le
 inline std::string labelText(char16_t unit) {
     return labelText(&unit, 1);
 }
-/// UTF-8 without its middle where it has more than `longest` bytes.
+/// UTF-8 without its middle where it has more than `longest` bytes. Cut between characters, so the result is
+/// valid UTF-8 again; it may be longer than `longest` by a few bytes.
 CORVANE_REGEXP_EXPORT std::string shortened(std::string_view text, std::size_t longest);
 /// The text as a quoted string of the graph language.
 std::string quotedLabel(std::string_view text);

@@ -1,4 +1,10 @@
 // Runs that are taken as short as possible: from one end to the next longer one at which the rest can begin.
+//
+// The next place at which the rest can begin is sought first, and then it is checked that the run reaches
+// that far. Where both are near, the run is measured first, so that nothing is sought past its end.
+//
+// Invariant: an end that is passed over would have failed at the next node. Ends noted as failed hold for the
+// state of the memo, as for greedy runs.
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/string.h"
 #include "regexp/nodes/tokens.h"
@@ -9,7 +15,9 @@
 
 namespace {
 
-/// The node that says where the rest can begin, for one of a few units; null for others.
+/// The node that says where the rest can begin, where looking for it costs little: a test of a unit, a set of
+/// literals, a short string, a reference. Null for others. One opening or closing of a token is looked
+/// through.
 const RE_Node* fewUnitsOf(const RE_Node* rest) {
     const bool bracket = rest->isStartToken() || rest->isEndToken();
     const RE_Node* const first = bracket ? rest->nextNode : rest;
@@ -30,15 +38,19 @@ const RE_Node* fewUnitsOf(const RE_Node* rest) {
 
 }  // namespace
 
-// The first place in [from, last], which is near, at which the rest can begin. To look there takes no steps of its own.
+// The first place in [from, last], which is near, at which the rest can begin. To look there takes no steps
+// of its own, so the meter is put back.
+//
+// The end of the subject is cut off for the while, so that the seek does not scan further than it has to.
+// Trap: the answer must not be kept beyond this call. It is nearer than what the seek table keeps.
 const char16_t* RE_Consume::nearStart(const char16_t* from, const char16_t* last,
                                       RE_Search_Info& info) const {
     const RE_Node& first = *fewUnitsOf(nextNode);
     const std::int64_t room = info.meter.room();
     const char16_t* const subjectEnd = info.subjectEnd;
-    const auto behind = static_cast<std::uint64_t>(subjectEnd - last);
+    const auto left = static_cast<std::uint64_t>(subjectEnd - last);
     const std::uint64_t width = first.kind == RE_Node_Kind::string ? first.width() : 1;
-    const char16_t* const stop = last + std::min(behind, width);
+    const char16_t* const stop = last + std::min(left, width);
     const char16_t* found = nullptr;
     if (first.kind == RE_Node_Kind::matchToken) {
         found = static_cast<const RE_Match_Token&>(first).nextPlace(from, stop, info);
@@ -51,10 +63,12 @@ const char16_t* RE_Consume::nearStart(const char16_t* from, const char16_t* last
     return found;
 }
 
-// The first end in [end, last] that is worth trying: one at which the rest can begin and has not failed before; the run
-// is known to go on up to `reached`. Ends at which the rest cannot begin are noted as failed when they are few: then all
-// that failed are stepped over at once from the starts that follow. Where the run is seen to end, nothing is looked for
-// behind it.
+// The first end in [end, last] that is worth trying: one at which the rest can begin and that has not failed
+// before; the run is known to extend up to `reached`. Ends at which the rest cannot begin are noted as failed
+// when they are few: then all that failed are stepped over at once from the starts that follow. Where the run
+// is seen to end, nothing is sought past that.
+//
+// The answer need not be reached by the run: that is for the caller to check.
 const char16_t* RE_Consume::nextEnd(const char16_t* reached, const char16_t* end, const char16_t* last,
                                     RE_Search_Info& info) const {
     const bool seeks = info.requiredEnd == nullptr && nextSeeks(info);
@@ -67,6 +81,8 @@ const char16_t* RE_Consume::nextEnd(const char16_t* reached, const char16_t* end
             return nullptr;
         }
     }
+    // Two questions in turn, each of which may move the end forward: has the memo seen it fail, and can the
+    // rest begin there? It is worth trying when both leave it where it is.
     for (std::size_t refused = 0;; ++refused) {
         const char16_t* const untried = info.firstUntried(this, end, last);
         if (untried == nullptr || !seeks || (refused > 0 && untried == end)) {
@@ -77,6 +93,7 @@ const char16_t* RE_Consume::nextEnd(const char16_t* reached, const char16_t* end
             return end != nullptr && end <= last ? end : nullptr;
         }
         const auto skipped = static_cast<std::size_t>(end - untried);
+        // Long stretches are not noted: one seek passes over them again.
         if (skipped < RE_Step_Meter::unitsAStep) {
             info.noteFailed(this, untried, end - 1);
         }
@@ -87,8 +104,8 @@ const char16_t* RE_Consume::nextEnd(const char16_t* reached, const char16_t* end
     }
 }
 
-// Whether the run from `from` on goes on up to `to`. How far it was seen to go is remembered, as the starts that follow
-// ask the same.
+// Whether the run from `from` on extends up to `to`. How far it was seen to extend is remembered, as the
+// starts that follow need to know the same.
 bool RE_Consume::reaches(const char16_t* from, const char16_t* to, RE_Search_Info& info) const {
     if (to - from < longRun) {
         return runEnd(from, static_cast<std::uint64_t>(to - from), info) == to;
@@ -96,6 +113,8 @@ bool RE_Consume::reaches(const char16_t* from, const char16_t* to, RE_Search_Inf
     const RE_Measured_Run* const noted = info.measuredRun(reachRow);
     const RE_Measured_Run known =
         noted != nullptr && noted->begin != nullptr ? *noted : RE_Measured_Run{to, to};
+    // The known stretch is extended where it begins in front of `from` and ends near it or later; or it is
+    // joined from the left. Otherwise a new one begins.
     RE_Measured_Run run{from, from};
     if (known.begin <= from && from - known.end < longRun) {
         run = known;
@@ -115,7 +134,8 @@ bool RE_Consume::reaches(const char16_t* from, const char16_t* to, RE_Search_Inf
     return run.end >= to;
 }
 
-// The record of a lazy run holds the end reached so far; its word is the farthest end allowed.
+// The record of a lazy run holds the end reached so far; its word is the farthest end allowed. The required
+// units are measured at once, as no end lies within them.
 bool RE_Consume::takeShortest(const char16_t* p, std::size_t& pos, RE_Search_Info& info) const {
     const char16_t* const end = runEnd(p, minimum, info);
     if (static_cast<std::uint64_t>(end - p) < minimum) {
@@ -135,6 +155,8 @@ bool RE_Consume::takeShortest(const char16_t* p, std::size_t& pos, RE_Search_Inf
     return true;
 }
 
+// Goes to the next end after `end`, up to index `limit`. When the run does not reach the place at which the
+// rest can begin, it reaches no later one either, and the loop has failed.
 bool RE_Consume::takeLonger(const char16_t* end, std::size_t limit, std::size_t& pos,
                             RE_Search_Info& info) const {
     const char16_t* const last = info.subjectBegin + limit;

@@ -1,7 +1,10 @@
 // Least and greatest number of units from a node to the end of its branch.
 //
 // A node is measured after the nodes it leads to; a node that is met again while it is being measured closes
-// a loop, and a loop can be repeated without bound as far as the links tell.
+// a loop, and a loop can be repeated without bound as far as the links tell. Until it is measured a node
+// counts as anything from no units to unboundedly many, so the result is never too narrow.
+//
+// Sums saturate at `unboundedLength`. For graphs under construction only: the walk marks nodes.
 #include "regexp/base/scratch_memory.h"
 #include "regexp/nodes/links.h"
 #include "regexp/nodes/trivial.h"
@@ -18,13 +21,14 @@ std::uint64_t addSaturated(std::uint64_t a, std::uint64_t b) {
 
 constexpr std::size_t usualNodes = 32;
 
+/// A node on the stack: to be begun with, or, when its ways have been measured, to be measured itself.
 struct Entry {
     RE_Node* node;
     bool waysMeasured;
 };
 
-/// What most nodes are: one way leads on, and nothing but their own width counts besides. A node made by hand may lead
-/// nowhere: it ends its branch.
+/// Whether one way leads on and nothing but the node's own width counts besides, as with most nodes. A node
+/// made by hand may lead nowhere: it ends its branch.
 bool hasOneWay(RE_Node& node) {
     if (node.nextNode == nullptr) {
         return false;
@@ -36,6 +40,7 @@ bool hasOneWay(RE_Node& node) {
            node.kind == RE_Node_Kind::endToken;
 }
 
+/// Measures one node, whose ways have been measured.
 void measure(RE_Node& node) {
     if (!hasOneWay(node)) {
         node.combineLengths();
@@ -56,7 +61,7 @@ struct Measuring {
         begun.reserve(usualNodes);
     }
 
-    /// Begins with the node, and with those behind it as long as one way leads on, as it does from a run.
+    /// Begins with the node, and with those after it as long as one way leads on, as it does from a run.
     void begin(RE_Node* node) {
         while (!node->visited) {
             node->visited = true;
@@ -93,11 +98,14 @@ void RE_Node::computeLengths() {
             measuring.begin(entry.node);
         }
     }
+    // The mark is shared with other walks, which find it cleared.
     for (RE_Node* node : measuring.begun) {
         node->visited = false;
     }
 }
 
+// The least of all ways, the greatest of all ways, and the node's own width. A node without any ends its
+// branch.
 void RE_Node::combineLengths() {
     std::uint64_t least = 0;
     std::uint64_t greatest = 0;
@@ -114,6 +122,9 @@ void RE_Node::combineLengths() {
     maxLength = bounded ? addSaturated(width(), greatest) : unboundedLength;
 }
 
+// The width counts on the way of success only: a node that fails has consumed nothing. So the fail target is
+// taken out while the other ways are combined, and compared afterwards. A negative assertion has that way
+// alone.
 void RE_Fail::combineLengths() {
     if (failTarget == nullptr) {
         RE_Node::combineLengths();

@@ -1,4 +1,10 @@
-// The links of a node, told to a function. Those of the commonest nodes are known by heart, the others are asked.
+// The links of a node, passed to a function.
+//
+// Most steps of a compilation are walks, so the links of the commonest nodes are listed here without a
+// virtual call.
+//
+// Trap: the lists must be what `visitLinks` of the classes reports, in the same order. A new link that is
+// missing here is a way that no pass sees.
 #pragma once
 
 #include "regexp/nodes/closed_body.h"
@@ -33,6 +39,8 @@ void forEachLink(RE_Node& node, Visit visit) {
             visit(static_cast<RE_Split&>(node).alternative, RE_Link::alternative);
             return;
         case RE_Node_Kind::run: {
+            // The link is of another type: a copy is visited, and put back through the setter, which writes
+            // nothing where the visitor has left it as it is.
             RE_Node* item = static_cast<RE_Consume&>(node).item;
             visit(node.nextNode, RE_Link::next);
             visit(item, RE_Link::item);
@@ -57,14 +65,16 @@ void forEachLink(RE_Node& node, Visit visit) {
     node.visitLinks(caller);
 }
 
-/// Whether a match goes on along the link. Bodies, items and helpers are entered and left by the node itself.
+/// Whether a match continues along the link. Bodies, items and helpers are entered and left by the node
+/// itself.
 inline bool isOnward(RE_Link kind) {
     return kind == RE_Link::next || kind == RE_Link::fail || kind == RE_Link::alternative ||
            kind == RE_Link::done;
 }
 
-/// Calls `visit` (RE_Node* target) with each node that matching may go on at from here without going into a body, whether
-/// this one has matched or failed: whoever asks what can follow a node asks here, so that no way is forgotten.
+/// Calls `visit` (RE_Node* target) with each node at which matching may continue from here without entering a
+/// body, whether this one has matched or failed. Whoever needs to know what can follow a node uses this, so
+/// that no way is forgotten.
 template <class Visit>
 void forEachWay(RE_Node& node, Visit visit) {
     forEachLink(node, [&visit](RE_Node* target, RE_Link kind) {

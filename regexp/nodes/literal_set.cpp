@@ -1,3 +1,4 @@
+// Takes literals and seeks their first units. The trie finds which literals are at a position.
 #include "regexp/nodes/literal_set.h"
 
 #include "regexp/graph/meaning.h"
@@ -8,6 +9,7 @@
 
 namespace {
 
+// Bytes after which a label names no more literals.
 constexpr std::size_t longestLabel = 60;
 
 }  // namespace
@@ -28,6 +30,7 @@ bool RE_Literal_Set::take(const RE_Literal_Trie::Found& found, const char16_t* p
 bool RE_Literal_Set::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {
     const char16_t* const p = subject + pos;
     const RE_Literal_Trie::Found found = literals.find(p, info.subjectEnd, 0);
+    // The memo is consulted only where a literal is there: a state without one need not be remembered.
     if (found.length == 0 || (memoised && !info.firstVisit(this, p))) {
         return false;
     }
@@ -41,6 +44,8 @@ RE_Node* RE_Literal_Set::resume(const RE_Backtrack_Record& record, std::size_t& 
     return take(literals.find(p, info.subjectEnd, next), p, pos, info) ? nextNode : nullptr;
 }
 
+// Seeks the first units only. Longer prefixes would pass over more, but this is right and costs one look a
+// unit.
 const char16_t* RE_Literal_Set::scan(const char16_t* p, RE_Search_Info& info) const {
     return scanForward(p, info.subjectEnd, info, [this](const char16_t* at, const char16_t* stop) {
         return findClass(at, stop, members);

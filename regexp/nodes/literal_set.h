@@ -1,4 +1,7 @@
 // A choice between literals that lead on to the same node, all looked for in one walk.
+//
+// Invariant: literals are tried in the order of the pattern, whatever their lengths. A literal that is at the
+// position is skipped only where an equal one comes before it.
 #pragma once
 
 #include "regexp/nodes/can_seek.h"
@@ -9,9 +12,9 @@
 #include <string>
 #include <utility>
 
-/// Stands for a chain of splits. Takes the first literal, in the order of the pattern, that stands at the
+/// Takes the place of a chain of splits. Takes the first literal, in the order of the pattern, that is at the
 /// position. Its record holds the position, its word the number of the first literal that is still to be
-/// tried there.
+/// tried there. No record is left when no later one is at the position.
 class CORVANE_REGEXP_EXPORT RE_Literal_Set : public RE_Can_Seek<RE_Node> {
 public:
     /// `starts`: the units that the literals begin with.
@@ -36,6 +39,8 @@ protected:
     const char16_t* scanBack(const char16_t* p, std::size_t count, RE_Search_Info& info) const override;
 
 private:
+    /// Moves past a literal that was found at `p`, leaving a record when there is a later one. False when the
+    /// attempt is over.
     bool take(const RE_Literal_Trie::Found& found, const char16_t* p, std::size_t& pos,
               RE_Search_Info& info) const;
 

@@ -22,6 +22,8 @@
 #include <memory>
 #include <utility>
 
+/// A literal that every match contains, as `regexp/analysis/required_literal.h` finds it. Read-only once it
+/// is made.
 struct RE_Required_Literal {
     RE_Text_Finder finder;
     /// Every unit of a match before its first such literal is one of these.
@@ -29,10 +31,11 @@ struct RE_Required_Literal {
     std::uint64_t leastBefore;  ///< how many there are at least
 };
 
-/// Where a match may start, as far as one literal tells that every match holds: from there it is reached over units that
-/// may stand before it.
+/// Where a match may start, as far as the literal tells: the positions from which it is reached over units
+/// that may precede it. Read-only during searches; what a search finds is kept under `row` in the search.
 class CORVANE_REGEXP_EXPORT RE_Literal_Stretches : public RE_Memory {
 public:
+    /// From `begin` to `end`, both included; empty where `end` is before `begin`.
     struct Stretch {
         const char16_t* begin;
         const char16_t* end;  ///< still in it

@@ -1,3 +1,4 @@
+// The words that passes leave, and what their ends make of them (`state/pass_word.h`).
 #include "regexp/nodes/loop_pass.h"
 
 #include "regexp/graph/meaning.h"
@@ -26,6 +27,7 @@ std::string RE_Start_Pass::label() const {
 
 bool RE_End_Pass::match(const char16_t*, std::size_t& pos, RE_Search_Info& info) const {
     const std::size_t state = passState(info.passWord(pass), pos);
+    // Refused: neither the loop nor its exit continues from here.
     if (state == 1) {
         info.deadEnd();
     }

@@ -8,8 +8,12 @@
 
 #include "regexp/graph/node.h"
 
+/// What an empty pass of a loop does: it is refused, it counts like any other, or it counts and ends the
+/// loop.
 enum class RE_Pass { optional, required, lastWhenEmpty };
 
+/// Begins a pass: writes its word to the register. The write is trailed, so an earlier pass has its word
+/// again when matching backtracks into it.
 class CORVANE_REGEXP_EXPORT RE_Start_Pass : public RE_Node {
 public:
     RE_Start_Pass(RE_Graph_Context& context, std::size_t passRegister, RE_Pass kindOfPass,
@@ -24,7 +28,9 @@ public:
     std::size_t exactUnits;  ///< with fewer before the subject's end a last pass is none, but counts
 };
 
-/// The fail target is the exit of the loop, where an empty pass that ends the loop goes on.
+/// Ends a pass. A pass that consumed something leads on; an empty one is a dead end where it is refused, as
+/// the same state would begin again. The fail target is the exit of the loop, where an empty pass that ends
+/// the loop continues.
 class CORVANE_REGEXP_EXPORT RE_End_Pass : public RE_Fail {
 public:
     RE_End_Pass(RE_Graph_Context& context, std::size_t passRegister) : RE_Fail(context), pass(passRegister) {}

@@ -1,7 +1,9 @@
+// What a node accepts beside a position, for those that reason about graphs.
 #include "regexp/graph/meaning.h"
 
 #include "regexp/units/unit_set.h"
 
+// About a unit that is there. Whether the side holds where the subject ends is `holdsAtLimit`.
 bool RE_Meanings::Side::holds(char16_t neighbour) const {
     switch (form) {
         case Form::any:
@@ -18,6 +20,7 @@ bool RE_Meanings::Side::holds(char16_t neighbour) const {
     return false;
 }
 
+// A class that does not say what it means is one of which nothing may be concluded.
 RE_Meaning RE_Node::meaning() const {
     return RE_Meanings::Unknown{};
 }

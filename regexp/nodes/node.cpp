@@ -1,3 +1,6 @@
+// What nodes do unless their class says otherwise, and the fail chains of unit tests.
+//
+// By default a node matches everywhere, consumes nothing, leaves no choice and leads to its next node.
 #include "regexp/graph/node.h"
 
 #include "regexp/nodes/graph_context.h"
@@ -35,6 +38,7 @@ void RE_Node::visitLinks(RE_Link_Visitor& visitor) {
     visitor.link(nextNode, RE_Link::next);
 }
 
+// Without knowledge every position is a candidate: the first one forward, the last one backward.
 const char16_t* RE_Node::seek(const char16_t* p, RE_Search_Info&) const {
     return p;
 }
@@ -43,6 +47,7 @@ const char16_t* RE_Node::rSeek(const char16_t* p, std::size_t count, RE_Search_I
     return p + count;
 }
 
+// A branching node may match where its other way can, so what it finds by itself is no answer for the table.
 RE_Seek_Key RE_Node::seekKey(bool throughBranches) const {
     return RE_Seek_Key(isBranching() && !throughBranches ? nullptr : this);
 }
@@ -52,6 +57,7 @@ void RE_Fail::visitLinks(RE_Link_Visitor& visitor) {
     visitor.link(failTarget, RE_Link::fail);
 }
 
+// Slow but right for any class: tests all 65,536 units.
 void RE_Consumable::addUnitsTo(RE_Unit_Set& set) const {
     set.addWhere([this](char16_t unit) { return matchesUnit(unit); });
 }
@@ -64,6 +70,8 @@ std::size_t RE_Consumable::skipDistance(const char16_t* p, const char16_t* limit
     return static_cast<std::size_t>(end - p);
 }
 
+// Nothing is tried after a test that matches every unit: it fails at the end of the subject only, where no
+// other test of a unit can match. Nodes that other ways reach stay as they are, with the rest of their chain.
 bool RE_Consumable::absorbFailNode() {
     if (sharedTarget) {
         return false;

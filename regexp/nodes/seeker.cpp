@@ -1,3 +1,5 @@
+// The scans of the start finders. Each stops at the first position that is not ruled out, and reads nothing
+// outside of the subject.
 #include "regexp/nodes/seeker.h"
 
 #include "regexp/graph/meaning.h"
@@ -6,7 +8,7 @@
 
 #include <algorithm>
 
-// Common units stand near: they are found before a vector scan would have begun.
+// Common units are near: they are found by looking at four before a vector scan would have begun.
 const char16_t* StringCharSeeker::scan(const char16_t* p, RE_Search_Info& info) const {
     const char16_t* const nearby = p + std::min<std::ptrdiff_t>(info.subjectEnd - p, 4);
     for (; p < nearby; ++p) {
@@ -24,6 +26,7 @@ std::string StringStringSeeker::label() const {
 }
 
 const char16_t* StringWindowSeeker::scan(const char16_t* p, RE_Search_Info& info) const {
+    // A window has to be readable as a whole. No literal is shorter, so no match starts later.
     const std::size_t reach = filter.width() - 1;
     if (static_cast<std::size_t>(info.subjectEnd - p) <= reach) {
         return nullptr;
@@ -35,6 +38,7 @@ const char16_t* StringWindowSeeker::scan(const char16_t* p, RE_Search_Info& info
 
 const char16_t* StringBehindSeeker::scan(const char16_t* p, RE_Search_Info& info) const {
     const std::size_t length = finder.length();
+    // A literal that ends at `p` counts: it begins that much earlier.
     const char16_t* const from = info.indexOf(p) > length ? p - length : info.subjectBegin;
     const char16_t* const found = finder.find(from, info.subjectEnd, info);
     return found != nullptr ? found + length : nullptr;
@@ -54,6 +58,7 @@ const char16_t* StringInnerSeeker::startWithin(const RE_Literal_Stretches::Stret
             stretch.begin, stretch.end + 1, info,
             [this](const char16_t* at, const char16_t* stop) { return findClass(at, stop, starts); });
     }
+    // Starts of lines: the begin of the stretch, or after a line feed within it.
     if (info.atBegin(stretch.begin) || stretch.begin[-1] == u'\n') {
         return stretch.begin;
     }

@@ -1,7 +1,9 @@
 // Roots that only find where a match may start. They consume nothing and match everywhere; what they add is
 // `seek`.
 //
-// Each rules positions out and none in: wherever a match starts, its seeker finds the position.
+// Invariant: each rules positions out and none in. Wherever a match starts, its seeker finds the position;
+// where it stops the pattern itself decides. Each class says why every match starts at a position at which it
+// stops.
 #pragma once
 
 #include "regexp/nodes/can_seek.h"
@@ -15,7 +17,8 @@
 #include <string>
 #include <utility>
 
-/// Base of the start finders.
+/// Base of the start finders. Searches that are neither watched nor profiled skip the node and call its seek
+/// alone.
 class CORVANE_REGEXP_EXPORT RE_Seeker : public RE_Can_Seek<RE_Node> {
 public:
     using RE_Can_Seek<RE_Node>::RE_Can_Seek;
@@ -23,12 +26,13 @@ public:
     RE_Meaning meaning() const override;
 };
 
-/// Finds positions at which a unit of a set stands: the units that a match can start with.
+/// Finds positions at which there is a unit of a set: the units that a match can start with.
 class CORVANE_REGEXP_EXPORT StringCharSeeker : public RE_Seeker {
 public:
     StringCharSeeker(RE_Graph_Context& context, std::shared_ptr<const RE_Unit_Set> units)
         : RE_Seeker(context), set(std::move(units)), members(*set, true) {}
     std::string label() const override { return "Seek one of " + std::to_string(set->size()) + " units"; }
+    /// The next unit first, which costs less than a look into the seek table.
     const char16_t* seek(const char16_t* p, RE_Search_Info& info) const override {
         return p < info.subjectEnd && set->contains(*p) ? p : RE_Seeker::seek(p, info);
     }
@@ -42,7 +46,7 @@ protected:
 template <>
 inline constexpr RE_Node_Kind kindOfNode<StringCharSeeker> = RE_Node_Kind::passage;
 
-/// Finds positions at which a literal stands with which every match starts.
+/// Finds positions of a literal with which every match starts, after tests that consume nothing at the most.
 class CORVANE_REGEXP_EXPORT StringStringSeeker : public RE_Seeker {
 public:
     StringStringSeeker(RE_Graph_Context& context, const RE_String& literal)
@@ -59,7 +63,8 @@ protected:
 template <>
 inline constexpr RE_Node_Kind kindOfNode<StringStringSeeker> = RE_Node_Kind::passage;
 
-/// Finds positions at which the first units of a match may stand, several places looked at together.
+/// Finds positions at which the first units of a match are possible, several places looked at together. Each
+/// match goes along one of the branches whose prefixes these are.
 class CORVANE_REGEXP_EXPORT StringPrefixSeeker : public RE_Seeker {
 public:
     StringPrefixSeeker(RE_Graph_Context& context, RE_Text_Finder prefixes)
@@ -76,7 +81,7 @@ protected:
 template <>
 inline constexpr RE_Node_Kind kindOfNode<StringPrefixSeeker> = RE_Node_Kind::passage;
 
-/// Finds positions at which one of many literals may stand.
+/// Finds positions at which one of many literals is possible. Every match starts with one of them.
 class CORVANE_REGEXP_EXPORT StringWindowSeeker : public RE_Seeker {
 public:
     StringWindowSeeker(RE_Graph_Context& context, RE_Window_Filter windows)
@@ -93,7 +98,8 @@ protected:
 template <>
 inline constexpr RE_Node_Kind kindOfNode<StringWindowSeeker> = RE_Node_Kind::passage;
 
-/// Finds positions behind a literal that has to stand before every match.
+/// Finds positions after a literal, or a unit of a class, that a look-behind at the front of the pattern
+/// requires.
 class CORVANE_REGEXP_EXPORT StringBehindSeeker : public RE_Seeker {
 public:
     StringBehindSeeker(RE_Graph_Context& context, RE_Text_Finder literal)
@@ -108,7 +114,8 @@ protected:
 template <>
 inline constexpr RE_Node_Kind kindOfNode<StringBehindSeeker> = RE_Node_Kind::passage;
 
-/// Finds a literal that every match holds, and goes back from it over the units that may stand before it.
+/// Finds a literal that every match contains, and goes back from it over the units that may precede it; see
+/// the proof in literal_stretches.h. In a stretch a match can only start at a unit with which it can begin.
 class CORVANE_REGEXP_EXPORT StringInnerSeeker : public RE_Seeker {
 public:
     /// Every match starts with a unit of `firstUnits`.
@@ -124,6 +131,7 @@ protected:
     const char16_t* scan(const char16_t* p, RE_Search_Info& info) const override;
 
 private:
+    /// The first position in the stretch at which a match can begin, or null.
     const char16_t* startWithin(const RE_Literal_Stretches::Stretch& stretch, RE_Search_Info& info) const;
 
     RE_Class_Scan starts;

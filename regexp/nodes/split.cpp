@@ -1,7 +1,10 @@
+// The plain choice.
 #include "regexp/nodes/split.h"
 
 #include "regexp/graph/meaning.h"
 
+// False without a fail node is a step back: the state was tried before, or the automaton knows how the
+// attempt ends.
 bool RE_Split::match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const {
     return info.countChoice() && info.pushChoice(this, subject + pos, !reuseRecord);
 }

@@ -1,8 +1,12 @@
 // The node that offers two ways on: first `nextNode`, later, when that way has failed, `alternative`.
+//
+// It tests and consumes nothing. Its record holds the position of the choice, and no word.
 #pragma once
 
 #include "regexp/nodes/can_seek.h"
 
+/// Also the base of the counters. `reuseRecord`, for nodes made by hand, keeps one record for all choices of
+/// the node.
 class CORVANE_REGEXP_EXPORT RE_Split : public RE_Branch_Seek<RE_Can_Seek<RE_Node>> {
 public:
     using RE_Branch_Seek<RE_Can_Seek<RE_Node>>::RE_Branch_Seek;

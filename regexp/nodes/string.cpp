@@ -1,3 +1,4 @@
+// The text of a string, its seeks, and the joining of literals.
 #include "regexp/nodes/string.h"
 
 #include "regexp/graph/meaning.h"
@@ -21,6 +22,7 @@ RE_String::~RE_String() {
 
 void RE_String::append(const char16_t* units, std::size_t count) {
     if (capacity - length < count) {
+        // Doubled, so that appending unit by unit takes linear time.
         const std::size_t larger = std::max(capacity * 2, length + count);
         auto* const moved = static_cast<char16_t*>(reAllocate(larger * sizeof(char16_t)));
         std::copy_n(text, length, moved);
@@ -70,10 +72,12 @@ bool RE_Natural_I::canJoinString(bool first, bool ignoreCase) const {
 
 namespace {
 
+/// Whether the node can become a part of a string that leads to it.
 bool canFollow(RE_Node* node, bool ignoreCase) {
     return node != nullptr && node->canJoinString(false, ignoreCase);
 }
 
+/// Moves the literals after a string into it. They are bypassed: nothing but the string led to them.
 void takeFollowing(RE_String& string, RE_Graph_Context& context) {
     while (canFollow(string.nextNode, string.ignoreCase)) {
         auto* joined = static_cast<RE_Natural*>(string.nextNode);
@@ -84,6 +88,8 @@ void takeFollowing(RE_String& string, RE_Graph_Context& context) {
     }
 }
 
+/// A string in the place of a literal and of those after it, or null where there is only one. The first
+/// literal stays as an empty node, as any number of links may lead to it.
 RE_Node* joinRun(RE_Natural& first, bool ignoreCase, RE_Graph_Context& context) {
     if (!first.canJoinString(true, ignoreCase) || !canFollow(first.nextNode, ignoreCase)) {
         return nullptr;
@@ -106,7 +112,7 @@ RE_Node* RE_Natural_I::joinString(RE_Graph_Context& context) {
     return joinRun(*this, true, context);
 }
 
-// The number is that of a string made here.
+// The number is the one that a string made at this point would have, so that graphs are numbered alike.
 RE_Node* RE_String::joinString(RE_Graph_Context& context) {
     if (!isOpen) {
         return nullptr;

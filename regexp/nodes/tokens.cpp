@@ -1,3 +1,4 @@
+// Seeks of tokens and references, and what they mean.
 #include "regexp/nodes/tokens.h"
 
 #include "regexp/graph/meaning.h"
@@ -25,6 +26,7 @@ const char16_t* RE_Token::rSeek(const char16_t* p, std::size_t count, RE_Search_
 }
 
 bool RE_Token::resolveTokens(const RE_Graph_Facts& facts) {
+    // Ascending, so a search by halves will do.
     const auto& readers = facts.referencedTokens;
     referenced = std::binary_search(readers.begin(), readers.end(), number);
     return referenced;
@@ -60,6 +62,7 @@ const char16_t* RE_Match_Token::nextPlace(const char16_t* p, const char16_t* end
     return place;
 }
 
+// In [first, last], the last of which may be the end of the subject: there no unit is.
 const char16_t* RE_Match_Token::lastPlace(const char16_t* first, const char16_t* last,
                                           RE_Search_Info& info) const {
     const RE_TokenInfo* const found = token(info);
@@ -75,6 +78,7 @@ const char16_t* RE_Match_Token::lastPlace(const char16_t* first, const char16_t*
     return place;
 }
 
+// The text may be empty, or as long as the subject.
 void RE_Match_Token::combineLengths() {
     RE_Token_Fail::combineLengths();
     maxBounded = false;

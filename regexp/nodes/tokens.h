@@ -1,4 +1,9 @@
 // Capture groups, backreferences and conditions on tokens.
+//
+// A token has a number, its slot in the token store, and may have a name. The start only notes where the
+// token opened; the slot is written at the end, so that it always describes a complete pass.
+//
+// Numbers count from 0 here and from 1 in labels, as in patterns.
 #pragma once
 
 #include "regexp/graph/node.h"
@@ -10,7 +15,8 @@
 #include <unordered_set>
 #include <vector>
 
-/// The names of tokens, each once, in the order in which they are added.
+/// The names of tokens, each once, in the order in which they are added. Names are views: they must outlive
+/// this.
 class RE_Token_Names {
 public:
     /// `name` is zero-terminated and not copied.
@@ -26,7 +32,8 @@ private:
     std::unordered_set<std::u16string_view> known;
 };
 
-/// Base of the two nodes that bracket a capture group.
+/// Base of the two nodes that bracket a capture group. They match everywhere and consume nothing, so a seek
+/// may look through them to what is bracketed.
 class CORVANE_REGEXP_EXPORT RE_Token : public RE_Node {
 public:
     /// `tokenName` (empty: none) is copied.
@@ -51,6 +58,7 @@ public:
     const char16_t* name;  ///< zero-terminated, or null
 };
 
+/// Opens a token: notes the position in a register of the search.
 class CORVANE_REGEXP_EXPORT RE_Start_Token : public RE_Token {
 public:
     using RE_Token::RE_Token;
@@ -61,7 +69,8 @@ public:
     bool isStartToken() const override { return true; }
     RE_Meaning meaning() const override;
 
-    /// All that the token holds, when that is a loop over one unit that gives nothing back; else null.
+    /// All that the token holds, when that is a possessive loop over one unit; else null. Start, loop
+    /// and end may then be run in one visit, for the three steps that they are.
     const RE_Node* run = nullptr;
     void prepareTokens(RE_Token_Names& names) const override;
     std::string label() const override { return "Token start #" + std::to_string(number + 1); }
@@ -69,6 +78,7 @@ public:
 template <>
 inline constexpr RE_Node_Kind kindOfNode<RE_Start_Token> = RE_Node_Kind::startToken;
 
+/// Closes a token: writes its slot, and puts it and all with lower numbers in effect.
 class CORVANE_REGEXP_EXPORT RE_End_Token : public RE_Token {
 public:
     using RE_Token::RE_Token;
@@ -83,7 +93,8 @@ public:
 template <>
 inline constexpr RE_Node_Kind kindOfNode<RE_End_Token> = RE_Node_Kind::endToken;
 
-/// Base of the nodes that read a token: by name when there is one, else by number.
+/// Base of the nodes that read a token: by name when there is one, else by number. A name is looked up at
+/// each match.
 class CORVANE_REGEXP_EXPORT RE_Token_Fail : public RE_Fail {
 public:
     RE_Token_Fail(RE_Graph_Context& context, std::size_t tokenNumber, const std::u16string& tokenName)
@@ -95,9 +106,11 @@ public:
     std::size_t number;
 
 protected:
+    /// Null when the token is not in effect.
     const RE_TokenInfo* token(const RE_Search_Info& info) const {
         return name != nullptr ? info.getToken(name) : info.getToken(number);
     }
+    /// The name or the number, for labels.
     std::string which() const;
 
 private:
@@ -107,7 +120,8 @@ public:
     const char16_t* name;
 };
 
-/// Matches the text of a token again. Fails when the token is not in effect.
+/// Matches the text of a token again, unit by unit or by lower-case forms. Fails when the token is not in
+/// effect; the text of one that is in effect may be empty. Its length is only known during the search.
 class CORVANE_REGEXP_EXPORT RE_Match_Token : public RE_Token_Fail {
 public:
     RE_Match_Token(RE_Graph_Context& context, std::size_t tokenNumber, const std::u16string& tokenName,
@@ -128,8 +142,9 @@ public:
         return true;
     }
     /// Where it can match depends on the search, so it cannot seek as other nodes do; but while the token
-    /// stays as it is
-    /// these hold: the first or last position at which its first unit stands, or null.
+    /// stays as it is these hold: the first or last position at which the first unit of its text is, or null.
+    /// An empty text can be matched anywhere, and one without case at more units than one: there the first
+    /// position counts as found.
     const char16_t* nextPlace(const char16_t* p, const char16_t* end, RE_Search_Info& info) const;
     const char16_t* lastPlace(const char16_t* first, const char16_t* last, RE_Search_Info& info) const;
     RE_Meaning meaning() const override;
@@ -140,7 +155,9 @@ public:
     bool ignoreCase;
 
 private:
+    /// Whether both texts, of this length, have the same lower-case forms.
     static bool foldsAlike(const char16_t* one, const char16_t* other, std::size_t length);
+    /// Whether the text rules out no position by one unit.
     bool saysNothing(const RE_TokenInfo& found) const { return ignoreCase || found.length == 0; }
 };
 template <>

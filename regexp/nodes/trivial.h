@@ -1,10 +1,13 @@
 // The two nodes that test nothing: the empty node and the end.
+//
+// An empty node is never visited in a finished graph that has been optimised; an end is the last node of a
+// pattern, a sub-pattern or a body.
 #pragma once
 
 #include "regexp/graph/node.h"
 #include "regexp/state/search_info.h"
 
-/// What an empty group or branch leaves behind, and where branches meet again.
+/// What is left of an empty group or branch, and where branches meet again.
 class CORVANE_REGEXP_EXPORT RE_Null : public RE_Node {
 public:
     using RE_Node::RE_Node;
@@ -16,7 +19,7 @@ template <>
 inline constexpr RE_Node_Kind kindOfNode<RE_Null> = RE_Node_Kind::passage;
 
 /// The end of a pattern or of a closed body. With a continuation it is the end of a sub-pattern, and matching
-/// goes on there.
+/// continues there, in the graph of another pattern.
 class CORVANE_REGEXP_EXPORT RE_End_Of_Tree : public RE_Node {
 public:
     explicit RE_End_Of_Tree(RE_Graph_Context& context, RE_Node* continuationNode = nullptr,
@@ -26,7 +29,8 @@ public:
     /// The end of the pattern itself refuses a match that consumed nothing when the search rejects empty
     /// matches.
     bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
-    /// Whether the search takes a match that ends at `p`, or the body that does.
+    /// Whether the search accepts a match that ends at `p`, or the body is complete there. A body may be
+    /// empty; only the pattern as a whole can be asked for more.
     bool completes(const char16_t* p, const RE_Search_Info& info) const {
         return endsBody || info.rejectEmpty == 0 || p != info.matchStart;
     }
@@ -36,6 +40,7 @@ public:
     std::string label() const override { return endsBody ? "End of body" : "End"; }
     void graph(RE_Graph_Output& out) override;
 
+    // Null at the end of an outermost pattern, and at that of a body.
     RE_Node* continuation;  ///< never owned, never followed by walks
     bool endsBody;
 };

@@ -1,9 +1,12 @@
 // Puts together the units that are possible at some place: the members of a bracket expression, or first
 // units of branches.
 //
-// A set of all 65,536 units takes 8 KiB and most unions need none of their own: they are one named class,
-// or a few units below 128. So parts are only noted while the union is gathered, and a set is made at the
-// end, if at all.
+// A set of all 65,536 units takes 8 KiB and most unions need none of their own: they are one named class, or
+// a few units below 128. So parts are only noted while the union is gathered, and a set is made at the end,
+// if at all.
+//
+// Invariant: the union is what is in `low`, in the named classes, in the parts and in `gathered` together. A
+// unit may be in several of them.
 #pragma once
 
 #include "regexp/graph/node.h"
@@ -16,7 +19,8 @@
 #include <memory>
 #include <string_view>
 
-/// Gathers units. Until they are taken they lie in their sets: most often no other one has to be made.
+/// Gathers units. Until they are taken they stay in their sets: most often no other one has to be made. Used
+/// once, on one thread, while its pool lives.
 class CORVANE_REGEXP_EXPORT RE_Unit_Union {
 public:
     explicit RE_Unit_Union(RE_Set_Pool& setPool) : pool(setPool) {}
@@ -58,8 +62,11 @@ private:
     // More sets than this are merged as they come. One more place is for the union of the named classes.
     static constexpr std::size_t mostParts = 8;
 
+    /// Makes a part of the named classes that were noted.
     void takeClasses();
+    /// Whether all of `low` is in the set.
     bool holdsLow(const RE_Unit_Set& set) const;
+    /// Puts the parts into `gathered`.
     void addParts();
 
     RE_Set_Pool& pool;

@@ -1,3 +1,7 @@
+// Seeks, labels and sets of the unit tests.
+//
+// A backward seek covers the positions from p to p + count. A unit has to be at the position that is
+// found, so the scan ends one unit further, but not past the subject.
 #include "regexp/nodes/units.h"
 
 #include "regexp/graph/meaning.h"
@@ -52,6 +56,7 @@ void RE_Class_Seek::initSeek() {
 
 const char16_t* RE_Class_Seek::scan(const char16_t* p, RE_Search_Info& info) const {
     return scanForward(p, info.subjectEnd, info, [this](const char16_t* at, const char16_t* stop) {
+        // Where many units match the first look is enough, and a vector scan would not pay.
         return at < stop && sought->holds(*at) ? at : findClass(at, stop, *sought);
     });
 }
@@ -98,6 +103,8 @@ std::string RE_Range_I::label() const {
 
 bool RE_Range_I2::matchesUnit(char16_t unit) const {
     const RE_Case_Table& cases = RE_Case_Table::get();
+    // Either form of the unit, or another unit that has the same lower-case form, as the Kelvin sign has that
+    // of K.
     bool isForm = holds(cases.lower(unit)) || holds(cases.upper(unit));
     if (!isForm) {
         cases.forEachForm(cases.lower(unit), [&](char16_t other) { isForm = isForm || holds(other); });

@@ -2,6 +2,11 @@
 //
 // They can be joined by fail targets into a chain of alternatives that is tried at one position without
 // leaving a choice behind.
+//
+// Invariant: `matchesUnit`, `addUnitsTo` and `table`, where there is one, agree on every unit. Passes replace
+// nodes by sets that they read off them, so a unit that one of these gets wrong changes answers.
+//
+// Units are UTF-16 code units: a character outside of the BMP is two of them, each tested by itself.
 #pragma once
 
 #include "regexp/nodes/can_seek.h"
@@ -12,7 +17,8 @@
 #include <memory>
 #include <optional>
 
-/// Base of the single-unit tests: everything follows from `matchesUnit`.
+/// Base of the single-unit tests: everything follows from `matchesUnit`. Where the test fails matching
+/// continues at the fail target, at the same position.
 class CORVANE_REGEXP_EXPORT RE_Unit_Test : public RE_Consumable {
 public:
     using RE_Consumable::RE_Consumable;
@@ -21,12 +27,14 @@ public:
     bool isSingleUnit() const override { return true; }
     RE_Meaning meaning() const override;
     std::uint64_t width() const override { return 1; }
+    /// Empty nodes on either side are looked through.
     bool leadsTo(RE_Node* target) override;
 };
 
+/// Seeks where it has no fail target: with one the node's own units do not say where matching can continue.
 using RE_Unit_Seek = RE_Branch_Seek<RE_Can_Seek<RE_Unit_Test>>;
 
-/// One literal unit.
+/// One literal unit, where case counts.
 class CORVANE_REGEXP_EXPORT RE_Natural : public RE_Unit_Seek {
 public:
     RE_Natural(RE_Graph_Context& context, std::uint32_t unit) : RE_Unit_Seek(context), ch(unit) {}
@@ -37,18 +45,21 @@ public:
     RE_Node* joinString(RE_Graph_Context& context) override;
     std::string label() const override;
 
+    /// Wider than a unit, since nodes made by hand may hold what no unit can be: those match nothing.
     std::uint32_t ch;
 
 protected:
     bool scans() const override { return true; }
     const char16_t* scan(const char16_t* p, RE_Search_Info& info) const override;
     const char16_t* scanBack(const char16_t* p, std::size_t count, RE_Search_Info& info) const override;
+    /// What both kinds of literals require to become a part of a string: no other way on, none in unless it is
+    /// the first, and a unit of text.
     bool mayJoin(bool first) const;
 };
 template <>
 inline constexpr RE_Node_Kind kindOfNode<RE_Natural> = RE_Node_Kind::literal;
 
-/// One literal unit, ignoring case: `ch` is its lower-case form.
+/// One literal unit, ignoring case: `ch` is its lower-case form, and it matches all units with that form.
 class CORVANE_REGEXP_EXPORT RE_Natural_I : public RE_Natural {
 public:
     RE_Natural_I(RE_Graph_Context& context, char16_t unit)
@@ -63,6 +74,7 @@ public:
     RE_Node* joinString(RE_Graph_Context& context) override;
     std::string label() const override;
 
+    /// The upper-case form of the unit in the pattern. There may be further forms.
     std::uint32_t upper;
 
 protected:
@@ -70,6 +82,7 @@ protected:
     const char16_t* scanBack(const char16_t* p, std::size_t count, RE_Search_Info& info) const override;
 
 private:
+    /// The unit as a text, for the search that compares texts without case.
     RE_Literal literal() const { return {&folded, 1, true}; }
 
     const RE_Case_Table* cases = &RE_Case_Table::get();
@@ -79,7 +92,7 @@ private:
 template <>
 inline constexpr RE_Node_Kind kindOfNode<RE_Natural_I> = RE_Node_Kind::foldedLiteral;
 
-/// Units within inclusive bounds.
+/// Units within inclusive bounds. With the lower bound above the upper one it matches nothing.
 class CORVANE_REGEXP_EXPORT RE_Range : public RE_Unit_Test {
 public:
     RE_Range(RE_Graph_Context& context, char16_t first, char16_t last)
@@ -94,11 +107,13 @@ public:
 
 protected:
     bool holds(char16_t unit) const { return low <= unit && unit <= high; }
+    /// For the forms that ignore case: the units whose lower-case form is within the bounds, and with
+    /// `bothForms` those of which any form is.
     void addFoldedUnitsTo(RE_Unit_Set& set, bool bothForms) const;
 };
 template <>
 inline constexpr RE_Node_Kind kindOfNode<RE_Range> = RE_Node_Kind::range;
-/// The units of a range where case counts, when all of them are low ones.
+/// The units of a range where case counts, when all of them are below 128: then no set has to be made.
 inline std::optional<RE_Low_Units> lowUnitsOf(const RE_Consumable& unit) {
     const auto* const range =
         unit.kind == RE_Node_Kind::range ? static_cast<const RE_Range*>(&unit) : nullptr;
@@ -129,7 +144,8 @@ public:
     std::string label() const override;
 };
 
-/// Base of the tests that have their units as a table. The item of a loop does not seek.
+/// Base of the tests that have their units as a table. The item of a loop does not seek, so the scan is only
+/// made for nodes that are not one.
 class CORVANE_REGEXP_EXPORT RE_Class_Seek : public RE_Unit_Seek {
 public:
     using RE_Unit_Seek::RE_Unit_Seek;
@@ -141,10 +157,11 @@ protected:
     const char16_t* scanBack(const char16_t* p, std::size_t count, RE_Search_Info& info) const override;
 
 private:
+    /// Made by `initSeek`, when it is known which nodes are items.
     std::optional<RE_Class_Scan> sought;
 };
 
-/// A class named by an escape, such as the digits.
+/// A class named by an escape, such as the digits. Its table is shared by all patterns.
 class CORVANE_REGEXP_EXPORT RE_Escaped_Set : public RE_Class_Seek {
 public:
     using Test = bool (*)(char16_t);
@@ -164,7 +181,8 @@ public:
 template <>
 inline constexpr RE_Node_Kind kindOfNode<RE_Escaped_Set> = RE_Node_Kind::namedClass;
 
-/// Any set of units, as a table: a bracket expression, or alternatives of single units taken together.
+/// Any set of units, as a table: a bracket expression, or alternatives of single units taken together. The
+/// set is shared with other nodes of the pattern and never changed; the text is for labels.
 class CORVANE_REGEXP_EXPORT RE_Unit_Class : public RE_Class_Seek {
 public:
     RE_Unit_Class(RE_Graph_Context& context, std::shared_ptr<const RE_Unit_Set> units, std::string source)
@@ -182,12 +200,13 @@ public:
 template <>
 inline constexpr RE_Node_Kind kindOfNode<RE_Unit_Class> = RE_Node_Kind::unitClass;
 
-/// Base of the two dots.
+/// Base of the two dots. They do not seek: the next position mostly matches.
 class CORVANE_REGEXP_EXPORT RE_Dot : public RE_Unit_Test {
 public:
     using RE_Unit_Test::RE_Unit_Test;
 };
 
+/// Any unit. It fails at the end of the subject only, so a fail chain ends with it.
 class CORVANE_REGEXP_EXPORT RE_Dot_All : public RE_Dot {
 public:
     using RE_Dot::RE_Dot;
@@ -198,6 +217,7 @@ public:
     std::string label() const override { return "Match . (dotall)"; }
 };
 
+/// Any unit but the line feed, the only unit that separates lines.
 class CORVANE_REGEXP_EXPORT RE_Dot_Line : public RE_Dot {
 public:
     using RE_Dot::RE_Dot;

@@ -1,3 +1,12 @@
+// The pass for alternations: gathers the splits of one choice, joins neighbouring literals, and puts a
+// dispatch in front of what is left.
+//
+// Invariant: the branches of a choice keep their order, and no branch is dropped that could match. Literals
+// are joined only with their neighbours, as a branch between them would otherwise be tried too late or too
+// early.
+//
+// Only splits that the parser made are touched (`guarded`): others are kept from endless repetition by the
+// records that they leave, which a new node would leave out.
 #include "regexp/passes/alternations.h"
 
 #include "regexp/analysis/branch_literals.h"
@@ -16,22 +25,28 @@
 
 namespace {
 
+// A branch whose first units take longer to find than this counts as one that can begin with anything. So the
+// pass is linear in the pattern even where branches share long empty stretches.
 constexpr std::size_t mostNodesOfBranch = 64;
 
+/// The node as a choice between two ways that does nothing else: no counter, and not bypassed already. Else
+/// null.
 RE_Split* plainSplit(RE_Node* node) {
     auto* const split = nodeAs<RE_Split>(node);
     const bool plain = split != nullptr && !split->isCounter && split->guarded && !split->skippable;
     return plain ? split : nullptr;
 }
 
-/// The split at `node` when a split that leads there can take it over.
+/// The split at `node` if it can be taken as a part of the choice of a split that leads to it, else null. A
+/// split that several nodes lead to cannot: from the others it would be entered in the middle of the choice.
 RE_Split* innerSplit(RE_Node* node) {
     RE_Split* const split = plainSplit(node);
     return split != nullptr && !split->sharedTarget ? split : nullptr;
 }
 
-/// The splits that no other split leads to alone, the last ones first, so that a choice within a branch is
-/// rewritten before the choice of the branch.
+/// The splits at which a choice begins, that is those that are part of no other split's choice. Later ones
+/// come first, so that a choice within a branch is rewritten before the choice that the branch belongs to:
+/// the branch then begins with a node of which the first units are known.
 RE_Scratch_List<RE_Split*> firstSplits(RE_Graph_Context& context, const RE_Collection::Nodes& nodes) {
     const std::uint32_t walk = context.nextWalk();
     RE_Scratch_List<RE_Split*> first(&context.scratch);
@@ -50,7 +65,9 @@ RE_Scratch_List<RE_Split*> firstSplits(RE_Graph_Context& context, const RE_Colle
     return first;
 }
 
-/// The units that a node begins with, where it has them at hand.
+/// The units that a node begins with, where it holds them as a set; null for others. A loop that may make no
+/// pass can begin with a unit of what follows, too, and so can a unit test with a fail target: neither is
+/// answered.
 const RE_Unit_Set* knownUnits(const RE_Node* node) {
     if (const auto* set = nodeAs<RE_Literal_Set>(node)) {
         return set->firstUnits.get();
@@ -62,7 +79,7 @@ const RE_Unit_Set* knownUnits(const RE_Node* node) {
     return unit != nullptr && !unit->hasFailNode() ? unit->table() : nullptr;
 }
 
-/// The unit that a literal begins with, where no other will do.
+/// The unit that a literal begins with, where no other will do. Where case is ignored there may be several.
 std::optional<char16_t> soleFirstUnit(const RE_Node* node) {
     if (const auto* string = nodeAs<RE_String>(node)) {
         return string->ignoreCase ? std::nullopt : std::optional(string->text[0]);
@@ -72,7 +89,9 @@ std::optional<char16_t> soleFirstUnit(const RE_Node* node) {
     return sole ? std::optional(static_cast<char16_t>(unit->ch)) : std::nullopt;
 }
 
-// Most branches begin with a node that says it all.
+// Most branches begin with a node that answers at once. For the others the first units are gathered. A branch
+// that may reach an end without consuming matches in front of any unit and at the end of the subject, so it
+// can begin with everything; so can one of which too little is known.
 RE_Branch_Start startOf(RE_Graph_Context& context, RE_Node* branch) {
     RE_Branch_Start start;
     RE_Node* leading = branch;
@@ -98,7 +117,8 @@ RE_Branch_Start startOf(RE_Graph_Context& context, RE_Node* branch) {
     return start;
 }
 
-/// Whether looking at the next unit rules out a quarter of the branches or more.
+/// Whether looking at the next unit rules out a quarter of the branches or more, on average over the columns
+/// of the table. With less a dispatch would cost a look-up and spare next to nothing.
 bool rulesOutEnough(RE_Dispatch::Branches branches) {
     std::size_t open = 0;
     for (const RE_Dispatch::Branch& branch : branches) {
@@ -107,12 +127,14 @@ bool rulesOutEnough(RE_Dispatch::Branches branches) {
     return open * 4 <= branches.size() * RE_Branch_Start::columns * 3;
 }
 
-/// One choice, with all splits that it is made of.
+/// One choice, with all splits that it is made of, and its branches in the order in which they are tried.
 class Alternation {
 public:
     Alternation(RE_Graph_Context& parserContext, RE_Split* first)
         : context(parserContext), splits(&parserContext.scratch), branches(&parserContext.scratch) {
         splits.push_back(first);
+        // A stack of what is still to be taken apart. The alternative goes below the next node, so that
+        // branches are found in the order of the pattern.
         RE_Scratch_List<RE_Node*> pending({first->alternative, first->nextNode}, &context.scratch);
         while (!pending.empty()) {
             RE_Node* const node = throughSkippable(pending.back());
@@ -127,6 +149,7 @@ public:
         }
     }
 
+    /// Puts one node in the place of the choice, or a shorter chain of splits, or leaves the graph as it is.
     void rewrite() {
         const std::size_t before = branches.size();
         joinLiterals();
@@ -138,6 +161,8 @@ public:
     }
 
 private:
+    /// Replaces each row of neighbouring literals that lead to one node by a literal set. A row of one stays
+    /// what it is.
     void joinLiterals() {
         RE_Scratch_List<RE_Node*> joined(&context.scratch);
         RE_Branch_Literals literals(&context.scratch);
@@ -153,6 +178,8 @@ private:
             if (literals.add(branch, literal)) {
                 continue;
             }
+            // The branch does not fit what was gathered: another row begins with it, unless it is no literal
+            // at all.
             flush();
             if (!literals.add(branch, literal)) {
                 joined.push_back(branch);
@@ -162,6 +189,7 @@ private:
         branches = std::move(joined);
     }
 
+    /// Replaces the choice by a dispatch, if the next unit tells the branches apart. True when it did.
     bool dispatch() {
         RE_Scratch_List<RE_Dispatch::Branch> starts(&context.scratch);
         starts.reserve(branches.size());
@@ -175,6 +203,8 @@ private:
         return true;
     }
 
+    /// Makes the first split an empty node that leads to this one, which inherits what the memo knows the
+    /// choice by. The other splits are reached through the first alone, so nothing leads to them any more.
     void replaceWith(RE_Node* node) {
         RE_Split* const first = splits.front();
         node->guarded = true;
@@ -186,7 +216,8 @@ private:
         first->nextNode = node;
     }
 
-    // Fewer branches need fewer of the splits.
+    // Fewer branches need fewer of the splits. Those at the front are used again, the first one above all, as
+    // other nodes lead to it; the rest drop out of the graph.
     void relink() {
         context.linksChanged();
         const std::size_t last = branches.size() - 2;
@@ -208,6 +239,7 @@ RE_Node* joinAlternations(RE_Graph_Context& context, RE_Node* root) {
         return root;
     }
     {
+        // Ends before the graph is walked again: the list takes scratch memory that the walk can then reuse.
         const RE_Scratch_List<RE_Split*> splits = firstSplits(context, context.nodes(root));
         if (splits.empty()) {
             return root;

@@ -1,3 +1,19 @@
+// Recognises the shapes that the parser gives to loops over one unit, and puts an `RE_Consume` in the place
+// of each.
+//
+// S(X, Y) stands for a split that tries X first and then Y, and U for a test of a single unit. The shapes are
+//
+//   U*, U?   S(U, exit), with U leading back to S, or on to the exit
+//   U+       U leading to S(U, exit)
+//   U{m,n}   a start counter for each counter, a fixed counter for the required passes, a split or counter
+//            for the optional ones
+//
+// with the ways of the split exchanged for lazy loops. The parser makes most runs by itself. The shapes remain
+// where somebody observes the stages, where `dropRepeatedChoices` leaves them, where another pass has made one
+// unit test of the body, and with nodes made by hand.
+//
+// Invariant: a node is replaced by redirecting every link to it. The unit test itself is kept as the item of
+// the run.
 #include "regexp/passes/dot_star.h"
 
 #include "regexp/nodes/closed_body.h"
@@ -12,7 +28,7 @@
 
 namespace {
 
-/// What a loop over one unit does, read off its nodes.
+/// What a loop over one unit does, read off its nodes. Bounds are numbers of units.
 struct Unit_Loop {
     RE_Consumable* item;
     std::uint64_t minimum;
@@ -22,6 +38,8 @@ struct Unit_Loop {
     const RE_Memo_Scope* scope;
 };
 
+/// The unit test at `node`, if it can be the item of a run, else null. One with a fail target cannot: where
+/// it fails matching continues elsewhere than at the loop's exit.
 RE_Consumable* loopItem(RE_Node* node) {
     auto* const unit = nodeAs<RE_Consumable>(throughSkippable(node));
     return unit != nullptr && unit->isSingleUnit() && !unit->hasFailNode() ? unit : nullptr;
@@ -31,7 +49,8 @@ bool sameNode(RE_Node* from, RE_Node* to) {
     return throughSkippable(from) == throughSkippable(to);
 }
 
-/// The optional part of a loop: which way leads into the body that ends at `back`.
+/// Which way of a loop's choice leads to the item: false for the first one (greedy), true for the second
+/// (lazy), and nothing where neither does, as the choice then belongs to something else.
 std::optional<bool> laziness(RE_Split& choice, RE_Consumable* item) {
     if (loopItem(choice.nextNode) == item) {
         return false;
@@ -47,12 +66,14 @@ public:
     Rewriter(RE_Graph_Context& parserContext, RE_Node* graphRoot) : context(parserContext), root(graphRoot) {}
 
     RE_Node* run() {
-        // Tried again, X may call the host again.
+        // Not where the host is called: tried again, X may call it again, and how often is part of the
+        // answer.
         if (!context.facts->hasDynamicNodes && context.hasMade<RE_Split>()) {
             dropRepeatedChoices();
         }
         root = removeNullNodes(context, root);
         if (context.hasMade<RE_Split, RE_Start_Counter, RE_Consume>()) {
+            // Before the possessive ones, which look for runs.
             replaceWhere([this](RE_Node* node) { return loopNode(node); });
         }
         if (context.hasMade<RE_Atomic>()) {
@@ -62,7 +83,8 @@ public:
     }
 
 private:
-    /// Nodes that others take the place of, and what redirects links to these. A replaced node notes by which.
+    /// Nodes that others take the place of, and what redirects links to these. A replaced node is marked with
+    /// the walk and notes the index of its replacement, so that a look-up takes constant time without a map.
     struct Replacements {
         Replacements(std::uint32_t walkNumber, RE_Scratch_Memory* memory) : walk(walkNumber), all(memory) {}
         void add(RE_Node* node, RE_Node* with) {
@@ -73,6 +95,8 @@ private:
         RE_Node* of(RE_Node* node) const {
             return node != nullptr && node->walk == walk ? all[node->walkNote] : node;
         }
+        // An item link stays: in a loop of the shape U+ the unit is both what is replaced and the item of the
+        // run.
         void redirect(RE_Node& node) const {
             forEachLink(node, [this](RE_Node*& target, RE_Link kind) {
                 target = kind == RE_Link::item ? target : of(target);
@@ -83,7 +107,9 @@ private:
         RE_Scratch_List<RE_Node*> all;
     };
 
-    // S(X, T(X, Y)): once X has failed behind S it fails behind T, so S may as well be T.
+    // S(X, T(X, Y)): S reaches T at the position at which X failed after S, in the same state, so X fails
+    // again. S may as well be T. The ways of S are exchanged so that S leads to T when it is bypassed as an
+    // empty node.
     void dropRepeatedChoices() {
         for (RE_Node* node : context.nodes(root)) {
             if (auto* const run = nodeAs<RE_Consume>(node)) {
@@ -101,7 +127,9 @@ private:
         }
     }
 
-    // The run is S(X, exit) behind X, and T(X, Y) is its exit.
+    // The same for a first choice that is hidden in a run. U+ is U leading to S(U, exit); where its exit is
+    // T(U+, Y) the choice S adds nothing, so the run becomes the bare U leading to T, which the pass then
+    // finds to be U*. An example is (?:a+)*.
     void dropRepeatedRun(RE_Consume& run) {
         const bool plus = run.minimum == 1 && run.maximum == RE_Consume::noMaximum && !run.lazy;
         auto* const second = plus ? nodeAs<RE_Split>(throughSkippable(run.nextNode)) : nullptr;
@@ -115,7 +143,9 @@ private:
         }
     }
 
-    /// The first way of a choice that another split leads to, or null. A lazy run can be left at once.
+    /// The way that a choice tries first, where another split's alternative leads to it; null when it is no
+    /// choice. A lazy run without required units is S(exit, U), so it tries its exit first; but only where it
+    /// would have been a split, since a counter tries its exit at the limit as well.
     static RE_Node* firstWay(RE_Node* node, const RE_Split* outer) {
         if (const auto* run = nodeAs<RE_Consume>(node)) {
             const bool wasSplit = run->maximum == 1 || run->maximum == RE_Consume::noMaximum;
@@ -126,6 +156,9 @@ private:
                                                                                             : nullptr;
     }
 
+    /// Asks `replacementOf` for each node and makes all links to the node lead to what it returned, if that
+    /// is not null. New nodes lead to old ones, some of which are replaced in turn: their links are
+    /// redirected, too.
     template <class Replacement>
     void replaceWhere(Replacement replacementOf) {
         const RE_Collection::Nodes& nodes = context.nodes(root);
@@ -148,6 +181,8 @@ private:
         context.linksChanged();
     }
 
+    /// The run that takes the place of the loop that begins at the node, or null. A loop U+ begins at its
+    /// unit, which the way in and the way back both lead to.
     RE_Node* loopNode(RE_Node* node) {
         std::optional<Unit_Loop> loop;
         if (auto* run = nodeAs<RE_Consume>(node)) {
@@ -163,7 +198,8 @@ private:
         return loop ? makeConsume(*loop) : nullptr;
     }
 
-    // The parser has left this to the place at which other loops are found.
+    // The parser leaves the numbering of its runs to this place, at which the runs that it did not make are
+    // numbered, too. So graphs have the same numbers, whether runs are made early or late.
     void number(RE_Consume& run) {
         if (run.isOpen) {
             run.isOpen = false;
@@ -172,7 +208,8 @@ private:
         }
     }
 
-    // S(U, exit) with U leading back to S is U*; with U leading to the exit it is U?.
+    // S(U, exit) with U leading back to S is U*; with U leading to the exit it is U?. A unit that something
+    // else leads to is left alone: the other way would enter the loop in its middle.
     std::optional<Unit_Loop> splitLoop(RE_Split& split) {
         for (const bool lazy : {false, true}) {
             RE_Node* const exit = lazy ? split.nextNode : split.alternative;
@@ -230,6 +267,9 @@ private:
         return Unit_Loop{item, fixed->limit + 1, fixed->limit + 1, false, fixed->doneNode, first.memoScope};
     }
 
+    /// The loop whose optional passes are chosen at `choice` and begin anew at `head`. With `item` null there
+    /// are no required passes and the item is read off the choice. Nothing where the ways do not lead in a
+    /// circle.
     std::optional<Unit_Loop> optionalPasses(RE_Split& choice, RE_Consumable* item, RE_Node* head,
                                             std::uint64_t minimum, const RE_Memo_Scope* scope) {
         if (item == nullptr) {
@@ -241,10 +281,12 @@ private:
             return std::nullopt;
         }
         auto* const counter = nodeAs<RE_State_Counter>(&choice);
+        // The counter of the optional passes counts from 0: its limit comes on top of the required ones.
         const std::uint64_t maximum = counter != nullptr ? minimum + counter->limit : RE_Consume::noMaximum;
         return Unit_Loop{item, minimum, maximum, *lazy, *lazy ? choice.nextNode : choice.alternative, scope};
     }
 
+    /// Makes the run. Its item leads nowhere from then on, so that no walk gets past the run through it.
     RE_Node* makeConsume(const Unit_Loop& loop) {
         const auto order = loop.lazy ? RE_Consume::Order::lazy : RE_Consume::Order::greedy;
         auto* const consume = context.make<RE_Consume>(loop.item, loop.minimum, loop.maximum, order);
@@ -254,6 +296,9 @@ private:
         return consume;
     }
 
+    /// The run that is all of an atomic group, made possessive, or null. The group keeps the first end that
+    /// its body reaches, and a possessive run takes just that end: the longest, or the shortest if the run is
+    /// lazy.
     RE_Node* possessiveNode(RE_Node* node) {
         auto* const atomic = nodeAs<RE_Atomic>(node);
         auto* const consume =

@@ -1,3 +1,9 @@
+// Recognises bodies of lookarounds that are a short row of tests, and notes in the assertion where the row
+// ends.
+//
+// A body qualifies when each node matches in one way only, has a fixed width and writes nothing. Then whether
+// the body matches is a function of the units near the position, no choice can be open when it completes, and
+// running through it within the assertion's own visit gives the answer that a closed body would give.
 #include "regexp/passes/glances.h"
 
 #include "regexp/graph/meaning.h"
@@ -9,9 +15,12 @@
 
 namespace {
 
+// Nodes of a body. A glance counts as one step however long the row is, so the row has to be short.
 constexpr std::size_t longestRow = 4;
 
-/// Matches in one way only and looks at nothing but units near its position.
+/// Whether the node matches in one way only and looks at nothing but units near its position. A lookaround
+/// within the body may mean an `Edge` as well, but it may continue elsewhere when it fails, which a row
+/// cannot do.
 bool isPlainTest(const RE_Node* node) {
     if (nodeAs<RE_Lookaround_Assertion>(node) != nullptr) {
         return false;
@@ -24,7 +33,8 @@ bool isPlainTest(const RE_Node* node) {
            std::holds_alternative<RE_Meanings::Text>(meaning);
 }
 
-// A look-behind requires its body to end at the assertion, which a body of fixed width does by itself.
+// A look-behind requires its body to end at the assertion. A body of fixed width that begins so many units
+// before it does so by itself: the node that tests it need not be visited.
 bool endsRow(const RE_Node* node, bool behind) {
     if (behind && nodeAs<RE_End_Match>(node) != nullptr) {
         node = node->nextNode;
@@ -33,7 +43,8 @@ bool endsRow(const RE_Node* node, bool behind) {
     return end != nullptr && end->endsBody;
 }
 
-/// For a body of one test.
+/// For a body of one test: lets the assertion compare one unit in place of calling a node. Other tests than
+/// those with a table and plain literals are still called.
 void noteUnit(RE_Lookaround_Assertion& assertion) {
     if (const auto* const unit = nodeAs<RE_Consumable>(assertion.body)) {
         assertion.glanceUnits = unit->table();
@@ -43,6 +54,7 @@ void noteUnit(RE_Lookaround_Assertion& assertion) {
     }
 }
 
+/// Fills in the fields of one assertion if its body is such a row; otherwise leaves it alone.
 void findGlance(RE_Lookaround_Assertion& assertion) {
     std::uint64_t width = 0;
     const RE_Node* node = assertion.body;

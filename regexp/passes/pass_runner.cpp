@@ -1,3 +1,10 @@
+// The passes and their order.
+//
+// The order matters for what the passes find, never for the answers: each leaves a graph that matches the
+// same, and each works on any graph, as any of the others may be switched off. Literals are joined before
+// loops and alternations look at them; alternations come after the loops, since a run says at once what a
+// branch can begin with; the loops that may be possessive need to know what follows them in its final form;
+// and the start finder reads all the rest.
 #include "regexp/passes/pass_runner.h"
 
 #include "regexp/passes/alternations.h"
@@ -13,6 +20,8 @@ namespace {
 
 using Corvane::regexp::CompileOptions;
 
+/// A pass, the option that switches it, and the stage under which its result is shown. Passes with one stage
+/// are shown one after the other under its name.
 struct Pass {
     RE_Stage stage;
     bool (CompileOptions::*enabled)() const;

@@ -1,3 +1,7 @@
+// Decides for each run whether any end but its longest could lead to a match.
+//
+// A lazy run that passes the test becomes a greedy one: at every end but the last the next unit belongs to
+// the run, so both orders would arrive at the same single end.
 #include "regexp/passes/possessive_loops.h"
 
 #include "regexp/analysis/first_units.h"
@@ -8,21 +12,27 @@
 
 namespace {
 
-constexpr std::size_t mostNodesBehindLoop = 64;
+// Beyond this the first units after a loop count as unknown and the loop stays as it is. Patterns may have as
+// many loops as nodes: without a bound the pass would be quadratic.
+constexpr std::size_t mostNodesAfterLoop = 64;
 
-// At a shorter end the next unit is one of the run. What follows fails there if it has to consume a unit, none of which
-// is in the run; and if it can do without, it succeeds at the longest end already, unless something on the way looks at
-// the position. A lazy run that may end the pattern at once is none of this.
-bool neverGivesBack(RE_Graph_Context& context, const RE_Consume& loop) {
-    RE_First_Units behind(context);
-    if (!behind.avoids(*loop.units, loop.nextNode, mostNodesBehindLoop)) {
+// At an end before the longest the next unit is one of the run.
+//
+// Where the rest has to consume a unit, that unit is none of the run, so the rest fails at every such end.
+// Where the rest can also do without one it succeeds at the longest end, which a greedy run tries first,
+// provided that nothing on the way tests the position; then no shorter end is ever tried. A lazy run tries
+// the shortest end first and would succeed there, so it qualifies only in the first case.
+bool mayBePossessive(RE_Graph_Context& context, const RE_Consume& loop) {
+    RE_First_Units rest(context);
+    if (!rest.avoids(*loop.units, loop.nextNode, mostNodesAfterLoop)) {
         return false;
     }
-    return !(behind.mayBeEmpty || behind.endsBody) || !(behind.tested || loop.lazy);
+    return !(rest.mayBeEmpty || rest.endsBody) || !(rest.tested || loop.lazy);
 }
 
-/// Tells the token around a loop that gives nothing back of it.
-void tellToken(RE_Node* node) {
+/// Lets a token that wraps a possessive loop run the loop itself: start, loop and end in one visit. The kinds
+/// are compared, as the counting forms of these nodes have to be visited one by one.
+void linkTokenToRun(RE_Node* node) {
     auto* const start = nodeAs<RE_Start_Token>(node);
     const auto* const loop = start != nullptr ? nodeAs<RE_Consume>(start->nextNode) : nullptr;
     if (loop == nullptr || !loop->possessive || loop->lazy || loop->kind != RE_Node_Kind::run) {
@@ -43,14 +53,16 @@ RE_Node* makeLoopsPossessive(RE_Graph_Context& context, RE_Node* root) {
     const RE_Collection::Nodes& nodes = context.nodes(root);
     for (RE_Node* node : nodes) {
         auto* const loop = nodeAs<RE_Consume>(node);
-        if (loop != nullptr && !loop->possessive && neverGivesBack(context, *loop)) {
+        if (loop != nullptr && !loop->possessive && mayBePossessive(context, *loop)) {
             loop->possessive = true;
+            // For people who ask why the engine does not backtrack here: one that is possessive as written has
+            // another reason.
             loop->couldNotHelp = true;
             loop->lazy = false;
         }
     }
     if (context.hasMade<RE_Start_Token>()) {
-        std::ranges::for_each(nodes, tellToken);
+        std::ranges::for_each(nodes, linkTokenToRun);
     }
     return root;
 }

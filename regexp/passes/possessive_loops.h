@@ -1,9 +1,10 @@
-// Pass: loops over one unit give nothing back where that could not help.
+// Pass: loops over one unit become possessive where backtracking into them could not help.
 //
-// Purpose: no choice is left behind, and no shorter run is tried, where what follows cannot begin with a unit
-// of the run: `\w+\s`, `[^"]*"`, `a*` at the end of a pattern. Before: any graph. After: the same graph, such
-// loops possessive.
-// Cost: a walk for each loop over a bounded number of nodes behind it.
+// Purpose: no choice is left, and no shorter run is tried, where what follows cannot begin with a unit of the
+// run: `\w+\s`, `[^"]*"`, `a*` at the end of a pattern.
+// Before: any graph; loops over one unit that are still splits or counters are not looked at.
+// After: the same graph, such loops possessive, and tokens that hold nothing else linked to their loop.
+// Cost: a walk for each loop over a bounded number of nodes after it.
 //
 // Patterns that call the host are left alone: the calls made on the way to a failure are part of what they
 // do.

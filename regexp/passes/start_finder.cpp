@@ -1,3 +1,9 @@
+// Chooses the start finder of a pattern by how rarely each possible one would stop in ordinary text.
+//
+// All numbers here decide about time only: each finder is correct by itself, for the reason that its class
+// gives. Whoever changes one should measure before and after.
+//
+// Trap: a finder is made for the graph as it is now. A pass that ran later could change what a match begins with.
 #include "regexp/passes/start_finder.h"
 
 #include "regexp/analysis/first_units.h"
@@ -19,7 +25,7 @@
 
 namespace {
 
-// Shares of the positions of ordinary text, as seek/likelihood.h estimates them.
+// Shares of the positions of ordinary text, as units/likelihood.h estimates them.
 
 // First units that are more common than this rule out too little to be worth a scan.
 constexpr double commonestUseful = 0.97;
@@ -34,14 +40,15 @@ constexpr double rareEnoughForPrefixes = 0.03;
 constexpr double commonestLiteral = 0.02;
 constexpr double rarerThanLines = 0.00002;
 
-// Of the literals that a match needs so many are asked whether they still follow.
+// Of the literals that a match needs, the search seeks at most so many, the rarest ones. Each is a scan of
+// its own.
 constexpr std::size_t mostNeeded = 3;
 
-// By how much another finder has to be rarer than a scan for the first unit.
+// By how much another finder has to be rarer than a scan for the first unit to be taken in its place.
 constexpr double worthPrefixes = 0.5;
 constexpr double worthGoingBack = 0.3;
 
-/// The first node that is more than an opening group.
+/// The first node that is more than an opening group or an empty node.
 RE_Node* leadingNode(RE_Node* root) {
     while (root->isStartToken() || (root->isSkippable() && root->nextNode != nullptr)) {
         root = root->nextNode;
@@ -49,8 +56,9 @@ RE_Node* leadingNode(RE_Node* root) {
     return root;
 }
 
-// What is remembered of a token, or called by a pattern, may depend on where the loop began. A lazy loop that
-// keeps to its first end has another one at each position.
+// Notes the loop that begins every match. Where an attempt from the start of its run failed, the search skips
+// starts within the run. Not where tokens are read or the host is called, as these may depend on where the
+// loop began; and not for a lazy loop that keeps to its first end, which has another one at each position.
 void noteLeadingLoop(RE_Graph_Facts& facts, RE_Node* leading) {
     auto* const loop = nodeAs<RE_Consume>(leading);
     if (loop != nullptr && !(loop->lazy && loop->possessive) && facts.memoOutlivesStarts()) {
@@ -59,8 +67,9 @@ void noteLeadingLoop(RE_Graph_Facts& facts, RE_Node* leading) {
     }
 }
 
-/// The only way on from a node that tests without consuming, or null.
-RE_Node* behindTest(RE_Node* node) {
+/// The only way on from a node that tests without consuming, or null. A positive lookaround continues at its
+/// next node, a negative one at its fail target; as a condition it has both and there is no only way.
+RE_Node* afterTest(RE_Node* node) {
     if (nodeAs<RE_Word_Anchor>(node) != nullptr) {
         return node->nextNode;
     }
@@ -71,17 +80,19 @@ RE_Node* behindTest(RE_Node* node) {
     return assertion->nextNode != nullptr ? assertion->nextNode : assertion->failTarget;
 }
 
-/// The first node that is more than an opening group or a test of the position.
+/// The first node that is more than an opening group or a test of the position. What it requires of the units
+/// at the start holds for every match, whatever the tests require besides.
 RE_Node* leadingConsumer(RE_Node* root) {
     RE_Node* node = leadingNode(root);
-    while (RE_Node* const following = behindTest(node)) {
+    while (RE_Node* const following = afterTest(node)) {
         node = leadingNode(following);
     }
     return node;
 }
 
-/// Finds the literal, or the unit of a class, that a look-behind at the front of the pattern asks for.
-std::optional<RE_Text_Finder> literalBehind(const RE_Node* leading) {
+/// Finds the literal, or the unit of a class, that a look-behind at the front of the pattern requires.
+/// Nothing for look-behinds that may hold in other ways too: the body has to be this one test.
+std::optional<RE_Text_Finder> literalBefore(const RE_Node* leading) {
     const auto* const assertion = nodeAs<RE_Lookaround_Assertion>(leading);
     const bool asks = assertion != nullptr && assertion->behind && !assertion->negative &&
                       assertion->failTarget == nullptr && assertion->glanceEnd != nullptr;
@@ -96,7 +107,7 @@ std::optional<RE_Text_Finder> literalBehind(const RE_Node* leading) {
     return literalOf(assertion->body);
 }
 
-/// Goes through the finders that come to mind in the order of `RE_Start_Finder`.
+/// Considers the finders in the order of `RE_Start_Finder` and takes the first that pays.
 class Chooser {
 public:
     Chooser(RE_Graph_Context& parserContext, RE_Node* graphRoot) : context(parserContext), root(graphRoot) {}
@@ -117,7 +128,10 @@ public:
         return chooseByUnits(leading);
     }
 
-    /// Has the search ask for the literals that stand behind the start of every match, where one attempt may take long.
+    /// Notes literals that come after the start of every match, for the search to seek when failed attempts
+    /// have taken long. Left out where matches are short, as attempts then are, and where the pattern is
+    /// bound to the start of the text, as there is one attempt only. A literal at the front of the pattern is
+    /// left out, too: attempts begin with it anyway.
     void noteNeeded() {
         const bool once = nodeAs<RE_Start_String>(leadingNode(root)) != nullptr;
         if (!context.hasLongMatches || context.facts->hasDynamicNodes || once) {
@@ -141,7 +155,8 @@ private:
         return root;
     }
 
-    // Lines without a rare literal that they need are not looked at one by one.
+    // Lines are looked at one by one, unless every match consumes and needs a literal that is much rarer than
+    // lines are: then those that lack it are passed over.
     RE_Node* chooseForLines() {
         RE_First_Units first(context);
         const bool isKnown = first.gather(root) && !first.mayBeEmpty && !first.mayBeAtEnd;
@@ -149,6 +164,8 @@ private:
         return inner != nullptr ? inner : anchored();
     }
 
+    /// A finder for the first units, or one that is rarer; the bare graph where a match may be empty and that
+    /// is accepted, as such a match may start anywhere, and where nearly every unit can come first.
     RE_Node* chooseByUnits(const RE_Node* leading) {
         RE_First_Units first(context);
         const bool allowsEmpty = (context.flags & RE_FLAG_ALLOW_EMPTY) != 0;
@@ -166,7 +183,8 @@ private:
     }
 
     /// A seeker that stops less often than one for the first units, which are this share of all; null when
-    /// there is none.
+    /// there is none. Required literals come first where first units are common. The rest are compared with
+    /// the better of first units and prefixes, which is `best` from there on.
     RE_Node* rarerSeeker(const RE_Node* leading, const RE_First_Units& first, double share,
                          bool allowsEmpty) {
         if (share > common) {
@@ -180,13 +198,13 @@ private:
         }
         const bool prefixesPay = prefixes && prefixes->likelihood < share * worthPrefixes;
         const double best = prefixesPay ? prefixes->likelihood : share;
-        std::optional<RE_Text_Finder> before = literalBehind(leading);
+        std::optional<RE_Text_Finder> before = literalBefore(leading);
         if (before && before->likelihood() < best) {
             return inFront(RE_Start_Finder::literalBehind,
                            context.make<StringBehindSeeker>(std::move(*before)));
         }
-        // The way back from a literal costs more than the few attempts that it spares. Where it is far, the search asks
-        // for it (`noteNeeded`).
+        // The way back from a literal costs more than the few attempts that it spares. Where it is far, the search
+        // seeks it (`noteNeeded`).
         RE_Node* seeker = share > rareEnough
                               ? innerSeeker(std::min(best * worthGoingBack, commonestLiteral), first)
                               : nullptr;
@@ -201,8 +219,11 @@ private:
                        context.make<StringPrefixSeeker>(RE_Text_Finder(prefixes.scan, prefixes.likelihood)));
     }
 
-    /// A seeker for a required literal that is rarer than `likelihood`; null when there is none.
+    /// A seeker for a required literal that is rarer than `likelihood`; null when there is none. Literals
+    /// come rarest first. One whose surroundings cannot be found out is dropped for good, and the next one is
+    /// considered.
     RE_Node* innerSeeker(double likelihood, const RE_First_Units& first, bool ofLines = false) {
+        // What it would have to beat is so rare already that no literal pays for the walks that follow.
         if (likelihood < 1e-5) {
             return nullptr;
         }
@@ -233,7 +254,7 @@ private:
     }
 
     /// A seeker for many literals that stops less often than at `likelihood` of all positions; null when
-    /// there is none.
+    /// there is none. Only for a literal set at the front: its windows are those of the start of the match.
     RE_Node* windowSeeker(double likelihood) {
         const auto* const set = nodeAs<RE_Literal_Set>(leadingConsumer(root));
         std::optional<RE_Window_Filter> filter;
@@ -246,6 +267,8 @@ private:
         return inFront(RE_Start_Finder::windows, context.make<StringWindowSeeker>(std::move(*filter)));
     }
 
+    /// Puts the seeker in front of the graph. The match loop passes through it without a test; searches call
+    /// its `seek`.
     RE_Node* inFront(RE_Start_Finder finder, RE_Seeker* seeker) {
         context.facts->startFinder = finder;
         seeker->nextNode = root;
@@ -262,6 +285,7 @@ private:
 
 RE_Node* chooseStartFinder(RE_Graph_Context& context, RE_Node* root) {
     Chooser chooser(context, root);
+    // The finder takes its literal out of the list, so the search does not look for it twice.
     RE_Node* const finder = chooser.choose();
     chooser.noteNeeded();
     return finder;

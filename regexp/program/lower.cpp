@@ -1,3 +1,10 @@
+// Describes nodes as instructions, from the entry on, and links them when all are known.
+//
+// A node without a description becomes `leave`, the operation that instructions begin with, and nothing after
+// it is looked at. So it is always safe to describe less; what is described must do exactly what the match
+// loop would do, in results and in steps.
+//
+// Counting forms of nodes have no kind and are never described.
 #include "regexp/program/lower.h"
 
 #include "regexp/nodes/closed_body.h"
@@ -16,20 +23,25 @@
 
 namespace {
 
-// Behind so many nodes an attempt has taken long enough for the way into the match loop not to count.
+// After so many nodes an attempt has taken long enough for the way into the match loop not to count, and a
+// program is no larger than is worth the memory. Nodes that are already on the list when it is reached still
+// get an instruction, one that leaves.
 constexpr std::size_t mostInstructions = 512;
 
-/// The nodes that a node leads to, besides the ways of a choice.
+/// The nodes that a node leads to, besides the ways of a choice. Null is the instruction that fails.
 struct Exits {
     RE_Node* next = nullptr;
     RE_Node* otherwise = nullptr;
 };
 
+/// Whether a program would leave at this instruction at once. Runs that backtrack are described all the same,
+/// since machine code can keep the choice of one of them.
 bool isForTheLoop(RE_Operation operation) {
     return operation == RE_Operation::leave || operation == RE_Operation::lazyRun ||
            operation == RE_Operation::givingRun;
 }
 
+/// The ways of a choice, and none for other instructions.
 std::span<RE_Node* const> waysOf(const RE_Instruction& in) {
     if (in.operation != RE_Operation::choose) {
         return {};
@@ -37,6 +49,8 @@ std::span<RE_Node* const> waysOf(const RE_Instruction& in) {
     return static_cast<const RE_Dispatch*>(in.node)->ways;
 }
 
+/// One lowering: nodes are found breadth first, and each is described when its turn comes. A node notes its
+/// index.
 class Lowering {
 public:
     Lowering(RE_Graph_Context& context, RE_Program& target)
@@ -61,11 +75,13 @@ public:
     }
 
 private:
+    /// An instruction under way, with nodes where it will have links.
     struct Found {
         RE_Instruction instruction;
         Exits exits;
     };
 
+    /// Gives the node a place in the program, unless it has one.
     void add(RE_Node* node) {
         if (node != nullptr && node->walk != walk) {
             node->walk = walk;
@@ -74,6 +90,8 @@ private:
         }
     }
 
+    /// Fills in the operation and what it needs. Where that is not possible nothing is filled in and there
+    /// are no exits.
     Exits describe(const RE_Node& node, RE_Instruction& in) const;
     Exits describeRun(const RE_Consume& loop, RE_Operation operation, RE_Node* next,
                       RE_Instruction& in) const;
@@ -84,6 +102,8 @@ private:
     Exits describeTexts(const RE_Literal_Set& set, RE_Instruction& in) const;
     Exits describeReference(const RE_Match_Token& reference, RE_Instruction& in) const;
 
+    /// Where the instruction of a node will be, for one that has a place; that which fails, for null. The
+    /// storage is reserved before, so the address stays.
     const RE_Instruction* placeOf(const RE_Node* node) const {
         const std::size_t place = node != nullptr ? node->walkNote : found.size();
         return program.instructions.data() + place;
@@ -98,7 +118,8 @@ private:
     std::size_t wayCount = 0;
 };
 
-// Behind them all stands the one that fails.
+// Instructions are moved to where they stay and linked; the one that fails comes after them all. Both vectors
+// have room for all that is added, so that the pointers into them stay valid.
 void Lowering::link() {
     program.instructions.reserve(found.size() + 1);
     program.ways.reserve(wayCount);
@@ -119,10 +140,13 @@ void Lowering::link() {
     }
 }
 
+/// Whether a count or a number can be told from `noMaximum` in 32 bits.
 bool fits(std::uint64_t count) {
     return count < RE_Instruction::noMaximum;
 }
 
+// The common part of loops, alone and within a token. A lazy loop that keeps to its first end is left: no operation
+// describes it.
 Exits Lowering::describeRun(const RE_Consume& loop, RE_Operation operation, RE_Node* next,
                             RE_Instruction& in) const {
     const bool isEndless = loop.maximum == RE_Consume::noMaximum;
@@ -137,6 +161,7 @@ Exits Lowering::describeRun(const RE_Consume& loop, RE_Operation operation, RE_N
     return {next};
 }
 
+// Tokens with a number that does not fit are left to the loop.
 Exits Lowering::describeToken(const RE_Token& token, RE_Operation operation, RE_Instruction& in) const {
     if (!fits(token.number)) {
         return {};
@@ -147,6 +172,7 @@ Exits Lowering::describeToken(const RE_Token& token, RE_Operation operation, RE_
     return {token.nextNode};
 }
 
+// One unit of a set is compared here; other glances are left to the assertion.
 Exits Lowering::describeGlance(const RE_Lookaround_Assertion& test, RE_Instruction& in) const {
     in.flag = test.behind;
     in.units = test.glanceUnits;
@@ -154,6 +180,8 @@ Exits Lowering::describeGlance(const RE_Lookaround_Assertion& test, RE_Instructi
     return {test.nextNode, test.failTarget};
 }
 
+// A letter that folds with one other, or with none, is a comparison with two units. Units with more forms are
+// left.
 Exits Lowering::describeFolded(const RE_Natural_I& node, RE_Instruction& in) const {
     const auto lower = static_cast<char16_t>(node.ch);
     char16_t forms[2] = {lower, lower};
@@ -183,6 +211,7 @@ Exits Lowering::describeString(const RE_String& string, RE_Instruction& in) cons
     return {string.nextNode};
 }
 
+// Only sets of which one literal at most can be at a position: others may leave a choice.
 Exits Lowering::describeTexts(const RE_Literal_Set& set, RE_Instruction& in) const {
     if (!set.literals.areFew()) {
         return {};
@@ -192,6 +221,8 @@ Exits Lowering::describeTexts(const RE_Literal_Set& set, RE_Instruction& in) con
     return {set.nextNode};
 }
 
+// By number and with case only, so that the text is compared with itself, unit by unit. A name has to be
+// looked up.
 Exits Lowering::describeReference(const RE_Match_Token& reference, RE_Instruction& in) const {
     if (reference.name != nullptr || reference.ignoreCase || !fits(reference.number)) {
         return {};
@@ -201,6 +232,7 @@ Exits Lowering::describeReference(const RE_Match_Token& reference, RE_Instructio
     return {reference.nextNode, reference.failTarget};
 }
 
+/// For nodes that need no more than their operation. They have no fail target.
 Exits plain(RE_Operation operation, const RE_Node& node, RE_Instruction& in) {
     in.operation = operation;
     return {node.nextNode};
@@ -211,17 +243,19 @@ Exits wordTest(RE_Operation operation, const RE_Node& node, RE_Instruction& in) 
     return plain(operation, node, in);
 }
 
+/// For tests of one unit, which may have a fail target.
 template <class Unit>
 Exits unitTest(RE_Operation operation, const Unit& node, RE_Instruction& in) {
     in.operation = operation;
     return {node.nextNode, node.failTarget};
 }
 
+/// Which of the three kinds of runs a loop is.
 RE_Operation operationOf(const RE_Consume& loop) {
     return loop.possessive ? RE_Operation::run : loop.lazy ? RE_Operation::lazyRun : RE_Operation::givingRun;
 }
 
-// What is left as it is gets no exits: nothing of the program stands behind it.
+// What is left as it is gets no exits: nothing of the program comes after it.
 Exits Lowering::describe(const RE_Node& node, RE_Instruction& in) const {
     if (found.size() > mostInstructions) {
         return {};
@@ -231,6 +265,7 @@ Exits Lowering::describe(const RE_Node& node, RE_Instruction& in) const {
             return plain(RE_Operation::pass, node, in);
         case RE_Node_Kind::end: {
             const auto& end = static_cast<const RE_End_Of_Tree&>(node);
+            // Bodies are not described, so this is the end of the pattern, unless that continues in another graph.
             const bool isLast = end.continuation == nullptr && !end.endsBody;
             in.operation = isLast ? RE_Operation::matched : RE_Operation::leave;
             return {};
@@ -261,6 +296,7 @@ Exits Lowering::describe(const RE_Node& node, RE_Instruction& in) const {
         case RE_Node_Kind::run:
             return describeRun(static_cast<const RE_Consume&>(node),
                                operationOf(static_cast<const RE_Consume&>(node)), node.nextNode, in);
+        // Its ways are read off the node when the instruction is linked. None of them fails into another.
         case RE_Node_Kind::dispatch: {
             in.operation = RE_Operation::choose;
             return {};
@@ -302,8 +338,6 @@ Exits Lowering::describe(const RE_Node& node, RE_Instruction& in) const {
 
 }  // namespace
 
-std::unique_ptr<const RE_Program> lowerGraph(RE_Graph_Context& context, RE_Node* entry) {
-    auto program = std::make_unique<RE_Program>();
-    Lowering(context, *program).run(entry);
-    return program;
+void lowerGraph(RE_Graph_Context& context, RE_Node* entry, RE_Program& program) {
+    Lowering(context, program).run(entry);
 }

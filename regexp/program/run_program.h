@@ -1,5 +1,12 @@
-// Runs a program. It stands in a header so that the search from start to start has it inside: most attempts
-// are over after a few instructions.
+// Runs a program. It is in a header so that the search from start to start has it inside: most attempts are
+// over after a few instructions.
+//
+// The members that an attempt writes are copies of parts of the search, so that the compiler can keep them in
+// processor registers. `leave` writes them back, on every way out; what is left of the steps is written back around
+// each scan as well.
+//
+// Invariant: each case does what its node does in the match loop, and has taken as many steps: one for each
+// node that was visited, none for an instruction that leaves or fails, since no node was visited then.
 #pragma once
 
 #include "regexp/nodes/anchors.h"
@@ -9,14 +16,14 @@
 #include "regexp/nodes/literal_set.h"
 #include "regexp/nodes/tokens.h"
 #include "regexp/nodes/trivial.h"
-#include "regexp/program/instruction.h"
+#include "regexp/graph/instruction.h"
 #include "regexp/seek/literal_search.h"
 #include "regexp/state/search_info.h"
 #include "regexp/units/unit_set.h"
 
 #include <algorithm>
 
-/// How a program ended. Where it was left `node` is the one to go on at, from `p` on.
+/// How a program ended. Where it was left `node` is the one to continue at, from `p` on.
 struct RE_Program_Exit {
     enum class How { failed, matched, left };
 
@@ -25,11 +32,11 @@ struct RE_Program_Exit {
     const RE_Node* node = nullptr;
 };
 
-/// What an attempt writes while it is run, kept in registers. Nothing is trailed: there is no choice to go
-/// back to.
+/// One attempt, from the start position of the search. What it writes is not trailed: there is no choice to
+/// return to.
 class RE_Program_Run {
 public:
-    /// So many steps of the attempt were taken before.
+    /// `stepsBefore`: how many steps of the attempt were taken before; a seeker that was passed over is one.
     RE_Program_Run(RE_Search_Info& search, const RE_Graph_Facts& facts, std::int64_t stepsBefore)
         : info(search),
           keepsTokens(facts.keepsTokens),
@@ -37,17 +44,20 @@ public:
           starts(search.tokenStarts()),
           left(search.meter.room() - stepsBefore) {}
 
-    /// Runs the instructions from `in` on at the start that the state is at.
+    /// Runs the instructions from `in` on at the start position of the search. `in` is an instruction of the
+    /// program of the same graph.
     [[gnu::always_inline]] RE_Program_Exit run(const RE_Instruction* in);
 
 private:
+    /// Writes back what was kept in registers.
     RE_Program_Exit leave(RE_Program_Exit::How how, const char16_t* p, const RE_Node* node = nullptr) {
         info.tokens->count = count;
         info.tokens->written = written;
         info.meter.setRoom(left);
         return {how, p, node};
     }
-    /// Names stand in the slots already.
+    /// Closes a token, as the token store does. Slots below it that the attempt has not written yet are
+    /// emptied: they may hold what another attempt wrote. Names are in the slots already.
     void record(std::size_t number, std::size_t start, std::size_t end) {
         for (; written < number; ++written) {
             slots[written].start = slots[written].length = 0;
@@ -59,9 +69,13 @@ private:
         written = std::max(written, number + 1);
         count = keepsTokens ? written : number + 1;
     }
+    /// The end of the run of `in` from `p` on, of `most` units at the most. The first units are looked at
+    /// here; a longer run is measured by `loop`, which remembers it.
     const char16_t* runEnd(const RE_Instruction& in, const RE_Consume& loop, const char16_t* p);
+    /// Whether the text of a token in effect is at `p`, which is then moved past it.
     bool repeatsToken(std::size_t number, const char16_t*& p);
-    /// The way to choose, if there is one only; null when there are more.
+    /// The way to choose, if there is only one; null when there are more, or when a memo would have to be
+    /// consulted. No way at all leads to the instruction that fails.
     const RE_Instruction* choose(const RE_Instruction& in, const char16_t* p);
 
     RE_Search_Info& info;
@@ -86,11 +100,14 @@ inline const char16_t* RE_Program_Run::runEnd(const RE_Instruction& in, const RE
         ++end;
     }
     if (end == stop && most > std::size_t{RE_Consume::shortRun}) {
+        // The scan counts its steps in the meter: it has to know what was taken here, and the rest is read
+        // back.
         info.meter.setRoom(left);
         end =
             in.most == RE_Instruction::noMaximum ? loop.longRunEnd(p, info) : loop.scanOn(p, p + most, info);
         left = info.meter.room();
     }
+    // A run that reached its limit may be longer: starts within it cannot be skipped.
     if (in.flag && static_cast<std::size_t>(end - p) < in.most) {
         info.leadingRun = {p, end};
     }
@@ -98,6 +115,7 @@ inline const char16_t* RE_Program_Run::runEnd(const RE_Instruction& in, const RE
 }
 
 inline bool RE_Program_Run::repeatsToken(std::size_t number, const char16_t*& p) {
+    // Slots at and above the count are not in effect.
     if (number >= count) {
         return false;
     }
@@ -105,6 +123,7 @@ inline bool RE_Program_Run::repeatsToken(std::size_t number, const char16_t*& p)
     if (token.length > static_cast<std::size_t>(info.subjectEnd - p)) {
         return false;
     }
+    // As `RE_Match_Token` does by `noteScan`, before the comparison and whatever it finds.
     left -= static_cast<std::int64_t>(token.length / RE_Step_Meter::unitsAStep);
     if (!equalUnits(info.subjectBegin + token.start, p, token.length)) {
         return false;
@@ -119,9 +138,11 @@ inline const RE_Instruction* RE_Program_Run::choose(const RE_Instruction& in, co
     if (way == RE_Dispatch::noWay) {
         return in.otherwise;
     }
+    // A memo may refuse the state, and this cannot look. The match loop takes the same choice with both.
     if (way == RE_Dispatch::manyWays || info.refusesStates()) {
         return nullptr;
     }
+    // As in the graph, where a choice with one way open counts towards the beginning of the memo.
     info.spareChoice();
     return in.ways[way];
 }
@@ -131,11 +152,14 @@ inline RE_Program_Exit RE_Program_Run::run(const RE_Instruction* in) {
     const char16_t* const begin = info.subjectBegin;
     const char16_t* const end = info.subjectEnd;
     const char16_t* p = info.matchStart;
-    const auto goOn = [&in](bool holds) { in = holds ? in->next : in->otherwise; };
+    // Most instructions end in one of these two.
+    const auto jump = [&in](bool holds) { in = holds ? in->next : in->otherwise; };
     const auto consume = [&](bool holds) {
         p += holds;
-        goOn(holds);
+        jump(holds);
     };
+    // A step for the node of the instruction is taken first; `left` never gets below zero within one, but for
+    // scans.
     while (left >= RE_Instruction::mostSteps) {
         --left;
         switch (in->operation) {
@@ -190,9 +214,11 @@ inline RE_Program_Exit RE_Program_Run::run(const RE_Instruction* in) {
                 const char16_t* const stop = runEnd(*in, static_cast<const RE_Consume&>(*in->node), p);
                 const bool suffices = static_cast<std::size_t>(stop - p) >= in->least;
                 p = stop;
-                goOn(suffices);
+                jump(suffices);
                 break;
             }
+            // Three nodes and as many steps: the start of the token, the run, and, if that suffices, the
+            // token's end. The register for the start is not written, as only that end would read it.
             case RE_Operation::tokenRun: {
                 const auto& token = static_cast<const RE_Start_Token&>(*in->node);
                 --left;
@@ -214,6 +240,7 @@ inline RE_Program_Exit RE_Program_Run::run(const RE_Instruction* in) {
                     in = in->otherwise;
                     break;
                 }
+                // There is a memo: the node has to be visited by the loop, which consults it.
                 if (info.refusesStates()) {
                     ++left;
                     return leave(How::left, p, in->node);
@@ -241,33 +268,34 @@ inline RE_Program_Exit RE_Program_Run::run(const RE_Instruction* in) {
                 in = in->next;
                 break;
             case RE_Operation::tokenText:
-                goOn(repeatsToken(in->least, p));
+                jump(repeatsToken(in->least, p));
                 break;
             case RE_Operation::lineStart:
-                goOn(p <= begin || p[-1] == u'\n');
+                jump(p <= begin || p[-1] == u'\n');
                 break;
             case RE_Operation::lineEnd:
-                goOn(p >= end || *p == u'\n');
+                jump(p >= end || *p == u'\n');
                 break;
             case RE_Operation::textStart:
-                goOn(p <= begin);
+                jump(p <= begin);
                 break;
             case RE_Operation::textEnd:
-                goOn(p >= end);
+                jump(p >= end);
                 break;
             case RE_Operation::wordStart:
-                goOn(p <= begin || !in->units->contains(p[-1]));
+                jump(p <= begin || !in->units->contains(p[-1]));
                 break;
             case RE_Operation::wordEnd:
-                goOn(p >= end || !in->units->contains(*p));
+                jump(p >= end || !in->units->contains(*p));
                 break;
             case RE_Operation::glanceSet:
-                goOn(in->flag ? p > begin && in->units->contains(p[-1]) : p < end && in->units->contains(*p));
+                jump(in->flag ? p > begin && in->units->contains(p[-1]) : p < end && in->units->contains(*p));
                 break;
             case RE_Operation::glance:
-                goOn(static_cast<const RE_Lookaround_Assertion*>(in->node)->glance(p, info));
+                jump(static_cast<const RE_Lookaround_Assertion*>(in->node)->glance(p, info));
                 break;
             default:
+                // Every operation has a case above.
                 __builtin_unreachable();
         }
     }

@@ -12,7 +12,7 @@
 #include "regexp/nodes/closed_body.h"
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/tokens.h"
-#include "regexp/program/instruction.h"
+#include "regexp/graph/instruction.h"
 #include "regexp/search/start_walk.h"
 #include "regexp/search/unwatched_loop.h"
 #include "regexp/state/search_info.h"

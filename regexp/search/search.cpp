@@ -34,7 +34,7 @@ namespace {
         info.resetForStart(info.matchStart);
         return attemptUnwatched(facts.start, info, length);
     }
-    const RE_Program_Exit exit = RE_Program_Run(info, facts, stepsBefore).run(facts.program->entry);
+    const RE_Program_Exit exit = RE_Program_Run(info, facts, stepsBefore).run(facts.program.entry);
     if (exit.how == RE_Program_Exit::How::failed) {
         return false;
     }
@@ -109,7 +109,7 @@ bool findMatch(const RE_Node* root, const RE_Graph_Facts& facts, RE_Search_Info&
         return findByMachineCode(facts, root, p, last, info, length);
     }
     const RE_Start_Walk walk(root, facts, last, info);
-    const bool hasProgram = facts.program != nullptr && facts.program->entry != nullptr;
+    const bool hasProgram = facts.program.entry != nullptr;
     return hasProgram && !isWatched ? findByProgram(walk, facts, info, p, length)
                                     : findByGraph(walk, root, facts, info, p, length);
 }

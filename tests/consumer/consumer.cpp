@@ -134,6 +134,8 @@ void searchEveryWay() {
     for (const bool prepared : {false, true}) {
         CHECK(!prepared || tree.makeDfa());
         if (prepared) {
+            tree.tune(tree.getTuning());
+            const RE_Tuning::Scope usual(RE_Tuning::ofNewTrees());
             tree.makeMachineCode();  // where there is any
         }
         std::vector<std::u16string_view> found;

@@ -2,7 +2,14 @@
 //
 // What a node does is defined by its class. An instruction says the same of one node, or of a few that always
 // follow each other, in a form that takes little to read; where more is to be done than an instruction can
-// say, the match loop goes on at the node. Results and steps are those of the graph.
+// say, the match loop continues at the node. Results and steps are those of the graph.
+//
+// Invariant: no backtrack record exists while a program runs, and none is made. So whatever it writes never
+// has to be undone, and it may leave at any instruction: the search is then in the state that the match loop
+// would be in.
+//
+// Trap: an operation has three readers that must agree, `lower.cpp`, `run_program.h` and the code writers of
+// `regexp/machine/`. What the members mean differs from operation to operation.
 #pragma once
 
 #include "regexp/base/memory.h"
@@ -14,8 +21,10 @@
 class RE_Node;
 class RE_Unit_Set;
 
+/// What an instruction does. One that succeeds continues at `next`, one that fails at `otherwise`; all consume what
+/// they match, except for tests of a position.
 enum class RE_Operation : std::uint8_t {
-    leave,   ///< the match loop goes on at the node
+    leave,   ///< the match loop continues at the node
     failed,  ///< the attempt is over
     matched,
     pass,
@@ -26,12 +35,12 @@ enum class RE_Operation : std::uint8_t {
     notLineFeed,
     text,
     foldedText,
-    run,        ///< of units of a set, none of which is given back
-    lazyRun,    ///< one as short as the rest allows
-    givingRun,  ///< one as long as the rest allows
-    tokenRun,   ///< a token that holds such a run
+    run,        ///< a possessive run of units of a set
+    lazyRun,    ///< a lazy one, which backtracks
+    givingRun,  ///< a greedy one, which backtracks
+    tokenRun,   ///< a token that holds a possessive run
     texts,      ///< one of a few, none of which begins another
-    choose,     ///< goes the only way that can begin with the next unit
+    choose,     ///< takes the only way that can begin with the next unit
     startToken,
     endToken,
     tokenText,
@@ -45,9 +54,13 @@ enum class RE_Operation : std::uint8_t {
     glance
 };
 
+/// One instruction: plain data, with direct pointers to the next ones. Texts, sets and names are those of the nodes,
+/// which have to outlive it.
 struct RE_Instruction {
+    /// For runs. Bounds that do not fit below it are left to the match loop.
     static constexpr std::uint32_t noMaximum = static_cast<std::uint32_t>(-1);
-    /// An instruction stands for at most so many nodes.
+    /// The greatest number of nodes that an instruction stands for. With fewer steps left to the checkpoint a
+    /// program leaves, so that checkpoints and budgets are met between the same nodes as in the graph.
     static constexpr std::int64_t mostSteps = 3;
 
     RE_Operation operation = RE_Operation::leave;
@@ -57,7 +70,7 @@ struct RE_Instruction {
     std::uint32_t most = 0;   ///< run: units, or `noMaximum`. range: the last unit. eitherUnit: the other one
     const RE_Node* node = nullptr;
     const RE_Instruction* next = nullptr;
-    const RE_Instruction* otherwise = nullptr;  ///< where to go on when it does not match
+    const RE_Instruction* otherwise = nullptr;  ///< where to continue when it does not match
     union {
         const RE_Unit_Set* units = nullptr;
         const char16_t* text;
@@ -66,9 +79,9 @@ struct RE_Instruction {
 };
 
 /// Read-only during searches.
-struct RE_Program : RE_Memory {
+struct RE_Program {
     const RE_Instruction* entry = nullptr;  ///< the first one; null while that leaves for the match loop
     std::vector<RE_Instruction, RE_Allocator<RE_Instruction>> instructions;
-    /// Of all choices, one behind the other.
+    /// The ways of all choices, those of one choice side by side: `RE_Instruction::ways` points into this.
     std::vector<const RE_Instruction*, RE_Allocator<const RE_Instruction*>> ways;
 };
