@@ -208,7 +208,7 @@ TEST(BuilderTemplate, GivesTheHostItsTextAndTheTokens) {
 }
 
 size_t below(std::mt19937_64& random, size_t limit) {
-    return random() % limit;
+    return static_cast<size_t>(random() % limit);
 }
 
 // Half of the units are ASCII, so that everything with a meaning in patterns has many neighbours.

@@ -24,7 +24,7 @@ constexpr const char* kTests[] = {"\\<", "\\>", "^", "$"};
 
 // Draws patterns until ten differ: one fault shows in many of them, and the first few tell most.
 void compareWithEnds(std::span<const char* const> quantifiers, std::uint64_t fallbackSeed, unsigned long rounds) {
-    const std::uint64_t seed = environmentNumber("CORVANE_TEST_SEED", fallbackSeed);
+    const std::uint64_t seed = environmentNumber("CORVANE_TEST_SEED", static_cast<unsigned long>(fallbackSeed));
     rounds = environmentNumber("CORVANE_TEST_ROUNDS", sanitized() ? rounds / 12 : rounds);
     NullablePatterns source(seed, quantifiers, 1, kTests);
     size_t differing = 0;

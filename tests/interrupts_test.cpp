@@ -113,7 +113,8 @@ TEST(Interrupts, AreSeenSoonByEveryKindOfNode) {
     for (const char16_t* pattern : patterns) {
         for (const EngineConfig& config : {EngineConfig{}, EngineConfig{false, false, false, 0, false}}) {
             const Engine engine(pattern, kEmptyToo, config);
-            RE_Search_Info info(text.data(), text.size(), engine.tree().getTokenCount(), nullptr, true);
+            RE_Search_Info info(text.data(), text.size(), static_cast<size_t>(engine.tree().getTokenCount()), nullptr,
+                                true);
             utInterruptState::SetInterruptPending(true);
             info.resetForStart(info.subjectBegin);
             std::size_t length = 0;

@@ -26,7 +26,7 @@ struct Visit {
 };
 
 Visit visitBySearch(const RE_Tree& tree, const RE_Node& node, std::u16string_view subject, size_t position) {
-    RE_Search_Info info(subject.data(), subject.size(), tree.getTokenCount(), nullptr, false);
+    RE_Search_Info info(subject.data(), subject.size(), static_cast<size_t>(tree.getTokenCount()), nullptr, false);
     info.prepare(tree.getFacts());
     info.resetForStart(subject.data());
     size_t at = position;

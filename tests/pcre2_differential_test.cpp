@@ -49,7 +49,7 @@ struct Counts {
 template <typename FindDifference>
 void compareWithPeer(std::uint64_t fallbackSeed, unsigned long patterns, unsigned without,
                      const FindDifference& difference) {
-    const std::uint64_t seed = environmentNumber("CORVANE_TEST_SEED", fallbackSeed);
+    const std::uint64_t seed = environmentNumber("CORVANE_TEST_SEED", static_cast<unsigned long>(fallbackSeed));
     const unsigned long rounds = environmentNumber("CORVANE_TEST_ROUNDS", sanitized() ? patterns / 10 : patterns);
     PatternSource source(seed);
     Counts counts;

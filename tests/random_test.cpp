@@ -23,7 +23,7 @@ const EngineConfig& someConfig(PatternSource& source) {
 }
 
 std::uint64_t seedFor(std::uint64_t fallback) {
-    return environmentNumber("CORVANE_TEST_SEED", fallback);
+    return environmentNumber("CORVANE_TEST_SEED", static_cast<unsigned long>(fallback));
 }
 
 unsigned long rounds(unsigned long plain) {

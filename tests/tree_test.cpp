@@ -59,7 +59,7 @@ TEST(Tree, HasNoMatchWithoutASubjectOrPastItsEnd) {
 
 TEST(Tree, RunsOnceAtAPositionAndAcceptsTheEmptyMatchThere) {
     const RE_Tree tree(u"b*", false);
-    RE_Search_Info info(u"abb", 3, tree.getTokenCount(), nullptr, false);
+    RE_Search_Info info(u"abb", 3, static_cast<size_t>(tree.getTokenCount()), nullptr, false);
     size_t length = 9;
     info.resetForStart(info.subjectBegin);
     EXPECT_TRUE(tree.match_bool(info.subjectBegin, &length, &info));
@@ -72,7 +72,7 @@ TEST(Tree, RunsOnceAtAPositionAndAcceptsTheEmptyMatchThere) {
 TEST(Tree, AnswersAlikeHoweverOftenAStateIsUsed) {
     const RE_Tree tree(u"(?:(?:a|aa|b)*e|)(?:a|aa|b)*d", false);
     const std::u16string subject = std::u16string(2000, u'a') + u"d";
-    RE_Search_Info info(subject.data(), subject.size(), tree.getTokenCount(), nullptr, false);
+    RE_Search_Info info(subject.data(), subject.size(), static_cast<size_t>(tree.getTokenCount()), nullptr, false);
     const RE_Tree other(u"a|ab|b", false);
     for (int run = 0; run < 3; ++run) {
         size_t length = 0;

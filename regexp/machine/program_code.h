@@ -8,8 +8,8 @@
 #pragma once
 
 #include "regexp/graph/graph_facts.h"
-#include "regexp/machine/unit_code.h"
 #include "regexp/graph/instruction.h"
+#include "regexp/machine/unit_code.h"
 #include "regexp/seek/literal_search.h"
 #include "regexp/state/token_stack.h"
 

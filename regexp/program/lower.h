@@ -7,7 +7,6 @@
 
 #include "regexp/graph/instruction.h"
 
-
 class RE_Graph_Context;
 
 /// The program of the graph from `entry` on. Its nodes must outlive it and change no more.

@@ -9,6 +9,7 @@
 // node that was visited, none for an instruction that leaves or fails, since no node was visited then.
 #pragma once
 
+#include "regexp/graph/instruction.h"
 #include "regexp/nodes/anchors.h"
 #include "regexp/nodes/closed_body.h"
 #include "regexp/nodes/consume.h"
@@ -16,7 +17,6 @@
 #include "regexp/nodes/literal_set.h"
 #include "regexp/nodes/tokens.h"
 #include "regexp/nodes/trivial.h"
-#include "regexp/graph/instruction.h"
 #include "regexp/seek/literal_search.h"
 #include "regexp/state/search_info.h"
 #include "regexp/units/unit_set.h"

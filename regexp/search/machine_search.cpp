@@ -9,10 +9,10 @@
 #include "regexp/search/machine_search.h"
 
 #include "regexp/graph/graph_facts.h"
+#include "regexp/graph/instruction.h"
 #include "regexp/nodes/closed_body.h"
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/tokens.h"
-#include "regexp/graph/instruction.h"
 #include "regexp/search/start_walk.h"
 #include "regexp/search/unwatched_loop.h"
 #include "regexp/state/search_info.h"

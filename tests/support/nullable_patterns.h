@@ -21,7 +21,7 @@ public:
     std::string pattern();
     /// Of letters a and b, more of the former.
     std::u16string subject(size_t longest);
-    size_t below(size_t bound) { return m_random() % bound; }
+    size_t below(size_t bound) { return static_cast<size_t>(m_random() % bound); }
 
 private:
     std::string alternation(int depth);
