@@ -1,7 +1,8 @@
 // What a fuzz target is given, read from bytes so that mutations of the bytes are mutations of what it means.
 //
 //     byte 0   flags of the pattern (bits 0 to 5)
-//     byte 1   one of the first 32 settings of allConfigs (bits 0 to 4); memo at once (bit 5)
+//     byte 1   one of the settings of allConfigs (bits 0 to 4; of those from 32 on bits 0 to 3, with bit 6); memo at once
+//              (bit 5)
 //     byte 2   a number for the target's own use
 //     rest     texts, separated by the byte 0x01; ASCII stands for itself, bytes from 0x80 on for rarer units
 #pragma once
@@ -21,7 +22,11 @@ public:
     Input(const std::uint8_t* data, std::size_t size);
 
     RE_Flags flags() const { return RE_Flags{bytes[0]} & 0x3F; }
-    const corvane_tests::EngineConfig& config() const { return corvane_tests::allConfigs()[bytes[1] & 31]; }
+    const corvane_tests::EngineConfig& config() const {
+        const auto& configs = corvane_tests::allConfigs();
+        const std::size_t number = (bytes[1] & 64) != 0 ? 32U + (bytes[1] & 15U) : bytes[1] & 31U;
+        return configs[number % configs.size()];
+    }
     bool memoAtOnce() const { return (bytes[1] & 32) != 0; }
     std::size_t number() const { return bytes[2]; }
     /// The text of this index, cut to `most` units; empty when there are not so many.

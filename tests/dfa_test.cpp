@@ -125,7 +125,7 @@ TEST(Dfa, AgreesOnRandomPatterns) {
     for (unsigned long round = 0; round < rounds; ++round) {
         const unsigned without = source.below(8) == 0 ? readers : readers | kLookarounds | kAtomics | kPossessives;
         const RE_Flags flags = (source.below(2) == 0 ? kPlain : kEmptyToo) | (source.below(3) == 0 ? 0x04U : 0U);
-        const Automaton automaton(source.pattern(without), flags, allConfigs()[source.below(16)]);
+        const Automaton automaton(source.pattern(without), flags, allConfigs()[source.below(allConfigs().size())]);
         made += automaton.states() > 0 ? 1 : 0;
         for (int subject = 0; subject < 3 && automaton.dfa() != nullptr; ++subject) {
             ASSERT_EQ("", automaton.compare(source.below(2) == 0 ? source.subject(10) : source.runs(4, 12)));
