@@ -1,3 +1,4 @@
+// Walks from match to match, and what follows from such a walk: splitting, matching at one place, texts of tokens.
 #include "regexp/find_all.h"
 
 #include "regexp/base/within_size.h"

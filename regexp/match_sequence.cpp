@@ -1,3 +1,5 @@
+// Keeps one search state from match to match and from subject to subject, so that later searches allocate nothing that an
+// earlier one has allocated.
 #include "regexp/match_sequence.h"
 
 #include "regexp/base/within_size.h"

@@ -1,3 +1,5 @@
+// The settings that new trees start with: of the innermost scope of the thread, or the usual ones. Nothing is shared
+// between threads.
 #include "regexp/base/tuning.h"
 
 #include <utility>

@@ -1,3 +1,5 @@
+// Refines a partition of the units: each set that a pattern tests splits the letters that it divides. Units of one letter
+// are alike to every node, so one example stands for all of them.
 #include "regexp/dfa/alphabet.h"
 
 #include "regexp/dfa/node_literals.h"

@@ -1,3 +1,4 @@
+// The literals of a node, from what it means. A node that means no text has none.
 #include "regexp/dfa/node_literals.h"
 
 #include "regexp/graph/meaning.h"

@@ -1,3 +1,5 @@
+// Which units look alike to what precedes a position: two units are of one side when every tested set holds both or
+// neither. The begin of the subject is a side of its own.
 #include "regexp/dfa/sides.h"
 
 #include "regexp/dfa/alphabet.h"

@@ -1,3 +1,5 @@
+// Follows a graph from one unit to the next in the order in which a search tries its ways. Whatever cannot be decided by the
+// units on both sides makes the whole impossible: there is no automaton then, rather than one that guesses.
 #include "regexp/dfa/ways.h"
 
 #include "regexp/dfa/alphabet.h"

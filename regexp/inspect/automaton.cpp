@@ -1,3 +1,5 @@
+// Builds the automaton by following what nodes mean. It may allow ways that no search takes, never fewer: a pattern that is
+// judged linear has to be linear.
 #include "regexp/inspect/automaton.h"
 
 #include "regexp/dfa/node_literals.h"

@@ -1,3 +1,5 @@
+// Sets aside what the interrupted search knows of its graph and puts it back. The state must be as it was, also after an
+// exception, except for the tokens of a run that completed.
 #include "regexp/search/guest_run.h"
 
 #include "regexp/search/match_loop.h"

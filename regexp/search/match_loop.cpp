@@ -1,3 +1,4 @@
+// Chooses the loop that runs a graph, and the visits that no direct step covers: the protocol of virtual functions.
 #include "regexp/search/match_loop.h"
 
 #include "regexp/search/unwatched_loop.h"

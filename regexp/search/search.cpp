@@ -1,3 +1,5 @@
+// From start position to start position: by machine code, by the program or by the graph, whichever is the fastest that the
+// search allows. All three try the same starts in the same order and count the same steps.
 #include "regexp/search/search.h"
 
 #include "regexp/base/within_size.h"

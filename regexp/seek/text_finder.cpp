@@ -1,3 +1,4 @@
+// Finds what it looks for by vector scans, in blocks between which the monitor is consulted.
 #include "regexp/seek/text_finder.h"
 
 #include "regexp/seek/scan.h"

@@ -63,7 +63,7 @@ struct Reader {
         }
     }
 
-    /// After a $. False when it is none: then the sign stands for itself.
+    /// Reads a reference after `$`. False when there is none, and the `$` is literal text.
     bool reference() {
         const std::u16string_view subject(match.subjectBegin,
                                           static_cast<size_t>(match.subjectEnd - match.subjectBegin));
