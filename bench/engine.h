@@ -35,6 +35,7 @@ enum class Task {
     replace,   ///< replace every match
     subjects,  ///< look for one match in each line of the text
     compile,   ///< compile the pattern
+    first,     ///< compile each of the everyday patterns, look for it in its line, and throw it away
 };
 
 /// What an engine has to compile. The views last as long as the workload.
@@ -87,6 +88,8 @@ public:
     virtual ~Engine() = default;
     virtual std::string name() const = 0;
     virtual std::string version() const = 0;
+    /// Ours, by one of the ways in which it is called.
+    virtual bool isOurs() const { return false; }
     /// Backtracks over an interpreted program, as we do.
     virtual bool isInterpreter() const { return false; }
     /// Null when the dialect cannot say the pattern or the engine has no such task.

@@ -7,8 +7,8 @@
 
 namespace corvane_bench {
 
-double ratioTo(const Row& row, std::size_t engine) {
-    const Cell& ours = row.cells.front();
+double ratioTo(const Row& row, std::size_t engine, std::size_t way) {
+    const Cell& ours = row.cells[way];
     const Cell& peer = row.cells[engine];
     const bool both = ours.outcome == Outcome::timed && peer.outcome == Outcome::timed;
     return both && peer.seconds > 0 ? ours.seconds / peer.seconds : 0;
@@ -29,11 +29,11 @@ double ratioToFloor(const Row& row) {
     return ours.outcome == Outcome::timed && row.floorSeconds > 0 ? ours.seconds / row.floorSeconds : 0;
 }
 
-// Over the cells with a time. 0 is ourselves, which is no peer.
+// Over the cells with a time.
 std::size_t bestPeer(const Row& row) {
     std::size_t best = 0;
     for (std::size_t i = 1; i < row.cells.size(); ++i) {
-        if (row.cells[i].outcome == Outcome::timed &&
+        if (row.cells[i].isPeer && row.cells[i].outcome == Outcome::timed &&
             (best == 0 || row.cells[i].seconds < row.cells[best].seconds)) {
             best = i;
         }

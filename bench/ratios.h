@@ -9,8 +9,8 @@
 
 namespace corvane_bench {
 
-/// Our time by that of the engine with this number.
-double ratioTo(const Row& row, std::size_t engine);
+/// Our time by that of the engine with this number; `way` is the number of ours, by the way in which it is called.
+double ratioTo(const Row& row, std::size_t engine, std::size_t way = 0);
 /// By that of the peer of this name; "best" is the fastest that answers.
 double ratioTo(const Row& row, const Engines& engines, std::string_view peer);
 double ratioToFloor(const Row& row);

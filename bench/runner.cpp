@@ -4,6 +4,7 @@
 // all, and clears the list. Its own output is suppressed by the collector, which keeps the times.
 #include "bench/runner.h"
 
+#include "bench/everyday_patterns.h"
 #include "bench/floor.h"
 #include "bench/texts.h"
 
@@ -21,22 +22,44 @@ namespace {
 constexpr double LONG_RUN_SECONDS = 0.4;
 
 // The request to an engine: peers may need the pattern in other words.
-Request requestFor(const Workload& workload, bool ours) {
-    const bool other = !ours && !workload.details.peerPattern.empty();
+Request requestFor(const Workload& workload, const Engine& engine) {
+    const bool other = !engine.isOurs() && !workload.details.peerPattern.empty();
     return {other ? workload.details.peerPattern : workload.pattern, workload.details.flags,
             workload.details.task, workload.details.replacement};
 }
 
+// Counts the patterns that their lines have a match of. No answer where the engine cannot say one of them.
+std::optional<Answer> runFirstSearches(const Engine& engine) {
+    Answer sum;
+    for (const Everyday_Pattern& each : everydayPatterns()) {
+        const bool other = !engine.isOurs() && !each.peerPattern.empty();
+        const std::unique_ptr<Searcher> searcher =
+            engine.compile({other ? each.peerPattern : each.pattern, 0, Task::first, {}});
+        const std::optional<Answer> answer = searcher ? searcher->countLines(each.line) : std::nullopt;
+        if (!answer) {
+            return std::nullopt;
+        }
+        sum.count += answer->count;
+    }
+    return sum;
+}
+
 // One run with its time, which is all that a long one gets.
-Cell checkAnswer(const Workload& workload, const Engine& engine, bool ours) {
+Cell checkAnswer(const Workload& workload, const Engine& engine) {
     Cell cell;
-    const std::unique_ptr<Searcher> searcher = engine.compile(requestFor(workload, ours));
-    if (!searcher) {
+    cell.isPeer = !engine.isOurs();
+    const bool isFirst = workload.details.task == Task::first;
+    const std::unique_ptr<Searcher> searcher = isFirst ? nullptr : engine.compile(requestFor(workload, engine));
+    if (!isFirst && !searcher) {
         return cell;
     }
     const Text& text = textNamed(workload.text);
     const std::clock_t start = std::clock();
-    const std::optional<Answer> answer = searcher->run(workload.details.task, text);
+    const std::optional<Answer> answer =
+        isFirst ? runFirstSearches(engine) : searcher->run(workload.details.task, text);
+    if (isFirst && !answer) {
+        return cell;
+    }
     if (workload.details.task != Task::compile) {
         cell.seconds = static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
     }
@@ -83,9 +106,12 @@ void enlist(const std::string& name, const Settings& settings, Body body) {
 }
 
 // Registers one engine's run of the row.
-void enlistEngine(const std::string& name, const Workload& workload, const Engine& engine, bool ours,
-                  const Settings& settings) {
-    const Request request = requestFor(workload, ours);
+void enlistEngine(const std::string& name, const Workload& workload, const Engine& engine, const Settings& settings) {
+    if (workload.details.task == Task::first) {
+        enlist(name, settings, [&engine] { benchmark::DoNotOptimize(runFirstSearches(engine)); });
+        return;
+    }
+    const Request request = requestFor(workload, engine);
     if (workload.details.task == Task::compile) {
         enlist(name, settings, [&engine, request] { benchmark::DoNotOptimize(engine.compile(request)); });
         return;
@@ -105,12 +131,14 @@ Row checkAnswers(const Workload& workload, const Engines& engines) {
     Row row;
     row.workload = &workload;
     const Text& text = textNamed(workload.text);
-    if (workload.details.task != Task::compile) {
+    if (workload.details.task == Task::first) {
+        row.amount = static_cast<double>(everydayPatterns().size());
+    } else if (workload.details.task != Task::compile) {
         row.amount = static_cast<double>(workload.details.task == Task::subjects ? text.lines.size()
                                                                                  : text.units.size());
     }
     for (const auto& engine : engines) {
-        row.cells.push_back(checkAnswer(workload, *engine, engine == engines.front()));
+        row.cells.push_back(checkAnswer(workload, *engine));
     }
     return row;
 }
@@ -123,7 +151,7 @@ void measure(Row& row, const Engines& engines, const Settings& settings) {
     };
     for (std::size_t i = 0; i < engines.size(); ++i) {
         if (isShort(row.cells[i])) {
-            enlistEngine(engines[i]->name(), workload, *engines[i], i == 0, settings);
+            enlistEngine(engines[i]->name(), workload, *engines[i], settings);
         }
     }
     if (!workload.details.floor.empty()) {

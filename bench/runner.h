@@ -19,6 +19,7 @@ enum class Outcome {
 struct Cell {
     Outcome outcome = Outcome::unsupported;
     Answer answer;
+    bool isPeer = false;
     double seconds = 0;  ///< processor time of one run: the median of the repetitions
 };
 

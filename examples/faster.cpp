@@ -1,6 +1,5 @@
-// The two ways in which a pattern becomes faster for the searches that come after: machine code and the
-// automaton. Both change the tree, so they come before it is searched or shared. docs/embedding.md quotes a
-// part of this.
+// A pattern becomes faster by itself when it is searched with much. One that is known to be gets machine code and the
+// automaton before its first search. docs/embedding.md quotes a part of this.
 #include "regexp/regexp.h"
 
 #include <memory>

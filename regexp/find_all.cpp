@@ -1,9 +1,8 @@
 // Walks from match to match, and what follows from such a walk: splitting, matching at one place, texts of tokens.
 #include "regexp/find_all.h"
 
-#include "regexp/base/within_size.h"
 #include "regexp/search/search.h"
-#include "regexp/state/search_info.h"
+#include "regexp/search/thread_state.h"
 
 #include <new>
 
@@ -67,15 +66,13 @@ std::unique_ptr<RE_Results> RE_Tree::match_at(std::u16string_view text, std::siz
         return nullptr;
     }
     RE_Seek_Table table;
-    RE_Search_Info info(dataOf(text), text.size(), withinSize(tokenCount), &table, interruptible);
+    RE_Thread_State state(*facts, {dataOf(text), text.size()}, &table, interruptible);
+    RE_Search_Info& info = state.info();
     if (info.tokens == nullptr) {
         throw std::bad_alloc();
     }
-    info.prepare(*facts);
-    info.beginInquiry();
-    info.rejectEmpty = allowEmptyMatch ? 0 : 1;
     std::size_t length = 0;
-    if (!attemptAt(root, *facts, info, info.subjectBegin + position, length)) {
+    if (!attemptAt(*facts, info, info.subjectBegin + position, length)) {
         return nullptr;
     }
     return std::make_unique<RE_Results>(&info, info.matchStart, length, true);

@@ -77,7 +77,7 @@ RE_Results* RE_Match_Sequence::find(std::size_t offset) {
     if (info.tokens == nullptr) {
         return nullptr;  // they were released
     }
-    if (coded != nullptr) {
+    if (code != nullptr) {
         return searchByCode(offset);
     }
     return watchesMemory ? searchWithin(offset) : search(offset);
@@ -108,9 +108,7 @@ void RE_Match_Sequence::goOn() {
     if (!watchesMemory) {
         info.beginInquiry();
     }
-    const bool byCode =
-        !watchesMemory && !info.checkInterrupts && prepared && tree.facts->machineCode != nullptr;
-    coded = byCode ? tree.facts : nullptr;
+    mayRunCode = !watchesMemory && !info.checkInterrupts && prepared;
 }
 
 RE_Results* RE_Match_Sequence::see(std::size_t length) {
@@ -134,19 +132,22 @@ RE_Results* RE_Match_Sequence::search(std::size_t offset) {
     goOn();
     const Interrupt_Aside aside(info);
     std::size_t length = 0;
-    found = findMatch(tree.root, *tree.facts, info, offset, length) && !info.pollInterrupt();
+    found = findMatch(*tree.facts, info, offset, length) && !info.pollInterrupt();
+    if (mayRunCode) {
+        code = tree.facts->speedUps.machineCode.get();
+    }
     return found ? see(length) : nullptr;
 }
 
 // Nobody can break it off.
 inline RE_Results* RE_Match_Sequence::searchByCode(std::size_t offset) {
-    const RE_Graph_Facts& facts = *coded;
+    const RE_Graph_Facts& facts = *tree.facts;
     if (facts.minimumLength > info.subjectLength() - offset) {
         return nullptr;
     }
     goOn();
     std::size_t length = 0;
-    const bool matched = findByMachineCode(facts, tree.root, info.subjectBegin + offset,
+    const bool matched = findByMachineCode(facts, *code, info.subjectBegin + offset,
                                            info.subjectEnd - facts.minimumLength, info, length);
     return matched ? see(length) : nullptr;
 }

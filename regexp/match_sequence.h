@@ -11,6 +11,7 @@
 #include <optional>
 #include <string_view>
 
+class RE_Machine_Code;
 class RE_Tree;
 
 /// Each `find` answers as `RE_Tree::match` does, but allocates only what the searches before it have not
@@ -61,7 +62,7 @@ private:
     bool prepared = false;  ///< for the pattern
     bool found = false;     ///< the last search found a match, which was not released
     bool seen = false;      ///< a match in the subject; the last one is in the view
-    /// Of the pattern, where its machine code is all that a search needs.
-    const RE_Graph_Facts* coded = nullptr;
+    bool mayRunCode = false;  ///< machine code is all that a search needs
+    const RE_Machine_Code* code = nullptr;  ///< the pattern's, once it has some
     std::optional<RE_Results> view;
 };

@@ -194,7 +194,7 @@ void RE_Tree::parse(const char16_t* pattern, std::size_t length, RE_Flags flags,
 }
 
 std::uint64_t RE_Tree::memoryUse() const {
-    return facts != nullptr ? facts->bytes : 0;
+    return facts != nullptr ? facts->bytes + facts->speedUps.bytes.load(std::memory_order_relaxed) : 0;
 }
 
 void RE_Tree::compile(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
@@ -210,6 +210,7 @@ void RE_Tree::compile(const char16_t* pattern, std::size_t length, RE_Flags flag
     parserContext.facts->hasDynamicNodes = continuationNode != nullptr;
     parserContext.facts->keepsTokens = (flags & RE_FLAG_KEEP_TOKENS) != 0;
     allowEmptyMatch = (flags & RE_FLAG_ALLOW_EMPTY) != 0;
+    parserContext.facts->refusesEmpty = !allowEmptyMatch;
     RE_Node* const finished = compileGraph(parserContext, pattern, length, continuationNode, last);
 
     hasTokenNames = !parserContext.tokenNames.empty();
@@ -222,7 +223,7 @@ void RE_Tree::compile(const char16_t* pattern, std::size_t length, RE_Flags flag
         parserContext.facts->profiler =
             std::allocate_shared<RE_Profiler>(RE_Allocator<RE_Profiler>(), parserContext.nodeCount);
     }
-    root = finished;
+    parserContext.facts->root = root = finished;
     prepareAttempts(parserContext, finished);
     facts = parserContext.facts.release();
 }

@@ -117,16 +117,24 @@ public:
     void tune(const RE_Tuning& settings);
     const RE_Tuning& getTuning() const;
 
-    /// Makes machine code of what the pattern does without turning back, for searches that come after: call
-    /// it before the tree is shared with other threads. Results are the same. It takes some tens of
-    /// microseconds, and memory of the machine, not of the host. False where there is none to be had.
+    // A tree makes what follows by itself once its searches have been enough work (`RE_Tuning`): the thread whose search
+    // reaches that amount makes it, and no other thread waits. Both may be called at any time, also while others search.
+    // Nothing else of a compiled pattern changes in a search, and no result, warning or count of steps depends on it,
+    // but for the steps of searches without limits, in which the automaton may take part.
+
+    /// Makes machine code of what the pattern does without backtracking, for searches that begin from now on. Results are
+    /// the same. It takes some tens of microseconds, and memory of the machine, not of the host. False where there is
+    /// none to be had, and while another thread makes it.
     bool makeMachineCode();
-    /// Makes an automaton of the pattern, for searches that come after: call it before the tree is shared
-    /// with other threads. Attempts that turn back often ask it how they end, so that even the worst patterns
+    /// Makes an automaton of the pattern, for searches that begin from now on. Attempts that turn back often ask it how they end, so that even the worst patterns
     /// take a nanosecond or two a unit. Results are the same. False where an automaton cannot say what the
     /// pattern does (backreferences, conditions, lookaround over more than a unit, atomic groups, dynamic
-    /// expressions) or would be large.
+    /// expressions) or would be large, and while another thread makes it.
     bool makeDfa();
+
+    /// Gives back the memory that the calling thread keeps from one search to the next: a state for `match` and
+    /// `match_at`, of a few megabytes at most. Otherwise it goes when the thread ends.
+    static void releaseThreadState() noexcept;
 
     /// Runs the pattern once at exactly `position`, with the caller's state. Refuses no empty match. A state
     /// that is in no attempt begins one at `position`; `RE_Results(info, position, *length, false)` is a view

@@ -9,6 +9,7 @@
 #include "regexp/match_sequence.h"
 #include "regexp/search/guest_run.h"
 #include "regexp/search/search.h"
+#include "regexp/search/thread_state.h"
 #include "regexp/state/search_info.h"
 
 #include <new>
@@ -80,46 +81,35 @@ RE_Results* RE_Tree::searchFrom(const char16_t* subject, std::size_t length, std
     if (subject == nullptr || offset > length || root == nullptr) {
         return nullptr;
     }
-    RE_Search_Info info(subject, length, withinSize(tokenCount), table, interruptible);
-    info.prepare(*facts);
-    info.rejectEmpty = allowEmptyMatch ? 0 : 1;
-    info.observer = observer;
-    if (observer == nullptr) {
-        info.beginInquiry();
-    }
+    RE_Thread_State state(*facts, {subject, length}, table, interruptible, observer);
+    RE_Search_Info& info = state.info();
     std::size_t matchLength = 0;
-    if (!findMatch(root, *facts, info, offset, matchLength) || info.pollInterrupt()) {
+    if (!findMatch(*facts, info, offset, matchLength) || info.pollInterrupt()) {
         return nullptr;
     }
     return new (std::nothrow) RE_Results(&info, info.matchStart, matchLength, true);
 }
 
+void RE_Tree::releaseThreadState() noexcept {
+    RE_Thread_State::release();
+}
+
 void RE_Tree::tune(const RE_Tuning& settings) {
     if (facts != nullptr) {
         facts->tuning = settings;
+        facts->serial = RE_Graph_Facts::nextSerial();
     }
 }
 
 const RE_Tuning& RE_Tree::getTuning() const {
-    return facts != nullptr ? facts->tuning : RE_Tuning::ofNewTrees();
+    static constexpr RE_Tuning usual;
+    return facts != nullptr ? facts->tuning : usual;
 }
 
 bool RE_Tree::makeMachineCode() {
-    if (facts != nullptr && facts->machineCode == nullptr) {
-        RE_Memory_Account account;
-        const RE_Memory_Account::Scope scope(account);
-        facts->machineCode = makeOpaque<const RE_Machine_Code>(RE_Machine_Code::make(*facts, root));
-        facts->bytes += account.held();
-    }
-    return facts != nullptr && facts->machineCode != nullptr;
+    return facts != nullptr && RE_Machine_Code::obtain(*facts) != nullptr;
 }
 
 bool RE_Tree::makeDfa() {
-    if (facts != nullptr && root != nullptr && facts->dfa == nullptr) {
-        RE_Memory_Account account;
-        const RE_Memory_Account::Scope scope(account);
-        facts->dfa = makeOpaque(RE_Dfa::make(*facts, !allowEmptyMatch));
-        facts->bytes += account.held();
-    }
-    return facts != nullptr && facts->dfa != nullptr;
+    return facts != nullptr && RE_Dfa::obtain(*facts) != nullptr;
 }

@@ -26,7 +26,7 @@ public:
           engine(text, patternFlags, withDfa(config)),
           plain(text, patternFlags, kPlainGraph) {}
 
-    const RE_Dfa* dfa() const { return engine.tree().getFacts().dfa.get(); }
+    const RE_Dfa* dfa() const { return engine.tree().getFacts().speedUps.dfa.get(); }
     size_t states() const { return dfa() != nullptr ? dfa()->stateCount() : 0; }
 
     /// What is wrong, or nothing.
@@ -153,7 +153,7 @@ TEST(Dfa, AgreesAtItsUsualDelays) {
     for (unsigned long round = 0; round < rounds; ++round) {
         const DrawnPattern drawn = drawnOrKnown(source, round);
         TestedPattern asking(drawn.text, drawn.flags, {.machineCode = source.oneIn(2), .dfa = true, .eagerDfa = false});
-        if (asking.tree().getFacts().dfa == nullptr) {
+        if (asking.tree().getFacts().speedUps.dfa.get() == nullptr) {
             continue;
         }
         ++made;
@@ -198,7 +198,7 @@ TEST(Dfa, IsNotMadeForWhatItCannotExpress) {
     for (const char16_t* pattern : {u"(a)\\1", u"(a)?(?(1)b|c)", u"(?>a|ab)c", u"(?=ab)a", u"(?<=ab)a",
                                     u"(?:a|b)*a(?:a|b){16}", u"(?:[ab]{0,300}c){1,300}"}) {
         Engine engine(pattern, kPlain, {.dfa = true});
-        EXPECT_EQ(nullptr, engine.tree().getFacts().dfa) << printable(pattern);
+        EXPECT_EQ(nullptr, engine.tree().getFacts().speedUps.dfa.get()) << printable(pattern);
     }
 }
 

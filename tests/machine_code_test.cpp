@@ -44,7 +44,7 @@ public:
           program(text, patternFlags),
           plain(text, patternFlags, {false, false, false, 1024, false}) {}
 
-    bool hasCode() const { return machine.tree().getFacts().machineCode != nullptr; }
+    bool hasCode() const { return machine.tree().getFacts().speedUps.machineCode.get() != nullptr; }
 
     /// What is wrong, or nothing.
     std::string compare(std::u16string_view subject, size_t offset = 0,

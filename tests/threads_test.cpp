@@ -78,6 +78,30 @@ INSTANTIATE_TEST_SUITE_P(Patterns, Threads,
                          testing::Values("(a|ab)*c", "(?:a{1,3}b){2,30}?x", "(?>a+)(b)\\1?", "(?<=(a+))b(?!x)",
                                          "(a)?(?(1)b|c)", ".*?(?:ab|c)+c", "(?i)ABC|X\\w"));
 
+// Trees that become fast while eight threads search them: each is new, so that all threads are there when it happens.
+TEST(SpeedingThreads, GetTheAnswersOfAPatternThatStaysSlow) {
+    const std::vector<std::u16string> texts = subjects();
+    for (const char* const pattern : {"(a|ab)*c", "(\\w+) (?=c)", "(?:a+)+c", "x?b ", "[ab]+(c)?", "(b)\\1?x"}) {
+        const Engine slow(widen(pattern), kEmptyToo);
+        for (std::uint64_t round = 0; round < 30; ++round) {
+            RE_Tuning soon;
+            soon.machineCodeSteps = soon.automatonChoices = 40 * round;
+            soon.inquiryChoices = soon.ambiguousInquiryChoices = 1;
+            const RE_Tuning::Scope scope(soon);
+            const Engine engine(widen(pattern), kEmptyToo, {.speedsUpItself = true});
+            std::vector<std::vector<std::string>> found(8);
+            std::vector<std::thread> threads;
+            for (size_t own = 0; own < found.size(); ++own) {
+                threads.emplace_back([&, own] { found[own] = answers(engine, texts, own); });
+            }
+            for (size_t own = 0; own < found.size(); ++own) {
+                threads[own].join();
+                EXPECT_TRUE(found[own] == answers(slow, texts, own)) << pattern << " round " << round;
+            }
+        }
+    }
+}
+
 TEST(SharingThreads, ShareOnePatternAndOneReplacement) {
     const RE_Tree tree(u"(?<w>a|ab)+?(?:c|(b))|x{2,3}\\s", false);
     const RE_Replace replace(u"[$2$<w>\\n$`]");

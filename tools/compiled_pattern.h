@@ -16,7 +16,8 @@ public:
         : text_(std::move(request.text)),
           scripts_(startScripts(request.scripts)),
           context_(makeContext(options, scripts_, true)),
-          tree_(text_.data(), text_.size(), request.flags, context_.get()) {
+          tree_(text_.data(), text_.size(), request.flags, context_.get()),
+          speedUp_(request.speedUp) {
         // From here on whatever compiles under this context is a dynamic text in a search.
         context_->compiled();
     }
@@ -26,8 +27,14 @@ public:
 
     // For commands that search more than they compile. Changes the tree, so it comes before the first search.
     void prepareForSearches() {
-        tree_.makeMachineCode();
-        tree_.makeDfa();
+        if (speedUp_ == SpeedUp::now) {
+            tree_.makeMachineCode();
+            tree_.makeDfa();
+        } else if (speedUp_ == SpeedUp::never) {
+            RE_Tuning tuning = tree_.getTuning();
+            tuning.machineCodeSteps = tuning.automatonChoices = RE_Tuning::never;
+            tree_.tune(tuning);
+        }
     }
 
     const std::u16string& text() const { return text_; }
@@ -44,6 +51,7 @@ private:
     std::shared_ptr<ScriptHost> scripts_;
     std::unique_ptr<ConsoleContext> context_;
     RE_Tree tree_;
+    SpeedUp speedUp_;
 };
 
 }  // namespace tool

@@ -44,6 +44,15 @@ RE_Flags chosenFlags(const ParsedArguments& arguments) {
     return flags;
 }
 
+SpeedUp chosenSpeedUp(const ParsedArguments& arguments) {
+    if (!arguments.has("speed-up")) return SpeedUp::automatic;
+    const auto when = arguments.options["speed-up"].as<std::string>();
+    if (when == "auto") return SpeedUp::automatic;
+    if (when == "now") return SpeedUp::now;
+    if (when == "never") return SpeedUp::never;
+    throw UsageError("--speed-up is auto, now or never, not " + when);
+}
+
 }  // namespace
 
 po::options_description patternOptions() {
@@ -58,6 +67,8 @@ po::options_description patternOptions() {
     add("dot-line", "the dot does not match a line feed");
     add("allow-empty", "an empty match counts as a match");
     add("keep-tokens", "closing a token leaves the tokens inside it in effect");
+    add("speed-up", po::value<std::string>()->value_name("WHEN"),
+        "when machine code and an automaton are made: auto (once they pay, the default), now, or never");
     options.add(scriptOptions());
     return options;
 }
@@ -81,7 +92,7 @@ po::options_description withPatternOptions(const po::options_description& own,
 // Bytes that are not UTF-8 become U+FFFD: any command line is a pattern.
 PatternRequest takePattern(ParsedArguments& arguments) {
     std::u16string text = toUtf16(takePatternText(arguments));
-    return {std::move(text), chosenFlags(arguments), readScriptRequest(arguments)};
+    return {std::move(text), chosenFlags(arguments), chosenSpeedUp(arguments), readScriptRequest(arguments)};
 }
 
 }  // namespace tool

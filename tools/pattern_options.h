@@ -21,10 +21,14 @@ boost::program_options::options_description compileOptions(Corvane::regexp::Comp
 boost::program_options::options_description withPatternOptions(
     const boost::program_options::options_description& own, Corvane::regexp::CompileOptions& compile);
 
+// When machine code and an automaton are made for searches.
+enum class SpeedUp { automatic, now, never };
+
 // What the words say about the pattern, with nothing compiled yet.
 struct PatternRequest {
     std::u16string text;
     RE_Flags flags;
+    SpeedUp speedUp;
     ScriptRequest scripts;
 };
 

@@ -1,9 +1,10 @@
-// Our own engine, used as an application uses it: through the public headers, with machine code and automaton
-// where more is searched than compiled.
+// Our own engine, used as applications use it: through the public headers, by one of three ways. What counts is what a
+// caller gets who calls nothing for speed.
 #include "regexp/regexp.h"
 
 #include "bench/engines/engines.h"
 
+#include <memory>
 #include <string>
 
 namespace corvane_bench {
@@ -33,9 +34,9 @@ std::size_t lengthOfTokens(const RE_Results& match) {
 
 class Corvane_Searcher : public Searcher {
 public:
-    explicit Corvane_Searcher(const Request& request)
+    Corvane_Searcher(const Request& request, bool asks)
         : m_tree(request.pattern.data(), request.pattern.size(), toFlags(request.flags), &m_context) {
-        if (request.task != Task::compile) {
+        if (asks && request.task != Task::compile && request.task != Task::first) {
             m_tree.makeMachineCode();
             m_tree.makeDfa();
         }
@@ -77,27 +78,79 @@ public:
         return Answer{m_replacement->replace(text.units, m_tree, false, 0).size(), 0};
     }
 
+protected:
+    const RE_Tree& tree() const { return m_tree; }
+
 private:
     Strict_Context m_context;
     RE_Tree m_tree;
     std::optional<RE_Replace> m_replacement;
 };
 
+/// A search by itself for each match, as programs did before there were sequences.
+class Match_Searcher : public Corvane_Searcher {
+public:
+    explicit Match_Searcher(const Request& request) : Corvane_Searcher(request, false) {}
+
+    std::optional<Answer> countMatches(const Text& text) override {
+        return walk(text.units, [](const RE_Results&) { return std::size_t{0}; });
+    }
+    std::optional<Answer> countTokens(const Text& text) override { return walk(text.units, lengthOfTokens); }
+    std::optional<Answer> countLines(const Text& text) override {
+        Answer answer;
+        for (const Line& line : text.lines) {
+            const std::unique_ptr<RE_Results> match(tree().match(line.units.data(), line.units.size(), 0));
+            answer.count += match != nullptr ? 1U : 0U;
+        }
+        return answer;
+    }
+
+private:
+    template <class Read>
+    Answer walk(std::u16string_view text, Read read) const {
+        Answer answer;
+        RE_Seek_Table table;
+        for (std::size_t from = 0; from <= text.size();) {
+            const std::unique_ptr<RE_Results> match(tree().match(text.data(), text.size(), from, &table));
+            if (match == nullptr) {
+                break;
+            }
+            ++answer.count;
+            answer.tokenUnits += read(*match);
+            from = match->nextIndex();
+        }
+        return answer;
+    }
+};
+
 class Corvane_Engine : public Engine {
 public:
-    std::string name() const override { return "corvane"; }
+    explicit Corvane_Engine(Call call) : m_call(call) {}
+
+    std::string name() const override {
+        return m_call == Call::sequence ? "corvane" : m_call == Call::match ? "corvane match" : "corvane asked";
+    }
     std::string version() const override { return CORVANE_VERSION; }
+    bool isOurs() const override { return true; }
     std::unique_ptr<Searcher> compile(const Request& request) const override {
-        auto searcher = std::make_unique<Corvane_Searcher>(request);
+        std::unique_ptr<Corvane_Searcher> searcher;
+        if (m_call == Call::match) {
+            searcher = std::make_unique<Match_Searcher>(request);
+        } else {
+            searcher = std::make_unique<Corvane_Searcher>(request, m_call == Call::asked);
+        }
         // A pattern with a warning is one that our dialect cannot say.
         return searcher->understood() ? std::move(searcher) : nullptr;
     }
+
+private:
+    Call m_call;
 };
 
 }  // namespace
 
-std::unique_ptr<Engine> makeCorvane() {
-    return std::make_unique<Corvane_Engine>();
+std::unique_ptr<Engine> makeCorvane(Call call) {
+    return std::make_unique<Corvane_Engine>(call);
 }
 
 }  // namespace corvane_bench

@@ -6,7 +6,9 @@ namespace corvane_bench {
 
 std::vector<std::unique_ptr<Engine>> allEngines() {
     std::vector<std::unique_ptr<Engine>> engines;
-    engines.push_back(makeCorvane());
+    for (const Call call : {Call::sequence, Call::match, Call::asked}) {
+        engines.push_back(makeCorvane(call));
+    }
 #ifdef CORVANE_BENCH_PCRE2
     engines.push_back(makePcre2(true));
     engines.push_back(makePcre2(false));

@@ -19,6 +19,7 @@ Rows structure();
 Rows everyday();
 Rows catastrophic();
 Rows compiling();
+Rows firstSearches();
 Rows large();
 
 }  // namespace corvane_bench

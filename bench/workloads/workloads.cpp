@@ -10,7 +10,7 @@ namespace corvane_bench {
 std::vector<Workload> allWorkloads() {
     Rows all;
     for (Rows (*rows)() :
-         {literals, dotStar, alternations, classes, structure, everyday, catastrophic, compiling, large}) {
+         {literals, dotStar, alternations, classes, structure, everyday, catastrophic, compiling, firstSearches, large}) {
         Rows some = rows();
         all.insert(all.end(), std::make_move_iterator(some.begin()), std::make_move_iterator(some.end()));
     }

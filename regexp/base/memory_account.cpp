@@ -27,6 +27,16 @@ RE_Memory_Account::Scope::~Scope() {
     innermost = std::exchange(opened.outer, nullptr);
 }
 
+RE_Memory_Account::Apart::Apart() noexcept : open(std::exchange(innermost, nullptr)) {}
+
+RE_Memory_Account::Apart::~Apart() {
+    innermost = open;
+}
+
+bool RE_Memory_Account::isOpen() noexcept {
+    return innermost != nullptr;
+}
+
 // `ceiling - held` cannot wrap around: what is held may lie above.
 bool RE_Memory_Account::admits(std::size_t bytes) const {
     return bytes <= ceiling - std::min(ceiling, bytesHeld);

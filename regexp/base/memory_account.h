@@ -39,6 +39,21 @@ public:
         RE_Memory_Account& opened;
     };
 
+    /// While this lives, no account of the thread counts, for memory that belongs to none of them. Scopes opened within
+    /// count as if they were the outermost.
+    class CORVANE_REGEXP_EXPORT Apart {
+    public:
+        Apart() noexcept;
+        ~Apart();
+        Apart(const Apart&) = delete;
+        Apart& operator=(const Apart&) = delete;
+
+    private:
+        RE_Memory_Account* open;
+    };
+    /// Whether an account of this thread counts.
+    static bool isOpen() noexcept;
+
     /// What is held already may lie above the ceiling: then nothing more is admitted.
     void setCeiling(std::uint64_t mostBytes) { ceiling = mostBytes; }
     bool isOver() const { return bytesHeld > ceiling; }

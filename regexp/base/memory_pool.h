@@ -26,6 +26,9 @@ public:
     RE_Memory_Pool(const RE_Memory_Pool&) = delete;
     RE_Memory_Pool& operator=(const RE_Memory_Pool&) = delete;
 
+    /// Bytes of the chunks. What is larger than a block is not counted.
+    std::size_t bytes() const { return chunks.size() * chunkBytes; }
+
 private:
     static constexpr std::size_t grain = alignof(std::max_align_t);
     static constexpr std::size_t chunkBytes = 4096;

@@ -15,7 +15,7 @@ enum class RE_Machine_Vectors {
 };
 
 /// Each tree has settings of its own: those in force on the thread that made it, unless it was told others
-/// (`RE_Tree::tune`).
+/// (`RE_Tree::tune`). Outside of all scopes those of the process are in force.
 struct CORVANE_REGEXP_EXPORT RE_Tuning {
     // The memo of tried states begins after so many choices that were resumed or spared, plus so many for each unit of
     // the subject. Most searches end before that.
@@ -28,11 +28,21 @@ struct CORVANE_REGEXP_EXPORT RE_Tuning {
     std::uint64_t inquiryChoices = 16;
     std::uint64_t ambiguousInquiryChoices = 1;
 
+    // A tree makes machine code of its pattern once its searches have taken so many steps, and an automaton once attempts
+    // that would have consulted one have made so many choices. Both go on from there; `RE_Tree::makeMachineCode` and
+    // `makeDfa` make them at once, whatever is set here.
+    static constexpr std::uint64_t never = static_cast<std::uint64_t>(-1);
+    std::uint64_t machineCodeSteps = 60'000;
+    std::uint64_t automatonChoices = 60'000;
+
     /// Machine code uses no wider vectors than these, for comparisons of the kinds.
     RE_Machine_Vectors widestVectors = RE_Machine_Vectors::masked;
 
-    /// The settings that a tree made now, on this thread, starts with.
-    static const RE_Tuning& ofNewTrees();
+    /// The settings that a tree made now, on this thread, starts with: those of the innermost scope, or else those of the
+    /// process. A copy, as the process may be given others at any time.
+    static RE_Tuning ofNewTrees();
+    /// Trees that are made from now on, by any thread outside of scopes, start with these settings.
+    static void setForProcess(const RE_Tuning& settings);
 
     /// While it lives, trees made on this thread start with these settings. Scopes nest.
     class Scope;

@@ -6,19 +6,20 @@
 #include <algorithm>
 #include <utility>
 
-std::unique_ptr<const RE_Dfa> RE_Dfa::make(const RE_Graph_Facts& facts, bool refusesEmpty) {
-    return RE_Determinizer(facts, refusesEmpty).run();
+const RE_Dfa* RE_Dfa::obtain(const RE_Graph_Facts& facts) {
+    RE_Speed_Ups& speedUps = facts.speedUps;
+    return speedUps.obtain(speedUps.dfa, [&facts] { return RE_Determinizer(facts).run(); });
 }
 
 // Without `ways` there is no automaton. Sides split the alphabet further, so they come after it.
-RE_Determinizer::RE_Determinizer(const RE_Graph_Facts& facts, bool refusesEmpty) : dfa(new RE_Dfa) {
+RE_Determinizer::RE_Determinizer(const RE_Graph_Facts& facts) : dfa(new RE_Dfa) {
     if (facts.nodes.size() > mostNodes || facts.hasDynamicNodes) {
         return;
     }
     alphabet.learn(facts);
     if (alphabet.isComplete()) {
         sides = std::make_unique<RE_Unit_Sides>(facts, alphabet);
-        ways = std::make_unique<RE_Ways>(facts, alphabet, *sides, refusesEmpty);
+        ways = std::make_unique<RE_Ways>(facts, alphabet, *sides, facts.refusesEmpty);
     }
 }
 

@@ -21,7 +21,7 @@ class RE_Determinizer {
 public:
     /// Learns the letters and sides of the graph, which must outlive this. A graph that is too large, or that
     /// includes texts, is not looked at.
-    RE_Determinizer(const RE_Graph_Facts& facts, bool refusesEmpty);
+    explicit RE_Determinizer(const RE_Graph_Facts& facts);
     /// Null where there is no automaton, or only a large one.
     std::unique_ptr<const RE_Dfa> run();
 

@@ -26,9 +26,11 @@ struct RE_Graph_Facts;
 /// Read-only once it is made: any number of threads may query it. Owned by the compiled pattern.
 class RE_Dfa : public RE_Memory {
 public:
-    /// Null where the pattern has a node that an automaton cannot represent, and where it would need too many
-    /// states. Takes time and memory within fixed bounds, whatever the pattern.
-    static std::unique_ptr<const RE_Dfa> make(const RE_Graph_Facts& facts, bool refusesEmpty);
+    /// The automaton of the pattern, made now unless that was tried before. Null where the pattern has a node that an
+    /// automaton cannot represent, and where it would need too many states. Takes time and memory within fixed bounds,
+    /// whatever the pattern. Any thread may call it, also while others search; one that is being made by another thread
+    /// counts as none.
+    static const RE_Dfa* obtain(const RE_Graph_Facts& facts);
 
     struct Answer {
         const char16_t* end;    ///< null when there is none, and when the search was broken off

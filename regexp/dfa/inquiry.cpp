@@ -21,31 +21,63 @@ constexpr std::uint64_t unitsAChoice = 8;  // read in the time that a choice tak
 }  // namespace
 
 // A pattern that starts at the beginning of the text has one start: there are no later ones to query about.
-void RE_Inquiry::begin(const RE_Graph_Facts& pattern) {
+void RE_Inquiry::begin(const RE_Graph_Facts& graphFacts) {
     *this = {};
-    dfa = pattern.dfa.get();
-    wantsTokens = pattern.tokenCount > 0;
-    hasManyStarts = pattern.start.entry == nullptr || pattern.start.entry->kind != RE_Node_Kind::textStart;
-    delay = dfa != nullptr && dfa->isAmbiguous() ? pattern.tuning.ambiguousInquiryChoices
-                                                 : pattern.tuning.inquiryChoices;
-    left = dfa != nullptr ? delay : never;
+    const RE_Speed_Ups& speedUps = graphFacts.speedUps;
+    const RE_Dfa* const automaton = speedUps.dfa.get();
+    if (automaton == nullptr && !speedUps.dfa.isOpen()) {
+        return;
+    }
+    pattern = &graphFacts;
+    wantsTokens = pattern->tokenCount > 0;
+    hasManyStarts = pattern->start.entry == nullptr || pattern->start.entry->kind != RE_Node_Kind::textStart;
+    use(automaton);
+}
+
+void RE_Inquiry::use(const RE_Dfa* automaton) {
+    dfa = automaton;
+    const RE_Tuning& tuning = pattern->tuning;
+    delay = dfa != nullptr && dfa->isAmbiguous() ? tuning.ambiguousInquiryChoices : tuning.inquiryChoices;
+    left = delay;
 }
 
 // What is known of the pattern stays; of the delay, too, what it has grown to.
 RE_Inquiry RE_Inquiry::forOtherSubject() const {
     RE_Inquiry other;
+    other.pattern = pattern;
     other.dfa = dfa;
     other.wantsTokens = wantsTokens;
     other.hasManyStarts = hasManyStarts;
     other.delay = delay;
-    other.left = dfa != nullptr ? delay : never;
+    other.left = pattern != nullptr ? delay : never;
     return other;
+}
+
+// A pattern without an automaton gets one when its attempts have often wished for it. Most have few choices.
+bool RE_Inquiry::hasAutomaton() {
+    if (dfa != nullptr) {
+        return true;
+    }
+    RE_Speed_Ups& speedUps = pattern->speedUps;
+    const RE_Dfa* automaton = speedUps.dfa.get();
+    if (automaton == nullptr && speedUps.choices.add(delay) >= pattern->tuning.automatonChoices) {
+        automaton = RE_Dfa::obtain(*pattern);
+    }
+    if (automaton != nullptr) {
+        use(automaton);
+        return true;
+    }
+    left = speedUps.dfa.isOpen() ? delay : never;
+    return false;
 }
 
 bool RE_Inquiry::goesOn(RE_Search_Info& info) {
     knowsSubject = true;
     if (info.refusesStates() || unitsRead > mostReadings * info.subjectLength() + readingsOfShort) {
         left = never;
+        return true;
+    }
+    if (!hasAutomaton()) {
         return true;
     }
     const RE_Dfa::Answer answer = dfa->matchEnd(info.matchStart, info);

@@ -2,11 +2,11 @@
 #pragma once
 
 #include "regexp/base/memory.h"
-#include "regexp/base/opaque.h"
 #include "regexp/base/tuning.h"
 #include "regexp/graph/instruction.h"
 #include "regexp/graph/memo_scope.h"
 #include "regexp/graph/node_store.h"
+#include "regexp/graph/speed_ups.h"
 #include "regexp/graph/start_finder_kind.h"
 
 #include <cstddef>
@@ -17,9 +17,7 @@
 #include <vector>
 
 class RE_Consume;
-class RE_Dfa;
 class RE_Literal_Stretches;
-class RE_Machine_Code;
 class RE_Node;
 class RE_Profiler;
 class RE_Unit_Set;
@@ -32,8 +30,8 @@ struct RE_Attempt_Start {
     const RE_Unit_Set* units = nullptr;  ///< all that the seeker looks for, if that is one of them; else null
 };
 
-/// Made by the parser, owned by the compiled pattern, read-only during searches. Owns the nodes once they are
-/// handed over.
+/// Made by the parser, owned by the compiled pattern, read-only during searches but for its speed-ups. Owns the nodes
+/// once they are handed over.
 struct CORVANE_REGEXP_EXPORT RE_Graph_Facts : public RE_Memory {
     RE_Graph_Facts();
     ~RE_Graph_Facts();
@@ -58,9 +56,13 @@ struct CORVANE_REGEXP_EXPORT RE_Graph_Facts : public RE_Memory {
     RE_Start_Finder startFinder = RE_Start_Finder::none;
     RE_Attempt_Start start;
     RE_Program program;  ///< of the graph from `start.entry` on, for searches that nobody watches
-    RE_Opaque<const RE_Machine_Code>
-        machineCode;              ///< of the program; null unless the tree was asked to make it
-    RE_Opaque<const RE_Dfa> dfa;  ///< null unless the tree was asked to make it
+    /// Of this graph and these settings alone, in the whole process: what was kept for them is told by it from what was
+    /// kept for others, which may have had the same address.
+    std::uint64_t serial = nextSerial();
+    static std::uint64_t nextSerial();
+    const RE_Node* root = nullptr;
+    bool refusesEmpty = true;  ///< empty matches do not count
+    mutable RE_Speed_Ups speedUps;
     /// The loop over one unit with which every match begins, or null: `RE_Consume::lastHopelessStart`.
     const RE_Consume* leadingLoop = nullptr;
     using Needed = std::unique_ptr<const RE_Literal_Stretches>;

@@ -235,12 +235,12 @@ public:
 
 }  // namespace
 
-std::unique_ptr<RE_Machine_Code> RE_Machine_Code::make(const RE_Graph_Facts& facts, const RE_Node* root) {
+std::unique_ptr<RE_Machine_Code> RE_Machine_Code::make(const RE_Graph_Facts& facts) {
     if (facts.program.instructions.empty()) {
         return nullptr;
     }
     try {
-        auto code = std::make_unique<Assembler>(facts, root);
+        auto code = std::make_unique<Assembler>(facts, facts.root);
         return code->gains ? std::move(code) : nullptr;
     } catch (const Xbyak::Error&) {
         return nullptr;  // the machine gives no memory that may be run
@@ -249,8 +249,13 @@ std::unique_ptr<RE_Machine_Code> RE_Machine_Code::make(const RE_Graph_Facts& fac
 
 #else
 
-std::unique_ptr<RE_Machine_Code> RE_Machine_Code::make(const RE_Graph_Facts&, const RE_Node*) {
+std::unique_ptr<RE_Machine_Code> RE_Machine_Code::make(const RE_Graph_Facts&) {
     return nullptr;
 }
 
 #endif
+
+const RE_Machine_Code* RE_Machine_Code::obtain(const RE_Graph_Facts& facts) {
+    RE_Speed_Ups& speedUps = facts.speedUps;
+    return speedUps.obtain(speedUps.machineCode, [&facts] { return make(facts); });
+}

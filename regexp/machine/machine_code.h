@@ -13,7 +13,6 @@
 #pragma once
 
 #include "regexp/base/memory.h"
-#include "regexp/base/tuning.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -42,10 +41,11 @@ enum class RE_Machine_Exit : std::uint64_t {
 /// afterwards, never both.
 class RE_Machine_Code : public RE_Memory {
 public:
-    /// Null where the pattern has no program, where code would do nothing by itself, and where the machine
-    /// refuses memory that may be executed. `facts` and the graph from `root` on must outlive the code, which
-    /// holds their addresses.
-    static std::unique_ptr<RE_Machine_Code> make(const RE_Graph_Facts& facts, const RE_Node* root);
+    /// The code of the pattern, made now unless that was tried before. Null where the pattern has no program, where code
+    /// would do nothing by itself, and where the machine refuses memory that may be executed. Any thread may call it, also
+    /// while others search; code that is being made by another thread counts as none. The code holds addresses of the
+    /// facts and the graph.
+    static const RE_Machine_Code* obtain(const RE_Graph_Facts& facts);
     virtual ~RE_Machine_Code() = default;
     /// Looks for a match that starts at `p` or after it. `p` must not lie past `lastStart` of the registers:
     /// the code begins after that test.
@@ -66,6 +66,8 @@ public:
     std::int64_t mostSteps = 0;
 
 protected:
+    static std::unique_ptr<RE_Machine_Code> make(const RE_Graph_Facts& facts);
+
     using Entry = std::uint64_t (*)(RE_Search_Registers*);
     Entry entry = nullptr;
     std::uint64_t (*first)(RE_Search_Registers*, const char16_t*) = nullptr;

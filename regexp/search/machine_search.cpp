@@ -25,8 +25,9 @@ namespace {
 /// One search, from the first return of the code to the end. Lives on the stack of one thread.
 class Machine_Search {
 public:
-    Machine_Search(const RE_Graph_Facts& graphFacts, const RE_Start_Walk& starts, RE_Search_Info& search)
-        : facts(graphFacts), code(*graphFacts.machineCode), walk(starts), info(search) {}
+    Machine_Search(const RE_Graph_Facts& graphFacts, const RE_Machine_Code& machineCode,
+                   const RE_Start_Walk& starts, RE_Search_Info& search)
+        : facts(graphFacts), code(machineCode), walk(starts), info(search) {}
 
     /// Deals with one return after another, beginning with one for `reason`, until there is a match or no
     /// start is left.
@@ -174,8 +175,8 @@ private:
 
 }  // namespace
 
-bool goOnByMachineCode(const RE_Graph_Facts& facts, const RE_Node* root, RE_Machine_Exit first,
+bool goOnByMachineCode(const RE_Graph_Facts& facts, const RE_Machine_Code& code, RE_Machine_Exit first,
                        RE_Search_Info& info, std::size_t& length) {
-    const RE_Start_Walk walk(root, facts, info.lastStart, info, info.askLeft);
-    return Machine_Search(facts, walk, info).finish(first, length);
+    const RE_Start_Walk walk(facts, info.lastStart, info, info.askLeft);
+    return Machine_Search(facts, code, walk, info).finish(first, length);
 }

@@ -13,25 +13,31 @@
 
 /// Continues a search whose code has returned for the first time, for the reason `first`. True with the
 /// length in units where a match was found.
-bool goOnByMachineCode(const RE_Graph_Facts& facts, const RE_Node* root, RE_Machine_Exit first,
+bool goOnByMachineCode(const RE_Graph_Facts& facts, const RE_Machine_Code& code, RE_Machine_Exit first,
                        RE_Search_Info& info, std::size_t& length);
 
-/// Tries start after start from `p` to `last`, which is not before `p`. The graph must have machine code.
-/// Puts the start of the match into the state and its length, in units, into `length`.
-inline bool findByMachineCode(const RE_Graph_Facts& facts, const RE_Node* root, const char16_t* p,
-                              const char16_t* last, RE_Search_Info& info, std::size_t& length) {
+/// Tries start after start from `p` to `last`, which is not before `p`, with `askLeft` steps left when the needed literals
+/// are asked for. Puts the start of the match into the state and its length, in units, into `length`.
+inline bool continueByMachineCode(const RE_Graph_Facts& facts, const RE_Machine_Code& code, const char16_t* p,
+                                  const char16_t* last, std::int64_t askLeft, RE_Search_Info& info,
+                                  std::size_t& length) {
     info.lastStart = last;
     info.slots = info.tokens->slots.data();
     info.opened = info.tokenStarts();
-    // Without needed literals the code has no test that reads `askLeft`.
-    if (!facts.needed.empty()) {
-        info.askLeft = RE_Start_Walk::firstAskLeft(facts, info);
-    }
-    const RE_Machine_Exit reason = facts.machineCode->begin(info, p);
+    info.askLeft = askLeft;
+    const RE_Machine_Exit reason = code.begin(info, p);
     if (reason == RE_Machine_Exit::matched) {
         info.tokens->count = info.inEffect;  // the slots above may hold stale data
         length = static_cast<std::size_t>(info.cursor - info.matchStart);
         return true;
     }
-    return reason != RE_Machine_Exit::noStart && goOnByMachineCode(facts, root, reason, info, length);
+    return reason != RE_Machine_Exit::noStart && goOnByMachineCode(facts, code, reason, info, length);
+}
+
+/// The same of a search that begins at `p`.
+inline bool findByMachineCode(const RE_Graph_Facts& facts, const RE_Machine_Code& code, const char16_t* p,
+                              const char16_t* last, RE_Search_Info& info, std::size_t& length) {
+    // Without needed literals the code has no test that reads `askLeft`.
+    const std::int64_t askLeft = facts.needed.empty() ? 0 : RE_Start_Walk::firstAskLeft(facts, info);
+    return continueByMachineCode(facts, code, p, last, askLeft, info, length);
 }

@@ -51,21 +51,6 @@ namespace {
     return !info.wasInterrupted();
 }
 
-/// Tries start after start, from `p` on, until `attempt` succeeds at one.
-template <class Attempt>
-[[gnu::always_inline]] inline bool tryStarts(RE_Start_Walk walk, const char16_t* p, Attempt attempt) {
-    for (p = walk.from(p); p != nullptr; p = walk.from(p + 1)) {
-        if (attempt(p)) {
-            return true;
-        }
-        p = walk.lastInVain(p);
-        if (p == nullptr) {
-            return false;
-        }
-    }
-    return false;
-}
-
 bool attemptWatched(const RE_Node* root, RE_Search_Info& info, std::size_t& length) {
     const char16_t* const p = info.matchStart;
     std::size_t pos = info.indexOf(p);
@@ -76,30 +61,82 @@ bool attemptWatched(const RE_Node* root, RE_Search_Info& info, std::size_t& leng
     return matched;
 }
 
-bool findByProgram(const RE_Start_Walk& walk, const RE_Graph_Facts& facts, RE_Search_Info& info,
-                   const char16_t* p, std::size_t& length) {
-    return tryStarts(walk, p, [&](const char16_t* at) {
-        info.matchStart = at;
-        return attemptByProgram(facts, info, length);
-    });
+bool findByGraph(RE_Start_Walk walk, const RE_Graph_Facts& facts, RE_Search_Info& info, const char16_t* p,
+                 std::size_t& length) {
+    info.resetForStart(p);
+    for (p = walk.from(p); p != nullptr; p = walk.from(p + 1)) {
+        info.moveStart(p);
+        if (info.observer != nullptr ? attemptWatched(facts.root, info, length)
+                                     : attemptUnwatched(facts.start, info, length)) {
+            return true;
+        }
+        p = walk.lastInVain(p);
+        if (p == nullptr) {
+            return false;
+        }
+    }
+    return false;
 }
 
-bool findByGraph(const RE_Start_Walk& walk, const RE_Node* root, const RE_Graph_Facts& facts,
-                 RE_Search_Info& info, const char16_t* p, std::size_t& length) {
-    info.resetForStart(p);
-    return tryStarts(walk, p, [&](const char16_t* at) {
-        info.moveStart(at);
-        return info.observer != nullptr ? attemptWatched(root, info, length)
-                                        : attemptUnwatched(facts.start, info, length);
-    });
+/// Runs by the program until the searches of the pattern have been enough work for machine code, and by that from the next
+/// start on.
+bool findByProgram(RE_Start_Walk walk, const RE_Graph_Facts& facts, RE_Search_Info& info, const char16_t* p,
+                   const char16_t* last, std::size_t& length) {
+    const RE_Speed_Ups& speedUps = facts.speedUps;
+    const std::uint64_t before = speedUps.steps.get();
+    const std::uint64_t enough = speedUps.machineCode.isOpen() ? facts.tuning.machineCodeSteps : RE_Tuning::never;
+    const std::uint64_t stepsLeft = enough - std::min(before, enough);
+    const std::uint64_t begun = info.meter.taken();
+    bool grows = enough != RE_Tuning::never;
+    for (p = walk.from(p); p != nullptr; p = walk.from(p + 1)) {
+        info.matchStart = p;
+        if (attemptByProgram(facts, info, length)) {
+            return true;
+        }
+        p = walk.lastInVain(p);
+        if (p == nullptr) {
+            return false;
+        }
+        if (grows && info.meter.taken() - begun >= stepsLeft) {
+            const RE_Machine_Code* const code = RE_Machine_Code::obtain(facts);
+            if (code != nullptr) {
+                return p < last &&
+                       continueByMachineCode(facts, *code, p + 1, last, walk.roomUpToAsking(), info, length);
+            }
+            grows = false;
+        }
+    }
+    return false;
 }
+
+/// Adds what a search took to the work of the pattern, which is worth machine code at some point.
+class Counted_Work {
+public:
+    Counted_Work(const RE_Graph_Facts& graphFacts, const RE_Search_Info& search)
+        : facts(graphFacts), info(search), before(search.meter.taken()) {}
+    ~Counted_Work() {
+        RE_Speed_Ups& speedUps = facts.speedUps;
+        if (speedUps.machineCode.isOpen() &&
+            speedUps.steps.add(info.meter.taken() - before + stepsASearch) >= facts.tuning.machineCodeSteps) {
+            RE_Machine_Code::obtain(facts);
+        }
+    }
+    Counted_Work(const Counted_Work&) = delete;
+    Counted_Work& operator=(const Counted_Work&) = delete;
+
+private:
+    static constexpr std::uint64_t stepsASearch = 8;  // what a search takes beside its steps
+
+    const RE_Graph_Facts& facts;
+    const RE_Search_Info& info;
+    std::uint64_t before;
+};
 
 }  // namespace
 
 // Ends at the subject's end itself, so that a pattern may match the empty text there. A start that leaves
 // fewer units than any match needs is not tried; patterns that call the host are run at every start.
-bool findMatch(const RE_Node* root, const RE_Graph_Facts& facts, RE_Search_Info& info, std::size_t offset,
-               std::size_t& length) {
+bool findMatch(const RE_Graph_Facts& facts, RE_Search_Info& info, std::size_t offset, std::size_t& length) {
     const std::uint64_t needed = facts.hasDynamicNodes ? 0 : facts.minimumLength;
     if (needed > info.subjectLength() - offset) {
         return false;
@@ -107,18 +144,18 @@ bool findMatch(const RE_Node* root, const RE_Graph_Facts& facts, RE_Search_Info&
     const char16_t* const p = info.subjectBegin + offset;
     const char16_t* const last = info.subjectEnd - withinSize(needed);
     const bool isWatched = info.observer != nullptr || info.tokens == nullptr;
-    if (facts.machineCode != nullptr && !isWatched) {
-        return findByMachineCode(facts, root, p, last, info, length);
+    if (isWatched || facts.program.entry == nullptr) {
+        return findByGraph(RE_Start_Walk(facts, last, info), facts, info, p, length);
     }
-    const RE_Start_Walk walk(root, facts, last, info);
-    const bool hasProgram = facts.program.entry != nullptr;
-    return hasProgram && !isWatched ? findByProgram(walk, facts, info, p, length)
-                                    : findByGraph(walk, root, facts, info, p, length);
+    if (const RE_Machine_Code* const code = facts.speedUps.machineCode.get()) {
+        return findByMachineCode(facts, *code, p, last, info, length);
+    }
+    const Counted_Work work(facts, info);
+    return findByProgram(RE_Start_Walk(facts, last, info), facts, info, p, last, length);
 }
 
-bool attemptAt(const RE_Node* root, const RE_Graph_Facts& facts, RE_Search_Info& info, const char16_t* p,
-               std::size_t& length) {
+bool attemptAt(const RE_Graph_Facts& facts, RE_Search_Info& info, const char16_t* p, std::size_t& length) {
     info.resetForStart(p);
-    return info.observer != nullptr ? attemptWatched(root, info, length)
+    return info.observer != nullptr ? attemptWatched(facts.root, info, length)
                                     : attemptUnwatched(facts.start, info, length);
 }

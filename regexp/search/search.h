@@ -4,15 +4,14 @@
 
 #include <cstddef>
 
-class RE_Node;
 class RE_Search_Info;
 struct RE_Graph_Facts;
 
 /// Finds the leftmost match that starts at or after index `offset`. True: `info.matchStart` is where it starts, `length`
 /// its length in code units. The state must have been prepared for the graph.
-bool findMatch(const RE_Node* root, const RE_Graph_Facts& facts, RE_Search_Info& info, std::size_t offset,
+bool findMatch(const RE_Graph_Facts& facts, RE_Search_Info& info, std::size_t offset,
                std::size_t& length);
 
 /// The same of a single attempt, at `p`.
-bool attemptAt(const RE_Node* root, const RE_Graph_Facts& facts, RE_Search_Info& info, const char16_t* p,
+bool attemptAt(const RE_Graph_Facts& facts, RE_Search_Info& info, const char16_t* p,
                std::size_t& length);

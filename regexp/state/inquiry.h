@@ -24,10 +24,11 @@ struct RE_Graph_Facts;
 
 class CORVANE_REGEXP_EXPORT RE_Inquiry {
 public:
-    /// From now on the automaton of the pattern is queried, where it has one.
-    void begin(const RE_Graph_Facts& pattern);
+    /// From now on the automaton of the pattern is queried, where it has one or gets one.
+    void begin(const RE_Graph_Facts& graphFacts);
     /// For what the automaton does not describe: no query is due any more.
     void stop() {
+        pattern = nullptr;
         dfa = nullptr;
         left = never;
     }
@@ -58,9 +59,12 @@ private:
     static constexpr std::uint64_t never = std::numeric_limits<std::uint64_t>::max();
 
     RE_Inquiry forOtherSubject() const;
+    void use(const RE_Dfa* automaton);
+    bool hasAutomaton();
     void queryLaterStarts(RE_Search_Info& info);
 
-    const RE_Dfa* dfa = nullptr;
+    const RE_Graph_Facts* pattern = nullptr;
+    const RE_Dfa* dfa = nullptr;  // null as long as the pattern has none
     bool hasManyStarts = false;
     bool wantsTokens = false;
     std::uint64_t left = never;  // choices until the next query

@@ -73,12 +73,55 @@ void RE_Search_Info::carryMemoOver(std::size_t end) {
     }
 }
 
-// What is known of the old subject is forgotten. The graph stays.
+// What is known of the old subject is forgotten. The graph stays. Where memory is counted a memo does not outlive its
+// subject: what a search takes must not depend on those before it.
 void RE_Search_Info::forgetSubject() {
     runs.clear();
     barren.clear();
+    if (memo != nullptr && !RE_Memory_Account::isOpen()) {
+        memo->forgetSubject();
+        idleMemo = std::move(memo);
+    }
     memo.reset();
     knowsSubject = false;
+}
+
+// The tokens come first: what a graph prepares names them.
+void RE_Search_Info::useAgain(const RE_Graph_Facts& graphFacts, const char16_t* subject, std::size_t length,
+                              RE_Seek_Table* table, bool pollInterrupts) {
+    seekTable = table;
+    checkInterrupts = pollInterrupts;
+    meter = {};
+    refusals = 0;
+    facts = &graphFacts;
+    const bool isOtherGraph = graphSerial != graphFacts.serial;
+    if (isOtherGraph) {
+        counterStacks.clear();
+        visited.clear();
+        tokens = nullptr;
+    }
+    useSubject(subject, length, graphFacts.tokenCount);
+    if (isOtherGraph) {
+        prepare(graphFacts);
+        graphSerial = graphFacts.serial;
+        inquiry.begin(graphFacts);
+    }
+    putInterruptAside();
+}
+
+void RE_Search_Info::putAside() {
+    handInterruptBack();
+    if (knowsSubject) {
+        forgetSubject();
+    }
+    observer = nullptr;
+}
+
+std::size_t RE_Search_Info::heldBytes() const {
+    const auto bytesOf = [](const auto& list) { return list.capacity() * sizeof(list[0]); };
+    return bytesOf(backtrack.records) + bytesOf(backtrack.marks) + bytesOf(trail) + bytesOf(registers) +
+           bytesOf(runs) + bytesOf(barren) + bytesOf(ownTokens.slots) +
+           (idleMemo != nullptr ? idleMemo->bytes() : 0);
 }
 
 void RE_Search_Info::prepare(const RE_Graph_Facts& graphFacts) {

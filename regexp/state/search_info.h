@@ -67,6 +67,17 @@ public:
             forgetSubject();
         }
     }
+    // --- a state that is kept between searches ---
+
+    /// Makes the state that `putAside` was called of as good as a fresh one that is prepared for the graph, and begins to
+    /// ask its automaton. Storage is kept.
+    void useAgain(const RE_Graph_Facts& graphFacts, const char16_t* subject, std::size_t length,
+                  RE_Seek_Table* table, bool pollInterrupts);
+    /// A search is over: forgets the subject, which may go. The graph may go, too.
+    void putAside();
+    /// Bytes of memory that a state which was put aside holds.
+    std::size_t heldBytes() const;
+
     void resetForStart(const char16_t* p);
     /// The same where the attempt before ran out of choices, which leaves next to nothing behind.
     void moveStart(const char16_t* p);
@@ -330,6 +341,7 @@ private:
 
     RE_Token_Stack ownTokens;
     const RE_Graph_Facts* facts = nullptr;
+    std::uint64_t graphSerial = 0;  ///< of the graph of the search before, which may be gone
     boost::container::small_vector<std::size_t, 12, RE_Allocator<std::size_t>> registers;
     std::vector<Trail_Entry, RE_Allocator<Trail_Entry>> trail;
     std::vector<RE_Measured_Run, RE_Allocator<RE_Measured_Run>> runs;

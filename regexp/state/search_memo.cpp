@@ -129,6 +129,20 @@ void RE_Search_Memo::forgetStates() {
     textNumbers.clear();
 }
 
+void RE_Search_Memo::forgetSubject() {
+    forgetStates();
+    outcomes.clear();
+    outcomeEnds.clear();
+}
+
+std::size_t RE_Search_Memo::bytes() const {
+    std::size_t sum = apart.bytes() + outcomes.bytes() + pool.bytes();
+    for (const RE_Memo_Table& states : tables) {
+        sum += states.bytes();
+    }
+    return sum;
+}
+
 // The row of a state. Most nodes are in no counted loop and in no loop with empty passes, and nothing refers
 // to a token: their own number is the row. Otherwise all that the future depends on is put into `key`, in an
 // order that the node alone decides, and the combination is numbered.

@@ -66,6 +66,10 @@ public:
     void searchFrom(std::size_t position);
     /// Forgets the states of every level.
     void forgetStates();
+    /// Forgets all that holds for the subject. Storage is kept.
+    void forgetSubject();
+    /// Bytes of memory held, by and large.
+    std::size_t bytes() const;
 
 private:
     using Place = std::pair<std::size_t, std::size_t>;  // start, length

@@ -72,6 +72,11 @@ const std::vector<EngineConfig>& allConfigs() {
 }
 
 void speedUp(RE_Tree& tree, const EngineConfig& config) {
+    if (!config.speedsUpItself) {
+        RE_Tuning tuning = tree.getTuning();
+        tuning.machineCodeSteps = tuning.automatonChoices = RE_Tuning::never;
+        tree.tune(tuning);
+    }
     if (config.machineCode) {
         tree.makeMachineCode();
     }

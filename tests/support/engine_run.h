@@ -31,7 +31,8 @@ struct EngineConfig {
     bool profile = false;
     bool machineCode = false;
     bool dfa = false;
-    bool eagerDfa = true;  ///< it is asked by all attempts that turn back
+    bool eagerDfa = true;         ///< it is asked by all attempts that turn back
+    bool speedsUpItself = false;  ///< when the tree's settings say so
 };
 
 /// The graph as it is written, by which all other settings are judged.
@@ -95,6 +96,21 @@ private:
         tuning.memoChoices = choices;
         tuning.memoChoicesPerUnit = perUnit;
         tuning.neededLiteralSteps = steps;
+        return tuning;
+    }
+
+    RE_Tuning::Scope m_scope;
+};
+
+/// Trees that are made while it lives do not make themselves fast.
+class StaySlow {
+public:
+    StaySlow() : m_scope(tuned()) {}
+
+private:
+    static RE_Tuning tuned() {
+        RE_Tuning tuning = RE_Tuning::ofNewTrees();
+        tuning.machineCodeSteps = tuning.automatonChoices = RE_Tuning::never;
         return tuning;
     }
 

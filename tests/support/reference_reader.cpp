@@ -1,6 +1,8 @@
 // Readings of the reference parser's cursor. Each leaves the cursor past what it read, and throws rather than guess.
 #include "tests/support/reference_reader.h"
 
+#include <limits>
+
 namespace corvane_tests::reference {
 namespace {
 
@@ -79,9 +81,12 @@ size_t Reader::number() {
     if (!seesDigit()) {
         throw Unreadable();
     }
+    // No subject and no group is as large as the largest number; where sizes have 32 bits it is soon reached.
+    constexpr size_t largest = std::numeric_limits<size_t>::max() - 1;
     size_t value = 0;
     while (seesDigit()) {
-        value = value * 10 + static_cast<size_t>(take() - u'0');
+        const auto digit = static_cast<size_t>(take() - u'0');
+        value = value > (largest - digit) / 10 ? largest : value * 10 + digit;
     }
     return value;
 }
