@@ -15,6 +15,7 @@
 // instructions: units times two.
 #pragma once
 
+#include "regexp/base/tuning.h"
 #include "regexp/machine/machine_code.h"
 #include "regexp/seek/literal_search.h"
 #include "regexp/state/search_registers.h"
