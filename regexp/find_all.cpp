@@ -72,7 +72,9 @@ std::unique_ptr<RE_Results> RE_Tree::match_at(std::u16string_view text, std::siz
         throw std::bad_alloc();
     }
     std::size_t length = 0;
-    if (!attemptAt(*facts, info, info.subjectBegin + position, length)) {
+    const bool found = attemptAt(*facts, info, info.subjectBegin + position, length);
+    state.keep();
+    if (!found) {
         return nullptr;
     }
     return std::make_unique<RE_Results>(&info, info.matchStart, length, true);

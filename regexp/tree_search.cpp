@@ -84,7 +84,9 @@ RE_Results* RE_Tree::searchFrom(const char16_t* subject, std::size_t length, std
     RE_Thread_State state(*facts, {subject, length}, table, interruptible, observer);
     RE_Search_Info& info = state.info();
     std::size_t matchLength = 0;
-    if (!findMatch(*facts, info, offset, matchLength) || info.pollInterrupt()) {
+    const bool found = findMatch(*facts, info, offset, matchLength) && !info.pollInterrupt();
+    state.keep();
+    if (!found) {
         return nullptr;
     }
     return new (std::nothrow) RE_Results(&info, info.matchStart, matchLength, true);

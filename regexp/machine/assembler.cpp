@@ -13,6 +13,9 @@
 #include <xbyak/xbyak_util.h>
 
 #include <algorithm>
+#include <cstring>
+#include <memory>
+#include <span>
 #include <utility>
 
 namespace corvane_machine {
@@ -135,13 +138,6 @@ Label& Code_Writer::constant(const Bytes& bytes) {
     return *constants.back().label;
 }
 
-void Code_Writer::forgetLabels() {
-    std::vector<std::unique_ptr<Label>>().swap(labels);
-    std::vector<std::unique_ptr<Exit>>().swap(exits);
-    std::vector<Constant>().swap(constants);
-    reset();
-}
-
 namespace {
 
 RE_Machine_Vectors vectorsOfProcessor() {
@@ -171,10 +167,9 @@ RE_Machine_Vectors Unit_Code::vectorsWithin(RE_Machine_Vectors widest) {
 
 namespace {
 
-// Upper bounds of the size of the code, in bytes. The buffer does not grow, as places in it are referred to
-// by address; code that did not fit would be refused by the assembler with an exception, and the pattern
-// would go without. Generous bounds cost address space only: pages that are not written are not backed by
-// memory.
+// Upper bounds of the size of the code, in bytes. The buffer in which it is written does not grow, as places in it are
+// referred to by address; code that did not fit would be refused by the assembler with an exception, and the pattern would
+// go without.
 constexpr std::size_t bytesAnInstruction = 512;
 constexpr std::size_t bytesOfTheRest = 4096;
 constexpr std::size_t bytesOfATable = RE_Branch_Start::columns * sizeof(void*);
@@ -201,36 +196,56 @@ std::size_t roomFor(const RE_Program& program) {
     return room;
 }
 
-/// The finished code. The base that writes it stays part of the object, as it owns the buffer.
-class Assembler : public RE_Machine_Code, private corvane_machine::Start_Code {
+/// Writes the code of a pattern into a buffer, and then to the place where it is run.
+class Assembler : private corvane_machine::Start_Code {
 public:
-    Assembler(const RE_Graph_Facts& graphFacts, const RE_Node* graphRoot)
-        : Start_Code(graphFacts, graphRoot, roomFor(graphFacts.program)) {
+    Assembler(const RE_Graph_Facts& facts, std::span<std::byte> buffer) : Start_Code(facts, facts.root, buffer) {
         // The order is the layout of the code: entries, starts, program, exits, constants. `emitBegin` falls
         // through into `emitStarts`, and the next start into the program.
         emitEntry();
-        Xbyak::Label beginLabel;
         L(beginLabel);
         emitBegin();
         emitStarts();
         emitProgram();
         emitExits();
         emitConstants();
-        // From here on the buffer is executable and no longer writable.
-        setProtectModeRE();
-        entry = getCode<Entry>();
-        first = reinterpret_cast<decltype(first)>(reinterpret_cast<std::uintptr_t>(beginLabel.getAddress()));
-        nextStart = nextStartLabel.getAddress();
-        attempt = attemptLabel.getAddress();
-        // Both bases have the member: that of the interface is what searches read.
-        RE_Machine_Code::mostSteps = Start_Code::mostSteps;
-        forgetPlaces();
-        gains = graphFacts.program.entry != nullptr || seeks();
     }
-    Assembler(const Assembler&) = delete;
-    Assembler& operator=(const Assembler&) = delete;
+    /// Whether there is anything that the code does by itself.
+    bool gains(const RE_Graph_Facts& facts) const { return facts.program.entry != nullptr || seeks(); }
 
-    bool gains;  ///< there is anything that the code does by itself
+    /// Null where there is no memory that may be executed.
+    std::unique_ptr<RE_Machine_Code> place() {
+        RE_Code_Space space = RE_Code_Space::take(getSize());
+        if (!space) {
+            return nullptr;
+        }
+        std::memcpy(space.writable(), getCode(), getSize());
+        // All else in the code is relative to where it stands.
+        const std::uint8_t* const run = reinterpret_cast<const std::uint8_t*>(space.executable());
+        for (const std::size_t table : tables) {
+            moveTable(space.writable() + table, run - getCode());
+        }
+        const auto placeOf = [&](const Xbyak::Label& label) { return run + (label.getAddress() - getCode()); };
+        auto code = std::make_unique<RE_Machine_Code>(std::move(space), reinterpret_cast<RE_Machine_Code::Entry>(run),
+                                                      reinterpret_cast<RE_Machine_Code::First>(placeOf(beginLabel)));
+        code->nextStart = placeOf(nextStartLabel);
+        code->attempt = placeOf(attemptLabel);
+        code->mostSteps = mostSteps;
+        return code;
+    }
+
+private:
+    // A table holds addresses, which are those of the buffer so far.
+    static void moveTable(std::byte* table, std::ptrdiff_t distance) {
+        for (std::size_t column = 0; column < RE_Branch_Start::columns; ++column, table += sizeof(std::uint64_t)) {
+            std::uint64_t address;
+            std::memcpy(&address, table, sizeof address);
+            address += static_cast<std::uint64_t>(distance);
+            std::memcpy(table, &address, sizeof address);
+        }
+    }
+
+    Xbyak::Label beginLabel;
 };
 
 }  // namespace
@@ -239,11 +254,13 @@ std::unique_ptr<RE_Machine_Code> RE_Machine_Code::make(const RE_Graph_Facts& fac
     if (facts.program.instructions.empty()) {
         return nullptr;
     }
+    const std::size_t room = roomFor(facts.program);
+    const auto buffer = std::make_unique_for_overwrite<std::byte[]>(room);
     try {
-        auto code = std::make_unique<Assembler>(facts, facts.root);
-        return code->gains ? std::move(code) : nullptr;
+        Assembler assembler(facts, {buffer.get(), room});
+        return assembler.gains(facts) ? assembler.place() : nullptr;
     } catch (const Xbyak::Error&) {
-        return nullptr;  // the machine gives no memory that may be run
+        return nullptr;
     }
 }
 

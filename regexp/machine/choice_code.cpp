@@ -63,6 +63,7 @@ void Program_Code::emitChoice(const RE_Instruction& in) {
     };
     align(8);
     L(table);
+    tables.push_back(getSize());
     for (std::size_t column = 0; column < RE_Branch_Start::columns; ++column) {
         const std::size_t way = choice.onlyWayOf(column);
         putL(way == RE_Dispatch::noWay ? none : way == RE_Dispatch::manyWays ? many : sparedTo(way));

@@ -13,10 +13,12 @@
 #pragma once
 
 #include "regexp/base/memory.h"
+#include "regexp/machine/code_space.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <utility>
 
 struct RE_Graph_Facts;
 class RE_Node;
@@ -37,8 +39,7 @@ enum class RE_Machine_Exit : std::uint64_t {
 };
 
 /// The code of one compiled pattern, owned by its graph. Read-only once it is made: many threads may run it
-/// at once, each with registers of its own. The memory is writable while it is filled and executable
-/// afterwards, never both.
+/// at once, each with registers of its own.
 class RE_Machine_Code : public RE_Memory {
 public:
     /// The code of the pattern, made now unless that was tried before. Null where the pattern has no program, where code
@@ -46,7 +47,6 @@ public:
     /// while others search; code that is being made by another thread counts as none. The code holds addresses of the
     /// facts and the graph.
     static const RE_Machine_Code* obtain(const RE_Graph_Facts& facts);
-    virtual ~RE_Machine_Code() = default;
     /// Looks for a match that starts at `p` or after it. `p` must not lie past `lastStart` of the registers:
     /// the code begins after that test.
     RE_Machine_Exit begin(RE_Search_Registers& search, const char16_t* p) const {
@@ -65,10 +65,16 @@ public:
     /// that the code must not begin one, as it could run past a checkpoint.
     std::int64_t mostSteps = 0;
 
-protected:
+    using Entry = std::uint64_t (*)(RE_Search_Registers*);
+    using First = std::uint64_t (*)(RE_Search_Registers*, const char16_t*);
+
+    RE_Machine_Code(RE_Code_Space memory, Entry again, First beginning)
+        : entry(again), first(beginning), space(std::move(memory)) {}
+
+private:
     static std::unique_ptr<RE_Machine_Code> make(const RE_Graph_Facts& facts);
 
-    using Entry = std::uint64_t (*)(RE_Search_Registers*);
-    Entry entry = nullptr;
-    std::uint64_t (*first)(RE_Search_Registers*, const char16_t*) = nullptr;
+    Entry entry;
+    First first;
+    RE_Code_Space space;
 };

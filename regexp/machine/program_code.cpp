@@ -35,8 +35,8 @@ bool isSmall(const RE_Instruction& in, std::size_t longestText) {
 
 // `mostSteps` follows from the invariant of the class; the one more is that of the seeker at the start.
 Program_Code::Program_Code(const RE_Program& source, bool keeps, RE_Machine_Vectors widest,
-                           std::size_t mostBytes)
-    : Unit_Code(mostBytes, widest),
+                           std::span<std::byte> buffer)
+    : Unit_Code(buffer, widest),
       mostSteps(static_cast<std::int64_t>(source.instructions.size()) * RE_Instruction::mostSteps + 1),
       program(source),
       keepsTokens(keeps),
@@ -359,18 +359,6 @@ void Program_Code::emitRow(const Row& row) {
         }
         jmp(labelOf(row.back()->next), T_NEAR);
     });
-}
-
-// The code is finished: what served writing is freed, as the object lives as long as the pattern.
-void Program_Code::forgetPlaces() {
-    std::vector<Label>().swap(places);
-    std::vector<bool>().swap(emitted);
-    std::vector<bool>().swap(loops);
-    std::vector<const RE_Instruction*>().swap(pending);
-    std::vector<std::function<void()>>().swap(later);
-    std::vector<std::unique_ptr<Choice>>().swap(choices);
-    std::vector<Choice*>().swap(choiceOf);
-    forgetLabels();
 }
 
 }  // namespace corvane_machine

@@ -33,12 +33,10 @@ namespace corvane_machine {
 /// `later` has to save it and put it back, since failures and exits depend on it.
 class Program_Code : protected Unit_Code {
 protected:
-    Program_Code(const RE_Program& source, bool keeps, RE_Machine_Vectors widest, std::size_t mostBytes);
+    Program_Code(const RE_Program& source, bool keeps, RE_Machine_Vectors widest, std::span<std::byte> buffer);
 
     /// Writes an attempt that begins at `p`. It jumps to `failedLabel` where it fails.
     void emitProgram();
-
-    void forgetPlaces();
 
     Label failedLabel;
     std::int64_t mostSteps;  ///< at most so many from one check of the meter to the next
@@ -162,7 +160,7 @@ private:
 /// written out; where a start is far the root of the graph takes over, through an exit.
 class Start_Code : protected Program_Code {
 protected:
-    Start_Code(const RE_Graph_Facts& graphFacts, const RE_Node* graphRoot, std::size_t mostBytes);
+    Start_Code(const RE_Graph_Facts& graphFacts, const RE_Node* graphRoot, std::span<std::byte> buffer);
 
     /// Writes what follows a failed attempt: the way to the next start, and to the attempt there.
     void emitStarts();

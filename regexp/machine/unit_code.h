@@ -27,6 +27,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <type_traits>
 #include <vector>
 
@@ -74,7 +75,7 @@ static_assert(std::is_standard_layout_v<RE_Search_Registers>);
 /// `DontSetProtectRWE`: the buffer is writable and not executable until the finished code is sealed.
 class Code_Writer : protected Xbyak::CodeGenerator {
 protected:
-    explicit Code_Writer(std::size_t mostBytes) : Xbyak::CodeGenerator(mostBytes, Xbyak::DontSetProtectRWE) {}
+    explicit Code_Writer(std::span<std::byte> buffer) : Xbyak::CodeGenerator(buffer.size(), buffer.data()) {}
 
     // The state arrives in rdi and the place to begin at in rsi, as the System V convention passes the first
     // two arguments. What attempts use all the time has a register; the rest stays in memory, at an offset
@@ -98,7 +99,7 @@ protected:
     /// A member of the search's registers, by its offset.
     Xbyak::Address at(std::size_t offset) { return qword[state + static_cast<int>(offset)]; }
 
-    /// A label that lives until `forgetLabels`, for places that are written later than the jumps to them.
+    /// A label that lives as long as the writer, for places that are written later than the jumps to them.
     Label& fresh();
     /// A place that returns for `reason`. Where the caller has something to answer, the code continues at
     /// `resume`.
@@ -116,8 +117,8 @@ protected:
     /// The place of these sixteen bytes after the code. Equal constants share one.
     Label& constant(const Bytes& bytes);
     void emitConstants();
-    /// Frees what served writing only, once the code is complete.
-    void forgetLabels();
+    /// Where tables of addresses begin, in bytes from the beginning of the code.
+    std::vector<std::size_t> tables;
 
 private:
     void emitEnds(RE_Machine_Exit reason);
@@ -144,8 +145,8 @@ private:
 /// Tests of units: one unit against a set, sixteen at once, and whole texts.
 class Unit_Code : protected Code_Writer {
 protected:
-    Unit_Code(std::size_t mostBytes, RE_Machine_Vectors widest)
-        : Code_Writer(mostBytes), vectors(vectorsWithin(widest)) {}
+    Unit_Code(std::span<std::byte> buffer, RE_Machine_Vectors widest)
+        : Code_Writer(buffer), vectors(vectorsWithin(widest)) {}
 
     /// Scans take sixteen units at a time, in two vectors of eight or one of sixteen: the answers are sixteen
     /// bits.

@@ -3,8 +3,6 @@
 
 #include "regexp/graph/graph_facts.h"
 
-#include <exception>
-#include <memory>
 #include <utility>
 
 namespace {
@@ -36,11 +34,14 @@ RE_Search_Info* takeOfThread() {
 
 RE_Thread_State::RE_Thread_State(const RE_Graph_Facts& facts, std::u16string_view subject, RE_Seek_Table* table,
                                  bool pollInterrupts, RE_Observer* observer)
-    : exceptions(std::uncaught_exceptions()) {
-    if (mayKeep(facts, observer)) {
-        std::unique_ptr<RE_Search_Info> taken(takeOfThread());
-        taken->useAgain(facts, subject.data(), subject.size(), table, pollInterrupts);
-        state = taken.release();
+    : kept(mayKeep(facts, observer) ? takeOfThread() : nullptr), state(kept) {
+    if (kept != nullptr) {
+        try {
+            kept->useAgain(facts, subject.data(), subject.size(), table, pollInterrupts);
+        } catch (...) {
+            delete kept;
+            throw;
+        }
     } else {
         state = &own.emplace(subject.data(), subject.size(), facts.tokenCount, table, pollInterrupts);
         state->prepare(facts);
@@ -52,19 +53,15 @@ RE_Thread_State::RE_Thread_State(const RE_Graph_Facts& facts, std::u16string_vie
     state->rejectEmpty = facts.refusesEmpty ? 1 : 0;
 }
 
-// After an exception the state is not known well enough.
-RE_Thread_State::~RE_Thread_State() {
-    if (own) {
-        return;
+void RE_Thread_State::handBack() noexcept {
+    if (isComplete && keptByThread == nullptr) {
+        kept->putAside();
+        if (kept->heldBytes() <= mostKept) {
+            keptByThread = kept;
+            return;
+        }
     }
-    std::unique_ptr<RE_Search_Info> taken(state);
-    if (exceptions != std::uncaught_exceptions() || keptByThread != nullptr) {
-        return;
-    }
-    state->putAside();
-    if (state->heldBytes() <= mostKept) {
-        keptByThread = taken.release();
-    }
+    delete kept;
 }
 
 void RE_Thread_State::release() noexcept {

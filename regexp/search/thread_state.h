@@ -24,12 +24,18 @@ public:
     /// The observer may be null. Without memory for tokens the state has none.
     RE_Thread_State(const RE_Graph_Facts& facts, std::u16string_view subject, RE_Seek_Table* table, bool pollInterrupts,
                     RE_Observer* observer = nullptr);
-    /// The thread keeps the state unless that holds much.
-    ~RE_Thread_State();
+    ~RE_Thread_State() {
+        if (kept != nullptr) {
+            handBack();
+        }
+    }
     RE_Thread_State(const RE_Thread_State&) = delete;
     RE_Thread_State& operator=(const RE_Thread_State&) = delete;
 
     RE_Search_Info& info() { return *state; }
+    /// The search is over: the thread keeps the state, unless it holds much. Not to be called after an exception, which
+    /// leaves the state as it was somewhere within the search: then it is freed.
+    void keep() { isComplete = true; }
 
     /// Gives back what the calling thread keeps.
     static void release() noexcept;
@@ -38,7 +44,10 @@ private:
     /// A state that holds more is not kept, in bytes.
     static constexpr std::size_t mostKept = 4U << 20U;
 
+    void handBack() noexcept;
+
+    RE_Search_Info* kept;   // that of the thread, or null
+    RE_Search_Info* state;  // that, or the own one
+    bool isComplete = false;
     std::optional<RE_Search_Info> own;
-    RE_Search_Info* state;
-    int exceptions;
 };
