@@ -13,6 +13,7 @@
 #include <xbyak/xbyak_util.h>
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <memory>
 #include <span>
@@ -170,6 +171,7 @@ namespace {
 // Upper bounds of the size of the code, in bytes. The buffer in which it is written does not grow, as places in it are
 // referred to by address; code that did not fit would be refused by the assembler with an exception, and the pattern would
 // go without.
+constexpr std::size_t bytesOnStack = 16384;
 constexpr std::size_t bytesAnInstruction = 512;
 constexpr std::size_t bytesOfTheRest = 4096;
 constexpr std::size_t bytesOfATable = RE_Branch_Start::columns * sizeof(void*);
@@ -254,10 +256,15 @@ std::unique_ptr<RE_Machine_Code> RE_Machine_Code::make(const RE_Graph_Facts& fac
     if (facts.program.instructions.empty()) {
         return nullptr;
     }
+    // The code of most patterns fits on the stack.
+    std::array<std::byte, bytesOnStack> small;
     const std::size_t room = roomFor(facts.program);
-    const auto buffer = std::make_unique_for_overwrite<std::byte[]>(room);
+    std::unique_ptr<std::byte[]> large;
+    if (room > small.size()) {
+        large = std::make_unique_for_overwrite<std::byte[]>(room);
+    }
     try {
-        Assembler assembler(facts, {buffer.get(), room});
+        Assembler assembler(facts, {large != nullptr ? large.get() : small.data(), room});
         return assembler.gains(facts) ? assembler.place() : nullptr;
     } catch (const Xbyak::Error&) {
         return nullptr;

@@ -18,7 +18,7 @@
 namespace {
 
 /// The first unit at or after `unit` that is in the set; with `wanted` false, the first that is not. `end`
-/// where there is none before it. Looks at 64 units at a time.
+/// where there is none before it. Looks at 64 units at a time, and once at all those that are alike up to the last one.
 std::size_t nextUnit(const RE_Unit_Set& set, std::size_t unit, bool wanted,
                      std::size_t end = RE_Unit_Set::unitCount) {
     while (unit < end) {
@@ -26,6 +26,9 @@ std::size_t nextUnit(const RE_Unit_Set& set, std::size_t unit, bool wanted,
         const std::uint64_t after = bits >> (unit % 64);
         if (after != 0) {
             return std::min(unit + static_cast<std::size_t>(std::countr_zero(after)), end);
+        }
+        if (unit / 64 >= set.variedBlocks()) {
+            return end;
         }
         unit = (unit / 64 + 1) * 64;
     }
