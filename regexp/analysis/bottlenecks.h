@@ -6,6 +6,7 @@
 #pragma once
 
 #include "regexp/graph/meaning.h"
+#include "regexp/nodes/closed_body.h"
 #include "regexp/nodes/graph_context.h"
 
 #include <vector>
@@ -48,9 +49,13 @@ struct RE_Step_Reader {
     bool operator()(const RE_Meanings::Pass& node) const { return go(node.next, node.exit); }
     // The body of an atomic group consumes, so it is gone through; its end has no link to what follows, which
     // is therefore reached from the group itself. That way past the body does not exist, but allowing it is
-    // safe. The body of a lookaround consumes nothing that is part of the match.
+    // safe. The body of a lookaround consumes nothing that is part of the match; that of a lookahead with which the pattern
+    // ends is gone through all the same, as it follows every match, and ends the pattern.
     bool operator()(const RE_Meanings::Body& node) const {
-        return node.atomic != nullptr ? go(node.body, node.next) : go(node.next, node.otherwise);
+        if (node.atomic != nullptr) {
+            return go(node.body, node.next);
+        }
+        return node.look->isLast ? go(node.body) : go(node.next, node.otherwise);
     }
     // The text of a token is known to the search only, and so are the texts that the host makes.
     bool operator()(const RE_Meanings::Reference&) const { return false; }
@@ -59,7 +64,7 @@ struct RE_Step_Reader {
     bool operator()(const RE_Meanings::Host_Text&) const { return false; }
     // After the end of a body matching continues where its group leads, which the group has passed on
     // already.
-    bool operator()(const RE_Meanings::End& node) const { return node.ofBody; }
+    bool operator()(const RE_Meanings::End& node) const { return node.ofBody && !node.ofLast; }
 };
 
 /// `RE_Step_Reader` for one node. Does not go on from the nodes that it passes to `visit`.

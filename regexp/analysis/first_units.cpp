@@ -120,6 +120,11 @@ struct RE_First_Units::Reader {
             return;
         }
         const RE_Lookaround_Assertion& look = *node.look;
+        // Nothing is consumed after it: what it asks for is all that can follow.
+        if (look.isLast) {
+            first.follow(node.body);
+            return;
+        }
         const bool consumesAhead =
             !look.behind && !look.negative && look.glanceEnd != nullptr && look.glanceWidth != 0;
         if (!consumesAhead) {
@@ -137,7 +142,7 @@ struct RE_First_Units::Reader {
     void operator()(const Host_Text&) const { first.known = false; }
     // The end of a sub-pattern leads into a graph that the walk does not enter.
     void operator()(const End& node) const {
-        (node.ofBody ? first.endsBody : first.mayBeEmpty) = true;
+        (node.ofBody && !node.ofLast ? first.endsBody : first.mayBeEmpty) = true;
         first.known = first.known && node.continuation == nullptr;
     }
 };

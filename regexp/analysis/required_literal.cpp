@@ -8,6 +8,7 @@
 
 #include "regexp/analysis/bottlenecks.h"
 #include "regexp/analysis/prefix_scan.h"
+#include "regexp/nodes/closed_body.h"
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/links.h"
 #include "regexp/nodes/literal_set.h"
@@ -141,7 +142,8 @@ private:
     RE_Scratch_List<RE_Node*> pending;
 };
 
-/// The first literals on the ways from the root, outside of closed bodies. Not all of them are required.
+/// The first literals on the ways from the root, outside of closed bodies but for that of a last lookahead. Not all of them
+/// are required.
 RE_Scratch_List<RE_Node*> literalsFrom(RE_Graph_Context& context, RE_Node* root) {
     const std::uint32_t walk = context.nextWalk();
     RE_Scratch_List<RE_Node*> nodes(&context.scratch);
@@ -161,7 +163,11 @@ RE_Scratch_List<RE_Node*> literalsFrom(RE_Graph_Context& context, RE_Node* root)
             nodeAs<RE_Literal_Set>(node) != nullptr) {
             found.push_back(node);
         }
-        forEachWay(*node, follow);
+        if (const auto* const look = nodeAs<RE_Lookaround_Assertion>(node); look != nullptr && look->isLast) {
+            follow(look->body);
+        } else {
+            forEachWay(*node, follow);
+        }
     }
     return found;
 }

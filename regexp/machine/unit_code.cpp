@@ -160,6 +160,12 @@ void Unit_Code::unlessIn(const RE_Unit_Set& units, Label& target, bool wanted, b
     if (!tableIsLoaded) {
         loadTable(units);
     }
+    // Units beyond the words of the table are alike.
+    if (const std::size_t blocks = units.variedBlocks(); blocks < RE_Unit_Set::unitCount / 64) {
+        const bool holdsRest = units.contains(RE_Unit_Set::unitCount - 1);
+        cmp(eax, static_cast<std::uint32_t>(blocks * 64));
+        jae(holdsRest != wanted ? target : holds, T_NEAR);
+    }
     // A bit index in a register counts modulo 64: eax serves as it is.
     mov(spare, rax);
     shr(spare, 6);

@@ -12,6 +12,8 @@
 #include "regexp/nodes/can_seek.h"
 #include "regexp/units/unit_set.h"
 
+class RE_End_Of_Tree;
+
 /// Keeps what its body matched first: the choices of the body are dropped when it completes. Also the form of
 /// possessive loops over more than a unit.
 class CORVANE_REGEXP_EXPORT RE_Atomic : public RE_Node {
@@ -55,6 +57,10 @@ public:
     bool remembers = false;         ///< of a body that completed nothing is left but that it did
     std::uint64_t bodyMinimum = 0;  ///< bounds of what a look-behind body consumes
     std::uint64_t bodyMaximum = unboundedLength;
+
+    RE_End_Of_Tree* bodyEnd = nullptr;  ///< of a lookaround that is no condition
+    /// Looks ahead, has to hold, and ends the pattern: what the body consumes follows every match.
+    bool isLast = false;
 
     /// Where the row of tests that the body consists of ends; null when the body is more than such a row.
     const RE_Node* glanceEnd = nullptr;

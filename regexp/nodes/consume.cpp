@@ -40,6 +40,7 @@ RE_Consume::RE_Consume(RE_Graph_Context& context, RE_Consumable* repeated, std::
       maximum(most),
       lazy(order == Order::lazy),
       stops(context.sets.othersThan(*units)),
+      takesAll(units->holdsAllFrom(0)),
       reachRow(lazy ? context.nextMemoRow() : 0) {
     memoIndex = context.nextMemoRow();
     repeated->isItem = true;
@@ -58,6 +59,11 @@ const char16_t* RE_Consume::runEnd(const char16_t* p, std::uint64_t most, RE_Sea
 const char16_t* RE_Consume::scanOn(const char16_t* p, const char16_t* limit, RE_Search_Info& info) const {
     const char16_t* const start = p;
     p += shortRun;
+    // Nothing ends a run of all units: it has the steps of a scan, and need not be looked at.
+    if (takesAll && p < limit) {
+        p = limit;
+        info.pollScan();
+    }
     while (p < limit) {
         const std::uint64_t block =
             std::min<std::uint64_t>(static_cast<std::uint64_t>(limit - p), RE_SCAN_POLL_UNITS);

@@ -122,6 +122,7 @@ private:
     bool takeLonger(const char16_t* end, std::size_t limit, std::size_t& pos, RE_Search_Info& info) const;
 
     RE_Class_Scan stops;     // the units that end a run
+    bool takesAll;           // no unit does
     std::uint32_t reachRow;  // for a search to remember how far a lazy run was seen to go
 };
 template <>

@@ -17,5 +17,5 @@ RE_Meaning RE_Null::meaning() const {
 }
 
 RE_Meaning RE_End_Of_Tree::meaning() const {
-    return RE_Meanings::End{endsBody, continuation};
+    return RE_Meanings::End{endsBody, endsLast, continuation};
 }

@@ -43,6 +43,7 @@ public:
     // Null at the end of an outermost pattern, and at that of a body.
     RE_Node* continuation;  ///< never owned, never followed by walks
     bool endsBody;
+    bool endsLast = false;  ///< the body is that of a lookahead with which the pattern ends
 };
 template <>
 inline constexpr RE_Node_Kind kindOfNode<RE_End_Of_Tree> = RE_Node_Kind::end;

@@ -14,17 +14,21 @@
 //
 // `group` may be the repeat itself, for a possessive one: then the loop is built, as emitRepeat would close
 // it again.
-void RE_Graph_Builder::emitBody(std::uint32_t group, RE_Node** bodyLink, bool behind) {
+void RE_Graph_Builder::emitBody(std::uint32_t group, RE_Node** bodyLink, bool behind, RE_End_Of_Tree** end) {
     RE_Node** const outerTail = tail;
     const RE_Memo_Scope* const outerScope = scope;
     tail = bodyLink;
     scope = nullptr;
     ++bodyDepth;
-    then([this, behind, outerTail, outerScope] {
+    then([this, behind, end, outerTail, outerScope] {
         if (behind) {
             append(context.make<RE_End_Match>());
         }
-        append(context.make<RE_End_Of_Tree>(nullptr, true));
+        auto* const bodyEnd = context.make<RE_End_Of_Tree>(nullptr, true);
+        append(bodyEnd);
+        if (end != nullptr) {
+            *end = bodyEnd;
+        }
         tail = outerTail;
         scope = outerScope;
         --bodyDepth;
@@ -66,7 +70,7 @@ void RE_Graph_Builder::emitLook(std::uint32_t index) {
     RE_Lookaround_Assertion* const look = makeLook(index);
     *tail = look;
     tail = look->negative ? &look->failTarget : &look->nextNode;
-    emitBody(index, &look->body, look->behind);
+    emitBody(index, &look->body, look->behind, &look->bodyEnd);
 }
 
 // The condition is a token, an expression or a lookaround. Only the last has a body to build first; then

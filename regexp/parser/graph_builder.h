@@ -112,7 +112,8 @@ private:
     void emitConditional(std::uint32_t index);
     void emitConditionalBranches(std::uint32_t index, RE_Fail* condition, bool negative);
     RE_Lookaround_Assertion* makeLook(std::uint32_t index);
-    void emitBody(std::uint32_t group, RE_Node** bodyLink, bool behind);
+    /// `end` (may be null) is where the end of the body is noted.
+    void emitBody(std::uint32_t group, RE_Node** bodyLink, bool behind, RE_End_Of_Tree** end = nullptr);
 
     // repetition.cpp: loops, counters and copies
     void emitRepeat(std::uint32_t index);

@@ -107,7 +107,7 @@ struct RE_Syntax {
         0;  ///< tokens that it records, saturated; 0 where nothing in the pattern reads tokens
 };
 
-/// A bracket expression. Equal sets share their units, as each takes 8 KiB, but keep their own texts.
+/// A bracket expression. Equal sets share their units, but keep their own texts.
 struct RE_Syntax_Set {
     std::shared_ptr<const RE_Unit_Set> units;
     std::string text;  ///< as written, for labels

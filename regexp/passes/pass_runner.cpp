@@ -11,6 +11,7 @@
 #include "regexp/passes/check_graph.h"
 #include "regexp/passes/dot_star.h"
 #include "regexp/passes/glances.h"
+#include "regexp/passes/last_lookaheads.h"
 #include "regexp/passes/linear_subpatterns.h"
 #include "regexp/passes/null_nodes.h"
 #include "regexp/passes/possessive_loops.h"
@@ -34,6 +35,7 @@ constexpr Pass passes[] = {
     {RE_Stage::dot_star, &CompileOptions::optimizeDotStar, rewriteDotStar},
     {RE_Stage::dot_star, &CompileOptions::optimizeLinearSubpatterns, joinAlternations},
     {RE_Stage::dot_star, &CompileOptions::optimizeDotStar, findGlances},
+    {RE_Stage::dot_star, &CompileOptions::optimizeDotStar, findLastLookaheads},
     {RE_Stage::dot_star, &CompileOptions::optimizeDotStar, makeLoopsPossessive},
     {RE_Stage::dot_star, &CompileOptions::optimizeDotStar, chooseStartFinder},
 };

@@ -3,7 +3,52 @@
 #include "regexp/seek/set_pool.h"
 
 #include <algorithm>
+#include <mutex>
+#include <unordered_map>
 #include <utility>
+
+namespace {
+
+/// The large sets of all patterns: those of words and letters of all scripts, with a unit more or less, are in many of them.
+/// Owns nothing: a set goes with the last pattern that has it.
+class Sets_Of_Process {
+public:
+    /// Never destroyed, as patterns of static storage may be compiled at any time.
+    static Sets_Of_Process& get() {
+        static Sets_Of_Process& sets = *new Sets_Of_Process;
+        return sets;
+    }
+
+    std::shared_ptr<const RE_Unit_Set> share(std::shared_ptr<const RE_Unit_Set> units) {
+        const std::size_t hash = units->hash();
+        const std::scoped_lock held(lock);
+        const auto [first, last] = known.equal_range(hash);
+        for (auto it = first; it != last; ++it) {
+            const std::shared_ptr<const RE_Unit_Set> other = it->second.lock();
+            if (other != nullptr && *other == *units) {
+                return other;
+            }
+        }
+        if (known.size() >= mostKnown) {
+            std::erase_if(known, [](const auto& each) { return each.second.expired(); });
+            mostKnown = std::max(leastKnown, 2 * known.size());
+        }
+        known.emplace(hash, units);
+        return units;
+    }
+
+private:
+    static constexpr std::size_t leastKnown = 64;
+
+    std::mutex lock;
+    std::unordered_multimap<std::size_t, std::weak_ptr<const RE_Unit_Set>> known;
+    std::size_t mostKnown = leastKnown;
+};
+
+// Comparing with those of other patterns takes longer than making a small set.
+constexpr std::size_t blocksOfLarge = 64;
+
+}  // namespace
 
 std::shared_ptr<RE_Unit_Set> RE_Set_Pool::blank() {
     if (isSpareFree()) {
@@ -26,6 +71,9 @@ const RE_Class_Scan& RE_Set_Pool::othersThan(const RE_Unit_Set& units) {
 }
 
 std::shared_ptr<const RE_Unit_Set> RE_Set_Pool::share(std::shared_ptr<const RE_Unit_Set> units) {
+    if (units->variedBlocks() > blocksOfLarge && units.use_count() > 0) {
+        units = Sets_Of_Process::get().share(std::move(units));
+    }
     // While the sets are few, `known` is empty and `few` has all of them. From then on `few` only keeps its
     // sets alive.
     if (known.empty()) {

@@ -1,5 +1,5 @@
-// Sets of units that a pattern needs more than once are held once: each has 8 KiB to be allocated, cleared
-// and filled.
+// Sets of units that a pattern needs more than once are held once, and large ones that several patterns need, too: they
+// have up to 8 KiB.
 //
 // One pool serves one compilation, on one thread. Sets that it hands out for good are shared with the nodes
 // and outlive it; they are immutable from then on and may be read by any number of threads.
@@ -29,7 +29,7 @@ public:
     template <class Units>
     std::shared_ptr<RE_Unit_Set> copyOf(const Units& units, bool negated = false) {
         if (!isSpareFree()) {
-            spare = RE_Unit_Set::make(RE_Unit_Set::Unset());
+            spare = RE_Unit_Set::make();
         }
         spare->assign(units, negated);
         return spare;
@@ -37,8 +37,8 @@ public:
     /// A scan for the units outside of `units`, which must live as long as the pool: scans are found again
     /// by its address. The reference is valid until the next call.
     const RE_Class_Scan& othersThan(const RE_Unit_Set& units);
-    /// The first set that was shared and equals this one, so that equal sets of a pattern are one object. A
-    /// set that has been shared must not be changed.
+    /// The first set that was shared and equals this one, so that equal sets of a pattern are one object; of large sets,
+    /// those of all patterns. A set that has been shared must not be changed.
     std::shared_ptr<const RE_Unit_Set> share(std::shared_ptr<const RE_Unit_Set> units);
 
 private:

@@ -1,7 +1,6 @@
 // Sets by words of 64 units, and the tables of the host's answers.
 //
-// Each operation on sets keeps `varied` as low as is cheap, and never too low. "Unlike" words are those
-// before it, which may differ from the last word.
+// Trap: a set that stores all words has no word for the rest; what is after them may be read and has no meaning.
 #include "regexp/units/unit_set.h"
 
 #include "host/unit_class.h"
@@ -9,150 +8,163 @@
 #include <algorithm>
 #include <atomic>
 #include <bit>
-#include <cstring>
 #include <iterator>
 
-// A range that reaches the last unit makes all words after its first one ones, so those no longer vary.
+namespace {
+
+constexpr std::uint64_t allOnes = ~std::uint64_t{0};
+
+}  // namespace
+
+// Few sizes, so that a set that grows unit by unit is seldom copied.
+void RE_Unit_Set::reserve(std::size_t count) {
+    if (count <= room) {
+        return;
+    }
+    const std::size_t more = count <= 16 ? 16 : count <= 256 ? 256 : wordCount;
+    auto* const larger = static_cast<std::uint64_t*>(reAllocate((more + 1) * sizeof(std::uint64_t)));
+    std::copy_n(words, stored + 1, larger);
+    larger[more] = 0;
+    release();
+    words = larger;
+    isBorrowed = false;
+    room = static_cast<std::uint32_t>(more);
+}
+
+// Stores so many words at least. The set is the same.
+void RE_Unit_Set::extend(std::size_t count) {
+    if (count > stored) {
+        reserve(count);
+        std::fill(words + stored + 1, words + count + 1, rest());
+        stored = static_cast<std::uint32_t>(count);
+    }
+}
+
+// A range that reaches the last unit makes all words after its first one ones.
 void RE_Unit_Set::addRange(char16_t low, char16_t high) {
     if (low > high) {
         return;
     }
     const std::size_t first = low / 64;
     const std::size_t last = high / 64;
-    const std::uint64_t fromLow = ~std::uint64_t{0} << (low % 64);
-    const std::uint64_t toHigh = ~std::uint64_t{0} >> (63 - high % 64);
+    const std::uint64_t fromLow = allOnes << (low % 64);
+    const std::uint64_t toHigh = allOnes >> (63 - high % 64);
+    if (high == unitCount - 1) {
+        extend(first + 1);
+        words[first] |= fromLow;
+        if (first + 1 < wordCount) {
+            stored = static_cast<std::uint32_t>(first + 1);
+            words[stored] = allOnes;
+        }
+        return;
+    }
+    extend(last + 1);
     if (first == last) {
         words[first] |= fromLow & toHigh;
     } else {
         words[first] |= fromLow;
-        std::fill(words + first + 1, words + last, ~std::uint64_t{0});
+        std::fill(words + first + 1, words + last, allOnes);
         words[last] |= toHigh;
     }
-    varied = high == unitCount - 1 ? first + 1 : std::max(varied, last + 1);
 }
 
-// The two words may differ from the rest afterwards; whether they do is not tested, as `varied` need not be
-// exact.
 void RE_Unit_Set::add(const RE_Low_Units& units) {
+    extend(units.words.size());
     for (std::size_t i = 0; i < units.words.size(); ++i) {
         words[i] |= units.words[i];
     }
-    varied = std::max(varied, units.words.size());
 }
 
 void RE_Unit_Set::remove(const RE_Low_Units& units) {
+    extend(units.words.size());
     for (std::size_t i = 0; i < units.words.size(); ++i) {
         words[i] &= ~units.words[i];
     }
-    varied = std::max(varied, units.words.size());
 }
 
-// Writes all words, also those of a set without a value. The last word is never unlike itself.
 void RE_Unit_Set::assign(const RE_Unit_Set& other, bool negated) {
-    const std::uint64_t turned = negated ? ~std::uint64_t{0} : 0;
-    const std::uint64_t others = other.rest() ^ turned;
-    const std::size_t unlike = std::min(other.varied, wordCount - 1);
-    for (std::size_t i = 0; i < unlike; ++i) {
+    const std::uint64_t turned = negated ? allOnes : 0;
+    clear();
+    reserve(other.stored);
+    stored = other.stored;
+    for (std::size_t i = 0; i <= stored; ++i) {
         words[i] = other.words[i] ^ turned;
     }
-    std::fill(words + unlike, words + wordCount, others);
-    varied = other.varied;
 }
 
 void RE_Unit_Set::assign(const RE_Low_Units& units, bool negated) {
-    const std::uint64_t turned = negated ? ~std::uint64_t{0} : 0;
+    const std::uint64_t turned = negated ? allOnes : 0;
+    stored = static_cast<std::uint32_t>(units.words.size());
     std::transform(units.words.begin(), units.words.end(), words,
                    [turned](std::uint64_t word) { return word ^ turned; });
-    std::memset(words + units.words.size(), negated ? 0xFF : 0, sizeof(words) - sizeof(units.words));
-    varied = units.words.size();
+    words[stored] = turned;
 }
 
-// `fills`: the other set holds all units from some word on. `full`: this one does. In either case the words
-// from there on are known without a look.
+// Where either set holds all units from some word on, the words from there on are known without a look.
 void RE_Unit_Set::addAll(const RE_Unit_Set& other) {
-    if (varied == 0 && rest() == 0) {
-        assign(other, false);
-        return;
+    const bool isFull = !storesAll() && rest() != 0;
+    const bool fills = !other.storesAll() && other.rest() != 0;
+    if (!isFull) {
+        extend(other.stored);
     }
-    const bool fills = other.varied < wordCount && other.rest() != 0;
-    const bool full = varied < wordCount && rest() != 0;
-    const std::size_t unlike = fills ? wordCount : other.varied;
-    const std::size_t touched =
-        full ? std::min(varied, unlike) : unlike;  // the other words hold all units already
-    for (std::size_t i = 0; i < touched; ++i) {
+    const std::size_t common = std::min(stored, other.stored);
+    for (std::size_t i = 0; i < common; ++i) {
         words[i] |= other.words[i];
     }
-    if (fills) {
-        varied = full ? std::min(varied, other.varied) : other.varied;
-    } else if (!full) {
-        varied = std::max(varied, other.varied);
+    if (fills && other.stored <= stored) {
+        stored = other.stored;
+        words[stored] = allOnes;
     }
 }
 
-// Four words a turn: most pairs of sets have nothing in common, and are looked through to the end.
+// Where the set that stores less is empty from there on, nothing more is in both; where it is full, all of the other one is.
 bool RE_Unit_Set::meets(const RE_Unit_Set& other) const {
-    // Where one of them has ended the other one meets nothing.
-    const bool ends = varied < wordCount && rest() == 0;
-    const bool otherEnds = other.varied < wordCount && other.rest() == 0;
-    const std::size_t most = comparedWith(other);
-    const std::size_t compared = std::min(ends ? varied : most, otherEnds ? other.varied : most);
-    const auto common = [&](std::size_t i) { return words[i] & other.words[i]; };
-    std::size_t i = 0;
-    for (; i + 4 <= compared; i += 4) {
-        if ((common(i) | common(i + 1) | common(i + 2) | common(i + 3)) != 0) {
+    const RE_Unit_Set& longer = stored < other.stored ? other : *this;
+    const RE_Unit_Set& shorter = stored < other.stored ? *this : other;
+    for (std::size_t i = 0; i < shorter.stored; ++i) {
+        if ((words[i] & other.words[i]) != 0) {
             return true;
         }
     }
-    for (; i < compared; ++i) {
-        if (common(i) != 0) {
-            return true;
-        }
-    }
-    return false;
+    return !shorter.storesAll() && shorter.rest() != 0 && longer.holdsAnyFrom(shorter.stored * std::size_t{64});
 }
 
 void RE_Unit_Set::negate() {
-    const std::uint64_t others = ~rest();
-    const std::size_t unlike = std::min(varied, wordCount - 1);
-    for (std::size_t i = 0; i < unlike; ++i) {
+    for (std::size_t i = 0; i <= stored; ++i) {
         words[i] = ~words[i];
     }
-    std::fill(words + unlike, words + wordCount, others);
 }
 
-// Words from `varied` on are zero already, unless they are ones.
-void RE_Unit_Set::clear() {
-    std::fill_n(words, rest() != 0 ? wordCount : varied, 0);
-    varied = 0;
-}
-
-// Looks at all words. Sizes matter when finders are chosen and for labels, never while a search runs.
+// Sizes matter when finders are chosen and for labels, never while a search runs.
 std::size_t RE_Unit_Set::sizeFrom(std::size_t first) const {
     std::size_t count = 0;
-    for (std::size_t word = first / 64; word < wordCount; ++word) {
+    for (std::size_t word = first / 64; word < stored; ++word) {
         count += static_cast<std::size_t>(std::popcount(words[word]));
     }
-    return count;
+    const std::size_t others = wordCount - std::max<std::size_t>(stored, first / 64);
+    return count + (storesAll() || rest() == 0 ? 0 : others * 64);
 }
 
-// `comparedWith(*this)` words and at least one from `first` on: the words after them repeat the last.
 bool RE_Unit_Set::holdsAnyFrom(std::size_t first) const {
-    return std::any_of(words + first / 64, words + std::max(first / 64 + 1, comparedWith(*this)),
-                       [](std::uint64_t word) { return word != 0; });
+    const std::size_t begin = std::min<std::size_t>(first / 64, stored);
+    return (!storesAll() && rest() != 0) ||
+           std::any_of(words + begin, words + stored, [](std::uint64_t word) { return word != 0; });
 }
 
 bool RE_Unit_Set::holdsAllFrom(std::size_t first) const {
-    return std::all_of(words + first / 64, words + std::max(first / 64 + 1, comparedWith(*this)),
-                       [](std::uint64_t word) { return word + 1 == 0; });
+    const std::size_t begin = std::min<std::size_t>(first / 64, stored);
+    return (storesAll() || rest() != 0) &&
+           std::all_of(words + begin, words + stored, [](std::uint64_t word) { return word == allOnes; });
 }
 
-// The exact value of `varied`: sets that are equal have the same.
+// The least number of words that can be stored: sets that are equal have the same.
 std::size_t RE_Unit_Set::leastVaried() const {
-    if (rest() + 1 > 1) {  // neither 0 nor all ones
+    const std::uint64_t last = bits(wordCount - 1);
+    if (last != 0 && last != allOnes) {
         return wordCount;
     }
-    std::size_t count = varied;
-    while (count > 0 && words[count - 1] == rest()) {
+    std::size_t count = stored;
+    while (count > 0 && words[count - 1] == last) {
         --count;
     }
     return count;
@@ -164,7 +176,7 @@ std::size_t RE_Unit_Set::hash() const {
         return (std::rotl(before, 7) ^ word) * 0x9E3779B97F4A7C15u;
     };
     // Every fourth word goes the same way: a multiplication need not wait for the one before.
-    std::uint64_t ways[4] = {count < wordCount ? rest() : 0};
+    std::uint64_t ways[4] = {count < wordCount ? bits(wordCount - 1) : 0};
     std::size_t i = 0;
     for (; i + std::size(ways) <= count; i += std::size(ways)) {
         for (std::size_t way = 0; way < std::size(ways); ++way) {
@@ -178,9 +190,14 @@ std::size_t RE_Unit_Set::hash() const {
     return static_cast<std::size_t>(mixed ^ (mixed >> 32));
 }
 
-// One word past those that vary stands for all the rest of both sets.
 bool RE_Unit_Set::operator==(const RE_Unit_Set& other) const {
-    return std::equal(words, words + comparedWith(other), other.words);
+    const RE_Unit_Set& longer = stored < other.stored ? other : *this;
+    const RE_Unit_Set& shorter = stored < other.stored ? *this : other;
+    const std::uint64_t last = shorter.bits(wordCount - 1);
+    return std::equal(words, words + shorter.stored, other.words) &&
+           std::all_of(longer.words + shorter.stored, longer.words + longer.stored,
+                       [last](std::uint64_t word) { return word == last; }) &&
+           longer.bits(wordCount - 1) == last;
 }
 
 // Filled by whichever thread comes first; the others wait for it. So is every table below.
@@ -273,7 +290,8 @@ std::size_t RE_Unit_Classes::numberOf(const RE_Unit_Set& set) {
 }
 
 const RE_Unit_Classes& RE_Unit_Classes::get() {
-    static const RE_Unit_Classes classes;
+    static Storage storage;
+    static const RE_Unit_Classes classes(storage);
     return classes;
 }
 
@@ -301,7 +319,13 @@ static_assert(sizeof(RE_Unit_Classes) == RE_Unit_Classes::count * sizeof(RE_Unit
 
 // The underscore is a word unit whatever the host says. Released last: `numberOf` may be called by other
 // threads meanwhile.
-RE_Unit_Classes::RE_Unit_Classes() {
+RE_Unit_Classes::RE_Unit_Classes(Storage& storage)
+    : digits(storage[0]),
+      spaces(storage[1]),
+      words(storage[2]),
+      noDigits(storage[3]),
+      noSpaces(storage[4]),
+      noWords(storage[5]) {
     digits.addWhere([](char16_t unit) { return cvu_isdigit(unit); });
     spaces.addWhere([](char16_t unit) { return cvu_isspace(unit); });
     words.addWhere([](char16_t unit) { return cvu_isalnum(unit) || unit == u'_'; });

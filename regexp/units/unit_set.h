@@ -45,52 +45,67 @@ struct RE_Low_Units {
     std::array<std::uint64_t, unitCount / 64> words{};
 };
 
-/// A set of units: one bit for each of the 65,536. From some place on most sets hold all units or none: they
-/// know that place, so that building and comparing them looks at what precedes it only.
+/// A set of units: one bit for each of the 65,536, as far as they differ. From some place on most sets hold all units or
+/// none: words up to that place are stored, and one that stands for all the rest. Sets of ASCII units and their complements
+/// lie within the object.
 ///
-/// Invariant: all words from number `varied` on are equal to the last word, and if `varied` is less than the
-/// number of words that is 0 or all ones. `varied` may be greater than necessary, never less: equal sets may
-/// differ in it, so comparing and hashing do not depend on it.
-///
-/// 8 KiB: share it, and keep it off the native stack where there are many.
+/// Invariant: `stored` words are followed by one, which is 0 or all ones, that all further words are equal to; a set that
+/// stores all words has none that follows. More words may be stored than necessary: equal sets may differ in it, so comparing
+/// and hashing do not depend on it.
 class CORVANE_REGEXP_EXPORT RE_Unit_Set : public RE_Memory {
 public:
     static constexpr std::size_t unitCount = 0x10000;
-    /// Says that a set is left without a value until something is assigned to it: clearing 8 KiB would be for
-    /// nothing.
-    struct Unset {};
 
-    RE_Unit_Set() : words{} {}
-    explicit RE_Unit_Set(Unset) {}
+    RE_Unit_Set() = default;
+    /// An empty set in storage that outlives it: tables of the process are not from the host's memory.
+    using Storage = std::array<std::uint64_t, unitCount / 64 + 1>;
+    explicit RE_Unit_Set(Storage& storage) : words(storage.data()), room(wordCount), isBorrowed(true) {
+        clear();
+    }
+    RE_Unit_Set(const RE_Unit_Set& other) { assign(other, false); }
+    RE_Unit_Set& operator=(const RE_Unit_Set& other) {
+        if (this != &other) {
+            assign(other, false);
+        }
+        return *this;
+    }
+    ~RE_Unit_Set() {
+        release();
+    }
 
     /// An empty set to be shared, from the host's memory.
     static std::shared_ptr<RE_Unit_Set> make() {
         return std::allocate_shared<RE_Unit_Set>(RE_Allocator<RE_Unit_Set>());
     }
 
-    static std::shared_ptr<RE_Unit_Set> make(Unset unset) {
-        return std::allocate_shared<RE_Unit_Set>(RE_Allocator<RE_Unit_Set>(), unset);
-    }
-
-    /// One load, one shift: the match loop does little else with sets.
+    /// A comparison, a load and a shift: the match loop does little else with sets.
     bool contains(char16_t unit) const {
         const std::uint32_t wide = unit;  // narrow arithmetic costs an instruction more
-        return (words[wide >> 6] >> (wide & 63) & 1) != 0;
+        const std::uint32_t block = wide >> 6;
+        return (words[block < stored ? block : stored] >> (wide & 63) & 1) != 0;
     }
     void add(char16_t unit) {
-        words[unit >> 6] |= std::uint64_t{1} << (unit & 63);
-        varied = varied > unit >> 6 ? varied : static_cast<std::size_t>(unit >> 6) + 1;
+        const std::size_t block = unit >> 6;
+        if (block >= stored) {
+            if (words[stored] != 0) {
+                return;
+            }
+            extend(block + 1);
+        }
+        words[block] |= std::uint64_t{1} << (unit & 63);
     }
     void addRange(char16_t low, char16_t high);
     void add(const RE_Low_Units& units);
     void remove(const RE_Low_Units& units);
-    /// Makes this the set of the same units, or of those that are not in the other one. The old value does
-    /// not matter.
+    /// Makes this the set of the same units, or of those that are not in the other one.
     void assign(const RE_Unit_Set& other, bool negated);
     void assign(const RE_Low_Units& units, bool negated);
     void addAll(const RE_Unit_Set& other);
     void negate();
-    void clear();
+    void clear() {
+        stored = 0;
+        words[0] = 0;
+    }
     /// Whether some unit is in both. Stops at the first, and where one of the sets has ended.
     bool meets(const RE_Unit_Set& other) const;
     std::size_t size() const { return sizeFrom(0); }
@@ -102,15 +117,16 @@ public:
     /// Equal sets have equal hashes. For sharing sets within a process: not the same on every machine.
     std::size_t hash() const;
     /// The 64 units at or above 64 * `block`, one bit each, the first one lowest.
-    std::uint64_t bits(std::size_t block) const { return words[block]; }
-    /// All words in order. Machine code refers to them by address: it must not outlive the set.
+    std::uint64_t bits(std::size_t block) const { return words[block < stored ? block : stored]; }
+    /// The stored words in order, `variedBlocks` of them, and the one for the rest. Machine code refers to them by address:
+    /// it must not outlive the set, which must not be changed any more.
     const std::uint64_t* table() const { return words; }
     /// At and above this block of 64 units all have the bits of the last block: none, or all.
-    std::size_t variedBlocks() const { return varied; }
+    std::size_t variedBlocks() const { return stored; }
     bool operator==(const RE_Unit_Set& other) const;
 
-    template <class Predicate>
     /// Adds all units for which `predicate` holds. Calls it for each unit.
+    template <class Predicate>
     void addWhere(Predicate predicate) {
         for (std::size_t unit = 0; unit < unitCount; ++unit) {
             if (predicate(static_cast<char16_t>(unit))) {
@@ -121,18 +137,25 @@ public:
 
 private:
     static constexpr std::size_t wordCount = unitCount / 64;
+    static constexpr std::uint32_t ownWords = 2;
 
-    std::uint64_t rest() const { return words[wordCount - 1]; }
+    bool storesAll() const { return stored == wordCount; }
+    /// What all words from the last stored one on are, where some are not stored.
+    std::uint64_t rest() const { return words[stored]; }
     std::size_t leastVaried() const;
-    /// So many words decide about both sets: the words after them repeat the last of them.
-    std::size_t comparedWith(const RE_Unit_Set& other) const {
-        const std::size_t most = varied > other.varied ? varied : other.varied;
-        return most < wordCount ? most + 1 : wordCount;
+    void reserve(std::size_t count);
+    void extend(std::size_t count);
+    void release() noexcept {
+        if (words != own && !isBorrowed) {
+            reRelease(words, (room + 1) * sizeof(std::uint64_t));
+        }
     }
 
-    std::uint64_t words[wordCount];
-    /// Words that may differ from the last one, which is 0 or all ones unless this is all of them.
-    std::size_t varied = 0;
+    std::uint64_t* words = own;
+    std::uint32_t stored = 0;
+    std::uint32_t room = ownWords;  ///< so many words can be stored, besides the one for the rest
+    bool isBorrowed = false;        ///< `words` are neither `own` nor from the host
+    std::uint64_t own[ownWords + 1] = {};
 };
 
 /// The host's simple case mapping, unit by unit. Literals that ignore case compare lower-case forms.
@@ -181,7 +204,8 @@ private:
 
     char16_t lowerOf[RE_Unit_Set::unitCount];
     char16_t upperOf[RE_Unit_Set::unitCount];
-    RE_Unit_Set foldTargets;
+    RE_Unit_Set::Storage foldTargetWords;
+    RE_Unit_Set foldTargets{foldTargetWords};
     Forms lowerForms;  ///< of the units with case, by their form
     Forms upperForms;
 };
@@ -212,7 +236,8 @@ struct CORVANE_REGEXP_EXPORT RE_Unit_Classes {
     RE_Unit_Set noWords;
 
 private:
-    RE_Unit_Classes();
+    using Storage = std::array<RE_Unit_Set::Storage, count>;
+    explicit RE_Unit_Classes(Storage& storage);
 };
 
 /// Whether a unit counts as part of a word: the class that the word anchors and `\w` share.
