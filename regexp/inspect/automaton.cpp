@@ -2,7 +2,6 @@
 // judged linear has to be linear.
 #include "regexp/inspect/automaton.h"
 
-#include "regexp/dfa/node_literals.h"
 #include "regexp/graph/graph_facts.h"
 #include "regexp/graph/meaning.h"
 #include "regexp/nodes/closed_body.h"
