@@ -109,8 +109,8 @@ public:
     std::size_t variedBlocks() const { return varied; }
     bool operator==(const RE_Unit_Set& other) const;
 
-    template <class Predicate>
     /// Adds all units for which `predicate` holds. Calls it for each unit.
+    template <class Predicate>
     void addWhere(Predicate predicate) {
         for (std::size_t unit = 0; unit < unitCount; ++unit) {
             if (predicate(static_cast<char16_t>(unit))) {
