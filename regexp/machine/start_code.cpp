@@ -33,7 +33,7 @@ constexpr int tried = 4;  // one by one before vectors are
 constexpr int triedBeforeMasks = 2;
 
 const RE_Prefix_Scan* prefixesOf(const RE_Node* root) {
-    const auto* const seeker = dynamic_cast<const StringPrefixSeeker*>(root);
+    const auto* const seeker = nodeAs<StringPrefixSeeker>(root);
     return seeker != nullptr ? seeker->finder.prefixScan() : nullptr;
 }
 
@@ -124,7 +124,7 @@ void Start_Code::emitNextStart() {
 // Looks for a start from `p` on, by the finder of the pattern. A scan counts as many steps as one by the
 // root. Finders that are not written out here return at once, and the root seeks each time.
 void Start_Code::emitSeek() {
-    const auto* const seeker = dynamic_cast<const StringStringSeeker*>(root);
+    const auto* const seeker = nodeAs<StringStringSeeker>(root);
     const std::optional<char16_t> alone = scansWideVectors ? onlyUnit(facts.start.units) : std::nullopt;
     // A single unit is looked for like a literal of that unit: two vectors at a time in place of one.
     if (alone) {

@@ -124,5 +124,3 @@ private:
     RE_Class_Scan stops;     // the units that end a run
     std::uint32_t reachRow;  // for a search to remember how far a lazy run was seen to go
 };
-template <>
-inline constexpr RE_Node_Kind kindOfNode<RE_Consume> = RE_Node_Kind::run;

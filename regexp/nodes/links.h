@@ -20,7 +20,7 @@ void forEachLink(RE_Node& node, Visit visit) {
         void link(RE_Node*& target, RE_Link kind) override { call(target, kind); }
         Visit& call;
     };
-    if ((node.classes & RE_Asked_Classes::bit<RE_Unit_Test>()) != 0) {
+    if ((node.classes & RE_Node_Classes::bit<RE_Unit_Test>()) != 0) {
         visit(node.nextNode, RE_Link::next);
         visit(static_cast<RE_Consumable&>(node).failTarget, RE_Link::fail);
         return;
