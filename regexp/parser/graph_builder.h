@@ -102,6 +102,7 @@ private:
     void emitText(const RE_Syntax& item);
     std::size_t emitJoined(const char16_t* units, std::size_t count);
     void emitReference(const RE_Syntax& item);
+    template <class OfLines, class OfText>
     void emitAnchor(const RE_Syntax& item);
     RE_Node* makeDynamicNode(const RE_Syntax& item);
     const std::u16string& nameOf(const RE_Syntax& item) const;
