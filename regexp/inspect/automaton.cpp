@@ -52,13 +52,6 @@ bool sharesBody(const RE_Meanings::Count& fixed) {
            });
 }
 
-/// No unit is accepted there, only the limit of the subject.
-bool isNobody(const RE_Meanings::Side& side) {
-    bool accepts = side.isAny();
-    side.visitAccepted([&accepts](const auto&) { accepts = true; });
-    return !accepts;
-}
-
 }  // namespace
 
 bool RE_Automaton::Way_Order::operator()(const Way& a, const Way& b) const {
@@ -190,8 +183,7 @@ struct RE_Automaton::Reader {
         }
     }
     void operator()(const RE_Meanings::Edge& node) const {
-        const bool onlyAtBegin = node.before.holdsAtLimit() && isNobody(node.before);
-        followTest(onlyAtBegin && from != begin ? nullptr : node.next, node.otherwise);
+        followTest(node.before.isLimit() && from != begin ? nullptr : node.next, node.otherwise);
     }
     void operator()(const RE_Meanings::Mark& node) const { follow(node.next); }
     void operator()(const RE_Meanings::Choice& node) const {
