@@ -218,8 +218,8 @@ std::size_t RE_Graph_Builder::emitJoined(const char16_t* units, std::size_t coun
         append(string);
         --context.nodeCount;
     }
-    // The numbers that nodes for the units would have got are left out, so that nodes are numbered alike
-    // whether strings are made here or by the pass.
+    // The numbers that nodes for the units would have got are left out, so that most nodes have the same
+    // number whether strings are made here or by the pass.
     context.nodeCount += count;
     string->append(units, count);
     return count;
