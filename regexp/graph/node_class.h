@@ -92,14 +92,14 @@ struct RE_Class_Row {
     static constexpr RE_Node_Kind kind = classKind;
 };
 
-/// Each row has a bit.
+/// Each row has a bit. All answers are constants, however little is optimised.
 template <class... Rows>
 struct RE_Class_Table {
     static_assert(sizeof...(Rows) <= 8 * sizeof(RE_Class_Bits));
 
     /// One for each class of the table that `Node` is or derives from.
     template <class Node>
-    static constexpr RE_Class_Bits bitsOf() {
+    static consteval RE_Class_Bits bitsOf() {
         RE_Class_Bits bits = 0;
         RE_Class_Bits bit = 1;
         ((bits |= std::is_base_of_v<typename Rows::Class, Node> ? bit : 0, bit <<= 1), ...);
@@ -107,7 +107,7 @@ struct RE_Class_Table {
     }
     /// That of a class of the table.
     template <class Asked>
-    static constexpr RE_Class_Bits bit() {
+    static consteval RE_Class_Bits bit() {
         static_assert((std::is_same_v<typename Rows::Class, Asked> || ...),
                       "not in the table of classes that can be asked about");
         RE_Class_Bits bits = 0;
@@ -117,7 +117,7 @@ struct RE_Class_Table {
     }
     /// The kind of nodes of exactly this class, and of none that derives from it.
     template <class Node>
-    static constexpr RE_Node_Kind kindOf() {
+    static consteval RE_Node_Kind kindOf() {
         RE_Node_Kind kind = RE_Node_Kind::other;
         ((kind = std::is_same_v<typename Rows::Class, Node> ? Rows::kind : kind), ...);
         return kind;
