@@ -2,6 +2,7 @@
 //
 // Equal answers are tested elsewhere. Here is whether a rewrite happens at all: one that silently stopped happening
 // would cost time and fail no other test. A change to a pass is expected to change rows of this table.
+#include "tests/support/case_file.h"
 #include "tests/support/engine_run.h"
 #include "tests/support/pattern_random.h"
 #include "tests/support/text.h"
@@ -16,6 +17,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <map>
 #include <set>
 #include <sstream>
 
@@ -119,39 +121,76 @@ TEST(Passes, HaveARunGiveBackWhatAConditionMayLeadPast) {
     EXPECT_FALSE(givesBackOnes(u"1*(?(?!a)b)")) << "the way past the branch needs an a";
 }
 
-/// The lines of a graph without the numbers of the nodes, which follow the order in which they were made.
-std::vector<std::string> sortedLines(const std::string& text) {
-    static const RE_Tree number(u"\\<n\\d+\\>", false);
-    static const RE_Replace bare(u"n");
+/// A graph in the order in which its links lead to the nodes: equal for graphs of the same nodes and links, however the
+/// nodes are numbered. The lines of the text are `n1 [label="..."];` and `n1 -> n2 [...];`.
+std::string inOrderOfLinks(const std::string& text) {
+    std::map<std::string, std::vector<std::string>> lines;  // of each node, what follows its number
     std::istringstream stream(text);
-    std::vector<std::string> lines;
     for (std::string line; std::getline(stream, line);) {
-        const std::u16string named = bare.replace(std::u16string(line.begin(), line.end()), number, false, 0);
-        lines.push_back(printable(named));
+        std::istringstream words(line);
+        std::string node;
+        std::string rest;
+        words >> node >> std::ws;
+        std::getline(words, rest);
+        lines[node].push_back(rest);
     }
-    std::ranges::sort(lines);
-    return lines;
+    std::vector<std::string> met{"start"};
+    std::string out;
+    for (size_t at = 0; at < met.size(); ++at) {
+        for (const std::string& line : std::vector<std::string>(lines[met[at]])) {
+            if (!line.starts_with("-> ")) {
+                out += line + '\n';
+                continue;
+            }
+            const size_t end = line.find_first_of(" ;", 3);
+            const std::string target = line.substr(3, end - 3);
+            const auto known = std::ranges::find(met, target);
+            out += std::to_string(known - met.begin()) + line.substr(end) + '\n';
+            if (known == met.end()) met.push_back(target);
+        }
+    }
+    return out;
+}
+
+/// All patterns of the tables under their flags, and drawn ones.
+std::vector<DrawnPattern> manyPatterns() {
+    std::set<std::pair<std::u16string, RE_Flags>> patterns;
+    for (const char* table : {"tokens", "repetition", "closed_bodies", "conditions", "anchors", "units", "searching",
+                              "malformed", "differences"}) {
+        for (const MatchCase& match : readCaseFile(std::string(CORVANE_TEST_DATA_DIR "/") + table + ".txt")) {
+            patterns.emplace(match.pattern, match.flags);
+        }
+    }
+    PatternSource source(5);
+    for (size_t count = 0; count < 1500; ++count) {
+        const DrawnPattern drawn = count % 2 == 0 ? source.draw() : source.drawDense();
+        patterns.emplace(drawn.text, drawn.flags);
+    }
+    for (const char16_t* pattern : {u"ab\\0cd(?:ef)g+hi(?i:-j)kl", u"(?:abc){3}d(?:e|fg)hi", u"a(?i:b-)--c",
+                                    u"x(?=ab)cd", u"(?:a+)+b|(?:(?:[ab]+)+)*c", u"(?:b|x*?)b|(?:|\\d{0,5}?)y",
+                                    u"a?(?:b|.|c)d", u"x{2,}?y{0,3}z{4,40}+(?:a+?){2,}(?<=b{3,}?)[cd]?+"}) {
+        patterns.emplace(pattern, kEmptyToo);
+    }
+    std::vector<DrawnPattern> all;
+    for (const auto& [text, flags] : patterns) all.push_back({text, flags});
+    return all;
 }
 
 // The parser makes literals strings, and loops over one unit runs, from the beginning, unless the stages are watched.
-// Then passes do the same later, and both have to make one graph.
+// Then passes do the same later, and both have to make one graph. Only the numbers may differ.
 TEST(Passes, MakeTheSameGraphWhetherOrNotTheStagesAreWatched) {
-    PatternSource source(5);
-    std::vector<std::u16string> patterns{u"ab\\0cd(?:ef)g+hi(?i:-j)kl",
-                                         u"(?:abc){3}d(?:e|fg)hi",
-                                         u"a(?i:b-)--c",
-                                         u"x(?=ab)cd",
-                                         u"(?:a+)+b|(?:(?:[ab]+)+)*c",
-                                         u"(?:b|x*?)b|(?:|\\d{0,5}?)y",
-                                         u"a?(?:b|.|c)d",
-                                         u"x{2,}?y{0,3}z{4,40}+(?:a+?){2,}(?<=b{3,}?)[cd]?+"};
-    for (int count = 0; count < 500; ++count) patterns.push_back(source.pattern());
-    for (const std::u16string& pattern : patterns) {
-        RE_Context context;
-        const RE_Tree tree(pattern.data(), pattern.size(), 0x32, &context);
-        const std::string watched =
-            RE_Tree::graphAfter(RE_Stage::dot_star, pattern.data(), pattern.size(), 0x32, &context);
-        ASSERT_EQ(sortedLines(watched), sortedLines(tree.graph())) << printable(pattern);
+    const std::vector<DrawnPattern> patterns = manyPatterns();
+    ASSERT_GT(patterns.size(), 2000U);
+    for (const EngineConfig& config : {kAll, kLinear, EngineConfig{false, true, true, 0, false}}) {
+        Corvane::regexp::CompileOptions options;
+        RE_Context context(configured(options, config));
+        for (const auto& [pattern, flags] : patterns) {
+            const RE_Tree tree(pattern.data(), pattern.size(), flags, &context);
+            const std::string watched =
+                RE_Tree::graphAfter(RE_Stage::dot_star, pattern.data(), pattern.size(), flags, &context);
+            ASSERT_EQ(inOrderOfLinks(watched), inOrderOfLinks(tree.graph()))
+                << printable(pattern) << " under " << config;
+        }
     }
 }
 

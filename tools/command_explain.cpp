@@ -54,11 +54,11 @@ std::string startText(const RE_Tree& tree) {
 // because backtracking there could not help (`couldNotHelp`).
 void printPossessiveLoops(const RE_Tree& tree) {
     for (const RE_Node* node : tree.getFacts().nodes) {
-        if (dynamic_cast<const RE_Atomic*>(node) != nullptr) {
+        if (nodeAs<RE_Atomic>(node) != nullptr) {
             std::cout << "Gives nothing back: " << nodeText(node)
                       << ", since it is atomic or a possessive loop\n";
         }
-        const auto* const loop = dynamic_cast<const RE_Consume*>(node);
+        const auto* const loop = nodeAs<RE_Consume>(node);
         if (loop == nullptr || !loop->possessive) continue;
         std::cout << "Gives nothing back: " << nodeText(loop) << " of " << nodeText(loop->item) << ", since "
                   << (loop->couldNotHelp ? "what follows cannot begin with such a unit\n"

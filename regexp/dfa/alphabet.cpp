@@ -1,12 +1,17 @@
 // Refines a partition of the units: each set that a pattern tests splits the letters that it divides. Units of one letter
 // are alike to every node, so one example stands for all of them.
+//
+// Two units are of one side when every set that is tested in front of a position, or after it, holds both or neither. The
+// begin of the subject is a side of its own.
 #include "regexp/dfa/alphabet.h"
 
-#include "regexp/dfa/node_literals.h"
 #include "regexp/graph/graph_facts.h"
 #include "regexp/graph/meaning.h"
+#include "regexp/nodes/literal_set.h"
+#include "regexp/nodes/string.h"
 
 #include <algorithm>
+#include <map>
 #include <set>
 #include <utility>
 
@@ -40,7 +45,35 @@ int strangeness(char16_t unit) {
     return unit == u' ' ? 2 : (unit >= 0xA0 && unit < 0xD800 ? 3 : 4);
 }
 
+RE_Unit_Set acceptedBy(const RE_Meanings::Side& side) {
+    struct Gather {
+        RE_Unit_Set& set;
+        void operator()(char16_t unit) const { set.add(unit); }
+        void operator()(const RE_Unit_Set& units) const { set.addAll(units); }
+        void operator()(const RE_Consumable& test) const { test.addUnitsTo(set); }
+    };
+    RE_Unit_Set set;
+    side.visitAccepted(Gather{set});
+    return set;
+}
+
 }  // namespace
+
+RE_Node_Literals literalsOf(const RE_Node* node) {
+    const RE_Meaning meaning = node->meaning();
+    if (const auto* const text = std::get_if<RE_Meanings::Text>(&meaning)) {
+        return {{{text->string->text, text->string->length}}, text->string->ignoreCase};
+    }
+    RE_Node_Literals found;
+    if (const auto* const texts = std::get_if<RE_Meanings::Texts>(&meaning)) {
+        const RE_Literal_Trie& literals = texts->set->literals;
+        for (std::size_t i = 0; i < literals.count(); ++i) {
+            found.texts.push_back(literals.text(i));
+        }
+        found.ignoreCase = literals.ignoresCase();
+    }
+    return found;
+}
 
 void RE_Alphabet::learn(const RE_Graph_Facts& facts) {
     letters.assign(RE_Unit_Set::unitCount, 0);
@@ -168,4 +201,47 @@ RE_Letters RE_Alphabet::lettersOf(const RE_Unit_Set& set) const {
         found[letter] = set.contains(examples[letter]);
     }
     return found;
+}
+
+RE_Unit_Sides::RE_Unit_Sides(const RE_Graph_Facts& facts, RE_Alphabet& alphabet) {
+    gather(facts);
+    for (const RE_Unit_Set& set : asked) {
+        alphabet.split(set);
+    }
+    alphabet.chooseExamples();
+    sides.assign(alphabet.size(), begin);
+    if (asked.empty() && !asksForBegin) {
+        return;
+    }
+    std::map<std::vector<bool>, std::size_t> numbers;
+    for (std::size_t letter = 0; letter < alphabet.size(); ++letter) {
+        const char16_t unit = alphabet.unitOf(letter);
+        std::vector<bool> answers;
+        for (const RE_Unit_Set& set : asked) {
+            answers.push_back(set.contains(unit));
+        }
+        const auto [known, isNew] = numbers.try_emplace(answers, examples.size());
+        if (isNew) {
+            examples.push_back(unit);
+        }
+        sides[letter] = known->second;
+    }
+}
+
+// What precedes a position and what follows it is told apart by the same letters.
+void RE_Unit_Sides::gather(const RE_Graph_Facts& facts) {
+    for (const RE_Node* node : facts.nodes) {
+        const RE_Meaning meaning = node->meaning();
+        if (const auto* const edge = std::get_if<RE_Meanings::Edge>(&meaning)) {
+            asksForBegin = asksForBegin || !edge->before.isAny();
+            add(acceptedBy(edge->before));
+            add(acceptedBy(edge->after));
+        }
+    }
+}
+
+void RE_Unit_Sides::add(RE_Unit_Set units) {
+    if (units != RE_Unit_Set() && std::ranges::find(asked, units) == asked.end()) {
+        asked.push_back(std::move(units));
+    }
 }

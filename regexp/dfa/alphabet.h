@@ -1,4 +1,5 @@
-// The letters of a pattern: classes of units that it does not tell apart.
+// What a pattern tells apart. Letters are classes of units that are alike to all of its nodes; sides are classes of units
+// that are alike to whatever tests the unit before a position.
 #pragma once
 
 #include "regexp/units/unit_set.h"
@@ -7,10 +8,28 @@
 #include <bitset>
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 #include <vector>
 
 class RE_Consumable;
+class RE_Node;
 struct RE_Graph_Facts;
+
+/// The literals of a node, from what it means: one of them is what it matches. None where it is no node of literals.
+struct RE_Node_Literals {
+    std::vector<std::u16string_view> texts;
+    bool ignoreCase = false;
+
+    std::size_t units() const {
+        std::size_t all = 0;
+        for (const std::u16string_view text : texts) {
+            all += text.size();
+        }
+        return all;
+    }
+};
+
+RE_Node_Literals literalsOf(const RE_Node* node);
 
 using RE_Letters = std::bitset<256>;
 
@@ -47,4 +66,27 @@ private:
     std::vector<std::uint16_t> letters;                 // of each unit
     std::array<std::uint16_t, blocks> letterOfBlock{};  // where all its units have the same
     std::vector<char16_t> examples;
+};
+
+/// The classes of units that look alike to what follows them: anchors, and tests of one unit behind. No unit, at the subject's begin, is one of its own:
+/// number 0.
+class RE_Unit_Sides {
+public:
+    /// Has the alphabet tell the units apart, too.
+    RE_Unit_Sides(const RE_Graph_Facts& facts, RE_Alphabet& alphabet);
+
+    static constexpr std::size_t begin = 0;
+    /// Of the units of a letter.
+    std::size_t of(std::size_t letter) const { return sides[letter]; }
+    std::size_t count() const { return examples.size(); }
+    char16_t unitOf(std::size_t side) const { return examples[side]; }
+
+private:
+    void gather(const RE_Graph_Facts& facts);
+    void add(RE_Unit_Set units);
+
+    std::vector<RE_Unit_Set> asked;
+    bool asksForBegin = false;
+    std::vector<std::size_t> sides;  // of each letter
+    std::vector<char16_t> examples{u'\0'};
 };

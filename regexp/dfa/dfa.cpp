@@ -5,7 +5,7 @@
 // is cut into blocks between which steps are counted and the host is polled.
 #include "regexp/dfa/dfa.h"
 
-#include "regexp/dfa/sides.h"
+#include "regexp/dfa/alphabet.h"
 #include "regexp/seek/scan.h"
 #include "regexp/state/search_info.h"
 

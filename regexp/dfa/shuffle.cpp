@@ -1,8 +1,12 @@
 // The shuffles, compiled once for each instruction set and chosen at run time.
 //
+// A shuffle by the current state gives the next one. Shuffling one row by another gives the row of both
+// units, before any state is known: so four units are merged in parallel, and only one shuffle in four waits
+// for the one before.
+//
 // Trap: the guarded part exists once for each instruction set, as this file includes itself. Functions in it
 // must be inlined or live in its namespace.
-#include "regexp/dfa/shuffle.h"
+#include "regexp/dfa/dfa.h"
 
 // This file is compiled once for each instruction set: everything up to the end of the guarded part below.
 #undef HWY_TARGET_INCLUDE

@@ -3,8 +3,6 @@
 #include "regexp/dfa/ways.h"
 
 #include "regexp/dfa/alphabet.h"
-#include "regexp/dfa/node_literals.h"
-#include "regexp/dfa/sides.h"
 #include "regexp/graph/graph_facts.h"
 #include "regexp/graph/meaning.h"
 #include "regexp/nodes/consume.h"

@@ -202,7 +202,7 @@ const RE_Warning_Description& describe(RE_Warning warning) {
     return descriptions[number < descriptions.size() ? number : 0];
 }
 
-// A warning without a case of its own marks one unit and suggests nothing.
+// The others mark one unit and suggest nothing.
 RE_Warning_Span locateWarning(RE_Warning warning, std::u16string_view text, std::size_t where) {
     // A place at or after the end has no unit to mark.
     if (where >= text.size()) {
@@ -238,7 +238,12 @@ RE_Warning_Span locateWarning(RE_Warning warning, std::u16string_view text, std:
             return {where, bracketLength(text, where), {}};
         case RE_WARNING_BAD_CONDITION:
             return {where, std::max<std::size_t>(lengthThrough(text, where, u')'), 2) - 1, {}};
-        default:
-            return {where, 1, {}};
+        case RE_WARNING_NONE:
+        case RE_WARNING_BAD_MODE:
+        case RE_WARNING_UNCLOSED_CONDITION:
+        case RE_WARNING_TOO_DEEP:
+            break;
     }
+    // These, and numbers that are no warnings.
+    return {where, 1, {}};
 }

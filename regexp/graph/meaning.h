@@ -86,6 +86,8 @@ public:
 
     bool isAny() const { return form == Form::any; }
     bool holdsAtLimit() const { return atLimit; }
+    /// No unit is accepted, only the limit.
+    bool isLimit() const { return form == Form::none; }
     bool holds(char16_t neighbour) const;
     /// Calls `visit` with what is accepted: a unit, a set of units, a test of one unit; nothing at the limit only.
     template <class Visit>

@@ -24,39 +24,6 @@ class RE_Search_Info;
 struct RE_Backtrack_Record;
 struct RE_Memo_Scope;
 
-/// The nodes that most steps of a search visit. The match loop knows them by heart and runs them without
-/// virtual calls.
-enum class RE_Node_Kind : std::uint8_t {
-    other,
-    end,  ///< like `other`, the loop looks after what follows
-    literal,
-    foldedLiteral,
-    range,
-    namedClass,
-    unitClass,
-    dotLine,
-    string,
-    run,
-    split,
-    dispatch,
-    literalSet,
-    startToken,
-    endToken,
-    matchToken,
-    lineStart,
-    lineEnd,
-    textStart,
-    textEnd,
-    glance,  ///< a lookaround that a row of tests decides
-    wordStart,
-    wordEnd,
-    passage  ///< matches everywhere and consumes nothing
-};
-
-/// The kind of nodes of exactly this class. A class that gives none is run by its virtual functions.
-template <class Node>
-inline constexpr RE_Node_Kind kindOfNode = RE_Node_Kind::other;
-
 /// What a link between two nodes means.
 enum class RE_Link { next, fail, alternative, body, item, done, helper };
 
@@ -65,6 +32,15 @@ class RE_Link_Visitor {
 public:
     virtual ~RE_Link_Visitor() = default;
     virtual void link(RE_Node*& target, RE_Link kind) = 0;
+};
+
+/// Receives the numbers by which a node finds what it keeps in the state of a search.
+class RE_Number_Visitor {
+public:
+    virtual ~RE_Number_Visitor() = default;
+    virtual void pass(std::size_t number) = 0;
+    /// `name` is null where the node has none.
+    virtual void token(std::size_t number, const char16_t* name) = 0;
 };
 
 /// Base of all graph nodes. Nodes are owned by the compiled pattern (until then by the parser); links never
@@ -121,6 +97,10 @@ public:
     /// Writes this node and its links in the graph language.
     virtual void graph(RE_Graph_Output& out);
 
+    /// Tells the numbers of passes and tokens that `match` uses. Trap: a search shares one set of numbers with
+    /// the sub-patterns that it includes, so a number that is not told here may be given out again.
+    virtual void visitNumbers(RE_Number_Visitor&) const {}
+
     // --- tokens ---
 
     virtual bool isStartToken() const { return false; }
@@ -168,7 +148,7 @@ public:
 
     bool skippable = false;     ///< does nothing at match time and may be bypassed
     bool sharedTarget = false;  ///< has more than one predecessor
-    RE_Class_Bits classes = 0;  ///< of `RE_Asked_Classes`; set by whoever makes the node, once it is made
+    RE_Class_Bits classes = 0;  ///< of `RE_Node_Classes`; set by whoever makes the node, once it is made
     std::uint64_t nodeId;       ///< serial number within the pattern, from 1
     RE_Node* nextNode = nullptr;
     bool visited = false;         ///< mark of the walk that runs while the pattern is compiled or destroyed
@@ -191,7 +171,7 @@ public:
 /// The node as one of this class, or null when it is none. Null for null, too.
 template <class Class>
 Class* nodeAs(RE_Node* node) {
-    const bool is = node != nullptr && (node->classes & RE_Asked_Classes::bit<Class>()) != 0;
+    const bool is = node != nullptr && (node->classes & RE_Node_Classes::bit<Class>()) != 0;
     return is ? static_cast<Class*>(node) : nullptr;
 }
 template <class Class>
@@ -201,7 +181,7 @@ const Class* nodeAs(const RE_Node* node) {
 
 /// The node that a link to `node` leads to once nodes that do nothing are passed over.
 inline RE_Node* throughSkippable(RE_Node* node) {
-    constexpr RE_Class_Bits empty = RE_Asked_Classes::bit<RE_Null>();
+    constexpr RE_Class_Bits empty = RE_Node_Classes::bit<RE_Null>();
     while (node != nullptr && (node->skippable || (node->classes & empty) != 0) && node->isSkippable()) {
         node = node->next();
     }

@@ -2,7 +2,6 @@
 // judged linear has to be linear.
 #include "regexp/inspect/automaton.h"
 
-#include "regexp/dfa/node_literals.h"
 #include "regexp/graph/graph_facts.h"
 #include "regexp/graph/meaning.h"
 #include "regexp/nodes/closed_body.h"
@@ -51,13 +50,6 @@ bool sharesBody(const RE_Meanings::Count& fixed) {
     return fixed.exit->isBranching() && std::ranges::any_of(waysOf(*fixed.exit), [body](const RE_Node* way) {
                return throughPass(way) == body;
            });
-}
-
-/// No unit is accepted there, only the limit of the subject.
-bool isNobody(const RE_Meanings::Side& side) {
-    bool accepts = side.isAny();
-    side.visitAccepted([&accepts](const auto&) { accepts = true; });
-    return !accepts;
 }
 
 }  // namespace
@@ -191,8 +183,7 @@ struct RE_Automaton::Reader {
         }
     }
     void operator()(const RE_Meanings::Edge& node) const {
-        const bool onlyAtBegin = node.before.holdsAtLimit() && isNobody(node.before);
-        followTest(onlyAtBegin && from != begin ? nullptr : node.next, node.otherwise);
+        followTest(node.before.isLimit() && from != begin ? nullptr : node.next, node.otherwise);
     }
     void operator()(const RE_Meanings::Mark& node) const { follow(node.next); }
     void operator()(const RE_Meanings::Choice& node) const {

@@ -224,7 +224,18 @@ private:
             case RE_Syntax_Kind::reference:
                 line(depth, "the text of " + tokenText(own, false) + " again");
                 return;
-            default:
+            case RE_Syntax_Kind::text:
+            case RE_Syntax_Kind::literal:
+            case RE_Syntax_Kind::range:
+            case RE_Syntax_Kind::escaped:
+            case RE_Syntax_Kind::set:
+            case RE_Syntax_Kind::dot:
+            case RE_Syntax_Kind::start_anchor:
+            case RE_Syntax_Kind::end_anchor:
+            case RE_Syntax_Kind::start_word:
+            case RE_Syntax_Kind::end_word:
+            case RE_Syntax_Kind::evaluate:
+            case RE_Syntax_Kind::dropped:
                 line(depth, unitText(own));
         }
     }
@@ -277,9 +288,20 @@ private:
                 return "no letter, digit or \"_\" after this place";
             case RE_Syntax_Kind::evaluate:
                 return dynamicText(tree.dynamics[own.payload]);
-            default:
-                return "nothing: a part that was dropped";
+            // What holds others, and what `item` says by itself, is never asked for.
+            case RE_Syntax_Kind::sequence:
+            case RE_Syntax_Kind::group:
+            case RE_Syntax_Kind::capture:
+            case RE_Syntax_Kind::atomic:
+            case RE_Syntax_Kind::look:
+            case RE_Syntax_Kind::conditional:
+            case RE_Syntax_Kind::repeat:
+            case RE_Syntax_Kind::text:
+            case RE_Syntax_Kind::reference:
+            case RE_Syntax_Kind::dropped:
+                break;
         }
+        return "nothing: a part that was dropped";
     }
 
     static std::string folding(const RE_Syntax& own) {

@@ -168,9 +168,30 @@ bool saysWhere(const RE_Instruction& in) {
         case RE_Operation::text:
         case RE_Operation::foldedText:
             return in.least < RE_Step_Meter::unitsAStep;
-        default:
+        case RE_Operation::leave:
+        case RE_Operation::failed:
+        case RE_Operation::matched:
+        case RE_Operation::pass:
+        case RE_Operation::range:
+        case RE_Operation::notLineFeed:
+        case RE_Operation::run:
+        case RE_Operation::lazyRun:
+        case RE_Operation::givingRun:
+        case RE_Operation::tokenRun:
+        case RE_Operation::choose:
+        case RE_Operation::startToken:
+        case RE_Operation::endToken:
+        case RE_Operation::lineStart:
+        case RE_Operation::lineEnd:
+        case RE_Operation::textStart:
+        case RE_Operation::textEnd:
+        case RE_Operation::wordStart:
+        case RE_Operation::wordEnd:
+        case RE_Operation::glanceSet:
+        case RE_Operation::glance:
             return false;
     }
+    __builtin_unreachable();
 }
 
 /// An end of a token: it consumes nothing, so what begins after it begins there.

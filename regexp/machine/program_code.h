@@ -204,7 +204,25 @@ private:
     void emitSeekPrefixes(const RE_Prefix_Scan& scan);
     void emitPrefixTest(const RE_Prefix_Scan& scan, Label& unfit);
     void emitOneByOne(const RE_Unit_Set& units, int most, Label& found, Label& nowhere);
+    /// Moves `runBegin` to the first position for which `emitBits` puts a bit into eax, vector by vector, and as
+    /// many units on as `past` says. `emitBits` tests whether there is a vector, and leaves the loop otherwise.
+    template <class Emit>
+    void emitVectors(int past, Emit emitBits) {
+        Label& again = fresh();
+        Label& hit = fresh();
+        lea(stop, ptr[p + farthest * 2]);
+        L(again);
+        emitBits();
+        test(eax, eax);
+        jnz(hit, T_NEAR);
+        emitNextVector(again);
+        L(hit);
+        bsf(eax, eax);
+        lea(runBegin, ptr[runBegin + rax * 2 + past * 2]);
+    }
     void emitNextVector(Label& again);
+    /// Leaves for `tail` unless `reach` units follow the vector at `runBegin`.
+    void emitRoomForVector(std::size_t reach, Label& tail);
     void emitNowhere(Label& nowhere);
     void emitFound();
     /// Puts into k1 the positions from `runBegin` on that have `reach` readable units after them, at most

@@ -33,7 +33,7 @@ constexpr int tried = 4;  // one by one before vectors are
 constexpr int triedBeforeMasks = 2;
 
 const RE_Prefix_Scan* prefixesOf(const RE_Node* root) {
-    const auto* const seeker = dynamic_cast<const StringPrefixSeeker*>(root);
+    const auto* const seeker = nodeAs<StringPrefixSeeker>(root);
     return seeker != nullptr ? seeker->finder.prefixScan() : nullptr;
 }
 
@@ -124,7 +124,7 @@ void Start_Code::emitNextStart() {
 // Looks for a start from `p` on, by the finder of the pattern. A scan counts as many steps as one by the
 // root. Finders that are not written out here return at once, and the root seeks each time.
 void Start_Code::emitSeek() {
-    const auto* const seeker = dynamic_cast<const StringStringSeeker*>(root);
+    const auto* const seeker = nodeAs<StringStringSeeker>(root);
     const std::optional<char16_t> alone = scansWideVectors ? onlyUnit(facts.start.units) : std::nullopt;
     // A single unit is looked for like a literal of that unit: two vectors at a time in place of one.
     if (alone) {
@@ -195,6 +195,12 @@ void Start_Code::emitMaskAhead(std::size_t reach, std::uint32_t most, Label& now
     emitMask(most);
 }
 
+void Start_Code::emitRoomForVector(std::size_t reach, Label& tail) {
+    lea(rax, ptr[runBegin + static_cast<int>((vectorUnits + reach) * sizeof(char16_t))]);
+    cmp(rax, end);
+    ja(tail, T_NEAR);
+}
+
 /// Continues with the next vector of units, or leaves the rest of a long way to the root.
 void Start_Code::emitNextVector(Label& again) {
     add(runBegin, static_cast<int>(vectorUnits * sizeof(char16_t)));
@@ -232,21 +238,13 @@ void Start_Code::emitSeekUnits(const RE_Unit_Set& units) {
     mov(runBegin, p);
     emitOneByOne(units, masksVectors ? triedBeforeMasks : tried, found, nowhere);
     if (scansVectors) {
-        Label& again = fresh();
         Label& tail = fresh();
-        Label& hit = fresh();
-        lea(stop, ptr[p + farthest * 2]);
-        L(again);
-        emitMembersAt(runBegin, units, tail);
-        if (kindOf(units) == Kind::mixed) {
-            or_(eax, ecx);
-        }
-        test(eax, eax);
-        jnz(hit, T_NEAR);
-        emitNextVector(again);
-        L(hit);
-        bsf(eax, eax);
-        lea(runBegin, ptr[runBegin + rax * 2]);
+        emitVectors(0, [&] {
+            emitMembersAt(runBegin, units, tail);
+            if (kindOf(units) == Kind::mixed) {
+                or_(eax, ecx);
+            }
+        });
         if (kindOf(units) == Kind::mixed) {
             movzx(eax, word[runBegin]);
             unlessIn(units, exitFor(RE_Machine_Exit::seek));
@@ -273,9 +271,7 @@ void Start_Code::emitSeekUnits(const RE_Unit_Set& units) {
 // A line begins at the beginning of the text and after each line feed. So the scan looks for the line feed,
 // and the start is one unit past it; that may be the end of the subject.
 void Start_Code::emitSeekLineStart() {
-    Label& again = fresh();
     Label& tail = fresh();
-    Label& hit = fresh();
     Label& found = fresh();
     Label& nowhere = fresh();
     mov(runBegin, p);
@@ -284,20 +280,11 @@ void Start_Code::emitSeekLineStart() {
     // `p` itself may begin a line.
     cmp(word[p - 2], std::uint32_t{u'\n'});
     je(found, T_NEAR);
-    lea(stop, ptr[p + farthest * 2]);
-    L(again);
-    lea(rax, ptr[runBegin + static_cast<int>(vectorUnits * 2)]);
-    cmp(rax, end);
-    ja(tail, T_NEAR);
-    emitEqualUnits(runBegin, u'\n', xmm0);
-    pmovmskb(eax, xmm0);
-    test(eax, eax);
-    jnz(hit, T_NEAR);
-    emitNextVector(again);
-    L(hit);
-    bsf(eax, eax);
-    // Past the line feed.
-    lea(runBegin, ptr[runBegin + rax * 2 + 2]);
+    emitVectors(1, [&] {
+        emitRoomForVector(0, tail);
+        emitEqualUnits(runBegin, u'\n', xmm0);
+        pmovmskb(eax, xmm0);
+    });
     jmp(found, T_NEAR);
     L(tail);
     if (masksVectors) {
@@ -318,27 +305,17 @@ void Start_Code::emitSeekLineStart() {
 // Near the subject's end the positions are tested one by one, as `RE_Prefix_Scan::mayStandAt` does, or by one
 // masked vector.
 void Start_Code::emitSeekPrefixes(const RE_Prefix_Scan& scan) {
-    Label& again = fresh();
     Label& tail = fresh();
-    Label& hit = fresh();
     Label& miss = fresh();
     Label& found = fresh();
     Label& nowhere = fresh();
     const int reach = static_cast<int>(scan.reach() * sizeof(char16_t));
     mov(runBegin, p);
-    lea(stop, ptr[p + farthest * 2]);
-    L(again);
-    // A prefix is tested at places up to `reach` units past its position.
-    lea(rax, ptr[runBegin + static_cast<int>(vectorUnits * 2) + reach]);
-    cmp(rax, end);
-    ja(tail, T_NEAR);
-    emitPrefixes(runBegin, scan);
-    test(eax, eax);
-    jnz(hit, T_NEAR);
-    emitNextVector(again);
-    L(hit);
-    bsf(eax, eax);
-    lea(runBegin, ptr[runBegin + rax * 2]);
+    emitVectors(0, [&] {
+        // A prefix is tested at places up to `reach` units past its position.
+        emitRoomForVector(scan.reach(), tail);
+        emitPrefixes(runBegin, scan);
+    });
     jmp(found, T_NEAR);
     L(miss);
     add(runBegin, 2);

@@ -242,9 +242,36 @@ void Program_Code::unlessStart(const RE_Instruction& first, Label& target) {
             cmp(ax, word[begin + other * 2]);
             jne(target, T_NEAR);
             break;
-        default:
+        case RE_Operation::unit:
+        case RE_Operation::eitherUnit:
+        case RE_Operation::set:
+        case RE_Operation::texts:
             loadUnit(target);
             unlessTaken(first, target);
+            break;
+        // `saysWhere` accepts no others.
+        case RE_Operation::leave:
+        case RE_Operation::failed:
+        case RE_Operation::matched:
+        case RE_Operation::pass:
+        case RE_Operation::range:
+        case RE_Operation::notLineFeed:
+        case RE_Operation::run:
+        case RE_Operation::lazyRun:
+        case RE_Operation::givingRun:
+        case RE_Operation::tokenRun:
+        case RE_Operation::choose:
+        case RE_Operation::startToken:
+        case RE_Operation::endToken:
+        case RE_Operation::lineStart:
+        case RE_Operation::lineEnd:
+        case RE_Operation::textStart:
+        case RE_Operation::textEnd:
+        case RE_Operation::wordStart:
+        case RE_Operation::wordEnd:
+        case RE_Operation::glanceSet:
+        case RE_Operation::glance:
+            __builtin_unreachable();
     }
 }
 
@@ -274,11 +301,35 @@ void Program_Code::emitFirstUnits(const RE_Instruction& first) {
             emitEitherUnit(first.unit, static_cast<char16_t>(first.most));
             break;
         // Of a text the first unit, in both its forms where case is ignored.
-        default: {
+        case RE_Operation::text:
+        case RE_Operation::foldedText: {
             const Forms forms = literalOf(first).ignoreCase ? formsOf(first.text[0])
                                                             : Forms{{first.text[0], first.text[0]}, 1};
             emitEitherUnit(forms.list[0], forms.list[forms.count - 1]);
+            break;
         }
+        case RE_Operation::leave:
+        case RE_Operation::failed:
+        case RE_Operation::matched:
+        case RE_Operation::pass:
+        case RE_Operation::range:
+        case RE_Operation::notLineFeed:
+        case RE_Operation::run:
+        case RE_Operation::lazyRun:
+        case RE_Operation::givingRun:
+        case RE_Operation::tokenRun:
+        case RE_Operation::choose:
+        case RE_Operation::startToken:
+        case RE_Operation::endToken:
+        case RE_Operation::lineStart:
+        case RE_Operation::lineEnd:
+        case RE_Operation::textStart:
+        case RE_Operation::textEnd:
+        case RE_Operation::wordStart:
+        case RE_Operation::wordEnd:
+        case RE_Operation::glanceSet:
+        case RE_Operation::glance:
+            __builtin_unreachable();
     }
     pmovmskb(eax, xmm0);
 }

@@ -201,8 +201,35 @@ void Unit_Code::unlessTaken(const RE_Instruction& in, Label& target) {
             cmp(eax, std::uint32_t{u'\n'});
             je(target, T_NEAR);
             break;
-        default:
+        // Of many texts the first unit.
+        case RE_Operation::set:
+        case RE_Operation::texts:
             unlessIn(*in.units, target);
+            break;
+        // Those that test no unit have no operands for it.
+        case RE_Operation::leave:
+        case RE_Operation::failed:
+        case RE_Operation::matched:
+        case RE_Operation::pass:
+        case RE_Operation::text:
+        case RE_Operation::foldedText:
+        case RE_Operation::run:
+        case RE_Operation::lazyRun:
+        case RE_Operation::givingRun:
+        case RE_Operation::tokenRun:
+        case RE_Operation::choose:
+        case RE_Operation::startToken:
+        case RE_Operation::endToken:
+        case RE_Operation::tokenText:
+        case RE_Operation::lineStart:
+        case RE_Operation::lineEnd:
+        case RE_Operation::textStart:
+        case RE_Operation::textEnd:
+        case RE_Operation::wordStart:
+        case RE_Operation::wordEnd:
+        case RE_Operation::glanceSet:
+        case RE_Operation::glance:
+            __builtin_unreachable();
     }
 }
 

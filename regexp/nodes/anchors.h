@@ -66,8 +66,6 @@ public:
         return info.atBegin(p) || p[-1] == u'\n';
     }
 };
-template <>
-inline constexpr RE_Node_Kind kindOfNode<RE_Start_Line> = RE_Node_Kind::lineStart;
 
 /// Holds at the end of the subject and in front of each line feed.
 class CORVANE_REGEXP_EXPORT RE_End_Line : public RE_Line_Anchor {
@@ -79,8 +77,6 @@ public:
         return info.atEnd(p) || *p == u'\n';
     }
 };
-template <>
-inline constexpr RE_Node_Kind kindOfNode<RE_End_Line> = RE_Node_Kind::lineEnd;
 
 /// Holds at the start of the subject only, wherever the search begins. Its seek shows the search that no
 /// later start can match.
@@ -93,8 +89,6 @@ public:
     RE_Meaning meaning() const override;
     bool holdsAt(const char16_t* p, const RE_Search_Info& info) const override { return info.atBegin(p); }
 };
-template <>
-inline constexpr RE_Node_Kind kindOfNode<RE_Start_String> = RE_Node_Kind::textStart;
 
 /// Holds at the end of the subject only.
 class CORVANE_REGEXP_EXPORT RE_End_String : public RE_Anchor {
@@ -106,8 +100,6 @@ public:
     RE_Meaning meaning() const override;
     bool holdsAt(const char16_t* p, const RE_Search_Info& info) const override { return info.atEnd(p); }
 };
-template <>
-inline constexpr RE_Node_Kind kindOfNode<RE_End_String> = RE_Node_Kind::textEnd;
 
 /// Ends a look-behind body: holds where the body is required to end, and nowhere while nothing is required.
 /// It seeks without the seek table, as that place changes with each evaluation of the body.
@@ -142,8 +134,6 @@ public:
         return info.atBegin(p) || !isWordUnit(p[-1]);
     }
 };
-template <>
-inline constexpr RE_Node_Kind kindOfNode<RE_Start_Word> = RE_Node_Kind::wordStart;
 
 /// Holds at the end of the subject and in front of each unit that belongs to no word.
 class CORVANE_REGEXP_EXPORT RE_End_Word : public RE_Word_Anchor {
@@ -155,5 +145,3 @@ public:
         return info.atEnd(p) || !isWordUnit(*p);
     }
 };
-template <>
-inline constexpr RE_Node_Kind kindOfNode<RE_End_Word> = RE_Node_Kind::wordEnd;

@@ -125,5 +125,3 @@ private:
     bool takesAll;           // no unit does
     std::uint32_t reachRow;  // for a search to remember how far a lazy run was seen to go
 };
-template <>
-inline constexpr RE_Node_Kind kindOfNode<RE_Consume> = RE_Node_Kind::run;

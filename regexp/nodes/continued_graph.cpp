@@ -1,12 +1,7 @@
 // A walk over a finished graph that gathers the greatest number of each kind.
-//
-// Classes are recognised by `dynamic_cast` here, as a survey is made once for each sub-pattern and some of these
-// classes have no bit of their own.
 #include "regexp/nodes/continued_graph.h"
 
 #include "regexp/nodes/links.h"
-#include "regexp/nodes/loop_pass.h"
-#include "regexp/nodes/tokens.h"
 
 #include <algorithm>
 #include <unordered_set>
@@ -14,7 +9,7 @@
 namespace {
 
 /// One walk, without recursion: graphs are as deep as patterns.
-class Survey {
+class Survey : RE_Number_Visitor {
 public:
     void add(RE_Node* node) {
         if (node != nullptr && known.insert(node).second) {
@@ -34,33 +29,22 @@ public:
     }
 
 private:
-    /// Every kind of node that holds a number of a search has a case here. Trap: a new kind that is not added
-    /// would share its numbers with the sub-pattern.
     void note(const RE_Node& node) {
         RE_Sub_Pattern_Place& place = graph.place;
         place.nodeId = std::max(place.nodeId, node.nodeId);
         place.memoRow = std::max(place.memoRow, node.memoIndex + 1);
         for (const RE_Memo_Scope* scope = node.memoScope; scope != nullptr; scope = scope->parent) {
             if (scope->kind == RE_Memo_Scope::Kind::pass) {
-                notePass(scope->index);
+                pass(scope->index);
             }
         }
-        if (const auto* const start = dynamic_cast<const RE_Start_Pass*>(&node)) {
-            notePass(start->pass);
-        } else if (const auto* const end = dynamic_cast<const RE_End_Pass*>(&node)) {
-            notePass(end->pass);
-        } else if (const auto* const token = dynamic_cast<const RE_Token*>(&node)) {
-            noteToken(token->number, token->name);
-        } else if (const auto* const reader = dynamic_cast<const RE_Token_Fail*>(&node)) {
-            // A reader by name has no number that counts; its token is met by itself, if it is there at all.
-            noteToken(reader->name == nullptr ? reader->number : 0, nullptr);
-        }
+        node.visitNumbers(*this);
     }
     /// Numbers become counts, so that the first free number is what is kept.
-    void notePass(std::size_t pass) {
-        graph.place.passRegister = std::max(graph.place.passRegister, pass + 1);
+    void pass(std::size_t number) override {
+        graph.place.passRegister = std::max(graph.place.passRegister, number + 1);
     }
-    void noteToken(std::size_t number, const char16_t* name) {
+    void token(std::size_t number, const char16_t* name) override {
         graph.tokenCount = std::max(graph.tokenCount, number + 1);
         if (name != nullptr) {
             graph.tokenNames.resize(std::max(graph.tokenNames.size(), number + 1));

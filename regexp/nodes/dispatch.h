@@ -129,5 +129,3 @@ private:
     std::vector<std::uint32_t, RE_Allocator<std::uint32_t>> places;
     std::array<std::uint32_t, RE_Branch_Start::columns> firstPlace{};
 };
-template <>
-inline constexpr RE_Node_Kind kindOfNode<RE_Dispatch> = RE_Node_Kind::dispatch;

@@ -15,8 +15,8 @@ RE_Results view(const char16_t* subject, std::size_t pos, RE_Search_Info& info) 
 }
 
 /// How many texts a node is in whose pattern is compiled for `outer`.
-std::uint32_t depthIn(RE_Node* outer) {
-    const auto* const including = dynamic_cast<const RE_Dynamic*>(outer);
+std::uint32_t depthIn(const RE_Node* outer) {
+    const auto* const including = nodeAs<RE_Dynamic>(outer);
     return including == nullptr ? 0 : including->getDepth() + 1;
 }
 

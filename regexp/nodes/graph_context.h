@@ -43,7 +43,7 @@ public:
     /// Whether a node of one of these classes was ever made: without any, a pass that is about them has nothing to do.
     template <class... Classes>
     bool hasMade() const {
-        return (madeClasses & (RE_Asked_Classes::bit<Classes>() | ...)) != 0;
+        return (madeClasses & (RE_Node_Classes::bit<Classes>() | ...)) != 0;
     }
     std::uint64_t nextNodeId() { return ++nodeCount; }
     /// A number for a walk that marks where it has been by `RE_Node::walk`. Of two such walks one ends before
@@ -94,10 +94,10 @@ protected:
                 Counting(maker, std::forward<Arguments>(arguments)...);
         } else {
             node = new (facts->store.take(sizeof(Node))) Node(maker, std::forward<Arguments>(arguments)...);
-            static_cast<RE_Node*>(node)->kind = kindOfNode<Node>;
+            static_cast<RE_Node*>(node)->kind = RE_Node_Classes::kindOf<Node>();
         }
-        static_cast<RE_Node*>(node)->classes = RE_Asked_Classes::bitsOf<Node>();
-        madeClasses |= RE_Asked_Classes::bitsOf<Node>();
+        static_cast<RE_Node*>(node)->classes = RE_Node_Classes::bitsOf<Node>();
+        madeClasses |= RE_Node_Classes::bitsOf<Node>();
         made.back() = node;
         return node;
     }

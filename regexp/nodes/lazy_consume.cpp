@@ -31,9 +31,26 @@ const RE_Node* fewUnitsOf(const RE_Node* rest) {
             return first;
         case RE_Node_Kind::string:
             return static_cast<const RE_String*>(first)->length < RE_Step_Meter::unitsAStep ? first : nullptr;
-        default:
+        case RE_Node_Kind::other:
+        case RE_Node_Kind::end:
+        case RE_Node_Kind::range:
+        case RE_Node_Kind::dotLine:
+        case RE_Node_Kind::run:
+        case RE_Node_Kind::split:
+        case RE_Node_Kind::dispatch:
+        case RE_Node_Kind::startToken:
+        case RE_Node_Kind::endToken:
+        case RE_Node_Kind::lineStart:
+        case RE_Node_Kind::lineEnd:
+        case RE_Node_Kind::textStart:
+        case RE_Node_Kind::textEnd:
+        case RE_Node_Kind::glance:
+        case RE_Node_Kind::wordStart:
+        case RE_Node_Kind::wordEnd:
+        case RE_Node_Kind::passage:
             return nullptr;
     }
+    __builtin_unreachable();
 }
 
 }  // namespace

@@ -20,7 +20,7 @@ void forEachLink(RE_Node& node, Visit visit) {
         void link(RE_Node*& target, RE_Link kind) override { call(target, kind); }
         Visit& call;
     };
-    if ((node.classes & RE_Asked_Classes::bit<RE_Unit_Test>()) != 0) {
+    if ((node.classes & RE_Node_Classes::bit<RE_Unit_Test>()) != 0) {
         visit(node.nextNode, RE_Link::next);
         visit(static_cast<RE_Consumable&>(node).failTarget, RE_Link::fail);
         return;
@@ -52,7 +52,21 @@ void forEachLink(RE_Node& node, Visit visit) {
                 visit(way, RE_Link::alternative);
             }
             return;
-        default:
+        case RE_Node_Kind::other:
+        case RE_Node_Kind::literal:
+        case RE_Node_Kind::foldedLiteral:
+        case RE_Node_Kind::range:
+        case RE_Node_Kind::namedClass:
+        case RE_Node_Kind::unitClass:
+        case RE_Node_Kind::dotLine:
+        case RE_Node_Kind::matchToken:
+        case RE_Node_Kind::lineStart:
+        case RE_Node_Kind::lineEnd:
+        case RE_Node_Kind::textStart:
+        case RE_Node_Kind::textEnd:
+        case RE_Node_Kind::glance:
+        case RE_Node_Kind::wordStart:
+        case RE_Node_Kind::wordEnd:
             break;
     }
     if (auto* const look = nodeAs<RE_Lookaround_Assertion>(&node)) {

@@ -46,5 +46,3 @@ private:
 
     RE_Class_Scan members;  // of `firstUnits`
 };
-template <>
-inline constexpr RE_Node_Kind kindOfNode<RE_Literal_Set> = RE_Node_Kind::literalSet;

@@ -21,6 +21,7 @@ public:
         : RE_Node(context), pass(passRegister), passKind(kindOfPass), exactUnits(units) {}
     bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
     RE_Meaning meaning() const override;
+    void visitNumbers(RE_Number_Visitor& visitor) const override { visitor.pass(pass); }
     std::string label() const override;
 
     std::size_t pass;
@@ -36,6 +37,7 @@ public:
     RE_End_Pass(RE_Graph_Context& context, std::size_t passRegister) : RE_Fail(context), pass(passRegister) {}
     bool match(const char16_t* subject, std::size_t& pos, RE_Search_Info& info) const override;
     RE_Meaning meaning() const override;
+    void visitNumbers(RE_Number_Visitor& visitor) const override { visitor.pass(pass); }
     std::string label() const override { return "End pass"; }
 
     std::size_t pass;

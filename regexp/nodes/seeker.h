@@ -43,8 +43,6 @@ public:
 protected:
     const char16_t* scan(const char16_t* p, RE_Search_Info& info) const override;
 };
-template <>
-inline constexpr RE_Node_Kind kindOfNode<StringCharSeeker> = RE_Node_Kind::passage;
 
 /// Finds positions of a literal with which every match starts, after tests that consume nothing at the most.
 class CORVANE_REGEXP_EXPORT StringStringSeeker : public RE_Seeker {
@@ -60,8 +58,6 @@ protected:
         return string.scan(p, info);
     }
 };
-template <>
-inline constexpr RE_Node_Kind kindOfNode<StringStringSeeker> = RE_Node_Kind::passage;
 
 /// Finds positions at which the first units of a match are possible, several places looked at together. Each
 /// match goes along one of the branches whose prefixes these are.
@@ -78,8 +74,6 @@ protected:
         return finder.find(p, info.subjectEnd, info);
     }
 };
-template <>
-inline constexpr RE_Node_Kind kindOfNode<StringPrefixSeeker> = RE_Node_Kind::passage;
 
 /// Finds positions at which one of many literals is possible. Every match starts with one of them.
 class CORVANE_REGEXP_EXPORT StringWindowSeeker : public RE_Seeker {
@@ -95,8 +89,6 @@ public:
 protected:
     const char16_t* scan(const char16_t* p, RE_Search_Info& info) const override;
 };
-template <>
-inline constexpr RE_Node_Kind kindOfNode<StringWindowSeeker> = RE_Node_Kind::passage;
 
 /// Finds positions after a literal, or a unit of a class, that a look-behind at the front of the pattern
 /// requires.
@@ -111,8 +103,6 @@ public:
 protected:
     const char16_t* scan(const char16_t* p, RE_Search_Info& info) const override;
 };
-template <>
-inline constexpr RE_Node_Kind kindOfNode<StringBehindSeeker> = RE_Node_Kind::passage;
 
 /// Finds a literal that every match contains, and goes back from it over the units that may precede it; see
 /// the proof in literal_stretches.h. In a stretch a match can only start at a unit with which it can begin.
@@ -136,5 +126,3 @@ private:
 
     RE_Class_Scan starts;
 };
-template <>
-inline constexpr RE_Node_Kind kindOfNode<StringInnerSeeker> = RE_Node_Kind::passage;

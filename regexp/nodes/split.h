@@ -20,5 +20,3 @@ public:
 
     RE_Node* alternative = nullptr;
 };
-template <>
-inline constexpr RE_Node_Kind kindOfNode<RE_Split> = RE_Node_Kind::split;

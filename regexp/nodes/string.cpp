@@ -112,7 +112,7 @@ RE_Node* RE_Natural_I::joinString(RE_Graph_Context& context) {
     return joinRun(*this, true, context);
 }
 
-// The number is the one that a string made at this point would have, so that graphs are numbered alike.
+// The number is the one that a string made at this point would have, so that few numbers depend on who made it.
 RE_Node* RE_String::joinString(RE_Graph_Context& context) {
     if (!isOpen) {
         return nullptr;

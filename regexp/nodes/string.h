@@ -59,5 +59,3 @@ private:
     RE_Literal_Search search{{u"", 0, false}};
     bool isOpen = false;
 };
-template <>
-inline constexpr RE_Node_Kind kindOfNode<RE_String> = RE_Node_Kind::string;

@@ -47,6 +47,7 @@ public:
     const char16_t* seek(const char16_t* p, RE_Search_Info& info) const override;
     const char16_t* rSeek(const char16_t* p, std::size_t count, RE_Search_Info& info) const override;
     bool resolveTokens(const RE_Graph_Facts& facts) override;
+    void visitNumbers(RE_Number_Visitor& visitor) const override { visitor.token(number, name); }
 
     bool referenced = false;  ///< some backreference or condition reads this token
     std::size_t number;       ///< slot in the token store, from 0
@@ -75,8 +76,6 @@ public:
     void prepareTokens(RE_Token_Names& names) const override;
     std::string label() const override { return "Token start #" + std::to_string(number + 1); }
 };
-template <>
-inline constexpr RE_Node_Kind kindOfNode<RE_Start_Token> = RE_Node_Kind::startToken;
 
 /// Closes a token: writes its slot, and puts it and all with lower numbers in effect.
 class CORVANE_REGEXP_EXPORT RE_End_Token : public RE_Token {
@@ -90,8 +89,6 @@ public:
     RE_Meaning meaning() const override;
     std::string label() const override { return "Token end #" + std::to_string(number + 1); }
 };
-template <>
-inline constexpr RE_Node_Kind kindOfNode<RE_End_Token> = RE_Node_Kind::endToken;
 
 /// Base of the nodes that read a token: by name when there is one, else by number. A name is looked up at
 /// each match.
@@ -102,6 +99,11 @@ public:
           number(tokenNumber),
           nameText(tokenName),
           name(nameText.empty() ? nullptr : nameText.c_str()) {}
+
+    /// A reader by name has no number that counts; its token is met by itself, if it is there at all.
+    void visitNumbers(RE_Number_Visitor& visitor) const override {
+        visitor.token(name == nullptr ? number : 0, nullptr);
+    }
 
     std::size_t number;
 
@@ -160,8 +162,6 @@ private:
     /// Whether the text rules out no position by one unit.
     bool saysNothing(const RE_TokenInfo& found) const { return ignoreCase || found.length == 0; }
 };
-template <>
-inline constexpr RE_Node_Kind kindOfNode<RE_Match_Token> = RE_Node_Kind::matchToken;
 
 /// Holds when the token is in effect and not empty. (A backreference to an empty token matches the empty
 /// text; a condition on one does not hold.)

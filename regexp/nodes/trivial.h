@@ -15,8 +15,6 @@ public:
     RE_Meaning meaning() const override;
     std::string label() const override { return "Null"; }
 };
-template <>
-inline constexpr RE_Node_Kind kindOfNode<RE_Null> = RE_Node_Kind::passage;
 
 /// The end of a pattern or of a closed body. With a continuation it is the end of a sub-pattern, and matching
 /// continues there, in the graph of another pattern.
@@ -45,5 +43,3 @@ public:
     bool endsBody;
     bool endsLast = false;  ///< the body is that of a lookahead with which the pattern ends
 };
-template <>
-inline constexpr RE_Node_Kind kindOfNode<RE_End_Of_Tree> = RE_Node_Kind::end;

@@ -59,7 +59,7 @@ void RE_Unit_Union::addAll(const RE_Unit_Set& set) {
     }
 }
 
-// By kind for the commonest nodes. A counting node has no such kind and takes the default.
+// By kind for the commonest nodes. A counting node has no such kind and is asked like all others.
 void RE_Unit_Union::addConsumable(const RE_Consumable& unit) {
     if (const RE_Unit_Set* const units = unit.table()) {
         addAll(*units);
@@ -77,7 +77,27 @@ void RE_Unit_Union::addConsumable(const RE_Consumable& unit) {
         case RE_Node_Kind::dotLine:
             addAll(RE_Unit_Classes::allOfLine());
             break;
-        default:
+        case RE_Node_Kind::other:
+        case RE_Node_Kind::end:
+        case RE_Node_Kind::foldedLiteral:
+        case RE_Node_Kind::namedClass:
+        case RE_Node_Kind::unitClass:
+        case RE_Node_Kind::string:
+        case RE_Node_Kind::run:
+        case RE_Node_Kind::split:
+        case RE_Node_Kind::dispatch:
+        case RE_Node_Kind::literalSet:
+        case RE_Node_Kind::startToken:
+        case RE_Node_Kind::endToken:
+        case RE_Node_Kind::matchToken:
+        case RE_Node_Kind::lineStart:
+        case RE_Node_Kind::lineEnd:
+        case RE_Node_Kind::textStart:
+        case RE_Node_Kind::textEnd:
+        case RE_Node_Kind::glance:
+        case RE_Node_Kind::wordStart:
+        case RE_Node_Kind::wordEnd:
+        case RE_Node_Kind::passage:
             if (unit.matchesAnyChar()) {
                 addAll(RE_Unit_Classes::allUnits());
             } else {

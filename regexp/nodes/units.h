@@ -56,8 +56,6 @@ protected:
     /// the first, and a unit of text.
     bool mayJoin(bool first) const;
 };
-template <>
-inline constexpr RE_Node_Kind kindOfNode<RE_Natural> = RE_Node_Kind::literal;
 
 /// One literal unit, ignoring case: `ch` is its lower-case form, and it matches all units with that form.
 class CORVANE_REGEXP_EXPORT RE_Natural_I : public RE_Natural {
@@ -89,8 +87,6 @@ private:
     char16_t folded;
     RE_Literal_Search search;
 };
-template <>
-inline constexpr RE_Node_Kind kindOfNode<RE_Natural_I> = RE_Node_Kind::foldedLiteral;
 
 /// Units within inclusive bounds. With the lower bound above the upper one it matches nothing.
 class CORVANE_REGEXP_EXPORT RE_Range : public RE_Unit_Test {
@@ -111,8 +107,6 @@ protected:
     /// `bothForms` those of which any form is.
     void addFoldedUnitsTo(RE_Unit_Set& set, bool bothForms) const;
 };
-template <>
-inline constexpr RE_Node_Kind kindOfNode<RE_Range> = RE_Node_Kind::range;
 /// The units of a range where case counts, when all of them are below 128: then no set has to be made.
 inline std::optional<RE_Low_Units> lowUnitsOf(const RE_Consumable& unit) {
     const auto* const range =
@@ -178,8 +172,6 @@ public:
     Test test;
     const RE_Unit_Set* units;  ///< the units for which `test` holds; lives as long as the process
 };
-template <>
-inline constexpr RE_Node_Kind kindOfNode<RE_Escaped_Set> = RE_Node_Kind::namedClass;
 
 /// Any set of units, as a table: a bracket expression, or alternatives of single units taken together. The
 /// set is shared with other nodes of the pattern and never changed; the text is for labels.
@@ -197,8 +189,6 @@ public:
     std::shared_ptr<const RE_Unit_Set> set;
     std::string text;
 };
-template <>
-inline constexpr RE_Node_Kind kindOfNode<RE_Unit_Class> = RE_Node_Kind::unitClass;
 
 /// Base of the two dots. They do not seek: the next position mostly matches.
 class CORVANE_REGEXP_EXPORT RE_Dot : public RE_Unit_Test {
@@ -225,5 +215,3 @@ public:
     void addUnitsTo(RE_Unit_Set& set) const override;
     std::string label() const override { return "Match . (dotexceptnewline)"; }
 };
-template <>
-inline constexpr RE_Node_Kind kindOfNode<RE_Dot_Line> = RE_Node_Kind::dotLine;

@@ -48,6 +48,15 @@ void RE_Graph_Builder::emit(std::uint32_t index) {
     }
 }
 
+template <class OfLines, class OfText>
+void RE_Graph_Builder::emitAnchor(const RE_Syntax& item) {
+    if ((item.flags & RE_FLAG_LINE_ANCHORS) != 0) {
+        append(context.make<OfLines>());
+    } else {
+        append(context.make<OfText>());
+    }
+}
+
 void RE_Graph_Builder::emitNow(std::uint32_t index) {
     const RE_Syntax& item = tree[index];
     switch (item.kind) {
@@ -79,17 +88,27 @@ void RE_Graph_Builder::emitNow(std::uint32_t index) {
             emitReference(item);
             return;
         case RE_Syntax_Kind::start_anchor:
+            emitAnchor<RE_Start_Line, RE_Start_String>(item);
+            return;
         case RE_Syntax_Kind::end_anchor:
+            emitAnchor<RE_End_Line, RE_End_String>(item);
+            return;
         case RE_Syntax_Kind::start_word:
+            append(context.make<RE_Start_Word>());
+            return;
         case RE_Syntax_Kind::end_word:
-            emitAnchor(item);
+            append(context.make<RE_End_Word>());
             return;
         case RE_Syntax_Kind::evaluate:
             append(makeDynamicNode(item));
             return;
         case RE_Syntax_Kind::dropped:
             return;
-        default:
+        case RE_Syntax_Kind::literal:
+        case RE_Syntax_Kind::range:
+        case RE_Syntax_Kind::escaped:
+        case RE_Syntax_Kind::set:
+        case RE_Syntax_Kind::dot:
             append(makeUnitNode(context, tree, index));
     }
 }
@@ -199,8 +218,8 @@ std::size_t RE_Graph_Builder::emitJoined(const char16_t* units, std::size_t coun
         append(string);
         --context.nodeCount;
     }
-    // The numbers that nodes for the units would have got are left out, so that nodes are numbered alike
-    // whether strings are made here or by the pass.
+    // The numbers that nodes for the units would have got are left out, so that most nodes have the same
+    // number whether strings are made here or by the pass.
     context.nodeCount += count;
     string->append(units, count);
     return count;
@@ -248,29 +267,4 @@ RE_Node* RE_Graph_Builder::makeDynamicNode(const RE_Syntax& item) {
     }
     using Expression = std::shared_ptr<const RE_String_Evaluator>;
     return context.make<RE_Evaluate_Dynamic>(item.flags, std::get<Expression>(dynamic));
-}
-
-void RE_Graph_Builder::emitAnchor(const RE_Syntax& item) {
-    const bool lines = (item.flags & RE_FLAG_LINE_ANCHORS) != 0;
-    switch (item.kind) {
-        case RE_Syntax_Kind::start_word:
-            append(context.make<RE_Start_Word>());
-            return;
-        case RE_Syntax_Kind::end_word:
-            append(context.make<RE_End_Word>());
-            return;
-        case RE_Syntax_Kind::start_anchor:
-            if (lines) {
-                append(context.make<RE_Start_Line>());
-            } else {
-                append(context.make<RE_Start_String>());
-            }
-            return;
-        default:
-            if (lines) {
-                append(context.make<RE_End_Line>());
-            } else {
-                append(context.make<RE_End_String>());
-            }
-    }
 }

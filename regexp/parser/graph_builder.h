@@ -12,9 +12,13 @@
 // * Nodes belong to the context from the start, so an exception in the middle leaves nothing to clean up
 //   here.
 //
-// Must not optimise: the graph is the pattern as written, which the passes rewrite. The two exceptions
-// (strings and runs made at once) make exactly what a pass would make, numbers included, and only save the
-// time to make more first.
+// Must not optimise: the graph is the pattern as written, which the passes rewrite. The two exceptions are
+// strings and runs made at once. What they are is defined by the passes, which make them where somebody
+// observes the stages: the same nodes and links. Only numbers may differ, as a pass numbers strings and runs in
+// the order in which it meets them, and a text of many nodes is passed later than a string. The exceptions save
+// the time to make more first: without them 2,000 alternatives of a word take 9.1 ms to compile in place of
+// 0.52, a row of counted groups 268 us in place of 169, a lexer of 60 alternatives 48 in place of 41, a literal
+// of 15 units 1.1 in place of 0.66.
 #pragma once
 
 #include "regexp/base/memory.h"
@@ -102,6 +106,7 @@ private:
     void emitText(const RE_Syntax& item);
     std::size_t emitJoined(const char16_t* units, std::size_t count);
     void emitReference(const RE_Syntax& item);
+    template <class OfLines, class OfText>
     void emitAnchor(const RE_Syntax& item);
     RE_Node* makeDynamicNode(const RE_Syntax& item);
     const std::u16string& nameOf(const RE_Syntax& item) const;

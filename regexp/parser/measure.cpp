@@ -70,7 +70,21 @@ public:
                 it.captures = true;
                 it.written = addTokens(it.written, context.facts->referencedTokens.empty() ? 0 : 1);
                 break;
-            default:
+            case RE_Syntax_Kind::sequence:
+            case RE_Syntax_Kind::group:
+            case RE_Syntax_Kind::text:
+            case RE_Syntax_Kind::literal:
+            case RE_Syntax_Kind::range:
+            case RE_Syntax_Kind::escaped:
+            case RE_Syntax_Kind::set:
+            case RE_Syntax_Kind::dot:
+            case RE_Syntax_Kind::start_anchor:
+            case RE_Syntax_Kind::end_anchor:
+            case RE_Syntax_Kind::start_word:
+            case RE_Syntax_Kind::end_word:
+            case RE_Syntax_Kind::evaluate:
+            case RE_Syntax_Kind::reference:
+            case RE_Syntax_Kind::dropped:
                 break;
         }
     }
@@ -105,7 +119,14 @@ private:
             case RE_Syntax_Kind::end_word:
                 it.nodes = 1;
                 break;
-            default:
+            case RE_Syntax_Kind::sequence:
+            case RE_Syntax_Kind::group:
+            case RE_Syntax_Kind::capture:
+            case RE_Syntax_Kind::atomic:
+            case RE_Syntax_Kind::look:
+            case RE_Syntax_Kind::conditional:
+            case RE_Syntax_Kind::repeat:
+            case RE_Syntax_Kind::dropped:
                 break;
         }
     }

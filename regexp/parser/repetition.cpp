@@ -100,7 +100,7 @@ void RE_Graph_Builder::emitLoop(std::uint32_t index) {
 
 // Makes the node that the pass for loops over one unit would make of the loop, at once. The pass still
 // gives it its number and its row (`isOpen`). The numbers and the row that the nodes of the loop would have
-// got are left out, so that graphs are numbered alike whether runs are made here or by the pass.
+// got are left out, so that most nodes have the same number whether runs are made here or by the pass.
 void RE_Graph_Builder::emitRun(std::uint32_t index, const RE_Repeat_Plan& plan) {
     const bool exact = plan.minimum == plan.maximum;
     const bool lazy = tree[index].qualifier == RE_Qualifier::lazy && !exact;

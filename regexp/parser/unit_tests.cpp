@@ -121,9 +121,10 @@ RE_Consumable* makeRange(RE_ParserContext& context, char16_t low, char16_t high,
             return context.make<RE_Range_I>(plan.low, plan.high);
         case RE_Range_Test::both:
             return context.make<RE_Range_I2>(plan.low, plan.high);
-        default:
+        case RE_Range_Test::exact:
             return context.make<RE_Range>(plan.low, plan.high);
     }
+    __builtin_unreachable();
 }
 
 RE_Consumable* makeUnitNode(RE_ParserContext& context, const RE_Syntax_Tree& tree, std::uint32_t index) {
@@ -141,12 +142,28 @@ RE_Consumable* makeUnitNode(RE_ParserContext& context, const RE_Syntax_Tree& tre
             const RE_Syntax_Set& set = tree.sets[item.payload];
             return context.make<RE_Unit_Class>(set.units, set.text);
         }
-        default:
+        case RE_Syntax_Kind::dot:
+            if ((item.flags & RE_FLAG_DOT_ALL) != 0) {
+                return context.make<RE_Dot_All>();
+            }
+            return context.make<RE_Dot_Line>();
+        // No items of one unit.
+        case RE_Syntax_Kind::sequence:
+        case RE_Syntax_Kind::group:
+        case RE_Syntax_Kind::capture:
+        case RE_Syntax_Kind::atomic:
+        case RE_Syntax_Kind::look:
+        case RE_Syntax_Kind::conditional:
+        case RE_Syntax_Kind::repeat:
+        case RE_Syntax_Kind::text:
+        case RE_Syntax_Kind::start_anchor:
+        case RE_Syntax_Kind::end_anchor:
+        case RE_Syntax_Kind::start_word:
+        case RE_Syntax_Kind::end_word:
+        case RE_Syntax_Kind::evaluate:
+        case RE_Syntax_Kind::reference:
+        case RE_Syntax_Kind::dropped:
             break;
     }
-    // What is left is the dot.
-    if ((item.flags & RE_FLAG_DOT_ALL) != 0) {
-        return context.make<RE_Dot_All>();
-    }
-    return context.make<RE_Dot_Line>();
+    __builtin_unreachable();
 }

@@ -20,7 +20,7 @@
 enum class RE_Range_Test {
     exact,  ///< the unit itself
     lower,  ///< its lower-case form, against bounds in lower case
-    both    ///< its lower-case form or its upper-case form
+    both    ///< each of its forms: its own two, and all units with the same lower-case form
 };
 
 /// The bounds in ascending order, already mapped for the test, and the test that the case of the units

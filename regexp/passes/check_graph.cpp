@@ -1,4 +1,4 @@
-// The checks, one function for what a class needs and one for where nodes lead. Compiled in the developer
+// The checks, one function for what a class needs and two for where nodes lead. Compiled in the developer
 // build only.
 #include "regexp/passes/check_graph.h"
 
@@ -9,6 +9,7 @@
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/counters.h"
 #include "regexp/nodes/dispatch.h"
+#include "regexp/nodes/links.h"
 #include "regexp/nodes/trivial.h"
 
 #include <algorithm>
@@ -58,12 +59,20 @@ bool isComplete(RE_Node* node) {
     return true;
 }
 
+bool leadsToSkippable(RE_Node* node) {
+    bool found = false;
+    forEachLink(*node,
+                [&found](RE_Node* target, RE_Link) { found = found || throughSkippable(target) != target; });
+    return found;
+}
+
 }  // namespace
 
-void checkGraph(RE_Node* root) {
+void checkGraph(RE_Node* root, bool bypassesSkippable) {
     for (RE_Node* node : RE_Collection::reachable(root)) {
         const bool mayBeItem = nodeAs<RE_Consumable>(node) != nullptr;
-        if (!isComplete(node) || !(mayBeItem || leadsOn(node))) {
+        if (!isComplete(node) || !(mayBeItem || leadsOn(node)) ||
+            (bypassesSkippable && leadsToSkippable(node))) {
             throw std::logic_error("broken graph at node " + std::to_string(node->nodeId) + ": " +
                                    node->label());
         }
@@ -72,6 +81,6 @@ void checkGraph(RE_Node* root) {
 
 #else
 
-void checkGraph(RE_Node*) {}
+void checkGraph(RE_Node*, bool) {}
 
 #endif

@@ -12,6 +12,6 @@ class RE_Node;
 /// Checked: choices have both branches; counters, bodies and items are in place; a run's bounds are in order
 /// and its item is a test of one unit; and every other node leads somewhere, on success or on failure, unless
 /// it is an end or a helper that only lies on the stack. Unit tests and lookarounds are exempt from the last
-/// rule, as the item of a run leads nowhere. That links bypass skippable nodes is not checked: it holds only
-/// after `removeNullNodes`.
-void checkGraph(RE_Node* root);
+/// rule, as the item of a run leads nowhere. With `bypassesSkippable`, which holds from `removeNullNodes` on, no
+/// link leads to a node that does nothing.
+void checkGraph(RE_Node* root, bool bypassesSkippable);

@@ -91,7 +91,7 @@ RE_Node* joinLinearSubpatterns(RE_Graph_Context& context, RE_Node* root) {
     root = removeNullNodes(context, root);
     if (context.hasMade<RE_Natural, RE_String>()) {
         constexpr RE_Class_Bits literals =
-            RE_Asked_Classes::bit<RE_Natural>() | RE_Asked_Classes::bit<RE_String>();
+            RE_Node_Classes::bit<RE_Natural>() | RE_Node_Classes::bit<RE_String>();
         // Each string or literal joins as many literals after it as it can. Those are marked skippable and
         // passed over when their own turn comes.
         for (RE_Node* node : context.nodes(root)) {

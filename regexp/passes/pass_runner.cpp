@@ -43,14 +43,14 @@ constexpr Pass passes[] = {
 }  // namespace
 
 RE_Node* runPasses(RE_Graph_Context& context, RE_Node* root, const RE_Stage_Observer& observer) {
-    checkGraph(root);
+    checkGraph(root, !context.hasSkippable);
     if (observer) {
         observer(RE_Stage::parsed, root);
     }
     for (const Pass& pass : passes) {
         if ((context.options().*pass.enabled)()) {
             root = pass.run(context, root);
-            checkGraph(root);
+            checkGraph(root, !context.hasSkippable);
             if (observer) {
                 observer(pass.stage, root);
             }

@@ -177,22 +177,22 @@ inline RE_Program_Exit RE_Program_Run::run(const RE_Instruction* in) {
                              p);
             case RE_Operation::pass:
                 in = in->next;
-                break;
+                continue;
             case RE_Operation::unit:
                 consume(p < end && *p == in->unit);
-                break;
+                continue;
             case RE_Operation::eitherUnit:
                 consume(p < end && (*p == in->unit || *p == in->most));
-                break;
+                continue;
             case RE_Operation::range:
                 consume(p < end && in->least <= *p && *p <= in->most);
-                break;
+                continue;
             case RE_Operation::set:
                 consume(p < end && in->units->contains(*p));
-                break;
+                continue;
             case RE_Operation::notLineFeed:
                 consume(p < end && *p != u'\n');
-                break;
+                continue;
             case RE_Operation::text:
                 if (static_cast<std::size_t>(end - p) >= in->least && equalUnits(p, in->text, in->least)) {
                     p += in->least;
@@ -200,7 +200,7 @@ inline RE_Program_Exit RE_Program_Run::run(const RE_Instruction* in) {
                 } else {
                     in = in->otherwise;
                 }
-                break;
+                continue;
             case RE_Operation::foldedText:
                 if (static_cast<std::size_t>(end - p) >= in->least &&
                     RE_Literal{in->text, in->least, true}.matchesAt(p)) {
@@ -209,13 +209,13 @@ inline RE_Program_Exit RE_Program_Run::run(const RE_Instruction* in) {
                 } else {
                     in = in->otherwise;
                 }
-                break;
+                continue;
             case RE_Operation::run: {
                 const char16_t* const stop = runEnd(*in, static_cast<const RE_Consume&>(*in->node), p);
                 const bool suffices = static_cast<std::size_t>(stop - p) >= in->least;
                 p = stop;
                 jump(suffices);
-                break;
+                continue;
             }
             // Three nodes and as many steps: the start of the token, the run, and, if that suffices, the
             // token's end. The register for the start is not written, as only that end would read it.
@@ -225,20 +225,20 @@ inline RE_Program_Exit RE_Program_Run::run(const RE_Instruction* in) {
                 const char16_t* const stop = runEnd(*in, static_cast<const RE_Consume&>(*token.run), p);
                 if (static_cast<std::size_t>(stop - p) < in->least) {
                     in = in->otherwise;
-                    break;
+                    continue;
                 }
                 --left;
                 record(token.number, static_cast<std::size_t>(p - begin),
                        static_cast<std::size_t>(stop - begin));
                 p = stop;
                 in = in->next;
-                break;
+                continue;
             }
             case RE_Operation::texts: {
                 const auto found = static_cast<const RE_Literal_Set*>(in->node)->literals.find(p, end, 0);
                 if (found.length == 0) {
                     in = in->otherwise;
-                    break;
+                    continue;
                 }
                 // There is a memo: the node has to be visited by the loop, which consults it.
                 if (info.refusesStates()) {
@@ -248,7 +248,7 @@ inline RE_Program_Exit RE_Program_Run::run(const RE_Instruction* in) {
                 info.spareChoice();
                 p += found.length;
                 in = in->next;
-                break;
+                continue;
             }
             case RE_Operation::choose: {
                 const RE_Instruction* const way = choose(*in, p);
@@ -257,47 +257,46 @@ inline RE_Program_Exit RE_Program_Run::run(const RE_Instruction* in) {
                     return leave(How::left, p, in->node);
                 }
                 in = way;
-                break;
+                continue;
             }
             case RE_Operation::startToken:
                 starts[in->least] = static_cast<std::size_t>(p - begin);
                 in = in->next;
-                break;
+                continue;
             case RE_Operation::endToken:
                 record(in->least, starts[in->least], static_cast<std::size_t>(p - begin));
                 in = in->next;
-                break;
+                continue;
             case RE_Operation::tokenText:
                 jump(repeatsToken(in->least, p));
-                break;
+                continue;
             case RE_Operation::lineStart:
                 jump(p <= begin || p[-1] == u'\n');
-                break;
+                continue;
             case RE_Operation::lineEnd:
                 jump(p >= end || *p == u'\n');
-                break;
+                continue;
             case RE_Operation::textStart:
                 jump(p <= begin);
-                break;
+                continue;
             case RE_Operation::textEnd:
                 jump(p >= end);
-                break;
+                continue;
             case RE_Operation::wordStart:
                 jump(p <= begin || !in->units->contains(p[-1]));
-                break;
+                continue;
             case RE_Operation::wordEnd:
                 jump(p >= end || !in->units->contains(*p));
-                break;
+                continue;
             case RE_Operation::glanceSet:
                 jump(in->flag ? p > begin && in->units->contains(p[-1]) : p < end && in->units->contains(*p));
-                break;
+                continue;
             case RE_Operation::glance:
                 jump(static_cast<const RE_Lookaround_Assertion*>(in->node)->glance(p, info));
-                break;
-            default:
-                // Every operation has a case above.
-                __builtin_unreachable();
+                continue;
         }
+        // Every operation has a case above, which leaves it by `continue`: so the jump needs no check.
+        __builtin_unreachable();
     }
     return leave(How::left, p, in->node);
 }

@@ -109,10 +109,9 @@ RE_Replace_Evalable* RE_Replace_Token::copy() const {
     return new RE_Replace_Token(nullptr, token);
 }
 
-// Nodes are compared by class first, as references of different kinds may have equal payloads.
+// References of different classes are never the same: each class answers for its own payload only.
 bool RE_Replace_Token::is_same(const RE_Replace_Evalable* other) const {
-    const auto* const same = dynamic_cast<const RE_Replace_Token*>(other);
-    return same != nullptr && same->token == token;
+    return other != nullptr && other->isToken(token);
 }
 
 RE_Evaluation_IO* RE_Replace_Token::create_variable(RE_Context* context) const {
@@ -157,9 +156,7 @@ RE_Replace_Evalable* RE_Replace_Named_Token::copy() const {
 }
 
 bool RE_Replace_Named_Token::is_same(const RE_Replace_Evalable* other) const {
-    const auto* const same = dynamic_cast<const RE_Replace_Named_Token*>(other);
-    return same != nullptr &&
-           std::u16string_view(same->name, same->nameLength) == std::u16string_view(name, nameLength);
+    return other != nullptr && other->isTokenNamed({name, nameLength});
 }
 
 // Names are ASCII, as the reader accepts no others, so narrowing loses nothing.
@@ -220,8 +217,7 @@ RE_Replace_Evalable* RE_Replace_Special::copy() const {
 }
 
 bool RE_Replace_Special::is_same(const RE_Replace_Evalable* other) const {
-    const auto* const same = dynamic_cast<const RE_Replace_Special*>(other);
-    return same != nullptr && same->kind == kind;
+    return other != nullptr && other->isSpecial(kind);
 }
 
 RE_Evaluation_IO* RE_Replace_Special::create_variable(RE_Context* context) const {

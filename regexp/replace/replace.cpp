@@ -100,12 +100,7 @@ public:
     char16_t* build_replace(char16_t* buffer, std::size_t* length, std::size_t* capacity,
                             RE_Results* results) const override {
         for (const RE_Replace_Node* node = first; node != nullptr && complete; node = node->next()) {
-            // Expressions are the only nodes that may have nothing to write. `build_value` leaves the
-            // interrupt flag alone.
-            const auto* const expression = dynamic_cast<const RE_Replace_Evaluator*>(node);
-            buffer = expression != nullptr
-                         ? expression->build_value(buffer, length, capacity, results, &complete)
-                         : node->build_piece(buffer, length, capacity, results);
+            buffer = node->build_value(buffer, length, capacity, results, &complete);
         }
         return buffer;
     }

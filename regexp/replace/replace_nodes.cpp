@@ -24,6 +24,11 @@ char16_t* RE_Replace_Node::build_replace(char16_t* buffer, std::size_t* length, 
     return buffer;
 }
 
+char16_t* RE_Replace_Node::build_value(char16_t* buffer, std::size_t* length, std::size_t* capacity,
+                                       RE_Results* results, bool*) const {
+    return build_piece(buffer, length, capacity, results);
+}
+
 RE_Replace_Node::~RE_Replace_Node() {
     // Each node is unlinked before it is deleted, so that its own destructor finds nothing to follow.
     while (RE_Replace_Node* const node = following) {

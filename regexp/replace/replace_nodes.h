@@ -45,6 +45,10 @@ public:
     /// `build_replace` does and returns it.
     virtual char16_t* build_piece(char16_t* buffer, std::size_t* length, std::size_t* capacity,
                                   RE_Results* results) const = 0;
+    /// The same for callers that want to know whether there was a piece: only expressions may have none, and
+    /// then `*found` becomes false.
+    virtual char16_t* build_value(char16_t* buffer, std::size_t* length, std::size_t* capacity,
+                                  RE_Results* results, bool* found) const;
     /// Appends the node in DOT, under this number. Links between nodes are the caller's.
     virtual void graph(std::string& out, std::size_t number) const = 0;
 
@@ -94,6 +98,10 @@ public:
     /// Whether the other node is of the same class and has the same payload. `$0` and `$&` differ, though
     /// they write the same.
     virtual bool is_same(const RE_Replace_Evalable* other) const = 0;
+    // What `is_same` asks the other one, each answered by one class.
+    virtual bool isToken(std::size_t /*number*/) const { return false; }
+    virtual bool isTokenNamed(std::u16string_view /*name*/) const { return false; }
+    virtual bool isSpecial(std::uint32_t /*kind*/) const { return false; }
     /// Has the host make a variable for this reference (`RE_Context::create_unique_var`); its name is owned
     /// by the caller, and null when the host returns null.
     virtual RE_Evaluation_IO* create_variable(RE_Context* context) const = 0;
@@ -110,6 +118,7 @@ public:
     void graph(std::string& out, std::size_t number) const override;
     RE_Replace_Evalable* copy() const override;
     bool is_same(const RE_Replace_Evalable* other) const override;
+    bool isToken(std::size_t number) const override { return number == token; }
     RE_Evaluation_IO* create_variable(RE_Context* context) const override;
 
 private:
@@ -128,6 +137,9 @@ public:
     void graph(std::string& out, std::size_t number) const override;
     RE_Replace_Evalable* copy() const override;
     bool is_same(const RE_Replace_Evalable* other) const override;
+    bool isTokenNamed(std::u16string_view other) const override {
+        return other == std::u16string_view(name, nameLength);
+    }
     RE_Evaluation_IO* create_variable(RE_Context* context) const override;
 
 private:
@@ -148,6 +160,7 @@ public:
     void graph(std::string& out, std::size_t number) const override;
     RE_Replace_Evalable* copy() const override;
     bool is_same(const RE_Replace_Evalable* other) const override;
+    bool isSpecial(std::uint32_t other) const override { return other == kind; }
     RE_Evaluation_IO* create_variable(RE_Context* context) const override;
 
 private:
@@ -167,9 +180,9 @@ public:
     /// flag.
     char16_t* build_piece(char16_t* buffer, std::size_t* length, std::size_t* capacity,
                           RE_Results* results) const override;
-    /// The same without the flag: `*found` says whether there was a value.
+    /// Leaves the flag alone.
     char16_t* build_value(char16_t* buffer, std::size_t* length, std::size_t* capacity, RE_Results* results,
-                          bool* found) const;
+                          bool* found) const override;
     ~RE_Replace_Evaluator() override;
     void graph(std::string& out, std::size_t number) const override;
 

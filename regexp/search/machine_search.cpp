@@ -34,6 +34,8 @@ public:
     bool finish(RE_Machine_Exit reason, std::size_t& length) {
         while (reason != RE_Machine_Exit::noStart && !info.wasInterrupted()) {
             switch (reason) {
+                case RE_Machine_Exit::noStart:  // ends the loop
+                    __builtin_unreachable();
                 case RE_Machine_Exit::glance:
                     decide();
                     break;
@@ -43,7 +45,11 @@ public:
                 case RE_Machine_Exit::seek:
                     continueAt(code.attempt, walk.seekFrom(pastWhatWasSeen()));
                     break;
-                default:
+                case RE_Machine_Exit::matched:
+                case RE_Machine_Exit::failed:
+                case RE_Machine_Exit::slow:
+                case RE_Machine_Exit::choice:
+                case RE_Machine_Exit::leave:
                     if (finishAttempt(reason, length)) {
                         return true;
                     }

@@ -52,7 +52,28 @@ RE_Step takeUp(const RE_Backtrack_Record& record, const char16_t* p, RE_Search_I
         case RE_Node_Kind::dispatch:
             following = static_cast<const RE_Dispatch*>(chooser)->RE_Dispatch::resume(record, pos, info);
             break;
-        default:
+        case RE_Node_Kind::other:
+        case RE_Node_Kind::end:
+        case RE_Node_Kind::literal:
+        case RE_Node_Kind::foldedLiteral:
+        case RE_Node_Kind::range:
+        case RE_Node_Kind::namedClass:
+        case RE_Node_Kind::unitClass:
+        case RE_Node_Kind::dotLine:
+        case RE_Node_Kind::string:
+        case RE_Node_Kind::run:
+        case RE_Node_Kind::literalSet:
+        case RE_Node_Kind::startToken:
+        case RE_Node_Kind::endToken:
+        case RE_Node_Kind::matchToken:
+        case RE_Node_Kind::lineStart:
+        case RE_Node_Kind::lineEnd:
+        case RE_Node_Kind::textStart:
+        case RE_Node_Kind::textEnd:
+        case RE_Node_Kind::glance:
+        case RE_Node_Kind::wordStart:
+        case RE_Node_Kind::wordEnd:
+        case RE_Node_Kind::passage:
             following = chooser->resume(record, pos, info);
     }
     return {following, info.subjectBegin + pos};

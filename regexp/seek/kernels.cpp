@@ -171,9 +171,10 @@ const char16_t* prefixForward(const char16_t* p, const char16_t* end, const RE_P
             return findForward(p, end, Prefix_Test<2>{scan});
         case 3:
             return findForward(p, end, Prefix_Test<3>{scan});
-        default:
+        case 4:
             return findForward(p, end, Prefix_Test<4>{scan});
     }
+    __builtin_unreachable();
 }
 const char16_t* probeBackward(const char16_t* p, const char16_t* end, const RE_Literal_Probe& probe) {
     return withTest(probe, [=](const auto& test) HWY_ATTR { return findBackward(p, end, test); });
