@@ -10,8 +10,10 @@
 #include "regexp/analysis/prefix_scan.h"
 #include "regexp/nodes/closed_body.h"
 #include "regexp/nodes/consume.h"
+#include "regexp/nodes/dispatch.h"
 #include "regexp/nodes/links.h"
 #include "regexp/nodes/literal_set.h"
+#include "regexp/nodes/split.h"
 #include "regexp/nodes/string.h"
 #include "regexp/nodes/unit_union.h"
 #include "regexp/nodes/units.h"
@@ -142,9 +144,18 @@ private:
     RE_Scratch_List<RE_Node*> pending;
 };
 
-/// The first literals on the ways from the root, outside of closed bodies but for that of a last lookahead. Not all of them
-/// are required.
-RE_Scratch_List<RE_Node*> literalsFrom(RE_Graph_Context& context, RE_Node* root) {
+bool isLiteral(const RE_Node* node) {
+    return nodeAs<RE_String>(node) != nullptr || nodeAs<RE_Natural>(node) != nullptr ||
+           nodeAs<RE_Literal_Set>(node) != nullptr;
+}
+
+bool isChoice(const RE_Node* node) {
+    return nodeAs<RE_Split>(node) != nullptr || nodeAs<RE_Dispatch>(node) != nullptr;
+}
+
+/// The first nodes of one sort on the ways from the root, outside of closed bodies but for that of a last lookahead. Not all
+/// of them are required.
+RE_Scratch_List<RE_Node*> nodesFrom(RE_Graph_Context& context, RE_Node* root, bool (*isSought)(const RE_Node*)) {
     const std::uint32_t walk = context.nextWalk();
     RE_Scratch_List<RE_Node*> nodes(&context.scratch);
     RE_Scratch_List<RE_Node*> found(&context.scratch);
@@ -159,8 +170,7 @@ RE_Scratch_List<RE_Node*> literalsFrom(RE_Graph_Context& context, RE_Node* root)
     follow(root);
     for (std::size_t i = 0; i < nodes.size() && i < mostNodes && found.size() < mostLiterals; ++i) {
         RE_Node* const node = nodes[i];
-        if (nodeAs<RE_String>(node) != nullptr || nodeAs<RE_Natural>(node) != nullptr ||
-            nodeAs<RE_Literal_Set>(node) != nullptr) {
+        if (isSought(node)) {
             found.push_back(node);
         }
         if (const auto* const look = nodeAs<RE_Lookaround_Assertion>(node); look != nullptr && look->isLast) {
@@ -172,10 +182,10 @@ RE_Scratch_List<RE_Node*> literalsFrom(RE_Graph_Context& context, RE_Node* root)
     return found;
 }
 
-/// What seeks the node in a text: its text, or the prefixes of a set of literals. Nothing where it cannot be
-/// sought.
+/// What seeks the node in a text: its text, or the prefixes of a set of literals, or of what a choice leads to. Nothing where
+/// it cannot be sought.
 std::optional<RE_Text_Finder> finderOf(RE_Graph_Context& context, RE_Node* node) {
-    if (nodeAs<RE_Literal_Set>(node) == nullptr) {
+    if (nodeAs<RE_Literal_Set>(node) == nullptr && !isChoice(node)) {
         return literalOf(node);
     }
     const std::optional<RE_Likely_Prefixes> prefixes = prefixesFrom(context, node, true);
@@ -200,14 +210,18 @@ std::optional<RE_Text_Finder> literalOf(const RE_Node* node) {
                           nodeAs<RE_Natural_I>(node) != nullptr);
 }
 
-std::vector<RE_Found_Literal> requiredLiterals(RE_Graph_Context& context, RE_Node* root) {
+namespace {
+
+/// Those of the sought nodes that every match passes, rarest first.
+std::vector<RE_Found_Literal> requiredNodes(RE_Graph_Context& context, RE_Node* root,
+                                            bool (*isSought)(const RE_Node*)) {
     std::vector<RE_Found_Literal> required;
-    RE_Scratch_List<RE_Node*> literals = literalsFrom(context, root);
-    if (!literals.empty()) {
-        keepBottlenecks(context, root, literals);
+    RE_Scratch_List<RE_Node*> nodes = nodesFrom(context, root, isSought);
+    if (!nodes.empty()) {
+        keepBottlenecks(context, root, nodes);
     }
-    required.reserve(literals.size());
-    for (RE_Node* node : literals) {
+    required.reserve(nodes.size());
+    for (RE_Node* node : nodes) {
         std::optional<RE_Text_Finder> finder = finderOf(context, node);
         if (finder && finder->likelihood() < 1) {
             // Equal ones stay in the order in which they were met.
@@ -216,10 +230,18 @@ std::vector<RE_Found_Literal> requiredLiterals(RE_Graph_Context& context, RE_Nod
             };
             const auto place =
                 std::upper_bound(required.begin(), required.end(), finder->likelihood(), rarerThan);
-            required.insert(place, {node, {std::move(*finder), nullptr, 0}});
+            required.insert(place, {node, {std::move(*finder), nullptr, 0}, isChoice(node)});
         }
     }
     return required;
+}
+
+}  // namespace
+
+// Where no literal is in all matches, one of those that a choice leads to is.
+std::vector<RE_Found_Literal> requiredLiterals(RE_Graph_Context& context, RE_Node* root) {
+    std::vector<RE_Found_Literal> required = requiredNodes(context, root, isLiteral);
+    return required.empty() ? requiredNodes(context, root, isChoice) : required;
 }
 
 bool surround(RE_Graph_Context& context, RE_Node* root, RE_Found_Literal& found) {

@@ -17,6 +17,7 @@ std::optional<RE_Text_Finder> literalOf(const RE_Node* node);
 struct RE_Found_Literal {
     const RE_Node* node;
     RE_Required_Literal literal;
+    bool isChoice = false;  ///< not one literal, but those that a choice leads to
 
     double likelihood() const { return literal.finder.likelihood(); }
 };

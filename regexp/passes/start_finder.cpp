@@ -141,7 +141,9 @@ public:
         const RE_Node* const leading = leadingConsumer(root);
         for (RE_Found_Literal& found : required) {
             auto& needed = context.facts->needed;
-            if (found.node != leading && needed.size() < mostNeeded && surround(context, root, found)) {
+            // What a choice leads to is near in most texts.
+            if (found.node != leading && !found.isChoice && needed.size() < mostNeeded &&
+                surround(context, root, found)) {
                 const std::uint32_t row = context.nextMemoRow();
                 found.literal.before = context.sets.share(std::move(found.literal.before));
                 needed.push_back(std::make_unique<RE_Literal_Stretches>(std::move(found.literal), row));
