@@ -199,7 +199,8 @@ std::size_t roomFor(const RE_Program& program) {
 /// Writes the code of a pattern into a buffer, and then to the place where it is run.
 class Assembler : private corvane_machine::Start_Code {
 public:
-    Assembler(const RE_Graph_Facts& facts, std::span<std::byte> buffer) : Start_Code(facts, facts.root, buffer) {
+    Assembler(const RE_Graph_Facts& graphFacts, std::span<std::byte> buffer)
+        : Start_Code(graphFacts, graphFacts.root, buffer) {
         // The order is the layout of the code: entries, starts, program, exits, constants. `emitBegin` falls
         // through into `emitStarts`, and the next start into the program.
         emitEntry();
@@ -211,7 +212,7 @@ public:
         emitConstants();
     }
     /// Whether there is anything that the code does by itself.
-    bool gains(const RE_Graph_Facts& facts) const { return facts.program.entry != nullptr || seeks(); }
+    bool gains(const RE_Graph_Facts& graphFacts) const { return graphFacts.program.entry != nullptr || seeks(); }
 
     /// Null where there is no memory that may be executed.
     std::unique_ptr<RE_Machine_Code> place() {
