@@ -29,7 +29,7 @@ private:
 // the caller to see.
 RE_Match_Sequence::RE_Match_Sequence(const RE_Tree& pattern, std::u16string_view subject,
                                      const RE_Search_Limits* searchLimits)
-    : tree(pattern), info(freshState(subject)), watchesMemory(searchLimits != nullptr) {
+    : tree(pattern), info(freshState(subject)), isLimited(searchLimits != nullptr) {
     if (info.tokens == nullptr) {
         throw std::bad_alloc();
     }
@@ -38,6 +38,8 @@ RE_Match_Sequence::RE_Match_Sequence(const RE_Tree& pattern, std::u16string_view
     if (searchLimits != nullptr) {
         account.setCeiling(searchLimits->bytes);
         info.meter.setBudget(searchLimits->steps);
+        limits = *searchLimits;
+        info.heed(limits.mayEndFromOutside() ? &limits : nullptr);
     }
 }
 
@@ -49,7 +51,7 @@ RE_Search_Info RE_Match_Sequence::freshState(std::u16string_view subject) {
 
 // What is done once, or with limits only, stands by itself: the rest is short then.
 void RE_Match_Sequence::use(std::u16string_view subject) {
-    watchesMemory ? turnWithin(subject) : turnTo(subject);
+    isLimited ? turnWithin(subject) : turnTo(subject);
 }
 
 // What the searches before hold is given back to the account that it was taken from.
@@ -64,7 +66,7 @@ void RE_Match_Sequence::turnTo(std::u16string_view subject) {
         view->subjectBegin = begin;
         view->subjectEnd = begin + subject.size();
     }
-    seen = found = memoryFull = false;
+    seen = found = memoryFull = clockWasRead = false;
     table.clear();
     info.useSubject(begin, subject.size(), withinSize(tree.tokenCount));
     if (info.tokens == nullptr) {
@@ -72,26 +74,35 @@ void RE_Match_Sequence::turnTo(std::u16string_view subject) {
     }
 }
 
+// A search that was broken off leaves states in the memo that it was still exploring: none may follow.
 RE_Results* RE_Match_Sequence::find(std::size_t offset) {
     found = false;
-    if (info.tokens == nullptr) {
-        return nullptr;  // they were released
+    if (info.tokens == nullptr || info.wasInterrupted()) {
+        return nullptr;  // they were released, or the sequence is over
     }
     if (code != nullptr) {
         return searchByCode(offset);
     }
-    return watchesMemory ? searchWithin(offset) : search(offset);
+    return isLimited ? searchWithin(offset) : search(offset);
 }
 
 [[gnu::noinline]] RE_Results* RE_Match_Sequence::searchWithin(std::size_t offset) {
     const RE_Memory_Account::Scope scope(account);
     try {
-        memoryFull = account.isOver();
-        return memoryFull ? nullptr : search(offset);
+        memoryFull = memoryFull || account.isOver();
+        return memoryFull || isEndedFromOutside() ? nullptr : search(offset);
     } catch (const RE_Ceiling_Reached&) {
         memoryFull = true;
         return nullptr;
     }
+}
+
+// Short searches are over before they poll. The clock takes as long to read as some of them take, so it is read for the
+// first one only; those after it reach a checkpoint together.
+bool RE_Match_Sequence::isEndedFromOutside() {
+    const bool asks = limits.stop.stop_requested() || !clockWasRead;
+    clockWasRead = true;
+    return asks && info.pollLimits();
 }
 
 void RE_Match_Sequence::goOn() {
@@ -105,10 +116,10 @@ void RE_Match_Sequence::goOn() {
 [[gnu::noinline]] void RE_Match_Sequence::getReady() {
     info.prepare(*tree.facts);
     prepared = tree.facts->profiler == nullptr;  // each search counts for itself
-    if (!watchesMemory) {
+    if (!isLimited) {
         info.beginInquiry();
     }
-    mayRunCode = !watchesMemory && !info.checkInterrupts && prepared;
+    mayRunCode = !isLimited && !info.checkInterrupts && prepared;
 }
 
 RE_Results* RE_Match_Sequence::see(std::size_t length) {

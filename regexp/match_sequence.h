@@ -49,6 +49,7 @@ private:
     RE_Results* searchByCode(std::size_t offset);
     /// Makes ready for a search behind those that were before.
     void goOn();
+    bool isEndedFromOutside();
     RE_Results* see(std::size_t length);
     void getReady();
     RE_Results* makeView(std::size_t length);
@@ -57,7 +58,9 @@ private:
     RE_Memory_Account account;
     RE_Seek_Table table;
     RE_Search_Info info;
-    bool watchesMemory;
+    RE_Search_Limits limits;
+    bool isLimited;
+    bool clockWasRead = false;  ///< since the subject is this one
     bool memoryFull = false;
     bool prepared = false;  ///< for the pattern
     bool found = false;     ///< the last search found a match, which was not released
