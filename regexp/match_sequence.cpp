@@ -7,6 +7,7 @@
 #include "regexp/search/search.h"
 #include "regexp/tree.h"
 
+#include <algorithm>
 #include <new>
 
 namespace {
@@ -75,22 +76,22 @@ void RE_Match_Sequence::turnTo(std::u16string_view subject) {
 }
 
 // A search that was broken off leaves states in the memo that it was still exploring: none may follow.
-RE_Results* RE_Match_Sequence::find(std::size_t offset) {
+RE_Results* RE_Match_Sequence::find(std::size_t offset, std::size_t latestStart) {
     found = false;
     if (info.tokens == nullptr || info.wasInterrupted()) {
         return nullptr;  // they were released, or the sequence is over
     }
     if (code != nullptr) {
-        return searchByCode(offset);
+        return searchByCode(offset, latestStart);
     }
-    return isLimited ? searchWithin(offset) : search(offset);
+    return isLimited ? searchWithin(offset, latestStart) : search(offset, latestStart);
 }
 
-[[gnu::noinline]] RE_Results* RE_Match_Sequence::searchWithin(std::size_t offset) {
+[[gnu::noinline]] RE_Results* RE_Match_Sequence::searchWithin(std::size_t offset, std::size_t latestStart) {
     const RE_Memory_Account::Scope scope(account);
     try {
         memoryFull = memoryFull || account.isOver();
-        return memoryFull || isEndedFromOutside() ? nullptr : search(offset);
+        return memoryFull || isEndedFromOutside() ? nullptr : search(offset, latestStart);
     } catch (const RE_Ceiling_Reached&) {
         memoryFull = true;
         return nullptr;
@@ -105,9 +106,9 @@ bool RE_Match_Sequence::isEndedFromOutside() {
     return asks && info.pollLimits();
 }
 
-void RE_Match_Sequence::goOn() {
+void RE_Match_Sequence::goOn(std::size_t offset) {
     if (seen) {
-        info.searchBehind(view->matchStart + view->matchLength);
+        info.searchAgain(offset, view->matchStart + view->matchLength);
     } else if (!prepared) {
         getReady();
     }
@@ -136,14 +137,14 @@ RE_Results* RE_Match_Sequence::see(std::size_t length) {
     return &view.emplace(&info, info.matchStart, length, false);
 }
 
-RE_Results* RE_Match_Sequence::search(std::size_t offset) {
+RE_Results* RE_Match_Sequence::search(std::size_t offset, std::size_t latestStart) {
     if (tree.root == nullptr) {
         return nullptr;
     }
-    goOn();
+    goOn(offset);
     const Interrupt_Aside aside(info);
     std::size_t length = 0;
-    found = findMatch(*tree.facts, info, offset, length) && !info.pollInterrupt();
+    found = findMatch(*tree.facts, info, offset, length, latestStart) && !info.pollInterrupt();
     if (mayRunCode) {
         code = tree.facts->speedUps.machineCode.get();
     }
@@ -151,15 +152,17 @@ RE_Results* RE_Match_Sequence::search(std::size_t offset) {
 }
 
 // Nobody can break it off.
-inline RE_Results* RE_Match_Sequence::searchByCode(std::size_t offset) {
+inline RE_Results* RE_Match_Sequence::searchByCode(std::size_t offset, std::size_t latestStart) {
     const RE_Graph_Facts& facts = *tree.facts;
-    if (facts.minimumLength > info.subjectLength() - offset) {
+    const std::size_t size = info.subjectLength();
+    if (facts.minimumLength > size - offset || latestStart < offset) {
         return nullptr;
     }
-    goOn();
+    const std::size_t last = std::min(size - withinSize(facts.minimumLength), latestStart);
+    goOn(offset);
     std::size_t length = 0;
-    const bool matched = findByMachineCode(facts, *code, info.subjectBegin + offset,
-                                           info.subjectEnd - facts.minimumLength, info, length);
+    const bool matched =
+        findByMachineCode(facts, *code, info.subjectBegin + offset, info.subjectBegin + last, info, length);
     return matched ? see(length) : nullptr;
 }
 

@@ -90,9 +90,9 @@ public:
             forgetAttempt();
         }
     }
-    /// Makes ready for a search behind a match that this state found and that ended at index `end`, with the
-    /// same graph. Storage is kept.
-    void searchBehind(std::size_t end);
+    /// Makes ready for another search with the same graph, from index `offset` on, which is not before that of the
+    /// last search. The last match that this state found ended at index `end`. Storage is kept.
+    void searchAgain(std::size_t offset, std::size_t end);
 
     /// A request to stop that came before the search is put aside, and handed back once the search is over.
     void putInterruptAside() {
@@ -316,7 +316,7 @@ private:
     void nameSlots();
     void takePendingInterrupt();
     void handBackInterrupt();
-    void carryMemoOver(std::size_t end);
+    void carryMemoOver(std::size_t offset, std::size_t end);
     void forgetSubject();
     void forgetAttempt();
     const RE_TokenInfo* withinSubject(const RE_TokenInfo* token) const {
@@ -369,11 +369,11 @@ private:
 
 // --- what every search and every attempt begins with ---
 
-inline void RE_Search_Info::searchBehind(std::size_t end) {
+inline void RE_Search_Info::searchAgain(std::size_t offset, std::size_t end) {
     steps = 1;
     stopped = RE_Search_Outcome::noMatch;
     if (memo != nullptr) {
-        carryMemoOver(end);
+        carryMemoOver(offset, end);
     }
 }
 
