@@ -15,7 +15,7 @@ namespace {
 using corvane_tests::EngineConfig;
 
 /// A dynamic text is compiled at every place at which it is tried: fewer steps take longer here.
-constexpr RE_Search_Limits kFewSteps{.steps = 2000, .bytes = kLimits.bytes};
+const RE_Search_Limits kFewSteps{.steps = 2000, .bytes = kLimits.bytes};
 
 /// An expression without references is worth its own text, any other the texts of its references one after
 /// the other. An empty text is a failed evaluation; true is a text with an odd number of units.

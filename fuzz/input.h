@@ -47,6 +47,6 @@ void require(bool holds, std::string_view what, std::u16string_view pattern,
              std::u16string_view subject = {});
 
 /// Bounds of one search, so that an input that is merely expensive is no finding.
-inline constexpr RE_Search_Limits kLimits{.steps = 100000, .bytes = std::uint64_t{64} << 20};
+inline const RE_Search_Limits kLimits{.steps = 100000, .bytes = std::uint64_t{64} << 20};
 
 }  // namespace corvane_fuzz

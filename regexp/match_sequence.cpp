@@ -7,6 +7,7 @@
 #include "regexp/search/search.h"
 #include "regexp/tree.h"
 
+#include <algorithm>
 #include <new>
 
 namespace {
@@ -29,7 +30,7 @@ private:
 // the caller to see.
 RE_Match_Sequence::RE_Match_Sequence(const RE_Tree& pattern, std::u16string_view subject,
                                      const RE_Search_Limits* searchLimits)
-    : tree(pattern), info(freshState(subject)), watchesMemory(searchLimits != nullptr) {
+    : tree(pattern), info(freshState(subject)), isLimited(searchLimits != nullptr) {
     if (info.tokens == nullptr) {
         throw std::bad_alloc();
     }
@@ -38,6 +39,8 @@ RE_Match_Sequence::RE_Match_Sequence(const RE_Tree& pattern, std::u16string_view
     if (searchLimits != nullptr) {
         account.setCeiling(searchLimits->bytes);
         info.meter.setBudget(searchLimits->steps);
+        limits = *searchLimits;
+        info.heed(limits.mayEndFromOutside() ? &limits : nullptr);
     }
 }
 
@@ -49,7 +52,7 @@ RE_Search_Info RE_Match_Sequence::freshState(std::u16string_view subject) {
 
 // What is done once, or with limits only, stands by itself: the rest is short then.
 void RE_Match_Sequence::use(std::u16string_view subject) {
-    watchesMemory ? turnWithin(subject) : turnTo(subject);
+    isLimited ? turnWithin(subject) : turnTo(subject);
 }
 
 // What the searches before hold is given back to the account that it was taken from.
@@ -64,7 +67,7 @@ void RE_Match_Sequence::turnTo(std::u16string_view subject) {
         view->subjectBegin = begin;
         view->subjectEnd = begin + subject.size();
     }
-    seen = found = memoryFull = false;
+    seen = found = memoryFull = clockWasRead = false;
     table.clear();
     info.useSubject(begin, subject.size(), withinSize(tree.tokenCount));
     if (info.tokens == nullptr) {
@@ -72,31 +75,40 @@ void RE_Match_Sequence::turnTo(std::u16string_view subject) {
     }
 }
 
-RE_Results* RE_Match_Sequence::find(std::size_t offset) {
+// A search that was broken off leaves states in the memo that it was still exploring: none may follow.
+RE_Results* RE_Match_Sequence::find(std::size_t offset, std::size_t latestStart) {
     found = false;
-    if (info.tokens == nullptr) {
-        return nullptr;  // they were released
+    if (info.tokens == nullptr || info.wasInterrupted()) {
+        return nullptr;  // they were released, or the sequence is over
     }
     if (code != nullptr) {
-        return searchByCode(offset);
+        return searchByCode(offset, latestStart);
     }
-    return watchesMemory ? searchWithin(offset) : search(offset);
+    return isLimited ? searchWithin(offset, latestStart) : search(offset, latestStart);
 }
 
-[[gnu::noinline]] RE_Results* RE_Match_Sequence::searchWithin(std::size_t offset) {
+[[gnu::noinline]] RE_Results* RE_Match_Sequence::searchWithin(std::size_t offset, std::size_t latestStart) {
     const RE_Memory_Account::Scope scope(account);
     try {
-        memoryFull = account.isOver();
-        return memoryFull ? nullptr : search(offset);
+        memoryFull = memoryFull || account.isOver();
+        return memoryFull || isEndedFromOutside() ? nullptr : search(offset, latestStart);
     } catch (const RE_Ceiling_Reached&) {
         memoryFull = true;
         return nullptr;
     }
 }
 
-void RE_Match_Sequence::goOn() {
+// Short searches are over before they poll. The clock takes as long to read as some of them take, so it is read for the
+// first one only; those after it reach a checkpoint together.
+bool RE_Match_Sequence::isEndedFromOutside() {
+    const bool asks = limits.stop.stop_requested() || !clockWasRead;
+    clockWasRead = true;
+    return asks && info.pollLimits();
+}
+
+void RE_Match_Sequence::goOn(std::size_t offset) {
     if (seen) {
-        info.searchBehind(view->matchStart + view->matchLength);
+        info.searchAgain(offset, view->matchStart + view->matchLength);
     } else if (!prepared) {
         getReady();
     }
@@ -105,10 +117,10 @@ void RE_Match_Sequence::goOn() {
 [[gnu::noinline]] void RE_Match_Sequence::getReady() {
     info.prepare(*tree.facts);
     prepared = tree.facts->profiler == nullptr;  // each search counts for itself
-    if (!watchesMemory) {
+    if (!isLimited) {
         info.beginInquiry();
     }
-    mayRunCode = !watchesMemory && !info.checkInterrupts && prepared;
+    mayRunCode = !isLimited && !info.checkInterrupts && prepared;
 }
 
 RE_Results* RE_Match_Sequence::see(std::size_t length) {
@@ -125,14 +137,14 @@ RE_Results* RE_Match_Sequence::see(std::size_t length) {
     return &view.emplace(&info, info.matchStart, length, false);
 }
 
-RE_Results* RE_Match_Sequence::search(std::size_t offset) {
+RE_Results* RE_Match_Sequence::search(std::size_t offset, std::size_t latestStart) {
     if (tree.root == nullptr) {
         return nullptr;
     }
-    goOn();
+    goOn(offset);
     const Interrupt_Aside aside(info);
     std::size_t length = 0;
-    found = findMatch(*tree.facts, info, offset, length) && !info.pollInterrupt();
+    found = findMatch(*tree.facts, info, offset, length, latestStart) && !info.pollInterrupt();
     if (mayRunCode) {
         code = tree.facts->speedUps.machineCode.get();
     }
@@ -140,15 +152,17 @@ RE_Results* RE_Match_Sequence::search(std::size_t offset) {
 }
 
 // Nobody can break it off.
-inline RE_Results* RE_Match_Sequence::searchByCode(std::size_t offset) {
+inline RE_Results* RE_Match_Sequence::searchByCode(std::size_t offset, std::size_t latestStart) {
     const RE_Graph_Facts& facts = *tree.facts;
-    if (facts.minimumLength > info.subjectLength() - offset) {
+    const std::size_t size = info.subjectLength();
+    if (facts.minimumLength > size - offset || latestStart < offset) {
         return nullptr;
     }
-    goOn();
+    const std::size_t last = std::min(size - withinSize(facts.minimumLength), latestStart);
+    goOn(offset);
     std::size_t length = 0;
-    const bool matched = findByMachineCode(facts, *code, info.subjectBegin + offset,
-                                           info.subjectEnd - facts.minimumLength, info, length);
+    const bool matched =
+        findByMachineCode(facts, *code, info.subjectBegin + offset, info.subjectBegin + last, info, length);
     return matched ? see(length) : nullptr;
 }
 

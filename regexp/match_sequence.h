@@ -27,10 +27,12 @@ public:
     /// were seen are gone. For many short subjects. Throws when there is no memory for the tokens of a match
     /// that were released.
     void use(std::u16string_view subject);
-    /// The leftmost match at or behind `offset`, which lies between the end of the match found before and the
-    /// subject's length; null when there is none, the host asked to stop or a limit was met: then the
-    /// sequence is over. A view of the search state, good until the next call.
-    RE_Results* find(std::size_t offset);
+    /// The leftmost match that starts at or after `offset` and not after `latestStart`; it may end anywhere, and tests
+    /// see the whole subject. `offset` lies between that of the search before and the subject's length: also within
+    /// the match found last, though going on after it keeps more of what is known. A view of the search state, good
+    /// until the next call. Null when there is none, and when the search was broken off: then the sequence is over.
+    RE_Results* find(std::size_t offset, std::size_t latestStart = anyStart);
+    static constexpr std::size_t anyStart = static_cast<std::size_t>(-1);
     /// The match of the last `find`, as an object of its own; until `use` the sequence is over. Null when
     /// that found none, or there is no memory.
     RE_Results* releaseMatch();
@@ -44,11 +46,12 @@ private:
     RE_Search_Outcome outcome() const;
     void turnTo(std::u16string_view subject);
     void turnWithin(std::u16string_view subject);
-    RE_Results* searchWithin(std::size_t offset);
-    RE_Results* search(std::size_t offset);
-    RE_Results* searchByCode(std::size_t offset);
-    /// Makes ready for a search behind those that were before.
-    void goOn();
+    RE_Results* searchWithin(std::size_t offset, std::size_t latestStart);
+    RE_Results* search(std::size_t offset, std::size_t latestStart);
+    RE_Results* searchByCode(std::size_t offset, std::size_t latestStart);
+    /// Makes ready for a search from `offset` on, after those that were before.
+    void goOn(std::size_t offset);
+    bool isEndedFromOutside();
     RE_Results* see(std::size_t length);
     void getReady();
     RE_Results* makeView(std::size_t length);
@@ -57,7 +60,9 @@ private:
     RE_Memory_Account account;
     RE_Seek_Table table;
     RE_Search_Info info;
-    bool watchesMemory;
+    RE_Search_Limits limits;
+    bool isLimited;
+    bool clockWasRead = false;  ///< since the subject is this one
     bool memoryFull = false;
     bool prepared = false;  ///< for the pattern
     bool found = false;     ///< the last search found a match, which was not released

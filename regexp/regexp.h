@@ -20,6 +20,7 @@
 #include "regexp/find_all.h"
 #include "regexp/inspect/growth.h"
 #include "regexp/options/compile_options.h"
+#include "regexp/pattern_set.h"
 #include "regexp/replace/replace.h"
 #include "regexp/replace/replace_nodes.h"
 #include "regexp/search/observer.h"

@@ -1,11 +1,17 @@
 // Limits of a search, and what is reported of its end: for one match, a walk over all matches and a replacement.
 //
-// The oracle is the same search without limits: a limit changes the answer to "given up" and to nothing else.
+// The oracle is the same search without limits: a limit changes the answer to "given up" and to nothing else. Requests to
+// stop from other threads are in threads_test.cpp; here they come at an exact place of the work.
 #include "host/allocation_counter.h"
+#include "host/memory_hook.h"
 #include "tests/support/differential.h"
+#include "tests/support/scripted_host.h"
 
 #include <gtest/gtest.h>
+#include <chrono>
+#include <functional>
 #include <memory>
+#include <stop_token>
 
 namespace corvane_tests {
 namespace {
@@ -152,6 +158,172 @@ TEST(Limits, HoldForAWalkAndAReplacementAsAWhole) {
         EXPECT_EQ(text.size() - (found > 0 ? 2u : 0u) - (found > 1 ? 4u : 0u) - (found > 2 ? 4u : 0u), replaced.size())
             << "the rest stays";
     }
+}
+
+using Clock = std::chrono::steady_clock;
+const RE_Search_Limits::Time kPast = Clock::now() - std::chrono::hours(1);
+
+/// Requests to stop in the midst of the work: when the engine asks for its n-th block.
+class CancelAt final : public utAllocationHook {
+public:
+    CancelAt(std::stop_source& stopSource, int block)
+        : source(stopSource), left(block), previous(utSetAllocationHook(this)) {}
+    ~CancelAt() override { utSetAllocationHook(previous); }
+    bool allow(size_t) noexcept override {
+        if (--left == 0) {
+            source.request_stop();
+        }
+        return true;
+    }
+    void allocated() noexcept override {}
+    void freed() noexcept override {}
+
+private:
+    std::stop_source& source;
+    int left;
+    utAllocationHook* previous;
+};
+
+using Work = std::function<RE_Search_Report(const RE_Tree& tree, const std::u16string& text, const RE_Search_Limits&)>;
+
+/// The ways of searching that take limits. The text has no match.
+const std::pair<const char*, Work> kWork[] = {
+    {"match",
+     [](const RE_Tree& tree, const std::u16string& text, const RE_Search_Limits& limits) {
+         const Searched searched = searchWithin(tree, text, limits);
+         EXPECT_FALSE(searched.matched);
+         return searched.report;
+     }},
+    {"find_all",
+     [](const RE_Tree& tree, const std::u16string& text, const RE_Search_Limits& limits) {
+         auto range = tree.find_all(text, 0, limits);
+         EXPECT_TRUE(range.begin() == range.end());
+         EXPECT_FALSE(range.interrupted());
+         return range.report();
+     }},
+    {"replace",
+     [](const RE_Tree& tree, const std::u16string& text, const RE_Search_Limits& limits) {
+         RE_Search_Report report;
+         EXPECT_EQ(text, RE_Replace(u"-").replace(text, tree, false, 0, limits, report)) << "the text stays";
+         return report;
+     }},
+};
+
+// Before the work even the shortest search sees it, during the work a long one. The tree is as good as before.
+TEST(Limits, EndSearchesThatAreCancelledOrLate) {
+    for (const bool isLong : {true, false}) {
+        const RE_Tree tree(isLong ? u"(?:a|aa)*c" : u"x", false);
+        const std::u16string text(isLong ? 30000 : 3, u'a');
+        for (const auto& [name, work] : kWork) {
+            const RE_Search_Report whole = work(tree, text, {});
+            EXPECT_EQ(Outcomes::noMatch, whole.outcome);
+            std::stop_source before;
+            before.request_stop();
+            EXPECT_EQ(Outcomes::cancelled, work(tree, text, {.stop = before.get_token()}).outcome) << name;
+            EXPECT_EQ(Outcomes::deadlinePassed, work(tree, text, {.deadline = kPast}).outcome) << name;
+            if (isLong) {
+                std::stop_source during;
+                const CancelAt hook(during, 12);
+                const RE_Search_Report part = work(tree, text, {.stop = during.get_token()});
+                EXPECT_EQ(Outcomes::cancelled, part.outcome) << name;
+                EXPECT_LT(0u, part.steps) << name;
+                EXPECT_LT(part.steps, whole.steps) << name;
+            }
+            const RE_Search_Report again = work(tree, text, {});
+            EXPECT_EQ(whole.outcome, again.outcome) << name;
+            EXPECT_EQ(whole.steps, again.steps) << name;
+        }
+    }
+}
+
+// Nobody requests anything, and the day is far: outcome, steps and memory are those of a search without either.
+TEST(Limits, WithoutARequestAndFarFromTheDeadlineChangeNothing) {
+    const std::stop_source nobody;
+    const RE_Search_Limits idle{.stop = nobody.get_token(), .deadline = Clock::now() + std::chrono::hours(24)};
+    for (const char16_t* pattern : kPatterns) {
+        for (const std::u16string& text :
+             {std::u16string(700, u'a'), std::u16string(u"aabaabaabbxabc"), std::u16string(200'000, u'b')}) {
+            const StaySlow scope;  // or the patterns would grow in between
+            const RE_Tree tree(pattern, false);
+            const Searched expected = searchWithin(tree, text, {});
+            const Searched found = searchWithin(tree, text, idle);
+            EXPECT_EQ(expected.matched, found.matched) << printable(pattern);
+            EXPECT_EQ(expected.report.outcome, found.report.outcome) << printable(pattern);
+            EXPECT_EQ(expected.report.steps, found.report.steps) << printable(pattern);
+            EXPECT_EQ(expected.report.peakBytes, found.report.peakBytes) << printable(pattern);
+        }
+    }
+}
+
+// A search for a start, and a loop, each over 200,000 units without a step in between. What was not scanned was not found.
+TEST(Limits, AreSeenWithinALongScan) {
+    const std::u16string text = std::u16string(200'000, u'a') + u"bcd";
+    std::stop_source source;
+    source.request_stop();
+    const RE_Search_Limits cancelled{.stop = source.get_token()}, late{.deadline = kPast};
+    for (const auto& [limits, outcome] :
+         {std::pair(&cancelled, Outcomes::cancelled), std::pair(&late, Outcomes::deadlinePassed)}) {
+        for (const char16_t* pattern : {u"b", u"(?i)bcd", u"[bc]d", u"b+c", u"bc|bd", u"(b)c"}) {
+            const Engine engine(pattern);
+            RE_Search_Info info(text.data(), text.size(), 1, nullptr, false);
+            info.heed(limits);
+            EXPECT_EQ(nullptr, engine.tree().getRoot()->seek(info.subjectBegin, info)) << printable(pattern);
+            EXPECT_EQ(outcome, info.stopReason()) << printable(pattern);
+        }
+        for (const char16_t* pattern : {u"a*", u"a*?b", u"(a*+)b", u"(?:a|b)*c"}) {
+            const Engine engine(pattern);
+            RE_Search_Info info(text.data(), text.size(), 1, nullptr, false);
+            info.heed(limits);
+            info.resetForStart(info.subjectBegin);
+            std::size_t length = 0;
+            EXPECT_FALSE(engine.tree().match_bool(info.subjectBegin, &length, &info)) << printable(pattern);
+            EXPECT_EQ(outcome, info.stopReason()) << printable(pattern);
+        }
+    }
+}
+
+// The request comes from the host. Each start calls it once and fails after it, so that the next one asks.
+TEST(Limits, EndASearchInTheMidstOfDynamicTexts) {
+    for (const char16_t* pattern : {u"(??@f())c", u"a(?(?@f())b|c)", u"(?=(??@f())x)a", u"(?@f())c"}) {
+        std::stop_source source;
+        HostJournal host;
+        int calls = 0;
+        host.answers[u"f()"] = [&](const HostJournal::Inputs&) {
+            if (++calls == 7) {
+                source.request_stop();
+            }
+            return std::optional<std::u16string>(u"a");
+        };
+        const ScriptedRun run(pattern, host);
+        const std::u16string text(1000, u'a');
+        EXPECT_EQ(Outcomes::cancelled, searchWithin(run.tree(), text, {.stop = source.get_token()}).report.outcome)
+            << printable(pattern);
+        EXPECT_LE(calls, 8) << printable(pattern);
+    }
+}
+
+// What was found before the request stays found; the walk and the replacement end before the next match.
+TEST(Limits, EndAWalkBetweenItsMatches) {
+    const RE_Tree tree(u"a", false);
+    const std::u16string text(10, u'a');
+    std::stop_source source;
+    const RE_Search_Limits limits{.stop = source.get_token()};
+    auto range = tree.find_all(text, 0, limits);
+    size_t found = 0;
+    for (auto it = range.begin(); it != range.end(); ++it) {
+        if (++found == 3) {
+            source.request_stop();
+        }
+    }
+    EXPECT_EQ(3u, found);
+    EXPECT_EQ(Outcomes::cancelled, range.report().outcome);
+
+    RE_Match_Sequence sequence(tree, text, &limits);
+    EXPECT_EQ(nullptr, sequence.find(0));
+    EXPECT_EQ(nullptr, sequence.find(0)) << "it is over";
+    sequence.use(text);
+    EXPECT_EQ(nullptr, sequence.find(0)) << "so are all that heed the request";
+    EXPECT_EQ(Outcomes::cancelled, sequence.report().outcome);
 }
 
 // In the right order of magnitude, sets included, and the same for the same pattern.

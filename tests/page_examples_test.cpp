@@ -36,7 +36,7 @@ const fs::path kTop = CORVANE_TEST_DATA_DIR "/../..";
 /// The pages with C++ in them, and the program that has it.
 const std::map<std::string, std::string> kPrograms = {
     {"README.md", "find_all"},    {"docs/builder.md", "builder"},     {"docs/embedding.md", "faster"},
-    {"docs/host.md", "own_host"}, {"docs/replacement.md", "replace"}, {"docs/seeing-inside.md", "seeing_inside"}};
+    {"docs/host.md", "own_host"}, {"docs/pattern-sets.md", "pattern_set"}, {"docs/replacement.md", "replace"}, {"docs/seeing-inside.md", "seeing_inside"}};
 
 std::string contentOf(const fs::path& file) {
     std::ifstream in(kTop / file, std::ios::binary);

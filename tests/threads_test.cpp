@@ -129,6 +129,42 @@ TEST(EvaluatingThreads, HaveAContextEach) {
     EXPECT_EQ(kNoneWrong, wrongAnswers(1, evaluated, 30));
 }
 
+// Requests come at any moment of searches that take longer than anybody waits: by the match loop, within scans, by machine
+// code, and in patterns compiled during the search. If one is not seen, the budget ends the test.
+TEST(CancellingThreads, EndTheSearchesOfOthers) {
+    const std::u16string text(2'000'000, u'a');
+    HostJournal host;
+    host.answers[u"f()"] = [](const HostJournal::Inputs&) { return std::optional<std::u16string>(u"a?"); };
+    struct {
+        const char16_t* pattern;
+        bool machineCode;
+    } const cases[] = {{u"(?:(a+)\\1?)+b|(a*)\\2c", false},
+                       {u"a[^x]{1,65000}+[xy]", false},
+                       {u"(\\w)\\w*\\d", true},
+                       {u"(a|(??@f()))*\\1{7}c", false}};
+    for (const auto& [pattern, machineCode] : cases) {
+        Corvane::regexp::CompileOptions options;
+        HostJournal own = host;
+        ScriptedRun run(pattern, own, kPlain, {.machineCode = machineCode});
+        for (int way = 0; way < 2; ++way) {
+            std::stop_source source;
+            const RE_Search_Limits limits{.steps = 20'000'000'000, .stop = source.get_token()};
+            RE_Search_Report report;
+            std::thread searching([&] {
+                if (way == 0) {
+                    delete run.tree().match(text.data(), text.size(), 0, limits, report);
+                } else {
+                    EXPECT_EQ(text, RE_Replace(u"").replace(text, run.tree(), false, 0, limits, report));
+                }
+            });
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+            source.request_stop();
+            searching.join();
+            EXPECT_EQ(RE_Search_Outcome::cancelled, report.outcome) << printable(pattern);
+        }
+    }
+}
+
 TEST(CompilingThreads, BuildAndSearchTheirOwnTrees) {
     EXPECT_EQ(kNoneWrong, wrongAnswers(kRounds, [](size_t own) {
                   return describe(Engine(u"(a|b)*(?<n>c{1,20})" + std::u16string(own, u'?')).search(u"xabbcc"));

@@ -1,4 +1,4 @@
-// What a search may spend, and how it ended.
+// What a search may spend, who may end it, and how it ended.
 //
 //     RE_Search_Report report;
 //     const RE_Search_Limits limits{.steps = 1'000'000, .bytes = 16 << 20};
@@ -8,10 +8,24 @@
 //     }
 #pragma once
 
+#include <chrono>
 #include <cstdint>
+#include <stop_token>
+
+enum class RE_Search_Outcome {
+    noMatch,
+    matched,
+    interrupted,  ///< by the flag of the host
+    stepsSpent,
+    memoryFull,
+    cancelled,  ///< by a request to stop
+    deadlinePassed
+};
 
 struct RE_Search_Limits {
+    using Time = std::chrono::steady_clock::time_point;
     static constexpr std::uint64_t unlimited = static_cast<std::uint64_t>(-1);
+    static constexpr Time noDeadline = Time::max();
 
     /// A step is one node of the pattern visited, one end of a run tried or 64 units scanned, and is counted
     /// alike on every machine and in every build. One visit may pass the budget by the steps of its scan,
@@ -20,9 +34,24 @@ struct RE_Search_Limits {
     /// Bytes of the host's memory held at one time. Never passed, but for what a search begins with: a few
     /// words a token.
     std::uint64_t bytes = unlimited;
-};
+    /// Any thread may request the search to stop. Looked at before each search and wherever the flag of the host
+    /// is polled, whether or not the pattern allows interrupts.
+    std::stop_token stop = {};
+    /// No search goes on once this time has come. The clock is read before the first search of a subject, and where
+    /// the flag is polled.
+    Time deadline = noDeadline;
 
-enum class RE_Search_Outcome { noMatch, matched, interrupted, stepsSpent, memoryFull };
+    /// Whether something other than its own work can end the search.
+    bool mayEndFromOutside() const { return stop.stop_possible() || deadline != noDeadline; }
+    /// Why a search must not go on, for reasons that are not its own work; `noMatch` when it may.
+    RE_Search_Outcome askOutside() const {
+        if (stop.stop_requested()) {
+            return RE_Search_Outcome::cancelled;
+        }
+        const bool isLate = deadline != noDeadline && std::chrono::steady_clock::now() >= deadline;
+        return isLate ? RE_Search_Outcome::deadlinePassed : RE_Search_Outcome::noMatch;
+    }
+};
 
 struct RE_Search_Report {
     RE_Search_Outcome outcome = RE_Search_Outcome::noMatch;

@@ -8,6 +8,7 @@
 #include "regexp/graph/node_store.h"
 #include "regexp/graph/speed_ups.h"
 #include "regexp/graph/start_finder_kind.h"
+#include "regexp/units/unit_set.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -20,7 +21,6 @@ class RE_Consume;
 class RE_Literal_Stretches;
 class RE_Node;
 class RE_Profiler;
-class RE_Unit_Set;
 
 /// How a search comes to the places where an attempt begins.
 struct RE_Attempt_Start {
@@ -28,6 +28,13 @@ struct RE_Attempt_Start {
     bool rootSeeks = false;
     bool skipsSeeker = false;            ///< `entry` is not the root
     const RE_Unit_Set* units = nullptr;  ///< all that the seeker looks for, if that is one of them; else null
+};
+
+/// The units with which a match can begin. Those from 0x80 on are not told apart: this is for tables over many patterns.
+struct RE_Match_Beginnings {
+    RE_Low_Units low;
+    bool above = false;    ///< some unit that is not low
+    bool isKnown = false;  ///< otherwise a match may begin with any unit, or be empty
 };
 
 /// Made by the parser, owned by the compiled pattern, read-only during searches but for its speed-ups. Owns the nodes
@@ -55,6 +62,7 @@ struct CORVANE_REGEXP_EXPORT RE_Graph_Facts : public RE_Memory {
     bool hasDynamicNodes = false;     ///< matching may call the host
     RE_Start_Finder startFinder = RE_Start_Finder::none;
     RE_Attempt_Start start;
+    RE_Match_Beginnings beginnings;
     RE_Program program;  ///< of the graph from `start.entry` on, for searches that nobody watches
     /// Of this graph and these settings alone, in the whole process: what was kept for them is told by it from what was
     /// kept for others, which may have had the same address.

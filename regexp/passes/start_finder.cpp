@@ -67,6 +67,29 @@ void noteLeadingLoop(RE_Graph_Facts& facts, RE_Node* leading) {
     }
 }
 
+// Notes the units with which a match can begin.
+void noteBeginnings(RE_Graph_Facts& facts, const RE_Unit_Set& units) {
+    RE_Match_Beginnings& begin = facts.beginnings;
+    for (std::size_t block = 0; block < begin.low.words.size(); ++block) {
+        begin.low.words[block] = units.bits(block);
+    }
+    begin.above = units.holdsAnyFrom(RE_Low_Units::unitCount);
+    begin.isKnown = true;
+}
+
+void noteBeginnings(RE_Graph_Facts& facts, const RE_String& text) {
+    RE_Match_Beginnings& begin = facts.beginnings;
+    const auto add = [&begin](char16_t unit) {
+        unit < RE_Low_Units::unitCount ? begin.low.add(unit) : void(begin.above = true);
+    };
+    if (text.ignoreCase) {
+        RE_Case_Table::get().forEachForm(text.text[0], add);
+    } else {
+        add(text.text[0]);
+    }
+    begin.isKnown = true;
+}
+
 /// The only way on from a node that tests without consuming, or null. A positive lookaround continues at its
 /// next node, a negative one at its fail target; as a condition it has both and there is no only way.
 RE_Node* afterTest(RE_Node* node) {
@@ -123,6 +146,7 @@ public:
             return ofLine ? chooseForLines() : anchored();
         }
         if (auto* string = nodeAs<RE_String>(leadingConsumer(root))) {
+            noteBeginnings(*context.facts, *string);
             return inFront(RE_Start_Finder::literal, context.make<StringStringSeeker>(*string));
         }
         return chooseByUnits(leading);
@@ -162,6 +186,9 @@ private:
     RE_Node* chooseForLines() {
         RE_First_Units first(context);
         const bool isKnown = first.gather(root) && !first.mayBeEmpty && !first.mayBeAtEnd;
+        if (isKnown) {
+            noteBeginnings(*context.facts, *first.units);
+        }
         RE_Node* const inner = isKnown ? innerSeeker(rarerThanLines, first, true) : nullptr;
         return inner != nullptr ? inner : anchored();
     }
@@ -174,6 +201,7 @@ private:
         if (!first.gather(root) || ((first.mayBeEmpty || first.mayBeAtEnd) && allowsEmpty)) {
             return root;
         }
+        noteBeginnings(*context.facts, *first.units);
         const double share = setLikelihood(*first.units);
         if (RE_Node* const rarer = rarerSeeker(leading, first, share, allowsEmpty)) {
             return rarer;

@@ -136,13 +136,15 @@ private:
 
 // Ends at the subject's end itself, so that a pattern may match the empty text there. A start that leaves
 // fewer units than any match needs is not tried; patterns that call the host are run at every start.
-bool findMatch(const RE_Graph_Facts& facts, RE_Search_Info& info, std::size_t offset, std::size_t& length) {
+bool findMatch(const RE_Graph_Facts& facts, RE_Search_Info& info, std::size_t offset, std::size_t& length,
+               std::size_t latestStart) {
     const std::uint64_t needed = facts.hasDynamicNodes ? 0 : facts.minimumLength;
-    if (needed > info.subjectLength() - offset) {
+    if (needed > info.subjectLength() - offset || latestStart < offset) {
         return false;
     }
     const char16_t* const p = info.subjectBegin + offset;
-    const char16_t* const last = info.subjectEnd - withinSize(needed);
+    const char16_t* const last =
+        info.subjectBegin + std::min(info.subjectLength() - withinSize(needed), latestStart);
     const bool isWatched = info.observer != nullptr || info.tokens == nullptr;
     if (isWatched || facts.program.entry == nullptr) {
         return findByGraph(RE_Start_Walk(facts, last, info), facts, info, p, length);

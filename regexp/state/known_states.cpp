@@ -14,10 +14,11 @@ void RE_Known_States::beginMemo() {
 }
 
 // Where failures outlive a start the memo goes on: all searches together cost what one would. Elsewhere it
-// would begin empty at every start, so it waits until a search needs it.
-void RE_Known_States::carryMemoOver(std::size_t end) {
+// would begin empty at every start, so it waits until a search needs it. A search from within the match may meet any of
+// the states on the way of the match, which have not failed, and nothing tells them from the others.
+void RE_Known_States::carryMemoOver(std::size_t offset, std::size_t end) {
     if (facts->memoOutlivesStarts()) {
-        memo->searchFrom(end);
+        offset >= end ? memo->searchFrom(end) : memo->forgetStates();
     } else {
         memo->forgetStates();
         idleMemo = std::move(memo);

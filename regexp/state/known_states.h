@@ -64,7 +64,7 @@ protected:
             beginMemo();
         }
     }
-    void carryMemoOver(std::size_t end);
+    void carryMemoOver(std::size_t offset, std::size_t end);
     /// What is known of the old subject is forgotten. The graph stays.
     void forgetSubject();
     bool refuse() {

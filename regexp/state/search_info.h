@@ -47,9 +47,9 @@ public:
     /// Bytes of memory that a state which was put aside holds.
     std::size_t heldBytes() const;
 
-    /// Makes ready for a search behind a match that this state found and that ended at index `end`, with the
-    /// same graph. Storage is kept.
-    void searchBehind(std::size_t end);
+    /// Makes ready for another search with the same graph, from index `offset` on, which is not before that of the
+    /// last search. The last match that this state found ended at index `end`. Storage is kept.
+    void searchAgain(std::size_t offset, std::size_t end);
 
     // --- an attempt ---
 
@@ -129,11 +129,11 @@ inline void RE_Search_Info::enterLoop() {
     }
 }
 
-inline void RE_Search_Info::searchBehind(std::size_t end) {
+inline void RE_Search_Info::searchAgain(std::size_t offset, std::size_t end) {
     steps = 1;
     stopped = RE_Search_Outcome::noMatch;
     if (memo != nullptr) {
-        carryMemoOver(end);
+        carryMemoOver(offset, end);
     }
 }
 

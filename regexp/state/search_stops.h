@@ -25,8 +25,17 @@ public:
 
     /// Counts one step; true when the host asks to stop. The host is consulted on every 2048th step only.
     bool pollInterrupt();
-    /// For scans of many units between two steps: consults the host at once.
+    /// For scans of many units between two steps: consults the host and the limits at once.
     bool pollScan() final;
+    /// Has polls look at the stop token and the deadline of these limits, too. Null for none; not owned.
+    void heed(const RE_Search_Limits* searchLimits) { limits = searchLimits; }
+    /// Looks at these alone. True when the search is to stop.
+    bool pollLimits() {
+        if (limits != nullptr && !wasInterrupted()) {
+            stopped = limits->askOutside();
+        }
+        return wasInterrupted();
+    }
     /// Whether the search is being broken off, by the host or by a limit.
     bool wasInterrupted() const { return stopped != RE_Search_Outcome::noMatch; }
     /// Why it is; `noMatch` while it is not.
@@ -44,6 +53,7 @@ protected:
     ~RE_Search_Stops() = default;
 
     RE_Search_Outcome stopped = RE_Search_Outcome::noMatch;
+    const RE_Search_Limits* limits = nullptr;  ///< with a stop token or a deadline; else null
 
 private:
     void takePendingInterrupt();
@@ -55,7 +65,7 @@ inline bool RE_Search_Stops::pollScan() {
     if (checkInterrupts && utInterruptState::IsInterruptPending()) {
         stopped = RE_Search_Outcome::interrupted;
     }
-    return wasInterrupted();
+    return pollLimits();
 }
 
 inline bool RE_Search_Stops::pollInterrupt() {

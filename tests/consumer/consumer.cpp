@@ -158,6 +158,16 @@ void searchEveryWay() {
     CHECK(spans(Results(sequence.releaseMatch()).get(), 2, 4));
     sequence.use(u"abc");
     CHECK(spans(sequence.find(0), 0, 3) && sequence.report().isComplete());
+
+    const RE_Tree other(u"and", false);
+    const RE_Tree* const both[] = {&tree, &other};
+    RE_Pattern_Set set(both);
+    RE_Pattern_Set grown;
+    CHECK(set.size() == 2 && grown.add(other) == 0 && grown.add(tree) == 1);
+    for (RE_Pattern_Set* each : {&set, &grown}) {
+        each->use(kText);
+        CHECK(spans(each->find(0)->match, 2, 4) && !each->wasInterrupted() && !each->find(7, 7));
+    }
     CHECK(reMatch("xabc", "a.c") && !reMatch("xABC", "a.c") && reMatchi("xABC", "a.c"));
 }
 

@@ -1,0 +1,105 @@
+// Many patterns over one text: which of them matches first, and how. For lexers, highlighters and routers.
+//
+//     RE_Pattern_Set set;
+//     for (const RE_Tree& tree : trees) {
+//         set.add(tree);
+//     }
+//     set.use(text);
+//     for (auto found = set.find(0); found; found = set.find(found->match->nextIndex())) {
+//         use(found->pattern, reMatchText(*found->match));
+//     }
+#pragma once
+
+#include "regexp/base/memory.h"
+#include "regexp/search/start_table.h"
+#include "regexp/seek/seek_table.h"
+#include "regexp/state/results.h"
+
+#include <cstddef>
+#include <optional>
+#include <span>
+#include <string_view>
+#include <vector>
+
+class RE_Tree;
+
+/// Finds what searches with each of the patterns would find together, but remembers where each matches next: a pattern
+/// is searched with again once that place was passed. The patterns may be used elsewhere at the same time and must
+/// outlive the set, as must the text. Belongs to one thread.
+class CORVANE_REGEXP_EXPORT RE_Pattern_Set : public RE_Memory {
+public:
+    struct Found {
+        std::size_t pattern;  ///< in the order in which they were added, from 0
+        /// A view of the set, good until its next call.
+        const RE_Results* match;
+    };
+    static constexpr std::size_t anyStart = static_cast<std::size_t>(-1);
+
+    RE_Pattern_Set() = default;
+    explicit RE_Pattern_Set(std::span<const RE_Tree* const> patterns);
+    RE_Pattern_Set(const RE_Pattern_Set&) = delete;
+    RE_Pattern_Set& operator=(const RE_Pattern_Set&) = delete;
+
+    /// Returns the number of the pattern. Matches that were found before stay found.
+    std::size_t add(const RE_Tree& pattern);
+    std::size_t size() const { return members.size(); }
+
+    /// Goes on with this text. A text of no length may have a null pointer.
+    void use(std::u16string_view text);
+    /// The leftmost match of all patterns that starts at or after `offset`, and not after `latestStart`; of those that
+    /// start together, that of the pattern that was added first. It may end anywhere, and tests see the whole text.
+    /// Offsets may grow in any steps; a smaller one makes the set forget what it has found. Nothing when there is none,
+    /// and when the host asked to stop. Throws like `RE_Tree::match`.
+    ///
+    /// Patterns that call the host are searched with each time, as its answers may change.
+    std::optional<Found> find(std::size_t offset, std::size_t latestStart = anyStart);
+    /// Whether the host broke the last `find` off.
+    bool wasInterrupted() const { return interrupted; }
+
+private:
+    /// No match of a pattern starts before `start` and at or after the offset; if it is known, one starts there.
+    struct Next {
+        std::size_t start = 0;
+        bool isKnown = false;
+    };
+    struct Member {
+        const RE_Tree* tree;
+        RE_Seek_Table seeks{};
+        std::size_t length = 0;                                          ///< of the next match
+        std::vector<RE_TokenInfo, RE_Allocator<RE_TokenInfo>> tokens{};  ///< in effect in it
+        /// Units to search through when no other pattern has a match before. Grows where there was nothing.
+        std::size_t window = leastWindow;
+    };
+    struct Best {
+        std::size_t start;
+        std::size_t pattern;
+        bool isMatch = false;
+
+        bool isBeatenBy(std::size_t otherStart, std::size_t other) const {
+            return otherStart < start || (otherStart == start && isMatch && other < pattern);
+        }
+    };
+
+    static constexpr std::size_t leastWindow = 1024;
+    static constexpr std::size_t stretchUnits = 256;
+
+    void forgetText();
+    void forgetAnswersOfHost();
+    void survey(std::size_t from);
+    bool searchStretch(std::size_t offset, std::size_t latest, Best& best);
+    bool search(std::size_t pattern, std::size_t from, std::size_t latest, const Best& best);
+    Found show(const Best& best);
+
+    std::vector<Next, RE_Allocator<Next>> next;  ///< for each pattern
+    std::vector<Member, RE_Allocator<Member>> members;
+    RE_Start_Table starts;
+    std::u16string_view subject = u"";
+    std::size_t lastOffset = 0;
+    std::size_t stretchBegin = 0;  ///< of what was surveyed
+    std::size_t stretchEnd = 0;    ///< past the end of the text where the stretch reaches up to it
+    std::optional<RE_Results> view;
+    RE_Token_Stack viewTokens;
+    bool callsHost = false;        ///< one of the patterns does
+    bool isInterruptible = false;  ///< one of them is
+    bool interrupted = false;
+};
