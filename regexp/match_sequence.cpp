@@ -34,7 +34,6 @@ RE_Match_Sequence::RE_Match_Sequence(const RE_Tree& pattern, std::u16string_view
     if (info.tokens == nullptr) {
         throw std::bad_alloc();
     }
-    info.rejectEmpty = tree.allowEmptyMatch ? 0 : 1;
     info.checkInterrupts = tree.interruptible;
     if (searchLimits != nullptr) {
         account.setCeiling(searchLimits->bytes);
@@ -115,11 +114,8 @@ void RE_Match_Sequence::goOn(std::size_t offset) {
 }
 
 [[gnu::noinline]] void RE_Match_Sequence::getReady() {
-    info.prepare(*tree.facts);
+    makeReady(info, *tree.facts, !isLimited);
     prepared = tree.facts->profiler == nullptr;  // each search counts for itself
-    if (!isLimited) {
-        info.beginInquiry();
-    }
     mayRunCode = !isLimited && !info.checkInterrupts && prepared;
 }
 

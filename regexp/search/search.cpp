@@ -134,6 +134,14 @@ private:
 
 }  // namespace
 
+void makeReady(RE_Search_Info& info, const RE_Graph_Facts& facts, bool asks) {
+    info.prepare(facts);
+    info.rejectEmpty = facts.refusesEmpty ? 1 : 0;
+    if (asks) {
+        info.beginInquiry();
+    }
+}
+
 // Ends at the subject's end itself, so that a pattern may match the empty text there. A start that leaves
 // fewer units than any match needs is not tried; patterns that call the host are run at every start.
 bool findMatch(const RE_Graph_Facts& facts, RE_Search_Info& info, std::size_t offset, std::size_t& length,

@@ -2,6 +2,7 @@
 #include "regexp/search/thread_state.h"
 
 #include "regexp/graph/graph_facts.h"
+#include "regexp/search/search.h"
 
 #include <utility>
 
@@ -38,19 +39,16 @@ RE_Thread_State::RE_Thread_State(const RE_Graph_Facts& facts, std::u16string_vie
     if (kept != nullptr) {
         try {
             kept->useAgain(facts, subject.data(), subject.size(), table, pollInterrupts);
+            kept->rejectEmpty = facts.refusesEmpty ? 1 : 0;
         } catch (...) {
             delete kept;
             throw;
         }
     } else {
         state = &own.emplace(subject.data(), subject.size(), facts.tokenCount, table, pollInterrupts);
-        state->prepare(facts);
         state->observer = observer;
-        if (observer == nullptr) {
-            state->beginInquiry();
-        }
+        makeReady(*state, facts, observer == nullptr);
     }
-    state->rejectEmpty = facts.refusesEmpty ? 1 : 0;
 }
 
 void RE_Thread_State::handBack() noexcept {
