@@ -49,7 +49,8 @@ Cell checkAnswer(const Workload& workload, const Engine& engine) {
     Cell cell;
     cell.isPeer = !engine.isOurs();
     const bool isFirst = workload.details.task == Task::first;
-    const std::unique_ptr<Searcher> searcher = isFirst ? nullptr : engine.compile(requestFor(workload, engine));
+    const std::unique_ptr<Searcher> searcher =
+        isFirst ? nullptr : engine.compile(requestFor(workload, engine));
     if (!isFirst && !searcher) {
         return cell;
     }
@@ -106,7 +107,8 @@ void enlist(const std::string& name, const Settings& settings, Body body) {
 }
 
 // Registers one engine's run of the row.
-void enlistEngine(const std::string& name, const Workload& workload, const Engine& engine, const Settings& settings) {
+void enlistEngine(const std::string& name, const Workload& workload, const Engine& engine,
+                  const Settings& settings) {
     if (workload.details.task == Task::first) {
         enlist(name, settings, [&engine] { benchmark::DoNotOptimize(runFirstSearches(engine)); });
         return;

@@ -64,10 +64,10 @@ private:
     bool isLimited;
     bool clockWasRead = false;  ///< since the subject is this one
     bool memoryFull = false;
-    bool prepared = false;  ///< for the pattern
-    bool found = false;     ///< the last search found a match, which was not released
-    bool seen = false;      ///< a match in the subject; the last one is in the view
-    bool mayRunCode = false;  ///< machine code is all that a search needs
+    bool prepared = false;                  ///< for the pattern
+    bool found = false;                     ///< the last search found a match, which was not released
+    bool seen = false;                      ///< a match in the subject; the last one is in the view
+    bool mayRunCode = false;                ///< machine code is all that a search needs
     const RE_Machine_Code* code = nullptr;  ///< the pattern's, once it has some
     std::optional<RE_Results> view;
 };

@@ -329,7 +329,8 @@ TEST(Limits, EndAWalkBetweenItsMatches) {
 // In the right order of magnitude, sets included, and the same for the same pattern.
 TEST(Tree, KnowsTheMemoryItHolds) {
     utAllocationCounter counter;
-    const RE_Tree small(u"ab", false), large(std::u16string(10000, u'a'), false), sets(u"[\\w\\x{2014}]+[^\\w-]", false);
+    const RE_Tree small(u"ab", false), large(std::u16string(10000, u'a'), false),
+        sets(u"[\\w\\x{2014}]+[^\\w-]", false);
     EXPECT_LT(small.memoryUse(), 2000u);
     EXPECT_LT(20000u, large.memoryUse());
     EXPECT_LT(2u * 8192u, sets.memoryUse()) << "tables of sets count";

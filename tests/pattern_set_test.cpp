@@ -243,7 +243,7 @@ TEST(MatchSequence, TakesOffsetsWithinTheLastMatchAndALatestStart) {
                 }
                 const Answer got{0, toOutcome(sequence.find(offset, latest))};
                 ASSERT_EQ(*expected, got) << printable(drawn.text) << " on " << printable(text) << " from " << offset
-                                         << " to " << latest << " " << engine.tree().graph();
+                                          << " to " << latest << " " << engine.tree().graph();
                 offset = nextOffset(step, got, offset, text.size(), source);
             }
         }

@@ -128,7 +128,9 @@ public:
     explicit Corvane_Engine(Call call) : m_call(call) {}
 
     std::string name() const override {
-        return m_call == Call::sequence ? "corvane" : m_call == Call::match ? "corvane match" : "corvane asked";
+        return m_call == Call::sequence ? "corvane"
+               : m_call == Call::match  ? "corvane match"
+                                        : "corvane asked";
     }
     std::string version() const override { return CORVANE_VERSION; }
     bool isOurs() const override { return true; }

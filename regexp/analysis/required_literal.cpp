@@ -155,7 +155,8 @@ bool isChoice(const RE_Node* node) {
 
 /// The first nodes of one sort on the ways from the root, outside of closed bodies but for that of a last lookahead. Not all
 /// of them are required.
-RE_Scratch_List<RE_Node*> nodesFrom(RE_Graph_Context& context, RE_Node* root, bool (*isSought)(const RE_Node*)) {
+RE_Scratch_List<RE_Node*> nodesFrom(RE_Graph_Context& context, RE_Node* root,
+                                    bool (*isSought)(const RE_Node*)) {
     const std::uint32_t walk = context.nextWalk();
     RE_Scratch_List<RE_Node*> nodes(&context.scratch);
     RE_Scratch_List<RE_Node*> found(&context.scratch);

@@ -214,7 +214,9 @@ public:
         emitConstants();
     }
     /// Whether there is anything that the code does by itself.
-    bool gains(const RE_Graph_Facts& graphFacts) const { return graphFacts.program.entry != nullptr || seeks(); }
+    bool gains(const RE_Graph_Facts& graphFacts) const {
+        return graphFacts.program.entry != nullptr || seeks();
+    }
 
     /// Null where there is no memory that may be executed.
     std::unique_ptr<RE_Machine_Code> place() {
@@ -228,9 +230,12 @@ public:
         for (const std::size_t table : tables) {
             moveTable(space.writable() + table, run - getCode());
         }
-        const auto placeOf = [&](const Xbyak::Label& label) { return run + (label.getAddress() - getCode()); };
-        auto code = std::make_unique<RE_Machine_Code>(std::move(space), reinterpret_cast<RE_Machine_Code::Entry>(run),
-                                                      reinterpret_cast<RE_Machine_Code::First>(placeOf(beginLabel)));
+        const auto placeOf = [&](const Xbyak::Label& label) {
+            return run + (label.getAddress() - getCode());
+        };
+        auto code =
+            std::make_unique<RE_Machine_Code>(std::move(space), reinterpret_cast<RE_Machine_Code::Entry>(run),
+                                              reinterpret_cast<RE_Machine_Code::First>(placeOf(beginLabel)));
         code->nextStart = placeOf(nextStartLabel);
         code->attempt = placeOf(attemptLabel);
         code->mostSteps = mostSteps;
@@ -240,7 +245,8 @@ public:
 private:
     // A table holds addresses, which are those of the buffer so far.
     static void moveTable(std::byte* table, std::ptrdiff_t distance) {
-        for (std::size_t column = 0; column < RE_Branch_Start::columns; ++column, table += sizeof(std::uint64_t)) {
+        for (std::size_t column = 0; column < RE_Branch_Start::columns;
+             ++column, table += sizeof(std::uint64_t)) {
             std::uint64_t address;
             std::memcpy(&address, table, sizeof address);
             address += static_cast<std::uint64_t>(distance);

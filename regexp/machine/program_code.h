@@ -33,7 +33,8 @@ namespace corvane_machine {
 /// `later` has to save it and put it back, since failures and exits depend on it.
 class Program_Code : protected Unit_Code {
 protected:
-    Program_Code(const RE_Program& source, bool keeps, RE_Machine_Vectors widest, std::span<std::byte> buffer);
+    Program_Code(const RE_Program& source, bool keeps, RE_Machine_Vectors widest,
+                 std::span<std::byte> buffer);
 
     /// Writes an attempt that begins at `p`. It jumps to `failedLabel` where it fails.
     void emitProgram();

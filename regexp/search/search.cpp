@@ -84,7 +84,8 @@ bool findByProgram(RE_Start_Walk walk, const RE_Graph_Facts& facts, RE_Search_In
                    const char16_t* last, std::size_t& length) {
     const RE_Speed_Ups& speedUps = facts.speedUps;
     const std::uint64_t before = speedUps.steps.get();
-    const std::uint64_t enough = speedUps.machineCode.isOpen() ? facts.tuning.machineCodeSteps : RE_Tuning::never;
+    const std::uint64_t enough =
+        speedUps.machineCode.isOpen() ? facts.tuning.machineCodeSteps : RE_Tuning::never;
     const std::uint64_t stepsLeft = enough - std::min(before, enough);
     const std::uint64_t begun = info.meter.taken();
     bool grows = enough != RE_Tuning::never;

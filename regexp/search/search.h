@@ -17,5 +17,4 @@ bool findMatch(const RE_Graph_Facts& facts, RE_Search_Info& info, std::size_t of
                std::size_t latestStart = static_cast<std::size_t>(-1));
 
 /// The same of a single attempt, at `p`.
-bool attemptAt(const RE_Graph_Facts& facts, RE_Search_Info& info, const char16_t* p,
-               std::size_t& length);
+bool attemptAt(const RE_Graph_Facts& facts, RE_Search_Info& info, const char16_t* p, std::size_t& length);

@@ -14,12 +14,11 @@
 class RE_Start_Walk {
 public:
     /// No match begins behind `lastStart`.
-    RE_Start_Walk(const RE_Graph_Facts& graphFacts, const char16_t* lastStart,
-                  RE_Search_Info& search)
+    RE_Start_Walk(const RE_Graph_Facts& graphFacts, const char16_t* lastStart, RE_Search_Info& search)
         : root(graphFacts.root), facts(graphFacts), last(lastStart), info(search), askingAt(nextAskingAt()) {}
     /// Goes on with one that was to ask once `askLeft` steps are left to the next checkpoint.
-    RE_Start_Walk(const RE_Graph_Facts& graphFacts, const char16_t* lastStart,
-                  RE_Search_Info& search, std::int64_t askLeft)
+    RE_Start_Walk(const RE_Graph_Facts& graphFacts, const char16_t* lastStart, RE_Search_Info& search,
+                  std::int64_t askLeft)
         : RE_Start_Walk(graphFacts, lastStart, search) {
         if (askingAt != RE_Step_Meter::unlimited) {
             askingAt = info.meter.taken() + static_cast<std::uint64_t>(info.meter.room() - askLeft);

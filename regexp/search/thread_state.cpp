@@ -33,8 +33,8 @@ RE_Search_Info* takeOfThread() {
 
 }  // namespace
 
-RE_Thread_State::RE_Thread_State(const RE_Graph_Facts& facts, std::u16string_view subject, RE_Seek_Table* table,
-                                 bool pollInterrupts, RE_Observer* observer)
+RE_Thread_State::RE_Thread_State(const RE_Graph_Facts& facts, std::u16string_view subject,
+                                 RE_Seek_Table* table, bool pollInterrupts, RE_Observer* observer)
     : kept(mayKeep(facts, observer) ? takeOfThread() : nullptr), state(kept) {
     if (kept != nullptr) {
         try {

@@ -22,8 +22,8 @@ class RE_Observer;
 class RE_Thread_State {
 public:
     /// The observer may be null. Without memory for tokens the state has none.
-    RE_Thread_State(const RE_Graph_Facts& facts, std::u16string_view subject, RE_Seek_Table* table, bool pollInterrupts,
-                    RE_Observer* observer = nullptr);
+    RE_Thread_State(const RE_Graph_Facts& facts, std::u16string_view subject, RE_Seek_Table* table,
+                    bool pollInterrupts, RE_Observer* observer = nullptr);
     ~RE_Thread_State() {
         if (kept != nullptr) {
             handBack();

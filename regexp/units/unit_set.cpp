@@ -126,7 +126,8 @@ bool RE_Unit_Set::meets(const RE_Unit_Set& other) const {
             return true;
         }
     }
-    return !shorter.storesAll() && shorter.rest() != 0 && longer.holdsAnyFrom(shorter.stored * std::size_t{64});
+    return !shorter.storesAll() && shorter.rest() != 0 &&
+           longer.holdsAnyFrom(shorter.stored * std::size_t{64});
 }
 
 void RE_Unit_Set::negate() {

@@ -69,9 +69,7 @@ public:
         }
         return *this;
     }
-    ~RE_Unit_Set() {
-        release();
-    }
+    ~RE_Unit_Set() { release(); }
 
     /// An empty set to be shared, from the host's memory.
     static std::shared_ptr<RE_Unit_Set> make() {
