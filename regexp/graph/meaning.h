@@ -213,8 +213,7 @@ struct Host_Text {
 /// The end of the pattern, or of a body; that of a sub-pattern continues in another graph.
 struct End {
     bool ofBody;
-    bool
-        ofLast;  ///< of the body of a lookahead with which the pattern ends, and so does what is known of its matches
+    bool ofLast;  ///< of the body of a lookahead with which the pattern ends
     const RE_Node* continuation;
 };
 
