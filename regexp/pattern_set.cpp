@@ -1,8 +1,9 @@
-// Stretch by stretch: a pattern that can start in the stretch is searched with, and its next match is kept.
+// The patterns stand in a queue by where each may match next. While the first of them does not know that it matches there,
+// it is searched with and goes back in the queue; when it does, no other can match before.
 //
-// A search with one pattern goes beyond what the others have found, by as much as it has gone without a match before. So a
-// pattern with few matches is searched with rarely, and all of its searches together go through the text once or a few
-// times, however near the matches of the others are.
+// A search with one pattern goes beyond what is needed, by as much as it has gone without a match before. So a pattern with
+// few matches is searched with rarely, and all of its searches together go through the text once or a few times, however
+// near the matches of the others are.
 #include "regexp/pattern_set.h"
 
 #include "host/interrupt.h"
@@ -45,19 +46,19 @@ RE_Pattern_Set::RE_Pattern_Set(std::span<const RE_Tree* const> patterns) {
     }
 }
 
-// A tree that was moved from matches nothing: its next match is past every end.
 std::size_t RE_Pattern_Set::add(const RE_Tree& pattern) {
     const std::size_t number = members.size();
     const bool isEmpty = pattern.getRoot() == nullptr;
+    members.push_back({&pattern});
     try {
-        members.push_back({&pattern});
-        next.push_back({isEmpty ? anyStart : lastOffset, false});
+        queue.push_back({lastOffset, number, false});
         starts.add(isEmpty ? RE_Match_Beginnings() : pattern.getFacts().beginnings);
     } catch (...) {
-        members.erase(members.begin() + static_cast<std::ptrdiff_t>(number), members.end());
-        next.resize(number);
+        members.pop_back();
+        queue.resize(number);
         throw;
     }
+    orderQueue();
     callsHost = callsHost || (!isEmpty && pattern.getFacts().hasDynamicNodes);
     isInterruptible = isInterruptible || pattern.isInterruptible();
     stretchEnd = stretchBegin;  // to be surveyed again
@@ -70,46 +71,72 @@ void RE_Pattern_Set::use(std::u16string_view text) {
         member.seeks.clear();
         member.window = leastWindow;
     }
-    forgetText();
+    forget(false);
+    stretchBegin = stretchEnd = 0;
 }
 
-void RE_Pattern_Set::forgetText() {
-    for (std::size_t i = 0; i < members.size(); ++i) {
-        next[i] = {members[i].tree->getRoot() == nullptr ? anyStart : 0, false};
-    }
-    lastOffset = stretchBegin = stretchEnd = 0;
-}
-
-void RE_Pattern_Set::forgetAnswersOfHost() {
-    for (std::size_t i = 0; callsHost && i < members.size(); ++i) {
-        const RE_Tree& tree = *members[i].tree;
-        if (tree.getRoot() != nullptr && tree.getFacts().hasDynamicNodes) {
-            next[i] = {};
+void RE_Pattern_Set::forget(bool answersOfHostOnly) {
+    for (Next& each : queue) {
+        const RE_Tree& tree = *members[each.pattern].tree;
+        if (!answersOfHostOnly || (tree.getRoot() != nullptr && tree.getFacts().hasDynamicNodes)) {
+            each = {0, each.pattern, false};
         }
     }
+    orderQueue();
+    lastOffset = answersOfHostOnly ? lastOffset : 0;
+}
+
+void RE_Pattern_Set::orderQueue() {
+    std::make_heap(queue.begin(), queue.end(),
+                   [](const Next& one, const Next& other) { return other.isBefore(one); });
+}
+
+// One way down in place of the two that popping and pushing would take.
+void RE_Pattern_Set::changeFirst(std::size_t start, bool isKnown) {
+    const Next changed{start, queue.front().pattern, isKnown};
+    std::size_t place = 0;
+    for (std::size_t child = 1; child < queue.size(); child = 2 * place + 1) {
+        const bool hasBrother = child + 1 < queue.size();
+        child += hasBrother && queue[child + 1].isBefore(queue[child]) ? 1U : 0U;
+        if (!queue[child].isBefore(changed)) {
+            break;
+        }
+        queue[place] = queue[child];
+        place = child;
+    }
+    queue[place] = changed;
 }
 
 std::optional<RE_Pattern_Set::Found> RE_Pattern_Set::find(std::size_t offset, std::size_t latestStart) {
     interrupted = false;
     const std::size_t latest = std::min(latestStart, subject.size());
     if (offset < lastOffset) {
-        forgetText();
+        forget(false);
+    } else if (callsHost) {
+        forget(true);
     }
-    if (offset > latest) {
+    if (offset > latest || queue.empty()) {
         return std::nullopt;
     }
     lastOffset = offset;
-    forgetAnswersOfHost();
     const Earlier_Interrupt aside(isInterruptible);
-    Best best{latest + 1, 0};
-    for (std::size_t from = offset; from <= latest && from <= best.start; from = stretchEnd) {
+    for (;;) {
+        const Next& first = queue.front();
+        const std::size_t from = std::max(first.start, offset);
+        if (from > latest) {
+            return std::nullopt;
+        }
+        if (first.isKnown && first.start == from) {
+            return show(first);
+        }
         survey(from);
-        if (!searchStretch(offset, latest, best)) {
+        if (!starts.mayStart(first.pattern)) {
+            changeFirst(stretchEnd, false);
+        } else if (!searchWithFirst(from, latest)) {
             interrupted = true;
             return std::nullopt;
         }
     }
-    return best.isMatch ? std::optional(show(best)) : std::nullopt;
 }
 
 // The stretch that is there may have begun before: then it rules out less than it could.
@@ -123,39 +150,21 @@ void RE_Pattern_Set::survey(std::size_t from) {
     stretchEnd = end == subject.size() ? end + 1 : end;
 }
 
-// Finds out of each pattern whether it matches in the stretch and before `best`. False when the host asked to stop.
-bool RE_Pattern_Set::searchStretch(std::size_t offset, std::size_t latest, Best& best) {
-    for (std::size_t i = 0; i < next.size(); ++i) {
-        const std::size_t from = std::max(next[i].start, offset);
-        if (from >= stretchEnd || !best.isBeatenBy(from, i)) {
-            continue;
-        }
-        const bool isKnown = next[i].isKnown && next[i].start == from;
-        if (!isKnown && !starts.mayStart(i)) {
-            next[i] = {stretchEnd, false};
-            continue;
-        }
-        if (!isKnown && !search(i, from, latest, best)) {
-            return false;
-        }
-        if (next[i].isKnown && best.isBeatenBy(next[i].start, i)) {
-            best = {next[i].start, i, true};
-        }
+// Needed is the answer up to the end of the stretch. False when the host asked to stop. A tree that was moved from matches
+// nothing.
+bool RE_Pattern_Set::searchWithFirst(std::size_t from, std::size_t latest) {
+    Member& member = members[queue.front().pattern];
+    if (member.tree->getRoot() == nullptr) {
+        changeFirst(anyStart, false);
+        return true;
     }
-    return true;
-}
-
-// Needed is the answer up to the end of the stretch, or to the best match.
-bool RE_Pattern_Set::search(std::size_t pattern, std::size_t from, std::size_t latest, const Best& best) {
-    Member& member = members[pattern];
     const RE_Tree& tree = *member.tree;
     const RE_Graph_Facts& facts = tree.getFacts();
     if (tree.isInterruptible() && utInterruptState::IsInterruptPending()) {
         return false;
     }
-    const std::size_t needed = std::min(best.start, stretchEnd - 1);
-    const std::size_t wanted = facts.hasDynamicNodes ? needed : std::max(needed, from + member.window);
-    const std::size_t reach = std::min(wanted, latest);
+    const std::size_t ahead = facts.hasDynamicNodes ? from : from + member.window;
+    const std::size_t reach = std::min(std::max(stretchEnd - 1, ahead), latest);
 
     RE_Thread_State state(facts, subject, &member.seeks, tree.isInterruptible());
     RE_Search_Info& info = state.info();
@@ -169,7 +178,7 @@ bool RE_Pattern_Set::search(std::size_t pattern, std::size_t from, std::size_t l
         return false;
     }
     if (!found) {
-        next[pattern] = {reach + 1, false};
+        changeFirst(reach + 1, false);
         member.window = std::min(4 * member.window, subject.size() + 1);
         return true;
     }
@@ -179,18 +188,18 @@ bool RE_Pattern_Set::search(std::size_t pattern, std::size_t from, std::size_t l
     const auto& slots = info.tokens->slots;
     member.tokens.assign(slots.begin(), slots.begin() + static_cast<std::ptrdiff_t>(info.tokens->count));
     member.length = length;
-    next[pattern] = {info.indexOf(info.matchStart), true};
+    changeFirst(info.indexOf(info.matchStart), true);
     return true;
 }
 
-RE_Pattern_Set::Found RE_Pattern_Set::show(const Best& best) {
-    const Member& member = members[best.pattern];
+RE_Pattern_Set::Found RE_Pattern_Set::show(const Next& match) {
+    const Member& member = members[match.pattern];
     viewTokens.slots.assign(member.tokens.begin(), member.tokens.end());
     viewTokens.count = viewTokens.written = member.tokens.size();
     view->subjectBegin = subject.data();
     view->subjectEnd = subject.data() + subject.size();
-    view->matchStart = best.start;
+    view->matchStart = match.start;
     view->matchLength = member.length;
     view->tokens = &viewTokens;
-    return {best.pattern, &*view};
+    return {match.pattern, &*view};
 }

@@ -57,10 +57,15 @@ public:
     bool wasInterrupted() const { return interrupted; }
 
 private:
-    /// No match of a pattern starts before `start` and at or after the offset; if it is known, one starts there.
+    /// Of a pattern: at or after the offset no match starts before `start`. If it is known, one starts there.
     struct Next {
         std::size_t start = 0;
+        std::size_t pattern = 0;
         bool isKnown = false;
+
+        bool isBefore(const Next& other) const {
+            return start != other.start ? start < other.start : pattern < other.pattern;
+        }
     };
     struct Member {
         const RE_Tree* tree;
@@ -70,27 +75,18 @@ private:
         /// Units to search through when no other pattern has a match before. Grows where there was nothing.
         std::size_t window = leastWindow;
     };
-    struct Best {
-        std::size_t start;
-        std::size_t pattern;
-        bool isMatch = false;
-
-        bool isBeatenBy(std::size_t otherStart, std::size_t other) const {
-            return otherStart < start || (otherStart == start && isMatch && other < pattern);
-        }
-    };
-
     static constexpr std::size_t leastWindow = 1024;
     static constexpr std::size_t stretchUnits = 256;
 
-    void forgetText();
-    void forgetAnswersOfHost();
+    void forget(bool answersOfHostOnly);
+    void orderQueue();
+    void changeFirst(std::size_t start, bool isKnown);
     void survey(std::size_t from);
-    bool searchStretch(std::size_t offset, std::size_t latest, Best& best);
-    bool search(std::size_t pattern, std::size_t from, std::size_t latest, const Best& best);
-    Found show(const Best& best);
+    bool searchWithFirst(std::size_t from, std::size_t latest);
+    Found show(const Next& match);
 
-    std::vector<Next, RE_Allocator<Next>> next;  ///< for each pattern
+    /// A heap of the patterns: that with the least start comes first, of equal ones that which was added first.
+    std::vector<Next, RE_Allocator<Next>> queue;
     std::vector<Member, RE_Allocator<Member>> members;
     RE_Start_Table starts;
     std::u16string_view subject = u"";
