@@ -36,7 +36,13 @@ enum class Task {
     subjects,  ///< look for one match in each line of the text
     compile,   ///< compile the pattern
     first,     ///< compile each of the everyday patterns, look for it in its line, and throw it away
+    set,       ///< find every match of many patterns, the leftmost first: the pattern is one for each line
+    setLines,  ///< the same in each line of the text, as a subject of its own
 };
+
+constexpr bool isSet(Task task) {
+    return task == Task::set || task == Task::setLines;
+}
 
 /// What an engine has to compile. The views last as long as the workload.
 struct Request {
@@ -75,6 +81,7 @@ public:
             case Task::replace:
                 return replace(text);
             case Task::subjects:
+            case Task::setLines:
                 return countLines(text);
             default:
                 return countMatches(text);
@@ -92,6 +99,8 @@ public:
     virtual bool isOurs() const { return false; }
     /// Backtracks over an interpreted program, as we do.
     virtual bool isInterpreter() const { return false; }
+    /// Has an adapter for sets of patterns.
+    virtual bool takesSets() const { return false; }
     /// Null when the dialect cannot say the pattern or the engine has no such task.
     virtual std::unique_ptr<Searcher> compile(const Request& request) const = 0;
 };

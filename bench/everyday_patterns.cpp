@@ -48,4 +48,13 @@ const std::deque<Everyday_Pattern>& everydayPatterns() {
     return patterns;
 }
 
+std::u16string everydaySet(bool others) {
+    std::u16string all;
+    for (const Everyday_Pattern& each : everydayPatterns()) {
+        all += (all.empty() ? u"" : u"\n") +
+               (others && !each.peerPattern.empty() ? each.peerPattern : each.pattern);
+    }
+    return all;
+}
+
 }  // namespace corvane_bench

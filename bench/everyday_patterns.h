@@ -21,4 +21,7 @@ struct Everyday_Pattern {
 /// Of `data/everyday.tsv`: kind, pattern, line, and the pattern in other dialects, with tabs between them. Read once.
 const std::deque<Everyday_Pattern>& everydayPatterns();
 
+/// All of them as a set, a pattern a line; in the words of other dialects if wanted.
+std::u16string everydaySet(bool others);
+
 }  // namespace corvane_bench

@@ -111,6 +111,19 @@ std::u16string lexer(bool tokens) {
     return pattern;
 }
 
+std::u16string lexerSet() {
+    std::u16string keywords, others;
+    for (const std::u16string_view lexeme : LEXEMES) {
+        if (lexeme.ends_with(u"\\b")) {
+            keywords +=
+                (keywords.empty() ? u"(?:" : u"|") + std::u16string(lexeme.substr(0, lexeme.size() - 2));
+        } else {
+            others += u"\n" + std::u16string(lexeme);
+        }
+    }
+    return keywords + u")(?!\\w)" + others;
+}
+
 std::u16string countedGroups() {
     std::u16string pattern;
     for (int i = 0; i < 100; ++i) {

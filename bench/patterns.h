@@ -10,6 +10,8 @@ namespace corvane_bench {
 std::u16string wordAlternatives(std::size_t count);
 /// A lexer of sixty alternatives for a language with braces; with a token for each if wanted.
 std::u16string lexer(bool tokens);
+/// The same lexer as a set, a pattern a line: the keywords are one of them.
+std::u16string lexerSet();
 /// Many counted groups in a row.
 std::u16string countedGroups();
 

@@ -41,6 +41,7 @@ std::string_view measureOf(const Row& row) {
         case Task::first:
             return "us a pattern";
         case Task::subjects:
+        case Task::setLines:
             return "ns a line";
         default:
             return "ns a unit";

@@ -49,6 +49,9 @@ Cell checkAnswer(const Workload& workload, const Engine& engine) {
     Cell cell;
     cell.isPeer = !engine.isOurs();
     const bool isFirst = workload.details.task == Task::first;
+    if (isSet(workload.details.task) && !engine.takesSets()) {
+        return cell;
+    }
     const std::unique_ptr<Searcher> searcher =
         isFirst ? nullptr : engine.compile(requestFor(workload, engine));
     if (!isFirst && !searcher) {
@@ -136,8 +139,9 @@ Row checkAnswers(const Workload& workload, const Engines& engines) {
     if (workload.details.task == Task::first) {
         row.amount = static_cast<double>(everydayPatterns().size());
     } else if (workload.details.task != Task::compile) {
-        row.amount = static_cast<double>(workload.details.task == Task::subjects ? text.lines.size()
-                                                                                 : text.units.size());
+        const bool byLine =
+            workload.details.task == Task::subjects || workload.details.task == Task::setLines;
+        row.amount = static_cast<double>(byLine ? text.lines.size() : text.units.size());
     }
     for (const auto& engine : engines) {
         row.cells.push_back(checkAnswer(workload, *engine));

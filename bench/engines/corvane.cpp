@@ -3,9 +3,12 @@
 #include "regexp/regexp.h"
 
 #include "bench/engines/engines.h"
+#include "bench/engines/set_walk.h"
 
+#include <deque>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace corvane_bench {
 namespace {
@@ -123,6 +126,58 @@ private:
     }
 };
 
+/// A set of patterns, or a loop over searches with each of them.
+class Corvane_Set_Searcher : public Set_Searcher {
+public:
+    Corvane_Set_Searcher(const Request& request, Call call) : m_call(call) {
+        for (const std::u16string_view pattern : patternsOf(request.pattern)) {
+            m_trees.emplace_back(pattern.data(), pattern.size(), toFlags(request.flags), &m_context);
+            m_set.add(m_trees.back());
+            if (call == Call::asked) {
+                m_trees.back().makeMachineCode();
+                m_trees.back().makeDfa();
+            }
+        }
+    }
+
+    bool understood() const { return !m_context.warned; }
+
+protected:
+    std::optional<Answer> countIn(std::u16string_view text) override {
+        if (m_call == Call::match) {
+            return countInLoop(text);
+        }
+        Answer answer;
+        m_set.use(text);
+        for (auto found = m_set.find(0); found; found = m_set.find(found->match->nextIndex())) {
+            ++answer.count;
+        }
+        return answer;
+    }
+
+private:
+    std::optional<Answer> countInLoop(std::u16string_view text) const {
+        std::vector<RE_Seek_Table> tables(m_trees.size());
+        const auto find = [&](std::size_t i, std::u16string_view subject, std::size_t offset, std::size_t& start,
+                              std::size_t& end) {
+            const std::unique_ptr<RE_Results> match(
+                m_trees[i].match(subject.data(), subject.size(), offset, &tables[i]));
+            if (match == nullptr) {
+                return Found::nothing;
+            }
+            start = match->matchStart;
+            end = start + match->matchLength;
+            return Found::match;
+        };
+        return walkSet(m_trees.size(), text, false, find);
+    }
+
+    Call m_call;
+    Strict_Context m_context;
+    std::deque<RE_Tree> m_trees;
+    RE_Pattern_Set m_set;
+};
+
 class Corvane_Engine : public Engine {
 public:
     explicit Corvane_Engine(Call call) : m_call(call) {}
@@ -134,7 +189,12 @@ public:
     }
     std::string version() const override { return CORVANE_VERSION; }
     bool isOurs() const override { return true; }
+    bool takesSets() const override { return true; }
     std::unique_ptr<Searcher> compile(const Request& request) const override {
+        if (isSet(request.task)) {
+            auto set = std::make_unique<Corvane_Set_Searcher>(request, m_call);
+            return set->understood() ? std::move(set) : nullptr;
+        }
         std::unique_ptr<Corvane_Searcher> searcher;
         if (m_call == Call::match) {
             searcher = std::make_unique<Match_Searcher>(request);

@@ -1,6 +1,7 @@
 // PCRE2 on 16-bit units, interpreted or compiled to machine code.
 #define PCRE2_CODE_UNIT_WIDTH 16
 #include "bench/engines/engines.h"
+#include "bench/engines/set_walk.h"
 #include "bench/engines/walk.h"
 
 #include <pcre2.h>
@@ -62,14 +63,6 @@ public:
         return status < 0 ? std::nullopt : std::optional<Answer>(Answer{length, 0});
     }
 
-private:
-    struct FindFrom {
-        Pcre2_Searcher* searcher;
-        Found operator()(std::u16string_view text, std::size_t offset, std::size_t& end) const {
-            return searcher->search(text, offset, end);
-        }
-    };
-
     /// Made before the first search, since compiling is timed alone too.
     void prepare() {
         if (m_data != nullptr) {
@@ -82,18 +75,32 @@ private:
             pcre2_jit_stack_assign_16(m_context, nullptr, m_stack);
         }
     }
-
     Found search(std::u16string_view text, std::size_t offset, std::size_t& end) {
+        std::size_t start = 0;
+        return search(text, offset, start, end, 0);
+    }
+    Found search(std::u16string_view text, std::size_t offset, std::size_t& start, std::size_t& end,
+                 std::uint32_t options) {
         const int status =
-            m_jit ? pcre2_jit_match_16(m_code, units(text), text.size(), offset, 0, m_data, m_context)
-                  : pcre2_match_16(m_code, units(text), text.size(), offset, PCRE2_NO_JIT, m_data, m_context);
+            m_jit ? pcre2_jit_match_16(m_code, units(text), text.size(), offset, options, m_data, m_context)
+                  : pcre2_match_16(m_code, units(text), text.size(), offset, options | PCRE2_NO_JIT, m_data,
+                                   m_context);
         if (status <= 0) {
             return status == PCRE2_ERROR_NOMATCH ? Found::nothing : Found::gaveUp;
         }
         m_pairs = static_cast<std::size_t>(status);
+        start = pcre2_get_ovector_pointer_16(m_data)[0];
         end = pcre2_get_ovector_pointer_16(m_data)[1];
         return Found::match;
     }
+
+private:
+    struct FindFrom {
+        Pcre2_Searcher* searcher;
+        Found operator()(std::u16string_view text, std::size_t offset, std::size_t& end) const {
+            return searcher->search(text, offset, end);
+        }
+    };
 
     std::size_t lengthOfTokens() const {
         const PCRE2_SIZE* extents = pcre2_get_ovector_pointer_16(m_data);
@@ -113,6 +120,27 @@ private:
     std::size_t m_pairs = 0;
 };
 
+/// Many patterns, none of which may match the empty text.
+class Pcre2_Set_Searcher : public Set_Searcher {
+public:
+    void add(std::unique_ptr<Pcre2_Searcher> pattern) {
+        pattern->prepare();
+        m_patterns.push_back(std::move(pattern));
+    }
+
+protected:
+    std::optional<Answer> countIn(std::u16string_view text) override {
+        return walkSet(m_patterns.size(), text, true,
+                       [this](std::size_t i, std::u16string_view subject, std::size_t offset,
+                              std::size_t& start, std::size_t& end) {
+                           return m_patterns[i]->search(subject, offset, start, end, PCRE2_NOTEMPTY);
+                       });
+    }
+
+private:
+    std::vector<std::unique_ptr<Pcre2_Searcher>> m_patterns;
+};
+
 class Pcre2_Engine : public Engine {
 public:
     explicit Pcre2_Engine(bool jit) : m_jit(jit), m_context(pcre2_compile_context_create_16(nullptr)) {
@@ -130,7 +158,24 @@ public:
     }
     bool isInterpreter() const override { return !m_jit; }
 
+    bool takesSets() const override { return m_jit; }
     std::unique_ptr<Searcher> compile(const Request& request) const override {
+        return isSet(request.task) ? compileSet(request) : compileOne(request);
+    }
+
+private:
+    std::unique_ptr<Searcher> compileSet(const Request& request) const {
+        auto set = std::make_unique<Pcre2_Set_Searcher>();
+        for (const std::u16string_view pattern : patternsOf(request.pattern)) {
+            std::unique_ptr<Pcre2_Searcher> searcher = compileOne({pattern, request.flags, request.task, {}});
+            if (searcher == nullptr) {
+                return nullptr;
+            }
+            set->add(std::move(searcher));
+        }
+        return set;
+    }
+    std::unique_ptr<Pcre2_Searcher> compileOne(const Request& request) const {
         int error = 0;
         PCRE2_SIZE place = 0;
         pcre2_code_16* code = pcre2_compile_16(units(request.pattern), request.pattern.size(),
@@ -141,8 +186,6 @@ public:
         }
         return std::make_unique<Pcre2_Searcher>(code, m_jit, request.replacement);
     }
-
-private:
     bool m_jit;
     pcre2_compile_context_16* m_context;
 };

@@ -3,6 +3,7 @@
 // pattern finds.
 #include "bench/workloads/groups.h"
 
+#include "bench/everyday_patterns.h"
 #include "bench/patterns.h"
 
 namespace corvane_bench {
@@ -51,6 +52,19 @@ Rows everyday() {
          "log",
          {5193},
          {.task = Task::subjects}},
+    };
+}
+
+// The answer is the number of matches that a walk finds with all patterns.
+Rows patternSets() {
+    return {
+        {"pattern set", "lexer of 36", lexerSet(), "source", {215940}, {.task = Task::set}},
+        {"pattern set",
+         "200 everyday patterns, log lines",
+         everydaySet(false),
+         "log",
+         {15579},
+         {.task = Task::setLines, .peerPattern = everydaySet(true)}},
     };
 }
 

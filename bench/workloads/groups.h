@@ -17,6 +17,7 @@ Rows alternations();
 Rows classes();  ///< with bounded repeats, and classes beside literals
 Rows structure();
 Rows everyday();
+Rows patternSets();
 Rows catastrophic();
 Rows compiling();
 Rows firstSearches();

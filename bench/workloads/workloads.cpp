@@ -9,8 +9,8 @@ namespace corvane_bench {
 
 std::vector<Workload> allWorkloads() {
     Rows all;
-    for (Rows (*rows)() : {literals, dotStar, alternations, classes, structure, everyday, catastrophic,
-                           compiling, firstSearches, large}) {
+    for (Rows (*rows)() : {literals, dotStar, alternations, classes, structure, everyday, patternSets,
+                           catastrophic, compiling, firstSearches, large}) {
         Rows some = rows();
         all.insert(all.end(), std::make_move_iterator(some.begin()), std::make_move_iterator(some.end()));
     }
