@@ -107,7 +107,7 @@ RE_Node* readGraph(RE_ParserContext& parserContext, const char16_t* pattern, std
 /// context.
 RE_Node* compileGraph(RE_ParserContext& parserContext, const char16_t* pattern, std::size_t length,
                       RE_Node* continuationNode, bool last, const RE_Stage_Observer& observer = {}) {
-    // Who looks at the stages wants to see where the strings come from.
+    // Observers see the passes make strings and runs from their parts; the finished graph is the same.
     parserContext.joinsTexts = parserContext.options().optimizeLinearSubpatterns() && !observer;
     parserContext.joinsRuns = parserContext.options().optimizeDotStar() && !observer;
     parserContext.context->set_string(pattern, length);

@@ -34,7 +34,7 @@ struct RE_Sub_Pattern_Place;
 /// A compiled pattern. Compiling never fails on syntax: problems are reported through `RE_Context::warn` and
 /// degrade to literal text or to nothing.
 ///
-/// Immutable once constructed; any number of threads may search one tree at the same time, each with a seek
+/// Immutable once constructed, but for the pointers by which it becomes faster; any number of threads may search one tree at the same time, each with a seek
 /// table of its own where it passes one. Offsets and lengths count UTF-16 code units.
 ///
 ///     RE_Tree tree(u"a(b+)c", false);

@@ -18,7 +18,7 @@
 #include <utility>
 #include <vector>
 
-/// Used once, while the pattern is compiled, and on one thread.
+/// Used once, on one thread, while other threads may search with the pattern: the graph is only read.
 class RE_Determinizer {
 public:
     /// Learns the letters and sides of the graph, which must outlive this. A graph that is too large, or that

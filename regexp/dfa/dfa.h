@@ -6,7 +6,7 @@
 // knows nothing of tokens.
 //
 // Invariant: complete when it is made. No state is added during a search, so searches share it without locks,
-// and the memory that it takes is known when the pattern is compiled.
+// and the memory that it takes is known when it is made.
 #pragma once
 
 #include "regexp/base/memory.h"
