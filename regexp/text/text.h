@@ -66,6 +66,8 @@ public:
     std::u16string_view known() const { return {units, index.end().unit}; }
     /// Whether that is all.
     bool isWhole() const { return index.end().piece == pieces; }
+    /// Bytes of the source that have been converted. Those of UTF-16 that is not copied all count.
+    std::size_t convertedBytes() const { return index.end().piece * reUnitBytes(from); }
     /// Bytes of the host's memory that the text keeps.
     std::uint64_t memoryUse() const;
 

@@ -32,7 +32,63 @@ private:
     std::size_t capacity = 0;
 };
 
-void appendEncoded(std::string& out, RE_Encoding encoding, std::u16string_view units) {
+void append(std::string& out, std::span<const std::byte> bytes) {
+    out.append(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+}
+
+/// One replacement of the matches, from left to right.
+class Replacing {
+public:
+    Replacing(const RE_Tree& tree, RE_Text& subject, const RE_Text_Order& replacementOrder)
+        : text(subject),
+          order(replacementOrder),
+          // A replacement asks to stop by the flag of the host. One that was up before was meant for something else.
+          mayBeStopped(tree.isInterruptible() && !utInterruptState::IsInterruptPending()) {
+        report.outcome = text.convert(RE_Text::all, order.limits, mayBeStopped);
+    }
+
+    void run(const RE_Tree& tree, const RE_Text_Writer& writer) {
+        RE_Text_Matches walk(tree, text, order.offsets, 0, order.limits);
+        bool wasStopped = false;
+        for (const RE_Text_Match* match = walk.next(); match != nullptr && !wasStopped; match = walk.next()) {
+            ++count;
+            if (order.which == 0 || order.which == count) {
+                replace(*match, writer);
+                wasStopped = mayBeStopped && utInterruptState::IsInterruptPending();
+            }
+        }
+        report = walk.report();
+        report.outcome = wasStopped ? RE_Search_Outcome::interrupted : report.outcome;
+    }
+    std::string finish() {
+        append(out, text.bytes().subspan(copied));
+        return std::move(out);
+    }
+
+    RE_Search_Report report;
+    std::size_t count = 0;
+
+private:
+    // Two matches of the halves of one character have the same bytes: the first takes them.
+    void replace(const RE_Text_Match& match, const RE_Text_Writer& writer) {
+        const RE_Results& found = match.units();
+        const RE_Extent extent = text.extentOf(found.matchStart, found.matchLength, RE_Offsets::bytes);
+        const std::size_t start = std::max(extent.start, copied);
+        append(out, text.bytes().subspan(copied, start - copied));
+        copied = std::max(copied, extent.start + extent.length);
+        writer(match, out);
+    }
+
+    RE_Text& text;
+    const RE_Text_Order& order;
+    bool mayBeStopped;
+    std::size_t copied = 0;  ///< bytes of the source
+    std::string out;
+};
+
+}  // namespace
+
+void reAppendEncoded(std::string& out, RE_Encoding encoding, std::u16string_view units) {
     // Through a small buffer that is aligned for every encoding.
     alignas(4) std::byte room[1024];
     const std::size_t bytesEach = reUnitBytes(encoding);
@@ -44,55 +100,31 @@ void appendEncoded(std::string& out, RE_Encoding encoding, std::u16string_view u
     }
 }
 
-void append(std::string& out, std::span<const std::byte> bytes) {
-    out.append(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+std::string reReplaceEach(const RE_Tree& tree, RE_Text& text, const RE_Text_Writer& writer,
+                          const RE_Text_Order& order, RE_Search_Report* report, std::size_t* matches) {
+    Replacing replacing(tree, text, order);
+    if (replacing.report.isComplete()) {
+        replacing.run(tree, writer);
+    }
+    if (report != nullptr) {
+        *report = replacing.report;
+    }
+    if (matches != nullptr) {
+        *matches = replacing.count;
+    }
+    return replacing.finish();
 }
-
-}  // namespace
 
 std::string reReplaceAll(const RE_Tree& tree, RE_Text& text, const RE_Replaceable& replacement,
                          const RE_Text_Order& order, RE_Search_Report* report, std::size_t* matches) {
-    std::string out;
-    std::size_t copied = 0;  // bytes of the source
-    std::size_t count = 0;
     Piece piece;
-    RE_Search_Report ended;
-    // A replacement asks to stop by the flag of the host. One that was up before was meant for something else.
-    const bool mayBeStopped = tree.isInterruptible() && !utInterruptState::IsInterruptPending();
-    ended.outcome = text.convert(RE_Text::all, order.limits, mayBeStopped);
-    if (ended.isComplete()) {
-        RE_Text_Matches walk(tree, text, RE_Offsets::bytes, 0, order.limits);
-        while (const RE_Text_Match* const match = walk.next()) {
-            ++count;
-            if (order.which != 0 && order.which != count) {
-                continue;
-            }
-            const RE_Results& found = match->units();
-            const RE_Extent extent = match->extent();
-            // Two matches of the halves of one character have the same bytes: the first takes them.
-            const std::size_t start = std::max(extent.start, copied);
-            append(out, text.bytes().subspan(copied, start - copied));
-            copied = std::max(copied, extent.start + extent.length);
-            piece.build(replacement, const_cast<RE_Results&>(found));
-            if (order.adjustCase) {
-                piece.adjustCase(text.known().substr(found.matchStart, found.matchLength));
-            }
-            appendEncoded(out, text.encoding(), piece.text());
-            if (mayBeStopped && utInterruptState::IsInterruptPending()) {
-                ended.outcome = RE_Search_Outcome::interrupted;
-                break;
-            }
+    const auto write = [&](const RE_Text_Match& match, std::string& out) {
+        const RE_Results& found = match.units();
+        piece.build(replacement, const_cast<RE_Results&>(found));
+        if (order.adjustCase) {
+            piece.adjustCase(text.known().substr(found.matchStart, found.matchLength));
         }
-        const bool wasStopped = !ended.isComplete();
-        ended = walk.report();
-        ended.outcome = wasStopped ? RE_Search_Outcome::interrupted : ended.outcome;
-    }
-    append(out, text.bytes().subspan(copied));
-    if (report != nullptr) {
-        *report = ended;
-    }
-    if (matches != nullptr) {
-        *matches = count;
-    }
-    return out;
+        reAppendEncoded(out, text.encoding(), piece.text());
+    };
+    return reReplaceEach(tree, text, write, order, report, matches);
 }

@@ -47,12 +47,16 @@ const RE_Results* RE_Text_Search::find(std::size_t unit) {
     if (stopped != RE_Search_Outcome::noMatch) {
         return nullptr;
     }
+    if (unit < latestUnit) {
+        turnBack();
+    }
+    latestUnit = unit;
     if (sequenceIsWhole) {
         return findKnown(unit);
     }
     const Interrupt_Aside aside(tree.isInterruptible());
     for (;;) {
-        if (sequenceIsWhole || unit < finalStarts) {
+        if (sequenceIsWhole || (sequence.has_value() && unit < finalStarts)) {
             const RE_Results* const match = findKnown(unit);
             if (match != nullptr || sequenceIsWhole || stopped != RE_Search_Outcome::noMatch) {
                 return match;
@@ -63,6 +67,12 @@ const RE_Results* RE_Text_Search::find(std::size_t unit) {
             return nullptr;
         }
     }
+}
+
+// A sequence goes forward only. What is converted, and what is known of it, stays.
+void RE_Text_Search::turnBack() {
+    finish();
+    sequenceIsWhole = false;
 }
 
 // The sequence does not outlive what it knows of the text, which moves as it grows.
@@ -197,22 +207,29 @@ std::optional<RE_Extent> reFindFirst(const RE_Tree& tree, RE_Text& text, RE_Offs
     return match != nullptr ? std::optional(match->extent()) : std::nullopt;
 }
 
-std::vector<RE_Extent> reSplit(const RE_Tree& tree, RE_Text& text, RE_Offsets offsets) {
+std::vector<RE_Extent> reSplit(const RE_Tree& tree, RE_Text& text, RE_Offsets offsets,
+                               const RE_Search_Limits& limits, RE_Search_Report* report) {
     std::vector<RE_Extent> parts;
     std::size_t from = 0;
-    const auto add = [&](std::size_t to) { parts.push_back(text.extentOf(from, to - from, offsets)); };
-    for (const RE_Text_Match& match : reFindAll(tree, text)) {
-        const RE_Results& found = match.units();
+    RE_Text_Matches walk(tree, text, offsets, 0, limits);
+    while (const RE_Text_Match* const match = walk.next()) {
+        const RE_Results& found = match->units();
         const std::size_t start = found.matchStart;
         // Where the text has not been converted to its end, the match is not at it.
         const bool atEdge = start == 0 || (text.isWhole() && start == text.known().size());
         if (found.matchLength == 0 && atEdge) {
             continue;
         }
-        add(start);
+        parts.push_back(text.extentOf(from, start - from, offsets));
         from = start + found.matchLength;
     }
-    text.convert(RE_Text::all);
-    add(text.known().size());
+    const RE_Search_Report ended = walk.report();
+    if (report != nullptr) {
+        *report = ended;
+    }
+    if (ended.isComplete()) {
+        text.convert(RE_Text::all);
+    }
+    parts.push_back(text.extentOf(from, text.known().size() - from, offsets));
     return parts;
 }

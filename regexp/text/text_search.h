@@ -20,6 +20,7 @@
 #include "regexp/tree.h"
 
 #include <cstddef>
+#include <functional>
 #include <iterator>
 #include <memory>
 #include <optional>
@@ -39,8 +40,8 @@ public:
     RE_Text_Search(const RE_Text_Search&) = delete;
     RE_Text_Search& operator=(const RE_Text_Search&) = delete;
 
-    /// The leftmost match that starts at or after this unit, which lies at or after that of the search before. A view, good
-    /// until the next call; its subject is what the search knew. Null when there is none, and when something broke the
+    /// The leftmost match that starts at or after this unit. Units that ascend from search to search are cheaper. A view,
+    /// good until the next call; its subject is what the search knew. Null when there is none, and when something broke the
     /// search off: then there are no more.
     const RE_Results* find(std::size_t unit);
     /// Whether the last search found no match for having come to the end.
@@ -48,6 +49,7 @@ public:
     RE_Search_Report report() const;
 
 private:
+    void turnBack();
     const RE_Results* findKnown(std::size_t unit);
     bool knowMore(std::size_t unit);
     void stop(RE_Search_Outcome outcome) { stopped = outcome; }
@@ -59,6 +61,7 @@ private:
     const RE_Search_Limits limits;
     std::unique_ptr<RE_Reach> reach;  ///< where the text is not whole
     std::optional<RE_Match_Sequence> sequence;
+    std::size_t latestUnit = 0;     ///< that a search began at
     std::size_t sequenceKnows = 0;  ///< units
     bool sequenceIsWhole = false;
     std::size_t finalStarts = 0;  ///< attempts from before here are as they would be with the whole text
@@ -73,6 +76,10 @@ class RE_Text_Matches;
 /// The match that a walk is at.
 class CORVANE_REGEXP_EXPORT RE_Text_Match {
 public:
+    /// Both must outlive it.
+    RE_Text_Match(RE_Text& subject, RE_Offsets what, const RE_Results* found = nullptr)
+        : text(&subject), offsets(what), match(found) {}
+
     /// In what the walk counts.
     RE_Extent extent() const { return extentOf(match->matchStart, match->matchLength); }
     /// Nothing when the token is not in effect or its group took no part. Tokens count from 0.
@@ -83,12 +90,12 @@ public:
     /// The bytes of the source. A view of them, as long as those live.
     std::span<const std::byte> bytes() const { return text->bytesOf(match->matchStart, match->matchLength); }
     std::span<const std::byte> tokenBytes(std::size_t index) const;
+    RE_Encoding encoding() const { return text->encoding(); }
     /// The match in units.
     const RE_Results& units() const { return *match; }
 
 private:
     friend class RE_Text_Matches;
-    RE_Text_Match(RE_Text& subject, RE_Offsets what) : text(&subject), offsets(what) {}
     RE_Extent extentOf(std::size_t unit, std::size_t length) const {
         return text->extentOf(unit, length, offsets);
     }
@@ -130,6 +137,11 @@ public:
     std::default_sentinel_t end() const { return {}; }
     /// The next match, or null after the last: the same walk without iterators.
     const RE_Text_Match* next();
+    /// The walk goes on from this unit, which may be anywhere, as if it began there.
+    void goTo(std::size_t unit) {
+        position = unit;
+        previousEnd.reset();
+    }
     RE_Search_Report report() const { return search.report(); }
 
 private:
@@ -150,16 +162,22 @@ inline RE_Text_Matches reFindAll(const RE_Tree& tree, RE_Text& text, RE_Offsets 
 /// The extent of the first match.
 CORVANE_REGEXP_EXPORT std::optional<RE_Extent> reFindFirst(const RE_Tree& tree, RE_Text& text,
                                                            RE_Offsets offsets = RE_Offsets::bytes);
-/// What `RE_Tree::split` gives: the parts between the matches.
+/// What `RE_Tree::split` gives: the parts between the matches, as far as these were found. `report` may be null.
 CORVANE_REGEXP_EXPORT std::vector<RE_Extent> reSplit(const RE_Tree& tree, RE_Text& text,
-                                                     RE_Offsets offsets = RE_Offsets::bytes);
+                                                     RE_Offsets offsets = RE_Offsets::bytes,
+                                                     const RE_Search_Limits& limits = {},
+                                                     RE_Search_Report* report = nullptr);
 
 /// Which matches are replaced, and how.
 struct RE_Text_Order {
     bool adjustCase = false;  ///< the text for a match takes the case of the match
     std::size_t which = 0;    ///< the number of the only match to replace, counted from 1; 0 for all of them
     RE_Search_Limits limits = {};
+    RE_Offsets offsets = RE_Offsets::bytes;  ///< of the matches that a writer is passed
 };
+
+/// Appends to `out` what replaces a match, in the encoding of the text. What it throws ends the replacement.
+using RE_Text_Writer = std::function<void(const RE_Text_Match& match, std::string& out)>;
 
 /// The bytes of the text, in its encoding, with matches replaced. What no match covers is copied byte by byte, ill-formed
 /// parts included. Where something breaks the searches off, the text after the last match found stays as it is. Replacements
@@ -169,3 +187,10 @@ CORVANE_REGEXP_EXPORT std::string reReplaceAll(const RE_Tree& tree, RE_Text& tex
                                                const RE_Text_Order& order = {},
                                                RE_Search_Report* report = nullptr,
                                                std::size_t* matches = nullptr);
+/// The same by a function, which writes what it likes: case is not adjusted.
+CORVANE_REGEXP_EXPORT std::string reReplaceEach(const RE_Tree& tree, RE_Text& text,
+                                                const RE_Text_Writer& writer, const RE_Text_Order& order = {},
+                                                RE_Search_Report* report = nullptr,
+                                                std::size_t* matches = nullptr);
+/// Appends units in this encoding.
+CORVANE_REGEXP_EXPORT void reAppendEncoded(std::string& out, RE_Encoding encoding, std::u16string_view units);
