@@ -5,8 +5,9 @@
 #include "regexp/replace/replace.h"
 
 #include "host/code_page.h"
-#include "host/interrupt.h"
+#include "regexp/base/bounded_compile.h"
 #include "regexp/base/insert_text.h"
+#include "regexp/base/interrupt_aside.h"
 #include "regexp/eval/evaluation_io.h"
 #include "regexp/eval/evaluation_tokens.h"
 #include "regexp/nodes/label_text.h"
@@ -33,13 +34,13 @@ RE_Replace::RE_Replace(const char* text) {
 
 RE_Replace::RE_Replace(const char16_t* text, std::size_t length, RE_Flags flags, RE_Context* context)
     : interruptible(context != nullptr && context->allow_interrupt()) {
-    if (context != nullptr) {
-        parse(text, length, flags, context);
-    } else {
-        // It may go before the replacement: only expressions keep a context, and this one allows none.
-        RE_Context fallback;
-        parse(text, length, flags, &fallback);
-    }
+    parse(text, length, flags, context, {});
+}
+
+RE_Replace::RE_Replace(const char16_t* text, std::size_t length, RE_Flags flags, RE_Context* context,
+                       const RE_Compile_Limits& limits, RE_Compile_Report& report)
+    : interruptible(context != nullptr && context->allow_interrupt()) {
+    parse(text, length, flags, context, {&limits, &report});
 }
 
 RE_Replace::RE_Replace(RE_ParserContext* parserContext, const char16_t* text, std::size_t length)
@@ -67,14 +68,27 @@ RE_Replace::~RE_Replace() {
 }
 
 void RE_Replace::parse(const char16_t* text, std::size_t length) {
-    RE_Context context;
-    parse(text, length, RE_DEFAULT_FLAGS, &context);
+    parse(text, length, RE_DEFAULT_FLAGS, nullptr, {});
 }
 
-void RE_Replace::parse(const char16_t* text, std::size_t length, RE_Flags flags, RE_Context* context) {
-    context->set_string(text, length);
-    RE_ParserContext parserContext(context, nullptr, flags);
-    parse(&parserContext, text, length);
+void RE_Replace::parse(const char16_t* text, std::size_t length, RE_Flags flags, RE_Context* context,
+                       const RE_Compile_Terms& terms) {
+    if (context == nullptr) {
+        // It may go before the replacement: only expressions keep a context, and this one allows none.
+        RE_Context fallback;
+        parse(text, length, flags, &fallback, terms);
+        return;
+    }
+    std::uint64_t held = 0;
+    const RE_Compile_Report report = compileWithin(terms, interruptible, held, [&](RE_Compile_Meter& meter) {
+        context->set_string(text, length);
+        meter.admit(text, length);
+        RE_ParserContext parserContext(context, nullptr, flags, &meter);
+        parse(&parserContext, text, length);
+    });
+    if (report.isRefused()) {
+        context->warn(text + report.position, RE_WARNING_TOO_DEEP);
+    }
 }
 
 void RE_Replace::parse(RE_ParserContext* parserContext, const char16_t* text, std::size_t length) {
@@ -151,29 +165,6 @@ std::string RE_Replace::graph() const {
 
 namespace {
 
-/// Sets aside a request to stop that was there before the work, and raises it again afterwards, exceptions
-/// included: it was meant for something else. A request that comes during the work stops it and stays
-/// raised.
-class Interrupt_Bracket {
-public:
-    explicit Interrupt_Bracket(bool interruptible)
-        : wasPending(interruptible && utInterruptState::IsInterruptPending()) {
-        if (wasPending) {
-            utInterruptState::SetInterruptPending(false);
-        }
-    }
-    ~Interrupt_Bracket() {
-        if (wasPending) {
-            utInterruptState::SetInterruptPending(true);
-        }
-    }
-    Interrupt_Bracket(const Interrupt_Bracket&) = delete;
-    Interrupt_Bracket& operator=(const Interrupt_Bracket&) = delete;
-
-private:
-    bool wasPending;
-};
-
 /// Text of the local code page as UTF-16. `length` is declared first, as the conversion writes it.
 struct Wide_Text {
     Wide_Text(const char* text, std::size_t bytes) : units(lcp_to_utf16(text, bytes, &length)) {}
@@ -193,7 +184,7 @@ std::u16string RE_Replace::replace(std::u16string_view subject, const RE_Tree& t
 
 std::u16string RE_Replace::replace(std::u16string_view subject, const RE_Tree& tree, bool adjustCase,
                                    std::size_t which, std::size_t* matches) const {
-    const Interrupt_Bracket bracket(interruptible);
+    const RE_Interrupt_Aside bracket(interruptible);
     RE_Replacement_Run run(*this, tree, subject, {adjustCase, which, interruptible});
     std::u16string result = run.run();
     *matches = run.matchesMet();
@@ -203,7 +194,7 @@ std::u16string RE_Replace::replace(std::u16string_view subject, const RE_Tree& t
 std::u16string RE_Replace::replace(std::u16string_view subject, const RE_Tree& tree, bool adjustCase,
                                    std::size_t which, const RE_Search_Limits& limits,
                                    RE_Search_Report& report) const {
-    const Interrupt_Bracket bracket(interruptible);
+    const RE_Interrupt_Aside bracket(interruptible);
     RE_Replacement_Run work(*this, tree, subject, {adjustCase, which, interruptible, &limits});
     std::u16string result = work.run();
     report = work.report();

@@ -36,6 +36,11 @@ public:
         }
         return wasInterrupted();
     }
+    /// Whether the host or a limit from outside wants the search to stop. Stops nothing by itself.
+    bool isAskedToStop() const {
+        return (checkInterrupts && utInterruptState::IsInterruptPending()) ||
+               (limits != nullptr && limits->askOutside() != RE_Search_Outcome::noMatch);
+    }
     /// Whether the search is being broken off, by the host or by a limit.
     bool wasInterrupted() const { return stopped != RE_Search_Outcome::noMatch; }
     /// Why it is; `noMatch` while it is not.
