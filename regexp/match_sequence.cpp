@@ -2,13 +2,13 @@
 // earlier one has allocated.
 #include "regexp/match_sequence.h"
 
+#include "regexp/base/earlier_interrupt.h"
 #include "regexp/base/memory_account.h"
 #include "regexp/base/search_limits.h"
 #include "regexp/base/within_size.h"
 #include "regexp/search/machine_search.h"
 #include "regexp/search/search.h"
 #include "regexp/seek/seek_table.h"
-#include "regexp/state/earlier_interrupt.h"
 #include "regexp/state/search_info.h"
 #include "regexp/tree.h"
 

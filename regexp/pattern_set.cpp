@@ -7,12 +7,12 @@
 #include "regexp/pattern_set.h"
 
 #include "host/interrupt.h"
+#include "regexp/base/earlier_interrupt.h"
 #include "regexp/graph/graph_facts.h"
 #include "regexp/search/search.h"
 #include "regexp/search/start_table.h"
 #include "regexp/search/thread_state.h"
 #include "regexp/seek/seek_table.h"
-#include "regexp/state/earlier_interrupt.h"
 #include "regexp/state/results.h"
 #include "regexp/tree.h"
 

@@ -1,9 +1,10 @@
 // What most applications need: patterns, their matches, replacements, and the host's side of both. Needs the standard
 // library alone.
 //
-// Beside it are limits for searches (regexp/base/search_limits.h), the compile options (regexp/options/compile_options.h,
-// which needs Boost.Program_options), the state of a search for callers of `RE_Tree::match_bool` and for observers
-// (regexp/state/search_info.h), and the export of graphs (regexp/nodes/graph_export.h).
+// Beside it are limits for searches and for compiling (regexp/base/search_limits.h, regexp/base/compile_limits.h), the
+// compile options (regexp/options/compile_options.h, which needs Boost.Program_options), the state of a search for callers
+// of `RE_Tree::match_bool` and for observers (regexp/state/search_info.h), and the export of graphs
+// (regexp/nodes/graph_export.h).
 //
 //     #include "regexp/regexp.h"
 //

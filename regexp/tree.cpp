@@ -4,6 +4,8 @@
 #include "host/allocation.h"
 #include "host/code_page.h"
 #include "host/utf16.h"
+#include "regexp/base/bounded_compile.h"
+#include "regexp/base/compile_limits.h"
 #include "regexp/base/within_size.h"
 #include "regexp/eval/evaluation_io.h"
 #include "regexp/graph/graph_facts.h"
@@ -44,13 +46,21 @@ RE_Tree::RE_Tree(const char16_t* pattern, std::size_t length, RE_Flags flags, RE
 RE_Tree::RE_Tree(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
                  RE_Node* continuationNode, RE_Node* outerNode, bool last)
     : interruptible(context != nullptr && context->allow_interrupt()) {
-    parse(pattern, length, flags, context, continuationNode, outerNode, last, nullptr);
+    parse(pattern, length, flags, context, continuationNode, outerNode, last, nullptr, {});
 }
 
 RE_Tree::RE_Tree(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
-                 RE_Node* continuationNode, RE_Node* outerNode, bool last, const RE_Sub_Pattern_Place& place)
+                 const RE_Compile_Limits& limits, RE_Compile_Report& report)
     : interruptible(context != nullptr && context->allow_interrupt()) {
-    parse(pattern, length, flags, context, continuationNode, outerNode, last, &place);
+    parse(pattern, length, flags, context, nullptr, nullptr, true, nullptr, {&limits, &report});
+}
+
+RE_Tree::RE_Tree(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
+                 RE_Node* continuationNode, RE_Node* outerNode, bool last, const RE_Sub_Pattern_Place& place,
+                 RE_Compile_Monitor& search)
+    : interruptible(context != nullptr && context->allow_interrupt()) {
+    parse(pattern, length, flags, context, continuationNode, outerNode, last, &place,
+          {nullptr, nullptr, &search});
 }
 
 RE_Tree::RE_Tree(RE_Tree&& other) noexcept
@@ -77,7 +87,7 @@ RE_Tree::~RE_Tree() {
 void RE_Tree::parse(const char16_t* pattern, std::size_t length, bool flag) {
     RE_Context context;
     const RE_Flags flags = RE_DEFAULT_FLAGS | (flag ? RE_FLAG_IGNORE_CASE : 0);
-    parse(pattern, length, flags, &context, nullptr, nullptr, true, nullptr);
+    parse(pattern, length, flags, &context, nullptr, nullptr, true, nullptr, {});
 }
 
 void RE_Tree::parse(const char* pattern, bool flag) {
@@ -111,7 +121,6 @@ RE_Node* compileGraph(RE_ParserContext& parserContext, const char16_t* pattern, 
     // Observers see the passes make strings and runs from their parts; the finished graph is the same.
     parserContext.joinsTexts = parserContext.options().optimizeLinearSubpatterns() && !observer;
     parserContext.joinsRuns = parserContext.options().optimizeDotStar() && !observer;
-    parserContext.context->set_string(pattern, length);
     RE_Node* const parsed = readGraph(parserContext, pattern, length, continuationNode, last);
     return runPasses(parserContext, parsed, observer);
 }
@@ -180,18 +189,37 @@ void prepareAttempts(RE_ParserContext& parserContext, RE_Node* root) {
 
 void RE_Tree::parse(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
                     RE_Node* continuationNode, RE_Node* outerNode, bool last,
-                    const RE_Sub_Pattern_Place* place) {
+                    const RE_Sub_Pattern_Place* place, const RE_Compile_Terms& terms) {
     if (context == nullptr) {
         RE_Context fallback;  // allows no evaluation, so no node keeps it
-        parse(pattern, length, flags, &fallback, continuationNode, outerNode, last, place);
+        parse(pattern, length, flags, &fallback, continuationNode, outerNode, last, place, terms);
         return;
     }
-    RE_Memory_Account account;
-    {
-        const RE_Memory_Account::Scope scope(account);
-        compile(pattern, length, flags, context, continuationNode, outerNode, last, place);
+    std::uint64_t held = 0;  // what compiling itself took has been given back
+    const RE_Compile_Report report = compileWithin(terms, interruptible, held, [&](RE_Compile_Meter& meter) {
+        compile(pattern, length, flags, context, continuationNode, outerNode, last, place, meter);
+    });
+    if (report.outcome != RE_Compile_Outcome::compiled) {
+        forgetAll();
+        if (report.isRefused()) {
+            context->warn(pattern + report.position, RE_WARNING_TOO_DEEP);
+        }
+        return;
     }
-    facts->bytes = account.held();  // what compiling itself took has been given back
+    facts->bytes = held;
+    if (terms.limits != nullptr) {
+        const auto left = [](std::uint64_t most, std::uint64_t taken) {
+            return most == RE_Compile_Limits::unlimited ? most : most - std::min(most, taken);
+        };
+        facts->speedUps.limit(left(terms.limits->work, report.work), left(terms.limits->bytes, held));
+    }
+}
+
+// What was known before compiling ended early is not known of any pattern.
+void RE_Tree::forgetAll() {
+    root = nullptr;
+    tokenCount = nodeCount = 0;
+    hasTokenNames = false;
 }
 
 std::uint64_t RE_Tree::memoryUse() const {
@@ -200,11 +228,14 @@ std::uint64_t RE_Tree::memoryUse() const {
 
 void RE_Tree::compile(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
                       RE_Node* continuationNode, RE_Node* outerNode, bool last,
-                      const RE_Sub_Pattern_Place* placeOfText) {
+                      const RE_Sub_Pattern_Place* placeOfText, RE_Compile_Meter& meter) {
+    // Before anything can be refused: the warning has to be placed.
+    context->set_string(pattern, length);
+    meter.admit(pattern, length);
     const bool continues = placeOfText == nullptr && continuationNode != nullptr;
     const RE_Continued_Graph continued =
         continues ? RE_Continued_Graph::from(continuationNode) : RE_Continued_Graph();
-    RE_ParserContext parserContext(context, outerNode, flags);
+    RE_ParserContext parserContext(context, outerNode, flags, &meter);
     takePlace(*parserContext.facts, placeOfText != nullptr ? *placeOfText : continued.place);
     parserContext.nodeCount = parserContext.facts->lastNodeId;
     // What follows a sub-pattern may call the host, for all that is known here.
@@ -259,6 +290,7 @@ std::string RE_Tree::graphAfter(RE_Stage stage, const char16_t* pattern, std::si
         RE_Context fallback;
         return graphAfter(stage, pattern, length, flags, &fallback);
     }
+    context->set_string(pattern, length);
     RE_ParserContext parserContext(context, nullptr, flags);
     std::string text;
     compileGraph(parserContext, pattern, length, nullptr, true, [&](RE_Stage reached, RE_Node* graphRoot) {
@@ -271,7 +303,7 @@ std::string RE_Tree::graphAfter(RE_Stage stage, const char16_t* pattern, std::si
 
 RE_Profile RE_Tree::profile() const {
     RE_Profile found;
-    if (facts->profiler != nullptr) {
+    if (facts != nullptr && facts->profiler != nullptr) {
         const RE_Count_Table counts = facts->profiler->read(found.searches);
         found.texts = counts.front();
         for (const RE_Node* node : facts->nodes) {
@@ -282,15 +314,16 @@ RE_Profile RE_Tree::profile() const {
 }
 
 void RE_Tree::clearProfile() const {
-    if (facts->profiler != nullptr) {
+    if (facts != nullptr && facts->profiler != nullptr) {
         facts->profiler->clear();
     }
 }
 
 RE_Included_Text RE_Text_Compiler::compile(const RE_Evaluation_IO& text, RE_Flags flags, RE_Context* context,
-                                           RE_Node* next, RE_Node* outer, const RE_Sub_Pattern_Place& place) {
+                                           RE_Node* next, RE_Node* outer, const RE_Sub_Pattern_Place& place,
+                                           RE_Compile_Monitor& search) {
     std::unique_ptr<RE_Tree> tree(
-        new RE_Tree(text.get_string(), text.get_length(), flags, context, next, outer, false, place));
+        new RE_Tree(text.get_string(), text.get_length(), flags, context, next, outer, false, place, search));
     const RE_Graph_Facts* const facts = tree->facts;
     const RE_Node* const root = tree->root;
     return {makeOpaque(std::move(tree)), facts, root};

@@ -18,13 +18,18 @@
 namespace RE_Builder_Space {
 class RE_Builder;
 }
+class RE_Compile_Meter;
+class RE_Compile_Monitor;
 class RE_Context;
-class RE_Match_Sequence;
 class RE_Match_Range;
+class RE_Match_Sequence;
 class RE_Node;
 class RE_Observer;
 class RE_Search_Info;
 class RE_Seek_Table;
+struct RE_Compile_Limits;
+struct RE_Compile_Report;
+struct RE_Compile_Terms;
 struct RE_Graph_Attributes;
 struct RE_Graph_Facts;
 struct RE_Profile;
@@ -59,8 +64,15 @@ public:
     /// The context must outlive the tree. Without one (null) the pattern is compiled as by `RE_Context`
     /// itself: no evaluation, no interrupts, no one to be warned.
     RE_Tree(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context);
+    /// The same within limits. A pattern that passes one is refused: warning 22 at the place where it did, no graph, and a
+    /// tree that matches nothing. The report says why; it is written in any case, unless the host throws or has no memory
+    /// left. Where somebody wants compiling to stop, there is no warning. The limits need not outlive the call.
+    RE_Tree(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
+            const RE_Compile_Limits& limits, RE_Compile_Report& report);
     /// The text that the context is told is gone when this returns.
     RE_Tree(const RE_Builder_Space::RE_Builder& builder, RE_Flags flags, RE_Context* context);
+    RE_Tree(const RE_Builder_Space::RE_Builder& builder, RE_Flags flags, RE_Context* context,
+            const RE_Compile_Limits& limits, RE_Compile_Report& report);
     /// A sub-pattern: its end hands control to `continuationNode`, and unless `last` it makes no tokens. The node may
     /// stand anywhere in another tree's graph, whose tree must outlive this one and is only read. Its memo rows,
     /// registers and counts come first and those of this pattern after them; tokens of the same number share a slot, and
@@ -173,6 +185,9 @@ public:
     bool getAllowEmptyMatch() const { return allowEmptyMatch; }
     /// Whether a match of this length counts as one.
     bool isValidMatchLength(std::size_t length) const { return length != 0 || allowEmptyMatch; }
+    /// Whether there is a pattern to search with: not after a limit or an interrupt has ended compiling, nor once the tree
+    /// was moved from. Then it matches nothing.
+    bool isCompiled() const { return root != nullptr; }
     /// Whether searches ask the host to be broken off, as the context had it when the pattern was compiled.
     bool isInterruptible() const { return interruptible; }
     std::uint64_t getNodeCount() const { return nodeCount; }
@@ -184,17 +199,19 @@ private:
 
     /// A sub-pattern that is compiled while its search runs.
     RE_Tree(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
-            RE_Node* continuationNode, RE_Node* outerNode, bool last, const RE_Sub_Pattern_Place& place);
+            RE_Node* continuationNode, RE_Node* outerNode, bool last, const RE_Sub_Pattern_Place& place,
+            RE_Compile_Monitor& search);
 
     void parse(const char16_t* pattern, std::size_t length, bool flag);
     void parse(const char* pattern, bool flag);
     void parse(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
                RE_Node* continuationNode, RE_Node* outerNode, bool last,
-               const RE_Sub_Pattern_Place* placeOfText);
+               const RE_Sub_Pattern_Place* placeOfText, const RE_Compile_Terms& terms);
     /// `placeOfText` is that of a dynamic text within a search; null for all others.
     void compile(const char16_t* pattern, std::size_t length, RE_Flags flags, RE_Context* context,
                  RE_Node* continuationNode, RE_Node* outerNode, bool last,
-                 const RE_Sub_Pattern_Place* placeOfText);
+                 const RE_Sub_Pattern_Place* placeOfText, RE_Compile_Meter& meter);
+    void forgetAll();
 
     RE_Results* searchFrom(const char16_t* subject, std::size_t length, std::size_t offset,
                            RE_Seek_Table* table, RE_Observer* observer = nullptr) const;

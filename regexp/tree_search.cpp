@@ -1,7 +1,10 @@
 // The searches that a compiled pattern offers. How one is run is in search/search.cpp.
+#include "regexp/base/compile_limits.h"
 #include "regexp/tree.h"
 
 #include "host/code_page.h"
+#include "regexp/base/compile_meter.h"
+#include "regexp/base/earlier_interrupt.h"
 #include "regexp/base/search_limits.h"
 #include "regexp/base/within_size.h"
 #include "regexp/dfa/dfa.h"
@@ -109,10 +112,30 @@ const RE_Tuning& RE_Tree::getTuning() const {
     return facts != nullptr ? facts->tuning : usual;
 }
 
+namespace {
+
+/// The host's flag, for parts that are made outside of all searches.
+class Host_Flag final : public RE_Compile_Monitor {
+public:
+    explicit Host_Flag(bool allowsInterrupts) : polls(allowsInterrupts), aside(allowsInterrupts) {}
+    RE_Compile_Outcome goesOn(std::uint64_t) override {
+        return polls && utInterruptState::IsInterruptPending() ? RE_Compile_Outcome::interrupted
+                                                               : RE_Compile_Outcome::compiled;
+    }
+
+private:
+    bool polls;
+    RE_Earlier_Interrupt aside;
+};
+
+}  // namespace
+
 bool RE_Tree::makeMachineCode() {
-    return facts != nullptr && RE_Machine_Code::obtain(*facts) != nullptr;
+    Host_Flag flag(interruptible);
+    return facts != nullptr && RE_Machine_Code::obtain(*facts, &flag) != nullptr;
 }
 
 bool RE_Tree::makeDfa() {
-    return facts != nullptr && RE_Dfa::obtain(*facts) != nullptr;
+    Host_Flag flag(interruptible);
+    return facts != nullptr && RE_Dfa::obtain(*facts, &flag) != nullptr;
 }

@@ -63,6 +63,7 @@ private:
         reached.reserve(usualNodes);
         reach(root, 0);
         for (std::size_t i = 0; i < reached.size(); ++i) {
+            context.meter.spend();
             if (!forEachStep(*reached[i].node, [&](RE_Node* target) { reach(target, i); })) {
                 wayEnd = i;
                 return true;
@@ -120,6 +121,7 @@ private:
         while (!reached.empty()) {
             RE_Node* const at = reached.back().node;
             reached.pop_back();
+            context.meter.spend();
             if (!forEachStep(*at, [this](RE_Node* target) { meet(target); })) {
                 furthest = way.size();
             }

@@ -16,6 +16,8 @@ namespace {
 // A class of up to so many units is as good as that many literals; a larger one would make the trie wide for
 // little.
 constexpr std::size_t mostUnitsOfClass = 16;
+// So many units of a literal are put into the trie in the time of one unit of work.
+constexpr std::size_t unitsAWork = 4;
 
 // Whether each unit is the only one with its lower-case form, itself. Comparing folded or unfolded units is
 // then the same for this text.
@@ -102,6 +104,7 @@ RE_Node* RE_Branch_Literals::join(RE_Graph_Context& context) const {
     literals.reserve(texts.size());
     for (const Text& text : texts) {
         literals.push_back(text.view());
+        context.meter.spend(1 + text.view().size() / unitsAWork);
     }
     RE_Literal_Trie trie(literals, comparison == Case::ignored);
     RE_Unit_Union starts(context.sets);

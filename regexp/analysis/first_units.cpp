@@ -152,6 +152,7 @@ bool RE_First_Units::run(RE_Node* from, std::size_t mostNodes) {
     while (known && !pending.empty()) {
         RE_Node* const node = pending.back();
         pending.pop_back();
+        meter.spend();
         visitMeaning(*node, Reader{*this});
         // Counted when a node is put on the list: the bound holds for the nodes met, not only for those read.
         known = known && seen <= mostNodes;

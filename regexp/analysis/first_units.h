@@ -30,7 +30,10 @@ public:
     static constexpr std::size_t anyNumber = static_cast<std::size_t>(-1);
 
     explicit RE_First_Units(RE_Graph_Context& parserContext)
-        : pending(&parserContext.scratch), gathered(parserContext.sets), walk(parserContext.nextWalk()) {
+        : meter(parserContext.meter),
+          pending(&parserContext.scratch),
+          gathered(parserContext.sets),
+          walk(parserContext.nextWalk()) {
         pending.reserve(usualNodes);
     }
 
@@ -71,6 +74,7 @@ private:
     void addConsumable(const RE_Consumable& unit);
     void addFirst(const RE_String& string);
 
+    RE_Compile_Meter& meter;
     RE_Scratch_List<RE_Node*> pending;
     RE_Unit_Union gathered;
     std::uint32_t walk;

@@ -26,6 +26,8 @@ namespace {
 
 // A choice that would exceed this stays one branch, and is gathered through its node.
 constexpr std::size_t mostBranches = 64;
+// What a prefix takes: some hundred visits at most.
+constexpr std::uint64_t workOfBranch = 32;
 
 /// One of the alternatives: a node, or a literal of a set of them, after which matching continues at the
 /// node. The text belongs to the set.
@@ -335,6 +337,7 @@ std::optional<RE_Likely_Prefixes> prefixesFrom(RE_Graph_Context& context, RE_Nod
             prefixes.emplace_back(context, looks);
         }
         const Branch& branch = branches[i];
+        context.meter.spend(workOfBranch);
         const std::size_t alike = count == branches.size() ? firstAlike(branches, i) : i;
         if (alike != i) {
             prefixes.back().gatherLike(prefixes[alike], branch.text, branch.ignoreCase);

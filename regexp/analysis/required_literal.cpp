@@ -39,7 +39,8 @@ constexpr std::size_t usualNodesBefore = 32;
 class Around {
 public:
     Around(RE_Graph_Context& parserContext, const RE_Node* literal)
-        : gathered(parserContext.sets),
+        : meter(parserContext.meter),
+          gathered(parserContext.sets),
           avoided(literal),
           number(parserContext.nextWalk()),
           pending(&parserContext.scratch) {}
@@ -52,11 +53,13 @@ public:
             if (i == mostVisitsToLiterals) {
                 return false;
             }
+            meter.spend();
             visit(pending[i], pending[i]->walkNote);
         }
         return true;
     }
 
+    RE_Compile_Meter& meter;
     RE_Unit_Union gathered;
     std::uint64_t least = RE_Node::unboundedLength;  ///< units consumed on the shortest way to the literal
 
@@ -171,6 +174,7 @@ RE_Scratch_List<RE_Node*> nodesFrom(RE_Graph_Context& context, RE_Node* root,
     follow(root);
     for (std::size_t i = 0; i < nodes.size() && i < mostNodes && found.size() < mostLiterals; ++i) {
         RE_Node* const node = nodes[i];
+        context.meter.spend();
         if (isSought(node)) {
             found.push_back(node);
         }

@@ -28,9 +28,13 @@ RE_Builder::RE_Builder(std::u16string pattern) : text(std::move(pattern)), bindi
 
 // Without references nothing depends on numbers, and the text is the pattern.
 std::u16string RE_Builder::pattern() const {
+    return drawn(nullptr);
+}
+
+std::u16string RE_Builder::drawn(RE_Compile_Meter* meter) const {
     const bool refers =
         std::ranges::any_of(marks, [](const Mark& mark) { return mark.kind != Mark::Kind::opens; });
-    return refers ? Draft(*this).finished() : text;
+    return refers ? Draft(*this, meter).finished() : text;
 }
 
 std::optional<std::size_t> RE_Builder::tokenIndex(const RE_Token& token) const {

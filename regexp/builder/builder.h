@@ -17,6 +17,9 @@
 
 class RE_Context;
 
+class RE_Compile_Meter;
+class RE_Tree;
+
 namespace RE_Builder_Space {
 
 class RE_Token;
@@ -65,6 +68,7 @@ public:
     }
 
 private:
+    friend class ::RE_Tree;
     friend struct RE_Composer;
     friend class RE_Template;
     class Draft;
@@ -91,6 +95,8 @@ private:
         std::uint64_t token;  ///< its identity
     };
 
+    /// The pattern text. Reading it in advance is work for the meter (may be null).
+    std::u16string drawn(RE_Compile_Meter* meter) const;
     /// Groups the text if it holds together less tightly than `needed`.
     void bindAtLeast(Binding needed);
     /// Puts `open` and `close` around the text and moves the marks along. The result is an item.

@@ -34,7 +34,8 @@ public:
 
 // A reference is to the nearest group of its token that opens before it; marks are in the order of the
 // text, so that is the latest one seen.
-RE_Builder::Draft::Draft(const RE_Builder& drafted) : builder(drafted), prefix(u"token_") {
+RE_Builder::Draft::Draft(const RE_Builder& drafted, RE_Compile_Meter* workMeter)
+    : builder(drafted), meter(workMeter), prefix(u"token_") {
     while (builder.text.find(prefix) != std::u16string::npos) {
         prefix += u'_';
     }
@@ -95,7 +96,7 @@ std::optional<std::size_t> RE_Builder::Draft::slotOf(const std::u16string& name,
 RE_Builder::Draft::Slots RE_Builder::Draft::read(const std::u16string& pattern, RE_Flags flags,
                                                  RE_Context* context) const {
     Consulting_Context asked(context);
-    RE_ParserContext parser(&asked, nullptr, flags);
+    RE_ParserContext parser(&asked, nullptr, flags, meter);
     RE_Grammar(parser, pattern.data(), pattern.size(), true).read();
     return std::move(parser.tokenNames);
 }

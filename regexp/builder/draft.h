@@ -25,7 +25,8 @@ namespace RE_Builder_Space {
 /// Lives for one question about one builder, which must outlive it.
 class RE_Builder::Draft {
 public:
-    explicit Draft(const RE_Builder& builder);
+    /// The meter (may be null) must outlive this.
+    explicit Draft(const RE_Builder& builder, RE_Compile_Meter* workMeter = nullptr);
 
     /// The pattern with its references put in.
     std::u16string finished() const;
@@ -50,6 +51,7 @@ private:
     void writeReference(std::u16string& out, const Mark& mark, std::size_t group, std::uint64_t number) const;
 
     const RE_Builder& builder;
+    RE_Compile_Meter* meter;
     std::u16string prefix;  ///< of the names; nowhere in the text, so that no name of its own begins so
     std::vector<std::uint64_t> tokens;  ///< of the groups, in the order of the text
     std::vector<std::size_t> targets;   ///< by mark: the group that is opened or referred to, or `none`

@@ -5,6 +5,7 @@
 // begin of the subject is a side of its own.
 #include "regexp/dfa/alphabet.h"
 
+#include "regexp/base/compile_meter.h"
 #include "regexp/graph/graph_facts.h"
 #include "regexp/graph/meaning.h"
 #include "regexp/nodes/literal_set.h"
@@ -16,6 +17,9 @@
 #include <utility>
 
 namespace {
+
+// All blocks of units are gone through twice.
+constexpr std::uint64_t workOfSplit = 64;
 
 RE_Unit_Set consumedBy(const RE_Consumable& node) {
     RE_Unit_Set set;
@@ -75,7 +79,7 @@ RE_Node_Literals literalsOf(const RE_Node* node) {
     return found;
 }
 
-void RE_Alphabet::learn(const RE_Graph_Facts& facts) {
+void RE_Alphabet::learn(const RE_Graph_Facts& facts, RE_Compile_Meter& meter) {
     letters.assign(RE_Unit_Set::unitCount, 0);
     letterOfBlock.fill(0);
     examples.assign(1, u'\0');
@@ -86,20 +90,27 @@ void RE_Alphabet::learn(const RE_Graph_Facts& facts) {
         const auto* const unit = std::get_if<RE_Meanings::Unit>(&meaning);
         const RE_Unit_Set* const table = unit != nullptr ? unit->test->table() : nullptr;
         if (unit != nullptr && (table == nullptr || seenTables.insert(table).second)) {
+            meter.spend(workOfSplit);
             split(consumedBy(*unit->test));
         }
         const RE_Node_Literals literals = literalsOf(node);
         for (const std::u16string_view text : literals.texts) {
             for (const char16_t at : text) {
+                meter.spend();
                 if (seen.insert({at, literals.ignoreCase}).second) {
+                    meter.spend(workOfSplit);
                     split(unitsFor(at, literals.ignoreCase));
+                }
+                if (!isComplete()) {
+                    return;
                 }
             }
         }
         if (!isComplete()) {
-            return;
+            return;  // a split takes longer the more letters there are
         }
     }
+    meter.spend(workOfSplit);
     chooseExamples();
 }
 
@@ -203,11 +214,17 @@ RE_Letters RE_Alphabet::lettersOf(const RE_Unit_Set& set) const {
     return found;
 }
 
-RE_Unit_Sides::RE_Unit_Sides(const RE_Graph_Facts& facts, RE_Alphabet& alphabet) {
-    gather(facts);
+RE_Unit_Sides::RE_Unit_Sides(const RE_Graph_Facts& facts, RE_Alphabet& alphabet, RE_Compile_Meter& meter) {
+    gather(facts, meter);
     for (const RE_Unit_Set& set : asked) {
+        meter.spend(workOfSplit);
         alphabet.split(set);
+        complete = complete && alphabet.isComplete();
+        if (!complete) {
+            return;
+        }
     }
+    meter.spend(workOfSplit);
     alphabet.chooseExamples();
     sides.assign(alphabet.size(), begin);
     if (asked.empty() && !asksForBegin) {
@@ -229,8 +246,9 @@ RE_Unit_Sides::RE_Unit_Sides(const RE_Graph_Facts& facts, RE_Alphabet& alphabet)
 }
 
 // What precedes a position and what follows it is told apart by the same letters.
-void RE_Unit_Sides::gather(const RE_Graph_Facts& facts) {
+void RE_Unit_Sides::gather(const RE_Graph_Facts& facts, RE_Compile_Meter& meter) {
     for (const RE_Node* node : facts.nodes) {
+        meter.spend(1 + asked.size());
         const RE_Meaning meaning = node->meaning();
         if (const auto* const edge = std::get_if<RE_Meanings::Edge>(&meaning)) {
             asksForBegin = asksForBegin || !edge->before.isAny();
@@ -241,7 +259,10 @@ void RE_Unit_Sides::gather(const RE_Graph_Facts& facts) {
 }
 
 void RE_Unit_Sides::add(RE_Unit_Set units) {
-    if (units != RE_Unit_Set() && std::ranges::find(asked, units) == asked.end()) {
+    // Each set is compared with all before it.
+    constexpr std::size_t mostAsked = 256;
+    complete = complete && asked.size() <= mostAsked;
+    if (complete && units != RE_Unit_Set() && std::ranges::find(asked, units) == asked.end()) {
         asked.push_back(std::move(units));
     }
 }

@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+class RE_Compile_Meter;
 class RE_Consumable;
 class RE_Node;
 struct RE_Graph_Facts;
@@ -36,7 +37,7 @@ using RE_Letters = std::bitset<256>;
 class RE_Alphabet {
 public:
     /// Takes in the units that a pattern consumes, until there are too many letters.
-    void learn(const RE_Graph_Facts& facts);
+    void learn(const RE_Graph_Facts& facts, RE_Compile_Meter& meter);
     /// Tells the units of a set from the others. `chooseExamples` is due afterwards.
     void split(const RE_Unit_Set& set);
     void chooseExamples();
@@ -73,19 +74,22 @@ private:
 class RE_Unit_Sides {
 public:
     /// Has the alphabet tell the units apart, too.
-    RE_Unit_Sides(const RE_Graph_Facts& facts, RE_Alphabet& alphabet);
+    RE_Unit_Sides(const RE_Graph_Facts& facts, RE_Alphabet& alphabet, RE_Compile_Meter& meter);
 
     static constexpr std::size_t begin = 0;
+    /// False where there are too many to be told apart; nothing else may be queried then.
+    bool isComplete() const { return complete; }
     /// Of the units of a letter.
     std::size_t of(std::size_t letter) const { return sides[letter]; }
     std::size_t count() const { return examples.size(); }
     char16_t unitOf(std::size_t side) const { return examples[side]; }
 
 private:
-    void gather(const RE_Graph_Facts& facts);
+    void gather(const RE_Graph_Facts& facts, RE_Compile_Meter& meter);
     void add(RE_Unit_Set units);
 
     std::vector<RE_Unit_Set> asked;
+    bool complete = true;
     bool asksForBegin = false;
     std::vector<std::size_t> sides;  // of each letter
     std::vector<char16_t> examples{u'\0'};

@@ -4,6 +4,7 @@
 // reached the end of the pattern: what the loop would try after a success is not part of a state. That is why
 // the automaton finds the match of the loop, and not the longest. So this is the subset construction, with
 // lists in place of sets; and it writes the tables that are made from its states.
+#include "regexp/base/compile_meter.h"
 #include "regexp/dfa/alphabet.h"
 #include "regexp/dfa/dfa.h"
 #include "regexp/dfa/ways.h"
@@ -23,7 +24,7 @@ class RE_Determinizer {
 public:
     /// Learns the letters and sides of the graph, which must outlive this. A graph that is too large, or that
     /// includes texts, is not looked at.
-    explicit RE_Determinizer(const RE_Graph_Facts& facts);
+    RE_Determinizer(const RE_Graph_Facts& facts, RE_Compile_Meter& workMeter);
     /// Null where there is no automaton, or only a large one.
     std::unique_ptr<const RE_Dfa> run();
 
@@ -31,6 +32,8 @@ private:
     // Bounds of effort and size. The table has to stay in a near cache, or backtracking would be as fast: so many
     // entries are 128 KiB.
     static constexpr std::size_t mostNodes = 2000;
+    static constexpr std::uint64_t workOfPage = 4;    // of its 256 letters
+    static constexpr std::uint64_t workOfStay = 128;  // of a set of units and a scan for it
     static constexpr std::size_t mostEntries = std::size_t{1} << 15;
 
     /// What begins at a place besides the threads that reach it: after them, as a search tries earlier starts
@@ -67,6 +70,7 @@ private:
     void writeStays();
     void writeStay(std::size_t state);
 
+    RE_Compile_Meter& meter;
     std::unique_ptr<RE_Dfa> dfa;
     RE_Alphabet alphabet;
     std::unique_ptr<RE_Unit_Sides> sides;
@@ -77,20 +81,25 @@ private:
     std::vector<const State*> states;  // by number; they lie in the map, whose nodes do not move
 };
 
-const RE_Dfa* RE_Dfa::obtain(const RE_Graph_Facts& facts) {
+const RE_Dfa* RE_Dfa::obtain(const RE_Graph_Facts& facts, RE_Compile_Monitor* monitor) {
     RE_Speed_Ups& speedUps = facts.speedUps;
-    return speedUps.obtain(speedUps.dfa, [&facts] { return RE_Determinizer(facts).run(); });
+    return speedUps.obtain(speedUps.dfa, monitor, [&facts](RE_Making& making) {
+        return RE_Determinizer(facts, making.meter).run();
+    });
 }
 
 // Without `ways` there is no automaton. Sides split the alphabet further, so they come after it.
-RE_Determinizer::RE_Determinizer(const RE_Graph_Facts& facts) : dfa(new RE_Dfa) {
+RE_Determinizer::RE_Determinizer(const RE_Graph_Facts& facts, RE_Compile_Meter& workMeter)
+    : meter(workMeter), dfa(new RE_Dfa) {
     if (facts.nodes.size() > mostNodes || facts.hasDynamicNodes) {
         return;
     }
-    alphabet.learn(facts);
+    alphabet.learn(facts, meter);
     if (alphabet.isComplete()) {
-        sides = std::make_unique<RE_Unit_Sides>(facts, alphabet);
-        ways = std::make_unique<RE_Ways>(facts, alphabet, *sides, facts.refusesEmpty);
+        sides = std::make_unique<RE_Unit_Sides>(facts, alphabet, meter);
+    }
+    if (sides != nullptr && sides->isComplete()) {
+        ways = std::make_unique<RE_Ways>(facts, alphabet, *sides, facts.refusesEmpty, meter);
     }
 }
 
@@ -144,6 +153,7 @@ void RE_Determinizer::addRow(std::size_t state) {
 // Follows the threads in their order until one matches: those after it are never tried. Where attempts begin
 // everywhere, the first match ends the search, as there is nothing more to know.
 RE_Dfa::Entry RE_Determinizer::entry(const State& from, std::size_t letter) {
+    meter.spend(1 + from.threads.size());
     std::vector<RE_Thread> following;
     ways->begin(from.side, letter, following);
     bool matches = std::ranges::any_of(
@@ -188,6 +198,7 @@ void RE_Determinizer::writeLetters() {
     using Page = std::array<std::uint8_t, RE_Dfa::pageUnits>;
     std::map<Page, std::size_t> pages;
     for (std::size_t page = 0; page < dfa->pageStart.size(); ++page) {
+        meter.spend(workOfPage);
         Page letters;
         for (std::size_t i = 0; i < letters.size(); ++i) {
             const auto unit = static_cast<char16_t>(page * RE_Dfa::pageUnits + i);
@@ -234,6 +245,7 @@ void RE_Determinizer::writeStays() {
     constexpr std::size_t most = 16;
     dfa->stays.resize(dfa->stateCount());
     for (std::size_t state = 1; state < std::min(dfa->stays.size(), most); ++state) {
+        meter.spend(workOfStay);
         writeStay(state);
     }
 }

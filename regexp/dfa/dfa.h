@@ -19,6 +19,7 @@
 #include <memory>
 #include <vector>
 
+class RE_Compile_Monitor;
 class RE_Search_Info;
 struct RE_Graph_Facts;
 
@@ -54,8 +55,9 @@ public:
     /// The automaton of the pattern, made now unless that was tried before. Null where the pattern has a node that an
     /// automaton cannot represent, and where it would need too many states. Takes time and memory within fixed bounds,
     /// whatever the pattern. Any thread may call it, also while others search; one that is being made by another thread
-    /// counts as none.
-    static const RE_Dfa* obtain(const RE_Graph_Facts& facts);
+    /// counts as none. The monitor (may be null) is asked several times a millisecond whether to go on; if not, it may be
+    /// tried again.
+    static const RE_Dfa* obtain(const RE_Graph_Facts& facts, RE_Compile_Monitor* monitor);
 
     struct Answer {
         const char16_t* end;    ///< null when there is none, and when the search was broken off

@@ -5,6 +5,7 @@
 #include "regexp/dfa/dfa.h"
 #include "regexp/graph/graph_facts.h"
 #include "regexp/state/search_info.h"
+#include "regexp/state/search_monitor.h"
 
 #include <algorithm>
 
@@ -54,14 +55,15 @@ RE_Inquiry RE_Inquiry::forOtherSubject() const {
 }
 
 // A pattern without an automaton gets one when its attempts have often wished for it. Most have few choices.
-bool RE_Inquiry::hasAutomaton() {
+bool RE_Inquiry::hasAutomaton(const RE_Search_Info& info) {
     if (dfa != nullptr) {
         return true;
     }
     RE_Speed_Ups& speedUps = pattern->speedUps;
     const RE_Dfa* automaton = speedUps.dfa.get();
     if (automaton == nullptr && speedUps.choices.add(delay) >= pattern->tuning.automatonChoices) {
-        automaton = RE_Dfa::obtain(*pattern);
+        RE_Aside_Of_Search asked(info);
+        automaton = RE_Dfa::obtain(*pattern, &asked);
     }
     if (automaton != nullptr) {
         use(automaton);
@@ -77,7 +79,7 @@ bool RE_Inquiry::goesOn(RE_Search_Info& info) {
         left = never;
         return true;
     }
-    if (!hasAutomaton()) {
+    if (!hasAutomaton(info)) {
         return true;
     }
     const RE_Dfa::Answer answer = dfa->matchEnd(info.matchStart, info);

@@ -2,6 +2,7 @@
 // units on both sides makes the whole impossible: there is no automaton then, rather than one that guesses.
 #include "regexp/dfa/ways.h"
 
+#include "regexp/base/compile_meter.h"
 #include "regexp/dfa/alphabet.h"
 #include "regexp/graph/graph_facts.h"
 #include "regexp/graph/meaning.h"
@@ -13,12 +14,17 @@
 namespace {
 
 constexpr std::size_t longestText = 256;  // units of all literals of one node
+constexpr std::uint64_t workOfWay = 2;    // it is looked up, and what it leads to
 
 }  // namespace
 
 RE_Ways::RE_Ways(const RE_Graph_Facts& graphFacts, const RE_Alphabet& letters, const RE_Unit_Sides& unitSides,
-                 bool refusesEmptyMatch)
-    : facts(graphFacts), alphabet(letters), sides(unitSides), rejectEmpty(refusesEmptyMatch) {
+                 bool refusesEmptyMatch, RE_Compile_Meter& workMeter)
+    : facts(graphFacts),
+      alphabet(letters),
+      sides(unitSides),
+      meter(workMeter),
+      rejectEmpty(refusesEmptyMatch) {
     for (const RE_Node* node : facts.nodes) {
         if (std::holds_alternative<RE_Meanings::Count>(node->meaning())) {
             counters.try_emplace(node, counters.size());
@@ -143,6 +149,7 @@ bool RE_Ways::run(const RE_Thread& thread) {
     while (isPossible() && !reached && !pending.empty()) {
         const Way way = pending.back();
         pending.pop_back();
+        meter.spend(workOfWay);
         if (way.consumes) {
             goOver(way.thread.node, way.thread, way.thread.within);
         } else if (met.insert(way).second) {

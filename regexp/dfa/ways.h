@@ -15,6 +15,7 @@
 #include <vector>
 
 class RE_Alphabet;
+class RE_Compile_Meter;
 class RE_Consume;
 class RE_Node;
 class RE_Unit_Sides;
@@ -38,7 +39,7 @@ public:
 
     /// All must outlive this. Alphabet and sides are those of the pattern.
     RE_Ways(const RE_Graph_Facts& graphFacts, const RE_Alphabet& letters, const RE_Unit_Sides& unitSides,
-            bool refusesEmptyMatch);
+            bool refusesEmptyMatch, RE_Compile_Meter& workMeter);
 
     /// The most nodes that are visited, all ways together.
     static constexpr std::size_t mostVisits = std::size_t{1} << 16;
@@ -81,6 +82,7 @@ private:
     const RE_Graph_Facts& facts;
     const RE_Alphabet& alphabet;
     const RE_Unit_Sides& sides;
+    RE_Compile_Meter& meter;
     bool rejectEmpty;
     bool possible = true;
     bool ambiguous = false;

@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <unordered_map>
 
 class RE_Context;
 class RE_Replace_Evalable;
@@ -23,8 +24,7 @@ public:
     RE_Evaluation_Tokens(const RE_Evaluation_Tokens&) = delete;
     RE_Evaluation_Tokens& operator=(const RE_Evaluation_Tokens&) = delete;
 
-    /// Adds a copy, unless the same reference is there already. There must be room. Takes time in the
-    /// number of references.
+    /// Adds a copy, unless the same reference is there already. There must be room.
     void add(const RE_Replace_Evalable* reference);
     /// Has the host make a variable for each reference, in order. Exceptions of the host pass.
     void create_variables(RE_Context* context);
@@ -44,7 +44,12 @@ public:
 private:
     std::size_t indexOf(const RE_Replace_Evalable* reference) const;
 
+    // So many are compared one by one, which most expressions never exceed; beyond, a hash of each pays.
+    static constexpr std::size_t mostSearched = 16;
+
     std::size_t count = 0;
     RE_Replace_Evalable** items;
+    std::unordered_multimap<std::size_t, std::size_t>
+        places;  ///< indexes by hash, of all, once these are many
     std::unique_ptr<RE_Evaluation_Inputs> variables;
 };

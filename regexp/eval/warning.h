@@ -31,5 +31,5 @@ enum RE_Warning : std::uint32_t {
     RE_WARNING_BAD_CONDITION = 19,           ///< a condition of no known form
     RE_WARNING_BAD_QUANTIFIER = 20,          ///< a malformed {...}
     RE_WARNING_BAD_REFERENCE = 21,           ///< a $ in a replacement that begins no reference
-    RE_WARNING_TOO_DEEP = 22                 ///< a construct nested too deeply or too large
+    RE_WARNING_TOO_DEEP = 22                 ///< a construct nested too deeply, or a text beyond a limit
 };

@@ -36,7 +36,7 @@ constexpr std::array<RE_Warning_Description, 23> descriptions = {{
     {"bad-condition", "a condition must be a token's number or name, a lookaround or an expression"},
     {"bad-quantifier", "a counted quantifier must be {n}, {n,} or {n,m} with n not above m"},
     {"bad-reference", "this \"$\" starts no valid reference"},
-    {"too-deep", "this construct is nested too deeply or grows too large"},
+    {"too-deep", "this construct is nested too deeply, or the text grows beyond a limit"},
 }};
 
 using View = std::u16string_view;

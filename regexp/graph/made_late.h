@@ -27,6 +27,8 @@ public:
     bool isOpen() const noexcept { return !claimed.load(std::memory_order_relaxed); }
     /// True for one caller, who has to make the object.
     bool claim() noexcept { return isOpen() && !claimed.exchange(true, std::memory_order_relaxed); }
+    /// For the one who has claimed it and was kept from making it: somebody else may try.
+    void reopen() noexcept { claimed.store(false, std::memory_order_relaxed); }
     /// For the one who has claimed it. Null where it cannot be made; it is not tried again then.
     void publish(RE_Opaque<const T> made) noexcept {
         if (made != nullptr) {

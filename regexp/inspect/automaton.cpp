@@ -2,6 +2,7 @@
 // judged linear has to be linear.
 #include "regexp/inspect/automaton.h"
 
+#include "regexp/base/compile_meter.h"
 #include "regexp/graph/graph_facts.h"
 #include "regexp/graph/meaning.h"
 #include "regexp/nodes/closed_body.h"
@@ -72,7 +73,8 @@ RE_Automaton::RE_Automaton(const RE_Tree& tree) {
         complete = false;
         return;
     }
-    alphabet.learn(facts);
+    RE_Compile_Meter unbounded;
+    alphabet.learn(facts, unbounded);
     complete = alphabet.isComplete();
     if (!complete) {
         return;

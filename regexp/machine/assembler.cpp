@@ -202,8 +202,9 @@ std::size_t roomFor(const RE_Program& program) {
 /// Writes the code of a pattern into a buffer, and then to the place where it is run.
 class Assembler : private corvane_machine::Start_Code {
 public:
-    Assembler(const RE_Graph_Facts& graphFacts, std::span<std::byte> buffer)
+    Assembler(const RE_Graph_Facts& graphFacts, std::span<std::byte> buffer, RE_Compile_Meter& meter)
         : Start_Code(graphFacts, graphFacts.root, buffer) {
+        work = &meter;
         // The order is the layout of the code: entries, starts, program, exits, constants. `emitBegin` falls
         // through into `emitStarts`, and the next start into the program.
         emitEntry();
@@ -219,8 +220,12 @@ public:
         return graphFacts.program.entry != nullptr || seeks();
     }
 
-    /// Null where there is no memory that may be executed.
-    std::unique_ptr<RE_Machine_Code> place() {
+    /// Null where there is no memory that may be executed, and where the code is too large.
+    std::unique_ptr<RE_Machine_Code> place(RE_Making& making) {
+        if (getSize() > making.mostBytes) {
+            return nullptr;
+        }
+        making.bytesOfMachine = getSize();
         RE_Code_Space space = RE_Code_Space::take(getSize());
         if (!space) {
             return nullptr;
@@ -260,7 +265,7 @@ private:
 
 }  // namespace
 
-std::unique_ptr<RE_Machine_Code> RE_Machine_Code::make(const RE_Graph_Facts& facts) {
+std::unique_ptr<RE_Machine_Code> RE_Machine_Code::make(const RE_Graph_Facts& facts, RE_Making& making) {
     if (facts.program.instructions.empty()) {
         return nullptr;
     }
@@ -272,8 +277,8 @@ std::unique_ptr<RE_Machine_Code> RE_Machine_Code::make(const RE_Graph_Facts& fac
         large = std::make_unique_for_overwrite<std::byte[]>(room);
     }
     try {
-        Assembler assembler(facts, {large != nullptr ? large.get() : small.data(), room});
-        return assembler.gains(facts) ? assembler.place() : nullptr;
+        Assembler assembler(facts, {large != nullptr ? large.get() : small.data(), room}, making.meter);
+        return assembler.gains(facts) ? assembler.place(making) : nullptr;
     } catch (const Xbyak::Error&) {
         return nullptr;
     }
@@ -281,13 +286,14 @@ std::unique_ptr<RE_Machine_Code> RE_Machine_Code::make(const RE_Graph_Facts& fac
 
 #else
 
-std::unique_ptr<RE_Machine_Code> RE_Machine_Code::make(const RE_Graph_Facts&) {
+std::unique_ptr<RE_Machine_Code> RE_Machine_Code::make(const RE_Graph_Facts&, RE_Making&) {
     return nullptr;
 }
 
 #endif
 
-const RE_Machine_Code* RE_Machine_Code::obtain(const RE_Graph_Facts& facts) {
+const RE_Machine_Code* RE_Machine_Code::obtain(const RE_Graph_Facts& facts, RE_Compile_Monitor* monitor) {
     RE_Speed_Ups& speedUps = facts.speedUps;
-    return speedUps.obtain(speedUps.machineCode, [&facts] { return make(facts); });
+    return speedUps.obtain(speedUps.machineCode, monitor,
+                           [&facts](RE_Making& making) { return make(facts, making); });
 }

@@ -20,7 +20,9 @@
 #include <memory>
 #include <utility>
 
+class RE_Compile_Monitor;
 struct RE_Graph_Facts;
+struct RE_Making;
 class RE_Node;
 struct RE_Search_Registers;
 
@@ -46,7 +48,8 @@ public:
     /// would do nothing by itself, and where the machine refuses memory that may be executed. Any thread may call it, also
     /// while others search; code that is being made by another thread counts as none. The code holds addresses of the
     /// facts and the graph.
-    static const RE_Machine_Code* obtain(const RE_Graph_Facts& facts);
+    /// The monitor (may be null) is asked several times a millisecond whether to go on; if not, it may be tried again.
+    static const RE_Machine_Code* obtain(const RE_Graph_Facts& facts, RE_Compile_Monitor* monitor);
     /// Looks for a match that starts at `p` or after it. `p` must not lie past `lastStart` of the registers:
     /// the code begins after that test.
     RE_Machine_Exit begin(RE_Search_Registers& search, const char16_t* p) const {
@@ -72,7 +75,7 @@ public:
         : entry(again), first(beginning), space(std::move(memory)) {}
 
 private:
-    static std::unique_ptr<RE_Machine_Code> make(const RE_Graph_Facts& facts);
+    static std::unique_ptr<RE_Machine_Code> make(const RE_Graph_Facts& facts, RE_Making& making);
 
     Entry entry;
     First first;

@@ -18,6 +18,10 @@ namespace corvane_machine {
 
 namespace {
 
+// An instruction takes up to fifteen microseconds to be written, with all that is written for it later.
+constexpr std::uint64_t workOfInstruction = 32;
+constexpr std::uint64_t workOfPath = 8;
+
 bool isText(const RE_Instruction& in) {
     return in.operation == RE_Operation::text || in.operation == RE_Operation::foldedText;
 }
@@ -79,6 +83,7 @@ void Program_Code::emitProgram() {
         }
     }
     for (const auto& write : later) {
+        work->spend(workOfPath);
         write();
     }
 }
@@ -86,6 +91,7 @@ void Program_Code::emitProgram() {
 // Writes `in` and all that follows it, up to an instruction that has been written or that does not continue.
 void Program_Code::emitChain(const RE_Instruction* in) {
     for (;;) {
+        work->spend(workOfInstruction);
         openChoice = choiceOf[indexOf(in)];
         L(labelOf(in));
         // Starts and choices taken up again look at the meter, too; no other place does.

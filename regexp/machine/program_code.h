@@ -7,6 +7,7 @@
 // else.
 #pragma once
 
+#include "regexp/base/compile_meter.h"
 #include "regexp/graph/graph_facts.h"
 #include "regexp/graph/instruction.h"
 #include "regexp/machine/unit_code.h"
@@ -41,6 +42,8 @@ protected:
 
     Label failedLabel;
     std::int64_t mostSteps;  ///< at most so many from one check of the meter to the next
+    /// Counts what is written, and may end it. To be set before anything is.
+    RE_Compile_Meter* work = nullptr;
 
 private:
     /// A run of which another end is tried within the code when its rest fails, and the labels of the code

@@ -6,6 +6,9 @@
 #include "regexp/nodes/graph_context.h"
 #include "regexp/state/results.h"
 #include "regexp/state/search_info.h"
+#include "regexp/state/search_monitor.h"
+
+#include <utility>
 
 namespace {
 
@@ -61,8 +64,13 @@ bool RE_Dynamic::include(const RE_Evaluation_IO& text, std::size_t pos, RE_Searc
         info.included.refuse(info);
         return false;
     }
-    info.include(RE_Text_Compiler::compile(text, flags, context, nextNode, outer, info.placeOfText()), this,
-                 pos, depth == 0);
+    RE_Work_Of_Search work(info);
+    RE_Included_Text compiled =
+        RE_Text_Compiler::compile(text, flags, context, nextNode, outer, info.placeOfText(), work);
+    if (compiled.root == nullptr) {
+        return false;
+    }
+    info.include(std::move(compiled), this, pos, depth == 0);
     return true;
 }
 

@@ -19,6 +19,7 @@
 #include <string>
 #include <utility>
 
+class RE_Compile_Monitor;
 class RE_Context;
 
 /// `(?@expr)`: evaluates for the effects, and matches the empty text.
@@ -49,8 +50,10 @@ private:
 
 /// Compiles a dynamic text as a pattern that continues at `next`. Defined beside `RE_Tree`, which nodes do not know.
 struct RE_Text_Compiler {
+    /// Without facts and root where the search has ended it.
     static RE_Included_Text compile(const RE_Evaluation_IO& text, RE_Flags flags, RE_Context* context,
-                                    RE_Node* next, RE_Node* outer, const RE_Sub_Pattern_Place& place);
+                                    RE_Node* next, RE_Node* outer, const RE_Sub_Pattern_Place& place,
+                                    RE_Compile_Monitor& search);
 };
 
 /// Base of the nodes that match a text which is made while they match.
@@ -74,7 +77,8 @@ public:
     std::uint32_t getDepth() const { return depth; }
 
 protected:
-    /// Compiles the text and enters it. False when it is nested too deeply.
+    /// Compiles the text, in steps of the search, and enters it. False when it is nested too deeply, and when the search is
+    /// broken off meanwhile.
     bool include(const RE_Evaluation_IO& text, std::size_t pos, RE_Search_Info& info) const;
 
 private:

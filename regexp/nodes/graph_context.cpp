@@ -9,6 +9,9 @@
 
 namespace {
 
+// A walk passes so many nodes in the time of one unit of work.
+constexpr std::size_t nodesAWork = 8;
+
 // Sorts by node number. The numbers mostly lie close together; then each has a place of its own and sorting
 // is linear. Relies on distinct numbers: of two nodes with the same one, the places would keep the later.
 void sortByNumber(std::span<RE_Node*> nodes, std::uint64_t lastNumber, RE_Scratch_Memory* memory) {
@@ -29,8 +32,13 @@ void sortByNumber(std::span<RE_Node*> nodes, std::uint64_t lastNumber, RE_Scratc
 
 }  // namespace
 
-RE_Graph_Context::RE_Graph_Context(RE_Context* host, RE_Node* outerNode, RE_Flags patternFlags)
-    : context(host), outer(outerNode), flags(patternFlags), facts(new RE_Graph_Facts) {}
+RE_Graph_Context::RE_Graph_Context(RE_Context* host, RE_Node* outerNode, RE_Flags patternFlags,
+                                   RE_Compile_Meter* outerMeter)
+    : meter(outerMeter != nullptr ? *outerMeter : unbounded),
+      context(host),
+      outer(outerNode),
+      flags(patternFlags),
+      facts(new RE_Graph_Facts) {}
 
 RE_Graph_Context::~RE_Graph_Context() {
     for (RE_Node* node : made) {
@@ -49,6 +57,7 @@ const RE_Collection::Nodes& RE_Graph_Context::nodes(RE_Node* root) {
         reached.addFront(root);
     }
     walkedFrom = root;
+    meter.spend(1 + reached.nodes().size() / nodesAWork);
     return reached.nodes();
 }
 
@@ -56,12 +65,14 @@ RE_Node* RE_Graph_Context::leadPastSkippable(RE_Node* root) {
     walkedFrom = throughSkippable(root);
     reached.reserve(made.size());
     reached.walkPastSkippable(walkedFrom, nextWalk());
+    meter.spend(1 + reached.nodes().size() / nodesAWork);
     return walkedFrom;
 }
 
 // Nodes are kept in the order of their numbers, which is mostly that in which they were made, not in that of the walk.
 std::size_t RE_Graph_Context::handOver(RE_Node* root) {
     const RE_Collection::Nodes& kept = nodes(root);
+    meter.spend(1 + made.size() / nodesAWork);
     facts->nodes.reserve(kept.size());
     for (RE_Node* node : kept) {
         node->visited = true;

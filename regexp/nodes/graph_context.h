@@ -7,6 +7,7 @@
 // never delete a node and may drop links freely.
 #pragma once
 
+#include "regexp/base/compile_meter.h"
 #include "regexp/base/flags.h"
 #include "regexp/base/memory.h"
 #include "regexp/base/scratch_memory.h"
@@ -30,8 +31,10 @@
 class CORVANE_REGEXP_EXPORT RE_Graph_Context : public RE_Memory {
 public:
     /// `host` is not null and outlives this and the compiled pattern. `outerNode` is the node that includes the text being
-    /// compiled as a sub-pattern, or null. `patternFlags` are the modes at the beginning. Throws `std::bad_alloc`.
-    RE_Graph_Context(RE_Context* host, RE_Node* outerNode, RE_Flags patternFlags);
+    /// compiled as a sub-pattern, or null. `patternFlags` are the modes at the beginning. The work is counted by the meter,
+    /// which must outlive this; where it is null, nothing bounds it. Throws `std::bad_alloc`.
+    RE_Graph_Context(RE_Context* host, RE_Node* outerNode, RE_Flags patternFlags,
+                     RE_Compile_Meter* outerMeter = nullptr);
     ~RE_Graph_Context();
     RE_Graph_Context(const RE_Graph_Context&) = delete;
     RE_Graph_Context& operator=(const RE_Graph_Context&) = delete;
@@ -66,6 +69,11 @@ public:
     /// are left. The last thing that is done with this object's nodes; prepares their seeks.
     std::size_t handOver(RE_Node* root);
 
+private:
+    RE_Compile_Meter unbounded;  ///< for want of another one
+
+public:
+    RE_Compile_Meter& meter;    ///< whatever loops over the pattern or its graph spends from it
     RE_Scratch_Memory scratch;  ///< what compiling takes for itself
     RE_Context* context;
     std::uint64_t nodeCount = 0;
@@ -87,6 +95,7 @@ protected:
     /// The only place that makes nodes. `maker` is `*this` as the class that the node's constructor takes.
     template <class Node, class Context, class... Arguments>
     Node* makeIn(Context& maker, Arguments&&... arguments) {
+        meter.spendNode();
         made.push_back(nullptr);  // a node whose constructor throws leaves no trace
         Node* node = nullptr;
         if (options().profile()) {

@@ -48,16 +48,16 @@ RE_Modes readModes(const char16_t* text, std::size_t length, std::size_t at, RE_
 }
 
 RE_Brackets::RE_Brackets(const char16_t* pattern, std::size_t units, RE_Flags flags,
-                         RE_Scratch_Memory* memory)
+                         RE_Scratch_Memory* memory, RE_Compile_Meter& meter)
     : text(pattern), length(units), closings(units, none, memory), open(memory) {
-    pair(flags);
+    pair(flags, meter);
     // The stack goes back to the scratch memory: nothing reads it any more.
     open.clear();
     open.shrink_to_fit();
 }
 
 // Plain units are skipped in a tight loop, since they are most of a pattern.
-void RE_Brackets::pair(RE_Flags flags) {
+void RE_Brackets::pair(RE_Flags flags, RE_Compile_Meter& meter) {
     freeSpacing = (flags & RE_FLAG_FREE_SPACING) != 0;
     std::size_t at = 0;
     for (;;) {
@@ -70,7 +70,8 @@ void RE_Brackets::pair(RE_Flags flags) {
         if (at >= length) {
             return;
         }
-        ++specialUnits;
+        meter.spend();
+        specialUnits += text[at] != u')' ? 1 : 0;
         switch (text[at]) {
             case u'\\':
                 at += 2;

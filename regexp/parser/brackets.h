@@ -6,6 +6,7 @@
 // modes at every unit, or the grammar would meet a bracket that this pass paired otherwise.
 #pragma once
 
+#include "regexp/base/compile_meter.h"
 #include "regexp/base/flags.h"
 #include "regexp/base/memory.h"
 #include "regexp/base/scratch_memory.h"
@@ -54,7 +55,8 @@ class RE_Brackets {
 public:
     static constexpr std::uint32_t none = static_cast<std::uint32_t>(-1);
 
-    RE_Brackets(const char16_t* text, std::size_t length, RE_Flags flags, RE_Scratch_Memory* memory);
+    RE_Brackets(const char16_t* text, std::size_t length, RE_Flags flags, RE_Scratch_Memory* memory,
+                RE_Compile_Meter& meter);
 
     /// Index of the unit that closes the `(` or `[` at `opening`, or `none`. For any other index the answer
     /// is `none`.
@@ -63,7 +65,7 @@ public:
     /// comment; or `none`. Queries in ascending order take linear time together, as the last answer serves
     /// every position up to it.
     std::uint32_t nextBrace(std::size_t from, RE_Flags flags);
-    /// How many units are not plain, outside of sets: an estimate of the items that the pattern has.
+    /// How many units are not plain, outside of sets, and close nothing: an estimate of the items that the pattern has.
     std::size_t marks() const { return specialUnits; }
 
 private:
@@ -80,7 +82,7 @@ private:
         std::uint32_t at = 0;
     };
 
-    void pair(RE_Flags flags);
+    void pair(RE_Flags flags, RE_Compile_Meter& meter);
     bool inComment() const { return !open.empty() && open.back().comment; }
     bool inExpression() const { return !open.empty() && open.back().expression; }
     std::size_t openGroup(std::size_t at);

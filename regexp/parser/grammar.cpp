@@ -15,6 +15,8 @@ namespace {
 constexpr std::size_t usualItems = 8;
 // A bar makes a branch and the item it begins with; a quantifier splits a unit off a text and wraps it.
 constexpr std::size_t itemsPerMark = 2;
+// A stretch of units that is read at once counts as so much less work than items do.
+constexpr std::size_t unitsAWork = 16;
 
 }  // namespace
 
@@ -24,7 +26,7 @@ RE_Grammar::RE_Grammar(RE_ParserContext& parserContext, const char16_t* pattern,
       text(pattern),
       length(units),
       makesTokens(tokens),
-      brackets(pattern, units, parserContext.flags, &parserContext.scratch),
+      brackets(pattern, units, parserContext.flags, &parserContext.scratch, parserContext.meter),
       tree(usualItems + itemsPerMark * brackets.marks(), &parserContext.scratch),
       frames(&parserContext.scratch),
       knownSets{RE_Scratch_Map<std::u16string_view, std::uint32_t>(&parserContext.scratch),
@@ -38,11 +40,14 @@ RE_Syntax_Tree RE_Grammar::read() {
         if (at >= length) {
             break;
         }
+        const std::size_t before = at;
+        context.meter.workAt(text + at);
         if (at == frame().close) {
             closeFrame();
         } else {
             readUnit();
         }
+        context.meter.spend(1 + (at - before) / unitsAWork);
     }
     // Frames may be left over: an escape can consume the unit that was to close a group. Their items are
     // complete all the same, and modes need no restoring.
@@ -287,6 +292,10 @@ void RE_Grammar::addReference(std::uint64_t number, std::uint32_t name) {
 // * What the host or a dynamic text will read is not known before the search: then every token counts.
 void RE_Grammar::resolveReferences() {
     auto& referenced = context.facts->referencedTokens;
+    using Group = decltype(context.tokenNames)::const_iterator;  // the first one of its name
+    RE_Scratch_List<Group> names(&context.scratch);
+    const auto firstToken = [](const Group& group) { return group->second; };
+    context.meter.spend(references.size());
     for (const Reference& reference : references) {
         if (reference.name == RE_Syntax::none) {
             if (reference.number < tree.groupCount) {
@@ -294,11 +303,21 @@ void RE_Grammar::resolveReferences() {
             }
             continue;
         }
-        const auto [first, last] = context.tokenNames.equal_range(tree.names[reference.name]);
-        if (first == last && makesTokens) {
-            warnAt(reference.position, RE_WARNING_UNDEFINED_NAME);
+        const std::u16string& name = tree.names[reference.name];
+        const auto first = context.tokenNames.lower_bound(name);
+        if (first == context.tokenNames.end() || first->first != name) {
+            if (makesTokens) {
+                warnAt(reference.position, RE_WARNING_UNDEFINED_NAME);
+            }
+        } else {
+            names.push_back(first);
         }
-        for (auto token = first; token != last; ++token) {
+    }
+    // Each name once, whether one reference reads its groups or thousands do.
+    std::ranges::sort(names, {}, firstToken);
+    const auto repeated = std::ranges::unique(names, {}, firstToken);
+    for (const auto& group : std::ranges::subrange(names.begin(), repeated.begin())) {
+        for (auto token = group; token != context.tokenNames.end() && token->first == group->first; ++token) {
             referenced.push_back(token->second);
         }
     }

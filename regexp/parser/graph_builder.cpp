@@ -19,8 +19,10 @@ RE_Node* RE_Graph_Builder::build(RE_Node* continuation) {
         // Copied, as the step may queue others and move the stack.
         RE_Build_Step step = work.back();
         work.pop_back();
+        context.meter.spend();
         step();
     }
+    context.meter.place = 0;
     append(context.make<RE_Null>());
     append(context.make<RE_End_Of_Tree>(continuation));
     return root;
@@ -59,6 +61,7 @@ void RE_Graph_Builder::emitAnchor(const RE_Syntax& item) {
 
 void RE_Graph_Builder::emitNow(std::uint32_t index) {
     const RE_Syntax& item = tree[index];
+    context.meter.place = item.position;
     switch (item.kind) {
         case RE_Syntax_Kind::sequence:
             emitSequence(item.firstChild);

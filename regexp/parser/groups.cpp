@@ -313,6 +313,7 @@ void RE_Grammar::readDynamicGroup(std::uint32_t close) {
     } else {
         addDynamic(compileDynamicText(context, text + start, units));
     }
+    context.meter.ask();  // the host has been called
     at = close + std::size_t{1};
 }
 
@@ -330,6 +331,7 @@ std::uint32_t RE_Grammar::readDynamicCondition(std::size_t start, std::size_t en
     const std::uint32_t item = tree.add(RE_Syntax_Kind::evaluate, static_cast<std::uint32_t>(start), flags());
     tree[item].payload = static_cast<std::uint32_t>(tree.dynamics.size());
     tree.dynamics.push_back(compileCondition(context, text + start, end - start));
+    context.meter.ask();
     context.facts->hasDynamicNodes = true;
     return item;
 }

@@ -144,6 +144,7 @@ private:
         const bool inSequence = it.kind == RE_Syntax_Kind::sequence;
         std::uint64_t nodes = it.nodes + std::uint64_t{inSequence ? 0U : 2U};
         for (std::uint32_t child = tree[it.firstChild].nextSibling; child != RE_Syntax::none;) {
+            context.meter.spend();
             RE_Syntax& part = tree[child];
             leaf(part);
             nodes += part.nodes + std::uint64_t{inSequence ? 0U : 2U};
@@ -261,6 +262,8 @@ private:
 void measureSyntax(RE_Syntax_Tree& tree, RE_ParserContext& context, const char16_t* text) {
     Measure measure(tree, context, text);
     for (const std::uint32_t index : tree.closed()) {
+        context.meter.place = tree[index].position;
+        context.meter.spend();
         measure.item(index);
     }
 }

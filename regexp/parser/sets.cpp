@@ -10,6 +10,9 @@
 
 namespace {
 
+// What a set takes besides its members: it is filled, compared with others and labelled.
+constexpr std::uint64_t workOfSet = 8;
+
 /// One member of a set as written. `nothing` is an escape that no single unit can match; it is skipped,
 /// with a warning.
 struct Member {
@@ -27,6 +30,7 @@ public:
 
     void readFrom(std::size_t at) {
         for (bool first = true; at < close; first = false) {
+            context.meter.spend();
             const Member low = readMember(at);
             const bool range = low.kind == Member::Kind::unit && low.end + 1 < close && text[low.end] == u'-';
             // A hyphen at either end, and one beside a class, is a member. `high` is a copy of `low` where
@@ -126,6 +130,7 @@ void RE_Grammar::readSet() {
         return;
     }
     const bool negated = text[at + 1] == u'^';
+    context.meter.spend(workOfSet);
     Set_Reader reader(context, text, close);
     reader.readFrom(at + (negated ? 2 : 1));
     if (!negated && reader.tests.members() == 1) {

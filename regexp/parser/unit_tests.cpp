@@ -1,22 +1,9 @@
 // Case rules, named classes, and the nodes of single-unit atoms.
 #include "regexp/parser/unit_tests.h"
 
-#include "host/unit_class.h"
-
-#include <algorithm>
+#include <utility>
 
 namespace {
-
-// Bounds are wider than a unit, so that the loop ends at U+FFFF.
-template <class Predicate>
-bool allOf(std::uint32_t low, std::uint32_t high, Predicate predicate) {
-    for (std::uint32_t unit = low; unit <= high; ++unit) {
-        if (!predicate(static_cast<char16_t>(unit))) {
-            return false;
-        }
-    }
-    return true;
-}
 
 // A function for each class: nodes hold a plain pointer to their test. The tables are filled on the first
 // call.
@@ -60,24 +47,16 @@ RE_Range_Plan planRange(char16_t low, char16_t high, RE_Flags flags) {
     }
     const RE_Case_Table& cases = RE_Case_Table::get();
     // Every unit of the range counts: the ends of U+A7AA to U+A7AE lie as their lower-case forms do, those between do not.
-    const auto foldsAlone = [&cases](char16_t unit) { return cases.foldsAlone(unit); };
-    if (allOf(low, high, foldsAlone)) {
+    if (cases.allFoldAlone(low, high)) {
         return {low, high, RE_Range_Test::exact};
     }
     if (low == high) {
         return {cases.lower(low), cases.lower(low), RE_Range_Test::lower};
     }
-    if (cvu_isupper(low)) {
-        const int distance = cases.lower(low) - low;
-        const auto isAlike = [&cases, distance](char16_t unit) {
-            return cvu_isupper(unit) && cases.lower(unit) - unit == distance;
-        };
-        return allOf(low, high, isAlike)
-                   ? RE_Range_Plan{cases.lower(low), cases.lower(high), RE_Range_Test::lower}
-                   : RE_Range_Plan{low, high, RE_Range_Test::both};
+    if (cases.areUpperAlike(low, high)) {
+        return {cases.lower(low), cases.lower(high), RE_Range_Test::lower};
     }
-    return {low, high,
-            cvu_islower(low) && allOf(low, high, cvu_islower) ? RE_Range_Test::lower : RE_Range_Test::both};
+    return {low, high, cases.areLower(low, high) ? RE_Range_Test::lower : RE_Range_Test::both};
 }
 
 // Bounds are noted as written: the atom that may be made of them maps them itself.

@@ -32,8 +32,7 @@ struct RE_Range_Plan {
 };
 
 /// Plans the test for a range, both ends included. `low` may be greater than `high`: a reversed range is
-/// the same range. Where case does not count it takes time in the length of the range, and calls the host's
-/// class functions for each unit.
+/// the same range. Takes the same time for long ranges as for short ones.
 RE_Range_Plan planRange(char16_t low, char16_t high, RE_Flags flags);
 
 /// A class as a test and as the set of units for which the test holds. The set belongs to the process and

@@ -139,6 +139,7 @@ public:
         while (!pending.empty()) {
             RE_Node* const node = throughSkippable(pending.back());
             pending.pop_back();
+            context.meter.spend();
             if (RE_Split* const split = innerSplit(node)) {
                 splits.push_back(split);
                 pending.push_back(split->alternative);
@@ -174,6 +175,7 @@ private:
         };
         RE_Branch_Literals::Literal literal(&context.scratch);
         for (RE_Node* branch : branches) {
+            context.meter.spend();
             literal.read(branch);
             if (literals.add(branch, literal)) {
                 continue;
@@ -194,6 +196,7 @@ private:
         RE_Scratch_List<RE_Dispatch::Branch> starts(&context.scratch);
         starts.reserve(branches.size());
         for (RE_Node* branch : branches) {
+            context.meter.spend();
             starts.push_back({branch, startOf(context, branch)});
         }
         if (!rulesOutEnough(starts)) {

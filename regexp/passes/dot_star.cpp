@@ -112,6 +112,7 @@ private:
     // empty node.
     void dropRepeatedChoices() {
         for (RE_Node* node : context.nodes(root)) {
+            context.meter.spend();
             if (auto* const run = nodeAs<RE_Consume>(node)) {
                 dropRepeatedRun(*run);
             }
@@ -164,6 +165,7 @@ private:
         const RE_Collection::Nodes& nodes = context.nodes(root);
         Replacements replaced(context.nextWalk(), &context.scratch);
         for (RE_Node* node : nodes) {
+            context.meter.spend();
             if (RE_Node* with = replacementOf(node)) {
                 replaced.add(node, with);
             }

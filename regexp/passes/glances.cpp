@@ -80,6 +80,7 @@ RE_Node* findGlances(RE_Graph_Context& context, RE_Node* root) {
         return root;
     }
     for (RE_Node* node : context.nodes(root)) {
+        context.meter.spend();
         if (auto* const assertion = nodeAs<RE_Lookaround_Assertion>(node)) {
             findGlance(*assertion);
         }

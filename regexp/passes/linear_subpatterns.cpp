@@ -54,6 +54,7 @@ void mergeChain(RE_Graph_Context& context, RE_Consumable* head) {
     std::string text;
     RE_Consumable* last = head;
     for (RE_Consumable* unit = head; unit != nullptr; unit = mergeable(unit)) {
+        context.meter.spend();
         units.addConsumable(*unit);
         if (text.size() < longestLabel) {
             text += (text.empty() ? "" : "|") + withoutVerb(unit->label());
@@ -95,6 +96,7 @@ RE_Node* joinLinearSubpatterns(RE_Graph_Context& context, RE_Node* root) {
         // Each string or literal joins as many literals after it as it can. Those are marked skippable and
         // passed over when their own turn comes.
         for (RE_Node* node : context.nodes(root)) {
+            context.meter.spend();
             if (!node->skippable && (node->classes & literals) != 0) {
                 node->joinString(context);
             }

@@ -52,6 +52,7 @@ RE_Node* makeLoopsPossessive(RE_Graph_Context& context, RE_Node* root) {
     }
     const RE_Collection::Nodes& nodes = context.nodes(root);
     for (RE_Node* node : nodes) {
+        context.meter.spend();
         auto* const loop = nodeAs<RE_Consume>(node);
         if (loop != nullptr && !loop->possessive && mayBePossessive(context, *loop)) {
             loop->possessive = true;

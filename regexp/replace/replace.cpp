@@ -5,6 +5,9 @@
 #include "regexp/replace/replace.h"
 
 #include "host/code_page.h"
+#include "regexp/base/bounded_compile.h"
+#include "regexp/base/compile_limits.h"
+#include "regexp/base/earlier_interrupt.h"
 #include "regexp/base/insert_text.h"
 #include "regexp/base/search_limits.h"
 #include "regexp/eval/evaluation_io.h"
@@ -14,7 +17,6 @@
 #include "regexp/replace/replace_nodes.h"
 #include "regexp/replace/replacement_reader.h"
 #include "regexp/replace/replacement_run.h"
-#include "regexp/state/earlier_interrupt.h"
 
 #include <memory>
 #include <utility>
@@ -34,13 +36,13 @@ RE_Replace::RE_Replace(const char* text) {
 
 RE_Replace::RE_Replace(const char16_t* text, std::size_t length, RE_Flags flags, RE_Context* context)
     : interruptible(context != nullptr && context->allow_interrupt()) {
-    if (context != nullptr) {
-        parse(text, length, flags, context);
-    } else {
-        // It may go before the replacement: only expressions keep a context, and this one allows none.
-        RE_Context fallback;
-        parse(text, length, flags, &fallback);
-    }
+    parse(text, length, flags, context, {});
+}
+
+RE_Replace::RE_Replace(const char16_t* text, std::size_t length, RE_Flags flags, RE_Context* context,
+                       const RE_Compile_Limits& limits, RE_Compile_Report& report)
+    : interruptible(context != nullptr && context->allow_interrupt()) {
+    parse(text, length, flags, context, {&limits, &report});
 }
 
 RE_Replace::RE_Replace(RE_ParserContext* parserContext, const char16_t* text, std::size_t length)
@@ -68,14 +70,27 @@ RE_Replace::~RE_Replace() {
 }
 
 void RE_Replace::parse(const char16_t* text, std::size_t length) {
-    RE_Context context;
-    parse(text, length, RE_DEFAULT_FLAGS, &context);
+    parse(text, length, RE_DEFAULT_FLAGS, nullptr, {});
 }
 
-void RE_Replace::parse(const char16_t* text, std::size_t length, RE_Flags flags, RE_Context* context) {
-    context->set_string(text, length);
-    RE_ParserContext parserContext(context, nullptr, flags);
-    parse(&parserContext, text, length);
+void RE_Replace::parse(const char16_t* text, std::size_t length, RE_Flags flags, RE_Context* context,
+                       const RE_Compile_Terms& terms) {
+    if (context == nullptr) {
+        // It may go before the replacement: only expressions keep a context, and this one allows none.
+        RE_Context fallback;
+        parse(text, length, flags, &fallback, terms);
+        return;
+    }
+    std::uint64_t held = 0;
+    const RE_Compile_Report report = compileWithin(terms, interruptible, held, [&](RE_Compile_Meter& meter) {
+        context->set_string(text, length);
+        meter.admit(text, length);
+        RE_ParserContext parserContext(context, nullptr, flags, &meter);
+        parse(&parserContext, text, length);
+    });
+    if (report.isRefused()) {
+        context->warn(text + report.position, RE_WARNING_TOO_DEEP);
+    }
 }
 
 void RE_Replace::parse(RE_ParserContext* parserContext, const char16_t* text, std::size_t length) {

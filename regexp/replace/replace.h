@@ -19,6 +19,9 @@ class RE_Evaluation_IO;
 class RE_Evaluation_Tokens;
 class RE_ParserContext;
 class RE_Replace_Node;
+struct RE_Compile_Limits;
+struct RE_Compile_Report;
+struct RE_Compile_Terms;
 
 /// A compiled replacement string. Compiling never fails on syntax: what is no valid reference is text,
 /// reported through `RE_Context::warn`.
@@ -48,6 +51,10 @@ public:
     /// expressions nor interrupts. Of the flags only free spacing (within names and expressions) and
     /// evaluation matter.
     RE_Replace(const char16_t* text, std::size_t length, RE_Flags flags, RE_Context* context);
+    /// The same within limits. A text that passes one is refused: warning 22 at the place where it did, and a replacement
+    /// that writes nothing. The report is as that of a pattern.
+    RE_Replace(const char16_t* text, std::size_t length, RE_Flags flags, RE_Context* context,
+               const RE_Compile_Limits& limits, RE_Compile_Report& report);
     /// Replacement text inside a pattern, in the modes in force there. `text` is part of the text that is
     /// being compiled, so that warnings point into it. Notes in the parser's context what is referred to.
     RE_Replace(RE_ParserContext* parserContext, const char16_t* text, std::size_t length);
@@ -112,12 +119,16 @@ public:
     /// not count.
     std::size_t getReferenceCount() const { return referenceCount; }
 
+    /// Whether there is a text to write: not after a limit or an interrupt has ended compiling, nor once it was moved from.
+    bool isCompiled() const { return first != nullptr; }
+
     /// The chain of nodes as DOT text.
     std::string graph() const;
 
 private:
     void parse(const char16_t* text, std::size_t length);
-    void parse(const char16_t* text, std::size_t length, RE_Flags flags, RE_Context* context);
+    void parse(const char16_t* text, std::size_t length, RE_Flags flags, RE_Context* context,
+               const RE_Compile_Terms& terms);
     void parse(RE_ParserContext* parserContext, const char16_t* text, std::size_t length);
 
     RE_Replace_Node* first = nullptr;  ///< owns the chain; null only after a move

@@ -13,6 +13,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -98,6 +99,8 @@ public:
     /// Whether the other node is of the same class and has the same payload. `$0` and `$&` differ, though
     /// they write the same.
     virtual bool is_same(const RE_Replace_Evalable* other) const = 0;
+    /// The same for nodes that are the same.
+    virtual std::size_t hash() const = 0;
     // What `is_same` asks the other one, each answered by one class.
     virtual bool isToken(std::size_t /*number*/) const { return false; }
     virtual bool isTokenNamed(std::u16string_view /*name*/) const { return false; }
@@ -118,6 +121,7 @@ public:
     void graph(std::string& out, std::size_t number) const override;
     RE_Replace_Evalable* copy() const override;
     bool is_same(const RE_Replace_Evalable* other) const override;
+    std::size_t hash() const override { return token; }
     bool isToken(std::size_t number) const override { return number == token; }
     RE_Evaluation_IO* create_variable(RE_Context* context) const override;
 
@@ -137,6 +141,9 @@ public:
     void graph(std::string& out, std::size_t number) const override;
     RE_Replace_Evalable* copy() const override;
     bool is_same(const RE_Replace_Evalable* other) const override;
+    std::size_t hash() const override {
+        return std::hash<std::u16string_view>()(std::u16string_view(name, nameLength));
+    }
     bool isTokenNamed(std::u16string_view other) const override {
         return other == std::u16string_view(name, nameLength);
     }
@@ -160,6 +167,7 @@ public:
     void graph(std::string& out, std::size_t number) const override;
     RE_Replace_Evalable* copy() const override;
     bool is_same(const RE_Replace_Evalable* other) const override;
+    std::size_t hash() const override { return kind; }
     bool isSpecial(std::uint32_t other) const override { return other == kind; }
     RE_Evaluation_IO* create_variable(RE_Context* context) const override;
 

@@ -13,6 +13,8 @@ std::unique_ptr<RE_Replace_Node> RE_Replacement_Reader::read() {
     while (at < length) {
         // A backslash or a `$` at the very end has nothing to combine with and is text.
         const bool more = at + 1 < length;
+        context.meter.workAt(text + at);
+        context.meter.spend();
         if (more && text[at] == u'\\') {
             readEscapedUnit();
         } else if (!more || text[at] != u'$' || !readReference()) {
@@ -101,6 +103,7 @@ bool RE_Replacement_Reader::readExpression() {
         return false;
     }
     append<RE_Replace_Evaluator>(&context, text + open + 1, close - open - 1);
+    context.meter.ask();  // the host has been called
     at = close + 1;
     return true;
 }
@@ -134,6 +137,7 @@ void RE_Replacement_Reader::readLiteral() {
 
 template <class Node, class... Arguments>
 void RE_Replacement_Reader::append(const Arguments&... arguments) {
+    context.meter.spendNode();
     RE_Replace_Node* const node = new Node(literal, arguments...);
     literal = new RE_Replace_String(node);
 }

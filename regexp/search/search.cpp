@@ -11,6 +11,7 @@
 #include "regexp/search/tell.h"
 #include "regexp/search/unwatched_loop.h"
 #include "regexp/state/search_info.h"
+#include "regexp/state/search_monitor.h"
 
 #include <algorithm>
 
@@ -99,7 +100,8 @@ bool findByProgram(RE_Start_Walk walk, const RE_Graph_Facts& facts, RE_Search_In
             return false;
         }
         if (grows && info.meter.taken() - begun >= stepsLeft) {
-            const RE_Machine_Code* const code = RE_Machine_Code::obtain(facts);
+            RE_Aside_Of_Search asked(info);
+            const RE_Machine_Code* const code = RE_Machine_Code::obtain(facts, &asked);
             if (code != nullptr) {
                 return p < last &&
                        continueByMachineCode(facts, *code, p + 1, last, walk.roomUpToAsking(), info, length);
@@ -119,7 +121,8 @@ public:
         RE_Speed_Ups& speedUps = facts.speedUps;
         if (speedUps.machineCode.isOpen() &&
             speedUps.steps.add(info.meter.taken() - before + stepsASearch) >= facts.tuning.machineCodeSteps) {
-            RE_Machine_Code::obtain(facts);
+            RE_Aside_Of_Search asked(info);
+            RE_Machine_Code::obtain(facts, &asked);
         }
     }
     Counted_Work(const Counted_Work&) = delete;

@@ -9,6 +9,10 @@
 
 namespace {
 
+// So many sets of one hash are compared. Hashes of different sets are hardly ever equal, unless somebody has looked for such
+// sets: then they are held more than once, and compiling takes no longer for it.
+constexpr std::size_t mostAlike = 8;
+
 /// The large sets of all patterns: those of words and letters of all scripts, with a unit more or less, are in many of them.
 /// Owns nothing: a set goes with the last pattern that has it.
 class Sets_Of_Process {
@@ -22,27 +26,35 @@ public:
     std::shared_ptr<const RE_Unit_Set> share(std::shared_ptr<const RE_Unit_Set> units) {
         const std::size_t hash = units->hash();
         const std::scoped_lock held(lock);
-        const auto [first, last] = known.equal_range(hash);
-        for (auto it = first; it != last; ++it) {
+        auto it = known.find(hash);
+        for (std::size_t i = 0; i < mostAlike && it != known.end() && it->first == hash; ++i, ++it) {
             const std::shared_ptr<const RE_Unit_Set> other = it->second.lock();
             if (other != nullptr && *other == *units) {
                 return other;
             }
         }
-        if (known.size() >= mostKnown) {
+        if (known.size() + refused >= mostKnown) {
             std::erase_if(known, [](const auto& each) { return each.second.expired(); });
             mostKnown = std::max(leastKnown, 2 * known.size());
+            refused = 0;
         }
-        known.emplace(hash, units);
+        if (known.size() < mostEver) {
+            known.emplace(hash, units);
+        } else {
+            ++refused;
+        }
         return units;
     }
 
 private:
     static constexpr std::size_t leastKnown = 64;
+    /// What is noted of a set outlives it for a while: a pattern of very many sets must not leave much behind.
+    static constexpr std::size_t mostEver = 2048;
 
     std::mutex lock;
     std::unordered_multimap<std::size_t, std::weak_ptr<const RE_Unit_Set>> known;
-    std::size_t mostKnown = leastKnown;
+    std::size_t mostKnown = leastKnown;  ///< then those that are gone are forgotten
+    std::size_t refused = 0;             ///< since that was done last
 };
 
 // Comparing with those of other patterns takes longer than making a small set.
@@ -91,8 +103,8 @@ std::shared_ptr<const RE_Unit_Set> RE_Set_Pool::share(std::shared_ptr<const RE_U
     }
     // An equal hash is no proof of equal sets, so every candidate is compared.
     const std::size_t hash = units->hash();
-    const auto [first, last] = known.equal_range(hash);
-    for (auto it = first; it != last; ++it) {
+    auto it = known.find(hash);
+    for (std::size_t i = 0; i < mostAlike && it != known.end() && it->first == hash; ++i, ++it) {
         if (*it->second == *units) {
             return it->second;
         }

@@ -60,7 +60,7 @@ private:
 
     RE_Inquiry forOtherSubject() const;
     void use(const RE_Dfa* automaton);
-    bool hasAutomaton();
+    bool hasAutomaton(const RE_Search_Info& info);
     void queryLaterStarts(RE_Search_Info& info);
 
     const RE_Graph_Facts* pattern = nullptr;

@@ -2,10 +2,10 @@
 #pragma once
 
 #include "host/interrupt.h"
+#include "regexp/base/earlier_interrupt.h"
 #include "regexp/base/export.h"
 #include "regexp/base/search_limits.h"
 #include "regexp/seek/scan.h"
-#include "regexp/state/earlier_interrupt.h"
 #include "regexp/state/search_subject.h"
 
 #include <cstddef>
@@ -28,6 +28,11 @@ public:
             stopped = limits->askOutside();
         }
         return wasInterrupted();
+    }
+    /// Whether the host or a limit from outside wants the search to stop. Stops nothing by itself.
+    bool isAskedToStop() const {
+        return (checkInterrupts && utInterruptState::IsInterruptPending()) ||
+               (limits != nullptr && limits->askOutside() != RE_Search_Outcome::noMatch);
     }
     /// Whether the search is being broken off, by the host or by a limit.
     bool wasInterrupted() const { return stopped != RE_Search_Outcome::noMatch; }

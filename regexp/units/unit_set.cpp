@@ -68,6 +68,17 @@ void RE_Unit_Set::addRange(char16_t low, char16_t high) {
     }
 }
 
+void RE_Unit_Set::addWithin(const RE_Unit_Set& other, char16_t low, char16_t high) {
+    const std::size_t first = low / 64;
+    const std::size_t last = high / 64;
+    extend(last + 1);
+    for (std::size_t i = first; i <= last; ++i) {
+        const std::uint64_t from = i == first ? allOnes << (low % 64) : allOnes;
+        const std::uint64_t to = i == last ? allOnes >> (63 - high % 64) : allOnes;
+        words[i] |= other.bits(i) & from & to;
+    }
+}
+
 void RE_Unit_Set::add(const RE_Low_Units& units) {
     extend(units.words.size());
     for (std::size_t i = 0; i < units.words.size(); ++i) {
@@ -121,7 +132,19 @@ void RE_Unit_Set::addAll(const RE_Unit_Set& other) {
 bool RE_Unit_Set::meets(const RE_Unit_Set& other) const {
     const RE_Unit_Set& longer = stored < other.stored ? other : *this;
     const RE_Unit_Set& shorter = stored < other.stored ? *this : other;
-    for (std::size_t i = 0; i < shorter.stored; ++i) {
+    // Eight at a time, which takes vectors: sets of a few units far up have hundreds of empty words before them.
+    constexpr std::size_t together = 8;
+    std::size_t i = 0;
+    for (; i + together <= shorter.stored; i += together) {
+        std::uint64_t common = 0;
+        for (std::size_t j = i; j < i + together; ++j) {
+            common |= words[j] & other.words[j];
+        }
+        if (common != 0) {
+            return true;
+        }
+    }
+    for (; i < shorter.stored; ++i) {
         if ((words[i] & other.words[i]) != 0) {
             return true;
         }
@@ -172,12 +195,13 @@ std::size_t RE_Unit_Set::leastVaried() const {
 }
 
 std::size_t RE_Unit_Set::hash() const {
+    // The count tells sets apart that are the same but for the number of empty words before their first unit.
     const std::size_t count = leastVaried();
     const auto mix = [](std::uint64_t before, std::uint64_t word) {
         return (std::rotl(before, 7) ^ word) * 0x9E3779B97F4A7C15u;
     };
     // Every fourth word goes the same way: a multiplication need not wait for the one before.
-    std::uint64_t ways[4] = {count < wordCount ? bits(wordCount - 1) : 0};
+    std::uint64_t ways[4] = {count < wordCount ? bits(wordCount - 1) : 0, count};
     std::size_t i = 0;
     for (; i + std::size(ways) <= count; i += std::size(ways)) {
         for (std::size_t way = 0; way < std::size(ways); ++way) {
@@ -223,6 +247,54 @@ RE_Case_Table::RE_Case_Table() {
     }
     std::stable_sort(lowerForms.begin(), lowerForms.end());
     std::stable_sort(upperForms.begin(), upperForms.end());
+    listMates();
+    // What a unit is, as a number: the same numbers are the same property.
+    const auto noteChanges = [](Changes& changes, auto property) {
+        for (std::size_t unit = 1; unit < RE_Unit_Set::unitCount; ++unit) {
+            if (property(static_cast<char16_t>(unit)) != property(static_cast<char16_t>(unit - 1))) {
+                changes.at.push_back(static_cast<char16_t>(unit));
+            }
+        }
+    };
+    constexpr int noDistance = static_cast<int>(RE_Unit_Set::unitCount);
+    noteChanges(alone, [this](char16_t unit) { return foldsAlone(unit); });
+    noteChanges(lowerCase, [](char16_t unit) { return cvu_islower(unit); });
+    noteChanges(upperCase,
+                [this](char16_t unit) { return cvu_isupper(unit) ? lower(unit) - unit : noDistance; });
+}
+
+// By the definition of `addFolding`: those of which a form is the unit, and those with the same lower-case form.
+void RE_Case_Table::listMates() {
+    for (std::size_t at = 0; at < RE_Unit_Set::unitCount; ++at) {
+        const auto unit = static_cast<char16_t>(at);
+        if (!isCased(unit)) {
+            uncased.add(unit);
+            continue;
+        }
+        mates.push_back({lower(unit), unit});
+        mates.push_back({upper(unit), unit});
+        forEachForm(lower(unit), [this, unit](char16_t other) { mates.push_back({unit, other}); });
+    }
+    std::erase_if(mates, [](const Mate& mate) { return mate.unit == mate.other; });
+    std::ranges::sort(mates);
+    mates.erase(std::ranges::unique(mates).begin(), mates.end());
+    for (std::size_t i = 0; i < mates.size(); ++i) {
+        const auto [low, high] = std::minmax(mates[i].unit, mates[i].other);
+        if (i == 0 || mates[i].unit / 64 != mates[i - 1].unit / 64) {
+            matedBlocks.push_back({i, low, high});
+        }
+        Mated_Block& block = matedBlocks.back();
+        block.low = std::min(block.low, low);
+        block.high = std::max(block.high, high);
+    }
+}
+
+bool RE_Case_Table::areLower(char16_t low, char16_t high) const {
+    return cvu_islower(low) && !lowerCase.changesWithin(low, high);
+}
+
+bool RE_Case_Table::areUpperAlike(char16_t low, char16_t high) const {
+    return cvu_isupper(low) && !upperCase.changesWithin(low, high);
 }
 
 // A unit without case is in no list and is its own only form.
@@ -239,33 +311,31 @@ void RE_Case_Table::addFormsWithin(const Forms& forms, RE_Unit_Set& set, char16_
     }
 }
 
-// Units without case are their own forms and in no list.
+// Units without case are their own forms. With both forms each unit of the range is in, and its mates: those of a block that
+// lies in the range with all its mates are in already, so that only few blocks are looked into.
 void RE_Case_Table::addFolding(RE_Unit_Set& set, char16_t low, char16_t high, bool bothForms) const {
-    for (std::size_t unit = low; unit <= high; ++unit) {
-        if (!isCased(static_cast<char16_t>(unit))) {
-            set.add(static_cast<char16_t>(unit));
-        }
-    }
-    addFormsWithin(lowerForms, set, low, high);
-    if (bothForms) {
-        addFormsWithin(upperForms, set, low, high);
-        addFormsOfUnitsWithin(set, low, high);
-    }
-}
-
-// The forms of a short range are looked up one by one, those of a long one in a walk over all there are.
-void RE_Case_Table::addFormsOfUnitsWithin(RE_Unit_Set& set, char16_t low, char16_t high) const {
-    constexpr int shortRange = 64;
-    const auto add = [&set](char16_t unit) { set.add(unit); };
-    if (high - low < shortRange) {
-        for (std::size_t unit = low; unit <= high; ++unit) {
-            forEachForm(lower(static_cast<char16_t>(unit)), add);
-        }
+    if (low > high) {
         return;
     }
-    for (const Form& each : lowerForms) {
-        if (low <= each.unit && each.unit <= high) {
-            forEachForm(each.form, add);
+    if (!bothForms) {
+        set.addWithin(uncased, low, high);
+        addFormsWithin(lowerForms, set, low, high);
+        return;
+    }
+    set.addRange(low, high);
+    const auto isBefore = [this](const Mated_Block& block, std::size_t number) {
+        return mates[block.first].unit / std::size_t{64} < number;
+    };
+    auto block = std::lower_bound(matedBlocks.begin(), matedBlocks.end(), std::size_t{low} / 64, isBefore);
+    for (; block != matedBlocks.end() && mates[block->first].unit / 64 <= high / 64; ++block) {
+        if (low <= block->low && block->high <= high) {
+            continue;
+        }
+        const std::size_t end = block + 1 != matedBlocks.end() ? block[1].first : mates.size();
+        for (std::size_t i = block->first; i < end; ++i) {
+            if (low <= mates[i].unit && mates[i].unit <= high) {
+                set.add(mates[i].other);
+            }
         }
     }
 }

@@ -93,6 +93,8 @@ public:
         words[block] |= std::uint64_t{1} << (unit & 63);
     }
     void addRange(char16_t low, char16_t high);
+    /// The units of another set that lie in the range.
+    void addWithin(const RE_Unit_Set& other, char16_t low, char16_t high);
     void add(const RE_Low_Units& units);
     void remove(const RE_Low_Units& units);
     /// Makes this the set of the same units, or of those that are not in the other one.
@@ -185,8 +187,17 @@ public:
     std::size_t formsWithin(char16_t lowerForm) const;
     /// Adds the units whose lower-case form lies in the bounds; with `bothForms` also those whose upper-case
     /// form does, and those that fold to the lower-case form of a unit within the bounds, as U+212A does to
-    /// that of K.
+    /// that of K. With both forms it takes a microsecond or two, however long the range is.
     void addFolding(RE_Unit_Set& set, char16_t low, char16_t high, bool bothForms) const;
+
+    // What all units of a range, both ends included, have in common. A look-up by halves, however long the range is.
+    bool allFoldAlone(char16_t low, char16_t high) const {
+        return foldsAlone(low) && !alone.changesWithin(low, high);
+    }
+    /// Whether all are lower-case letters.
+    bool areLower(char16_t low, char16_t high) const;
+    /// Whether all are upper-case letters, as far from their lower-case forms as the first one is.
+    bool areUpperAlike(char16_t low, char16_t high) const;
 
 private:
     struct Form {
@@ -196,9 +207,31 @@ private:
     };
     using Forms = std::vector<Form>;
 
+    /// The units at which some property differs from that of the unit before, ascending.
+    struct Changes {
+        bool changesWithin(char16_t low, char16_t high) const {
+            const auto next = std::upper_bound(at.begin(), at.end(), low);
+            return next != at.end() && *next <= high;
+        }
+        std::vector<char16_t> at;
+    };
+    /// A unit, and another one that a range with the first one matches, too, where case is ignored.
+    struct Mate {
+        char16_t unit;
+        char16_t other;
+        auto operator<=>(const Mate&) const = default;
+    };
+    /// The mates of a block of 64 units that has any: from `first` on in the list of all. All of them, and the mated units,
+    /// lie within the bounds.
+    struct Mated_Block {
+        std::size_t first;
+        char16_t low;
+        char16_t high;
+    };
+
     RE_Case_Table();
+    void listMates();
     static void addFormsWithin(const Forms& forms, RE_Unit_Set& set, char16_t low, char16_t high);
-    void addFormsOfUnitsWithin(RE_Unit_Set& set, char16_t low, char16_t high) const;
 
     char16_t lowerOf[RE_Unit_Set::unitCount];
     char16_t upperOf[RE_Unit_Set::unitCount];
@@ -206,6 +239,13 @@ private:
     RE_Unit_Set foldTargets{foldTargetWords};
     Forms lowerForms;  ///< of the units with case, by their form
     Forms upperForms;
+    RE_Unit_Set::Storage uncasedWords;
+    RE_Unit_Set uncased{uncasedWords};
+    std::vector<Mate> mates;
+    std::vector<Mated_Block> matedBlocks;
+    Changes alone;
+    Changes lowerCase;
+    Changes upperCase;
 };
 
 /// The classes that escapes name. Filled with the first use, which calls the host for each unit; read-only

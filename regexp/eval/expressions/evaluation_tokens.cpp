@@ -4,6 +4,7 @@
 #include "regexp/eval/context.h"
 #include "regexp/replace/replace_nodes.h"
 
+#include <algorithm>
 #include <utility>
 
 RE_Evaluation_Tokens::RE_Evaluation_Tokens(std::size_t most)
@@ -16,8 +17,14 @@ RE_Evaluation_Tokens::~RE_Evaluation_Tokens() {
     utFree(items);
 }
 
-// The count where it is not there. A linear search: expressions have few references.
+// The count where it is not there.
 std::size_t RE_Evaluation_Tokens::indexOf(const RE_Replace_Evalable* reference) const {
+    if (count > mostSearched) {
+        const auto [first, last] = places.equal_range(reference->hash());
+        const auto same = std::find_if(
+            first, last, [&](const auto& place) { return items[place.second]->is_same(reference); });
+        return same != last ? same->second : count;
+    }
     std::size_t i = 0;
     while (i < count && !items[i]->is_same(reference)) {
         ++i;
@@ -27,9 +34,12 @@ std::size_t RE_Evaluation_Tokens::indexOf(const RE_Replace_Evalable* reference) 
 
 void RE_Evaluation_Tokens::add(const RE_Replace_Evalable* reference) {
     if (indexOf(reference) == count) {
-        // Counted only once it is there: `copy` may throw.
-        items[count] = reference->copy();
-        ++count;
+        // Counted only once it is there: `copy` may throw, and so may noting its place.
+        std::unique_ptr<RE_Replace_Evalable> copy(reference->copy());
+        for (std::size_t i = places.size(); count >= mostSearched && i <= count; ++i) {
+            places.emplace((i < count ? items[i] : copy.get())->hash(), i);
+        }
+        items[count++] = copy.release();
     }
 }
 
