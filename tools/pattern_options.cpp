@@ -74,7 +74,8 @@ RE_Flags chosenFlags(const ParsedArguments& arguments) {
 // A capital letter that any of the patterns says makes case count for all of them.
 bool smartCaseIgnores(const ParsedArguments& arguments, const std::vector<std::u16string>& patterns) {
     return arguments.has("smart-case") && !arguments.has("ignore-case") &&
-           std::ranges::none_of(patterns, [](const std::u16string& pattern) { return hasLiteralCapital(pattern); });
+           std::ranges::none_of(patterns,
+                                [](const std::u16string& pattern) { return hasLiteralCapital(pattern); });
 }
 
 SpeedUp chosenSpeedUp(const ParsedArguments& arguments) {
@@ -93,18 +94,19 @@ po::options_description patternOptions() {
     auto add = options.add_options();
     add("regexp,e", po::value<Arguments>()->composing()->value_name("PATTERN"),
         "a pattern, instead of the first argument");
-    add("file,f", po::value<Arguments>()->composing()->value_name("FILE"), "read patterns from FILE, one a line");
+    add("file,f", po::value<Arguments>()->composing()->value_name("FILE"),
+        "read patterns from FILE, one a line");
     add("pattern-file", po::value<Arguments>()->composing()->value_name("FILE"),
         "read one pattern from FILE, which may have many lines");
-    add("fixed-strings,F", "patterns are texts, in which nothing has a meaning");
-    add("ignore-case,i", "letters match in either case");
-    add("smart-case,S", "the same, unless a pattern has a capital letter");
-    add("free-spacing", "skip blanks and #-comments in the pattern");
-    add("line-anchors", "^ and $ also match at the starts and ends of lines");
-    add("dot-line", "the dot does not match a line feed");
-    add("allow-empty", "an empty match counts as a match");
-    add("refuse-empty", "an empty match does not count as a match");
-    add("forget-tokens", "closing a token takes the tokens inside it out of effect");
+    add("fixed-strings,F", flag(), "patterns are texts, in which nothing has a meaning");
+    add("ignore-case,i", flag(), "letters match in either case");
+    add("smart-case,S", flag(), "the same, unless a pattern has a capital letter");
+    add("free-spacing", flag(), "skip blanks and #-comments in the pattern");
+    add("line-anchors", flag(), "^ and $ also match at the starts and ends of lines");
+    add("dot-line", flag(), "the dot does not match a line feed");
+    add("allow-empty", flag(), "an empty match counts as a match");
+    add("refuse-empty", flag(), "an empty match does not count as a match");
+    add("forget-tokens", flag(), "closing a token takes the tokens inside it out of effect");
     add("speed-up", po::value<std::string>()->value_name("WHEN"),
         "when machine code and an automaton are made: auto (once they pay, the default), now, or never");
     options.add(scriptOptions());

@@ -163,8 +163,7 @@ RE_Consumable* makeUnitNode(RE_ParserContext& context, const RE_Syntax_Tree& tre
         case RE_Syntax_Kind::escaped: {
             const RE_Named_Class named = namedClass(item.low);
             if (excludesLineFeeds(item.flags) && named.units->contains(u'\n')) {
-                return makeWithinLine(context, *named.units,
-                                      std::string("\\") + static_cast<char>(item.low));
+                return makeWithinLine(context, *named.units, std::string("\\") + static_cast<char>(item.low));
             }
             return context.make<RE_Escaped_Set>(item.low, named.test, *named.units);
         }

@@ -2,41 +2,29 @@
 #include "tools/search/line_finder.h"
 
 #include <algorithm>
-#include <cstring>
+#include <utility>
 
 namespace tool {
-namespace {
+// Details are looked for from a line on that was found, while the search for lines has gone on or will: so each has a
+// state of its own.
+LineFinder::LineFinder(const FinderPatterns& patterns)
+    : patterns_(patterns), selecting_(patterns.selecting), detailed_(patterns.detailed) {}
 
-bool isSame(std::span<const RE_Tree* const> one, std::span<const RE_Tree* const> other) {
-    return std::ranges::equal(one, other);
-}
-
-}  // namespace
-
-// Matches over lines are found once more for their details, as the search for the end of the lines has gone on; so they
-// have a source of their own.
-LineFinder::LineFinder(const FinderPatterns& patterns) : patterns_(patterns), selecting_(patterns.selecting) {
-    if (patterns.unit == SearchUnit::text || !isSame(patterns.selecting, patterns.detailed))
-        detailed_.emplace(patterns.detailed);
-}
-
-// A carriage return before a line feed is part of the line end. Searches of whole blocks know nothing of it, so blocks that
-// hold one are searched by line.
+// A carriage return before a line feed is part of the line end.
 void LineFinder::use(std::string_view block) {
     block_.assign(block, patterns_.terminator);
     unit_ = patterns_.unit;
-    if (unit_ == SearchUnit::block && std::memchr(block.data(), '\r', block.size()) != nullptr)
-        unit_ = SearchUnit::line;
+    if (unit_ == SearchUnit::block && !block_.unifyLineEnds()) unit_ = SearchUnit::line;
     at_ = 0;
-    lines_ = units_ = {};
+    lines_.reset();
+    units_ = {};
     pending_.reset();
     previousEnd_.reset();
     detailedIsOnBlock_ = false;
-    selectingIsOnBlock_ = unit_ != SearchUnit::line;
-    if (selectingIsOnBlock_) selecting_.use(block_.units());
+    if (unit_ != SearchUnit::line) selecting_.use(block_.unified());
 }
 
-std::optional<Span> LineFinder::next() {
+bool LineFinder::next() {
     switch (unit_) {
         case SearchUnit::block:
             return nextInBlock();
@@ -45,32 +33,42 @@ std::optional<Span> LineFinder::next() {
         case SearchUnit::text:
             return nextInText();
     }
-    return std::nullopt;
+    return false;
 }
 
-Span LineFinder::noteFound(const Span& lines, std::size_t firstMatch) {
+bool LineFinder::noteFound(const Span& lines, std::size_t firstMatch) {
     units_ = lines;
     firstMatch_ = firstMatch;
-    lines_ = {block_.byteOfLine(lines.begin), block_.byteOfLine(lines.end)};
-    return lines_;
+    lines_.reset();
+    return true;
 }
 
-std::optional<Span> LineFinder::nextInBlock() {
-    const std::u16string_view units = block_.units();
-    // Nothing is on a line after the last line end.
-    if (at_ >= units.size()) return std::nullopt;
-    if (!selectingIsOnBlock_) {
-        selecting_.use(units);
-        selectingIsOnBlock_ = true;
+const Span& LineFinder::lines() {
+    if (!lines_) {
+        const std::size_t begin = block_.byteOfLine(units_.begin);
+        lines_ = Span{begin, block_.byteOfLine(units_.end)};
     }
-    const std::optional<FoundMatch> match = selecting_.find(at_);
-    if (!match) return std::nullopt;
-    const std::size_t start = match->results->matchStart;
-    if (start == units.size() && units.back() == static_cast<unsigned char>(patterns_.terminator))
-        return std::nullopt;
-    Span line = block_.lineAround(start);
-    at_ = line.end;
-    return noteFound(line, start);
+    return *lines_;
+}
+
+bool LineFinder::nextInBlock() {
+    const std::u16string_view units = block_.unified();
+    // Nothing is on a line after the last line end.
+    while (at_ < units.size()) {
+        const std::optional<FoundMatch> match = selecting_.find(at_);
+        if (!match) return false;
+        const std::size_t start = match->results->matchStart;
+        if (start == units.size() && units.back() == static_cast<unsigned char>(patterns_.terminator))
+            return false;
+        if (block_.isWithinLineEnd(start)) {
+            at_ = start + 1;
+            continue;
+        }
+        const Span line = block_.lineAround(start);
+        at_ = line.end;
+        return noteFound(line, start);
+    }
+    return false;
 }
 
 // What is searched of a line: all but its end.
@@ -84,7 +82,7 @@ Span LineFinder::subjectOf(const Span& line) const {
     return subject;
 }
 
-std::optional<Span> LineFinder::nextByLine() {
+bool LineFinder::nextByLine() {
     const std::u16string_view units = block_.units();
     while (at_ < units.size()) {
         const Span line{at_, block_.lineEnd(at_)};
@@ -94,7 +92,7 @@ std::optional<Span> LineFinder::nextByLine() {
         if (const std::optional<FoundMatch> match = selecting_.find(0))
             return noteFound(line, line.begin + match->results->matchStart);
     }
-    return std::nullopt;
+    return false;
 }
 
 // A match of the text, in units. An empty one that directly follows another is left out.
@@ -115,9 +113,9 @@ std::optional<Span> LineFinder::findNextInText() {
 
 // The lines of a match, and those of all further matches that touch them. A match that ends with a line end does not reach
 // the next line.
-std::optional<Span> LineFinder::nextInText() {
+bool LineFinder::nextInText() {
     std::optional<Span> match = pending_ ? std::exchange(pending_, std::nullopt) : findNextInText();
-    if (!match) return std::nullopt;
+    if (!match) return false;
     const std::size_t first = match->begin;
     Span lines = block_.lineAround(first);
     do {
@@ -129,16 +127,15 @@ std::optional<Span> LineFinder::nextInText() {
     return noteFound(lines, first);
 }
 
-std::u16string_view LineFinder::useForDetails(MatchSource& source) {
+std::u16string_view LineFinder::useForDetails() {
     if (unit_ == SearchUnit::text) {
-        if (!detailedIsOnBlock_) source.use(block_.units());
+        if (!detailedIsOnBlock_) detailed_.use(block_.units());
         detailedIsOnBlock_ = true;
         return block_.units();
     }
     const Span subject = subjectOf(units_);
     const std::u16string_view line = block_.units().substr(subject.begin, subject.size());
-    if (!detailed_) selectingIsOnBlock_ = false;
-    source.use(line);
+    detailed_.use(line);
     return line;
 }
 

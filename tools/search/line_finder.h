@@ -40,8 +40,13 @@ public:
 
     // Begins with a block of whole lines, which must outlive the use of its results.
     void use(std::string_view block);
-    // The next lines, in bytes of the block: one line that holds a match, or where matches span lines, all that they touch.
-    std::optional<Span> next();
+    // Goes on to the next lines: one line that holds a match, or where matches span lines, all that they touch. False when
+    // there are none.
+    bool next();
+    // Whether they are always one line.
+    bool findsSingleLines() const { return patterns_.unit != SearchUnit::text; }
+    // Those lines, in bytes of the block.
+    const Span& lines();
     // Calls `visit` with each match in the lines that `next` found last; in other lines there are none. Ends when it returns
     // false.
     template <class Visit>
@@ -50,47 +55,45 @@ public:
     std::size_t unitCount() const { return block_.units().size(); }
 
 private:
-    std::optional<Span> nextInBlock();
-    std::optional<Span> nextByLine();
-    std::optional<Span> nextInText();
+    bool nextInBlock();
+    bool nextByLine();
+    bool nextInText();
     std::optional<Span> findNextInText();
-    // The lines that were found, in units.
-    Span noteFound(const Span& lines, std::size_t firstMatch);
+    // The lines that were found, in units. True.
+    bool noteFound(const Span& lines, std::size_t firstMatch);
     Span subjectOf(const Span& line) const;
-    std::u16string_view useForDetails(MatchSource& source);
+    std::u16string_view useForDetails();
 
     FinderPatterns patterns_;
     MatchSource selecting_;
-    std::optional<MatchSource> detailed_;  // where it is not the same
+    MatchSource detailed_;
     UnitsBlock block_;
     SearchUnit unit_ = SearchUnit::line;  // for this block
     std::size_t at_ = 0;                  // units: where the next search begins
-    // Found last: the lines in bytes and in units, and where the first match begins, in units.
-    Span lines_;
+    // Found last: the lines in bytes, once they were asked for, and in units, and where the first match begins, in units.
+    std::optional<Span> lines_;
     Span units_;
     std::size_t firstMatch_ = 0;
-    bool selectingIsOnBlock_ = false;   // or on a line of it, for details
-    bool detailedIsOnBlock_ = false;
-    std::optional<Span> pending_;       // in a text: a match that was found beyond the lines that were returned
+    bool detailedIsOnBlock_ = false;  // of a text; otherwise it is on a line
+    std::optional<Span> pending_;     // in a text: a match that was found beyond the lines that were returned
     std::optional<std::size_t> previousEnd_;  // in a text: of the match found last
 };
 
 template <class Visit>
 void LineFinder::forEachMatch(const Span& lines, Visit visit) {
-    if (lines != lines_) return;
-    MatchSource& source = detailed_ ? *detailed_ : selecting_;
-    const std::u16string_view subject = useForDetails(source);
+    if (lines_ != lines) return;
+    const std::u16string_view subject = useForDetails();
     const std::size_t base = unit_ == SearchUnit::text ? 0 : units_.begin;
     // Where the matches have led to, in both.
     std::size_t byte = lines.begin;
     std::size_t unit = units_.begin;
     const auto advanceTo = [&](std::size_t target) {
-        byte = block_.unitsAreBytes() ? target
-                                      : byte + byteOfUnit(block_.bytes().substr(byte), target - unit);
+        byte =
+            block_.unitsAreBytes() ? target : byte + byteOfUnit(block_.bytes().substr(byte), target - unit);
         unit = target;
         return byte;
     };
-    source.forEach(firstMatch_ - base, [&](const FoundMatch& match) {
+    detailed_.forEach(firstMatch_ - base, [&](const FoundMatch& match) {
         const std::size_t start = base + match.results->matchStart;
         if (start >= units_.end && start != firstMatch_) return false;
         const std::size_t begin = advanceTo(start);

@@ -85,7 +85,8 @@ bool refersToTokens(std::u16string_view pattern) {
 // A few rounds, as a correction may uncover the next mistake; some never end.
 std::u16string correctedPattern(std::u16string pattern, RE_Flags flags) {
     constexpr int mostRounds = 20;
-    for (int round = 0; round != mostRounds && applyCorrections(pattern, warningsOf(pattern, flags)); ++round) {
+    for (int round = 0; round != mostRounds && applyCorrections(pattern, warningsOf(pattern, flags));
+         ++round) {
     }
     return pattern;
 }

@@ -49,8 +49,7 @@ SearchPattern::SearchPattern(const PatternRequest& request, const SearchModes& m
     patterns_.terminator = modes.terminator;
     patterns_.selecting = joined_.empty() ? each_ : joined_;
     patterns_.detailed = modes.attributes ? std::span<const RE_Tree* const>(each_) : patterns_.selecting;
-    const bool blocks =
-        modes.terminator == '\n' && scripts_ == nullptr && patterns_.selecting.size() == 1;
+    const bool blocks = modes.terminator == '\n' && scripts_ == nullptr && patterns_.selecting.size() == 1;
     patterns_.unit = modes.multiline ? SearchUnit::text : blocks ? SearchUnit::block : SearchUnit::line;
 }
 

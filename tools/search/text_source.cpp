@@ -67,9 +67,9 @@ void TextSource::begin() {
     } while (!ended_ && mayBecomeMark(held_));
     const auto mark = std::ranges::find_if(
         marks, [this](const Mark& known) { return std::string_view(held_).starts_with(known.bytes); });
-    const bool hasMark = mark != marks.end() &&
-                         (choice_.isAutomatic() || sameEncoding(choice_.name(), mark->encoding) ||
-                          (choice_.isUtf8() && mark->encoding == std::string_view("UTF-8")));
+    const bool hasMark =
+        mark != marks.end() && (choice_.isAutomatic() || sameEncoding(choice_.name(), mark->encoding) ||
+                                (choice_.isUtf8() && mark->encoding == std::string_view("UTF-8")));
     if (hasMark) used_ = mark->bytes.size();
     if (!choice_.isAutomatic() && !choice_.isUtf8()) {
         useEncoding(choice_.name());

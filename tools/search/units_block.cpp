@@ -7,51 +7,25 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <span>
 
 namespace tool {
 namespace {
 
 constexpr std::size_t none = static_cast<std::size_t>(-1);
 
-// What a conversion took and gave.
-struct Progressed {
-    std::size_t bytes;
-    std::size_t units;
-};
-
-std::size_t widen(const char* bytes, std::size_t count, char16_t* units) {
-    constexpr std::size_t block = 32;
-    std::size_t done = 0;
-    for (; count - done >= block; done += block) {
-        unsigned char high = 0;
-        for (std::size_t i = 0; i != block; ++i) high |= static_cast<unsigned char>(bytes[done + i]);
-        if ((high & 0x80) != 0) break;
-        for (std::size_t i = 0; i != block; ++i)
-            units[done + i] = static_cast<unsigned char>(bytes[done + i]);
-    }
-    for (; done != count && (bytes[done] & 0x80) == 0; ++done)
-        units[done] = static_cast<unsigned char>(bytes[done]);
-    return done;
+// About so many bytes that begin the text, up to the end of a character. Where no character ends near, the bytes are none,
+// and each is by itself.
+std::string_view pieceOf(std::string_view text, std::size_t wanted) {
+    constexpr std::size_t mostContinuations = 3;
+    if (text.size() <= wanted) return text;
+    for (std::size_t end = wanted; end + mostContinuations >= wanted; --end)
+        if ((static_cast<unsigned char>(text[end]) & 0xC0) != 0x80) return text.substr(0, end);
+    return text.substr(0, wanted);
 }
 
-// About so many bytes, up to the end of a character.
-Progressed convert(std::string_view bytes, std::size_t wanted, char16_t* units) {
-    const auto* const text = reinterpret_cast<const std::uint8_t*>(bytes.data());
-    const std::size_t size = bytes.size();
-    std::size_t at = 0;
-    std::size_t out = 0;
-    while (at < wanted && at != size) {
-        const std::size_t ascii = widen(bytes.data() + at, std::min(wanted, size) - at, units + out);
-        at += ascii;
-        out += ascii;
-        if (at >= wanted || at == size) break;
-        UChar32 character;
-        U8_NEXT_OR_FFFD(text, at, size, character);
-        if (character > 0xFFFF) units[out++] = static_cast<char16_t>((character >> 10) + 0xD7C0);
-        units[out++] =
-            static_cast<char16_t>(character > 0xFFFF ? (character & 0x3FF) | 0xDC00 : character);
-    }
-    return {at, out};
+std::span<const std::byte> bytesOf(std::string_view text) {
+    return std::as_bytes(std::span(text.data(), text.size()));
 }
 
 // In strides without a branch, which compilers turn into vectors.
@@ -72,22 +46,64 @@ void UnitsBlock::assign(std::string_view bytes, char terminator) {
     bytes_ = bytes;
     terminator_ = terminator;
     pieces_.clear();
-    if (room_ < bytes.size()) {
-        room_ = bytes.size() + bytes.size() / 8;
+    last_ = {};
+    isUnified_ = false;
+    // The converter wants some room more than it writes.
+    constexpr std::size_t spare = 8;
+    if (room_ < bytes.size() + spare) {
+        room_ = bytes.size() + bytes.size() / 8 + spare;
         units_ = std::make_unique_for_overwrite<char16_t[]>(room_);
     }
-    length_ = widen(bytes.data(), bytes.size(), units_.get());
-    if (length_ != bytes.size()) convertPieces(length_);
+    length_ = 0;
+    while (length_ != bytes.size()) {
+        pieces_.push_back({length_, length_});
+        const std::string_view piece = pieceOf(bytes.substr(length_), asciiBytes);
+        const std::size_t written = convert(piece, length_);
+        if (written != piece.size()) {
+            pieces_.pop_back();
+            convertPieces(length_);
+            return;
+        }
+        length_ += written;
+    }
+}
+
+std::size_t UnitsBlock::convert(std::string_view piece, std::size_t unit) {
+    const std::size_t begin = unit;
+    for (std::span<const std::byte> rest = bytesOf(piece); !rest.empty();) {
+        const RE_Conversion done = decoder_.convert(rest, {units_.get() + unit, room_ - unit});
+        rest = rest.subspan(done.read);
+        unit += done.written;
+    }
+    return unit + decoder_.finish({units_.get() + unit, room_ - unit}).written - begin;
 }
 
 void UnitsBlock::convertPieces(std::size_t byte) {
-    pieces_.push_back({0, 0});
     while (byte != bytes_.size()) {
         pieces_.push_back({byte, length_});
-        const Progressed done = convert(bytes_.substr(byte), pieceBytes, units_.get() + length_);
-        byte += done.bytes;
-        length_ += done.units;
+        const std::string_view piece = pieceOf(bytes_.substr(byte), pieceBytes);
+        length_ += convert(piece, length_);
+        byte += piece.size();
     }
+}
+
+bool UnitsBlock::unifyLineEnds() {
+    if (std::memchr(bytes_.data(), '\r', bytes_.size()) == nullptr) return true;
+    // Counted rather than looked at one by one, as that takes no branches. The last byte may be a carriage return.
+    unsigned alone = bytes_.back() == '\r' ? 1 : 0;
+    const char* const bytes = bytes_.data();
+    for (std::size_t at = 0; at + 1 < bytes_.size(); ++at)
+        alone |= static_cast<unsigned>(bytes[at] == '\r') & static_cast<unsigned>(bytes[at + 1] != '\n');
+    if (alone != 0) return false;
+    if (copyRoom_ < room_) {
+        copyRoom_ = room_;
+        copy_ = std::make_unique_for_overwrite<char16_t[]>(room_);
+    }
+    const char16_t* const from = units_.get();
+    char16_t* const to = copy_.get();
+    for (std::size_t at = 0; at != length_; ++at) to[at] = from[at] == u'\r' ? u'\n' : from[at];
+    isUnified_ = true;
+    return true;
 }
 
 std::size_t UnitsBlock::lineEnd(std::size_t unit) const {
@@ -97,8 +113,7 @@ std::size_t UnitsBlock::lineEnd(std::size_t unit) const {
         return end == nullptr ? length_
                               : static_cast<std::size_t>(static_cast<const char*>(end) - bytes_.data()) + 1;
     }
-    const std::size_t end =
-        findUnit(units_.get(), unit, length_, static_cast<unsigned char>(terminator_));
+    const std::size_t end = findUnit(units_.get(), unit, length_, static_cast<unsigned char>(terminator_));
     return end == none ? length_ : end + 1;
 }
 
@@ -115,20 +130,22 @@ Span UnitsBlock::lineAround(std::size_t unit) const {
     return {begin, lineEnd(unit)};
 }
 
-std::size_t UnitsBlock::byteOfLine(std::size_t unit) const {
+std::size_t UnitsBlock::byteOfLine(std::size_t unit) {
     if (unitsAreBytes()) return unit;
     if (unit == length_) return bytes_.size();
-    // The last piece that begins at or before the unit.
+    // The last piece that begins at or before the unit, or the last answer, if that is nearer.
     const auto after = std::ranges::upper_bound(pieces_, unit, {}, &Piece::unit);
-    const Piece piece = *std::prev(after);
+    Piece piece = *std::prev(after);
+    if (last_.unit <= unit && last_.unit >= piece.unit) piece = last_;
     auto lines = std::count(units_.get() + piece.unit, units_.get() + unit,
                             static_cast<char16_t>(static_cast<unsigned char>(terminator_)));
-    // A piece without a line end before the unit begins where the line does.
+    // Without a line end up to the unit the piece begins where the line does.
     std::size_t byte = piece.byte;
     for (; lines != 0; --lines) {
         const void* const end = std::memchr(bytes_.data() + byte, terminator_, bytes_.size() - byte);
         byte = static_cast<std::size_t>(static_cast<const char*>(end) - bytes_.data()) + 1;
     }
+    last_ = {byte, unit};
     return byte;
 }
 

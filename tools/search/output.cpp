@@ -1,0 +1,73 @@
+// Standard output in the order of the searches. Written with the system call: a signal must be able to end a write that
+// waits for a reader, and nothing may be held back that belongs to a line which is complete.
+#include "tools/search/output.h"
+
+#include "tools/interrupt.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+
+namespace tool {
+
+OrderedOutput::Held& OrderedOutput::held(std::size_t number) {
+    while (ahead_.size() <= number - current_) ahead_.emplace_back();
+    return ahead_[number - current_];
+}
+
+void OrderedOutput::write(std::size_t number, std::string_view text) {
+    std::unique_lock lock(mutex_);
+    if (number != current_) {
+        std::string& waiting = held(number).text;
+        if (waiting.size() + text.size() <= mostHeld) {
+            waiting += text;
+            return;
+        }
+        turn_.wait(lock, [&] { return number == current_ || abandoned_; });
+        if (abandoned_) return;
+        const std::string before = std::move(held(number).text);
+        held(number).text.clear();
+        writeThrough(before);
+    }
+    writeThrough(text);
+}
+
+void OrderedOutput::close(std::size_t number) {
+    const std::lock_guard lock(mutex_);
+    held(number).closed = true;
+    if (number != current_) return;
+    // Those that have finished, and what the next one has written up to now. After a failure a number may be missing.
+    while (!ahead_.empty() && ahead_.front().closed) {
+        ahead_.pop_front();
+        ++current_;
+        if (ahead_.empty()) break;
+        const std::string text = std::move(ahead_.front().text);
+        ahead_.front().text.clear();
+        if (!abandoned_) writeThrough(text);
+    }
+    turn_.notify_all();
+}
+
+void OrderedOutput::abandon() {
+    const std::lock_guard lock(mutex_);
+    abandoned_ = true;
+    turn_.notify_all();
+}
+
+// A signal that comes while nothing was written leaves whole lines; in the middle of a line the rest of it follows, unless
+// the reader does not take it.
+void OrderedOutput::writeThrough(std::string_view text) {
+    while (!text.empty()) {
+        const ssize_t written = ::write(descriptor_, text.data(), text.size());
+        if (written < 0 && errno == EINTR) {
+            if (interruptPending()) throw Interrupted();
+            continue;
+        }
+        if (written < 0)
+            throw std::system_error(errno, std::generic_category(), "cannot write to standard output");
+        text.remove_prefix(static_cast<std::size_t>(written));
+    }
+}
+
+}  // namespace tool
