@@ -4,12 +4,20 @@
 
 #include "tools/interrupt.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <system_error>
 
 namespace tool {
+
+OrderedOutput::OrderedOutput(int descriptor) : descriptor_(descriptor) {
+    struct stat status;
+    isPipe_ = ::fstat(descriptor, &status) == 0 && !S_ISREG(status.st_mode);
+}
 
 OrderedOutput::Held& OrderedOutput::held(std::size_t number) {
     while (ahead_.size() <= number - current_) ahead_.emplace_back();
@@ -55,18 +63,22 @@ void OrderedOutput::abandon() {
     turn_.notify_all();
 }
 
-// A signal that comes while nothing was written leaves whole lines; in the middle of a line the rest of it follows, unless
-// the reader does not take it.
+// Where a signal may end a write half-way, that is of whole lines and of no more than is written at once or not at all.
+// Only a line that is longer can be cut.
+std::string_view OrderedOutput::pieceOf(std::string_view text) const {
+    if (!isPipe_ || text.size() <= PIPE_BUF) return text;
+    const std::size_t end = text.rfind('\n', PIPE_BUF - 1);
+    return text.substr(0, end == std::string_view::npos ? std::min(text.find('\n'), text.size() - 1) + 1 : end + 1);
+}
+
 void OrderedOutput::writeThrough(std::string_view text) {
     while (!text.empty()) {
-        const ssize_t written = ::write(descriptor_, text.data(), text.size());
-        if (written < 0 && errno == EINTR) {
-            if (interruptPending()) throw Interrupted();
-            continue;
-        }
-        if (written < 0)
+        const std::string_view piece = pieceOf(text);
+        if (isPipe_ && interruptPending()) throw Interrupted();
+        const ssize_t written = ::write(descriptor_, piece.data(), piece.size());
+        if (written < 0 && errno != EINTR)
             throw std::system_error(errno, std::generic_category(), "cannot write to standard output");
-        text.remove_prefix(static_cast<std::size_t>(written));
+        if (written > 0) text.remove_prefix(static_cast<std::size_t>(written));
     }
 }
 

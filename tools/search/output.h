@@ -15,7 +15,7 @@ namespace tool {
 // has written much. Safe to call from many threads, each with numbers of its own.
 class OrderedOutput {
 public:
-    explicit OrderedOutput(int descriptor) : descriptor_(descriptor) {}
+    explicit OrderedOutput(int descriptor);
 
     // Text that ends with a line end. Throws std::system_error when it cannot be written, and Interrupted.
     void write(std::size_t number, std::string_view text);
@@ -33,8 +33,10 @@ private:
 
     Held& held(std::size_t number);
     void writeThrough(std::string_view text);
+    std::string_view pieceOf(std::string_view text) const;
 
     int descriptor_;
+    bool isPipe_ = false;  // or a terminal, where a write may wait
     std::mutex mutex_;
     std::condition_variable turn_;
     std::size_t current_ = 0;
