@@ -5,7 +5,7 @@ if(NOT CORVANE_DEFAULT_HOST)
     return()
 endif()
 
-file(GLOB tool_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tools/*.cpp)
+file(GLOB_RECURSE tool_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tools/*.cpp)
 if(CORVANE_BUILD_TOOLS AND tool_sources)
     find_package(nlohmann_json 3.2 REQUIRED)
     # Without an interpreter the tool still does all but evaluate expressions.

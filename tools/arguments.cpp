@@ -14,6 +14,21 @@ namespace po = boost::program_options;
 
 namespace tool {
 
+// Found by Boost through the type of the value.
+static void validate(boost::any& value, const std::vector<std::string>&, FlagCount*, int) {
+    FlagCount count = value.empty() ? FlagCount() : boost::any_cast<FlagCount>(value);
+    ++count.times;
+    value = count;
+}
+
+po::typed_value<FlagCount>* flag() {
+    return po::value<FlagCount>()->zero_tokens();
+}
+
+std::size_t ParsedArguments::times(const char* flagName) const {
+    return has(flagName) ? options[flagName].as<FlagCount>().times : 0;
+}
+
 ParsedArguments parseArguments(const Arguments& words, std::string_view usage,
                                const po::options_description& known) {
     po::options_description all;

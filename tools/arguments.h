@@ -8,6 +8,7 @@
 #include "tools/command.h"
 
 #include <boost/program_options/options_description.hpp>
+#include <boost/program_options/value_semantic.hpp>
 #include <boost/program_options/variables_map.hpp>
 
 #include <cstddef>
@@ -15,12 +16,20 @@
 
 namespace tool {
 
+// An option without a value. It may be given any number of times, as aliases of shells may have it already.
+struct FlagCount {
+    std::size_t times = 0;
+};
+boost::program_options::typed_value<FlagCount>* flag();
+
 // The words of one command line. Owns copies of all of them.
 struct ParsedArguments {
     boost::program_options::variables_map options;
     Arguments positionals;  // in the order given
 
     bool has(const char* option) const { return options.count(option) != 0; }
+    // How often a flag was given.
+    std::size_t times(const char* flagName) const;
 
     // The value of an option that is declared as text: digits and nothing else, or a UsageError.
     std::size_t number(const char* option) const;

@@ -14,8 +14,13 @@ class CompiledPattern {
 public:
     // Throws nothing on account of the pattern, as every text is one; a script file may fail.
     CompiledPattern(PatternRequest request, const Corvane::regexp::CompileOptions& options)
+        : CompiledPattern(request, options, startScripts(request.scripts)) {}
+
+    // One of several patterns, whose expressions share an interpreter; null where they are not allowed.
+    CompiledPattern(PatternRequest request, const Corvane::regexp::CompileOptions& options,
+                    std::shared_ptr<ScriptHost> scripts)
         : text_(std::move(request.text)),
-          scripts_(startScripts(request.scripts)),
+          scripts_(std::move(scripts)),
           context_(makeContext(options, scripts_, true)),
           tree_(text_.data(), text_.size(), request.flags, context_.get()),
           speedUp_(request.speedUp) {

@@ -7,7 +7,7 @@ namespace tool {
 enum ExitStatus : int {
     exitPositive = 0,  // something matched, was replaced or divided, or there was nothing to warn about
     exitNegative = 1,  // nothing did or was, or there were warnings
-    exitTrouble = 2,   // wrong usage, an unreadable file, an interrupt
+    exitTrouble = 2,   // wrong usage, or an unreadable file
 };
 
 }  // namespace tool

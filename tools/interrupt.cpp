@@ -1,16 +1,41 @@
-// The handler sets the host's interrupt flag, which running searches poll. The flag is a lock-free atomic,
-// which makes setting it safe in a signal handler. The handler does nothing else.
+// The handler sets the host's interrupt flag, which running searches poll, and writes a byte into a pipe, which
+// waits for input poll: a signal between a look at the flag and the wait is not missed. The flag is a lock-free
+// atomic and `write` is allowed in handlers. The handler does nothing else.
 #include "tools/interrupt.h"
+
+#include "tools/exit_status.h"
 
 #include "host/interrupt.h"
 
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <cerrno>
 #include <csignal>
 
 namespace tool {
 namespace {
 
-extern "C" void requestInterrupt(int) {
+// Both are -1 where there is no pipe; then waits end by the interruption of the call alone.
+int wakeReader = -1;
+int wakeWriter = -1;
+volatile std::sig_atomic_t caughtSignal = 0;
+
+extern "C" void requestInterrupt(int number) {
+    const int before = errno;
+    caughtSignal = number;
     utInterruptState::SetInterruptPending(true);
+    const char byte = 0;
+    if (wakeWriter >= 0) [[maybe_unused]] const auto written = ::write(wakeWriter, &byte, 1);
+    errno = before;
+}
+
+void openWakePipe() {
+    int ends[2];
+    if (::pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0) return;
+    wakeReader = ends[0];
+    wakeWriter = ends[1];
 }
 
 // Leaves alone what the parent process made ignored: see the header.
@@ -27,12 +52,27 @@ void catchSignal(int number) {
 }  // namespace
 
 void catchInterrupts() {
+    openWakePipe();
     for (const int number : {SIGINT, SIGTERM, SIGHUP}) catchSignal(number);
     std::signal(SIGXFSZ, SIG_IGN);  // a file that grows too large is an error of the write
 }
 
 bool interruptPending() {
     return utInterruptState::IsInterruptPending();
+}
+
+int interruptStatus() {
+    return caughtSignal == 0 ? exitTrouble : 128 + static_cast<int>(caughtSignal);
+}
+
+bool waitForInput(int descriptor) {
+    pollfd watched[2] = {{descriptor, POLLIN, 0}, {wakeReader, POLLIN, 0}};  // a negative one is not watched
+    while (!interruptPending()) {
+        const int ready = ::poll(watched, 2, -1);
+        if (ready < 0 && errno != EINTR) return true;  // let the read tell what is wrong
+        if (ready > 0 && watched[0].revents != 0) return !interruptPending();
+    }
+    return false;
 }
 
 }  // namespace tool

@@ -9,7 +9,8 @@
 
 namespace tool {
 
-// Thrown where an incomplete result would pass for a complete one. The main program exits with trouble.
+// Thrown where an incomplete result would pass for a complete one. The main program exits with the status that
+// shells give to programs which the signal has ended: 128 and its number.
 class Interrupted : public std::runtime_error {
 public:
     Interrupted() : std::runtime_error("interrupted") {}
@@ -19,6 +20,14 @@ public:
 // for background jobs, is left alone.
 void catchInterrupts();
 
+// Safe to call from any thread.
 bool interruptPending();
+
+// 128 and the number of the signal that was caught; `exitTrouble` when none was.
+int interruptStatus();
+
+// Waits until there is something to read from the descriptor, or its end, or a signal. False for a signal: the
+// wait ends at once also when the signal comes just before it. Returns at once for regular files.
+bool waitForInput(int descriptor);
 
 }  // namespace tool

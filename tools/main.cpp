@@ -3,6 +3,7 @@
 #include "tools/arguments.h"
 #include "tools/command.h"
 #include "tools/exit_status.h"
+#include "tools/interrupt.h"
 
 #include <exception>
 #include <iostream>
@@ -22,6 +23,7 @@ int dispatch(const tool::Arguments& words) {
         printHelp(std::cerr);
         return tool::exitTrouble;
     }
+    if (words.front() == "help" && words.size() > 1) return dispatch({words[1], "--help"});
     if (words.front() == "--help" || words.front() == "help") {
         printHelp(std::cout);
         return tool::exitPositive;
@@ -58,6 +60,9 @@ int main(int argc, char** argv) {
     std::ios::sync_with_stdio(false);
     try {
         return run({argv + 1, argv + argc});
+    } catch (const tool::Interrupted&) {
+        std::cout.flush();
+        return tool::interruptStatus();
     } catch (const std::exception& failure) {
         std::cout.flush();
         std::cerr << "cvregexp: " << failure.what() << '\n';

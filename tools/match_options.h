@@ -2,7 +2,8 @@
 #pragma once
 
 #include "tools/arguments.h"
-#include "tools/report.h"
+#include "tools/search/search_pattern.h"
+#include "tools/search/search_run.h"
 
 namespace tool {
 
@@ -11,12 +12,15 @@ boost::program_options::options_description matchOptions();
 
 // The options, checked and without defaults that are left open.
 struct MatchSettings {
-    ReportStyle style;
-    std::size_t maxCount;  // matches of each text
-    Arguments fileNames;
+    SearchModes modes;
+    RunSettings run;
 };
 
-// To be called after the pattern was taken from the positional words; what is left are the files.
-MatchSettings readMatchSettings(const ParsedArguments& arguments);
+// To be called after the patterns were taken from the positional words; what is left are the files.
+MatchSettings readMatchSettings(const ParsedArguments& arguments, std::size_t patternCount);
+
+// The options that say which files of a tree are meant; `replace` has them, too.
+void addWalkOptions(boost::program_options::options_description& options);
+WalkSettings readWalkSettings(const ParsedArguments& arguments);
 
 }  // namespace tool

@@ -9,6 +9,7 @@
 #include "regexp/regexp.h"
 
 #include <string>
+#include <vector>
 
 namespace tool {
 
@@ -27,13 +28,18 @@ enum class SpeedUp { automatic, now, never };
 
 // What the words say about the pattern, with nothing compiled yet.
 struct PatternRequest {
-    std::u16string text;
-    RE_Flags flags;
-    SpeedUp speedUp;
+    std::u16string text;  // where there is one pattern
+    std::vector<std::u16string> texts;
+    RE_Flags flags = 0;
+    bool refuseEmpty = false;  // also where empty matches count by default
+    SpeedUp speedUp = SpeedUp::automatic;
     ScriptRequest scripts;
 };
 
-// Takes the pattern from -e or -f, or else from the first positional word, which is then removed.
+// Takes the patterns from -e, -f and --pattern-file, or else from the first positional word, which is then removed.
+PatternRequest takePatterns(ParsedArguments& arguments);
+
+// The same for commands that work with one pattern. UsageError for several.
 PatternRequest takePattern(ParsedArguments& arguments);
 
 }  // namespace tool

@@ -2,6 +2,7 @@
 // their own.
 #include "regexp/parser/graph_builder.h"
 
+#include "regexp/base/line_subjects.h"
 #include "regexp/base/within_size.h"
 #include "regexp/nodes/anchors.h"
 #include "regexp/nodes/dynamic.h"
@@ -52,7 +53,7 @@ void RE_Graph_Builder::emit(std::uint32_t index) {
 
 template <class OfLines, class OfText>
 void RE_Graph_Builder::emitAnchor(const RE_Syntax& item) {
-    if ((item.flags & RE_FLAG_LINE_ANCHORS) != 0) {
+    if ((item.flags & (RE_FLAG_LINE_ANCHORS | RE_FLAG_LINES_APART)) != 0) {
         append(context.make<OfLines>());
     } else {
         append(context.make<OfText>());
@@ -198,7 +199,10 @@ void RE_Graph_Builder::emitUnitRun(std::uint32_t branch, RE_Node* join) {
 // count.
 void RE_Graph_Builder::emitText(const RE_Syntax& item) {
     const char16_t* const units = tree.units.data() + item.payload;
-    const bool exact = (item.flags & RE_FLAG_IGNORE_CASE) == 0;
+    // Under RE_FLAG_LINES_APART a text with a line feed is made unit by unit: that one matches nothing.
+    const bool exact = (item.flags & RE_FLAG_IGNORE_CASE) == 0 &&
+                       ((item.flags & RE_FLAG_LINES_APART) == 0 ||
+                        std::find(units, units + item.number, u'\n') == units + item.number);
     const std::size_t joined = context.joinsTexts && exact ? emitJoined(units, withinSize(item.number)) : 0;
     for (std::size_t i = joined; i < item.number; ++i) {
         append(makeLiteral(context, units[i], item.flags));

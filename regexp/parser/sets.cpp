@@ -1,6 +1,7 @@
 // Bracket expressions. A set, negated or not, is one exact test of a unit: members are folded first, where
 // case does not count, and the union is negated after that. So `[^a]` ignoring case matches neither `a` nor
 // `A`.
+#include "regexp/base/line_subjects.h"
 #include "regexp/nodes/label_text.h"
 #include "regexp/parser/escapes.h"
 #include "regexp/parser/grammar.h"
@@ -143,8 +144,12 @@ void RE_Grammar::readSet() {
         item.high = sole.high;
     } else {
         const auto number = static_cast<std::uint32_t>(tree.sets.size());
+        std::shared_ptr<const RE_Unit_Set> units = reader.tests.finish(negated);
+        if (has(RE_FLAG_LINES_APART)) {
+            units = withoutLineFeed(context.sets, *units);
+        }
         tree.sets.push_back(
-            {context.sets.share(reader.tests.finish(negated)),
+            {context.sets.share(std::move(units)),
              labelText(source.data(), source.size()) + (has(RE_FLAG_IGNORE_CASE) ? " ignoring case" : "")});
         if (!reader.hasWarned) {
             known.emplace(source, number);

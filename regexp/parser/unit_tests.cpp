@@ -1,6 +1,10 @@
 // Case rules, named classes, and the nodes of single-unit atoms.
 #include "regexp/parser/unit_tests.h"
 
+#include "host/unit_class.h"
+#include "regexp/base/line_subjects.h"
+
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -17,7 +21,24 @@ RE_Named_Class named() {
     return {&isIn<units>, &(RE_Unit_Classes::get().*units)};
 }
 
+bool excludesLineFeeds(RE_Flags flags) {
+    return (flags & RE_FLAG_LINES_APART) != 0;
+}
+
+/// A test of the units of the set but the line feed.
+RE_Consumable* makeWithinLine(RE_ParserContext& context, const RE_Unit_Set& units, std::string label) {
+    return context.make<RE_Unit_Class>(withoutLineFeed(context.sets, units), std::move(label));
+}
+
 }  // namespace
+
+std::shared_ptr<const RE_Unit_Set> withoutLineFeed(RE_Set_Pool& pool, const RE_Unit_Set& units) {
+    RE_Low_Units lineFeed;
+    lineFeed.add(u'\n');
+    const std::shared_ptr<RE_Unit_Set> others = pool.copyOf(units);
+    others->remove(lineFeed);
+    return pool.share(others);
+}
 
 RE_Named_Class namedClass(char16_t letter) {
     switch (letter) {
@@ -84,6 +105,9 @@ void RE_Unit_Test_Set::addClass(char16_t letter) {
 
 // A unit without case stays exact, so that literals without letters can be joined and sought as they are.
 RE_Consumable* makeLiteral(RE_ParserContext& context, char16_t unit, RE_Flags flags) {
+    if (unit == u'\n' && excludesLineFeeds(flags)) {
+        return makeWithinLine(context, RE_Unit_Set(), "\\n of another line");
+    }
     if ((flags & RE_FLAG_IGNORE_CASE) != 0 && !RE_Case_Table::get().foldsAlone(unit)) {
         return context.make<RE_Natural_I>(unit);
     }
@@ -95,6 +119,11 @@ RE_Consumable* makeRange(RE_ParserContext& context, char16_t low, char16_t high,
         return makeLiteral(context, low, flags);
     }
     const RE_Range_Plan plan = planRange(low, high, flags);
+    if (excludesLineFeeds(flags) && std::min(low, high) <= u'\n' && std::max(low, high) >= u'\n') {
+        RE_Unit_Test_Set members(context.sets);
+        members.addRange(low, high, flags);
+        return makeWithinLine(context, *members.finish(false), "range within a line");
+    }
     switch (plan.test) {
         case RE_Range_Test::lower:
             return context.make<RE_Range_I>(plan.low, plan.high);
@@ -115,6 +144,9 @@ RE_Consumable* makeUnitNode(RE_ParserContext& context, const RE_Syntax_Tree& tre
             return makeRange(context, item.low, item.high, item.flags);
         case RE_Syntax_Kind::escaped: {
             const RE_Named_Class named = namedClass(item.low);
+            if (excludesLineFeeds(item.flags) && named.units->contains(u'\n')) {
+                return makeWithinLine(context, *named.units, std::string("\\") + static_cast<char>(item.low));
+            }
             return context.make<RE_Escaped_Set>(item.low, named.test, *named.units);
         }
         case RE_Syntax_Kind::set: {
@@ -122,7 +154,7 @@ RE_Consumable* makeUnitNode(RE_ParserContext& context, const RE_Syntax_Tree& tre
             return context.make<RE_Unit_Class>(set.units, set.text);
         }
         case RE_Syntax_Kind::dot:
-            if ((item.flags & RE_FLAG_DOT_ALL) != 0) {
+            if ((item.flags & RE_FLAG_DOT_ALL) != 0 && !excludesLineFeeds(item.flags)) {
                 return context.make<RE_Dot_All>();
             }
             return context.make<RE_Dot_Line>();

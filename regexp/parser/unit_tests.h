@@ -79,6 +79,9 @@ private:
     Member first{};
 };
 
+/// The other units of the set, as a set of their own.
+std::shared_ptr<const RE_Unit_Set> withoutLineFeed(RE_Set_Pool& pool, const RE_Unit_Set& units);
+
 // The nodes below belong to the context and have no next node yet.
 
 /// A literal unit under these modes: where case does not count, a unit that has case becomes its folding

@@ -1,0 +1,64 @@
+// A source of UTF-8, whatever the encoding of the file is.
+#pragma once
+
+#include "tools/search/byte_source.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+struct UConverter;
+
+namespace tool {
+
+// How files are read. "auto": as their byte order mark says, UTF-8 without one. "utf-8" and others by their names:
+// that one, and only a byte order mark of the same encoding is dropped. UsageError for a name that nobody knows.
+class EncodingChoice {
+public:
+    EncodingChoice() = default;
+    explicit EncodingChoice(const std::string& name);
+
+    bool isAutomatic() const { return name_.empty(); }
+    bool isUtf8() const { return isUtf8_; }
+    const std::string& name() const { return name_; }
+
+private:
+    std::string name_;
+    bool isUtf8_ = false;
+};
+
+// Drops the byte order mark and converts to UTF-8 where the text is something else; bytes of UTF-8 pass as they are,
+// ill-formed or not.
+class TextSource : public ByteSource {
+public:
+    // Refers to both.
+    TextSource(ByteSource& bytes, const EncodingChoice& choice) : bytes_(bytes), choice_(choice) {}
+    ~TextSource() override;
+    TextSource(const TextSource&) = delete;
+    TextSource& operator=(const TextSource&) = delete;
+
+    std::size_t read(char* to, std::size_t room) override;
+    // Of the bytes in front of the text; known once something was read. 0 for a converted text.
+    std::size_t markSize() const { return markSize_; }
+    bool isConverted() const { return from_ != nullptr; }
+
+private:
+    void begin();
+    void useEncoding(const std::string& name);
+    std::size_t readConverted(char* to, std::size_t room);
+
+    ByteSource& bytes_;
+    const EncodingChoice& choice_;
+    bool begun_ = false;
+    bool ended_ = false;
+    std::size_t markSize_ = 0;
+    std::string held_;  // read and not handed out, or not converted
+    std::size_t used_ = 0;
+    UConverter* from_ = nullptr;
+    UConverter* to_ = nullptr;
+    std::vector<char16_t> pivot_;
+    char16_t* pivotFrom_ = nullptr;
+    char16_t* pivotTo_ = nullptr;
+};
+
+}  // namespace tool
