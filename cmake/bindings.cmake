@@ -1,7 +1,7 @@
 # The C interface: a shared library of its own over the engine and the default host.
 
-option(CORVANE_BUILD_C "Build the C interface" ON)
-if(NOT CORVANE_BUILD_C OR NOT CORVANE_DEFAULT_HOST)
+# Tests and fuzz targets call it, too.
+if(NOT CORVANE_DEFAULT_HOST OR NOT (CORVANE_BUILD_C OR CORVANE_BUILD_TESTS OR CORVANE_BUILD_FUZZ))
     return()
 endif()
 

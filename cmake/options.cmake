@@ -3,6 +3,7 @@
 option(CORVANE_DEVELOPER_MODE "Strict warnings as errors, tests and graph checks" OFF)
 option(CORVANE_DEFAULT_HOST "Build the default host and link the engine to it" ON)
 option(CORVANE_MACHINE_CODE "Machine code of patterns, on x86-64" ON)
+option(CORVANE_BUILD_C "Build the C interface" ON)
 option(CORVANE_BUILD_TOOLS "Build the command line tool" ${PROJECT_IS_TOP_LEVEL})
 option(CORVANE_BUILD_TESTS "Build the tests" ${CORVANE_DEVELOPER_MODE})
 option(CORVANE_BUILD_BENCH "Build the benchmarks" OFF)

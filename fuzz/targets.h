@@ -16,6 +16,8 @@ void replace(const Input& input);
 void builder(const Input& input);
 void escape(const Input& input);
 void expressions(const Input& input);
+void text(const Input& input);
+void c_interface(const Input& input);
 
 struct Target {
     std::string_view name;
@@ -24,8 +26,9 @@ struct Target {
 
 // The names are those of files, of programs and of folders under fuzz/regressions.
 inline constexpr Target kTargets[] = {
-    {"parse", parse},     {"reference", reference}, {"options", options}, {"seek", seek},
-    {"replace", replace}, {"builder", builder},     {"escape", escape},   {"expressions", expressions},
+    {"parse", parse},     {"reference", reference},     {"options", options}, {"seek", seek},
+    {"replace", replace}, {"builder", builder},         {"escape", escape},   {"expressions", expressions},
+    {"text", text},       {"c_interface", c_interface},
 };
 
 /// What fuzzer and replay call: the memo's delay is a part of the input.

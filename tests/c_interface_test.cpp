@@ -10,6 +10,8 @@
 
 #include <atomic>
 #include <cstring>
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <thread>
 
@@ -524,6 +526,23 @@ TEST(CInterface, RefusesNullEverywhere) {
     EXPECT_STRNE("", cvre_last_message());
     EXPECT_STREQ("an unknown status", cvre_status_text(-1));
     EXPECT_NE(nullptr, std::strchr(cvre_version(), '.'));
+}
+
+TEST(CInterface, IsDocumentedAsAWhole) {
+    const auto contentOf = [](const std::string& name) {
+        std::ifstream in(std::string(CORVANE_SOURCE_DIR) + "/" + name);
+        return std::string{std::istreambuf_iterator<char>(in), {}};
+    };
+    const std::string header = contentOf("bindings/c/corvane/corvane.h");
+    const std::string page = contentOf("docs/c-interface.md");
+    size_t functions = 0;
+    for (size_t at = header.find("CVRE_API "); at != header.npos; at = header.find("CVRE_API ", at + 1)) {
+        const size_t name = header.find("cvre_", header.find_last_of(" *", header.find('(', at)));
+        const std::string function = header.substr(name, header.find('(', name) - name);
+        EXPECT_NE(page.npos, page.find("`" + function + "`")) << function << " is not on the page";
+        ++functions;
+    }
+    EXPECT_GT(functions, 40u);
 }
 
 TEST(CInterface, RefusesBadSizesAndValues) {
