@@ -7,11 +7,14 @@
 #include "regexp/parser/unit_tests.h"
 
 #include <memory>
+#include <utility>
 
 namespace {
 
 // What a set takes besides its members: it is filled, compared with others and labelled.
 constexpr std::uint64_t workOfSet = 8;
+// The same for each stretch of blocks that a large table has.
+constexpr std::size_t blocksAWork = 64;
 
 /// One member of a set as written. `nothing` is an escape that no single unit can match; it is skipped,
 /// with a warning.
@@ -143,8 +146,10 @@ void RE_Grammar::readSet() {
         item.high = sole.high;
     } else {
         const auto number = static_cast<std::uint32_t>(tree.sets.size());
+        auto units = reader.tests.finish(negated);
+        context.meter.spend(units->variedBlocks() / blocksAWork);
         tree.sets.push_back(
-            {context.sets.share(reader.tests.finish(negated)),
+            {context.sets.share(std::move(units)),
              labelText(source.data(), source.size()) + (has(RE_FLAG_IGNORE_CASE) ? " ignoring case" : "")});
         if (!reader.hasWarned) {
             known.emplace(source, number);
