@@ -34,6 +34,10 @@ void RE_Compile_Meter::pass() {
     grant(spent);
 }
 
+void RE_Compile_Meter::refuseNodes() {
+    throw RE_Compile_Stopped{RE_Compile_Outcome::nodesExceeded};
+}
+
 void RE_Compile_Meter::ask() {
     if (const RE_Compile_Outcome outcome = askAll(); outcome != RE_Compile_Outcome::compiled) {
         throw RE_Compile_Stopped{outcome};

@@ -46,7 +46,7 @@ public:
     /// Counts a node that is about to be made.
     void spendNode() {
         if (nodeCount++ >= mostNodes) {
-            throw RE_Compile_Stopped{RE_Compile_Outcome::nodesExceeded};
+            refuseNodes();
         }
         spend();
     }
@@ -76,7 +76,9 @@ private:
     static constexpr std::uint64_t interval = 1024;
     static constexpr std::uint64_t unasked = static_cast<std::uint64_t>(-1) >> 2;
 
-    void pass();
+    // Apart, as these are hardly ever called: each maker of nodes would have a copy.
+    [[gnu::cold]] void pass();
+    [[noreturn, gnu::cold]] static void refuseNodes();
     void grant(std::uint64_t spent);
     RE_Compile_Outcome askAll();
 

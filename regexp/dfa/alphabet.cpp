@@ -19,7 +19,7 @@
 namespace {
 
 // All blocks of units are gone through twice.
-constexpr std::uint64_t workOfSplit = 64;
+constexpr std::uint64_t workOfSplit = 256;
 
 RE_Unit_Set consumedBy(const RE_Consumable& node) {
     RE_Unit_Set set;
@@ -248,7 +248,7 @@ RE_Unit_Sides::RE_Unit_Sides(const RE_Graph_Facts& facts, RE_Alphabet& alphabet,
 // What precedes a position and what follows it is told apart by the same letters.
 void RE_Unit_Sides::gather(const RE_Graph_Facts& facts, RE_Compile_Meter& meter) {
     for (const RE_Node* node : facts.nodes) {
-        meter.spend(1 + asked.size());
+        meter.spend(1 + 4 * asked.size());
         const RE_Meaning meaning = node->meaning();
         if (const auto* const edge = std::get_if<RE_Meanings::Edge>(&meaning)) {
             asksForBegin = asksForBegin || !edge->before.isAny();

@@ -203,8 +203,7 @@ std::size_t roomFor(const RE_Program& program) {
 class Assembler : private corvane_machine::Start_Code {
 public:
     Assembler(const RE_Graph_Facts& graphFacts, std::span<std::byte> buffer, RE_Compile_Meter& meter)
-        : Start_Code(graphFacts, graphFacts.root, buffer) {
-        work = &meter;
+        : Start_Code(graphFacts, graphFacts.root, buffer, meter) {
         // The order is the layout of the code: entries, starts, program, exits, constants. `emitBegin` falls
         // through into `emitStarts`, and the next start into the program.
         emitEntry();
@@ -212,6 +211,7 @@ public:
         emitBegin();
         emitStarts();
         emitProgram();
+        meter.ask();
         emitExits();
         emitConstants();
     }
@@ -278,6 +278,7 @@ std::unique_ptr<RE_Machine_Code> RE_Machine_Code::make(const RE_Graph_Facts& fac
     }
     try {
         Assembler assembler(facts, {large != nullptr ? large.get() : small.data(), room}, making.meter);
+        making.meter.ask();
         return assembler.gains(facts) ? assembler.place(making) : nullptr;
     } catch (const Xbyak::Error&) {
         return nullptr;

@@ -150,6 +150,8 @@ namespace {
 
 // The units that every such run has are tested one by one: a scan of many would have to count steps.
 constexpr std::uint32_t mostLeast = 16;
+// To find the rest of a run takes a look at every instruction.
+constexpr std::size_t instructionsAWork = 8;
 
 bool isChoiceRun(const RE_Instruction& in) {
     return classOf(in) == RE_Operation_Class::choiceRun;
@@ -187,6 +189,7 @@ void Program_Code::findChoices() {
 // Only runs whose rest is their own become choices of the code. The others stay `leave` instructions in
 // effect.
 void Program_Code::noteChoice(const RE_Instruction& run) {
+    work.spend(1 + program.instructions.size() / instructionsAWork);
     auto found = std::make_unique<Choice>();
     found->run = &run;
     found->rest = ownRest(program, run);

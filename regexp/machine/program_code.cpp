@@ -19,8 +19,8 @@ namespace corvane_machine {
 namespace {
 
 // An instruction takes up to fifteen microseconds to be written, with all that is written for it later.
-constexpr std::uint64_t workOfInstruction = 32;
-constexpr std::uint64_t workOfPath = 8;
+constexpr std::uint64_t workOfInstruction = 128;
+constexpr std::uint64_t workOfPath = 16;
 
 bool isText(const RE_Instruction& in) {
     return in.operation == RE_Operation::text || in.operation == RE_Operation::foldedText;
@@ -39,9 +39,10 @@ bool isSmall(const RE_Instruction& in, std::size_t longestText) {
 
 // `mostSteps` follows from the invariant of the class; the one more is that of the seeker at the start.
 Program_Code::Program_Code(const RE_Program& source, bool keeps, RE_Machine_Vectors widest,
-                           std::span<std::byte> buffer)
+                           std::span<std::byte> buffer, RE_Compile_Meter& meter)
     : Unit_Code(buffer, widest),
       mostSteps(static_cast<std::int64_t>(source.instructions.size()) * RE_Instruction::mostSteps + 1),
+      work(meter),
       program(source),
       keepsTokens(keeps),
       places(source.instructions.size()),
@@ -83,7 +84,7 @@ void Program_Code::emitProgram() {
         }
     }
     for (const auto& write : later) {
-        work->spend(workOfPath);
+        work.spend(workOfPath);
         write();
     }
 }
@@ -91,7 +92,7 @@ void Program_Code::emitProgram() {
 // Writes `in` and all that follows it, up to an instruction that has been written or that does not continue.
 void Program_Code::emitChain(const RE_Instruction* in) {
     for (;;) {
-        work->spend(workOfInstruction);
+        work.spend(workOfInstruction);
         openChoice = choiceOf[indexOf(in)];
         L(labelOf(in));
         // Starts and choices taken up again look at the meter, too; no other place does.

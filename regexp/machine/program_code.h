@@ -34,16 +34,15 @@ namespace corvane_machine {
 /// `later` has to save it and put it back, since failures and exits depend on it.
 class Program_Code : protected Unit_Code {
 protected:
-    Program_Code(const RE_Program& source, bool keeps, RE_Machine_Vectors widest,
-                 std::span<std::byte> buffer);
+    /// What is written is work for the meter, which may end it.
+    Program_Code(const RE_Program& source, bool keeps, RE_Machine_Vectors widest, std::span<std::byte> buffer,
+                 RE_Compile_Meter& meter);
 
     /// Writes an attempt that begins at `p`. It jumps to `failedLabel` where it fails.
     void emitProgram();
 
     Label failedLabel;
     std::int64_t mostSteps;  ///< at most so many from one check of the meter to the next
-    /// Counts what is written, and may end it. To be set before anything is.
-    RE_Compile_Meter* work = nullptr;
 
 private:
     /// A run of which another end is tried within the code when its rest fails, and the labels of the code
@@ -148,6 +147,7 @@ private:
     void emitFirstUnits(const RE_Instruction& first);
     void emitEitherUnit(char16_t one, char16_t another);
 
+    RE_Compile_Meter& work;
     const RE_Program& program;
     const bool keepsTokens;     // closing a token leaves higher ones in effect
     std::vector<Label> places;  // of the instructions
@@ -164,7 +164,8 @@ private:
 /// written out; where a start is far the root of the graph takes over, through an exit.
 class Start_Code : protected Program_Code {
 protected:
-    Start_Code(const RE_Graph_Facts& graphFacts, const RE_Node* graphRoot, std::span<std::byte> buffer);
+    Start_Code(const RE_Graph_Facts& graphFacts, const RE_Node* graphRoot, std::span<std::byte> buffer,
+               RE_Compile_Meter& meter);
 
     /// Writes what follows a failed attempt: the way to the next start, and to the attempt there.
     void emitStarts();

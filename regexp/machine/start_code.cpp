@@ -50,8 +50,9 @@ std::optional<char16_t> onlyUnit(const RE_Unit_Set* units) {
 }  // namespace
 
 Start_Code::Start_Code(const RE_Graph_Facts& graphFacts, const RE_Node* graphRoot,
-                       std::span<std::byte> buffer)
-    : Program_Code(graphFacts.program, graphFacts.keepsTokens, graphFacts.tuning.widestVectors, buffer),
+                       std::span<std::byte> buffer, RE_Compile_Meter& meter)
+    : Program_Code(graphFacts.program, graphFacts.keepsTokens, graphFacts.tuning.widestVectors, buffer,
+                   meter),
       facts(graphFacts),
       root(graphRoot) {}
 

@@ -8,11 +8,14 @@
 #include "regexp/parser/unit_tests.h"
 
 #include <memory>
+#include <utility>
 
 namespace {
 
 // What a set takes besides its members: it is filled, compared with others and labelled.
 constexpr std::uint64_t workOfSet = 8;
+// The same for each stretch of blocks that a large table has.
+constexpr std::size_t blocksAWork = 64;
 
 /// One member of a set as written. `nothing` is an escape that no single unit can match; it is skipped,
 /// with a warning.
@@ -145,6 +148,7 @@ void RE_Grammar::readSet() {
     } else {
         const auto number = static_cast<std::uint32_t>(tree.sets.size());
         std::shared_ptr<const RE_Unit_Set> units = reader.tests.finish(negated);
+        context.meter.spend(units->variedBlocks() / blocksAWork);
         if (has(RE_FLAG_LINES_APART)) {
             units = withoutLineFeed(context.sets, *units);
         }

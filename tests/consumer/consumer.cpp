@@ -104,6 +104,14 @@ void compile() {
     const RE_Tree empty(u"x*", 2, RE_DEFAULT_FLAGS | RE_FLAG_ALLOW_EMPTY, &host);
     CHECK(empty.getAllowEmptyMatch() && empty.isValidMatchLength(0) && !empty.getHasTokenNames());
 
+    RE_Compile_Report report;
+    const RE_Compile_Limits few{.units = 2, .nodes = 100, .work = 10'000, .bytes = 1 << 20};
+    CHECK(RE_Tree(u"ab", 2, RE_DEFAULT_FLAGS, &host, few, report).isCompiled() && report.nodes > 0 && report.work > 0);
+    CHECK(!RE_Tree(u"abc", 3, RE_DEFAULT_FLAGS, nullptr, few, report).isCompiled() && report.isRefused());
+    CHECK(!RE_Tree(RE_Builder_Space::literal(u"abc"), RE_DEFAULT_FLAGS, nullptr, few, report).isCompiled());
+    CHECK(!RE_Replace(u"abc", 3, RE_DEFAULT_FLAGS, nullptr, few, report).isCompiled());
+    CHECK(report.outcome == RE_Compile_Outcome::unitsExceeded && report.position == 2);
+
     RE_Tree moved(RE_Tree(u"b", false));
     moved = RE_Tree(u"c", false);
     RE_Tree& copy = *static_cast<RE_Tree*>(utMalloc(sizeof(RE_Tree)));  // never destroyed, as its graph is shared
