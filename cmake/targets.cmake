@@ -28,7 +28,7 @@ if(CORVANE_UNITY_BUILD)
     set_target_properties(corvane_regexp_objects PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 12)
     # They include themselves once for each set of vector instructions.
     set_source_files_properties(${PROJECT_SOURCE_DIR}/regexp/seek/kernels.cpp
-        ${PROJECT_SOURCE_DIR}/regexp/dfa/shuffle.cpp
+        ${PROJECT_SOURCE_DIR}/regexp/dfa/shuffle.cpp ${PROJECT_SOURCE_DIR}/regexp/text/conversion_kernels.cpp
         PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
 else()
     corvane_precompile(corvane_regexp_objects)

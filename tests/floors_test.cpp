@@ -38,6 +38,7 @@ const std::vector<std::string> kFloors = {
     "regexp/eval/expressions",  // expressions of the host, which are read as replacement texts
     "regexp/inspect",           // growth and outlines
     "regexp/translate",         // quoting and wildcards
+    "regexp/text",              // text in other encodings
     "host/adapters",            // what the default host makes of the engine's own interfaces
 };
 

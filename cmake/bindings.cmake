@@ -1,0 +1,27 @@
+# The C interface: a shared library of its own over the engine and the default host.
+
+option(CORVANE_BUILD_C "Build the C interface" ON)
+if(NOT CORVANE_BUILD_C OR NOT CORVANE_DEFAULT_HOST)
+    return()
+endif()
+
+# The objects are apart from the library for the tests, which contain the engine themselves.
+file(GLOB corvane_c_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/bindings/c/*.cpp)
+add_library(corvane_c_objects OBJECT ${corvane_c_sources})
+corvane_compile_rules(corvane_c_objects)
+corvane_precompile(corvane_c_objects)
+target_include_directories(corvane_c_objects PRIVATE ${PROJECT_SOURCE_DIR})
+target_compile_definitions(corvane_c_objects PRIVATE CORVANE_VERSION="${PROJECT_VERSION}")
+target_link_libraries(corvane_c_objects PRIVATE Boost::headers Boost::program_options)
+
+add_library(corvane_c SHARED $<TARGET_OBJECTS:corvane_c_objects>)
+add_library(corvane::c ALIAS corvane_c)
+corvane_compile_rules(corvane_c)
+target_include_directories(corvane_c INTERFACE
+    $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/bindings/c> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+target_link_libraries(corvane_c PRIVATE corvane_regexp corvane_host)
+target_link_options(corvane_c PRIVATE -Wl,--version-script=${PROJECT_SOURCE_DIR}/bindings/c/corvane_c.map)
+set_target_properties(corvane_c PROPERTIES
+    LINKER_LANGUAGE CXX
+    LINK_DEPENDS ${PROJECT_SOURCE_DIR}/bindings/c/corvane_c.map
+    EXPORT_NAME c VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})

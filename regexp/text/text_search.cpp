@@ -1,0 +1,235 @@
+// Searches that know a part of the text, and then more of it.
+//
+// A search of what is known begins no attempt that may look further. If it finds nothing, those attempts have failed for
+// good; as much again is converted, and the search goes on with the attempts after them. What is known doubles each time, so
+// that all conversions and all new beginnings together cost no more than the last.
+#include "regexp/text/text_search.h"
+
+#include "host/interrupt.h"
+#include "regexp/analysis/reach.h"
+#include "regexp/find_all.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr std::size_t kFirstUnits = 16384;
+
+/// A request to stop that came before the work is put aside and raised again afterwards: it was meant for something else.
+class Interrupt_Aside {
+public:
+    explicit Interrupt_Aside(bool interruptible)
+        : wasPending(interruptible && utInterruptState::IsInterruptPending()) {
+        if (wasPending) {
+            utInterruptState::SetInterruptPending(false);
+        }
+    }
+    ~Interrupt_Aside() {
+        if (wasPending) {
+            utInterruptState::SetInterruptPending(true);
+        }
+    }
+    Interrupt_Aside(const Interrupt_Aside&) = delete;
+    Interrupt_Aside& operator=(const Interrupt_Aside&) = delete;
+
+private:
+    bool wasPending;
+};
+
+}  // namespace
+
+RE_Text_Search::RE_Text_Search(const RE_Tree& pattern, RE_Text& subject, const RE_Search_Limits& searchLimits)
+    : tree(pattern), text(subject), limits(searchLimits) {}
+
+RE_Text_Search::~RE_Text_Search() = default;
+
+const RE_Results* RE_Text_Search::find(std::size_t unit) {
+    if (stopped != RE_Search_Outcome::noMatch) {
+        return nullptr;
+    }
+    if (unit < latestUnit) {
+        turnBack();
+    }
+    latestUnit = unit;
+    if (sequenceIsWhole) {
+        return findKnown(unit);
+    }
+    const Interrupt_Aside aside(tree.isInterruptible());
+    for (;;) {
+        if (sequenceIsWhole || (sequence.has_value() && unit < finalStarts)) {
+            const RE_Results* const match = findKnown(unit);
+            if (match != nullptr || sequenceIsWhole || stopped != RE_Search_Outcome::noMatch) {
+                return match;
+            }
+            unit = finalStarts;
+        }
+        if (!knowMore(unit)) {
+            return nullptr;
+        }
+    }
+}
+
+// A sequence goes forward only. What is converted, and what is known of it, stays.
+void RE_Text_Search::turnBack() {
+    finish();
+    sequenceIsWhole = false;
+}
+
+// The sequence does not outlive what it knows of the text, which moves as it grows.
+const RE_Results* RE_Text_Search::findKnown(std::size_t unit) {
+    if (unit > sequenceKnows) {
+        return nullptr;
+    }
+    const RE_Results* const match =
+        sequenceIsWhole ? sequence->find(unit) : sequence->find(unit, finalStarts - 1);
+    found = found || match != nullptr;
+    if (match == nullptr) {
+        const RE_Search_Report searched = sequence->report();
+        stop(searched.isComplete() ? RE_Search_Outcome::noMatch : searched.outcome);
+    }
+    return match;
+}
+
+bool RE_Text_Search::knowMore(std::size_t unit) {
+    if (reach == nullptr && !text.isWhole()) {
+        reach = std::make_unique<RE_Reach>(tree.getFacts());
+    }
+    // Whoever goes on far ahead is given some text after that place, too.
+    const std::size_t known = text.known().size();
+    const bool goesOn = sequence.has_value();
+    const std::size_t wanted =
+        std::max({kFirstUnits, goesOn ? 2 * sequenceKnows : known, unit + kFirstUnits});
+    const bool all = reach != nullptr && reach->needsAll();
+    finish();
+    const RE_Search_Outcome outcome =
+        text.convert(all ? RE_Text::all : wanted, limits, tree.isInterruptible());
+    if (outcome != RE_Search_Outcome::noMatch) {
+        stop(outcome);
+        return false;
+    }
+    renew();
+    return true;
+}
+
+// What the sequence took counts on. Its memory goes before the text asks for more.
+void RE_Text_Search::finish() {
+    if (sequence.has_value()) {
+        spent = report();
+        sequence.reset();
+    }
+}
+
+void RE_Text_Search::renew() {
+    RE_Search_Limits left = limits;
+    if (left.steps != RE_Search_Limits::unlimited) {
+        left.steps -= std::min(left.steps, spent.steps);
+    }
+    if (left.bytes != RE_Search_Limits::unlimited) {
+        left.bytes -= std::min(left.bytes, text.memoryUse());
+    }
+    const bool isLimited = limits.steps != RE_Search_Limits::unlimited ||
+                           limits.bytes != RE_Search_Limits::unlimited || limits.mayEndFromOutside();
+    sequence.emplace(tree, text.known(), isLimited ? &left : nullptr);
+    sequenceKnows = text.known().size();
+    sequenceIsWhole = text.isWhole();
+    if (!sequenceIsWhole) {
+        finalStarts = std::max(finalStarts, reach->finalStarts(text.known(), barriersSought));
+        barriersSought = sequenceKnows;
+    }
+}
+
+RE_Search_Report RE_Text_Search::report() const {
+    RE_Search_Report all = spent;
+    if (sequence.has_value()) {
+        const RE_Search_Report last = sequence->report();
+        all.steps += last.steps;
+        all.peakBytes = std::max(all.peakBytes, last.peakBytes + text.memoryUse());
+    }
+    all.peakBytes = std::max(all.peakBytes, text.memoryUse());
+    all.outcome = stopped != RE_Search_Outcome::noMatch ? stopped
+                  : found                               ? RE_Search_Outcome::matched
+                                                        : RE_Search_Outcome::noMatch;
+    return all;
+}
+
+// --- a walk from match to match ---
+
+std::optional<RE_Extent> RE_Text_Match::token(std::size_t index) const {
+    if (!match->tookPart(index)) {
+        return std::nullopt;
+    }
+    const RE_TokenInfo& info = match->tokens->slots[index];
+    return extentOf(info.start, info.length);
+}
+
+std::optional<RE_Extent> RE_Text_Match::token(std::u16string_view name) const {
+    return match->tokens != nullptr ? token(match->tokens->find(name)) : std::nullopt;
+}
+
+std::span<const std::byte> RE_Text_Match::tokenBytes(std::size_t index) const {
+    if (!match->tookPart(index)) {
+        return {};
+    }
+    const RE_TokenInfo& info = match->tokens->slots[index];
+    return text->bytesOf(info.start, info.length);
+}
+
+RE_Text_Matches::RE_Text_Matches(const RE_Tree& tree, RE_Text& text, RE_Offsets offsets, std::size_t unit,
+                                 const RE_Search_Limits& limits)
+    : search(tree, text, limits), current(text, offsets), position(unit) {}
+
+RE_Text_Matches::Iterator RE_Text_Matches::begin() {
+    if (!begun) {
+        next();
+    }
+    return Iterator(*this);
+}
+
+const RE_Text_Match* RE_Text_Matches::next() {
+    begun = true;
+    for (;;) {
+        current.match = search.find(position);
+        if (current.match == nullptr) {
+            return nullptr;
+        }
+        position = current.match->nextIndex();
+        const std::size_t end = current.match->matchStart + current.match->matchLength;
+        if (previousEnd != end) {
+            previousEnd = end;
+            return &current;
+        }
+    }
+}
+
+std::optional<RE_Extent> reFindFirst(const RE_Tree& tree, RE_Text& text, RE_Offsets offsets) {
+    RE_Text_Matches matches(tree, text, offsets);
+    const RE_Text_Match* const match = matches.next();
+    return match != nullptr ? std::optional(match->extent()) : std::nullopt;
+}
+
+std::vector<RE_Extent> reSplit(const RE_Tree& tree, RE_Text& text, RE_Offsets offsets,
+                               const RE_Search_Limits& limits, RE_Search_Report* report) {
+    std::vector<RE_Extent> parts;
+    std::size_t from = 0;
+    RE_Text_Matches walk(tree, text, offsets, 0, limits);
+    while (const RE_Text_Match* const match = walk.next()) {
+        const RE_Results& found = match->units();
+        const std::size_t start = found.matchStart;
+        // Where the text has not been converted to its end, the match is not at it.
+        const bool atEdge = start == 0 || (text.isWhole() && start == text.known().size());
+        if (found.matchLength == 0 && atEdge) {
+            continue;
+        }
+        parts.push_back(text.extentOf(from, start - from, offsets));
+        from = start + found.matchLength;
+    }
+    const RE_Search_Report ended = walk.report();
+    if (report != nullptr) {
+        *report = ended;
+    }
+    if (ended.isComplete()) {
+        text.convert(RE_Text::all);
+    }
+    parts.push_back(text.extentOf(from, text.known().size() - from, offsets));
+    return parts;
+}

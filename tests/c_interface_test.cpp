@@ -1,0 +1,587 @@
+// The C interface: what it finds is what the engine finds, and whatever is wrong with its arguments is a status.
+//
+// The header promises that null handles, bad indices and bad sizes never crash: each function is called with each of them.
+// Under a sanitizer the same calls show what is read or leaked on the way.
+#include "bindings/c/corvane/corvane.h"
+#include "regexp/regexp.h"
+#include "tests/support/differential.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstring>
+#include <memory>
+#include <thread>
+
+namespace corvane_tests {
+namespace {
+
+template <auto release>
+struct Release {
+    void operator()(auto* handle) const { release(handle); }
+};
+using Pattern = std::unique_ptr<cvre_pattern, Release<cvre_pattern_free>>;
+using Matcher = std::unique_ptr<cvre_matcher, Release<cvre_matcher_free>>;
+using Replacement = std::unique_ptr<cvre_replacement, Release<cvre_replacement_free>>;
+using Cancel = std::unique_ptr<cvre_cancel, Release<cvre_cancel_free>>;
+
+template <class T>
+T sized() {
+    T structure{};
+    structure.size = sizeof structure;
+    return structure;
+}
+cvre_text utf16(const std::u16string& text) {
+    return {text.data(), text.size() * 2, CVRE_UTF16};
+}
+cvre_text utf8(const std::string& text) {
+    return {text.data(), text.size(), CVRE_UTF8};
+}
+Pattern compile(cvre_text text, const cvre_compile_options* options = nullptr) {
+    cvre_pattern* made = nullptr;
+    EXPECT_EQ(CVRE_OK, cvre_compile(text, options, &made)) << cvre_last_message();
+    return Pattern(made);
+}
+Matcher matcherOf(const Pattern& pattern) {
+    cvre_matcher* made = nullptr;
+    EXPECT_EQ(CVRE_OK, cvre_matcher_new(pattern.get(), &made));
+    return Matcher(made);
+}
+Replacement replacementOf(const std::string& text, const cvre_compile_options* options = nullptr) {
+    cvre_replacement* made = nullptr;
+    EXPECT_EQ(CVRE_OK, cvre_replacement_compile(utf8(text), options, &made)) << cvre_last_message();
+    return Replacement(made);
+}
+std::string taken(cvre_buffer& buffer) {
+    EXPECT_NE(nullptr, buffer.data);
+    const std::string text(static_cast<const char*>(buffer.data), buffer.bytes);
+    EXPECT_EQ(0, std::memcmp(static_cast<const char*>(buffer.data) + buffer.bytes, "\0\0\0\0", 4));
+    cvre_free(buffer.data);
+    buffer = {};
+    return text;
+}
+std::string extents(const Matcher& matcher) {
+    std::string all;
+    cvre_status status = CVRE_OK;
+    while ((status = cvre_matcher_next(matcher.get())) == CVRE_OK) {
+        size_t start = 0, length = 0;
+        EXPECT_EQ(CVRE_OK, cvre_matcher_extent(matcher.get(), &start, &length));
+        all += '[' + std::to_string(start) + ',' + std::to_string(length) + ']';
+    }
+    EXPECT_EQ(CVRE_NO_MATCH, status);
+    return all;
+}
+
+TEST(CInterface, FindsWhatTheEngineFinds) {
+    PatternSource source(environmentNumber("CORVANE_TEST_SEED", 19));
+    size_t matches = 0;
+    for (unsigned long round = environmentNumber("CORVANE_TEST_ROUNDS", sanitized() ? 200 : 1500); round > 0; --round) {
+        const DrawnPattern drawn = source.draw(kDynamics);
+        const std::u16string text = source.subject(20);
+        const Engine engine(drawn.text, drawn.flags);
+        const RE_Search_Limits allowed{.steps = 50'000};
+        RE_Match_Range range = engine.tree().find_all(text, 0, allowed);
+        auto options = sized<cvre_compile_options>();
+        options.flags = drawn.flags;
+        options.machine_code = static_cast<cvre_when>(source.below(3));
+        options.inline_threshold = static_cast<int64_t>(source.below(3)) - 1;
+        options.dot_star = static_cast<cvre_switch>(source.below(3));
+        const Pattern pattern = compile(utf16(drawn.text), &options);
+        ASSERT_EQ(engine.tree().getTokenCount(), cvre_pattern_token_count(pattern.get()));
+        ASSERT_EQ(engine.warnings().size(), cvre_pattern_warning_count(pattern.get()));
+        const Matcher matcher = matcherOf(pattern);
+        auto limits = sized<cvre_limits>();
+        limits.steps = allowed.steps;
+        ASSERT_EQ(CVRE_OK, cvre_matcher_use(matcher.get(), utf16(text), CVRE_UNITS, &limits));
+        for (const RE_Results& expected : range) {
+            const cvre_status status = cvre_matcher_next(matcher.get());
+            if (status == CVRE_STEPS_SPENT) {
+                break;
+            }
+            size_t start = 0, length = 0;
+            ASSERT_EQ(CVRE_OK, status) << printable(drawn.text);
+            ASSERT_EQ(CVRE_OK, cvre_matcher_extent(matcher.get(), &start, &length));
+            ASSERT_EQ(expected.matchStart, start) << printable(drawn.text);
+            ASSERT_EQ(expected.matchLength, length) << printable(drawn.text);
+            for (size_t i = 0; i < engine.tree().getTokenCount(); ++i) {
+                const bool tookPart = expected.tookPart(i);
+                ASSERT_EQ(tookPart, cvre_matcher_took_part(matcher.get(), i) != 0);
+                ASSERT_EQ(tookPart ? CVRE_OK : CVRE_ABSENT, cvre_matcher_token(matcher.get(), i, &start, &length));
+                ASSERT_TRUE(!tookPart || start == expected.tokens->slots[i].start);
+            }
+            ++matches;
+        }
+    }
+    EXPECT_GT(matches, 500u / (sanitized() ? 5 : 1));
+}
+
+TEST(CInterface, CountsInWhatIsAskedFor) {
+    const Pattern pattern = compile(utf8("(?<word>\\w)+|\xF0\x9F\x98\x80"));
+    const Matcher matcher = matcherOf(pattern);
+    const std::string text =
+        "\xC3\xA4"
+        "b \xF0\x9F\x98\x80 c";
+    for (const auto& [offsets, expected] : {std::pair{CVRE_BYTES, "[0,3][4,4][9,1]"},
+                                            {CVRE_UNITS, "[0,2][3,2][6,1]"},
+                                            {CVRE_CHARACTERS, "[0,2][3,1][5,1]"}}) {
+        ASSERT_EQ(CVRE_OK, cvre_matcher_use(matcher.get(), utf8(text), offsets, nullptr));
+        EXPECT_EQ(expected, extents(matcher));
+    }
+    cvre_text part{};
+    ASSERT_EQ(CVRE_OK, cvre_matcher_use(matcher.get(), utf8(text), CVRE_BYTES, nullptr));
+    ASSERT_EQ(CVRE_OK, cvre_matcher_find(matcher.get(), 1));
+    ASSERT_EQ(CVRE_OK, cvre_matcher_text(matcher.get(), &part));
+    EXPECT_EQ(
+        "\xC3\xA4"
+        "b",
+        std::string(static_cast<const char*>(part.data), part.bytes))
+        << "the character that holds 1";
+    ASSERT_EQ(CVRE_OK, cvre_matcher_token_named(matcher.get(), cvre_utf8("word"), nullptr, nullptr));
+    ASSERT_EQ(CVRE_OK, cvre_matcher_token_text(matcher.get(), 0, &part));
+    EXPECT_EQ("b", std::string(static_cast<const char*>(part.data), part.bytes));
+    ASSERT_EQ(CVRE_OK, cvre_matcher_find(matcher.get(), 4)) << cvre_last_message();
+    ASSERT_EQ(CVRE_OK, cvre_matcher_find(matcher.get(), 0)) << "back again";
+    ASSERT_EQ(CVRE_OK, cvre_matcher_next(matcher.get()));
+    ASSERT_EQ(CVRE_ABSENT, cvre_matcher_token(matcher.get(), 0, nullptr, nullptr));
+    ASSERT_EQ(CVRE_OK, cvre_matcher_match_at(matcher.get(), 9));
+    ASSERT_EQ(CVRE_NO_MATCH, cvre_matcher_match_at(matcher.get(), 8));
+    ASSERT_EQ(CVRE_NO_MATCH, cvre_matcher_find(matcher.get(), 11));
+    auto report = sized<cvre_report>();
+    ASSERT_EQ(CVRE_OK, cvre_matcher_report(matcher.get(), &report));
+    EXPECT_EQ(text.size(), report.converted_bytes);
+
+    size_t number = 9;
+    ASSERT_EQ(CVRE_OK, cvre_pattern_token_number(pattern.get(), cvre_utf8("word"), &number));
+    EXPECT_EQ(0u, number);
+    ASSERT_EQ(CVRE_OK, cvre_pattern_token_name(pattern.get(), 0, &part));
+    EXPECT_EQ("word", std::string(static_cast<const char*>(part.data), part.bytes));
+
+    cvre_extent* parts = nullptr;
+    ASSERT_EQ(CVRE_OK, cvre_split(pattern.get(), utf8(text), CVRE_BYTES, nullptr, &parts, &number));
+    ASSERT_EQ(4u, number);
+    EXPECT_EQ(8u, parts[2].start);
+    cvre_free(parts);
+}
+
+TEST(CInterface, TellsWhatIsWrongWithAPattern) {
+    auto options = sized<cvre_compile_options>();
+    const Pattern pattern = compile(utf8("\xC3\xA4(b"), &options);
+    ASSERT_EQ(1u, cvre_pattern_warning_count(pattern.get()));
+    auto warning = sized<cvre_warning>();
+    ASSERT_EQ(CVRE_OK, cvre_pattern_warning(pattern.get(), 0, &warning));
+    EXPECT_EQ(5u, warning.number);
+    EXPECT_EQ(2u, warning.position) << "in bytes";
+    EXPECT_STRNE("", warning.sentence);
+    ASSERT_TRUE(warning.has_correction);
+    EXPECT_EQ("\\(", std::string(static_cast<const char*>(warning.correction.data), warning.correction.bytes));
+    EXPECT_EQ(CVRE_BAD_INDEX, cvre_pattern_warning(pattern.get(), 1, &warning));
+    const Replacement replacement = replacementOf("$x");
+    EXPECT_EQ(1u, cvre_replacement_warning_count(replacement.get()));
+    EXPECT_EQ(CVRE_OK, cvre_replacement_warning(replacement.get(), 0, &warning));
+    EXPECT_EQ(21u, warning.number);
+}
+
+TEST(CInterface, LooksInside) {
+    const Pattern pattern = compile(utf8("(a+)+b"));
+    cvre_buffer buffer{};
+    cvre_growth growth = 0;
+    ASSERT_EQ(CVRE_OK, cvre_pattern_growth(pattern.get(), 3, &growth, &buffer));
+    EXPECT_EQ(CVRE_EXPONENTIAL, growth);
+    EXPECT_EQ(0u, taken(buffer).find("aaa"));
+    ASSERT_EQ(CVRE_OK, cvre_pattern_explain(pattern.get(), &buffer));
+    EXPECT_NE("", taken(buffer));
+    ASSERT_EQ(CVRE_OK, cvre_pattern_graph(pattern.get(), &buffer));
+    EXPECT_EQ(0u, taken(buffer).find("digraph regexp {"));
+    EXPECT_GT(cvre_pattern_memory(pattern.get()), 0u);
+    ASSERT_EQ(CVRE_OK, cvre_escape(utf8("a.\xC3\xA4"), &buffer));
+    EXPECT_EQ("a\\.\xC3\xA4", taken(buffer));
+    ASSERT_EQ(CVRE_OK, cvre_wildcard(utf8("a*?"), &buffer));
+    EXPECT_EQ("a.*.", taken(buffer));
+    EXPECT_EQ(CVRE_OK, cvre_pattern_make_automaton(pattern.get()));
+    EXPECT_EQ(CVRE_UNAVAILABLE, cvre_pattern_make_automaton(compile(utf8("(a)\\1")).get()));
+}
+
+TEST(CInterface, EndsSearchesByLimits) {
+    const std::string text(3'000'000, 'x');
+    const Pattern pattern = compile(utf8("(?s)x.*y"));
+    const Matcher matcher = matcherOf(pattern);
+    const auto outcome = [&](const cvre_limits& limits) {
+        EXPECT_EQ(CVRE_OK, cvre_matcher_use(matcher.get(), utf8(text), CVRE_BYTES, &limits));
+        const cvre_status status = cvre_matcher_next(matcher.get());
+        EXPECT_STREQ(cvre_status_text(status), cvre_last_message());
+        EXPECT_EQ(status, cvre_matcher_next(matcher.get())) << "it stays over";
+        auto report = sized<cvre_report>();
+        EXPECT_EQ(CVRE_OK, cvre_matcher_report(matcher.get(), &report));
+        EXPECT_EQ(status, report.outcome);
+        return status;
+    };
+    auto limits = sized<cvre_limits>();
+    limits.steps = 5;
+    EXPECT_EQ(CVRE_STEPS_SPENT, outcome(limits));
+    limits = sized<cvre_limits>();
+    limits.nanoseconds = 1;
+    EXPECT_EQ(CVRE_DEADLINE_PASSED, outcome(limits));
+    cvre_cancel* made = nullptr;
+    ASSERT_EQ(CVRE_OK, cvre_cancel_new(&made));
+    Cancel cancel(made);
+    limits = sized<cvre_limits>();
+    limits.cancel = cancel.get();
+    std::thread([&] { cvre_cancel_request(cancel.get()); }).join();
+    EXPECT_EQ(1, cvre_cancel_requested(cancel.get()));
+    EXPECT_EQ(CVRE_CANCELLED, outcome(limits));
+    limits = sized<cvre_limits>();
+    limits.bytes = 1000;
+    const Matcher fresh = matcherOf(pattern);
+    ASSERT_EQ(CVRE_OK, cvre_matcher_use(fresh.get(), utf8(text), CVRE_BYTES, &limits));
+    EXPECT_EQ(CVRE_MEMORY_FULL, cvre_matcher_next(fresh.get()));
+    cvre_extent* parts = nullptr;
+    size_t count = 1;
+    EXPECT_EQ(CVRE_MEMORY_FULL, cvre_split(pattern.get(), utf8(text), CVRE_BYTES, &limits, &parts, &count));
+    EXPECT_EQ(nullptr, parts);
+    auto options = sized<cvre_replace_options>();
+    options.limits = &limits;
+    cvre_buffer result{};
+    EXPECT_EQ(CVRE_MEMORY_FULL,
+              cvre_replace(pattern.get(), utf8(text), replacementOf("-").get(), &options, &result, nullptr));
+    EXPECT_EQ(text, taken(result)) << "as it was";
+}
+
+TEST(CInterface, SearchesAreInterruptedByTheProcess) {
+    auto options = sized<cvre_compile_options>();
+    options.interruptible = CVRE_ON;
+    auto host = sized<cvre_host>();
+    host.compile = [](void*, const cvre_expression*, void**) -> cvre_host_result { return CVRE_HOST_TRUE; };
+    host.run_script = [](void*, void*, const cvre_text*, size_t) -> cvre_host_result {
+        cvre_interrupt(1);
+        return CVRE_HOST_TRUE;
+    };
+    options.host = &host;
+    options.flags = CVRE_EVALUATE;
+    const Pattern pattern = compile(utf8("(?@stop)(?:x*)*y"), &options);
+    const Matcher matcher = matcherOf(pattern);
+    const std::string text(100'000, 'x');
+    ASSERT_EQ(CVRE_OK, cvre_matcher_use(matcher.get(), utf8(text), CVRE_BYTES, nullptr));
+    EXPECT_EQ(CVRE_INTERRUPTED, cvre_matcher_next(matcher.get()));
+    EXPECT_EQ(1, cvre_interrupt_pending());
+    cvre_interrupt(0);
+    EXPECT_EQ(0, cvre_interrupt_pending());
+}
+
+// --- replacing ---
+
+TEST(CInterface, Replaces) {
+    const Pattern pattern = compile(utf8("(\\w)(\\w*)"));
+    auto options = sized<cvre_replace_options>();
+    cvre_buffer result{};
+    size_t matches = 0;
+    ASSERT_EQ(CVRE_OK, cvre_replace(pattern.get(),
+                                    utf8("ab \xFF"
+                                         "cd"),
+                                    replacementOf("$2$1").get(), &options, &result, &matches));
+    EXPECT_EQ(
+        "ba \xFF"
+        "dc",
+        taken(result));
+    EXPECT_EQ(2u, matches);
+    options.which = 2;
+    options.adjust_case = CVRE_ON;
+    ASSERT_EQ(CVRE_OK,
+              cvre_replace(pattern.get(), utf8("ab CD"), replacementOf("x").get(), &options, &result, nullptr));
+    EXPECT_EQ("ab X", taken(result));
+
+    const auto last = [](void* data, cvre_matcher* match, cvre_output* output) -> cvre_host_result {
+        cvre_text token{};
+        size_t start = 0;
+        EXPECT_EQ(CVRE_OK, cvre_matcher_extent(match, &start, nullptr));
+        EXPECT_EQ(CVRE_BAD_ARGUMENT, cvre_matcher_next(match)) << "a view does not search";
+        cvre_matcher_token_text(match, 1, &token);
+        *static_cast<size_t*>(data) += start;
+        cvre_output_write(output, token);
+        const std::u16string euro = u"\u20AC";
+        cvre_output_write(output, utf16(euro));
+        return start < 6 ? CVRE_HOST_TRUE : CVRE_HOST_FALSE;
+    };
+    size_t sum = 0;
+    ASSERT_EQ(CVRE_OK, cvre_replace_with(pattern.get(), utf8("abc def ghi"), last, &sum, nullptr, &result, nullptr));
+    EXPECT_EQ("bc\xE2\x82\xAC ef\xE2\x82\xAC ghi", taken(result));
+    EXPECT_EQ(12u, sum);
+    const auto fails = [](void*, cvre_matcher*, cvre_output*) -> cvre_host_result {
+        cvre_host_message("out of paper");
+        return CVRE_HOST_ERROR;
+    };
+    EXPECT_EQ(CVRE_HOST_FAILED, cvre_replace_with(pattern.get(), utf8("a"), fails, nullptr, nullptr, &result, nullptr));
+    EXPECT_STREQ("out of paper", cvre_last_message());
+    EXPECT_EQ(nullptr, result.data);
+}
+
+// --- the host's interpreter: an expression is the name of a function and its arguments ---
+
+struct Interpreter {
+    std::atomic<int> compiled{0}, released{0};
+    std::string log;
+};
+
+cvre_host hostOf(Interpreter& interpreter) {
+    auto host = sized<cvre_host>();
+    host.data = &interpreter;
+    host.variable_prefix = "arg";
+    host.compile = [](void* data, const cvre_expression* expression, void** function) -> cvre_host_result {
+        auto& self = *static_cast<Interpreter*>(data);
+        const std::string body(static_cast<const char*>(expression->body.data), expression->body.bytes);
+        if (body == "bad") {
+            cvre_host_message("no such function");
+            return CVRE_HOST_ERROR;
+        }
+        self.log += body + '/' + std::to_string(expression->variable_count) + ';';
+        ++self.compiled;
+        *function = new std::string(body);
+        return CVRE_HOST_TRUE;
+    };
+    host.evaluate_text = [](void*, void* function, const cvre_text* arguments, size_t count,
+                            cvre_output* value) -> cvre_host_result {
+        const auto& body = *static_cast<std::string*>(function);
+        if (body.starts_with("nothing")) {
+            return CVRE_HOST_FALSE;
+        }
+        for (size_t i = 0; i < 2 * count; ++i) {
+            cvre_output_write(value, arguments[i / 2]);
+        }
+        return CVRE_HOST_TRUE;
+    };
+    host.evaluate_condition = [](void*, void*, const cvre_text* arguments, size_t count) -> cvre_host_result {
+        return count == 1 && arguments[0].bytes == 2 ? CVRE_HOST_TRUE : CVRE_HOST_FALSE;
+    };
+    host.release = [](void* data, void* function) {
+        ++static_cast<Interpreter*>(data)->released;
+        delete static_cast<std::string*>(function);
+    };
+    return host;
+}
+
+TEST(CInterface, CallsTheInterpreterOfTheHost) {
+    Interpreter interpreter;
+    cvre_buffer result{};
+    {
+        const cvre_host host = hostOf(interpreter);
+        auto options = sized<cvre_compile_options>();
+        options.flags = CVRE_EVALUATE;
+        options.host = &host;
+        // Twice the token, and no more than a token of two units.
+        const Pattern pattern = compile(utf8("(\\w+?)(??@twice($1))(?(?@two($1))!|\\?)"), &options);
+        EXPECT_EQ(0u, cvre_pattern_warning_count(pattern.get()));
+        const Matcher matcher = matcherOf(pattern);
+        const std::string text = "aaa? ababab! xx";
+        ASSERT_EQ(CVRE_OK, cvre_matcher_use(matcher.get(), utf8(text), CVRE_BYTES, nullptr));
+        EXPECT_EQ("[0,4][5,7]", extents(matcher));
+        EXPECT_EQ("twice(arg1_token_1)/1;two(arg1_token_1)/1;", interpreter.log);
+
+        const Replacement replacement = replacementOf("<${double($1)}>", &options);
+        ASSERT_EQ(CVRE_OK, cvre_replace(pattern.get(), utf8(text), replacement.get(), nullptr, &result, nullptr));
+        EXPECT_EQ("<aa> <abab> xx", taken(result));
+        ASSERT_EQ(CVRE_OK, cvre_pattern_explain(pattern.get(), &result));
+        EXPECT_NE("", taken(result));
+
+        cvre_pattern* made = nullptr;
+        EXPECT_EQ(CVRE_HOST_FAILED, cvre_compile(utf8("(??@bad)"), &options, &made));
+        EXPECT_STREQ("no such function", cvre_last_message());
+        EXPECT_EQ(nullptr, made);
+        const Pattern script = compile(utf8("(?@run)a"), &options);
+        const Matcher other = matcherOf(script);
+        ASSERT_EQ(CVRE_OK, cvre_matcher_use(other.get(), utf8("a"), CVRE_BYTES, nullptr));
+        EXPECT_EQ(CVRE_HOST_FAILED, cvre_matcher_next(other.get())) << "the host runs no scripts";
+        const Pattern without = compile(utf8("(?(?@x)a|b)"));
+        EXPECT_EQ(1u, cvre_pattern_warning_count(without.get())) << "no host: warning 17";
+    }
+    EXPECT_EQ(interpreter.compiled, interpreter.released);
+}
+
+TEST(CInterface, PatternsAreSharedByThreadsAndOutliveTheirHandles) {
+    Pattern pattern = compile(utf8("(\\w+) (\\w+)"));
+    std::vector<std::thread> threads;
+    std::atomic<int> found{0};
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([&found, matcher = matcherOf(pattern)] {
+            const std::string text = "ab cd ef gh";
+            for (int round = 0; round < 200; ++round) {
+                cvre_matcher_use(matcher.get(), utf8(text), CVRE_CHARACTERS, nullptr);
+                while (cvre_matcher_next(matcher.get()) == CVRE_OK) {
+                    ++found;
+                }
+            }
+        });
+    }
+    pattern.reset();
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(1600, found);
+}
+
+TEST(CInterface, WatchesMemory) {
+    static std::atomic<int> blocks{0};
+    auto watch = sized<cvre_memory_watch>();
+    watch.allow = [](void*, size_t bytes) -> int32_t { return bytes < 100'000; };
+    watch.allocated = [](void*) { ++blocks; };
+    watch.freed = [](void*) { --blocks; };
+    ASSERT_EQ(CVRE_OK, cvre_watch_memory(&watch));
+    const int before = blocks;
+    cvre_pattern* made = nullptr;
+    EXPECT_EQ(CVRE_OK, cvre_compile(utf8("a+"), nullptr, &made));
+    EXPECT_GT(blocks, before);
+    const Pattern pattern(made);
+    const Matcher matcher = matcherOf(pattern);
+    const std::string text(1'000'000, '.');
+    EXPECT_EQ(CVRE_OK, cvre_matcher_use(matcher.get(), utf8(text), CVRE_BYTES, nullptr));
+    EXPECT_EQ(CVRE_NO_MEMORY, cvre_matcher_next(matcher.get()));
+    EXPECT_EQ(CVRE_OK, cvre_watch_memory(nullptr));
+    EXPECT_EQ(CVRE_OK, cvre_matcher_use(matcher.get(), utf8("ba"), CVRE_BYTES, nullptr));
+    EXPECT_EQ("[1,1]", extents(matcher)) << "it can be used again";
+}
+
+// --- misuse ---
+
+TEST(CInterface, RefusesNullEverywhere) {
+    const cvre_text text = utf8("a");
+    const Pattern pattern = compile(text);
+    const Matcher matcher = matcherOf(pattern);
+    const Replacement replacement = replacementOf("x");
+    cvre_pattern* noPattern = nullptr;
+    cvre_matcher* noMatcher = nullptr;
+    cvre_replacement* noReplacement = nullptr;
+    cvre_buffer buffer{};
+    cvre_text part{};
+    size_t number = 0;
+    cvre_growth growth = 0;
+    cvre_extent* parts = nullptr;
+    auto warning = sized<cvre_warning>();
+    auto report = sized<cvre_report>();
+    const auto write = [](void*, cvre_matcher*, cvre_output*) -> cvre_host_result { return CVRE_HOST_TRUE; };
+    const cvre_status refused[] = {
+        cvre_compile(text, nullptr, nullptr),
+        cvre_pattern_warning(nullptr, 0, &warning),
+        cvre_pattern_token_name(nullptr, 0, &part),
+        cvre_pattern_token_name(pattern.get(), 0, nullptr),
+        cvre_pattern_token_number(nullptr, text, &number),
+        cvre_pattern_token_number(pattern.get(), text, nullptr),
+        cvre_pattern_make_machine_code(nullptr),
+        cvre_pattern_make_automaton(nullptr),
+        cvre_pattern_growth(nullptr, 1, &growth, &buffer),
+        cvre_pattern_growth(pattern.get(), 1, nullptr, &buffer),
+        cvre_pattern_explain(nullptr, &buffer),
+        cvre_pattern_explain(pattern.get(), nullptr),
+        cvre_pattern_graph(nullptr, &buffer),
+        cvre_pattern_graph(pattern.get(), nullptr),
+        cvre_cancel_new(nullptr),
+        cvre_cancel_request(nullptr),
+        cvre_matcher_new(nullptr, &noMatcher),
+        cvre_matcher_new(pattern.get(), nullptr),
+        cvre_matcher_use(nullptr, text, CVRE_BYTES, nullptr),
+        cvre_matcher_use(matcher.get(), {nullptr, 1, CVRE_UTF8}, CVRE_BYTES, nullptr),
+        cvre_matcher_next(nullptr),
+        cvre_matcher_next(matcher.get()),
+        cvre_matcher_find(nullptr, 0),
+        cvre_matcher_find(matcher.get(), 0),
+        cvre_matcher_match_at(nullptr, 0),
+        cvre_matcher_match_at(matcher.get(), 0),
+        cvre_matcher_extent(nullptr, &number, &number),
+        cvre_matcher_token(nullptr, 0, &number, &number),
+        cvre_matcher_token_named(nullptr, text, &number, &number),
+        cvre_matcher_text(nullptr, &part),
+        cvre_matcher_text(matcher.get(), nullptr),
+        cvre_matcher_token_text(nullptr, 0, &part),
+        cvre_matcher_report(nullptr, &report),
+        cvre_matcher_report(matcher.get(), &report),
+        cvre_split(nullptr, text, CVRE_BYTES, nullptr, &parts, &number),
+        cvre_split(pattern.get(), text, CVRE_BYTES, nullptr, nullptr, &number),
+        cvre_split(pattern.get(), text, CVRE_BYTES, nullptr, &parts, nullptr),
+        cvre_replacement_compile(text, nullptr, nullptr),
+        cvre_replacement_warning(nullptr, 0, &warning),
+        cvre_replace(nullptr, text, replacement.get(), nullptr, &buffer, nullptr),
+        cvre_replace(pattern.get(), text, nullptr, nullptr, &buffer, nullptr),
+        cvre_replace(pattern.get(), text, replacement.get(), nullptr, nullptr, nullptr),
+        cvre_replace_with(nullptr, text, write, nullptr, nullptr, &buffer, nullptr),
+        cvre_replace_with(pattern.get(), text, nullptr, nullptr, nullptr, &buffer, nullptr),
+        cvre_replace_with(pattern.get(), text, write, nullptr, nullptr, nullptr, nullptr),
+        cvre_escape(text, nullptr),
+        cvre_wildcard(text, nullptr),
+        cvre_output_write(nullptr, text),
+    };
+    for (size_t i = 0; i < std::size(refused); ++i) {
+        EXPECT_EQ(CVRE_BAD_ARGUMENT, refused[i]) << "call " << i;
+    }
+    EXPECT_EQ(0u, cvre_pattern_warning_count(nullptr) + cvre_pattern_token_count(nullptr) +
+                      cvre_pattern_memory(nullptr) + cvre_replacement_warning_count(nullptr));
+    EXPECT_EQ(0, cvre_cancel_requested(nullptr) + cvre_matcher_took_part(nullptr, 0) +
+                     cvre_matcher_took_part(matcher.get(), 9));
+    EXPECT_EQ(0u, cvre_utf8(nullptr).bytes);
+    cvre_pattern_free(noPattern);
+    cvre_matcher_free(noMatcher);
+    cvre_replacement_free(noReplacement);
+    cvre_cancel_free(nullptr);
+    cvre_free(nullptr);
+    cvre_host_message(nullptr);
+    EXPECT_EQ(CVRE_NO_CURRENT_MATCH, cvre_matcher_extent(matcher.get(), &number, &number));
+    EXPECT_STRNE("", cvre_last_message());
+    EXPECT_STREQ("an unknown status", cvre_status_text(-1));
+    EXPECT_NE(nullptr, std::strchr(cvre_version(), '.'));
+}
+
+TEST(CInterface, RefusesBadSizesAndValues) {
+    const cvre_text text = utf8("a");
+    cvre_pattern* made = nullptr;
+    auto options = sized<cvre_compile_options>();
+    const auto with = [&](auto change) {
+        auto changed = sized<cvre_compile_options>();
+        change(changed);
+        made = reinterpret_cast<cvre_pattern*>(&options);
+        const cvre_status status = cvre_compile(text, &changed, &made);
+        EXPECT_EQ(nullptr, made);
+        return status;
+    };
+    EXPECT_EQ(CVRE_BAD_SIZE, with([](auto& o) { o.size = 0; }));
+    EXPECT_EQ(CVRE_BAD_SIZE, with([](auto& o) { o.size = 100'000; }));
+    EXPECT_EQ(CVRE_BAD_ARGUMENT, with([](auto& o) { o.flags = 0x80; }));
+    EXPECT_EQ(CVRE_BAD_ARGUMENT, with([](auto& o) { o.offsets = 7; }));
+    EXPECT_EQ(CVRE_BAD_ARGUMENT, with([](auto& o) { o.machine_code = 3; }));
+    EXPECT_EQ(CVRE_BAD_ARGUMENT, with([](auto& o) { o.null_nodes = -1; }));
+    EXPECT_EQ(CVRE_BAD_ARGUMENT, with([](auto& o) { o.inline_threshold = -2; }));
+    EXPECT_EQ(CVRE_BAD_ARGUMENT, cvre_compile({"a", 1, 9}, nullptr, &made));
+    EXPECT_EQ(CVRE_BAD_SIZE, cvre_compile({"abc", 3, CVRE_UTF16}, nullptr, &made));
+    EXPECT_EQ(CVRE_BAD_SIZE, cvre_compile({"abc", SIZE_MAX, CVRE_UTF8}, nullptr, &made));
+
+    // Of a later version of the header: what it adds must not be used. Of an earlier one: what it lacks is zero.
+    struct {
+        cvre_limits known;
+        uint64_t added;
+    } later{sized<cvre_limits>(), 0};
+    later.known.size = sizeof later;
+    const Pattern pattern = compile(text);
+    const Matcher matcher = matcherOf(pattern);
+    EXPECT_EQ(CVRE_OK, cvre_matcher_use(matcher.get(), text, CVRE_BYTES, &later.known));
+    later.added = 1;
+    EXPECT_EQ(CVRE_BAD_SIZE, cvre_matcher_use(matcher.get(), text, CVRE_BYTES, &later.known));
+    later.known.size = offsetof(cvre_limits, nanoseconds);
+    later.known.nanoseconds = 1;
+    EXPECT_EQ(CVRE_OK, cvre_matcher_use(matcher.get(), text, CVRE_BYTES, &later.known));
+    EXPECT_EQ(CVRE_OK, cvre_matcher_next(matcher.get())) << "a deadline that an earlier version does not have";
+    size_t number = 0;
+    cvre_text part{};
+    EXPECT_EQ(CVRE_BAD_INDEX, cvre_matcher_token(matcher.get(), 0, &number, &number));
+    EXPECT_EQ(CVRE_BAD_INDEX, cvre_matcher_token_text(matcher.get(), SIZE_MAX, &part));
+    EXPECT_EQ(CVRE_BAD_INDEX, cvre_pattern_token_name(pattern.get(), 0, &part));
+    EXPECT_EQ(CVRE_BAD_ARGUMENT, cvre_matcher_use(matcher.get(), text, 5, nullptr));
+    cvre_warning small{};
+    small.size = 3;
+    const Pattern wrong = compile(utf8("("));
+    EXPECT_EQ(CVRE_BAD_SIZE, cvre_pattern_warning(wrong.get(), 0, &small));
+    cvre_memory_watch none{};
+    EXPECT_EQ(CVRE_BAD_SIZE, cvre_watch_memory(&none));
+    auto replacing = sized<cvre_replace_options>();
+    replacing.adjust_case = 3;
+    cvre_buffer buffer{};
+    EXPECT_EQ(CVRE_BAD_ARGUMENT,
+              cvre_replace(pattern.get(), text, replacementOf("x").get(), &replacing, &buffer, nullptr));
+}
+
+}  // namespace
+}  // namespace corvane_tests
