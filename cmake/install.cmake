@@ -34,7 +34,7 @@ install(SCRIPT cmake/install_headers.cmake)
 install(EXPORT corvane_regexp-targets NAMESPACE corvane:: DESTINATION ${corvane_package_dir})
 configure_package_config_file(cmake/corvane_regexp-config.cmake.in corvane_regexp-config.cmake
     INSTALL_DESTINATION ${corvane_package_dir})
-write_basic_package_version_file(corvane_regexp-config-version.cmake COMPATIBILITY SameMinorVersion)
+write_basic_package_version_file(corvane_regexp-config-version.cmake COMPATIBILITY ${corvane_compatibility})
 install(FILES
     ${CMAKE_CURRENT_BINARY_DIR}/corvane_regexp-config.cmake
     ${CMAKE_CURRENT_BINARY_DIR}/corvane_regexp-config-version.cmake

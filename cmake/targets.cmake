@@ -16,7 +16,7 @@ if(CORVANE_DEFAULT_HOST)
     target_include_directories(corvane_host PUBLIC ${corvane_includes})
     target_link_libraries(corvane_host PRIVATE ICU::uc)
     set_target_properties(corvane_host PROPERTIES
-        EXPORT_NAME host VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+        EXPORT_NAME host VERSION ${PROJECT_VERSION} SOVERSION ${corvane_abi_version})
 endif()
 
 # The engine is compiled once. The shared library and the tests link the same objects, so that tests can reach
@@ -51,10 +51,12 @@ add_library(corvane::regexp ALIAS corvane_regexp)
 corvane_compile_rules(corvane_regexp)
 target_include_directories(corvane_regexp PUBLIC ${corvane_includes})
 target_link_libraries(corvane_regexp PUBLIC Boost::headers Boost::program_options PRIVATE hwy::hwy)
-target_link_options(corvane_regexp PRIVATE -Wl,-Bsymbolic-functions)
+target_link_options(corvane_regexp PRIVATE -Wl,-Bsymbolic-functions
+    -Wl,--version-script=${PROJECT_SOURCE_DIR}/cmake/exports.map)
+set_target_properties(corvane_regexp PROPERTIES LINK_DEPENDS ${PROJECT_SOURCE_DIR}/cmake/exports.map)
 set_target_properties(corvane_regexp PROPERTIES
     LINKER_LANGUAGE CXX
-    EXPORT_NAME regexp VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+    EXPORT_NAME regexp VERSION ${PROJECT_VERSION} SOVERSION ${corvane_abi_version})
 
 # Without the default host the platform functions stay undefined here and the application supplies them.
 if(CORVANE_DEFAULT_HOST)

@@ -5,6 +5,8 @@
 // Two searches of one tree must agree in their steps as well: whatever a call leaves in the state would show
 // there.
 #include "fuzz/targets.h"
+#include "regexp/base/search_limits.h"
+#include "regexp/options/compile_options.h"
 
 #include <memory>
 #include <optional>

@@ -7,6 +7,7 @@
 //     rest     texts, separated by the byte 0x01; ASCII stands for itself, bytes from 0x80 on for rarer units
 #pragma once
 
+#include "regexp/base/search_limits.h"
 #include "tests/support/engine_run.h"
 
 #include <cstdint>

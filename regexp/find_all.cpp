@@ -1,6 +1,7 @@
 // Walks from match to match, and what follows from such a walk: splitting, matching at one place, texts of tokens.
 #include "regexp/find_all.h"
 
+#include "regexp/base/search_limits.h"
 #include "regexp/search/search.h"
 #include "regexp/search/thread_state.h"
 

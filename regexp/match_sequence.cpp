@@ -2,39 +2,92 @@
 // earlier one has allocated.
 #include "regexp/match_sequence.h"
 
+#include "regexp/base/memory_account.h"
+#include "regexp/base/search_limits.h"
 #include "regexp/base/within_size.h"
 #include "regexp/search/machine_search.h"
 #include "regexp/search/search.h"
+#include "regexp/seek/seek_table.h"
+#include "regexp/state/earlier_interrupt.h"
+#include "regexp/state/search_info.h"
 #include "regexp/tree.h"
 
 #include <algorithm>
 #include <new>
+#include <optional>
 
-namespace {
-
-/// Hands a request to stop back that came before the search, however that ends.
-class Interrupt_Aside {
+/// All that a sequence keeps, as one block of memory.
+class RE_Match_Sequence::Run : public RE_Memory {
 public:
-    explicit Interrupt_Aside(RE_Search_Info& search) : info(search) { info.putInterruptAside(); }
-    ~Interrupt_Aside() { info.handInterruptBack(); }
-    Interrupt_Aside(const Interrupt_Aside&) = delete;
-    Interrupt_Aside& operator=(const Interrupt_Aside&) = delete;
+    Run(const RE_Tree& pattern, std::u16string_view subject, const RE_Search_Limits* searchLimits);
+
+    void use(std::u16string_view subject);
+    RE_Results* find(std::size_t offset, std::size_t latestStart);
+    RE_Results* releaseMatch();
+    RE_Search_Report report() const;
 
 private:
-    RE_Search_Info& info;
+    RE_Search_Info freshState(std::u16string_view subject);
+    RE_Search_Outcome outcome() const;
+    void turnTo(std::u16string_view subject);
+    void turnWithin(std::u16string_view subject);
+    RE_Results* searchWithin(std::size_t offset, std::size_t latestStart);
+    RE_Results* search(std::size_t offset, std::size_t latestStart);
+    RE_Results* searchByCode(std::size_t offset, std::size_t latestStart);
+    /// Makes ready for a search from `offset` on, after those that were before.
+    void goOn(std::size_t offset);
+    bool isEndedFromOutside();
+    RE_Results* see(std::size_t length);
+    void getReady();
+    RE_Results* makeView(std::size_t length);
+
+    const RE_Tree& tree;
+    RE_Memory_Account account;
+    RE_Seek_Table table;
+    RE_Search_Info info;
+    RE_Search_Limits limits;
+    bool isLimited;
+    bool clockWasRead = false;  ///< since the subject is this one
+    bool memoryFull = false;
+    bool prepared = false;                  ///< for the pattern
+    bool found = false;                     ///< the last search found a match, which was not released
+    bool seen = false;                      ///< a match in the subject; the last one is in the view
+    bool mayRunCode = false;                ///< machine code is all that a search needs
+    const RE_Machine_Code* code = nullptr;  ///< the pattern's, once it has some
+    std::optional<RE_Results> view;
 };
 
-}  // namespace
+RE_Match_Sequence::RE_Match_Sequence(const RE_Tree& pattern, std::u16string_view subject,
+                                     const RE_Search_Limits* searchLimits)
+    : run(std::make_unique<Run>(pattern, subject, searchLimits)) {}
+
+RE_Match_Sequence::~RE_Match_Sequence() = default;
+
+void RE_Match_Sequence::use(std::u16string_view subject) {
+    run->use(subject);
+}
+
+RE_Results* RE_Match_Sequence::find(std::size_t offset, std::size_t latestStart) {
+    return run->find(offset, latestStart);
+}
+
+RE_Results* RE_Match_Sequence::releaseMatch() {
+    return run->releaseMatch();
+}
+
+RE_Search_Report RE_Match_Sequence::report() const {
+    return run->report();
+}
 
 // The state is told of interrupts only while a search runs: a request that comes between two searches is for
 // the caller to see.
-RE_Match_Sequence::RE_Match_Sequence(const RE_Tree& pattern, std::u16string_view subject,
-                                     const RE_Search_Limits* searchLimits)
+RE_Match_Sequence::Run::Run(const RE_Tree& pattern, std::u16string_view subject,
+                            const RE_Search_Limits* searchLimits)
     : tree(pattern), info(freshState(subject)), isLimited(searchLimits != nullptr) {
     if (info.tokens == nullptr) {
         throw std::bad_alloc();
     }
-    info.checkInterrupts = tree.interruptible;
+    info.checkInterrupts = tree.isInterruptible();
     if (searchLimits != nullptr) {
         account.setCeiling(searchLimits->bytes);
         info.meter.setBudget(searchLimits->steps);
@@ -43,24 +96,24 @@ RE_Match_Sequence::RE_Match_Sequence(const RE_Tree& pattern, std::u16string_view
     }
 }
 
-RE_Search_Info RE_Match_Sequence::freshState(std::u16string_view subject) {
+RE_Search_Info RE_Match_Sequence::Run::freshState(std::u16string_view subject) {
     const RE_Memory_Account::Scope scope(account);
     return RE_Search_Info(subject.data() != nullptr ? subject.data() : u"", subject.size(),
-                          withinSize(tree.tokenCount), &table, false);
+                          withinSize(tree.getTokenCount()), &table, false);
 }
 
 // What is done once, or with limits only, stands by itself: the rest is short then.
-void RE_Match_Sequence::use(std::u16string_view subject) {
+void RE_Match_Sequence::Run::use(std::u16string_view subject) {
     isLimited ? turnWithin(subject) : turnTo(subject);
 }
 
 // What the searches before hold is given back to the account that it was taken from.
-[[gnu::noinline]] void RE_Match_Sequence::turnWithin(std::u16string_view subject) {
+[[gnu::noinline]] void RE_Match_Sequence::Run::turnWithin(std::u16string_view subject) {
     const RE_Memory_Account::Scope scope(account);
     turnTo(subject);
 }
 
-void RE_Match_Sequence::turnTo(std::u16string_view subject) {
+void RE_Match_Sequence::Run::turnTo(std::u16string_view subject) {
     const char16_t* const begin = subject.data() != nullptr ? subject.data() : u"";
     if (view) {
         view->subjectBegin = begin;
@@ -68,14 +121,14 @@ void RE_Match_Sequence::turnTo(std::u16string_view subject) {
     }
     seen = found = memoryFull = clockWasRead = false;
     table.clear();
-    info.useSubject(begin, subject.size(), withinSize(tree.tokenCount));
+    info.useSubject(begin, subject.size(), withinSize(tree.getTokenCount()));
     if (info.tokens == nullptr) {
         throw std::bad_alloc();
     }
 }
 
 // A search that was broken off leaves states in the memo that it was still exploring: none may follow.
-RE_Results* RE_Match_Sequence::find(std::size_t offset, std::size_t latestStart) {
+RE_Results* RE_Match_Sequence::Run::find(std::size_t offset, std::size_t latestStart) {
     found = false;
     if (info.tokens == nullptr || info.wasInterrupted()) {
         return nullptr;  // they were released, or the sequence is over
@@ -86,7 +139,8 @@ RE_Results* RE_Match_Sequence::find(std::size_t offset, std::size_t latestStart)
     return isLimited ? searchWithin(offset, latestStart) : search(offset, latestStart);
 }
 
-[[gnu::noinline]] RE_Results* RE_Match_Sequence::searchWithin(std::size_t offset, std::size_t latestStart) {
+[[gnu::noinline]] RE_Results* RE_Match_Sequence::Run::searchWithin(std::size_t offset,
+                                                                   std::size_t latestStart) {
     const RE_Memory_Account::Scope scope(account);
     try {
         memoryFull = memoryFull || account.isOver();
@@ -99,13 +153,13 @@ RE_Results* RE_Match_Sequence::find(std::size_t offset, std::size_t latestStart)
 
 // Short searches are over before they poll. The clock takes as long to read as some of them take, so it is read for the
 // first one only; those after it reach a checkpoint together.
-bool RE_Match_Sequence::isEndedFromOutside() {
+bool RE_Match_Sequence::Run::isEndedFromOutside() {
     const bool asks = limits.stop.stop_requested() || !clockWasRead;
     clockWasRead = true;
     return asks && info.pollLimits();
 }
 
-void RE_Match_Sequence::goOn(std::size_t offset) {
+void RE_Match_Sequence::Run::goOn(std::size_t offset) {
     if (seen) {
         info.searchAgain(offset, view->matchStart + view->matchLength);
     } else if (!prepared) {
@@ -113,13 +167,13 @@ void RE_Match_Sequence::goOn(std::size_t offset) {
     }
 }
 
-[[gnu::noinline]] void RE_Match_Sequence::getReady() {
-    makeReady(info, *tree.facts, !isLimited);
-    prepared = tree.facts->profiler == nullptr;  // each search counts for itself
+[[gnu::noinline]] void RE_Match_Sequence::Run::getReady() {
+    makeReady(info, tree.getFacts(), !isLimited);
+    prepared = tree.getFacts().profiler == nullptr;  // each search counts for itself
     mayRunCode = !isLimited && !info.checkInterrupts && prepared;
 }
 
-RE_Results* RE_Match_Sequence::see(std::size_t length) {
+RE_Results* RE_Match_Sequence::Run::see(std::size_t length) {
     found = seen = true;
     if (!view) {
         return makeView(length);
@@ -129,27 +183,27 @@ RE_Results* RE_Match_Sequence::see(std::size_t length) {
     return &*view;
 }
 
-[[gnu::noinline]] RE_Results* RE_Match_Sequence::makeView(std::size_t length) {
+[[gnu::noinline]] RE_Results* RE_Match_Sequence::Run::makeView(std::size_t length) {
     return &view.emplace(&info, info.matchStart, length, false);
 }
 
-RE_Results* RE_Match_Sequence::search(std::size_t offset, std::size_t latestStart) {
-    if (tree.root == nullptr) {
+RE_Results* RE_Match_Sequence::Run::search(std::size_t offset, std::size_t latestStart) {
+    if (tree.getRoot() == nullptr) {
         return nullptr;
     }
     goOn(offset);
-    const Interrupt_Aside aside(info);
+    const RE_Earlier_Interrupt aside(info.checkInterrupts);
     std::size_t length = 0;
-    found = findMatch(*tree.facts, info, offset, length, latestStart) && !info.pollInterrupt();
+    found = findMatch(tree.getFacts(), info, offset, length, latestStart) && !info.pollInterrupt();
     if (mayRunCode) {
-        code = tree.facts->speedUps.machineCode.get();
+        code = tree.getFacts().speedUps.machineCode.get();
     }
     return found ? see(length) : nullptr;
 }
 
 // Nobody can break it off.
-inline RE_Results* RE_Match_Sequence::searchByCode(std::size_t offset, std::size_t latestStart) {
-    const RE_Graph_Facts& facts = *tree.facts;
+inline RE_Results* RE_Match_Sequence::Run::searchByCode(std::size_t offset, std::size_t latestStart) {
+    const RE_Graph_Facts& facts = tree.getFacts();
     const std::size_t size = info.subjectLength();
     if (facts.minimumLength > size - offset || latestStart < offset) {
         return nullptr;
@@ -162,7 +216,7 @@ inline RE_Results* RE_Match_Sequence::searchByCode(std::size_t offset, std::size
     return matched ? see(length) : nullptr;
 }
 
-RE_Results* RE_Match_Sequence::releaseMatch() {
+RE_Results* RE_Match_Sequence::Run::releaseMatch() {
     if (!found || outcome() != RE_Search_Outcome::matched) {
         return nullptr;
     }
@@ -175,7 +229,7 @@ RE_Results* RE_Match_Sequence::releaseMatch() {
     return match;
 }
 
-RE_Search_Outcome RE_Match_Sequence::outcome() const {
+RE_Search_Outcome RE_Match_Sequence::Run::outcome() const {
     if (memoryFull) {
         return RE_Search_Outcome::memoryFull;
     }
@@ -183,6 +237,6 @@ RE_Search_Outcome RE_Match_Sequence::outcome() const {
     return complete && seen ? RE_Search_Outcome::matched : info.stopReason();
 }
 
-RE_Search_Report RE_Match_Sequence::report() const {
+RE_Search_Report RE_Match_Sequence::Run::report() const {
     return {outcome(), info.meter.taken(), account.peak()};
 }

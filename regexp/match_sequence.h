@@ -1,18 +1,16 @@
 // Many searches of one subject with one pattern, on one search state and one seek table.
 #pragma once
 
-#include "regexp/base/memory_account.h"
-#include "regexp/base/search_limits.h"
-#include "regexp/seek/seek_table.h"
+#include "regexp/base/memory.h"
+#include "regexp/base/search_report.h"
 #include "regexp/state/results.h"
-#include "regexp/state/search_info.h"
 
 #include <cstddef>
-#include <optional>
+#include <memory>
 #include <string_view>
 
-class RE_Machine_Code;
 class RE_Tree;
+struct RE_Search_Limits;
 
 /// Each `find` answers as `RE_Tree::match` does, but allocates only what the searches before it have not
 /// allocated. Tree and subject must outlive the sequence.
@@ -22,6 +20,9 @@ public:
     /// (null: none) hold for all searches together; the state to begin with is allowed for.
     RE_Match_Sequence(const RE_Tree& pattern, std::u16string_view subject,
                       const RE_Search_Limits* searchLimits = nullptr);
+    ~RE_Match_Sequence();
+    RE_Match_Sequence(const RE_Match_Sequence&) = delete;
+    RE_Match_Sequence& operator=(const RE_Match_Sequence&) = delete;
 
     /// Goes on with another subject, as a sequence made anew would, without giving storage back. Results that
     /// were seen are gone. For many short subjects. Throws when there is no memory for the tokens of a match
@@ -39,35 +40,10 @@ public:
     /// How the searches ended: `matched` when there was a match and nothing broke them off.
     RE_Search_Report report() const;
     /// Whether the host broke the last search off.
-    bool wasInterrupted() const { return outcome() == RE_Search_Outcome::interrupted; }
+    bool wasInterrupted() const { return report().outcome == RE_Search_Outcome::interrupted; }
 
 private:
-    RE_Search_Info freshState(std::u16string_view subject);
-    RE_Search_Outcome outcome() const;
-    void turnTo(std::u16string_view subject);
-    void turnWithin(std::u16string_view subject);
-    RE_Results* searchWithin(std::size_t offset, std::size_t latestStart);
-    RE_Results* search(std::size_t offset, std::size_t latestStart);
-    RE_Results* searchByCode(std::size_t offset, std::size_t latestStart);
-    /// Makes ready for a search from `offset` on, after those that were before.
-    void goOn(std::size_t offset);
-    bool isEndedFromOutside();
-    RE_Results* see(std::size_t length);
-    void getReady();
-    RE_Results* makeView(std::size_t length);
+    class Run;
 
-    const RE_Tree& tree;
-    RE_Memory_Account account;
-    RE_Seek_Table table;
-    RE_Search_Info info;
-    RE_Search_Limits limits;
-    bool isLimited;
-    bool clockWasRead = false;  ///< since the subject is this one
-    bool memoryFull = false;
-    bool prepared = false;                  ///< for the pattern
-    bool found = false;                     ///< the last search found a match, which was not released
-    bool seen = false;                      ///< a match in the subject; the last one is in the view
-    bool mayRunCode = false;                ///< machine code is all that a search needs
-    const RE_Machine_Code* code = nullptr;  ///< the pattern's, once it has some
-    std::optional<RE_Results> view;
+    std::unique_ptr<Run> run;
 };

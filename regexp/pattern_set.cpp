@@ -9,44 +9,103 @@
 #include "host/interrupt.h"
 #include "regexp/graph/graph_facts.h"
 #include "regexp/search/search.h"
+#include "regexp/search/start_table.h"
 #include "regexp/search/thread_state.h"
+#include "regexp/seek/seek_table.h"
+#include "regexp/state/earlier_interrupt.h"
+#include "regexp/state/results.h"
 #include "regexp/tree.h"
 
 #include <algorithm>
 #include <new>
+#include <vector>
 
-namespace {
-
-/// Hands a request to stop back that came before the call.
-class Earlier_Interrupt {
+/// All that a set keeps.
+class RE_Pattern_Set::Work : public RE_Memory {
 public:
-    explicit Earlier_Interrupt(bool watches) : wasPending(watches && utInterruptState::IsInterruptPending()) {
-        if (wasPending) {
-            utInterruptState::SetInterruptPending(false);
-        }
-    }
-    ~Earlier_Interrupt() {
-        if (wasPending) {
-            utInterruptState::SetInterruptPending(true);
-        }
-    }
-    Earlier_Interrupt(const Earlier_Interrupt&) = delete;
-    Earlier_Interrupt& operator=(const Earlier_Interrupt&) = delete;
+    std::size_t add(const RE_Tree& pattern);
+    std::size_t size() const { return members.size(); }
+    void reserve(std::size_t patterns) { members.reserve(patterns); }
+    void use(std::u16string_view text);
+    std::optional<Found> find(std::size_t offset, std::size_t latestStart);
+    bool wasInterrupted() const { return interrupted; }
 
 private:
-    bool wasPending;
+    /// Of a pattern: at or after the offset no match starts before `start`. If it is known, one starts there.
+    struct Next {
+        std::size_t start = 0;
+        std::size_t pattern = 0;
+        bool isKnown = false;
+
+        bool isBefore(const Next& other) const {
+            return start != other.start ? start < other.start : pattern < other.pattern;
+        }
+    };
+    struct Member {
+        const RE_Tree* tree;
+        RE_Seek_Table seeks{};
+        std::size_t length = 0;                                          ///< of the next match
+        std::vector<RE_TokenInfo, RE_Allocator<RE_TokenInfo>> tokens{};  ///< in effect in it
+        /// Units to search through when no other pattern has a match before. Grows where there was nothing.
+        std::size_t window = leastWindow;
+    };
+    static constexpr std::size_t leastWindow = 1024;
+    static constexpr std::size_t stretchUnits = 256;
+
+    void forget(bool answersOfHostOnly);
+    void orderQueue();
+    void changeFirst(std::size_t start, bool isKnown);
+    void survey(std::size_t from);
+    bool searchWithFirst(std::size_t from, std::size_t latest);
+    Found show(const Next& match);
+
+    /// A heap of the patterns: that with the least start comes first, of equal ones that which was added first.
+    std::vector<Next, RE_Allocator<Next>> queue;
+    std::vector<Member, RE_Allocator<Member>> members;
+    RE_Start_Table starts;
+    std::u16string_view subject = u"";
+    std::size_t lastOffset = 0;
+    std::size_t stretchBegin = 0;  ///< of what was surveyed
+    std::size_t stretchEnd = 0;    ///< past the end of the text where the stretch reaches up to it
+    std::optional<RE_Results> view;
+    RE_Token_Stack viewTokens;
+    bool callsHost = false;        ///< one of the patterns does
+    bool isInterruptible = false;  ///< one of them is
+    bool interrupted = false;
 };
 
-}  // namespace
+RE_Pattern_Set::RE_Pattern_Set() : work(std::make_unique<Work>()) {}
 
-RE_Pattern_Set::RE_Pattern_Set(std::span<const RE_Tree* const> patterns) {
-    members.reserve(patterns.size());
+RE_Pattern_Set::RE_Pattern_Set(std::span<const RE_Tree* const> patterns) : RE_Pattern_Set() {
+    work->reserve(patterns.size());
     for (const RE_Tree* pattern : patterns) {
-        add(*pattern);
+        work->add(*pattern);
     }
 }
 
+RE_Pattern_Set::~RE_Pattern_Set() = default;
+
 std::size_t RE_Pattern_Set::add(const RE_Tree& pattern) {
+    return work->add(pattern);
+}
+
+std::size_t RE_Pattern_Set::size() const {
+    return work->size();
+}
+
+void RE_Pattern_Set::use(std::u16string_view text) {
+    work->use(text);
+}
+
+std::optional<RE_Pattern_Set::Found> RE_Pattern_Set::find(std::size_t offset, std::size_t latestStart) {
+    return work->find(offset, latestStart);
+}
+
+bool RE_Pattern_Set::wasInterrupted() const {
+    return work->wasInterrupted();
+}
+
+std::size_t RE_Pattern_Set::Work::add(const RE_Tree& pattern) {
     const std::size_t number = members.size();
     const bool isEmpty = pattern.getRoot() == nullptr;
     members.push_back({&pattern});
@@ -65,7 +124,7 @@ std::size_t RE_Pattern_Set::add(const RE_Tree& pattern) {
     return number;
 }
 
-void RE_Pattern_Set::use(std::u16string_view text) {
+void RE_Pattern_Set::Work::use(std::u16string_view text) {
     subject = text.data() != nullptr ? text : std::u16string_view(u"");
     for (Member& member : members) {
         member.seeks.clear();
@@ -75,7 +134,7 @@ void RE_Pattern_Set::use(std::u16string_view text) {
     stretchBegin = stretchEnd = 0;
 }
 
-void RE_Pattern_Set::forget(bool answersOfHostOnly) {
+void RE_Pattern_Set::Work::forget(bool answersOfHostOnly) {
     for (Next& each : queue) {
         const RE_Tree& tree = *members[each.pattern].tree;
         if (!answersOfHostOnly || (tree.getRoot() != nullptr && tree.getFacts().hasDynamicNodes)) {
@@ -86,13 +145,13 @@ void RE_Pattern_Set::forget(bool answersOfHostOnly) {
     lastOffset = answersOfHostOnly ? lastOffset : 0;
 }
 
-void RE_Pattern_Set::orderQueue() {
+void RE_Pattern_Set::Work::orderQueue() {
     std::make_heap(queue.begin(), queue.end(),
                    [](const Next& one, const Next& other) { return other.isBefore(one); });
 }
 
 // One way down in place of the two that popping and pushing would take.
-void RE_Pattern_Set::changeFirst(std::size_t start, bool isKnown) {
+void RE_Pattern_Set::Work::changeFirst(std::size_t start, bool isKnown) {
     const Next changed{start, queue.front().pattern, isKnown};
     std::size_t place = 0;
     for (std::size_t child = 1; child < queue.size(); child = 2 * place + 1) {
@@ -107,7 +166,7 @@ void RE_Pattern_Set::changeFirst(std::size_t start, bool isKnown) {
     queue[place] = changed;
 }
 
-std::optional<RE_Pattern_Set::Found> RE_Pattern_Set::find(std::size_t offset, std::size_t latestStart) {
+std::optional<RE_Pattern_Set::Found> RE_Pattern_Set::Work::find(std::size_t offset, std::size_t latestStart) {
     interrupted = false;
     const std::size_t latest = std::min(latestStart, subject.size());
     if (offset < lastOffset) {
@@ -119,7 +178,7 @@ std::optional<RE_Pattern_Set::Found> RE_Pattern_Set::find(std::size_t offset, st
         return std::nullopt;
     }
     lastOffset = offset;
-    const Earlier_Interrupt aside(isInterruptible);
+    const RE_Earlier_Interrupt aside(isInterruptible);
     for (;;) {
         const Next& first = queue.front();
         const std::size_t from = std::max(first.start, offset);
@@ -140,7 +199,7 @@ std::optional<RE_Pattern_Set::Found> RE_Pattern_Set::find(std::size_t offset, st
 }
 
 // The stretch that is there may have begun before: then it rules out less than it could.
-void RE_Pattern_Set::survey(std::size_t from) {
+void RE_Pattern_Set::Work::survey(std::size_t from) {
     if (stretchBegin <= from && from < stretchEnd) {
         return;
     }
@@ -152,7 +211,7 @@ void RE_Pattern_Set::survey(std::size_t from) {
 
 // Needed is the answer up to the end of the stretch. False when the host asked to stop. A tree that was moved from matches
 // nothing.
-bool RE_Pattern_Set::searchWithFirst(std::size_t from, std::size_t latest) {
+bool RE_Pattern_Set::Work::searchWithFirst(std::size_t from, std::size_t latest) {
     Member& member = members[queue.front().pattern];
     if (member.tree->getRoot() == nullptr) {
         changeFirst(anyStart, false);
@@ -192,7 +251,7 @@ bool RE_Pattern_Set::searchWithFirst(std::size_t from, std::size_t latest) {
     return true;
 }
 
-RE_Pattern_Set::Found RE_Pattern_Set::show(const Next& match) {
+RE_Pattern_Set::Found RE_Pattern_Set::Work::show(const Next& match) {
     const Member& member = members[match.pattern];
     viewTokens.slots.assign(member.tokens.begin(), member.tokens.end());
     viewTokens.count = viewTokens.written = member.tokens.size();

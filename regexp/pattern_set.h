@@ -11,16 +11,14 @@
 #pragma once
 
 #include "regexp/base/memory.h"
-#include "regexp/search/start_table.h"
-#include "regexp/seek/seek_table.h"
-#include "regexp/state/results.h"
 
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string_view>
-#include <vector>
 
+class RE_Results;
 class RE_Tree;
 
 /// Finds what searches with each of the patterns would find together, but remembers where each matches next: a pattern
@@ -35,14 +33,15 @@ public:
     };
     static constexpr std::size_t anyStart = static_cast<std::size_t>(-1);
 
-    RE_Pattern_Set() = default;
+    RE_Pattern_Set();
     explicit RE_Pattern_Set(std::span<const RE_Tree* const> patterns);
+    ~RE_Pattern_Set();
     RE_Pattern_Set(const RE_Pattern_Set&) = delete;
     RE_Pattern_Set& operator=(const RE_Pattern_Set&) = delete;
 
     /// Returns the number of the pattern. Matches that were found before stay found.
     std::size_t add(const RE_Tree& pattern);
-    std::size_t size() const { return members.size(); }
+    std::size_t size() const;
 
     /// Goes on with this text. A text of no length may have a null pointer.
     void use(std::u16string_view text);
@@ -54,48 +53,10 @@ public:
     /// Patterns that call the host are searched with each time, as its answers may change.
     std::optional<Found> find(std::size_t offset, std::size_t latestStart = anyStart);
     /// Whether the host broke the last `find` off.
-    bool wasInterrupted() const { return interrupted; }
+    bool wasInterrupted() const;
 
 private:
-    /// Of a pattern: at or after the offset no match starts before `start`. If it is known, one starts there.
-    struct Next {
-        std::size_t start = 0;
-        std::size_t pattern = 0;
-        bool isKnown = false;
+    class Work;
 
-        bool isBefore(const Next& other) const {
-            return start != other.start ? start < other.start : pattern < other.pattern;
-        }
-    };
-    struct Member {
-        const RE_Tree* tree;
-        RE_Seek_Table seeks{};
-        std::size_t length = 0;                                          ///< of the next match
-        std::vector<RE_TokenInfo, RE_Allocator<RE_TokenInfo>> tokens{};  ///< in effect in it
-        /// Units to search through when no other pattern has a match before. Grows where there was nothing.
-        std::size_t window = leastWindow;
-    };
-    static constexpr std::size_t leastWindow = 1024;
-    static constexpr std::size_t stretchUnits = 256;
-
-    void forget(bool answersOfHostOnly);
-    void orderQueue();
-    void changeFirst(std::size_t start, bool isKnown);
-    void survey(std::size_t from);
-    bool searchWithFirst(std::size_t from, std::size_t latest);
-    Found show(const Next& match);
-
-    /// A heap of the patterns: that with the least start comes first, of equal ones that which was added first.
-    std::vector<Next, RE_Allocator<Next>> queue;
-    std::vector<Member, RE_Allocator<Member>> members;
-    RE_Start_Table starts;
-    std::u16string_view subject = u"";
-    std::size_t lastOffset = 0;
-    std::size_t stretchBegin = 0;  ///< of what was surveyed
-    std::size_t stretchEnd = 0;    ///< past the end of the text where the stretch reaches up to it
-    std::optional<RE_Results> view;
-    RE_Token_Stack viewTokens;
-    bool callsHost = false;        ///< one of the patterns does
-    bool isInterruptible = false;  ///< one of them is
-    bool interrupted = false;
+    std::unique_ptr<Work> work;
 };

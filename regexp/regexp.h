@@ -1,4 +1,9 @@
-// Everything a host application needs.
+// What most applications need: patterns, their matches, replacements, and the host's side of both. Needs the standard
+// library alone.
+//
+// Beside it are limits for searches (regexp/base/search_limits.h), the compile options (regexp/options/compile_options.h,
+// which needs Boost.Program_options), the state of a search for callers of `RE_Tree::match_bool` and for observers
+// (regexp/state/search_info.h), and the export of graphs (regexp/nodes/graph_export.h).
 //
 //     #include "regexp/regexp.h"
 //
@@ -9,7 +14,8 @@
 #pragma once
 
 #include "regexp/base/flags.h"
-#include "regexp/base/search_limits.h"
+#include "regexp/base/search_report.h"
+#include "regexp/base/tuning.h"
 #include "regexp/builder/algebra.h"
 #include "regexp/eval/context.h"
 #include "regexp/eval/evaluation_inputs.h"
@@ -19,7 +25,6 @@
 #include "regexp/eval/warning_text.h"
 #include "regexp/find_all.h"
 #include "regexp/inspect/growth.h"
-#include "regexp/options/compile_options.h"
 #include "regexp/pattern_set.h"
 #include "regexp/replace/replace.h"
 #include "regexp/replace/replace_nodes.h"
@@ -28,7 +33,7 @@
 #include "regexp/simple_match.h"
 #include "regexp/state/profile.h"
 #include "regexp/state/results.h"
-#include "regexp/state/search_info.h"
 #include "regexp/state/token_stack.h"
 #include "regexp/translate/translate.h"
 #include "regexp/tree.h"
+#include "regexp/version.h"

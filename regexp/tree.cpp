@@ -19,6 +19,7 @@
 #include "regexp/parser/parser_context.h"
 #include "regexp/passes/pass_runner.h"
 #include "regexp/program/lower.h"
+#include "regexp/state/profiler.h"
 
 #include <algorithm>
 #include <utility>

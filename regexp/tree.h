@@ -3,18 +3,13 @@
 
 #include "regexp/base/flags.h"
 #include "regexp/base/memory.h"
-#include "regexp/base/search_limits.h"
-#include "regexp/base/tuning.h"
-#include "regexp/eval/context.h"
+#include "regexp/base/search_report.h"
 #include "regexp/graph/stage.h"
-#include "regexp/seek/seek_table.h"
-#include "regexp/state/profile.h"
 #include "regexp/state/results.h"
 
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -23,19 +18,26 @@
 namespace RE_Builder_Space {
 class RE_Builder;
 }
+class RE_Context;
 class RE_Match_Sequence;
 class RE_Match_Range;
 class RE_Node;
 class RE_Observer;
 class RE_Search_Info;
+class RE_Seek_Table;
+struct RE_Graph_Attributes;
 struct RE_Graph_Facts;
+struct RE_Profile;
+struct RE_Search_Limits;
 struct RE_Sub_Pattern_Place;
+struct RE_Tuning;
 
 /// A compiled pattern. Compiling never fails on syntax: problems are reported through `RE_Context::warn` and
 /// degrade to literal text or to nothing.
 ///
-/// Immutable once constructed, but for the pointers by which it becomes faster; any number of threads may search one tree at the same time, each with a seek
-/// table of its own where it passes one. Offsets and lengths count UTF-16 code units.
+/// Immutable once constructed, but for the pointers by which it becomes faster; any number of threads may search one
+/// tree at the same time, each with a seek table of its own where it passes one. Offsets and lengths count UTF-16 code
+/// units.
 ///
 ///     RE_Tree tree(u"a(b+)c", false);
 ///     std::unique_ptr<RE_Results> match(tree.match(u"xxabbc", 6, 0));
@@ -87,7 +89,8 @@ public:
     RE_Results* match(const char* subject, std::size_t offset) const;
     RE_Results* match(const char* subject) const { return match(subject, 0); }
 
-    /// A search that may take so much and no more. The report tells "no match" from "given up".
+    /// A search that may take so much and no more (regexp/base/search_limits.h). The report tells "no match" from "given
+    /// up".
     RE_Results* match(const char16_t* subject, std::size_t length, std::size_t offset,
                       const RE_Search_Limits& limits, RE_Search_Report& report) const;
 
@@ -126,10 +129,10 @@ public:
     /// the same. It takes some tens of microseconds, and memory of the machine, not of the host. False where there is
     /// none to be had, and while another thread makes it.
     bool makeMachineCode();
-    /// Makes an automaton of the pattern, for searches that begin from now on. Attempts that turn back often ask it how they end, so that even the worst patterns
-    /// take a nanosecond or two a unit. Results are the same. False where an automaton cannot say what the
-    /// pattern does (backreferences, conditions, lookaround over more than a unit, atomic groups, dynamic
-    /// expressions) or would be large, and while another thread makes it.
+    /// Makes an automaton of the pattern, for searches that begin from now on. Attempts that turn back often ask it how
+    /// they end, so that even the worst patterns take a nanosecond or two a unit. Results are the same. False where an
+    /// automaton cannot say what the pattern does (backreferences, conditions, lookaround over more than a unit, atomic
+    /// groups, dynamic expressions) or would be large, and while another thread makes it.
     bool makeDfa();
 
     /// Gives back the memory that the calling thread keeps from one search to the next: a state for `match` and
@@ -177,7 +180,6 @@ public:
     const RE_Graph_Facts& getFacts() const { return *facts; }
 
 private:
-    friend class RE_Match_Sequence;
     friend struct RE_Text_Compiler;
 
     /// A sub-pattern that is compiled while its search runs.

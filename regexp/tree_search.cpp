@@ -2,6 +2,7 @@
 #include "regexp/tree.h"
 
 #include "host/code_page.h"
+#include "regexp/base/search_limits.h"
 #include "regexp/base/within_size.h"
 #include "regexp/dfa/dfa.h"
 #include "regexp/graph/graph_facts.h"

@@ -6,6 +6,7 @@
 #include "host/allocation_counter.h"
 #include "host/allocation.h"
 #include "tests/support/differential.h"
+#include "regexp/base/search_limits.h"
 
 #include <gtest/gtest.h>
 #include <memory>

@@ -7,6 +7,7 @@
 #include "tests/support/differential.h"
 #include "tests/support/plain_host.h"
 #include "tests/support/reference_matcher.h"
+#include "regexp/options/compile_options.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>

@@ -4,6 +4,7 @@
 // registers, counts) must not collide although each tree numbers them from the beginning.
 #include "tests/support/differential.h"
 #include "tests/support/pattern_random.h"
+#include "regexp/options/compile_options.h"
 
 #include <gtest/gtest.h>
 

@@ -10,6 +10,7 @@
 
 #include "regexp/dfa/dfa.h"
 #include "regexp/find_all.h"
+#include "regexp/state/search_info.h"
 
 #include <gtest/gtest.h>
 

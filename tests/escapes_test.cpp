@@ -5,6 +5,7 @@
 // texts of up to four units over an alphabet of digits, non-digits and braces are tried.
 #include "tests/support/engine_run.h"
 #include "tests/support/text.h"
+#include "regexp/options/compile_options.h"
 
 #include <gtest/gtest.h>
 #include <optional>

@@ -6,6 +6,7 @@
 #include "host/allocation_counter.h"
 #include "host/interrupt.h"
 #include "regexp/eval/expressions/evaluators.h"
+#include "regexp/options/compile_options.h"
 #include "tests/support/pattern_random.h"
 #include "tests/support/differential.h"
 #include "tests/support/scripted_host.h"

@@ -5,6 +5,7 @@
 #include "regexp/search/observer.h"
 #include "regexp/graph/node.h"
 #include "regexp/regexp.h"
+#include "regexp/state/search_info.h"
 #include "tests/support/case_file.h"
 #include "tests/support/engine_run.h"
 #include "tests/support/pattern_random.h"

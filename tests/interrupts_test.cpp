@@ -5,7 +5,9 @@
 // steps, not of seconds.
 #include "host/interrupt.h"
 #include "host/memory_hook.h"
+#include "regexp/base/search_limits.h"
 #include "regexp/graph/node.h"
+#include "regexp/state/search_info.h"
 #include "tests/support/differential.h"
 
 #include <gtest/gtest.h>

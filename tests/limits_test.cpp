@@ -6,6 +6,8 @@
 #include "host/memory_hook.h"
 #include "tests/support/differential.h"
 #include "tests/support/scripted_host.h"
+#include "regexp/base/search_limits.h"
+#include "regexp/state/search_info.h"
 
 #include <gtest/gtest.h>
 #include <chrono>

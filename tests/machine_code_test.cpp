@@ -6,6 +6,7 @@
 #include "tests/support/differential.h"
 #include "tests/support/pattern_random.h"
 
+#include "regexp/base/search_limits.h"
 #include "regexp/base/tuning.h"
 
 #include <gtest/gtest.h>

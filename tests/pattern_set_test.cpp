@@ -6,6 +6,7 @@
 #include "host/interrupt.h"
 #include "tests/support/differential.h"
 #include "tests/support/scripted_host.h"
+#include "regexp/base/search_limits.h"
 
 #include <gtest/gtest.h>
 #include <algorithm>

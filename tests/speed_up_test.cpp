@@ -6,6 +6,7 @@
 #include "tests/support/pattern_random.h"
 
 #include "host/allocation_counter.h"
+#include "regexp/base/search_limits.h"
 
 #include <gtest/gtest.h>
 #include <linux/filter.h>

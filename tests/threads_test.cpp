@@ -3,6 +3,8 @@
 // The oracle is what each thread finds alone. That catches shared state which changes answers; shared state that does
 // not is caught by TSan, under which these tests run longer (`./dev sanitize`).
 #include "tests/support/scripted_host.h"
+#include "regexp/base/search_limits.h"
+#include "regexp/options/compile_options.h"
 
 #include <gtest/gtest.h>
 #include <chrono>

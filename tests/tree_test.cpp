@@ -7,6 +7,7 @@
 #include "regexp/graph/graph_facts.h"
 #include "regexp/graph/node.h"
 #include "regexp/regexp.h"
+#include "regexp/state/search_info.h"
 
 #include <algorithm>
 #include <cstring>

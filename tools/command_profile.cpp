@@ -2,6 +2,7 @@
 //
 // A profile is of the graph as it is searched without programs and machine code; the counts say where the
 // work is, not how long it takes.
+#include "regexp/nodes/graph_export.h"
 #include "tools/command.h"
 #include "tools/compiled_pattern.h"
 #include "tools/exit_status.h"

@@ -4,6 +4,7 @@
 // keeps a view of the text and calls the interpreter, and the tree calls the context.
 #pragma once
 
+#include "regexp/options/compile_options.h"
 #include "tools/pattern_options.h"
 #include "tools/script_host.h"
 

@@ -2,6 +2,7 @@
 // The members are in the order in which they need each other: see compiled_pattern.h.
 #pragma once
 
+#include "regexp/options/compile_options.h"
 #include "tools/script_host.h"
 
 #include <string>

@@ -5,6 +5,7 @@
 // as text or as JSON.
 #pragma once
 
+#include "regexp/options/compile_options.h"
 #include "regexp/regexp.h"
 
 #include <cstddef>

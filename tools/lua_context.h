@@ -2,6 +2,7 @@
 // outlive them; they run on the thread that searches, one at a time.
 #pragma once
 
+#include "regexp/options/compile_options.h"
 #include "tools/console_context.h"
 #include "tools/lua_state.h"
 

@@ -5,6 +5,7 @@
 #include "tools/arguments.h"
 #include "tools/script_host.h"
 
+#include "regexp/options/compile_options.h"
 #include "regexp/regexp.h"
 
 #include <string>

@@ -3,6 +3,7 @@
 // Two files implement this: one with an interpreter inside, and one for builds without it.
 #pragma once
 
+#include "regexp/options/compile_options.h"
 #include "tools/arguments.h"
 #include "tools/console_context.h"
 

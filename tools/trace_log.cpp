@@ -4,6 +4,7 @@
 
 #include "regexp/graph/node.h"
 #include "regexp/nodes/label_text.h"
+#include "regexp/state/search_info.h"
 
 namespace tool {
 namespace {

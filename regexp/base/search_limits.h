@@ -1,4 +1,4 @@
-// What a search may spend, who may end it, and how it ended.
+// What a search may spend, and who may end it.
 //
 //     RE_Search_Report report;
 //     const RE_Search_Limits limits{.steps = 1'000'000, .bytes = 16 << 20};
@@ -8,19 +8,11 @@
 //     }
 #pragma once
 
+#include "regexp/base/search_report.h"
+
 #include <chrono>
 #include <cstdint>
 #include <stop_token>
-
-enum class RE_Search_Outcome {
-    noMatch,
-    matched,
-    interrupted,  ///< by the flag of the host
-    stepsSpent,
-    memoryFull,
-    cancelled,  ///< by a request to stop
-    deadlinePassed
-};
 
 struct RE_Search_Limits {
     using Time = std::chrono::steady_clock::time_point;
@@ -50,16 +42,5 @@ struct RE_Search_Limits {
         }
         const bool isLate = deadline != noDeadline && std::chrono::steady_clock::now() >= deadline;
         return isLate ? RE_Search_Outcome::deadlinePassed : RE_Search_Outcome::noMatch;
-    }
-};
-
-struct RE_Search_Report {
-    RE_Search_Outcome outcome = RE_Search_Outcome::noMatch;
-    std::uint64_t steps = 0;
-    std::uint64_t peakBytes = 0;
-
-    /// Whether the search came to its end, so that "no match" is the truth.
-    bool isComplete() const {
-        return outcome == RE_Search_Outcome::noMatch || outcome == RE_Search_Outcome::matched;
     }
 };

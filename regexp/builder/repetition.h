@@ -4,7 +4,6 @@
 // given anything wrong.
 #pragma once
 
-#include <algorithm>
 #include <concepts>
 #include <cstddef>
 #include <limits>
@@ -50,7 +49,7 @@ public:
     static constexpr RE_Bounds atLeast(std::size_t count) { return {count, unlimited, 0}; }
     /// In either order.
     static constexpr RE_Bounds between(std::size_t one, std::size_t other) {
-        return {std::min(one, other), std::max(one, other), 0};
+        return one < other ? RE_Bounds{one, other, 0} : RE_Bounds{other, one, 0};
     }
 
     /// Numbers of passes; the minimum is not above the maximum.

@@ -3,7 +3,6 @@
 
 #include "regexp/base/export.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -45,10 +44,15 @@ public:
         return isValid(name) ? std::optional(RE_Token_Name(name, 0)) : std::nullopt;
     }
     static constexpr bool isValid(std::u16string_view name) {
-        return !name.empty() && isLetter(name.front()) &&
-               std::all_of(name.begin(), name.end(), [](char16_t unit) {
-                   return isLetter(unit) || unit == u'_' || (unit >= u'0' && unit <= u'9');
-               });
+        if (name.empty() || !isLetter(name.front())) {
+            return false;
+        }
+        for (const char16_t unit : name) {
+            if (!isLetter(unit) && unit != u'_' && (unit < u'0' || unit > u'9')) {
+                return false;
+            }
+        }
+        return true;
     }
 
     constexpr std::u16string_view text() const { return name; }

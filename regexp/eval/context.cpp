@@ -2,6 +2,7 @@
 #include "regexp/eval/context.h"
 
 #include "regexp/eval/evaluation_io.h"
+#include "regexp/options/compile_options.h"
 
 using Corvane::regexp::CompileOptions;
 

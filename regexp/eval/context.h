@@ -6,10 +6,12 @@
 
 #include "regexp/base/memory.h"
 #include "regexp/eval/warning.h"
-#include "regexp/options/compile_options.h"
 
 #include <cstddef>
 
+namespace Corvane::regexp {
+class CompileOptions;
+}
 namespace RE_Builder_Space {
 class RE_Builder;
 }

@@ -54,6 +54,58 @@ enum class RE_Operation : std::uint8_t {
     glance
 };
 
+/// What kinds of operations there are. Whoever asks for a kind needs no list of the operations.
+enum class RE_Operation_Class : std::uint8_t {
+    control,    ///< says where to continue
+    unit,       ///< tests one unit and consumes it
+    text,       ///< compares with a text
+    run,        ///< consumes all it can
+    choiceRun,  ///< a run that backtracks
+    token,      ///< notes a token
+    position    ///< tests a position
+};
+
+constexpr RE_Operation_Class classOf(RE_Operation operation) {
+    switch (operation) {
+        case RE_Operation::leave:
+        case RE_Operation::failed:
+        case RE_Operation::matched:
+        case RE_Operation::pass:
+        case RE_Operation::choose:
+            return RE_Operation_Class::control;
+        case RE_Operation::unit:
+        case RE_Operation::eitherUnit:
+        case RE_Operation::range:
+        case RE_Operation::set:
+        case RE_Operation::notLineFeed:
+            return RE_Operation_Class::unit;
+        case RE_Operation::text:
+        case RE_Operation::foldedText:
+        case RE_Operation::texts:
+        case RE_Operation::tokenText:
+            return RE_Operation_Class::text;
+        case RE_Operation::run:
+        case RE_Operation::tokenRun:
+            return RE_Operation_Class::run;
+        case RE_Operation::lazyRun:
+        case RE_Operation::givingRun:
+            return RE_Operation_Class::choiceRun;
+        case RE_Operation::startToken:
+        case RE_Operation::endToken:
+            return RE_Operation_Class::token;
+        case RE_Operation::lineStart:
+        case RE_Operation::lineEnd:
+        case RE_Operation::textStart:
+        case RE_Operation::textEnd:
+        case RE_Operation::wordStart:
+        case RE_Operation::wordEnd:
+        case RE_Operation::glanceSet:
+        case RE_Operation::glance:
+            return RE_Operation_Class::position;
+    }
+    __builtin_unreachable();
+}
+
 /// One instruction: plain data, with direct pointers to the next ones. Texts, sets and names are those of the nodes,
 /// which have to outlive it.
 struct RE_Instruction {
@@ -77,6 +129,10 @@ struct RE_Instruction {
         const RE_Instruction* const* ways;
     };
 };
+
+constexpr RE_Operation_Class classOf(const RE_Instruction& in) {
+    return classOf(in.operation);
+}
 
 /// Read-only during searches.
 struct RE_Program {

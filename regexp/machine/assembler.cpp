@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
 #include <memory>
 #include <span>
@@ -234,8 +235,8 @@ public:
             return run + (label.getAddress() - getCode());
         };
         auto code =
-            std::make_unique<RE_Machine_Code>(std::move(space), reinterpret_cast<RE_Machine_Code::Entry>(run),
-                                              reinterpret_cast<RE_Machine_Code::First>(placeOf(beginLabel)));
+            std::make_unique<RE_Machine_Code>(std::move(space), std::bit_cast<RE_Machine_Code::Entry>(run),
+                                              std::bit_cast<RE_Machine_Code::First>(placeOf(beginLabel)));
         code->nextStart = placeOf(nextStartLabel);
         code->attempt = placeOf(attemptLabel);
         code->mostSteps = mostSteps;

@@ -152,51 +152,22 @@ namespace {
 constexpr std::uint32_t mostLeast = 16;
 
 bool isChoiceRun(const RE_Instruction& in) {
-    return in.operation == RE_Operation::lazyRun || in.operation == RE_Operation::givingRun;
+    return classOf(in) == RE_Operation_Class::choiceRun;
 }
 
 /// Whether the first unit of what begins with such an instruction, and the text after it, tell where it can
 /// begin. A long text is left out, as its comparison would have to count steps.
 bool saysWhere(const RE_Instruction& in) {
-    switch (in.operation) {
-        case RE_Operation::unit:
-        case RE_Operation::eitherUnit:
-        case RE_Operation::set:
-        case RE_Operation::texts:
-        case RE_Operation::tokenText:
-            return true;
-        case RE_Operation::text:
-        case RE_Operation::foldedText:
-            return in.least < RE_Step_Meter::unitsAStep;
-        case RE_Operation::leave:
-        case RE_Operation::failed:
-        case RE_Operation::matched:
-        case RE_Operation::pass:
-        case RE_Operation::range:
-        case RE_Operation::notLineFeed:
-        case RE_Operation::run:
-        case RE_Operation::lazyRun:
-        case RE_Operation::givingRun:
-        case RE_Operation::tokenRun:
-        case RE_Operation::choose:
-        case RE_Operation::startToken:
-        case RE_Operation::endToken:
-        case RE_Operation::lineStart:
-        case RE_Operation::lineEnd:
-        case RE_Operation::textStart:
-        case RE_Operation::textEnd:
-        case RE_Operation::wordStart:
-        case RE_Operation::wordEnd:
-        case RE_Operation::glanceSet:
-        case RE_Operation::glance:
-            return false;
+    if (in.operation == RE_Operation::text || in.operation == RE_Operation::foldedText) {
+        return in.least < RE_Step_Meter::unitsAStep;
     }
-    __builtin_unreachable();
+    return classOf(in) == RE_Operation_Class::text || in.operation == RE_Operation::unit ||
+           in.operation == RE_Operation::eitherUnit || in.operation == RE_Operation::set;
 }
 
 /// An end of a token: it consumes nothing, so what begins after it begins there.
 bool isBracket(const RE_Instruction& in) {
-    return in.operation == RE_Operation::startToken || in.operation == RE_Operation::endToken;
+    return classOf(in) == RE_Operation_Class::token;
 }
 
 }  // namespace

@@ -125,39 +125,8 @@ namespace {
 
 /// Whether the instruction is a node visited. Runs of several ends count one step for each end.
 bool takesStep(const RE_Instruction& in) {
-    switch (in.operation) {
-        case RE_Operation::leave:
-        case RE_Operation::failed:
-        case RE_Operation::lazyRun:
-        case RE_Operation::givingRun:
-            return false;
-        case RE_Operation::matched:
-        case RE_Operation::pass:
-        case RE_Operation::unit:
-        case RE_Operation::eitherUnit:
-        case RE_Operation::range:
-        case RE_Operation::set:
-        case RE_Operation::notLineFeed:
-        case RE_Operation::text:
-        case RE_Operation::foldedText:
-        case RE_Operation::run:
-        case RE_Operation::tokenRun:
-        case RE_Operation::texts:
-        case RE_Operation::choose:
-        case RE_Operation::startToken:
-        case RE_Operation::endToken:
-        case RE_Operation::tokenText:
-        case RE_Operation::lineStart:
-        case RE_Operation::lineEnd:
-        case RE_Operation::textStart:
-        case RE_Operation::textEnd:
-        case RE_Operation::wordStart:
-        case RE_Operation::wordEnd:
-        case RE_Operation::glanceSet:
-        case RE_Operation::glance:
-            return true;
-    }
-    __builtin_unreachable();
+    return in.operation != RE_Operation::leave && in.operation != RE_Operation::failed &&
+           classOf(in) != RE_Operation_Class::choiceRun;
 }
 
 }  // namespace
@@ -322,39 +291,7 @@ constexpr std::size_t longestRow = 16;
 }  // namespace
 
 bool Program_Code::isUnitTest(const RE_Instruction& in) {
-    switch (in.operation) {
-        case RE_Operation::unit:
-        case RE_Operation::eitherUnit:
-        case RE_Operation::range:
-        case RE_Operation::set:
-        case RE_Operation::notLineFeed:
-            return true;
-        case RE_Operation::leave:
-        case RE_Operation::failed:
-        case RE_Operation::matched:
-        case RE_Operation::pass:
-        case RE_Operation::text:
-        case RE_Operation::foldedText:
-        case RE_Operation::run:
-        case RE_Operation::lazyRun:
-        case RE_Operation::givingRun:
-        case RE_Operation::tokenRun:
-        case RE_Operation::texts:
-        case RE_Operation::choose:
-        case RE_Operation::startToken:
-        case RE_Operation::endToken:
-        case RE_Operation::tokenText:
-        case RE_Operation::lineStart:
-        case RE_Operation::lineEnd:
-        case RE_Operation::textStart:
-        case RE_Operation::textEnd:
-        case RE_Operation::wordStart:
-        case RE_Operation::wordEnd:
-        case RE_Operation::glanceSet:
-        case RE_Operation::glance:
-            return false;
-    }
-    __builtin_unreachable();
+    return classOf(in) == RE_Operation_Class::unit;
 }
 
 /// The tests of one unit from `in` on that nothing else leads to, each of which fails the attempt when it

@@ -226,53 +226,23 @@ void Program_Code::emitNearRun(const RE_Instruction& in, Label& tooLong) {
 // Jumps to `target` unless the rest can begin at `p` with `first`. A text is compared as a whole; of a
 // token's text the first unit is, which `emitChoiceEntry` has made sure of.
 void Program_Code::unlessStart(const RE_Instruction& first, Label& target) {
-    switch (first.operation) {
-        case RE_Operation::text:
-        case RE_Operation::foldedText:
-            mov(rax, end);
-            sub(rax, p);
-            cmp(rax, static_cast<std::uint32_t>(first.least * sizeof(char16_t)));
-            jb(target, T_NEAR);
-            unlessText(p, literalOf(first), target);
-            break;
-        case RE_Operation::tokenText:
-            loadUnit(target);
-            mov(other, at(offsetof(RE_Search_Registers, slots)));
-            mov(other, qword[other + startOfToken(first)]);
-            cmp(ax, word[begin + other * 2]);
-            jne(target, T_NEAR);
-            break;
-        case RE_Operation::unit:
-        case RE_Operation::eitherUnit:
-        case RE_Operation::set:
-        case RE_Operation::texts:
-            loadUnit(target);
-            unlessTaken(first, target);
-            break;
-        // `saysWhere` accepts no others.
-        case RE_Operation::leave:
-        case RE_Operation::failed:
-        case RE_Operation::matched:
-        case RE_Operation::pass:
-        case RE_Operation::range:
-        case RE_Operation::notLineFeed:
-        case RE_Operation::run:
-        case RE_Operation::lazyRun:
-        case RE_Operation::givingRun:
-        case RE_Operation::tokenRun:
-        case RE_Operation::choose:
-        case RE_Operation::startToken:
-        case RE_Operation::endToken:
-        case RE_Operation::lineStart:
-        case RE_Operation::lineEnd:
-        case RE_Operation::textStart:
-        case RE_Operation::textEnd:
-        case RE_Operation::wordStart:
-        case RE_Operation::wordEnd:
-        case RE_Operation::glanceSet:
-        case RE_Operation::glance:
-            __builtin_unreachable();
+    if (first.operation == RE_Operation::text || first.operation == RE_Operation::foldedText) {
+        mov(rax, end);
+        sub(rax, p);
+        cmp(rax, static_cast<std::uint32_t>(first.least * sizeof(char16_t)));
+        jb(target, T_NEAR);
+        unlessText(p, literalOf(first), target);
+        return;
     }
+    loadUnit(target);
+    if (first.operation == RE_Operation::tokenText) {
+        mov(other, at(offsetof(RE_Search_Registers, slots)));
+        mov(other, qword[other + startOfToken(first)]);
+        cmp(ax, word[begin + other * 2]);
+        jne(target, T_NEAR);
+        return;
+    }
+    unlessTaken(first, target);
 }
 
 // Whether `emitFirstUnits` can decide all units. Mixed sets leave some open.
@@ -283,53 +253,24 @@ bool Program_Code::canScanFor(const RE_Instruction& first) {
 
 /// Puts into eax one bit for each of the units from `p` on with which the rest can begin.
 void Program_Code::emitFirstUnits(const RE_Instruction& first) {
-    switch (first.operation) {
-        case RE_Operation::set:
-        case RE_Operation::texts:
-            emitMembers(p, *first.units);
-            return;
-        case RE_Operation::tokenText:
-            mov(other, at(offsetof(RE_Search_Registers, slots)));
-            mov(other, qword[other + startOfToken(first)]);
-            movzx(ecx, word[begin + other * 2]);
-            emitEqualUnits(p, other.cvt32(), xmm0);
-            break;
-        case RE_Operation::unit:
-            emitEqualUnits(p, first.unit, xmm0);
-            break;
-        case RE_Operation::eitherUnit:
-            emitEitherUnit(first.unit, static_cast<char16_t>(first.most));
-            break;
+    if (first.operation == RE_Operation::set || first.operation == RE_Operation::texts) {
+        emitMembers(p, *first.units);
+        return;
+    }
+    if (first.operation == RE_Operation::tokenText) {
+        mov(other, at(offsetof(RE_Search_Registers, slots)));
+        mov(other, qword[other + startOfToken(first)]);
+        movzx(ecx, word[begin + other * 2]);
+        emitEqualUnits(p, other.cvt32(), xmm0);
+    } else if (first.operation == RE_Operation::unit) {
+        emitEqualUnits(p, first.unit, xmm0);
+    } else if (first.operation == RE_Operation::eitherUnit) {
+        emitEitherUnit(first.unit, static_cast<char16_t>(first.most));
+    } else {
         // Of a text the first unit, in both its forms where case is ignored.
-        case RE_Operation::text:
-        case RE_Operation::foldedText: {
-            const Forms forms = literalOf(first).ignoreCase ? formsOf(first.text[0])
-                                                            : Forms{{first.text[0], first.text[0]}, 1};
-            emitEitherUnit(forms.list[0], forms.list[forms.count - 1]);
-            break;
-        }
-        case RE_Operation::leave:
-        case RE_Operation::failed:
-        case RE_Operation::matched:
-        case RE_Operation::pass:
-        case RE_Operation::range:
-        case RE_Operation::notLineFeed:
-        case RE_Operation::run:
-        case RE_Operation::lazyRun:
-        case RE_Operation::givingRun:
-        case RE_Operation::tokenRun:
-        case RE_Operation::choose:
-        case RE_Operation::startToken:
-        case RE_Operation::endToken:
-        case RE_Operation::lineStart:
-        case RE_Operation::lineEnd:
-        case RE_Operation::textStart:
-        case RE_Operation::textEnd:
-        case RE_Operation::wordStart:
-        case RE_Operation::wordEnd:
-        case RE_Operation::glanceSet:
-        case RE_Operation::glance:
-            __builtin_unreachable();
+        const Forms forms =
+            literalOf(first).ignoreCase ? formsOf(first.text[0]) : Forms{{first.text[0], first.text[0]}, 1};
+        emitEitherUnit(forms.list[0], forms.list[forms.count - 1]);
     }
     pmovmskb(eax, xmm0);
 }

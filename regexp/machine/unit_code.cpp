@@ -178,58 +178,26 @@ void Unit_Code::unlessIn(const RE_Unit_Set& units, Label& target, bool wanted, b
 // The tests of an instruction carry their operands; all but sets are decided without a table. A range is one
 // comparison, by the distance from its low end.
 void Unit_Code::unlessTaken(const RE_Instruction& in, Label& target) {
-    switch (in.operation) {
-        case RE_Operation::unit:
-            cmp(eax, std::uint32_t{in.unit});
-            jne(target, T_NEAR);
-            break;
-        case RE_Operation::eitherUnit: {
-            Label& holds = fresh();
-            cmp(eax, std::uint32_t{in.unit});
-            je(holds, T_NEAR);
-            cmp(eax, in.most);
-            jne(target, T_NEAR);
-            L(holds);
-            break;
-        }
-        case RE_Operation::range:
-            lea(ecx, ptr[rax - static_cast<int>(in.least)]);
-            cmp(ecx, in.most - in.least);
-            ja(target, T_NEAR);
-            break;
-        case RE_Operation::notLineFeed:
-            cmp(eax, std::uint32_t{u'\n'});
-            je(target, T_NEAR);
-            break;
-        // Of many texts the first unit.
-        case RE_Operation::set:
-        case RE_Operation::texts:
-            unlessIn(*in.units, target);
-            break;
-        // Those that test no unit have no operands for it.
-        case RE_Operation::leave:
-        case RE_Operation::failed:
-        case RE_Operation::matched:
-        case RE_Operation::pass:
-        case RE_Operation::text:
-        case RE_Operation::foldedText:
-        case RE_Operation::run:
-        case RE_Operation::lazyRun:
-        case RE_Operation::givingRun:
-        case RE_Operation::tokenRun:
-        case RE_Operation::choose:
-        case RE_Operation::startToken:
-        case RE_Operation::endToken:
-        case RE_Operation::tokenText:
-        case RE_Operation::lineStart:
-        case RE_Operation::lineEnd:
-        case RE_Operation::textStart:
-        case RE_Operation::textEnd:
-        case RE_Operation::wordStart:
-        case RE_Operation::wordEnd:
-        case RE_Operation::glanceSet:
-        case RE_Operation::glance:
-            __builtin_unreachable();
+    if (in.operation == RE_Operation::unit) {
+        cmp(eax, std::uint32_t{in.unit});
+        jne(target, T_NEAR);
+    } else if (in.operation == RE_Operation::eitherUnit) {
+        Label& holds = fresh();
+        cmp(eax, std::uint32_t{in.unit});
+        je(holds, T_NEAR);
+        cmp(eax, in.most);
+        jne(target, T_NEAR);
+        L(holds);
+    } else if (in.operation == RE_Operation::range) {
+        lea(ecx, ptr[rax - static_cast<int>(in.least)]);
+        cmp(ecx, in.most - in.least);
+        ja(target, T_NEAR);
+    } else if (in.operation == RE_Operation::notLineFeed) {
+        cmp(eax, std::uint32_t{u'\n'});
+        je(target, T_NEAR);
+    } else {
+        // A set, or the first units of many texts.
+        unlessIn(*in.units, target);
     }
 }
 

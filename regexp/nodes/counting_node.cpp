@@ -5,6 +5,7 @@
 #include "regexp/nodes/counting_node.h"
 
 #include "regexp/graph/node.h"
+#include "regexp/state/profiler.h"
 #include "regexp/state/search_info.h"
 
 RE_Node_Counting::RE_Node_Counting(const RE_Node* node, RE_Search_Info& info)

@@ -7,6 +7,7 @@
 #pragma once
 
 #include "regexp/base/export.h"
+#include "regexp/state/search_info.h"
 
 #include <cstddef>
 #include <cstdint>

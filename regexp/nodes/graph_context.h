@@ -15,6 +15,7 @@
 #include "regexp/graph/node.h"
 #include "regexp/nodes/collection.h"
 #include "regexp/nodes/counting_node.h"
+#include "regexp/options/compile_options.h"
 #include "regexp/seek/set_pool.h"
 
 #include <cstddef>

@@ -6,10 +6,16 @@
 
 #include "regexp/base/memory.h"
 #include "regexp/graph/node.h"
-#include "regexp/graph/stage.h"
 
+#include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
+
+/// Further attributes of a node, by its number, as they stand in the graph language: `color=red`, or nothing.
+struct RE_Graph_Attributes : std::function<std::string(std::uint64_t nodeId)> {
+    using function::function;
+};
 
 /// Where nodes write themselves to. Nodes and links are kept apart: a link that is named inside a cluster
 /// would draw both its ends into it.

@@ -1,12 +1,15 @@
 // Describes nodes as instructions, from the entry on, and links them when all are known.
 //
+// What a node means decides what may be written for it; its kind only picks the cheapest of the operations that say so.
 // A node without a description becomes `leave`, the operation that instructions begin with, and nothing after
 // it is looked at. So it is always safe to describe less; what is described must do exactly what the match
 // loop would do, in results and in steps.
 //
-// Counting forms of nodes have no kind and are never described.
+// Trap: a node that counts how often it is visited has the meaning of the node that does not. So no program is to be made
+// of patterns that are profiled.
 #include "regexp/program/lower.h"
 
+#include "regexp/graph/meaning.h"
 #include "regexp/nodes/closed_body.h"
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/dispatch.h"
@@ -19,6 +22,7 @@
 
 #include <algorithm>
 #include <span>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -90,17 +94,7 @@ private:
         }
     }
 
-    /// Fills in the operation and what it needs. Where that is not possible nothing is filled in and there
-    /// are no exits.
     Exits describe(const RE_Node& node, RE_Instruction& in) const;
-    Exits describeRun(const RE_Consume& loop, RE_Operation operation, RE_Node* next,
-                      RE_Instruction& in) const;
-    Exits describeToken(const RE_Token& token, RE_Operation operation, RE_Instruction& in) const;
-    Exits describeGlance(const RE_Lookaround_Assertion& test, RE_Instruction& in) const;
-    Exits describeFolded(const RE_Natural_I& node, RE_Instruction& in) const;
-    Exits describeString(const RE_String& string, RE_Instruction& in) const;
-    Exits describeTexts(const RE_Literal_Set& set, RE_Instruction& in) const;
-    Exits describeReference(const RE_Match_Token& reference, RE_Instruction& in) const;
 
     /// Where the instruction of a node will be, for one that has a place; that which fails, for null. The
     /// storage is reserved before, so the address stays.
@@ -145,45 +139,75 @@ bool fits(std::uint64_t count) {
     return count < RE_Instruction::noMaximum;
 }
 
-// The common part of loops, alone and within a token. A lazy loop that keeps to its first end is left: no operation
-// describes it.
-Exits Lowering::describeRun(const RE_Consume& loop, RE_Operation operation, RE_Node* next,
-                            RE_Instruction& in) const {
-    const bool isEndless = loop.maximum == RE_Consume::noMaximum;
-    if ((loop.possessive && loop.lazy) || !fits(loop.minimum) || !(isEndless || fits(loop.maximum))) {
+/// Writes the instruction of one node. Where that is not possible nothing is filled in and there are no exits: nothing of
+/// the program comes after what is left as it is.
+class Description {
+public:
+    Description(const RE_Node& described, RE_Instruction& target) : node(described), in(target) {}
+
+    Exits operator()(const RE_Meanings::Nothing& nothing) const {
+        return plain(RE_Operation::pass, nothing.next);
+    }
+    Exits operator()(const RE_Meanings::Unit& unit) const;
+    Exits operator()(const RE_Meanings::Text& text) const;
+    Exits operator()(const RE_Meanings::Texts& texts) const;
+    Exits operator()(const RE_Meanings::Run& run) const;
+    Exits operator()(const RE_Meanings::Edge& edge) const;
+    Exits operator()(const RE_Meanings::Mark& mark) const;
+    Exits operator()(const RE_Meanings::Choice& choice) const;
+    Exits operator()(const RE_Meanings::Body& body) const { return glance({body.next, body.otherwise}); }
+    Exits operator()(const RE_Meanings::Reference& reference) const;
+    Exits operator()(const RE_Meanings::End& end) const;
+    // Loops that count, and what asks the search or the host, are for the match loop.
+    Exits operator()(const RE_Meanings::Count_Start&) const { return {}; }
+    Exits operator()(const RE_Meanings::Count&) const { return {}; }
+    Exits operator()(const RE_Meanings::Pass&) const { return {}; }
+    Exits operator()(const RE_Meanings::Condition&) const { return {}; }
+    Exits operator()(const RE_Meanings::Host_Call&) const { return {}; }
+    Exits operator()(const RE_Meanings::Host_Text&) const { return {}; }
+    Exits operator()(const RE_Meanings::Unknown&) const { return {}; }
+
+private:
+    bool isKind(RE_Node_Kind kind) const { return node.kind == kind; }
+    Exits plain(RE_Operation operation, RE_Node* next) const {
+        in.operation = operation;
+        return {next};
+    }
+    Exits folded(char16_t lower, const Exits& exits) const;
+    Exits describeRun(const RE_Consume& loop, RE_Operation operation, RE_Node* next) const;
+    Exits glance(const Exits& exits) const;
+
+    const RE_Node& node;
+    RE_Instruction& in;
+};
+
+// A class of units that has no operation of its own is a set.
+Exits Description::operator()(const RE_Meanings::Unit& unit) const {
+    const Exits exits{unit.next, unit.otherwise};
+    if (isKind(RE_Node_Kind::foldedLiteral)) {
+        return folded(static_cast<char16_t>(static_cast<const RE_Natural_I&>(node).ch), exits);
+    }
+    if (isKind(RE_Node_Kind::literal)) {
+        in.operation = RE_Operation::unit;
+        in.unit = static_cast<char16_t>(static_cast<const RE_Natural&>(node).ch);
+    } else if (isKind(RE_Node_Kind::range)) {
+        in.operation = RE_Operation::range;
+        in.least = static_cast<const RE_Range&>(node).low;
+        in.most = static_cast<const RE_Range&>(node).high;
+    } else if (isKind(RE_Node_Kind::dotLine)) {
+        in.operation = RE_Operation::notLineFeed;
+    } else if (const RE_Unit_Set* const units = unit.test->table()) {
+        in.operation = RE_Operation::set;
+        in.units = units;
+    } else {
         return {};
     }
-    in.operation = operation;
-    in.flag = loop.leads;
-    in.units = loop.units.get();
-    in.least = static_cast<std::uint32_t>(loop.minimum);
-    in.most = isEndless ? RE_Instruction::noMaximum : static_cast<std::uint32_t>(loop.maximum);
-    return {next};
-}
-
-// Tokens with a number that does not fit are left to the loop.
-Exits Lowering::describeToken(const RE_Token& token, RE_Operation operation, RE_Instruction& in) const {
-    if (!fits(token.number)) {
-        return {};
-    }
-    in.operation = operation;
-    in.text = token.name;
-    in.least = static_cast<std::uint32_t>(token.number);
-    return {token.nextNode};
-}
-
-// One unit of a set is compared here; other glances are left to the assertion.
-Exits Lowering::describeGlance(const RE_Lookaround_Assertion& test, RE_Instruction& in) const {
-    in.flag = test.behind;
-    in.units = test.glanceUnits;
-    in.operation = in.units != nullptr ? RE_Operation::glanceSet : RE_Operation::glance;
-    return {test.nextNode, test.failTarget};
+    return exits;
 }
 
 // A letter that folds with one other, or with none, is a comparison with two units. Units with more forms are
 // left.
-Exits Lowering::describeFolded(const RE_Natural_I& node, RE_Instruction& in) const {
-    const auto lower = static_cast<char16_t>(node.ch);
+Exits Description::folded(char16_t lower, const Exits& exits) const {
     char16_t forms[2] = {lower, lower};
     std::size_t count = 0;
     RE_Case_Table::get().forEachForm(lower, [&](char16_t form) {
@@ -198,142 +222,130 @@ Exits Lowering::describeFolded(const RE_Natural_I& node, RE_Instruction& in) con
     in.operation = RE_Operation::eitherUnit;
     in.unit = forms[0];
     in.most = forms[count - 1];
-    return {node.nextNode, node.failTarget};
+    return exits;
 }
 
-Exits Lowering::describeString(const RE_String& string, RE_Instruction& in) const {
+Exits Description::operator()(const RE_Meanings::Text& text) const {
+    const RE_String& string = *text.string;
     if (!fits(string.length)) {
         return {};
     }
     in.operation = string.ignoreCase ? RE_Operation::foldedText : RE_Operation::text;
     in.text = string.text;
     in.least = static_cast<std::uint32_t>(string.length);
-    return {string.nextNode};
+    return {text.next};
 }
 
 // Only sets of which one literal at most can be at a position: others may leave a choice.
-Exits Lowering::describeTexts(const RE_Literal_Set& set, RE_Instruction& in) const {
-    if (!set.literals.areFew()) {
+Exits Description::operator()(const RE_Meanings::Texts& texts) const {
+    if (!texts.set->literals.areFew()) {
         return {};
     }
     in.operation = RE_Operation::texts;
-    in.units = set.firstUnits.get();
-    return {set.nextNode};
+    in.units = texts.set->firstUnits.get();
+    return {texts.next};
+}
+
+Exits Description::operator()(const RE_Meanings::Run& run) const {
+    const RE_Consume& loop = *run.loop;
+    return describeRun(loop,
+                       loop.possessive ? RE_Operation::run
+                       : loop.lazy     ? RE_Operation::lazyRun
+                                       : RE_Operation::givingRun,
+                       run.next);
+}
+
+// The common part of loops, alone and within a token. A lazy loop that keeps to its first end is left: no operation
+// describes it.
+Exits Description::describeRun(const RE_Consume& loop, RE_Operation operation, RE_Node* next) const {
+    const bool isEndless = loop.maximum == RE_Consume::noMaximum;
+    if ((loop.possessive && loop.lazy) || !fits(loop.minimum) || !(isEndless || fits(loop.maximum))) {
+        return {};
+    }
+    in.operation = operation;
+    in.flag = loop.leads;
+    in.units = loop.units.get();
+    in.least = static_cast<std::uint32_t>(loop.minimum);
+    in.most = isEndless ? RE_Instruction::noMaximum : static_cast<std::uint32_t>(loop.maximum);
+    return {next};
+}
+
+// An anchor without an operation of its own is left to the loop.
+Exits Description::operator()(const RE_Meanings::Edge& edge) const {
+    static constexpr std::pair<RE_Node_Kind, RE_Operation> anchors[] = {
+        {RE_Node_Kind::lineStart, RE_Operation::lineStart}, {RE_Node_Kind::lineEnd, RE_Operation::lineEnd},
+        {RE_Node_Kind::textStart, RE_Operation::textStart}, {RE_Node_Kind::textEnd, RE_Operation::textEnd},
+        {RE_Node_Kind::wordStart, RE_Operation::wordStart}, {RE_Node_Kind::wordEnd, RE_Operation::wordEnd},
+    };
+    for (const auto& [kind, operation] : anchors) {
+        if (isKind(kind)) {
+            const bool isWord = operation == RE_Operation::wordStart || operation == RE_Operation::wordEnd;
+            in.units = isWord ? &RE_Unit_Classes::get().words : nullptr;
+            return plain(operation, edge.next);
+        }
+    }
+    return glance({edge.next, edge.otherwise});
+}
+
+// One unit of a set is compared here; other glances are left to the assertion, bodies that have to be run to the loop.
+Exits Description::glance(const Exits& exits) const {
+    if (!isKind(RE_Node_Kind::glance)) {
+        return {};
+    }
+    const auto& test = static_cast<const RE_Lookaround_Assertion&>(node);
+    in.flag = test.behind;
+    in.units = test.glanceUnits;
+    in.operation = in.units != nullptr ? RE_Operation::glanceSet : RE_Operation::glance;
+    return exits;
+}
+
+// Tokens with a number that does not fit are left to the loop.
+Exits Description::operator()(const RE_Meanings::Mark& mark) const {
+    if (mark.opens) {
+        if (const RE_Node* const run = static_cast<const RE_Start_Token&>(node).run) {
+            const auto& loop = static_cast<const RE_Consume&>(*run);
+            return describeRun(loop, RE_Operation::tokenRun, loop.nextNode->nextNode);
+        }
+    }
+    if (!fits(mark.token)) {
+        return {};
+    }
+    in.text = static_cast<const RE_Token&>(node).name;
+    in.least = static_cast<std::uint32_t>(mark.token);
+    return plain(mark.opens ? RE_Operation::startToken : RE_Operation::endToken, mark.next);
+}
+
+// Only where the next unit tells the way: other choices are backtracked into. The ways are read off the node when the
+// instruction is linked; none of them fails into another.
+Exits Description::operator()(const RE_Meanings::Choice&) const {
+    if (isKind(RE_Node_Kind::dispatch)) {
+        in.operation = RE_Operation::choose;
+    }
+    return {};
 }
 
 // By number and with case only, so that the text is compared with itself, unit by unit. A name has to be
 // looked up.
-Exits Lowering::describeReference(const RE_Match_Token& reference, RE_Instruction& in) const {
+Exits Description::operator()(const RE_Meanings::Reference& meaning) const {
+    const auto& reference = static_cast<const RE_Match_Token&>(node);
     if (reference.name != nullptr || reference.ignoreCase || !fits(reference.number)) {
         return {};
     }
     in.operation = RE_Operation::tokenText;
     in.least = static_cast<std::uint32_t>(reference.number);
-    return {reference.nextNode, reference.failTarget};
+    return {meaning.next, meaning.otherwise};
 }
 
-/// For nodes that need no more than their operation. They have no fail target.
-Exits plain(RE_Operation operation, const RE_Node& node, RE_Instruction& in) {
-    in.operation = operation;
-    return {node.nextNode};
-}
-
-Exits wordTest(RE_Operation operation, const RE_Node& node, RE_Instruction& in) {
-    in.units = &RE_Unit_Classes::get().words;
-    return plain(operation, node, in);
-}
-
-/// For tests of one unit, which may have a fail target.
-template <class Unit>
-Exits unitTest(RE_Operation operation, const Unit& node, RE_Instruction& in) {
-    in.operation = operation;
-    return {node.nextNode, node.failTarget};
-}
-
-/// Which of the three kinds of runs a loop is.
-RE_Operation operationOf(const RE_Consume& loop) {
-    return loop.possessive ? RE_Operation::run : loop.lazy ? RE_Operation::lazyRun : RE_Operation::givingRun;
-}
-
-// What is left as it is gets no exits: nothing of the program comes after it.
-Exits Lowering::describe(const RE_Node& node, RE_Instruction& in) const {
-    if (found.size() > mostInstructions) {
-        return {};
-    }
-    switch (node.kind) {
-        case RE_Node_Kind::passage:
-            return plain(RE_Operation::pass, node, in);
-        case RE_Node_Kind::end: {
-            const auto& end = static_cast<const RE_End_Of_Tree&>(node);
-            // Bodies are not described, so this is the end of the pattern, unless that continues in another graph.
-            const bool isLast = end.continuation == nullptr && !end.endsBody;
-            in.operation = isLast ? RE_Operation::matched : RE_Operation::leave;
-            return {};
-        }
-        case RE_Node_Kind::literal: {
-            const auto& literal = static_cast<const RE_Natural&>(node);
-            in.unit = static_cast<char16_t>(literal.ch);
-            return unitTest(RE_Operation::unit, literal, in);
-        }
-        case RE_Node_Kind::foldedLiteral:
-            return describeFolded(static_cast<const RE_Natural_I&>(node), in);
-        case RE_Node_Kind::range: {
-            const auto& range = static_cast<const RE_Range&>(node);
-            in.least = range.low;
-            in.most = range.high;
-            return unitTest(RE_Operation::range, range, in);
-        }
-        case RE_Node_Kind::namedClass:
-        case RE_Node_Kind::unitClass: {
-            const auto& test = static_cast<const RE_Consumable&>(node);
-            in.units = test.table();
-            return unitTest(RE_Operation::set, test, in);
-        }
-        case RE_Node_Kind::dotLine:
-            return unitTest(RE_Operation::notLineFeed, static_cast<const RE_Consumable&>(node), in);
-        case RE_Node_Kind::string:
-            return describeString(static_cast<const RE_String&>(node), in);
-        case RE_Node_Kind::run:
-            return describeRun(static_cast<const RE_Consume&>(node),
-                               operationOf(static_cast<const RE_Consume&>(node)), node.nextNode, in);
-        // Its ways are read off the node when the instruction is linked. None of them fails into another.
-        case RE_Node_Kind::dispatch: {
-            in.operation = RE_Operation::choose;
-            return {};
-        }
-        case RE_Node_Kind::literalSet:
-            return describeTexts(static_cast<const RE_Literal_Set&>(node), in);
-        case RE_Node_Kind::startToken: {
-            const auto& start = static_cast<const RE_Start_Token&>(node);
-            if (start.run != nullptr) {
-                const auto& loop = static_cast<const RE_Consume&>(*start.run);
-                return describeRun(loop, RE_Operation::tokenRun, loop.nextNode->nextNode, in);
-            }
-            return describeToken(start, RE_Operation::startToken, in);
-        }
-        case RE_Node_Kind::endToken:
-            return describeToken(static_cast<const RE_Token&>(node), RE_Operation::endToken, in);
-        case RE_Node_Kind::matchToken:
-            return describeReference(static_cast<const RE_Match_Token&>(node), in);
-        case RE_Node_Kind::lineStart:
-            return plain(RE_Operation::lineStart, node, in);
-        case RE_Node_Kind::lineEnd:
-            return plain(RE_Operation::lineEnd, node, in);
-        case RE_Node_Kind::textStart:
-            return plain(RE_Operation::textStart, node, in);
-        case RE_Node_Kind::textEnd:
-            return plain(RE_Operation::textEnd, node, in);
-        case RE_Node_Kind::wordStart:
-            return wordTest(RE_Operation::wordStart, node, in);
-        case RE_Node_Kind::wordEnd:
-            return wordTest(RE_Operation::wordEnd, node, in);
-        case RE_Node_Kind::glance:
-            return describeGlance(static_cast<const RE_Lookaround_Assertion&>(node), in);
-        case RE_Node_Kind::other:
-        case RE_Node_Kind::split:
-            break;
+// Bodies are not described, so this is the end of the pattern, unless that continues in another graph.
+Exits Description::operator()(const RE_Meanings::End& end) const {
+    if (end.continuation == nullptr && !end.ofBody) {
+        in.operation = RE_Operation::matched;
     }
     return {};
+}
+
+Exits Lowering::describe(const RE_Node& node, RE_Instruction& in) const {
+    return found.size() > mostInstructions ? Exits{} : visitMeaning(node, Description(node, in));
 }
 
 }  // namespace

@@ -5,8 +5,8 @@
 #include "regexp/replace/replace.h"
 
 #include "host/code_page.h"
-#include "host/interrupt.h"
 #include "regexp/base/insert_text.h"
+#include "regexp/base/search_limits.h"
 #include "regexp/eval/evaluation_io.h"
 #include "regexp/eval/evaluation_tokens.h"
 #include "regexp/nodes/label_text.h"
@@ -14,6 +14,7 @@
 #include "regexp/replace/replace_nodes.h"
 #include "regexp/replace/replacement_reader.h"
 #include "regexp/replace/replacement_run.h"
+#include "regexp/state/earlier_interrupt.h"
 
 #include <memory>
 #include <utility>
@@ -151,29 +152,6 @@ std::string RE_Replace::graph() const {
 
 namespace {
 
-/// Sets aside a request to stop that was there before the work, and raises it again afterwards, exceptions
-/// included: it was meant for something else. A request that comes during the work stops it and stays
-/// raised.
-class Interrupt_Bracket {
-public:
-    explicit Interrupt_Bracket(bool interruptible)
-        : wasPending(interruptible && utInterruptState::IsInterruptPending()) {
-        if (wasPending) {
-            utInterruptState::SetInterruptPending(false);
-        }
-    }
-    ~Interrupt_Bracket() {
-        if (wasPending) {
-            utInterruptState::SetInterruptPending(true);
-        }
-    }
-    Interrupt_Bracket(const Interrupt_Bracket&) = delete;
-    Interrupt_Bracket& operator=(const Interrupt_Bracket&) = delete;
-
-private:
-    bool wasPending;
-};
-
 /// Text of the local code page as UTF-16. `length` is declared first, as the conversion writes it.
 struct Wide_Text {
     Wide_Text(const char* text, std::size_t bytes) : units(lcp_to_utf16(text, bytes, &length)) {}
@@ -193,7 +171,7 @@ std::u16string RE_Replace::replace(std::u16string_view subject, const RE_Tree& t
 
 std::u16string RE_Replace::replace(std::u16string_view subject, const RE_Tree& tree, bool adjustCase,
                                    std::size_t which, std::size_t* matches) const {
-    const Interrupt_Bracket bracket(interruptible);
+    const RE_Earlier_Interrupt aside(interruptible);
     RE_Replacement_Run run(*this, tree, subject, {adjustCase, which, interruptible});
     std::u16string result = run.run();
     *matches = run.matchesMet();
@@ -203,7 +181,7 @@ std::u16string RE_Replace::replace(std::u16string_view subject, const RE_Tree& t
 std::u16string RE_Replace::replace(std::u16string_view subject, const RE_Tree& tree, bool adjustCase,
                                    std::size_t which, const RE_Search_Limits& limits,
                                    RE_Search_Report& report) const {
-    const Interrupt_Bracket bracket(interruptible);
+    const RE_Earlier_Interrupt aside(interruptible);
     RE_Replacement_Run work(*this, tree, subject, {adjustCase, which, interruptible, &limits});
     std::u16string result = work.run();
     report = work.report();

@@ -5,6 +5,7 @@
 // longest piece and on the result, not on the number of matches.
 #pragma once
 
+#include "regexp/base/search_limits.h"
 #include "regexp/match_sequence.h"
 #include "regexp/replace/replaceable.h"
 #include "regexp/tree.h"

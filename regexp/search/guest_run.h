@@ -7,6 +7,7 @@
 // tokens of a run that failed.
 #pragma once
 
+#include "regexp/state/profiler.h"
 #include "regexp/state/search_info.h"
 
 #include <cstddef>

@@ -1,13 +1,16 @@
 // Watching a search from outside, step by step.
 //
 // An observed search runs the watched loop (watched_loop.h), uses neither program nor machine code nor
-// automaton, and finds what an unobserved one finds. The functions below do nothing without an observer.
+// automaton, and finds what an unobserved one finds.
 #pragma once
 
-#include "regexp/state/search_info.h"
+#include "regexp/base/export.h"
 
 #include <cstddef>
 #include <cstdint>
+
+class RE_Node;
+class RE_Search_Info;
 
 /// The events of a search are a seek where the root seeks, then those of an attempt, and so on. An attempt
 /// goes from `start` to `finish`, with steps and their effects in between. The pushes and refusals of a visit
@@ -40,26 +43,3 @@ public:
     virtual ~RE_Observer();
     virtual void observe(const RE_Trace_Event& event, const RE_Search_Info& search) = 0;
 };
-
-/// `found` is null when no start is left; the event then reaches to the end of the subject.
-inline void tellSeek(RE_Search_Info& info, const RE_Node* root, const char16_t* from, const char16_t* found) {
-    if (info.observer != nullptr) {
-        const std::size_t to = found != nullptr ? info.indexOf(found) : info.subjectLength();
-        info.observer->observe({RE_Trace_Kind::seek, root, info.indexOf(from), to, found != nullptr}, info);
-    }
-}
-
-/// An attempt begins at `p`.
-inline void tellStart(RE_Search_Info& info, const char16_t* p) {
-    if (info.observer != nullptr) {
-        info.observer->observe({RE_Trace_Kind::start, nullptr, info.indexOf(p), info.indexOf(p), true}, info);
-    }
-}
-
-/// The attempt that began at `p` is over. `length` is that of its match, whatever it is worth without one.
-inline void tellFinish(RE_Search_Info& info, const char16_t* p, std::size_t length, bool matched) {
-    if (info.observer != nullptr) {
-        const std::size_t start = info.indexOf(p);
-        info.observer->observe({RE_Trace_Kind::finish, nullptr, start, start + length, matched}, info);
-    }
-}

@@ -7,8 +7,8 @@
 #include "regexp/program/run_program.h"
 #include "regexp/search/machine_search.h"
 #include "regexp/search/match_loop.h"
-#include "regexp/search/observer.h"
 #include "regexp/search/start_walk.h"
+#include "regexp/search/tell.h"
 #include "regexp/search/unwatched_loop.h"
 #include "regexp/state/search_info.h"
 

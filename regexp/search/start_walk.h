@@ -4,7 +4,7 @@
 #include "regexp/graph/graph_facts.h"
 #include "regexp/nodes/consume.h"
 #include "regexp/nodes/literal_stretches.h"
-#include "regexp/search/observer.h"
+#include "regexp/search/tell.h"
 #include "regexp/state/search_info.h"
 
 #include <algorithm>

@@ -4,13 +4,11 @@
 // literal that occurs nowhere is looked for once.
 #pragma once
 
+#include "regexp/base/inline_list.h"
 #include "regexp/base/memory.h"
 
-#include <boost/container/flat_map.hpp>
-#include <boost/container/small_vector.hpp>
 #include <compare>
 #include <cstddef>
-#include <functional>
 
 class RE_Node;
 
@@ -65,9 +63,15 @@ public:
     std::size_t size() const { return answers.size(); }
 
 private:
-    // One entry for each seeking node, and most patterns have one or two: they need no allocation.
-    using Answer = std::pair<RE_Seek_Key, RE_Seek_Value>;
-    boost::container::flat_map<RE_Seek_Key, RE_Seek_Value, std::less<RE_Seek_Key>,
-                               boost::container::small_vector<Answer, 2, RE_Allocator<Answer>>>
-        answers;
+    struct Answer {
+        RE_Seek_Key key;
+        RE_Seek_Value value;
+    };
+
+    /// The first answer whose key is not less than this one.
+    std::size_t placeOf(const RE_Seek_Key& key) const;
+
+    // In the order of the keys. One entry for each seeking node, and most patterns have one or two: they need no
+    // allocation.
+    RE_Inline_List<Answer, 2> answers;
 };

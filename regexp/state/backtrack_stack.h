@@ -4,9 +4,9 @@
 // Everything above is popped or dropped before the body ends.
 #pragma once
 
+#include "regexp/base/inline_list.h"
 #include "regexp/base/memory.h"
 
-#include <boost/container/small_vector.hpp>
 #include <cstddef>
 #include <cstdint>
 
@@ -33,8 +33,8 @@ struct CORVANE_REGEXP_EXPORT RE_Backtrack_Stack {
 
     void grow();
 
-    boost::container::small_vector<RE_Backtrack_Record, 8, RE_Allocator<RE_Backtrack_Record>> records;
-    boost::container::small_vector<RE_Backtrack_Mark, 8, RE_Allocator<RE_Backtrack_Mark>> marks;
+    RE_Inline_List<RE_Backtrack_Record, 8> records;
+    RE_Inline_List<RE_Backtrack_Mark, 8> marks;
     std::int32_t top = -1;
     std::int32_t base = 0;
 };

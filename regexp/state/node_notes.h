@@ -3,11 +3,11 @@
 
 #include "regexp/state/known_states.h"
 
-#include <boost/container/flat_map.hpp>
-#include <boost/container/flat_set.hpp>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <map>
+#include <set>
 #include <utility>
 #include <vector>
 
@@ -28,13 +28,13 @@ public:
     void endToken(std::size_t index, const char16_t* p, bool invalidate);
 
     using Counts = std::vector<std::uint64_t, RE_Allocator<std::uint64_t>>;
-    boost::container::flat_map<const RE_Node*, Counts, std::less<const RE_Node*>,
-                               RE_Allocator<std::pair<const RE_Node*, Counts>>>
+    std::map<const RE_Node*, Counts, std::less<const RE_Node*>,
+             RE_Allocator<std::pair<const RE_Node* const, Counts>>>
         counterStacks;
 
     /// States already pushed by nodes that were not made by the parser, per count of recorded tokens.
     using State = std::pair<const RE_Node*, const char16_t*>;
-    using States = boost::container::flat_set<State, std::less<State>, RE_Allocator<State>>;
+    using States = std::set<State, std::less<State>, RE_Allocator<State>>;
     std::vector<States, RE_Allocator<States>> visited;
 
 protected:

@@ -1,6 +1,8 @@
 // Adds the counts of searches up.
 #include "regexp/state/profile.h"
 
+#include "regexp/state/profiler.h"
+
 RE_Node_Counts& RE_Node_Counts::operator+=(const RE_Node_Counts& other) {
     visits += other.visits;
     successes += other.successes;

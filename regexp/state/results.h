@@ -3,7 +3,6 @@
 
 #include "regexp/state/token_stack.h"
 
-#include <algorithm>
 #include <cstddef>
 
 class RE_Search_Info;
@@ -20,7 +19,7 @@ public:
     RE_Results& operator=(const RE_Results&) = delete;
 
     /// Where a search for the next match starts: after this match, or one unit on when it is empty.
-    std::size_t nextIndex() const { return matchStart + std::max<std::size_t>(matchLength, 1); }
+    std::size_t nextIndex() const { return matchStart + (matchLength != 0 ? matchLength : 1); }
 
     /// Whether the group of the token (from 0) closed on the way of the match and its token is in effect, if only with
     /// the empty text.

@@ -5,7 +5,6 @@
 #include "regexp/state/node_notes.h"
 #include "regexp/state/search_scopes.h"
 
-#include <boost/container/small_vector.hpp>
 #include <cstddef>
 
 class CORVANE_REGEXP_EXPORT RE_Search_Bodies : public RE_Node_Notes {
@@ -23,7 +22,7 @@ public:
     /// when the text is an `outermost` one.
     void include(RE_Included_Text text, const RE_Node* node, std::size_t pos, bool outermost);
 
-    boost::container::small_vector<RE_Body_Frame, 2, RE_Allocator<RE_Body_Frame>> bodies;
+    RE_Inline_List<RE_Body_Frame, 2> bodies;
     RE_Included_Texts included;
 
 protected:

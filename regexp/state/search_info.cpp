@@ -2,6 +2,8 @@
 // search_choices.cpp.
 #include "regexp/state/search_info.h"
 
+#include "regexp/state/profiler.h"
+
 RE_Search_Info::RE_Search_Info(const char16_t* subject, std::size_t length, std::size_t tokenCount,
                                RE_Seek_Table* table, bool pollInterrupts)
     : RE_Search_Bodies(subject, length, table, pollInterrupts) {

@@ -14,13 +14,13 @@
 #include "regexp/graph/graph_facts.h"
 #include "regexp/graph/node.h"
 #include "regexp/state/inquiry.h"
-#include "regexp/state/profile.h"
 #include "regexp/state/search_bodies.h"
 
 #include <cstddef>
 #include <memory>
 
 class RE_Observer;
+class RE_Profile_Sheet;
 
 class CORVANE_REGEXP_EXPORT RE_Search_Info final : public RE_Memory, public RE_Search_Bodies {
 public:

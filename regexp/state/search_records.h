@@ -11,7 +11,6 @@
 #include "regexp/state/token_stack.h"
 
 #include <algorithm>
-#include <boost/container/small_vector.hpp>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
@@ -89,7 +88,7 @@ protected:
                bytesOf(ownTokens.slots);
     }
 
-    boost::container::small_vector<std::size_t, 12, RE_Allocator<std::size_t>> registers;
+    RE_Inline_List<std::size_t, 12> registers;
     std::vector<Trail_Entry, RE_Allocator<Trail_Entry>> trail;
     std::int32_t scopes = 0;       ///< open: sub-searches, whose writes may have to be undone as a whole
     std::size_t keptInEffect = 0;  ///< all ones when closing a token leaves the higher ones in effect

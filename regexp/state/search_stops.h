@@ -5,6 +5,7 @@
 #include "regexp/base/export.h"
 #include "regexp/base/search_limits.h"
 #include "regexp/seek/scan.h"
+#include "regexp/state/earlier_interrupt.h"
 #include "regexp/state/search_subject.h"
 
 #include <cstddef>
@@ -12,16 +13,8 @@
 class CORVANE_REGEXP_EXPORT RE_Search_Stops : public RE_Search_Subject, public RE_Scan_Monitor {
 public:
     /// A request to stop that came before the search is put aside, and handed back once the search is over.
-    void putInterruptAside() {
-        if (checkInterrupts) {
-            takePendingInterrupt();
-        }
-    }
-    void handInterruptBack() {
-        if (interruptWasPending) {
-            handBackInterrupt();
-        }
-    }
+    void putInterruptAside() { earlierInterrupt.putAside(checkInterrupts); }
+    void handInterruptBack() { earlierInterrupt.handBack(); }
 
     /// Counts one step; true when the host asks to stop. The host is consulted on every 2048th step only.
     bool pollInterrupt();
@@ -45,7 +38,6 @@ public:
     bool takeStep() { return meter.step() || passCheckpoint(); }
 
     bool checkInterrupts;
-    bool interruptWasPending = false;
 
 protected:
     RE_Search_Stops(const char16_t* subject, std::size_t length, RE_Seek_Table* table, bool pollInterrupts)
@@ -56,9 +48,9 @@ protected:
     const RE_Search_Limits* limits = nullptr;  ///< with a stop token or a deadline; else null
 
 private:
-    void takePendingInterrupt();
-    void handBackInterrupt();
     bool passCheckpoint();
+
+    RE_Earlier_Interrupt earlierInterrupt;
 };
 
 inline bool RE_Search_Stops::pollScan() {

@@ -9,9 +9,9 @@
 // cost more than most attempts do. Whoever reads slots directly has to look at `written` first.
 #pragma once
 
+#include "regexp/base/inline_list.h"
 #include "regexp/base/memory.h"
 
-#include <boost/container/small_vector.hpp>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
@@ -63,7 +63,7 @@ public:
         }
     }
 
-    boost::container::small_vector<RE_TokenInfo, 8, RE_Allocator<RE_TokenInfo>> slots;
+    RE_Inline_List<RE_TokenInfo, 8> slots;
     std::size_t count = 0;
     /// Slots that the attempt has written or begun; what the others hold is stale. Not lowered by backtracking: a write
     /// that is undone leaves a slot as it was begun.

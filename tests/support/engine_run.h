@@ -4,6 +4,8 @@
 // begin at once, for the trees that a thread makes while they are in force.
 #pragma once
 
+#include "regexp/base/search_limits.h"
+#include "regexp/options/compile_options.h"
 #include "regexp/state/inquiry.h"
 #include "regexp/regexp.h"
 #include "regexp/state/search_memo.h"

@@ -2,6 +2,7 @@
 // calls themselves are of no interest; scripted_host.h keeps a journal.
 #pragma once
 
+#include "regexp/options/compile_options.h"
 #include "regexp/regexp.h"
 #include "tests/support/engine_run.h"
 

@@ -2,6 +2,7 @@
 // promises its calls, their order and their texts.
 #pragma once
 
+#include "regexp/options/compile_options.h"
 #include "regexp/regexp.h"
 #include "tests/support/engine_run.h"
 
