@@ -19,7 +19,9 @@ add_library(corvane::c ALIAS corvane_c)
 corvane_compile_rules(corvane_c)
 target_include_directories(corvane_c INTERFACE
     $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/bindings/c> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
-target_link_libraries(corvane_c PRIVATE corvane_regexp corvane_host)
+# Programs in C need no target of the engine and no C++: its library finds the engine by itself.
+target_link_libraries(corvane_c PRIVATE $<BUILD_INTERFACE:corvane_regexp> $<BUILD_INTERFACE:corvane_host>)
+set_property(TARGET corvane_c PROPERTY INTERFACE_COMPILE_FEATURES "")
 target_link_options(corvane_c PRIVATE -Wl,--version-script=${PROJECT_SOURCE_DIR}/bindings/c/corvane_c.map)
 set_target_properties(corvane_c PROPERTIES
     LINKER_LANGUAGE CXX

@@ -7,7 +7,12 @@ endif()
 
 file(GLOB_RECURSE tool_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tools/*.cpp)
 if(CORVANE_BUILD_TOOLS AND tool_sources)
-    find_package(nlohmann_json 3.2 REQUIRED)
+    find_package(nlohmann_json 3.2 QUIET)
+    if(NOT nlohmann_json_FOUND)
+        message(STATUS "nlohmann-json was not found: cvregexp is not built")
+    endif()
+endif()
+if(CORVANE_BUILD_TOOLS AND tool_sources AND nlohmann_json_FOUND)
     # Without an interpreter the tool still does all but evaluate expressions.
     find_package(Lua 5.4 QUIET)
     if(LUA_FOUND)

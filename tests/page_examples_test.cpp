@@ -3,7 +3,7 @@
 //
 //   ```cpp          a part of the program of the page, which is in examples/
 //   ```output       what that program prints, together with the other such blocks of the page
-//   ```cmake        a part of tests/consumer/CMakeLists.txt, which is built against the installed library
+//   ```cmake        a part of a project in tests/consumer, each of which a test of its own configures
 //       $ ...       run by tool_transcript_test.cpp, with what it says
 //       cmake ...   run by tests/consumer/page_commands.sh
 //
@@ -46,6 +46,17 @@ const std::map<std::string, std::string> kPrograms = {{"README.md", "find_all"},
 std::string contentOf(const fs::path& file) {
     std::ifstream in(kTop / file, std::ios::binary);
     return {std::istreambuf_iterator<char>(in), {}};
+}
+
+/// All projects that use the library as applications do.
+std::string consumerProjects() {
+    std::string all;
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(kTop / "tests/consumer")) {
+        if (entry.path().filename() == "CMakeLists.txt") {
+            all += contentOf(fs::relative(entry.path(), kTop));
+        }
+    }
+    return all;
 }
 
 std::vector<std::string> pages() {
@@ -214,7 +225,7 @@ void expectTried(const std::string& page, const Block& block) {
     if (block.kind == "cpp" || block.kind == "output") {
         EXPECT_TRUE(kPrograms.contains(page)) << "no program has this:\n" << block.text();
     } else if (block.kind == "cmake") {
-        EXPECT_NE(std::string::npos, contentOf("tests/consumer/CMakeLists.txt").find(block.text())) << block.text();
+        EXPECT_NE(std::string::npos, consumerProjects().find(block.text())) << block.text();
     } else if (block.kind != "indented") {
         ADD_FAILURE() << "nothing tries blocks of this kind: " << block.kind;
     } else if (!block.lines.front().starts_with("$ ")) {

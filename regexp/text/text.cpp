@@ -10,7 +10,7 @@
 
 namespace {
 
-bool isAligned(const void* p, std::size_t bytes) {
+bool isAlignedTo(const void* p, std::size_t bytes) {
     return reinterpret_cast<std::uintptr_t>(p) % bytes == 0;
 }
 
@@ -35,7 +35,7 @@ void RE_Text::use(RE_Encoding encoding, const void* data, std::size_t bytes) {
     index.clear();
     ofUnits.clear();
     units = buffer != nullptr ? buffer : u"";
-    if (encoding == RE_Encoding::utf16 && isAligned(data, sizeof(char16_t)) && pieces != 0) {
+    if (encoding == RE_Encoding::utf16 && isAlignedTo(data, sizeof(char16_t)) && pieces != 0) {
         units = static_cast<const char16_t*>(data);
         index.add({pieces, pieces, 0});
     }
@@ -120,7 +120,7 @@ RE_Conversion RE_Text::convertStretch(std::size_t mostPieces) {
     alignas(4) std::byte copy[RE_Offset_Index::mostPieces * sizeof(char32_t)];
     // Four bytes decide any sequence; a stretch that is shorter is the last one, or takes some of those after it.
     std::size_t taken = std::min(left, std::max<std::size_t>(mostPieces, 4));
-    if (!isAligned(data, bytesEach)) {
+    if (!isAlignedTo(data, bytesEach)) {
         taken = std::min(taken, RE_Offset_Index::mostPieces);
         std::memcpy(copy, data, taken * bytesEach);
         data = copy;

@@ -1,0 +1,32 @@
+#!/bin/sh
+# What a shared library exports, one name a line: exports.sh LIBRARY prints it; exports.sh LIBRARY LIST [PREFIX] compares it
+# with the list, of which every name must begin with the prefix. Functions and data that are strong, vtables and type
+# information: weak inline functions depend on the compiler and its options. Names are demangled; those of the lists are of
+# x86-64 with g++.
+set -eu
+
+exports() {
+    nm --dynamic --demangle --defined-only "$1" | sed -n \
+        -e '/ __odr_asan/d' -e '/ for std::/d' \
+        -e 's/^[0-9a-f]* [TDBR] //p' \
+        -e 's/^[0-9a-f]* V \(\(vtable\|VTT\|typeinfo\) for .*\)/\1/p' | LC_ALL=C sort -u
+}
+
+if [ $# -eq 1 ]; then
+    exports "$1"
+    exit
+fi
+if [ $# -eq 3 ] && grep -v "^$3" "$2"; then
+    echo "${2##*/}: names of this library begin with $3"
+    exit 1
+fi
+changes=$(exports "$1" | diff -U 0 "$2" - | grep '^[-+][^-+]') || exit 0
+cat <<EOF
+$(basename "$1") does not export what ${2##*/} lists:
+
+$changes
+
+What is missing (-) breaks applications, unless nothing installed declared it. If the change is meant, write the list anew
+with "./dev abi --accept" and commit it; where a line is missing, raise MINOR in regexp/version.h for the next release.
+EOF
+exit 1
