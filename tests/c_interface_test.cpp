@@ -360,6 +360,44 @@ cvre_host hostOf(Interpreter& interpreter) {
     return host;
 }
 
+TEST(CInterface, RefusesTextsThatPassALimit) {
+    const std::unique_ptr<cvre_cancel, decltype(&cvre_cancel_free)> cancelled = [] {
+        cvre_cancel* made = nullptr;
+        cvre_cancel_new(&made);
+        cvre_cancel_request(made);
+        return std::unique_ptr<cvre_cancel, decltype(&cvre_cancel_free)>(made, cvre_cancel_free);
+    }();
+    struct Case {
+        cvre_compile_limits limits;
+        cvre_status status;
+    };
+    const size_t size = sizeof(cvre_compile_limits);
+    const Case cases[] = {
+        {{size, 0, 0, 0, 0, 0, nullptr}, CVRE_OK},
+        {{size, 1000, 1000, 100'000, 1 << 20, 0, nullptr}, CVRE_OK},
+        {{size, 5, 0, 0, 0, 0, nullptr}, CVRE_TOO_LARGE},
+        {{size, 0, 2, 0, 0, 0, nullptr}, CVRE_TOO_LARGE},
+        {{size, 0, 0, 3, 0, 0, nullptr}, CVRE_TOO_LARGE},
+        {{size, 0, 0, 0, 100, 0, nullptr}, CVRE_MEMORY_FULL},
+        {{size, 0, 0, 0, 0, 1, nullptr}, CVRE_DEADLINE_PASSED},
+        {{size, 0, 0, 0, 0, 0, cancelled.get()}, CVRE_CANCELLED},
+    };
+    for (const Case& each : cases) {
+        auto options = sized<cvre_compile_options>();
+        options.limits = &each.limits;
+        cvre_pattern* pattern = nullptr;
+        EXPECT_EQ(each.status, cvre_compile(utf8("(a+|b)*c{2,9}"), &options, &pattern)) << cvre_last_message();
+        EXPECT_EQ(each.status == CVRE_OK, pattern != nullptr);
+        cvre_pattern_free(pattern);
+    }
+    auto options = sized<cvre_compile_options>();
+    options.limits = &cases[2].limits;
+    cvre_replacement* replacement = nullptr;
+    EXPECT_EQ(CVRE_TOO_LARGE, cvre_replacement_compile(utf8("$1 and $2"), &options, &replacement));
+    EXPECT_EQ(nullptr, replacement);
+    EXPECT_NE(std::string::npos, std::string(cvre_last_message()).find("at the unit 5")) << cvre_last_message();
+}
+
 TEST(CInterface, CallsTheInterpreterOfTheHost) {
     Interpreter interpreter;
     cvre_buffer result{};

@@ -76,6 +76,14 @@ RE_Tuning tuningFor(const cvre_compile_options& asked) {
     return tuning;
 }
 
+/// For both kinds of limits, which mean the same times.
+RE_Search_Limits::Time deadlineAfter(std::uint64_t nanoseconds) {
+    const auto now = std::chrono::steady_clock::now();
+    const auto wanted = std::chrono::nanoseconds(std::min<std::uint64_t>(nanoseconds, INT64_MAX));
+    const bool isOne = nanoseconds != 0 && wanted < RE_Search_Limits::Time::max() - now;
+    return isOne ? now + wanted : RE_Search_Limits::noDeadline;
+}
+
 std::string copyOf(const cvre_text& given) {
     checked(given);
     return given.bytes != 0 ? std::string(static_cast<const char*>(given.data), given.bytes) : std::string();
@@ -85,6 +93,7 @@ std::string copyOf(const cvre_text& given) {
 
 Source::Source(const cvre_text& given, const cvre_compile_options* given_options)
     : asked(checkedOptions(given_options)),
+      limits(limitsOf(asked.limits)),
       encoding(checked(given)),
       bytes(copyOf(given)),
       units(unitsOf(given)),
@@ -92,6 +101,7 @@ Source::Source(const cvre_text& given, const cvre_compile_options* given_options
       options(compileOptions(asked)),
       context(*options, host, asked.interruptible == CVRE_ON) {
     asked.host = nullptr;  // the caller's, and perhaps gone soon
+    asked.limits = nullptr;
 }
 
 void Source::tellWarnings() {
@@ -131,7 +141,10 @@ cvre_status Source::warning(std::size_t index, cvre_warning* out) const {
 Compiled::Compiled(const cvre_text& given, const cvre_compile_options* given_options)
     : source(given, given_options) {
     const RE_Tuning::Scope scope(tuningFor(source.asked));
-    tree.emplace(source.units.data(), source.units.size(), source.asked.flags, &source.context);
+    RE_Compile_Report report;
+    tree.emplace(source.units.data(), source.units.size(), source.asked.flags, &source.context, source.limits,
+                 report);
+    requireCompiled(report);
     source.tellWarnings();
     if (source.asked.machine_code == CVRE_NOW) {
         tree->makeMachineCode();
@@ -148,17 +161,59 @@ Compiled::Compiled(const cvre_text& given, const cvre_compile_options* given_opt
     }
 }
 
+RE_Compile_Limits limitsOf(const cvre_compile_limits* given) {
+    const cvre_compile_limits asked = structureAt(given);
+    const auto orUnlimited = [](std::uint64_t limit) {
+        return limit != 0 ? limit : RE_Compile_Limits::unlimited;
+    };
+    RE_Compile_Limits limits;
+    limits.units = orUnlimited(asked.units);
+    limits.nodes = orUnlimited(asked.nodes);
+    limits.work = orUnlimited(asked.work);
+    limits.bytes = orUnlimited(asked.bytes);
+    limits.deadline = deadlineAfter(asked.nanoseconds);
+    if (asked.cancel != nullptr) {
+        limits.stop = asked.cancel->source.get_token();
+    }
+    return limits;
+}
+
+void requireCompiled(const RE_Compile_Report& report) {
+    cvre_status status = CVRE_OK;
+    switch (report.outcome) {
+        case RE_Compile_Outcome::compiled:
+            return;
+        case RE_Compile_Outcome::unitsExceeded:
+        case RE_Compile_Outcome::nodesExceeded:
+        case RE_Compile_Outcome::workSpent:
+            status = CVRE_TOO_LARGE;
+            break;
+        case RE_Compile_Outcome::memoryFull:
+            status = CVRE_MEMORY_FULL;
+            break;
+        case RE_Compile_Outcome::deadlinePassed:
+            status = CVRE_DEADLINE_PASSED;
+            break;
+        case RE_Compile_Outcome::interrupted:
+            status = CVRE_INTERRUPTED;
+            break;
+        case RE_Compile_Outcome::cancelled:
+            status = CVRE_CANCELLED;
+            break;
+    }
+    std::string message = cvre_status_text(status);
+    if (report.isRefused()) {
+        message += ", at the unit " + std::to_string(report.position);
+    }
+    throw Failure{status, std::move(message)};
+}
+
 RE_Search_Limits limitsOf(const cvre_limits* given) {
     const cvre_limits asked = structureAt(given);
     RE_Search_Limits limits;
     limits.steps = asked.steps != 0 ? asked.steps : limits.steps;
     limits.bytes = asked.bytes != 0 ? asked.bytes : limits.bytes;
-    if (asked.nanoseconds != 0) {
-        const auto now = std::chrono::steady_clock::now();
-        const auto most = RE_Search_Limits::Time::max() - now;
-        const auto wanted = std::chrono::nanoseconds(std::min<std::uint64_t>(asked.nanoseconds, INT64_MAX));
-        limits.deadline = wanted < most ? now + wanted : RE_Search_Limits::noDeadline;
-    }
+    limits.deadline = deadlineAfter(asked.nanoseconds);
     if (asked.cancel != nullptr) {
         limits.stop = asked.cancel->source.get_token();
     }

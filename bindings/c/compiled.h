@@ -2,6 +2,7 @@
 #pragma once
 
 #include "bindings/c/host_context.h"
+#include "regexp/base/compile_limits.h"
 #include "regexp/options/compile_options.h"
 #include "regexp/replace/replace.h"
 #include "regexp/tree.h"
@@ -31,6 +32,7 @@ struct Source {
     cvre_status warning(std::size_t index, cvre_warning* warning) const;
 
     cvre_compile_options asked;
+    RE_Compile_Limits limits;
     RE_Encoding encoding;
     std::string bytes;  ///< a copy of what was given
     std::u16string units;
@@ -50,6 +52,9 @@ struct Compiled {
 };
 
 RE_Search_Limits limitsOf(const cvre_limits* limits);
+RE_Compile_Limits limitsOf(const cvre_compile_limits* limits);
+/// Throws unless the text was compiled.
+void requireCompiled(const RE_Compile_Report& report);
 cvre_status statusOf(RE_Search_Outcome outcome);
 /// The number of the token of this name in the pattern, or nothing.
 std::optional<std::size_t> tokenNamed(const RE_Tree& tree, std::u16string_view name);

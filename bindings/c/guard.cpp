@@ -120,15 +120,17 @@ const char* cvre_status_text(cvre_status status) {
         case CVRE_ABSENT:
             return "there is no such thing";
         case CVRE_INTERRUPTED:
-            return "the search was interrupted";
+            return "interrupted";
         case CVRE_STEPS_SPENT:
             return "the steps that the search was allowed are spent";
         case CVRE_MEMORY_FULL:
-            return "the memory that the search was allowed is full";
+            return "the memory that was allowed is full";
         case CVRE_CANCELLED:
-            return "the search was cancelled";
+            return "cancelled";
         case CVRE_DEADLINE_PASSED:
-            return "the time that the search was allowed is over";
+            return "the time that was allowed is over";
+        case CVRE_TOO_LARGE:
+            return "the text takes more units, nodes or work than was allowed";
         case CVRE_BAD_ARGUMENT:
             return "an argument is null or out of its range";
         case CVRE_BAD_SIZE:

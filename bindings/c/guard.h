@@ -15,10 +15,10 @@
 
 namespace corvane_c {
 
-/// Leaves a function of the interface with a status. The message is a literal, or one that the host gave on this thread.
+/// Leaves a function of the interface with a status.
 struct Failure {
     cvre_status status;
-    const char* message;
+    std::string message;
 };
 
 /// Notes a message for cvre_last_message. Does not throw: long messages are cut.

@@ -54,8 +54,10 @@ cvre_status cvre_replacement_compile(cvre_text text, const cvre_compile_options*
         auto handle =
             std::unique_ptr<cvre_replacement>(new cvre_replacement{Source(text, options), std::nullopt});
         Source& source = handle->source;
-        handle->replace.emplace(source.units.data(), source.units.size(), source.asked.flags,
-                                &source.context);
+        RE_Compile_Report report;
+        handle->replace.emplace(source.units.data(), source.units.size(), source.asked.flags, &source.context,
+                                source.limits, report);
+        requireCompiled(report);
         source.tellWarnings();
         *made = handle.release();
         return CVRE_OK;

@@ -55,12 +55,13 @@ enum {
     CVRE_OK = 0,
     CVRE_NO_MATCH = 1, /* a search came to its end: no error */
     CVRE_ABSENT = 2,   /* the token took no part in the match, or there is no such thing: no error */
-    /* What ended a search before its end. */
+    /* What ended a search, or compiling, before its end. */
     CVRE_INTERRUPTED = 16,
     CVRE_STEPS_SPENT = 17,
     CVRE_MEMORY_FULL = 18, /* the ceiling of the limits */
     CVRE_CANCELLED = 19,
     CVRE_DEADLINE_PASSED = 20,
+    CVRE_TOO_LARGE = 21, /* a text to be compiled: more units, nodes or work than it was allowed */
     /* Errors. */
     CVRE_BAD_ARGUMENT = 32, /* null where something is needed, or a value that an enumeration does not have */
     CVRE_BAD_SIZE = 33,     /* of a structure, or of a text that ends within a unit */
@@ -179,6 +180,24 @@ enum { CVRE_AUTO = 0, CVRE_NOW = 1, CVRE_NEVER = 2 };
 typedef int32_t cvre_switch;
 enum { CVRE_DEFAULT = 0, CVRE_ON = 1, CVRE_OFF = 2 };
 
+/* Ends searches and compiling from outside: any thread may request that. Once requested it stays so. */
+typedef struct cvre_cancel cvre_cancel;
+CVRE_API cvre_status cvre_cancel_new(cvre_cancel** made);
+CVRE_API cvre_status cvre_cancel_request(cvre_cancel* cancel);
+CVRE_API int32_t cvre_cancel_requested(const cvre_cancel* cancel); /* 0 or 1; 0 for null */
+CVRE_API void cvre_cancel_free(cvre_cancel* cancel);               /* those who use it may go on */
+
+/* What compiling a text may take. A text that passes a limit is refused as a whole. */
+typedef struct cvre_compile_limits {
+    size_t size;
+    uint64_t units;       /* of UTF-16 in the text; 0: no limit, as for all of these */
+    uint64_t nodes;       /* made on the way, copies of repeated groups included */
+    uint64_t work;        /* some hundred nanoseconds each, counted alike on every machine */
+    uint64_t bytes;       /* held at one time, and by the pattern with machine code and automaton afterwards */
+    uint64_t nanoseconds; /* from the call on */
+    const cvre_cancel* cancel;
+} cvre_compile_limits;
+
 typedef struct cvre_compile_options {
     size_t size;
     cvre_flags flags;
@@ -191,12 +210,14 @@ typedef struct cvre_compile_options {
     cvre_switch null_nodes;
     int64_t inline_threshold; /* nodes up to which repetitions are unrolled; 0: the default, -1: none is */
     const cvre_host* host;    /* null: there are no expressions */
+    const cvre_compile_limits* limits; /* null: none */
 } cvre_compile_options;
 
 typedef struct cvre_pattern cvre_pattern;
 
 /* Compiles a pattern; null options are all defaults. The text is needed during the call only. Patterns never fail for
- * their syntax. */
+ * their syntax. One that passes a limit is refused: CVRE_TOO_LARGE, CVRE_MEMORY_FULL, CVRE_CANCELLED or
+ * CVRE_DEADLINE_PASSED, with the place in the message. */
 CVRE_API cvre_status cvre_compile(cvre_text pattern, const cvre_compile_options* options, cvre_pattern** made);
 CVRE_API void cvre_pattern_free(cvre_pattern* pattern);
 
@@ -239,13 +260,6 @@ CVRE_API cvre_status cvre_pattern_explain(const cvre_pattern* pattern, cvre_buff
 CVRE_API cvre_status cvre_pattern_graph(const cvre_pattern* pattern, cvre_buffer* graph);
 
 /* ---- limits ---- */
-
-/* Ends searches from outside: any thread may request that. Once requested it stays so. */
-typedef struct cvre_cancel cvre_cancel;
-CVRE_API cvre_status cvre_cancel_new(cvre_cancel** made);
-CVRE_API cvre_status cvre_cancel_request(cvre_cancel* cancel);
-CVRE_API int32_t cvre_cancel_requested(const cvre_cancel* cancel); /* 0 or 1; 0 for null */
-CVRE_API void cvre_cancel_free(cvre_cancel* cancel);               /* those who use it may go on */
 
 /* For all searches of one subject together. */
 typedef struct cvre_limits {
