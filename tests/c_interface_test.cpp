@@ -574,9 +574,11 @@ TEST(CInterface, IsDocumentedAsAWhole) {
     const std::string header = contentOf("bindings/c/corvane/corvane.h");
     const std::string page = contentOf("docs/c-interface.md");
     size_t functions = 0;
-    for (size_t at = header.find("CVRE_API "); at != header.npos; at = header.find("CVRE_API ", at + 1)) {
-        const size_t name = header.find("cvre_", header.find_last_of(" *", header.find('(', at)));
-        const std::string function = header.substr(name, header.find('(', name) - name);
+    // A declaration begins a line, and its name is the first that begins so.
+    for (size_t at = header.find("\nCVRE_API "); at != header.npos; at = header.find("\nCVRE_API ", at + 1)) {
+        const size_t open = header.find('(', at);
+        const size_t name = header.find_last_of(" *", open) + 1;
+        const std::string function = header.substr(name, open - name);
         EXPECT_NE(page.npos, page.find("`" + function + "`")) << function << " is not on the page";
         ++functions;
     }

@@ -11,9 +11,11 @@
 #include <benchmark/benchmark.h>
 #include <unicode/ustring.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -70,7 +72,7 @@ std::u16string unitsOf(const std::string& text) {
 
 template <class Work>
 void measure(const std::string& name, std::size_t bytes, Work work) {
-    benchmark::RegisterBenchmark(name.c_str(), [bytes, work](benchmark::State& state) {
+    benchmark::RegisterBenchmark(name.c_str(), [bytes, work](benchmark::State& state) mutable {
         for (auto _ : state) {
             benchmark::DoNotOptimize(work());
             benchmark::ClobberMemory();

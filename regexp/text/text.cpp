@@ -101,9 +101,9 @@ void RE_Text::convertBlock(std::size_t mostPieces) {
     const std::size_t goal = index.end().piece + mostPieces;
     while (index.end().piece < goal) {
         const std::size_t left = goal - index.end().piece;
-        const bool isEven = from == RE_Encoding::latin1 || from == RE_Encoding::utf16;
+        const bool needsNone = from == RE_Encoding::latin1 || from == RE_Encoding::utf16;  // no checkpoints
         const RE_Conversion done =
-            convertStretch(isEven ? left : std::min(left, RE_Offset_Index::mostPieces));
+            convertStretch(needsNone ? left : std::min(left, RE_Offset_Index::mostPieces));
         if (done.read == 0) {
             return;
         }
@@ -166,28 +166,13 @@ RE_Text_Place RE_Text::placeOf(std::size_t unit) {
     return index.at(&RE_Text_Place::unit, unit, from, source);
 }
 
-std::size_t RE_Text::offsetOf(std::size_t unit, RE_Offsets what) {
-    if (what == RE_Offsets::units) {
-        return unit;
-    }
-    if (from == RE_Encoding::utf16 && what == RE_Offsets::bytes) {
-        return unit * sizeof(char16_t);
-    }
+std::size_t RE_Text::offsetWithin(std::size_t unit, RE_Offsets what) {
     return counted(placeOf(unit), what);
 }
 
-std::size_t RE_Text::offsetAfter(std::size_t unit, RE_Offsets what) {
-    if (what == RE_Offsets::units || (from == RE_Encoding::utf16 && what == RE_Offsets::bytes)) {
-        return offsetOf(unit, what);
-    }
+std::size_t RE_Text::offsetPast(std::size_t unit, RE_Offsets what) {
     const RE_Text_Place place = placeOf(unit);
     return counted(place.unit < unit ? RE_Offset_Index::next(place, from, source) : place, what);
-}
-
-RE_Extent RE_Text::extentOf(std::size_t unit, std::size_t length, RE_Offsets what) {
-    const std::size_t start = offsetOf(unit, what);
-    const std::size_t end = length != 0 ? offsetAfter(unit + length, what) : start;
-    return {start, end - start};
 }
 
 std::size_t RE_Text::unitOf(std::size_t offset, RE_Offsets what) {

@@ -74,9 +74,17 @@ public:
     // Places. Units are those of `known` or its end; where one lies within a character, `offsetOf` takes the start of this
     // and `offsetAfter` its end. A lookup reads some hundred bytes of the source again at most, and none in ASCII.
 
-    std::size_t offsetOf(std::size_t unit, RE_Offsets counted);
-    std::size_t offsetAfter(std::size_t unit, RE_Offsets counted);
-    RE_Extent extentOf(std::size_t unit, std::size_t length, RE_Offsets counted);
+    std::size_t offsetOf(std::size_t unit, RE_Offsets counted) {
+        return isEven(counted) ? unit * scaleOf(counted) : offsetWithin(unit, counted);
+    }
+    std::size_t offsetAfter(std::size_t unit, RE_Offsets counted) {
+        return isEven(counted) ? unit * scaleOf(counted) : offsetPast(unit, counted);
+    }
+    RE_Extent extentOf(std::size_t unit, std::size_t length, RE_Offsets counted) {
+        const std::size_t start = offsetOf(unit, counted);
+        const std::size_t end = length != 0 ? offsetAfter(unit + length, counted) : start;
+        return {start, end - start};
+    }
     /// The unit at which the character begins that holds this offset. Converts what precedes it, without limits; an offset
     /// past the end is at the end.
     std::size_t unitOf(std::size_t offset, RE_Offsets counted);
@@ -88,6 +96,18 @@ private:
     static constexpr std::size_t piecesBetweenPolls = 65536;
     static constexpr std::size_t slack = 64;  ///< units that vectors may need after the last
 
+    /// Whether each unit is a piece and a character, as far as the text is converted: then places are products. What is not
+    /// even makes the counts differ, and always in one direction. UTF-16 does not count its characters here.
+    bool isEven(RE_Offsets counted) const {
+        const RE_Text_Place& end = index.end();
+        return counted == RE_Offsets::units || (end.unit == end.piece && end.unit == end.character &&
+                                                (from != RE_Encoding::utf16 || counted == RE_Offsets::bytes));
+    }
+    std::size_t scaleOf(RE_Offsets counted) const {
+        return counted == RE_Offsets::bytes ? reUnitBytes(from) : 1;
+    }
+    std::size_t offsetWithin(std::size_t unit, RE_Offsets what);
+    std::size_t offsetPast(std::size_t unit, RE_Offsets what);
     /// False when the ceiling does not admit it.
     bool makeRoom(std::size_t wanted, std::uint64_t ceiling);
     void convertBlock(std::size_t mostPieces);
