@@ -84,6 +84,8 @@ Options randomOptions(Random& random) {
     Options options{random.of(modes) + random.of(forms), randomPattern(random, 2)};
     if (random.below(6) == 0) options.pattern = "^" + randomAtom(random, 1);
     if (random.below(6) == 0) options.pattern = randomAtom(random, 1) + "$";
+    // About words of no letters the peers do not agree.
+    if (options.common.starts_with("-w")) std::erase_if(options.pattern, [](char c) { return c == '*' || c == '?'; });
     return options;
 }
 

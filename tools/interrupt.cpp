@@ -49,6 +49,16 @@ void catchSignal(int number) {
     ::sigaction(number, &action, nullptr);
 }
 
+bool waitFor(int descriptor, short event) {
+    pollfd watched[2] = {{descriptor, event, 0}, {wakeReader, POLLIN, 0}};  // a negative one is not watched
+    while (!interruptPending()) {
+        const int ready = ::poll(watched, 2, -1);
+        if (ready < 0 && errno != EINTR) return true;  // let the transfer tell what is wrong
+        if (ready > 0 && watched[0].revents != 0) return !interruptPending();
+    }
+    return false;
+}
+
 }  // namespace
 
 void catchInterrupts() {
@@ -66,13 +76,11 @@ int interruptStatus() {
 }
 
 bool waitForInput(int descriptor) {
-    pollfd watched[2] = {{descriptor, POLLIN, 0}, {wakeReader, POLLIN, 0}};  // a negative one is not watched
-    while (!interruptPending()) {
-        const int ready = ::poll(watched, 2, -1);
-        if (ready < 0 && errno != EINTR) return true;  // let the read tell what is wrong
-        if (ready > 0 && watched[0].revents != 0) return !interruptPending();
-    }
-    return false;
+    return waitFor(descriptor, POLLIN);
+}
+
+bool waitForOutput(int descriptor) {
+    return waitFor(descriptor, POLLOUT);
 }
 
 }  // namespace tool

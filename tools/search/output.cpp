@@ -74,7 +74,7 @@ std::string_view OrderedOutput::pieceOf(std::string_view text) const {
 void OrderedOutput::writeThrough(std::string_view text) {
     while (!text.empty()) {
         const std::string_view piece = pieceOf(text);
-        if (isPipe_ && interruptPending()) throw Interrupted();
+        if (isPipe_ && !waitForOutput(descriptor_)) throw Interrupted();
         const ssize_t written = ::write(descriptor_, piece.data(), piece.size());
         if (written < 0 && errno != EINTR)
             throw std::system_error(errno, std::generic_category(), "cannot write to standard output");
