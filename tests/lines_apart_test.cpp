@@ -40,17 +40,44 @@ void expectSame(const std::u16string& pattern, RE_Flags modes, const std::u16str
 
 TEST(LinesApart, NothingReachesOverALineFeed) {
     const std::u16string text = u"ab\na b\n\nB\n\"a\nb\" c\nab";
-    for (const char16_t* pattern :
-         {u".", u"(?s).+", u"a.b", u"\\s", u"\\W+", u"\\D*", u"[^a]+", u"[\\s\\w]+", u"a\nb", u"\\n", u"[\\n]", u"[\\t-\\r]",
-          u"(?i)[^b]*B", u"(?i)\nb", u"^", u"$", u"^$", u"(?-m)^a", u"(?-m)b$", u"b$(?=.)", u"(?<=\\n)b", u"(?<!\\n)b",
-          u"a(?=\\s)", u"a(?!\\s)", u"\\<\\w+\\>", u"(?>\\s*)b", u"(.)\\1|(?<=(\\s))b", u"(?(?=[^x])b|c)",
-          u"(?:\\x{A}|b)+", u"\\012|b", u"(?<=[^x]+)b"})
+    for (const char16_t* pattern : {u".",
+                                    u"(?s).+",
+                                    u"a.b",
+                                    u"\\s",
+                                    u"\\W+",
+                                    u"\\D*",
+                                    u"[^a]+",
+                                    u"[\\s\\w]+",
+                                    u"a\nb",
+                                    u"\\n",
+                                    u"[\\n]",
+                                    u"[\\t-\\r]",
+                                    u"(?i)[^b]*B",
+                                    u"(?i)\nb",
+                                    u"^",
+                                    u"$",
+                                    u"^$",
+                                    u"(?-m)^a",
+                                    u"(?-m)b$",
+                                    u"b$(?=.)",
+                                    u"(?<=\\n)b",
+                                    u"(?<!\\n)b",
+                                    u"a(?=\\s)",
+                                    u"a(?!\\s)",
+                                    u"\\<\\w+\\>",
+                                    u"(?>\\s*)b",
+                                    u"(.)\\1|(?<=(\\s))b",
+                                    u"(?(?=[^x])b|c)",
+                                    u"(?:\\x{A}|b)+",
+                                    u"\\012|b",
+                                    u"(?<=[^x]+)b"})
         for (const RE_Flags modes : {0U, RE_FLAG_DOT_ALL, RE_FLAG_IGNORE_CASE}) expectSame(pattern, modes, text);
 }
 
 TEST(LinesApart, RandomPatterns) {
-    static const std::u16string atoms[] = {u"a", u"b", u".", u"\\s", u"\\W", u"[^a]", u"\\n", u"^", u"$", u"\\<", u"\\>",
-                                           u"(?=a)", u"(?!b)", u"(?<=b)", u"(?<!a)", u"(a|\\s)", u"(?s:.)", u"(?>b|\\D)"};
+    static const std::u16string atoms[] = {u"a",     u"b",      u".",      u"\\s",     u"\\W",    u"[^a]",
+                                           u"\\n",   u"^",      u"$",      u"\\<",     u"\\>",    u"(?=a)",
+                                           u"(?!b)", u"(?<=b)", u"(?<!a)", u"(a|\\s)", u"(?s:.)", u"(?>b|\\D)"};
     static const std::u16string quantifiers[] = {u"", u"", u"*", u"+", u"??", u"{2}", u"*?", u"++"};
     static const char16_t units[] = {u'a', u'b', u'\n', u' ', u'\n'};
     std::mt19937 random(7);

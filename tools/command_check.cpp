@@ -24,7 +24,8 @@ po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
     po::options_description known;
     auto add = known.add_options();
     add("json", flag(), "print one JSON object for each warning");
-    add("fix", flag(), "print the pattern as it was probably meant, with the corrections of all hints and warnings");
+    add("fix", flag(),
+        "print the pattern as it was probably meant, with the corrections of all hints and warnings");
     add("help", flag(), "print this help");
     known.add(patternOptions()).add(compileOptions(compile));
     return known;

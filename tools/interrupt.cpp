@@ -27,7 +27,8 @@ extern "C" void requestInterrupt(int number) {
     caughtSignal = number;
     utInterruptState::SetInterruptPending(true);
     const char byte = 0;
-    if (wakeWriter >= 0) [[maybe_unused]] const auto written = ::write(wakeWriter, &byte, 1);
+    if (wakeWriter >= 0) [[maybe_unused]]
+        const auto written = ::write(wakeWriter, &byte, 1);
     errno = before;
 }
 

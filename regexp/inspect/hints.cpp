@@ -20,7 +20,8 @@ constexpr std::array<Escape_Habit, 10> escapes{{
     {u'B', "\\B is the letter B; it is no word edge here", u"(?:(?<=\\w)(?=\\w)|(?<!\\w)(?!\\w))"},
     {u'A', "\\A is the letter A; ^ is the start of the subject unless mode m is set", u"(?-m:^)"},
     {u'z', "\\z is the letter z; $ is the end of the subject unless mode m is set", u"(?-m:$)"},
-    {u'Z', "\\Z is the letter Z; $ is the very end of the subject, also after a line feed", u"(?=\\n?(?-m:$))"},
+    {u'Z', "\\Z is the letter Z; $ is the very end of the subject, also after a line feed",
+     u"(?=\\n?(?-m:$))"},
     {u'K', "\\K is the letter K; a look-behind leaves what it sees out of the match", u""},
     {u'R', "\\R is the letter R; line ends are written out", u"(?:\\r\\n|[\\n-\\r])"},
     {u'h', "\\h is the letter h; blanks are written as a set", u"[ \\t]"},
@@ -45,8 +46,8 @@ constexpr std::array<Class_Habit, 8> classes{{
 }};
 
 bool isWordLike(char16_t unit) {
-    return (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z') || (unit >= u'0' && unit <= u'9') ||
-           unit == u'_';
+    return (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z') ||
+           (unit >= u'0' && unit <= u'9') || unit == u'_';
 }
 
 class Hint_Reader {
@@ -74,7 +75,8 @@ public:
 
 private:
     void add(std::size_t length, std::string_view sentence, std::u16string_view meant) {
-        hints.push_back({at, length, sentence, meant.empty() ? std::nullopt : std::optional<std::u16string>(meant)});
+        hints.push_back(
+            {at, length, sentence, meant.empty() ? std::nullopt : std::optional<std::u16string>(meant)});
     }
 
     void readEscape() {
@@ -87,7 +89,9 @@ private:
         if ((letter == u'p' || letter == u'P') && after < text.size() && text[after] == u'{') {
             const std::size_t close = text.find(u'}', after);
             const std::size_t length = close == std::u16string_view::npos ? 2 : close + 1 - at;
-            add(length, "\\p is the letter p; properties of characters have no escape, \\w is letters, digits and _", u"");
+            add(length,
+                "\\p is the letter p; properties of characters have no escape, \\w is letters, digits and _",
+                u"");
             at += length;
             return;
         }
@@ -101,15 +105,24 @@ private:
     // One-sided where a letter beside it makes that the same: the side of the letter needs no test then.
     std::u16string_view wordEdge() const {
         const bool wordAfter = at + 2 < text.size() && isWordLike(text[at + 2]) && !isOptional(at + 3);
-        // An escape just before may have digits and letters that are none.
-        constexpr std::size_t longestEscape = 8;
-        const std::size_t near = at - std::min(at, longestEscape);
-        const bool wordBefore = at != 0 && isWordLike(text[at - 1]) &&
-                                text.substr(near, at - near).find(u'\\') == std::u16string_view::npos;
+        const bool wordBefore = at != 0 && isWordLike(text[at - 1]) && !endsInEscape();
         if (wordAfter) {
             return u"\\<";
         }
         return wordBefore ? u"\\>" : escapes.front().meant;
+    }
+
+    // Whether the letter or digit just before may belong to an escape, which may stand for anything.
+    bool endsInEscape() const {
+        constexpr std::size_t longestEscape = 8;
+        const std::size_t from = at - std::min(at, longestEscape);
+        const std::size_t escape = text.substr(from, at - from).rfind(u'\\');
+        if (escape == std::u16string_view::npos) {
+            return false;
+        }
+        const char16_t letter = text[from + escape + 1];
+        return from + escape + 2 == at || letter == u'x' || letter == u'o' ||
+               (letter >= u'0' && letter <= u'9');
     }
 
     bool isOptional(std::size_t place) const {
@@ -141,7 +154,8 @@ private:
         for (const std::size_t first = end; end < text.size() && (text[end] != u']' || end == first); ++end) {
             if (text[end] == u'\\') {
                 ++end;
-            } else if (text.substr(end).starts_with(u"[:") && text.find(u":]", end) != std::u16string_view::npos) {
+            } else if (text.substr(end).starts_with(u"[:") &&
+                       text.find(u":]", end) != std::u16string_view::npos) {
                 add(end + 2 - at, "named classes are no part of sets here", u"");
             }
         }

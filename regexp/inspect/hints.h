@@ -14,8 +14,8 @@
 struct RE_Hint {
     std::size_t start;
     std::size_t length;
-    std::string_view sentence;                ///< in English; lives for ever
-    std::optional<std::u16string> correction; ///< in place of the part
+    std::string_view sentence;                 ///< in English; lives for ever
+    std::optional<std::u16string> correction;  ///< in place of the part
 };
 
 /// The hints about a pattern, by their places, none overlapping another. Reads the text by rules simpler than those of the
@@ -26,4 +26,5 @@ CORVANE_REGEXP_EXPORT std::vector<RE_Hint> hintsOfPattern(std::u16string_view pa
 CORVANE_REGEXP_EXPORT std::vector<RE_Hint> hintsOfReplacement(std::u16string_view replacement);
 
 /// The text with the corrections of the hints made.
-CORVANE_REGEXP_EXPORT std::u16string reFollowHints(std::u16string_view text, const std::vector<RE_Hint>& hints);
+CORVANE_REGEXP_EXPORT std::u16string reFollowHints(std::u16string_view text,
+                                                   const std::vector<RE_Hint>& hints);

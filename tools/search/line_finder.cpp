@@ -8,7 +8,9 @@ namespace tool {
 // Details are looked for from a line on that was found, while the search for lines has gone on or will: so each has a
 // state of its own.
 LineFinder::LineFinder(const FinderPatterns& patterns)
-    : patterns_(patterns), selecting_(patterns.selecting), detailed_(patterns.detailed),
+    : patterns_(patterns),
+      selecting_(patterns.selecting),
+      detailed_(patterns.detailed),
       areSame_(std::ranges::equal(patterns.selecting, patterns.detailed)) {}
 
 // A carriage return before a line feed is part of the line end.

@@ -81,7 +81,7 @@ private:
     // Of the line found last, where the search for lines is on that line and finds the details as well: then no expression
     // is evaluated twice.
     std::optional<FoundMatch> current_;
-    std::optional<Span> pending_;     // in a text: a match that was found beyond the lines that were returned
+    std::optional<Span> pending_;  // in a text: a match that was found beyond the lines that were returned
     std::optional<std::size_t> previousEnd_;  // in a text: of the match found last
 };
 

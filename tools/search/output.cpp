@@ -68,7 +68,8 @@ void OrderedOutput::abandon() {
 std::string_view OrderedOutput::pieceOf(std::string_view text) const {
     if (!isPipe_ || text.size() <= PIPE_BUF) return text;
     const std::size_t end = text.rfind('\n', PIPE_BUF - 1);
-    return text.substr(0, end == std::string_view::npos ? std::min(text.find('\n'), text.size() - 1) + 1 : end + 1);
+    return text.substr(
+        0, end == std::string_view::npos ? std::min(text.find('\n'), text.size() - 1) + 1 : end + 1);
 }
 
 void OrderedOutput::writeThrough(std::string_view text) {
