@@ -7,7 +7,9 @@
 #include "tools/exit_status.h"
 #include "tools/json_output.h"
 #include "tools/pattern_options.h"
+#include "tools/search/pattern_text.h"
 #include "tools/usage_error.h"
+#include "tools/utf8.h"
 #include "tools/warning_report.h"
 
 #include <iostream>
@@ -20,7 +22,11 @@ namespace {
 // Without withPatternOptions, which lists a command's own options under a heading: these have none.
 po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
     po::options_description known;
-    known.add_options()("json", "print one JSON object for each warning")("help", "print this help");
+    auto add = known.add_options();
+    add("json", flag(), "print one JSON object for each warning");
+    add("fix", flag(),
+        "print the pattern as it was probably meant, with the corrections of all hints and warnings");
+    add("help", flag(), "print this help");
     known.add(patternOptions()).add(compileOptions(compile));
     return known;
 }
@@ -30,9 +36,16 @@ po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
 int runCheck(const Arguments& words) {
     Corvane::regexp::CompileOptions compile;
     ParsedArguments arguments = parseArguments(words, "check [OPTION...] PATTERN", knownOptions(compile));
-    const CompiledPattern pattern(takePattern(arguments), compile);
+    PatternRequest request = takePattern(arguments);
+    const RE_Flags flags = request.flags;
+    const CompiledPattern pattern(std::move(request), compile);
     if (!arguments.positionals.empty()) throw UsageError("check takes one pattern and nothing else");
 
+    const std::vector<RE_Hint> hints = hintsOfPattern(pattern.text());
+    if (arguments.has("fix")) {
+        std::cout << toUtf8(correctedPattern(reFollowHints(pattern.text(), hints), flags)) << '\n';
+        return pattern.warnings().empty() && hints.empty() ? exitPositive : exitNegative;
+    }
     // By position, as people read a pattern; JSON has the same order.
     const std::vector<PatternWarning> warnings = pattern.warnings();
     for (const PatternWarning& warning : warnings) {
@@ -42,6 +55,8 @@ int runCheck(const Arguments& words) {
             std::cout << describeWarning(pattern.text(), warning);
         }
     }
+    if (!arguments.has("json"))
+        for (const RE_Hint& hint : hints) std::cout << describeHint(pattern.text(), hint);
     // For scripts that reject a pattern with warnings, although every text is a pattern.
     return warnings.empty() ? exitPositive : exitNegative;
 }

@@ -108,6 +108,7 @@ int runExplain(const Arguments& words) {
     if (!arguments.positionals.empty()) throw UsageError("explain takes one pattern and nothing else");
     const CompiledPattern pattern(request, compile);
     printWarnings(pattern.text(), pattern.warnings());
+    printHints(pattern.text(), hintsOfPattern(pattern.text()));
 
     // A context of its own: the outline reads the pattern again and would raise every warning a second time.
     const auto context = makeContext(compile, pattern.scripts(), true);

@@ -25,7 +25,10 @@ int runMatch(const Arguments& words) {
     // Before compiling, so that no signal from here on leaves a half-written answer.
     catchInterrupts();
     const SearchPattern pattern(request, settings.modes, compile);
-    for (const auto& given : pattern.given()) printWarnings(given->text(), given->warnings());
+    for (const auto& given : pattern.given()) {
+        printWarnings(given->text(), given->warnings());
+        if (!arguments.has("fixed-strings")) printHints(given->text(), hintsOfPattern(given->text()));
+    }
     settings.run.mayUseThreads = pattern.scripts() == nullptr;
     const int status = searchFiles(pattern.patterns(), settings.run);
     if (pattern.scripts()) pattern.scripts()->finish();

@@ -185,9 +185,11 @@ int runReplace(const Arguments& words) {
     CompiledPattern pattern(std::move(request), compile);
     pattern.prepareForSearches();
     printWarnings(pattern.text(), pattern.warnings(), "pattern");
+    printHints(pattern.text(), hintsOfPattern(pattern.text()));
     // After the pattern: both share the interpreter that runs their expressions.
     const CompiledReplacement replacement(std::move(replacementText), compile, pattern.scripts());
     printWarnings(replacement.text(), replacement.warnings(), "replacement");
+    printHints(replacement.text(), hintsOfReplacement(replacement.text()));
     const int status = ReplaceRun(pattern, replacement, settings).runAll();
     if (pattern.scripts()) pattern.scripts()->finish();
     return status;

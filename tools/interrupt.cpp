@@ -27,7 +27,8 @@ extern "C" void requestInterrupt(int number) {
     caughtSignal = number;
     utInterruptState::SetInterruptPending(true);
     const char byte = 0;
-    if (wakeWriter >= 0) [[maybe_unused]] const auto written = ::write(wakeWriter, &byte, 1);
+    if (wakeWriter >= 0) [[maybe_unused]]
+        const auto written = ::write(wakeWriter, &byte, 1);
     errno = before;
 }
 
@@ -49,6 +50,16 @@ void catchSignal(int number) {
     ::sigaction(number, &action, nullptr);
 }
 
+bool waitFor(int descriptor, short event) {
+    pollfd watched[2] = {{descriptor, event, 0}, {wakeReader, POLLIN, 0}};  // a negative one is not watched
+    while (!interruptPending()) {
+        const int ready = ::poll(watched, 2, -1);
+        if (ready < 0 && errno != EINTR) return true;  // let the transfer tell what is wrong
+        if (ready > 0 && watched[0].revents != 0) return !interruptPending();
+    }
+    return false;
+}
+
 }  // namespace
 
 void catchInterrupts() {
@@ -66,13 +77,11 @@ int interruptStatus() {
 }
 
 bool waitForInput(int descriptor) {
-    pollfd watched[2] = {{descriptor, POLLIN, 0}, {wakeReader, POLLIN, 0}};  // a negative one is not watched
-    while (!interruptPending()) {
-        const int ready = ::poll(watched, 2, -1);
-        if (ready < 0 && errno != EINTR) return true;  // let the read tell what is wrong
-        if (ready > 0 && watched[0].revents != 0) return !interruptPending();
-    }
-    return false;
+    return waitFor(descriptor, POLLIN);
+}
+
+bool waitForOutput(int descriptor) {
+    return waitFor(descriptor, POLLOUT);
 }
 
 }  // namespace tool

@@ -29,5 +29,7 @@ int interruptStatus();
 // Waits until there is something to read from the descriptor, or its end, or a signal. False for a signal: the
 // wait ends at once also when the signal comes just before it. Returns at once for regular files.
 bool waitForInput(int descriptor);
+// The same until the descriptor takes something: a pipe as much as it takes at once.
+bool waitForOutput(int descriptor);
 
 }  // namespace tool

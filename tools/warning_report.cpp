@@ -9,6 +9,8 @@
 #include <unicode/uchar.h>
 #include <unicode/utf16.h>
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <iostream>
 
@@ -141,6 +143,23 @@ std::string describeWarning(std::u16string_view pattern, const PatternWarning& w
         text += '\n';
     }
     return text;
+}
+
+std::string describeHint(std::u16string_view pattern, const RE_Hint& hint) {
+    std::string text = describePlace(pattern, hint.start, "hint", hint.sentence);
+    text += '\n';
+    if (hint.correction) {
+        text += margin;
+        text += "perhaps: ";
+        appendUtf8(text, withoutControls(reFollowHints(pattern, {hint})));
+        text += '\n';
+    }
+    return text;
+}
+
+void printHints(std::u16string_view pattern, const std::vector<RE_Hint>& hints) {
+    if (::isatty(STDERR_FILENO) == 0) return;
+    for (const RE_Hint& hint : hints) std::cerr << "cvregexp: " << describeHint(pattern, hint);
 }
 
 void printWarnings(std::u16string_view pattern, const std::vector<PatternWarning>& warnings,

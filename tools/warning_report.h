@@ -5,6 +5,8 @@
 
 #include "tools/console_context.h"
 
+#include "regexp/inspect/hints.h"
+
 #include <string>
 #include <string_view>
 
@@ -28,6 +30,11 @@ std::string describePlace(std::u16string_view pattern, std::size_t position, con
 // The sentence, the line of the pattern, what it is about underlined, and that line corrected where that is
 // plain.
 std::string describeWarning(std::u16string_view pattern, const PatternWarning& warning);
+
+// Likewise about what means something else in other engines.
+std::string describeHint(std::u16string_view pattern, const RE_Hint& hint);
+// On standard error, if people read it: a terminal.
+void printHints(std::u16string_view pattern, const std::vector<RE_Hint>& hints);
 
 // Describes the first of them on standard error, as each repeats a line of the text, and counts the others.
 // Where a command takes two texts, `subject` says which of them is meant.

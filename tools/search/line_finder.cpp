@@ -8,7 +8,10 @@ namespace tool {
 // Details are looked for from a line on that was found, while the search for lines has gone on or will: so each has a
 // state of its own.
 LineFinder::LineFinder(const FinderPatterns& patterns)
-    : patterns_(patterns), selecting_(patterns.selecting), detailed_(patterns.detailed) {}
+    : patterns_(patterns),
+      selecting_(patterns.selecting),
+      detailed_(patterns.detailed),
+      areSame_(std::ranges::equal(patterns.selecting, patterns.detailed)) {}
 
 // A carriage return before a line feed is part of the line end.
 void LineFinder::use(std::string_view block) {
@@ -17,6 +20,7 @@ void LineFinder::use(std::string_view block) {
     if (unit_ == SearchUnit::block && !block_.unifyLineEnds()) unit_ = SearchUnit::line;
     at_ = 0;
     lines_.reset();
+    current_.reset();
     units_ = {};
     pending_.reset();
     previousEnd_.reset();
@@ -25,6 +29,7 @@ void LineFinder::use(std::string_view block) {
 }
 
 bool LineFinder::next() {
+    current_.reset();
     switch (unit_) {
         case SearchUnit::block:
             return nextInBlock();
@@ -89,8 +94,10 @@ bool LineFinder::nextByLine() {
         at_ = line.end;
         const Span subject = subjectOf(line);
         selecting_.use(units.substr(subject.begin, subject.size()));
-        if (const std::optional<FoundMatch> match = selecting_.find(0))
+        if (const std::optional<FoundMatch> match = selecting_.find(0)) {
+            if (areSame_) current_ = match;
             return noteFound(line, line.begin + match->results->matchStart);
+        }
     }
     return false;
 }
@@ -133,10 +140,13 @@ std::u16string_view LineFinder::useForDetails() {
         detailedIsOnBlock_ = true;
         return block_.units();
     }
+    detailed_.use(lineSubject());
+    return lineSubject();
+}
+
+std::u16string_view LineFinder::lineSubject() const {
     const Span subject = subjectOf(units_);
-    const std::u16string_view line = block_.units().substr(subject.begin, subject.size());
-    detailed_.use(line);
-    return line;
+    return block_.units().substr(subject.begin, subject.size());
 }
 
 }  // namespace tool

@@ -11,6 +11,7 @@
 #include <optional>
 #include <span>
 #include <string_view>
+#include <utility>
 
 namespace tool {
 
@@ -62,11 +63,13 @@ private:
     // The lines that were found, in units. True.
     bool noteFound(const Span& lines, std::size_t firstMatch);
     Span subjectOf(const Span& line) const;
+    std::u16string_view lineSubject() const;
     std::u16string_view useForDetails();
 
     FinderPatterns patterns_;
     MatchSource selecting_;
     MatchSource detailed_;
+    bool areSame_;  // both search with the same patterns
     UnitsBlock block_;
     SearchUnit unit_ = SearchUnit::line;  // for this block
     std::size_t at_ = 0;                  // units: where the next search begins
@@ -75,14 +78,17 @@ private:
     Span units_;
     std::size_t firstMatch_ = 0;
     bool detailedIsOnBlock_ = false;  // of a text; otherwise it is on a line
-    std::optional<Span> pending_;     // in a text: a match that was found beyond the lines that were returned
+    // Of the line found last, where the search for lines is on that line and finds the details as well: then no expression
+    // is evaluated twice.
+    std::optional<FoundMatch> current_;
+    std::optional<Span> pending_;  // in a text: a match that was found beyond the lines that were returned
     std::optional<std::size_t> previousEnd_;  // in a text: of the match found last
 };
 
 template <class Visit>
 void LineFinder::forEachMatch(const Span& lines, Visit visit) {
     if (lines_ != lines) return;
-    const std::u16string_view subject = useForDetails();
+    const std::u16string_view subject = current_ ? lineSubject() : useForDetails();
     const std::size_t base = unit_ == SearchUnit::text ? 0 : units_.begin;
     // Where the matches have led to, in both.
     std::size_t byte = lines.begin;
@@ -93,13 +99,18 @@ void LineFinder::forEachMatch(const Span& lines, Visit visit) {
         unit = target;
         return byte;
     };
-    detailed_.forEach(firstMatch_ - base, [&](const FoundMatch& match) {
+    const auto visitInBlock = [&](const FoundMatch& match) {
         const std::size_t start = base + match.results->matchStart;
         if (start >= units_.end && start != firstMatch_) return false;
         const std::size_t begin = advanceTo(start);
         const std::size_t end = advanceTo(start + match.results->matchLength);
         return visit(LineMatch{match.results, match.pattern, subject, start, {begin, end}});
-    });
+    };
+    if (current_) {
+        selecting_.forEach(std::exchange(current_, std::nullopt), visitInBlock);
+    } else {
+        detailed_.forEach(firstMatch_ - base, visitInBlock);
+    }
 }
 
 }  // namespace tool

@@ -30,7 +30,12 @@ public:
     // Calls `visit` with the matches of the text that is in use that start at or after `from`, from left to right, none
     // overlapping another. An empty match that directly follows a match is left out. Ends when `visit` returns false.
     template <class Visit>
-    void forEach(std::size_t from, Visit visit);
+    void forEach(std::size_t from, Visit visit) {
+        forEach(find(from), visit);
+    }
+    // The same from a match on that `find` has just found.
+    template <class Visit>
+    void forEach(std::optional<FoundMatch> found, Visit visit);
 
 private:
     std::size_t length_ = 0;
@@ -39,17 +44,17 @@ private:
 };
 
 template <class Visit>
-void MatchSource::forEach(std::size_t from, Visit visit) {
+void MatchSource::forEach(std::optional<FoundMatch> found, Visit visit) {
     std::optional<std::size_t> previousEnd;
-    for (std::size_t at = from; at <= length_;) {
-        const std::optional<FoundMatch> found = find(at);
-        if (!found) return;
+    while (found) {
         const std::size_t start = found->results->matchStart;
         const std::size_t length = found->results->matchLength;
         const bool isRepeated = length == 0 && previousEnd == start;
         previousEnd = start + length;
         if (!isRepeated && !visit(*found)) return;
-        at = length == 0 ? start + 1 : start + length;
+        const std::size_t next = length == 0 ? start + 1 : start + length;
+        if (next > length_) return;
+        found = find(next);
     }
 }
 

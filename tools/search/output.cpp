@@ -68,13 +68,14 @@ void OrderedOutput::abandon() {
 std::string_view OrderedOutput::pieceOf(std::string_view text) const {
     if (!isPipe_ || text.size() <= PIPE_BUF) return text;
     const std::size_t end = text.rfind('\n', PIPE_BUF - 1);
-    return text.substr(0, end == std::string_view::npos ? std::min(text.find('\n'), text.size() - 1) + 1 : end + 1);
+    return text.substr(
+        0, end == std::string_view::npos ? std::min(text.find('\n'), text.size() - 1) + 1 : end + 1);
 }
 
 void OrderedOutput::writeThrough(std::string_view text) {
     while (!text.empty()) {
         const std::string_view piece = pieceOf(text);
-        if (isPipe_ && interruptPending()) throw Interrupted();
+        if (isPipe_ && !waitForOutput(descriptor_)) throw Interrupted();
         const ssize_t written = ::write(descriptor_, piece.data(), piece.size());
         if (written < 0 && errno != EINTR)
             throw std::system_error(errno, std::generic_category(), "cannot write to standard output");
