@@ -20,7 +20,7 @@ function(corvane_man_page name section source summary)
     add_custom_command(OUTPUT ${page}
         COMMAND ${CORVANE_PANDOC} --standalone --from ${corvane_man_reader} --to man --lua-filter ${corvane_man_filter}
             -V "title=${title}" -V section=${section} -V "footer=corvane_regexp ${PROJECT_VERSION}"
-            -V "header=Corvane Regexp" -M "name=${name}" -M "summary=${summary}" ${ARGN}
+            -V "header=Corvane Regexp" -V adjusting=l -M "name=${name}" -M "summary=${summary}" ${ARGN}
             --output ${page} ${PROJECT_SOURCE_DIR}/${source}
         DEPENDS ${PROJECT_SOURCE_DIR}/${source} ${corvane_man_filter} ${corvane_help_files}
         VERBATIM)

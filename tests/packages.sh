@@ -85,9 +85,9 @@ check() {
     say "installing the packages"
     in_root sh -c 'apt-get install -qq -y --no-install-recommends /tmp/packages/*.deb' >"$place/install.log"
     in_root sh -c 'cd /tmp/sources && ./applications'
-    say "removing them"
+    say "removing them and what they brought along"
     # shellcheck disable=SC2046
-    in_root apt-get purge -qq -y $(for file in $packages; do basename "$file" | sed 's/_.*//'; done) >>"$place/install.log"
+    in_root apt-get purge -qq -y --auto-remove $(for file in $packages; do basename "$file" | sed 's/_.*//'; done) >>"$place/install.log"
     files_of_root >"$place/after"
     if ! diff "$place/before" "$place/after"; then
         echo "the packages left this behind"

@@ -19,12 +19,12 @@ compare() {
     xz --decompress --stdout "$folder/$name.abi.xz" >"$build/$name.accepted.abi"
     status=0
     abidiff --leaf-changes-only --impacted-interfaces "$build/$name.accepted.abi" "$build/$name.abi" >"$build/$name.report" || status=$?
-    # The bits of the status: 1 and 2 trouble, 4 a change, 8 an incompatible one.
+    # The bits of the status: 1 and 2 trouble, 4 a change that somebody has to judge, 8 one that is surely incompatible.
     case $status in
         0) echo "$name: no change" ;;
         4)
             cat "$build/$name.report"
-            echo "$name: changes to look over; applications that are built already may run on"
+            echo "$name: changed; a size, an offset or a value that applications were compiled with breaks them"
             changed=1
             ;;
         12)

@@ -11,7 +11,7 @@ status=0
 expect() {
     grep -q "$2" "$1" || { echo "$1 has nothing like $2"; status=1; }
 }
-expect debian/changelog "^corvane-regexp ($version-[0-9]*) "
+expect debian/changelog "^corvane-regexp ($version-[0-9a-z]*) "
 expect debian/control "^Package: libcorvane-regexp$abi\$"
 expect "debian/libcorvane-regexp$abi.install" "libcorvane_regexp\.so\."
 

@@ -10,5 +10,6 @@ echo theirs >"$prefix/include/corvane/theirs.h"
 cmake --install "$build" --prefix "$prefix" >/dev/null
 [ -f "$prefix/include/corvane/regexp/regexp.h" ]
 cmake "-Dmanifest=$build/install_manifest.txt" -P "$3/cmake/uninstall.cmake" >/dev/null
-left=$(find "$prefix" ! -type d; find "$prefix" -depth -mindepth 1 -type d -path '*/*corvane*' -empty)
-[ "$left" = "$prefix/include/corvane/theirs.h" ] || { echo "left: $left"; exit 1; }
+cd "$prefix"
+left=$(find . ! -type d; find . -depth -path '*corvane*' -type d -empty)
+[ "$left" = ./include/corvane/theirs.h ] || { echo "left: $left"; exit 1; }
