@@ -34,20 +34,20 @@ row() {
     local kind=$1 label=$2 ours theirs
     ours=$(measure "$kind" "${our_command[@]}")
     theirs=$(measure "$kind" "${rg_command[@]}")
-    awk -v label="$label" -v ours="$ours" -v theirs="$theirs" -v grep="$(measure "$kind" "${grep_command[@]}")" 'BEGIN {
+    label=$label awk -v ours="$ours" -v theirs="$theirs" -v grep="$(measure "$kind" "${grep_command[@]}")" 'BEGIN {
         split(ours, a, " "); split(theirs, b, " "); split(grep, c, " ")
-        printf "%-32s %8.2f %8.2f %8.2f %7.2f%s\n", label, a[1], b[1], c[1], a[1] / (b[1] > 0 ? b[1] : 0.01),
+        printf "%-32s %8.2f %8.2f %8.2f %7.2f%s\n", ENVIRON["label"], a[1], b[1], c[1], a[1] / (b[1] > 0 ? b[1] : 0.01),
             a[2] == b[2] ? "" : "  counts " a[2] " and " b[2]
     }'
 }
 
 printf '%-32s %8s %8s %8s %7s\n' "processor s, $megabytes MB" ours rg grep 'to rg'
-while IFS=$'\t' read -r flag pattern; do
+while IFS=@ read -r flag pattern; do
     our_command=("$tool" match -j1 -c -e "$pattern" "$text")
     rg_command=(rg --no-config -j1 -c ${flag:+-P} -e "$pattern" "$text")
     grep_command=(grep -c -P -e "$pattern" "$text")
     row processor "$pattern"
-done < <(tr '@' '\t' <<'PATTERNS'
+done <<'PATTERNS'
 @Sherlock Holmes
 @zqxj
 @the
@@ -64,7 +64,6 @@ P@(?<=the )[a-z]+ing
 P@\w+(?= Holmes)
 P@(\w)\1\w*\s
 PATTERNS
-)
 
 mkdir "$work/tree"
 awk -v files="$files" -v folder="$work/tree" '

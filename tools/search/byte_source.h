@@ -39,6 +39,7 @@ private:
     std::string name_;
     int descriptor_;
     std::uint64_t size_ = 0;
+    std::uint64_t done_ = 0;  // bytes that were read
     bool waits_ = false;  // a pipe or a terminal, from which reading may take time
     bool directory_ = false;
 };

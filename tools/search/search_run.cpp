@@ -25,6 +25,7 @@
 #include <optional>
 #include <system_error>
 #include <thread>
+#include <utility>
 
 namespace tool {
 namespace {
@@ -37,7 +38,7 @@ public:
           output_(STDOUT_FILENO),
           progress_(settings.style.toTerminal),
           threads_(threadCount()),
-          tasks_(threads_ > 1 ? 64 * threads_ : 0) {}
+          tasks_(threads_ > 1 ? 8 * threads_ : 0) {}
 
     int run() {
         const auto begin = std::chrono::steady_clock::now();
@@ -45,6 +46,7 @@ public:
         if (threads_ > 1)
             for (std::size_t i = 0; i != threads_; ++i) workers.emplace_back([this] { work(); });
         guarded([this] { offerAll(); });
+        if (!collected_.empty()) tasks_.push(std::move(collected_));
         tasks_.close();
         workers.clear();  // joins
         if (own_) totals_.add(own_->totals());
@@ -56,6 +58,8 @@ public:
     }
 
 private:
+    static constexpr std::size_t tasksAtOnce = 24;
+
     // One file alone is searched by the thread that is there.
     std::size_t threadCount() const {
         if (!settings_.mayUseThreads || settings_.listsOnly) return 1;
@@ -106,7 +110,10 @@ private:
     bool handOut(SearchTask task) {
         task.number = nextNumber_++;
         if (over_) return false;
-        if (threads_ > 1) return tasks_.push(std::move(task));
+        if (threads_ > 1) {
+            collected_.push_back(std::move(task));
+            return collected_.size() < tasksAtOnce || tasks_.push(std::exchange(collected_, {}));
+        }
         if (!own_) own_ = makeSearch();
         search(*own_, task);
         return !over_;
@@ -157,9 +164,10 @@ private:
     void work() {
         guarded([this] {
             std::unique_ptr<TextSearch> search;
-            while (const std::optional<SearchTask> task = tasks_.take()) {
+            while (const std::optional<SearchTasks> tasks = tasks_.take()) {
                 if (!search) search = makeSearch();
-                if (!over_) this->search(*search, *task);
+                for (const SearchTask& task : *tasks)
+                    if (!over_) this->search(*search, task);
             }
             if (!search) return;
             const std::lock_guard lock(mutex_);
@@ -237,6 +245,7 @@ private:
     TaskQueue tasks_;
     std::size_t nextNumber_ = 0;
     std::vector<SearchTask> gathered_;
+    SearchTasks collected_;  // on their way to the threads
     std::unique_ptr<TextSearch> own_;  // of the main thread
     std::mutex mutex_;                 // for the three below, and for messages
     std::exception_ptr failure_;

@@ -7,6 +7,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace tool {
 
@@ -16,14 +17,17 @@ struct SearchTask {
     std::size_t number = 0;  // in the order of the output
 };
 
+// Handing over a file at a time would cost more than the search of a small file.
+using SearchTasks = std::vector<SearchTask>;
+
 // Safe to call from many threads.
 class TaskQueue {
 public:
-    // `room`: as many wait at most.
+    // `room`: as many lists wait at most.
     explicit TaskQueue(std::size_t room) : room_(room) {}
 
     // Waits for room. False when the queue is closed.
-    bool push(SearchTask task) {
+    bool push(SearchTasks task) {
         std::unique_lock lock(mutex_);
         hasRoom_.wait(lock, [this] { return tasks_.size() < room_ || closed_; });
         if (closed_) return false;
@@ -33,11 +37,11 @@ public:
     }
 
     // Waits for a task. Nothing when the queue is closed and all were taken.
-    std::optional<SearchTask> take() {
+    std::optional<SearchTasks> take() {
         std::unique_lock lock(mutex_);
         hasTask_.wait(lock, [this] { return !tasks_.empty() || closed_; });
         if (tasks_.empty()) return std::nullopt;
-        SearchTask task = std::move(tasks_.front());
+        SearchTasks task = std::move(tasks_.front());
         tasks_.pop_front();
         hasRoom_.notify_one();
         return task;
@@ -55,7 +59,7 @@ private:
     std::mutex mutex_;
     std::condition_variable hasTask_;
     std::condition_variable hasRoom_;
-    std::deque<SearchTask> tasks_;
+    std::deque<SearchTasks> tasks_;
     bool closed_ = false;
 };
 
