@@ -34,7 +34,10 @@ $(basename "$1") does not export what ${2##*/} lists:
 
 $changes
 
-What is missing (-) breaks applications, unless nothing installed declared it. If the change is meant, write the list anew
-with "./dev abi --accept" and commit it; where a line is missing, raise MINOR in regexp/version.h for the next release.
+What is missing (-) breaks applications, unless nothing installed declared it. If the change is meant, write the list anew,
+
+    tests/abi/exports.sh $1 >tests/abi/${2##*/}
+
+and commit it. Where a line is missing, the next release raises MINOR in regexp/version.h.
 EOF
 exit 1
