@@ -26,4 +26,4 @@ target_link_options(corvane_c PRIVATE -Wl,--version-script=${PROJECT_SOURCE_DIR}
 set_target_properties(corvane_c PROPERTIES
     LINKER_LANGUAGE CXX
     LINK_DEPENDS ${PROJECT_SOURCE_DIR}/bindings/c/corvane_c.map
-    EXPORT_NAME c VERSION ${PROJECT_VERSION} SOVERSION ${corvane_abi_version})
+    EXPORT_NAME c VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})

@@ -36,8 +36,8 @@ const std::vector<std::string> kFloors = {
     "regexp/builder",           // patterns as values
     "regexp/replace",           // replacement texts
     "regexp/eval/expressions",  // expressions of the host, which are read as replacement texts
-    "regexp/inspect",           // growth and outlines
     "regexp/translate",         // quoting and wildcards
+    "regexp/inspect",           // growth, outlines and hints
     "regexp/text",              // text in other encodings
     "host/adapters",            // what the default host makes of the engine's own interfaces
 };

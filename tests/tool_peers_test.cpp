@@ -112,12 +112,15 @@ TEST(CommandLineTool, SelectsTheLinesThatItsPeersSelect) {
         SCOPED_TRACE("run " + std::to_string(run) + ": " + options.common + options.pattern + "\n" + text);
         const std::string ours = outputOf("'" CORVANE_TOOL_PATH "' match " + arguments);
         // A shorter match at the same place may be a whole word: grep looks for one, as do we, by another order of choice.
-        if (hasGrep) EXPECT_EQ(outputOf("grep -E " + arguments), ours);
+        if (hasGrep) {
+            EXPECT_EQ(outputOf("grep -E " + arguments), ours);
+        }
         // Of a file without a match ripgrep prints no count.
-        if (hasRipgrep && options.common.find("-c") == std::string::npos)
+        if (hasRipgrep && options.common.find("-c") == std::string::npos) {
             EXPECT_EQ(outputOf("rg --no-config -N --color never " + arguments +
                                (options.common.find("-n") != std::string::npos ? " -n" : "")),
                       ours);
+        }
     }
     fs::remove_all(folder);
 }

@@ -7,8 +7,8 @@
 #include "regexp/eval/evaluation_inputs.h"
 
 #include <cstddef>
+#include <map>
 #include <memory>
-#include <unordered_map>
 
 class RE_Context;
 class RE_Replace_Evalable;
@@ -49,7 +49,6 @@ private:
 
     std::size_t count = 0;
     RE_Replace_Evalable** items;
-    std::unordered_multimap<std::size_t, std::size_t>
-        places;  ///< indexes by hash, of all, once these are many
+    std::multimap<std::size_t, std::size_t> places;  ///< indexes by hash, of all, once these are many
     std::unique_ptr<RE_Evaluation_Inputs> variables;
 };

@@ -26,12 +26,20 @@ public:
     std::shared_ptr<const RE_Unit_Set> share(std::shared_ptr<const RE_Unit_Set> units) {
         const std::size_t hash = units->hash();
         const std::scoped_lock held(lock);
+        std::weak_ptr<const RE_Unit_Set>* gone = nullptr;
         auto it = known.find(hash);
         for (std::size_t i = 0; i < mostAlike && it != known.end() && it->first == hash; ++i, ++it) {
             const std::shared_ptr<const RE_Unit_Set> other = it->second.lock();
-            if (other != nullptr && *other == *units) {
+            if (other == nullptr) {
+                gone = &it->second;
+            } else if (*other == *units) {
                 return other;
             }
+        }
+        // A pattern that is compiled again and again leaves one note of each set.
+        if (gone != nullptr) {
+            *gone = units;
+            return units;
         }
         if (known.size() + refused >= mostKnown) {
             std::erase_if(known, [](const auto& each) { return each.second.expired(); });
