@@ -36,7 +36,7 @@ T sized() {
 cvre_text utf16(const std::u16string& text) {
     return {text.data(), text.size() * 2, CVRE_UTF16};
 }
-cvre_text utf8(const std::string& text) {
+cvre_text utf8(std::string_view text) {
     return {text.data(), text.size(), CVRE_UTF8};
 }
 Pattern compile(cvre_text text, const cvre_compile_options* options = nullptr) {

@@ -12,7 +12,8 @@ namespace tool {
 namespace {
 
 std::vector<PatternWarning> warningsOf(const std::u16string& pattern, RE_Flags flags) {
-    ConsoleContext context{Corvane::regexp::CompileOptions()};
+    const Corvane::regexp::CompileOptions options;
+    ConsoleContext context(options);
     const RE_Tree tree(pattern.data(), pattern.size(), flags, &context);
     return context.warnings();
 }
