@@ -83,7 +83,7 @@ RE_Compile_Report compileWith(std::u16string_view pattern, RE_Flags flags, const
 constexpr std::uint64_t kWorkAUnit = 60;
 constexpr std::uint64_t kBytesAUnit = 900;
 constexpr std::uint64_t kBytesASet = 8600;
-constexpr std::uint64_t kAtFirst = 40'000;
+constexpr std::uint64_t kAtFirst = 80'000;
 
 // A quarter more than linear, for lists that double.
 TEST(CompileAttacks, GrowNoFasterThanThePattern) {
