@@ -1,4 +1,4 @@
-// What the nodes of a pattern did, as it is told to who asks.
+// What the nodes of a pattern did: the counts that `RE_Tree::profile` returns.
 //
 // A search in progress is not yet in the profile. Counting slows a search down, by more for some nodes than
 // for others: a profile says where the work is, not how long it takes.

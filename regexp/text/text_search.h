@@ -44,7 +44,7 @@ public:
     /// good until the next call; its subject is what the search knew. Null when there is none, and when something broke the
     /// search off: then there are no more.
     const RE_Results* find(std::size_t unit);
-    /// Whether the last search found no match for having come to the end.
+    /// Whether the last search reached the end of the text without a match.
     bool isComplete() const { return stopped == RE_Search_Outcome::noMatch; }
     RE_Search_Report report() const;
 

@@ -1,4 +1,4 @@
-// Who is told of the selected lines: one class for each kind of output.
+// Receivers of the selected lines: one class for each kind of output.
 //
 // A sink formats; it neither searches nor reads. It appends to the text of the output, where a line is either there as a
 // whole or not at all whenever a function returns.

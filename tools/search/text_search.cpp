@@ -1,4 +1,4 @@
-// The search of one text: blocks from the source, lines from the finder, and the sink, which is told of them.
+// The search of one text: blocks from the source, lines from the finder, and the sink that receives them.
 #include "tools/search/text_search.h"
 
 #include <cstring>
