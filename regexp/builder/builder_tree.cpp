@@ -15,8 +15,8 @@ RE_Tree::RE_Tree(const RE_Builder_Space::RE_Builder& builder, RE_Flags flags, RE
     parse(pattern.data(), pattern.size(), flags, context, nullptr, nullptr, true, nullptr, {});
 }
 
-// The text is drawn within the limits, too, and what that takes is counted. Where it is refused, the builder's own text is
-// what the host is told of: there is no other.
+// Drawing the text counts against the limits, too. When it is refused there is no drawn text, so the host gets the
+// builder's own one to report the warning in.
 RE_Tree::RE_Tree(const RE_Builder_Space::RE_Builder& builder, RE_Flags flags, RE_Context* context,
                  const RE_Compile_Limits& limits, RE_Compile_Report& report)
     : interruptible(context != nullptr && context->allow_interrupt()) {
