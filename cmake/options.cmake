@@ -10,7 +10,7 @@ option(CORVANE_BUILD_BENCH "Build the benchmarks" OFF)
 option(CORVANE_BUILD_FUZZ "Build the fuzz targets" OFF)
 option(CORVANE_CHECK_GRAPH "Check the node graph around every compile pass" ${CORVANE_DEVELOPER_MODE})
 option(CORVANE_PRECOMPILE_HEADERS "Read the headers of other libraries once per target" ${CORVANE_DEVELOPER_MODE})
-option(CORVANE_UNITY_BUILD "Compile the sources of the engine a dozen at a time" ${CORVANE_DEVELOPER_MODE})
+option(CORVANE_UNITY_BUILD "Compile the sources of a target several at a time" ${CORVANE_DEVELOPER_MODE})
 option(CORVANE_INSTALL "Generate the install rules" ${PROJECT_IS_TOP_LEVEL})
 
 if(PROJECT_IS_TOP_LEVEL)
@@ -51,10 +51,14 @@ function(corvane_compile_rules target)
     endif()
 endfunction()
 
-# The headers of the standard library and of Boost that most sources read, and those of the target's own choice.
-# Sources still include what they use: builds for users go without.
-function(corvane_precompile target)
-    if(CORVANE_PRECOMPILE_HEADERS)
+# corvane_group_sources(TARGET AT_A_TIME HEADER...): so many sources are read together, which reads headers once for all of
+# them; without that the headers given, and those of the standard library and of Boost that most sources read, are read
+# once for the target. Reading headers is most of the work of a build. Sources still include what they use, as builds
+# for users have neither; and what a file keeps to itself has a name of its own within the target.
+function(corvane_group_sources target at_a_time)
+    if(CORVANE_UNITY_BUILD)
+        set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE ${at_a_time})
+    elseif(CORVANE_PRECOMPILE_HEADERS)
         target_precompile_headers(${target} PRIVATE
             <algorithm> <cstdint> <functional> <map> <memory> <string> <string_view> <unordered_map> <utility> <vector>
             <boost/container/flat_map.hpp> <boost/container/flat_set.hpp> <boost/container/small_vector.hpp>

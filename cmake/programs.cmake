@@ -23,7 +23,7 @@ if(CORVANE_BUILD_TOOLS AND tool_sources AND nlohmann_json_FOUND)
     endif()
     add_executable(cvregexp ${tool_sources})
     corvane_compile_rules(cvregexp)
-    corvane_precompile(cvregexp <iostream> <boost/program_options.hpp> <nlohmann/json.hpp>
+    corvane_group_sources(cvregexp 10 <iostream> <boost/program_options.hpp> <nlohmann/json.hpp>
         ${PROJECT_SOURCE_DIR}/regexp/regexp.h)
     target_include_directories(cvregexp PRIVATE ${PROJECT_SOURCE_DIR})
     target_compile_definitions(cvregexp PRIVATE CORVANE_VERSION="${PROJECT_VERSION}")

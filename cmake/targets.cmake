@@ -24,15 +24,11 @@ endif()
 file(GLOB_RECURSE regexp_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/regexp/*.cpp)
 add_library(corvane_regexp_objects OBJECT ${regexp_sources})
 corvane_compile_rules(corvane_regexp_objects)
-if(CORVANE_UNITY_BUILD)
-    set_target_properties(corvane_regexp_objects PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 12)
-    # They include themselves once for each set of vector instructions.
-    set_source_files_properties(${PROJECT_SOURCE_DIR}/regexp/seek/kernels.cpp
-        ${PROJECT_SOURCE_DIR}/regexp/dfa/shuffle.cpp ${PROJECT_SOURCE_DIR}/regexp/text/conversion_kernels.cpp
-        PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
-else()
-    corvane_precompile(corvane_regexp_objects)
-endif()
+corvane_group_sources(corvane_regexp_objects 12)
+# They include themselves once for each set of vector instructions.
+set_source_files_properties(${PROJECT_SOURCE_DIR}/regexp/seek/kernels.cpp
+    ${PROJECT_SOURCE_DIR}/regexp/dfa/shuffle.cpp ${PROJECT_SOURCE_DIR}/regexp/text/conversion_kernels.cpp
+    PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
 target_include_directories(corvane_regexp_objects PUBLIC ${PROJECT_SOURCE_DIR})
 target_link_libraries(corvane_regexp_objects PUBLIC Boost::headers Boost::program_options hwy::hwy)
 

@@ -4,10 +4,12 @@
 // Work and bytes are counted, not seconds, so the verdict is the same on every machine. The oracle for a limit is the same
 // text without one: with what it took it is compiled, with a unit less it is refused.
 #include "host/allocation_counter.h"
+#include "host/interrupt.h"
 #include "host/memory_hook.h"
 #include "tests/support/differential.h"
 #include "tests/support/scripted_host.h"
 #include "regexp/base/compile_limits.h"
+#include "regexp/units/unit_set.h"
 
 #include <gtest/gtest.h>
 #include <cstdio>
@@ -111,7 +113,7 @@ TEST(CompileAttacks, GrowNoFasterThanThePattern) {
     }
 }
 
-const std::u16string_view kPatterns[] = {
+const std::u16string_view kLimitedPatterns[] = {
     u"a(b+)c",
     u"(?<n>a|ab)*?(?<m>c)\\k<n>?(?(m)d|e)",
     u"(?i)[a-z\u0430-\u044F]+(?:one|two|three)?",
@@ -131,7 +133,7 @@ struct Limited {
 // nothing, with a warning inside of the pattern, and leaves nothing behind.
 TEST(CompileLimits, AreMetExactly) {
     Corvane::regexp::CompileOptions options;
-    for (const std::u16string_view pattern : kPatterns) {
+    for (const std::u16string_view pattern : kLimitedPatterns) {
         compileWith(pattern, kPlain);
         RecordingContext unbounded(configured(options, {}));
         const RE_Compile_Report whole = compileWith(pattern, kPlain, {}, &unbounded);

@@ -4,6 +4,8 @@
 // registers, counts) must not collide although each tree numbers them from the beginning.
 #include "tests/support/differential.h"
 #include "tests/support/pattern_random.h"
+#include "regexp/graph/graph_facts.h"
+#include "regexp/graph/node.h"
 #include "regexp/options/compile_options.h"
 
 #include <gtest/gtest.h>

@@ -17,7 +17,7 @@
 namespace corvane_tests {
 namespace {
 
-constexpr RE_Flags kLines = 0x06;
+constexpr RE_Flags kLineFlags = 0x06;
 /// A pattern by its automaton and as a plain graph.
 class Automaton {
 public:
@@ -64,7 +64,7 @@ private:
     Engine plain;
 };
 
-struct Case {
+struct DfaCase {
     const char16_t* pattern;
     RE_Flags flags;
     const char16_t* alphabet;  ///< of the subjects
@@ -72,7 +72,7 @@ struct Case {
 
 // Every node that the automaton can express, in the orders that decide: which of two ends comes first is where a
 // determinizer goes wrong.
-const Case kCases[] = {
+const DfaCase kDfaCases[] = {
     {u"(?:a+)+[bc]", kPlain, u"abcd"},
     {u"(?:a|aa)+$", kPlain, u"aab"},
     {u"(?:a?){3}a{3}", kPlain, u"a"},
@@ -84,7 +84,7 @@ const Case kCases[] = {
     {u"(?:a?\?){40}b", kEmptyToo, u"ab"},
     {u"a*?b|a+c", kPlain, u"abc"},
     {u"(\\w+\\s?)+\\d", kPlain, u"a 1!"},
-    {u"^(?:\\w+\\s?)*$", kLines, u"ab \n!"},
+    {u"^(?:\\w+\\s?)*$", kLineFlags, u"ab \n!"},
     {u"\\<a.*?b\\>|b+\\>", 0x10, u"ab \n"},
     {u"(?<=a)b|a(?=c)|(?<!b)c(?!a)", kPlain, u"abc"},
     {u"(?<![a-c])b+(?![^b])", kPlain, u"abz"},
@@ -97,7 +97,7 @@ const Case kCases[] = {
 
 TEST(Dfa, FindsTheEndsOfTheMatchLoop) {
     PatternSource source(42);
-    for (const Case& each : kCases) {
+    for (const DfaCase& each : kDfaCases) {
         const std::u16string alphabet(each.alphabet);
         for (const EngineConfig& config : {EngineConfig(), kPlainGraph, EngineConfig{true, true, true, 0, false}}) {
             const Automaton automaton(each.pattern, each.flags, config);
@@ -135,9 +135,9 @@ TEST(Dfa, AgreesOnRandomPatterns) {
     EXPECT_GT(made, rounds / 3) << "or nothing is compared";
 }
 
-/// In turn: a row of kCases, a drawn pattern, a dense one.
+/// In turn: a row of kDfaCases, a drawn pattern, a dense one.
 DrawnPattern drawnOrKnown(PatternSource& source, unsigned long round) {
-    const Case& known = kCases[round / 3 % std::size(kCases)];
+    const DfaCase& known = kDfaCases[round / 3 % std::size(kDfaCases)];
     constexpr unsigned readers = kReferences | kConditions | kDynamics | kLookarounds | kAtomics | kPossessives;
     return round % 3 == 0   ? DrawnPattern{known.pattern, known.flags}
            : round % 3 == 1 ? source.draw(readers)
@@ -206,8 +206,8 @@ TEST(Dfa, IsNotMadeForWhatItCannotExpress) {
 // Neither an endless row of attempts nor one of matches makes a search forget what it knows.
 TEST(Dfa, IsConsultedFromMatchToMatchAndFromSubjectToSubject) {
     const std::u16string bad(400, u'a');
-    for (const Case& each : {Case{u"(?:a|aa)+b", kPlain, u""}, Case{u"(?:a|aa)+[bc]", kPlain, u""},
-                             Case{u"((?:a|aa)+)[bc]", kPlain, u""}}) {
+    for (const DfaCase& each : {DfaCase{u"(?:a|aa)+b", kPlain, u""}, DfaCase{u"(?:a|aa)+[bc]", kPlain, u""},
+                                DfaCase{u"((?:a|aa)+)[bc]", kPlain, u""}}) {
         const Engine plain(each.pattern, each.flags);
         const Engine engine(each.pattern, each.flags, {.machineCode = true, .dfa = true});
         RE_Match_Sequence expected(plain.tree(), {});

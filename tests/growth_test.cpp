@@ -4,6 +4,7 @@
 // A judgement may be wrong in one direction only: a pattern that grows must never be called linear. So known patterns
 // pin the judgement, witnesses have to show the growth, and random patterns that are called linear are measured.
 #include "regexp/inspect/growth.h"
+#include "regexp/graph/graph_facts.h"
 #include "regexp/search/observer.h"
 #include "tests/support/differential.h"
 #include "tests/support/pattern_random.h"

@@ -41,7 +41,7 @@ private:
 };
 
 /// The text is so many copies of the pump as fit, before the suffix.
-struct Attack {
+struct SubjectAttack {
     const char* what;
     const char16_t* pattern;
     RE_Flags flags;
@@ -52,7 +52,7 @@ struct Attack {
 constexpr RE_Flags kCase = kPlain | 1;
 
 // clang-format off
-constexpr Attack kAttacks[] = {
+constexpr SubjectAttack kAttacks[] = {
     {"a literal that the end cuts off", u"abcdefghijklmnopqrstuvwxyz", kPlain, u"z", u"abcdefghijklmnopqrstuvwxy"},
     {"a short literal at the end", u"ab", kPlain, u"b", u"a"},
     {"a folded literal at the end", u"holmes", kCase, u"H", u"HOLME"},
@@ -104,7 +104,7 @@ constexpr Attack kAttacks[] = {
 };
 // clang-format on
 
-std::u16string subjectOf(const Attack& attack, size_t units) {
+std::u16string subjectOf(const SubjectAttack& attack, size_t units) {
     const std::u16string suffix = attack.suffix;
     std::u16string text;
     while (text.size() + suffix.size() < units) {
@@ -116,7 +116,7 @@ std::u16string subjectOf(const Attack& attack, size_t units) {
 // Each length up to a few vectors, so that every tail of a block of units occurs; from the begin and from within.
 TEST(GuardedSubjects, AreReadFromTheirBeginToTheirEndAndNoFurther) {
     GuardedText guarded;
-    for (const Attack& attack : kAttacks) {
+    for (const SubjectAttack& attack : kAttacks) {
         const Engine plain(attack.pattern, attack.flags, kPlainGraph);
         const EngineConfig kinds[] = {{},
                                       {true, true, true, 1024, false, true},
@@ -140,7 +140,7 @@ TEST(GuardedSubjects, AreReadFromTheirBeginToTheirEndAndNoFurther) {
 
 // The buffer is as large as the text to the unit, and the result longer, shorter or of the same length. It may move.
 TEST(GuardedSubjects, AreReplacedInPlaceWithoutAUnitMore) {
-    for (const Attack& attack : kAttacks) {
+    for (const SubjectAttack& attack : kAttacks) {
         const RE_Tree tree(attack.pattern, std::char_traits<char16_t>::length(attack.pattern), attack.flags, nullptr);
         for (const std::u16string_view replacement : {u"", u"x", u"<$&$&$&>", u"$`$'", u"$1"}) {
             const RE_Replace replace(replacement.data(), replacement.size());
@@ -165,7 +165,7 @@ TEST(GuardedSubjects, AreReplacedInPlaceWithoutAUnitMore) {
 // What is quoted is found as it is, and a wildcard of a text finds the text, whatever that is.
 TEST(GuardedSubjects, AreQuotedAndTranslated) {
     GuardedText guarded;
-    for (const Attack& attack : kAttacks) {
+    for (const SubjectAttack& attack : kAttacks) {
         for (const size_t units : {size_t{1}, size_t{16}, size_t{65}}) {
             const std::u16string text = subjectOf(attack, units);
             const std::u16string_view subject = guarded.place(text, true);

@@ -36,11 +36,11 @@ private:
     utAllocationHook* previous;
 };
 
-using Work =
+using InterruptedWork =
     std::function<RE_Search_Report(const RE_Tree& tree, const RE_Replace& replace, const std::u16string& text)>;
 
 /// The ways of searching, each of which has a report of its own.
-const std::pair<const char*, Work> kWork[] = {
+const std::pair<const char*, InterruptedWork> kInterruptedWork[] = {
     {"match",
      [](const RE_Tree& tree, const RE_Replace&, const std::u16string& text) {
          RE_Search_Report report;
@@ -71,7 +71,7 @@ TEST(Interrupts, StopWorkThatAllowsThemAndAreKeptForTheHost) {
         Interruptible host(allowed);
         const RE_Tree tree(u"(?:a|aa)*c", 10, kPlain, &host);
         const RE_Replace replace(u"-", 1, kPlain, &host);
-        for (const auto& [name, work] : kWork) {
+        for (const auto& [name, work] : kInterruptedWork) {
             for (const bool before : {true, false}) {
                 for (const bool during : {true, false}) {
                     utInterruptState::SetInterruptPending(before);

@@ -15,20 +15,20 @@
 namespace corvane_tests {
 namespace {
 
-struct Searched {
+struct CodeSearch {
     Outcome outcome;
     RE_Search_Outcome ending;
     std::uint64_t steps;
 
-    bool operator==(const Searched&) const = default;
+    bool operator==(const CodeSearch&) const = default;
 };
 
-std::string describe(const Searched& searched) {
+std::string describe(const CodeSearch& searched) {
     return corvane_tests::describe(searched.outcome) + " ending " + std::to_string(static_cast<int>(searched.ending)) +
            " steps " + std::to_string(searched.steps);
 }
 
-Searched searchWithin(const RE_Tree& tree, std::u16string_view subject, size_t offset, std::uint64_t steps) {
+CodeSearch searchWithin(const RE_Tree& tree, std::u16string_view subject, size_t offset, std::uint64_t steps) {
     RE_Search_Report report;
     const std::unique_ptr<RE_Results> results(
         tree.match(subject.data(), subject.size(), offset, RE_Search_Limits{.steps = steps}, report));
@@ -50,8 +50,8 @@ public:
     /// What is wrong, or nothing.
     std::string compare(std::u16string_view subject, size_t offset = 0,
                         std::uint64_t steps = RE_Step_Meter::unlimited) const {
-        const Searched expected = searchWithin(program.tree(), subject, offset, steps);
-        const Searched found = searchWithin(machine.tree(), subject, offset, steps);
+        const CodeSearch expected = searchWithin(program.tree(), subject, offset, steps);
+        const CodeSearch found = searchWithin(machine.tree(), subject, offset, steps);
         const bool same = found == expected;
         const bool right =
             expected.ending == RE_Search_Outcome::stepsSpent || plain.search(subject, offset) == expected.outcome;
@@ -71,7 +71,7 @@ private:
 };
 
 /// Subjects are drawn over the alphabet, in which units of the pattern are frequent.
-struct Case {
+struct CodeCase {
     const char16_t* pattern;
     RE_Flags flags;
     const char16_t* alphabet;  ///< of the subjects
@@ -82,7 +82,7 @@ constexpr RE_Flags kFolded = 0x13;
 
 // Every instruction, every kind of set, every way to the next start. Units beyond ASCII are in some alphabets because
 // sets compare low and high units by different code.
-const Case kCases[] = {
+const CodeCase kCodeCases[] = {
     {u"\\w+", kPlain, u"ab \u0436_"},
     {u"[a-c]+", kPlain, u"abd"},
     {u"[^b]+b", kPlain, u"ab\u0436\uFFFF"},
@@ -145,7 +145,7 @@ INSTANTIATE_TEST_SUITE_P(Vectors, MachineCode,
 TEST_P(MachineCode, FindsWhatTheGraphFindsInAsManySteps) {
     PatternSource source(42);
     size_t compiled = 0;
-    for (const Case& each : kCases) {
+    for (const CodeCase& each : kCodeCases) {
         const std::u16string alphabet(each.alphabet);
         const Ways ways(each.pattern, each.flags);
         compiled += ways.hasCode() ? 1 : 0;
@@ -162,7 +162,7 @@ TEST_P(MachineCode, FindsWhatTheGraphFindsInAsManySteps) {
         }
     }
 #ifdef CORVANE_MACHINE_CODE
-    EXPECT_GE(compiled, std::size(kCases) * 3 / 4) << "or nothing is compared";
+    EXPECT_GE(compiled, std::size(kCodeCases) * 3 / 4) << "or nothing is compared";
 #endif
 }
 
@@ -238,7 +238,7 @@ std::vector<Outcome> walk(const RE_Tree& tree, const std::vector<std::u16string>
 // The code keeps what it knows of a subject in the search state, and has to forget it with the subject.
 TEST_P(MachineCode, WalksFromMatchToMatchAndFromSubjectToSubject) {
     PatternSource source(7);
-    for (const Case& each : kCases) {
+    for (const CodeCase& each : kCodeCases) {
         const std::u16string alphabet(each.alphabet);
         std::vector<std::u16string> subjects(40);
         for (std::u16string& subject : subjects) {
@@ -255,9 +255,10 @@ TEST_P(MachineCode, WalksFromMatchToMatchAndFromSubjectToSubject) {
 
 // A start, a line end or the end of a run may be at any unit of a vector, near the subject's end or far from it.
 TEST_P(MachineCode, ScansToTheExactUnit) {
-    for (const Case& each : {Case{u"\\w\\d?", kPlain, u""}, Case{u"^x", kLines, u""}, Case{u"xyz", kPlain, u""},
-                             Case{u"XYZ", kFolded, u""}, Case{u"z", kPlain, u""}, Case{u"\\nxy|yz", kPlain, u""},
-                             Case{u"-+x", kPlain, u""}, Case{u"([^x]+)x", kPlain, u""}}) {
+    for (const CodeCase& each :
+         {CodeCase{u"\\w\\d?", kPlain, u""}, CodeCase{u"^x", kLines, u""}, CodeCase{u"xyz", kPlain, u""},
+          CodeCase{u"XYZ", kFolded, u""}, CodeCase{u"z", kPlain, u""}, CodeCase{u"\\nxy|yz", kPlain, u""},
+          CodeCase{u"-+x", kPlain, u""}, CodeCase{u"([^x]+)x", kPlain, u""}}) {
         const Ways ways(each.pattern, each.flags);
         for (const size_t gap :
              {0,   1,   3,   4,   5,   15,  16,  17,   31,   32,   33,   63,   64,   65,   127,  128, 239,
@@ -297,12 +298,13 @@ private:
 TEST_P(MachineCode, ReadsNothingOutsideOfTheSubject) {
     Fenced pages;
     PatternSource source(9);
-    std::vector<Case> cases(std::begin(kCases), std::end(kCases));
-    for (const Case& more : {Case{u"aba", kPlain, u"ab"}, Case{u"ABA", kFolded, u"aB"}, Case{u"a", kPlain, u"b"},
-                             Case{u"ab|bc|ca", kPlain, u"ac"}, Case{u"^b", kLines, u"a\nb"}}) {
+    std::vector<CodeCase> cases(std::begin(kCodeCases), std::end(kCodeCases));
+    for (const CodeCase& more :
+         {CodeCase{u"aba", kPlain, u"ab"}, CodeCase{u"ABA", kFolded, u"aB"}, CodeCase{u"a", kPlain, u"b"},
+          CodeCase{u"ab|bc|ca", kPlain, u"ac"}, CodeCase{u"^b", kLines, u"a\nb"}}) {
         cases.push_back(more);
     }
-    for (const Case& each : cases) {
+    for (const CodeCase& each : cases) {
         const std::u16string alphabet(each.alphabet);
         const Engine machine(each.pattern, each.flags, {.machineCode = true});
         const Engine program(each.pattern, each.flags);

@@ -50,7 +50,7 @@ std::string runAt(const RE_Tree& tree, std::size_t position, RE_Search_Info& inf
     return shown(&view);
 }
 
-const char16_t* const kPatterns[] = {
+const char16_t* const kAskedPatterns[] = {
     u"a(b+)c",    u"(a)|(b)",        u"(a)?(?(1)b|c)",      u"(?:(a)|b)*\\1", u"((a)b)+",      u"b*",
     u"(?<=(a))b", u"(?:a|ab|(b))*c", u"(?:(x)|a)(?:\\1|b)", u"(?>(a|b)*)c",   u"(a)(??b)\\1?", u"(?=(a|b))(??$1)."};
 
@@ -66,7 +66,7 @@ TEST(MatchBool, AnswersAsASearchAtThatPositionWhateverTheStateWasUsedFor) {
             runAt(RE_Tree(pattern, false), 0, info);
             info.resetForStart(info.subjectBegin);
         }};
-    for (const char16_t* pattern : kPatterns) {
+    for (const char16_t* pattern : kAskedPatterns) {
         HostJournal host;
         const ScriptedRun run(pattern, host, kEmptyToo);
         std::size_t matches = 0;

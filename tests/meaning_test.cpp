@@ -77,7 +77,7 @@ std::u16string neighbours() {
     return units;
 }
 
-const char* const kPatterns[] = {
+const char* const kDescribedPatterns[] = {
     "^",         "$",         "(?m)^",    "(?m)$",     "\\<",       "\\>",         "(?=a)",       "(?!a)",
     "(?<=[ab])", "(?<![ab])", "(?=\\d)x", "(?!\\s)x",  "(?<=.)x",   "(?<!(?i)k)x", "(?(?=a)x|y)", "(?(?<!b)x|y)",
     "a",         "(?i)k",     "[a-z]",    "(?i)[a-z]", "(?i)[J-a]", "(?i)[^k-m]",  "\\d",         "\\W",
@@ -87,7 +87,7 @@ const char* const kPatterns[] = {
 TEST(Meanings, SayWhatAVisitDoes) {
     const std::u16string units = neighbours();
     std::map<std::type_index, size_t> compared;
-    for (const char* pattern : kPatterns) {
+    for (const char* pattern : kDescribedPatterns) {
         for (const EngineConfig& config : {EngineConfig{}, kPlainGraph}) {
             const Engine engine(widen(pattern), kEmptyToo, config);
             for (const RE_Node* node : engine.tree().getFacts().nodes) {

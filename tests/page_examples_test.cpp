@@ -9,8 +9,9 @@
 //
 // Other indented lines are figures, or commands whose parts are looked up here. A block of a kind that nothing tries
 // fails. Pages are scanned with plain string functions: g++ 12 warns falsely of std::regex under the sanitizers.
+#include "tests/support/command.h"
+
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -114,14 +115,9 @@ std::vector<Block> blocksOf(const std::string& page) {
 }
 
 /// What the command prints; nothing when it fails.
-std::optional<std::string> outputOf(const std::string& command) {
-    FILE* const pipe = popen(command.c_str(), "r");
-    std::string printed;
-    for (int c = 0; (c = std::fgetc(pipe)) != EOF;) {
-        printed += static_cast<char>(c);
-    }
-    const int status = pclose(pipe);
-    return WIFEXITED(status) && WEXITSTATUS(status) == 0 ? std::optional(printed) : std::nullopt;
+std::optional<std::string> printedBy(const std::string& command) {
+    const CommandResult result = runCommand(command);
+    return result.status == 0 ? std::optional(result.output) : std::nullopt;
 }
 
 bool isLetter(char c) {
@@ -259,7 +255,7 @@ TEST(Pages, ShowProgramsAsTheyAreBuiltAndWhatThesePrint) {
             EXPECT_TRUE(block.kind != "cpp" || program.find(block.text()) != std::string::npos) << block.text();
             output += block.kind == "output" ? block.text() : "";
         }
-        EXPECT_EQ(output, outputOf(CORVANE_EXAMPLE_PATH "/example_" + name));
+        EXPECT_EQ(output, printedBy(CORVANE_EXAMPLE_PATH "/example_" + name));
     }
 }
 

@@ -36,7 +36,7 @@ std::string labels(const Nodes& nodes) {
 }
 
 /// The labels of the graph that this pattern has under these flags and passes, separated by semicolons.
-struct Case {
+struct PassCase {
     const char16_t* pattern;
     RE_Flags flags;
     EngineConfig config;
@@ -49,7 +49,7 @@ constexpr EngineConfig kNulls{false, false, true, 1024, false};
 constexpr EngineConfig kLinear{true, false, true, 1024, false};
 constexpr EngineConfig kAll{true, true, true, 1024, false};
 
-const Case kCases[] = {
+const PassCase kPassCases[] = {
     {u"a()b", 0x12, kNothing, "Null; Match 'a'; Token start #1; Token end #1; Match 'b'; Null; End"},
     {u"a(?:)b", 0x12, kNulls, "Match 'a'; Match 'b'; End"},
     {u"abc", 0x12, kLinear, "Match 'abc'; End"},
@@ -92,7 +92,7 @@ const Case kCases[] = {
 };
 
 TEST(Passes, MakeTheGraphsOfTheTable) {
-    for (const Case& c : kCases) {
+    for (const PassCase& c : kPassCases) {
         const Engine engine(c.pattern, c.flags, c.config);
         EXPECT_EQ(c.labels, labels(nodesOf(engine.tree())));
     }

@@ -29,28 +29,28 @@ RE_Tuning fastAfter(std::uint64_t steps) {
     return tuning;
 }
 
-struct Case {
+struct SpeedUpCase {
     const char16_t* pattern;
     RE_Flags flags = kPlain;
     const char16_t* piece = u"foo(bar) key=value; aab 17:42 \n";
 };
 
 // One for each way of finding starts and of running attempts: literals, sets, anchors, loops that backtrack, references.
-const Case kCases[] = {{u"a(b+)c", kPlain, u"abc abbc ab"},
-                       {u"(?<=\\()\\w+"},
-                       {u"\\w+@\\w+", kPlain, u"ab@cd efgh @x "},
-                       {u"(\\w+)=(\\d+)\\s+(?!g)", kPlain, u"a=1 gb=22  h=3 x"},
-                       {u"(?:foo|key|value|17)(.)?"},
-                       {u"^\\s*(\\w+)", kPlain | RE_FLAG_LINE_ANCHORS},
-                       {u"(a+)+c", kPlain, u"aaaaab"},
-                       {u"(?:a|ab)(?:c|bcd)*?d", kPlain, u"abcd abbcdcd"},
-                       {u"(\\w)\\1"},
-                       {u"(?=(\\w+))\\1:"},
-                       {u"[^;]*;", kPlain},
-                       {u".*?(\\d+)$", kPlain | RE_FLAG_LINE_ANCHORS},
-                       {u"(?i)VAL(?:UE)?;", kPlain},
-                       {u"\\<\\w{3}\\>(?! )", kEmptyToo},
-                       {u"(?:x*)*y?", kEmptyToo, u"xxyx"}};
+const SpeedUpCase kSpeedUpCases[] = {{u"a(b+)c", kPlain, u"abc abbc ab"},
+                                     {u"(?<=\\()\\w+"},
+                                     {u"\\w+@\\w+", kPlain, u"ab@cd efgh @x "},
+                                     {u"(\\w+)=(\\d+)\\s+(?!g)", kPlain, u"a=1 gb=22  h=3 x"},
+                                     {u"(?:foo|key|value|17)(.)?"},
+                                     {u"^\\s*(\\w+)", kPlain | RE_FLAG_LINE_ANCHORS},
+                                     {u"(a+)+c", kPlain, u"aaaaab"},
+                                     {u"(?:a|ab)(?:c|bcd)*?d", kPlain, u"abcd abbcdcd"},
+                                     {u"(\\w)\\1"},
+                                     {u"(?=(\\w+))\\1:"},
+                                     {u"[^;]*;", kPlain},
+                                     {u".*?(\\d+)$", kPlain | RE_FLAG_LINE_ANCHORS},
+                                     {u"(?i)VAL(?:UE)?;", kPlain},
+                                     {u"\\<\\w{3}\\>(?! )", kEmptyToo},
+                                     {u"(?:x*)*y?", kEmptyToo, u"xxyx"}};
 
 std::u16string repeated(const char16_t* piece, size_t times) {
     std::u16string text;
@@ -77,7 +77,8 @@ Walked walkCounting(const RE_Tree& tree, std::u16string_view text) {
 }
 
 /// What differs from the plain pattern when the tree becomes fast after so many steps, or nothing.
-std::string compareAfter(std::uint64_t steps, const Case& each, const std::u16string& text, const Walked& expected) {
+std::string compareAfter(std::uint64_t steps, const SpeedUpCase& each, const std::u16string& text,
+                         const Walked& expected) {
     for (const bool counts : {true, false}) {
         const Engine engine(each.pattern, each.flags, {.speedsUpItself = true});
         const_cast<RE_Tree&>(engine.tree()).tune(fastAfter(steps));
@@ -103,7 +104,7 @@ std::string compareAfter(std::uint64_t steps, const Case& each, const std::u16st
 }
 
 TEST(SpeedUps, LeaveEveryAnswerAndEveryStepWheneverTheyCome) {
-    for (const Case& each : kCases) {
+    for (const SpeedUpCase& each : kSpeedUpCases) {
         const std::u16string text = repeated(each.piece, 6);
         const Walked expected = walkCounting(Engine(each.pattern, each.flags).tree(), text);
         for (std::uint64_t steps = 0; steps <= expected.steps + 20; ++steps) {
@@ -117,7 +118,7 @@ TEST(SpeedUps, LeaveTheAnswersOfRandomPatterns) {
     const unsigned long rounds = environmentNumber("CORVANE_TEST_ROUNDS", sanitized() ? 150 : 1500);
     for (unsigned long round = 0; round < rounds; ++round) {
         const std::u16string pattern = source.pattern();
-        const Case each{pattern.c_str(), source.below(2) == 0 ? kPlain : kEmptyToo};
+        const SpeedUpCase each{pattern.c_str(), source.below(2) == 0 ? kPlain : kEmptyToo};
         const std::u16string text = source.runs(8, 20);
         const Walked expected = walkCounting(Engine(each.pattern, each.flags).tree(), text);
         ASSERT_EQ("", compareAfter(source.below(expected.steps + 40), each, text, expected));
@@ -224,7 +225,7 @@ TEST(ThreadState, IsAsGoodAsAFreshOne) {
     const Delays delays(0, 0, 0);
     PatternSource source(environmentNumber("CORVANE_TEST_SEED", 31337));
     std::vector<std::unique_ptr<Engine>> engines;
-    for (const Case& each : kCases) {
+    for (const SpeedUpCase& each : kSpeedUpCases) {
         engines.push_back(std::make_unique<Engine>(each.pattern, each.flags));
     }
     for (int made = 0; made < 40; ++made) {

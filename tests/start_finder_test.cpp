@@ -15,13 +15,13 @@ namespace corvane_tests {
 namespace {
 
 /// `finder` is the word for people, as `nameOf` has it.
-struct Case {
+struct FinderCase {
     const char16_t* pattern;
     RE_Flags flags;
     const char* finder;
 };
 
-const Case kCases[] = {
+const FinderCase kFinderCases[] = {
     {u"^ab", 0x12, "anchored"},
     {u"^\\w+", 0x14, "anchored"},
     {u"(ab)c?", 0x12, "literal"},
@@ -73,7 +73,7 @@ std::u16string textFor(std::mt19937& random, const std::u16string& units) {
 // searched for from the first failure on.
 TEST(StartFinders, AreChosenInOrderAndSkipNoMatch) {
     std::mt19937 random(7);
-    for (const Case& c : kCases) {
+    for (const FinderCase& c : kFinderCases) {
         const Engine fast(c.pattern, c.flags);
         EXPECT_STREQ(c.finder, nameOf(fast.tree().getFacts().startFinder)) << printable(c.pattern);
         const Delays askingAtOnce(RE_Tuning().memoChoices, RE_Tuning().memoChoicesPerUnit, 0);

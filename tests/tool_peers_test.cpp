@@ -1,10 +1,10 @@
 // The lines that `cvregexp match` selects beside those of grep and ripgrep: random patterns of what the three have in
 // common, random lines, random options. Skipped where the peers are missing. CORVANE_TOOL_PEER_RUNS sets how many.
+#include "tests/support/command.h"
+
 #include <gtest/gtest.h>
 #include <stdlib.h>
-#include <sys/wait.h>
 
-#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -24,12 +24,9 @@ bool isInstalled(const std::string& program) {
 }
 
 /// What a command prints; its status in the last line, as 0 or 1 and more.
-std::string outputOf(const std::string& command) {
-    std::FILE* const pipe = ::popen(("LC_ALL=C.UTF-8; export LC_ALL; " + command).c_str(), "r");
-    std::string output;
-    std::array<char, 4096> part;
-    for (std::size_t got; (got = std::fread(part.data(), 1, part.size(), pipe)) != 0;) output.append(part.data(), got);
-    return output + "status " + std::to_string(WEXITSTATUS(::pclose(pipe))) + "\n";
+std::string answerOf(const std::string& command) {
+    const corvane_tests::CommandResult result = corvane_tests::runCommand("LC_ALL=C.UTF-8; export LC_ALL; " + command);
+    return result.output + "status " + std::to_string(result.status) + "\n";
 }
 
 class Random {
@@ -110,14 +107,14 @@ TEST(CommandLineTool, SelectsTheLinesThatItsPeersSelect) {
         std::ofstream(pattern, std::ios::binary) << options.pattern << '\n';
         const std::string arguments = options.common + "-f " + pattern + " " + file;
         SCOPED_TRACE("run " + std::to_string(run) + ": " + options.common + options.pattern + "\n" + text);
-        const std::string ours = outputOf("'" CORVANE_TOOL_PATH "' match " + arguments);
+        const std::string ours = answerOf("'" CORVANE_TOOL_PATH "' match " + arguments);
         // A shorter match at the same place may be a whole word: grep looks for one, as do we, by another order of choice.
         if (hasGrep) {
-            EXPECT_EQ(outputOf("grep -E " + arguments), ours);
+            EXPECT_EQ(answerOf("grep -E " + arguments), ours);
         }
         // Of a file without a match ripgrep prints no count.
         if (hasRipgrep && options.common.find("-c") == std::string::npos) {
-            EXPECT_EQ(outputOf("rg --no-config -N --color never " + arguments +
+            EXPECT_EQ(answerOf("rg --no-config -N --color never " + arguments +
                                (options.common.find("-n") != std::string::npos ? " -n" : "")),
                       ours);
         }

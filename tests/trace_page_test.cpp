@@ -3,6 +3,7 @@
 //
 // The oracle is a search of the engine: the page computes position and tokens from the events alone, and has to arrive
 // at the same result. Skipped where no browser is installed.
+#include "tests/support/command.h"
 #include "tests/support/engine_run.h"
 
 #include <cstdio>
@@ -13,15 +14,6 @@
 
 namespace corvane_tests {
 namespace {
-
-std::string outputOf(const std::string& command) {
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> pipe(::popen(command.c_str(), "r"), ::pclose);
-    std::string text;
-    for (int c = 0; (c = std::fgetc(pipe.get())) != EOF;) {
-        text += static_cast<char>(c);
-    }
-    return text;
-}
 
 /// The page writes its state into attributes of the body.
 std::string bodyTag(const std::string& document) {
@@ -61,8 +53,9 @@ protected:
 #endif
     }
     std::string open(const std::string& address) const {
-        return outputOf("timeout 100 " + browser + " --headless --no-sandbox --disable-gpu --dump-dom 'file://" + file +
-                        "#" + address + "' 2>/dev/null");
+        return runCommand("timeout 100 " + browser + " --headless --no-sandbox --disable-gpu --dump-dom 'file://" +
+                          file + "#" + address + "' 2>/dev/null")
+            .output;
     }
 
     std::string browser;

@@ -20,7 +20,7 @@ namespace tool {
 namespace {
 
 // Without withPatternOptions, which lists a command's own options under a heading: these have none.
-po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
+po::options_description checkOptions(Corvane::regexp::CompileOptions& compile) {
     po::options_description known;
     auto add = known.add_options();
     add("json", flag(), "print one JSON object for each warning");
@@ -35,7 +35,7 @@ po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
 
 int runCheck(const Arguments& words) {
     Corvane::regexp::CompileOptions compile;
-    ParsedArguments arguments = parseArguments(words, "check [OPTION...] PATTERN", knownOptions(compile));
+    ParsedArguments arguments = parseArguments(words, "check [OPTION...] PATTERN", checkOptions(compile));
     PatternRequest request = takePattern(arguments);
     const RE_Flags flags = request.flags;
     const CompiledPattern pattern(std::move(request), compile);

@@ -16,7 +16,7 @@ namespace {
 
 // The command's own options; those of patterns and compiling come along. The default format is the one that
 // needs no other program.
-po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
+po::options_description graphOptions(Corvane::regexp::CompileOptions& compile) {
     po::options_description options("Output");
     auto add = options.add_options();
     add("format", po::value<std::string>()->default_value("dot")->value_name("dot|svg|png"),
@@ -44,7 +44,7 @@ RE_Stage stageNamed(std::string_view name) {
 
 int runGraph(const Arguments& words) {
     Corvane::regexp::CompileOptions compile;
-    ParsedArguments arguments = parseArguments(words, "graph [OPTION...] PATTERN", knownOptions(compile));
+    ParsedArguments arguments = parseArguments(words, "graph [OPTION...] PATTERN", graphOptions(compile));
     const std::string format = arguments.options["format"].as<std::string>();
     const PatternRequest request = takePattern(arguments);
     if (!arguments.positionals.empty()) throw UsageError("graph takes one pattern and nothing else");

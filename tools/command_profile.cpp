@@ -24,7 +24,7 @@ namespace po = boost::program_options;
 namespace tool {
 namespace {
 
-po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
+po::options_description profileOptions(Corvane::regexp::CompileOptions& compile) {
     po::options_description options("Output");
     auto add = options.add_options();
     add("graph", po::value<std::string>()->value_name("FILE"),
@@ -99,7 +99,7 @@ int runProfile(const Arguments& words) {
     Arguments all{"--Profile=true"};
     all.insert(all.end(), words.begin(), words.end());
     ParsedArguments arguments =
-        parseArguments(all, "profile [OPTION...] PATTERN [FILE]", knownOptions(compile));
+        parseArguments(all, "profile [OPTION...] PATTERN [FILE]", profileOptions(compile));
     const CompiledPattern pattern(takePattern(arguments), compile);
     if (arguments.positionals.size() > 1) throw UsageError("profile takes one pattern and one file");
     // One text: counts of several would add up to nothing that can be read.

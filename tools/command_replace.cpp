@@ -26,7 +26,7 @@ namespace tool {
 namespace {
 
 // --which counts from 1, and 0 is all of them, as in the library.
-po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
+po::options_description replaceOptions(Corvane::regexp::CompileOptions& compile) {
     po::options_description options("Replacement");
     auto add = options.add_options();
     add("adjust-case", "give each replacement the case of the text it replaces");
@@ -177,7 +177,7 @@ private:
 int runReplace(const Arguments& words) {
     Corvane::regexp::CompileOptions compile;
     ParsedArguments arguments =
-        parseArguments(words, "replace [OPTION...] PATTERN REPLACEMENT [FILE...]", knownOptions(compile));
+        parseArguments(words, "replace [OPTION...] PATTERN REPLACEMENT [FILE...]", replaceOptions(compile));
     PatternRequest request = takePattern(arguments);
     std::u16string replacementText = takeReplacement(arguments);
     const ReplaceSettings settings = readSettings(arguments);

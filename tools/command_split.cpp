@@ -21,7 +21,7 @@ namespace po = boost::program_options;
 namespace tool {
 namespace {
 
-po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
+po::options_description splitOptions(Corvane::regexp::CompileOptions& compile) {
     po::options_description options("Output");
     options.add_options()("null,0", "end each part with a NUL instead of a line feed")("help",
                                                                                        "print this help");
@@ -47,7 +47,7 @@ bool splitText(const RE_Tree& tree, std::u16string_view text, char terminator) {
 int runSplit(const Arguments& words) {
     Corvane::regexp::CompileOptions compile;
     ParsedArguments arguments =
-        parseArguments(words, "split [OPTION...] PATTERN [FILE...]", knownOptions(compile));
+        parseArguments(words, "split [OPTION...] PATTERN [FILE...]", splitOptions(compile));
     CompiledPattern pattern(takePattern(arguments), compile);
     pattern.prepareForSearches();
     if (arguments.positionals.empty()) arguments.positionals = {"-"};

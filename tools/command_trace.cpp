@@ -19,7 +19,7 @@ namespace po = boost::program_options;
 namespace tool {
 namespace {
 
-po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
+po::options_description traceOptions(Corvane::regexp::CompileOptions& compile) {
     po::options_description options("Output");
     auto add = options.add_options();
     add("html", po::value<std::string>()->value_name("FILE"), "write a page that replays the search");
@@ -44,7 +44,7 @@ void printLog(const TraceLog& log) {
 int runTrace(const Arguments& words) {
     Corvane::regexp::CompileOptions compile;
     ParsedArguments arguments =
-        parseArguments(words, "trace [OPTION...] PATTERN [TEXT]", knownOptions(compile));
+        parseArguments(words, "trace [OPTION...] PATTERN [TEXT]", traceOptions(compile));
     const CompiledPattern pattern(takePattern(arguments), compile);
     if (arguments.positionals.size() > 1) throw UsageError("trace takes one pattern and one text");
     const Utf16Text text(arguments.positionals.empty() ? readBytes("-") : arguments.positionals.front());

@@ -5,6 +5,8 @@
 // somebody else's change follows all writing, and the content is on the disk before the rename.
 #include "tools/file_rewrite.h"
 
+#include "tools/system_failure.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -17,11 +19,6 @@
 
 namespace tool {
 namespace {
-
-// Throws for the last error of the system, with the name of the file that it is about.
-[[noreturn]] void failOn(const std::string& name, int error = errno) {
-    throw std::system_error(error, std::generic_category(), name);
-}
 
 // The mode for a new file that may not have the owner or the group of the old one. A program must not run
 // with the rights of a new owner or group, so the set-id bits go; and a new group gets only the rights that

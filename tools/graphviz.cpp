@@ -14,9 +14,9 @@ namespace tool {
 namespace {
 
 // Closed before `dot` reads it, removed when the picture is there.
-class TemporaryFile {
+class GraphFile {
 public:
-    explicit TemporaryFile(const std::string& content) {
+    explicit GraphFile(const std::string& content) {
         const int file = ::mkstemp(name_);
         // The system's reason, with the name: usually there is no room or no permission.
         if (file < 0) throw std::system_error(errno, std::generic_category(), name_);
@@ -26,9 +26,9 @@ public:
                              std::fflush(stream.get()) == 0;
         if (!written) throw std::system_error(errno, std::generic_category(), name_);
     }
-    ~TemporaryFile() { ::unlink(name_); }
-    TemporaryFile(const TemporaryFile&) = delete;
-    TemporaryFile& operator=(const TemporaryFile&) = delete;
+    ~GraphFile() { ::unlink(name_); }
+    GraphFile(const GraphFile&) = delete;
+    GraphFile& operator=(const GraphFile&) = delete;
 
     const char* name() const { return name_; }
 
@@ -43,7 +43,7 @@ std::string drawGraph(const std::string& text, const std::string& format) {
     if (format == "dot") return text;
     // The list is short on purpose: the word becomes part of a command for the shell.
     if (format != "svg" && format != "png") throw UsageError("the format must be dot, svg or png");
-    const TemporaryFile file(text);
+    const GraphFile file(text);
     // Format and name are words of our own that the shell leaves alone.
     std::FILE* const pipe = ::popen(("dot -T" + format + " " + file.name()).c_str(), "r");
     if (pipe == nullptr) throw std::system_error(errno, std::generic_category(), "dot");

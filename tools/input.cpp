@@ -6,6 +6,7 @@
 #include "tools/input.h"
 
 #include "tools/interrupt.h"
+#include "tools/system_failure.h"
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -17,10 +18,6 @@
 
 namespace tool {
 namespace {
-
-[[noreturn]] void failOn(const std::string& name) {
-    throw std::system_error(errno, std::generic_category(), name);
-}
 
 // An open descriptor; standard input is borrowed and stays open.
 class OpenFile {

@@ -19,7 +19,7 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 // A label of the picture is a line; the full text is in the graph of `cvregexp graph`.
-constexpr std::size_t longestLabel = 60;
+constexpr std::size_t longestOfLabel = 60;
 // In the order of RE_Trace_Kind; the script compares with these words.
 constexpr std::string_view kindNames[] = {"seek", "start", "step", "push", "refuse", "pop", "body", "finish"};
 
@@ -62,7 +62,7 @@ Json traceObject(const CompiledPattern& pattern, std::u16string_view subject, co
     for (const char16_t unit : subject) trace["subject"].push_back(static_cast<unsigned>(unit));
     for (RE_Node* node : pattern.tree().getFacts().nodes) {
         trace["nodes"].push_back({{"id", node->nodeId},
-                                  {"label", shortened(node->label(), longestLabel)},
+                                  {"label", shortened(node->label(), longestOfLabel)},
                                   {"links", linksOf(node)}});
     }
     // By number, as the page goes to an event by its index.

@@ -17,7 +17,7 @@ namespace {
 constexpr size_t kShown = 12;
 // Differences that are kept to be sorted; the others are counted.
 constexpr size_t kKept = 2000;
-constexpr size_t kLongest = 12;  // units of a subject, for the sake of the reference
+constexpr size_t kLongestSubject = 12;  // units of a subject, for the sake of the reference
 // Of one walk. Beyond it the reference takes seconds; the tests check that it judges enough of what is drawn.
 constexpr reference::Limits kLimits = {20000};
 
@@ -100,7 +100,7 @@ struct Comparison::Parties {
 void Comparison::referee(PatternSource& source, const DrawnPattern& pattern, const std::vector<EngineConfig>& configs) {
     Parties parties(pattern, configs);
     for (int count = 0; count < 3; ++count) {
-        refereeOn(drawSubject(source, parties.parsed ? &*parties.parsed : nullptr, kLongest), source, parties);
+        refereeOn(drawSubject(source, parties.parsed ? &*parties.parsed : nullptr, kLongestSubject), source, parties);
     }
 }
 
@@ -108,7 +108,7 @@ void Comparison::refereeDense(PatternSource& source, const DrawnPattern& pattern
                               const std::vector<EngineConfig>& configs) {
     Parties parties(pattern, configs);
     forEachSubject(u"ab", 3, [&](const std::u16string& subject) { refereeOn(subject, source, parties); });
-    refereeOn(drawSubject(source, parties.parsed ? &*parties.parsed : nullptr, kLongest), source, parties);
+    refereeOn(drawSubject(source, parties.parsed ? &*parties.parsed : nullptr, kLongestSubject), source, parties);
 }
 
 // The same question for all parties: subject, offset and walk are drawn once.

@@ -14,7 +14,7 @@
 namespace corvane_tests::reference {
 namespace {
 
-struct GaveUp {};
+struct TooManyEnds {};
 
 /// Where a part ended, and what the group had captured by then.
 struct End {
@@ -66,7 +66,7 @@ public:
             case Kind::Dynamic:
                 break;
         }
-        throw GaveUp();
+        throw TooManyEnds();
     }
 
 private:
@@ -110,7 +110,7 @@ private:
         const auto [place, isNew] = m_repeats.try_emplace({&node, required, from});
         if (isNew) {
             if (m_repeats.size() > 300'000) {
-                throw GaveUp();
+                throw TooManyEnds();
             }
             Ends ends;
             if (required == 0) {
@@ -149,7 +149,7 @@ private:
 
     Ends look(const Node& node, const End& from) {
         if (node.behind) {
-            throw GaveUp();
+            throw TooManyEnds();
         }
         const Ends ends = first(endsOf(*node.children[0], from));
         if (ends.empty() != node.negated) {
@@ -160,7 +160,7 @@ private:
 
     static void refuseCases(const Node& node) {
         if (node.ignoreCase) {
-            throw GaveUp();
+            throw TooManyEnds();
         }
     }
 
@@ -183,7 +183,7 @@ private:
             case '>':
                 return at == m_subject.size() || !isWord(at);
             default:
-                throw GaveUp();
+                throw TooManyEnds();
         }
     }
 
@@ -215,7 +215,7 @@ std::optional<Outcome> searchByEnds(std::u16string_view pattern, unsigned flagBi
     }
     try {
         return searchFrom(*parsed, (flagBits & 0x20U) != 0, subject, offset);
-    } catch (const GaveUp&) {
+    } catch (const TooManyEnds&) {
         return std::nullopt;
     }
 }

@@ -2,6 +2,7 @@
 #include "tools/search/byte_source.h"
 
 #include "tools/interrupt.h"
+#include "tools/system_failure.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -14,10 +15,6 @@
 
 namespace tool {
 namespace {
-
-[[noreturn]] void failOn(const std::string& name) {
-    throw std::system_error(errno, std::generic_category(), name);
-}
 
 // A signal that is no request to stop, such as a change of the window's size, does not end a read.
 template <class Read>
