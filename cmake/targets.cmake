@@ -36,7 +36,8 @@ if(CORVANE_MACHINE_CODE AND CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64" AND CM
     find_package(xbyak QUIET)
     if(xbyak_FOUND)
         target_link_libraries(corvane_regexp_objects PRIVATE $<BUILD_INTERFACE:xbyak::xbyak>)
-        target_compile_definitions(corvane_regexp_objects PRIVATE CORVANE_MACHINE_CODE=1)
+        # Tests are told, too: they then insist on code.
+        target_compile_definitions(corvane_regexp_objects PUBLIC CORVANE_MACHINE_CODE=1)
     else()
         message(STATUS "Xbyak was not found: the engine is built without machine code")
     endif()

@@ -31,8 +31,7 @@ std::vector<std::u16string> tablePatterns() {
         }
     }
     std::ranges::sort(patterns);
-    const auto repeated = std::ranges::unique(patterns);
-    patterns.erase(repeated.begin(), repeated.end());
+    patterns.erase(std::unique(patterns.begin(), patterns.end()), patterns.end());
     return patterns;
 }
 

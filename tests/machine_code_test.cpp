@@ -144,7 +144,7 @@ INSTANTIATE_TEST_SUITE_P(Vectors, MachineCode,
 
 TEST_P(MachineCode, FindsWhatTheGraphFindsInAsManySteps) {
     PatternSource source(42);
-    size_t compiled = 0;
+    [[maybe_unused]] size_t compiled = 0;
     for (const CodeCase& each : kCodeCases) {
         const std::u16string alphabet(each.alphabet);
         const Ways ways(each.pattern, each.flags);

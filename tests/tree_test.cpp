@@ -117,7 +117,8 @@ TEST(Tree, SharesItsGraphOnAssignmentAndGivesItUpWhenMoved) {
     const auto live = counter.live();
     named = RE_Tree(u"(?<n>c)", false);  // the old graph is freed
     EXPECT_EQ(live, counter.live());
-    named = std::move(named);
+    RE_Tree& itself = named;
+    named = std::move(itself);
     EXPECT_NE(nullptr, Results(named.match(u"c", 1, 0)));
     moved = std::move(named);
     EXPECT_NE(nullptr, Results(moved.match(u"c", 1, 0)));

@@ -277,7 +277,7 @@ void RE_Case_Table::listMates() {
     }
     std::erase_if(mates, [](const Mate& mate) { return mate.unit == mate.other; });
     std::ranges::sort(mates);
-    mates.erase(std::ranges::unique(mates).begin(), mates.end());
+    mates.erase(std::unique(mates.begin(), mates.end()), mates.end());
     for (std::size_t i = 0; i < mates.size(); ++i) {
         const auto [low, high] = std::minmax(mates[i].unit, mates[i].other);
         if (i == 0 || mates[i].unit / 64 != mates[i - 1].unit / 64) {
