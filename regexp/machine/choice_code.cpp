@@ -5,8 +5,8 @@
 // the beginning of the memo (`memoCountdown`) like a choice taken up again, since a loop that leaves no
 // records could otherwise be gone through from each start.
 //
-// The second kind is the one choice that code keeps by itself. It works because its rest (`ownRest`) takes no
-// choices, is led to by nothing else, and writes to no token that was begun before:
+// The second kind is what code keeps by itself. It works because the rest of such a choice (`ownRest`) takes no
+// others, is led to by nothing else, and writes to no token that was begun before:
 //
 //     leave      nothing is chosen so far, and the code cannot do it: the match loop continues at the run
 //     chosen     `p` is an end: note it, with the meter and the countdown, and continue in the rest
@@ -14,8 +14,12 @@
 //     handOver   anything unusual in the rest, or too few steps: restore everything as it was at `chosen`
 //                and let the match loop take the same choice, with a record
 //
+// A rest may hold further such choices, up to `mostChoices` within each other. Where the innermost is spent the one around
+// it is taken up again. What cannot be done within any of them is handed over by the outermost: the match loop then
+// does once more, and counts once, what followed there.
+//
 // Invariant: what the rest has done can be forgotten at any time. All that it writes is `p`, scratch
-// registers, the meter, the countdown, and slots of tokens above `choiceWritten`.
+// registers, the meter, the countdown, the frames of the choices within it, and slots of tokens above `written`.
 //
 // No choice is taken here while there is a memo: the code cannot query it.
 #ifdef CORVANE_MACHINE_CODE
@@ -29,6 +33,7 @@
 #include "regexp/units/unit_set.h"
 
 #include <algorithm>
+#include <ranges>
 
 namespace corvane_machine {
 
@@ -176,9 +181,11 @@ bool isBracket(const RE_Instruction& in) {
 
 // A maximum between `nearUnits` and a step's worth of units is left to the match loop as a whole: it scans so
 // far without counting, and the code does not.
+//
+// From the last to the first: a run within the rest of another is led to by that one alone, so it comes after it.
 void Program_Code::findChoices() {
     choiceOf.resize(program.instructions.size());
-    for (const RE_Instruction& in : program.instructions) {
+    for (const RE_Instruction& in : std::views::reverse(program.instructions)) {
         const bool reachesFar = in.most > nearUnits && in.most < RE_Step_Meter::unitsAStep;
         if (isChoiceRun(in) && in.least <= mostLeast && !reachesFar) {
             noteChoice(in);
@@ -192,7 +199,7 @@ void Program_Code::noteChoice(const RE_Instruction& run) {
     work.spend(1 + program.instructions.size() / instructionsAWork);
     auto found = std::make_unique<Choice>();
     found->run = &run;
-    found->rest = ownRest(program, run);
+    found->rest = ownRest(program, run, keptRuns);
     // As in the graph: where the rest seeks, ends at which it cannot begin are stepped over.
     if (static_cast<const RE_Consume&>(*run.node).restSeeks()) {
         found->first = isBracket(*run.next) ? run.next->next : run.next;
@@ -209,9 +216,20 @@ void Program_Code::noteChoice(const RE_Instruction& run) {
     };
     found->records = has(RE_Operation::endToken, RE_Operation::tokenRun);
     found->spares = has(RE_Operation::choose, RE_Operation::texts);
-    for (const RE_Instruction* in : found->rest) {
-        choiceOf[indexOf(in)] = found.get();
+    for (const auto& inner : choices) {
+        if (std::ranges::find(found->rest, inner->run) != found->rest.end()) {
+            found->nests = true;
+            found->level = std::max(found->level, inner->level + 1);
+        }
     }
+    if (found->level >= RE_Search_Registers::mostChoices) {
+        return;
+    }
+    for (const RE_Instruction* in : found->rest) {
+        Choice*& innermost = choiceOf[indexOf(in)];
+        innermost = innermost != nullptr ? innermost : found.get();
+    }
+    keptRuns.push_back(&run);
     choices.push_back(std::move(found));
 }
 
@@ -242,7 +260,7 @@ const RE_Instruction* Program_Code::emitChoiceRun(const RE_Instruction& in) {
 // leaves them alone.
 void Program_Code::emitChoiceEntry(Choice& each) {
     cmp(at(offsetof(RE_Search_Registers, memoCountdown)), 0);
-    mov(at(offsetof(RE_Search_Registers, choiceEnd)), p);
+    mov(kept(each, offsetof(RE_Kept_Choice, end)), p);
     je(each.leave, T_NEAR);
     if (each.first != nullptr && each.first->operation == RE_Operation::tokenText) {
         const auto lengthAt = static_cast<int>(offsetof(RE_TokenInfo, length));
@@ -254,9 +272,9 @@ void Program_Code::emitChoiceEntry(Choice& each) {
     }
     if (each.records) {
         mov(rax, at(offsetof(RE_Search_Registers, inEffect)));
-        mov(at(offsetof(RE_Search_Registers, choiceInEffect)), rax);
+        mov(kept(each, offsetof(RE_Kept_Choice, inEffect)), rax);
         mov(rax, at(offsetof(RE_Search_Registers, written)));
-        mov(at(offsetof(RE_Search_Registers, choiceWritten)), rax);
+        mov(kept(each, offsetof(RE_Kept_Choice, written)), rax);
     }
 }
 
@@ -266,9 +284,9 @@ void Program_Code::emitTokensBack(const Choice& each) {
     if (!each.records) {
         return;
     }
-    mov(rax, at(offsetof(RE_Search_Registers, choiceInEffect)));
+    mov(rax, kept(each, offsetof(RE_Kept_Choice, inEffect)));
     mov(at(offsetof(RE_Search_Registers, inEffect)), rax);
-    mov(rax, at(offsetof(RE_Search_Registers, choiceWritten)));
+    mov(rax, kept(each, offsetof(RE_Kept_Choice, written)));
     mov(at(offsetof(RE_Search_Registers, written)), rax);
 }
 
@@ -277,8 +295,8 @@ void Program_Code::emitTokensBack(const Choice& each) {
 // poll for interrupts, the memo, a checkpoint) the choice is handed over instead.
 void Program_Code::emitAgain(Choice& each, Label& failed) {
     L(each.again);
-    mov(p, at(offsetof(RE_Search_Registers, choiceEnd)));
-    cmp(p, at(offsetof(RE_Search_Registers, choiceLimit)));
+    mov(p, kept(each, offsetof(RE_Kept_Choice, end)));
+    cmp(p, kept(each, offsetof(RE_Kept_Choice, limit)));
     je(failed, T_NEAR);
     mov(rax, at(offsetof(RE_Search_Registers, steps)));
     test(eax, 2047);
@@ -295,22 +313,32 @@ void Program_Code::emitAgain(Choice& each, Label& failed) {
 // Leaves before anything was chosen: the step of the run is uncounted, and the match loop begins with it.
 void Program_Code::emitLeave(Choice& each) {
     L(each.leave);
-    mov(p, at(offsetof(RE_Search_Registers, choiceEnd)));
+    mov(p, kept(each, offsetof(RE_Kept_Choice, end)));
     inc(left);
     jmp(leaveAt(*each.run), T_NEAR);
 }
 
 // Whatever the rest has done since the end was chosen is undone, the steps included: the match loop does it
-// once more, and counts it.
+// once more, and counts it. Within the rest of another choice that one is handed over.
 void Program_Code::emitHandOver(Choice& each) {
     L(each.handOver);
-    mov(left, at(offsetof(RE_Search_Registers, choiceMeter)));
-    mov(p, at(offsetof(RE_Search_Registers, choiceEnd)));
+    if (openChoice != nullptr) {
+        jmp(openChoice->handOver, T_NEAR);
+        return;
+    }
+    mov(left, kept(each, offsetof(RE_Kept_Choice, meter)));
+    mov(p, kept(each, offsetof(RE_Kept_Choice, end)));
     emitTokensBack(each);
-    if (each.spares) {
-        mov(rax, at(offsetof(RE_Search_Registers, choiceCountdown)));
+    if (each.spares || each.nests) {
+        mov(rax, kept(each, offsetof(RE_Kept_Choice, countdown)));
         mov(at(offsetof(RE_Search_Registers, memoCountdown)), rax);
     }
+    if (each.nests) {
+        mov(rax, kept(each, offsetof(RE_Kept_Choice, steps)));
+        mov(at(offsetof(RE_Search_Registers, steps)), rax);
+    }
+    mov(rax, kept(each, offsetof(RE_Kept_Choice, limit)));
+    mov(at(offsetof(RE_Search_Registers, handedLimit)), rax);
     jmp(exitFor(RE_Machine_Exit::choice, each.run), T_NEAR);
 }
 
@@ -318,11 +346,15 @@ void Program_Code::emitHandOver(Choice& each) {
 // tested it already; its step is counted all the same. Those whose test was of the first unit alone are not
 // passed.
 const RE_Instruction* Program_Code::emitChosen(const Choice& each) {
-    mov(at(offsetof(RE_Search_Registers, choiceEnd)), p);
-    mov(at(offsetof(RE_Search_Registers, choiceMeter)), left);
-    if (each.spares) {
+    mov(kept(each, offsetof(RE_Kept_Choice, end)), p);
+    mov(kept(each, offsetof(RE_Kept_Choice, meter)), left);
+    if (each.spares || each.nests) {
         mov(rax, at(offsetof(RE_Search_Registers, memoCountdown)));
-        mov(at(offsetof(RE_Search_Registers, choiceCountdown)), rax);
+        mov(kept(each, offsetof(RE_Kept_Choice, countdown)), rax);
+    }
+    if (each.nests) {
+        mov(rax, at(offsetof(RE_Search_Registers, steps)));
+        mov(kept(each, offsetof(RE_Kept_Choice, steps)), rax);
     }
     const RE_Instruction& next = *each.run->next;
     if (&next != each.first || next.operation == RE_Operation::tokenText ||

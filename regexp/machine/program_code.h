@@ -46,13 +46,15 @@ protected:
 
 private:
     /// A run of which another end is tried within the code when its rest fails, and the labels of the code
-    /// around it. At run time one such choice at most is open.
+    /// around it. At run time those that are open lie within each other's rests.
     struct Choice {
         const RE_Instruction* run;
         std::vector<const RE_Instruction*> rest;
         const RE_Instruction* first = nullptr;  ///< tells where the rest can begin; null: each end is tried
         bool records = false;                   ///< the rest writes to tokens
         bool spares = false;                    ///< it has choices of one way
+        bool nests = false;                     ///< it has choices of this kind
+        std::size_t level = 0;                  ///< of such choices that may be open within it
         Label leave{};                          ///< before anything is chosen
         Label chosen{};                         ///< `p` is the end of the run
         Label again{};                          ///< the rest has failed
@@ -111,10 +113,14 @@ private:
     void emitTextsAfter(std::span<const std::u16string_view> texts, std::size_t known, std::size_t readable,
                         Label& none, Label& taken);
 
-    // choice_code.cpp: the frame of the choice that code keeps. What is kept, and the four ways in which the
-    // code reaches or leaves it.
+    // choice_code.cpp: the frames of the choices that code keeps. What is kept, and the four ways in which the
+    // code reaches or leaves one.
     void findChoices();
     void noteChoice(const RE_Instruction& run);
+    /// A member of the frame of the choice, by its offset in `RE_Kept_Choice`.
+    Xbyak::Address kept(const Choice& each, std::size_t member) {
+        return at(offsetof(RE_Search_Registers, choices) + each.level * sizeof(RE_Kept_Choice) + member);
+    }
     const RE_Instruction* emitChoiceRun(const RE_Instruction& in);
     void emitChoiceEntry(Choice& each);
     void emitLeave(Choice& each);
@@ -154,7 +160,8 @@ private:
     std::vector<bool> emitted;
     std::vector<bool> loops;  // instructions that later ones lead back to
     std::vector<std::unique_ptr<Choice>> choices;
-    std::vector<Choice*> choiceOf;  // by instruction: the one whose rest it belongs to
+    std::vector<const RE_Instruction*> keptRuns;  // those of `choices`
+    std::vector<Choice*> choiceOf;  // by instruction: the innermost one whose rest it belongs to
     Choice* openChoice = nullptr;   // the one whose rest is being written, if any
     std::vector<const RE_Instruction*> pending;
     std::vector<std::function<void()>> later;  // writes the unlikely paths, after all else

@@ -5,7 +5,7 @@
 // and so the steps, are the same. A scan that shows nothing within `nearUnits` is undecided: then the match
 // loop does it, which counts the steps of longer scans.
 //
-// `choiceLimit` is the last end to be tried: the farthest of a lazy run, the shortest of a greedy one.
+// `limit` is the last end to be tried: the farthest of a lazy run, the shortest of a greedy one.
 #ifdef CORVANE_MACHINE_CODE
 
 #include "regexp/machine/program_code.h"
@@ -25,12 +25,12 @@ void Program_Code::emitLazyRun(Choice& each, Label& failed) {
     Label& notHere = fresh();
     if (in.most == RE_Instruction::noMaximum) {
         // No end lies past the subject's, nor past the maximum.
-        mov(at(offsetof(RE_Search_Registers, choiceLimit)), end);
+        mov(kept(each, offsetof(RE_Kept_Choice, limit)), end);
     } else {
         lea(rax, ptr[p + static_cast<int>(in.most * sizeof(char16_t))]);
         cmp(rax, end);
         cmova(rax, end);
-        mov(at(offsetof(RE_Search_Registers, choiceLimit)), rax);
+        mov(kept(each, offsetof(RE_Kept_Choice, limit)), rax);
     }
     emitLeast(in, failed);
     if (each.first != nullptr) {
@@ -39,7 +39,7 @@ void Program_Code::emitLazyRun(Choice& each, Label& failed) {
     jmp(each.chosen, T_NEAR);
     L(notHere);
     if (each.first != nullptr) {
-        cmp(p, at(offsetof(RE_Search_Registers, choiceLimit)));
+        cmp(p, kept(each, offsetof(RE_Kept_Choice, limit)));
         jae(failed, T_NEAR);
         dec(left);
         emitLonger(each, failed, leaveLater);
@@ -122,7 +122,7 @@ void Program_Code::emitLonger(Choice& each, Label& dead, Label& undecided) {
     L(oneByOne);
     unlessStart(first, notHere);
     if (in.most != RE_Instruction::noMaximum) {
-        cmp(p, at(offsetof(RE_Search_Registers, choiceLimit)));
+        cmp(p, kept(each, offsetof(RE_Kept_Choice, limit)));
         ja(dead, T_NEAR);
     }
     jmp(each.chosen, T_NEAR);
@@ -151,7 +151,7 @@ void Program_Code::emitGivingRun(Choice& each, Label& failed) {
     lea(rax, ptr[runBegin + static_cast<int>(in.least * sizeof(char16_t))]);
     cmp(p, rax);
     jb(failed, T_NEAR);
-    mov(at(offsetof(RE_Search_Registers, choiceLimit)), rax);
+    mov(kept(each, offsetof(RE_Kept_Choice, limit)), rax);
     L(longest);
     dec(left);
     if (each.first != nullptr) {
@@ -167,7 +167,7 @@ void Program_Code::emitGivingRun(Choice& each, Label& failed) {
         jmp(found);
         L(shorter);
         sub(p, 2);
-        cmp(p, at(offsetof(RE_Search_Registers, choiceLimit)));
+        cmp(p, kept(each, offsetof(RE_Kept_Choice, limit)));
         jae(back, T_NEAR);
         jmp(failed, T_NEAR);
         L(found);

@@ -71,11 +71,13 @@ private:
     std::size_t next = 0;
 };
 
-/// Whether the attempt might continue outside of the program here, or leave a choice. A glance counts
+/// Whether the attempt might continue outside of the program here, or leave a choice that is not kept. A glance counts
 /// as well: machine code may have to return for the search to decide it.
-bool takesChoices(const RE_Instruction& in) {
-    return in.operation == RE_Operation::leave || in.operation == RE_Operation::lazyRun ||
-           in.operation == RE_Operation::givingRun || in.operation == RE_Operation::glance;
+bool takesChoices(const RE_Instruction& in, std::span<const RE_Instruction* const> kept) {
+    if (in.operation == RE_Operation::lazyRun || in.operation == RE_Operation::givingRun) {
+        return std::ranges::find(kept, &in) == kept.end();
+    }
+    return in.operation == RE_Operation::leave || in.operation == RE_Operation::glance;
 }
 
 /// Whether each token that the rest writes has a higher number than every token that is written elsewhere.
@@ -93,7 +95,8 @@ bool writesLater(const Instructions& rest, const Instructions& others) {
 
 }  // namespace
 
-Instructions ownRest(const RE_Program& program, const RE_Instruction& run) {
+Instructions ownRest(const RE_Program& program, const RE_Instruction& run,
+                     std::span<const RE_Instruction* const> kept) {
     Reach rest(program);
     rest.add(run.next);
     Reach others(program);
@@ -102,7 +105,7 @@ Instructions ownRest(const RE_Program& program, const RE_Instruction& run) {
     others.add(program.instructions.data());
     // A run that can be reached from its own rest would be run again while its choice is open.
     const bool isOwn = std::ranges::none_of(rest.found, [&](const RE_Instruction* in) {
-        return in == &run || takesChoices(*in) || others.holds(in);
+        return in == &run || takesChoices(*in, kept) || others.holds(in);
     });
     return isOwn && writesLater(rest.found, others.found) ? rest.found : Instructions{};
 }

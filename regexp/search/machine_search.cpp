@@ -104,7 +104,7 @@ private:
             matched = runUnwatchedLoop(info, info.instruction->node, p);
         } else if (reason == RE_Machine_Exit::choice) {
             info.enterLoop();
-            loop().leaveChoice(p, info.choiceLimit, info);
+            loop().leaveChoice(p, info.handedLimit, info);
             matched = runUnwatchedLoop(info, info.instruction->next->node, p);
         }
         length = static_cast<std::size_t>(p - info.matchStart);

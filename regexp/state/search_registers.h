@@ -22,6 +22,17 @@ struct RE_Measured_Run {
     bool holds(const char16_t* p) const { return begin != nullptr && begin <= p && p <= end; }
 };
 
+/// A choice between the ends of a run, and what was so when this end was chosen.
+struct RE_Kept_Choice {
+    const char16_t* end;
+    const char16_t* limit;  ///< the last end to try: the longest or the shortest
+    std::int64_t meter;
+    std::uint64_t steps;
+    std::uint64_t countdown;
+    std::size_t inEffect;
+    std::size_t written;
+};
+
 struct RE_Search_Registers {
     const char16_t* subjectBegin = nullptr;
     const char16_t* subjectEnd = nullptr;
@@ -52,12 +63,8 @@ struct RE_Search_Registers {
     const RE_Instruction* instruction = nullptr;  ///< the one that it returned for
     std::uint64_t holds = 0;                      ///< how the glance was decided that it returned for
 
-    // --- the one choice that it keeps by itself: an end of a run, and what was so when it was chosen ---
-
-    const char16_t* choiceEnd = nullptr;
-    const char16_t* choiceLimit = nullptr;  ///< the last end to try: the longest or the shortest
-    std::int64_t choiceMeter = 0;
-    std::uint64_t choiceCountdown = 0;
-    std::size_t choiceInEffect = 0;
-    std::size_t choiceWritten = 0;
+    /// Of the choice that it hands over: the last end to try.
+    const char16_t* handedLimit = nullptr;
+    static constexpr std::size_t mostChoices = 4;
+    RE_Kept_Choice choices[mostChoices];  ///< those that it keeps by itself, the innermost first
 };
