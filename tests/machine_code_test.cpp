@@ -125,6 +125,12 @@ const CodeCase kCodeCases[] = {
     {u"[ab]*ab(?=c)|d.*?e(?!c)", kPlain, u"abcde"},
     {u"(?:there|these|their|them|then)d?", kPlain, u"thersim"},
     {u"x(?:ab|ba|abc|ca)*d", kPlain, u"abcdx"},
+    // Such runs within the rests of others, more of them than the code keeps, and long runs at the end.
+    {u"<(\\w+)[^>]*>.*?</\\1>", kPlain, u"ab<>/"},
+    {u"^(.*?) \\[(.*?)\\] (.*?): (.*)$", kLines, u"ab []::\n"},
+    {u"a.{0,3}b.{0,3}c.{0,3}d", kPlain, u"abcd"},
+    {u"(a*?)b(a*)b(a+?)b([ab]*)c(a*?)d", kPlain, u"aabcd"},
+    {u"[ab]*?(?:ab|cd)[a-c]*c(?:d|ab)(.+)$", kPlain, u"abcd"},
     {u"[a-c]{2,5}[ad]{3}\\d\\d(x)", kPlain, u"abcd7x"},
 };
 
@@ -180,24 +186,30 @@ TEST_P(MachineCode, AgreesOnRandomPatterns) {
     }
 }
 
-// The code keeps one kind of choice by itself: the end of a run. All kinds of runs before all kinds of rests; in every
-// other round the memo begins soon, which takes such choices over in the middle of a run.
+// The code keeps one kind of choice by itself: the end of a run. All kinds of runs before all kinds of rests, and within
+// each other's rests; in every other round the memo begins soon, which takes such choices over in the middle of a run.
 TEST(MachineCode, AgreesOnRunsThatBacktrack) {
     static constexpr const char16_t* kBefore[] = {u"a", u"([bc])", u"(b+)", u"(c)?a", u"(?:ab|c)", u"", u"d(?:b|ca)"};
     static constexpr const char16_t* kRuns[] = {u"[^c]", u"[ab]", u".", u"\\w", u"b", u"[a-c]"};
     static constexpr const char16_t* kCounts[] = {u"*?", u"+?", u"{1,3}?", u"{3,70}?", u"{2,45}?",
                                                   u"*",  u"+",  u"{2,40}", u"{0,5}",   u"{3,70}"};
     static constexpr const char16_t* kRests[] = {
-        u"bcb",   u"b",       u"[bc]d",    u"(d)?c",         u"(bc+)a",       u"(b)(?:c(a)|a)d",
-        u"\\1",   u"\\1a",    u"$",        u"(?:ab|cd|d)b?", u"(?:b|(c)d)+e", u"d(?=b)",
-        u"\\w+e", u"[^a]{2}", u"(?![ab])", u"(?<![bc])",     u"b(?![ac])",    u"(?!d).(?<![ce])"};
+        u"bcb",      u"b",         u"[bc]d",         u"(d)?c",           u"(bc+)a", u"(b)(?:c(a)|a)d", u"\\1",
+        u"\\1a",     u"$",         u"(?:ab|cd|d)b?", u"(?:b|(c)d)+e",    u"d(?=b)", u"\\w+e",          u"[^a]{2}",
+        u"(?![ab])", u"(?<![bc])", u"b(?![ac])",     u"(?!d).(?<![ce])", u"b(.*)$", u"(.*)",           u" .*+$"};
+    static constexpr const char16_t* kBetween[] = {u"", u"b", u"[bc]", u"(d)?", u"(?:ab|cd|d)", u"[^ ]*+c", u"\\1"};
     PatternSource source(environmentNumber("CORVANE_TEST_SEED", 99));
     const auto pick = [&source](const auto& list) { return std::u16string(list[source.below(std::size(list))]); };
     const unsigned long rounds = environmentNumber("CORVANE_TEST_ROUNDS", sanitized() ? 300 : 2000);
     for (unsigned long round = 0; round < rounds; ++round) {
         const Delays delays(round % 2 == 0 ? 2 : RE_Tuning().memoChoices,
                             round % 2 == 0 ? 0 : RE_Tuning().memoChoicesPerUnit);
-        const std::u16string pattern = pick(kBefore) + pick(kRuns) + pick(kCounts) + pick(kRests);
+        std::u16string pattern = pick(kBefore);
+        for (size_t runs = source.below(5); runs > 0; --runs) {
+            const bool isToken = source.below(3) == 0;
+            pattern += (isToken ? u"(" : u"") + pick(kRuns) + pick(kCounts) + (isToken ? u")" : u"") + pick(kBetween);
+        }
+        pattern += pick(kRuns) + pick(kCounts) + pick(kRests);
         const Ways ways(pattern, source.below(2) == 0 ? kLines : source.below(2) == 0 ? kPlain : kFolded);
         for (int subject = 0; subject < 4; ++subject) {
             std::u16string text;

@@ -93,6 +93,7 @@ private:
     void emitRow(const Row& row);
 
     // run_code.cpp: runs, which leave their end in `p` and their beginning in `runBegin`, and tokens.
+    static bool endsMatch(const RE_Instruction& run);
     void emitRunEnd(const RE_Instruction& in);
     void emitShortRun(const RE_Instruction& in, Label& ended, Label& stopped);
     void emitFewUnits(const RE_Instruction& in, Label& measured);

@@ -19,6 +19,13 @@
 
 namespace corvane_machine {
 
+namespace {
+
+constexpr auto shortRun = static_cast<std::uint32_t>(RE_Consume::shortRun);
+constexpr std::uint32_t longestUncounted = RE_Step_Meter::unitsAStep - 1;
+
+}  // namespace
+
 // Most runs end within a vector or a few: their ends are found without a branch for each unit. The upper half
 // of eax is ones after the `not`, so `bsf` finds sixteen where all units are members.
 void Program_Code::emitShortRun(const RE_Instruction& in, Label& ended, Label& stopped) {
@@ -44,7 +51,7 @@ void Program_Code::emitShortRun(const RE_Instruction& in, Label& ended, Label& s
         lea(rax, ptr[runBegin + static_cast<int>(fewVectors * vectorUnits * 2)]);
         cmp(p, rax);
         jb(again, T_NEAR);
-        jmp(stopped, T_NEAR);
+        jmp(openChoice != nullptr ? oneByOne : stopped, T_NEAR);
         L(inside);
     }
     if (kindOf(units) != Kind::mixed) {
@@ -82,11 +89,24 @@ void Program_Code::emitFewUnits(const RE_Instruction& in, Label& measured) {
     L(oneByOne);
 }
 
+/// Whether the match is certain once the run has ended, however long it is.
+bool Program_Code::endsMatch(const RE_Instruction& run) {
+    const bool isEndless = run.most == RE_Instruction::noMaximum;
+    const RE_Instruction* in = run.least <= shortRun ? run.next : &run;
+    while (
+        in->operation == RE_Operation::endToken || in->operation == RE_Operation::pass ||
+        (in->operation == RE_Operation::lineEnd && isEndless && *run.units == RE_Unit_Classes::allOfLine())) {
+        in = in->next;
+    }
+    return in->operation == RE_Operation::matched;
+}
+
 // Leaves the end of the run in `p`, its beginning in `runBegin`. `ended`: the end is exact. `stopped`: the
-// code has seen no end, but the run may continue. Within the rest of a choice a long run is handed over together
-// with the choice, as the code could not be resumed in the middle of it.
+// code has seen no end, but the run may continue. Within the rest of a choice more units are looked at here, as many as
+// take no step: a longer run is handed over together with the choice, as whatever failed after it would have the loop
+// measure it once more. Where nothing can fail after it the choices do not matter any more.
 void Program_Code::emitRunEnd(const RE_Instruction& in) {
-    constexpr auto few = static_cast<std::uint32_t>(RE_Consume::shortRun);
+    const std::uint32_t few = openChoice != nullptr ? longestUncounted : shortRun;
     Label& ended = fresh();
     Label& stopped = fresh();
     Label& again = fresh();
@@ -111,7 +131,8 @@ void Program_Code::emitRunEnd(const RE_Instruction& in) {
     L(stopped);
     if (in.most > few) {
         cmp(p, end);
-        jb(openChoice != nullptr ? openChoice->handOver : exitFor(RE_Machine_Exit::longRun, &in, &ended),
+        jb(openChoice != nullptr && !endsMatch(in) ? openChoice->handOver
+                                                   : exitFor(RE_Machine_Exit::longRun, &in, &ended),
            T_NEAR);
     }
     L(ended);
