@@ -212,9 +212,11 @@ private:
     // start_code.cpp: the ways of finding a start. Each continues past itself with the start in `p`, and
     // counts its scan.
     void emitSeek();
+    void emitSeekByRoot();
     void emitSeekUnits(const RE_Unit_Set& units);
     void emitSeekLineStart();
     void emitSeekPrefixes(const RE_Prefix_Scan& scan);
+    void emitSeekWithin(const RE_Unit_Set& units);
     void emitPrefixTest(const RE_Prefix_Scan& scan, Label& unfit);
     void emitOneByOne(const RE_Unit_Set& units, int most, Label& found, Label& nowhere);
     /// Moves `runBegin` to the first position for which `emitBits` puts a bit into eax, vector by vector, and as

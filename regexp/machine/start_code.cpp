@@ -31,6 +31,8 @@ constexpr int stepShift = std::countr_zero(RE_Step_Meter::unitsAStep);
 // less, so fewer are.
 constexpr int tried = 4;  // one by one before vectors are
 constexpr int triedBeforeMasks = 2;
+constexpr int fewUnits = 24;  // of a stretch, before the root takes over
+static_assert(fewUnits < RE_Step_Meter::unitsAStep);
 
 const RE_Prefix_Scan* prefixesOf(const RE_Node* root) {
     const auto* const seeker = nodeAs<StringPrefixSeeker>(root);
@@ -144,11 +146,51 @@ void Start_Code::emitSeek() {
     } else if (const RE_Prefix_Scan* const scan = prefixesOf(root); scan != nullptr && scansVectors) {
         emitSeekPrefixes(*scan);
     } else {
-        // The root begins at `p`, as nothing has been scanned here.
         leavesSeekToRoot = true;
-        mov(runBegin, p);
-        jmp(exitFor(RE_Machine_Exit::seek), T_NEAR);
+        const auto* const inner = nodeAs<StringInnerSeeker>(root);
+        if (inner != nullptr && !inner->ofLines) {
+            emitSeekWithin(*inner->first);
+        } else {
+            emitSeekByRoot();
+        }
     }
+}
+
+// The root begins at `p`, as nothing has been scanned here.
+void Start_Code::emitSeekByRoot() {
+    mov(runBegin, p);
+    jmp(exitFor(RE_Machine_Exit::seek), T_NEAR);
+}
+
+// Near starts in a stretch that the root has found, where one is followed by many that fail. So few units are looked at
+// that no step is counted.
+void Start_Code::emitSeekWithin(const RE_Unit_Set& units) {
+    Label& again = fresh();
+    Label& next = fresh();
+    Label& found = fresh();
+    Label& far = fresh();
+    mov(stop, at(offsetof(RE_Search_Registers, allowedUpTo)));
+    cmp(p, stop);
+    ja(far, T_NEAR);
+    mov(runBegin, p);
+    lea(rax, ptr[p + fewUnits * static_cast<int>(sizeof(char16_t))]);
+    cmp(stop, rax);
+    cmova(stop, rax);
+    loadTable(units);
+    L(again);
+    movzx(eax, word[runBegin]);
+    unlessIn(units, next, true, true);
+    jmp(found, T_NEAR);
+    L(next);
+    add(runBegin, 2);
+    cmp(runBegin, stop);
+    jbe(again, T_NEAR);
+    L(far);
+    emitSeekByRoot();
+    L(found);
+    mov(p, runBegin);
+    cmp(p, at(offsetof(RE_Search_Registers, lastStart)));
+    ja(exitFor(RE_Machine_Exit::noStart), T_NEAR);
 }
 
 // Moves on to the start at `runBegin`, and counts the units up to it.

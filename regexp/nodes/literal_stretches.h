@@ -49,6 +49,11 @@ public:
     /// lies before `begin`. False when there is none further on either. The stretch is kept with the search:
     /// from its later positions the same literal is the next, and nothing is scanned.
     bool from(const char16_t* p, RE_Search_Info& info, Stretch& stretch) const;
+    /// The end of the stretch that `p` is in, where the search has kept that one; else null.
+    const char16_t* endAround(const char16_t* p, const RE_Search_Info& info) const {
+        const RE_Measured_Run* const known = info.measuredRun(row);
+        return known != nullptr && known->holds(p) ? known->end : nullptr;
+    }
     /// The first position from `p` on at which a match may start, or null.
     const char16_t* nextStart(const char16_t* p, RE_Search_Info& info) const;
     /// The first position that `pick` (stretch) finds in a stretch that is not empty. Null from `pick` sends

@@ -12,6 +12,7 @@
 #include "regexp/graph/instruction.h"
 #include "regexp/nodes/closed_body.h"
 #include "regexp/nodes/consume.h"
+#include "regexp/nodes/seeker.h"
 #include "regexp/nodes/tokens.h"
 #include "regexp/search/start_walk.h"
 #include "regexp/search/unwatched_loop.h"
@@ -44,6 +45,7 @@ public:
                     break;
                 case RE_Machine_Exit::seek:
                     continueAt(code.attempt, walk.seekFrom(pastWhatWasSeen()));
+                    info.allowedUpTo = allowedFrom(info.cursor);
                     break;
                 case RE_Machine_Exit::matched:
                 case RE_Machine_Exit::failed:
@@ -88,6 +90,12 @@ private:
         const std::ptrdiff_t looked = units - units % step;
         info.noteScan(static_cast<std::size_t>(looked));
         return info.cursor + looked;
+    }
+
+    /// The code finds further starts of the stretch by itself, by the units that a match can begin with.
+    const char16_t* allowedFrom(const char16_t* start) const {
+        const auto* const seeker = nodeAs<StringInnerSeeker>(facts.root);
+        return seeker != nullptr && start != nullptr ? seeker->stretches.endAround(start, info) : nullptr;
     }
 
     /// Finishes an attempt that the code has brought as far as it could. True, with the length, where it

@@ -25,6 +25,7 @@ inline bool continueByMachineCode(const RE_Graph_Facts& facts, const RE_Machine_
     info.slots = info.tokens->slots.data();
     info.opened = info.tokenStarts();
     info.askLeft = askLeft;
+    info.allowedUpTo = nullptr;
     const RE_Machine_Exit reason = code.begin(info, p);
     if (reason == RE_Machine_Exit::matched) {
         info.tokens->count = info.inEffect;  // the slots above may hold stale data

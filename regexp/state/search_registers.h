@@ -62,6 +62,9 @@ struct RE_Search_Registers {
     std::int64_t askLeft = 0;
     const RE_Instruction* instruction = nullptr;  ///< the one that it returned for
     std::uint64_t holds = 0;                      ///< how the glance was decided that it returned for
+    /// Last of the positions that the root allows from the last start on, as far as a literal further on tells; null when
+    /// it has not said so in this search.
+    const char16_t* allowedUpTo = nullptr;
 
     /// Of the choice that it hands over: the last end to try.
     const char16_t* handedLimit = nullptr;
