@@ -130,6 +130,8 @@ const CodeCase kCodeCases[] = {
     {u"^(.*?) \\[(.*?)\\] (.*?): (.*)$", kLines, u"ab []::\n"},
     {u"a.{0,3}b.{0,3}c.{0,3}d", kPlain, u"abcd"},
     {u"(a*?)b(a*)b(a+?)b([ab]*)c(a*?)d", kPlain, u"aabcd"},
+    {u"a.*?b[ab]{2,40}+c", kPlain, u"aabbbc"},
+    {u"c[ab]*?b[ab]{0,60}+[^ab]", kPlain, u"aaabbbbc"},
     {u"[ab]*?(?:ab|cd)[a-c]*c(?:d|ab)(.+)$", kPlain, u"abcd"},
     {u"[a-c]{2,5}[ad]{3}\\d\\d(x)", kPlain, u"abcd7x"},
 };

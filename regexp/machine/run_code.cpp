@@ -35,6 +35,7 @@ void Program_Code::emitShortRun(const RE_Instruction& in, Label& ended, Label& s
     const RE_Unit_Set& units = *in.units;
     Label& again = fresh();
     Label& oneByOne = fresh();
+    Label& undecided = openChoice != nullptr ? oneByOne : stopped;
     L(again);
     emitMembersAt(p, units, oneByOne);
     not_(eax);
@@ -44,14 +45,14 @@ void Program_Code::emitShortRun(const RE_Instruction& in, Label& ended, Label& s
     if (in.most == vectorUnits) {
         je(ended, T_NEAR);
     } else if (in.most < fewVectors * vectorUnits) {
-        je(stopped, T_NEAR);
+        je(undecided, T_NEAR);
     } else {
         Label& inside = fresh();
         jne(inside, T_NEAR);
         lea(rax, ptr[runBegin + static_cast<int>(fewVectors * vectorUnits * 2)]);
         cmp(p, rax);
         jb(again, T_NEAR);
-        jmp(openChoice != nullptr ? oneByOne : stopped, T_NEAR);
+        jmp(undecided, T_NEAR);
         L(inside);
     }
     if (kindOf(units) != Kind::mixed) {
