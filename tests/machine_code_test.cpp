@@ -95,6 +95,10 @@ const CodeCase kCodeCases[] = {
     {u"(?<=b)[a]+(?!c)", kPlain, u"abc"},
     {u"(?<!ab)c+(?=de)", kPlain, u"abcde"},
     {u"\\<(\\w+) \\1\\>", kPlain, u"ab "},
+    // Lookaheads that end in one of a few texts, and in texts that begin others.
+    {u"\\<(?!the|and|of)\\w+", kPlain, u"theandof "},
+    {u"[a-c]+?(?=b(?:ab|ca|cc))(?!.(?:a|ab)c).", kPlain, u"abc"},
+    {u"(?!ab|abc|c)\\w*b(?=ca|bc|d)", kFolded, u"abcABd"},
     {u"^\\w+$", kLines, u"ab\n"},
     {u"^.+$", kLines, u"ab\n\n"},
     {u"^(\\w+)$", kPlain, u"a "},

@@ -50,7 +50,8 @@ enum class RE_Operation : std::uint8_t {
     textEnd,
     wordStart,
     wordEnd,
-    glanceSet,  ///< looks at one unit ahead or behind
+    glanceSet,    ///< looks at one unit ahead or behind
+    glanceTexts,  ///< looks ahead for one of a few texts, none of which begins another
     glance
 };
 
@@ -100,6 +101,7 @@ constexpr RE_Operation_Class classOf(RE_Operation operation) {
         case RE_Operation::wordStart:
         case RE_Operation::wordEnd:
         case RE_Operation::glanceSet:
+        case RE_Operation::glanceTexts:
         case RE_Operation::glance:
             return RE_Operation_Class::position;
     }

@@ -94,15 +94,9 @@ void Program_Code::emitSparedWays(const RE_Instruction& in, std::vector<Label*>&
 // One of a few texts, none of which begins another: so at most one of them is at `p`, and the order in
 // which they are tested does not matter. They are sorted, and what several of them begin with is tested once.
 void Program_Code::emitTexts(const RE_Instruction& in) {
-    const RE_Literal_Trie& literals = static_cast<const RE_Literal_Set&>(*in.node).literals;
-    Texts texts;
-    for (std::size_t i = 0; i < literals.count(); ++i) {
-        texts.push_back(literals.text(i));
-    }
-    std::ranges::sort(texts);
     Label& taken = fresh();
     Label& many = fresh();
-    emitTextsAfter(texts, 0, 0, labelOf(in.otherwise), taken);
+    emitTextsAt(static_cast<const RE_Literal_Set&>(*in.node).literals, labelOf(in.otherwise), taken);
     L(many);
     inc(left);
     jmp(leaveAt(in), T_NEAR);
@@ -111,6 +105,16 @@ void Program_Code::emitTexts(const RE_Instruction& in) {
     jbe(many, T_NEAR);
     dec(at(offsetof(RE_Search_Registers, memoCountdown)));
     add(p, rax);
+}
+
+// Jumps to `taken` with the size in bytes of the text at `p` in rax, or to `none`.
+void Program_Code::emitTextsAt(const RE_Literal_Trie& literals, Label& none, Label& taken) {
+    Texts texts;
+    for (std::size_t i = 0; i < literals.count(); ++i) {
+        texts.push_back(literals.text(i));
+    }
+    std::ranges::sort(texts);
+    emitTextsAfter(texts, 0, 0, none, taken);
 }
 
 // All texts have their first `known` units in common, and these are at `p`; `readable` units from `p` on

@@ -9,7 +9,9 @@
 
 #include "regexp/machine/program_code.h"
 
+#include "regexp/nodes/closed_body.h"
 #include "regexp/nodes/dispatch.h"
+#include "regexp/nodes/literal_set.h"
 #include "regexp/units/unit_set.h"
 
 #include <algorithm>
@@ -205,6 +207,9 @@ const RE_Instruction* Program_Code::emitBody(const RE_Instruction& in) {
         case RE_Operation::glanceSet:
             emitGlanceSet(in);
             break;
+        case RE_Operation::glanceTexts:
+            emitGlanceTexts(in);
+            break;
         case RE_Operation::glance:
             emitGlance(in);
             break;
@@ -267,6 +272,14 @@ void Program_Code::emitGlanceSet(const RE_Instruction& in) {
         loadUnit(otherwise);
     }
     unlessIn(*in.units, otherwise);
+}
+
+// Where one of the texts begins, nothing is consumed.
+void Program_Code::emitGlanceTexts(const RE_Instruction& in) {
+    const auto& look = static_cast<const RE_Lookaround_Assertion&>(*in.node);
+    Label& taken = fresh();
+    emitTextsAt(static_cast<const RE_Literal_Set&>(*look.body).literals, labelOf(in.otherwise), taken);
+    L(taken);
 }
 
 // Resumed at `decided`, after the search has put the answer into the registers.

@@ -20,6 +20,7 @@
 #include <string_view>
 #include <vector>
 
+class RE_Literal_Trie;
 class RE_String;
 
 namespace corvane_machine {
@@ -85,6 +86,7 @@ private:
     void emitText(const RE_Instruction& in);
     void emitEdge(const RE_Instruction& in);
     void emitGlanceSet(const RE_Instruction& in);
+    void emitGlanceTexts(const RE_Instruction& in);
     void emitGlance(const RE_Instruction& in);
     void emitMatched(const RE_Instruction& in);
     using Row = std::vector<const RE_Instruction*>;
@@ -111,6 +113,7 @@ private:
     void emitSparedWays(const RE_Instruction& in, std::vector<Label*>& spared, Label& many);
     using Texts = std::vector<std::u16string_view>;
     void emitTexts(const RE_Instruction& in);
+    void emitTextsAt(const RE_Literal_Trie& literals, Label& none, Label& taken);
     void emitTextsAfter(std::span<const std::u16string_view> texts, std::size_t known, std::size_t readable,
                         Label& none, Label& taken);
 

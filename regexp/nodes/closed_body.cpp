@@ -6,6 +6,7 @@
 
 #include "regexp/base/within_size.h"
 #include "regexp/graph/meaning.h"
+#include "regexp/nodes/literal_set.h"
 
 #include <algorithm>
 
@@ -54,9 +55,13 @@ bool RE_Lookaround_Assertion::glanceAtRow(std::size_t pos, RE_Search_Info& info)
     if (behind && glanceWidth > pos) {
         return false;
     }
-    // All tests have a fixed width, so a body that starts here ends at the assertion.
+    // All tests of a look-behind have a fixed width, so a body that starts here ends at the assertion.
     std::size_t at = behind ? pos - withinSize(glanceWidth) : pos;
     for (const RE_Node* test = body; test != glanceEnd; test = test->nextNode) {
+        // Asked for any of its literals: by a visit it would leave a choice between them.
+        if (const auto* const set = nodeAs<RE_Literal_Set>(test)) {
+            return set->literals.find(info.subjectBegin + at, info.subjectEnd, 0).length != 0;
+        }
         if (!test->match(info.subjectBegin, at, info)) {
             return false;
         }

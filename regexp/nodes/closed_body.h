@@ -64,7 +64,7 @@ public:
 
     /// Where the row of tests that the body consists of ends; null when the body is more than such a row.
     const RE_Node* glanceEnd = nullptr;
-    std::uint64_t glanceWidth = 0;  ///< units that the tests consume
+    std::uint64_t glanceWidth = 0;  ///< units that the tests consume at the least; of a look-behind, exactly
     /// Of a body that tests one unit: those that it matches; null where that is `glanceUnit`, or no such body.
     const RE_Unit_Set* glanceUnits = nullptr;
     static constexpr std::uint32_t noUnit = static_cast<std::uint32_t>(-1);

@@ -4,11 +4,14 @@
 // A body qualifies when each node matches in one way only, has a fixed width and writes nothing. Then whether
 // the body matches is a function of the units near the position, no choice can be open when it completes, and
 // running through it within the assertion's own visit gives the answer that a closed body would give.
+//
+// A look-ahead may end in a set of literals: which of them is there does not matter, as nothing follows.
 #include "regexp/passes/glances.h"
 
 #include "regexp/graph/meaning.h"
 #include "regexp/nodes/anchors.h"
 #include "regexp/nodes/closed_body.h"
+#include "regexp/nodes/literal_set.h"
 #include "regexp/nodes/string.h"
 #include "regexp/nodes/trivial.h"
 #include "regexp/nodes/units.h"
@@ -60,6 +63,10 @@ void findGlance(RE_Lookaround_Assertion& assertion) {
     const RE_Node* node = assertion.body;
     for (std::size_t i = 0; i < longestRow && isPlainTest(node); ++i) {
         width += node->width();
+        node = node->nextNode;
+    }
+    if (const auto* const set = nodeAs<RE_Literal_Set>(node); set != nullptr && !assertion.behind) {
+        width += set->literals.shortest();
         node = node->nextNode;
     }
     if (node != assertion.body && endsRow(node, assertion.behind)) {

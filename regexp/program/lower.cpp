@@ -287,7 +287,8 @@ Exits Description::operator()(const RE_Meanings::Edge& edge) const {
     return glance({edge.next, edge.otherwise});
 }
 
-// One unit of a set is compared here; other glances are left to the assertion, bodies that have to be run to the loop.
+// One unit of a set is compared here, and a few texts are; other glances are left to the assertion, bodies that have to be
+// run to the loop.
 Exits Description::glance(const Exits& exits) const {
     if (!isKind(RE_Node_Kind::glance)) {
         return {};
@@ -296,6 +297,9 @@ Exits Description::glance(const Exits& exits) const {
     in.flag = test.behind;
     in.units = test.glanceUnits;
     in.operation = in.units != nullptr ? RE_Operation::glanceSet : RE_Operation::glance;
+    if (const auto* const set = nodeAs<RE_Literal_Set>(test.body); set != nullptr && set->literals.areFew()) {
+        in.operation = RE_Operation::glanceTexts;
+    }
     return exits;
 }
 

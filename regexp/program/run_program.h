@@ -291,6 +291,7 @@ inline RE_Program_Exit RE_Program_Run::run(const RE_Instruction* in) {
             case RE_Operation::glanceSet:
                 jump(in->flag ? p > begin && in->units->contains(p[-1]) : p < end && in->units->contains(*p));
                 continue;
+            case RE_Operation::glanceTexts:
             case RE_Operation::glance:
                 jump(static_cast<const RE_Lookaround_Assertion*>(in->node)->glance(p, info));
                 continue;
