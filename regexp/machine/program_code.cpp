@@ -12,6 +12,7 @@
 #include "regexp/nodes/closed_body.h"
 #include "regexp/nodes/dispatch.h"
 #include "regexp/nodes/literal_set.h"
+#include "regexp/nodes/string.h"
 #include "regexp/units/unit_set.h"
 
 #include <algorithm>
@@ -278,7 +279,12 @@ void Program_Code::emitGlanceSet(const RE_Instruction& in) {
 void Program_Code::emitGlanceTexts(const RE_Instruction& in) {
     const auto& look = static_cast<const RE_Lookaround_Assertion&>(*in.node);
     Label& taken = fresh();
-    emitTextsAt(static_cast<const RE_Literal_Set&>(*look.body).literals, labelOf(in.otherwise), taken);
+    if (const auto* const string = nodeAs<RE_String>(look.body)) {
+        const std::u16string_view one(string->text, string->length);
+        emitTextsAfter({&one, 1}, 0, 0, labelOf(in.otherwise), taken);
+    } else {
+        emitTextsAt(static_cast<const RE_Literal_Set&>(*look.body).literals, labelOf(in.otherwise), taken);
+    }
     L(taken);
 }
 

@@ -287,6 +287,23 @@ Exits Description::operator()(const RE_Meanings::Edge& edge) const {
     return glance({edge.next, edge.otherwise});
 }
 
+namespace {
+
+/// Whether the row of tests is nothing but a look ahead for a short text, or for one of a few.
+bool looksForFewTexts(const RE_Lookaround_Assertion& test) {
+    constexpr std::uint64_t longest = RE_Step_Meter::unitsAStep;
+    if (test.behind || test.body->nextNode != test.glanceEnd) {
+        return false;
+    }
+    if (const auto* const string = nodeAs<RE_String>(test.body)) {
+        return !string->ignoreCase && string->length < longest;
+    }
+    const auto* const set = nodeAs<RE_Literal_Set>(test.body);
+    return set != nullptr && set->literals.areFew();
+}
+
+}  // namespace
+
 // One unit of a set is compared here, and a few texts are; other glances are left to the assertion, bodies that have to be
 // run to the loop.
 Exits Description::glance(const Exits& exits) const {
@@ -297,7 +314,7 @@ Exits Description::glance(const Exits& exits) const {
     in.flag = test.behind;
     in.units = test.glanceUnits;
     in.operation = in.units != nullptr ? RE_Operation::glanceSet : RE_Operation::glance;
-    if (const auto* const set = nodeAs<RE_Literal_Set>(test.body); set != nullptr && set->literals.areFew()) {
+    if (looksForFewTexts(test)) {
         in.operation = RE_Operation::glanceTexts;
     }
     return exits;
