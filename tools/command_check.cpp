@@ -9,7 +9,7 @@
 #include "tools/pattern_options.h"
 #include "tools/search/pattern_text.h"
 #include "tools/usage_error.h"
-#include "tools/utf8.h"
+#include "tools/convert_text.h"
 #include "tools/warning_report.h"
 
 #include <iostream>

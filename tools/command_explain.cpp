@@ -7,7 +7,7 @@
 #include "tools/exit_status.h"
 #include "tools/pattern_options.h"
 #include "tools/usage_error.h"
-#include "tools/utf8.h"
+#include "tools/convert_text.h"
 #include "tools/warning_report.h"
 
 #include "regexp/graph/graph_facts.h"

@@ -103,11 +103,11 @@ int runProfile(const Arguments& words) {
     const CompiledPattern pattern(takePattern(arguments), compile);
     if (arguments.positionals.size() > 1) throw UsageError("profile takes one pattern and one file");
     // One text: counts of several would add up to nothing that can be read.
-    const Input input = readInput(arguments.positionals.empty() ? "-" : arguments.positionals.front());
+    const Input input(arguments.positionals.empty() ? "-" : arguments.positionals.front());
     catchInterrupts();
     printWarnings(pattern.text(), pattern.warnings());
 
-    const bool found = searchAll(pattern.tree(), input.text.view());
+    const bool found = searchAll(pattern.tree(), input.text());
     const RE_Profile profile = pattern.tree().profile();
     printTable(profile);
     // The table is printed in any case, so a picture that fails costs no result.

@@ -8,7 +8,7 @@
 #include "tools/input.h"
 #include "tools/interrupt.h"
 #include "tools/pattern_options.h"
-#include "tools/utf8.h"
+#include "tools/convert_text.h"
 #include "tools/warning_report.h"
 
 #include <iostream>
@@ -58,8 +58,8 @@ int runSplit(const Arguments& words) {
     bool unreadable = false;
     for (const std::string& fileName : arguments.positionals) {
         try {
-            const Input input = readInput(fileName);
-            found |= splitText(pattern.tree(), input.text.view(), arguments.has("null") ? '\0' : '\n');
+            const Input input(fileName);
+            found |= splitText(pattern.tree(), input.text(), arguments.has("null") ? '\0' : '\n');
         } catch (const std::system_error& failure) {
             std::cout.flush();
             std::cerr << "cvregexp: " << failure.what() << '\n';

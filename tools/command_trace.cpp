@@ -3,6 +3,7 @@
 // The log is written as it happens and printed afterwards, so a trace that is interrupted prints nothing.
 #include "tools/command.h"
 #include "tools/compiled_pattern.h"
+#include "tools/convert_text.h"
 #include "tools/exit_status.h"
 #include "tools/input.h"
 #include "tools/interrupt.h"
@@ -47,8 +48,9 @@ int runTrace(const Arguments& words) {
         parseArguments(words, "trace [OPTION...] PATTERN [TEXT]", knownOptions(compile));
     const CompiledPattern pattern(takePattern(arguments), compile);
     if (arguments.positionals.size() > 1) throw UsageError("trace takes one pattern and one text");
-    const Utf16Text text(arguments.positionals.empty() ? readBytes("-") : arguments.positionals.front());
-    const std::u16string_view subject = text.view();
+    const std::u16string text =
+        toUtf16(arguments.positionals.empty() ? readBytes("-") : arguments.positionals.front());
+    const std::u16string_view subject = text;
     catchInterrupts();
     printWarnings(pattern.text(), pattern.warnings());
 

@@ -5,7 +5,7 @@
 #include "tools/exit_status.h"
 #include "tools/input.h"
 #include "tools/usage_error.h"
-#include "tools/utf8.h"
+#include "tools/convert_text.h"
 
 #include "regexp/regexp.h"
 
@@ -26,7 +26,7 @@ int translate(const Arguments& words, const std::string& command, Translation tr
     const ParsedArguments arguments = parseArguments(words, command + " [TEXT]", known);
     if (arguments.positionals.empty()) {
         // Byte for byte what a pipe would pass on, but for the translation.
-        std::cout << toUtf8(translation(readInput("-").text.view()));
+        std::cout << toUtf8(translation(Input("-").text()));
     } else if (arguments.positionals.size() == 1) {
         std::cout << toUtf8(translation(toUtf16(arguments.positionals.front()))) << '\n';
     } else {

@@ -2,7 +2,7 @@
 // well, and no key is ever left out: what is missing is null or empty.
 #include "tools/json_output.h"
 
-#include "tools/utf8.h"
+#include "tools/convert_text.h"
 #include "tools/warning_report.h"
 
 #include "regexp/eval/warning_text.h"

@@ -5,7 +5,7 @@
 #include "tools/trace_page.h"
 
 #include "tools/trace_page_source.h"
-#include "tools/utf8.h"
+#include "tools/convert_text.h"
 
 #include "regexp/graph/graph_facts.h"
 #include "regexp/nodes/graph_export.h"

@@ -2,7 +2,7 @@
 // counted here, not code units: a combining character takes none, an East Asian wide one two.
 #include "tools/warning_report.h"
 
-#include "tools/utf8.h"
+#include "tools/convert_text.h"
 
 #include "regexp/eval/warning_text.h"
 

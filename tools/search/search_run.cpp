@@ -69,11 +69,7 @@ private:
         return isSingleFile() ? 1 : std::min(cores, usefulThreads);
     }
 
-    bool isSingleFile() const {
-        if (settings_.files.size() != 1 || settings_.files.front().empty()) return false;
-        struct stat status;
-        return ::stat(settings_.files.front().c_str(), &status) != 0 || !S_ISDIR(status.st_mode);
-    }
+    bool isSingleFile() const { return settings_.files.size() == 1 && !isDirectory(settings_.files.front()); }
 
     int status() const {
         const bool found = found_;
@@ -120,23 +116,17 @@ private:
     }
 
     void offerAll() {
-        const Walker walker(settings_.walk);
-        for (const std::string& name : settings_.files) {
-            struct stat status;
-            const bool isDirectory = name.empty() || (name != "-" && ::stat(name.c_str(), &status) == 0 &&
-                                                      S_ISDIR(status.st_mode));
-            if (!isDirectory) {
-                if (!offer({name, false})) return;
-                continue;
-            }
-            const bool whole = walker.walk(
-                name,
-                [this](const std::string& path) {
-                    return offer({path, true});
-                },
-                [this](const std::string& message) { complain(message); });
-            if (!whole) return;
-        }
+        const bool whole = Walker(settings_.walk)
+                               .walkAll(
+                                   settings_.files,
+                                   [this](const std::string& path) {
+                                       return offer({path, false});
+                                   },
+                                   [this](const std::string& path) {
+                                       return offer({path, true});
+                                   },
+                                   [this](const std::string& message) { complain(message); });
+        if (!whole) return;
         offerGathered();
     }
 
@@ -245,7 +235,7 @@ private:
     TaskQueue tasks_;
     std::size_t nextNumber_ = 0;
     std::vector<SearchTask> gathered_;
-    SearchTasks collected_;  // on their way to the threads
+    SearchTasks collected_;            // on their way to the threads
     std::unique_ptr<TextSearch> own_;  // of the main thread
     std::mutex mutex_;                 // for the three below, and for messages
     std::exception_ptr failure_;

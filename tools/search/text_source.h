@@ -2,6 +2,7 @@
 #pragma once
 
 #include "tools/search/byte_source.h"
+#include "tools/search/encoding.h"
 
 #include <memory>
 #include <string>
@@ -10,22 +11,6 @@
 struct UConverter;
 
 namespace tool {
-
-// How files are read. "auto": as their byte order mark says, UTF-8 without one. "utf-8" and others by their names:
-// that one, and only a byte order mark of the same encoding is dropped. UsageError for a name that nobody knows.
-class EncodingChoice {
-public:
-    EncodingChoice() = default;
-    explicit EncodingChoice(const std::string& name);
-
-    bool isAutomatic() const { return name_.empty(); }
-    bool isUtf8() const { return isUtf8_; }
-    const std::string& name() const { return name_; }
-
-private:
-    std::string name_;
-    bool isUtf8_ = false;
-};
 
 // Drops the byte order mark and converts to UTF-8 where the text is something else; bytes of UTF-8 pass as they are,
 // ill-formed or not.
