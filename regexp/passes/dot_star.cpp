@@ -197,7 +197,7 @@ private:
                    unit == node && unit != nullptr) {
             loop = plusLoop(*unit);
         }
-        return loop ? makeConsume(*loop) : nullptr;
+        return loop ? makeConsume(*loop, node) : nullptr;
     }
 
     // The parser leaves the numbering of its runs to this place, at which the runs that it did not make are
@@ -288,10 +288,11 @@ private:
         return Unit_Loop{item, minimum, maximum, *lazy, *lazy ? choice.nextNode : choice.alternative, scope};
     }
 
-    /// Makes the run. Its item leads nowhere from then on, so that no walk gets past the run through it.
-    RE_Node* makeConsume(const Unit_Loop& loop) {
+    /// Makes the run in the place of the loop that begins at `head`. Its item leads nowhere from then on, so that no walk gets past the run through it.
+    RE_Node* makeConsume(const Unit_Loop& loop, const RE_Node* head) {
         const auto order = loop.lazy ? RE_Consume::Order::lazy : RE_Consume::Order::greedy;
         auto* const consume = context.make<RE_Consume>(loop.item, loop.minimum, loop.maximum, order);
+        context.standsFor(consume, head);
         consume->nextNode = loop.exit;
         consume->memoScope = loop.scope;
         loop.item->nextNode = nullptr;
