@@ -35,7 +35,7 @@ private:
 // Few different lines, so that patches have to find the right ones; with ends of all kinds, or none.
 std::string randomContent(Random& random) {
     static const std::string lines[] = {"a",     "b",  "ab",        "",    "-- a", "++ b", "@@ -1 +1 @@", "a b\r",
-                                        "\\ No", "aa", "\xC3\xA9a", "bab", "b b",  "c",    "d d d",       "- x"};
+                                        "\\ No", "aa", "\xC3\xA9 a", "bab", "b b",  "c",    "d d d",       "- x"};
     std::string content;
     for (size_t left = random.below(random.below(3) == 0 ? 4 : 60); left != 0; --left)
         content += random.of(lines) + '\n';

@@ -62,7 +62,8 @@ int runTrace(const Arguments& words) {
     if (interruptPending()) throw Interrupted();
     // The page in place of the lines: who wants to replay a search does not want to scroll past it.
     if (arguments.has("html")) {
-        writeFile(arguments.options["html"].as<std::string>(), tracePage(pattern, subject, log));
+        writeFile(arguments.options["html"].as<std::string>(),
+                  tracePage(pattern, pattern.parts(compile), subject, log));
     } else {
         printLog(log);
     }
