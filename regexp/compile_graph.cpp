@@ -33,7 +33,7 @@ RE_Node* compileGraph(RE_ParserContext& parserContext, const char16_t* pattern, 
     parserContext.joinsRuns = parserContext.options().optimizeDotStar() && !observer;
     RE_Node* const parsed = readGraph(parserContext, pattern, length, continuationNode, last);
     if (parserContext.parts != nullptr) {
-        parserContext.parts->current = {};  // passes say what their nodes stand for
+        parserContext.parts->workFor({});  // passes say what their nodes stand for
     }
     return runPasses(parserContext, parsed, observer);
 }

@@ -26,7 +26,7 @@ po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
     add("json", flag(), "print one JSON object for each warning and hint");
     add("fix", flag(),
         "print the pattern as it was probably meant, with the corrections of all hints and warnings");
-    add("help", flag(), "print this help");
+    add("help,h", flag(), "print this help");
     known.add(patternOptions()).add(compileOptions(compile));
     return known;
 }

@@ -136,7 +136,7 @@ int runExplain(const Arguments& words) {
     Corvane::regexp::CompileOptions compile;
     po::options_description known;
     // No options of its own but this one.
-    known.add_options()("help", "print this help");
+    known.add_options()("help,h", "print this help");
     known.add(patternOptions()).add(compileOptions(compile));
     ParsedArguments arguments = parseArguments(words, "explain [OPTION...] PATTERN", known);
     const PatternRequest request = takePattern(arguments);

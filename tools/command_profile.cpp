@@ -33,7 +33,7 @@ po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
     auto add = options.add_options();
     add("graph", po::value<std::string>()->value_name("FILE"),
         "also draw the graph, the warmer a node the more visits it had; FILE ends in .dot, .svg or .png");
-    add("help", "print this help");
+    add("help,h", "print this help");
     return withPatternOptions(options, compile);
 }
 

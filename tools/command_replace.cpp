@@ -31,7 +31,7 @@ po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
         "with --in-place, keep in FILE what was changed, for patch -R");
     add("encoding", po::value<std::string>()->default_value("auto")->value_name("NAME"),
         "how files are encoded; auto: as a byte order mark says, else UTF-8");
-    add("help", "print this help");
+    add("help,h", "print this help");
 
     po::options_description files("Files");
     addWalkOptions(files);

@@ -23,7 +23,7 @@ namespace {
 
 po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
     po::options_description options("Output");
-    options.add_options()("null,0", "end each part with a NUL instead of a line feed")("help",
+    options.add_options()("null,0", "end each part with a NUL instead of a line feed")("help,h",
                                                                                        "print this help");
     return withPatternOptions(options, compile);
 }

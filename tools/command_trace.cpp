@@ -27,7 +27,7 @@ po::options_description knownOptions(Corvane::regexp::CompileOptions& compile) {
     add("offset", po::value<std::size_t>()->default_value(0)->value_name("N"), "search from unit N on");
     // A hundred thousand events are some tens of megabytes; a search that blows up has no end of them.
     add("limit", po::value<std::size_t>()->default_value(100'000)->value_name("N"), "keep at most N events");
-    add("help", "print this help");
+    add("help,h", "print this help");
     return withPatternOptions(options, compile);
 }
 

@@ -22,7 +22,7 @@ using Translation = std::u16string (*)(std::u16string_view);
 // Without a text, standard input is translated as it is and no line feed is added.
 int translate(const Arguments& words, const std::string& command, Translation translation) {
     po::options_description known;
-    known.add_options()("help", "print this help");
+    known.add_options()("help,h", "print this help");
     const ParsedArguments arguments = parseArguments(words, command + " [TEXT]", known);
     if (arguments.positionals.empty()) {
         // Byte for byte what a pipe would pass on, but for the translation.

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <unordered_map>
+#include <vector>
 
 class RE_Node;
 
@@ -20,13 +21,21 @@ struct RE_Pattern_Part {
 /// numbers.
 class RE_Node_Parts {
 public:
-    /// What is being compiled: new nodes are made for this.
-    RE_Pattern_Part current;
+    /// From here on new nodes are made for this, one of the parts that nest in each other; or for none.
+    void workFor(const RE_Pattern_Part& part) {
+        current = part;
+        if (!part.isEmpty()) {
+            nest.push_back(part);
+        }
+    }
+    /// All that was worked for, in any order, some of it repeatedly.
+    const std::vector<RE_Pattern_Part>& nested() const { return nest; }
 
     void note(const RE_Node* node) { parts[node] = current; }
     /// The node stands for what is being compiled as well as for what it did before.
     void extend(const RE_Node* node) { join(node, current); }
-    /// `whole` takes the place of `part`, or includes it.
+    /// `whole` takes the place of `part`, or includes it. What includes two has all from the first to the last unit of them,
+    /// which may begin or end within another part.
     void add(const RE_Node* whole, const RE_Node* part) { join(whole, of(part)); }
     RE_Pattern_Part of(const RE_Node* node) const {
         const auto found = parts.find(node);
@@ -44,5 +53,7 @@ private:
         }
     }
 
+    RE_Pattern_Part current;
+    std::vector<RE_Pattern_Part> nest;
     std::unordered_map<const RE_Node*, RE_Pattern_Part> parts;
 };

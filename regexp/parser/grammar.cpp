@@ -134,6 +134,7 @@ void RE_Grammar::readBranchBar() {
     tree.close(current.branch);
     if (tree[current.group].kind == RE_Syntax_Kind::conditional && !current.divided) {
         const std::uint32_t second = tree.add(RE_Syntax_Kind::group, static_cast<std::uint32_t>(at), flags());
+        tree[second].begin = static_cast<std::uint32_t>(at + 1);
         tree.append(current.group, second);
         current.group = second;
         current.divided = true;

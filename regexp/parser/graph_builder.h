@@ -100,7 +100,7 @@ private:
     void workFor(const RE_Pattern_Part& stretch) {
         part = stretch;
         if (context.parts != nullptr) {
-            context.parts->current = stretch;
+            context.parts->workFor(stretch);
         }
     }
     /// The same for an item. What is a part of another item is made for that.

@@ -43,7 +43,8 @@ void RE_Grammar::closeFrame() {
     closedDepth -= closed.closed ? 1 : 0;
     context.flags = closed.outerFlags;
     at = closed.close + 1;
-    tree[closed.group].end = static_cast<std::uint32_t>(at);
+    // The second branch of a conditional ends before the parenthesis, which closes the conditional.
+    tree[closed.group].end = static_cast<std::uint32_t>(closed.divided ? closed.close : at);
     frame().last = closed.isCondition ? Last::nothing : Last::item;
 }
 

@@ -16,8 +16,9 @@ namespace tool {
 // ill-formed or not.
 class TextSource : public ByteSource {
 public:
-    // Refers to both.
-    TextSource(ByteSource& bytes, const EncodingChoice& choice) : bytes_(bytes), choice_(choice) {}
+    // Refers to both. Bytes that do not begin the text are UTF-8 and have no mark.
+    TextSource(ByteSource& bytes, const EncodingChoice& choice, bool beginsText = true)
+        : bytes_(bytes), choice_(choice), begun_(!beginsText) {}
     ~TextSource() override;
     TextSource(const TextSource&) = delete;
     TextSource& operator=(const TextSource&) = delete;
@@ -34,7 +35,7 @@ private:
 
     ByteSource& bytes_;
     const EncodingChoice& choice_;
-    bool begun_ = false;
+    bool begun_;
     bool ended_ = false;
     std::size_t markSize_ = 0;
     std::string held_;  // read and not handed out, or not converted
