@@ -34,7 +34,7 @@ private:
 
 // Few different lines, so that patches have to find the right ones; with ends of all kinds, or none.
 std::string randomContent(Random& random) {
-    static const std::string lines[] = {"a",     "b",  "ab",        "",    "-- a", "++ b", "@@ -1 +1 @@", "a b\r",
+    static const std::string lines[] = {"a",     "b",  "ab",         "",    "-- a", "++ b", "@@ -1 +1 @@", "a b\r",
                                         "\\ No", "aa", "\xC3\xA9 a", "bab", "b b",  "c",    "d d d",       "- x"};
     std::string content;
     for (size_t left = random.below(random.below(3) == 0 ? 4 : 60); left != 0; --left)
@@ -104,6 +104,36 @@ TEST(CommandLineTool, WritesPatchesThatLeadThereAndBack) {
         write(folder, before);
         EXPECT_EQ(run(folder, replace + "--dry-run > ../forth; patch -s -p1 < ../forth"), 0);
         EXPECT_EQ(after, read(folder));
+        fs::remove(fs::path(root) / "undo");
+    }
+    fs::remove_all(root);
+}
+
+// Whenever it comes, and also the second one, which ends the program at once: each file is as it was or as it was to be,
+// there is no other, and the patch leads back from what was done.
+TEST(CommandLineTool, LeavesWholeFilesWhenASignalEndsIt) {
+    std::string root = (fs::temp_directory_path() / "corvane-signal-XXXXXX").string();
+    ASSERT_NE(::mkdtemp(root.data()), nullptr);
+    const fs::path folder = fs::path(root) / "tree";
+    Files before;
+    std::string content;
+    for (int line = 0; line != 2000; ++line) content += "line with a cat\n";
+    for (int file = 0; file != 60; ++file) before["f" + std::to_string(file)] = content;
+    std::string changed = content;
+    for (size_t at; (at = changed.find("cat")) != std::string::npos;) changed.replace(at, 3, "dog");
+    const bool hasPatch = std::system("command -v patch > /dev/null") == 0;
+    for (const char* const delay : {"0.01", "0.03", "0.06", "0.1", "0.2"}) {
+        write(folder, before);
+        run(folder, "'" CORVANE_TOOL_PATH "' replace -r --in-place --save-patch ../undo cat dog & sleep " +
+                        std::string(delay) + "; kill -TERM $!; kill -TERM $!; wait $!; true");
+        const Files after = read(folder);
+        EXPECT_EQ(before.size(), after.size());
+        for (const auto& [name, now] : after) EXPECT_TRUE(now == content || now == changed) << name;
+        if (hasPatch && after != before) {
+            // The last change may be in the patch and not in the tree: patch says so, and goes on.
+            run(folder, "patch -s -R -N -p1 -r - < ../undo");
+            EXPECT_EQ(before, read(folder)) << delay;
+        }
         fs::remove(fs::path(root) / "undo");
     }
     fs::remove_all(root);

@@ -5,6 +5,7 @@
 // somebody else's change follows all writing, and the content is on the disk before the rename.
 #include "tools/file_rewrite.h"
 
+#include "tools/signals_held.h"
 #include "tools/write_all.h"
 
 #include <fcntl.h>
@@ -12,7 +13,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -41,24 +41,6 @@ mode_t modeFor(const struct stat& old, const struct stat& current) {
 bool sameTime(const struct timespec& one, const struct timespec& other) {
     return one.tv_sec == other.tv_sec && one.tv_nsec == other.tv_nsec;
 }
-
-// Signals that end the program wait while this lives. Between the naming of a temporary file and its renaming there is
-// nothing that takes long.
-class SignalsHeld {
-public:
-    SignalsHeld() {
-        sigset_t held;
-        sigemptyset(&held);
-        for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE}) sigaddset(&held, number);
-        pthread_sigmask(SIG_BLOCK, &held, &before_);
-    }
-    ~SignalsHeld() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
-    SignalsHeld(const SignalsHeld&) = delete;
-    SignalsHeld& operator=(const SignalsHeld&) = delete;
-
-private:
-    sigset_t before_;
-};
 
 // A file in the directory of the one to be replaced. It has no name until it is complete, so that it goes with the
 // program whatever ends that; where the file system has no such files it has one from the beginning, and the destructor

@@ -1,6 +1,7 @@
 // Written by system calls, as an error has to be known before the change.
 #include "tools/replace/patch_file.h"
 
+#include "tools/signals_held.h"
 #include "tools/write_all.h"
 
 #include <fcntl.h>
@@ -32,6 +33,7 @@ void PatchFile::create() {
 }
 
 void PatchFile::append(std::string_view text) {
+    const SignalsHeld held;
     if (descriptor_ < 0) create();
     before_ = size_;
     try {
