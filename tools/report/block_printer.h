@@ -16,7 +16,7 @@ public:
         text_ = &text;
         output_ = &output;
         lines_ = matches_ = 0;
-        numbers_.beginText();
+        numbers_.beginText(text.firstLine);
     }
     void beginBlock(const LineBlock& block, LineFinder& finder) override {
         block_ = block;

@@ -1,5 +1,7 @@
-// The places of the cuts. To look for a NUL costs a small part of a search.
+// The places of the cuts. To look for a NUL and to count lines costs a small part of a search.
 #include "tools/search/file_parts.h"
+
+#include "tools/report/line_numbers.h"
 
 #include <algorithm>
 #include <cstring>
@@ -10,17 +12,20 @@ void FileParts::forEach(std::uint64_t partBytes, const std::function<bool(const 
     const std::uint64_t size = file_.size();
     for (std::uint64_t begin = 0; begin < size;) {
         std::uint64_t end = size - begin <= partBytes ? size : lineEndFrom(begin + partBytes);
-        if (!nulIsText_ && hasNul(begin, end)) end = size;
-        if (!found({begin, end})) return;
+        FilePart part{begin, end, lines_ + 1};
+        if ((countsLines_ || !nulIsText_) && !isText(part)) part.end = end = size;
+        if (!found(part)) return;
         begin = end;
     }
 }
 
-bool FileParts::hasNul(std::uint64_t begin, std::uint64_t end) {
-    PartSource bytes(file_, begin, end);
-    for (std::size_t got; (got = bytes.read(room_.data(), room_.size())) != 0;)
-        if (std::memchr(room_.data(), '\0', got) != nullptr) return true;
-    return false;
+bool FileParts::isText(const FilePart& part) {
+    PartSource bytes(file_, part.begin, part.end);
+    for (std::size_t got; (got = bytes.read(room_.data(), room_.size())) != 0;) {
+        if (!nulIsText_ && std::memchr(room_.data(), '\0', got) != nullptr) return false;
+        if (countsLines_) lines_ += countByte({room_.data(), got}, terminator_);
+    }
+    return true;
 }
 
 std::uint64_t FileParts::lineEndFrom(std::uint64_t place) {

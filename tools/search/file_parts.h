@@ -14,6 +14,7 @@ namespace tool {
 struct FilePart {
     std::uint64_t begin;
     std::uint64_t end;
+    std::uint64_t firstLine = 1;  // its number, from 1; where lines are counted
 };
 
 // Cuts a file after line ends, into parts of about so many bytes, and calls `found` with one after the other until it
@@ -21,15 +22,16 @@ struct FilePart {
 // as there the meaning of what follows depends on what came before; with `nulIsText` a NUL is a byte like any other.
 class FileParts {
 public:
-    FileParts(const FileSource& file, char terminator, bool nulIsText)
-        : file_(file), terminator_(terminator), nulIsText_(nulIsText) {}
+    FileParts(const FileSource& file, char terminator, bool nulIsText, bool countsLines)
+        : file_(file), terminator_(terminator), nulIsText_(nulIsText), countsLines_(countsLines) {}
 
     // Reads the file, each part before `found` is called with it. Throws what the file throws.
     void forEach(std::uint64_t partBytes, const std::function<bool(const FilePart&)>& found);
 
 private:
-    // Whether there is a NUL before `end`, and the first line end at or after it.
-    bool hasNul(std::uint64_t begin, std::uint64_t end);
+    // Counts the lines of the part, where that is wanted. False when it has a NUL that makes it binary.
+    bool isText(const FilePart& part);
+    // The first line end at or after the place.
     std::uint64_t lineEndFrom(std::uint64_t place);
 
     static constexpr std::size_t readBytes = std::size_t{1} << 20;
@@ -37,6 +39,8 @@ private:
     const FileSource& file_;
     char terminator_;
     bool nulIsText_;
+    bool countsLines_;
+    std::uint64_t lines_ = 0;  // before the next part
     std::vector<char> room_ = std::vector<char>(readBytes);
 };
 

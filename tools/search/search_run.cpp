@@ -78,8 +78,7 @@ private:
         if (!(printsLines || counts) || patterns_.unit == SearchUnit::text || threads < 2 ||
             !settings_.mayUseThreads || settings_.listsOnly || style.maxCount != ReportStyle::unlimited)
             return false;
-        if (printsLines && (style.hasContext() || style.passthru || style.lineNumbers || style.hyperlinks))
-            return false;
+        if (printsLines && (style.hasContext() || style.passthru)) return false;
         return isSingleFile() && isLargeUtf8(settings_.files.front());
     }
 
@@ -99,11 +98,13 @@ private:
         const FileSource file(name);
         progress_.expect(file.size());
         const bool nulIsText = settings_.searchesBinary || settings_.style.terminator == '\0';
-        FileParts(file, settings_.style.terminator, nulIsText).forEach(partBytes, [&](const FilePart& part) {
-            SearchTask task{name, false, part};
-            task.number = nextNumber_++;
-            return !over_ && tasks_.push({std::move(task)});
-        });
+        const bool countsLines = settings_.style.lineNumbers || settings_.style.hyperlinks;
+        FileParts(file, settings_.style.terminator, nulIsText, countsLines)
+            .forEach(partBytes, [&](const FilePart& part) {
+                SearchTask task{name, false, part};
+                task.number = nextNumber_++;
+                return !over_ && tasks_.push({std::move(task)});
+            });
     }
 
     // What the search of a file by one thread says at its end.
@@ -255,7 +256,7 @@ private:
         if (file.isDirectory()) throw std::system_error(EISDIR, std::generic_category(), task.path);
         if (!task.part) progress_.expect(file.size());
         const TextInfo text{task.path == "-" ? "(standard input)" : task.path,
-                            task.path == "-" ? "" : task.path};
+                            task.path == "-" ? "" : task.path, task.part ? task.part->firstLine : 1};
         const BinaryFiles binary = settings_.searchesBinary                  ? BinaryFiles::print
                                    : task.isWalked && !settings_.findsBinary ? BinaryFiles::skip
                                                                              : BinaryFiles::tell;
