@@ -50,8 +50,7 @@ public:
     // Readable by the owner alone: the content may be secret, and nobody may read it before it has the permissions of the
     // old file.
     explicit TemporaryFile(const std::filesystem::path& directory)
-        : name_((directory / ".cvregexp.XXXXXX").string()),
-          descriptor_(::open(directory.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, S_IRUSR | S_IWUSR)) {
+        : name_((directory / ".cvregexp.XXXXXX").string()), descriptor_(openNameless(directory)) {
         if (descriptor_ >= 0) return;
         held_.emplace();
         descriptor_ = ::mkostemp(name_.data(), O_CLOEXEC);
@@ -91,6 +90,12 @@ public:
     }
 
 private:
+    // Negative where such a file is not to be had, or could not be given a name: that takes the links of /proc.
+    static int openNameless(const std::filesystem::path& directory) {
+        if (::access("/proc/self/fd", X_OK) != 0) return -1;
+        return ::open(directory.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    }
+
     // A name that nobody has, found as mkstemp does it: by trying.
     void giveName() {
         const std::string self = "/proc/self/fd/" + std::to_string(descriptor_);
