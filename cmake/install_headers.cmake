@@ -7,6 +7,7 @@ cmake_policy(VERSION 3.25)
 set(offered regexp/regexp.h regexp/base/compile_limits.h regexp/base/line_subjects.h regexp/base/search_limits.h
     regexp/options/compile_options.h regexp/state/search_info.h
     regexp/nodes/graph_export.h regexp/inspect/hints.h regexp/inspect/outline.h
+    regexp/inspect/pattern_parts.h
     regexp/parser/parser_context.h regexp/eval/expressions/evaluators.h regexp/analysis/reach.h
     regexp/text/text_search.h regexp/text/converter.h)
 file(GLOB more RELATIVE ${source_dir} ${source_dir}/regexp/nodes/*.h ${source_dir}/host/*.h

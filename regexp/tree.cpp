@@ -7,6 +7,7 @@
 #include "regexp/base/bounded_compile.h"
 #include "regexp/base/compile_limits.h"
 #include "regexp/base/within_size.h"
+#include "regexp/compile_graph.h"
 #include "regexp/eval/evaluation_io.h"
 #include "regexp/graph/graph_facts.h"
 #include "regexp/nodes/collection.h"
@@ -15,11 +16,7 @@
 #include "regexp/nodes/graph_export.h"
 #include "regexp/nodes/seeker.h"
 #include "regexp/nodes/tokens.h"
-#include "regexp/parser/grammar.h"
-#include "regexp/parser/graph_builder.h"
-#include "regexp/parser/measure.h"
 #include "regexp/parser/parser_context.h"
-#include "regexp/passes/pass_runner.h"
 #include "regexp/program/lower.h"
 #include "regexp/state/profiler.h"
 
@@ -97,33 +94,6 @@ void RE_Tree::parse(const char* pattern, bool flag) {
 }
 
 namespace {
-
-// A match of at most so many units is found or given up soon.
-constexpr std::uint64_t manyUnits = 256;
-
-/// The graph as the pattern is written. The syntax tree is gone before the passes take memory.
-RE_Node* readGraph(RE_ParserContext& parserContext, const char16_t* pattern, std::size_t length,
-                   RE_Node* continuationNode, bool last) {
-    const RE_Flags flags = parserContext.flags;
-    RE_Syntax_Tree syntax = RE_Grammar(parserContext, pattern, length, last).read();
-    parserContext.flags = flags;
-    measureSyntax(syntax, parserContext, pattern);
-    parserContext.facts->tokenCount = withinSize(syntax.groupCount);
-    parserContext.facts->minimumLength = syntax[RE_Syntax_Tree::root].least;
-    parserContext.hasLongMatches = syntax[RE_Syntax_Tree::root].most > manyUnits;
-    return RE_Graph_Builder(parserContext, syntax).build(continuationNode);
-}
-
-/// Text in, root of the finished graph out. The nodes and what is known of them stay with the parser's
-/// context.
-RE_Node* compileGraph(RE_ParserContext& parserContext, const char16_t* pattern, std::size_t length,
-                      RE_Node* continuationNode, bool last, const RE_Stage_Observer& observer = {}) {
-    // Observers see the passes make strings and runs from their parts; the finished graph is the same.
-    parserContext.joinsTexts = parserContext.options().optimizeLinearSubpatterns() && !observer;
-    parserContext.joinsRuns = parserContext.options().optimizeDotStar() && !observer;
-    RE_Node* const parsed = readGraph(parserContext, pattern, length, continuationNode, last);
-    return runPasses(parserContext, parsed, observer);
-}
 
 // A profile counts what a seeker does, too.
 RE_Attempt_Start startOf(const RE_Node* root, bool isProfiled) {

@@ -94,5 +94,34 @@ TEST_F(TracePage, StopsAtBreakpointsInBothDirections) {
     EXPECT_NE(std::string::npos, place("node=2,run").find("data-node=\"2\""));
 }
 
+// The attribute has begin and end of the part of the pattern that was tried last.
+TEST_F(TracePage, ShowsThePartOfThePatternAndNoTokenThatIsLeftOver) {
+    write("(?<a>x)(?:y|z)", "axq");
+    const std::string tried = open("search=Token start");
+    EXPECT_NE(std::string::npos, bodyTag(tried).find("data-part=\"0,7\"")) << bodyTag(tried);
+    EXPECT_NE(std::string::npos, tried.find("<mark class=\"\">(?&lt;a&gt;x)</mark>(?:y|z)"));
+    const std::string closed = open("search=Token end");
+    EXPECT_NE(std::string::npos, closed.find("<th>$1 &lt;a&gt;</th><td>[1,1]</td><td>x</td>"));
+    // The last event says that there is no match; the token of the attempt is gone.
+    const std::string ended = open("end");
+    EXPECT_NE(std::string::npos, bodyTag(ended).find("data-tokens=\"\"")) << bodyTag(ended);
+    EXPECT_NE(std::string::npos, ended.find("<table id=\"tokens\">none</table>"));
+}
+
+TEST_F(TracePage, FindsEventsAndTheFirstThatTheMemorySaves) {
+    write("(?:x+x+)+y", "xxxxxxxxxxxxz");
+    const std::string saved = open("memory");
+    EXPECT_NE(std::string::npos, saved.find("1 state refused as tried before"));
+    EXPECT_EQ(std::string::npos, saved.find("id=\"note\" hidden"));
+    const std::string found = open("search=TRIED HERE BEFORE");
+    const auto place = [](const std::string& document) {
+        const std::string tag = bodyTag(document);
+        return tag.substr(0, tag.find(" data-node"));
+    };
+    EXPECT_EQ(place(saved), place(found));
+    write("x", "ax");
+    EXPECT_NE(std::string::npos, open("end").find("id=\"note\" hidden"));
+}
+
 }  // namespace
 }  // namespace corvane_tests

@@ -4,12 +4,12 @@
 // the output and go to standard error.
 #include "tools/command.h"
 #include "tools/compiled_pattern.h"
+#include "tools/convert_text.h"
 #include "tools/exit_status.h"
 #include "tools/json_output.h"
 #include "tools/pattern_options.h"
 #include "tools/search/pattern_text.h"
 #include "tools/usage_error.h"
-#include "tools/utf8.h"
 #include "tools/warning_report.h"
 
 #include <iostream>
@@ -23,10 +23,10 @@ namespace {
 po::options_description checkOptions(Corvane::regexp::CompileOptions& compile) {
     po::options_description known;
     auto add = known.add_options();
-    add("json", flag(), "print one JSON object for each warning");
+    add("json", flag(), "print one JSON object for each warning and hint");
     add("fix", flag(),
         "print the pattern as it was probably meant, with the corrections of all hints and warnings");
-    add("help", flag(), "print this help");
+    add("help,h", flag(), "print this help");
     known.add(patternOptions()).add(compileOptions(compile));
     return known;
 }
@@ -55,8 +55,13 @@ int runCheck(const Arguments& words) {
             std::cout << describeWarning(pattern.text(), warning);
         }
     }
-    if (!arguments.has("json"))
-        for (const RE_Hint& hint : hints) std::cout << describeHint(pattern.text(), hint);
+    for (const RE_Hint& hint : hints) {
+        if (arguments.has("json")) {
+            writeJsonHint(std::cout, pattern.text(), hint);
+        } else {
+            std::cout << describeHint(pattern.text(), hint);
+        }
+    }
     // For scripts that reject a pattern with warnings, although every text is a pattern.
     return warnings.empty() ? exitPositive : exitNegative;
 }

@@ -4,10 +4,11 @@
 // are read off the compiled graph, so they depend on the compile options.
 #include "tools/command.h"
 #include "tools/compiled_pattern.h"
+#include "tools/convert_text.h"
 #include "tools/exit_status.h"
 #include "tools/pattern_options.h"
+#include "tools/pattern_quote.h"
 #include "tools/usage_error.h"
-#include "tools/utf8.h"
 #include "tools/warning_report.h"
 
 #include "regexp/graph/graph_facts.h"
@@ -18,20 +19,54 @@
 #include "regexp/nodes/seeker.h"
 #include "regexp/nodes/string.h"
 
+#include <algorithm>
 #include <iostream>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace po = boost::program_options;
 
 namespace tool {
 namespace {
 
-// Units of a label; a literal set of a thousand words would fill the screen.
-constexpr std::size_t longestLabel = 60;
+// Columns of the parts, and units of a label or a part within a sentence; a set of a thousand words would fill the screen.
+constexpr std::size_t widestPart = 32;
+constexpr std::size_t longestQuote = 60;
 
-// A node as the other commands show it: the number is that of `graph`, `trace` and `profile`.
-std::string nodeText(const RE_Node* node) {
-    return "n" + std::to_string(node->nodeId) + " (" + shortened(node->label(), longestLabel) + ")";
+// Each line of the description beside the part of the pattern that it is about.
+void printOutline(std::u16string_view pattern, const RE_Outline& outline) {
+    constexpr std::size_t deepest = 40;  // levels; deeper ones are indented no further
+    std::vector<std::string> parts;
+    std::size_t widest = 0;
+    for (const RE_Outline::Line& line : outline.lines) {
+        const RE_Part_Of_Pattern part{line.start, line.length};
+        parts.push_back(line.length == 0 ? "" : quotePart(pattern, part, widestPart));
+        widest = std::max(widest, terminalWidth(toUtf16(parts.back())));
+    }
+    for (std::size_t i = 0; i != parts.size(); ++i) {
+        const RE_Outline::Line& line = outline.lines[i];
+        std::cout << padded(parts[i], widest) << "  " << std::string(2 * std::min(line.depth, deepest), ' ')
+                  << line.words << '\n';
+    }
 }
+
+// Nodes of the compiled pattern in words: by the part of the text that they were made for, or else by what they do.
+class Naming {
+public:
+    Naming(std::u16string_view pattern, RE_Pattern_Parts parts)
+        : pattern_(pattern), parts_(std::move(parts)) {}
+
+    std::string operator()(const RE_Node* node) const {
+        const std::string part = quotePart(pattern_, parts_.of(node->nodeId), longestQuote);
+        return part.empty() ? shortened(node->label(), longestQuote) : "`" + part + "`";
+    }
+
+private:
+    std::u16string_view pattern_;
+    RE_Pattern_Parts parts_;
+};
 
 // The length of a match in code units, as far as the pattern alone says.
 std::string lengthText(const RE_Outline& outline) {
@@ -43,31 +78,32 @@ std::string lengthText(const RE_Outline& outline) {
 }
 
 // How a search finds start positions: by a start finder, by the root itself, or one position after the other.
-std::string startText(const RE_Tree& tree) {
+std::string startText(const RE_Tree& tree, const Naming& name) {
     const RE_Node* const root = tree.getRoot();
     const RE_Start_Finder finder = tree.getFacts().startFinder;
-    if (finder != RE_Start_Finder::none) return std::string(nameOf(finder)) + ", " + nodeText(root);
-    return root->canSeek(false) ? nodeText(root) : "every position is tried";
+    if (finder != RE_Start_Finder::none) return std::string(nameOf(finder)) + ": " + name(root);
+    return root->canSeek(false) ? name(root) : "every position is tried";
 }
 
 // Every place at which the engine does not backtrack, and why that is so: because the pattern asks for it, or
-// because backtracking there could not help (`couldNotHelp`).
-void printPossessiveLoops(const RE_Tree& tree) {
+// because backtracking there could not help (`couldNotHelp`). Copies of a loop's body have the same text, which is said once.
+void printPossessiveLoops(const RE_Tree& tree, const Naming& name) {
+    std::set<std::string> said;
+    const auto say = [&](const RE_Node* node, const char* reason) {
+        const std::string line = "No backtracking into " + name(node) + ": " + reason + "\n";
+        if (said.insert(line).second) std::cout << line;
+    };
     for (const RE_Node* node : tree.getFacts().nodes) {
-        if (nodeAs<RE_Atomic>(node) != nullptr) {
-            std::cout << "Gives nothing back: " << nodeText(node)
-                      << ", since it is atomic or a possessive loop\n";
-        }
+        if (nodeAs<RE_Atomic>(node) != nullptr) say(node, "it is atomic or a possessive loop");
         const auto* const loop = nodeAs<RE_Consume>(node);
         if (loop == nullptr || !loop->possessive) continue;
-        std::cout << "Gives nothing back: " << nodeText(loop) << " of " << nodeText(loop->item) << ", since "
-                  << (loop->couldNotHelp ? "what follows cannot begin with such a unit\n"
-                                         : "it is possessive or all of an atomic group\n");
+        say(loop, loop->couldNotHelp ? "what follows cannot begin with such a unit"
+                                     : "it is possessive or all of an atomic group");
     }
 }
 
 // The judgement in words. It is about plain backtracking; what the engine saves besides is not judged.
-std::string growthText(const RE_Growth& growth) {
+std::string growthText(const RE_Growth& growth, const Naming& name) {
     using Kind = RE_Growth::Kind;
     if (growth.kind == Kind::linear) return "linear";
     if (growth.kind == Kind::unknown) {
@@ -75,16 +111,15 @@ std::string growthText(const RE_Growth& growth) {
                "decides";
     }
     const std::string loop =
-        growth.loop == nullptr ? "the search for a start" : "the loop at " + nodeText(growth.loop);
-    const std::string rival =
-        growth.loop == growth.rival ? "itself" : "the loop at " + nodeText(growth.rival);
+        growth.loop == nullptr ? "the search for a start" : "the loop at " + name(growth.loop);
+    const std::string rival = growth.loop == growth.rival ? "itself" : "the loop at " + name(growth.rival);
     return std::string(growth.kind == Kind::exponential ? "exponential" : "polynomial") +
            " without the memory of failed states: " + loop + " is ambiguous with " + rival;
 }
 
 // The judgement and a text to try it with. Control characters are escaped.
-void printGrowth(const RE_Growth& growth) {
-    std::cout << "Growth: " << growthText(growth) << '\n';
+void printGrowth(const RE_Growth& growth, const Naming& name) {
+    std::cout << "Growth: " << growthText(growth, name) << '\n';
     // Linear or unknown: there is no witness.
     if (growth.loop == nullptr && growth.rival == nullptr) return;
     const auto quoted = [](const std::u16string& text) { return "'" + toPrintableUtf8(text) + "'"; };
@@ -101,7 +136,7 @@ int runExplain(const Arguments& words) {
     Corvane::regexp::CompileOptions compile;
     po::options_description known;
     // No options of its own but this one.
-    known.add_options()("help", "print this help");
+    known.add_options()("help,h", "print this help");
     known.add(patternOptions()).add(compileOptions(compile));
     ParsedArguments arguments = parseArguments(words, "explain [OPTION...] PATTERN", known);
     const PatternRequest request = takePattern(arguments);
@@ -115,10 +150,11 @@ int runExplain(const Arguments& words) {
     const RE_Outline outline =
         outlinePattern(request.text.data(), request.text.size(), request.flags, context.get());
     // First what the author wrote, then what the engine makes of it.
-    std::cout << outline.text << "Length: " << lengthText(outline) << "\nStart: " << startText(pattern.tree())
-              << '\n';
-    printPossessiveLoops(pattern.tree());
-    printGrowth(judgeGrowth(pattern.tree()));
+    const Naming name(pattern.text(), pattern.parts(compile));
+    printOutline(pattern.text(), outline);
+    std::cout << "Length: " << lengthText(outline) << "\nStart: " << startText(pattern.tree(), name) << '\n';
+    printPossessiveLoops(pattern.tree(), name);
+    printGrowth(judgeGrowth(pattern.tree()), name);
     return exitPositive;
 }
 

@@ -23,7 +23,7 @@ po::options_description graphOptions(Corvane::regexp::CompileOptions& compile) {
         "what to write; Graphviz draws the pictures");
     add("stage", po::value<std::string>()->value_name("STAGE"),
         "the graph after a stage of compilation: parsed, null-nodes, linear or dot-star");
-    add("help", "print this help");
+    add("help,h", "print this help");
     return withPatternOptions(options, compile);
 }
 

@@ -11,13 +11,17 @@
 #include "tools/interrupt.h"
 #include "tools/output_file.h"
 #include "tools/pattern_options.h"
+#include "tools/pattern_quote.h"
 #include "tools/usage_error.h"
 #include "tools/warning_report.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <functional>
 #include <iostream>
+#include <string>
+#include <vector>
 
 namespace po = boost::program_options;
 
@@ -29,31 +33,54 @@ po::options_description profileOptions(Corvane::regexp::CompileOptions& compile)
     auto add = options.add_options();
     add("graph", po::value<std::string>()->value_name("FILE"),
         "also draw the graph, the warmer a node the more visits it had; FILE ends in .dot, .svg or .png");
-    add("help", "print this help");
+    add("help,h", "print this help");
     return withPatternOptions(options, compile);
 }
 
-// One row of the table; the widths are those of printTable's heading. Labels come last, as they may be long.
-void printRow(const std::string& node, const RE_Node_Counts& counts, const std::string& label) {
-    // Room for six numbers of twenty digits and the node.
-    char numbers[160];
-    const auto number = [](std::uint64_t value) { return static_cast<unsigned long long>(value); };
-    std::snprintf(numbers, sizeof numbers, "%-6s %12llu %12llu %12llu %12llu %12llu %12llu  ", node.c_str(),
-                  number(counts.visits), number(counts.successes), number(counts.failures),
-                  number(counts.pushes), number(counts.pops), number(counts.refusals));
-    std::cout << numbers << label << '\n';
+// Steps of a search: what it ran, and what it went back to.
+std::uint64_t workOf(const RE_Node_Counts& counts) {
+    return counts.visits + counts.pops;
 }
 
-// Nodes in the order of their numbers, then the nodes of dynamic texts as one row, then the sum.
-void printTable(const RE_Profile& profile) {
+struct Row {
+    std::string part;   // of the pattern
+    std::string label;  // with the number, by which the graph and the trace have the node
+    RE_Node_Counts counts;
+};
+
+constexpr std::size_t widestPart = 24;
+
+// The widths are those of printTable's heading. Labels come last, as they may be long.
+void printRow(const Row& row, std::uint64_t allWork) {
+    // Room for six numbers of twenty digits and the share.
+    char numbers[160];
+    const auto number = [](std::uint64_t value) { return static_cast<unsigned long long>(value); };
+    const double share =
+        allWork == 0 ? 0.0 : 100.0 * static_cast<double>(workOf(row.counts)) / static_cast<double>(allWork);
+    std::snprintf(numbers, sizeof numbers, "%5.1f%% %12llu %12llu %12llu %12llu %12llu %12llu  ", share,
+                  number(row.counts.visits), number(row.counts.successes), number(row.counts.failures),
+                  number(row.counts.pushes), number(row.counts.pops), number(row.counts.refusals));
+    std::cout << numbers << padded(row.part, widestPart) << "  " << row.label << '\n';
+}
+
+// The nodes with the most work first, those with the same in the order of their numbers; the nodes of dynamic texts are one
+// row. Then the sum.
+void printTable(const RE_Profile& profile, std::u16string_view pattern, const RE_Pattern_Parts& parts) {
     char head[160];
-    std::snprintf(head, sizeof head, "%-6s %12s %12s %12s %12s %12s %12s  %s\n", "node", "visits", "matched",
-                  "failed", "pushed", "popped", "refused", "label");
+    std::snprintf(head, sizeof head, "%6s %12s %12s %12s %12s %12s %12s  %-*s  %s\n", "work", "visits",
+                  "matched", "failed", "pushed", "popped", "refused", static_cast<int>(widestPart), "part",
+                  "node");
     std::cout << head;
-    for (const RE_Node_Profile& node : profile.nodes)
-        printRow("n" + std::to_string(node.nodeId), node.counts, node.label);
-    if (profile.texts.visits != 0) printRow("text", profile.texts, "the nodes of dynamic texts");
-    printRow("all", profile.total(), "the whole text");
+    std::vector<Row> rows;
+    for (const RE_Node_Profile& node : profile.nodes) {
+        rows.push_back({quotePart(pattern, parts.of(node.nodeId), widestPart),
+                        "n" + std::to_string(node.nodeId) + " " + node.label, node.counts});
+    }
+    if (profile.texts.visits != 0) rows.push_back({"", "the nodes of dynamic texts", profile.texts});
+    std::ranges::stable_sort(rows, std::greater(), [](const Row& row) { return workOf(row.counts); });
+    const std::uint64_t allWork = workOf(profile.total());
+    for (const Row& row : rows) printRow(row, allWork);
+    printRow({"", "the whole text", profile.total()}, allWork);
 }
 
 // From white for no visit to red for the most, by the logarithm: the visits of a loop and of what surrounds
@@ -103,13 +130,13 @@ int runProfile(const Arguments& words) {
     const CompiledPattern pattern(takePattern(arguments), compile);
     if (arguments.positionals.size() > 1) throw UsageError("profile takes one pattern and one file");
     // One text: counts of several would add up to nothing that can be read.
-    const Input input = readInput(arguments.positionals.empty() ? "-" : arguments.positionals.front());
+    const Input input(arguments.positionals.empty() ? "-" : arguments.positionals.front());
     catchInterrupts();
     printWarnings(pattern.text(), pattern.warnings());
 
-    const bool found = searchAll(pattern.tree(), input.text.view());
+    const bool found = searchAll(pattern.tree(), input.text());
     const RE_Profile profile = pattern.tree().profile();
-    printTable(profile);
+    printTable(profile, pattern.text(), pattern.parts(compile));
     // The table is printed in any case, so a picture that fails costs no result.
     if (arguments.has("graph")) {
         const std::string fileName = arguments.options["graph"].as<std::string>();

@@ -8,7 +8,7 @@
 #include "tools/input.h"
 #include "tools/interrupt.h"
 #include "tools/pattern_options.h"
-#include "tools/utf8.h"
+#include "tools/convert_text.h"
 #include "tools/warning_report.h"
 
 #include <iostream>
@@ -23,7 +23,7 @@ namespace {
 
 po::options_description splitOptions(Corvane::regexp::CompileOptions& compile) {
     po::options_description options("Output");
-    options.add_options()("null,0", "end each part with a NUL instead of a line feed")("help",
+    options.add_options()("null,0", "end each part with a NUL instead of a line feed")("help,h",
                                                                                        "print this help");
     return withPatternOptions(options, compile);
 }
@@ -58,8 +58,8 @@ int runSplit(const Arguments& words) {
     bool unreadable = false;
     for (const std::string& fileName : arguments.positionals) {
         try {
-            const Input input = readInput(fileName);
-            found |= splitText(pattern.tree(), input.text.view(), arguments.has("null") ? '\0' : '\n');
+            const Input input(fileName);
+            found |= splitText(pattern.tree(), input.text(), arguments.has("null") ? '\0' : '\n');
         } catch (const std::system_error& failure) {
             std::cout.flush();
             std::cerr << "cvregexp: " << failure.what() << '\n';

@@ -3,6 +3,7 @@
 // The log is written as it happens and printed afterwards, so a trace that is interrupted prints nothing.
 #include "tools/command.h"
 #include "tools/compiled_pattern.h"
+#include "tools/convert_text.h"
 #include "tools/exit_status.h"
 #include "tools/input.h"
 #include "tools/interrupt.h"
@@ -26,7 +27,7 @@ po::options_description traceOptions(Corvane::regexp::CompileOptions& compile) {
     add("offset", po::value<std::size_t>()->default_value(0)->value_name("N"), "search from unit N on");
     // A hundred thousand events are some tens of megabytes; a search that blows up has no end of them.
     add("limit", po::value<std::size_t>()->default_value(100'000)->value_name("N"), "keep at most N events");
-    add("help", "print this help");
+    add("help,h", "print this help");
     return withPatternOptions(options, compile);
 }
 
@@ -47,8 +48,9 @@ int runTrace(const Arguments& words) {
         parseArguments(words, "trace [OPTION...] PATTERN [TEXT]", traceOptions(compile));
     const CompiledPattern pattern(takePattern(arguments), compile);
     if (arguments.positionals.size() > 1) throw UsageError("trace takes one pattern and one text");
-    const Utf16Text text(arguments.positionals.empty() ? readBytes("-") : arguments.positionals.front());
-    const std::u16string_view subject = text.view();
+    const std::u16string text =
+        toUtf16(arguments.positionals.empty() ? readBytes("-") : arguments.positionals.front());
+    const std::u16string_view subject = text;
     catchInterrupts();
     printWarnings(pattern.text(), pattern.warnings());
 
@@ -60,7 +62,8 @@ int runTrace(const Arguments& words) {
     if (interruptPending()) throw Interrupted();
     // The page in place of the lines: who wants to replay a search does not want to scroll past it.
     if (arguments.has("html")) {
-        writeFile(arguments.options["html"].as<std::string>(), tracePage(pattern, subject, log));
+        writeFile(arguments.options["html"].as<std::string>(),
+                  tracePage(pattern, pattern.parts(compile), subject, log));
     } else {
         printLog(log);
     }

@@ -5,7 +5,7 @@
 #include "tools/exit_status.h"
 #include "tools/input.h"
 #include "tools/usage_error.h"
-#include "tools/utf8.h"
+#include "tools/convert_text.h"
 
 #include "regexp/regexp.h"
 
@@ -22,11 +22,11 @@ using Translation = std::u16string (*)(std::u16string_view);
 // Without a text, standard input is translated as it is and no line feed is added.
 int translate(const Arguments& words, const std::string& command, Translation translation) {
     po::options_description known;
-    known.add_options()("help", "print this help");
+    known.add_options()("help,h", "print this help");
     const ParsedArguments arguments = parseArguments(words, command + " [TEXT]", known);
     if (arguments.positionals.empty()) {
         // Byte for byte what a pipe would pass on, but for the translation.
-        std::cout << toUtf8(translation(readInput("-").text.view()));
+        std::cout << toUtf8(translation(Input("-").text()));
     } else if (arguments.positionals.size() == 1) {
         std::cout << toUtf8(translation(toUtf16(arguments.positionals.front()))) << '\n';
     } else {

@@ -4,6 +4,7 @@
 // keeps a view of the text and calls the interpreter, and the tree calls the context.
 #pragma once
 
+#include "regexp/inspect/pattern_parts.h"
 #include "regexp/options/compile_options.h"
 #include "tools/pattern_options.h"
 #include "tools/script_host.h"
@@ -23,6 +24,7 @@ public:
           scripts_(std::move(scripts)),
           context_(makeContext(options, scripts_, true)),
           tree_(text_.data(), text_.size(), request.flags, context_.get()),
+          flags_(request.flags),
           speedUp_(request.speedUp) {
         // From here on whatever compiles under this context is a dynamic text in a search.
         context_->compiled();
@@ -48,6 +50,13 @@ public:
     // Those of the pattern itself, by position.
     std::vector<PatternWarning> warnings() const { return context_->warnings(); }
 
+    // What its nodes were made for. In a context of its own: the pattern is compiled again, and would raise every warning a
+    // second time. `options` are those it was compiled with.
+    RE_Pattern_Parts parts(const Corvane::regexp::CompileOptions& options) const {
+        const auto context = makeContext(options, scripts_, true);
+        return partsOfPattern(text_.data(), text_.size(), flags_, context.get());
+    }
+
     // Null when expressions are not allowed.
     const std::shared_ptr<ScriptHost>& scripts() const { return scripts_; }
 
@@ -57,6 +66,7 @@ private:
     std::shared_ptr<ScriptHost> scripts_;
     std::unique_ptr<ConsoleContext> context_;
     RE_Tree tree_;
+    RE_Flags flags_;
     SpeedUp speedUp_;
 };
 

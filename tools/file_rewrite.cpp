@@ -5,15 +5,19 @@
 // somebody else's change follows all writing, and the content is on the disk before the rename.
 #include "tools/file_rewrite.h"
 
+#include "tools/signals_held.h"
 #include "tools/system_failure.h"
+#include "tools/write_all.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <optional>
 #include <system_error>
 #include <utility>
 
@@ -34,31 +38,30 @@ bool sameTime(const struct timespec& one, const struct timespec& other) {
     return one.tv_sec == other.tv_sec && one.tv_nsec == other.tv_nsec;
 }
 
-// A file beside the one to be replaced. Its destructor removes it unless it was renamed.
+// A file in the directory of the one to be replaced. It has no name until it is complete, so that it goes with the
+// program whatever ends that; where the file system has no such files it has one from the beginning, and the destructor
+// removes it unless it was renamed.
 class TemporaryFile {
 public:
-    // Hidden, and created readable by the owner alone: the content may be secret, and nobody may read it
-    // before it has the permissions of the old file.
+    // Readable by the owner alone: the content may be secret, and nobody may read it before it has the permissions of the
+    // old file.
     explicit TemporaryFile(const std::filesystem::path& directory)
-        : name_((directory / ".cvregexp.XXXXXX").string()), descriptor_(::mkostemp(name_.data(), O_CLOEXEC)) {
+        : name_((directory / ".cvregexp.XXXXXX").string()), descriptor_(openNameless(directory)) {
+        if (descriptor_ >= 0) return;
+        held_.emplace();
+        descriptor_ = ::mkostemp(name_.data(), O_CLOEXEC);
         if (descriptor_ < 0) failOn(name_);
+        isNamed_ = true;
     }
     ~TemporaryFile() {
         // Errors no longer matter: the file is about to be removed.
         if (descriptor_ >= 0) ::close(descriptor_);
-        if (!renamed_) ::unlink(name_.c_str());
+        if (isNamed_) ::unlink(name_.c_str());
     }
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
 
-    // A write may be partial or interrupted by a signal; only other errors count.
-    void write(std::string_view content) {
-        while (!content.empty()) {
-            const ssize_t written = ::write(descriptor_, content.data(), content.size());
-            if (written < 0 && errno != EINTR) failOn(name_);
-            if (written > 0) content.remove_prefix(static_cast<std::size_t>(written));
-        }
-    }
+    void write(std::string_view content) { writeAll(descriptor_, name_, content); }
 
     // The owner comes first, since changing it may clear bits of the mode; only root may give files away, but
     // others may keep the group.
@@ -72,19 +75,44 @@ public:
         if (::fchmod(descriptor_, modeFor(old, status)) != 0) failOn(name_);
     }
 
-    // After this the temporary name is gone. Errors of close matter: a network file system reports a full
-    // disk there.
+    // Errors of close matter: a network file system reports a full disk there.
     void replace(const std::string& fileName) {
         if (::fsync(descriptor_) != 0) failOn(name_);
+        if (!held_) held_.emplace();
+        if (!isNamed_) giveName();
         if (::close(std::exchange(descriptor_, -1)) != 0) failOn(name_);
         if (::rename(name_.c_str(), fileName.c_str()) != 0) failOn(fileName);
-        renamed_ = true;
+        isNamed_ = false;
     }
 
 private:
+    // Negative where such a file is not to be had, or could not be given a name: that takes the links of /proc.
+    static int openNameless(const std::filesystem::path& directory) {
+        if (::access("/proc/self/fd", X_OK) != 0) return -1;
+        return ::open(directory.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    }
+
+    // A name that nobody has, found as mkstemp does it: by trying.
+    void giveName() {
+        const std::string self = "/proc/self/fd/" + std::to_string(descriptor_);
+        const std::size_t stem = name_.size() - 6;
+        for (unsigned attempt = 0;; ++attempt) {
+            char suffix[8];
+            std::snprintf(suffix, sizeof suffix, "%06X",
+                          (static_cast<unsigned>(::getpid()) + attempt * 0x10001U) & 0xFFFFFFU);
+            name_.replace(stem, 6, suffix);
+            if (::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, name_.c_str(), AT_SYMLINK_FOLLOW) == 0) break;
+            if (errno != EEXIST || attempt == mostAttempts) failOn(name_);
+        }
+        isNamed_ = true;
+    }
+
+    static constexpr unsigned mostAttempts = 1000;
+
     std::string name_;
     int descriptor_;
-    bool renamed_ = false;
+    bool isNamed_ = false;
+    std::optional<SignalsHeld> held_;
 };
 
 // The rename itself is on the disk once the directory is. Some file systems cannot do that; the content is

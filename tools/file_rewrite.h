@@ -27,9 +27,12 @@ public:
     // Writes a temporary file beside the old one, with its permissions and (where allowed) its owner and
     // group, brings it to the disk, and renames it. FileRefused when the file was changed since this object
     // looked at it; a change between that look and the renaming is lost. On an exception the file is as it
-    // was and the temporary one gone; only what ends the program at once, as a second signal does, leaves
-    // that behind.
+    // was and the temporary one gone. Where the file system has files without a name, that holds for whatever
+    // ends the program before the very last step.
     void write(std::string_view content) const;
+
+    // The file itself, with all links resolved.
+    const std::filesystem::path& target() const { return target_; }
 
 private:
     void refuseIfChanged() const;

@@ -1,8 +1,8 @@
 // Reading of whole files: regular files are mapped, so that their bytes are not copied before the conversion;
 // pipes and terminals are read to their end.
 //
-// A mapped file that somebody shortens meanwhile raises SIGBUS. The mapping is gone once the text is
-// converted, so the danger is as short as the conversion.
+// A mapped file that somebody shortens meanwhile raises SIGBUS where it is read. Only the conversion reads it, so the
+// danger is as short as that.
 #include "tools/input.h"
 
 #include "tools/interrupt.h"
@@ -36,8 +36,7 @@ public:
     const std::string& name() const { return name_; }
 
 private:
-    // The caller's, which outlives the file.
-    const std::string& name_;
+    const std::string& name_;  // the caller's, which outlives the file
     int descriptor_;
 };
 
@@ -98,15 +97,26 @@ std::string_view withoutByteOrderMark(std::string_view bytes) {
 
 }  // namespace
 
-// The conversion happens inside, so the caller never holds both the bytes and the text.
-Input readInput(const std::string& fileName) {
-    const OpenFile file(fileName);
-    const std::string label = fileName == "-" ? "(standard input)" : fileName;
-    if (const Mapping mapping(file); mapping)
-        return {label, mapping.bytes().size(), Utf16Text(withoutByteOrderMark(mapping.bytes()))};
-    const std::string content = readToEnd(file);
-    return {label, content.size(), Utf16Text(withoutByteOrderMark(content))};
+// The bytes of a whole file, mapped or read.
+class FileBytes {
+public:
+    explicit FileBytes(const OpenFile& file) : mapping_(file) {
+        if (!mapping_) read_ = readToEnd(file);
+    }
+
+    std::string_view view() const { return mapping_ ? mapping_.bytes() : read_; }
+
+private:
+    Mapping mapping_;
+    std::string read_;
+};
+
+Input::Input(const std::string& fileName) : bytes_(std::make_unique<FileBytes>(OpenFile(fileName))) {
+    text_.useUtf8(withoutByteOrderMark(bytes_->view()));
+    text_.convert(RE_Text::all);
 }
+
+Input::~Input() = default;
 
 std::string readBytes(const std::string& fileName) {
     const std::string content = readAllBytes(fileName);

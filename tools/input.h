@@ -2,24 +2,34 @@
 // because patterns see a file as one text and matches may span lines.
 #pragma once
 
-#include "tools/utf8.h"
+#include "regexp/text/text.h"
 
+#include <memory>
 #include <string>
 #include <string_view>
 
 namespace tool {
 
-// A whole text with what is said about it.
-struct Input {
-    std::string label;  // what the output calls it: the file name as given, or "(standard input)"
-    // Of the file, with a byte order mark if it has one; for the progress line.
-    std::size_t byteSize;
-    Utf16Text text;
-};
+class FileBytes;
 
-// "-" stands for standard input. Throws std::system_error when the file cannot be read, and Interrupted when
-// the user breaks off the reading of a slow source.
-Input readInput(const std::string& fileName);
+// A whole text with what is said about it.
+class Input {
+public:
+    // "-" stands for standard input. Throws std::system_error when the file cannot be read, and Interrupted when
+    // the user breaks off the reading of a slow source.
+    explicit Input(const std::string& fileName);
+    ~Input();
+    Input(const Input&) = delete;
+    Input& operator=(const Input&) = delete;
+
+    // Without the byte order mark. Never null: the engine takes a null subject for "nothing to search". Every
+    // ill-formed byte sequence becomes U+FFFD, so any file can be searched.
+    std::u16string_view text() const { return text_.known(); }
+
+private:
+    std::unique_ptr<const FileBytes> bytes_;  // which the text refers to
+    RE_Text text_;
+};
 
 // The whole content of a file, not converted, but without a byte order mark.
 std::string readBytes(const std::string& fileName);

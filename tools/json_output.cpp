@@ -2,7 +2,7 @@
 // well, and no key is ever left out: what is missing is null or empty.
 #include "tools/json_output.h"
 
-#include "tools/utf8.h"
+#include "tools/convert_text.h"
 #include "tools/warning_report.h"
 
 #include "regexp/eval/warning_text.h"
@@ -50,19 +50,46 @@ std::string jsonLine(const MatchRecord& match) {
     return toLine(object);
 }
 
+namespace {
+
+// What a warning or a hint says of a part of the pattern.
+struct Remark {
+    Json number;
+    std::string_view name;
+    std::string_view sentence;
+    std::size_t position;  // where it was raised
+    std::size_t start;
+    std::size_t length;
+    const std::optional<std::u16string>& correction;
+};
+
+void writeRemark(std::ostream& out, std::u16string_view pattern, const Remark& remark) {
+    const PatternPlace place = locate(pattern, remark.start);
+    out << toLine({{"number", remark.number},
+                   {"name", remark.name},
+                   {"sentence", remark.sentence},
+                   {"position", remark.position},
+                   {"start", remark.start},
+                   {"length", remark.length},
+                   {"correction", remark.correction ? Json(toUtf8(*remark.correction)) : Json()},
+                   {"line", place.line},
+                   {"column", place.column}});
+}
+
+}  // namespace
+
 void writeJsonWarning(std::ostream& out, std::u16string_view pattern, const PatternWarning& warning) {
     // Two places: where the compiler raised the warning, and the part of the pattern that it is about.
     const RE_Warning_Span span = locateWarning(warning.number, pattern, warning.position);
-    const PatternPlace place = locate(pattern, span.start);
-    out << toLine({{"number", static_cast<unsigned>(warning.number)},
-                   {"name", describe(warning.number).name},
-                   {"sentence", describe(warning.number).sentence},
-                   {"position", warning.position},
-                   {"start", span.start},
-                   {"length", span.length},
-                   {"correction", span.correction ? Json(toUtf8(*span.correction)) : Json()},
-                   {"line", place.line},
-                   {"column", place.column}});
+    writeRemark(
+        out, pattern,
+        {static_cast<unsigned>(warning.number), describe(warning.number).name,
+         describe(warning.number).sentence, warning.position, span.start, span.length, span.correction});
+}
+
+void writeJsonHint(std::ostream& out, std::u16string_view pattern, const RE_Hint& hint) {
+    writeRemark(out, pattern,
+                {Json(), "hint", hint.sentence, hint.start, hint.start, hint.length, hint.correction});
 }
 
 }  // namespace tool

@@ -2,6 +2,7 @@
 // lines and columns count from 1.
 #pragma once
 
+#include "regexp/inspect/hints.h"
 #include "tools/console_context.h"
 
 #include <cstdint>
@@ -29,5 +30,8 @@ std::string jsonLine(const MatchRecord& match);
 
 // The warning with its place in the pattern and, where there is one, its correction.
 void writeJsonWarning(std::ostream& out, std::u16string_view pattern, const PatternWarning& warning);
+
+// The same keys; a hint has no number, and its name is "hint".
+void writeJsonHint(std::ostream& out, std::u16string_view pattern, const RE_Hint& hint);
 
 }  // namespace tool

@@ -7,7 +7,7 @@
 
 #include "tools/input.h"
 #include "tools/script_host.h"
-#include "tools/utf8.h"
+#include "tools/convert_text.h"
 #include "tools/warning_report.h"
 
 #include <functional>

@@ -24,7 +24,7 @@ int dispatch(const tool::Arguments& words) {
         return tool::exitTrouble;
     }
     if (words.front() == "help" && words.size() > 1) return dispatch({words[1], "--help"});
-    if (words.front() == "--help" || words.front() == "help") {
+    if (words.front() == "--help" || words.front() == "-h" || words.front() == "help") {
         printHelp(std::cout);
         return tool::exitPositive;
     }

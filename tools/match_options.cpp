@@ -2,8 +2,7 @@
 #include "tools/match_options.h"
 
 #include "tools/usage_error.h"
-
-#include <sys/stat.h>
+#include "tools/walk/walk_options.h"
 
 #include <algorithm>
 
@@ -39,11 +38,6 @@ ReportForm chosenForm(const ParsedArguments& arguments) {
     for (const FormOption& form : brief)
         if (arguments.has(form.name)) return form.form;
     return chosen == nullptr ? ReportForm::lines : chosen->form;
-}
-
-bool isDirectory(const std::string& name) {
-    struct stat status;
-    return name.empty() || (::stat(name.c_str(), &status) == 0 && S_ISDIR(status.st_mode));
 }
 
 // As usual for search tools: names are printed as soon as there may be more than one file.
@@ -86,12 +80,6 @@ FileOrder chosenOrder(const ParsedArguments& arguments) {
     if (order == "path") return FileOrder::path;
     if (order == "modified") return FileOrder::modified;
     throw UsageError("--sort is path or modified, not " + order);
-}
-
-// Without files: the working directory where directories were asked for, else standard input.
-Arguments filesOf(const ParsedArguments& arguments) {
-    if (!arguments.positionals.empty()) return arguments.positionals;
-    return {arguments.has("recursive") || arguments.has("files") ? "" : "-"};
 }
 
 }  // namespace
@@ -148,42 +136,17 @@ po::options_description matchOptions() {
     return options;
 }
 
-void addWalkOptions(po::options_description& options) {
-    auto add = options.add_options();
-    add("recursive,r", flag(), "search the files of directories; without a file, of the working directory");
-    add("glob,g", po::value<Arguments>()->composing()->value_name("GLOB"),
-        "of directories, only files whose names match; with ! in front, only others");
-    add("unrestricted,u", flag(),
-        "of directories, also what ignore files leave out; -uu: also hidden files; "
-        "-uuu: also binary ones");
-    add("no-ignore", flag(), "the first of these");
-    add("hidden", flag(), "the second");
-    add("follow", flag(), "follow links to files and directories");
-    add("max-depth", po::value<std::string>()->value_name("N"), "enter N levels of directories at most");
-}
-
-WalkSettings readWalkSettings(const ParsedArguments& arguments) {
-    WalkSettings walk;
-    const std::size_t unrestricted = arguments.times("unrestricted");
-    walk.ignoreFiles = unrestricted < 1 && !arguments.has("no-ignore");
-    walk.hidden = unrestricted > 1 || arguments.has("hidden");
-    walk.followsLinks = arguments.has("follow");
-    walk.maxDepth = numberOr(arguments, "max-depth", walk.maxDepth);
-    if (arguments.has("glob")) walk.globs = arguments.options["glob"].as<Arguments>();
-    return walk;
-}
-
 MatchSettings readMatchSettings(const ParsedArguments& arguments, std::size_t patternCount) {
     MatchSettings settings;
     RunSettings& run = settings.run;
-    run.files = filesOf(arguments);
+    run.files = namedFiles(arguments, arguments.has("recursive") || arguments.has("files"));
     run.style = readStyle(arguments, run.files, patternCount);
     run.encoding = EncodingChoice(arguments.options["encoding"].as<std::string>());
     run.walk = readWalkSettings(arguments);
     run.order = chosenOrder(arguments);
     run.threads = numberOr(arguments, "threads", 0);
     run.searchesBinary = arguments.has("text");
-    run.findsBinary = arguments.times("unrestricted") > 2;
+    run.findsBinary = wantsBinaryFiles(arguments);
     run.quietAboutFiles = arguments.has("no-messages");
     run.listsOnly = arguments.has("files");
     run.stats = arguments.has("stats");

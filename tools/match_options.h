@@ -19,8 +19,4 @@ struct MatchSettings {
 // To be called after the patterns were taken from the positional words; what is left are the files.
 MatchSettings readMatchSettings(const ParsedArguments& arguments, std::size_t patternCount);
 
-// The options that say which files of a tree are meant; `replace` has them, too.
-void addWalkOptions(boost::program_options::options_description& options);
-WalkSettings readWalkSettings(const ParsedArguments& arguments);
-
 }  // namespace tool

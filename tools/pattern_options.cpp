@@ -7,7 +7,7 @@
 #include "tools/input.h"
 #include "tools/search/pattern_text.h"
 #include "tools/usage_error.h"
-#include "tools/utf8.h"
+#include "tools/convert_text.h"
 
 #include <algorithm>
 

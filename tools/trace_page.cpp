@@ -1,11 +1,11 @@
-// The page gets the events as data and replays them itself; trace_page_source.cpp holds its text.
+// The page gets the events as data and replays them itself; trace_page_head.cpp and trace_page_script.cpp hold its text.
 //
 // Text of the user's (pattern, subject, labels) reaches the page only as JSON inside a script: asScriptText
 // keeps it from ending the script.
 #include "tools/trace_page.h"
 
+#include "tools/convert_text.h"
 #include "tools/trace_page_source.h"
-#include "tools/utf8.h"
 
 #include "regexp/graph/graph_facts.h"
 #include "regexp/nodes/graph_export.h"
@@ -49,20 +49,37 @@ Json eventObject(const TraceLog& log, std::size_t index) {
             {"text", describeEvent(log, index)}};
 }
 
+// Begin and end of the part of the pattern that the node was made for, in units, or null.
+Json partOf(const RE_Node* node, const RE_Pattern_Parts& parts) {
+    const std::optional<RE_Part_Of_Pattern> part = parts.of(node->nodeId);
+    return part ? Json{part->start, part->start + part->length} : Json();
+}
+
+// The names of the tokens by their numbers; null where one has none.
+Json namesOf(const RE_Graph_Facts& facts) {
+    Json names = Json::array();
+    for (const char16_t* const name : facts.tokenNames)
+        names.push_back(name == nullptr ? Json() : Json(toUtf8(name)));
+    return names;
+}
+
 // All that the page knows: the graph's nodes and links, the subject, the events and the token states.
-Json traceObject(const CompiledPattern& pattern, std::u16string_view subject, const TraceLog& log) {
+Json traceObject(const CompiledPattern& pattern, const RE_Pattern_Parts& parts, std::u16string_view subject,
+                 const TraceLog& log) {
     Json trace{{"pattern", toUtf8(pattern.text())},
                {"subject", Json::array()},
                {"root", pattern.tree().getRoot()->nodeId},
                {"nodes", Json::array()},
                {"events", Json::array()},
                {"tokens", log.tokenStates()},
+               {"names", namesOf(pattern.tree().getFacts())},
                {"dropped", log.dropped()}};
     // As numbers: the subject may hold halves of surrogate pairs, which JSON text cannot.
     for (const char16_t unit : subject) trace["subject"].push_back(static_cast<unsigned>(unit));
     for (RE_Node* node : pattern.tree().getFacts().nodes) {
         trace["nodes"].push_back({{"id", node->nodeId},
                                   {"label", shortened(node->label(), longestOfLabel)},
+                                  {"part", partOf(node, parts)},
                                   {"links", linksOf(node)}});
     }
     // By number, as the page goes to an event by its index.
@@ -87,9 +104,11 @@ std::string asScriptText(const Json& data) {
 
 }  // namespace
 
-std::string tracePage(const CompiledPattern& pattern, std::u16string_view subject, const TraceLog& log) {
-    return std::string(tracePageHead) + "const trace = " + asScriptText(traceObject(pattern, subject, log)) +
-           ";\n" + std::string(tracePageScript);
+std::string tracePage(const CompiledPattern& pattern, const RE_Pattern_Parts& parts,
+                      std::u16string_view subject, const TraceLog& log) {
+    return std::string(tracePageHead) +
+           "const trace = " + asScriptText(traceObject(pattern, parts, subject, log)) + ";\n" +
+           std::string(tracePageScript);
 }
 
 }  // namespace tool

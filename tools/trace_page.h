@@ -11,6 +11,8 @@
 namespace tool {
 
 // The whole text of the page, UTF-8. Its size is that of the log, some hundred bytes for each event.
-std::string tracePage(const CompiledPattern& pattern, std::u16string_view subject, const TraceLog& log);
+// `parts` are those of the pattern.
+std::string tracePage(const CompiledPattern& pattern, const RE_Pattern_Parts& parts,
+                      std::u16string_view subject, const TraceLog& log);
 
 }  // namespace tool

@@ -2,7 +2,7 @@
 // counted here, not code units: a combining character takes none, an East Asian wide one two.
 #include "tools/warning_report.h"
 
-#include "tools/utf8.h"
+#include "tools/convert_text.h"
 
 #include "regexp/eval/warning_text.h"
 
@@ -27,7 +27,7 @@ bool isCombining(UChar32 character) {
 }
 
 // In columns. An ambiguous width counts as one, as in most terminals.
-std::size_t terminalWidth(UChar32 character) {
+std::size_t characterWidth(UChar32 character) {
     if (isCombining(character)) return 0;
     const int width = u_getIntPropertyValue(character, UCHAR_EAST_ASIAN_WIDTH);
     return width == U_EA_WIDE || width == U_EA_FULLWIDTH ? 2 : 1;
@@ -43,7 +43,7 @@ std::string paddingFor(std::u16string_view text) {
         if (character == '\t') {
             padding += '\t';
         } else {
-            padding.append(terminalWidth(character), ' ');
+            padding.append(characterWidth(character), ' ');
         }
     }
     return padding;
@@ -55,18 +55,6 @@ std::u16string withoutControls(std::u16string_view text) {
     std::ranges::replace_if(
         shown, [](char16_t unit) { return u_iscntrl(unit) && unit != u'\t'; }, u'\uFFFD');
     return shown;
-}
-
-// Of a piece without tabs, whose width would depend on where it begins.
-std::size_t terminalWidth(std::u16string_view text) {
-    std::size_t width = 0;
-    for (std::size_t at = 0; at != text.size();) {
-        const std::size_t size = text.size();
-        UChar32 character;
-        U16_NEXT(text.data(), at, size, character);
-        width += terminalWidth(character);
-    }
-    return width;
 }
 
 // A caret under the first unit of the part that the warning is about, and a wave under the others on this
@@ -88,6 +76,18 @@ std::string placeText(std::u16string_view pattern, const PatternPlace& place) {
 }
 
 }  // namespace
+
+// Of a piece without tabs, whose width would depend on where it begins.
+std::size_t terminalWidth(std::u16string_view text) {
+    std::size_t width = 0;
+    for (std::size_t at = 0; at != text.size();) {
+        const std::size_t size = text.size();
+        UChar32 character;
+        U16_NEXT(text.data(), at, size, character);
+        width += characterWidth(character);
+    }
+    return width;
+}
 
 // The line of the position, found by the line feeds around it. Linear in the pattern.
 PatternPlace locate(std::u16string_view pattern, std::size_t position) {

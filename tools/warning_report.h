@@ -41,4 +41,7 @@ void printHints(std::u16string_view pattern, const std::vector<RE_Hint>& hints);
 void printWarnings(std::u16string_view pattern, const std::vector<PatternWarning>& warnings,
                    std::string_view subject = {});
 
+// In columns of a terminal, of a text without tabs, whose width would depend on where it begins.
+std::size_t terminalWidth(std::u16string_view text);
+
 }  // namespace tool

@@ -5,6 +5,7 @@
 // What is to be written first is pushed last.
 #include "regexp/inspect/outline.h"
 
+#include "regexp/graph/pattern_part.h"
 #include "regexp/nodes/label_text.h"
 #include "regexp/parser/grammar.h"
 #include "regexp/parser/measure.h"
@@ -81,35 +82,45 @@ class Outliner {
 public:
     explicit Outliner(const RE_Syntax_Tree& syntax) : tree(syntax) {}
 
-    std::string outline() {
+    RE_Outline outline() {
         branches(RE_Syntax_Tree::root, 0);
         while (!work.empty()) {
             const Task task = work.back();
             work.pop_back();
             if (!task.words.empty()) {
-                line(task.depth, task.words);
+                line(task.depth, task.words, task.part);
             } else {
                 item(task.index, task.depth);
             }
         }
-        return text;
+        const RE_Syntax& root = tree[RE_Syntax_Tree::root];
+        result.least = root.least;
+        result.most = root.most;
+        return std::move(result);
     }
 
 private:
-    /// An item to describe, or a line to write.
+    /// An item to describe, or a line to write about a part.
     struct Task {
         std::uint32_t index;
         std::size_t depth;
         std::string words;
+        RE_Pattern_Part part;
     };
 
     // Appends a line at once.
-    void line(std::size_t depth, const std::string& words) {
-        text += std::string(2 * std::min(depth, deepestIndentation), ' ') + words + '\n';
+    void line(std::size_t depth, const std::string& words, const RE_Pattern_Part& part = {}) {
+        result.text += std::string(2 * std::min(depth, deepestIndentation), ' ') + words + '\n';
+        result.lines.push_back({depth, words, part.begin, std::size_t{part.end} - part.begin});
+    }
+    static RE_Pattern_Part partOf(const RE_Syntax& item) {
+        return item.end != 0 ? RE_Pattern_Part{item.begin, item.end} : RE_Pattern_Part();
     }
     // Queue an item or a line, in front of all that is queued already.
-    void later(std::uint32_t index, std::size_t depth) { work.push_back({index, depth, {}}); }
-    void later(const std::string& words, std::size_t depth) { work.push_back({none, depth, words}); }
+    void later(std::uint32_t index, std::size_t depth) { work.push_back({index, depth, {}, {}}); }
+    void later(const std::string& words, std::size_t depth, const RE_Pattern_Part& part = {}) {
+        work.push_back({none, depth, words, part});
+    }
 
     /// The children of an item, the last one first, since what is queued last is described first.
     std::vector<std::uint32_t> childrenOf(std::uint32_t index) const {
@@ -130,7 +141,8 @@ private:
         }
         for (const std::uint32_t branch : children) {
             later(branch, depth + 1);
-            later(branch == children.back() ? "either" : "or", depth);
+            const bool isFirst = branch == children.back();
+            later(isFirst ? "either" : "or", depth, isFirst ? partOf(tree[group]) : RE_Pattern_Part());
         }
     }
 
@@ -143,11 +155,12 @@ private:
         // run, as one line cannot say both.
         std::string run;
         RE_Flags runFlags = 0;
+        RE_Pattern_Part runPart;
         // Literals next to each other are one text.
         std::vector<Task> tasks;
         const auto endRun = [&] {
             if (!run.empty()) {
-                tasks.push_back({none, depth, literalText(run, runFlags)});
+                tasks.push_back({none, depth, literalText(run, runFlags), runPart});
                 run.clear();
             }
         };
@@ -159,9 +172,10 @@ private:
                 endRun();
             }
             runFlags = folding;
+            runPart = {run.empty() ? child.begin : runPart.begin, child.end};
             run += shown;
             if (shown.empty()) {
-                tasks.push_back({children.back(), depth, {}});
+                tasks.push_back({children.back(), depth, {}, {}});
             }
         }
         endRun();
@@ -215,14 +229,14 @@ private:
                 within(lookText(own), index, depth);
                 return;
             case RE_Syntax_Kind::repeat:
-                line(depth, repeatText(own));
+                line(depth, repeatText(own), partOf(own));
                 later(own.firstChild, depth + 1);
                 return;
             case RE_Syntax_Kind::conditional:
                 conditional(own, depth);
                 return;
             case RE_Syntax_Kind::reference:
-                line(depth, "the text of " + tokenText(own, false) + " again");
+                line(depth, "the text of " + tokenText(own, false) + " again", partOf(own));
                 return;
             case RE_Syntax_Kind::text:
             case RE_Syntax_Kind::literal:
@@ -236,13 +250,13 @@ private:
             case RE_Syntax_Kind::end_word:
             case RE_Syntax_Kind::evaluate:
             case RE_Syntax_Kind::dropped:
-                line(depth, unitText(own));
+                line(depth, unitText(own), partOf(own));
         }
     }
 
     // A line for the group, and its branches one level deeper.
     void within(const std::string& words, std::uint32_t index, std::size_t depth) {
-        line(depth, words);
+        line(depth, words, partOf(tree[index]));
         branches(index, depth + 1);
     }
 
@@ -255,11 +269,11 @@ private:
         later(own.firstChild, depth + 1);
         later("then", depth);
         if (own.condition == none) {
-            line(depth, "if " + tokenText(own, false) + " has text");
+            line(depth, "if " + tokenText(own, false) + " has text", partOf(own));
         } else if (tree[own.condition].kind == RE_Syntax_Kind::evaluate) {
-            line(depth, "if an expression is true");
+            line(depth, "if an expression is true", partOf(own));
         } else {
-            line(depth, "if " + lookText(tree[own.condition]));
+            line(depth, "if " + lookText(tree[own.condition]), partOf(own));
             branches(own.condition, depth + 1);
         }
     }
@@ -310,7 +324,7 @@ private:
 
     const RE_Syntax_Tree& tree;
     std::vector<Task> work;
-    std::string text;
+    RE_Outline result;
 };
 
 }  // namespace
@@ -323,6 +337,5 @@ RE_Outline outlinePattern(const char16_t* pattern, std::size_t length, RE_Flags 
     // Reading has left the modes that the pattern set for itself.
     parserContext.flags = flags;
     measureSyntax(syntax, parserContext, pattern);
-    const RE_Syntax& root = syntax[RE_Syntax_Tree::root];
-    return {Outliner(syntax).outline(), root.least, root.most};
+    return Outliner(syntax).outline();
 }

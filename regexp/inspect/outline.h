@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 class RE_Context;
 
@@ -15,7 +16,16 @@ class RE_Context;
 struct RE_Outline {
     static constexpr std::uint64_t unbounded = static_cast<std::uint64_t>(-1);
 
-    std::string text;         ///< UTF-8
+    /// A line of the text, with the part of the pattern that it is about, in code units; of none that is empty.
+    struct Line {
+        std::size_t depth;
+        std::string words;  ///< UTF-8
+        std::size_t start;
+        std::size_t length;
+    };
+
+    std::string text;  ///< UTF-8; the lines, each indented by two blanks for each level, but not without end
+    std::vector<Line> lines;
     std::uint64_t least = 0;  ///< units that a match has at the least
     std::uint64_t most = 0;   ///< and at the most
 };

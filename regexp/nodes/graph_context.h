@@ -14,6 +14,7 @@
 #include "regexp/eval/context.h"
 #include "regexp/graph/graph_facts.h"
 #include "regexp/graph/node.h"
+#include "regexp/graph/pattern_part.h"
 #include "regexp/nodes/collection.h"
 #include "regexp/nodes/counting_node.h"
 #include "regexp/options/compile_options.h"
@@ -53,6 +54,12 @@ public:
     /// A number for a walk that marks where it has been by `RE_Node::walk`. Of two such walks one ends before
     /// the other, since both write to the same member. No number is used twice, so nobody clears marks.
     std::uint32_t nextWalk() { return ++walks; }
+    /// For passes: `whole` is made for what `part` was made for, too.
+    void standsFor(const RE_Node* whole, const RE_Node* part) {
+        if (parts != nullptr) {
+            parts->add(whole, part);
+        }
+    }
     /// A memo row for a node that makes choices.
     std::uint32_t nextMemoRow() { return facts->memoRows++; }
 
@@ -80,12 +87,13 @@ public:
     std::uint32_t walks = 0;
     RE_Class_Bits madeClasses = 0;
     // What the parser may do at once, and what it has seen, for passes that would otherwise look for it.
-    bool joinsTexts = false;      ///< runs of literals are strings from the beginning
-    bool joinsRuns = false;       ///< loops over one unit are runs from the beginning
-    bool renumbers = false;       ///< some nodes are not in the order of their numbers
-    bool hasUnitRuns = false;     ///< some nodes are chains of single units by their fail targets
-    bool hasLongMatches = false;  ///< a match may have very many units
-    bool hasSkippable = true;     ///< some link may lead to a node that does nothing
+    bool joinsTexts = false;         ///< runs of literals are strings from the beginning
+    bool joinsRuns = false;          ///< loops over one unit are runs from the beginning
+    bool renumbers = false;          ///< some nodes are not in the order of their numbers
+    bool hasUnitRuns = false;        ///< some nodes are chains of single units by their fail targets
+    bool hasLongMatches = false;     ///< a match may have very many units
+    bool hasSkippable = true;        ///< some link may lead to a node that does nothing
+    RE_Node_Parts* parts = nullptr;  ///< where it is noted what nodes are made for; null when nobody asks
     RE_Node* outer;
     RE_Flags flags;
     std::unique_ptr<RE_Graph_Facts> facts;
@@ -109,6 +117,9 @@ protected:
         static_cast<RE_Node*>(node)->classes = RE_Node_Classes::bitsOf<Node>();
         madeClasses |= RE_Node_Classes::bitsOf<Node>();
         made.back() = node;
+        if (parts != nullptr) {
+            parts->note(node);
+        }
         return node;
     }
 

@@ -82,6 +82,7 @@ void takeFollowing(RE_String& string, RE_Graph_Context& context) {
     while (canFollow(string.nextNode, string.ignoreCase)) {
         auto* joined = static_cast<RE_Natural*>(string.nextNode);
         string.append(static_cast<char16_t>(joined->ch));
+        context.standsFor(&string, joined);
         string.nextNode = joined->nextNode;
         joined->skippable = true;
         context.hasSkippable = true;
@@ -96,6 +97,7 @@ RE_Node* joinRun(RE_Natural& first, bool ignoreCase, RE_Graph_Context& context) 
     }
     auto* string = context.make<RE_String>(first, ignoreCase);
     string->append(static_cast<char16_t>(first.ch));
+    context.standsFor(string, &first);
     first.skippable = true;
     first.nextNode = string;
     takeFollowing(*string, context);

@@ -86,15 +86,21 @@ void RE_Graph_Builder::emitConditional(std::uint32_t index) {
     const RE_Syntax& condition = tree[item.condition];
     if (condition.kind == RE_Syntax_Kind::evaluate) {
         using Shared = std::shared_ptr<const RE_Bool_Evaluator>;
+        workFor(condition);
         auto* const answer =
             context.make<RE_Evaluate_Assertion>(std::get<Shared>(tree.dynamics[condition.payload]));
+        workFor(item);
         *tail = answer;
         emitConditionalBranches(index, answer, false);
         return;
     }
+    const RE_Pattern_Part whole = part;
+    workFor(condition);
     RE_Lookaround_Assertion* const look = makeLook(item.condition);
     *tail = look;
+    workFor(whole);
     then([this, index, look] { emitConditionalBranches(index, look, look->negative); });
+    workFor(condition);
     emitBody(item.condition, &look->body, look->behind);
 }
 

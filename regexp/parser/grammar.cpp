@@ -47,15 +47,25 @@ RE_Syntax_Tree RE_Grammar::read() {
         } else {
             readUnit();
         }
+        noteEnd();
         context.meter.spend(1 + (at - before) / unitsAWork);
     }
     // Frames may be left over: an escape can consume the unit that was to close a group. Their items are
     // complete all the same, and modes need no restoring.
     while (!frames.empty()) {
+        tree[frame().group].end = static_cast<std::uint32_t>(length);
         endFrame();
     }
     resolveReferences();
     return std::move(tree);
+}
+
+// What was read belongs to the item that a quantifier would repeat, if there is one: a new one, or one that has grown.
+void RE_Grammar::noteEnd() {
+    const std::uint32_t last = tree[frame().branch].lastChild;
+    if (frame().last == Last::item && last != RE_Syntax::none) {
+        tree[last].end = static_cast<std::uint32_t>(at);
+    }
 }
 
 void RE_Grammar::readUnit() {
@@ -112,6 +122,7 @@ void RE_Grammar::readLiterals() {
     }
     if (end != second) {
         tree.extendText(frame().branch, second, static_cast<std::size_t>(end - second), flags());
+        lastUnit = static_cast<std::size_t>(end - text) - 1;
         at += static_cast<std::size_t>(end - second);
     }
 }
@@ -123,6 +134,7 @@ void RE_Grammar::readBranchBar() {
     tree.close(current.branch);
     if (tree[current.group].kind == RE_Syntax_Kind::conditional && !current.divided) {
         const std::uint32_t second = tree.add(RE_Syntax_Kind::group, static_cast<std::uint32_t>(at), flags());
+        tree[second].begin = static_cast<std::uint32_t>(at + 1);
         tree.append(current.group, second);
         current.group = second;
         current.divided = true;
@@ -142,6 +154,7 @@ void RE_Grammar::addItem(RE_Syntax_Kind kind, std::size_t position) {
 // Trap: `last` has to be `item` before the unit may join a text. Joining does not set it, so after a mode
 // change or a dropped construct the unit would be out of reach of a quantifier.
 void RE_Grammar::addLiteral(char16_t unit, std::size_t position) {
+    lastUnit = position;
     if (frame().last == Last::item && tree.extendText(frame().branch, &unit, 1, flags())) {
         return;
     }

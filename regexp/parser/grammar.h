@@ -68,6 +68,7 @@ private:
     };
 
     // grammar.cpp: the loop and plain atoms
+    void noteEnd();
     void readUnit();
     void readLiterals();
     void readBranchBar();
@@ -139,6 +140,7 @@ private:
     /// how a set is read. A pattern that repeats a set reads it once.
     RE_Scratch_Map<std::u16string_view, std::uint32_t> knownSets[2];
     std::size_t at = 0;
+    std::size_t lastUnit = 0;  ///< where the last literal unit was written
     std::size_t closedDepth = 0;
     std::vector<Reference, RE_Allocator<Reference>> references;
 };

@@ -18,12 +18,14 @@ RE_Node* RE_Graph_Builder::build(RE_Node* continuation) {
     emit(RE_Syntax_Tree::root);
     while (!work.empty()) {
         // Copied, as the step may queue others and move the stack.
-        RE_Build_Step step = work.back();
+        Waiting next = work.back();
         work.pop_back();
         context.meter.spend();
-        step();
+        workFor(next.part);
+        next.step();
     }
     context.meter.place = 0;
+    workFor(RE_Pattern_Part());
     append(context.make<RE_Null>());
     append(context.make<RE_End_Of_Tree>(continuation));
     return root;
@@ -63,6 +65,7 @@ void RE_Graph_Builder::emitAnchor(const RE_Syntax& item) {
 void RE_Graph_Builder::emitNow(std::uint32_t index) {
     const RE_Syntax& item = tree[index];
     context.meter.place = item.position;
+    workFor(item);
     switch (item.kind) {
         case RE_Syntax_Kind::sequence:
             emitSequence(item.firstChild);
@@ -186,6 +189,7 @@ void RE_Graph_Builder::emitUnitRun(std::uint32_t branch, RE_Node* join) {
     RE_Node** link = tail;
     context.hasUnitRuns = true;
     while (branch != RE_Syntax::none && tree.soleUnit(branch) != RE_Syntax::none) {
+        workFor(tree[tree.soleUnit(branch)]);
         RE_Consumable* const unit = makeUnitNode(context, tree, tree.soleUnit(branch));
         *link = unit;
         unit->nextNode = join;
@@ -228,6 +232,9 @@ std::size_t RE_Graph_Builder::emitJoined(const char16_t* units, std::size_t coun
     // The numbers that nodes for the units would have got are left out, so that most nodes have the same
     // number whether strings are made here or by the pass.
     context.nodeCount += count;
+    if (context.parts != nullptr) {
+        context.parts->extend(string);
+    }
     string->append(units, count);
     return count;
 }

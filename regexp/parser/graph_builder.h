@@ -22,6 +22,7 @@
 #pragma once
 
 #include "regexp/base/memory.h"
+#include "regexp/graph/pattern_part.h"
 #include "regexp/nodes/closed_body.h"
 #include "regexp/nodes/counters.h"
 #include "regexp/nodes/loop_pass.h"
@@ -75,6 +76,12 @@ public:
     RE_Node* build(RE_Node* continuation);
 
 private:
+    /// A step and what it makes nodes for, unless it says otherwise.
+    struct Waiting {
+        RE_Build_Step step;
+        RE_Pattern_Part part;
+    };
+
     /// The loop being built: what surrounds its body. Copied into the steps that finish it.
     struct Loop {
         std::uint32_t body;
@@ -88,7 +95,20 @@ private:
 
     /// Runs `step` once everything that is queued after it has run. So what comes last is queued first, and
     /// `emit` last.
-    void then(const RE_Build_Step& step) { work.push_back(step); }
+    void then(const RE_Build_Step& step) { work.push_back({step, part}); }
+    /// From here on nodes are made for this part of the pattern.
+    void workFor(const RE_Pattern_Part& stretch) {
+        part = stretch;
+        if (context.parts != nullptr) {
+            context.parts->workFor(stretch);
+        }
+    }
+    /// The same for an item. What is a part of another item is made for that.
+    void workFor(const RE_Syntax& item) {
+        if (item.end != 0) {
+            workFor(RE_Pattern_Part{item.begin, item.end});
+        }
+    }
     void append(RE_Node* node);
     /// Ends the path at a node that is there already, and leaves `tail` to be set by the caller.
     void joinAt(RE_Node* node) { *tail = node; }
@@ -156,7 +176,8 @@ private:
 
     RE_ParserContext& context;
     const RE_Syntax_Tree& tree;
-    RE_Scratch_List<RE_Build_Step> work;
+    RE_Scratch_List<Waiting> work;
+    RE_Pattern_Part part;  ///< that nodes are made for now
     RE_Node** tail = nullptr;
     RE_Node* appended = nullptr;           ///< the last node that was appended
     std::size_t bodyDepth = 0;             ///< closed bodies around the place that is being built

@@ -43,6 +43,8 @@ void RE_Grammar::closeFrame() {
     closedDepth -= closed.closed ? 1 : 0;
     context.flags = closed.outerFlags;
     at = closed.close + 1;
+    // The second branch of a conditional ends before the parenthesis, which closes the conditional.
+    tree[closed.group].end = static_cast<std::uint32_t>(closed.divided ? closed.close : at);
     frame().last = closed.isCondition ? Last::nothing : Last::item;
 }
 
@@ -330,6 +332,7 @@ void RE_Grammar::addDynamic(RE_Syntax_Dynamic dynamic) {
 std::uint32_t RE_Grammar::readDynamicCondition(std::size_t start, std::size_t end) {
     const std::uint32_t item = tree.add(RE_Syntax_Kind::evaluate, static_cast<std::uint32_t>(start), flags());
     tree[item].payload = static_cast<std::uint32_t>(tree.dynamics.size());
+    tree[item].end = static_cast<std::uint32_t>(end);
     tree.dynamics.push_back(compileCondition(context, text + start, end - start));
     context.meter.ask();
     context.facts->hasDynamicNodes = true;

@@ -249,6 +249,8 @@ private:
         dropped.kind = RE_Syntax_Kind::dropped;
         dropped.nextSibling = it.nextSibling;
         dropped.position = it.position;
+        dropped.begin = it.begin;
+        dropped.end = it.end;
         it = dropped;
     }
 

@@ -88,7 +88,9 @@ void RE_Grammar::repeatLast(std::size_t start, std::uint64_t minimum, std::uint6
         return;
     }
     if (tree[tree[frame().branch].lastChild].kind == RE_Syntax_Kind::text) {
-        tree.detachLastUnit(frame().branch);
+        // Without the blanks and the quantifier that the end was noted after.
+        tree.detachLastUnit(frame().branch, static_cast<std::uint32_t>(lastUnit));
+        tree[tree[frame().branch].lastChild].end = static_cast<std::uint32_t>(start);
     }
     const std::uint32_t item = tree[frame().branch].lastChild;
     if (foldsIntoInner(tree[item], minimum, maximum, how)) {

@@ -106,7 +106,9 @@ void RE_Graph_Builder::emitRun(std::uint32_t index, const RE_Repeat_Plan& plan) 
     const bool lazy = tree[index].qualifier == RE_Qualifier::lazy && !exact;
     const LoopNodes nodes = nodesOfLoop(plan, lazy);
     context.nodeCount += nodes.beforeUnit;
+    workFor(tree[tree[index].firstChild]);
     RE_Consumable* const unit = makeUnitNode(context, tree, tree[index].firstChild);
+    workFor(tree[index]);
     context.nodeCount += nodes.afterUnit;
     context.facts->memoRows += exact ? 0 : 1;
     const auto order = lazy ? RE_Consume::Order::lazy : RE_Consume::Order::greedy;

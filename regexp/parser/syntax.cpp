@@ -10,7 +10,7 @@
 std::uint32_t RE_Syntax_Tree::add(RE_Syntax_Kind kind, std::uint32_t position, RE_Flags flags) {
     RE_Syntax& item = items.emplace_back();
     item.kind = kind;
-    item.position = position;
+    item.position = item.begin = position;
     item.flags = flags;
     return static_cast<std::uint32_t>(items.size() - 1);
 }
@@ -50,9 +50,10 @@ bool RE_Syntax_Tree::extendText(std::uint32_t parent, const char16_t* added, std
 
 // A text of two units leaves two literals, as a text has at least two. The detached item takes the position
 // of the text. The unit stays in `units`, unused, so that this text can no longer be extended.
-void RE_Syntax_Tree::detachLastUnit(std::uint32_t parent) {
+void RE_Syntax_Tree::detachLastUnit(std::uint32_t parent, std::uint32_t position) {
     RE_Syntax& item = items[items[parent].lastChild];
     --item.number;
+    item.end = position;
     const char16_t unit = units[item.payload + withinSize(item.number)];
     if (item.number == 1) {
         item.kind = RE_Syntax_Kind::literal;
@@ -62,6 +63,7 @@ void RE_Syntax_Tree::detachLastUnit(std::uint32_t parent) {
     }
     const std::uint32_t last = add(RE_Syntax_Kind::literal, item.position, item.flags);
     items[last].low = unit;
+    items[last].begin = position;
     append(parent, last);
 }
 
@@ -80,6 +82,7 @@ void RE_Syntax_Tree::wrap(std::uint32_t index, RE_Syntax_Kind kind, std::uint32_
     RE_Syntax outer{};
     outer.kind = kind;
     outer.position = position;
+    outer.begin = items[moved].begin;
     outer.flags = items[moved].flags;
     outer.nextSibling = items[index].nextSibling;
     outer.firstChild = moved;

@@ -81,6 +81,8 @@ struct RE_Syntax {
     char16_t high = 0;
     RE_Flags flags = 0;          ///< modes in force at the item
     std::uint32_t position = 0;  ///< index in the pattern, for warnings
+    std::uint32_t begin = 0;     ///< index of the first unit of the item in the pattern
+    std::uint32_t end = 0;       ///< index past its last unit; 0 for what is a part of another item
     std::uint32_t firstChild = none;
     std::uint32_t lastChild = none;
     std::uint32_t nextSibling = none;
@@ -140,8 +142,8 @@ public:
     /// become one text.
     bool extendText(std::uint32_t parent, const char16_t* added, std::size_t count, RE_Flags flags);
     /// Splits the last unit off the text that `parent` ends with: a quantifier repeats one unit, not the
-    /// text.
-    void detachLastUnit(std::uint32_t parent);
+    /// text. The unit begins at `position`.
+    void detachLastUnit(std::uint32_t parent, std::uint32_t position);
     /// Notes that everything within the item has been read. Called once for each item that has children,
     /// inner ones first.
     void close(std::uint32_t index) { complete.push_back(index); }

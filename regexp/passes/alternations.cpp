@@ -170,6 +170,9 @@ private:
         const auto flush = [&] {
             if (literals.branches() > 0) {
                 joined.push_back(literals.branches() > 1 ? literals.join(context) : literals.firstBranch());
+                if (literals.branches() > 1) {
+                    context.standsFor(joined.back(), splits.front());
+                }
                 literals.clear();
             }
         };
@@ -210,6 +213,7 @@ private:
     /// choice by. The other splits are reached through the first alone, so nothing leads to them any more.
     void replaceWith(RE_Node* node) {
         RE_Split* const first = splits.front();
+        context.standsFor(node, first);
         node->guarded = true;
         node->memoised = std::ranges::any_of(splits, [](const RE_Split* split) { return split->memoised; });
         node->memoIndex = first->memoIndex;

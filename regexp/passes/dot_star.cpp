@@ -36,6 +36,7 @@ struct Unit_Loop {
     bool lazy;
     RE_Node* exit;
     const RE_Memo_Scope* scope;
+    const RE_Node* head;  ///< a node that was made for the loop
 };
 
 /// The unit test at `node`, if it can be the item of a run, else null. One with a fail target cannot: where
@@ -222,7 +223,7 @@ private:
             const bool star = item->leadsTo(&split);
             if (star || item->leadsTo(exit)) {
                 const std::uint64_t most = star ? RE_Consume::noMaximum : 1;
-                return Unit_Loop{item, 0, most, lazy, exit, split.memoScope};
+                return Unit_Loop{item, 0, most, lazy, exit, split.memoScope, &split};
             }
         }
         return std::nullopt;
@@ -239,7 +240,7 @@ private:
             return std::nullopt;
         }
         RE_Node* const exit = *lazy ? split->nextNode : split->alternative;
-        return Unit_Loop{&unit, 1, RE_Consume::noMaximum, *lazy, exit, split->memoScope};
+        return Unit_Loop{&unit, 1, RE_Consume::noMaximum, *lazy, exit, split->memoScope, split};
     }
 
     // The start counters of the required and of the optional passes, in this order, either of which may be
@@ -266,7 +267,8 @@ private:
                 return loop;
             }
         }
-        return Unit_Loop{item, fixed->limit + 1, fixed->limit + 1, false, fixed->doneNode, first.memoScope};
+        return Unit_Loop{item,  fixed->limit + 1, fixed->limit + 1, false, fixed->doneNode, first.memoScope,
+                         &first};
     }
 
     /// The loop whose optional passes are chosen at `choice` and begin anew at `head`. With `item` null there
@@ -285,13 +287,15 @@ private:
         auto* const counter = nodeAs<RE_State_Counter>(&choice);
         // The counter of the optional passes counts from 0: its limit comes on top of the required ones.
         const std::uint64_t maximum = counter != nullptr ? minimum + counter->limit : RE_Consume::noMaximum;
-        return Unit_Loop{item, minimum, maximum, *lazy, *lazy ? choice.nextNode : choice.alternative, scope};
+        return Unit_Loop{item,  minimum, maximum, *lazy, *lazy ? choice.nextNode : choice.alternative,
+                         scope, &choice};
     }
 
     /// Makes the run. Its item leads nowhere from then on, so that no walk gets past the run through it.
     RE_Node* makeConsume(const Unit_Loop& loop) {
         const auto order = loop.lazy ? RE_Consume::Order::lazy : RE_Consume::Order::greedy;
         auto* const consume = context.make<RE_Consume>(loop.item, loop.minimum, loop.maximum, order);
+        context.standsFor(consume, loop.head);
         consume->nextNode = loop.exit;
         consume->memoScope = loop.scope;
         loop.item->nextNode = nullptr;

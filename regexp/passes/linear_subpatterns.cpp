@@ -63,6 +63,10 @@ void mergeChain(RE_Graph_Context& context, RE_Consumable* head) {
         unit->skippable = true;
     }
     auto* const whole = context.make<RE_Unit_Class>(context.sets.share(units.take()), text);
+    for (const RE_Consumable* unit = head; context.parts != nullptr && unit != nullptr;
+         unit = unit != last ? static_cast<const RE_Consumable*>(unit->failTarget) : nullptr) {
+        context.standsFor(whole, unit);
+    }
     whole->nextNode = head->nextNode;
     whole->failTarget = last->failTarget;
     head->nextNode = whole;

@@ -476,7 +476,8 @@ void lookInside() {
     CHECK(!RE_Tree::graphAfter(RE_Stage::parsed, kPattern, 3, RE_DEFAULT_FLAGS, &host).empty());
     const RE_Growth growth = judgeGrowth(RE_Tree(u"(?:a|ab|b)*c", false));
     CHECK(growth.kind == RE_Growth::Kind::exponential && !growth.witness(3).empty());
-    CHECK(!outlinePattern(kPattern, 3, RE_DEFAULT_FLAGS, &host).text.empty());
+    CHECK(!outlinePattern(kPattern, 3, RE_DEFAULT_FLAGS, &host).lines.empty());
+    CHECK(!partsOfPattern(kPattern, 3, RE_DEFAULT_FLAGS, &host).of(0));
     CHECK(*linkName(RE_Link::fail) != '\0');
     CHECK(describe(RE_WARNING_UNMATCHED_OPEN).name != nullptr);
     CHECK(locateWarning(RE_WARNING_UNMATCHED_OPEN, u"(", 0).length == 1);

@@ -12,8 +12,8 @@ class LineNumbers {
 public:
     explicit LineNumbers(char terminator) : terminator_(terminator) {}
 
-    // A text begins at line 1.
-    void beginText() { line_ = 1; }
+    // A text begins at line 1, a part of one at another.
+    void beginText(std::uint64_t firstLine) { line_ = firstLine; }
     void beginBlock(std::string_view block) {
         block_ = block;
         at_ = 0;

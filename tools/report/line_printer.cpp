@@ -2,9 +2,8 @@
 //
 // What is in front of a selected line may be in blocks that have gone, so the last lines of a block are held, as many as
 // the context takes. What follows it is printed when it comes.
-#include "tools/report/line_numbers.h"
+#include "tools/report/block_printer.h"
 #include "tools/report/prefix.h"
-#include "tools/report/sink.h"
 
 #include <algorithm>
 #include <cstring>
@@ -13,18 +12,14 @@
 namespace tool {
 namespace {
 
-class LinePrinter : public LineSink {
+class LinePrinter : public BlockPrinter {
 public:
     explicit LinePrinter(const ReportStyle& style)
-        : style_(style),
-          needsMatches_((style.color || style.columns) && !style.invert),
-          numbers_(style.terminator) {}
+        : BlockPrinter(style, style.lineNumbers),
+          needsMatches_((style.color || style.columns) && !style.invert) {}
 
     void beginText(const TextInfo& text, LineOutput& output) override {
-        text_ = &text;
-        output_ = &output;
-        lines_ = matches_ = 0;
-        numbers_.beginText();
+        BlockPrinter::beginText(text, output);
         held_.clear();
         due_ = 0;
         gap_ = false;
@@ -32,10 +27,8 @@ public:
     }
 
     void beginBlock(const LineBlock& block, LineFinder& finder) override {
-        block_ = block;
-        finder_ = &finder;
+        BlockPrinter::beginBlock(block, finder);
         at_ = 0;
-        numbers_.beginBlock(block.bytes);
     }
 
     void selected(const Span& lines) override {
@@ -59,18 +52,11 @@ public:
         const std::size_t size = block_.bytes.size();
         printDue(size);
         if (at_ < size) hold(size);
-        if (style_.lineNumbers) numbers_.endBlock();
+        BlockPrinter::endBlock();
     }
-
-    void endText() override {}
 
     bool wantsMore() const override { return lines_ < style_.maxCount || due_ != 0 || style_.passthru; }
     bool printsLines() const override { return true; }
-    void binaryMatch() override {
-        // Not under a number or a separator: it is no line of the file.
-        output_->text() += "cvregexp: " + text_->label + ": binary file matches\n";
-        ++lines_;
-    }
 
 private:
     // A line of an earlier block.
@@ -79,13 +65,6 @@ private:
         std::uint64_t number;
         std::uint64_t offset;
     };
-
-    std::size_t endOfLine(std::size_t begin, std::size_t limit) const {
-        const char* const bytes = block_.bytes.data();
-        const void* const end =
-            begin == limit ? nullptr : std::memchr(bytes + begin, style_.terminator, limit - begin);
-        return end == nullptr ? limit : static_cast<std::size_t>(static_cast<const char*>(end) - bytes) + 1;
-    }
 
     // The context after the lines before, and all lines under --passthru, up to `limit`.
     void printDue(std::size_t limit) {
@@ -102,14 +81,7 @@ private:
     void printBefore(std::size_t begin) {
         std::size_t from = begin;
         std::size_t count = 0;
-        for (; count != style_.before && from > at_; ++count) {
-            const std::size_t last = from - 1;  // the end of the line in front
-            const void* const end =
-                last == at_ ? nullptr : ::memrchr(block_.bytes.data() + at_, style_.terminator, last - at_);
-            from = end == nullptr
-                       ? at_
-                       : static_cast<std::size_t>(static_cast<const char*>(end) - block_.bytes.data()) + 1;
-        }
+        for (; count != style_.before && from > at_; ++count) from = lineBefore(at_, from);
         const std::size_t wanted = from == 0 ? std::min(style_.before - count, held_.size()) : 0;
         gap_ = gap_ || from > at_ || wanted < held_.size();
         if (gap_ && printedAny_ && style_.hasContext()) printGap();
@@ -126,8 +98,8 @@ private:
     }
 
     void printGap() {
-        appendColored(output_->text(), style_.color, separatorColor, "--");
-        output_->text() += '\n';
+        appendColored(out(), style_.color, separatorColor, "--");
+        out() += '\n';
     }
 
     // The last lines of the block that were not printed. Fewer than are wanted are there only from its first line on, and
@@ -137,13 +109,7 @@ private:
         std::size_t count = 0;
         std::vector<Span> lines;
         for (; count != style_.before && from > at_; ++count) {
-            const void* const end =
-                from - 1 == at_ ? nullptr
-                                : ::memrchr(block_.bytes.data() + at_, style_.terminator, from - 1 - at_);
-            const std::size_t begin =
-                end == nullptr
-                    ? at_
-                    : static_cast<std::size_t>(static_cast<const char*>(end) - block_.bytes.data()) + 1;
+            const std::size_t begin = lineBefore(at_, from);
             lines.push_back({begin, from});
             from = begin;
         }
@@ -152,8 +118,8 @@ private:
             held_.clear();
         }
         for (auto line = lines.rbegin(); line != lines.rend(); ++line)
-            held_.push_back({std::string(block_.bytes.substr(line->begin, line->size())),
-                             style_.lineNumbers ? numbers_.at(line->begin) : 0, block_.offset + line->begin});
+            held_.push_back({std::string(bytesOf(*line)), style_.lineNumbers ? numbers_.at(line->begin) : 0,
+                             block_.offset + line->begin});
         while (held_.size() > style_.before) {
             held_.pop_front();
             gap_ = true;
@@ -179,12 +145,12 @@ private:
         });
         if (first != matchesOfLines_.end() && first->begin < line.end)
             place.column = std::max(first->begin, line.begin) - line.begin + 1;
-        printText(block_.bytes.substr(line.begin, line.size()), place, separator, line);
+        printText(bytesOf(line), place, separator, line);
     }
 
     // `line` is where the text is in the block, for its matches; empty for one that is not.
     void printText(std::string_view text, const LinePlace& place, char separator, const Span& line) {
-        std::string& out = output_->text();
+        std::string& out = this->out();
         appendPrefix(out, style_, *text_, place, separator);
         if (text.ends_with(style_.terminator)) text.remove_suffix(1);
         if (style_.toTerminal && std::memchr(text.data(), '\0', text.size()) != nullptr) {
@@ -217,13 +183,7 @@ private:
         matchesOfLines_.erase(matchesOfLines_.begin(), beyond);
     }
 
-    ReportStyle style_;
     bool needsMatches_;
-    LineNumbers numbers_;
-    const TextInfo* text_ = nullptr;
-    LineOutput* output_ = nullptr;
-    LineBlock block_{};
-    LineFinder* finder_ = nullptr;
     std::vector<Span> matchesOfLines_;  // in the lines that are being printed, bytes of the block
     std::deque<Held> held_;
     std::size_t at_ = 0;   // bytes of the block: what is before was printed or is not wanted

@@ -1,9 +1,8 @@
 // Output of matches by themselves: their text, with all tokens, or as JSON.
+#include "tools/convert_text.h"
 #include "tools/json_output.h"
-#include "tools/report/line_numbers.h"
+#include "tools/report/block_printer.h"
 #include "tools/report/prefix.h"
-#include "tools/report/sink.h"
-#include "tools/utf8.h"
 
 #include <algorithm>
 #include <cstring>
@@ -11,24 +10,14 @@
 namespace tool {
 namespace {
 
-class MatchPrinter : public LineSink {
+class MatchPrinter : public BlockPrinter {
 public:
-    explicit MatchPrinter(const ReportStyle& style) : style_(style), numbers_(style.terminator) {
-        needsLines_ = style.lineNumbers || style.form != ReportForm::parts;
-    }
+    explicit MatchPrinter(const ReportStyle& style)
+        : BlockPrinter(style, style.lineNumbers || style.form != ReportForm::parts) {}
 
     void beginText(const TextInfo& text, LineOutput& output) override {
-        text_ = &text;
-        output_ = &output;
-        lines_ = matches_ = 0;
+        BlockPrinter::beginText(text, output);
         units_ = 0;
-        numbers_.beginText();
-    }
-
-    void beginBlock(const LineBlock& block, LineFinder& finder) override {
-        block_ = block;
-        finder_ = &finder;
-        numbers_.beginBlock(block.bytes);
     }
 
     // Lines without a match have nothing to show.
@@ -46,31 +35,24 @@ public:
     }
 
     void endBlock() override {
-        if (needsLines_) numbers_.endBlock();
+        BlockPrinter::endBlock();
         units_ += finder_->unitCount();
     }
-    void endText() override {}
 
     bool wantsMore() const override { return lines_ < style_.maxCount; }
     bool printsLines() const override { return style_.form == ReportForm::parts; }
-    void binaryMatch() override {
-        output_->text() += "cvregexp: " + text_->label + ": binary file matches\n";
-        ++lines_;
-    }
 
 private:
     // Of the line on which a match begins, which under --multiline may be a later one of those that were selected.
     LinePlace placeOf(const LineMatch& match) {
         LinePlace place;
         const std::size_t before = match.bytes.begin;
-        const void* const end = before == lineBegin_ ? nullptr
-                                                     : ::memrchr(block_.bytes.data() + lineBegin_,
-                                                                 style_.terminator, before - lineBegin_);
-        if (end != nullptr) {
-            lineBegin_ = static_cast<std::size_t>(static_cast<const char*>(end) - block_.bytes.data()) + 1;
+        const std::size_t begin = lineHolding(lineBegin_, before);
+        if (begin != lineBegin_) {
+            lineBegin_ = begin;
             lineUnit_.reset();
         }
-        if (needsLines_) place.line = numbers_.at(lineBegin_);
+        if (countsLines_) place.line = numbers_.at(lineBegin_);
         place.column = before - lineBegin_ + 1;
         place.byte = block_.offset + before;
         return place;
@@ -94,9 +76,9 @@ private:
     }
 
     void printPart(const LineMatch& match, const LinePlace& place) {
-        std::string& out = output_->text();
+        std::string& out = this->out();
         appendPrefix(out, style_, *text_, place, ':');
-        const std::string_view bytes = block_.bytes.substr(match.bytes.begin, match.bytes.size());
+        const std::string_view bytes = bytesOf(match.bytes);
         if (style_.toTerminal && bytes.find('\0') != std::string_view::npos) {
             out += withoutControls(bytes);
         } else {
@@ -115,7 +97,7 @@ private:
     }
 
     void printTokens(const LineMatch& match, const LinePlace& place) {
-        std::string& out = output_->text();
+        std::string& out = this->out();
         ReportStyle style = style_;
         style.lineNumbers = true;
         style.columns = style.byteOffsets = false;
@@ -166,16 +148,9 @@ private:
         record.text = match.text;
         record.results = match.results;
         if (style_.attributes) record.pattern = match.pattern + 1;
-        output_->text() += jsonLine(record);
+        out() += jsonLine(record);
     }
 
-    ReportStyle style_;
-    bool needsLines_;
-    LineNumbers numbers_;
-    const TextInfo* text_ = nullptr;
-    LineOutput* output_ = nullptr;
-    LineBlock block_{};
-    LineFinder* finder_ = nullptr;
     std::uint64_t units_ = 0;              // of the blocks before
     std::size_t lineBegin_ = 0;            // bytes of the block: of the line that holds the last match
     std::optional<std::size_t> lineUnit_;  // the same in units, once it is known

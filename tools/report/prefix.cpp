@@ -73,6 +73,14 @@ void appendPrefix(std::string& out, const ReportStyle& style, const TextInfo& te
     if (style.byteOffsets) appendNumber(out, style, place.byte, separator);
 }
 
+// A count belongs to no line.
+void appendCount(std::string& out, const ReportStyle& style, const TextInfo& text, std::uint64_t count) {
+    ReportStyle plain = style;
+    plain.lineNumbers = plain.columns = plain.byteOffsets = false;
+    appendPrefix(out, plain, text, {}, ':');
+    out += std::to_string(count) + '\n';
+}
+
 std::string withoutControls(std::string_view bytes) {
     std::string shown;
     for (const char byte : bytes) {

@@ -27,6 +27,8 @@ struct LinePlace {
 // NAME:LINE:COLUMN:BYTE: with the parts that the style has. `separator` is a colon, or a hyphen for lines of context.
 void appendPrefix(std::string& out, const ReportStyle& style, const TextInfo& text, const LinePlace& place,
                   char separator);
+// The line of a text of which only a number is told.
+void appendCount(std::string& out, const ReportStyle& style, const TextInfo& text, std::uint64_t count);
 // The name alone, coloured, and as a link where the style says so. `line` is where the link leads to, if it is not 0.
 void appendName(std::string& out, const ReportStyle& style, const TextInfo& text, std::uint64_t line);
 void appendColored(std::string& out, bool color, std::string_view sequence, std::string_view text);

@@ -17,8 +17,9 @@ namespace tool {
 
 // What is said about a text as a whole.
 struct TextInfo {
-    std::string label;  // what the output calls it: the file name as given, or "(standard input)"
-    std::string path;   // of the file, for hyperlinks; empty for what is no file
+    std::string label;            // what the output calls it: the file name as given, or "(standard input)"
+    std::string path;             // of the file, for hyperlinks; empty for what is no file
+    std::uint64_t firstLine = 1;  // its number, which is another one in a part of a file
 };
 
 // What a search has found, for the exit status and --stats.

@@ -10,10 +10,7 @@ namespace {
 
 class Summary : public LineSink {
 public:
-    explicit Summary(const ReportStyle& style) : style_(style) {
-        // A count belongs to no line.
-        style_.lineNumbers = style_.columns = style_.byteOffsets = false;
-    }
+    explicit Summary(const ReportStyle& style) : style_(style) {}
 
     void beginText(const TextInfo& text, LineOutput& output) override {
         text_ = &text;
@@ -41,8 +38,7 @@ public:
         const bool listed = (style_.form == ReportForm::names && lines_ != 0) ||
                             (style_.form == ReportForm::others && lines_ == 0);
         if (style_.form == ReportForm::count || style_.form == ReportForm::matches) {
-            appendPrefix(out, style_, *text_, {}, ':');
-            out += std::to_string(style_.form == ReportForm::count ? lines_ : matches_) + '\n';
+            appendCount(out, style_, *text_, style_.form == ReportForm::count ? lines_ : matches_);
         } else if (listed) {
             // Without a colon: the name is all that the line has. A NUL replaces the line feed, for programs.
             appendName(out, style_, *text_, 0);

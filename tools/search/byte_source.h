@@ -40,7 +40,7 @@ private:
     int descriptor_;
     std::uint64_t size_ = 0;
     std::uint64_t done_ = 0;  // bytes that were read
-    bool waits_ = false;  // a pipe or a terminal, from which reading may take time
+    bool waits_ = false;      // a pipe or a terminal, from which reading may take time
     bool directory_ = false;
 };
 

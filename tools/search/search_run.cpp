@@ -7,6 +7,7 @@
 #include "tools/exit_status.h"
 #include "tools/interrupt.h"
 #include "tools/report/prefix.h"
+#include "tools/search/file_parts.h"
 #include "tools/search/progress.h"
 #include "tools/search/task_queue.h"
 #include "tools/search/text_search.h"
@@ -15,6 +16,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <cstdio>
@@ -37,6 +39,7 @@ public:
           settings_(settings),
           output_(STDOUT_FILENO),
           progress_(settings.style.toTerminal),
+          isDivided_(isDivided()),
           threads_(threadCount()),
           tasks_(threads_ > 1 ? 8 * threads_ : 0) {}
 
@@ -45,11 +48,12 @@ public:
         std::vector<std::jthread> workers;
         if (threads_ > 1)
             for (std::size_t i = 0; i != threads_; ++i) workers.emplace_back([this] { work(); });
-        guarded([this] { offerAll(); });
+        guarded([this] { isDivided_ ? offerParts() : offerAll(); });
         if (!collected_.empty()) tasks_.push(std::move(collected_));
         tasks_.close();
         workers.clear();  // joins
         if (own_) totals_.add(own_->totals());
+        if (isDivided_ && !failure_ && !interruptPending()) guarded([this] { sumUp(); });
         progress_.hide();
         if (failure_) std::rethrow_exception(failure_);
         if (interruptPending()) throw Interrupted();
@@ -60,20 +64,73 @@ public:
 private:
     static constexpr std::size_t tasksAtOnce = 24;
 
-    // One file alone is searched by the thread that is there.
+    // Large enough that the threads are worth their while, and a few for each.
+    static constexpr std::uint64_t partBytes = std::uint64_t{4} << 20;
+    static constexpr std::uint64_t leastDivided = 4 * partBytes;
+
+    // Whether the only file is searched by parts: what is printed of a line must not depend on those before it.
+    bool isDivided() const {
+        const ReportStyle& style = settings_.style;
+        const bool printsLines = style.form == ReportForm::lines || style.form == ReportForm::parts;
+        const bool counts = style.form == ReportForm::count || style.form == ReportForm::matches;
+        const std::size_t threads =
+            settings_.threads != 0 ? settings_.threads : std::thread::hardware_concurrency();
+        if (!(printsLines || counts) || patterns_.unit == SearchUnit::text || threads < 2 ||
+            !settings_.mayUseThreads || settings_.listsOnly || style.maxCount != ReportStyle::unlimited)
+            return false;
+        if (printsLines && (style.hasContext() || style.passthru)) return false;
+        return isSingleFile() && isLargeUtf8(settings_.files.front());
+    }
+
+    bool isLargeUtf8(const std::string& name) const {
+        struct stat status;
+        if (name == "-" || ::stat(name.c_str(), &status) != 0 || !S_ISREG(status.st_mode) ||
+            static_cast<std::uint64_t>(status.st_size) < leastDivided || ::access(name.c_str(), R_OK) != 0)
+            return false;
+        FileSource file(name);
+        std::array<char, 4> bytes;
+        const std::size_t got = file.read(bytes.data(), bytes.size());
+        return startOfText({bytes.data(), got}, settings_.encoding).encoding.empty();
+    }
+
+    void offerParts() {
+        const std::string& name = settings_.files.front();
+        const FileSource file(name);
+        progress_.expect(file.size());
+        const bool nulIsText = settings_.searchesBinary || settings_.style.terminator == '\0';
+        const bool countsLines = settings_.style.lineNumbers || settings_.style.hyperlinks;
+        FileParts(file, settings_.style.terminator, nulIsText, countsLines)
+            .forEach(partBytes, [&](const FilePart& part) {
+                SearchTask task{name, false, part};
+                task.number = nextNumber_++;
+                return !over_ && tasks_.push({std::move(task)});
+            });
+    }
+
+    // What the search of a file by one thread says at its end.
+    void sumUp() {
+        totals_.texts = 1;
+        totals_.textsSelected = totals_.lines != 0 ? 1 : 0;
+        const ReportForm form = settings_.style.form;
+        if (form != ReportForm::count && form != ReportForm::matches) return;
+        LineOutput output(output_, nextNumber_);
+        const std::string& name = settings_.files.front();
+        appendCount(output.text(), settings_.style, {name, name},
+                    form == ReportForm::count ? totals_.lines : totals_.matches);
+        output.flush();
+        output_.close(nextNumber_++);
+    }
+
+    // One file alone is searched by the thread that is there, unless it is divided.
     std::size_t threadCount() const {
         if (!settings_.mayUseThreads || settings_.listsOnly) return 1;
         if (settings_.threads != 0) return settings_.threads;
         constexpr std::size_t usefulThreads = 12;
         const std::size_t cores = std::max(1U, std::thread::hardware_concurrency());
-        return isSingleFile() ? 1 : std::min(cores, usefulThreads);
+        return isSingleFile() && !isDivided_ ? 1 : std::min(cores, usefulThreads);
     }
 
-    bool isSingleFile() const {
-        if (settings_.files.size() != 1 || settings_.files.front().empty()) return false;
-        struct stat status;
-        return ::stat(settings_.files.front().c_str(), &status) != 0 || !S_ISDIR(status.st_mode);
-    }
+    bool isSingleFile() const { return settings_.files.size() == 1 && !isDirectory(settings_.files.front()); }
 
     int status() const {
         const bool found = found_;
@@ -120,23 +177,17 @@ private:
     }
 
     void offerAll() {
-        const Walker walker(settings_.walk);
-        for (const std::string& name : settings_.files) {
-            struct stat status;
-            const bool isDirectory = name.empty() || (name != "-" && ::stat(name.c_str(), &status) == 0 &&
-                                                      S_ISDIR(status.st_mode));
-            if (!isDirectory) {
-                if (!offer({name, false})) return;
-                continue;
-            }
-            const bool whole = walker.walk(
-                name,
-                [this](const std::string& path) {
-                    return offer({path, true});
-                },
-                [this](const std::string& message) { complain(message); });
-            if (!whole) return;
-        }
+        const bool whole = Walker(settings_.walk)
+                               .walkAll(
+                                   settings_.files,
+                                   [this](const std::string& path) {
+                                       return offer({path, false, {}});
+                                   },
+                                   [this](const std::string& path) {
+                                       return offer({path, true, {}});
+                                   },
+                                   [this](const std::string& message) { complain(message); });
+        if (!whole) return;
         offerGathered();
     }
 
@@ -203,13 +254,15 @@ private:
     bool searchFile(TextSearch& search, const SearchTask& task, LineOutput& output) {
         FileSource file(task.path);
         if (file.isDirectory()) throw std::system_error(EISDIR, std::generic_category(), task.path);
-        progress_.expect(file.size());
+        if (!task.part) progress_.expect(file.size());
         const TextInfo text{task.path == "-" ? "(standard input)" : task.path,
-                            task.path == "-" ? "" : task.path};
+                            task.path == "-" ? "" : task.path, task.part ? task.part->firstLine : 1};
         const BinaryFiles binary = settings_.searchesBinary                  ? BinaryFiles::print
                                    : task.isWalked && !settings_.findsBinary ? BinaryFiles::skip
                                                                              : BinaryFiles::tell;
-        return search.run(file, text, binary, output);
+        if (!task.part) return search.run(file, text, binary, output);
+        PartSource part(file, task.part->begin, task.part->end);
+        return search.runPart(part, task.part->begin, text, binary, output);
     }
 
     void list(const SearchTask& task, LineOutput& output) {
@@ -241,11 +294,12 @@ private:
     const RunSettings& settings_;
     OrderedOutput output_;
     Progress progress_;
+    bool isDivided_;  // the only file
     std::size_t threads_;
     TaskQueue tasks_;
     std::size_t nextNumber_ = 0;
     std::vector<SearchTask> gathered_;
-    SearchTasks collected_;  // on their way to the threads
+    SearchTasks collected_;            // on their way to the threads
     std::unique_ptr<TextSearch> own_;  // of the main thread
     std::mutex mutex_;                 // for the three below, and for messages
     std::exception_ptr failure_;

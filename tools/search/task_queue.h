@@ -1,6 +1,8 @@
 // Files on their way from the walk to the threads that search them.
 #pragma once
 
+#include "tools/search/file_parts.h"
+
 #include <condition_variable>
 #include <cstddef>
 #include <deque>
@@ -13,8 +15,9 @@ namespace tool {
 
 struct SearchTask {
     std::string path;
-    bool isWalked;           // a walk has come by it; otherwise it was named
-    std::size_t number = 0;  // in the order of the output
+    bool isWalked;                 // a walk has come by it; otherwise it was named
+    std::optional<FilePart> part;  // not the whole file
+    std::size_t number = 0;        // in the order of the output
 };
 
 // Handing over a file at a time would cost more than the search of a small file.

@@ -16,19 +16,38 @@ TextSearch::TextSearch(const FinderPatterns& patterns, const ReportStyle& style,
 
 bool TextSearch::run(ByteSource& bytes, const TextInfo& text, BinaryFiles binary, LineOutput& output) {
     TextSource source(bytes, encoding_);
-    blocks_.use(source);
-    tellsOnly_ = false;
-    ++totals_.texts;
     sink_->beginText(text, output);
+    ++totals_.texts;
+    searchBlocks(source, 0, binary, output);
+    if (isSkipped_) return false;
+    sink_->endText();
+    output.flush();
+    totals_.textsSelected += sink_->lines() != 0 ? 1 : 0;
+    return sink_->lines() != 0;
+}
+
+bool TextSearch::runPart(ByteSource& bytes, std::uint64_t begin, const TextInfo& text, BinaryFiles binary,
+                         LineOutput& output) {
+    TextSource source(bytes, encoding_, begin == 0);
+    sink_->beginText(text, output);
+    searchBlocks(source, begin, binary, output);
+    return !isSkipped_ && sink_->lines() != 0;
+}
+
+void TextSearch::searchBlocks(TextSource& source, std::uint64_t begin, BinaryFiles binary,
+                              LineOutput& output) {
+    blocks_.use(source);
+    tellsOnly_ = isSkipped_ = false;
     // Where lines end with a NUL, one is no sign of anything.
     const bool looksForNul = binary != BinaryFiles::print && style_.terminator != '\0';
     LineBlock block;
     while (sink_->wantsMore() && blocks_.next(block)) {
         // The mark is a part of the file, if not of the text.
-        block.offset += source.markSize();
+        block.offset += begin + source.markSize();
         const bool hasNul =
             looksForNul && std::memchr(block.bytes.data(), '\0', block.bytes.size()) != nullptr;
-        if (hasNul && binary == BinaryFiles::skip) return false;
+        isSkipped_ = hasNul && binary == BinaryFiles::skip;
+        if (isSkipped_) return;
         tellsOnly_ = tellsOnly_ || hasNul;
         totals_.bytes += block.bytes.size();
         const bool more = searchBlock(block);
@@ -36,12 +55,8 @@ bool TextSearch::run(ByteSource& bytes, const TextInfo& text, BinaryFiles binary
         if (progressed_) progressed_(block.bytes.size());
         if (!more) break;
     }
-    sink_->endText();
-    output.flush();
     totals_.lines += sink_->lines();
     totals_.matches += sink_->matches();
-    totals_.textsSelected += sink_->lines() != 0 ? 1 : 0;
-    return sink_->lines() != 0;
 }
 
 // False when the text is decided.

@@ -26,10 +26,14 @@ public:
     // Whether a line was selected. What is printed is in the output when this returns; where output was complete lines only,
     // also when it throws. Throws std::system_error, and Interrupted.
     bool run(ByteSource& bytes, const TextInfo& text, BinaryFiles binary, LineOutput& output);
+    // The same for a part of a text that begins at this byte. What is said of the text as a whole is left to the caller.
+    bool runPart(ByteSource& bytes, std::uint64_t begin, const TextInfo& text, BinaryFiles binary,
+                 LineOutput& output);
 
     const SearchTotals& totals() const { return totals_; }
 
 private:
+    void searchBlocks(TextSource& source, std::uint64_t begin, BinaryFiles binary, LineOutput& output);
     bool searchBlock(const LineBlock& block);
     bool select(const Span& lines);
     bool selectOthers(std::string_view block);
@@ -43,6 +47,7 @@ private:
     std::unique_ptr<LineSink> sink_;
     SearchTotals totals_;
     bool tellsOnly_ = false;  // the text is binary
+    bool isSkipped_ = false;  // for that
 };
 
 }  // namespace tool

@@ -1,5 +1,4 @@
-// Byte order marks, and the conversion of other encodings, which is ICU's: text in those is rare, and what is searched
-// and printed is UTF-8 in any case.
+// The conversion of other encodings is ICU's: text in those is rare, and what is searched and printed is UTF-8 in any case.
 #include "tools/search/text_source.h"
 
 #include "tools/usage_error.h"
@@ -9,47 +8,8 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <string_view>
 
 namespace tool {
-namespace {
-
-struct Mark {
-    std::string_view bytes;
-    const char* encoding;
-};
-
-// The longer one first where one begins another.
-constexpr std::array<Mark, 5> marks{{
-    {{"\xFF\xFE\0\0", 4}, "UTF-32LE"},
-    {{"\0\0\xFE\xFF", 4}, "UTF-32BE"},
-    {{"\xEF\xBB\xBF", 3}, "UTF-8"},
-    {{"\xFF\xFE", 2}, "UTF-16LE"},
-    {{"\xFE\xFF", 2}, "UTF-16BE"},
-}};
-
-bool sameEncoding(const std::string& name, const char* other) {
-    return ucnv_compareNames(name.c_str(), other) == 0;
-}
-
-// Whether more bytes may make a mark of these.
-bool mayBecomeMark(std::string_view begun) {
-    return std::ranges::any_of(marks, [&](const Mark& mark) {
-        return begun.size() < mark.bytes.size() && mark.bytes.starts_with(begun);
-    });
-}
-
-}  // namespace
-
-EncodingChoice::EncodingChoice(const std::string& name) {
-    if (name == "auto") return;
-    name_ = name;
-    UErrorCode problem = U_ZERO_ERROR;
-    UConverter* const converter = ucnv_open(name.c_str(), &problem);
-    if (U_FAILURE(problem)) throw UsageError("no encoding is named " + name);
-    isUtf8_ = ucnv_getType(converter) == UCNV_UTF8;
-    ucnv_close(converter);
-}
 
 TextSource::~TextSource() {
     if (from_ != nullptr) ucnv_close(from_);
@@ -65,18 +25,12 @@ void TextSource::begin() {
         ended_ = got == 0;
         held_.append(bytes.data(), got);
     } while (!ended_ && mayBecomeMark(held_));
-    const auto mark = std::ranges::find_if(
-        marks, [this](const Mark& known) { return std::string_view(held_).starts_with(known.bytes); });
-    const bool hasMark =
-        mark != marks.end() && (choice_.isAutomatic() || sameEncoding(choice_.name(), mark->encoding) ||
-                                (choice_.isUtf8() && mark->encoding == std::string_view("UTF-8")));
-    if (hasMark) used_ = mark->bytes.size();
-    if (!choice_.isAutomatic() && !choice_.isUtf8()) {
-        useEncoding(choice_.name());
-    } else if (hasMark && mark->encoding != std::string_view("UTF-8")) {
-        useEncoding(mark->encoding);
-    } else {
+    const TextStart start = startOfText(held_, choice_);
+    used_ = start.markSize;
+    if (start.encoding.empty()) {
         markSize_ = used_;
+    } else {
+        useEncoding(start.encoding);
     }
 }
 

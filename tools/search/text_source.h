@@ -2,6 +2,7 @@
 #pragma once
 
 #include "tools/search/byte_source.h"
+#include "tools/search/encoding.h"
 
 #include <memory>
 #include <string>
@@ -11,28 +12,13 @@ struct UConverter;
 
 namespace tool {
 
-// How files are read. "auto": as their byte order mark says, UTF-8 without one. "utf-8" and others by their names:
-// that one, and only a byte order mark of the same encoding is dropped. UsageError for a name that nobody knows.
-class EncodingChoice {
-public:
-    EncodingChoice() = default;
-    explicit EncodingChoice(const std::string& name);
-
-    bool isAutomatic() const { return name_.empty(); }
-    bool isUtf8() const { return isUtf8_; }
-    const std::string& name() const { return name_; }
-
-private:
-    std::string name_;
-    bool isUtf8_ = false;
-};
-
 // Drops the byte order mark and converts to UTF-8 where the text is something else; bytes of UTF-8 pass as they are,
 // ill-formed or not.
 class TextSource : public ByteSource {
 public:
-    // Refers to both.
-    TextSource(ByteSource& bytes, const EncodingChoice& choice) : bytes_(bytes), choice_(choice) {}
+    // Refers to both. Bytes that do not begin the text are UTF-8 and have no mark.
+    TextSource(ByteSource& bytes, const EncodingChoice& choice, bool beginsText = true)
+        : bytes_(bytes), choice_(choice), begun_(!beginsText) {}
     ~TextSource() override;
     TextSource(const TextSource&) = delete;
     TextSource& operator=(const TextSource&) = delete;
@@ -49,7 +35,7 @@ private:
 
     ByteSource& bytes_;
     const EncodingChoice& choice_;
-    bool begun_ = false;
+    bool begun_;
     bool ended_ = false;
     std::size_t markSize_ = 0;
     std::string held_;  // read and not handed out, or not converted

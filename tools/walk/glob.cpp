@@ -1,7 +1,7 @@
 // Wildcards for file names, by patterns of the library's own making.
 #include "tools/walk/glob.h"
 
-#include "tools/utf8.h"
+#include "tools/convert_text.h"
 
 namespace tool {
 namespace {

@@ -72,6 +72,11 @@ bool list(const std::string& path, bool followsLinks, Listing& listing) {
 
 }  // namespace
 
+bool isDirectory(const std::string& name) {
+    struct stat status;
+    return name.empty() || (name != "-" && ::stat(name.c_str(), &status) == 0 && S_ISDIR(status.st_mode));
+}
+
 Walker::Walker(const WalkSettings& settings) : settings_(settings) {
     for (const std::string& glob : settings.globs) {
         // A glob says what is wanted; as a rule it says what is left out.
@@ -150,6 +155,13 @@ bool Walker::walk(const std::string& directory, const Found& found, const Proble
         }
     }
     return true;
+}
+
+bool Walker::walkAll(const std::vector<std::string>& names, const Found& named, const Found& found,
+                     const Problem& problem) const {
+    return std::ranges::all_of(names, [&](const std::string& name) {
+        return isDirectory(name) ? walk(name, found, problem) : named(name);
+    });
 }
 
 }  // namespace tool

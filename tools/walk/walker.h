@@ -20,6 +20,9 @@ struct WalkSettings {
         globs;  // wanted names; with "!" in front unwanted ones; the last that matches decides
 };
 
+// Whether this is a directory; "" is the working one, and "-" is standard input.
+bool isDirectory(const std::string& name);
+
 class Walker {
 public:
     // `found` is called with each wanted file; false ends the walk. `problem` is called with what cannot be read.
@@ -31,6 +34,11 @@ public:
     // Below this directory, or in the working directory, if it is empty. Paths begin with the name as given. False when
     // `found` has ended it, or a signal.
     bool walk(const std::string& directory, const Found& found, const Problem& problem) const;
+
+    // The same for each of the names in turn: the files of what is a directory, and all else as it is, which `named`
+    // is called with.
+    bool walkAll(const std::vector<std::string>& names, const Found& named, const Found& found,
+                 const Problem& problem) const;
 
 private:
     bool isWanted(std::string_view relative, std::string_view name, bool isDirectory) const;
