@@ -19,9 +19,9 @@ namespace {
 namespace fs = std::filesystem;
 using Files = std::map<std::string, std::string>;
 
-class Random {
+class PatchRandom {
 public:
-    explicit Random(unsigned seed) : engine(seed) {}
+    explicit PatchRandom(unsigned seed) : engine(seed) {}
     size_t below(size_t limit) { return engine() % limit; }
     template <class List>
     const auto& of(const List& list) {
@@ -33,7 +33,7 @@ private:
 };
 
 // Few different lines, so that patches have to find the right ones; with ends of all kinds, or none.
-std::string randomContent(Random& random) {
+std::string randomContent(PatchRandom& random) {
     static const std::string lines[] = {"a",     "b",  "ab",         "",    "-- a", "++ b", "@@ -1 +1 @@", "a b\r",
                                         "\\ No", "aa", "\xC3\xA9 a", "bab", "b b",  "c",    "d d d",       "- x"};
     std::string content;
@@ -43,7 +43,7 @@ std::string randomContent(Random& random) {
     return content;
 }
 
-Files randomFiles(Random& random) {
+Files randomFiles(PatchRandom& random) {
     static const std::string names[] = {"x",        "d/y", "d/e/z z", "d/\"q\"", "d/caf\xC3\xA9", "d/back\\slash",
                                         "tab\there"};
     Files files;
@@ -85,7 +85,7 @@ TEST(CommandLineTool, WritesPatchesThatLeadThereAndBack) {
     std::string root = (fs::temp_directory_path() / "corvane-patch-XXXXXX").string();
     ASSERT_NE(::mkdtemp(root.data()), nullptr);
     const fs::path folder = fs::path(root) / "tree";
-    Random random(20261123);
+    PatchRandom random(20261123);
     for (int round = 0; round != runs && !::testing::Test::HasFailure(); ++round) {
         const Files before = randomFiles(random);
         const std::string& pattern = random.of(patterns);

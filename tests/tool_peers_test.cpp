@@ -29,9 +29,9 @@ std::string answerOf(const std::string& command) {
     return result.output + "status " + std::to_string(result.status) + "\n";
 }
 
-class Random {
+class PeerRandom {
 public:
-    explicit Random(unsigned seed) : engine_(seed) {}
+    explicit PeerRandom(unsigned seed) : engine_(seed) {}
     std::size_t below(std::size_t limit) { return engine_() % limit; }
     template <class List>
     const auto& of(const List& list) {
@@ -42,7 +42,7 @@ private:
     std::mt19937 engine_;
 };
 
-std::string randomLines(Random& random) {
+std::string randomLines(PeerRandom& random) {
     static const std::string pieces[] = {"a", "b",        "ab",           "c", "A", " ", "-", "_",
                                          "1", "\xC3\xA9", "\xE2\x82\xAC", "\""};
     std::string text;
@@ -53,10 +53,10 @@ std::string randomLines(Random& random) {
     return text;
 }
 
-std::string randomAtom(Random& random, int depth);
+std::string randomAtom(PeerRandom& random, int depth);
 
 // Of what means the same to extended expressions of grep, to ripgrep and here.
-std::string randomPattern(Random& random, int depth) {
+std::string randomPattern(PeerRandom& random, int depth) {
     std::string pattern;
     for (std::size_t items = random.below(3) + 1; items != 0; --items) {
         static const std::string quantifiers[] = {"", "", "", "*", "+", "?", "{2}", "{1,2}"};
@@ -65,7 +65,7 @@ std::string randomPattern(Random& random, int depth) {
     return random.below(4) == 0 ? pattern + "|" + randomAtom(random, depth) : pattern;
 }
 
-std::string randomAtom(Random& random, int depth) {
+std::string randomAtom(PeerRandom& random, int depth) {
     static const std::string atoms[] = {"a",    "b",     "c", "ab", ".",        "[ab]",
                                         "[^a]", "[^b ]", "-", " ",  "\xC3\xA9", "[a-c]"};
     if (depth > 0 && random.below(4) == 0) return "(" + randomPattern(random, depth - 1) + ")";
@@ -77,7 +77,7 @@ struct Options {
     std::string pattern;  // with anchors
 };
 
-Options randomOptions(Random& random) {
+Options randomOptions(PeerRandom& random) {
     static const std::string modes[] = {"", "", "-i ", "-v ", "-x ", "-w "};
     static const std::string forms[] = {"-n ", "-c ", "-b ", "-n -C1 ", "-n -A2 ", "-B1 ", "-n -m2 ", "-q "};
     Options options{random.of(modes) + random.of(forms), randomPattern(random, 2)};
@@ -99,7 +99,7 @@ TEST(CommandLineTool, SelectsTheLinesThatItsPeersSelect) {
     const std::string file = folder + "/lines";
     const std::string pattern = folder + "/pattern";
     const unsigned seed = 20261122;
-    Random random(seed);
+    PeerRandom random(seed);
     for (int run = 0; run != runs && !::testing::Test::HasFailure(); ++run) {
         const std::string text = randomLines(random);
         std::ofstream(file, std::ios::binary) << text;

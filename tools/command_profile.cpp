@@ -48,7 +48,7 @@ struct Row {
     RE_Node_Counts counts;
 };
 
-constexpr std::size_t widestPart = 24;
+constexpr std::size_t widestPartColumn = 24;
 
 // The widths are those of printTable's heading. Labels come last, as they may be long.
 void printRow(const Row& row, std::uint64_t allWork) {
@@ -60,7 +60,7 @@ void printRow(const Row& row, std::uint64_t allWork) {
     std::snprintf(numbers, sizeof numbers, "%5.1f%% %12llu %12llu %12llu %12llu %12llu %12llu  ", share,
                   number(row.counts.visits), number(row.counts.successes), number(row.counts.failures),
                   number(row.counts.pushes), number(row.counts.pops), number(row.counts.refusals));
-    std::cout << numbers << padded(row.part, widestPart) << "  " << row.label << '\n';
+    std::cout << numbers << padded(row.part, widestPartColumn) << "  " << row.label << '\n';
 }
 
 // The nodes with the most work first, those with the same in the order of their numbers; the nodes of dynamic texts are one
@@ -68,12 +68,12 @@ void printRow(const Row& row, std::uint64_t allWork) {
 void printTable(const RE_Profile& profile, std::u16string_view pattern, const RE_Pattern_Parts& parts) {
     char head[160];
     std::snprintf(head, sizeof head, "%6s %12s %12s %12s %12s %12s %12s  %-*s  %s\n", "work", "visits",
-                  "matched", "failed", "pushed", "popped", "refused", static_cast<int>(widestPart), "part",
+                  "matched", "failed", "pushed", "popped", "refused", static_cast<int>(widestPartColumn), "part",
                   "node");
     std::cout << head;
     std::vector<Row> rows;
     for (const RE_Node_Profile& node : profile.nodes) {
-        rows.push_back({quotePart(pattern, parts.of(node.nodeId), widestPart),
+        rows.push_back({quotePart(pattern, parts.of(node.nodeId), widestPartColumn),
                         "n" + std::to_string(node.nodeId) + " " + node.label, node.counts});
     }
     if (profile.texts.visits != 0) rows.push_back({"", "the nodes of dynamic texts", profile.texts});

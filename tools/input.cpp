@@ -40,11 +40,13 @@ private:
     int descriptor_;
 };
 
+}  // namespace
+
 // A mapping of the whole file, or nothing when the file cannot be mapped (a pipe, an empty file, a file
 // system that does not support it); the caller then reads it.
-class Mapping {
+class FileMapping {
 public:
-    explicit Mapping(const OpenFile& file) {
+    explicit FileMapping(const OpenFile& file) {
         struct stat status;
         if (::fstat(file.descriptor(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_size == 0)
             return;
@@ -56,11 +58,11 @@ public:
         bytes_ = bytes;
         size_ = size;
     }
-    ~Mapping() {
+    ~FileMapping() {
         if (bytes_ != nullptr) ::munmap(bytes_, size_);
     }
-    Mapping(const Mapping&) = delete;
-    Mapping& operator=(const Mapping&) = delete;
+    FileMapping(const FileMapping&) = delete;
+    FileMapping& operator=(const FileMapping&) = delete;
 
     explicit operator bool() const { return bytes_ != nullptr; }
     std::string_view bytes() const { return {static_cast<const char*>(bytes_), size_}; }
@@ -69,6 +71,8 @@ private:
     void* bytes_ = nullptr;
     std::size_t size_ = 0;
 };
+
+namespace {
 
 // Grows by half of what is there, so the copying is linear. A signal ends a blocked read, after which the
 // interrupt shows.
@@ -107,7 +111,7 @@ public:
     std::string_view view() const { return mapping_ ? mapping_.bytes() : read_; }
 
 private:
-    Mapping mapping_;
+    FileMapping mapping_;
     std::string read_;
 };
 

@@ -188,7 +188,7 @@ std::size_t roomFor(const RE_Program& program) {
     for (const RE_Instruction& in : program.instructions) {
         const bool isText = in.operation == RE_Operation::text || in.operation == RE_Operation::foldedText;
         room += in.operation == RE_Operation::choose ? bytesOfATable : 0;
-        if (in.operation == RE_Operation::texts) {
+        if (in.operation == RE_Operation::texts || in.operation == RE_Operation::glanceTexts) {
             room += bytesOfTexts;
         }
         if (in.operation == RE_Operation::lazyRun || in.operation == RE_Operation::givingRun) {
@@ -269,8 +269,10 @@ std::unique_ptr<RE_Machine_Code> RE_Machine_Code::make(const RE_Graph_Facts& fac
     if (facts.program.instructions.empty()) {
         return nullptr;
     }
-    // The code of most patterns fits on the stack.
-    std::array<std::byte, bytesOnStack> small;
+    // The code of most patterns fits on the stack. Constants are aligned by their addresses here, so the buffer has to be as
+    // aligned as the place where the code will run.
+    alignas(std::max_align_t) std::array<std::byte, bytesOnStack> small;
+    static_assert(alignof(std::max_align_t) >= 16 && __STDCPP_DEFAULT_NEW_ALIGNMENT__ >= 16);
     const std::size_t room = roomFor(facts.program);
     std::unique_ptr<std::byte[]> large;
     if (room > small.size()) {

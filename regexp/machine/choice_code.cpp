@@ -33,7 +33,6 @@
 #include "regexp/units/unit_set.h"
 
 #include <algorithm>
-#include <ranges>
 
 namespace corvane_machine {
 
@@ -189,7 +188,8 @@ bool isBracket(const RE_Instruction& in) {
 // From the last to the first: a run within the rest of another is led to by that one alone, so it comes after it.
 void Program_Code::findChoices() {
     choiceOf.resize(program.instructions.size());
-    for (const RE_Instruction& in : std::views::reverse(program.instructions)) {
+    for (auto each = program.instructions.rbegin(); each != program.instructions.rend(); ++each) {
+        const RE_Instruction& in = *each;
         const bool reachesFar = in.most > nearUnits && in.most < RE_Step_Meter::unitsAStep;
         if (isChoiceRun(in) && in.least <= mostLeast && !reachesFar) {
             noteChoice(in);
