@@ -10,8 +10,34 @@
 #include "regexp/text/conversion_kernels.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <type_traits>
+
+#ifndef CORVANE_CONVERSION_TABLES
+#define CORVANE_CONVERSION_TABLES
+namespace corvane_conversions {
+
+/// For each choice of eight units, as bits, the bytes of those that are chosen, side by side.
+struct Pressed {
+    alignas(16) std::array<std::array<std::uint8_t, 16>, 256> from{};
+};
+constexpr Pressed kPressed = [] {
+    Pressed table;
+    for (std::size_t chosen = 0; chosen < 256; ++chosen) {
+        std::size_t at = 0;
+        for (std::uint8_t unit = 0; unit < 8; ++unit) {
+            if ((chosen >> unit & 1) != 0) {
+                table.from[chosen][at++] = static_cast<std::uint8_t>(2 * unit);
+                table.from[chosen][at++] = static_cast<std::uint8_t>(2 * unit + 1);
+            }
+        }
+    }
+    return table;
+}();
+
+}  // namespace corvane_conversions
+#endif
 
 // This file is compiled once for each instruction set: everything up to the end of the guarded part below.
 #undef HWY_TARGET_INCLUDE
@@ -96,6 +122,32 @@ void widenLatin1(const std::uint8_t* p, const std::uint8_t* end, char16_t* to) {
 HWY_INLINE hn::Mask<Units> maskOf(std::uint64_t lanes) {
     const auto bits = static_cast<Bits<std::max<std::size_t>(8, hn::MaxLanes(Units()))>>(lanes);
     return hn::LoadMaskBits(Units(), reinterpret_cast<const std::uint8_t*>(&bits));
+}
+/// Stores the lanes that have bits side by side, and anything after them up to as many units as there are lanes. Vectors of 32
+/// lanes have an instruction for it. For others a table says where each unit of eight comes from: that of the vector library
+/// is copied to the stack for each vector, which takes longer than all the rest.
+template <class Lanes>  // of units; a template, so that no machine compiles the ways of others
+HWY_INLINE void storeLanes(Lanes tag, hn::Vec<Lanes> units, std::uint64_t lanes, char16_t* to) {
+    auto* const out = reinterpret_cast<std::uint16_t*>(to);
+    constexpr std::size_t most = hn::MaxLanes(Lanes());
+#if HWY_TARGET == HWY_SCALAR
+    // A single lane decodes nothing: see below.
+    static_cast<void>(tag), static_cast<void>(units), static_cast<void>(lanes), static_cast<void>(out),
+        static_cast<void>(most);
+#else
+    if constexpr (most == 8) {
+        const hn::Repartition<std::uint8_t, Lanes> bytes;
+        const auto from = hn::LoadU(bytes, kPressed.from[lanes & 0xFF].data());
+        hn::StoreU(hn::BitCast(tag, hn::TableLookupBytes(hn::BitCast(bytes, units), from)), tag, out);
+    } else if constexpr (most == 16) {
+        const hn::Half<Lanes> half;
+        storeLanes(half, hn::LowerHalf(half, units), lanes, to);
+        storeLanes(half, hn::UpperHalf(half, units), lanes >> 8, to + std::popcount(lanes & 0xFF));
+    } else {
+        const auto bits = static_cast<Bits<std::max<std::size_t>(8, most)>>(lanes);
+        hn::CompressBitsStore(units, reinterpret_cast<const std::uint8_t*>(&bits), tag, out);
+    }
+#endif
 }
 HWY_INLINE hn::Vec<Units> allLanes(int unit) {
     return hn::Set(Units(), static_cast<std::uint16_t>(unit));
@@ -223,9 +275,7 @@ RE_Conversion decodeUtf8(const std::uint8_t* from, const std::uint8_t* goal, con
             pairs += static_cast<std::size_t>(std::popcount(pieces.pairs));
         }
         kept &= below(lanes);
-        const auto keptBits = static_cast<Bits<std::max<std::size_t>(8, hn::MaxLanes(Units()))>>(kept);
-        hn::CompressBitsStore(guess.units, reinterpret_cast<const std::uint8_t*>(&keptBits), Units(),
-                              reinterpret_cast<std::uint16_t*>(to));
+        storeLanes(Units(), guess.units, kept, to);
         to += std::popcount(kept);
         p += lanes;
         taken = pieces.taken >> lanes;
