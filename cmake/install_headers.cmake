@@ -4,7 +4,7 @@
 
 cmake_policy(VERSION 3.25)
 
-set(offered regexp/regexp.h regexp/base/compile_limits.h regexp/base/line_subjects.h regexp/base/search_limits.h
+set(offered regexp/regexp.h regexp/base/compile_limits.h regexp/base/search_limits.h
     regexp/options/compile_options.h regexp/state/search_info.h
     regexp/nodes/graph_export.h regexp/inspect/hints.h regexp/inspect/outline.h
     regexp/inspect/pattern_parts.h

@@ -30,7 +30,10 @@ void searchMisread(const cvre_pattern* pattern, const cvre_replacement* replacem
     for (int i = 0; i < 20 && status == CVRE_OK; ++i) {
         size_t start = 0, length = 0;
         cvre_text part{};
-        status = i % 5 == 4 ? cvre_matcher_find(matcher, number % 50) : cvre_matcher_next(matcher);
+        status = i % 5 == 4   ? cvre_matcher_find(matcher, number % 50)
+                 : i % 5 == 3 ? cvre_matcher_match_at(matcher, number % 40)
+                              : cvre_matcher_next(matcher);
+        status = status == CVRE_NO_MATCH && i % 5 == 3 ? CVRE_OK : status;
         require(isStatus(cvre_matcher_extent(matcher, &start, &length)), "an extent", text);
         require(isStatus(cvre_matcher_token_text(matcher, number % 3, &part)), "a token", text);
     }

@@ -16,7 +16,7 @@ namespace {
 
 // What docs/guarantees.md promises of the default options: so much for each unit, and a constant.
 constexpr std::uint64_t kWorkAUnit = 60;
-constexpr std::uint64_t kBytesAUnit = 900;
+constexpr std::uint64_t kBytesAUnit = 400;
 constexpr std::uint64_t kAtFirst = 100'000;
 
 /// Each copy of a group that is repeated counts like a group: the bound is that of the text with its copies written out, which

@@ -248,6 +248,102 @@ TEST(CInterface, EndsSearchesByLimits) {
     EXPECT_EQ(text, taken(result)) << "as it was";
 }
 
+// Every way to begin a search, each with what ends it before its end: the work of the attempt, and that of the conversion.
+TEST(CInterface, HoldsTheLimitsForAnyPlace) {
+    const std::string text(3'000'000, 'x');
+    const Pattern pattern = compile(utf8("(?:x|xx)*?(?<=y)|."));
+    cvre_cancel* made = nullptr;
+    ASSERT_EQ(CVRE_OK, cvre_cancel_new(&made));
+    const Cancel cancel(made);
+    ASSERT_EQ(CVRE_OK, cvre_cancel_request(cancel.get()));
+    const struct {
+        cvre_status status;
+        std::uint64_t steps, bytes, nanoseconds;
+        const cvre_cancel* cancel;
+    } cases[] = {{CVRE_STEPS_SPENT, 1000, 0, 0, nullptr},
+                 {CVRE_MEMORY_FULL, 0, 400'000, 0, nullptr},
+                 {CVRE_DEADLINE_PASSED, 0, 0, 1, nullptr},
+                 {CVRE_CANCELLED, 0, 0, 0, cancel.get()}};
+    for (const auto& c : cases) {
+        for (const auto search : {cvre_matcher_match_at, cvre_matcher_find}) {
+            for (const cvre_offsets offsets : {CVRE_BYTES, CVRE_UNITS, CVRE_CHARACTERS}) {
+                auto limits = sized<cvre_limits>();
+                limits.steps = c.steps;
+                limits.bytes = c.bytes;
+                limits.nanoseconds = c.nanoseconds;
+                limits.cancel = c.cancel;
+                const Matcher matcher = matcherOf(pattern);
+                ASSERT_EQ(CVRE_OK, cvre_matcher_use(matcher.get(), utf8(text), offsets, &limits));
+                EXPECT_EQ(c.status, search(matcher.get(), text.size() / 2));
+                EXPECT_EQ(c.status, cvre_matcher_match_at(matcher.get(), 0)) << "it stays over";
+                EXPECT_EQ(c.status, cvre_matcher_next(matcher.get()));
+                auto report = sized<cvre_report>();
+                ASSERT_EQ(CVRE_OK, cvre_matcher_report(matcher.get(), &report));
+                EXPECT_EQ(c.status, report.outcome);
+                EXPECT_TRUE(c.steps != 0 || report.converted_bytes < text.size()) << "conversions take no steps";
+                ASSERT_EQ(CVRE_OK, cvre_matcher_use(matcher.get(), utf8("x"), offsets, nullptr));
+                EXPECT_EQ(CVRE_OK, cvre_matcher_match_at(matcher.get(), 0)) << "limits are those of a subject";
+            }
+        }
+    }
+    // Characters of UTF-16 are counted up to the place, which is work, too.
+    const std::u16string units(3'000'000, u'x');
+    auto limits = sized<cvre_limits>();
+    limits.cancel = cancel.get();
+    const Matcher matcher = matcherOf(pattern);
+    ASSERT_EQ(CVRE_OK, cvre_matcher_use(matcher.get(), utf16(units), CVRE_CHARACTERS, &limits));
+    EXPECT_EQ(CVRE_CANCELLED, cvre_matcher_find(matcher.get(), 2'000'000));
+}
+
+// A matcher keeps its state from subject to subject, which may not show.
+TEST(CInterface, AMatcherFindsWhatAFreshOneFinds) {
+    PatternSource source(environmentNumber("CORVANE_TEST_SEED", 23));
+    size_t matches = 0;
+    for (unsigned long round = environmentNumber("CORVANE_TEST_ROUNDS", sanitized() ? 50 : 300); round > 0; --round) {
+        const DrawnPattern drawn = source.draw(kDynamics);
+        auto options = sized<cvre_compile_options>();
+        options.flags = drawn.flags;
+        const Pattern pattern = compile(utf16(drawn.text), &options);
+        const Matcher kept = matcherOf(pattern);
+        for (int i = 0; i < 4; ++i) {
+            const std::u16string text = source.subject(20);
+            auto limits = sized<cvre_limits>();
+            limits.steps = source.below(2) == 0 ? 100 + source.below(1000) : 0;
+            const Matcher fresh = matcherOf(pattern);
+            for (const Matcher* matcher : {&kept, &fresh}) {
+                ASSERT_EQ(CVRE_OK, cvre_matcher_use(matcher->get(), utf16(text), CVRE_UNITS, &limits));
+            }
+            for (int call = 0; call < 8; ++call) {
+                const size_t at = source.below(static_cast<unsigned>(text.size()) + 2);
+                const size_t kind = source.below(4);
+                size_t found[2][2] = {};
+                cvre_status statuses[2];
+                for (int which = 0; which < 2; ++which) {
+                    cvre_matcher* const matcher = which == 0 ? kept.get() : fresh.get();
+                    statuses[which] = kind == 0   ? cvre_matcher_find(matcher, at)
+                                      : kind == 1 ? cvre_matcher_match_at(matcher, at)
+                                                  : cvre_matcher_next(matcher);
+                    cvre_matcher_extent(matcher, &found[which][0], &found[which][1]);
+                }
+                ASSERT_EQ(statuses[0], statuses[1]) << printable(drawn.text) << " on " << printable(text);
+                ASSERT_TRUE(std::equal(found[0], found[0] + 2, found[1])) << printable(drawn.text);
+                ASSERT_TRUE(statuses[0] != CVRE_OK || kind != 1 || found[0][0] == at);
+                matches += statuses[0] == CVRE_OK;
+            }
+        }
+    }
+    EXPECT_GT(matches, 300u / (sanitized() ? 5 : 1));
+}
+
+TEST(CInterface, FindsLinesApart) {
+    auto options = sized<cvre_compile_options>();
+    options.flags = CVRE_DOT_ALL | CVRE_LINES_APART;
+    const Pattern pattern = compile(utf8("^b.*$|c\\s"), &options);
+    const Matcher matcher = matcherOf(pattern);
+    ASSERT_EQ(CVRE_OK, cvre_matcher_use(matcher.get(), utf8("ab\nbc\nbb\n"), CVRE_BYTES, nullptr));
+    EXPECT_EQ("[3,2][6,2]", extents(matcher));
+}
+
 TEST(CInterface, SearchesAreInterruptedByTheProcess) {
     auto options = sized<cvre_compile_options>();
     options.interruptible = CVRE_ON;
@@ -465,10 +561,10 @@ TEST(CInterface, WatchesMemory) {
     watch.freed = [](void*) { --blocks; };
     ASSERT_EQ(CVRE_OK, cvre_watch_memory(&watch));
     const int before = blocks;
-    cvre_pattern* made = nullptr;
-    EXPECT_EQ(CVRE_OK, cvre_compile(utf8("a+"), nullptr, &made));
+    cvre_pattern* compiled = nullptr;
+    EXPECT_EQ(CVRE_OK, cvre_compile(utf8("a+"), nullptr, &compiled));
     EXPECT_GT(blocks, before);
-    const Pattern pattern(made);
+    const Pattern pattern(compiled);
     const Matcher matcher = matcherOf(pattern);
     const std::string text(1'000'000, '.');
     EXPECT_EQ(CVRE_OK, cvre_matcher_use(matcher.get(), utf8(text), CVRE_BYTES, nullptr));
@@ -476,6 +572,15 @@ TEST(CInterface, WatchesMemory) {
     EXPECT_EQ(CVRE_OK, cvre_watch_memory(nullptr));
     EXPECT_EQ(CVRE_OK, cvre_matcher_use(matcher.get(), utf8("ba"), CVRE_BYTES, nullptr));
     EXPECT_EQ("[1,1]", extents(matcher)) << "it can be used again";
+    static std::atomic<int> made{0};
+    watch.allocated = [](void*) { ++made; };
+    ASSERT_EQ(CVRE_OK, cvre_watch_memory(&watch));
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(CVRE_OK, cvre_matcher_use(matcher.get(), utf8("cba"), CVRE_BYTES, nullptr));
+        EXPECT_EQ("[2,1]", extents(matcher));
+    }
+    EXPECT_EQ(0, made) << "further subjects take nothing";
+    EXPECT_EQ(CVRE_OK, cvre_watch_memory(nullptr));
 }
 
 // --- misuse ---
@@ -599,7 +704,7 @@ TEST(CInterface, RefusesBadSizesAndValues) {
     };
     EXPECT_EQ(CVRE_BAD_SIZE, with([](auto& o) { o.size = 0; }));
     EXPECT_EQ(CVRE_BAD_SIZE, with([](auto& o) { o.size = 100'000; }));
-    EXPECT_EQ(CVRE_BAD_ARGUMENT, with([](auto& o) { o.flags = 0x80; }));
+    EXPECT_EQ(CVRE_BAD_ARGUMENT, with([](auto& o) { o.flags = 0x100; }));
     EXPECT_EQ(CVRE_BAD_ARGUMENT, with([](auto& o) { o.offsets = 7; }));
     EXPECT_EQ(CVRE_BAD_ARGUMENT, with([](auto& o) { o.machine_code = 3; }));
     EXPECT_EQ(CVRE_BAD_ARGUMENT, with([](auto& o) { o.null_nodes = -1; }));

@@ -128,6 +128,29 @@ TEST(ConversionKernels, DecodeEverySequenceAtEveryPlace) {
     }
 }
 
+// A text converted goal by goal is what it is as a whole, and no goal is missed by far.
+TEST(ConversionKernels, StopAtABoundarySoonAfterAGoal) {
+    PatternSource source(environmentNumber("CORVANE_TEST_SEED", 8));
+    for (size_t round = rounds() / 4; round > 0; --round) {
+        const std::string text = drawBytes(source, source.below(120));
+        const std::vector<std::uint8_t> bytes(text.begin(), text.end());
+        const std::uint8_t* const end = bytes.data() + bytes.size();
+        std::vector<char16_t> units(bytes.size() + reMostPastGoal);
+        RE_Conversion all;
+        while (all.read < bytes.size()) {
+            const std::uint8_t* const p = bytes.data() + all.read;
+            const std::uint8_t* const goal =
+                p + std::min<std::ptrdiff_t>(end - p, 1 + static_cast<int>(source.below(200)));
+            const RE_Conversion done =
+                reUtf8ToUtf16(p, goal, end, true, units.data() + all.written, units.data() + units.size());
+            ASSERT_GE(p + done.read, goal);
+            ASSERT_LT(p + done.read, goal + reMostPastGoal);
+            all.add(done);
+        }
+        ASSERT_EQ(icuFromUtf8(text), std::u16string(units.data(), all.written)) << ::testing::PrintToString(text);
+    }
+}
+
 TEST(ConversionKernels, EncodeUtf8AsIcuDoes) {
     PatternSource source(environmentNumber("CORVANE_TEST_SEED", 6));
     for (size_t round = rounds() / 2; round > 0; --round) {

@@ -1,5 +1,5 @@
 // RE_FLAG_LINES_APART: a search of many lines finds in each what a search of that line alone finds.
-#include "regexp/base/line_subjects.h"
+#include "regexp/base/flags.h"
 #include "regexp/regexp.h"
 
 #include <gtest/gtest.h>

@@ -18,6 +18,7 @@
 #include "host/cx_array.h"
 #include "host/object_store.h"
 #include "host/adapters/option_context.h"
+#include "regexp/eval/context.h"
 #include "regexp/options/compile_options.h"
 
 namespace {
@@ -42,6 +43,12 @@ void parse(CompileOptions& options, const std::vector<std::string>& words) {
     po::store(po::command_line_parser(words).options(descriptions).run(), values);
     po::notify(values);
 }
+
+// A context refers to its options: such as die with the expression are refused, whichever way they come.
+static_assert(std::is_constructible_v<RE_Context, CompileOptions&> &&
+              std::is_constructible_v<RE_Context, const CompileOptions&> &&
+              !std::is_constructible_v<RE_Context, CompileOptions> &&
+              !std::is_constructible_v<RE_Context, const CompileOptions>);
 
 TEST(CompileOptions, PrintTheirDefaultsInListOrder) {
     EXPECT_EQ(printed(CompileOptions()),

@@ -1,6 +1,6 @@
 // The handler sets the host's interrupt flag, which running searches poll, and writes a byte into a pipe, which
 // waits for input poll: a signal between a look at the flag and the wait is not missed. The flag is a lock-free
-// atomic and `write` is allowed in handlers. The handler does nothing else.
+// atomic and `write` is allowed in handlers, as is `alarm`, which limits what does not poll.
 #include "tools/interrupt.h"
 
 #include "tools/exit_status.h"
@@ -11,6 +11,7 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 
@@ -21,6 +22,11 @@ namespace {
 int wakeReader = -1;
 int wakeWriter = -1;
 volatile std::sig_atomic_t caughtSignal = 0;
+// How many InterruptGrace there are, and whether the alarm has been set for them.
+std::atomic<int> graces = 0;
+std::atomic<bool> alarmSet = false;
+static_assert(std::atomic<int>::is_always_lock_free && std::atomic<bool>::is_always_lock_free);
+constexpr unsigned graceSeconds = 2;
 
 extern "C" void requestInterrupt(int number) {
     const int before = errno;
@@ -29,7 +35,16 @@ extern "C" void requestInterrupt(int number) {
     const char byte = 0;
     if (wakeWriter >= 0) [[maybe_unused]]
         const auto written = ::write(wakeWriter, &byte, 1);
+    if (graces > 0) {
+        alarmSet = true;
+        ::alarm(graceSeconds);
+    }
     errno = before;
+}
+
+// The signal that was caught has its usual effect by now, which ends the program.
+extern "C" void endAtOnce(int) {
+    if (graces > 0) std::raise(caughtSignal);
 }
 
 void openWakePipe() {
@@ -65,6 +80,9 @@ bool waitFor(int descriptor, short event) {
 void catchInterrupts() {
     openWakePipe();
     for (const int number : {SIGINT, SIGTERM, SIGHUP}) catchSignal(number);
+    struct sigaction late {};
+    late.sa_handler = endAtOnce;
+    ::sigaction(SIGALRM, &late, nullptr);
     std::signal(SIGXFSZ, SIG_IGN);  // a file that grows too large is an error of the write
 }
 
@@ -74,6 +92,14 @@ bool interruptPending() {
 
 int interruptStatus() {
     return caughtSignal == 0 ? exitTrouble : 128 + static_cast<int>(caughtSignal);
+}
+
+InterruptGrace::InterruptGrace() {
+    ++graces;
+}
+
+InterruptGrace::~InterruptGrace() {
+    if (--graces == 0 && alarmSet.exchange(false)) ::alarm(0);
 }
 
 bool waitForInput(int descriptor) {

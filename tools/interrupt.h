@@ -26,6 +26,16 @@ bool interruptPending();
 // 128 and the number of the signal that was caught; `exitTrouble` when none was.
 int interruptStatus();
 
+// Around work that may not notice an interrupt by itself. If it has not ended two seconds after one, the program
+// ends at once, as by a second interrupt. For one thread at a time.
+class InterruptGrace {
+public:
+    InterruptGrace();
+    InterruptGrace(const InterruptGrace&) = delete;
+    InterruptGrace& operator=(const InterruptGrace&) = delete;
+    ~InterruptGrace();
+};
+
 // Waits until there is something to read from the descriptor, or its end, or a signal. False for a signal: the
 // wait ends at once also when the signal comes just before it. Returns at once for regular files.
 bool waitForInput(int descriptor);

@@ -6,9 +6,9 @@
 #include "tools/lua_state.h"
 
 #include "tools/interrupt.h"
+#include "tools/lua_library.h"
 
 #include <cstdlib>
-#include <iostream>
 #include <optional>
 
 namespace tool {
@@ -36,12 +36,13 @@ void* allocate(void* user, void* block, std::size_t oldSize, std::size_t newSize
     return moved;
 }
 
-// A hook of Lua's. Scripts can catch errors; so from the first interrupt on every instruction raises one, and
-// no script continues.
+// A hook of Lua's. Calls are polled besides instructions: functions of the library call each other (a comparison
+// for `table.sort`, say) without an instruction in between. Scripts can catch errors; so from the first interrupt
+// on every call and instruction raises one, and no script continues.
 void endWhenInterrupted(lua_State* state, lua_Debug*) {
     if (!interruptPending()) return;
     // From the next instruction on: the error below may be caught by the script.
-    lua_sethook(state, endWhenInterrupted, LUA_MASKCOUNT, 1);
+    lua_sethook(state, endWhenInterrupted, LUA_MASKCALL | LUA_MASKCOUNT, 1);
     luaL_error(state, "interrupted");
 }
 
@@ -67,83 +68,6 @@ int describeError(lua_State* state) {
     }
     lua_concat(state, lua_gettop(state) - 1);
     return 1;
-}
-
-// Lua's setmetatable without finalizers: hooks do not run in those, so nothing would end a long one.
-int setMetatable(lua_State* state) {
-    luaL_checktype(state, 1, LUA_TTABLE);
-    luaL_argexpected(state, lua_isnil(state, 2) || lua_istable(state, 2), 2, "nil or table");
-    lua_settop(state, 2);
-    if (lua_istable(state, 2)) {
-        lua_pushliteral(state, "__gc");
-        if (lua_rawget(state, 2) != LUA_TNIL) return luaL_error(state, "finalizers (__gc) are not allowed");
-        lua_pop(state, 1);
-    }
-    lua_pushvalue(state, lua_upvalueindex(1));
-    lua_insert(state, 1);
-    lua_call(state, 2, 1);
-    return 1;
-}
-
-// To the program's own stream, which keeps the order with the rest of the output.
-int print(lua_State* state) {
-    // As Lua's own print: tabs between, texts by __tostring.
-    const int count = lua_gettop(state);
-    for (int i = 1; i <= count; ++i) {
-        std::size_t length = 0;
-        const char* const text = luaL_tolstring(state, i, &length);
-        if (i > 1) std::cout.put('\t');
-        std::cout.write(text, static_cast<std::streamsize>(length));
-        lua_pop(state, 1);
-    }
-    std::cout.put('\n');
-    return 0;
-}
-
-// From the table on top of the stack.
-void removeFields(lua_State* state, std::initializer_list<const char*> names) {
-    for (const char* name : names) {
-        lua_pushnil(state);
-        lua_setfield(state, -2, name);
-    }
-}
-
-// The functions of the os library that only look at the clock; the others start programs and remove files.
-void openClock(lua_State* state) {
-    luaL_requiref(state, LUA_OSLIBNAME, luaopen_os, 0);
-    lua_newtable(state);
-    for (const char* name : {"clock", "date", "difftime", "time"}) {
-        lua_getfield(state, -2, name);
-        lua_setfield(state, -2, name);
-    }
-    lua_setglobal(state, LUA_OSLIBNAME);
-    lua_pop(state, 1);
-}
-
-// The libraries without files, programs, modules, other chunks of code and the debug library. What is left
-// reaches nothing outside of the interpreter.
-int openSafeLibraries(lua_State* state) {
-    const luaL_Reg libraries[] = {{LUA_GNAME, luaopen_base},
-                                  {LUA_STRLIBNAME, luaopen_string},
-                                  {LUA_TABLIBNAME, luaopen_table},
-                                  {LUA_MATHLIBNAME, luaopen_math},
-                                  {LUA_UTF8LIBNAME, luaopen_utf8}};
-    for (const luaL_Reg& library : libraries) {
-        luaL_requiref(state, library.name, library.func, 1);
-        lua_pop(state, 1);
-    }
-    openClock(state);
-    // What the base library offers besides: running files and texts, and driving the collector.
-    lua_pushglobaltable(state);
-    removeFields(state, {"collectgarbage", "dofile", "load", "loadfile"});
-    lua_getfield(state, -1, "setmetatable");
-    lua_pushcclosure(state, setMetatable, 1);
-    lua_setfield(state, -2, "setmetatable");
-    lua_pop(state, 1);
-    lua_getglobal(state, LUA_STRLIBNAME);
-    removeFields(state, {"dump"});
-    lua_register(state, "print", print);
-    return 0;
 }
 
 // What callProtected needs, passed as a pointer because arguments of Lua are values of Lua.
@@ -202,7 +126,7 @@ LuaState::LuaState() : state_(lua_newstate(allocate, &used_)) {
     if (state_ == nullptr) throw std::bad_alloc();
     lua_pushcfunction(state_.get(), openSafeLibraries);
     if (lua_pcall(state_.get(), 0, 0, 0) != LUA_OK) fail();
-    lua_sethook(state_.get(), endWhenInterrupted, LUA_MASKCOUNT, instructionsPerPoll);
+    lua_sethook(state_.get(), endWhenInterrupted, LUA_MASKCALL | LUA_MASKCOUNT, instructionsPerPoll);
 }
 
 // Throws the error on top of the stack. An interrupt shows as an error of a script too, and is told apart
@@ -225,6 +149,7 @@ void LuaState::load(const std::string& code, const char* name) {
 
 // "@": the name is that of a file, and messages show it as one.
 void LuaState::run(std::string_view code, const std::string& name) {
+    const InterruptGrace grace;
     lua_pushcfunction(state_.get(), describeError);
     load(std::string(code), ("@" + name).c_str());
     if (lua_pcall(state_.get(), 0, 0, -2) != LUA_OK) fail();
@@ -260,6 +185,7 @@ void LuaState::forget(int function) noexcept {
 
 // Two results come back: the value, and its text or nil.
 LuaState::Value LuaState::call(int function, const std::vector<std::string>& arguments) {
+    const InterruptGrace grace;
     Call call{function, &arguments};
     lua_State* const state = state_.get();
     lua_pushcfunction(state, describeError);

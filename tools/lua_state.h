@@ -1,8 +1,9 @@
 // A Lua interpreter without the parts of its library that reach outside of it.
 //
 // Everything that can fail inside Lua runs in protected calls, so no error of a script, nor a lack of memory,
-// takes the program down; and a hook that is called every thousand instructions ends scripts when the user
-// interrupts. Code of the library itself (a long `string.find`, say) runs to its end first.
+// takes the program down; and a hook that is called for every call and every thousand instructions ends scripts
+// when the user interrupts. What runs long between two calls (a `string.find` that tries out everything, the
+// collection of weak tables) is not asked: then the program ends a little later, as by a second interrupt.
 #pragma once
 
 #include <lua.hpp>

@@ -38,6 +38,17 @@ constexpr Sample kSamples[] = {
      "\u5929\u5730\u7384\u9EC4\uFF0C\u5B87\u5B99\u6D2A\u8352\u3002\u65E5\u6708\u76C8\u6603\uFF0C\u8FB0\u5BBF"
      "\u5217\u5F20\u3002"},
     {"emoji", "well \U0001F600 done \U0001F389\U0001F389 "},
+    {"emoji_alone", "\U0001F600\U0001F389\U0001F680\U0001F431"},
+    {"emoji_prose", "Some words of a message that somebody wrote to a friend at night \U0001F600 "},
+    {"emoji_chinese", "\u5929\u5730\u7384\u9EC4\uFF0C\U0001F389\u5B87\u5B99\U0001F600"},
+    {"latin1",
+     "Gr\xF6\xDF"
+     "ere M\xE4"
+     "dchen und B\xE4ren fra\xDF"
+     "en. "},
+    {"truncated",
+     "\xE2\x82\xF0\x9F\x98"
+     "abc\xC3\u5929\xE5\xA4\u0416\U0001F600"},
     {"broken", "abc\xFF\xC3(def\xE2\x82 ghi"},
 };
 

@@ -40,7 +40,7 @@ void setSwitch(CompileOptions& options, std::string_view name, cvre_switch value
 
 cvre_compile_options checkedOptions(const cvre_compile_options* given) {
     const cvre_compile_options options = structureAt(given);
-    require(options.flags <= 0x7F, "there are no such flags");
+    require(options.flags <= 0xFF, "there are no such flags");
     checkedOffsets(options.offsets);
     for (const cvre_when when : {options.machine_code, options.automaton}) {
         checkRange(when, CVRE_NEVER);
@@ -76,7 +76,6 @@ RE_Tuning tuningFor(const cvre_compile_options& asked) {
     return tuning;
 }
 
-/// For both kinds of limits, which mean the same times.
 RE_Search_Limits::Time deadlineAfter(std::uint64_t nanoseconds) {
     const auto now = std::chrono::steady_clock::now();
     const auto wanted = std::chrono::nanoseconds(std::min<std::uint64_t>(nanoseconds, INT64_MAX));

@@ -1,8 +1,6 @@
 // Searching for C.
 #include "bindings/c/matcher.h"
 
-#include "regexp/find_all.h"
-
 #include <cstdlib>
 
 using namespace corvane_c;
@@ -29,15 +27,32 @@ cvre_status ended(RE_Search_Outcome outcome) {
     return status;
 }
 
-cvre_status goOn(cvre_matcher& handle) {
-    handle.current.reset();
-    const RE_Text_Match* const found = handle.walk->next();
-    if (found != nullptr) {
-        handle.current = *found;
-        return CVRE_OK;
-    }
+/// The status where there is no match, which is `CVRE_NO_MATCH` also after others.
+cvre_status nowhere(const cvre_matcher& handle) {
     const cvre_status status = ended(handle.walk->report().outcome);
     return status == CVRE_OK ? CVRE_NO_MATCH : status;
+}
+
+cvre_status found(cvre_matcher& handle, const RE_Text_Match* match) {
+    if (match != nullptr) {
+        handle.current = *match;
+        return CVRE_OK;
+    }
+    return nowhere(handle);
+}
+
+cvre_status goOn(cvre_matcher& handle) {
+    handle.current.reset();
+    return found(handle, handle.walk->next());
+}
+
+/// The unit at an offset. Nothing past the end, where not even an empty match is, and where the conversion was ended.
+std::optional<std::size_t> placeAt(cvre_matcher& handle, std::size_t offset) {
+    handle.current.reset();
+    const std::optional<std::size_t> unit = handle.walk->unitAt(offset);
+    const bool isPast = unit && handle.text.isWhole() &&
+                        offset > handle.text.offsetOf(handle.text.known().size(), handle.offsets);
+    return isPast ? std::nullopt : unit;
 }
 
 cvre_status tell(const std::optional<RE_Extent>& extent, std::size_t* start, std::size_t* length) {
@@ -85,11 +100,13 @@ cvre_status cvre_matcher_use(cvre_matcher* matcher, cvre_text subject, cvre_offs
         const RE_Offsets counted = checkedOffsets(offsets);
         const RE_Search_Limits allowed = limitsOf(limits);
         handle.current.reset();
-        handle.walk.reset();
         handle.text.use(encoding, subject.data, subject.bytes);
         handle.offsets = counted;
-        handle.limits = allowed;
-        handle.walk.emplace(*handle.compiled->tree, handle.text, counted, 0, allowed);
+        if (handle.walk.has_value()) {
+            handle.walk->beginAnew(counted, allowed);
+        } else {
+            handle.walk.emplace(*handle.compiled->tree, handle.text, counted, 0, allowed);
+        }
         return CVRE_OK;
     });
 }
@@ -101,14 +118,11 @@ cvre_status cvre_matcher_next(cvre_matcher* matcher) {
 cvre_status cvre_matcher_find(cvre_matcher* matcher, size_t offset) {
     return guarded([&]() -> cvre_status {
         cvre_matcher& handle = searching(matcher);
-        handle.current.reset();
-        const std::size_t unit = handle.text.unitOf(offset, handle.offsets);
-        // Past the end there is nothing, not even an empty match.
-        if (handle.text.isWhole() &&
-            offset > handle.text.offsetOf(handle.text.known().size(), handle.offsets)) {
-            return CVRE_NO_MATCH;
+        const std::optional<std::size_t> unit = placeAt(handle, offset);
+        if (!unit) {
+            return nowhere(handle);
         }
-        handle.walk->goTo(unit);
+        handle.walk->goTo(*unit);
         return goOn(handle);
     });
 }
@@ -116,23 +130,11 @@ cvre_status cvre_matcher_find(cvre_matcher* matcher, size_t offset) {
 cvre_status cvre_matcher_match_at(cvre_matcher* matcher, size_t offset) {
     return guarded([&]() -> cvre_status {
         cvre_matcher& handle = searching(matcher);
-        handle.current.reset();
-        const RE_Tree& tree = *handle.compiled->tree;
-        const RE_Search_Outcome outcome =
-            handle.text.convert(RE_Text::all, handle.limits, tree.isInterruptible());
-        if (outcome != RE_Search_Outcome::noMatch) {
-            return ended(outcome);
+        const std::optional<std::size_t> unit = placeAt(handle, offset);
+        if (!unit) {
+            return nowhere(handle);
         }
-        const std::u16string_view units = handle.text.known();
-        if (offset > handle.text.offsetOf(units.size(), handle.offsets)) {
-            return CVRE_NO_MATCH;
-        }
-        handle.matchedAt = tree.match_at(units, handle.text.unitOf(offset, handle.offsets));
-        if (handle.matchedAt == nullptr) {
-            return CVRE_NO_MATCH;
-        }
-        handle.current.emplace(handle.text, handle.offsets, handle.matchedAt.get());
-        return CVRE_OK;
+        return found(handle, handle.walk->matchAt(*unit));
     });
 }
 

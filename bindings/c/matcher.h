@@ -18,8 +18,6 @@ struct cvre_matcher {
     std::shared_ptr<corvane_c::Compiled> compiled;
     RE_Text text;
     RE_Offsets offsets = RE_Offsets::bytes;
-    RE_Search_Limits limits;
     std::optional<RE_Text_Matches> walk;  ///< null while there is no subject, and in a view
     std::optional<RE_Text_Match> current;
-    std::unique_ptr<RE_Results> matchedAt;  ///< what `current` refers to after cvre_matcher_match_at
 };

@@ -8,7 +8,8 @@
 //     }
 #pragma once
 
-#include <chrono>
+#include "regexp/base/outside_limits.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <stop_token>
@@ -26,9 +27,9 @@ enum class RE_Compile_Outcome {
 
 /// All limits are off at first. A text that passes one is refused as a whole: nothing is compiled in part.
 struct RE_Compile_Limits {
-    using Time = std::chrono::steady_clock::time_point;
-    static constexpr std::uint64_t unlimited = static_cast<std::uint64_t>(-1);
-    static constexpr Time noDeadline = Time::max();
+    using Time = RE_Outside_Limits::Time;
+    static constexpr std::uint64_t unlimited = RE_Outside_Limits::unlimited;
+    static constexpr Time noDeadline = RE_Outside_Limits::noDeadline;
 
     /// Code units of the text.
     std::uint64_t units = unlimited;
@@ -44,6 +45,19 @@ struct RE_Compile_Limits {
     std::stop_token stop = {};
     /// Compiling does not go on once this time has come.
     Time deadline = noDeadline;
+
+    /// Why compiling must not go on, for reasons that are not its own work; `compiled` when it may.
+    RE_Compile_Outcome askOutside() const {
+        switch (RE_Outside_Limits::ask(stop, deadline)) {
+            case RE_Outside_Limits::Verdict::cancelled:
+                return RE_Compile_Outcome::cancelled;
+            case RE_Outside_Limits::Verdict::late:
+                return RE_Compile_Outcome::deadlinePassed;
+            case RE_Outside_Limits::Verdict::goOn:
+                break;
+        }
+        return RE_Compile_Outcome::compiled;
+    }
 };
 
 struct RE_Compile_Report {

@@ -48,12 +48,11 @@ RE_Compile_Outcome RE_Compile_Meter::askAll() {
     if (pollsHost && utInterruptState::IsInterruptPending()) {
         return RE_Compile_Outcome::interrupted;
     }
-    if (limits != nullptr && limits->stop.stop_requested()) {
-        return RE_Compile_Outcome::cancelled;
-    }
-    if (limits != nullptr && limits->deadline != RE_Compile_Limits::noDeadline &&
-        std::chrono::steady_clock::now() >= limits->deadline) {
-        return RE_Compile_Outcome::deadlinePassed;
+    if (limits != nullptr) {
+        const RE_Compile_Outcome outcome = limits->askOutside();
+        if (outcome != RE_Compile_Outcome::compiled) {
+            return outcome;
+        }
     }
     if (monitor == nullptr) {
         return RE_Compile_Outcome::compiled;

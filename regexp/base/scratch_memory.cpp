@@ -11,13 +11,9 @@ RE_Scratch_Memory::~RE_Scratch_Memory() {
     }
 }
 
-// Continues in a new chunk. What is left of the one before is lost, as blocks of any size have to fit.
-void* RE_Scratch_Memory::takeAnew(std::size_t bytes) {
-    if (bytes > largest) {
-        return reAllocate(bytes);
-    }
+// What is left of the chunk before is lost, as blocks of any size have to fit.
+void RE_Scratch_Memory::addChunk() {
     newest = ::new (reAllocate(chunkBytes)) Chunk{newest};
     next = reinterpret_cast<std::byte*>(newest + 1);
     end = reinterpret_cast<std::byte*>(newest) + chunkBytes;
-    return std::exchange(next, next + inGrains(bytes));
 }

@@ -6,6 +6,7 @@
 
 #include "regexp/base/memory.h"
 
+#include <array>
 #include <cstddef>
 #include <functional>
 #include <memory_resource>
@@ -17,9 +18,9 @@
 /// Lays blocks out one after another, first within itself, then within chunks from the host that are released
 /// with it.
 ///
-/// Only the block on top is used again when it is released; others stay until the end. So a list that grows
-/// while others are made leaves its old blocks unused: reserve where the size is known. Large blocks come
-/// from the host and return to it. Not synchronised, and not to be moved: blocks lie within the object.
+/// The block on top becomes room again when it is released; others are kept by their sizes for those who take as much: what a
+/// list leaves while it grows and others are made on top of it is not lost. Large blocks come from the host and return to it.
+/// Not synchronised, and not to be moved: blocks lie within the object.
 class CORVANE_REGEXP_EXPORT RE_Scratch_Memory final : public std::pmr::memory_resource {
 public:
     RE_Scratch_Memory() = default;
@@ -29,8 +30,14 @@ public:
 
     void* take(std::size_t bytes) {
         const std::size_t taken = inGrains(bytes);
-        if (bytes > largest || static_cast<std::size_t>(end - next) < taken) {
-            return takeAnew(bytes);
+        if (bytes > largest) {
+            return reAllocate(bytes);
+        }
+        if (Block*& list = released[taken / grain]; list != nullptr) {
+            return std::exchange(list, list->following);
+        }
+        if (static_cast<std::size_t>(end - next) < taken) {
+            addChunk();
         }
         return std::exchange(next, next + taken);
     }
@@ -40,6 +47,9 @@ public:
             reRelease(block, bytes);
         } else if (static_cast<std::byte*>(block) + inGrains(bytes) == next) {
             next = static_cast<std::byte*>(block);
+        } else if (bytes != 0) {
+            Block*& list = released[inGrains(bytes) / grain];
+            list = ::new (block) Block{list};
         }
     }
 
@@ -55,8 +65,12 @@ private:
         Chunk* before;
     };
 
+    struct Block {
+        Block* following;
+    };
+
     static std::size_t inGrains(std::size_t bytes) { return (bytes + grain - 1) / grain * grain; }
-    void* takeAnew(std::size_t bytes);
+    void addChunk();
     void* do_allocate(std::size_t bytes, std::size_t) override { return take(bytes); }
     void do_deallocate(void* block, std::size_t bytes, std::size_t) override { giveBack(block, bytes); }
     bool do_is_equal(const std::pmr::memory_resource& other) const noexcept override {
@@ -66,6 +80,7 @@ private:
     std::byte* next = own;
     std::byte* end = own + ownBytes;
     Chunk* newest = nullptr;
+    std::array<Block*, largest / grain + 1> released{};  ///< by size in grains
     alignas(std::max_align_t) std::byte own[ownBytes];
 };
 

@@ -8,16 +8,16 @@
 //     }
 #pragma once
 
+#include "regexp/base/outside_limits.h"
 #include "regexp/base/search_report.h"
 
-#include <chrono>
 #include <cstdint>
 #include <stop_token>
 
 struct RE_Search_Limits {
-    using Time = std::chrono::steady_clock::time_point;
-    static constexpr std::uint64_t unlimited = static_cast<std::uint64_t>(-1);
-    static constexpr Time noDeadline = Time::max();
+    using Time = RE_Outside_Limits::Time;
+    static constexpr std::uint64_t unlimited = RE_Outside_Limits::unlimited;
+    static constexpr Time noDeadline = RE_Outside_Limits::noDeadline;
 
     /// A step is one node of the pattern visited, one end of a run tried or 64 units scanned, and is counted
     /// alike on every machine and in every build. One visit may pass the budget by the steps of its scan,
@@ -34,13 +34,19 @@ struct RE_Search_Limits {
     Time deadline = noDeadline;
 
     /// Whether something other than its own work can end the search.
-    bool mayEndFromOutside() const { return stop.stop_possible() || deadline != noDeadline; }
+    bool mayEndFromOutside() const { return RE_Outside_Limits::mayEnd(stop, deadline); }
+    /// Whether there are any limits.
+    bool areAny() const { return steps != unlimited || bytes != unlimited || mayEndFromOutside(); }
     /// Why a search must not go on, for reasons that are not its own work; `noMatch` when it may.
     RE_Search_Outcome askOutside() const {
-        if (stop.stop_requested()) {
-            return RE_Search_Outcome::cancelled;
+        switch (RE_Outside_Limits::ask(stop, deadline)) {
+            case RE_Outside_Limits::Verdict::cancelled:
+                return RE_Search_Outcome::cancelled;
+            case RE_Outside_Limits::Verdict::late:
+                return RE_Search_Outcome::deadlinePassed;
+            case RE_Outside_Limits::Verdict::goOn:
+                break;
         }
-        const bool isLate = deadline != noDeadline && std::chrono::steady_clock::now() >= deadline;
-        return isLate ? RE_Search_Outcome::deadlinePassed : RE_Search_Outcome::noMatch;
+        return RE_Search_Outcome::noMatch;
     }
 };

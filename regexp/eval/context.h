@@ -41,6 +41,7 @@ public:
     RE_Context();
     /// Uses these options, which must outlive the context.
     explicit RE_Context(const Corvane::regexp::CompileOptions& compileOptions) : options(&compileOptions) {}
+    explicit RE_Context(const Corvane::regexp::CompileOptions&& temporary) = delete;
     /// A copy shares the options, which stay the property of whoever made them.
     RE_Context(const RE_Context& other) : RE_Memory(), options(other.options) {}
     RE_Context& operator=(const RE_Context&) = default;

@@ -146,26 +146,26 @@ public:
     /// Computes this node's lengths from those of its successors.
     virtual void combineLengths();
 
-    bool skippable = false;     ///< does nothing at match time and may be bypassed
-    bool sharedTarget = false;  ///< has more than one predecessor
+    // In an order without gaps: patterns have many nodes.
     RE_Class_Bits classes = 0;  ///< of `RE_Node_Classes`; set by whoever makes the node, once it is made
     std::uint64_t nodeId;       ///< serial number within the pattern, from 1
     RE_Node* nextNode = nullptr;
-    bool visited = false;         ///< mark of the walk that runs while the pattern is compiled or destroyed
-    bool maxBounded = true;       ///< `maxLength` is finite
     std::uint64_t minLength = 0;  ///< least number of units from here to the end of the branch
     std::uint64_t maxLength = 0;  ///< greatest such number; `unboundedLength` when there is none
-
+    const RE_Memo_Scope* memoScope = nullptr;
+    std::uint32_t memoIndex = 0;
     std::uint32_t walk =
         0;  ///< the last walk of a pass that came here, and what it noted: `RE_Graph_Context::nextWalk`
     std::uint32_t walkNote = 0;
     RE_Node_Kind kind = RE_Node_Kind::other;
-    bool isCounter = false;    ///< popping a record of this node undoes something
-    bool memoised = false;     ///< choices of this node are told to the memo
-    bool reuseRecord = false;  ///< overwrites its earlier record instead of stacking a new one
-    bool guarded = false;      ///< made by the parser, which guards empty passes by nodes of their own
-    std::uint32_t memoIndex = 0;
-    const RE_Memo_Scope* memoScope = nullptr;
+    bool skippable = false;     ///< does nothing at match time and may be bypassed
+    bool sharedTarget = false;  ///< has more than one predecessor
+    bool visited = false;       ///< mark of the walk that runs while the pattern is compiled or destroyed
+    bool maxBounded = true;     ///< `maxLength` is finite
+    bool isCounter = false;     ///< popping a record of this node undoes something
+    bool memoised = false;      ///< choices of this node are told to the memo
+    bool reuseRecord = false;   ///< overwrites its earlier record instead of stacking a new one
+    bool guarded = false;       ///< made by the parser, which guards empty passes by nodes of their own
 };
 
 /// The node as one of this class, or null when it is none. Null for null, too.

@@ -19,10 +19,10 @@ bool RE_Node_Store::Chunk::holds(const RE_Node* node) const {
     return !before(node, this) && before(node, reinterpret_cast<const std::byte*>(this) + bytes);
 }
 
-// Each chunk is half as large as all before it together, within bounds, so that at most a third is left over
-// however many nodes there are, and small patterns take one small chunk.
+// Each chunk is a quarter as large as all before it together, within bounds, so that at most a fifth is left over
+// however many nodes there are, and small patterns take small chunks.
 void RE_Node_Store::addChunk(std::size_t leastBytes) {
-    const std::size_t bytes = std::max(std::clamp(total / 2 / grain * grain, smallestChunk, largestChunk),
+    const std::size_t bytes = std::max(std::clamp(total / 4 / grain * grain, smallestChunk, largestChunk),
                                        leastBytes + sizeof(Chunk));
     Chunk* const chunk = ::new (reAllocate(bytes)) Chunk{nullptr, bytes};
     *link = chunk;

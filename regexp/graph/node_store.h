@@ -35,7 +35,7 @@ public:
 
 private:
     static constexpr std::size_t grain = alignof(std::max_align_t);
-    static constexpr std::size_t smallestChunk = 1024;
+    static constexpr std::size_t smallestChunk = 512;
     static constexpr std::size_t largestChunk = 32768;
 
     struct alignas(std::max_align_t) Chunk {

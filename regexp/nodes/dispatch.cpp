@@ -166,10 +166,17 @@ RE_Dispatch::RE_Dispatch(RE_Graph_Context& context, Branches branches) : RE_Node
         ways.push_back(branch.node);
     }
     Way_Lists lists(lastOfList, &context.scratch);
+    Places first{};
     if (paysByBits(branches)) {
-        placeByBits(branches, lists, firstPlace);
+        placeByBits(branches, lists, first);
     } else {
-        placeByColumns(branches, lists, firstPlace);
+        placeByColumns(branches, lists, first);
+    }
+    std::transform(first.begin(), first.end(), firstPlace.begin(), [](std::uint32_t place) {
+        return static_cast<std::uint8_t>(std::min<std::uint32_t>(place, isFar));
+    });
+    if (lists.all().size() > isFar) {
+        farPlaces.assign(first.begin(), first.end());
     }
     places.assign(lists.all().begin(), lists.all().end());
 }

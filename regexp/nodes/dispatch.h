@@ -75,7 +75,7 @@ public:
     const RE_Node* choose(const char16_t* p, RE_Search_Info& info) const {
         const std::size_t column =
             info.atEnd(p) ? RE_Branch_Start::atEnd : std::min<std::size_t>(*p, RE_Branch_Start::others);
-        const std::uint32_t place = firstPlace[column];
+        const std::uint32_t place = placeOf(column);
         if (place == nowhere || (memoised && !info.firstVisit(this, p))) {
             return nullptr;
         }
@@ -90,7 +90,7 @@ public:
                                   : std::min<std::size_t>(*p, RE_Branch_Start::others));
     }
     std::size_t onlyWayOf(std::size_t column) const {
-        const std::uint32_t place = firstPlace[column];
+        const std::uint32_t place = placeOf(column);
         if (place == nowhere) {
             return noWay;
         }
@@ -127,5 +127,13 @@ private:
     /// and one more when the list ends with it. The first entry belongs to no list, so that 0 may say
     /// `nowhere`.
     std::vector<std::uint32_t, RE_Allocator<std::uint32_t>> places;
-    std::array<std::uint32_t, RE_Branch_Start::columns> firstPlace{};
+    /// By columns. Nearly all dispatches have few places, and patterns may have many dispatches: so it is a byte, or else the
+    /// place is in `farPlaces`.
+    static constexpr std::uint8_t isFar = 255;
+    std::uint32_t placeOf(std::size_t column) const {
+        const std::uint8_t place = firstPlace[column];
+        return place != isFar ? place : farPlaces[column];
+    }
+    std::array<std::uint8_t, RE_Branch_Start::columns> firstPlace;
+    std::vector<std::uint32_t, RE_Allocator<std::uint32_t>> farPlaces;  ///< empty where none is far
 };

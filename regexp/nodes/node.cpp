@@ -12,9 +12,9 @@ RE_Node::RE_Node(RE_Graph_Context& context) : nodeId(context.nextNodeId()) {}
 RE_Node::RE_Node(RE_Graph_Context& context, const RE_Node& other)
     : nodeId(context.nextNodeId()),
       nextNode(other.nextNode),
-      maxBounded(other.maxBounded),
       minLength(other.minLength),
-      maxLength(other.maxLength) {}
+      maxLength(other.maxLength),
+      maxBounded(other.maxBounded) {}
 
 RE_Node::RE_Node(RE_Graph_Context& context, RE_Node& predecessor, RE_Node* successor)
     : nodeId(context.nextNodeId()), nextNode(successor) {

@@ -10,6 +10,15 @@
 #include <algorithm>
 #include <string_view>
 
+std::unique_ptr<const char16_t[]> reTerminatedCopy(const std::u16string& text) {
+    if (text.empty()) {
+        return nullptr;
+    }
+    auto copy = std::make_unique<char16_t[]>(text.size() + 1);
+    std::copy(text.begin(), text.end(), copy.get());
+    return copy;
+}
+
 // A token node only brackets what follows, so a seek looks through it; through one only, since groups may
 // nest deeply.
 bool RE_Token::canSeek(bool referencedOutside) const {

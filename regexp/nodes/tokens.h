@@ -10,6 +10,7 @@
 #include "regexp/seek/literal_search.h"
 #include "regexp/state/search_info.h"
 
+#include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_set>
@@ -32,6 +33,9 @@ private:
     std::unordered_set<std::u16string_view> known;
 };
 
+/// The text and a zero after it; null for the empty one.
+std::unique_ptr<const char16_t[]> reTerminatedCopy(const std::u16string& text);
+
 /// Base of the two nodes that bracket a capture group. They match everywhere and consume nothing, so a seek
 /// may look through them to what is bracketed.
 class CORVANE_REGEXP_EXPORT RE_Token : public RE_Node {
@@ -40,8 +44,8 @@ public:
     RE_Token(RE_Graph_Context& context, std::size_t tokenNumber, const std::u16string& tokenName)
         : RE_Node(context),
           number(tokenNumber),
-          nameText(tokenName),
-          name(nameText.empty() ? nullptr : nameText.c_str()) {}
+          nameText(reTerminatedCopy(tokenName)),
+          name(nameText.get()) {}
 
     bool canSeek(bool referencedOutside) const override;
     const char16_t* seek(const char16_t* p, RE_Search_Info& info) const override;
@@ -53,7 +57,7 @@ public:
     std::size_t number;       ///< slot in the token store, from 0
 
 private:
-    std::u16string nameText;
+    std::unique_ptr<const char16_t[]> nameText;  // most tokens have none, so a pointer is all it takes
 
 public:
     const char16_t* name;  ///< zero-terminated, or null
@@ -97,8 +101,8 @@ public:
     RE_Token_Fail(RE_Graph_Context& context, std::size_t tokenNumber, const std::u16string& tokenName)
         : RE_Fail(context),
           number(tokenNumber),
-          nameText(tokenName),
-          name(nameText.empty() ? nullptr : nameText.c_str()) {}
+          nameText(reTerminatedCopy(tokenName)),
+          name(nameText.get()) {}
 
     /// A reader by name has no number that counts; its token is met by itself, if it is there at all.
     void visitNumbers(RE_Number_Visitor& visitor) const override {
@@ -116,7 +120,7 @@ protected:
     std::string which() const;
 
 private:
-    std::u16string nameText;
+    std::unique_ptr<const char16_t[]> nameText;  // most tokens have none, so a pointer is all it takes
 
 public:
     const char16_t* name;

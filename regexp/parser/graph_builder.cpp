@@ -2,7 +2,7 @@
 // their own.
 #include "regexp/parser/graph_builder.h"
 
-#include "regexp/base/line_subjects.h"
+#include "regexp/base/flags.h"
 #include "regexp/base/within_size.h"
 #include "regexp/nodes/anchors.h"
 #include "regexp/nodes/dynamic.h"

@@ -1,7 +1,7 @@
 // Bracket expressions. A set, negated or not, is one exact test of a unit: members are folded first, where
 // case does not count, and the union is negated after that. So `[^a]` ignoring case matches neither `a` nor
 // `A`.
-#include "regexp/base/line_subjects.h"
+#include "regexp/base/flags.h"
 #include "regexp/nodes/label_text.h"
 #include "regexp/parser/escapes.h"
 #include "regexp/parser/grammar.h"

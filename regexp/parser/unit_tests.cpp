@@ -2,7 +2,7 @@
 #include "regexp/parser/unit_tests.h"
 
 #include "host/unit_class.h"
-#include "regexp/base/line_subjects.h"
+#include "regexp/base/flags.h"
 
 #include <algorithm>
 #include <utility>

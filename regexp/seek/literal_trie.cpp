@@ -146,12 +146,13 @@ RE_Literal_Trie::Branch RE_Literal_Trie::growNode(Branch branch, const Order& so
 // For units of the subject below 128 the way from the root is one look-up, in all the forms that fold to a
 // child.
 void RE_Literal_Trie::fillTable() {
-    roots.fill(none);
+    roots.fill(noRoot);
     const Node& root = nodes[0];
     for (std::uint32_t i = root.firstChild; i < root.firstChild + root.children; ++i) {
-        const auto put = [this, i](char16_t unit) {
+        const auto number = static_cast<std::uint8_t>(std::min<std::uint32_t>(i - root.firstChild, farRoot));
+        const auto put = [this, number](char16_t unit) {
             if (unit < tableUnits) {
-                roots[unit] = i;
+                roots[unit] = number;
             }
         };
         if (cases != nullptr) {
@@ -173,7 +174,11 @@ std::uint32_t RE_Literal_Trie::child(const Node& node, char16_t unit) const {
 
 // The table knows all forms of a unit; beyond it the unit is folded first.
 std::uint32_t RE_Literal_Trie::branchAt(char16_t unit) const {
-    return unit < tableUnits ? roots[unit] : child(nodes[0], cases != nullptr ? cases->lower(unit) : unit);
+    const std::uint8_t number = unit < tableUnits ? roots[unit] : farRoot;
+    if (number == farRoot) {
+        return child(nodes[0], cases != nullptr ? cases->lower(unit) : unit);
+    }
+    return number != noRoot ? nodes[0].firstChild + number : none;
 }
 
 // Whether the rest of the node's units is at `p`. Its first unit was compared on the way to it.

@@ -100,7 +100,10 @@ private:
     std::vector<std::uint32_t, RE_Allocator<std::uint32_t>> starts;
     std::vector<Node, RE_Allocator<Node>> nodes;          // the root is the first
     std::vector<char16_t, RE_Allocator<char16_t>> leads;  // the first unit of each node
-    std::array<std::uint32_t, tableUnits> roots;          // the children of the root, by the subject's unit
+    // The children of the root by the subject's unit, as their numbers among them, or one of these two.
+    static constexpr std::uint8_t noRoot = 255;
+    static constexpr std::uint8_t farRoot = 254;  // it has to be looked up
+    std::array<std::uint8_t, tableUnits> roots;
     std::size_t least = 0;
     std::size_t greatest = 0;
 };

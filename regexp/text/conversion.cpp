@@ -19,10 +19,8 @@ constexpr bool isCharacter(std::uint32_t value) {
     return value < 0x110000 && (value & 0xFFFFF800) != 0xD800;
 }
 
-/// So many pieces are converted one by one where a vector was refused, which is about as many as it would have been tried
-/// with; and so many at most where the vectors are refused again and again.
+/// So many pieces are converted one by one where vectors do not go on.
 constexpr std::ptrdiff_t kCarefulPieces = 16;
-constexpr std::ptrdiff_t kMostCarefulPieces = 256;
 
 /// Characters from `from` on that begin before `enough`. None when there is no room, or the rest is cut.
 RE_Conversion decodeCarefully(const std::uint8_t* from, const std::uint8_t* enough, const std::uint8_t* end,
@@ -37,27 +35,6 @@ RE_Conversion decodeCarefully(const std::uint8_t* from, const std::uint8_t* enou
         p += next.length;
         to += units;
         done.add({next.length, units, units - 1});
-    }
-    return done;
-}
-
-RE_Conversion fromUtf8(const std::uint8_t* from, const std::uint8_t* end, bool isLast, char16_t* to,
-                       char16_t* toEnd) {
-    RE_Conversion done;
-    const std::uint8_t* const asciiEnd = from + std::min(end - from, toEnd - to);
-    done.read = done.written = reWidenAscii(from, asciiEnd, to);
-    std::ptrdiff_t pieces = kCarefulPieces;
-    while (from + done.read < end) {
-        const RE_Conversion easy = reDecodeUtf8Bmp(from + done.read, end, to + done.written, toEnd);
-        done.add(easy);
-        pieces = easy.read != 0 ? kCarefulPieces : std::min(2 * pieces, kMostCarefulPieces);
-        const std::uint8_t* const p = from + done.read;
-        const RE_Conversion careful =
-            decodeCarefully(p, p + std::min(pieces, end - p), end, isLast, to + done.written, toEnd);
-        if (careful.read == 0) {
-            break;
-        }
-        done.add(careful);
     }
     return done;
 }
@@ -188,13 +165,34 @@ RE_Conversion toUtf32(const char16_t* from, const char16_t* end, bool isLast, ch
 
 }  // namespace
 
+RE_Conversion reUtf8ToUtf16(const std::uint8_t* from, const std::uint8_t* goal, const std::uint8_t* end,
+                            bool isLast, char16_t* to, char16_t* toEnd) {
+    RE_Conversion done;
+    const std::uint8_t* const asciiEnd = from + std::min(goal - from, toEnd - to);
+    done.read = done.written = reWidenAscii(from, asciiEnd, to);
+    while (from + done.read < goal) {
+        done.add(reDecodeUtf8(from + done.read, goal, end, to + done.written, toEnd));
+        const std::uint8_t* const p = from + done.read;
+        if (p >= goal) {
+            break;
+        }
+        const RE_Conversion careful =
+            decodeCarefully(p, p + std::min(kCarefulPieces, goal - p), end, isLast, to + done.written, toEnd);
+        if (careful.read == 0) {
+            break;
+        }
+        done.add(careful);
+    }
+    return done;
+}
+
 RE_Conversion reToUtf16(RE_Encoding encoding, const void* from, const void* end, bool isLast, char16_t* to,
                         char16_t* toEnd) {
     const auto* const bytes = static_cast<const std::uint8_t*>(from);
     const auto* const bytesEnd = static_cast<const std::uint8_t*>(end);
     switch (encoding) {
         case RE_Encoding::utf8:
-            return fromUtf8(bytes, bytesEnd, isLast, to, toEnd);
+            return reUtf8ToUtf16(bytes, bytesEnd, bytesEnd, isLast, to, toEnd);
         case RE_Encoding::latin1: {
             const std::size_t count = least(bytes, bytesEnd, to, toEnd);
             reWidenLatin1(bytes, bytes + count, to);

@@ -62,6 +62,9 @@ private:
 
     std::vector<RE_Text_Place, RE_Allocator<RE_Text_Place>> starts;  ///< of stretches, ascending
     RE_Text_Place last;
-    mutable RE_Text_Place found;      ///< where the last lookup ended
-    mutable std::size_t foundIn = 0;  ///< the number of its stretch
+    static constexpr std::size_t none = static_cast<std::size_t>(-1);
+    mutable RE_Text_Place found;         ///< where the last lookup ended
+    mutable std::size_t foundIn = none;  ///< the number of its stretch
+    mutable bool foundIsPlain =
+        false;  ///< the stretch, which is UTF-8, can be counted by its bytes: `isPlainUtf8`
 };

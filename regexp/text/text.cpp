@@ -3,6 +3,7 @@
 
 #include "host/interrupt.h"
 #include "regexp/text/conversion.h"
+#include "regexp/text/conversion_kernels.h"
 
 #include <algorithm>
 #include <cstring>
@@ -12,6 +13,12 @@ namespace {
 
 bool isAlignedTo(const void* p, std::size_t bytes) {
     return reinterpret_cast<std::uintptr_t>(p) % bytes == 0;
+}
+
+/// Why a conversion must not go on; `noMatch` when it may.
+RE_Search_Outcome askToStop(const RE_Search_Limits& limits, bool interruptible) {
+    const bool isInterrupted = interruptible && utInterruptState::IsInterruptPending();
+    return isInterrupted ? RE_Search_Outcome::interrupted : limits.askOutside();
 }
 
 /// Units that so many pieces may become.
@@ -47,10 +54,7 @@ std::uint64_t RE_Text::memoryUse() const {
 
 RE_Search_Outcome RE_Text::convert(std::size_t wanted, const RE_Search_Limits& limits, bool interruptible) {
     while (!isWhole() && index.end().unit < wanted) {
-        if (interruptible && utInterruptState::IsInterruptPending()) {
-            return RE_Search_Outcome::interrupted;
-        }
-        if (const RE_Search_Outcome outcome = limits.askOutside(); outcome != RE_Search_Outcome::noMatch) {
+        if (const auto outcome = askToStop(limits, interruptible); outcome != RE_Search_Outcome::noMatch) {
             return outcome;
         }
         const std::size_t left = pieces - index.end().piece;
@@ -100,10 +104,7 @@ bool RE_Text::makeRoom(std::size_t wanted, std::uint64_t ceiling) {
 void RE_Text::convertBlock(std::size_t mostPieces) {
     const std::size_t goal = index.end().piece + mostPieces;
     while (index.end().piece < goal) {
-        const std::size_t left = goal - index.end().piece;
-        const bool needsNone = from == RE_Encoding::latin1 || from == RE_Encoding::utf16;  // no checkpoints
-        const RE_Conversion done =
-            convertStretch(needsNone ? left : std::min(left, RE_Offset_Index::mostPieces));
+        const RE_Conversion done = convertStretch(goal - index.end().piece);
         if (done.read == 0) {
             return;
         }
@@ -111,22 +112,38 @@ void RE_Text::convertBlock(std::size_t mostPieces) {
     }
 }
 
-// A sequence of UTF-8 that the stretch cuts is left to the next one, which begins with it; the last stretch has none after
-// it. Pieces that are not aligned are copied to where they are.
+// Pieces that are not aligned are copied to where they are.
 RE_Conversion RE_Text::convertStretch(std::size_t mostPieces) {
+    if (from == RE_Encoding::utf8) {
+        return convertUtf8(mostPieces);
+    }
     const std::size_t bytesEach = reUnitBytes(from);
     const std::byte* data = source.data() + index.end().piece * bytesEach;
-    const std::size_t left = pieces - index.end().piece;
+    const bool needsCheckpoints = from == RE_Encoding::utf32;
+    std::size_t taken = needsCheckpoints ? std::min(mostPieces, RE_Offset_Index::mostPieces) : mostPieces;
     alignas(4) std::byte copy[RE_Offset_Index::mostPieces * sizeof(char32_t)];
-    // Four bytes decide any sequence; a stretch that is shorter is the last one, or takes some of those after it.
-    std::size_t taken = std::min(left, std::max<std::size_t>(mostPieces, 4));
     if (!isAlignedTo(data, bytesEach)) {
         taken = std::min(taken, RE_Offset_Index::mostPieces);
         std::memcpy(copy, data, taken * bytesEach);
         data = copy;
     }
-    return reToUtf16(from, data, data + taken * bytesEach, taken == left, buffer + index.end().unit,
+    return reToUtf16(from, data, data + taken * bytesEach, true, buffer + index.end().unit,
                      buffer + capacity);
+}
+
+// ASCII is one stretch however long it is. Others end at a boundary of characters that may lie a little after where they
+// were to: so nothing is cut, and vectors do not stop before it.
+RE_Conversion RE_Text::convertUtf8(std::size_t mostPieces) {
+    const auto* const p = reinterpret_cast<const std::uint8_t*>(source.data()) + index.end().piece;
+    const auto* const end = reinterpret_cast<const std::uint8_t*>(source.data()) + pieces;
+    char16_t* const to = buffer + index.end().unit;
+    const std::size_t ascii = reWidenAscii(p, p + mostPieces, to);
+    RE_Conversion done{ascii, ascii, 0};
+    const std::size_t goal = std::min(mostPieces, RE_Offset_Index::mostPieces - reMostPastGoal);
+    if (ascii < goal) {
+        done.add(reUtf8ToUtf16(p + ascii, p + goal, end, true, to + ascii, buffer + capacity));
+    }
+    return done;
 }
 
 // --- places ---
@@ -175,22 +192,51 @@ std::size_t RE_Text::offsetPast(std::size_t unit, RE_Offsets what) {
     return counted(place.unit < unit ? RE_Offset_Index::next(place, from, source) : place, what);
 }
 
+namespace {
+
+constexpr RE_Offset_Index::Count memberFor(RE_Offsets what) {
+    switch (what) {
+        case RE_Offsets::units:
+            return &RE_Text_Place::unit;
+        case RE_Offsets::bytes:
+            return &RE_Text_Place::piece;
+        case RE_Offsets::characters:
+            break;
+    }
+    return &RE_Text_Place::character;
+}
+
+}  // namespace
+
+// How many units precede the offset is not known before they are there: a quarter of what is missing is never too much.
+RE_Search_Outcome RE_Text::convertTo(std::size_t offset, RE_Offsets what, const RE_Search_Limits& limits,
+                                     bool interruptible) {
+    const RE_Offset_Index::Count count = memberFor(what);
+    const std::size_t value = countOf(offset, what);
+    RE_Search_Outcome outcome = RE_Search_Outcome::noMatch;
+    while (outcome == RE_Search_Outcome::noMatch && !isWhole() && index.end().*count <= value) {
+        outcome = convert(index.end().unit + (value - index.end().*count) / 4 + 1, limits, interruptible);
+    }
+    const bool countsPairs = from == RE_Encoding::utf16 && what == RE_Offsets::characters;
+    while (countsPairs && outcome == RE_Search_Outcome::noMatch && ofUnits.end().character <= value &&
+           ofUnits.end().unit < pieces) {
+        outcome = askToStop(limits, interruptible);
+        if (outcome == RE_Search_Outcome::noMatch) {
+            indexUnits(std::min(pieces, ofUnits.end().unit + piecesBetweenPolls));
+        }
+    }
+    return outcome;
+}
+
 std::size_t RE_Text::unitOf(std::size_t offset, RE_Offsets what) {
     if (from == RE_Encoding::utf16 && what != RE_Offsets::characters) {
         return std::min(pieces, what == RE_Offsets::units ? offset : offset / sizeof(char16_t));
     }
-    const auto count = what == RE_Offsets::units   ? &RE_Text_Place::unit
-                       : what == RE_Offsets::bytes ? &RE_Text_Place::piece
-                                                   : &RE_Text_Place::character;
-    const std::size_t value = what == RE_Offsets::bytes ? offset / reUnitBytes(from) : offset;
+    const RE_Offset_Index::Count count = memberFor(what);
+    const std::size_t value = countOf(offset, what);
+    convertTo(offset, what, {}, false);
     if (from == RE_Encoding::utf16) {
-        while (ofUnits.end().character <= value && ofUnits.end().unit < pieces) {
-            indexUnits(ofUnits.end().unit);
-        }
         return ofUnits.at(count, value, from, source).unit;
-    }
-    while (!isWhole() && index.end().*count <= value) {
-        convert(index.end().unit + 1);
     }
     return what == RE_Offsets::units ? std::min(value, index.end().unit)
                                      : index.at(count, value, from, source).unit;

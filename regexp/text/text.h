@@ -88,13 +88,18 @@ public:
     /// The unit at which the character begins that holds this offset. Converts what precedes it, without limits; an offset
     /// past the end is at the end.
     std::size_t unitOf(std::size_t offset, RE_Offsets counted);
+    /// Converts what precedes this offset, so that `unitOf` has nothing left to convert. Limits and result are those of
+    /// `convert`.
+    RE_Search_Outcome convertTo(std::size_t offset, RE_Offsets counted, const RE_Search_Limits& limits,
+                                bool interruptible);
     /// The source of units, with whole characters at both ends.
     std::span<const std::byte> bytesOf(std::size_t unit, std::size_t length);
 
 private:
     static constexpr std::size_t firstUnits = 16384;  ///< converted at once, to begin with
     static constexpr std::size_t piecesBetweenPolls = 65536;
-    static constexpr std::size_t slack = 64;  ///< units that vectors may need after the last
+    static constexpr std::size_t slack =
+        64;  ///< units that vectors may need after the last, or go beyond a block
 
     /// Whether each unit is a piece and a character, as far as the text is converted: then places are products. What is not
     /// even makes the counts differ, and always in one direction. UTF-16 does not count its characters here.
@@ -112,8 +117,13 @@ private:
     bool makeRoom(std::size_t wanted, std::uint64_t ceiling);
     void convertBlock(std::size_t mostPieces);
     RE_Conversion convertStretch(std::size_t mostPieces);
+    RE_Conversion convertUtf8(std::size_t mostPieces);
     RE_Text_Place placeOf(std::size_t unit);
     void indexUnits(std::size_t unit);
+    /// The offset in what a place counts by this member.
+    std::size_t countOf(std::size_t offset, RE_Offsets what) const {
+        return what == RE_Offsets::bytes ? offset / reUnitBytes(from) : offset;
+    }
     std::size_t counted(const RE_Text_Place& place, RE_Offsets what) const;
 
     RE_Encoding from = RE_Encoding::utf8;

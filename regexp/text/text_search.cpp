@@ -43,25 +43,35 @@ RE_Text_Search::RE_Text_Search(const RE_Tree& pattern, RE_Text& subject, const R
 
 RE_Text_Search::~RE_Text_Search() = default;
 
-const RE_Results* RE_Text_Search::find(std::size_t unit) {
-    if (stopped != RE_Search_Outcome::noMatch) {
+void RE_Text_Search::beginAnew(const RE_Search_Limits& searchLimits) {
+    // What broke off is of no more use: it may have left the state within an attempt.
+    if (limits.areAny() || searchLimits.areAny() || !isComplete()) {
+        sequence.reset();
+    }
+    limits = searchLimits;
+    now = {};
+}
+
+const RE_Results* RE_Text_Search::find(std::size_t unit, std::size_t latestStart) {
+    if (now.stopped != RE_Search_Outcome::noMatch) {
         return nullptr;
     }
-    if (unit < latestUnit) {
+    if (unit < now.latestUnit) {
         turnBack();
     }
-    latestUnit = unit;
-    if (sequenceIsWhole) {
-        return findKnown(unit);
+    now.latestUnit = unit;
+    if (now.sequenceIsWhole) {
+        return findKnown(unit, latestStart);
     }
     const Interrupt_Aside aside(tree.isInterruptible());
     for (;;) {
-        if (sequenceIsWhole || (sequence.has_value() && unit < finalStarts)) {
-            const RE_Results* const match = findKnown(unit);
-            if (match != nullptr || sequenceIsWhole || stopped != RE_Search_Outcome::noMatch) {
+        if (now.sequenceIsWhole || (now.hasSequence && unit < now.finalStarts)) {
+            const RE_Results* const match = findKnown(unit, latestStart);
+            if (match != nullptr || now.sequenceIsWhole || now.stopped != RE_Search_Outcome::noMatch ||
+                latestStart < now.finalStarts) {
                 return match;
             }
-            unit = finalStarts;
+            unit = now.finalStarts;
         }
         if (!knowMore(unit)) {
             return nullptr;
@@ -69,20 +79,39 @@ const RE_Results* RE_Text_Search::find(std::size_t unit) {
     }
 }
 
+std::optional<std::size_t> RE_Text_Search::unitAt(std::size_t offset, RE_Offsets counted) {
+    if (now.stopped != RE_Search_Outcome::noMatch) {
+        return std::nullopt;
+    }
+    const Interrupt_Aside aside(tree.isInterruptible());
+    if (!text.isWhole() && text.offsetOf(text.known().size(), counted) <= offset) {
+        finish();  // the text moves, and its memory comes before that of the sequence
+    }
+    stop(text.convertTo(offset, counted, limits, tree.isInterruptible()));
+    return isComplete() ? std::optional(text.unitOf(offset, counted)) : std::nullopt;
+}
+
 // A sequence goes forward only. What is converted, and what is known of it, stays.
 void RE_Text_Search::turnBack() {
     finish();
-    sequenceIsWhole = false;
+    now.sequenceIsWhole = false;
 }
 
 // The sequence does not outlive what it knows of the text, which moves as it grows.
-const RE_Results* RE_Text_Search::findKnown(std::size_t unit) {
-    if (unit > sequenceKnows) {
+const RE_Results* RE_Text_Search::findKnown(std::size_t unit, std::size_t latestStart) {
+    if (unit > now.sequenceKnows) {
         return nullptr;
     }
-    const RE_Results* const match =
-        sequenceIsWhole ? sequence->find(unit) : sequence->find(unit, finalStarts - 1);
-    found = found || match != nullptr;
+    const std::size_t latest = now.sequenceIsWhole ? latestStart : std::min(latestStart, now.finalStarts - 1);
+    const RE_Results* match = nullptr;
+    try {
+        match = sequence->find(unit, latest);
+    } catch (...) {
+        turnBack();
+        sequence.reset();  // it may be within an attempt
+        throw;
+    }
+    now.found = now.found || match != nullptr;
     if (match == nullptr) {
         const RE_Search_Report searched = sequence->report();
         stop(searched.isComplete() ? RE_Search_Outcome::noMatch : searched.outcome);
@@ -96,9 +125,8 @@ bool RE_Text_Search::knowMore(std::size_t unit) {
     }
     // Whoever goes on far ahead is given some text after that place, too.
     const std::size_t known = text.known().size();
-    const bool goesOn = sequence.has_value();
     const std::size_t wanted =
-        std::max({kFirstUnits, goesOn ? 2 * sequenceKnows : known, unit + kFirstUnits});
+        std::max({kFirstUnits, now.hasSequence ? 2 * now.sequenceKnows : known, unit + kFirstUnits});
     const bool all = reach != nullptr && reach->needsAll();
     finish();
     const RE_Search_Outcome outcome =
@@ -111,10 +139,14 @@ bool RE_Text_Search::knowMore(std::size_t unit) {
     return true;
 }
 
-// What the sequence took counts on. Its memory goes before the text asks for more.
+// What the sequence took counts on. Where there is a ceiling its memory goes before the text asks for more.
 void RE_Text_Search::finish() {
-    if (sequence.has_value()) {
-        spent = report();
+    if (!now.hasSequence) {
+        return;
+    }
+    now.spent = report();
+    now.hasSequence = false;
+    if (limits.areAny() || !isComplete()) {
         sequence.reset();
     }
 }
@@ -122,33 +154,37 @@ void RE_Text_Search::finish() {
 void RE_Text_Search::renew() {
     RE_Search_Limits left = limits;
     if (left.steps != RE_Search_Limits::unlimited) {
-        left.steps -= std::min(left.steps, spent.steps);
+        left.steps -= std::min(left.steps, now.spent.steps);
     }
     if (left.bytes != RE_Search_Limits::unlimited) {
         left.bytes -= std::min(left.bytes, text.memoryUse());
     }
-    const bool isLimited = limits.steps != RE_Search_Limits::unlimited ||
-                           limits.bytes != RE_Search_Limits::unlimited || limits.mayEndFromOutside();
-    sequence.emplace(tree, text.known(), isLimited ? &left : nullptr);
-    sequenceKnows = text.known().size();
-    sequenceIsWhole = text.isWhole();
-    if (!sequenceIsWhole) {
-        finalStarts = std::max(finalStarts, reach->finalStarts(text.known(), barriersSought));
-        barriersSought = sequenceKnows;
+    if (sequence.has_value()) {
+        sequence->use(text.known());
+    } else {
+        sequence.emplace(tree, text.known(), limits.areAny() ? &left : nullptr);
+    }
+    now.hasSequence = true;
+    now.stepsBefore = sequence->report().steps;
+    now.sequenceKnows = text.known().size();
+    now.sequenceIsWhole = text.isWhole();
+    if (!now.sequenceIsWhole) {
+        now.finalStarts = std::max(now.finalStarts, reach->finalStarts(text.known(), now.barriersSought));
+        now.barriersSought = now.sequenceKnows;
     }
 }
 
 RE_Search_Report RE_Text_Search::report() const {
-    RE_Search_Report all = spent;
-    if (sequence.has_value()) {
+    RE_Search_Report all = now.spent;
+    if (now.hasSequence) {
         const RE_Search_Report last = sequence->report();
-        all.steps += last.steps;
+        all.steps += last.steps - now.stepsBefore;
         all.peakBytes = std::max(all.peakBytes, last.peakBytes + text.memoryUse());
     }
     all.peakBytes = std::max(all.peakBytes, text.memoryUse());
-    all.outcome = stopped != RE_Search_Outcome::noMatch ? stopped
-                  : found                               ? RE_Search_Outcome::matched
-                                                        : RE_Search_Outcome::noMatch;
+    all.outcome = now.stopped != RE_Search_Outcome::noMatch ? now.stopped
+                  : now.found                               ? RE_Search_Outcome::matched
+                                                            : RE_Search_Outcome::noMatch;
     return all;
 }
 
@@ -199,6 +235,19 @@ const RE_Text_Match* RE_Text_Matches::next() {
             return &current;
         }
     }
+}
+
+const RE_Text_Match* RE_Text_Matches::matchAt(std::size_t unit) {
+    current.match = search.find(unit, unit);
+    return current.match != nullptr ? &current : nullptr;
+}
+
+void RE_Text_Matches::beginAnew(RE_Offsets offsets, const RE_Search_Limits& limits) {
+    search.beginAnew(limits);
+    current = RE_Text_Match(*current.text, offsets);
+    position = 0;
+    previousEnd.reset();
+    begun = false;
 }
 
 std::optional<RE_Extent> reFindFirst(const RE_Tree& tree, RE_Text& text, RE_Offsets offsets) {

@@ -40,35 +40,48 @@ public:
     RE_Text_Search(const RE_Text_Search&) = delete;
     RE_Text_Search& operator=(const RE_Text_Search&) = delete;
 
-    /// The leftmost match that starts at or after this unit. Units that ascend from search to search are cheaper. A view,
+    /// The leftmost match that starts at or after this unit, and not after `latestStart`. Units that ascend from search to search are cheaper. A view,
     /// good until the next call; its subject is what the search knew. Null when there is none, and when something broke the
     /// search off: then there are no more.
-    const RE_Results* find(std::size_t unit);
+    const RE_Results* find(std::size_t unit, std::size_t latestStart = RE_Match_Sequence::anyStart);
+    /// The unit at this offset, as `RE_Text::unitOf` has it. Nothing when the limits or an interrupt stopped the conversion:
+    /// then the searches are over. Views of matches are gone.
+    std::optional<std::size_t> unitAt(std::size_t offset, RE_Offsets counted);
+    /// The text is another one now, and what was found in the one before is gone. Keeps what later searches can use.
+    void beginAnew(const RE_Search_Limits& searchLimits);
     /// Whether the last search reached the end of the text without a match.
-    bool isComplete() const { return stopped == RE_Search_Outcome::noMatch; }
+    bool isComplete() const { return now.stopped == RE_Search_Outcome::noMatch; }
     RE_Search_Report report() const;
 
 private:
     void turnBack();
-    const RE_Results* findKnown(std::size_t unit);
+    const RE_Results* findKnown(std::size_t unit, std::size_t latestStart);
     bool knowMore(std::size_t unit);
-    void stop(RE_Search_Outcome outcome) { stopped = outcome; }
+    void stop(RE_Search_Outcome outcome) { now.stopped = outcome; }
     void renew();
     void finish();
 
     const RE_Tree& tree;
     RE_Text& text;
-    const RE_Search_Limits limits;
-    std::unique_ptr<RE_Reach> reach;  ///< where the text is not whole
+    /// Of one text.
+    struct Progress {
+        std::size_t latestUnit = 0;     ///< that a search began at
+        std::size_t sequenceKnows = 0;  ///< units
+        bool hasSequence = false;       ///< which is of this text, as far as it knows it
+        bool sequenceIsWhole = false;
+        std::size_t finalStarts = 0;  ///< attempts from before here are as they would be with the whole text
+        std::size_t barriersSought = 0;
+        bool found = false;
+        RE_Search_Outcome stopped = RE_Search_Outcome::noMatch;
+        RE_Search_Report spent;         ///< by sequences that are over
+        std::uint64_t stepsBefore = 0;  ///< of the sequence, in other texts or with less of this one
+    };
+
+    RE_Search_Limits limits;
+    std::unique_ptr<RE_Reach> reach;  ///< of the pattern, once some text was not whole
+    /// Kept where it has no limits: one that has them is made anew, with what is left of them.
     std::optional<RE_Match_Sequence> sequence;
-    std::size_t latestUnit = 0;     ///< that a search began at
-    std::size_t sequenceKnows = 0;  ///< units
-    bool sequenceIsWhole = false;
-    std::size_t finalStarts = 0;  ///< attempts from before here are as they would be with the whole text
-    std::size_t barriersSought = 0;
-    bool found = false;
-    RE_Search_Outcome stopped = RE_Search_Outcome::noMatch;
-    RE_Search_Report spent;  ///< by sequences that are over
+    Progress now;
 };
 
 class RE_Text_Matches;
@@ -137,6 +150,12 @@ public:
     std::default_sentinel_t end() const { return {}; }
     /// The next match, or null after the last: the same walk without iterators.
     const RE_Text_Match* next();
+    /// A match that starts at exactly this unit, or null. The walk goes on from where it was.
+    const RE_Text_Match* matchAt(std::size_t unit);
+    /// `RE_Text_Search::unitAt`.
+    std::optional<std::size_t> unitAt(std::size_t offset) { return search.unitAt(offset, current.offsets); }
+    /// The text is another one now: the walk is that of a new object, but keeps what later searches can use.
+    void beginAnew(RE_Offsets offsets, const RE_Search_Limits& limits);
     /// The walk goes on from this unit, which may be anywhere, as if it began there.
     void goTo(std::size_t unit) {
         position = unit;

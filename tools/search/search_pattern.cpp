@@ -5,7 +5,7 @@
 #include "tools/search/pattern_text.h"
 #include "tools/usage_error.h"
 
-#include "regexp/base/line_subjects.h"
+#include "regexp/base/flags.h"
 
 namespace tool {
 namespace {

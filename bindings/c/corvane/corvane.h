@@ -172,7 +172,9 @@ enum {
     CVRE_FREE_SPACING = 0x08,
     CVRE_EVALUATE = 0x10,     /* expressions are compiled, where there is a host for them */
     CVRE_ALLOW_EMPTY = 0x20,  /* a match may be empty */
-    CVRE_KEEP_TOKENS = 0x40   /* closing a token leaves those with higher numbers in effect */
+    CVRE_KEEP_TOKENS = 0x40,  /* closing a token leaves those with higher numbers in effect */
+    CVRE_LINES_APART = 0x80   /* no unit matches a line feed, ^ and $ match at lines: a search of many lines finds what a
+                               * search of each line alone would */
 };
 
 typedef int32_t cvre_when;
@@ -295,7 +297,8 @@ CVRE_API cvre_status cvre_matcher_use(cvre_matcher* matcher, cvre_text subject, 
 CVRE_API cvre_status cvre_matcher_next(cvre_matcher* matcher);
 /* The same from this offset on, which may be anywhere; text before it is seen by look-behinds. Matches go on from there. */
 CVRE_API cvre_status cvre_matcher_find(cvre_matcher* matcher, size_t offset);
-/* A match that starts at exactly this offset. A following cvre_matcher_next goes on where it was. Without limits. */
+/* A match that starts at exactly this offset. A following cvre_matcher_next goes on where it was. Counts against the limits
+ * like any search of the subject. */
 CVRE_API cvre_status cvre_matcher_match_at(cvre_matcher* matcher, size_t offset);
 
 /* Of the match found last; CVRE_NO_CURRENT_MATCH when there is none. A match that takes one half of a surrogate pair is told

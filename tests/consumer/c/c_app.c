@@ -17,8 +17,10 @@ int main(void) {
         return 1;
     }
     cvre_matcher_extent(matcher, &start, &length);
+    right = cvre_matcher_match_at(matcher, 3) == CVRE_NO_MATCH && cvre_matcher_match_at(matcher, 2) == CVRE_OK &&
+            CVRE_LINES_APART == 0x80;
     printf("[%u,%u] %s\n", (unsigned)start, (unsigned)length, cvre_version());
     cvre_matcher_free(matcher);
     cvre_pattern_free(pattern);
-    return start == 2 && length == 4 && strlen(cvre_version()) > 4 ? 0 : 1;
+    return right && start == 2 && length == 4 && strlen(cvre_version()) > 4 ? 0 : 1;
 }
