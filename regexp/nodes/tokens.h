@@ -34,7 +34,7 @@ private:
 };
 
 /// The text and a zero after it; null for the empty one.
-std::unique_ptr<const char16_t[]> reTerminatedCopy(const std::u16string& text);
+CORVANE_REGEXP_EXPORT std::unique_ptr<const char16_t[]> reTerminatedCopy(const std::u16string& text);
 
 /// Base of the two nodes that bracket a capture group. They match everywhere and consume nothing, so a seek
 /// may look through them to what is bracketed.
