@@ -15,8 +15,7 @@ public:
     explicit Nesting(std::vector<RE_Pattern_Part> parts) : nested(std::move(parts)) {
         const auto outerFirst = [](const RE_Pattern_Part& part) { return std::pair(part.begin, ~part.end); };
         std::ranges::sort(nested, {}, outerFirst);
-        const auto repeated = std::ranges::unique(nested);
-        nested.erase(repeated.begin(), repeated.end());
+        nested.erase(std::unique(nested.begin(), nested.end()), nested.end());
         std::vector<std::size_t> open;
         for (std::size_t i = 0; i != nested.size(); ++i) {
             while (!open.empty() && nested[open.back()].end < nested[i].end) {
