@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: BSD-3-Clause
+//
 // What most applications need: patterns, their matches, replacements, and the host's side of both. Needs the standard
 // library alone.
 //

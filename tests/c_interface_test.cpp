@@ -494,6 +494,28 @@ TEST(CInterface, RefusesTextsThatPassALimit) {
     EXPECT_NE(std::string::npos, std::string(cvre_last_message()).find("at the unit 5")) << cvre_last_message();
 }
 
+// Before it is copied, and however many warnings there are.
+TEST(CInterface, RefusesLongTextsAndLocatesTheFirstWarnings) {
+    cvre_compile_limits limits{sizeof limits, 1000, 0, 0, 0, 0, nullptr};
+    auto options = sized<cvre_compile_options>();
+    options.limits = &limits;
+    cvre_pattern* pattern = nullptr;
+    EXPECT_EQ(CVRE_TOO_LARGE, cvre_compile(utf8(std::string(4000, 'a')), &options, &pattern));
+
+    std::string many;
+    for (int i = 0; i < 2000; ++i) {
+        many += "(?<name>x)\\k<nome>";
+    }
+    ASSERT_EQ(CVRE_OK, cvre_compile(utf8(many), nullptr, &pattern));
+    ASSERT_EQ(2000u, cvre_pattern_warning_count(pattern));
+    auto warning = sized<cvre_warning>();
+    for (const auto& [index, isLocated] : {std::pair(0, true), std::pair(1999, false)}) {
+        ASSERT_EQ(CVRE_OK, cvre_pattern_warning(pattern, static_cast<size_t>(index), &warning));
+        EXPECT_EQ(isLocated, warning.extent.length != 0);
+    }
+    cvre_pattern_free(pattern);
+}
+
 TEST(CInterface, CallsTheInterpreterOfTheHost) {
     Interpreter interpreter;
     cvre_buffer result{};

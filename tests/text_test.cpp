@@ -350,6 +350,32 @@ TEST(Text, ReplacesAndLeavesTheRestAsItIs) {
               reReplaceAll(tree, text, replacement));
 }
 
+// What is made of the matches takes memory and time, too.
+TEST(Text, EndsReplacingAndSplittingByLimits) {
+    const RE_Tree tree(u"a", false);
+    const std::string subject(1000, 'a');
+    RE_Text text;
+    text.useUtf8(subject);
+    const auto write = [](const RE_Text_Match&, std::string& out) { out.append(100'000, 'b'); };
+    RE_Text_Order order;
+    RE_Search_Report report;
+    order.limits.bytes = 1'000'000;
+    EXPECT_GT(2'000'000u, reReplaceEach(tree, text, write, order, &report, nullptr).size());
+    EXPECT_EQ(RE_Search_Outcome::memoryFull, report.outcome);
+
+    std::stop_source source;
+    order.limits = {.stop = source.get_token()};
+    const auto stop = [&](const RE_Text_Match& match, std::string& out) {
+        write(match, out);
+        source.request_stop();
+    };
+    EXPECT_GT(2'000'000u, reReplaceEach(tree, text, stop, order, &report, nullptr).size());
+    EXPECT_EQ(RE_Search_Outcome::cancelled, report.outcome);
+
+    EXPECT_GT(500u, reSplit(tree, text, RE_Offsets::bytes, {.bytes = 4000}, &report).size());
+    EXPECT_EQ(RE_Search_Outcome::memoryFull, report.outcome);
+}
+
 TEST(Text, ReplacesAndSplitsAsItsUtf16Does) {
     PatternSource source(environmentNumber("CORVANE_TEST_SEED", 8));
     RE_Text text;

@@ -83,6 +83,21 @@ RE_Search_Limits::Time deadlineAfter(std::uint64_t nanoseconds) {
     return isOne ? now + wanted : RE_Search_Limits::noDeadline;
 }
 
+/// Warnings of one text of which the part that they are about is told, and a correction.
+constexpr std::size_t mostLocated = 256;
+
+/// A lower bound of the units that the text will have: a longer one is refused before it is copied.
+std::size_t leastUnits(const cvre_text& given) {
+    return checked(given) == RE_Encoding::utf8 ? given.bytes / 3 : given.bytes / reUnitBytes(checked(given));
+}
+
+cvre_text within(const RE_Compile_Limits& limits, const cvre_text& given) {
+    if (leastUnits(given) > limits.units) {
+        throw Failure{CVRE_TOO_LARGE, cvre_status_text(CVRE_TOO_LARGE)};
+    }
+    return given;
+}
+
 std::string copyOf(const cvre_text& given) {
     checked(given);
     return given.bytes != 0 ? std::string(static_cast<const char*>(given.data), given.bytes) : std::string();
@@ -94,7 +109,7 @@ Source::Source(const cvre_text& given, const cvre_compile_options* given_options
     : asked(checkedOptions(given_options)),
       limits(limitsOf(asked.limits)),
       encoding(checked(given)),
-      bytes(copyOf(given)),
+      bytes(copyOf(within(limits, given))),
       units(unitsOf(given)),
       host(std::make_shared<const Host>(asked.host)),
       options(compileOptions(asked)),
@@ -109,9 +124,12 @@ void Source::tellWarnings() {
     text.use(encoding, bytes.data(), bytes.size());
     text.convert(RE_Text::all);
     const RE_Offsets offsets = checkedOffsets(asked.offsets);
+    // To find what a warning is about may take a look at the whole pattern, which may have a warning at each unit.
+    std::size_t located = 0;
     for (const Pattern_Context::Warning& warning : context.sortedWarnings()) {
         const std::size_t position = std::min(warning.position, units.size());
-        const RE_Warning_Span span = locateWarning(warning.number, units, position);
+        const RE_Warning_Span span = ++located <= mostLocated ? locateWarning(warning.number, units, position)
+                                                              : RE_Warning_Span{position, 0, {}};
         Told_Warning told{warning.number, text.offsetOf(position, offsets),
                           text.extentOf(span.start, span.length, offsets), std::nullopt};
         if (span.correction) {

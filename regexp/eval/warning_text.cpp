@@ -72,15 +72,17 @@ std::size_t editDistance(View a, View b) {
 }
 
 /// The name of a group in the text that may have been meant, or none: the nearest one by at most two edits,
-/// and never by as many as the name has units. Long names are not compared, which bounds the time for a
+/// and never by as many as the name has units. Neither long names are compared nor very many, which bounds the time for a
 /// hostile pattern.
 View nearestName(View text, View wanted) {
     constexpr View opening = u"(?<";
     constexpr std::size_t longestCompared = 64;
+    std::size_t left = 256;  // names
     View nearest;
     std::size_t least = std::min<std::size_t>(3, wanted.size());
-    for (std::size_t at = text.find(opening); at != View::npos && wanted.size() <= longestCompared;
-         at = text.find(opening, at + 1)) {
+    for (std::size_t at = text.find(opening);
+         at != View::npos && wanted.size() <= longestCompared && left != 0;
+         at = text.find(opening, at + 1), --left) {
         const std::size_t start = at + opening.size();
         std::size_t end = start;
         while (end < text.size() && isNameUnit(text[end])) {

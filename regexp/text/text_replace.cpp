@@ -50,15 +50,17 @@ public:
     void run(const RE_Tree& tree, const RE_Text_Writer& writer) {
         RE_Text_Matches walk(tree, text, order.offsets, 0, order.limits);
         bool wasStopped = false;
+        RE_Search_Outcome ended = RE_Search_Outcome::noMatch;
         for (const RE_Text_Match* match = walk.next(); match != nullptr && !wasStopped; match = walk.next()) {
             ++count;
             if (order.which == 0 || order.which == count) {
                 replace(*match, writer);
-                wasStopped = mayBeStopped && utInterruptState::IsInterruptPending();
+                ended = endedBy();
+                wasStopped = ended != RE_Search_Outcome::noMatch;
             }
         }
         report = walk.report();
-        report.outcome = wasStopped ? RE_Search_Outcome::interrupted : report.outcome;
+        report.outcome = wasStopped ? ended : report.outcome;
     }
     std::string finish() {
         append(out, text.bytes().subspan(copied));
@@ -69,6 +71,22 @@ public:
     std::size_t count = 0;
 
 private:
+    /// Why there is to be no further replacement; `noMatch` when there may be. What is written counts to the ceiling, and
+    /// takes time that no search sees.
+    RE_Search_Outcome endedBy() {
+        constexpr std::size_t mostUnasked = std::size_t{64} * 1024;
+        if (mayBeStopped && utInterruptState::IsInterruptPending()) {
+            return RE_Search_Outcome::interrupted;
+        }
+        if (out.size() > order.limits.bytes) {
+            return RE_Search_Outcome::memoryFull;
+        }
+        if (out.size() - askedAt < mostUnasked || !order.limits.mayEndFromOutside()) {
+            return RE_Search_Outcome::noMatch;
+        }
+        askedAt = out.size();
+        return order.limits.askOutside();
+    }
     // Two matches of the halves of one character have the same bytes: the first takes them.
     void replace(const RE_Text_Match& match, const RE_Text_Writer& writer) {
         const RE_Results& found = match.units();
@@ -82,7 +100,8 @@ private:
     RE_Text& text;
     const RE_Text_Order& order;
     bool mayBeStopped;
-    std::size_t copied = 0;  ///< bytes of the source
+    std::size_t copied = 0;   ///< bytes of the source
+    std::size_t askedAt = 0;  ///< bytes of the result, when limits from outside were looked at last
     std::string out;
 };
 

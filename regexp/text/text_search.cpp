@@ -260,8 +260,9 @@ std::vector<RE_Extent> reSplit(const RE_Tree& tree, RE_Text& text, RE_Offsets of
                                const RE_Search_Limits& limits, RE_Search_Report* report) {
     std::vector<RE_Extent> parts;
     std::size_t from = 0;
+    bool isFull = false;
     RE_Text_Matches walk(tree, text, offsets, 0, limits);
-    while (const RE_Text_Match* const match = walk.next()) {
+    for (const RE_Text_Match* match = walk.next(); match != nullptr && !isFull; match = walk.next()) {
         const RE_Results& found = match->units();
         const std::size_t start = found.matchStart;
         // Where the text has not been converted to its end, the match is not at it.
@@ -271,8 +272,10 @@ std::vector<RE_Extent> reSplit(const RE_Tree& tree, RE_Text& text, RE_Offsets of
         }
         parts.push_back(text.extentOf(from, start - from, offsets));
         from = start + found.matchLength;
+        isFull = parts.size() > limits.bytes / sizeof(RE_Extent);
     }
-    const RE_Search_Report ended = walk.report();
+    RE_Search_Report ended = walk.report();
+    ended.outcome = isFull ? RE_Search_Outcome::memoryFull : ended.outcome;
     if (report != nullptr) {
         *report = ended;
     }

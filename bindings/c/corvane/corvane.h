@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: BSD-3-Clause */
 /* Regular expressions for C, and for languages that call C.
  *
  *     cvre_pattern* pattern;
@@ -229,7 +230,7 @@ typedef struct cvre_warning {
     uint32_t number;      /* 1 to 22; docs/dialect.md lists them */
     int32_t has_correction;
     size_t position;      /* where it was noticed, in what cvre_compile_options asked for */
-    cvre_extent extent;   /* the part of the text that it is about */
+    cvre_extent extent;   /* the part of the text that it is about; empty after the first 256 warnings */
     const char* name;     /* for programs: lower case, with hyphens */
     const char* sentence; /* for people, in English */
     cvre_text correction; /* what should probably be there instead, in the encoding of the text */
