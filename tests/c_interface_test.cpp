@@ -14,6 +14,8 @@
 #include <iterator>
 #include <memory>
 #include <thread>
+#include <type_traits>
+#include <typeinfo>
 
 namespace corvane_tests {
 namespace {
@@ -412,6 +414,32 @@ TEST(CInterface, Replaces) {
     EXPECT_EQ(nullptr, result.data);
 }
 
+// Matches of the halves of a character have the same bytes in UTF-8.
+TEST(CInterface, LeavesMatchesOfHalvesAsTheyAre) {
+    const Pattern pattern = compile(utf8("."));
+    const auto refuse = [](void*, cvre_matcher*, cvre_output*) -> cvre_host_result { return CVRE_HOST_FALSE; };
+    const auto firstOfPair = [](void* data, cvre_matcher*, cvre_output* output) -> cvre_host_result {
+        cvre_output_write(output, utf8("-"));
+        return ++*static_cast<size_t*>(data) == 2 ? CVRE_HOST_TRUE : CVRE_HOST_FALSE;
+    };
+    const std::string text = "x\xF0\x9F\x98\x80y";
+    const std::u16string units = u"x\xD83D\xDE00y";
+    const std::u32string characters = U"x\U0001F600y";
+    cvre_buffer result{};
+    for (const cvre_text& subject :
+         {utf8(text), utf16(units), cvre_text{characters.data(), characters.size() * 4, CVRE_UTF32}}) {
+        for (size_t which = 0; which < 4; ++which) {
+            auto options = sized<cvre_replace_options>();
+            options.which = which;
+            ASSERT_EQ(CVRE_OK, cvre_replace_with(pattern.get(), subject, refuse, nullptr, &options, &result, nullptr));
+            EXPECT_EQ(std::string(static_cast<const char*>(subject.data), subject.bytes), taken(result)) << which;
+        }
+    }
+    size_t calls = 0;
+    ASSERT_EQ(CVRE_OK, cvre_replace_with(pattern.get(), utf8(text), firstOfPair, &calls, nullptr, &result, nullptr));
+    EXPECT_EQ("x-y", taken(result)) << "the first half takes the bytes";
+}
+
 // --- the host's interpreter: an expression is the name of a function and its arguments ---
 
 struct Interpreter {
@@ -612,14 +640,15 @@ TEST(CInterface, RefusesNullEverywhere) {
     const Pattern pattern = compile(text);
     const Matcher matcher = matcherOf(pattern);
     const Replacement replacement = replacementOf("x");
-    cvre_pattern* noPattern = nullptr;
-    cvre_matcher* noMatcher = nullptr;
-    cvre_replacement* noReplacement = nullptr;
-    cvre_buffer buffer{};
+    cvre_buffer buffer;
+    cvre_matcher* noMatcher;
+    cvre_extent* parts;
+    std::memset(&buffer, 0xAA, sizeof buffer);
+    std::memset(&noMatcher, 0xAA, sizeof noMatcher);
+    std::memset(&parts, 0xAA, sizeof parts);
     cvre_text part{};
     size_t number = 0;
     cvre_growth growth = 0;
-    cvre_extent* parts = nullptr;
     auto warning = sized<cvre_warning>();
     auto report = sized<cvre_report>();
     const auto write = [](void*, cvre_matcher*, cvre_output*) -> cvre_host_result { return CVRE_HOST_TRUE; };
@@ -681,9 +710,12 @@ TEST(CInterface, RefusesNullEverywhere) {
     EXPECT_EQ(0, cvre_cancel_requested(nullptr) + cvre_matcher_took_part(nullptr, 0) +
                      cvre_matcher_took_part(matcher.get(), 9));
     EXPECT_EQ(0u, cvre_utf8(nullptr).bytes);
-    cvre_pattern_free(noPattern);
+    cvre_pattern_free(nullptr);
     cvre_matcher_free(noMatcher);
-    cvre_replacement_free(noReplacement);
+    cvre_free(parts);
+    cvre_free(buffer.data);
+    cvre_matcher_free(nullptr);
+    cvre_replacement_free(nullptr);
     cvre_cancel_free(nullptr);
     cvre_free(nullptr);
     cvre_host_message(nullptr);
@@ -691,6 +723,59 @@ TEST(CInterface, RefusesNullEverywhere) {
     EXPECT_STRNE("", cvre_last_message());
     EXPECT_STREQ("an unknown status", cvre_status_text(-1));
     EXPECT_NE(nullptr, std::strchr(cvre_version(), '.'));
+}
+
+// What a caller frees whatever the status was: an output that begins as garbage is null after a call that fails.
+TEST(CInterface, FailuresNullWhatIsToBeFreed) {
+    const cvre_text text = utf8("a");
+    const cvre_text badText{"a", 1, 9};
+    const Pattern pattern = compile(text);
+    const Replacement replacement = replacementOf("x");
+    const auto write = [](void*, cvre_matcher*, cvre_output*) -> cvre_host_result { return CVRE_HOST_TRUE; };
+    const auto nulled = [](auto call) {
+        union {
+            void* pointer;
+            cvre_pattern* pattern;
+            cvre_matcher* matcher;
+            cvre_replacement* replacement;
+            cvre_extent* parts;
+            cvre_buffer buffer;
+        } out;
+        std::memset(&out, 0xAA, sizeof out);
+        EXPECT_LE(CVRE_BAD_ARGUMENT, call(out));
+        return out.pointer == nullptr;
+    };
+    const bool all[] = {
+        nulled([&](auto& o) { return cvre_compile(badText, nullptr, &o.pattern); }),
+        nulled([&](auto& o) { return cvre_matcher_new(nullptr, &o.matcher); }),
+        nulled([&](auto& o) { return cvre_replacement_compile(badText, nullptr, &o.replacement); }),
+        nulled([&](auto& o) {
+            cvre_growth growth = 0;
+            return cvre_pattern_growth(nullptr, 1, &growth, &o.buffer);
+        }),
+        nulled([&](auto& o) { return cvre_pattern_growth(pattern.get(), 1, nullptr, &o.buffer); }),
+        nulled([&](auto& o) { return cvre_pattern_explain(nullptr, &o.buffer); }),
+        nulled([&](auto& o) { return cvre_pattern_graph(nullptr, &o.buffer); }),
+        nulled([&](auto& o) {
+            size_t count = 9;
+            const cvre_status status = cvre_split(nullptr, text, CVRE_BYTES, nullptr, &o.parts, &count);
+            EXPECT_EQ(0u, count);
+            return status;
+        }),
+        nulled([&](auto& o) { return cvre_split(pattern.get(), text, CVRE_BYTES, nullptr, &o.parts, nullptr); }),
+        nulled([&](auto& o) { return cvre_split(pattern.get(), badText, CVRE_BYTES, nullptr, &o.parts, nullptr); }),
+        nulled([&](auto& o) { return cvre_replace(nullptr, text, replacement.get(), nullptr, &o.buffer, nullptr); }),
+        nulled([&](auto& o) { return cvre_replace(pattern.get(), text, nullptr, nullptr, &o.buffer, nullptr); }),
+        nulled([&](auto& o) { return cvre_replace_with(nullptr, text, write, nullptr, nullptr, &o.buffer, nullptr); }),
+        nulled([&](auto& o) {
+            return cvre_replace_with(pattern.get(), text, nullptr, nullptr, nullptr, &o.buffer, nullptr);
+        }),
+        nulled([&](auto& o) { return cvre_escape(badText, &o.buffer); }),
+        nulled([&](auto& o) { return cvre_wildcard(badText, &o.buffer); }),
+    };
+    for (size_t i = 0; i < std::size(all); ++i) {
+        EXPECT_TRUE(all[i]) << "call " << i;
+    }
 }
 
 TEST(CInterface, IsDocumentedAsAWhole) {
@@ -710,6 +795,89 @@ TEST(CInterface, IsDocumentedAsAWhole) {
         ++functions;
     }
     EXPECT_GT(functions, 40u);
+}
+
+// Calls with a structure that is followed by as many zeros again, and says that it is of the size.
+template <class T, class Call>
+cvre_status withSize(size_t size, Call call, unsigned char rest = 0) {
+    struct {
+        T known{};
+        unsigned char added[sizeof(T)] = {};
+    } given;
+    std::memset(given.added, rest, sizeof given.added);
+    given.known.size = size;
+    return call(&given.known);
+}
+// `smallest`: that of the first version, or of the least that this version accepts.
+template <class T, class Call>
+void acceptsSizesOfVersionsOnly(size_t smallest, Call call) {
+    for (size_t size = 0; size <= 2 * sizeof(T); ++size) {
+        const bool isOfAVersion = size >= smallest && size % alignof(T) == 0;
+        EXPECT_EQ(isOfAVersion ? CVRE_OK : CVRE_BAD_SIZE, withSize<T>(size, call))
+            << typeid(T).name() << " of " << size;
+    }
+    EXPECT_EQ(CVRE_BAD_SIZE, withSize<T>(SIZE_MAX, call));
+}
+
+TEST(CInterface, RefusesSizesThatEndWithinAMember) {
+    const size_t least = 2 * sizeof(size_t);
+    const Pattern pattern = compile(utf8("a"));
+    const Pattern wrong = compile(utf8("("));
+    const Matcher matcher = matcherOf(pattern);
+    const Replacement replacement = replacementOf("x");
+    const auto compiles = [](const cvre_compile_options* options) {
+        cvre_pattern* made = nullptr;
+        const cvre_status status = cvre_compile(utf8("a"), options, &made);
+        cvre_pattern_free(made);
+        return status;
+    };
+    acceptsSizesOfVersionsOnly<cvre_compile_options>(least, compiles);
+    acceptsSizesOfVersionsOnly<cvre_compile_limits>(least, [&](const cvre_compile_limits* limits) {
+        auto options = sized<cvre_compile_options>();
+        options.limits = limits;
+        return compiles(&options);
+    });
+    acceptsSizesOfVersionsOnly<cvre_host>(least, [&](const cvre_host* host) {
+        auto options = sized<cvre_compile_options>();
+        options.host = host;
+        return compiles(&options);
+    });
+    acceptsSizesOfVersionsOnly<cvre_limits>(least, [&](const cvre_limits* limits) {
+        return cvre_matcher_use(matcher.get(), utf8("a"), CVRE_BYTES, limits);
+    });
+    acceptsSizesOfVersionsOnly<cvre_replace_options>(least, [&](const cvre_replace_options* options) {
+        cvre_buffer result{};
+        const cvre_status status = cvre_replace(pattern.get(), utf8("a"), replacement.get(), options, &result, nullptr);
+        cvre_free(result.data);
+        return status;
+    });
+    acceptsSizesOfVersionsOnly<cvre_memory_watch>(least, cvre_watch_memory);
+    ASSERT_EQ(CVRE_OK, cvre_watch_memory(nullptr));
+
+    // Those that are filled in: what this version does not know becomes zero, and what is past the size stays.
+    const auto fills = [](auto call) {
+        return [call](auto* structure) {
+            using T = std::remove_pointer_t<decltype(structure)>;
+            const size_t size = structure->size;
+            auto* const bytes = reinterpret_cast<unsigned char*>(structure);
+            const cvre_status status = call(structure);
+            for (size_t i = sizeof(T); i < 2 * sizeof(T); ++i) {
+                EXPECT_EQ(status == CVRE_OK && i < size ? 0 : 0xAA, bytes[i]) << i << " with the size " << size;
+            }
+            EXPECT_EQ(size, structure->size);
+            return status;
+        };
+    };
+    const auto report = fills([&](cvre_report* out) { return cvre_matcher_report(matcher.get(), out); });
+    const auto warning = fills([&](cvre_warning* out) { return cvre_pattern_warning(wrong.get(), 0, out); });
+    for (const size_t size : {sizeof(cvre_report), sizeof(cvre_report) + 8, sizeof(cvre_report) + 4}) {
+        EXPECT_EQ(size % 8 == 0 ? CVRE_OK : CVRE_BAD_SIZE, withSize<cvre_report>(size, report, 0xAA));
+    }
+    EXPECT_EQ(CVRE_OK, withSize<cvre_warning>(sizeof(cvre_warning) + 8, warning, 0xAA));
+    acceptsSizesOfVersionsOnly<cvre_report>(least,
+                                            [&](cvre_report* out) { return cvre_matcher_report(matcher.get(), out); });
+    acceptsSizesOfVersionsOnly<cvre_warning>(
+        sizeof(cvre_warning), [&](cvre_warning* out) { return cvre_pattern_warning(wrong.get(), 0, out); });
 }
 
 TEST(CInterface, RefusesBadSizesAndValues) {

@@ -51,6 +51,25 @@ T& needed(T* pointer) {
 /// No structure of any version is as large: a greater size is none.
 constexpr std::size_t kLargestStructure = 4096;
 
+/// The size of a structure in the first version that has it. A size of its own and one member more is the least: what is no
+/// longer is the size of a pointer to a structure.
+template <class T>
+inline constexpr std::size_t kSmallestVersion = 2 * sizeof(std::size_t);
+/// Its first version has texts, which are larger than their alignment: shorter sizes could end within one.
+template <>
+inline constexpr std::size_t kSmallestVersion<cvre_warning> = sizeof(cvre_warning);
+
+/// The size that the caller set. The size of a type is a multiple of its alignment, and so is where a member as large as
+/// that begins: a size that ends within a pointer or a number of 64 bits is that of no version.
+template <class T>
+std::size_t sizeAt(const T& given) {
+    std::size_t size = 0;
+    std::memcpy(&size, &given, sizeof size);
+    require(size >= kSmallestVersion<T> && size <= kLargestStructure, "the size of a structure is not set",
+            CVRE_BAD_SIZE);
+    require(size % alignof(T) == 0, "the size of a structure ends within a member", CVRE_BAD_SIZE);
+    return size;
+}
 /// The structure as this version knows it. Members that the caller's version lacks are zero; those that this version lacks
 /// must be, as nobody would heed them.
 template <class T>
@@ -60,10 +79,7 @@ T structureAt(const T* given) {
     if (given == nullptr) {
         return known;
     }
-    std::size_t size = 0;
-    std::memcpy(&size, given, sizeof size);
-    require(size >= sizeof size && size <= kLargestStructure, "the size of a structure is not set",
-            CVRE_BAD_SIZE);
+    const std::size_t size = sizeAt(*given);
     const auto* const bytes = reinterpret_cast<const unsigned char*>(given);
     const bool isKnown = size <= sizeof(T) ||
                          std::all_of(bytes + sizeof(T), bytes + size, [](unsigned char b) { return b == 0; });
@@ -72,15 +88,15 @@ T structureAt(const T* given) {
     known.size = sizeof known;
     return known;
 }
-/// Fills in as much as the caller's version has room for.
+/// Fills in as much as the caller's version has room for. Members that this version lacks become zero.
 template <class T>
 void fillIn(T* given, T known) {
-    std::size_t size = 0;
-    std::memcpy(&size, &needed(given), sizeof size);
-    require(size >= sizeof size && size <= kLargestStructure, "the size of a structure is not set",
-            CVRE_BAD_SIZE);
+    const std::size_t size = sizeAt(needed(given));
     known.size = size;
     std::memcpy(static_cast<void*>(given), &known, std::min(size, sizeof known));
+    if (size > sizeof known) {
+        std::memset(reinterpret_cast<unsigned char*>(given) + sizeof known, 0, size - sizeof known);
+    }
 }
 
 /// The encoding of a text that is well made.

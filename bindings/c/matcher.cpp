@@ -192,9 +192,9 @@ cvre_status cvre_matcher_report(const cvre_matcher* matcher, cvre_report* report
 cvre_status cvre_split(const cvre_pattern* pattern, cvre_text subject, cvre_offsets offsets,
                        const cvre_limits* limits, cvre_extent** parts, size_t* count) {
     return guarded([&]() -> cvre_status {
-        const Compiled& compiled = *needed(pattern).compiled;
         needed(parts) = nullptr;
         needed(count) = 0;
+        const Compiled& compiled = *needed(pattern).compiled;
         RE_Text text;
         text.use(checked(subject), subject.data, subject.bytes);
         RE_Search_Report report;

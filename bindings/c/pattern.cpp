@@ -105,11 +105,13 @@ cvre_status cvre_pattern_make_automaton(cvre_pattern* pattern) {
 cvre_status cvre_pattern_growth(const cvre_pattern* pattern, size_t times, cvre_growth* growth,
                                 cvre_buffer* witness) {
     return guarded([&] {
+        if (witness != nullptr) {
+            *witness = {};
+        }
         const RE_Tree& tree = *compiledOf(pattern).tree;
         needed(growth);
         const RE_Growth judged = judgeGrowth(tree);
         if (witness != nullptr) {
-            *witness = {};
             require(times <= 1'000'000, "so long a witness is none", CVRE_BAD_SIZE);
             if (judged.kind == RE_Growth::Kind::polynomial || judged.kind == RE_Growth::Kind::exponential) {
                 put(witness, encodedUnits(judged.witness(times), RE_Encoding::utf8));
@@ -123,8 +125,8 @@ cvre_status cvre_pattern_growth(const cvre_pattern* pattern, size_t times, cvre_
 // A context of its own: the pattern's may be in use by a search.
 cvre_status cvre_pattern_explain(const cvre_pattern* pattern, cvre_buffer* explanation) {
     return guarded([&] {
-        const Source& source = compiledOf(pattern).source;
         needed(explanation) = {};
+        const Source& source = compiledOf(pattern).source;
         Pattern_Context context(*source.options, source.host, false);
         put(explanation,
             outlinePattern(source.units.data(), source.units.size(), source.asked.flags, &context).text);
@@ -134,8 +136,8 @@ cvre_status cvre_pattern_explain(const cvre_pattern* pattern, cvre_buffer* expla
 
 cvre_status cvre_pattern_graph(const cvre_pattern* pattern, cvre_buffer* graph) {
     return guarded([&] {
-        const RE_Tree& tree = *compiledOf(pattern).tree;
         needed(graph) = {};
+        const RE_Tree& tree = *compiledOf(pattern).tree;
         put(graph, tree.graph());
         return CVRE_OK;
     });

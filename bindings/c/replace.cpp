@@ -1,6 +1,9 @@
 // Replacing for C.
 #include "bindings/c/matcher.h"
 
+#include <algorithm>
+#include <string_view>
+
 using namespace corvane_c;
 
 namespace {
@@ -17,13 +20,24 @@ struct Replace_Order {
     RE_Text_Order order;
 };
 
+/// The bytes of a match that are not before `written`, which becomes the end of the match. Two matches of the halves of
+/// one character have the same bytes: the first takes them.
+std::string_view bytesAfter(std::size_t& written, RE_Text& text, const RE_Text_Match& match) {
+    const RE_Results& units = match.units();
+    const RE_Extent extent = text.extentOf(units.matchStart, units.matchLength, RE_Offsets::bytes);
+    const std::size_t start = std::max(extent.start, written);
+    written = std::max(extent.start + extent.length, written);
+    const auto bytes = text.bytes().subspan(start, written - start);
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
 /// What both ways of replacing share: `work` makes the text, given the subject and the order.
 template <class Work>
 cvre_status replaced(const cvre_pattern* pattern, cvre_text subject, const cvre_replace_options* options,
                      cvre_buffer* result, size_t* matches, Work work) {
     return guarded([&]() -> cvre_status {
-        const Compiled& compiled = *needed(pattern).compiled;
         needed(result) = {};
+        const Compiled& compiled = *needed(pattern).compiled;
         const Replace_Order asked(options);
         RE_Text text;
         text.use(checked(subject), subject.data, subject.bytes);
@@ -94,16 +108,15 @@ cvre_status cvre_replace_with(const cvre_pattern* pattern, cvre_text subject, cv
                         RE_Search_Report& report, std::size_t& count) {
                         require(function != nullptr, "a function is null");
                         std::string piece;
+                        std::size_t written = 0;  // bytes of the subject
                         const auto write = [&](const RE_Text_Match& match, std::string& out) {
                             cvre_matcher view(pattern->compiled, match);
                             piece.clear();
                             cvre_output output{&piece, text.encoding()};
                             cvre_host_message("");
                             const bool isReplaced = succeeded(function(data, &view, &output));
-                            const std::span<const std::byte> kept = match.bytes();
-                            out += isReplaced
-                                       ? piece
-                                       : std::string(reinterpret_cast<const char*>(kept.data()), kept.size());
+                            const std::string_view kept = bytesAfter(written, text, match);
+                            out += isReplaced ? std::string_view(piece) : kept;
                         };
                         return reReplaceEach(tree, text, write, order, &report, &count);
                     });

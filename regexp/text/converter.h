@@ -3,7 +3,7 @@
 //     RE_Text_Decoder decoder(RE_Encoding::utf8);
 //     while (const std::size_t size = read(block)) {
 //         for (std::span<const std::byte> rest(block, size); !rest.empty();) {
-//             const RE_Conversion done = decoder.convert(rest, units, false);
+//             const RE_Conversion done = decoder.convert(rest, units);
 //             use(units, done.written);
 //             rest = rest.subspan(done.read);
 //         }

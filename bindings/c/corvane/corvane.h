@@ -14,7 +14,7 @@
  *     cvre_pattern_free(pattern);
  *
  * Errors. Functions that can fail return a cvre_status; cvre_last_message() has the details. What a failing function was
- * to write is unchanged, except that handles and buffers to be made are null. Null handles, bad indices and bad sizes are
+ * to write is unchanged, except that handles, buffers and arrays to be made are null, and the counts of these are 0. Null handles, bad indices and bad sizes are
  * statuses, never a crash. No exception leaves the library, and it never aborts or prints. What is wrong with the syntax
  * of a pattern is no failure: the pattern has warnings, and the rest of it is compiled.
  *
@@ -24,8 +24,8 @@
  * Offsets and lengths count what the caller asks for (cvre_offsets). Tokens, the texts of groups, count from 0: token 0
  * is $1 in a pattern.
  *
- * Structures that are passed by pointer begin with their size, sizeof of the type as the caller was compiled with it. In
- * options zero means the default, so `cvre_compile_options options = {sizeof options};` has all defaults.
+ * Structures that are passed by pointer begin with their size, sizeof of the type as the caller was compiled with it; one
+ * that ends within a member is CVRE_BAD_SIZE. In options zero means the default, so `cvre_compile_options options = {sizeof options};` has all defaults.
  *
  * Threads. Patterns, replacements and cancel handles may be used by any number of threads at the same time. A matcher
  * belongs to one thread at a time. Handles may be freed in any order: those that need another keep what they need of it.
@@ -207,7 +207,7 @@ typedef struct cvre_compile_options {
     cvre_offsets offsets;    /* of warnings */
     cvre_when machine_code;  /* auto: once searches have been enough work. Not to be had is no error */
     cvre_when automaton;
-    cvre_switch interruptible;         /* whether searches heed cvre_interrupt; off by default */
+    cvre_switch interruptible;         /* whether searches and compiling heed cvre_interrupt; off by default */
     cvre_switch linear_subpatterns;    /* passes of the compiler; they change no match */
     cvre_switch dot_star;
     cvre_switch null_nodes;
@@ -220,7 +220,8 @@ typedef struct cvre_pattern cvre_pattern;
 
 /* Compiles a pattern; null options are all defaults. The text is needed during the call only. Patterns never fail for
  * their syntax. One that passes a limit is refused: CVRE_TOO_LARGE, CVRE_MEMORY_FULL, CVRE_CANCELLED or
- * CVRE_DEADLINE_PASSED, with the place in the message. */
+ * CVRE_DEADLINE_PASSED, with the place in the message. So is one that is interruptible while cvre_interrupt is called:
+ * CVRE_INTERRUPTED. */
 CVRE_API cvre_status cvre_compile(cvre_text pattern, const cvre_compile_options* options, cvre_pattern** made);
 CVRE_API void cvre_pattern_free(cvre_pattern* pattern);
 
@@ -296,7 +297,8 @@ CVRE_API cvre_status cvre_matcher_use(cvre_matcher* matcher, cvre_text subject, 
  * CVRE_OK, CVRE_NO_MATCH, or what ended the search. Converts no more of the subject than the pattern has to see.
  * Allocates nothing for the match. */
 CVRE_API cvre_status cvre_matcher_next(cvre_matcher* matcher);
-/* The same from this offset on, which may be anywhere; text before it is seen by look-behinds. Matches go on from there. */
+/* The same from this offset on, which may be anywhere; text before it is seen by look-behinds. Matches go on
+ * from there, but after an offset past the end, where nothing matches, from where they were. */
 CVRE_API cvre_status cvre_matcher_find(cvre_matcher* matcher, size_t offset);
 /* A match that starts at exactly this offset. A following cvre_matcher_next goes on where it was. Counts against the limits
  * like any search of the subject. */
@@ -325,7 +327,7 @@ CVRE_API cvre_status cvre_split(const cvre_pattern* pattern, cvre_text subject, 
 
 /* A compiled replacement text: docs/replacement.md has the language. */
 typedef struct cvre_replacement cvre_replacement;
-/* Of the options only flags, offsets, interruptible and the host count. */
+/* Of the options only flags, offsets, interruptible, the host and the limits count. Refuses what cvre_compile does. */
 CVRE_API cvre_status cvre_replacement_compile(cvre_text text, const cvre_compile_options* options,
                                               cvre_replacement** made);
 CVRE_API void cvre_replacement_free(cvre_replacement* replacement);
@@ -361,8 +363,10 @@ CVRE_API cvre_status cvre_wildcard(cvre_text wildcard, cvre_buffer* pattern);
 
 /* ---- the process ---- */
 
-/* Raises (1) or lowers (0) the flag that ends all interruptible searches of the process; it stays up until it is lowered.
- * May be called by any thread and by a signal handler. */
+/* Raises (1) or lowers (0) the flag that ends all interruptible calls of the process that are under way, searches and
+ * compiling; it stays up until it is lowered. Each call looks for its being raised from its beginning on: a flag that was
+ * raised before a call, or between two calls of a matcher, does not stop the later one. To end what is to come, request
+ * it of a cvre_cancel. May be called by any thread and by a signal handler. */
 CVRE_API void cvre_interrupt(int32_t pending);
 CVRE_API int32_t cvre_interrupt_pending(void);
 
