@@ -68,8 +68,8 @@ void printRow(const Row& row, std::uint64_t allWork) {
 void printTable(const RE_Profile& profile, std::u16string_view pattern, const RE_Pattern_Parts& parts) {
     char head[160];
     std::snprintf(head, sizeof head, "%6s %12s %12s %12s %12s %12s %12s  %-*s  %s\n", "work", "visits",
-                  "matched", "failed", "pushed", "popped", "refused", static_cast<int>(widestPartColumn), "part",
-                  "node");
+                  "matched", "failed", "pushed", "popped", "refused", static_cast<int>(widestPartColumn),
+                  "part", "node");
     std::cout << head;
     std::vector<Row> rows;
     for (const RE_Node_Profile& node : profile.nodes) {

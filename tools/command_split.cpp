@@ -4,11 +4,11 @@
 // and cost no copy.
 #include "tools/command.h"
 #include "tools/compiled_pattern.h"
+#include "tools/convert_text.h"
 #include "tools/exit_status.h"
 #include "tools/input.h"
 #include "tools/interrupt.h"
 #include "tools/pattern_options.h"
-#include "tools/convert_text.h"
 #include "tools/warning_report.h"
 
 #include <iostream>

@@ -2,10 +2,10 @@
 // compiled, so these commands have no pattern options and raise no warnings.
 #include "tools/arguments.h"
 #include "tools/command.h"
+#include "tools/convert_text.h"
 #include "tools/exit_status.h"
 #include "tools/input.h"
 #include "tools/usage_error.h"
-#include "tools/convert_text.h"
 
 #include "regexp/regexp.h"
 

@@ -5,9 +5,9 @@
 // prints it. Warnings of dynamic texts are the one output that is made in the middle of a search.
 #include "tools/lua_context.h"
 
+#include "tools/convert_text.h"
 #include "tools/input.h"
 #include "tools/script_host.h"
-#include "tools/convert_text.h"
 #include "tools/warning_report.h"
 
 #include <functional>

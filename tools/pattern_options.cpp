@@ -4,10 +4,10 @@
 // is set unless --dot-line is given, as files are searched as one text.
 #include "tools/pattern_options.h"
 
+#include "tools/convert_text.h"
 #include "tools/input.h"
 #include "tools/search/pattern_text.h"
 #include "tools/usage_error.h"
-#include "tools/convert_text.h"
 
 #include <algorithm>
 

@@ -328,7 +328,9 @@ void RE_Grammar::resolveReferences() {
     }
     // Each name once, whether one reference reads its groups or thousands do.
     std::ranges::sort(names, {}, firstToken);
-    const auto isSame = [&](const auto& one, const auto& other) { return firstToken(one) == firstToken(other); };
+    const auto isSame = [&](const auto& one, const auto& other) {
+        return firstToken(one) == firstToken(other);
+    };
     names.erase(std::unique(names.begin(), names.end(), isSame), names.end());
     for (const auto& group : names) {
         for (auto token = group; token != context.tokenNames.end() && token->first == group->first; ++token) {
