@@ -1,6 +1,8 @@
 // Patches of `cvregexp replace` through `patch`: random files, random replacements. The patch of --dry-run makes of the old
 // files what --in-place makes of them, and what --save-patch keeps makes the old files again. Skipped where `patch` is
 // missing. CORVANE_TOOL_PATCH_RUNS sets how many.
+#include "tests/support/list_random.h"
+
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
@@ -9,7 +11,6 @@
 #include <fstream>
 #include <iterator>
 #include <map>
-#include <random>
 #include <string>
 
 #ifdef CORVANE_TOOL_PATH
@@ -19,21 +20,8 @@ namespace {
 namespace fs = std::filesystem;
 using Files = std::map<std::string, std::string>;
 
-class PatchRandom {
-public:
-    explicit PatchRandom(unsigned seed) : engine(seed) {}
-    size_t below(size_t limit) { return engine() % limit; }
-    template <class List>
-    const auto& of(const List& list) {
-        return list[below(std::size(list))];
-    }
-
-private:
-    std::mt19937 engine;
-};
-
 // Few different lines, so that patches have to find the right ones; with ends of all kinds, or none.
-std::string randomContent(PatchRandom& random) {
+std::string randomContent(corvane_tests::ListRandom& random) {
     static const std::string lines[] = {"a",     "b",  "ab",         "",    "-- a", "++ b", "@@ -1 +1 @@", "a b\r",
                                         "\\ No", "aa", "\xC3\xA9 a", "bab", "b b",  "c",    "d d d",       "- x"};
     std::string content;
@@ -43,7 +31,7 @@ std::string randomContent(PatchRandom& random) {
     return content;
 }
 
-Files randomFiles(PatchRandom& random) {
+Files randomFiles(corvane_tests::ListRandom& random) {
     static const std::string names[] = {"x",        "d/y", "d/e/z z", "d/\"q\"", "d/caf\xC3\xA9", "d/back\\slash",
                                         "tab\there"};
     Files files;
@@ -85,7 +73,7 @@ TEST(CommandLineTool, WritesPatchesThatLeadThereAndBack) {
     std::string root = (fs::temp_directory_path() / "corvane-patch-XXXXXX").string();
     ASSERT_NE(::mkdtemp(root.data()), nullptr);
     const fs::path folder = fs::path(root) / "tree";
-    PatchRandom random(20261123);
+    corvane_tests::ListRandom random(20261123);
     for (int round = 0; round != runs && !::testing::Test::HasFailure(); ++round) {
         const Files before = randomFiles(random);
         const std::string& pattern = random.of(patterns);

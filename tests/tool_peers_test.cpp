@@ -1,6 +1,7 @@
 // The lines that `cvregexp match` selects beside those of grep and ripgrep: random patterns of what the three have in
 // common, random lines, random options. Skipped where the peers are missing. CORVANE_TOOL_PEER_RUNS sets how many.
 #include "tests/support/command.h"
+#include "tests/support/list_random.h"
 
 #include <gtest/gtest.h>
 #include <stdlib.h>
@@ -9,7 +10,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -29,20 +29,7 @@ std::string answerOf(const std::string& command) {
     return result.output + "status " + std::to_string(result.status) + "\n";
 }
 
-class PeerRandom {
-public:
-    explicit PeerRandom(unsigned seed) : engine_(seed) {}
-    std::size_t below(std::size_t limit) { return engine_() % limit; }
-    template <class List>
-    const auto& of(const List& list) {
-        return list[below(std::size(list))];
-    }
-
-private:
-    std::mt19937 engine_;
-};
-
-std::string randomLines(PeerRandom& random) {
+std::string randomLines(corvane_tests::ListRandom& random) {
     static const std::string pieces[] = {"a", "b",        "ab",           "c", "A", " ", "-", "_",
                                          "1", "\xC3\xA9", "\xE2\x82\xAC", "\""};
     std::string text;
@@ -53,10 +40,10 @@ std::string randomLines(PeerRandom& random) {
     return text;
 }
 
-std::string randomAtom(PeerRandom& random, int depth);
+std::string randomAtom(corvane_tests::ListRandom& random, int depth);
 
 // Of what means the same to extended expressions of grep, to ripgrep and here.
-std::string randomPattern(PeerRandom& random, int depth) {
+std::string randomPattern(corvane_tests::ListRandom& random, int depth) {
     std::string pattern;
     for (std::size_t items = random.below(3) + 1; items != 0; --items) {
         static const std::string quantifiers[] = {"", "", "", "*", "+", "?", "{2}", "{1,2}"};
@@ -65,7 +52,7 @@ std::string randomPattern(PeerRandom& random, int depth) {
     return random.below(4) == 0 ? pattern + "|" + randomAtom(random, depth) : pattern;
 }
 
-std::string randomAtom(PeerRandom& random, int depth) {
+std::string randomAtom(corvane_tests::ListRandom& random, int depth) {
     static const std::string atoms[] = {"a",    "b",     "c", "ab", ".",        "[ab]",
                                         "[^a]", "[^b ]", "-", " ",  "\xC3\xA9", "[a-c]"};
     if (depth > 0 && random.below(4) == 0) return "(" + randomPattern(random, depth - 1) + ")";
@@ -77,7 +64,7 @@ struct Options {
     std::string pattern;  // with anchors
 };
 
-Options randomOptions(PeerRandom& random) {
+Options randomOptions(corvane_tests::ListRandom& random) {
     static const std::string modes[] = {"", "", "-i ", "-v ", "-x ", "-w "};
     static const std::string forms[] = {"-n ", "-c ", "-b ", "-n -C1 ", "-n -A2 ", "-B1 ", "-n -m2 ", "-q "};
     Options options{random.of(modes) + random.of(forms), randomPattern(random, 2)};
@@ -99,7 +86,7 @@ TEST(CommandLineTool, SelectsTheLinesThatItsPeersSelect) {
     const std::string file = folder + "/lines";
     const std::string pattern = folder + "/pattern";
     const unsigned seed = 20261122;
-    PeerRandom random(seed);
+    corvane_tests::ListRandom random(seed);
     for (int run = 0; run != runs && !::testing::Test::HasFailure(); ++run) {
         const std::string text = randomLines(random);
         std::ofstream(file, std::ios::binary) << text;

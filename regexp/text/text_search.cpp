@@ -5,8 +5,8 @@
 // that all conversions and all new beginnings together cost no more than the last.
 #include "regexp/text/text_search.h"
 
-#include "host/interrupt.h"
 #include "regexp/analysis/reach.h"
+#include "regexp/base/earlier_interrupt.h"
 #include "regexp/find_all.h"
 
 #include <algorithm>
@@ -14,27 +14,6 @@
 namespace {
 
 constexpr std::size_t kFirstUnits = 16384;
-
-/// A request to stop that came before the work is put aside and raised again afterwards: it was meant for something else.
-class Interrupt_Aside {
-public:
-    explicit Interrupt_Aside(bool interruptible)
-        : wasPending(interruptible && utInterruptState::IsInterruptPending()) {
-        if (wasPending) {
-            utInterruptState::SetInterruptPending(false);
-        }
-    }
-    ~Interrupt_Aside() {
-        if (wasPending) {
-            utInterruptState::SetInterruptPending(true);
-        }
-    }
-    Interrupt_Aside(const Interrupt_Aside&) = delete;
-    Interrupt_Aside& operator=(const Interrupt_Aside&) = delete;
-
-private:
-    bool wasPending;
-};
 
 }  // namespace
 
@@ -63,7 +42,7 @@ const RE_Results* RE_Text_Search::find(std::size_t unit, std::size_t latestStart
     if (now.sequenceIsWhole) {
         return findKnown(unit, latestStart);
     }
-    const Interrupt_Aside aside(tree.isInterruptible());
+    const RE_Earlier_Interrupt earlier(tree.isInterruptible());
     for (;;) {
         if (now.sequenceIsWhole || (now.hasSequence && unit < now.finalStarts)) {
             const RE_Results* const match = findKnown(unit, latestStart);
@@ -83,7 +62,7 @@ std::optional<std::size_t> RE_Text_Search::unitAt(std::size_t offset, RE_Offsets
     if (now.stopped != RE_Search_Outcome::noMatch) {
         return std::nullopt;
     }
-    const Interrupt_Aside aside(tree.isInterruptible());
+    const RE_Earlier_Interrupt earlier(tree.isInterruptible());
     if (!text.isWhole() && text.offsetOf(text.known().size(), counted) <= offset) {
         finish();  // the text moves, and its memory comes before that of the sequence
     }
